@@ -1,0 +1,78 @@
+// Game devices, in the shape of the published DirectInput 8 interfaces: a directory of attached
+// devices, and one object a device that is in use. Operations keep their published names, order
+// and results; plain numbers and the published records cross here.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "app/platform/direct_input.h"
+#include "app/platform/threads.h"
+
+namespace platform {
+
+// One device in use (IDirectInputDevice8). Its states come from the thread that polls; all other
+// operations from the thread that owns it, with no poll under way.
+class DirectInputDevice {
+ public:
+  // The standard format, DIJOYSTATE2, is the only one.
+  virtual HRESULT SetDataFormat() = 0;
+  virtual HRESULT SetCooperativeLevel(Handle window, std::uint32_t flags) = 0;
+  virtual HRESULT GetCapabilities(DIDEVCAPS* caps) = 0;
+
+  // Calls visit(id) for each axis, in order, until it returns false; id is what DIPH_BYID takes.
+  // `flags` is DIDFT_AXIS.
+  virtual HRESULT EnumObjects(const std::function<bool(std::uint32_t id)>& visit,
+                              std::uint32_t flags) = 0;
+
+  // `property` is DIPROP_RANGE: the axis named by the header reads lMin to lMax from here on.
+  virtual HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) = 0;
+
+  // DI_OK or DI_NOEFFECT when the device answers. On a lost device it tries to get the same one
+  // (the same guidInstance) back; cheap enough to be called at every tick.
+  virtual HRESULT Acquire() = 0;
+  virtual HRESULT Unacquire() = 0;
+
+  // Takes in what the device has reported since the last call; never blocks. DI_OK, DI_NOEFFECT,
+  // or a failure (DIERR_INPUTLOST) when the device doesn't answer.
+  virtual HRESULT Poll() = 0;
+
+  // The state as of the last Poll. `size` is 272.
+  virtual HRESULT GetDeviceState(std::uint32_t size, DIJOYSTATE2* state) = 0;
+
+  // Ends the use of the object; it is gone after this.
+  virtual void Release() = 0;
+
+ protected:
+  ~DirectInputDevice() = default;
+};
+
+// The directory (IDirectInput8).
+class DirectInput {
+ public:
+  // Calls visit for each device, in the platform's fixed order, until it returns false.
+  virtual HRESULT EnumDevices(std::uint32_t deviceClass,
+                              const std::function<bool(const DIDEVICEINSTANCE&)>& visit,
+                              std::uint32_t flags) = 0;
+
+  // *device is set on DI_OK only.
+  virtual HRESULT CreateDevice(const GUID& instance, DirectInputDevice** device) = 0;
+
+  virtual void Release() = 0;
+
+ protected:
+  ~DirectInput() = default;
+};
+
+class Devices {
+ public:
+  virtual ~Devices() = default;
+
+  // *directInput is set on DI_OK only. `version` is DIRECTINPUT_VERSION_8.
+  virtual HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) = 0;
+};
+
+// Of the installed platform.
+HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput);
+
+}  // namespace platform

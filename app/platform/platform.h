@@ -1,0 +1,41 @@
+// The seam between the logic and the machine. A Platform hands out one object for each group of
+// operations, so that any of them can be replaced alone: recorded devices under the real clock,
+// say. A program installs one at its start, a test a fresh one each; the free functions beside
+// each interface go to the installed one.
+#pragma once
+
+#include "app/platform/clock.h"
+#include "app/platform/desktop.h"
+#include "app/platform/devices.h"
+#include "app/platform/files.h"
+#include "app/platform/input.h"
+#include "app/platform/threads.h"
+#include "app/platform/timers.h"
+
+namespace platform {
+
+// Borrowed pointers; a group that a program has no use for may be null, and is then never called.
+struct Platform {
+  Clock* clock = nullptr;
+  Threads* threads = nullptr;
+  Timers* timers = nullptr;
+  Devices* devices = nullptr;
+  Input* input = nullptr;
+  System* system = nullptr;
+  Desktop* desktop = nullptr;
+};
+
+// Installs `platform` for the life of this object, and the previous one again after it. Not to be
+// done while another thread runs through the seam.
+class InstalledPlatform {
+ public:
+  explicit InstalledPlatform(const Platform& platform);
+  ~InstalledPlatform();
+  InstalledPlatform(const InstalledPlatform&) = delete;
+  InstalledPlatform& operator=(const InstalledPlatform&) = delete;
+
+ private:
+  Platform previous;
+};
+
+}  // namespace platform

@@ -1,0 +1,48 @@
+// Multimedia timers: a periodic call on a thread of the platform's own.
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+constexpr std::uint32_t TIMERR_NOERROR = 0;
+constexpr std::uint32_t TIME_PERIODIC = 1;
+
+// Limits of a period, in milliseconds.
+struct TIMECAPS {
+  std::uint32_t wPeriodMin = 0;
+  std::uint32_t wPeriodMax = 0;
+};
+
+using TimerCallback = void (*)(std::uint32_t timerId, void* user);
+
+class Timers {
+ public:
+  virtual ~Timers() = default;
+
+  // TIMERR_NOERROR on success; any other value leaves *caps alone.
+  virtual std::uint32_t timeGetDevCaps(TIMECAPS* caps) = 0;
+
+  // Ask for and give back a timer grain of `periodMs`. In pairs.
+  virtual std::uint32_t timeBeginPeriod(std::uint32_t periodMs) = 0;
+  virtual std::uint32_t timeEndPeriod(std::uint32_t periodMs) = 0;
+
+  // Calls callback(id, user) every `delayMs` milliseconds, first after one delay, on one thread
+  // and never twice at once. Periods that pass while a call still runs are skipped and not made
+  // up for. `flags` is TIME_PERIODIC. The timer's id, or 0 when there can be none.
+  virtual std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
+                                     TimerCallback callback, void* user, std::uint32_t flags) = 0;
+
+  // No call starts after this. One that is under way may still be running.
+  virtual std::uint32_t timeKillEvent(std::uint32_t timerId) = 0;
+};
+
+// Of the installed platform.
+std::uint32_t timeGetDevCaps(TIMECAPS* caps);
+std::uint32_t timeBeginPeriod(std::uint32_t periodMs);
+std::uint32_t timeEndPeriod(std::uint32_t periodMs);
+std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
+                           TimerCallback callback, void* user, std::uint32_t flags);
+std::uint32_t timeKillEvent(std::uint32_t timerId);
+
+}  // namespace platform

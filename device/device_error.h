@@ -1,0 +1,7 @@
+#pragma once
+namespace kelvaro {
+class DeviceErrorObject {
+ public:
+  virtual ~DeviceErrorObject() = default;
+};
+}  // namespace kelvaro

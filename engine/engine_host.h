@@ -1,0 +1,33 @@
+// What the engine reaches of whatever lies above it: a window, or a console. Calls come on the
+// notification thread with deviceLock held (ControlDialogOpen on the timer's thread too) and must
+// not wait for a user interface.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/device_snapshot.h"
+#include "foundation/byte_string.h"
+
+namespace kelvaro {
+
+class DeviceManager;
+
+class EngineHost {
+ public:
+  virtual ~EngineHost() = default;
+
+  // Whether the dialog that defines a Control is open; no Control fires meanwhile.
+  virtual bool ControlDialogOpen() const = 0;
+  // The state is for that dialog.
+  virtual void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) = 0;
+
+  // A text for the field `fieldId` (1159 to 1164) of a running mouse detection.
+  virtual void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) = 0;
+  // The detection for that field is over: its box is to be unchecked.
+  virtual void MouseDetectionEnded(std::uint32_t fieldId) = 0;
+  // Values changed that are kept for the device, or in the profile (profileLock is held).
+  virtual void SaveDeviceSettings() = 0;
+  virtual void SaveProfile() = 0;
+};
+
+}  // namespace kelvaro

@@ -1,0 +1,37 @@
+// The open profile in memory: its device, its mouse settings and its Controls, with the sorted
+// copy of the Controls that the dispatcher walks.
+#pragma once
+
+#include <cstdint>
+
+#include "app/platform/direct_input.h"
+#include "engine/control.h"
+#include "engine/mouse_settings.h"
+#include "foundation/byte_string.h"
+#include "foundation/linked_list.h"
+#include "foundation/recursive_lock.h"
+
+namespace kelvaro {
+
+class Profile : public MouseSettings {
+ public:
+  // Under profileLock: empties the name, both lists and the device; the other mouse settings than
+  // mouseAlwaysActive stay.
+  void Clear();
+
+  // Makes DispatchList a copy of controls, every copy borrowing its actions, heaviest Trigger
+  // first. Among equal weights the user's order is a first preference only: the selection sort
+  // swaps nodes and so isn't stable. Takes no lock.
+  void RebuildDispatchList();
+
+  LinkedList<Control> controls;      // the master list, in the user's order
+  LinkedList<Control> DispatchList;  // guarded by profileLock
+  RecursiveLock profileLock{LockRank::Profile};
+  ByteString profileName;
+  ByteString deviceName;
+  std::uint32_t nextControlId = 1;
+  std::uint32_t pollInterval = 5;  // ms
+  platform::GUID deviceGuid;
+};
+
+}  // namespace kelvaro

@@ -1,0 +1,35 @@
+// The thread that repeats the one Control that is held and repeats. A later one takes the place of
+// an earlier one, which never resumes.
+#pragma once
+
+#include <atomic>
+
+#include "engine/control.h"
+#include "foundation/worker_thread.h"
+
+namespace kelvaro {
+
+class RepeatWorker : public WorkerThread {
+ public:
+  RepeatWorker();
+  ~RepeatWorker() override;
+
+  using WorkerThread::Start;  // of the thread
+
+  // Makes `control`, of the DispatchList, the repeating one; its delay counts from now.
+  void Start(Control* control);
+  // To be called before the Controls of the DispatchList are replaced or destroyed.
+  void Clear();
+  // A look without the lock: a stale answer costs nothing, as only the caller's thread starts.
+  Control* Repeating() const { return repeatControl.load(std::memory_order_relaxed); }
+
+  RecursiveLock repeatLock{LockRank::Repeat};
+
+ protected:
+  std::uint32_t Run() override;
+
+ private:
+  std::atomic<Control*> repeatControl{nullptr};  // written under repeatLock
+};
+
+}  // namespace kelvaro

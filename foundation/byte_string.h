@@ -1,0 +1,156 @@
+// The 8-bit string of the whole system, and the byte buffer of its file formats. Bytes are raw,
+// zero bytes allowed; the byte behind the last is always 0, so that Text() serves as a C string.
+// Dropping bytes from the front moves a pointer and copies nothing. Case folding touches ASCII
+// letters only and knows no locale. Nothing throws: an allocation failure leaves a string empty
+// (constructors, Assign) or unchanged (Append). No locking.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace platform {
+class File;
+}
+
+namespace kelvaro {
+
+// The smallest allocation, in bytes, and the least room added on growth.
+constexpr std::int32_t MinimumStringCapacity = 16;
+
+class ByteString {
+ public:
+  ByteString();
+  explicit ByteString(std::int32_t capacity);  // empty, with room for `capacity` bytes
+  explicit ByteString(char c);
+  explicit ByteString(std::uint16_t value);  // two bytes, most significant first
+  ByteString(const char* text);              // NOLINT: null gives an empty string
+  ByteString(const ByteString& other);
+  ByteString(ByteString&& other) noexcept;
+  ByteString& operator=(const ByteString& other);
+  ByteString& operator=(ByteString&& other) noexcept;
+  ByteString& operator=(const char* text);
+  virtual ~ByteString();
+
+  // The bytes, zero-terminated. Null only after a constructor ran out of memory.
+  const char* Text() const { return data; }
+  std::uint32_t Length() const { return length; }
+  bool IsEmpty() const { return length == 0; }
+  std::int32_t Capacity() const { return capacity; }
+  char operator[](std::uint32_t index) const { return data[index]; }
+
+  // A null text empties the string.
+  void Assign(const char* text);
+  void Assign(const ByteString& other);
+  // False, with nothing changed, for null. `bytes` may lie inside this string.
+  bool AssignBytes(const void* bytes, std::uint32_t n);
+  void AssignChar(char c);
+
+  // Null is ignored. The appended bytes may be this string's own.
+  void Append(const char* text);
+  void Append(const ByteString& other);
+  void Append(const void* bytes, std::uint32_t n);
+  void AppendChar(char c);
+
+  ByteString Concat(const char* text) const;
+  ByteString Concat(const ByteString& other) const;
+
+  // n below 0 counts as 0, above the length as the length.
+  ByteString Left(std::int32_t n) const;
+  ByteString Right(std::int32_t n) const;
+
+  // Cuts to n bytes; nothing when n isn't below the length.
+  void Truncate(std::int32_t n);
+  // Keeps the last n bytes, without copying. n below 1 empties, above the length keeps all.
+  void KeepRight(std::int32_t n);
+  void Empty();
+
+  // Makes room of `wanted` bytes, the terminator among them (values below 5 count as 4): with
+  // `exact` just that, otherwise at least that. Without keepText the content is undefined when the
+  // room is there already, and empty when it had to be made. False when memory ran out.
+  bool Reserve(std::int32_t wanted, bool keepText, bool exact);
+
+  void ReplaceAll(const ByteString& from, const ByteString& to);
+  // n below 1: the zero-terminated length. An empty pattern does nothing.
+  void RemoveAll(const char* pattern, std::int32_t n = 0);
+  // Does nothing if either is null.
+  void Replace(const char* from, const char* to);
+
+  // Null gives false. The terminator counts: a longer text is not equal.
+  bool Equals(const char* text) const;
+  bool Equals(const ByteString& other) const;
+
+  // -1, 0 or 1, by unsigned bytes over the shorter length. Note the sense of the tie: 1 when n is
+  // below this length, -1 when it is above. Null gives 1.
+  int Compare(const void* bytes, std::int32_t n) const;
+  int CompareNoCase(const void* bytes, std::int32_t n) const;
+  int Compare(const ByteString& other, bool ignoreCase) const;
+
+  // The first c at or behind `start`. False, with *position untouched, when there is none or
+  // `start` is outside the text.
+  bool FindChar(char c, std::int32_t* position, std::int32_t start = 0) const;
+
+  // Index of the first occurrence at or behind `start`, -1 when there is none.
+  std::int32_t Find(const void* pattern, std::int32_t start, std::int32_t n) const;
+  std::int32_t Find(const ByteString& pattern, std::int32_t start = 0) const;
+  // Makes repeated searches for this string cheap, until it is changed.
+  void BuildSkipTable();
+
+  // Folds first..last, both included; a negative or too large `last` means the last byte. False,
+  // with nothing changed, on an empty string or a `first` outside 0 to the length.
+  bool ToUpper(std::int32_t first, std::int32_t last);
+
+  // Numbers as bytes, most significant first.
+  void AssignU16(std::uint16_t value);
+  void AssignU32(std::uint32_t value);
+  // From the first bytes; with fewer left than the width from those, and 0 from none.
+  void ReadU16(std::uint16_t* out) const;
+  void ReadU32(std::uint32_t* out) const;
+  void ReadU64(std::uint64_t* out) const;
+
+  // Remove bytes whose value lies in low..high, both included.
+  void TrimLeft(std::uint8_t low, std::uint8_t high);
+  void TrimRight(std::uint8_t low, std::uint8_t high);
+  void Trim(std::uint8_t low, std::uint8_t high);
+
+  void EnsureTrailingBackslash();
+  void TrimTrailingBackslashes();
+
+  // Bytes written or read, -1 on failure. ReadFrom replaces the text.
+  std::int32_t WriteTo(platform::File* file) const;
+  std::int32_t ReadFrom(platform::File* file, std::int32_t n);
+
+  // The next line of `stream`, without its end. A lone carriage return costs the line the byte
+  // behind it. False at the end of the stream with nothing read.
+  bool ReadLine(platform::File* stream, bool keepEmptyLines);
+
+ private:
+  // Members and helpers are the implementation's.
+  char* buffer = nullptr;     // start of the allocation
+  char* data = nullptr;       // start of the text, at or behind buffer
+  std::int32_t capacity = 0;  // bytes from data to the end of the allocation
+  std::uint32_t length = 0;
+  std::uint8_t flags = 0;  // bit 0: buffer isn't owned
+  std::uint32_t* skipTable = nullptr;
+};
+
+// The fixed case table: a to z fold to A to Z, all other values stay.
+std::uint8_t FoldUpper(std::uint8_t c);
+
+// Unsigned decimal. With `thousands` a comma every three digits; '0' in front up to minDigits
+// characters, commas counted.
+ByteString ToDecimal(std::uint32_t value, bool thousands, std::int32_t minDigits);
+ByteString ToDecimal(std::uint16_t value, bool thousands, std::int32_t minDigits);
+ByteString ToDecimal(std::uint8_t value, bool thousands, std::int32_t minDigits);
+// minDigits applies to what stands behind the sign.
+ByteString ToDecimalSigned(std::int32_t value, bool thousands, std::int32_t minDigits);
+// Always 8 digits, lower case.
+ByteString ToHex(std::uint32_t value);
+bool IsAllDigits(const ByteString& text);  // false for an empty text
+// Other bytes than digits are skipped ("1a2" is 12); wraps at 2^32.
+std::uint32_t ToUnsigned(const ByteString& text);
+bool IsLetter(char c);
+
+// The system's message for an error code, line end included; empty when there is none.
+ByteString SystemErrorText(std::uint32_t code);
+
+}  // namespace kelvaro

@@ -1,0 +1,151 @@
+// Doubly linked list that owns its elements. A reference to an element stays good until its node
+// is removed; an index is clamped, not refused; a positional lookup walks from the nearest end.
+// Nothing throws as long as copying T doesn't; an allocation failure is a false result. No locking.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <new>
+
+namespace kelvaro {
+
+template <typename T>
+class LinkedList {
+ public:
+  struct Node {
+    T* value;
+    Node* prev;
+    Node* next;
+    std::uint32_t tag;  // the caller's own; only copies of the list hand it on
+  };
+
+  LinkedList() = default;
+  LinkedList(const LinkedList& other) { Append(other); }
+  LinkedList& operator=(const LinkedList& other) {
+    if (this != &other) {
+      Clear();
+      Append(other);
+    }
+    return *this;
+  }
+  virtual ~LinkedList() { Clear(); }
+
+  // Copies `element` to a new node at the end. False on allocation failure, with nothing changed.
+  bool AddTail(const T& element, std::uint32_t tag = 0) {
+    std::unique_ptr<T> copy(new (std::nothrow) T(element));
+    if (!copy) return false;
+    Node* node = new (std::nothrow) Node{copy.get(), nullptr, nullptr, tag};
+    if (!node) return false;
+    copy.release();
+    // Guards against a list whose tail was left behind.
+    while (tail && tail->next) tail = tail->next;
+    node->prev = tail;
+    if (tail) {
+      tail->next = node;
+    } else {
+      head = node;
+    }
+    tail = node;
+    ++count;
+    return true;
+  }
+
+  // The node at `index`, clamped to the first and last; null only when the list is empty.
+  Node* At(std::int32_t index) const {
+    if (!head) return nullptr;
+    if (index >= count) index = count - 1;
+    if (index < 0) index = 0;
+    Node* node;
+    if (index > (count >> 1)) {
+      node = tail;
+      for (std::int32_t steps = count - index - 1; steps > 0; --steps) node = node->prev;
+    } else {
+      node = head;
+      for (std::int32_t steps = index; steps > 0; --steps) node = node->next;
+    }
+    return node;
+  }
+
+  // Unlinks and destroys `node`, which must be of this list. Nothing on an empty list.
+  void RemoveNode(Node* node) {
+    if (!head || !node) return;
+    (node->prev ? node->prev->next : head) = node->next;
+    (node->next ? node->next->prev : tail) = node->prev;
+    delete node->value;
+    delete node;
+    --count;
+  }
+
+  void Clear() {
+    for (Node* node = head; node;) {
+      Node* next = node->next;
+      delete node->value;
+      delete node;
+      node = next;
+    }
+    head = nullptr;
+    tail = nullptr;
+    count = 0;
+  }
+
+  // Takes the last element out into *out. False, with *out untouched, when the list is empty.
+  bool PopTail(T* out) {
+    if (!tail) return false;
+    *out = *tail->value;
+    RemoveNode(tail);
+    return true;
+  }
+
+  // Swap the node with its neighbour. False, with nothing changed, where there is none.
+  bool MoveUp(std::int32_t index) {
+    if (index < 1 || index >= count) return false;
+    Node* node = At(index);
+    SwapNodes(node->prev, node);
+    return true;
+  }
+  bool MoveDown(std::int32_t index) {
+    if (index < 0 || index >= count - 1) return false;
+    Node* node = At(index);
+    SwapNodes(node, node->next);
+    return true;
+  }
+
+  // Exchanges the places of two nodes of this list; the values stay in their nodes. Two equal
+  // arguments do nothing.
+  void SwapNodes(Node* a, Node* b) {
+    if (!a || !b || a == b) return;
+    if (b->next == a) {
+      Node* first = b;
+      b = a;
+      a = first;
+    }
+    Node* before = a->prev;
+    Node* after = b->next;
+    if (a->next == b) {
+      b->next = a;
+      a->prev = b;
+    } else {
+      Node* behindA = a->next;
+      Node* beforeB = b->prev;
+      b->next = behindA;
+      behindA->prev = b;
+      a->prev = beforeB;
+      beforeB->next = a;
+    }
+    b->prev = before;
+    (before ? before->next : head) = b;
+    a->next = after;
+    (after ? after->prev : tail) = a;
+  }
+
+  Node* head = nullptr;
+  Node* tail = nullptr;
+  std::int32_t count = 0;
+
+ private:
+  void Append(const LinkedList& other) {
+    for (Node* node = other.head; node; node = node->next) AddTail(*node->value, node->tag);
+  }
+};
+
+}  // namespace kelvaro

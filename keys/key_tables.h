@@ -1,0 +1,41 @@
+// The three constant tables of the key language, for the United States keyboard whatever layout the
+// system has: names between brackets, typed characters, and the scan codes of the letters. The
+// order of rows counts: a formatter takes the first row that fits.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "foundation/byte_string.h"
+
+namespace kelvaro {
+
+struct KeyToken {
+  const char* name;  // null in the sentinel
+  std::uint8_t vk;
+  std::uint8_t scan;
+  std::uint8_t flags;
+};
+
+struct KeyChar {
+  char character;  // 0 in the sentinel
+  std::uint8_t vk;
+  std::uint8_t scan;
+  std::uint8_t flags;
+};
+
+constexpr std::size_t kKeyTokenCount = 99;
+constexpr std::size_t kKeyCharCount = 33;
+
+extern const KeyToken KeyTokenTable[kKeyTokenCount + 1];
+extern const KeyChar KeyCharTable[kKeyCharCount + 1];
+extern const std::uint8_t LetterScanTable[26];
+
+// Whether a row's name and `length` bytes of `text` are equal but for the case of ASCII letters.
+bool CompareNoCase(const char* rowName, const char* text, std::size_t length);
+// Index of the row of that name, -1 for none.
+std::int32_t FindToken(const ByteString& name);
+// The key of a typed character. False when no key types it.
+bool FindTypedKey(char character, std::uint8_t* vk, std::uint8_t* scan, std::uint8_t* flags);
+
+}  // namespace kelvaro
