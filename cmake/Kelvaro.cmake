@@ -20,15 +20,26 @@ function(kelvaro_library name)
   target_link_libraries(kelvaro_${name} PUBLIC kelvaro_options ${ARGN})
 endfunction()
 
-# kelvaro_test(NAME links...): GoogleTest program test_NAME of this folder's *_test.cc.
+# kelvaro_test(NAME [THREADS] links...): GoogleTest program test_NAME of this folder's *_test.cc.
+# THREADS says that it runs real threads, which puts it before the thread sanitizer too (target
+# threaded_tests, label threads).
 function(kelvaro_test name)
+  cmake_parse_arguments(arg "THREADS" "" "" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *_test.cc)
   if(NOT sources)
     return()
   endif()
   add_executable(test_${name} ${sources})
-  target_link_libraries(test_${name} PRIVATE kelvaro_options ${ARGN} GTest::gtest GTest::gtest_main)
+  target_link_libraries(test_${name} PRIVATE
+    kelvaro_options ${arg_UNPARSED_ARGUMENTS} GTest::gtest GTest::gtest_main)
   target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h>)
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+  if(arg_THREADS)
+    set_tests_properties(${name} PROPERTIES LABELS threads)
+    if(NOT TARGET threaded_tests)
+      add_custom_target(threaded_tests)
+    endif()
+    add_dependencies(threaded_tests test_${name})
+  endif()
 endfunction()
