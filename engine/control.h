@@ -62,6 +62,8 @@ class Control : public Trigger {
   // Destroys the actions unless they are borrowed; the list ends empty either way.
   void ClearActions();
   void CopyTrigger(const Control& source);
+  // Both full copies drop this Control's actions first, so `source` is to be another one; an
+  // action for which memory runs out is left out.
   // A copy with actions of its own. actionsBorrowed ends at 0; repeatStarted and repeatLastTick
   // stay at their defaults.
   void CopyDeep(const Control& source);
@@ -70,7 +72,10 @@ class Control : public Trigger {
 
   // Whether the Trigger is active in this state (press), or was let go by it (release). Changes
   // triggerArmed and triggerSpoiled. Meant to be called once for each changed state.
+  // axisMax: the positive limit of an axis, which the device knows. A hat above 3 counts as
+  // centred.
   bool EvaluateTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot);
+  bool EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapshot);
   // Whether an item names the same input, in any direction.
   bool UsesInput(const TriggerItem& item) const;
 
@@ -87,6 +92,10 @@ class Control : public Trigger {
   std::uint32_t keyReleasePause = 0;  // ms
   LinkedList<InputAction*> actions;
   std::uint8_t actionsBorrowed = 0;
+
+ private:
+  // What both kinds of copy carry over, the actions not among it.
+  void CopySettings(const Control& source);
 };
 
 }  // namespace kelvaro

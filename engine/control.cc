@@ -1,0 +1,167 @@
+#include "engine/control.h"
+
+#include "device/device_manager.h"
+
+namespace kelvaro {
+
+bool InputAction::Replay(std::uint8_t, std::uint32_t, std::uint32_t) { return false; }
+
+bool InputAction::Release() { return false; }
+
+void InputAction::CopyType(const InputAction& other) { actionType = other.actionType; }
+
+void InputAction::Clear() {}
+
+InputAction* InputAction::Clone() const { return nullptr; }
+
+void Trigger::ResetTrigger() {
+  activateOnPress = 1;
+  triggerOption = 1;
+  SetButtonMask(0);
+  triggerItems.Clear();
+  triggerArmed = 0;
+  triggerSpoiled = 0;
+}
+
+void Trigger::SetButtonMask(std::uint64_t mask) {
+  buttonMask = mask;
+  buttonCount = CountButtons(mask);
+}
+
+std::uint32_t Trigger::Weight() const {
+  return buttonCount + static_cast<std::uint32_t>(triggerItems.count);
+}
+
+Control::Control(const Control& source) : Trigger() { CopyShared(source); }
+
+Control::~Control() { ClearActions(); }
+
+void Control::Reset() {
+  ClearActions();
+  ResetTrigger();
+  description.Empty();
+  controlId = 0;
+  triggerDown = 0;
+  toggleMouseControls = 0;
+  repeatEnabled = 0;
+  repeatStarted = 0;
+  repeatDelay = 500;
+  repeatSpeed = 50;
+  repeatLastTick = 0;
+  keyHoldTime = 0;
+  keyReleasePause = 0;
+}
+
+void Control::ClearActions() {
+  if (!actionsBorrowed) {
+    for (auto* node = actions.head; node; node = node->next) delete *node->value;
+  }
+  actions.Clear();
+}
+
+void Control::CopyTrigger(const Control& source) {
+  activateOnPress = source.activateOnPress;
+  triggerOption = source.triggerOption;
+  buttonMask = source.buttonMask;
+  buttonCount = source.buttonCount;
+  triggerItems = source.triggerItems;
+  triggerArmed = source.triggerArmed;
+  triggerSpoiled = source.triggerSpoiled;
+}
+
+void Control::CopySettings(const Control& source) {
+  CopyTrigger(source);
+  description = source.description;
+  controlId = source.controlId;
+  triggerDown = source.triggerDown;
+  toggleMouseControls = source.toggleMouseControls;
+  repeatEnabled = source.repeatEnabled;
+  repeatDelay = source.repeatDelay;
+  repeatSpeed = source.repeatSpeed;
+  keyHoldTime = source.keyHoldTime;
+  keyReleasePause = source.keyReleasePause;
+}
+
+void Control::CopyDeep(const Control& source) {
+  Reset();
+  CopySettings(source);
+  for (auto* node = source.actions.head; node; node = node->next) {
+    const InputAction* action = *node->value;
+    if (action->actionType != InputAction::kKeyAction) continue;
+    InputAction* copy = action->Clone();
+    if (copy && !actions.AddTail(copy)) delete copy;
+  }
+  actionsBorrowed = 0;
+}
+
+void Control::CopyShared(const Control& source) {
+  ClearActions();
+  CopySettings(source);
+  repeatStarted = source.repeatStarted;
+  repeatLastTick = source.repeatLastTick;
+  actions = source.actions;
+  actionsBorrowed = 0;
+}
+
+bool Control::EvaluateTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) {
+  return EvaluateTrigger(device.axisMax, snapshot);
+}
+
+bool Control::EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapshot) {
+  bool satisfied = false;
+  if (buttonMask != 0) {
+    const std::uint64_t held = snapshot.dispatchButtons;
+    if (held == 0) {
+      // Everything let go is what a release waits for, and only an armed Trigger waits.
+      if (triggerArmed == 0) {
+        triggerSpoiled = 0;
+        return false;
+      }
+      satisfied = true;
+    } else if ((held & buttonMask) == buttonMask) {
+      satisfied = true;
+    } else {
+      if (activateOnPress == 0 && (held & ~buttonMask) != 0) triggerSpoiled = 1;
+      return false;
+    }
+  }
+
+  for (const auto* node = triggerItems.head; node; node = node->next) {
+    const TriggerItem& item = *node->value;
+    const auto wanted = static_cast<std::uint8_t>(item.value);
+    if (item.kind <= input_kind::kSliderB) {
+      const std::uint8_t side = AxisState(axisMax, snapshot.state, item.kind, item.index);
+      if (side == AxisCentre ? triggerArmed != 1 : side != wanted) return false;
+      satisfied = true;
+    } else if (item.kind == input_kind::kPov) {
+      // A file may name a hat that no device has; it rests for ever.
+      const std::uint8_t directions = item.index < 4 ? snapshot.povDirections[item.index] : 0;
+      if (directions == 0 ? triggerArmed != 1 : (directions & wanted) == 0) return false;
+      satisfied = true;
+    } else {
+      satisfied = false;
+    }
+  }
+
+  if (!satisfied) return false;
+  if (activateOnPress != 0) return true;
+  if (triggerArmed == 0) {
+    triggerArmed = 1;
+    return false;
+  }
+  triggerArmed = 0;
+  if (triggerSpoiled == 1) {
+    triggerSpoiled = 0;
+    return false;
+  }
+  return true;
+}
+
+bool Control::UsesInput(const TriggerItem& item) const {
+  for (const auto* node = triggerItems.head; node; node = node->next) {
+    if (node->value->SameInput(item)) return true;
+  }
+  return false;
+}
+
+}  // namespace kelvaro
