@@ -32,11 +32,13 @@ class LinkedList {
 
   // Copies `element` to a new node at the end. False on allocation failure, with nothing changed.
   bool AddTail(const T& element, std::uint32_t tag = 0) {
-    std::unique_ptr<T> copy(new (std::nothrow) T(element));
-    if (!copy) return false;
-    Node* node = new (std::nothrow) Node{copy.get(), nullptr, nullptr, tag};
-    if (!node) return false;
-    copy.release();
+    // The node before the copy: no copy is ever destroyed here, which for an element that shares
+    // what it deletes (a Control and its actions) would take the original's away.
+    std::unique_ptr<Node> made(new (std::nothrow) Node{nullptr, nullptr, nullptr, tag});
+    if (!made) return false;
+    made->value = new (std::nothrow) T(element);
+    if (!made->value) return false;
+    Node* node = made.release();
     // Guards against a list whose tail was left behind.
     while (tail && tail->next) tail = tail->next;
     node->prev = tail;
