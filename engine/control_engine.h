@@ -1,6 +1,7 @@
 // The run-time state of the control engine and its two steps: MouseStep on every good poll,
 // ControlDispatcher on every changed state. One object serves one profile and one device manager;
-// a window or a console owns it.
+// a window or a console owns it, starts the thread of repeatWorker, and stops the device before
+// this goes.
 //
 // Threads: MouseStep runs on the timer's, ControlDispatcher on the notification thread, both with
 // deviceLock held. Locks nest deviceLock, mouseLock, profileLock, repeatLock.
@@ -27,25 +28,40 @@ class ControlEngine {
   static constexpr std::uint32_t kWheelDamperSlider = 1079;
   static constexpr std::uint32_t kWheelSensitivitySlider = 1080;
 
+  // Fields of the Mouse tab that show what a detection finds, and so what detectTargetId names.
+  static constexpr std::uint32_t kMouseXField = 1159;
+  static constexpr std::uint32_t kMouseYField = 1160;
+  static constexpr std::uint32_t kLeftButtonField = 1161;
+  static constexpr std::uint32_t kMiddleButtonField = 1162;
+  static constexpr std::uint32_t kMouseWheelField = 1163;
+  static constexpr std::uint32_t kRightButtonField = 1164;
+
   // The three must outlive this. The mouse step's factors are set from the profile.
   ControlEngine(Profile& profile, DeviceManager& device, EngineHost& host);
 
   // Registers both steps with the device manager and then enables them.
   void Attach();
 
-  // Stores the position (0 to 50) in the profile and sets what MouseStep derives from it.
+  // Stores the position in the profile and sets what MouseStep derives from it. A position beyond
+  // the slider's ends, 0 and 50, counts as the end; an unknown slider does nothing. Under
+  // profileLock once the engine runs.
   void ApplyMouseSlider(std::uint32_t sliderId, std::int32_t position);
   // The same for all four, from the profile.
   void ApplyMouseSettings();
 
+  // Whether any of the three flags that turn the mouse controls on is set. Any thread.
   bool MouseIsOn() const;
 
-  // Ends a running mouse detection and stores its result.
+  // Ends a running mouse detection, stores its result (nothing detected clears the assignment) and
+  // tells the host. Saving is the caller's. Nothing when none runs. Main or notification thread;
+  // takes profileLock.
   void EndMouseDetection();
 
   // Lets go of everything that is held: each Control that is down and doesn't repeat gets its
   // Release, in the order of the DispatchList; then the mouse buttons that are down go up, in one
-  // call. A replay under way is waited for. For the end of a run.
+  // call, whether the mouse controls are on or not. A replay under way is waited for. For the end
+  // of a run: both steps do nothing from here on, so that an input that is still held presses
+  // nothing anew, until Attach is called again.
   void LetGo();
 
   DeviceSnapshot snapshot;  // of the notification thread
@@ -54,23 +70,25 @@ class ControlEngine {
   // No lock; a stale read costs one dispatch.
   Relaxed<bool> mouseActive{false};
   Relaxed<bool> mouseTestMode{false};
-  std::atomic<std::uint32_t> detectCount{0};
 
   RecursiveLock mouseLock{LockRank::Mouse};
   Relaxed<std::int32_t> movementFactor{3};
   Relaxed<std::int32_t> wheelFactor{0};
   Relaxed<std::int32_t> movementDeadZone{0};  // axis units
   Relaxed<std::int32_t> wheelDeadZone{0};     // axis units
-  bool leftDown = false;                      // guarded by mouseLock, as is all below
-  bool middleDown = false;
+  bool leftDown = false;                      // last event sent; guarded by mouseLock, as are the
+  bool middleDown = false;                    // next five
   bool rightDown = false;
   double accumulatedX = 0.0;  // counts not yet sent
   double accumulatedY = 0.0;
   double accumulatedWheel = 0.0;
 
-  std::uint32_t detectTargetId = 0;
-  bool detectAxis = false;
-  TriggerItem detectResult{input_kind::kNone, 0, 0};
+  // Above 0 while a mouse detection runs. Whoever starts one sets the three below first, each of
+  // which the notification thread may still be looking at for a detection that has just ended.
+  std::atomic<std::uint32_t> detectCount{0};
+  Relaxed<std::uint32_t> detectTargetId{0};
+  Relaxed<bool> detectAxis{false};  // else a button
+  Relaxed<TriggerItem> detectResult{TriggerItem{input_kind::kNone, 0, 0}};
 
   Profile& profile;
   DeviceManager& device;
@@ -79,11 +97,27 @@ class ControlEngine {
  private:
   friend void MouseStep(DeviceManager*, const DIJOYSTATE2*, void*);
   friend void ControlDispatcher(DeviceManager*, const DIJOYSTATE2*, void*);
+
+  // Sends the mouse buttons' edges and takes the buttons that are theirs, and held, out of
+  // dispatchButtons; during a detection, detects instead.
   void MouseButtonStep();
+  void DetectMouseInput();
+  // One Control of the DispatchList; `fired` holds the active ones before it.
+  void DispatchControl(Control* control, LinkedList<const Control*>* fired);
+  void EndControl(Control* control);
+  void FireControl(Control* control);
+  bool UsesMouseInput(const Control& control) const;
+
+  Relaxed<bool> ended{false};  // by LetGo
 };
 
 // The callbacks of the device manager; `context` is the ControlEngine.
+
+// Turns the mouse inputs' positions into at most one pointer and wheel event. Allocates nothing and
+// waits for nothing: a step that finds mouseLock taken moves nothing.
 void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context);
+
+// Ends and fires Controls by the changed state, and replays on this thread.
 void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* context);
 
 }  // namespace kelvaro

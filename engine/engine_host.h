@@ -1,6 +1,7 @@
 // What the engine reaches of whatever lies above it: a window, or a console. Calls come on the
 // notification thread with deviceLock held (ControlDialogOpen on the timer's thread too) and must
-// not wait for a user interface.
+// not wait for a user interface. Those of a mouse detection come with mouseLock held as well;
+// MouseDetectionEnded also comes on whatever thread ends one, with no lock of the engine.
 #pragma once
 
 #include <cstdint>
@@ -18,14 +19,17 @@ class EngineHost {
 
   // Whether the dialog that defines a Control is open; no Control fires meanwhile.
   virtual bool ControlDialogOpen() const = 0;
-  // The state is for that dialog.
+  // The state is for that dialog. Called for each change while it is open, whether or not it
+  // detects.
   virtual void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) = 0;
 
-  // A text for the field `fieldId` (1159 to 1164) of a running mouse detection.
+  // A text for the field `fieldId` (1159 to 1164) of a running mouse detection: what is held now,
+  // or "<none>".
   virtual void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) = 0;
   // The detection for that field is over: its box is to be unchecked.
   virtual void MouseDetectionEnded(std::uint32_t fieldId) = 0;
-  // Values changed that are kept for the device, or in the profile (profileLock is held).
+  // The two buttons that end a detection did so: values changed that are kept for the device, and
+  // in the profile (profileLock is held for the second).
   virtual void SaveDeviceSettings() = 0;
   virtual void SaveProfile() = 0;
 };

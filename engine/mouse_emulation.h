@@ -1,0 +1,31 @@
+// The arithmetic of the mouse emulation, apart from its state: how far from rest an input starts to
+// count, and what one poll adds to an accumulator.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/device_snapshot.h"
+
+namespace kelvaro {
+
+// How one pointer axis or the wheel answers to an axis of the device.
+struct MouseCurve {
+  std::int32_t deadZone = 0;  // axis units; up to it, nothing counts
+  double span = 1.0;          // axis units from the dead zone to the limit
+  double gain = 1.0;          // weight of the square
+};
+
+// For a dead zone and a factor (slider position plus 2) as ControlEngine holds them.
+MouseCurve MakeMouseCurve(std::int32_t axisMax, std::int32_t deadZone, std::int32_t factor);
+
+// The dead zone of a damper at `position` percent. 5 gives 1599 of 32000, not 1600: the hundredth
+// is a single-precision one, a little below 0.01.
+std::int32_t MouseDeadZone(std::int32_t position, std::int32_t axisMax);
+
+// The accumulator, in counts, after one more poll. A hat gives one count or none, and an axis in
+// the dead zone none; both drop what had been waiting. `input.value` is the offset of the field; an
+// input outside of the state is at rest.
+double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const MouseCurve& curve,
+                       double accumulated);
+
+}  // namespace kelvaro
