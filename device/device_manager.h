@@ -1,8 +1,10 @@
 // The list of attached game devices, the one selected device, its polling on a multimedia timer
 // and the hand-over of changed states to a second thread. Every good poll goes to the poll callback
-// on the timer's thread; a state that differs from the last one goes to the change callback on the
-// notification thread. Both run with deviceLock held. The list and the selection belong to the
-// thread that made the object.
+// on the timer's thread; a state that differs from the last one in any byte goes to the change
+// callback on the notification thread. Both run with deviceLock held, and a period that finds it
+// taken is lost: the timer's thread never waits, and several changes during a long callback come
+// out as one, the latest. A device that stops answering is silent until it answers again; nothing
+// is delivered meanwhile. The list and the selection belong to the thread that made the object.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +16,7 @@
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
 #include "foundation/recursive_lock.h"
+#include "foundation/relaxed.h"
 #include "foundation/worker_thread.h"
 
 namespace kelvaro {
@@ -36,24 +39,34 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
 
   bool DirectInputCreated() const { return directInputCreated; }
 
-  // Lists the attached devices anew; the selected one stays as it is. False without DirectInput.
+  // Lists the attached devices anew. False without DirectInput, with nothing changed, or when the
+  // enumeration fails (the error text says why). The selected device runs on, and SelectedIndex()
+  // keeps its value even where the new list has another device, or none, at that place.
   bool EnumerateDevices();
   std::int32_t DeviceCount() const { return devices.count; }
   ByteString DeviceName(std::int32_t index) const;      // empty outside the list
   platform::GUID DeviceGuid(std::int32_t index) const;  // all zero outside the list
 
-  // True when the device now runs. An index outside the list changes nothing; on any later failure
-  // no device runs.
+  // Stops what runs, opens the device and polls it at PollInterval(). True when the device now
+  // runs. False for an index outside the list, with nothing changed, and for any later failure; no
+  // device runs then. Takes 100 ms and more (StopDevice). Selection failures leave no error text.
   bool SelectDevice(std::int32_t index);
+  // SelectDevice of the selected one; false when there is none.
   bool ReselectDevice();
+  // SelectDevice of the first in the list that matches; false, with nothing changed, without one.
   bool SelectDeviceByGuid(const platform::GUID& guid);
-  bool SelectDeviceByName(const ByteString& name);  // byte for byte, the first of that name
+  bool SelectDeviceByName(const ByteString& name);  // byte for byte
+
+  // Ends polling and gives up the device; no callback runs after it. Takes 100 ms at least, also
+  // when nothing runs, and as long as a change callback needs to end (stopTimeout at most). Not to
+  // be called from a callback.
   void StopDevice();
 
   bool DeviceSelected() const { return deviceSelected; }
   std::int32_t SelectedIndex() const { return selectedIndex; }  // -1 for none
-  platform::GUID SelectedGuid() const;                          // all zero for none
+  platform::GUID SelectedGuid() const;  // that of the list at SelectedIndex(); all zero for none
   const ByteString& SelectedName() const { return selectedName; }
+  // Of the device that was opened last.
   const platform::DIDEVCAPS& DeviceCaps() const { return deviceCaps; }
 
   // False, with no change, outside TimerMin() to TimerMax(). A running timer goes on as it is: the
@@ -63,7 +76,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::uint32_t TimerMin() const { return timerMin; }
   std::uint32_t TimerMax() const { return timerMax; }
 
-  // Once enabled, a callback stays so.
+  // A callback runs once it is both set (not null) and enabled; once enabled, it stays so. These
+  // wait for a callback that is under way. `context` is handed on as it is.
   void SetChangeCallback(DeviceCallback callback, void* context);
   void SetPollCallback(DeviceCallback callback, void* context);
   void EnableChangeCallback();
@@ -76,19 +90,46 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::uint32_t Run() override;  // the notification thread
 
  private:
-  // Members and helpers are the implementation's.
-  platform::WindowHandle windowHandle;
+  bool CreateDirectInput();
+  bool FillDeviceList();
+  bool PrepareDevice();  // all that a created device needs before it is polled
+  void ReadTimerLimits();
+  void StartPolling();
+  // On the timer's thread, each period. No waiting, no allocation.
+  static void tick(std::uint32_t timerId, void* user);
+  void PollDevice();
+
+  // Of the thread that made the object.
+  const platform::WindowHandle windowHandle;
   bool directInputCreated = false;
   bool deviceSelected = false;
   std::int32_t selectedIndex = -1;
   ByteString selectedName;
-  LinkedList<platform::DIDEVICEINSTANCE> devices;
+  LinkedList<platform::DIDEVICEINSTANCE> devices;  // in enumeration order
   platform::DirectInput* directInput = nullptr;
-  platform::DirectInputDevice* device = nullptr;
   platform::DIDEVCAPS deviceCaps;
   std::uint32_t pollInterval = 33;
   std::uint32_t timerMin = 33;
   std::uint32_t timerMax = 33;
+  std::uint32_t activePeriod = 0;  // as passed to timeBeginPeriod, 0 when none is active
+  std::uint32_t timerId = 0;       // 0 when none is active
+
+  // Set before the timer and the notification thread start, and theirs until they have ended; the
+  // timer's thread touches them under deviceLock only.
+  platform::DirectInputDevice* device = nullptr;
+  platform::DIJOYSTATE2 stateBuffers[2];
+  std::uint32_t writeIndex = 0;        // the next read's block; the other holds the last good read
+  platform::DIJOYSTATE2 changedState;  // guarded by deviceLock: what the change callback gets
+  platform::Handle changeEvent = platform::kInvalidHandle;  // auto-reset
+
+  // Set under deviceLock. The notification thread looks at the first two before it takes the lock,
+  // so that a change that nobody wants costs no tick.
+  Relaxed<bool> changeEnabled{false};
+  Relaxed<DeviceCallback> changeCallback{nullptr};
+  void* changeContext = nullptr;
+  bool pollEnabled = false;
+  DeviceCallback pollCallback = nullptr;
+  void* pollContext = nullptr;
 };
 
 }  // namespace kelvaro

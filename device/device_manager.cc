@@ -1,0 +1,168 @@
+#include "device/device_manager.h"
+
+namespace kelvaro {
+
+namespace {
+
+struct ResultName {
+  platform::HRESULT result;
+  const char* name;
+};
+
+constexpr ResultName kCreateResults[] = {
+    {platform::DIERR_OLDDIRECTINPUTVERSION, " [DIERR_OLDDIRECTINPUTVERSION]"},
+    {platform::DIERR_BETADIRECTINPUTVERSION, " [DIERR_BETADIRECTINPUTVERSION]"},
+    {platform::DIERR_OUTOFMEMORY, " [DIERR_OUTOFMEMORY]"},
+    {platform::DIERR_INVALIDPARAM, " [DIERR_INVALIDPARAM]"},
+};
+
+constexpr ResultName kEnumerateResults[] = {
+    {platform::DIERR_NOTINITIALIZED, " [DIERR_NOTINITIALIZED]"},
+    {platform::DIERR_INVALIDPARAM, " [DIERR_INVALIDPARAM]"},
+};
+
+// "<operation>() failed with return code: -5 (0xfffffffb) [NAME]", the name where it is known.
+template <std::size_t N>
+ByteString ResultText(const char* operation, platform::HRESULT result,
+                      const ResultName (&names)[N]) {
+  ByteString text(operation);
+  text.Append("() failed with return code: ");
+  text.Append(ToDecimalSigned(result, false, 1));
+  text.Append(" (0x");
+  text.Append(ToHex(static_cast<std::uint32_t>(result)));
+  text.Append(")");
+  for (const ResultName& known : names) {
+    if (known.result == result) text.Append(known.name);
+  }
+  return text;
+}
+
+bool Succeeded(platform::HRESULT result) {
+  return result == platform::DI_OK || result == platform::DI_NOEFFECT;
+}
+
+}  // namespace
+
+DeviceManager::DeviceManager(platform::WindowHandle window)
+    : WorkerThread("notification"), windowHandle(window) {
+  directInputCreated = CreateDirectInput();
+  if (!directInputCreated) {
+    StopDevice();
+    if (directInput) {
+      directInput->Release();
+      directInput = nullptr;
+    }
+  }
+  ReadTimerLimits();
+  changeEvent = platform::CreateEventA(false, false);
+}
+
+DeviceManager::~DeviceManager() {
+  StopDevice();
+  if (directInput) directInput->Release();
+  if (changeEvent != platform::kInvalidHandle) platform::CloseHandle(changeEvent);
+}
+
+bool DeviceManager::CreateDirectInput() {
+  const platform::HRESULT result =
+      platform::DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directInput);
+  if (result != platform::DI_OK) {
+    directInput = nullptr;
+    SetErrorText(1, ResultText("DirectInput8Create", result, kCreateResults));
+    return false;
+  }
+  return FillDeviceList();
+}
+
+bool DeviceManager::FillDeviceList() {
+  devices.Clear();
+  const platform::HRESULT result = directInput->EnumDevices(
+      platform::DI8DEVCLASS_GAMECTRL,
+      [this](const platform::DIDEVICEINSTANCE& instance) {
+        devices.AddTail(instance);
+        return true;
+      },
+      platform::DIEDFL_ATTACHEDONLY);
+  if (result != platform::DI_OK) {
+    SetErrorText(2, ResultText("EnumDevices", result, kEnumerateResults));
+    return false;
+  }
+  return true;
+}
+
+bool DeviceManager::EnumerateDevices() { return directInputCreated && FillDeviceList(); }
+
+ByteString DeviceManager::DeviceName(std::int32_t index) const {
+  if (index < 0 || index >= devices.count) return {};
+  return devices.At(index)->value->tszInstanceName;
+}
+
+platform::GUID DeviceManager::DeviceGuid(std::int32_t index) const {
+  if (index < 0 || index >= devices.count) return {};
+  return devices.At(index)->value->guidInstance;
+}
+
+platform::GUID DeviceManager::SelectedGuid() const { return DeviceGuid(selectedIndex); }
+
+bool DeviceManager::SelectDevice(std::int32_t index) {
+  if (index < 0 || index >= devices.count) return false;
+  StopDevice();
+  const platform::DIDEVICEINSTANCE& entry = *devices.At(index)->value;
+  // A list that was cut off by a failed enumeration has no DirectInput behind it any more.
+  if (!directInput || directInput->CreateDevice(entry.guidInstance, &device) != platform::DI_OK) {
+    device = nullptr;
+    return false;
+  }
+  if (!PrepareDevice()) {
+    StopDevice();
+    return false;
+  }
+  StartPolling();
+  deviceSelected = true;
+  selectedIndex = index;
+  selectedName = entry.tszInstanceName;
+  return true;
+}
+
+bool DeviceManager::PrepareDevice() {
+  if (device->SetDataFormat() != platform::DI_OK) return false;
+  // The game in front has the focus and keeps the device; this only reads along.
+  if (device->SetCooperativeLevel(static_cast<platform::Handle>(windowHandle),
+                                  platform::DISCL_BACKGROUND | platform::DISCL_NONEXCLUSIVE) !=
+      platform::DI_OK) {
+    return false;
+  }
+  if (device->GetCapabilities(&deviceCaps) != platform::DI_OK) return false;
+  const auto setRange = [this](std::uint32_t id) {
+    platform::DIPROPRANGE range;
+    range.diph.dwHow = platform::DIPH_BYID;
+    range.diph.dwObj = id;
+    range.lMin = axisMin;
+    range.lMax = axisMax;
+    // An axis of fixed range is still worth reading.
+    static_cast<void>(device->SetProperty(platform::DIPROP_RANGE, range));
+    return true;
+  };
+  if (device->EnumObjects(setRange, platform::DIDFT_AXIS) != platform::DI_OK) return false;
+  return Succeeded(device->Acquire());
+}
+
+bool DeviceManager::ReselectDevice() { return selectedIndex >= 0 && SelectDevice(selectedIndex); }
+
+bool DeviceManager::SelectDeviceByGuid(const platform::GUID& guid) {
+  std::int32_t index = 0;
+  for (auto* node = devices.head; node; node = node->next, ++index) {
+    if (node->value->guidInstance == guid) return SelectDevice(index);
+  }
+  return false;
+}
+
+bool DeviceManager::SelectDeviceByName(const ByteString& name) {
+  std::int32_t index = 0;
+  for (auto* node = devices.head; node; node = node->next, ++index) {
+    if (name.Equals(ByteString(node->value->tszInstanceName))) return SelectDevice(index);
+  }
+  return false;
+}
+
+}  // namespace kelvaro

@@ -1,0 +1,143 @@
+#include <cstring>
+
+#include "app/platform/clock.h"
+#include "device/device_manager.h"
+
+namespace kelvaro {
+
+namespace {
+// Long enough for a tick that is under way when the timer ends.
+constexpr std::uint32_t kLastTickMs = 100;
+constexpr std::uint32_t kTimerResolutionMs = 1;
+constexpr std::uint32_t kFallbackTimerLimitMs = 33;
+
+// Exit codes of the notification thread.
+constexpr std::uint32_t kStopped = 0;
+constexpr std::uint32_t kNoEvents = 1;
+constexpr std::uint32_t kWaitFailed = 2;
+}  // namespace
+
+void DeviceManager::ReadTimerLimits() {
+  platform::TIMECAPS caps;
+  if (platform::timeGetDevCaps(&caps) == platform::TIMERR_NOERROR) {
+    timerMin = caps.wPeriodMin;
+    timerMax = caps.wPeriodMax;
+  } else {
+    timerMin = kFallbackTimerLimitMs;
+    timerMax = kFallbackTimerLimitMs;
+  }
+  if (pollInterval < timerMin) pollInterval = timerMin;
+  if (pollInterval > timerMax) pollInterval = timerMax;
+}
+
+bool DeviceManager::SetPollInterval(std::uint32_t ms) {
+  if (ms < timerMin || ms > timerMax) return false;
+  pollInterval = ms;
+  return true;
+}
+
+void DeviceManager::SetChangeCallback(DeviceCallback callback, void* context) {
+  LockGuard guard(deviceLock);
+  changeCallback = callback;
+  changeContext = context;
+}
+
+void DeviceManager::SetPollCallback(DeviceCallback callback, void* context) {
+  LockGuard guard(deviceLock);
+  pollCallback = callback;
+  pollContext = context;
+}
+
+void DeviceManager::EnableChangeCallback() {
+  LockGuard guard(deviceLock);
+  changeEnabled = true;
+}
+
+void DeviceManager::EnablePollCallback() {
+  LockGuard guard(deviceLock);
+  pollEnabled = true;
+}
+
+void DeviceManager::StartPolling() {
+  // Against a zero block the first good read almost always counts as a change: a centred hat is
+  // not 0.
+  writeIndex = 0;
+  stateBuffers[0] = {};
+  stateBuffers[1] = {};
+  platform::ResetEvent(changeEvent);
+  Start(false, platform::THREAD_PRIORITY_TIME_CRITICAL);
+  activePeriod = pollInterval;
+  platform::timeBeginPeriod(pollInterval);
+  timerId = platform::timeSetEvent(pollInterval, kTimerResolutionMs, &DeviceManager::tick, this,
+                                   platform::TIME_PERIODIC);
+}
+
+void DeviceManager::tick(std::uint32_t, void* user) {
+  DeviceManager* self = static_cast<DeviceManager*>(user);
+  // Taken by anyone, this thread included, costs this period; and so does losing the race for it.
+  if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
+  // Null only for a tick that was held up for longer than StopDevice allows it.
+  if (self->device) self->PollDevice();
+  self->deviceLock.Release();
+}
+
+void DeviceManager::PollDevice() {
+  const platform::HRESULT polled = device->Poll();
+  if (polled != platform::DI_OK && polled != platform::DI_NOEFFECT) {
+    // All there is to do about a lost device: each tick tries to get it back.
+    static_cast<void>(device->Acquire());
+    return;
+  }
+  platform::DIJOYSTATE2& state = stateBuffers[writeIndex];
+  if (device->GetDeviceState(sizeof state, &state) != platform::DI_OK) return;
+  if (std::memcmp(&stateBuffers[0], &stateBuffers[1], sizeof state) != 0) {
+    changedState = state;
+    platform::SetEvent(changeEvent);
+  }
+  if (pollEnabled && pollCallback) pollCallback(this, &state, pollContext);
+  writeIndex ^= 1;
+}
+
+std::uint32_t DeviceManager::Run() {
+  if (stopEvent == platform::kInvalidHandle || changeEvent == platform::kInvalidHandle) {
+    return kNoEvents;
+  }
+  const platform::Handle events[] = {stopEvent, changeEvent};
+  for (;;) {
+    const std::uint32_t woken = platform::WaitForMultipleObjects(2, events, platform::WAIT_FOREVER);
+    if (woken == platform::WAIT_FAILED) return kWaitFailed;
+    if (woken == platform::WAIT_OBJECT_0) return kStopped;
+    if (!changeEnabled || !changeCallback) continue;
+    LockGuard guard(deviceLock);
+    const DeviceCallback callback = changeCallback;
+    // It may have been taken away while this waited for the lock.
+    if (callback) callback(this, &changedState, changeContext);
+  }
+}
+
+void DeviceManager::StopDevice() {
+  if (timerId != 0) {
+    platform::timeKillEvent(timerId);
+    timerId = 0;
+  }
+  if (activePeriod != 0) {
+    platform::timeEndPeriod(activePeriod);
+    activePeriod = 0;
+  }
+  Stop();
+  platform::Sleep(kLastTickMs);
+  // Only tried: a callback that was ended by force holds the lock for ever. Where it is free, it
+  // brings everything that the last tick wrote over to this thread.
+  const bool locked = deviceLock.TryAcquire();
+  if (device) {
+    device->Unacquire();
+    device->Release();
+    device = nullptr;
+  }
+  if (locked) deviceLock.Release();
+  deviceSelected = false;
+  selectedIndex = -1;
+  selectedName.Empty();
+}
+
+}  // namespace kelvaro
