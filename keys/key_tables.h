@@ -33,9 +33,11 @@ extern const std::uint8_t LetterScanTable[26];
 
 // Whether a row's name and `length` bytes of `text` are equal but for the case of ASCII letters.
 bool CompareNoCase(const char* rowName, const char* text, std::size_t length);
-// Index of the row of that name, -1 for none.
+// Index of the row of that name, in any case; -1 for none.
 std::int32_t FindToken(const ByteString& name);
-// The key of a typed character. False when no key types it.
+std::int32_t FindToken(const char* text, std::size_t length);
+// The key of a typed character, with KeyFlagImpliedShift in *flags where it takes the shift key.
+// False, with nothing written, when no key types it: control characters and all above 0x7E.
 bool FindTypedKey(char character, std::uint8_t* vk, std::uint8_t* scan, std::uint8_t* flags);
 
 }  // namespace kelvaro
