@@ -22,10 +22,16 @@ class KeyAction : public InputAction {
   static constexpr int kParsedRemind = -2;
 
   KeyAction();
+  // Press the steps in turn, each but the last let go of before the next; with repeat the last one
+  // too. Under HoldAllKeys nothing is let go, but for the last step with repeat, and without repeat
+  // the two times, in ms, count as 0. Blocks for as long as the sequence takes; always true.
   bool Replay(std::uint8_t repeat, std::uint32_t holdTime, std::uint32_t releasePause) override;
+  // Lets go of what Replay without repeat left down: the last step, or all under HoldAllKeys, each
+  // with its modifiers before its key. Always true.
   bool Release() override;
   void Clear() override;
   InputAction* Clone() const override;
+  // Makes this action a copy of the other: type, steps and flags.
   virtual void CopyFrom(const KeyAction& other);
 
   // Replaces steps by those of `text`, under HoldAllKeys as actionFlags has it. kParsed;
@@ -35,14 +41,18 @@ class KeyAction : public InputAction {
   // the reminder takes place.
   int ParseKeys(const ByteString& text, bool* duplicateKey, bool smartCheck, bool shiftReminder,
                 platform::WindowHandle window);
-  // The loop of ParseKeys: eats *text from the front and leaves it at the fault, empty on success.
+  // The loop of ParseKeys: appends to steps while it eats *text from the front, and leaves *text at
+  // the fault, empty on success. Sets the two flags where they are due, never clears them.
   void ParseSteps(ByteString* text, bool* sawUppercase, bool* duplicateKey);
-  // Offers to put the forgotten brackets around a text that is a token's name. The text to parse.
+  // Offers to put the forgotten brackets around a text that is a token's name, in any case, by a
+  // modal question in front of `window`. The text to parse: `text` itself, or the token.
   static ByteString SmartCheck(const ByteString& text, platform::WindowHandle window);
   // Whether a step has the same vk (not 0), or shares one of the modifiers in flags & 7.
   bool HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const;
 
-  // The canonical text of steps, which parses back.
+  // The canonical text of steps, which always parses. Not every list of steps comes back from it:
+  // left and right go to the modifiers in the order of printing, and a key that no row fits is left
+  // out.
   ByteString FormatKeys() const;
 
   std::uint32_t actionFlags = 0;
