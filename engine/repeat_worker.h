@@ -1,5 +1,6 @@
 // The thread that repeats the one Control that is held and repeats. A later one takes the place of
-// an earlier one, which never resumes.
+// an earlier one, which never resumes. The thread looks every 10 ms, so each interval is rounded up
+// to that grain.
 #pragma once
 
 #include <atomic>
@@ -16,7 +17,8 @@ class RepeatWorker : public WorkerThread {
 
   using WorkerThread::Start;  // of the thread
 
-  // Makes `control`, of the DispatchList, the repeating one; its delay counts from now.
+  // Makes `control`, of the DispatchList, the repeating one; its delay counts from now. This and
+  // Clear wait for a replay that is under way on the thread.
   void Start(Control* control);
   // To be called before the Controls of the DispatchList are replaced or destroyed.
   void Clear();
@@ -29,6 +31,8 @@ class RepeatWorker : public WorkerThread {
   std::uint32_t Run() override;
 
  private:
+  void RepeatWhenDue();
+
   std::atomic<Control*> repeatControl{nullptr};  // written under repeatLock
 };
 

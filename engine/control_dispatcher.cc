@@ -1,0 +1,96 @@
+#include "engine/control_engine.h"
+
+namespace kelvaro {
+namespace {
+
+// Whether all inputs of `inner` are among those of `outer`, in whatever direction.
+bool IsContained(const Control& inner, const Control& outer) {
+  if ((inner.buttonMask & ~outer.buttonMask) != 0) return false;
+  for (const auto* node = inner.triggerItems.head; node; node = node->next) {
+    if (!outer.UsesInput(*node->value)) return false;
+  }
+  return true;
+}
+
+bool IsContainedInAny(const Control& control, const LinkedList<const Control*>& fired) {
+  for (const auto* node = fired.head; node; node = node->next) {
+    if (IsContained(control, **node->value)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
+  auto& engine = *static_cast<ControlEngine*>(context);
+  if (engine.ended) return;
+
+  DeviceSnapshot& snapshot = engine.snapshot;
+  UpdateSnapshot(&snapshot, *state);
+  const std::uint64_t buttons = snapshot.dispatchButtons;
+
+  if (engine.host.ControlDialogOpen()) {
+    engine.host.ShowDetectedTrigger(*device, snapshot);
+  } else {
+    // Before the Controls: it takes out the buttons that are the mouse's, and may end a detection.
+    engine.MouseButtonStep();
+    if (engine.detectCount == 0) {
+      LinkedList<const Control*> fired;
+      LockGuard guard(engine.profile.profileLock);
+      for (auto* node = engine.profile.DispatchList.head; node; node = node->next) {
+        engine.DispatchControl(node->value, &fired);
+      }
+    }
+  }
+
+  snapshot.dispatchButtons = buttons;
+  RollSnapshot(&snapshot);
+}
+
+void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>* fired) {
+  // Always evaluated, since that advances its arming, also where the result goes unheard.
+  if (!control->EvaluateTrigger(device, snapshot)) {
+    if (control->triggerDown) EndControl(control);
+    return;
+  }
+  // What the mouse has, and what lies within something that is active, neither starts nor ends:
+  // triggerDown stays.
+  if (MouseIsOn() && UsesMouseInput(*control)) return;
+  if (IsContainedInAny(*control, *fired)) return;
+
+  // One that is already down goes on silencing its parts. Without memory for the note it fires all
+  // the same.
+  static_cast<void>(fired->AddTail(control));
+  if (!control->triggerDown) FireControl(control);
+}
+
+void ControlEngine::EndControl(Control* control) {
+  if (control == repeatWorker.Repeating()) repeatWorker.Clear();
+  control->triggerDown = 0;
+  // Each replay of a repeating Control is complete in itself.
+  if (control->repeatEnabled) return;
+  for (auto* node = control->actions.head; node; node = node->next) (*node->value)->Release();
+}
+
+void ControlEngine::FireControl(Control* control) {
+  // Fired by a release, it has no later moment at which its keys could be let go.
+  const bool releaseAtOnce = !control->activateOnPress && !control->repeatEnabled;
+  for (auto* node = control->actions.head; node; node = node->next) {
+    InputAction* action = *node->value;
+    action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
+    if (releaseAtOnce) action->Release();
+  }
+  if (control->activateOnPress) {
+    control->triggerDown = 1;
+    if (control->repeatEnabled) repeatWorker.Start(control);
+  }
+  if (control->toggleMouseControls) mouseActive = !mouseActive;
+}
+
+bool ControlEngine::UsesMouseInput(const Control& control) const {
+  return control.triggerItems.count != 0 &&
+         (control.UsesInput(profile.mouseX) || control.UsesInput(profile.mouseY) ||
+          control.UsesInput(profile.mouseWheel));
+}
+
+}  // namespace kelvaro
