@@ -58,7 +58,7 @@ class ByteString {
   ByteString Left(std::int32_t n) const;
   ByteString Right(std::int32_t n) const;
 
-  // Cuts to n bytes; nothing when n isn't below the length.
+  // Cuts to n bytes (n below 0 counts as 0); nothing when n isn't below the length.
   void Truncate(std::int32_t n);
   // Keeps the last n bytes, without copying. n below 1 empties, above the length keeps all.
   void KeepRight(std::int32_t n);
@@ -66,16 +66,21 @@ class ByteString {
 
   // Makes room of `wanted` bytes, the terminator among them (values below 5 count as 4): with
   // `exact` just that, otherwise at least that. Without keepText the content is undefined when the
-  // room is there already, and empty when it had to be made. False when memory ran out.
+  // room is there already, and empty when it had to be made. A kept text is cut to wanted - 1
+  // bytes. False, with nothing changed, when memory ran out.
   bool Reserve(std::int32_t wanted, bool keepText, bool exact);
 
+  // An empty `from` does nothing; without memory for a longer or shorter text nothing changes.
+  // What was put in is not searched again.
   void ReplaceAll(const ByteString& from, const ByteString& to);
-  // n below 1: the zero-terminated length. An empty pattern does nothing.
+  // n below 1: the zero-terminated length. A null or empty pattern does nothing. What comes
+  // together where a match was closed up is not looked at again.
   void RemoveAll(const char* pattern, std::int32_t n = 0);
   // Does nothing if either is null.
   void Replace(const char* from, const char* to);
 
-  // Null gives false. The terminator counts: a longer text is not equal.
+  // Null gives false. The terminator counts: a longer text is not equal, and neither is one that
+  // ends at a zero byte which this string has inside.
   bool Equals(const char* text) const;
   bool Equals(const ByteString& other) const;
 
@@ -89,10 +94,11 @@ class ByteString {
   // `start` is outside the text.
   bool FindChar(char c, std::int32_t* position, std::int32_t start = 0) const;
 
-  // Index of the first occurrence at or behind `start`, -1 when there is none.
+  // Index of the first occurrence at or behind `start`; -1 when there is none, for a null or empty
+  // pattern, a negative `start` and one at or behind the end.
   std::int32_t Find(const void* pattern, std::int32_t start, std::int32_t n) const;
   std::int32_t Find(const ByteString& pattern, std::int32_t start = 0) const;
-  // Makes repeated searches for this string cheap, until it is changed.
+  // Makes repeated searches for this string cheap, until it is changed. Copies don't have it.
   void BuildSkipTable();
 
   // Folds first..last, both included; a negative or too large `last` means the last byte. False,
@@ -115,16 +121,37 @@ class ByteString {
   void EnsureTrailingBackslash();
   void TrimTrailingBackslashes();
 
-  // Bytes written or read, -1 on failure. ReadFrom replaces the text.
+  // Bytes written or read, -1 on failure. ReadFrom replaces the text by up to n bytes (n below 0
+  // counts as 0); a failed read leaves it empty, a lack of memory unchanged.
   std::int32_t WriteTo(platform::File* file) const;
   std::int32_t ReadFrom(platform::File* file, std::int32_t n);
 
-  // The next line of `stream`, without its end. A lone carriage return costs the line the byte
-  // behind it. False at the end of the stream with nothing read.
+  // The next line of `stream`, without its end; empty lines are passed over unless they are to be
+  // kept. A lone carriage return ends a line, too, and costs the next one its first byte; one that
+  // is the stream's last byte is left unread. False at the end of the stream with nothing read.
   bool ReadLine(platform::File* stream, bool keepEmptyLines);
 
  private:
-  // Members and helpers are the implementation's.
+  // A fresh allocation of `size` bytes for a constructor; none, with capacity 0, on failure.
+  void MakeEmpty(std::int64_t size);
+  void FreeBuffer();
+  // Puts `allocation` in the place of the buffer.
+  void TakeBuffer(char* allocation, std::int32_t size);
+  void Swap(ByteString& other) noexcept;
+  // The skip table fits one text only.
+  void Changed();
+  // Gives the room in front of the text back: without the text, and with it.
+  void Rewind();
+  void MoveDown();
+  // Needs n + 1 bytes of room.
+  void SetText(const char* text, std::uint32_t n);
+  // Where n bytes don't fit, the new allocation has `allocation` bytes.
+  bool Rewrite(const char* bytes, std::uint32_t n, std::int64_t allocation);
+  // In place when `needed` is below the room. False, with nothing changed, without memory.
+  bool AppendBytes(const char* bytes, std::uint32_t n, std::int64_t needed);
+  std::int32_t Clamp(std::int32_t n) const;
+  bool CanHold(std::int32_t start, std::int32_t n) const;
+
   char* buffer = nullptr;     // start of the allocation
   char* data = nullptr;       // start of the text, at or behind buffer
   std::int32_t capacity = 0;  // bytes from data to the end of the allocation

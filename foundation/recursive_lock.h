@@ -1,6 +1,7 @@
 // Spin lock that knows its owner. A thread may take it again; others try once a millisecond.
 // It is not fair, and there is neither a time-out nor a search for deadlocks: locks nest in the
-// order of LockRank, and a debug build asserts that order at each acquire.
+// order of LockRank. A debug build asserts that order at the first acquire of each thread, and ends
+// the program with both ranks named; two locks of one rank don't nest either.
 #pragma once
 
 #include <atomic>
@@ -18,11 +19,12 @@ class RecursiveLock {
   RecursiveLock(const RecursiveLock&) = delete;
   RecursiveLock& operator=(const RecursiveLock&) = delete;
 
-  // waitMs 0: one try. Otherwise tries until the lock is taken, `waitMs` apart (all of this
-  // system passes 1), and returns true.
+  // waitMs 0: TryAcquire. Otherwise tries until the lock is taken, `waitMs` milliseconds apart (all
+  // of this system passes 1), and returns true. An owner that never releases is waited for forever.
   bool Acquire(std::uint32_t waitMs);
 
-  // True when the caller now holds the lock (once more).
+  // One try, without waiting. True when the caller now holds the lock (once more); false while
+  // another thread holds it or is just being quicker.
   bool TryAcquire();
 
   // False, with nothing changed, when the caller isn't the owner or the lock is free.
@@ -32,12 +34,16 @@ class RecursiveLock {
   // gives up early. Says nothing about the next moment.
   bool IsTaken() const { return holders.load(std::memory_order_acquire) != 0; }
 
-  // For assertions: id of the owner, -1 when free; the owner's nested acquires; 0 free, 1 taken.
+  // For assertions: id of the owner, -1 when free; the owner's nested acquires, to be asked by the
+  // owner only; 0 free, 1 taken, for a moment more while several threads try at once.
   std::int32_t Owner() const { return owner.load(std::memory_order_relaxed); }
   std::int32_t Depth() const { return depth; }
   std::int32_t Holders() const { return holders.load(std::memory_order_relaxed); }
+  LockRank Rank() const { return rank; }
 
  private:
+  bool TryTake(std::int32_t id);
+
   std::atomic<std::int32_t> owner{-1};
   std::atomic<std::int32_t> holders{0};
   std::int32_t depth = 0;  // touched by the owner only

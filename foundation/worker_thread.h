@@ -23,20 +23,24 @@ class WorkerThread {
   WorkerThread& operator=(const WorkerThread&) = delete;
 
   // False when the thread is running already or can't be made. With waitUntilRunning it returns
-  // only once the thread has begun. `priority`: -15 to 15, or kPriorityOfCaller.
+  // only once the thread has begun (looked at every millisecond). `priority`: -15 to 15, or
+  // kPriorityOfCaller; the thread gives it to itself, and goes on where the system refuses.
   bool Start(bool waitUntilRunning, std::int32_t priority);
 
   // Asks Run to end; returns at once.
   void RequestStop();
 
+  // Also gives up the handle of a thread that has ended by itself. A Run with the result
+  // STILL_ACTIVE (259) can't be told from one that goes on.
   bool IsRunning();
 
   // Asks Run to end and waits up to stopTimeout ms; a thread that hasn't ended by then is ended by
   // force, and whatever lock it holds stays held. Nothing when the thread isn't running.
   void Stop();
 
-  std::uint32_t stopTimeout = 15000;                      // ms
-  platform::Handle exitEvent = platform::kInvalidHandle;  // optional, signalled at the end
+  std::uint32_t stopTimeout = 15000;  // ms
+  // Optional and the caller's own: reset by Start, signalled when the thread ends by itself.
+  platform::Handle exitEvent = platform::kInvalidHandle;
 
  protected:
   // On the thread; the result is its exit code.
@@ -51,11 +55,13 @@ class WorkerThread {
 
  private:
   static std::uint32_t Entry(void* self);
+  bool HasBegun();
+  void Forget();  // closes the handle; under stateLock
 
   RecursiveLock stateLock;
   platform::Handle threadHandle = platform::kInvalidHandle;
   std::int32_t threadId = 0;
-  std::uint32_t exitCode = 0;  // guarded by stateLock, as are the next three
+  std::uint32_t exitCode = 0;  // guarded by stateLock, as are the handle, the id and the next three
   bool stopRequested = false;
   bool isRunning = false;
   std::int32_t priority = 0;
