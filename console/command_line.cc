@@ -1,0 +1,167 @@
+#include "console/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+
+#include "console/console_error.h"
+
+namespace kelvaro::console {
+namespace {
+
+constexpr char kAbout[] =
+    "Kelvaro without a window: turns a game pad into keys and mouse motion, and shows how.";
+
+constexpr char kJsonHelp[] = "print JSON Lines, one object a line";
+constexpr char kUntilHelp[] = "end after this many milliseconds";
+
+// One line, whatever the library had to say.
+std::string OneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
+}
+
+// All options of all commands, and which command was chosen.
+struct Choice {
+  KeysOptions keys;
+  PlayOptions play;
+  DevicesOptions devices;
+  WatchOptions watch;
+  RecordOptions record;
+  RunOptions run;
+  std::function<int(Streams)> command;
+};
+
+void AddKeys(CLI::App& app, Choice& choice) {
+  CLI::App* keys = app.add_subcommand("keys", "Read a key text, or write one from its steps");
+  keys->footer(
+      "TEXT is plain characters, <NAME> for a special key, << for '<', and <P:500> for a pause\n"
+      "of 500 ms, such as '<Ctrl>c' or 'go<Enter>'. A fault in it gives exit status 1 and a caret\n"
+      "below it. With --json: result (-1 read, -2 read and holding upper case letters, else the\n"
+      "offset of the fault), duplicateKey, steps as [vk,scan,flags], and the canonical text.");
+  auto* text = keys->add_option("TEXT", choice.keys.text, "the key text");
+  auto* steps = keys->add_option("--steps", choice.keys.steps,
+                                 "steps to write as text: vk scan flags in hexadecimal, parted by "
+                                 "commas, such as \"41 1e 00, 42 30 08\"");
+  text->excludes(steps);
+  keys->add_flag("--hold-all", choice.keys.holdAll,
+                 "read it as held down all together: no key may be there twice");
+  keys->add_flag("--json", choice.keys.json, kJsonHelp);
+  keys->callback([&choice, text, steps] {
+    if (text->count() + steps->count() == 0) throw CLI::RequiredError("TEXT or --steps");
+    choice.command = [&choice](Streams streams) { return KeysCommand(choice.keys, streams); };
+  });
+}
+
+void AddPlay(CLI::App& app, Choice& choice) {
+  CLI::App* play = app.add_subcommand("play", "Send a key text's keys, as a Control would");
+  play->footer(
+      "Without --simulate the keys go to whatever has the focus, after a countdown of three\n"
+      "seconds that Ctrl-C breaks off. With it nothing is sent: time is virtual and each event is\n"
+      "printed with its millisecond.");
+  play->add_option("TEXT", choice.play.text, "the key text, as `kelvaroctl keys` takes it")
+      ->required();
+  play->add_flag("--simulate", choice.play.simulate, "send nothing, print the events");
+  play->add_flag("--hold-all", choice.play.holdAll, "hold all keys down until the release");
+  play->add_flag("--repeat", choice.play.repeat,
+                 "as a repeating Control: each key is let go, and no release follows");
+  play->add_option("--hold-time", choice.play.holdTime, "ms that each key stays down (0)");
+  play->add_option("--release-pause", choice.play.releasePause, "ms between two keys (0)");
+  play->add_option("--release-after", choice.play.releaseAfter,
+                   "ms until what is still down is let go (0)");
+  play->add_flag("--json", choice.play.json, kJsonHelp);
+  play->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return PlayCommand(choice.play, streams); };
+  });
+}
+
+void AddDevices(CLI::App& app, Choice& choice) {
+  CLI::App* devices = app.add_subcommand("devices", "List the game pads that are plugged in");
+  devices->add_flag("--json", choice.devices.json, kJsonHelp);
+  devices->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return DevicesCommand(choice.devices, streams); };
+  });
+}
+
+void AddWatch(CLI::App& app, Choice& choice) {
+  CLI::App* watch = app.add_subcommand("watch", "Print what a pad does, until Ctrl-C");
+  watch->footer(
+      "Each changed state is a line in the names of a Trigger, such as B1+POV0(up)+Axis_X0(neg).\n"
+      "With --json: {\"t\":120,\"text\":\"B1\"}, with the milliseconds since the start.");
+  watch->add_option("NAME", choice.watch.device, "the pad's name; needless with only one");
+  watch->add_option("--until", choice.watch.until, kUntilHelp);
+  watch->add_flag("--json", choice.watch.json, kJsonHelp);
+  watch->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return WatchCommand(choice.watch, streams); };
+  });
+}
+
+void AddRecord(CLI::App& app, Choice& choice) {
+  CLI::App* record =
+      app.add_subcommand("record", "Write down what a pad does, until Ctrl-C, for --replay");
+  record->footer("The recording goes to standard output: kelvaroctl record >FILE");
+  record->add_option("NAME", choice.record.device, "the pad's name; needless with only one");
+  record->add_option("--until", choice.record.until, kUntilHelp);
+  record->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return RecordCommand(choice.record, streams); };
+  });
+}
+
+void AddRun(CLI::App& app, Choice& choice) {
+  CLI::App* run = app.add_subcommand("run", "Run a profile: the pad moves, keys come out");
+  run->footer(
+      "It takes the profile's device (or --device, or the recording given by --replay) and ends\n"
+      "on Ctrl-C, at --until, or one second after the last line of the recording; then it lets go\n"
+      "of every key and button that it holds down.");
+  run->add_option("FILE", choice.run.profile, "the profile, in its JSON form")->required();
+  auto* replay =
+      run->add_option("--replay", choice.run.replay, "a recording that plays in place of a pad");
+  run->add_flag("--simulate", choice.run.simulate,
+                "send nothing, print the events; time is virtual (needs --replay)")
+      ->needs(replay);
+  run->add_option("--device", choice.run.device, "name of the pad to take")->excludes(replay);
+  run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
+  run->add_option("--until", choice.run.until, kUntilHelp);
+  run->add_flag("--json", choice.run.json,
+                "print JSON Lines; on a real run the events are printed beside being sent");
+  run->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return RunCommand(choice.run, streams); };
+  });
+}
+
+}  // namespace
+
+int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
+  Choice choice;
+  CLI::App app(kAbout, "kelvaroctl");
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("kelvaroctl ") + KELVARO_VERSION);
+  app.set_help_flag("-h,--help", "show this help");
+  app.footer(
+      "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad,\n"
+      "2 the command line is wrong.");
+  AddKeys(app, choice);
+  AddPlay(app, choice);
+  AddDevices(app, choice);
+  AddWatch(app, choice);
+  AddRecord(app, choice);
+  AddRun(app, choice);
+
+  std::vector<std::string> backwards(words.rbegin(), words.rend());
+  try {
+    app.parse(backwards);
+  } catch (const CLI::CallForHelp&) {
+    streams.out << app.help() << std::flush;
+    return kDone;
+  } catch (const CLI::CallForVersion&) {
+    streams.out << "kelvaroctl " << KELVARO_VERSION << std::endl;
+    return kDone;
+  } catch (const CLI::ParseError& error) {
+    Complain(streams.err, OneLine(error.what()) + " (kelvaroctl --help tells more)");
+    return kUsage;
+  }
+  return choice.command(streams);
+}
+
+}  // namespace kelvaro::console

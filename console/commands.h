@@ -1,0 +1,66 @@
+// The commands of kelvaroctl. Each takes its options and the streams of the program, and gives the
+// exit status.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace kelvaro::console {
+
+struct Streams {
+  std::ostream& out;
+  std::ostream& err;
+};
+
+struct KeysOptions {
+  std::string text;
+  std::optional<std::string> steps;  // "41 1e 00, 42 30 08" in place of a text
+  bool holdAll = false;
+  bool json = false;
+};
+int KeysCommand(const KeysOptions& options, Streams streams);
+
+struct PlayOptions {
+  std::string text;
+  bool simulate = false;
+  bool holdAll = false;
+  bool repeat = false;
+  std::uint32_t holdTime = 0;      // ms
+  std::uint32_t releasePause = 0;  // ms
+  std::uint32_t releaseAfter = 0;  // ms
+  bool json = false;
+};
+int PlayCommand(const PlayOptions& options, Streams streams);
+
+struct DevicesOptions {
+  bool json = false;
+};
+int DevicesCommand(const DevicesOptions& options, Streams streams);
+
+struct WatchOptions {
+  std::optional<std::string> device;
+  std::optional<std::uint64_t> until;  // ms
+  bool json = false;
+};
+int WatchCommand(const WatchOptions& options, Streams streams);
+
+struct RecordOptions {
+  std::optional<std::string> device;
+  std::optional<std::uint64_t> until;  // ms
+};
+int RecordCommand(const RecordOptions& options, Streams streams);
+
+struct RunOptions {
+  std::string profile;  // file
+  bool simulate = false;
+  std::optional<std::string> replay;  // file of a recording
+  std::optional<std::string> device;
+  bool mouseActive = false;
+  std::optional<std::uint64_t> until;  // ms
+  bool json = false;
+};
+int RunCommand(const RunOptions& options, Streams streams);
+
+}  // namespace kelvaro::console

@@ -1,0 +1,71 @@
+#include "console/device_choice.h"
+
+#include "console/json_text.h"
+
+namespace kelvaro::console {
+namespace {
+
+// "; there are: 'Pad', 'Wheel'"
+std::string ListOfDevices(const DeviceManager& manager) {
+  if (manager.DeviceCount() == 0) return "; no game pad is plugged in";
+  std::string list = manager.DeviceCount() == 1 ? "; there is: " : "; there are: ";
+  for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
+    list += (i > 0 ? ", '" : "'") + Bytes(manager.DeviceName(i)) + "'";
+  }
+  return list;
+}
+
+// Index of the first device that fits, -1 for none.
+template <typename Fits>
+std::int32_t FindDevice(const DeviceManager& manager, Fits fits) {
+  for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
+    if (fits(i)) return i;
+  }
+  return -1;
+}
+
+// Index of the chosen device, -1 with *error set when there is none.
+std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice,
+                        std::string* error) {
+  const ByteString name = choice.name ? FromBytes(*choice.name) : choice.profileName;
+  std::int32_t index = -1;
+  if (!choice.name && choice.profileGuid != platform::GUID{}) {
+    index = FindDevice(manager,
+                       [&](std::int32_t i) { return manager.DeviceGuid(i) == choice.profileGuid; });
+  }
+  if (index < 0 && !name.IsEmpty()) {
+    index = FindDevice(manager, [&](std::int32_t i) { return manager.DeviceName(i).Equals(name); });
+  }
+  if (index >= 0) return index;
+
+  const bool named = choice.name || !name.IsEmpty() || choice.profileGuid != platform::GUID{};
+  if (named) {
+    *error = "there is no device '" + Bytes(name) + "'" + ListOfDevices(manager);
+  } else if (manager.DeviceCount() == 1) {
+    return 0;
+  } else if (manager.DeviceCount() == 0) {
+    *error = "no game pad is plugged in";
+  } else {
+    *error = "which device? Name one" + ListOfDevices(manager);
+  }
+  return -1;
+}
+
+}  // namespace
+
+bool SelectChosenDevice(DeviceManager* manager, const DeviceChoice& choice, std::string* error) {
+  if (!manager->DirectInputCreated()) {
+    ByteString text;
+    manager->GetError(text);
+    *error = Bytes(text);
+    return false;
+  }
+  const std::int32_t index = FindChosen(*manager, choice, error);
+  if (index < 0) return false;
+  const ByteString name = manager->DeviceName(index);
+  if (manager->SelectDevice(index)) return true;
+  *error = "the device '" + Bytes(name) + "' can't be opened; may this user read it?";
+  return false;
+}
+
+}  // namespace kelvaro::console

@@ -1,0 +1,22 @@
+// Which of the attached devices a command works on.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "device/device_manager.h"
+
+namespace kelvaro::console {
+
+// By name if one is given; otherwise by identity, otherwise by the name that goes with it; with
+// none of them the only device that is there.
+struct DeviceChoice {
+  std::optional<std::string> name;
+  platform::GUID profileGuid;
+  ByteString profileName;
+};
+
+// Selects the device, which runs then. False, with *error in words that list what is there.
+bool SelectChosenDevice(DeviceManager* manager, const DeviceChoice& choice, std::string* error);
+
+}  // namespace kelvaro::console

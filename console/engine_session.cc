@@ -1,0 +1,36 @@
+#include "console/engine_session.h"
+
+namespace kelvaro::console {
+
+EngineSession::EngineSession(Profile& profile)
+    : profile(profile), device(platform::kNoWindow), engine(profile, device, host) {
+  engine.Attach();
+}
+
+EngineSession::~EngineSession() { End(); }
+
+bool EngineSession::Begin(const DeviceChoice& choice, bool mouseActive, std::string* error) {
+  if (!device.SetPollInterval(profile.pollInterval)) {
+    *error = "pollInterval: " + std::to_string(profile.pollInterval) + " ms is not from " +
+             std::to_string(device.TimerMin()) + " to " + std::to_string(device.TimerMax());
+    return false;
+  }
+  engine.mouseActive = mouseActive;
+  if (!SelectChosenDevice(&device, choice, error)) return false;
+  running = true;
+  if (!engine.repeatWorker.Start(false, WorkerThread::kPriorityOfCaller)) {
+    *error = "the thread that repeats keys can't be started";
+    return false;
+  }
+  return true;
+}
+
+void EngineSession::End() {
+  if (!running) return;
+  running = false;
+  engine.LetGo();
+  device.StopDevice();
+  engine.repeatWorker.Stop();
+}
+
+}  // namespace kelvaro::console

@@ -1,0 +1,50 @@
+// One run of the engine on one profile without a window: the device, the two steps, the repeat
+// worker, and the end in which everything that is held is let go. On whatever platform is
+// installed.
+#pragma once
+
+#include <string>
+
+#include "console/device_choice.h"
+#include "device/device_manager.h"
+#include "engine/control_engine.h"
+#include "engine/engine_host.h"
+#include "engine/profile.h"
+
+namespace kelvaro::console {
+
+// A console has no dialog, no tab and nothing to save.
+class ConsoleHost : public EngineHost {
+ public:
+  bool ControlDialogOpen() const override { return false; }
+  void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override {}
+  void ShowDetectedInput(std::uint32_t, const ByteString&) override {}
+  void MouseDetectionEnded(std::uint32_t) override {}
+  void SaveDeviceSettings() override {}
+  void SaveProfile() override {}
+};
+
+class EngineSession {
+ public:
+  // `profile` must outlive this.
+  explicit EngineSession(Profile& profile);
+  ~EngineSession();
+
+  // Selects the device and starts polling it and the repeat worker; the moment of return is time 0.
+  // False, with *error in words, when there is no such device or its interval can't be had.
+  bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);
+
+  const ByteString& DeviceName() const { return device.SelectedName(); }
+
+  // Lets go of what is held, after a replay that is under way, and stops everything.
+  void End();
+
+ private:
+  Profile& profile;
+  ConsoleHost host;
+  DeviceManager device;
+  ControlEngine engine;
+  bool running = false;
+};
+
+}  // namespace kelvaro::console

@@ -1,0 +1,17 @@
+// Sent events as lines: JSON for programs, words for people.
+#pragma once
+
+#include <string>
+
+#include "app/platform/simulation/simulation.h"
+
+namespace kelvaro::console {
+
+using platform::simulation::SentEvent;
+
+// {"t":120,"event":"key","vk":65,"scan":30,"flags":0}
+std::string JsonEventLine(const SentEvent& event);
+// "     120 ms  a down"
+std::string TextEventLine(const SentEvent& event);
+
+}  // namespace kelvaro::console

@@ -1,0 +1,11 @@
+#include "console/event_printer.h"
+
+namespace kelvaro::console {
+
+void EventPrinter::Print(const SentEvent& event) {
+  const std::string line = json ? JsonEventLine(event) : TextEventLine(event);
+  const std::lock_guard<std::mutex> whole(lineMutex);
+  out << line << '\n' << std::flush;
+}
+
+}  // namespace kelvaro::console

@@ -1,0 +1,47 @@
+#include "console/key_text.h"
+
+#include "console/json_text.h"
+
+namespace kelvaro::console {
+namespace {
+
+// The parser gives its reminder only where there is somebody to remind. No box is ever shown in
+// front of this window, since only the Smart Check asks.
+constexpr platform::WindowHandle kConsoleWindow = 1;
+
+// `text` on one line, one column a character, with a caret below the byte at `offset`.
+std::string WithCaret(const std::string& text, std::size_t offset) {
+  std::string line = "  ";
+  std::string caret = "  ";
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    line += byte < 0x20 || byte == 0x7F ? '?' : text[i];
+    if (i < offset && (byte & 0xC0) != 0x80) caret += ' ';
+  }
+  return line + "\n" + caret + "^\n";
+}
+
+std::string FaultWords(const std::string& rest, bool duplicateKey) {
+  if (duplicateKey) return "a key can't be there twice when all keys are held down";
+  if (rest[0] != '<') return "no key types this character";
+  const std::size_t end = rest.find('>');
+  if (end == std::string::npos) return "a '<' without its '>' (write << for the character itself)";
+  return "there is no key " + rest.substr(0, end + 1) + " (write << for the character itself)";
+}
+
+}  // namespace
+
+KeyTextResult ParseKeyText(const ByteString& text, KeyAction* action) {
+  KeyTextResult outcome;
+  outcome.result = action->ParseKeys(text, &outcome.duplicateKey, false, true, kConsoleWindow);
+  outcome.faulty = outcome.result >= 0;
+  if (outcome.faulty) {
+    const std::string bytes = Bytes(text);
+    const auto offset = static_cast<std::size_t>(outcome.result);
+    outcome.what = FaultWords(bytes.substr(offset), outcome.duplicateKey);
+    outcome.detail = WithCaret(bytes, offset);
+  }
+  return outcome;
+}
+
+}  // namespace kelvaro::console

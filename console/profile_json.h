@@ -1,0 +1,16 @@
+// The JSON form of a profile.
+#pragma once
+
+#include <string>
+
+#include "console/json_reader.h"
+#include "engine/profile.h"
+
+namespace kelvaro::console {
+
+// Fills *profile, a fresh one, from `text`. A member left out has its default; a Control without
+// controlId takes the next free number. False, with *fault set, for a text that isn't a profile;
+// *profile is then of no use.
+bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault);
+
+}  // namespace kelvaro::console

@@ -1,0 +1,42 @@
+#include "console/read_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace kelvaro::console {
+namespace {
+
+constexpr std::size_t kLargest = 64u << 20;
+
+}  // namespace
+
+bool ReadWholeFile(const std::string& path, std::string* content, std::string* error) {
+  const auto close = [](std::FILE* file) {
+    if (file != stdin) std::fclose(file);
+  };
+  const std::unique_ptr<std::FILE, decltype(close)> file(
+      path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
+  if (!file) {
+    *error = std::strerror(errno);
+    return false;
+  }
+  content->clear();
+  char block[65536];
+  std::size_t read;
+  while ((read = std::fread(block, 1, sizeof block, file.get())) > 0) {
+    content->append(block, read);
+    if (content->size() > kLargest) {
+      *error = "larger than 64 MiB";
+      return false;
+    }
+  }
+  if (std::ferror(file.get())) {
+    *error = std::strerror(errno);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace kelvaro::console

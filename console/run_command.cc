@@ -1,0 +1,118 @@
+// kelvaroctl run: the engine on one profile.
+
+#include <sstream>
+
+#include "console/commands.h"
+#include "console/console_error.h"
+#include "console/engine_session.h"
+#include "console/event_printer.h"
+#include "console/json_text.h"
+#include "console/profile_json.h"
+#include "console/read_file.h"
+#include "console/real_machine.h"
+#include "console/stop_signals.h"
+
+namespace kelvaro::console {
+namespace {
+
+using platform::simulation::Recording;
+using platform::simulation::Simulation;
+
+// A recording ends this much after its last line, so that what it started can be seen.
+constexpr std::uint64_t kAfterRecording = 1000;  // ms
+
+std::optional<std::uint64_t> EndOfRun(const RunOptions& options, const Recording& recording) {
+  if (options.until) return options.until;
+  if (options.replay) return recording.Length() + kAfterRecording;
+  return std::nullopt;
+}
+
+DeviceChoice ChosenDevice(const RunOptions& options, const Profile& profile) {
+  DeviceChoice choice;
+  // A recording is the device, whatever the profile says.
+  if (options.replay) return choice;
+  choice.name = options.device;
+  choice.profileGuid = profile.deviceGuid;
+  choice.profileName = profile.deviceName;
+  return choice;
+}
+
+int RunSimulated(const RunOptions& options, Profile& profile, const Recording& recording,
+                 Streams streams) {
+  Simulation simulation;
+  simulation.KeepEvents(false);
+  simulation.AddDevice(recording.device).Play(recording.changes);
+  EventPrinter printer(streams.out, options.json);
+  std::uint64_t begin = 0;
+  simulation.OnEvent([&](SentEvent event) {
+    event.t -= begin;
+    printer.Print(event);
+  });
+
+  EngineSession session(profile);
+  std::string error;
+  if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
+    return Complain(streams.err, options.profile + ": " + error);
+  }
+  begin = simulation.Now();
+  simulation.RunFor(*EndOfRun(options, recording));
+  session.End();
+  return kDone;
+}
+
+int RunForReal(const RunOptions& options, Profile& profile, const Recording& recording,
+               Streams streams) {
+  StopSignals signals;
+  EventPrinter printer(streams.out, true);
+  RealMachine machine;
+  std::string error;
+  if (options.replay) {
+    machine.PlayRecording(recording);
+  } else {
+    machine.OpenDevices();
+  }
+  if (!machine.OpenOutput(options.json ? &printer : nullptr, &error)) {
+    return Complain(streams.err, error);
+  }
+
+  EngineSession session(profile);
+  if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
+    return Complain(streams.err, error);
+  }
+  machine.StartOfTime();
+  streams.err << "Running " << options.profile << " on '" << Bytes(session.DeviceName())
+              << "'; Ctrl-C ends it." << std::endl;
+  signals.Wait(EndOfRun(options, recording));
+  session.End();
+  return machine.EndOfOutput(streams);
+}
+
+}  // namespace
+
+int RunCommand(const RunOptions& options, Streams streams) {
+  std::string text;
+  std::string error;
+  if (!ReadWholeFile(options.profile, &text, &error)) {
+    return Complain(streams.err, options.profile + ": " + error);
+  }
+  Profile profile;
+  JsonFault fault;
+  if (!ReadProfile(text, &profile, &fault)) {
+    return Complain(streams.err, options.profile + ":" + fault.Text(), fault.detail);
+  }
+
+  Recording recording;
+  if (options.replay) {
+    if (!ReadWholeFile(*options.replay, &text, &error)) {
+      return Complain(streams.err, *options.replay + ": " + error);
+    }
+    std::istringstream lines(text);
+    if (!platform::simulation::ReadRecording(lines, &recording, &error)) {
+      return Complain(streams.err, *options.replay + ": " + error);
+    }
+  }
+  return options.simulate ? RunSimulated(options, profile, recording, streams)
+                          : RunForReal(options, profile, recording, streams);
+}
+
+}  // namespace kelvaro::console

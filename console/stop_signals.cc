@@ -1,0 +1,39 @@
+#include "console/stop_signals.h"
+
+#include <cerrno>
+#include <chrono>
+
+namespace kelvaro::console {
+
+StopSignals::StopSignals() {
+  sigemptyset(&stopping);
+  sigaddset(&stopping, SIGINT);
+  sigaddset(&stopping, SIGTERM);
+  sigaddset(&stopping, SIGHUP);
+  pthread_sigmask(SIG_BLOCK, &stopping, &before);
+}
+
+StopSignals::~StopSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+
+bool StopSignals::Wait(std::optional<std::uint64_t> ms) {
+  using Clock = std::chrono::steady_clock;
+  // Longer than anybody waits, and far from any overflow.
+  constexpr std::uint64_t kAges = 1000ull * 60 * 60 * 24 * 365 * 100;
+  const std::uint64_t wait = ms && *ms < kAges ? *ms : kAges;
+  const auto end = Clock::now() + std::chrono::milliseconds(wait);
+  for (;;) {
+    const auto left = end - Clock::now();
+    if (left <= Clock::duration::zero()) return false;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    timespec timeout{};
+    timeout.tv_sec = static_cast<time_t>(seconds.count());
+    timeout.tv_nsec = static_cast<long>(std::chrono::nanoseconds(left - seconds).count());
+    if (sigtimedwait(&stopping, nullptr, &timeout) > 0) {
+      pthread_sigmask(SIG_UNBLOCK, &stopping, nullptr);
+      return true;
+    }
+    if (errno != EAGAIN && errno != EINTR) return false;
+  }
+}
+
+}  // namespace kelvaro::console
