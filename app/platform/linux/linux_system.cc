@@ -1,0 +1,24 @@
+#include "app/platform/linux/linux_system.h"
+
+#include <string.h>
+
+#include <limits>
+
+#include "app/platform/linux/cut_off.h"
+
+namespace platform {
+
+std::string LinuxSystem::FormatMessageA(std::uint32_t code) {
+  StopHereIfCutOff();
+  if (code > static_cast<std::uint32_t>(std::numeric_limits<int>::max())) return {};
+  const char* text = strerrordesc_np(static_cast<int>(code));
+  return text ? std::string(text) + "\n" : std::string();
+}
+
+std::int32_t NoDesktop::MessageBoxA(WindowHandle, const std::string&, const std::string&,
+                                    std::uint32_t) {
+  StopHereIfCutOff();
+  return 0;
+}
+
+}  // namespace platform

@@ -1,0 +1,20 @@
+// Priorities of the calling thread, -15 to 15. THREAD_PRIORITY_TIME_CRITICAL is real-time
+// scheduling at a low rank where the system allows that or RealtimeKit grants it, otherwise a nice
+// value of -15 below the process's; every other priority p is a nice value of -p. Children of a
+// real-time thread start as ordinary ones.
+#pragma once
+
+#include <cstdint>
+
+namespace platform {
+
+// False, with the thread as it was, outside the range and where the system refuses.
+bool SetPriorityOfCurrentThread(std::int32_t priority);
+
+// The one last set, 0 if none was.
+std::int32_t PriorityOfCurrentThread();
+
+// For the first lines of a new thread: the priority of its maker does not pass on to it.
+void StartAtNormalPriority();
+
+}  // namespace platform

@@ -1,0 +1,32 @@
+#include "app/platform/linux/linux_platform.h"
+
+#include <errno.h>
+#include <gtest/gtest.h>
+
+namespace platform {
+namespace {
+
+TEST(LinuxPlatform, CallsGoToTheInstalledOne) {
+  LinuxPlatform linuxPlatform;
+  const InstalledPlatform installed(linuxPlatform.Groups());
+  const std::uint32_t start = GetTickCount();
+  Sleep(5);
+  EXPECT_GE(GetTickCount() - start, 5u);
+  EXPECT_GT(GetCurrentThreadId(), 0);
+  EXPECT_EQ(MessageBoxA(kNoWindow, "text", "caption", MB_OK), 0);
+}
+
+TEST(LinuxSystem, TextOfAnErrorEndsItsLine) {
+  LinuxSystem system;
+  EXPECT_EQ(system.FormatMessageA(ENOENT), "No such file or directory\n");
+  EXPECT_EQ(system.FormatMessageA(EACCES), "Permission denied\n");
+}
+
+TEST(LinuxSystem, AnUnknownErrorHasNoText) {
+  LinuxSystem system;
+  EXPECT_EQ(system.FormatMessageA(99999), "");
+  EXPECT_EQ(system.FormatMessageA(0xFFFFFFFFu), "");
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,177 @@
+#include "app/platform/linux/linux_timers.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+#include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/monotonic_time.h"
+
+namespace platform {
+namespace {
+
+void Pause(std::uint32_t ms) { LinuxClock().Sleep(ms); }
+
+struct Ticks {
+  LinuxTimers* timers = nullptr;
+  std::atomic<int> count{0};
+  std::atomic<int> inside{0};
+  std::atomic<bool> overlapped{false};
+  std::atomic<std::uint32_t> id{0};
+  std::atomic<std::int64_t> firstAt{0};
+  std::uint32_t sleepMs = 0;
+  int sleepTicks = 0;  // so many of the first ones sleep
+};
+
+void Tick(std::uint32_t id, void* user) {
+  auto* ticks = static_cast<Ticks*>(user);
+  if (++ticks->inside > 1) ticks->overlapped = true;
+  ticks->id = id;
+  if (++ticks->count == 1) ticks->firstAt = MonotonicNow();
+  if (ticks->count <= ticks->sleepTicks) Pause(ticks->sleepMs);
+  --ticks->inside;
+}
+
+bool Reaches(const std::atomic<int>& count, int wanted) {
+  for (int waited = 0; waited < 10000 && count < wanted; ++waited) Pause(1);
+  return count >= wanted;
+}
+
+TEST(LinuxTimers, LimitsAreOneMillisecondToAMillion) {
+  LinuxTimers timers;
+  TIMECAPS caps;
+  EXPECT_EQ(timers.timeGetDevCaps(&caps), TIMERR_NOERROR);
+  EXPECT_EQ(caps.wPeriodMin, 1u);
+  EXPECT_EQ(caps.wPeriodMax, 1000000u);
+  EXPECT_NE(timers.timeGetDevCaps(nullptr), TIMERR_NOERROR);
+}
+
+TEST(LinuxTimers, PeriodsOutsideTheLimitsAreRefused) {
+  LinuxTimers timers;
+  Ticks ticks;
+  for (const std::uint32_t bad : {0u, 1000001u, 0xFFFFFFFFu}) {
+    EXPECT_NE(timers.timeBeginPeriod(bad), TIMERR_NOERROR);
+    EXPECT_NE(timers.timeEndPeriod(bad), TIMERR_NOERROR);
+    EXPECT_EQ(timers.timeSetEvent(bad, 1, Tick, &ticks, TIME_PERIODIC), 0u);
+  }
+  for (const std::uint32_t good : {1u, 33u, 1000000u}) {
+    EXPECT_EQ(timers.timeBeginPeriod(good), TIMERR_NOERROR);
+    EXPECT_EQ(timers.timeEndPeriod(good), TIMERR_NOERROR);
+  }
+  EXPECT_EQ(timers.timeSetEvent(10, 1, nullptr, &ticks, TIME_PERIODIC), 0u);
+  EXPECT_EQ(timers.timeSetEvent(10, 1, Tick, &ticks, 0), 0u);
+}
+
+TEST(LinuxTimers, CallsComeOnceAPeriodAndFirstAfterOne) {
+  Ticks ticks;
+  LinuxTimers timers;
+  const std::int64_t start = MonotonicNow();
+  const std::uint32_t id = timers.timeSetEvent(10, 1, Tick, &ticks, TIME_PERIODIC);
+  ASSERT_NE(id, 0u);
+  ASSERT_TRUE(Reaches(ticks.count, 10));
+  const std::int64_t took = MonotonicNow() - start;
+  EXPECT_GE(took, 100 * kNanosecondsPerMillisecond);
+  EXPECT_GE(ticks.firstAt - start, 10 * kNanosecondsPerMillisecond);
+  EXPECT_EQ(ticks.id, id);
+  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+}
+
+TEST(LinuxTimers, NoCallStartsAfterTheKill) {
+  Ticks ticks;
+  LinuxTimers timers;
+  const std::uint32_t id = timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC);
+  ASSERT_TRUE(Reaches(ticks.count, 5));
+  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  Pause(20);  // the end of one that was under way
+  const int afterwards = ticks.count;
+  Pause(30);
+  EXPECT_EQ(ticks.count, afterwards);
+}
+
+TEST(LinuxTimers, AnUnknownIdIsRefused) {
+  Ticks ticks;
+  LinuxTimers timers;
+  EXPECT_NE(timers.timeKillEvent(0), TIMERR_NOERROR);
+  const std::uint32_t id = timers.timeSetEvent(1000, 1, Tick, &ticks, TIME_PERIODIC);
+  EXPECT_NE(timers.timeKillEvent(id + 1), TIMERR_NOERROR);
+  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  EXPECT_NE(timers.timeKillEvent(id), TIMERR_NOERROR);
+}
+
+TEST(LinuxTimers, PeriodsMissedDuringACallAreNotMadeUpFor) {
+  Ticks ticks;
+  ticks.sleepMs = 200;
+  ticks.sleepTicks = 1;
+  LinuxTimers timers;
+  const std::int64_t start = MonotonicNow();
+  const std::uint32_t id = timers.timeSetEvent(20, 1, Tick, &ticks, TIME_PERIODIC);
+  // The first call, at 20 ms, runs to 220 ms; grid points 40 to 200 pass meanwhile.
+  ASSERT_TRUE(Reaches(ticks.count, 3));
+  const std::int64_t took = MonotonicNow() - start;
+  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  // The second and third calls stand on the grid behind the first one's end: 240 and 260 ms. Made
+  // up for they would come at 220 at once.
+  EXPECT_GE(took, 260 * kNanosecondsPerMillisecond);
+  EXPECT_FALSE(ticks.overlapped);
+}
+
+TEST(LinuxTimers, ACallbackMayKillItsOwnTimer) {
+  Ticks ticks;
+  LinuxTimers timers;
+  ticks.timers = &timers;
+  const std::uint32_t id = timers.timeSetEvent(
+      1, 1,
+      [](std::uint32_t own, void* user) {
+        auto* mine = static_cast<Ticks*>(user);
+        if (mine->timers->timeKillEvent(own) == TIMERR_NOERROR) mine->id = own;
+        ++mine->count;
+      },
+      &ticks, TIME_PERIODIC);
+  ASSERT_TRUE(Reaches(ticks.count, 1));
+  Pause(20);
+  EXPECT_EQ(ticks.count, 1);
+  EXPECT_EQ(ticks.id, id);
+  EXPECT_NE(timers.timeKillEvent(id), TIMERR_NOERROR);
+}
+
+TEST(LinuxTimers, SeveralTimersRunSideBySide) {
+  Ticks fast;
+  Ticks slow;
+  LinuxTimers timers;
+  const std::uint32_t one = timers.timeSetEvent(2, 1, Tick, &fast, TIME_PERIODIC);
+  const std::uint32_t other = timers.timeSetEvent(20, 1, Tick, &slow, TIME_PERIODIC);
+  EXPECT_NE(one, other);
+  EXPECT_TRUE(Reaches(slow.count, 3));
+  EXPECT_GT(fast.count, slow.count);
+}
+
+TEST(LinuxTimers, TheEndOfTheObjectWaitsForTheCallUnderWay) {
+  Ticks ticks;
+  ticks.sleepMs = 50;
+  ticks.sleepTicks = 1000;
+  {
+    LinuxTimers timers;
+    ASSERT_NE(timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC), 0u);
+    ASSERT_TRUE(Reaches(ticks.count, 1));
+  }
+  EXPECT_EQ(ticks.inside, 0);
+  const int afterwards = ticks.count;
+  Pause(20);
+  EXPECT_EQ(ticks.count, afterwards);
+}
+
+TEST(LinuxTimers, ALongPeriodEndsAtOnceWhenKilled) {
+  Ticks ticks;
+  const std::int64_t start = MonotonicNow();
+  {
+    LinuxTimers timers;
+    const std::uint32_t id = timers.timeSetEvent(1000000, 1, Tick, &ticks, TIME_PERIODIC);
+    ASSERT_NE(id, 0u);
+    EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  }
+  EXPECT_LT(MonotonicNow() - start, 10 * kNanosecondsPerSecond);
+  EXPECT_EQ(ticks.count, 0);
+}
+
+}  // namespace
+}  // namespace platform
