@@ -1,0 +1,113 @@
+#include "tests/kernel/run.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+namespace {
+
+std::string Joined(const std::vector<std::string>& parts) {
+  std::string text;
+  for (const std::string& part : parts) {
+    if (!text.empty()) {
+      text += ',';
+    }
+    text += part;
+  }
+  return text;
+}
+
+std::string ActionsOf(const std::string& text) {
+  std::string escaped;
+  for (char c : text) {
+    if (c == '"' || c == '\\') {
+      escaped += '\\';
+    }
+    escaped += c;
+  }
+  return "\"actions\":[{\"text\":\"" + escaped + "\"}]";
+}
+
+std::string With(const std::string& more) { return more.empty() ? "" : "," + more; }
+
+}  // namespace
+
+std::string ButtonControl(std::size_t button, const std::string& text, const std::string& more) {
+  char mask[32];
+  std::snprintf(mask, sizeof mask, "0x%llx", 1ULL << button);
+  return std::string("{\"buttonMask\":\"") + mask + "\"," + ActionsOf(text) + With(more) + "}";
+}
+
+std::string ItemControl(int kind, int index, int value, const std::string& text) {
+  return "{\"triggerItems\":[{\"kind\":" + std::to_string(kind) +
+         ",\"index\":" + std::to_string(index) + ",\"value\":" + std::to_string(value) + "}]," +
+         ActionsOf(text) + "}";
+}
+
+std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more) {
+  return "{\"controls\":[" + Joined(controls) + "]" + With(more) + "}\n";
+}
+
+Run::Run(const std::string& profile, const std::string& device, const std::string& node,
+         const std::vector<std::string>& options) {
+  std::set<std::string> before;
+  for (const InputNode& input : InputNodes()) {
+    before.insert(input.path);
+  }
+  std::vector<std::string> arguments = {KelvaroctlPath(), "run", "--json"};
+  if (!device.empty()) {
+    arguments.insert(arguments.end(), {"--device", device});
+  }
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  arguments.push_back(WriteFile(profile));
+  child = std::make_unique<Child>(arguments);
+  const auto fresh = [&](const char* name) {
+    return FindInput(
+        [&](const InputNode& input) { return input.name == name && !before.contains(input.path); });
+  };
+  std::string keys;
+  std::string pointer;
+  const bool ready = Eventually(
+      [&] {
+        keys = fresh(kKeyboardName);
+        pointer = fresh(kMouseName);
+        return !child->Running() || (!keys.empty() && !pointer.empty() && child->HasOpen(node));
+      },
+      20000);
+  if (!ready || !child->Running()) {
+    ADD_FAILURE() << "kelvaroctl run didn't start: keyboard '" << keys << "', mouse '" << pointer
+                  << "', pad " << (child->HasOpen(node) ? "open" : "not open") << "\n"
+                  << child->Err() << child->Out();
+    return;
+  }
+  keyboard = std::make_unique<Reader>(keys);
+  mouse = std::make_unique<Reader>(pointer);
+  WaitMs(50);  // its first polls
+}
+
+::testing::AssertionResult SameColumns(const std::vector<std::string>& expected,
+                                       const std::vector<std::string>& actual) {
+  if (expected == actual) {
+    return ::testing::AssertionSuccess();
+  }
+  std::string table = "\n  expected                          | received\n";
+  for (std::size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
+    std::string left = i < expected.size() ? expected[i] : "";
+    const std::string right = i < actual.size() ? actual[i] : "";
+    const char* mark = left == right ? "  " : "* ";
+    left.resize(std::max<std::size_t>(left.size(), 33), ' ');
+    table += mark + left + " | " + right + "\n";
+  }
+  return ::testing::AssertionFailure() << table;
+}
+
+::testing::AssertionResult Sent(Reader& reader, const std::vector<std::string>& expected) {
+  reader.WaitFor(expected.size(), 2000);
+  WaitMs(40);
+  return SameColumns(expected, reader.Texts());
+}
+
+}  // namespace kelvaro::kernel
