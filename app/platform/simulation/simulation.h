@@ -23,6 +23,7 @@
 
 #include "app/platform/platform.h"
 #include "app/platform/simulation/recording.h"
+#include "app/platform/simulation/simulated_device.h"
 
 namespace platform::simulation {
 
@@ -49,32 +50,6 @@ struct ShownMessageBox {
   std::string text;
   std::string caption;
   std::uint32_t type = 0;
-};
-
-// A device that a test or a recording plays. It stays attached until it is unplugged.
-class SimulatedDevice {
- public:
-  virtual ~SimulatedDevice() = default;
-
-  // Changes that count from now on. Press names all buttons that are held, from 1.
-  virtual void Press(std::initializer_list<std::uint32_t> buttons) = 0;
-  virtual void MoveAxis(const std::string& axis, std::int32_t value) = 0;  // "Axis_X0"
-  virtual void PointHat(std::uint32_t hat, std::uint32_t angle) = 0;       // kPovCentred for none
-  virtual void Lose() = 0;                                                 // answers no more
-  virtual void Return() = 0;                                               // answers again
-  virtual void Change(const StateChange& change) = 0;                      // its time is ignored
-
-  // A change at a time of the Simulation, now or later.
-  virtual void ChangeAt(std::uint64_t t, const StateChange& change) = 0;
-  // Plays the changes, with times that count from the device's first Acquire.
-  virtual void Play(const std::vector<StateChange>& changes) = 0;
-
-  // Out of, and back in, the list of attached devices; an open one is lost meanwhile.
-  virtual void Unplug() = 0;
-  virtual void PlugIn() = 0;
-
-  virtual const DIJOYSTATE2& State() const = 0;
-  virtual const DeviceDescription& Description() const = 0;
 };
 
 class Simulation {
@@ -107,14 +82,25 @@ class Simulation {
   // Whether events are kept (they are at first); a long run does without.
   void KeepEvents(bool keep);
 
-  // Operations in the order in which they were called, as "Name" or "Name argument": those of
-  // devices, of timers, and of threads and events except waits. Kept only after LogCalls(true).
+  // Operations in the order in which they were called, failed ones included: those of devices, of
+  // timers, and of threads and events except waits. Kept only after LogCalls(true). Each is its
+  // name, followed by what is listed here for some:
+  //   SetCooperativeLevel FLAGS, SetProperty AXIS MIN MAX (AXIS is its place in EnumObjects),
+  //   Release DirectInput (the directory's; a device's stands alone), timeBeginPeriod MS,
+  //   timeEndPeriod MS, timeSetEvent MS RESOLUTION, timeKillEvent TIMER, CreateThread NAME,
+  //   GetExitCodeThread HANDLE, TerminateThread HANDLE CODE, SetCurrentThreadPriority PRIORITY,
+  //   CreateEventA manual (or auto), SetEvent HANDLE, ResetEvent HANDLE, CloseHandle HANDLE,
+  //   MessageBoxA CAPTION, FormatMessageA CODE
+  // All numbers are decimal. Handles and timers are numbered from 1, each apart.
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;
   void ClearCalls();
 
   // The next `times` calls of that operation ("CreateThread", "timeSetEvent", "SetDataFormat",
-  // "GetDeviceState", ...) fail; an operation with a result code gives `result`.
+  // "GetDeviceState", ...) fail; an operation with a result code gives `result`. A device operation
+  // for which that is a success (DI_OK, DI_NOEFFECT) is carried out and then gives it. An event
+  // that is sent by a failing keybd_event or mouse_event is lost. Sleep, GetTickCount,
+  // GetCurrentThreadId and Release can't fail: an unknown name ends the program.
   void FailNext(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM,
                 std::uint32_t times = 1);
   // So does every call from then on, until Mend.
@@ -127,8 +113,18 @@ class Simulation {
   void AnswerMessageBox(std::int32_t button);
   const std::vector<ShownMessageBox>& MessageBoxes() const;
 
-  // Threads that have been made and not ended, the outermost not counted.
+  // FormatMessageA's answer; before any call 2 and 5 have one.
+  void SetSystemMessage(std::uint32_t code, const std::string& text);
+
+  // Threads that have been made and not ended, the outermost not counted. Those that are left when
+  // the Simulation ends are dropped where they stand, without unwinding.
   std::uint32_t LivingThreads() const;
+
+  // What hasn't been given back: thread and event handles; DirectInput and device objects;
+  // timeBeginPeriod without its timeEndPeriod.
+  std::uint32_t OpenHandles() const;
+  std::uint32_t OpenDeviceObjects() const;
+  std::uint32_t OpenTimerPeriods() const;
 
  private:
   struct Machine;

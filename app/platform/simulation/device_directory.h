@@ -1,0 +1,63 @@
+// The DirectInput-shaped operations over devices that are scripted or recorded. Shared by the
+// simulation and by recorded devices under a real clock, so that both behave the same. A device may
+// be polled on another system thread than the one that made it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "app/platform/devices.h"
+#include "app/platform/simulation/journal.h"
+#include "app/platform/simulation/simulated_device.h"
+
+namespace platform::simulation {
+
+class ScriptedDevice;
+class OpenDevice;
+
+class DeviceDirectory final : public Devices, private DirectInput {
+ public:
+  // `now` tells the time in ms, never falling; it is called with the directory locked. `journal`
+  // may be null.
+  DeviceDirectory(std::function<std::uint64_t()> now, Journal* journal);
+  ~DeviceDirectory() override;
+
+  // The device lives as long as this.
+  SimulatedDevice& Add(const DeviceDescription& description);
+
+  HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) override;
+
+  // DirectInput and device objects that haven't been released.
+  std::uint32_t OpenObjects() const;
+
+ private:
+  friend class OpenDevice;
+  friend class ScriptedDevice;
+
+  HRESULT EnumDevices(std::uint32_t deviceClass,
+                      const std::function<bool(const DIDEVICEINSTANCE&)>& visit,
+                      std::uint32_t flags) override;
+  HRESULT CreateDevice(const GUID& instance, DirectInputDevice** device) override;
+  void Release() override;
+
+  void Forget(OpenDevice* device);
+
+  template <typename... Arguments>
+  std::optional<HRESULT> Enter(std::string_view operation, const Arguments&... arguments) {
+    return journal ? journal->Enter(operation, arguments...) : std::nullopt;
+  }
+
+  const std::function<std::uint64_t()> now;
+  Journal* const journal;
+  mutable std::mutex guard;  // of all below, and of the devices
+  std::uint32_t openDirectories = 0;
+  std::list<ScriptedDevice> devices;
+  std::vector<std::unique_ptr<OpenDevice>> open;
+};
+
+}  // namespace platform::simulation

@@ -1,0 +1,79 @@
+#include "app/platform/simulation/journal.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+
+namespace platform::simulation {
+namespace {
+
+constexpr std::string_view kOperations[] = {
+    "Acquire",
+    "CloseHandle",
+    "CreateDevice",
+    "CreateEventA",
+    "CreateThread",
+    "DirectInput8Create",
+    "EnumDevices",
+    "EnumObjects",
+    "FormatMessageA",
+    "GetCapabilities",
+    "GetCurrentThreadPriority",
+    "GetDeviceState",
+    "GetExitCodeThread",
+    "MessageBoxA",
+    "Poll",
+    "ResetEvent",
+    "SetCooperativeLevel",
+    "SetCurrentThreadPriority",
+    "SetDataFormat",
+    "SetEvent",
+    "SetProperty",
+    "TerminateThread",
+    "Unacquire",
+    "WaitForMultipleObjects",
+    "WaitForSingleObject",
+    "keybd_event",
+    "mouse_event",
+    "timeBeginPeriod",
+    "timeEndPeriod",
+    "timeGetDevCaps",
+    "timeKillEvent",
+    "timeSetEvent",
+};
+
+void MustBeKnown(const std::string& operation) {
+  if (std::find(std::begin(kOperations), std::end(kOperations), operation) !=
+      std::end(kOperations)) {
+    return;
+  }
+  std::fprintf(stderr, "simulation: no operation that could fail is named %s\n", operation.c_str());
+  std::abort();
+}
+
+}  // namespace
+
+void Journal::Plan(const std::string& operation, HRESULT result, std::uint64_t times) {
+  MustBeKnown(operation);
+  if (times == 0) {
+    plans.erase(operation);
+  } else {
+    plans[operation] = Fault{result, times};
+  }
+}
+
+void Journal::Mend(const std::string& operation) {
+  MustBeKnown(operation);
+  plans.erase(operation);
+}
+
+std::optional<HRESULT> Journal::Planned(std::string_view operation) {
+  const auto plan = plans.find(operation);
+  if (plan == plans.end()) return std::nullopt;
+  const HRESULT result = plan->second.result;
+  if (plan->second.times != UINT64_MAX && --plan->second.times == 0) plans.erase(plan);
+  return result;
+}
+
+}  // namespace platform::simulation

@@ -1,0 +1,56 @@
+// What the simulated operations have in common: the log of calls, and the faults that are planned
+// for them. Operations are known by their published names.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/platform/direct_input.h"
+
+namespace platform::simulation {
+
+class Journal {
+ public:
+  // Notes the call, if calls are kept, as the name and the arguments parted by blanks. The result
+  // that is planned for it, if one is.
+  template <typename... Arguments>
+  std::optional<HRESULT> Enter(std::string_view operation, const Arguments&... arguments) {
+    if (logging) {
+      std::string line(operation);
+      ((line += ' ', line += Text(arguments)), ...);
+      calls.push_back(std::move(line));
+    }
+    return plans.empty() ? std::nullopt : Planned(operation);
+  }
+
+  // The same for a wait or an event sent, which isn't noted.
+  std::optional<HRESULT> EnterUnnoted(std::string_view operation) {
+    return plans.empty() ? std::nullopt : Planned(operation);
+  }
+
+  // A name that no operation has ends the program: the plan would never come true.
+  void Plan(const std::string& operation, HRESULT result, std::uint64_t times);
+  void Mend(const std::string& operation);
+
+  bool logging = false;
+  std::vector<std::string> calls;
+
+ private:
+  struct Fault {
+    HRESULT result = 0;
+    std::uint64_t times = 0;
+  };
+
+  static std::string Text(std::string_view text) { return std::string(text); }
+  static std::string Text(std::int64_t number) { return std::to_string(number); }
+  std::optional<HRESULT> Planned(std::string_view operation);
+
+  std::map<std::string, Fault, std::less<>> plans;
+};
+
+}  // namespace platform::simulation

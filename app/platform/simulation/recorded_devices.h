@@ -1,0 +1,34 @@
+// One game device that plays a recording, as the whole of the attached devices, against any clock:
+// the real one when a recording is replayed with real output. Its changes are timed from the first
+// Acquire. The device may be polled on another thread than the one that selects it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "app/platform/clock.h"
+#include "app/platform/devices.h"
+#include "app/platform/simulation/recording.h"
+
+namespace platform::simulation {
+
+class SimulatedDevice;
+
+class RecordedDevices final : public Devices {
+ public:
+  // `clock` outlives this. It is asked for GetTickCount on whatever thread uses the device; its
+  // wrap does no harm if the device is polled at least once in 49 days.
+  RecordedDevices(const Recording& recording, Clock& clock);
+  ~RecordedDevices() override;
+
+  HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) override;
+
+  // The device itself, to be changed beside what it plays.
+  SimulatedDevice& Device();
+
+ private:
+  struct Player;
+  std::unique_ptr<Player> player;
+};
+
+}  // namespace platform::simulation

@@ -1,0 +1,473 @@
+#include "app/platform/simulation/recording.h"
+
+#include <json/json.h>
+
+#include <algorithm>
+#include <cctype>
+#include <exception>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <set>
+#include <sstream>
+
+namespace platform::simulation {
+namespace {
+
+constexpr std::uint32_t kVersion = 1;
+constexpr std::size_t kLongestLine = 1 << 20;
+constexpr int kDeepestNesting = 16;
+constexpr std::uint64_t kLatestTime = (std::uint64_t{1} << 53) - 1;  // exact in every JSON reader
+constexpr std::int64_t kAxisLimit = 32000;
+constexpr std::int64_t kWholeTurn = 36000;
+constexpr std::uint32_t kCentredWord = 0xFFFF;
+
+const char* const kAxisKinds[] = {"Axis_X",  "Axis_Y",  "Axis_Z",  "Axis_RX",
+                                  "Axis_RY", "Axis_RZ", "SliderA", "SliderB"};
+
+bool IsUtf8(const std::string& text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const auto byte = [&](std::size_t offset) {
+      return at + offset < text.size() ? static_cast<unsigned char>(text[at + offset]) : 0u;
+    };
+    const auto follows = [&](std::size_t offset, unsigned low, unsigned high) {
+      return byte(offset) >= low && byte(offset) <= high;
+    };
+    const unsigned first = byte(0);
+    if (first < 0x80) {
+      at += 1;
+    } else if (first >= 0xC2 && first <= 0xDF && follows(1, 0x80, 0xBF)) {
+      at += 2;
+    } else if (first >= 0xE0 && first <= 0xEF &&
+               follows(1, first == 0xE0 ? 0xA0 : 0x80, first == 0xED ? 0x9F : 0xBF) &&
+               follows(2, 0x80, 0xBF)) {
+      at += 3;
+    } else if (first >= 0xF0 && first <= 0xF4 &&
+               follows(1, first == 0xF0 ? 0x90 : 0x80, first == 0xF4 ? 0x8F : 0xBF) &&
+               follows(2, 0x80, 0xBF) && follows(3, 0x80, 0xBF)) {
+      at += 4;
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Reads lines of JSON; the first fault ends it and is kept.
+class Reader {
+ public:
+  Reader(std::istream& in, Recording* recording) : in(in), recording(recording) {
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
+    builder["stackLimit"] = kDeepestNesting;
+    json.reset(builder.newCharReader());
+  }
+
+  bool Run(std::string* error) {
+    bool started = false;
+    std::string line;
+    while (fault.empty() && NextLine(&line)) {
+      if (std::all_of(line.begin(), line.end(), IsBlank)) continue;
+      Json::Value value;
+      if (!Parse(line, &value)) break;
+      if (started) {
+        ReadChange(value);
+      } else {
+        ReadHeader(value);
+      }
+      started = true;
+    }
+    if (fault.empty() && !started) {
+      number = 1;
+      Fail("", "the line that describes the device is missing");
+    }
+    if (!fault.empty()) *error = "line " + std::to_string(number) + ": " + fault;
+    return fault.empty();
+  }
+
+ private:
+  static bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+  bool Fail(const std::string& member, const std::string& what) {
+    if (fault.empty()) fault = member.empty() ? what : member + ": " + what;
+    return false;
+  }
+
+  // False at the end, and on a fault.
+  bool NextLine(std::string* line) {
+    line->clear();
+    std::streambuf* bytes = in.rdbuf();
+    ++number;
+    for (;;) {
+      const int c = bytes ? bytes->sbumpc() : std::char_traits<char>::eof();
+      if (c == std::char_traits<char>::eof()) {
+        if (in.bad()) return Fail("", "can't be read");
+        return !line->empty();
+      }
+      if (c == '\n') return true;
+      if (line->size() == kLongestLine) {
+        return Fail("", "longer than " + std::to_string(kLongestLine) + " bytes");
+      }
+      line->push_back(static_cast<char>(c));
+    }
+  }
+
+  bool Parse(const std::string& line, Json::Value* value) {
+    std::string errors;
+    bool good = false;
+    if (!IsUtf8(line)) return Fail("", "not UTF-8");
+    try {
+      good = json->parse(line.data(), line.data() + line.size(), value, &errors);
+    } catch (const std::exception&) {
+      return Fail("", "nested too deeply");
+    }
+    if (!good) return Fail("", Shorten(errors));
+    if (!value->isObject()) return Fail("", "not an object");
+    return true;
+  }
+
+  // The library's report, "* Line 1, Column 5\n  Text\n" and more of them, as "column 5: Text".
+  static std::string Shorten(const std::string& report) {
+    const std::string mark = "Column ";
+    const std::size_t column = report.find(mark);
+    const std::size_t end = report.find('\n', column);
+    if (column == std::string::npos || end == std::string::npos) return "not JSON";
+    std::size_t text = report.find_first_not_of(' ', end + 1);
+    if (text == std::string::npos) text = end;
+    const std::size_t textEnd = std::min(report.find('\n', text), report.size());
+    return "column " + report.substr(column + mark.size(), end - column - mark.size()) + ": " +
+           report.substr(text, textEnd - text);
+  }
+
+  // False for a member whose name isn't in `known`.
+  bool OnlyKnown(const Json::Value& value, const std::set<std::string>& known) {
+    for (const std::string& name : value.getMemberNames()) {
+      if (!known.count(name)) return Fail(Shown(name), "unknown member");
+    }
+    return true;
+  }
+
+  // A name from the file, fit for one line of a message.
+  static std::string Shown(const std::string& name) {
+    constexpr std::size_t kLongest = 40;
+    std::string text;
+    for (const char c : name.substr(0, kLongest)) {
+      text += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
+    }
+    return name.size() > kLongest ? text + "..." : text;
+  }
+
+  // The whole number `value`; nothing, with the fault kept, for any other value.
+  std::optional<std::int64_t> Whole(const Json::Value& value, const std::string& member) {
+    if (!value.isNumeric()) {
+      Fail(member, "not a number");
+    } else if (value.isInt64()) {
+      return value.asInt64();
+    } else {
+      Fail(member, value.isDouble() && !value.isIntegral() ? "not a whole number" : "out of range");
+    }
+    return std::nullopt;
+  }
+
+  std::optional<std::int64_t> Required(const Json::Value& value, const char* member) {
+    if (!value.isMember(member)) {
+      Fail(member, "missing");
+      return std::nullopt;
+    }
+    return Whole(value[member], member);
+  }
+
+  bool ReadCount(const Json::Value& value, const char* member, std::uint32_t most,
+                 std::uint32_t* count) {
+    const auto number = Required(value, member);
+    if (!number) return false;
+    if (*number < 0 || *number > most) {
+      return Fail(member, "not from 0 to " + std::to_string(most));
+    }
+    *count = static_cast<std::uint32_t>(*number);
+    return true;
+  }
+
+  bool ReadHeader(const Json::Value& value) {
+    if (!value.isMember("recording")) {
+      return Fail("recording", "missing in the line that describes the device");
+    }
+    const auto version = Whole(value["recording"], "recording");
+    if (!version) return false;
+    if (*version != kVersion) {
+      return Fail("recording", "version " + std::to_string(*version) + " isn't known");
+    }
+    if (!OnlyKnown(value, {"recording", "device", "guid", "buttons", "axes", "povs"})) return false;
+    DeviceDescription& device = recording->device;
+    if (!value.isMember("device")) return Fail("device", "missing");
+    if (!ReadText(value["device"], "device", &device.name)) return false;
+    if (!value.isMember("guid")) return Fail("guid", "missing");
+    if (!value["guid"].isString()) return Fail("guid", "not a text");
+    if (!ParseGuid(value["guid"].asString(), &device.guid)) {
+      return Fail("guid", "not 32 hexadecimal digits");
+    }
+    return ReadCount(value, "buttons", 128, &device.buttons) &&
+           ReadCount(value, "axes", 8, &device.axes) && ReadCount(value, "povs", 4, &device.povs);
+  }
+
+  // A text, or {"bytes":"<hex>"} for what isn't UTF-8.
+  bool ReadText(const Json::Value& value, const std::string& member, std::string* text) {
+    if (value.isString()) {
+      *text = value.asString();
+      return true;
+    }
+    if (!value.isObject()) return Fail(member, "not a text");
+    if (!OnlyKnown(value, {"bytes"})) return false;
+    const Json::Value& bytes = value["bytes"];
+    if (!bytes.isString()) return Fail(member + ".bytes", "not a text");
+    const std::string digits = bytes.asString();
+    if (digits.size() % 2 != 0) return Fail(member + ".bytes", "an odd count of digits");
+    text->clear();
+    for (std::size_t at = 0; at < digits.size(); at += 2) {
+      const int high = HexDigit(digits[at]);
+      const int low = HexDigit(digits[at + 1]);
+      if (high < 0 || low < 0) return Fail(member + ".bytes", "not hexadecimal");
+      text->push_back(static_cast<char>(high << 4 | low));
+    }
+    return true;
+  }
+
+  bool ReadChange(const Json::Value& value) {
+    if (!OnlyKnown(value, {"t", "buttons", "axes", "povs", "lost"})) return false;
+    StateChange change;
+    const auto t = Required(value, "t");
+    if (!t) return false;
+    if (*t < 0) return Fail("t", "below 0");
+    change.t = static_cast<std::uint64_t>(*t);
+    if (change.t > kLatestTime) return Fail("t", "out of range");
+    if (change.t < recording->Length()) {
+      return Fail("t", "before the line above, which is at " + std::to_string(recording->Length()));
+    }
+    if (value.isMember("buttons") && !ReadButtons(value["buttons"], &change)) return false;
+    if (value.isMember("axes") && !ReadAxes(value["axes"], &change)) return false;
+    if (value.isMember("povs") && !ReadHats(value["povs"], &change)) return false;
+    if (value.isMember("lost")) {
+      if (!value["lost"].isBool()) return Fail("lost", "neither true nor false");
+      change.hasLost = true;
+      change.lost = value["lost"].asBool();
+    }
+    recording->changes.push_back(std::move(change));
+    return true;
+  }
+
+  bool ReadButtons(const Json::Value& value, StateChange* change) {
+    if (!value.isArray()) return Fail("buttons", "not a list");
+    change->hasButtons = true;
+    for (Json::ArrayIndex index = 0; index < value.size(); ++index) {
+      const std::string member = "buttons[" + std::to_string(index) + "]";
+      const auto button = Whole(value[index], member);
+      if (!button) return false;
+      if (*button < 1 || *button > recording->device.buttons) {
+        return Fail(member, "no button " + std::to_string(*button) + " on this device, which has " +
+                                std::to_string(recording->device.buttons));
+      }
+      change->buttons.push_back(static_cast<std::uint32_t>(*button));
+    }
+    return true;
+  }
+
+  bool ReadAxes(const Json::Value& value, StateChange* change) {
+    if (!value.isObject()) return Fail("axes", "not an object");
+    for (const std::string& name : value.getMemberNames()) {
+      const std::string member = "axes." + Shown(name);
+      AxisName axis;
+      if (!ParseAxisName(name, &axis)) return Fail(member, "no such axis");
+      const auto position = Whole(value[name], member);
+      if (!position) return false;
+      if (*position < -kAxisLimit || *position > kAxisLimit) {
+        return Fail(member, "not from -32000 to 32000");
+      }
+      change->axes.emplace_back(axis, static_cast<std::int32_t>(*position));
+    }
+    return true;
+  }
+
+  bool ReadHats(const Json::Value& value, StateChange* change) {
+    if (!value.isObject()) return Fail("povs", "not an object");
+    for (const std::string& name : value.getMemberNames()) {
+      const std::string member = "povs." + Shown(name);
+      const std::string prefix = "POV";
+      const bool named = name.size() == prefix.size() + 1 && name.compare(0, 3, prefix) == 0 &&
+                         name.back() >= '0' && name.back() <= '9';
+      const auto hat = static_cast<std::uint32_t>(named ? name.back() - '0' : 0);
+      if (!named || hat >= recording->device.povs) return Fail(member, "no such hat");
+      const auto angle = Whole(value[name], member);
+      if (!angle) return false;
+      if (*angle < -1 || *angle >= kWholeTurn) return Fail(member, "neither -1 nor 0 to 35999");
+      change->povs.emplace_back(hat, *angle < 0 ? kPovCentred : static_cast<std::uint32_t>(*angle));
+    }
+    return true;
+  }
+
+ public:
+  static int HexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+  }
+
+ private:
+  std::istream& in;
+  Recording* const recording;
+  Json::CharReaderBuilder builder;
+  std::unique_ptr<Json::CharReader> json;
+  std::uint64_t number = 0;  // of the line
+  std::string fault;
+};
+
+std::string HexByte(unsigned value) {
+  const char digits[] = "0123456789abcdef";
+  return {digits[value >> 4 & 15], digits[value & 15]};
+}
+
+std::string TextAsJson(const std::string& text) {
+  if (!IsUtf8(text)) {
+    std::string hex;
+    for (const char c : text) hex += HexByte(static_cast<unsigned char>(c));
+    return "{\"bytes\":\"" + hex + "\"}";
+  }
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "";
+  builder["emitUTF8"] = true;
+  return Json::writeString(builder, Json::Value(text));
+}
+
+// Members for a JSON object out of name and value pairs; a later pair of the same name wins.
+template <typename Pairs, typename Name, typename Number>
+std::string Members(const Pairs& pairs, Name name, Number number) {
+  std::string text;
+  for (auto pair = pairs.begin(); pair != pairs.end(); ++pair) {
+    const bool outdated = std::any_of(std::next(pair), pairs.end(), [&](const auto& later) {
+      return later.first == pair->first;
+    });
+    if (outdated) continue;
+    text += (text.empty() ? "\"" : ",\"") + name(pair->first) +
+            "\":" + std::to_string(number(pair->second));
+  }
+  return "{" + text + "}";
+}
+
+}  // namespace
+
+bool ParseAxisName(const std::string& text, AxisName* axis) {
+  if (text.empty() || text.back() < '0' || text.back() > '3') return false;
+  const std::string kind = text.substr(0, text.size() - 1);
+  const auto found = std::find(std::begin(kAxisKinds), std::end(kAxisKinds), kind);
+  if (found == std::end(kAxisKinds)) return false;
+  axis->kind = static_cast<std::uint16_t>(found - std::begin(kAxisKinds));
+  axis->bank = static_cast<std::uint16_t>(text.back() - '0');
+  return true;
+}
+
+std::string AxisNameText(AxisName axis) {
+  return kAxisKinds[axis.kind] + std::to_string(axis.bank);
+}
+
+std::int32_t* AxisField(DIJOYSTATE2* state, AxisName axis) {
+  using S = DIJOYSTATE2;
+  static constexpr std::int32_t S::*kAxes[4][6] = {
+      {&S::lX, &S::lY, &S::lZ, &S::lRx, &S::lRy, &S::lRz},
+      {&S::lVX, &S::lVY, &S::lVZ, &S::lVRx, &S::lVRy, &S::lVRz},
+      {&S::lAX, &S::lAY, &S::lAZ, &S::lARx, &S::lARy, &S::lARz},
+      {&S::lFX, &S::lFY, &S::lFZ, &S::lFRx, &S::lFRy, &S::lFRz}};
+  static constexpr std::int32_t(S::*kSliders[4])[2] = {&S::rglSlider, &S::rglVSlider,
+                                                       &S::rglASlider, &S::rglFSlider};
+  if (axis.kind < 6) return &(state->*kAxes[axis.bank][axis.kind]);
+  return &(state->*kSliders[axis.bank])[axis.kind - 6];
+}
+
+void ApplyChange(const StateChange& change, DIJOYSTATE2* state) {
+  if (change.hasButtons) {
+    std::fill(std::begin(state->rgbButtons), std::end(state->rgbButtons), std::uint8_t{0});
+    for (const std::uint32_t button : change.buttons) state->rgbButtons[button - 1] = 0x80;
+  }
+  for (const auto& [axis, value] : change.axes) *AxisField(state, axis) = value;
+  for (const auto& [hat, angle] : change.povs) state->rgdwPOV[hat] = angle;
+}
+
+DIJOYSTATE2 StateAtRest() {
+  DIJOYSTATE2 state;
+  std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), kPovCentred);
+  return state;
+}
+
+bool ReadRecording(std::istream& in, Recording* recording, std::string* error) {
+  Recording read;
+  try {
+    if (!Reader(in, &read).Run(error)) return false;
+  } catch (const std::exception& problem) {
+    *error = std::string("can't be read: ") + problem.what();
+    return false;
+  }
+  *recording = std::move(read);
+  return true;
+}
+
+std::string RecordingHeaderLine(const DeviceDescription& device) {
+  return "{\"recording\":" + std::to_string(kVersion) + ",\"device\":" + TextAsJson(device.name) +
+         ",\"guid\":\"" + GuidText(device.guid) +
+         "\",\"buttons\":" + std::to_string(device.buttons) +
+         ",\"axes\":" + std::to_string(device.axes) + ",\"povs\":" + std::to_string(device.povs) +
+         "}";
+}
+
+std::string RecordingChangeLine(const StateChange& change) {
+  std::string line = "{\"t\":" + std::to_string(change.t);
+  if (change.hasButtons) {
+    line += ",\"buttons\":[";
+    for (std::size_t index = 0; index < change.buttons.size(); ++index) {
+      line += (index ? "," : "") + std::to_string(change.buttons[index]);
+    }
+    line += "]";
+  }
+  if (!change.axes.empty()) {
+    line += ",\"axes\":" + Members(change.axes, AxisNameText,
+                                   [](std::int32_t value) { return std::int64_t{value}; });
+  }
+  if (!change.povs.empty()) {
+    line += ",\"povs\":" +
+            Members(
+                change.povs, [](std::uint32_t hat) { return "POV" + std::to_string(hat); },
+                [](std::uint32_t angle) {
+                  return (angle & kCentredWord) == kCentredWord ? std::int64_t{-1}
+                                                                : std::int64_t{angle};
+                });
+  }
+  if (change.hasLost) line += std::string(",\"lost\":") + (change.lost ? "true" : "false");
+  return line + "}";
+}
+
+std::string GuidText(const GUID& guid) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += HexByte(guid.Data1 >> shift & 0xFF);
+  for (const std::uint16_t part : {guid.Data2, guid.Data3}) {
+    text += HexByte(part >> 8) + HexByte(part & 0xFFu);
+  }
+  for (const std::uint8_t byte : guid.Data4) text += HexByte(byte);
+  return text;
+}
+
+bool ParseGuid(const std::string& text, GUID* guid) {
+  if (text.size() != 32) return false;
+  std::uint8_t bytes[16];
+  for (std::size_t index = 0; index < std::size(bytes); ++index) {
+    const int high = Reader::HexDigit(text[2 * index]);
+    const int low = Reader::HexDigit(text[2 * index + 1]);
+    if (high < 0 || low < 0) return false;
+    bytes[index] = static_cast<std::uint8_t>(high << 4 | low);
+  }
+  guid->Data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
+                std::uint32_t{bytes[2]} << 8 | bytes[3];
+  guid->Data2 = static_cast<std::uint16_t>(bytes[4] << 8 | bytes[5]);
+  guid->Data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
+  std::copy(bytes + 8, bytes + 16, guid->Data4);
+  return true;
+}
+
+}  // namespace platform::simulation

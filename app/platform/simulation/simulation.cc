@@ -1,0 +1,213 @@
+#include "app/platform/simulation/simulation.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <utility>
+
+#include "app/platform/simulation/device_directory.h"
+#include "app/platform/simulation/journal.h"
+#include "app/platform/simulation/scheduler.h"
+#include "app/platform/simulation/virtual_threads.h"
+#include "app/platform/simulation/virtual_timers.h"
+
+namespace platform::simulation {
+namespace {
+
+bool alive = false;
+
+bool ClaimTheMachine() {
+  if (alive) {
+    std::fputs("simulation: there is one already\n", stderr);
+    std::abort();
+  }
+  return alive = true;
+}
+
+class KeptInput final : public Input {
+ public:
+  KeptInput(Scheduler& scheduler, Journal& journal) : scheduler(scheduler), journal(journal) {}
+
+  void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
+                   std::uint32_t) override {
+    if (journal.EnterUnnoted("keybd_event")) return;
+    SentEvent event;
+    event.vk = vk;
+    event.scan = scan;
+    event.flags = flags;
+    Send(event);
+  }
+
+  void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
+                   std::uint32_t) override {
+    if (journal.EnterUnnoted("mouse_event")) return;
+    SentEvent event;
+    event.kind = SentEvent::Kind::Mouse;
+    event.flags = flags;
+    event.dx = dx;
+    event.dy = dy;
+    event.data = data;
+    Send(event);
+  }
+
+  bool keep = true;
+  std::vector<SentEvent> events;
+  std::function<void(const SentEvent&)> listener;
+
+ private:
+  void Send(SentEvent& event) {
+    event.t = scheduler.Now();
+    if (keep) events.push_back(event);
+    if (listener) listener(event);
+  }
+
+  Scheduler& scheduler;
+  Journal& journal;
+};
+
+class AnsweredDesktop final : public Desktop {
+ public:
+  explicit AnsweredDesktop(Journal& journal) : journal(journal) {}
+
+  std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
+                           std::uint32_t type) override {
+    if (journal.Enter("MessageBoxA", caption)) return 0;
+    shown.push_back({owner, text, caption, type});
+    if (answers.empty()) return 0;
+    const std::int32_t answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+
+  std::vector<ShownMessageBox> shown;
+  std::deque<std::int32_t> answers;
+
+ private:
+  Journal& journal;
+};
+
+class ListedMessages final : public System {
+ public:
+  explicit ListedMessages(Journal& journal) : journal(journal) {}
+
+  std::string FormatMessageA(std::uint32_t code) override {
+    if (journal.Enter("FormatMessageA", code)) return {};
+    const auto found = texts.find(code);
+    return found == texts.end() ? std::string() : found->second;
+  }
+
+  std::map<std::uint32_t, std::string> texts{{2, "The system cannot find the file specified.\r\n"},
+                                             {5, "Access is denied.\r\n"}};
+
+ private:
+  Journal& journal;
+};
+
+}  // namespace
+
+std::string EventText(const SentEvent& event) {
+  char text[96];
+  if (event.kind == SentEvent::Kind::Key) {
+    std::snprintf(text, sizeof text, "%llu key %x %x %u", static_cast<unsigned long long>(event.t),
+                  event.vk, event.scan, event.flags);
+  } else {
+    std::snprintf(text, sizeof text, "%llu mouse %u %d %d %d",
+                  static_cast<unsigned long long>(event.t), event.flags, event.dx, event.dy,
+                  event.data);
+  }
+  return text;
+}
+
+struct Simulation::Machine {
+  ~Machine() { alive = false; }
+
+  const bool claimed = ClaimTheMachine();
+  Journal journal;
+  Scheduler scheduler;
+  VirtualClock clock{scheduler};
+  VirtualThreads threads{scheduler, journal};
+  VirtualTimers timers{scheduler, journal};
+  DeviceDirectory devices{[this] { return scheduler.Now(); }, &journal};
+  KeptInput input{scheduler, journal};
+  ListedMessages system{journal};
+  AnsweredDesktop desktop{journal};
+  const platform::Platform groups{&clock, &threads, &timers, &devices, &input, &system, &desktop};
+  const InstalledPlatform installed{groups};
+};
+
+Simulation::Simulation() : machine(std::make_unique<Machine>()) {}
+
+Simulation::~Simulation() = default;
+
+const platform::Platform& Simulation::Groups() const { return machine->groups; }
+
+std::uint64_t Simulation::Now() const { return machine->scheduler.Now(); }
+
+void Simulation::SetTickOffset(std::uint32_t offset) { machine->clock.offset = offset; }
+
+void Simulation::RunFor(std::uint64_t ms) { machine->scheduler.RunUntil(Now() + ms); }
+
+void Simulation::RunUntil(std::uint64_t t) { machine->scheduler.RunUntil(t); }
+
+SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
+  return machine->devices.Add(description);
+}
+
+const std::vector<SentEvent>& Simulation::Events() const { return machine->input.events; }
+
+std::string Simulation::EventText() const {
+  std::string text;
+  for (const SentEvent& event : Events()) text += simulation::EventText(event) + "\n";
+  return text;
+}
+
+void Simulation::ClearEvents() { machine->input.events.clear(); }
+
+void Simulation::OnEvent(std::function<void(const SentEvent&)> listener) {
+  machine->input.listener = std::move(listener);
+}
+
+void Simulation::KeepEvents(bool keep) { machine->input.keep = keep; }
+
+void Simulation::LogCalls(bool log) { machine->journal.logging = log; }
+
+const std::vector<std::string>& Simulation::Calls() const { return machine->journal.calls; }
+
+void Simulation::ClearCalls() { machine->journal.calls.clear(); }
+
+void Simulation::FailNext(const std::string& operation, HRESULT result, std::uint32_t times) {
+  machine->journal.Plan(operation, result, times);
+}
+
+void Simulation::FailAlways(const std::string& operation, HRESULT result) {
+  machine->journal.Plan(operation, result, UINT64_MAX);
+}
+
+void Simulation::Mend(const std::string& operation) { machine->journal.Mend(operation); }
+
+void Simulation::SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs) {
+  machine->timers.limits = {minMs, maxMs};
+}
+
+void Simulation::AnswerMessageBox(std::int32_t button) {
+  machine->desktop.answers.push_back(button);
+}
+
+const std::vector<ShownMessageBox>& Simulation::MessageBoxes() const {
+  return machine->desktop.shown;
+}
+
+void Simulation::SetSystemMessage(std::uint32_t code, const std::string& text) {
+  machine->system.texts[code] = text;
+}
+
+std::uint32_t Simulation::LivingThreads() const { return machine->threads.Living(); }
+
+std::uint32_t Simulation::OpenHandles() const { return machine->threads.OpenHandles(); }
+
+std::uint32_t Simulation::OpenDeviceObjects() const { return machine->devices.OpenObjects(); }
+
+std::uint32_t Simulation::OpenTimerPeriods() const { return machine->timers.OpenPeriods(); }
+
+}  // namespace platform::simulation

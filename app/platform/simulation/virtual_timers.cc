@@ -1,0 +1,97 @@
+#include "app/platform/simulation/virtual_timers.h"
+
+#include <string>
+
+namespace platform::simulation {
+namespace {
+
+constexpr std::uint32_t MMSYSERR_INVALPARAM = 11;
+constexpr std::uint32_t TIMERR_NOCANDO = 97;
+
+}  // namespace
+
+VirtualTimers::VirtualTimers(Scheduler& scheduler, Journal& journal)
+    : scheduler(scheduler), journal(journal) {}
+
+std::uint32_t VirtualTimers::timeGetDevCaps(TIMECAPS* caps) {
+  if (const auto fault = journal.Enter("timeGetDevCaps")) {
+    return static_cast<std::uint32_t>(*fault);
+  }
+  if (!caps) return TIMERR_NOCANDO;
+  *caps = limits;
+  return TIMERR_NOERROR;
+}
+
+std::uint32_t VirtualTimers::timeBeginPeriod(std::uint32_t periodMs) {
+  if (const auto fault = journal.Enter("timeBeginPeriod", periodMs)) {
+    return static_cast<std::uint32_t>(*fault);
+  }
+  if (periodMs < limits.wPeriodMin || periodMs > limits.wPeriodMax) return TIMERR_NOCANDO;
+  ++periods[periodMs];
+  return TIMERR_NOERROR;
+}
+
+std::uint32_t VirtualTimers::timeEndPeriod(std::uint32_t periodMs) {
+  if (const auto fault = journal.Enter("timeEndPeriod", periodMs)) {
+    return static_cast<std::uint32_t>(*fault);
+  }
+  const auto period = periods.find(periodMs);
+  if (period == periods.end()) return TIMERR_NOCANDO;
+  if (--period->second == 0) periods.erase(period);
+  return TIMERR_NOERROR;
+}
+
+std::uint32_t VirtualTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
+                                          TimerCallback callback, void* user, std::uint32_t flags) {
+  if (journal.Enter("timeSetEvent", delayMs, resolutionMs)) return 0;
+  if (delayMs == 0 || delayMs < limits.wPeriodMin || delayMs > limits.wPeriodMax) return 0;
+  if (!callback || flags != TIME_PERIODIC) return 0;
+  const std::uint32_t id = lastId + 1;
+  auto timer = std::make_shared<Timer>();
+  Timer* self = timer.get();  // lives until its thread has ended
+  const std::uint64_t start = scheduler.Now();
+  timer->thread = scheduler.Spawn(
+      Rank::Timer, "timer " + std::to_string(id), [this, self, id, start, delayMs, callback, user] {
+        std::uint64_t tick = start;
+        while (!self->killed) {
+          tick += delayMs;
+          if (tick < scheduler.Now()) {
+            tick += (scheduler.Now() - tick + delayMs - 1) / delayMs * delayMs;
+          }
+          if (tick > scheduler.Now()) scheduler.SleepUntil(tick);
+          self->calling = true;
+          callback(id, user);
+          self->calling = false;
+        }
+        timers.erase(id);
+        return 0u;
+      });
+  if (!timer->thread) return 0;
+  lastId = id;
+  timers.emplace(id, std::move(timer));
+  return id;
+}
+
+std::uint32_t VirtualTimers::timeKillEvent(std::uint32_t timerId) {
+  if (const auto fault = journal.Enter("timeKillEvent", timerId)) {
+    return static_cast<std::uint32_t>(*fault);
+  }
+  const auto found = timers.find(timerId);
+  if (found == timers.end() || found->second->killed) return MMSYSERR_INVALPARAM;
+  Timer& timer = *found->second;
+  timer.killed = true;
+  // A call that is under way finishes; its thread then ends by itself.
+  if (!timer.calling) {
+    scheduler.Terminate(*timer.thread, 0);
+    timers.erase(found);
+  }
+  return TIMERR_NOERROR;
+}
+
+std::uint32_t VirtualTimers::OpenPeriods() const {
+  std::uint32_t sum = 0;
+  for (const auto& [period, times] : periods) sum += times;
+  return sum;
+}
+
+}  // namespace platform::simulation
