@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 
 namespace kelvaro {
 
@@ -116,28 +117,14 @@ class LinkedList {
   // arguments do nothing.
   void SwapNodes(Node* a, Node* b) {
     if (!a || !b || a == b) return;
-    if (b->next == a) {
-      Node* first = b;
-      b = a;
-      a = first;
-    }
-    Node* before = a->prev;
-    Node* after = b->next;
-    if (a->next == b) {
-      b->next = a;
-      a->prev = b;
-    } else {
-      Node* behindA = a->next;
-      Node* beforeB = b->prev;
-      b->next = behindA;
-      behindA->prev = b;
-      a->prev = beforeB;
-      beforeB->next = a;
-    }
-    b->prev = before;
-    (before ? before->next : head) = b;
-    a->next = after;
-    (after ? after->prev : tail) = a;
+    if (b->next == a) std::swap(a, b);
+    const bool adjacent = a->next == b;
+    Node* const before = a->prev;
+    Node* const behindA = adjacent ? a : a->next;
+    Node* const beforeB = adjacent ? b : b->prev;
+    Node* const after = b->next;
+    Place(b, before, behindA);
+    Place(a, beforeB, after);
   }
 
   Node* head = nullptr;
@@ -145,6 +132,13 @@ class LinkedList {
   std::int32_t count = 0;
 
  private:
+  void Place(Node* node, Node* before, Node* behind) {
+    node->prev = before;
+    node->next = behind;
+    (before ? before->next : head) = node;
+    (behind ? behind->prev : tail) = node;
+  }
+
   void Append(const LinkedList& other) {
     for (Node* node = other.head; node; node = node->next) AddTail(*node->value, node->tag);
   }
