@@ -1,0 +1,152 @@
+// A machine of one device in memory, whose timer ticks when it is told to and on which no second
+// thread ever runs. It allocates nothing while it ticks, so that what a tick costs can be counted
+// and measured.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <functional>
+
+#include "app/platform/platform.h"
+
+namespace kelvaro::test {
+
+class ManualMachine : public platform::Clock,
+                      public platform::Threads,
+                      public platform::Timers,
+                      public platform::Devices {
+ public:
+  ManualMachine() : installed(Groups()) {
+    for (std::uint32_t& pov : state.rgdwPOV) pov = platform::kPovCentred;
+  }
+
+  platform::DIJOYSTATE2 state;                            // what the device gives
+  std::uint32_t eventsSet = 0;                            // calls of SetEvent
+  platform::HRESULT enumDevicesResult = platform::DI_OK;  // after the device has been listed
+
+  // One period of the timer that was set last.
+  void Tick() { callback(kTimerId, user); }
+
+  void Sleep(std::uint32_t) override {}
+  std::uint32_t GetTickCount() override { return 0; }
+
+  std::int32_t GetCurrentThreadId() override { return 1; }
+  platform::Handle CreateThread(platform::ThreadEntry, void*, const char*,
+                                std::int32_t* threadId) override {
+    threadLives = true;
+    if (threadId) *threadId = 2;
+    return kThread;
+  }
+  bool GetExitCodeThread(platform::Handle, std::uint32_t* exitCode) override {
+    *exitCode = threadLives ? platform::STILL_ACTIVE : 0;
+    return true;
+  }
+  bool TerminateThread(platform::Handle, std::uint32_t) override { return false; }
+  bool SetCurrentThreadPriority(std::int32_t) override { return true; }
+  std::int32_t GetCurrentThreadPriority() override { return platform::THREAD_PRIORITY_NORMAL; }
+  platform::Handle CreateEventA(bool, bool) override { return ++lastEvent; }
+  bool SetEvent(platform::Handle) override {
+    ++eventsSet;
+    return true;
+  }
+  bool ResetEvent(platform::Handle) override { return true; }
+  // The thread ends as soon as it is waited for.
+  std::uint32_t WaitForSingleObject(platform::Handle, std::uint32_t) override {
+    threadLives = false;
+    return platform::WAIT_OBJECT_0;
+  }
+  std::uint32_t WaitForMultipleObjects(std::uint32_t, const platform::Handle*,
+                                       std::uint32_t) override {
+    return platform::WAIT_FAILED;
+  }
+  bool CloseHandle(platform::Handle) override { return true; }
+
+  std::uint32_t timeGetDevCaps(platform::TIMECAPS* caps) override {
+    *caps = {1, 1000};
+    return platform::TIMERR_NOERROR;
+  }
+  std::uint32_t timeBeginPeriod(std::uint32_t) override { return platform::TIMERR_NOERROR; }
+  std::uint32_t timeEndPeriod(std::uint32_t) override { return platform::TIMERR_NOERROR; }
+  std::uint32_t timeSetEvent(std::uint32_t, std::uint32_t, platform::TimerCallback timerCallback,
+                             void* timerUser, std::uint32_t) override {
+    callback = timerCallback;
+    user = timerUser;
+    return kTimerId;
+  }
+  std::uint32_t timeKillEvent(std::uint32_t) override { return platform::TIMERR_NOERROR; }
+
+  platform::HRESULT DirectInput8Create(std::uint32_t,
+                                       platform::DirectInput** directInput) override {
+    *directInput = &directory;
+    return platform::DI_OK;
+  }
+
+ private:
+  static constexpr std::uint32_t kTimerId = 1;
+  static constexpr platform::Handle kThread = 1000;
+
+  struct Device : platform::DirectInputDevice {
+    explicit Device(const platform::DIJOYSTATE2& state) : state(state) {}
+    platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
+    platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
+      return platform::DI_OK;
+    }
+    platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
+    platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&,
+                                  std::uint32_t) override {
+      return platform::DI_OK;
+    }
+    platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
+      return platform::DI_OK;
+    }
+    platform::HRESULT Acquire() override { return platform::DI_OK; }
+    platform::HRESULT Unacquire() override { return platform::DI_OK; }
+    platform::HRESULT Poll() override { return platform::DI_OK; }
+    platform::HRESULT GetDeviceState(std::uint32_t size, platform::DIJOYSTATE2* out) override {
+      if (size != sizeof state) return platform::DIERR_INVALIDPARAM;
+      *out = state;
+      return platform::DI_OK;
+    }
+    void Release() override {}
+    const platform::DIJOYSTATE2& state;
+  };
+
+  struct Directory : platform::DirectInput {
+    explicit Directory(ManualMachine& owner) : owner(owner) {}
+    platform::HRESULT EnumDevices(
+        std::uint32_t, const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
+        std::uint32_t) override {
+      platform::DIDEVICEINSTANCE instance;
+      instance.guidInstance.Data1 = 1;
+      std::strcpy(instance.tszInstanceName, "Pad");
+      visit(instance);
+      return owner.enumDevicesResult;
+    }
+    platform::HRESULT CreateDevice(const platform::GUID&,
+                                   platform::DirectInputDevice** device) override {
+      *device = &owner.device;
+      return platform::DI_OK;
+    }
+    void Release() override {}
+    ManualMachine& owner;
+  };
+
+  platform::Platform Groups() {
+    platform::Platform groups;
+    groups.clock = this;
+    groups.threads = this;
+    groups.timers = this;
+    groups.devices = this;
+    return groups;
+  }
+
+  Device device{state};
+  Directory directory{*this};
+  bool threadLives = false;
+  platform::Handle lastEvent = 0;
+  platform::TimerCallback callback = nullptr;
+  void* user = nullptr;
+  platform::InstalledPlatform installed;
+};
+
+}  // namespace kelvaro::test

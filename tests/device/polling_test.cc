@@ -1,0 +1,600 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "app/platform/simulation/simulation.h"
+#include "device/device_manager.h"
+#include "tests/device/watched_machine.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::DIJOYSTATE2;
+using platform::simulation::DeviceDescription;
+using platform::simulation::SimulatedDevice;
+using platform::simulation::Simulation;
+using platform::simulation::StateChange;
+using Calls = std::vector<std::string>;
+
+DeviceDescription FullPad() {
+  DeviceDescription description;
+  description.buttons = 128;
+  description.axes = 8;
+  description.povs = 4;
+  return description;
+}
+
+StateChange Buttons(std::vector<std::uint32_t> held) {
+  StateChange change;
+  change.hasButtons = true;
+  change.buttons = std::move(held);
+  return change;
+}
+
+// One pad, polled every 10 ms, and what both callbacks get. Times count from the selection.
+struct Polling : testing::Test {
+  struct Delivery {
+    std::uint64_t t;
+    DIJOYSTATE2 state;
+  };
+
+  Polling() : pad(simulation.AddDevice(FullPad())), watched(simulation), manager(0) {
+    manager.SetPollInterval(10);
+    manager.SetPollCallback(&Polling::OnPoll, this);
+    manager.SetChangeCallback(&Polling::OnChange, this);
+  }
+
+  void Begin() {
+    manager.EnablePollCallback();
+    manager.EnableChangeCallback();
+    Select();
+  }
+  void Select() {
+    ASSERT_TRUE(manager.SelectDevice(0));
+    start = simulation.Now();
+    Forget();
+  }
+  void Forget() {
+    watched.calls.clear();
+    polls.clear();
+    changes.clear();
+  }
+  void RunTo(std::uint64_t t) { simulation.RunUntil(start + t); }
+  std::uint64_t Now() const { return simulation.Now() - start; }
+
+  static void OnPoll(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
+    Polling* self = static_cast<Polling*>(context);
+    EXPECT_EQ(device, &self->manager);
+    self->watched.Note("poll callback");
+    self->polls.push_back({self->Now(), *state});
+  }
+  static void OnChange(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
+    Polling* self = static_cast<Polling*>(context);
+    EXPECT_EQ(device, &self->manager);
+    EXPECT_TRUE(self->manager.deviceLock.IsTaken());
+    self->watched.Note("change callback");
+    self->changes.push_back({self->Now(), *state});
+    if (self->changeTakes) platform::Sleep(self->changeTakes);
+  }
+
+  Simulation simulation;
+  SimulatedDevice& pad;
+  test::WatchedMachine watched;
+  DeviceManager manager;
+  std::vector<Delivery> polls;
+  std::vector<Delivery> changes;
+  std::uint32_t changeTakes = 0;  // ms that the change callback sleeps
+  std::uint64_t start = 0;
+};
+
+bool Same(const DIJOYSTATE2& a, const DIJOYSTATE2& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+// The tick.
+
+TEST_F(Polling, AStateThatNeverChangesIsPolledEachPeriodAndDeliveredOnce) {
+  Begin();
+  RunTo(1000);
+  ASSERT_EQ(polls.size(), 100u);
+  for (std::size_t i = 0; i < polls.size(); ++i) EXPECT_EQ(polls[i].t, 10 * (i + 1));
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].t, 10u);
+  EXPECT_TRUE(Same(changes[0].state, pad.State()));
+  EXPECT_TRUE(Same(polls[0].state, pad.State()));
+}
+
+TEST_F(Polling, TheFirstStateIsNoChangeWhereEverythingReadsZero) {
+  for (std::uint32_t hat = 0; hat < 4; ++hat) pad.PointHat(hat, 0);
+  Begin();
+  RunTo(100);
+  EXPECT_EQ(polls.size(), 10u);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(Polling, AChangeIsSignalledBeforeThePollCallback) {
+  Begin();
+  RunTo(10);
+  EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272", "SetEvent auto", "poll callback",
+                                  "change callback"}));
+  watched.calls.clear();
+  RunTo(20);
+  EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272", "poll callback"}));
+}
+
+TEST_F(Polling, ASingleCountOnAnyAxisIsDeliveredOnce) {
+  Begin();
+  RunTo(10);
+  std::uint64_t t = 10;
+  std::uint32_t tried = 0;
+  for (std::uint16_t bank = 0; bank < 4; ++bank) {
+    for (std::uint16_t kind = 0; kind < 8; ++kind, ++tried) {
+      const std::string axis = platform::simulation::AxisNameText({kind, bank});
+      SCOPED_TRACE(axis);
+      Forget();
+      pad.MoveAxis(axis, 1);
+      RunTo(t += 30);
+      ASSERT_EQ(changes.size(), 1u);
+      EXPECT_EQ(changes[0].t, t - 20);
+      EXPECT_TRUE(Same(changes[0].state, pad.State()));
+      EXPECT_EQ(polls.size(), 3u);
+    }
+  }
+  EXPECT_EQ(tried, 32u);
+}
+
+TEST_F(Polling, EachButtonAndEachHatIsDeliveredOnce) {
+  Begin();
+  RunTo(10);
+  std::uint64_t t = 10;
+  for (std::uint32_t button = 1; button <= 128; ++button) {
+    SCOPED_TRACE(button);
+    Forget();
+    pad.Press({button});
+    RunTo(t += 20);
+    ASSERT_EQ(changes.size(), 1u);
+    EXPECT_NE(changes[0].state.rgbButtons[button - 1], 0);
+  }
+  for (std::uint32_t hat = 0; hat < 4; ++hat) {
+    SCOPED_TRACE(hat);
+    Forget();
+    pad.PointHat(hat, 1);
+    RunTo(t += 20);
+    ASSERT_EQ(changes.size(), 1u);
+    EXPECT_EQ(changes[0].state.rgdwPOV[hat], 1u);
+  }
+}
+
+TEST_F(Polling, AChangeThatIsUndoneBetweenTwoPollsIsNotSeen) {
+  Begin();
+  RunTo(10);
+  Forget();
+  pad.ChangeAt(start + 12, Buttons({1}));
+  pad.ChangeAt(start + 18, Buttons({}));
+  RunTo(100);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(Polling, APollWithoutEffectIsAGoodOne) {
+  simulation.FailAlways("Poll", platform::DI_NOEFFECT);
+  Begin();
+  RunTo(30);
+  EXPECT_EQ(polls.size(), 3u);
+  EXPECT_EQ(changes.size(), 1u);
+  EXPECT_EQ(watched.Count("Acquire"), 0);
+}
+
+TEST_F(Polling, AnyOtherResultOfPollIsALostDevice) {
+  Begin();
+  simulation.FailNext("Poll", 2);
+  RunTo(10);
+  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire"}));
+}
+
+TEST_F(Polling, AFailedReadKeepsTheLastGoodStateForTheNextComparison) {
+  for (const platform::HRESULT result : {platform::DIERR_INPUTLOST, platform::DI_NOEFFECT}) {
+    SCOPED_TRACE(result);
+    Begin();
+    RunTo(10);
+    ASSERT_EQ(changes.size(), 1u);
+    Forget();
+    simulation.FailNext("GetDeviceState", result);
+    RunTo(20);
+    EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272"}));
+    RunTo(50);
+    // Nothing has moved since the state of 10 ms.
+    EXPECT_EQ(polls.size(), 3u);
+    EXPECT_TRUE(changes.empty());
+  }
+}
+
+TEST_F(Polling, AChangeBehindAFailedReadIsDelivered) {
+  Begin();
+  RunTo(20);
+  Forget();
+  pad.Press({3});
+  simulation.FailNext("GetDeviceState");
+  RunTo(50);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].t, 40u);
+}
+
+TEST_F(Polling, WhileAnyoneHoldsTheLockPeriodsAreLost) {
+  Begin();
+  RunTo(10);
+  Forget();
+  {
+    LockGuard guard(manager.deviceLock);
+    RunTo(55);
+    EXPECT_TRUE(watched.calls.empty());
+  }
+  RunTo(60);
+  // Not made up for.
+  EXPECT_EQ(polls.size(), 1u);
+  EXPECT_EQ(polls[0].t, 60u);
+}
+
+TEST_F(Polling, ACallbackOfOneSecondCostsTheTicksOfThatSecond) {
+  Begin();
+  RunTo(15);
+  Forget();
+  changeTakes = 1000;
+  pad.Press({1});
+  // Between the two the button goes up and another comes down, and both go back in time.
+  pad.ChangeAt(start + 500, Buttons({2}));
+  pad.ChangeAt(start + 900, Buttons({1}));
+  RunTo(1019);
+  ASSERT_EQ(polls.size(), 1u);
+  EXPECT_EQ(polls[0].t, 20u);
+  EXPECT_EQ(watched.Count("Poll"), 1);
+  RunTo(1100);
+  // The timer goes first at 1020, while the callback still has the lock.
+  ASSERT_EQ(polls.size(), 9u);
+  EXPECT_EQ(polls[1].t, 1030u);
+  // Compared with the state before the block, nothing has changed.
+  EXPECT_EQ(changes.size(), 1u);
+}
+
+TEST_F(Polling, TwoChangesDuringALongCallbackFoldIntoTheLatest) {
+  Begin();
+  RunTo(15);
+  Forget();
+  changeTakes = 1000;
+  pad.Press({1});
+  pad.ChangeAt(start + 300, Buttons({2}));
+  pad.ChangeAt(start + 600, Buttons({3}));
+  RunTo(1025);
+  changeTakes = 0;
+  RunTo(1500);
+  ASSERT_EQ(changes.size(), 2u);
+  EXPECT_EQ(changes[0].t, 20u);
+  EXPECT_NE(changes[0].state.rgbButtons[0], 0);
+  EXPECT_EQ(changes[1].t, 1030u);
+  EXPECT_EQ(changes[1].state.rgbButtons[0], 0);
+  EXPECT_EQ(changes[1].state.rgbButtons[1], 0);
+  EXPECT_NE(changes[1].state.rgbButtons[2], 0);
+}
+
+// A lost device.
+
+TEST_F(Polling, ALostDeviceIsAcquiredAtEachTickUntilItIsBack) {
+  Begin();
+  RunTo(10);
+  Forget();
+  pad.Lose();
+  pad.Press({1});
+  RunTo(60);
+  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire", "Poll", "Acquire", "Poll", "Acquire", "Poll",
+                                  "Acquire", "Poll", "Acquire"}));
+  EXPECT_TRUE(polls.empty());
+  EXPECT_TRUE(changes.empty());
+  EXPECT_TRUE(manager.DeviceSelected());
+  EXPECT_EQ(manager.SelectedIndex(), 0);
+  EXPECT_EQ(manager.PeekError(nullptr), 0);
+
+  pad.Return();
+  RunTo(120);
+  EXPECT_EQ(changes.size(), 1u);
+  EXPECT_NE(changes[0].state.rgbButtons[0], 0);
+  EXPECT_GE(polls.size(), 5u);
+}
+
+TEST_F(Polling, ADeviceThatComesBackUnchangedDeliversNothing) {
+  Begin();
+  RunTo(10);
+  Forget();
+  pad.Lose();
+  RunTo(60);
+  pad.Return();
+  RunTo(120);
+  EXPECT_TRUE(changes.empty());
+  EXPECT_FALSE(polls.empty());
+}
+
+TEST_F(Polling, ThePullOfAPadIsSurvivedSeveralTimes) {
+  Begin();
+  RunTo(10);
+  std::uint64_t t = 10;
+  for (std::uint32_t round = 1; round <= 5; ++round) {
+    SCOPED_TRACE(round);
+    Forget();
+    pad.Unplug();
+    RunTo(t += 100);
+    EXPECT_TRUE(polls.empty());
+    EXPECT_EQ(watched.Count("Acquire"), 10);
+    pad.PlugIn();
+    pad.Press({round});
+    RunTo(t += 100);
+    EXPECT_EQ(changes.size(), 1u);
+  }
+}
+
+TEST_F(Polling, TheResultOfAcquireIsIgnored) {
+  Begin();
+  RunTo(10);
+  Forget();
+  simulation.FailNext("Poll", platform::DIERR_INPUTLOST);
+  simulation.FailNext("Acquire", platform::DIERR_UNPLUGGED);
+  RunTo(20);
+  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire"}));
+  RunTo(40);
+  EXPECT_EQ(polls.size(), 2u);
+  EXPECT_TRUE(changes.empty());
+}
+
+// Callbacks.
+
+TEST_F(Polling, ACallbackThatIsNotEnabledIsNotCalled) {
+  Select();
+  pad.Press({1});
+  RunTo(50);
+  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
+  EXPECT_TRUE(polls.empty());
+  EXPECT_TRUE(changes.empty());
+
+  manager.EnablePollCallback();
+  RunTo(70);
+  EXPECT_EQ(polls.size(), 2u);
+  EXPECT_TRUE(changes.empty());
+
+  manager.EnableChangeCallback();
+  RunTo(90);
+  // What changed before is not told afterwards.
+  EXPECT_TRUE(changes.empty());
+  pad.Press({2});
+  RunTo(110);
+  EXPECT_EQ(changes.size(), 1u);
+}
+
+TEST_F(Polling, AnEnabledCallbackThatIsNotSetIsNotCalled) {
+  manager.SetPollCallback(nullptr, this);
+  manager.SetChangeCallback(nullptr, this);
+  Begin();
+  RunTo(50);
+  EXPECT_EQ(watched.Count("GetDeviceState 272"), 5);
+  EXPECT_TRUE(polls.empty());
+  EXPECT_TRUE(changes.empty());
+
+  manager.SetPollCallback(&Polling::OnPoll, this);
+  manager.SetChangeCallback(&Polling::OnChange, this);
+  pad.Press({1});
+  RunTo(70);
+  EXPECT_EQ(polls.size(), 2u);
+  EXPECT_EQ(changes.size(), 1u);
+}
+
+TEST_F(Polling, SettingACallbackWaitsForTheOneUnderWay) {
+  Begin();
+  changeTakes = 300;
+  RunTo(10);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(Now(), 10u);
+  manager.SetChangeCallback(nullptr, nullptr);
+  EXPECT_GE(Now(), 310u);
+  pad.Press({1});
+  RunTo(400);
+  EXPECT_EQ(changes.size(), 1u);
+}
+
+// The interval.
+
+TEST(PollInterval, StartsAt33WithinTheLimitsOfTheTimer) {
+  struct Case {
+    const char* name;
+    std::uint32_t min, max, interval;
+  };
+  const Case cases[] = {
+      {"inside", 1, 1000, 33},           {"raised to the shortest", 50, 1000, 50},
+      {"at the shortest", 33, 1000, 33}, {"lowered to the longest", 1, 20, 20},
+      {"at the longest", 1, 33, 33},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Simulation simulation;
+    simulation.SetTimerLimits(c.min, c.max);
+    DeviceManager manager(0);
+    EXPECT_EQ(manager.TimerMin(), c.min);
+    EXPECT_EQ(manager.TimerMax(), c.max);
+    EXPECT_EQ(manager.PollInterval(), c.interval);
+  }
+}
+
+TEST(PollInterval, IsOnly33WhereTheTimerDoesNotTellItsLimits) {
+  Simulation simulation;
+  simulation.SetTimerLimits(1, 1000);
+  simulation.FailNext("timeGetDevCaps");
+  DeviceManager manager(0);
+  EXPECT_EQ(manager.TimerMin(), 33u);
+  EXPECT_EQ(manager.TimerMax(), 33u);
+  EXPECT_EQ(manager.PollInterval(), 33u);
+  EXPECT_FALSE(manager.SetPollInterval(32));
+  EXPECT_TRUE(manager.SetPollInterval(33));
+  EXPECT_FALSE(manager.SetPollInterval(34));
+}
+
+TEST(PollInterval, IsRefusedOutsideTheLimits) {
+  Simulation simulation;
+  simulation.SetTimerLimits(2, 500);
+  DeviceManager manager(0);
+  for (const std::uint32_t bad : {0u, 1u, 501u, 0xFFFFFFFFu}) {
+    EXPECT_FALSE(manager.SetPollInterval(bad)) << bad;
+    EXPECT_EQ(manager.PollInterval(), 33u);
+  }
+  for (const std::uint32_t good : {2u, 499u, 500u}) {
+    EXPECT_TRUE(manager.SetPollInterval(good)) << good;
+    EXPECT_EQ(manager.PollInterval(), good);
+  }
+}
+
+TEST(PollInterval, OfZeroIsRefusedFromAShortestPeriodOfOneUp) {
+  for (const std::uint32_t min : {1u, 2u, 10u}) {
+    Simulation simulation;
+    simulation.SetTimerLimits(min, 1000);
+    DeviceManager manager(0);
+    EXPECT_FALSE(manager.SetPollInterval(0));
+  }
+  Simulation simulation;
+  simulation.SetTimerLimits(0, 1000);
+  DeviceManager manager(0);
+  EXPECT_TRUE(manager.SetPollInterval(0));
+}
+
+TEST_F(Polling, ANewIntervalCountsFromTheNextSelection) {
+  Begin();
+  RunTo(100);
+  EXPECT_EQ(polls.size(), 10u);
+  ASSERT_TRUE(manager.SetPollInterval(25));
+  RunTo(200);
+  EXPECT_EQ(polls.size(), 20u);
+
+  watched.calls.clear();
+  ASSERT_TRUE(manager.ReselectDevice());
+  // The grain that was asked for is given back, not the new one.
+  EXPECT_EQ(watched.Count("timeEndPeriod 10"), 1);
+  EXPECT_EQ(watched.Count("timeBeginPeriod 25"), 1);
+  EXPECT_EQ(watched.Count("timeSetEvent 25 1 1"), 1);
+  start = simulation.Now();
+  Forget();
+  RunTo(100);
+  ASSERT_EQ(polls.size(), 4u);
+  EXPECT_EQ(polls[0].t, 25u);
+}
+
+TEST_F(Polling, WithoutATimerTheDeviceIsSelectedAndNotPolled) {
+  simulation.FailNext("timeSetEvent");
+  Begin();
+  EXPECT_TRUE(manager.DeviceSelected());
+  RunTo(500);
+  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_EQ(manager.PeekError(nullptr), 0);
+  manager.StopDevice();
+  EXPECT_EQ(watched.calls, (Calls{"timeEndPeriod 10", "SetEvent manual", "notification ended",
+                                  "Sleep 100", "Unacquire", "Release"}));
+}
+
+// The notification thread.
+
+TEST_F(Polling, TheNotificationThreadIsTimeCriticalAndEndsWithZero) {
+  Begin();
+  EXPECT_TRUE(watched.priorities.empty());  // the start didn't wait for it
+  RunTo(5);
+  EXPECT_EQ(watched.priorities, std::vector<std::int32_t>{15});
+  EXPECT_TRUE(watched.exitCodes.empty());
+  manager.StopDevice();
+  EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{0});
+}
+
+TEST_F(Polling, TheNotificationThreadEndsWithTwoWhenItCannotWait) {
+  watched.failWaits = true;
+  Begin();
+  RunTo(50);
+  EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{2});
+  // Polling goes on by itself.
+  EXPECT_EQ(polls.size(), 5u);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST(NotificationThread, EndsWithOneWhereAnEventIsMissing) {
+  for (const bool changeEventMissing : {false, true}) {
+    SCOPED_TRACE(changeEventMissing);
+    Simulation simulation;
+    simulation.AddDevice({});
+    test::WatchedMachine watched(simulation);
+    watched.refuseAutoResetEvents = changeEventMissing;
+    watched.refuseManualResetEvents = !changeEventMissing;
+    DeviceManager manager(0);
+    ASSERT_TRUE(manager.SelectDevice(0));
+    simulation.RunFor(5);
+    EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{1});
+  }
+}
+
+TEST_F(Polling, WithoutANotificationThreadPollingGoesOn) {
+  simulation.FailNext("CreateThread");
+  Begin();
+  RunTo(50);
+  EXPECT_TRUE(manager.DeviceSelected());
+  EXPECT_EQ(polls.size(), 5u);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(Polling, AChangeThatNobodyTookIsForgottenAtTheNextSelection) {
+  watched.failWaits = true;
+  Begin();
+  RunTo(50);
+  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
+  watched.failWaits = false;
+  simulation.FailNext("timeSetEvent");
+  Select();
+  RunTo(500);
+  EXPECT_TRUE(changes.empty());
+}
+
+TEST_F(Polling, EachSelectionBeginsWithAChange) {
+  Begin();
+  RunTo(50);
+  EXPECT_EQ(changes.size(), 1u);
+  for (int i = 0; i < 3; ++i) {
+    Select();
+    RunTo(50);
+    EXPECT_EQ(polls.size(), 5u);
+    EXPECT_EQ(changes.size(), 1u);
+  }
+}
+
+TEST_F(Polling, StopDeviceWaitsForTheCallbackUnderWay) {
+  Begin();
+  changeTakes = 1000;
+  RunTo(10);
+  ASSERT_EQ(changes.size(), 1u);
+  watched.calls.clear();
+  manager.StopDevice();
+  EXPECT_EQ(Now(), 1010u + 100u);
+  EXPECT_EQ(watched.calls, (Calls{"timeKillEvent", "timeEndPeriod 10", "SetEvent manual",
+                                  "notification ended", "Sleep 100", "Unacquire", "Release"}));
+  EXPECT_FALSE(manager.deviceLock.IsTaken());
+}
+
+// Nothing recovers from this but a new manager; what matters is that it neither waits for ever nor
+// keeps the device.
+TEST_F(Polling, ACallbackThatIsEndedByForceKeepsTheLockAndNothingElse) {
+  Begin();
+  changeTakes = 1000000;
+  manager.stopTimeout = 200;
+  RunTo(10);
+  ASSERT_EQ(changes.size(), 1u);
+  watched.calls.clear();
+  manager.StopDevice();
+  EXPECT_EQ(Now(), 10u + 200u + 100u);
+  EXPECT_EQ(watched.calls, (Calls{"timeKillEvent", "timeEndPeriod 10", "SetEvent manual",
+                                  "TerminateThread 1000", "Sleep 100", "Unacquire", "Release"}));
+  EXPECT_EQ(simulation.LivingThreads(), 0u);
+  EXPECT_TRUE(manager.deviceLock.IsTaken());
+
+  Select();
+  RunTo(100);
+  EXPECT_EQ(watched.Count("Poll"), 0);
+}
+
+}  // namespace
+}  // namespace kelvaro

@@ -1,0 +1,252 @@
+// The device manager on real threads, a real timer and the real clock, made to be run under the
+// thread sanitizer. The device and the callbacks keep their counts in plain members on purpose:
+// whatever deviceLock and StopDevice don't order shows up as a data race.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "app/platform/linux/linux_platform.h"
+#include "device/device_manager.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::DIJOYSTATE2;
+using Time = std::chrono::steady_clock;
+
+std::uint64_t MsSince(Time::time_point begin) {
+  const auto passed = Time::now() - begin;
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
+}
+
+// One device whose every third poll brings a new state: a number that stands in its first and its
+// last field, so that a torn copy can be told. Every tenth poll finds it lost.
+struct ScriptedDevices : platform::Devices, platform::DirectInput, platform::DirectInputDevice {
+  std::uint32_t polls = 0;
+  std::uint32_t losses = 0;
+  std::uint32_t acquires = 0;
+  std::uint32_t releases = 0;
+  std::int32_t sequence = 0;
+
+  platform::HRESULT DirectInput8Create(std::uint32_t,
+                                       platform::DirectInput** directInput) override {
+    *directInput = this;
+    return platform::DI_OK;
+  }
+
+  platform::HRESULT EnumDevices(std::uint32_t,
+                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
+                                std::uint32_t) override {
+    platform::DIDEVICEINSTANCE instance;
+    instance.guidInstance.Data1 = 1;
+    std::strcpy(instance.tszInstanceName, "Pad");
+    visit(instance);
+    return platform::DI_OK;
+  }
+  platform::HRESULT CreateDevice(const platform::GUID&,
+                                 platform::DirectInputDevice** device) override {
+    *device = this;
+    return platform::DI_OK;
+  }
+
+  platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
+  platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
+  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&, std::uint32_t) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT Acquire() override {
+    ++acquires;
+    return platform::DI_OK;
+  }
+  platform::HRESULT Unacquire() override { return platform::DI_OK; }
+  platform::HRESULT Poll() override {
+    ++polls;
+    if (polls % 10 == 0) {
+      ++losses;
+      return platform::DIERR_INPUTLOST;
+    }
+    if (polls % 3 == 0) ++sequence;
+    return platform::DI_OK;
+  }
+  platform::HRESULT GetDeviceState(std::uint32_t, DIJOYSTATE2* state) override {
+    *state = {};
+    state->lX = sequence;
+    state->rglFSlider[1] = sequence;
+    return platform::DI_OK;
+  }
+  // Of the device and of the directory.
+  void Release() override { ++releases; }
+};
+
+struct DeviceThreads : testing::Test {
+  DeviceThreads() : installed(Groups()), manager(std::make_unique<DeviceManager>(0)) {}
+
+  platform::Platform Groups() {
+    platform::Platform groups = linux.Groups();
+    groups.devices = &devices;
+    return groups;
+  }
+
+  void Listen() {
+    manager->SetPollCallback(
+        [](DeviceManager*, const DIJOYSTATE2* state, void* context) {
+          auto* self = static_cast<DeviceThreads*>(context);
+          ++self->polls;
+          self->pollThread = std::this_thread::get_id();
+          if (state->lX != state->rglFSlider[1]) self->torn = true;
+          if (self->inChange) self->overlapped = true;
+        },
+        this);
+    manager->SetChangeCallback(
+        [](DeviceManager*, const DIJOYSTATE2* state, void* context) {
+          auto* self = static_cast<DeviceThreads*>(context);
+          self->inChange = true;
+          ++self->changes;
+          self->changeThread = std::this_thread::get_id();
+          if (state->lX != state->rglFSlider[1]) self->torn = true;
+          if (state->lX < self->lastSequence) self->wentBack = true;
+          self->lastSequence = state->lX;
+          if (self->changeTakes) platform::Sleep(self->changeTakes);
+          self->inChange = false;
+        },
+        this);
+    manager->EnablePollCallback();
+    manager->EnableChangeCallback();
+  }
+
+  static void Pass(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+  platform::LinuxPlatform linux;
+  ScriptedDevices devices;
+  platform::InstalledPlatform installed;
+  std::unique_ptr<DeviceManager> manager;
+
+  // Of the callbacks, and the test's again once the device has been stopped.
+  std::uint32_t polls = 0;
+  std::uint32_t changes = 0;
+  std::thread::id pollThread;
+  std::thread::id changeThread;
+  std::int32_t lastSequence = 0;
+  std::uint32_t changeTakes = 0;  // ms
+  bool torn = false;
+  bool wentBack = false;
+  bool inChange = false;
+  bool overlapped = false;
+};
+
+TEST_F(DeviceThreads, ASecondAtOneMillisecondReachesBothCallbacksOnThreadsOfTheirOwn) {
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  const auto begin = Time::now();
+  ASSERT_TRUE(manager->SelectDevice(0));
+  Pass(1000);
+  manager->StopDevice();
+  const std::uint64_t passed = MsSince(begin);
+
+  // A busy machine leaves periods out and never makes up for them.
+  EXPECT_GT(devices.polls, 20u);
+  EXPECT_LE(devices.polls, passed);
+  EXPECT_EQ(polls, devices.polls - devices.losses);
+  EXPECT_EQ(devices.acquires, 1 + devices.losses);
+  EXPECT_GT(changes, 0u);
+  EXPECT_LE(changes, static_cast<std::uint32_t>(devices.sequence));
+  EXPECT_FALSE(torn);
+  EXPECT_FALSE(wentBack);
+  EXPECT_FALSE(overlapped);
+  EXPECT_NE(pollThread, changeThread);
+  EXPECT_NE(pollThread, std::this_thread::get_id());
+  EXPECT_NE(changeThread, std::this_thread::get_id());
+}
+
+TEST_F(DeviceThreads, NothingRunsAfterStopDevice) {
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  ASSERT_TRUE(manager->SelectDevice(0));
+  Pass(100);
+  manager->StopDevice();
+  EXPECT_EQ(devices.releases, 1u);
+  const std::uint32_t before = devices.polls;
+  const std::uint32_t changesBefore = changes;
+  Pass(100);
+  EXPECT_EQ(devices.polls, before);
+  EXPECT_EQ(changes, changesBefore);
+  EXPECT_FALSE(manager->deviceLock.IsTaken());
+}
+
+TEST_F(DeviceThreads, ReselectionAtChangingIntervalsLeavesNothingBehind) {
+  Listen();
+  for (const std::uint32_t interval : {1u, 2u, 5u, 3u, 1u}) {
+    ASSERT_TRUE(manager->SetPollInterval(interval));
+    ASSERT_TRUE(manager->SelectDevice(0));
+    Pass(100);
+    // The new interval counts from the next selection; the timer doesn't notice.
+    ASSERT_TRUE(manager->SetPollInterval(interval + 1));
+    Pass(20);
+    ASSERT_TRUE(manager->ReselectDevice());
+    Pass(100);
+    EXPECT_TRUE(manager->DeviceSelected());
+  }
+  manager->StopDevice();
+  EXPECT_EQ(devices.releases, 10u);
+  EXPECT_GT(polls, 0u);
+  EXPECT_GT(changes, 0u);
+  EXPECT_FALSE(torn);
+  EXPECT_FALSE(overlapped);
+}
+
+TEST_F(DeviceThreads, CallbacksAreSetAndEnabledWhilePollingRuns) {
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  ASSERT_TRUE(manager->SelectDevice(0));
+  for (int i = 0; i < 20; ++i) {
+    Listen();
+    Pass(5);
+    manager->SetPollCallback(nullptr, nullptr);
+    manager->SetChangeCallback(nullptr, nullptr);
+    Pass(2);
+  }
+  manager->StopDevice();
+  EXPECT_GT(polls, 0u);
+  EXPECT_FALSE(torn);
+}
+
+TEST_F(DeviceThreads, NoPollFallsIntoALongCallback) {
+  changeTakes = 50;
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  const auto begin = Time::now();
+  ASSERT_TRUE(manager->SelectDevice(0));
+  Pass(400);
+  manager->StopDevice();
+  EXPECT_FALSE(overlapped);
+  EXPECT_FALSE(inChange);
+  EXPECT_GE(changes, 1u);
+  EXPECT_LE(changes * 50, MsSince(begin));
+  EXPECT_FALSE(torn);
+}
+
+TEST_F(DeviceThreads, AManagerMayGoWhilePollingRuns) {
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  ASSERT_TRUE(manager->SelectDevice(0));
+  Pass(50);
+  manager.reset();
+  EXPECT_EQ(devices.releases, 2u);  // the device and the directory
+  const std::uint32_t before = devices.polls;
+  Pass(50);
+  EXPECT_EQ(devices.polls, before);
+}
+
+}  // namespace
+}  // namespace kelvaro

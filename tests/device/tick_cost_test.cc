@@ -1,0 +1,150 @@
+// What a tick costs and what it compares, on a machine whose timer this test turns by hand. The
+// allocation functions of the whole program are replaced here by counting ones.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "device/device_manager.h"
+#include "tests/device/manual_machine.h"
+
+namespace {
+std::atomic<std::uint64_t> allocations{0};
+
+void* Allocate(std::size_t size) noexcept {
+  ++allocations;
+  return std::malloc(size ? size : 1);
+}
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (void* memory = Allocate(size)) return memory;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+
+namespace kelvaro {
+namespace {
+
+using platform::DIJOYSTATE2;
+
+struct TickCost : testing::Test {
+  TickCost() : manager(platform::kNoWindow) {
+    manager.SetPollCallback([](DeviceManager*, const DIJOYSTATE2*,
+                               void* context) { ++*static_cast<std::uint32_t*>(context); },
+                            &polls);
+    manager.EnablePollCallback();
+    selected = manager.SelectDevice(0);
+    machine.Tick();  // the first state is a change
+    machine.eventsSet = 0;
+    polls = 0;
+  }
+
+  test::ManualMachine machine;
+  DeviceManager manager;
+  std::uint32_t polls = 0;
+  bool selected = false;
+};
+
+TEST_F(TickCost, TheCounterSeesAllocations) {
+  const std::uint64_t before = allocations;
+  delete new int(1);
+  EXPECT_EQ(allocations - before, 1u);
+}
+
+TEST_F(TickCost, AQuietTickAllocatesNothing) {
+  ASSERT_TRUE(selected);
+  const std::uint64_t before = allocations;
+  for (int i = 0; i < 1000; ++i) machine.Tick();
+  EXPECT_EQ(allocations - before, 0u);
+  EXPECT_EQ(polls, 1000u);
+  EXPECT_EQ(machine.eventsSet, 0u);
+}
+
+TEST_F(TickCost, ATickWithAChangeAllocatesNothing) {
+  ASSERT_TRUE(selected);
+  const std::uint64_t before = allocations;
+  for (int i = 0; i < 1000; ++i) {
+    machine.state.lX = i + 1;
+    machine.Tick();
+  }
+  EXPECT_EQ(allocations - before, 0u);
+  EXPECT_EQ(polls, 1000u);
+  EXPECT_EQ(machine.eventsSet, 1000u);
+}
+
+TEST_F(TickCost, EachOfThe272BytesCountsInTheComparison) {
+  ASSERT_TRUE(selected);
+  for (std::size_t i = 0; i < sizeof(DIJOYSTATE2); ++i) {
+    machine.eventsSet = 0;
+    reinterpret_cast<unsigned char*>(&machine.state)[i] ^= 1;
+    machine.Tick();
+    EXPECT_EQ(machine.eventsSet, 1u) << "byte " << i;
+    machine.Tick();
+    machine.Tick();
+    EXPECT_EQ(machine.eventsSet, 1u) << "byte " << i << ", unchanged since";
+  }
+}
+
+TEST_F(TickCost, AChangeBackIsAChangeToo) {
+  ASSERT_TRUE(selected);
+  for (int i = 0; i < 4; ++i) {
+    machine.state.rgbButtons[127] ^= 0x80;
+    machine.Tick();
+  }
+  EXPECT_EQ(machine.eventsSet, 4u);
+}
+
+// The lock would let its owner in again; a period is lost all the same.
+TEST_F(TickCost, ATickGivesUpEvenWhereItsOwnThreadHoldsTheLock) {
+  ASSERT_TRUE(selected);
+  {
+    LockGuard guard(manager.deviceLock);
+    machine.Tick();
+  }
+  EXPECT_EQ(polls, 0u);
+  machine.Tick();
+  EXPECT_EQ(polls, 1u);
+}
+
+TEST_F(TickCost, ATickReleasesTheLock) {
+  ASSERT_TRUE(selected);
+  machine.Tick();
+  EXPECT_FALSE(manager.deviceLock.IsTaken());
+  EXPECT_EQ(manager.deviceLock.Owner(), -1);
+}
+
+TEST_F(TickCost, ATickThatComesAfterTheDeviceWentAwayDoesNothing) {
+  ASSERT_TRUE(selected);
+  manager.StopDevice();
+  machine.Tick();
+  EXPECT_EQ(polls, 0u);
+  EXPECT_FALSE(manager.deviceLock.IsTaken());
+}
+
+// Construction gives up DirectInput when the list can't be made in full, but what was listed by
+// then stays.
+TEST(CutShortList, NoDeviceOfItCanBeSelected) {
+  test::ManualMachine machine;
+  machine.enumDevicesResult = platform::DIERR_NOTINITIALIZED;
+  DeviceManager manager(platform::kNoWindow);
+  EXPECT_FALSE(manager.DirectInputCreated());
+  EXPECT_EQ(manager.DeviceCount(), 1);
+  EXPECT_FALSE(manager.SelectDevice(0));
+  EXPECT_FALSE(manager.SelectDeviceByName("Pad"));
+  EXPECT_FALSE(manager.DeviceSelected());
+}
+
+}  // namespace
+}  // namespace kelvaro
