@@ -85,7 +85,7 @@ class ManualMachine : public platform::Clock,
   static constexpr std::uint32_t kTimerId = 1;
   static constexpr platform::Handle kThread = 1000;
 
-  struct Device : platform::DirectInputDevice {
+  struct Device final : platform::DirectInputDevice {
     explicit Device(const platform::DIJOYSTATE2& state) : state(state) {}
     platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
     platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
@@ -111,7 +111,7 @@ class ManualMachine : public platform::Clock,
     const platform::DIJOYSTATE2& state;
   };
 
-  struct Directory : platform::DirectInput {
+  struct Directory final : platform::DirectInput {
     explicit Directory(ManualMachine& owner) : owner(owner) {}
     platform::HRESULT EnumDevices(
         std::uint32_t, const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,

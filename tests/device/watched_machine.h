@@ -141,7 +141,7 @@ class WatchedMachine : public platform::Clock,
     return exitCode;
   }
 
-  struct Device : platform::DirectInputDevice {
+  struct Device final : platform::DirectInputDevice {
     Device(WatchedMachine& owner, platform::DirectInputDevice* real) : owner(owner), real(real) {}
 
     platform::HRESULT SetDataFormat() override {
@@ -203,7 +203,7 @@ class WatchedMachine : public platform::Clock,
     std::vector<std::uint32_t> axisIds;
   };
 
-  struct Directory : platform::DirectInput {
+  struct Directory final : platform::DirectInput {
     explicit Directory(WatchedMachine& owner) : owner(owner) {}
 
     platform::HRESULT EnumDevices(
