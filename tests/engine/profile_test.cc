@@ -1,0 +1,371 @@
+#include "engine/profile.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/platform/simulation/simulation.h"
+#include "tests/engine/counting_action.h"
+#include "tests/engine/failing_allocation.h"
+
+namespace kelvaro {
+namespace {
+
+std::string Plain(const ByteString& text) { return {text.Text(), text.Length()}; }
+
+// A Control by its one-letter name, with that many buttons and items.
+struct Row {
+  char name;
+  std::uint32_t buttons;
+  std::uint32_t items = 0;
+};
+
+Control* Add(Profile* profile, const Row& row) {
+  Control control;
+  control.description.AssignChar(row.name);
+  control.SetButtonMask((std::uint64_t{1} << row.buttons) - 1);
+  for (std::uint32_t i = 0; i < row.items; ++i) {
+    control.triggerItems.AddTail({static_cast<std::uint16_t>(i), 0, 1});
+  }
+  profile->controls.AddTail(control);
+  return profile->controls.tail->value;
+}
+
+std::string Names(const LinkedList<Control>& list) {
+  std::string names;
+  for (auto* node = list.head; node; node = node->next) names += Plain(node->value->description);
+  return names;
+}
+
+void ExpectSoundLinks(const LinkedList<Control>& list) {
+  std::int32_t forward = 0;
+  for (auto* node = list.head; node; node = node->next) {
+    ++forward;
+    EXPECT_EQ(node->prev ? node->prev->next : list.head, node);
+    EXPECT_EQ(node->next ? node->next->prev : list.tail, node);
+  }
+  EXPECT_EQ(forward, list.count);
+}
+
+std::string Rebuilt(const std::vector<Row>& rows) {
+  Profile profile;
+  std::string master;
+  for (const Row& row : rows) {
+    Add(&profile, row);
+    master += row.name;
+  }
+  profile.RebuildDispatchList();
+  ExpectSoundLinks(profile.DispatchList);
+  EXPECT_EQ(Names(profile.controls), master) << "the user's order is not touched";
+  return Names(profile.DispatchList);
+}
+
+TEST(RebuildDispatchList, HeaviestTriggerComesFirst) {
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 2}, {'c', 3}, {'d', 4}}), "dcba");
+  EXPECT_EQ(Rebuilt({{'a', 4}, {'b', 3}, {'c', 2}, {'d', 1}}), "abcd");
+  EXPECT_EQ(Rebuilt({{'a', 2}, {'b', 4}, {'c', 1}, {'d', 3}}), "bdac");
+}
+
+TEST(RebuildDispatchList, ButtonsAndItemsWeighTheSame) {
+  // 1, 3, 2 and 0.
+  EXPECT_EQ(Rebuilt({{'a', 0, 1}, {'b', 2, 1}, {'c', 2, 0}, {'d', 0, 0}}), "bcad");
+}
+
+TEST(RebuildDispatchList, AnEmptyProfileGivesAnEmptyList) {
+  Profile profile;
+  profile.RebuildDispatchList();
+  EXPECT_EQ(profile.DispatchList.count, 0);
+  EXPECT_EQ(profile.DispatchList.head, nullptr);
+}
+
+TEST(RebuildDispatchList, OneControlIsTheWholeList) { EXPECT_EQ(Rebuilt({{'a', 1}}), "a"); }
+
+TEST(RebuildDispatchList, EqualWeightsWithNothingHeavierBehindKeepTheOrder) {
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 1}, {'c', 1}}), "abc");
+  EXPECT_EQ(Rebuilt({{'a', 3}, {'b', 2}, {'c', 2}, {'d', 1}}), "abcd");
+}
+
+TEST(RebuildDispatchList, ASwapCarriesAControlBehindOthersOfItsWeight) {
+  // c changes places with a, which so lands behind b.
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 1}, {'c', 2}}), "cba");
+  // d with a: d b c a. Then c with b: d c b a. Then a, of weight 2, with b: d c a b.
+  EXPECT_EQ(Rebuilt({{'a', 2}, {'b', 1}, {'c', 2}, {'d', 3}}), "dcab");
+  // c, the earlier of the two heavy ones, with a: c b a d. Then d with b: c d a b.
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 1}, {'c', 2}, {'d', 2}}), "cdab");
+  // e with a: e b c d a; the rest are equal.
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 1}, {'c', 1}, {'d', 1}, {'e', 2}}), "ebcda");
+}
+
+TEST(RebuildDispatchList, NeighboursAtTheEndsSwapSoundly) {
+  EXPECT_EQ(Rebuilt({{'a', 1}, {'b', 2}}), "ba");
+  EXPECT_EQ(Rebuilt({{'a', 2}, {'b', 1}}), "ab");
+  EXPECT_EQ(Rebuilt({{'a', 3}, {'b', 1}, {'c', 2}}), "acb");
+}
+
+// The same sort on an array, where exchanging two places is exchanging two values.
+TEST(RebuildDispatchList, AgreesWithTheSortOfAnArray) {
+  std::mt19937 random(20240501);
+  for (int round = 0; round < 500; ++round) {
+    std::vector<Row> rows(random() % 20);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      rows[i] = {static_cast<char>('a' + i), static_cast<std::uint32_t>(random() % 4),
+                 static_cast<std::uint32_t>(random() % 3)};
+    }
+    std::vector<Row> sorted = rows;
+    for (auto place = sorted.begin(); place != sorted.end(); ++place) {
+      // max_element gives the first of the heaviest.
+      std::iter_swap(place, std::max_element(place, sorted.end(), [](const Row& a, const Row& b) {
+                       return a.buttons + a.items < b.buttons + b.items;
+                     }));
+    }
+    std::string expected;
+    for (const Row& row : sorted) expected += row.name;
+    ASSERT_EQ(Rebuilt(rows), expected) << "round " << round;
+  }
+}
+
+class ProfileActions : public testing::Test {
+ protected:
+  ProfileActions() { CountingAction::Begin(); }
+  ~ProfileActions() override {
+    EXPECT_EQ(CountingAction::Living(), 0) << "each action is destroyed once, and once only";
+  }
+};
+
+TEST_F(ProfileActions, CopiesBorrowTheActionsOfTheMasterList) {
+  Profile profile;
+  Control* a = Add(&profile, {'a', 1});
+  Control* b = Add(&profile, {'b', 2});
+  a->actions.AddTail(new CountingAction(1));
+  b->actions.AddTail(new CountingAction(2));
+  b->actions.AddTail(new CountingAction(3));
+  profile.RebuildDispatchList();
+  ASSERT_EQ(Names(profile.DispatchList), "ba");
+  const Control& copyOfB = *profile.DispatchList.head->value;
+  const Control& copyOfA = *profile.DispatchList.tail->value;
+  EXPECT_NE(&copyOfA, a);
+  EXPECT_EQ(copyOfA.actionsBorrowed, 1);
+  EXPECT_EQ(copyOfB.actionsBorrowed, 1);
+  EXPECT_EQ(a->actionsBorrowed, 0);
+  EXPECT_EQ(b->actionsBorrowed, 0);
+  ASSERT_EQ(copyOfA.actions.count, 1);
+  ASSERT_EQ(copyOfB.actions.count, 2);
+  EXPECT_EQ(*copyOfA.actions.head->value, *a->actions.head->value);
+  EXPECT_EQ(*copyOfB.actions.head->value, *b->actions.head->value);
+  EXPECT_EQ(*copyOfB.actions.tail->value, *b->actions.tail->value);
+  EXPECT_EQ(CountingAction::made, 3);
+}
+
+TEST_F(ProfileActions, SecondRebuildReplacesTheCopiesAndKeepsTheActions) {
+  Profile profile;
+  Add(&profile, {'a', 1})->actions.AddTail(new CountingAction);
+  profile.RebuildDispatchList();
+  Add(&profile, {'b', 2})->actions.AddTail(new CountingAction);
+  profile.RebuildDispatchList();
+  EXPECT_EQ(Names(profile.DispatchList), "ba");
+  EXPECT_EQ(CountingAction::destroyed, 0);
+}
+
+TEST_F(ProfileActions, RunTimeFlagsStartAsOnTheMasterList) {
+  Profile profile;
+  Add(&profile, {'a', 1});
+  Control* b = Add(&profile, {'b', 1});
+  b->triggerArmed = 1;
+  b->triggerSpoiled = 1;
+  b->triggerDown = 1;
+  b->repeatStarted = 1;
+  b->repeatLastTick = 77;
+  profile.RebuildDispatchList();
+
+  // What play makes of the copies...
+  Control* copyOfA = profile.DispatchList.head->value;
+  copyOfA->triggerArmed = 1;
+  copyOfA->triggerSpoiled = 1;
+  copyOfA->triggerDown = 1;
+  copyOfA->repeatStarted = 1;
+  copyOfA->repeatLastTick = 5;
+  // ...is forgotten.
+  profile.RebuildDispatchList();
+
+  copyOfA = profile.DispatchList.head->value;
+  const Control* copyOfB = profile.DispatchList.tail->value;
+  EXPECT_EQ(copyOfA->triggerArmed, 0);
+  EXPECT_EQ(copyOfA->triggerSpoiled, 0);
+  EXPECT_EQ(copyOfA->triggerDown, 0);
+  EXPECT_EQ(copyOfA->repeatStarted, 0);
+  EXPECT_EQ(copyOfA->repeatLastTick, 0u);
+  EXPECT_EQ(copyOfB->triggerArmed, 1);
+  EXPECT_EQ(copyOfB->triggerSpoiled, 1);
+  EXPECT_EQ(copyOfB->triggerDown, 1);
+  EXPECT_EQ(copyOfB->repeatStarted, 1);
+  EXPECT_EQ(copyOfB->repeatLastTick, 77u);
+}
+
+TEST_F(ProfileActions, EvaluatingACopyLeavesTheMasterAtRest) {
+  Profile profile;
+  Control* a = Add(&profile, {'a', 1});
+  a->activateOnPress = 0;
+  profile.RebuildDispatchList();
+  DeviceSnapshot snapshot;
+  snapshot.dispatchButtons = 1;
+  profile.DispatchList.head->value->EvaluateTrigger(32000, snapshot);
+  EXPECT_EQ(profile.DispatchList.head->value->triggerArmed, 1);
+  EXPECT_EQ(a->triggerArmed, 0);
+}
+
+TEST_F(ProfileActions, RunningOutOfMemoryInARebuildLeavesTheActionsAlive) {
+  // Each of two Controls takes a node, itself, and a node and a value for its one item and its one
+  // action: twelve in all.
+  for (std::uint32_t nth = 1; nth <= 12; ++nth) {
+    for (const bool onwards : {false, true}) {
+      SCOPED_TRACE(testing::Message() << "allocation " << nth << (onwards ? " and on" : ""));
+      CountingAction::Begin();
+      {
+        Profile profile;
+        Add(&profile, {'a', 0, 1})->actions.AddTail(new CountingAction);
+        Add(&profile, {'b', 1, 1})->actions.AddTail(new CountingAction);
+        {
+          FailingAllocation fault(nth, onwards);
+          profile.RebuildDispatchList();
+          EXPECT_GE(fault.Failed(), 1u);
+        }
+        EXPECT_EQ(CountingAction::destroyed, 0);
+        ExpectSoundLinks(profile.DispatchList);
+        for (auto* node = profile.DispatchList.head; node; node = node->next) {
+          EXPECT_EQ(node->value->actionsBorrowed, 1);
+        }
+        profile.RebuildDispatchList();
+        EXPECT_EQ(Names(profile.DispatchList), "ba") << "with memory again all is well";
+      }
+      EXPECT_EQ(CountingAction::destroyed, 2);
+    }
+  }
+}
+
+TEST_F(ProfileActions, DestructionDestroysEachActionOnce) {
+  {
+    Profile profile;
+    Add(&profile, {'a', 1})->actions.AddTail(new CountingAction);
+    profile.RebuildDispatchList();
+  }
+  EXPECT_EQ(CountingAction::destroyed, 1);
+}
+
+TEST(Profile, DefaultsOfANewOne) {
+  const Profile profile;
+  EXPECT_EQ(profile.controls.count, 0);
+  EXPECT_EQ(profile.DispatchList.count, 0);
+  EXPECT_EQ(Plain(profile.profileName), "");
+  EXPECT_EQ(Plain(profile.deviceName), "");
+  EXPECT_EQ(profile.nextControlId, 1u);
+  EXPECT_EQ(profile.pollInterval, 5u);
+  EXPECT_EQ(profile.deviceGuid, platform::GUID{});
+}
+
+TEST(Profile, ClearEmptiesNameDeviceAndLists) {
+  platform::simulation::Simulation sim;
+  Profile profile;
+  profile.profileName = "Platformer";
+  profile.deviceName = "Pad";
+  profile.nextControlId = 12;
+  profile.pollInterval = 33;
+  profile.deviceGuid = {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
+  profile.mouseAlwaysActive = true;
+  Add(&profile, {'a', 1});
+  profile.RebuildDispatchList();
+  profile.Clear();
+  EXPECT_EQ(Plain(profile.profileName), "");
+  EXPECT_EQ(Plain(profile.deviceName), "");
+  EXPECT_EQ(profile.nextControlId, 1u);
+  EXPECT_EQ(profile.pollInterval, 5u);
+  EXPECT_EQ(profile.deviceGuid, platform::GUID{});
+  EXPECT_FALSE(profile.mouseAlwaysActive);
+  EXPECT_EQ(profile.controls.count, 0);
+  EXPECT_EQ(profile.DispatchList.count, 0);
+}
+
+TEST(Profile, ClearLeavesTheOtherMouseSettings) {
+  platform::simulation::Simulation sim;
+  Profile profile;
+  profile.acceleration = 1;
+  profile.movementDamper = 2;
+  profile.movementSensitivity = 3;
+  profile.wheelDamper = 4;
+  profile.wheelSensitivity = 6;
+  profile.leftButton = 7;
+  profile.middleButton = 8;
+  profile.rightButton = 9;
+  profile.leftMask = 0x80;
+  profile.middleMask = 0x100;
+  profile.rightMask = 0x200;
+  profile.mouseX = TriggerItem{0, 1, 176};
+  profile.mouseY = TriggerItem{9, 1, 36};
+  profile.mouseWheel = TriggerItem{7, 0, 28};
+  profile.Clear();
+  EXPECT_EQ(profile.acceleration, 1);
+  EXPECT_EQ(profile.movementDamper, 2);
+  EXPECT_EQ(profile.movementSensitivity, 3);
+  EXPECT_EQ(profile.wheelDamper, 4);
+  EXPECT_EQ(profile.wheelSensitivity, 6);
+  EXPECT_EQ(profile.leftButton, 7);
+  EXPECT_EQ(profile.middleButton, 8);
+  EXPECT_EQ(profile.rightButton, 9);
+  EXPECT_EQ(profile.leftMask, 0x80u);
+  EXPECT_EQ(profile.middleMask, 0x100u);
+  EXPECT_EQ(profile.rightMask, 0x200u);
+  const TriggerItem x = profile.mouseX, y = profile.mouseY, wheel = profile.mouseWheel;
+  EXPECT_EQ(x.kind, 0);
+  EXPECT_EQ(x.index, 1);
+  EXPECT_EQ(x.value, 176);
+  EXPECT_EQ(y.kind, 9);
+  EXPECT_EQ(y.index, 1);
+  EXPECT_EQ(y.value, 36);
+  EXPECT_EQ(wheel.kind, 7);
+  EXPECT_EQ(wheel.index, 0);
+  EXPECT_EQ(wheel.value, 28);
+}
+
+TEST_F(ProfileActions, ClearDropsTheCopiesFirstAndHoldsTheLock) {
+  platform::simulation::Simulation sim;
+  Profile profile;
+  auto* action = new CountingAction;
+  std::int32_t copies = -1;
+  std::int32_t depth = -1;
+  std::uint32_t name = 99;
+  action->onDestroy = [&] {
+    copies = profile.DispatchList.count;
+    depth = profile.profileLock.Depth();
+    name = profile.profileName.Length();
+  };
+  profile.profileName = "x";
+  Add(&profile, {'a', 1})->actions.AddTail(action);
+  profile.RebuildDispatchList();
+  profile.Clear();
+  EXPECT_EQ(CountingAction::destroyed, 1);
+  EXPECT_EQ(copies, 0) << "the copies were gone when the action went";
+  EXPECT_EQ(depth, 1) << "under profileLock";
+  EXPECT_EQ(name, 0u);
+  EXPECT_EQ(profile.profileLock.Depth(), 0);
+  EXPECT_FALSE(profile.profileLock.IsTaken());
+}
+
+TEST_F(ProfileActions, RebuildTakesNoLock) {
+  platform::simulation::Simulation sim;
+  Profile profile;
+  // An entry that owns its action, so that the action's end shows what holds during the rebuild.
+  auto* action = new CountingAction;
+  bool taken = true;
+  action->onDestroy = [&] { taken = profile.profileLock.IsTaken(); };
+  profile.DispatchList.AddTail(Control());
+  profile.DispatchList.head->value->actions.AddTail(action);
+  profile.RebuildDispatchList();
+  EXPECT_EQ(CountingAction::destroyed, 1);
+  EXPECT_FALSE(taken);
+}
+
+}  // namespace
+}  // namespace kelvaro
