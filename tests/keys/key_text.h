@@ -1,0 +1,66 @@
+// Key sequences as the tests of this folder write them.
+#pragma once
+
+#include <cstdio>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "keys/key_action.h"
+
+namespace kelvaro {
+
+// "41 1e 00, 42 30 08": vk, scan and flags of each step in hexadecimal.
+inline std::string StepText(const KeySequence& steps) {
+  std::string text;
+  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
+    char step[16];
+    std::snprintf(step, sizeof step, "%s%02x %02x %02x", text.empty() ? "" : ", ", node->value->vk,
+                  node->value->scan, node->value->flags);
+    text += step;
+  }
+  return text;
+}
+
+inline std::string StepText(const KeyStep& step) {
+  KeySequence steps;
+  steps.AddTail(step);
+  return StepText(steps);
+}
+
+inline ByteString Bytes(std::string_view text) {
+  ByteString bytes;
+  bytes.AssignBytes(text.data(), static_cast<std::uint32_t>(text.size()));
+  return bytes;
+}
+
+inline std::string StdString(const ByteString& text) { return {text.Text(), text.Length()}; }
+
+inline KeyAction ActionOf(std::initializer_list<KeyStep> steps, bool holdAll = false) {
+  KeyAction action;
+  for (const KeyStep& step : steps) action.steps.AddTail(step);
+  if (holdAll) action.actionFlags = KeyAction::HoldAllKeys;
+  return action;
+}
+
+struct Parsed {
+  int result;
+  bool duplicate;
+  KeyAction action;
+
+  std::string Steps() const { return StepText(action.steps); }
+  std::string Text() const { return StdString(action.FormatKeys()); }
+};
+
+// Without a window, so that there is neither a question nor a reminder.
+inline Parsed Parse(std::string_view text, bool holdAll = false) {
+  Parsed parsed{0, false, {}};
+  if (holdAll) parsed.action.actionFlags = KeyAction::HoldAllKeys;
+  parsed.result =
+      parsed.action.ParseKeys(Bytes(text), &parsed.duplicate, false, false, platform::kNoWindow);
+  return parsed;
+}
+
+inline Parsed ParseHoldingAll(std::string_view text) { return Parse(text, true); }
+
+}  // namespace kelvaro
