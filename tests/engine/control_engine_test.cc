@@ -1,0 +1,212 @@
+#include "engine/control_engine.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/engine/engine_fixture.h"
+
+namespace kelvaro {
+namespace {
+
+class Engine : public EngineTest {};
+
+TEST_F(Engine, StartsAtRest) {
+  EXPECT_FALSE(engine.mouseActive);
+  EXPECT_FALSE(engine.mouseTestMode);
+  EXPECT_FALSE(engine.MouseIsOn());
+  EXPECT_EQ(engine.detectCount, 0u);
+  EXPECT_EQ(static_cast<TriggerItem>(engine.detectResult).kind, input_kind::kNone);
+  EXPECT_FALSE(engine.leftDown || engine.middleDown || engine.rightDown);
+  EXPECT_EQ(engine.accumulatedX, 0.0);
+  EXPECT_EQ(engine.accumulatedY, 0.0);
+  EXPECT_EQ(engine.accumulatedWheel, 0.0);
+  EXPECT_EQ(engine.snapshot.currentButtons, 0u);
+  EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
+}
+
+TEST_F(Engine, AttachedItIsDrivenByThePad) {
+  Add({.name = "a", .buttons = {1}});
+  profile.mouseX = MouseOn(0);
+  engine.mouseActive = true;
+  auto& pad = Plug(10);
+  RunTo(15);
+  pad.Press({1});
+  pad.MoveAxis("Axis_X0", kLimit);
+  RunTo(35);
+  pad.Press({});
+  RunTo(45);
+  EXPECT_EQ(journal.Take(), "20 press a, 40 release a");
+  EXPECT_EQ(MouseEvents(), "1 4 0 0, 1 4 0 0, 1 4 0 0");  // at 20, 30 and 40
+}
+
+TEST_F(Engine, ChangesDuringALongReplayFoldIntoOne) {
+  Add({.name = "long", .buttons = {1}, .pressMs = 100});
+  Add({.name = "b", .buttons = {2}});
+  Add({.name = "c", .buttons = {3}});
+  auto& pad = Plug(10);
+  RunTo(15);
+  pad.Press({1});
+  RunTo(45);
+  pad.Press({1, 2});  // never seen
+  RunTo(75);
+  pad.Press({1, 3});
+  RunTo(200);
+  // The replay runs from 20 to 120. The tick at 120 still finds the device locked.
+  EXPECT_EQ(journal.Take(), "20 press long, 130 press c");
+}
+
+TEST_F(Engine, AnyChangeOfTheStateIsADispatchForAnArmedControl) {
+  Add({.name = "r", .buttons = {1}, .onPress = false});
+  auto& pad = Plug(10);
+  RunTo(15);
+  pad.Press({1});
+  RunTo(35);
+  pad.MoveAxis("Axis_Z0", 1);
+  RunTo(100);
+  EXPECT_EQ(journal.Take(), "40 press r, 40 release r");
+}
+
+TEST_F(Engine, LetGoReleasesWhatIsDownInTheOrderOfTheList) {
+  Add({.name = "light", .buttons = {1}});
+  Add({.name = "heavy", .buttons = {2, 3}, .more = {"more"}});
+  Control* idle = Add({.name = "idle", .buttons = {4}});
+  Dispatch({1, 2, 3});
+  engine.LetGo();
+  EXPECT_EQ(journal.Take(), "release heavy, release more, release light");
+  EXPECT_EQ(Copy(idle).triggerDown, 0);
+  for (auto* node = profile.DispatchList.head; node; node = node->next) {
+    EXPECT_EQ(node->value->triggerDown, 0);
+  }
+  EXPECT_EQ(MouseEvents(), "");
+  engine.LetGo();
+  EXPECT_EQ(journal.Take(), "") << "there is nothing left to let go of";
+}
+
+TEST_F(Engine, LetGoEndsRepeatingWithoutARelease) {
+  Control* a = Add({.name = "a", .buttons = {1}, .repeats = true});
+  Dispatch({1});
+  journal.Take();
+  engine.LetGo();
+  EXPECT_EQ(journal.Take(), "");
+  EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
+  EXPECT_EQ(Copy(a).triggerDown, 0);
+}
+
+TEST_F(Engine, LetGoSendsTheMouseButtonsUpInOneCall) {
+  profile.leftMask = MouseButtonMask(0);
+  profile.middleMask = MouseButtonMask(1);
+  profile.rightMask = MouseButtonMask(2);
+  const struct {
+    std::initializer_list<std::uint32_t> held;
+    const char* events;
+  } rows[] = {{{1}, "4 0 0 0"},     {{2}, "64 0 0 0"},       {{3}, "16 0 0 0"},
+              {{1, 3}, "20 0 0 0"}, {{1, 2, 3}, "84 0 0 0"}, {{}, ""}};
+  for (const auto& row : rows) {
+    engine.Attach();
+    engine.mouseActive = true;
+    Dispatch({});
+    Dispatch(row.held);
+    MouseEvents();
+    engine.LetGo();
+    EXPECT_EQ(MouseEvents(), row.events);
+    EXPECT_FALSE(engine.leftDown || engine.middleDown || engine.rightDown);
+  }
+}
+
+TEST_F(Engine, LetGoLiftsMouseButtonsAlsoWhenTheMouseControlsWentOff) {
+  profile.leftMask = MouseButtonMask(0);
+  engine.mouseActive = true;
+  Dispatch({1});
+  MouseEvents();
+  engine.mouseActive = false;
+  engine.LetGo();
+  EXPECT_EQ(MouseEvents(), "4 0 0 0");
+}
+
+TEST_F(Engine, LetGoComesToTheMouseAfterTheKeys) {
+  // The action sends an event of its own, so that the two can be put in order.
+  class Sending : public InputAction {
+   public:
+    Sending() { actionType = kKeyAction; }
+    bool Release() override {
+      platform::keybd_event(0x41, 0x1e, platform::KEYEVENTF_KEYUP, 0);
+      return true;
+    }
+  };
+  Control* a = Add({.name = "a", .buttons = {2}});
+  delete *a->actions.head->value;
+  *a->actions.head->value = new Sending;
+  profile.RebuildDispatchList();
+  profile.leftMask = MouseButtonMask(0);
+  engine.mouseActive = true;
+  Dispatch({1, 2});
+  sim.ClearEvents();
+  engine.LetGo();
+  ASSERT_EQ(sim.Events().size(), 2u);
+  EXPECT_EQ(sim.Events()[0].vk, 0x41);
+  EXPECT_EQ(sim.Events()[1].flags, platform::MOUSEEVENTF_LEFTUP);
+}
+
+TEST_F(Engine, AfterLetGoNothingIsPressedAnew) {
+  Add({.name = "a", .buttons = {1}});
+  profile.mouseX = MouseOn(0);
+  profile.leftMask = MouseButtonMask(4);
+  engine.mouseActive = true;
+  EXPECT_EQ(Dispatch({1}), "press a");
+  engine.LetGo();
+  EXPECT_EQ(journal.Take(), "release a");
+  EXPECT_EQ(Dispatch({1, 2}), "");
+  EXPECT_EQ(Dispatch({1, 5}), "");
+  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  engine.Attach();
+  EXPECT_EQ(Dispatch({1, 2}), "press a");
+  EXPECT_EQ(Poll(WithX(kLimit)), "1 4 0 0");
+}
+
+TEST_F(Engine, LetGoWaitsForAReplayUnderWay) {
+  Add({.name = "a", .buttons = {1}, .pressMs = 30});
+  auto& pad = Plug(5);
+  RunTo(18);
+  pad.Press({1});
+  RunTo(25);
+  engine.LetGo();
+  EXPECT_EQ(sim.Now() - start, 50u);
+  EXPECT_EQ(journal.Take(), "20 press a, 50 release a");
+  RunTo(1000);
+  EXPECT_EQ(journal.Take(), "") << "the button is still held";
+}
+
+TEST_F(Engine, LetGoWaitsForAReplayOfTheRepeatWorker) {
+  Add({.name = "a", .buttons = {1}, .repeats = true, .pressMs = 30});
+  auto& pad = Plug(5);
+  RunTo(18);
+  pad.Press({1});
+  RunTo(560);
+  EXPECT_EQ(journal.Take(), "20 press a, 550 press a");
+  engine.LetGo();
+  EXPECT_EQ(sim.Now() - start, 580u);
+  RunTo(2000);
+  EXPECT_EQ(journal.Take(), "");
+}
+
+TEST_F(Engine, LetGoLeavesTheLocksFree) {
+  engine.LetGo();
+  EXPECT_FALSE(device.deviceLock.IsTaken());
+  EXPECT_FALSE(engine.mouseLock.IsTaken());
+  EXPECT_FALSE(profile.profileLock.IsTaken());
+  EXPECT_FALSE(engine.repeatWorker.repeatLock.IsTaken());
+}
+
+// What stands in the settings is one word to a reader: both halves of an input change together.
+TEST(SharedInput, GoesInAndComesOutWhole) {
+  Relaxed<TriggerItem> shared{TriggerItem{11, 0, 0}};
+  shared = TriggerItem{0xFFFF, 0x1234, 0xFEDC};
+  const TriggerItem item = shared;
+  EXPECT_EQ(item.kind, 0xFFFF);
+  EXPECT_EQ(item.index, 0x1234);
+  EXPECT_EQ(item.value, 0xFEDC);
+  const Relaxed<TriggerItem> copy = shared;
+  EXPECT_EQ(static_cast<TriggerItem>(copy).value, 0xFEDC);
+}
+
+}  // namespace
+}  // namespace kelvaro
