@@ -116,7 +116,6 @@ bool RecursiveLock::TryTake(std::int32_t id) {
 
 bool RecursiveLock::Acquire(std::uint32_t waitMs) {
   if (waitMs == 0) return TryAcquire();
-  // Asked for first and touched nothing before: a thread that was cut off gets no further.
   const std::int32_t id = platform::GetCurrentThreadId();
   CheckOrder(this, rank, id);
   while (!TryTake(id)) platform::Sleep(waitMs);

@@ -113,9 +113,9 @@ std::uint32_t WorkerThread::Entry(void* self) {
   }
   platform::SetCurrentThreadPriority(own);
   const std::uint32_t code = worker->Run();
+  // A thread that was cut off during Run, whose worker may be gone, gets no further than this call.
+  platform::GetCurrentThreadId();
   {
-    // Before anything else of *worker is touched: a thread that was cut off during Run, whose
-    // worker may be gone, stays in the call for the lock.
     LockGuard guard(worker->stateLock);
     worker->exitCode = code;
   }

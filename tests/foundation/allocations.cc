@@ -1,7 +1,7 @@
 #include "tests/foundation/allocations.h"
 
 #include <atomic>
-#include <cstdlib>
+#include <cstddef>
 #include <new>
 
 namespace kelvaro {
@@ -12,22 +12,14 @@ constexpr std::int32_t kAllGood = -1;
 std::atomic<std::uint64_t> allocations{0};
 std::atomic<std::int32_t> goodOnes{kAllGood};
 
-void* Allocate(std::size_t size) {
-  allocations.fetch_add(1, std::memory_order_relaxed);
-  return std::malloc(size > 0 ? size : 1);
-}
+void Count() { allocations.fetch_add(1, std::memory_order_relaxed); }
 
-void* AllocateOrThrow(std::size_t size) {
-  void* const memory = Allocate(size);
-  if (!memory) throw std::bad_alloc();
-  return memory;
-}
-
-void* AllocateOrNull(std::size_t size) {
+bool MayAllocate() {
   const std::int32_t left = goodOnes.load(std::memory_order_relaxed);
-  if (left == 0) return nullptr;
+  if (left == 0) return false;
   if (left > 0) goodOnes.store(left - 1, std::memory_order_relaxed);
-  return Allocate(size);
+  Count();
+  return true;
 }
 
 }  // namespace
@@ -40,17 +32,32 @@ FailingAllocations::~FailingAllocations() { goodOnes = kAllGood; }
 
 }  // namespace kelvaro
 
-void* operator new(std::size_t size) { return kelvaro::AllocateOrThrow(size); }
-void* operator new[](std::size_t size) { return kelvaro::AllocateOrThrow(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return kelvaro::AllocateOrNull(size);
+// The linker leads every operator new of this program to the wrapped one here (CMakeLists.txt), and
+// the original stays within reach. To define the operators instead wouldn't do under sanitizers,
+// which bring definitions of their own.
+extern "C" {
+
+void* __real__Znwm(std::size_t size);
+void* __real__Znam(std::size_t size);
+void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
+void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
+
+void* __wrap__Znwm(std::size_t size) {
+  kelvaro::Count();
+  return __real__Znwm(size);
 }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return kelvaro::AllocateOrNull(size);
+
+void* __wrap__Znam(std::size_t size) {
+  kelvaro::Count();
+  return __real__Znam(size);
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+
+void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
+  return kelvaro::MayAllocate() ? __real__ZnwmRKSt9nothrow_t(size, tag) : nullptr;
+}
+
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
+  return kelvaro::MayAllocate() ? __real__ZnamRKSt9nothrow_t(size, tag) : nullptr;
+}
+
+}  // extern "C"
