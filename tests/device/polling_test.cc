@@ -396,6 +396,20 @@ TEST_F(Polling, SettingACallbackWaitsForTheOneUnderWay) {
   EXPECT_EQ(changes.size(), 1u);
 }
 
+TEST_F(Polling, ACallbackThatIsTakenAwayWhileAChangeWaitsForTheLockIsNotCalled) {
+  manager.SetPollCallback(
+      [](DeviceManager* device, const DIJOYSTATE2*, void*) {
+        platform::Sleep(5);  // the notification thread is up and wants the lock
+        device->SetChangeCallback(nullptr, nullptr);
+      },
+      nullptr);
+  Begin();
+  RunTo(30);
+  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
+  EXPECT_TRUE(changes.empty());
+  EXPECT_TRUE(watched.exitCodes.empty());
+}
+
 // The interval.
 
 TEST(PollInterval, StartsAt33WithinTheLimitsOfTheTimer) {

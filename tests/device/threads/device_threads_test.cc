@@ -107,6 +107,7 @@ struct DeviceThreads : testing::Test {
           self->pollThread = std::this_thread::get_id();
           if (state->lX != state->rglFSlider[1]) self->torn = true;
           if (self->inChange) self->overlapped = true;
+          if (self->pollTakes) platform::Sleep(self->pollTakes);
         },
         this);
     manager->SetChangeCallback(
@@ -140,6 +141,7 @@ struct DeviceThreads : testing::Test {
   std::thread::id changeThread;
   std::int32_t lastSequence = 0;
   std::uint32_t changeTakes = 0;  // ms
+  std::uint32_t pollTakes = 0;    // ms
   bool torn = false;
   bool wentBack = false;
   bool inChange = false;
@@ -233,6 +235,23 @@ TEST_F(DeviceThreads, NoPollFallsIntoALongCallback) {
   EXPECT_FALSE(inChange);
   EXPECT_GE(changes, 1u);
   EXPECT_LE(changes * 50, MsSince(begin));
+  EXPECT_FALSE(torn);
+}
+
+// The timer has been killed by then, and nothing but the pause and the lock stands between the end
+// of that tick and the next selection.
+TEST_F(DeviceThreads, ATickThatIsStillRunningEndsBeforeTheDeviceGoes) {
+  pollTakes = 50;
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(manager->SelectDevice(0));
+    Pass(80);
+  }
+  manager->StopDevice();
+  EXPECT_EQ(devices.releases, 3u);
+  EXPECT_EQ(polls, devices.polls - devices.losses);
+  EXPECT_GE(polls, 3u);
   EXPECT_FALSE(torn);
 }
 
