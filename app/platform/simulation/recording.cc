@@ -3,10 +3,9 @@
 #include <json/json.h>
 
 #include <algorithm>
-#include <cctype>
+#include <cmath>
 #include <exception>
 #include <iterator>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <set>
@@ -164,7 +163,8 @@ class Reader {
     } else if (value.isInt64()) {
       return value.asInt64();
     } else {
-      Fail(member, value.isDouble() && !value.isIntegral() ? "not a whole number" : "out of range");
+      const double number = value.asDouble();
+      Fail(member, number == std::trunc(number) ? "out of range" : "not a whole number");
     }
     return std::nullopt;
   }

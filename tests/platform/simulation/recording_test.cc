@@ -1,0 +1,413 @@
+#include "app/platform/simulation/recording.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace platform::simulation {
+namespace {
+
+const std::string kHeader =
+    R"({"recording":1,"device":"Pad","guid":"00000001000200030405060708090a0b",)"
+    R"("buttons":11,"axes":6,"povs":2})";
+
+// The error; "read" when there is none.
+std::string Read(const std::string& text, Recording* recording) {
+  std::istringstream in(text);
+  std::string error = "unset";
+  if (ReadRecording(in, recording, &error)) return "read";
+  return error;
+}
+
+std::string Read(const std::string& text) {
+  Recording recording;
+  return Read(text, &recording);
+}
+
+TEST(Recording, ReadsEveryKindOfChange) {
+  Recording recording;
+  ASSERT_EQ(Read(kHeader + "\n"
+                           R"({"t":120,"buttons":[1,4]})"
+                           "\n"
+                           R"({"t":125,"axes":{"Axis_X0":20000,"SliderA0":-32000}})"
+                           "\n"
+                           R"({"t":125,"povs":{"POV0":9000,"POV1":-1}})"
+                           "\n"
+                           R"({"t":400,"lost":true,"buttons":[]})"
+                           "\n"
+                           R"({"t":500})",
+                 &recording),
+            "read");
+  EXPECT_EQ(recording.device.name, "Pad");
+  EXPECT_EQ(recording.device.guid, (GUID{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}));
+  EXPECT_EQ(recording.device.buttons, 11u);
+  EXPECT_EQ(recording.device.axes, 6u);
+  EXPECT_EQ(recording.device.povs, 2u);
+  EXPECT_EQ(recording.Length(), 500u);
+  ASSERT_EQ(recording.changes.size(), 5u);
+
+  EXPECT_EQ(recording.changes[0].t, 120u);
+  EXPECT_TRUE(recording.changes[0].hasButtons);
+  EXPECT_EQ(recording.changes[0].buttons, (std::vector<std::uint32_t>{1, 4}));
+  EXPECT_FALSE(recording.changes[0].hasLost);
+
+  EXPECT_FALSE(recording.changes[1].hasButtons);
+  const std::vector<std::pair<AxisName, std::int32_t>> axes{{{0, 0}, 20000}, {{6, 0}, -32000}};
+  EXPECT_EQ(recording.changes[1].axes, axes);
+
+  const std::vector<std::pair<std::uint32_t, std::uint32_t>> povs{{0, 9000}, {1, kPovCentred}};
+  EXPECT_EQ(recording.changes[2].t, 125u);
+  EXPECT_EQ(recording.changes[2].povs, povs);
+
+  EXPECT_TRUE(recording.changes[3].hasLost);
+  EXPECT_TRUE(recording.changes[3].lost);
+  EXPECT_TRUE(recording.changes[3].hasButtons);
+  EXPECT_TRUE(recording.changes[3].buttons.empty());
+
+  EXPECT_EQ(recording.changes[4].t, 500u);
+}
+
+TEST(Recording, PassesOverEmptyLinesAndTakesEitherLineEnd) {
+  Recording recording;
+  EXPECT_EQ(Read("\n\r\n" + kHeader + "\r\n \t\r\n{\"t\":1}\r\n\n", &recording), "read");
+  EXPECT_EQ(recording.changes.size(), 1u);
+}
+
+TEST(Recording, MayHaveNoChanges) {
+  Recording recording;
+  EXPECT_EQ(Read(kHeader, &recording), "read");
+  EXPECT_EQ(recording.Length(), 0u);
+}
+
+TEST(Recording, NamesLineAndMemberOfAFaultInTheFirstLine) {
+  struct Case {
+    const char* text;
+    const char* error;
+  };
+  const Case cases[] = {
+      {"", "line 1: the line that describes the device is missing"},
+      {"\n\n", "line 1: the line that describes the device is missing"},
+      {"{\"t\":1}", "line 1: recording: missing in the line that describes the device"},
+      {"{}", "line 1: recording: missing in the line that describes the device"},
+      {"[]", "line 1: not an object"},
+      {R"({"recording":2})", "line 1: recording: version 2 isn't known"},
+      {R"({"recording":"1"})", "line 1: recording: not a number"},
+      {R"({"recording":1,"colour":3})", "line 1: colour: unknown member"},
+      {R"({"recording":1})", "line 1: device: missing"},
+      {R"({"recording":1,"device":5})", "line 1: device: not a text"},
+      {R"({"recording":1,"device":{"bytes":5}})", "line 1: device.bytes: not a text"},
+      {R"({"recording":1,"device":{}})", "line 1: device.bytes: not a text"},
+      {R"({"recording":1,"device":{"bytes":"abc"}})",
+       "line 1: device.bytes: an odd count of digits"},
+      {R"({"recording":1,"device":{"bytes":"zz"}})", "line 1: device.bytes: not hexadecimal"},
+      {R"({"recording":1,"device":"P"})", "line 1: guid: missing"},
+      {R"({"recording":1,"device":"P","guid":1})", "line 1: guid: not a text"},
+      {R"({"recording":1,"device":"P","guid":"12"})", "line 1: guid: not 32 hexadecimal digits"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b"})",
+       "line 1: buttons: missing"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":129})",
+       "line 1: buttons: not from 0 to 128"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":-1})",
+       "line 1: buttons: not from 0 to 128"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1.5})",
+       "line 1: buttons: not a whole number"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
+       R"("axes":9})",
+       "line 1: axes: not from 0 to 8"},
+      {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
+       R"("axes":8,"povs":5})",
+       "line 1: povs: not from 0 to 4"},
+      {R"({"recording":1,"recording":1})", "line 1: column 16: Duplicate key: 'recording'"},
+  };
+  for (const Case& faulty : cases) EXPECT_EQ(Read(faulty.text), faulty.error) << faulty.text;
+}
+
+TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
+  struct Case {
+    const char* line;
+    const char* error;
+  };
+  // An empty line stands between the header and the faulty one.
+  const Case cases[] = {
+      {"{}", "line 3: t: missing"},
+      {"7", "line 3: column 1: A valid JSON document must be either an array or an object value."},
+      {"[7]", "line 3: not an object"},
+      {R"({"t":"5"})", "line 3: t: not a number"},
+      {R"({"t":true})", "line 3: t: not a number"},
+      {R"({"t":null})", "line 3: t: not a number"},
+      {R"({"t":-1})", "line 3: t: below 0"},
+      {R"({"t":0.5})", "line 3: t: not a whole number"},
+      {R"({"t":1e300})", "line 3: t: out of range"},
+      {R"({"t":9007199254740992})", "line 3: t: out of range"},
+      {R"({"t":18446744073709551615})", "line 3: t: out of range"},
+      {R"({"t":1,"button":[1]})", "line 3: button: unknown member"},
+      {R"({"t":1,"recording":1})", "line 3: recording: unknown member"},
+      {R"({"t":1,"buttons":1})", "line 3: buttons: not a list"},
+      {R"({"t":1,"buttons":{"0":1}})", "line 3: buttons: not a list"},
+      {R"({"t":1,"buttons":[1,"2"]})", "line 3: buttons[1]: not a number"},
+      {R"({"t":1,"buttons":[0]})", "line 3: buttons[0]: no button 0 on this device, which has 11"},
+      {R"({"t":1,"buttons":[11,12]})",
+       "line 3: buttons[1]: no button 12 on this device, which has 11"},
+      {R"({"t":1,"axes":[]})", "line 3: axes: not an object"},
+      {R"({"t":1,"axes":{"Axis_X":1}})", "line 3: axes.Axis_X: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X4":1}})", "line 3: axes.Axis_X4: no such axis"},
+      {R"({"t":1,"axes":{"axis_x0":1}})", "line 3: axes.axis_x0: no such axis"},
+      {R"({"t":1,"axes":{"":1}})", "line 3: axes.: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X0":32001}})", "line 3: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":-32001}})", "line 3: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":"1"}})", "line 3: axes.Axis_X0: not a number"},
+      {R"({"t":1,"axes":{"Axis_X0":1,"Axis_X0":2}})",
+       "line 3: column 28: Duplicate key: 'Axis_X0'"},
+      {R"({"t":1,"povs":5})", "line 3: povs: not an object"},
+      {R"({"t":1,"povs":{"POV2":0}})", "line 3: povs.POV2: no such hat"},
+      {R"({"t":1,"povs":{"POV9":0}})", "line 3: povs.POV9: no such hat"},
+      {R"({"t":1,"povs":{"POV00":0}})", "line 3: povs.POV00: no such hat"},
+      {R"({"t":1,"povs":{"POV":0}})", "line 3: povs.POV: no such hat"},
+      {R"({"t":1,"povs":{"PQV0":0}})", "line 3: povs.PQV0: no such hat"},
+      {R"({"t":1,"povs":{"POV0":36000}})", "line 3: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"povs":{"POV0":-2}})", "line 3: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"lost":1})", "line 3: lost: neither true nor false"},
+      {R"({"t":1,"lost":"true"})", "line 3: lost: neither true nor false"},
+      {R"({"t":1)", "line 3: column 7: Missing ',' or '}' in object declaration"},
+      {R"({"t":1} x)", "line 3: column 9: Extra non-whitespace after JSON value."},
+      {R"({"t":1} {"t":2})", "line 3: column 9: Extra non-whitespace after JSON value."},
+      {"{\"t\":1,\"a\\nb\":2}", "line 3: a?b: unknown member"},
+      {"{\"t\":1,\"\xFF\":2}", "line 3: not UTF-8"},
+      {R"({"t":1,"abcdefghijabcdefghijabcdefghijabcdefghijklm":2})",
+       "line 3: abcdefghijabcdefghijabcdefghijabcdefghij...: unknown member"},
+  };
+  for (const Case& faulty : cases) {
+    EXPECT_EQ(Read(kHeader + "\n\n" + faulty.line + "\n"), faulty.error) << faulty.line;
+  }
+}
+
+TEST(Recording, TimesRiseOrAreEqual) {
+  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\n{\"t\":5}\n{\"t\":4}"),
+            "line 4: t: before the line above, which is at 5");
+}
+
+TEST(Recording, TakesTheOutermostValues) {
+  EXPECT_EQ(Read(kHeader + "\n" +
+                 R"({"t":0,"buttons":[1,11],"axes":{"Axis_X0":-32000,"SliderB3":32000},)"
+                 R"("povs":{"POV0":0,"POV1":35999},"lost":false})"
+                 "\n" +
+                 R"({"t":9007199254740991})"),
+            "read");
+}
+
+TEST(Recording, AFaultLeavesTheRecordingAlone) {
+  Recording recording;
+  recording.device.name = "before";
+  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\nnonsense", &recording).substr(0, 8), "line 3: ");
+  EXPECT_EQ(recording.device.name, "before");
+  EXPECT_TRUE(recording.changes.empty());
+}
+
+TEST(Recording, RefusesDeepNesting) {
+  for (const std::size_t depth : {17u, 1000u, 500000u}) {
+    EXPECT_EQ(Read(kHeader + "\n" + std::string(depth, '[')), "line 2: nested too deeply");
+    std::string objects;
+    for (std::size_t level = 0; level < depth / 5; ++level) objects += "{\"t\":";
+    if (depth >= 100) {
+      EXPECT_EQ(Read(kHeader + "\n" + objects), "line 2: nested too deeply");
+    }
+  }
+}
+
+TEST(Recording, RefusesALineThatIsTooLong) {
+  constexpr std::size_t kLongest = 1024 * 1024;
+  const std::string start = "{\"t\":1";
+  const std::string fits = start + std::string(kLongest - start.size() - 1, ' ') + "}";
+  EXPECT_EQ(Read(kHeader + "\n" + fits), "read");
+  EXPECT_EQ(Read(kHeader + "\n" + fits + " "), "line 2: longer than 1048576 bytes");
+}
+
+TEST(Recording, TellsWhenItCannotBeRead) {
+  class Broken final : public std::streambuf {
+    int_type underflow() override { throw std::runtime_error("broken"); }
+  } buffer;
+  std::istream in(&buffer);
+  Recording recording;
+  std::string error;
+  EXPECT_FALSE(ReadRecording(in, &recording, &error));
+  EXPECT_EQ(error, "can't be read: broken");
+}
+
+TEST(Recording, EveryTruncationAndEveryChangedByteIsTakenOrRefused) {
+  const std::string whole = kHeader +
+                            "\n"
+                            R"({"t":120,"buttons":[1,4],"axes":{"Axis_X0":20000},"lost":true})"
+                            "\n"
+                            R"({"t":130,"povs":{"POV0":9000},"lost":false})"
+                            "\n";
+  int refused = 0;
+  for (std::size_t size = 0; size < whole.size(); ++size) {
+    refused += Read(whole.substr(0, size)) != "read";
+  }
+  EXPECT_GT(refused, 100);
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    for (const char byte : {'\0', '"', '{', '}', '[', '9', '-', '\n', '\x80', '\\'}) {
+      std::string damaged = whole;
+      damaged[at] = byte;
+      Recording recording;
+      if (Read(damaged, &recording) != "read") continue;
+      for (const StateChange& change : recording.changes) {
+        DIJOYSTATE2 state = StateAtRest();
+        ApplyChange(change, &state);
+      }
+    }
+  }
+}
+
+TEST(Recording, WritesTheseLines) {
+  DeviceDescription device;
+  EXPECT_EQ(RecordingHeaderLine(device),
+            R"({"recording":1,"device":"Pad","guid":"00000001000200030405060708090a0b",)"
+            R"("buttons":11,"axes":6,"povs":1})");
+  StateChange change;
+  change.t = 120;
+  EXPECT_EQ(RecordingChangeLine(change), R"({"t":120})");
+  change.hasButtons = true;
+  EXPECT_EQ(RecordingChangeLine(change), R"({"t":120,"buttons":[]})");
+  change.buttons = {1, 4};
+  change.hasLost = true;
+  EXPECT_EQ(RecordingChangeLine(change), R"({"t":120,"buttons":[1,4],"lost":false})");
+  change.lost = true;
+  change.axes = {{{6, 0}, -32000}, {{0, 0}, 20000}};
+  change.povs = {{0, 9000}, {3, kPovCentred}};
+  EXPECT_EQ(RecordingChangeLine(change),
+            R"({"t":120,"buttons":[1,4],"axes":{"SliderA0":-32000,"Axis_X0":20000},)"
+            R"("povs":{"POV0":9000,"POV3":-1},"lost":true})");
+}
+
+TEST(Recording, WritesCentredForBothFormsOfIt) {
+  StateChange change;
+  change.povs = {{0, 0xFFFFu}, {1, 0xFFFFFFFFu}};
+  EXPECT_EQ(RecordingChangeLine(change), R"({"t":0,"povs":{"POV0":-1,"POV1":-1}})");
+}
+
+TEST(Recording, OfTwoValuesForOneInputTheLaterIsWritten) {
+  StateChange change;
+  change.axes = {{{0, 0}, 1}, {{1, 0}, 2}, {{0, 0}, 3}};
+  EXPECT_EQ(RecordingChangeLine(change), R"({"t":0,"axes":{"Axis_Y0":2,"Axis_X0":3}})");
+}
+
+TEST(Recording, NamesSurviveWritingAndReading) {
+  const std::string names[] = {"",
+                               "Pad",
+                               "quote \" backslash \\ slash /",
+                               "tab\tline\nbell\a",
+                               "Gr\xC3\xBC\xC3\x9F"
+                               "e \xE2\x82\xAC \xF0\x9F\x8E\xAE",
+                               "\xFF\xFE not UTF-8",
+                               "cut off \xC3",
+                               std::string("zero\0inside", 11)};
+  for (const std::string& name : names) {
+    DeviceDescription device;
+    device.name = name;
+    Recording recording;
+    EXPECT_EQ(Read(RecordingHeaderLine(device), &recording), "read") << name;
+    EXPECT_EQ(recording.device.name, name);
+  }
+  DeviceDescription device;
+  device.name =
+      "Gr\xC3\xBC"
+      "n";
+  EXPECT_NE(RecordingHeaderLine(device).find("\"device\":\"Gr\xC3\xBC"
+                                             "n\""),
+            std::string::npos);
+  device.name = "\xFF";
+  EXPECT_NE(RecordingHeaderLine(device).find("\"device\":{\"bytes\":\"ff\"}"), std::string::npos);
+}
+
+TEST(Recording, WhatIsWrittenReadsBackTheSame) {
+  DeviceDescription device;
+  device.buttons = 128;
+  device.axes = 8;
+  device.povs = 4;
+  device.guid = GUID{0xFEDCBA98u, 0x7654, 0x3210, {0xFF, 0, 0xAA, 1, 2, 3, 4, 5}};
+  StateChange change;
+  change.t = 7;
+  change.hasButtons = true;
+  change.buttons = {128, 1};
+  for (std::uint16_t bank = 0; bank < 4; ++bank) {
+    for (std::uint16_t kind = 0; kind < 8; ++kind) {
+      change.axes.push_back({{kind, bank}, kind * 1000 - bank});
+    }
+  }
+  change.povs = {{0, 0}, {1, 35999}, {2, kPovCentred}, {3, 4500}};
+  change.hasLost = true;
+  Recording recording;
+  ASSERT_EQ(Read(RecordingHeaderLine(device) + "\n" + RecordingChangeLine(change), &recording),
+            "read");
+  EXPECT_EQ(recording.device.guid, device.guid);
+  EXPECT_EQ(recording.device.buttons, 128u);
+  ASSERT_EQ(recording.changes.size(), 1u);
+  const StateChange& back = recording.changes[0];
+  EXPECT_EQ(back.t, 7u);
+  EXPECT_EQ(back.buttons, change.buttons);
+  EXPECT_EQ(back.povs, change.povs);
+  EXPECT_TRUE(back.hasLost);
+  EXPECT_FALSE(back.lost);
+  DIJOYSTATE2 written = StateAtRest();
+  DIJOYSTATE2 read = StateAtRest();
+  ApplyChange(change, &written);
+  ApplyChange(back, &read);
+  EXPECT_EQ(std::memcmp(&written, &read, sizeof read), 0);
+}
+
+TEST(Recording, NamesEachAxisOfTheFourBanks) {
+  struct Case {
+    const char* name;
+    AxisName axis;
+    std::size_t offset;
+  };
+  const Case cases[] = {
+      {"Axis_X0", {0, 0}, 0},    {"Axis_Y0", {1, 0}, 4},    {"Axis_Z0", {2, 0}, 8},
+      {"Axis_RX0", {3, 0}, 12},  {"Axis_RY0", {4, 0}, 16},  {"Axis_RZ0", {5, 0}, 20},
+      {"SliderA0", {6, 0}, 24},  {"SliderB0", {7, 0}, 28},  {"Axis_X1", {0, 1}, 176},
+      {"Axis_RZ1", {5, 1}, 196}, {"SliderB1", {7, 1}, 204}, {"Axis_X2", {0, 2}, 208},
+      {"SliderA2", {6, 2}, 232}, {"Axis_Y3", {1, 3}, 244},  {"SliderB3", {7, 3}, 268},
+  };
+  DIJOYSTATE2 state;
+  for (const Case& named : cases) {
+    AxisName axis{9, 9};
+    EXPECT_TRUE(ParseAxisName(named.name, &axis)) << named.name;
+    EXPECT_EQ(axis, named.axis) << named.name;
+    EXPECT_EQ(AxisNameText(named.axis), named.name);
+    EXPECT_EQ(reinterpret_cast<char*>(AxisField(&state, axis)) - reinterpret_cast<char*>(&state),
+              static_cast<std::ptrdiff_t>(named.offset))
+        << named.name;
+  }
+  AxisName axis{9, 9};
+  for (const char* bad :
+       {"", "0", "Axis_X", "Axis_X4", "Axis_X00", "Axis_W0", "POV0", " Axis_X0"}) {
+    EXPECT_FALSE(ParseAxisName(bad, &axis)) << bad;
+  }
+  EXPECT_EQ(axis, (AxisName{9, 9}));
+}
+
+TEST(Recording, AtRestNothingIsPressedAndHatsAreCentred) {
+  const DIJOYSTATE2 state = StateAtRest();
+  for (const std::uint32_t hat : state.rgdwPOV) EXPECT_EQ(hat, 0xFFFFFFFFu);
+  for (const std::uint8_t button : state.rgbButtons) EXPECT_EQ(button, 0);
+  EXPECT_EQ(state.lX, 0);
+  EXPECT_EQ(state.rglFSlider[1], 0);
+}
+
+TEST(Recording, GuidsAreWrittenInFileOrder) {
+  const GUID guid{0x01234567u, 0x89AB, 0xCDEF, {0xFE, 0xDC, 0xBA, 0x98, 0x76, 0x54, 0x32, 0x10}};
+  EXPECT_EQ(GuidText(guid), "0123456789abcdeffedcba9876543210");
+  GUID back;
+  EXPECT_TRUE(ParseGuid("0123456789ABCDEFfedcba9876543210", &back));
+  EXPECT_EQ(back, guid);
+  for (const char* bad :
+       {"", "0123", "0123456789abcdeffedcba987654321", "g123456789abcdeffedcba9876543210",
+        "0123456789abcdeffedcba98765432100"}) {
+    EXPECT_FALSE(ParseGuid(bad, &back)) << bad;
+  }
+  EXPECT_EQ(back, guid);
+}
+
+}  // namespace
+}  // namespace platform::simulation
