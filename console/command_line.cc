@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
+#include <set>
 
 #include "console/console_error.h"
 
@@ -120,7 +121,7 @@ void AddRun(CLI::App& app, Choice& choice) {
   run->add_flag("--simulate", choice.run.simulate,
                 "send nothing, print the events; time is virtual (needs --replay)")
       ->needs(replay);
-  run->add_option("--device", choice.run.device, "name of the pad to take")->excludes(replay);
+  run->add_option("--device", choice.run.device, "name of the pad to take");
   run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
   run->add_option("--until", choice.run.until, kUntilHelp);
   run->add_flag("--json", choice.run.json,
@@ -148,6 +149,13 @@ int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
   AddRecord(app, choice);
   AddRun(app, choice);
 
+  // The library would only say that a command is missing.
+  std::set<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.insert(command->get_name());
+  if (!words.empty() && !words[0].empty() && words[0][0] != '-' && !names.contains(words[0])) {
+    Complain(streams.err, "there is no command '" + words[0] + "' (kelvaroctl --help lists them)");
+    return kUsage;
+  }
   std::vector<std::string> backwards(words.rbegin(), words.rend());
   try {
     app.parse(backwards);

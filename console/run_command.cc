@@ -29,11 +29,12 @@ std::optional<std::uint64_t> EndOfRun(const RunOptions& options, const Recording
 
 DeviceChoice ChosenDevice(const RunOptions& options, const Profile& profile) {
   DeviceChoice choice;
-  // A recording is the device, whatever the profile says.
-  if (options.replay) return choice;
   choice.name = options.device;
-  choice.profileGuid = profile.deviceGuid;
-  choice.profileName = profile.deviceName;
+  // A recording is the device, whatever the profile says.
+  if (!options.replay) {
+    choice.profileGuid = profile.deviceGuid;
+    choice.profileName = profile.deviceName;
+  }
   return choice;
 }
 

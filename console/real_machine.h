@@ -1,0 +1,43 @@
+// The machine that this program runs on, opened as far as a command needs it, and installed behind
+// the seam for the life of the object.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "app/platform/simulation/recording.h"
+#include "console/commands.h"
+#include "console/event_printer.h"
+
+namespace kelvaro::console {
+
+class RealMachine {
+ public:
+  // Clock, threads and timers; neither devices nor output yet.
+  RealMachine();
+  ~RealMachine();
+  RealMachine(const RealMachine&) = delete;
+  RealMachine& operator=(const RealMachine&) = delete;
+
+  // The devices that are plugged in, or one that plays a recording in real time.
+  void OpenDevices();
+  void PlayRecording(const platform::simulation::Recording& recording);
+
+  // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with
+  // *error saying what is missing and what to do, when there is no way out.
+  bool OpenOutput(EventPrinter* printer, std::string* error);
+
+  // Times of printed events count from this moment.
+  void StartOfTime();
+
+  // Exit status of a command that has sent what it had to: complains if the system refused any of
+  // it.
+  int EndOfOutput(Streams streams);
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts;
+};
+
+}  // namespace kelvaro::console
