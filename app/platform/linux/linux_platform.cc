@@ -10,4 +10,10 @@ LinuxPlatform::LinuxPlatform() {
   groups.desktop = &desktop;
 }
 
+bool LinuxPlatform::OpenInput(InputChoice choice, std::string* error) {
+  input = OpenLinuxInput(choice, error);
+  groups.input = input.get();
+  return input != nullptr;
+}
+
 }  // namespace platform

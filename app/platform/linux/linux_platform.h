@@ -2,7 +2,11 @@
 // start, opens what it needs, and installs Groups().
 #pragma once
 
+#include <memory>
+#include <string>
+
 #include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/linux_system.h"
 #include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/linux_timers.h"
@@ -16,13 +20,20 @@ class LinuxPlatform {
   LinuxPlatform(const LinuxPlatform&) = delete;
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
 
+  // Fills Groups().input; before Groups() is installed. False, with the reason in *error and no
+  // input, where nothing works.
+  bool OpenInput(InputChoice choice, std::string* error);
+  // Null until it is open.
+  LinuxInput* Sender() { return input.get(); }
+
   // Pointers into this object.
   const Platform& Groups() const { return groups; }
 
  private:
   LinuxClock clock;
   LinuxThreads threads;
-  LinuxTimers timers;  // gone before what its callbacks use
+  std::unique_ptr<LinuxInput> input;
+  LinuxTimers timers;  // ends its calls before what they use goes
   LinuxSystem system;
   NoDesktop desktop;
   Platform groups;

@@ -1,0 +1,233 @@
+#include "app/platform/linux/xtest_input.h"
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "app/platform/linux/linux_clock.h"
+
+namespace platform {
+namespace {
+
+// An X server without a screen, for the life of the object.
+class Server {
+ public:
+  // False where there is no such server on this machine.
+  bool Start() {
+    int numbers[2];
+    if (pipe2(numbers, O_CLOEXEC) != 0) return false;
+    const std::string fd = std::to_string(numbers[1]);
+    process = fork();
+    if (process == 0) {
+      fcntl(numbers[1], F_SETFD, 0);
+      const int nothing = open("/dev/null", O_WRONLY);
+      dup2(nothing, STDOUT_FILENO);
+      dup2(nothing, STDERR_FILENO);
+      execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "640x480x24", "-nolisten",
+             "tcp", "-noreset", nullptr);
+      _exit(127);
+    }
+    close(numbers[1]);
+    std::string number;
+    char digit;
+    while (read(numbers[0], &digit, 1) == 1 && digit != '\n') number += digit;
+    close(numbers[0]);
+    name = ":" + number;
+    return !number.empty();
+  }
+  void Stop() {
+    if (process <= 0) return;
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
+    process = -1;
+  }
+  ~Server() { Stop(); }
+  const std::string& Name() const { return name; }
+
+ private:
+  pid_t process = -1;
+  std::string name;
+};
+
+bool Required() {
+  const char* required = std::getenv("KELVARO_REQUIRE");
+  return required && std::string(required).find("xvfb") != std::string::npos;
+}
+
+// A server, an input on it, and a second connection that sees what arrives in a window.
+class XTestInputTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!server.Start()) {
+      if (Required()) FAIL() << "Xvfb can't be started";
+      GTEST_SKIP() << "Xvfb can't be started";
+    }
+    std::string error;
+    input = XTestInput::Open(server.Name(), &error);
+    ASSERT_NE(input, nullptr) << error;
+    viewer = XOpenDisplay(server.Name().c_str());
+    ASSERT_NE(viewer, nullptr);
+    window = XCreateSimpleWindow(viewer, DefaultRootWindow(viewer), 0, 0, 640, 480, 0, 0, 0);
+    XSelectInput(viewer, window,
+                 KeyPressMask | KeyReleaseMask | ButtonPressMask | ButtonReleaseMask);
+    XSetWindowAttributes direct{};
+    direct.override_redirect = True;
+    XChangeWindowAttributes(viewer, window, CWOverrideRedirect, &direct);
+    XMapRaised(viewer, window);
+    XSync(viewer, False);
+    XSetInputFocus(viewer, window, RevertToParent, CurrentTime);
+    XSync(viewer, False);
+  }
+  void TearDown() override {
+    input.reset();
+    if (viewer) XCloseDisplay(viewer);
+  }
+
+  // The next event in the window, such as "key 38 down" or "button 4 up"; "" after two seconds.
+  std::string Next() {
+    for (int waited = 0; waited < 2000; ++waited) {
+      while (XPending(viewer) > 0) {
+        XEvent event;
+        XNextEvent(viewer, &event);
+        switch (event.type) {
+          case KeyPress:
+          case KeyRelease:
+            return "key " + std::to_string(event.xkey.keycode) +
+                   (event.type == KeyPress ? " down" : " up");
+          case ButtonPress:
+          case ButtonRelease:
+            return "button " + std::to_string(event.xbutton.button) +
+                   (event.type == ButtonPress ? " down" : " up");
+          default:
+            break;
+        }
+      }
+      LinuxClock().Sleep(1);
+    }
+    return {};
+  }
+
+  bool IsDown(unsigned keycode) {
+    char keys[32];
+    XQueryKeymap(viewer, keys);
+    return (keys[keycode / 8] >> (keycode % 8)) & 1;
+  }
+
+  Server server;
+  std::unique_ptr<XTestInput> input;
+  Display* viewer = nullptr;
+  Window window = 0;
+};
+
+TEST_F(XTestInputTest, AKeyArrivesInTheFocusedWindow) {
+  input->keybd_event('A', 0x1E, 0, 0);
+  EXPECT_EQ(Next(), "key 38 down");  // KEY_A is 30
+  EXPECT_TRUE(IsDown(38));
+  input->keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
+  EXPECT_EQ(Next(), "key 38 up");
+  EXPECT_FALSE(IsDown(38));
+}
+
+TEST_F(XTestInputTest, AKeyTypesItsSymbolOnAUnitedStatesKeyboard) {
+  EXPECT_EQ(XkbKeycodeToKeysym(viewer, 38, 0, 0), static_cast<KeySym>('a'));
+}
+
+TEST_F(XTestInputTest, ModifiersAndExtendedKeysArrive) {
+  input->keybd_event(0xA3, 0x9D, KEYEVENTF_EXTENDEDKEY, 0);
+  input->keybd_event(0x25, 0xCB, KEYEVENTF_EXTENDEDKEY, 0);
+  input->keybd_event(0x25, 0xCB, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
+  input->keybd_event(0xA3, 0x9D, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
+  EXPECT_EQ(Next(), "key 105 down");  // KEY_RIGHTCTRL is 97
+  EXPECT_EQ(Next(), "key 113 down");  // KEY_LEFT is 105
+  EXPECT_EQ(Next(), "key 113 up");
+  EXPECT_EQ(Next(), "key 105 up");
+}
+
+TEST_F(XTestInputTest, MouseButtonsHaveTheirNumbersInX) {
+  input->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+  input->mouse_event(MOUSEEVENTF_LEFTUP | MOUSEEVENTF_MIDDLEDOWN, 0, 0, 0, 0);
+  input->mouse_event(MOUSEEVENTF_MIDDLEUP, 0, 0, 0, 0);
+  input->mouse_event(MOUSEEVENTF_RIGHTDOWN, 0, 0, 0, 0);
+  input->mouse_event(MOUSEEVENTF_RIGHTUP, 0, 0, 0, 0);
+  input->keybd_event(5, 0, 0, 0);
+  input->keybd_event(5, 0, KEYEVENTF_KEYUP, 0);
+  input->keybd_event(6, 0, 0, 0);
+  input->keybd_event(6, 0, KEYEVENTF_KEYUP, 0);
+  for (const char* expected :
+       {"button 1 down", "button 2 down", "button 1 up", "button 2 up", "button 3 down",
+        "button 3 up", "button 8 down", "button 8 up", "button 9 down", "button 9 up"})
+    EXPECT_EQ(Next(), expected);
+}
+
+TEST_F(XTestInputTest, AFullNotchIsAClickOfTheWheelsButton) {
+  input->mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 100, 0);
+  input->mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 20, 0);
+  input->mouse_event(MOUSEEVENTF_WHEEL, 0, 0, -240, 0);
+  for (const char* expected : {"button 4 down", "button 4 up", "button 5 down", "button 5 up",
+                               "button 5 down", "button 5 up"})
+    EXPECT_EQ(Next(), expected);
+}
+
+TEST_F(XTestInputTest, MotionIsRelative) {
+  const auto pointer = [&] {
+    Window root, child;
+    int x = 0, y = 0, windowX, windowY;
+    unsigned mask;
+    XQueryPointer(viewer, window, &root, &child, &x, &y, &windowX, &windowY, &mask);
+    return std::pair<int, int>(x, y);
+  };
+  XWarpPointer(viewer, None, DefaultRootWindow(viewer), 0, 0, 0, 0, 100, 100);
+  XSync(viewer, False);
+  input->mouse_event(MOUSEEVENTF_MOVE, 20, -30, 0, 0);
+  for (int waited = 0; waited < 2000 && pointer() != std::pair<int, int>(120, 70); ++waited)
+    LinuxClock().Sleep(1);
+  EXPECT_EQ(pointer(), (std::pair<int, int>(120, 70)));
+}
+
+TEST_F(XTestInputTest, AKeyAboveWhatXCanNameSendsNothing) {
+  input->keybd_event(0xFE, 0, 0, 0);  // KEY_CLEAR, 0x163
+  input->keybd_event('A', 0x1E, 0, 0);
+  EXPECT_EQ(Next(), "key 38 down");
+}
+
+TEST_F(XTestInputTest, TheEndOfTheObjectLetsGoOfWhatIsDown) {
+  input->keybd_event('A', 0x1E, 0, 0);
+  input->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+  EXPECT_EQ(Next(), "key 38 down");
+  EXPECT_EQ(Next(), "button 1 down");
+  input.reset();
+  EXPECT_EQ(Next(), "key 38 up");
+  EXPECT_EQ(Next(), "button 1 up");
+}
+
+TEST_F(XTestInputTest, AServerThatGoesAwayIsCountedAndReportedOnce) {
+  std::vector<std::string> reports;
+  input->OnFailure([&](const std::string& text) { reports.push_back(text); });
+  input->keybd_event('A', 0x1E, 0, 0);
+  EXPECT_EQ(Next(), "key 38 down");
+  XCloseDisplay(viewer);
+  viewer = nullptr;
+  server.Stop();
+  for (int i = 0; i < 10; ++i) input->keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
+  EXPECT_GE(input->FailedEvents(), 8u);  // the first ones find out
+  EXPECT_EQ(reports, std::vector<std::string>{"the X server has gone away"});
+}
+
+TEST(XTestInput, NoServerIsTold) {
+  std::string error;
+  EXPECT_EQ(XTestInput::Open(":987", &error), nullptr);
+  EXPECT_EQ(error, "no X server answers at :987");
+}
+
+}  // namespace
+}  // namespace platform
