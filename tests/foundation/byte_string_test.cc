@@ -1100,7 +1100,7 @@ std::string Lines(const std::string& content, bool keepEmptyLines) {
   ByteString line;
   std::string lines;
   for (int i = 0; i < 20 && line.ReadLine(&file, keepEmptyLines); ++i) {
-    lines += "[" + TextOf(line) + "]";
+    lines.append(1, '[').append(TextOf(line)).append(1, ']');
   }
   EXPECT_EQ(TextOf(line), "");  // the end of the stream leaves nothing behind
   return lines;
