@@ -107,17 +107,6 @@ std::optional<int> Child::Wait(int ms) {
 std::string Child::Out() const { return Content(outPath); }
 std::string Child::Err() const { return Content(errPath); }
 
-bool Child::HasOpen(const std::string& path) const {
-  std::error_code error;
-  for (const auto& entry :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/fd", error)) {
-    if (std::filesystem::read_symlink(entry.path(), error) == path) {
-      return true;
-    }
-  }
-  return false;
-}
-
 Finished RunToEnd(const std::vector<std::string>& arguments, ChildOptions options) {
   Child child(arguments, options);
   Finished finished;

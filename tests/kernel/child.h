@@ -37,9 +37,6 @@ class Child {
   std::string Out() const;
   std::string Err() const;
 
-  // True when it holds `path` open.
-  bool HasOpen(const std::string& path) const;
-
  private:
   pid_t pid = -1;
   std::string outPath;

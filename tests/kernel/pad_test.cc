@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <linux/input.h>
 
+#include "tests/kernel/profile_run.h"
 #include "tests/kernel/reader.h"
-#include "tests/kernel/run.h"
 #include "tests/kernel/wait.h"
 
 namespace kelvaro::kernel {

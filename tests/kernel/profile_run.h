@@ -19,13 +19,13 @@ std::string ButtonControl(std::size_t button, const std::string& text,
 std::string ItemControl(int kind, int index, int value, const std::string& text);
 std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more = "");
 
-class Run {
+class ProfileRun {
  public:
   // Starts it on the device called `device`, and comes back once the pad at `node` is being polled
   // and both virtual devices are being read. A start that fails is a failure of the test; Started()
   // is then false and nothing else may be used.
-  Run(const std::string& profile, const std::string& device, const std::string& node,
-      const std::vector<std::string>& options = {});
+  ProfileRun(const std::string& profile, const std::string& device, const std::string& node,
+             const std::vector<std::string>& options = {});
 
   bool Started() const { return mouse != nullptr; }
   Child& Process() { return *child; }

@@ -1,9 +1,11 @@
-#include "tests/kernel/run.h"
+#include "tests/kernel/profile_run.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <set>
 
+#include "tests/cases/case_file.h"
+#include "tests/kernel/trace.h"
 #include "tests/kernel/wait.h"
 
 namespace kelvaro::kernel {
@@ -51,8 +53,8 @@ std::string ProfileOf(const std::vector<std::string>& controls, const std::strin
   return "{\"controls\":[" + Joined(controls) + "]" + With(more) + "}\n";
 }
 
-Run::Run(const std::string& profile, const std::string& device, const std::string& node,
-         const std::vector<std::string>& options) {
+ProfileRun::ProfileRun(const std::string& profile, const std::string& device,
+                       const std::string& node, const std::vector<std::string>& options) {
   std::set<std::string> before;
   for (const InputNode& input : InputNodes()) {
     before.insert(input.path);
@@ -74,12 +76,14 @@ Run::Run(const std::string& profile, const std::string& device, const std::strin
       [&] {
         keys = fresh(kKeyboardName);
         pointer = fresh(kMouseName);
-        return !child->Running() || (!keys.empty() && !pointer.empty() && child->HasOpen(node));
+        return !child->Running() ||
+               (!keys.empty() && !pointer.empty() && DescriptorOf(child->Pid(), node) >= 0);
       },
       20000);
   if (!ready || !child->Running()) {
     ADD_FAILURE() << "kelvaroctl run didn't start: keyboard '" << keys << "', mouse '" << pointer
-                  << "', pad " << (child->HasOpen(node) ? "open" : "not open") << "\n"
+                  << "', pad " << (DescriptorOf(child->Pid(), node) >= 0 ? "open" : "not open")
+                  << "\n"
                   << child->Err() << child->Out();
     return;
   }
@@ -93,15 +97,7 @@ Run::Run(const std::string& profile, const std::string& device, const std::strin
   if (expected == actual) {
     return ::testing::AssertionSuccess();
   }
-  std::string table = "\n  expected                          | received\n";
-  for (std::size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
-    std::string left = i < expected.size() ? expected[i] : "";
-    const std::string right = i < actual.size() ? actual[i] : "";
-    const char* mark = left == right ? "  " : "* ";
-    left.resize(std::max<std::size_t>(left.size(), 33), ' ');
-    table += mark + left + " | " + right + "\n";
-  }
-  return ::testing::AssertionFailure() << table;
+  return ::testing::AssertionFailure() << "\n" << cases::SideBySide(expected, actual);
 }
 
 ::testing::AssertionResult Sent(Reader& reader, const std::vector<std::string>& expected) {

@@ -1,0 +1,318 @@
+// kelvaroctl as a person meets it on a real kernel: its start, its end, its complaints, and the
+// commands that look at a pad.
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+#include <linux/input.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <sstream>
+
+#include "tests/kernel/pad.h"
+#include "tests/kernel/profile_run.h"
+#include "tests/kernel/trace.h"
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+namespace {
+
+PadShape Named(const std::string& name, const std::string& port = "test/port0") {
+  PadShape shape;
+  shape.name = name;
+  shape.phys = port;
+  shape.buttons = GamePadButtons(11);
+  shape.axes = {{ABS_X}, {ABS_Y}};
+  shape.hats = 1;
+  return shape;
+}
+
+std::vector<Json::Value> JsonLines(const std::string& text) {
+  std::vector<Json::Value> values;
+  for (const std::string& line : Lines(text)) {
+    Json::Value value;
+    std::istringstream in(line);
+    std::string errors;
+    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors)) << line;
+    values.push_back(value);
+  }
+  return values;
+}
+
+class EndedBy : public ::testing::TestWithParam<int> {};
+
+TEST_P(EndedBy, ASignalLetsGoOfEverything) {
+  UinputPad pad(Named("Signal Pad"));
+  ProfileRun run(
+      ProfileOf({ButtonControl(0, "<Ctrl>a"), ButtonControl(1, "b")},
+                "\"mouse\":{\"leftButton\":2,\"leftMask\":\"0x4\",\"mouseAlwaysActive\":true}"),
+      "Signal Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  pad.Press(0);
+  WaitMs(30);
+  pad.Press(1);
+  WaitMs(30);
+  pad.Press(2);
+  EXPECT_TRUE(Sent(run.Mouse(), {"BTN_LEFT down"}));
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down", "KEY_B down"}));
+  run.Process().Signal(GetParam());
+  EXPECT_EQ(run.Process().Wait(5000), 0) << run.Process().Err();
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down", "KEY_B down",
+                                    "KEY_LEFTCTRL up", "KEY_A up", "KEY_B up"}));
+  EXPECT_TRUE(Sent(run.Mouse(), {"BTN_LEFT down", "BTN_LEFT up"}));
+  // Nobody is left to send anything.
+  EXPECT_EQ(FindInput([](const InputNode& node) { return node.name == kKeyboardName; }), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, EndedBy, ::testing::Values(SIGINT, SIGTERM),
+                         [](const testing::TestParamInfo<int>& info) {
+                           return info.param == SIGINT ? "Interrupt" : "Terminate";
+                         });
+
+TEST(Runs, TwoAtOnceDontDisturbOneAnother) {
+  UinputPad first(Named("First Pad", "test/port1"));
+  UinputPad second(Named("Second Pad", "test/port2"));
+  ProfileRun a(ProfileOf({ButtonControl(0, "a")}), "First Pad", first.Node());
+  ASSERT_TRUE(a.Started());
+  ProfileRun b(ProfileOf({ButtonControl(0, "b")}), "Second Pad", second.Node());
+  ASSERT_TRUE(b.Started());
+  first.Press(0);
+  second.Press(0);
+  EXPECT_TRUE(Sent(a.Keyboard(), {"KEY_A down"}));
+  EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down"}));
+  b.Process().Signal(SIGTERM);
+  EXPECT_EQ(b.Process().Wait(5000), 0);
+  EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down", "KEY_B up"}));
+  first.Release(0);
+  EXPECT_TRUE(Sent(a.Keyboard(), {"KEY_A down", "KEY_A up"}));
+}
+
+TEST(Runs, TwoOnOnePadBothGetIt) {
+  UinputPad pad(Named("Shared Pad"));
+  ProfileRun a(ProfileOf({ButtonControl(0, "a")}), "Shared Pad", pad.Node());
+  ASSERT_TRUE(a.Started());
+  ProfileRun b(ProfileOf({ButtonControl(0, "b")}), "Shared Pad", pad.Node());
+  ASSERT_TRUE(b.Started());
+  pad.Press(0);
+  EXPECT_TRUE(Sent(a.Keyboard(), {"KEY_A down"}));
+  EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down"}));
+}
+
+TEST(Runs, UnknownDeviceNameListsThoseThatAreThere) {
+  UinputPad first(Named("First Pad", "test/port1"));
+  UinputPad second(Named("Second Pad", "test/port2"));
+  const Finished run =
+      RunToEnd({KelvaroctlPath(), "run", "--device", "No Such Pad", WriteFile(ProfileOf({}))});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.err.rfind("kelvaroctl: ", 0), 0U) << run.err;
+  for (const char* name : {"No Such Pad", "First Pad", "Second Pad"}) {
+    EXPECT_NE(run.err.find(name), std::string::npos) << run.err;
+  }
+}
+
+TEST(Runs, NoPadAtAllIsSaid) {
+  const Finished run = RunToEnd({KelvaroctlPath(), "run", WriteFile(ProfileOf({}))});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find("no game pad is plugged in"), std::string::npos) << run.err;
+}
+
+// Without the right to write to it, though the pad may be read.
+TEST(Runs, ForbiddenUinputIsSaidWithWhatToDo) {
+  UinputPad pad(Named("Open Pad"));
+  ASSERT_EQ(chmod(pad.Node().c_str(), 0666), 0);
+  const Finished run =
+      RunToEnd({KelvaroctlPath(), "run", "--device", "Open Pad", WriteFile(ProfileOf({}))},
+               {.asNobody = true});
+  EXPECT_EQ(run.status, 1) << run.out;
+  EXPECT_NE(run.err.find("/dev/uinput"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("60-kelvaro.rules"), std::string::npos) << run.err;
+}
+
+TEST(Runs, MissingUinputIsSaidWithWhatToDo) {
+  UinputPad pad(Named("Open Pad"));
+  const std::string away = "/dev/uinput.away";
+  ASSERT_EQ(rename("/dev/uinput", away.c_str()), 0);
+  const Finished run =
+      RunToEnd({KelvaroctlPath(), "run", "--device", "Open Pad", WriteFile(ProfileOf({}))});
+  ASSERT_EQ(rename(away.c_str(), "/dev/uinput"), 0);
+  EXPECT_EQ(run.status, 1) << run.out;
+  EXPECT_NE(run.err.find("/dev/uinput"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("modprobe uinput"), std::string::npos) << run.err;
+}
+
+TEST(Runs, UnreadablePadIsSaid) {
+  UinputPad pad(Named("Closed Pad"));
+  ASSERT_EQ(chmod(pad.Node().c_str(), 0600), 0);
+  ASSERT_EQ(chmod("/dev/uinput", 0666), 0);
+  const Finished run =
+      RunToEnd({KelvaroctlPath(), "run", "--device", "Closed Pad", WriteFile(ProfileOf({}))},
+               {.asNobody = true});
+  ASSERT_EQ(chmod("/dev/uinput", 0600), 0);
+  EXPECT_EQ(run.status, 1) << run.out;
+  EXPECT_NE(run.err.find("Closed Pad"), std::string::npos) << run.err;
+}
+
+TEST(Runs, MalformedProfileNamesFileLineAndMember) {
+  UinputPad pad(Named("Open Pad"));
+  const std::string path =
+      WriteFile("{\"controls\":[\n  {\"buttonMask\":\"0x1\"},\n  {\"buttonMask\":true}]}\n");
+  const Finished run = RunToEnd({KelvaroctlPath(), "run", path});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_NE(run.err.find(path + ":3"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("controls[1].buttonMask"), std::string::npos) << run.err;
+}
+
+TEST(Commands, DevicesListsNamesCountsAndIdentities) {
+  PadShape box = Named("Second Pad", "test/port2");
+  box.buttons = ManyButtons(24);
+  box.axes.push_back({ABS_Z});
+  box.hats = 0;
+  UinputPad first(Named("First Pad", "test/port1"));
+  UinputPad second(box);
+  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
+  EXPECT_EQ(devices.status, 0) << devices.err;
+  const std::vector<Json::Value> list = JsonLines(devices.out);
+  ASSERT_EQ(list.size(), 2U) << devices.out;
+  EXPECT_EQ(list[0]["index"].asInt(), 0);
+  EXPECT_EQ(list[0]["name"].asString(), "First Pad");
+  EXPECT_EQ(list[0]["buttons"].asInt(), 11);
+  EXPECT_EQ(list[0]["axes"].asInt(), 2);
+  EXPECT_EQ(list[0]["povs"].asInt(), 1);
+  EXPECT_EQ(list[0]["guid"].asString().size(), 32U);
+  EXPECT_EQ(list[1]["index"].asInt(), 1);
+  EXPECT_EQ(list[1]["name"].asString(), "Second Pad");
+  EXPECT_EQ(list[1]["buttons"].asInt(), 24);
+  EXPECT_EQ(list[1]["axes"].asInt(), 3);
+  EXPECT_EQ(list[1]["povs"].asInt(), 0);
+  EXPECT_NE(list[0]["guid"], list[1]["guid"]);
+}
+
+// The virtual devices of a run are no game pads, and neither is anything else of the machine.
+TEST(Commands, DevicesListsGamePadsOnly) {
+  UinputPad pad(Named("Only Pad"));
+  ProfileRun run(ProfileOf({}), "Only Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
+  EXPECT_EQ(JsonLines(devices.out).size(), 1U) << devices.out;
+}
+
+TEST(Commands, WatchPrintsWhatIsHeld) {
+  UinputPad pad(Named("Watched Pad"));
+  Child watch({KelvaroctlPath(), "watch", "--json", "Watched Pad"});
+  ASSERT_TRUE(Eventually([&] { return DescriptorOf(watch.Pid(), pad.Node()) >= 0; }, 10000))
+      << watch.Err();
+  WaitMs(300);
+  pad.Press(0);
+  WaitMs(50);
+  pad.Press(3);
+  WaitMs(50);
+  pad.TurnHat(0, 27000);
+  WaitMs(50);
+  pad.Move(ABS_Y, -32000);
+  WaitMs(50);
+  pad.Release(0);
+  WaitMs(50);
+  watch.Signal(SIGINT);
+  EXPECT_EQ(watch.Wait(5000), 0) << watch.Err();
+  std::vector<std::string> texts;
+  for (const Json::Value& line : JsonLines(watch.Out())) {
+    texts.push_back(line["text"].asString());
+  }
+  EXPECT_TRUE(SameColumns({"", "B1", "B1+B4", "B1+B4+POV0(left)", "B1+B4+POV0(left)+Axis_Y0(neg)",
+                           "B4+POV0(left)+Axis_Y0(neg)"},
+                          texts));
+}
+
+TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
+  UinputPad pad(Named("Recorded Pad"));
+  Child record({KelvaroctlPath(), "record", "Recorded Pad"});
+  ASSERT_TRUE(Eventually([&] { return DescriptorOf(record.Pid(), pad.Node()) >= 0; }, 10000))
+      << record.Err();
+  WaitMs(300);
+  pad.Press(0);
+  WaitMs(100);
+  pad.Press(3);
+  WaitMs(100);
+  pad.Move(ABS_X, 12345);
+  WaitMs(100);
+  pad.TurnHat(0, 9000);
+  WaitMs(100);
+  pad.Release(0);
+  WaitMs(50);
+  record.Signal(SIGINT);
+  EXPECT_EQ(record.Wait(5000), 0) << record.Err();
+  const std::vector<Json::Value> lines = JsonLines(record.Out());
+  ASSERT_EQ(lines.size(), 6U) << record.Out();
+  EXPECT_EQ(lines[0]["recording"].asInt(), 1);
+  EXPECT_EQ(lines[0]["device"].asString(), "Recorded Pad");
+  EXPECT_EQ(lines[0]["buttons"].asInt(), 11);
+  EXPECT_EQ(lines[0]["axes"].asInt(), 2);
+  EXPECT_EQ(lines[0]["povs"].asInt(), 1);
+  Json::Value buttons(Json::arrayValue);
+  buttons.append(1);
+  EXPECT_EQ(lines[1]["buttons"], buttons);
+  buttons.append(4);
+  EXPECT_EQ(lines[2]["buttons"], buttons);
+  EXPECT_EQ(lines[3]["axes"]["Axis_X0"].asInt(), 12345);
+  EXPECT_EQ(lines[4]["povs"]["POV0"].asInt(), 9000);
+  EXPECT_EQ(lines[5]["buttons"].size(), 1U);
+  for (std::size_t i = 2; i < lines.size(); ++i) {
+    EXPECT_NEAR(lines[i]["t"].asInt() - lines[i - 1]["t"].asInt(), 100, 7) << i;
+  }
+
+  // What was recorded can be played: B1 and then B4 come out as keys again.
+  const Finished replay =
+      RunToEnd({KelvaroctlPath(), "run", "--simulate", "--json", "--replay",
+                WriteFile(record.Out()), WriteFile(ProfileOf({ButtonControl(3, "a")}))});
+  EXPECT_EQ(replay.status, 0) << replay.err;
+  const std::vector<Json::Value> sent = JsonLines(replay.out);
+  ASSERT_EQ(sent.size(), 2U) << replay.out;
+  EXPECT_EQ(sent[0]["vk"].asInt(), 'A');
+}
+
+TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {
+  const std::int64_t begin = NowUs();
+  Child play({KelvaroctlPath(), "play", "--json", "--release-after", "100", "<Shift>a<VolUp>"});
+  std::string keys;
+  ASSERT_TRUE(Eventually(
+      [&] {
+        keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
+        return !keys.empty();
+      },
+      5000))
+      << play.Err();
+  Reader reader(keys);
+  EXPECT_EQ(play.Wait(8000), 0) << play.Err();
+  ASSERT_TRUE(Sent(reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_A up", "KEY_LEFTSHIFT up",
+                            "KEY_VOLUMEUP down", "KEY_VOLUMEUP up"}));
+  const std::vector<KernelEvent> events = reader.Events();
+  EXPECT_GE(events[0].us - begin, 3000000);
+  EXPECT_NEAR(static_cast<double>(events[5].us - events[4].us), 100000, 10000);
+  EXPECT_EQ(JsonLines(play.Out()).size(), 6U) << play.Out();
+}
+
+TEST(Commands, RecordingPlayedForRealComesOutOfTheVirtualKeyboard) {
+  const std::string recording = WriteFile(
+      "{\"recording\":1,\"device\":\"Any\",\"guid\":\"000102030405060708090a0b0c0d0e0f\","
+      "\"buttons\":11,\"axes\":2,\"povs\":1}\n"
+      "{\"t\":400,\"buttons\":[1]}\n{\"t\":500,\"buttons\":[]}\n");
+  Child run({KelvaroctlPath(), "run", "--replay", recording,
+             WriteFile(ProfileOf({ButtonControl(0, "a")}))});
+  std::string keys;
+  ASSERT_TRUE(Eventually(
+      [&] {
+        keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
+        return !keys.empty();
+      },
+      5000))
+      << run.Err();
+  Reader reader(keys);
+  EXPECT_EQ(run.Wait(5000), 0) << run.Err();
+  ASSERT_TRUE(Sent(reader, {"KEY_A down", "KEY_A up"}));
+  const std::vector<KernelEvent> events = reader.Events();
+  EXPECT_NEAR(static_cast<double>(events[1].us - events[0].us), 100000, 10000);
+}
+
+}  // namespace
+}  // namespace kelvaro::kernel

@@ -1,0 +1,216 @@
+// Pads that are no standard pad: many buttons, D-pads of either kind, four hats, odd axes.
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+#include <linux/input.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "tests/kernel/pad.h"
+#include "tests/kernel/profile_run.h"
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+namespace {
+
+// Key texts of 64 different keys with the names that the kernel has for them.
+struct NamedKey {
+  std::string text;
+  std::string name;
+};
+
+std::vector<NamedKey> SixtyFourKeys() {
+  std::vector<NamedKey> keys;
+  for (char c = 'a'; c <= 'z'; ++c) {
+    keys.push_back({std::string(1, c), std::string("KEY_") + static_cast<char>(c - 'a' + 'A')});
+  }
+  for (char c = '0'; c <= '9'; ++c) {
+    keys.push_back({std::string(1, c), std::string("KEY_") + c});
+    keys.push_back({std::string("<NP") + c + ">", std::string("KEY_KP") + c});
+  }
+  for (int i = 1; i <= 12; ++i) {
+    const std::string name = "F" + std::to_string(i);
+    keys.push_back({"<" + name + ">", "KEY_" + name});
+  }
+  keys.insert(keys.end(), {{"-", "KEY_MINUS"},
+                           {"=", "KEY_EQUAL"},
+                           {";", "KEY_SEMICOLON"},
+                           {",", "KEY_COMMA"},
+                           {".", "KEY_DOT"},
+                           {"/", "KEY_SLASH"}});
+  return keys;
+}
+
+Json::Value OnlyDevice() {
+  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
+  EXPECT_EQ(devices.status, 0) << devices.err;
+  Json::Value device;
+  std::istringstream text(devices.out);
+  std::string errors;
+  EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), text, &device, &errors))
+      << devices.out << errors;
+  return device;
+}
+
+class ManyButtonsTest : public ::testing::TestWithParam<std::size_t> {};
+
+TEST_P(ManyButtonsTest, EveryButtonUpTo64IsItsOwnTrigger) {
+  PadShape shape;
+  shape.name = "Button Box";
+  shape.buttons = ManyButtons(GetParam());
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), GetParam());
+
+  const std::vector<NamedKey> keys = SixtyFourKeys();
+  ASSERT_EQ(keys.size(), 64U);
+  std::vector<std::string> controls;
+  for (std::size_t button = 0; button < std::min<std::size_t>(64, GetParam()); ++button) {
+    controls.push_back(ButtonControl(button, keys[button].text));
+  }
+  ProfileRun run(ProfileOf(controls), "Button Box", pad.Node());
+  ASSERT_TRUE(run.Started());
+  std::vector<std::string> expected;
+  for (std::size_t button = 0; button < GetParam(); ++button) {
+    pad.Press(button);
+    WaitMs(15);
+    pad.Release(button);
+    WaitMs(15);
+    if (button < 64) {
+      expected.push_back(keys[button].name + " down");
+      expected.push_back(keys[button].name + " up");
+    }
+  }
+  EXPECT_TRUE(Sent(run.Keyboard(), expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(Counts, ManyButtonsTest, ::testing::Values(24, 40, 128));
+
+TEST(OddPad, DirectionPadOfAxesIsAHat) {
+  PadShape shape;
+  shape.name = "Hat Pad";
+  shape.buttons = GamePadButtons(4);
+  shape.hats = 1;
+  UinputPad pad(shape);
+  const Json::Value device = OnlyDevice();
+  EXPECT_EQ(device["povs"].asUInt(), 1U);
+  EXPECT_EQ(device["axes"].asUInt(), 0U);
+  ProfileRun run(ProfileOf({ItemControl(8, 0, 4, "r"), ItemControl(8, 0, 8, "d")}), "Hat Pad",
+                 pad.Node());
+  ASSERT_TRUE(run.Started());
+  pad.TurnHat(0, 9000);
+  WaitMs(50);
+  pad.TurnHat(0, 13500);
+  WaitMs(50);
+  pad.TurnHat(0, 18000);
+  WaitMs(50);
+  pad.TurnHat(0, -1);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_R down", "KEY_D down", "KEY_R up", "KEY_D up"}));
+}
+
+TEST(OddPad, DirectionPadOfButtonsIsFourButtons) {
+  PadShape shape;
+  shape.name = "Button Direction Pad";
+  shape.buttons = GamePadButtons(4);
+  for (const unsigned int code : {BTN_DPAD_UP, BTN_DPAD_DOWN, BTN_DPAD_LEFT, BTN_DPAD_RIGHT}) {
+    shape.buttons.push_back(code);
+  }
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), 8U);
+  ProfileRun run(ProfileOf({ButtonControl(4, "<Up>"), ButtonControl(5, "<Down>"),
+                            ButtonControl(6, "<Left>"), ButtonControl(7, "<Right>")}),
+                 "Button Direction Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  std::vector<std::string> expected;
+  for (std::size_t button = 4; button < 8; ++button) {
+    pad.Press(button);
+    WaitMs(30);
+    pad.Release(button);
+    WaitMs(30);
+  }
+  EXPECT_TRUE(
+      Sent(run.Keyboard(), {"KEY_UP down", "KEY_UP up", "KEY_DOWN down", "KEY_DOWN up",
+                            "KEY_LEFT down", "KEY_LEFT up", "KEY_RIGHT down", "KEY_RIGHT up"}));
+}
+
+TEST(OddPad, FourHatsAreFourHats) {
+  PadShape shape;
+  shape.name = "Four Hats";
+  shape.buttons = GamePadButtons(4);
+  shape.hats = 4;
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["povs"].asUInt(), 4U);
+  std::vector<std::string> controls;
+  const char* names = "abcdefghijklmnop";
+  for (int hat = 0; hat < 4; ++hat) {
+    for (int direction = 0; direction < 4; ++direction) {
+      controls.push_back(
+          ItemControl(8, hat, 1 << direction, std::string(1, names[4 * hat + direction])));
+    }
+  }
+  ProfileRun run(ProfileOf(controls), "Four Hats", pad.Node());
+  ASSERT_TRUE(run.Started());
+  for (int hat = 0; hat < 4; ++hat) {
+    for (const int angle : {27000, 0, 9000, 18000}) {  // left, up, right, down
+      pad.TurnHat(hat, angle);
+      WaitMs(30);
+      pad.TurnHat(hat, -1);
+      WaitMs(30);
+    }
+  }
+  std::vector<std::string> expected;
+  for (int i = 0; i < 16; ++i) {
+    const std::string key = std::string("KEY_") + static_cast<char>(names[i] - 'a' + 'A');
+    expected.push_back(key + " down");
+    expected.push_back(key + " up");
+  }
+  EXPECT_TRUE(Sent(run.Keyboard(), expected));
+}
+
+TEST(OddPad, AxisRangeOfTheDeviceIsScaled) {
+  PadShape shape;
+  shape.name = "Byte Axes";
+  shape.buttons = GamePadButtons(2);
+  shape.axes = {{ABS_X, 0, 255, 128}, {ABS_Y, -1, 1, 0}};
+  UinputPad pad(shape);
+  ProfileRun run(ProfileOf({ItemControl(0, 0, 2, "d"), ItemControl(0, 0, 1, "a"),
+                            ItemControl(1, 0, 1, "w"), ItemControl(1, 0, 2, "s")}),
+                 "Byte Axes", pad.Node());
+  ASSERT_TRUE(run.Started());
+  // 64000 / 255 = 250.98 a step: beyond 16000 from 192 on (16188) and up to 63 (-16188).
+  for (const int value : {191, 192, 128, 64, 63, 128}) {
+    pad.Move(ABS_X, value);
+    WaitMs(30);
+  }
+  for (const int value : {-1, 0, 1, 0}) {
+    pad.Move(ABS_Y, value);
+    WaitMs(30);
+  }
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_D down", "KEY_D up", "KEY_A down", "KEY_A up",
+                                    "KEY_W down", "KEY_W up", "KEY_S down", "KEY_S up"}));
+}
+
+TEST(OddPad, ThrottleAndRudderAreTheSliders) {
+  PadShape shape;
+  shape.name = "Flight Stick";
+  shape.buttons = {BTN_TRIGGER, BTN_THUMB};
+  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_THROTTLE}, {ABS_RUDDER}};
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["axes"].asUInt(), 4U);
+  ProfileRun run(
+      ProfileOf({ItemControl(6, 0, 2, "t"), ItemControl(7, 0, 2, "r"), ButtonControl(1, "b")}),
+      "Flight Stick", pad.Node());
+  ASSERT_TRUE(run.Started());
+  for (const unsigned int axis : {ABS_THROTTLE, ABS_RUDDER}) {
+    pad.Move(axis, 32000);
+    WaitMs(30);
+    pad.Move(axis, 0);
+    WaitMs(30);
+  }
+  pad.Press(1);
+  EXPECT_TRUE(
+      Sent(run.Keyboard(), {"KEY_T down", "KEY_T up", "KEY_R down", "KEY_R up", "KEY_B down"}));
+}
+
+}  // namespace
+}  // namespace kelvaro::kernel

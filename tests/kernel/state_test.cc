@@ -1,0 +1,108 @@
+// What a pad's state is when events were missed, and what polling costs when nothing happens.
+
+#include <gtest/gtest.h>
+#include <linux/input.h>
+#include <sys/syscall.h>
+
+#include <csignal>
+#include <map>
+
+#include "tests/kernel/pad.h"
+#include "tests/kernel/profile_run.h"
+#include "tests/kernel/trace.h"
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+namespace {
+
+PadShape StatePad() {
+  PadShape shape;
+  shape.name = "State Pad";
+  shape.buttons = GamePadButtons(11);
+  shape.axes = {{ABS_X}, {ABS_Y}};
+  shape.hats = 1;
+  return shape;
+}
+
+TEST(State, ButtonHeldWhenTheProgramStartsCounts) {
+  UinputPad pad(StatePad());
+  pad.Press(0);
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "State Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  EXPECT_TRUE(run.Keyboard().IsDown(KEY_A));
+  run.Keyboard().Clear();  // its press came before or after the reader did
+  pad.Release(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A up"}));
+}
+
+TEST(State, EventsThatTheKernelDroppedAreMadeUpFor) {
+  UinputPad pad(StatePad());
+  ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(1, "b"), ItemControl(0, 0, 2, "x"),
+                            ItemControl(8, 0, 2, "h")}),
+                 "State Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  pad.Press(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+  run.Process().Signal(SIGSTOP);
+  pad.Release(0);
+  pad.Press(1);
+  pad.Move(ABS_X, 32000);
+  pad.TurnHat(0, 0);
+  for (int i = 0; i < 5000; ++i) {
+    pad.Move(ABS_Y, i % 2 == 0 ? 1000 : -1000);
+  }
+  run.Process().Signal(SIGCONT);
+  // In one change: what is held now goes down and what isn't goes up, in the order of the Controls.
+  EXPECT_TRUE(
+      Sent(run.Keyboard(), {"KEY_A down", "KEY_A up", "KEY_B down", "KEY_X down", "KEY_H down"}));
+  run.Process().Signal(SIGSTOP);
+  pad.Release(1);
+  pad.Move(ABS_X, 0);
+  pad.TurnHat(0, -1);
+  for (int i = 0; i < 5000; ++i) {
+    pad.Move(ABS_Y, i % 2 == 0 ? 1000 : -1000);
+  }
+  run.Process().Signal(SIGCONT);
+  WaitMs(100);
+  EXPECT_FALSE(run.Keyboard().AnyDown());
+  // From here on events are taken one by one again.
+  run.Keyboard().Clear();
+  pad.Press(0);
+  WaitMs(30);
+  pad.Release(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down", "KEY_A up"}));
+}
+
+TEST(State, QuietPollIsOneReadBesideTheTimersWait) {
+  UinputPad pad(StatePad());
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "State Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  WaitMs(200);
+  const int descriptor = DescriptorOf(run.Process().Pid(), pad.Node());
+  ASSERT_GE(descriptor, 0);
+  const std::vector<SystemCall> calls = TraceCalls(run.Process().Pid(), 1000);
+  pid_t polling = 0;
+  for (const SystemCall& call : calls) {
+    if (call.number == SYS_read && static_cast<int>(call.first) == descriptor) {
+      polling = call.thread;
+    }
+  }
+  ASSERT_NE(polling, 0) << "nobody reads the pad";
+  std::map<long, int> counts;
+  for (const SystemCall& call : calls) {
+    if (call.thread == polling) {
+      ++counts[call.number];
+    }
+  }
+  std::string list;
+  for (const auto& [number, count] : counts) {
+    list += " call " + std::to_string(number) + ": " + std::to_string(count);
+  }
+  EXPECT_NEAR(counts[SYS_read], 200, 2) << list;
+  counts.erase(SYS_read);
+  ASSERT_EQ(counts.size(), 1U) << "more than a read and a wait:" << list;
+  EXPECT_NEAR(counts.begin()->second, 200, 2) << list;
+}
+
+}  // namespace
+}  // namespace kelvaro::kernel
