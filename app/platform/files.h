@@ -1,7 +1,9 @@
-// An open file as the logic reads and writes it, and the system's words for an error.
+// Files and folders, in the shape of the published operations, and the system's words for an error.
+// Text is bytes; a path is in the platform's own spelling, whose separator PathSeparator tells.
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace platform {
@@ -9,6 +11,18 @@ namespace platform {
 constexpr std::uint32_t FILE_BEGIN = 0;
 constexpr std::uint32_t FILE_CURRENT = 1;
 constexpr std::uint32_t FILE_END = 2;
+
+constexpr std::uint32_t GENERIC_READ = 0x80000000u;
+constexpr std::uint32_t GENERIC_WRITE = 0x40000000u;
+constexpr std::uint32_t FILE_SHARE_READ = 1;
+constexpr std::uint32_t FILE_SHARE_WRITE = 2;
+constexpr std::uint32_t CREATE_ALWAYS = 2;
+constexpr std::uint32_t OPEN_EXISTING = 3;
+
+constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x01;
+constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10;
+constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 
 // One open file; closed when it is destroyed. One thread at a time.
 class File {
@@ -26,6 +40,71 @@ class File {
   // wanted, takes the new one. False, with nothing moved, in front of the start.
   virtual bool SetFilePointer(std::int64_t distance, std::uint32_t method,
                               std::int64_t* position) = 0;
+
+  // Closes it now; what was written is on the disk when this is true. No other operation works
+  // after it.
+  virtual bool CloseHandle() = 0;
+};
+
+// What a search finds. Times count 100 ns from the year 1601, UTC, as in the published FILETIME.
+struct FindData {
+  std::string name;  // without its folder
+  std::uint32_t attributes = 0;
+  std::uint64_t size = 0;
+  std::uint64_t created = 0;
+  std::uint64_t accessed = 0;
+  std::uint64_t written = 0;
+};
+
+// A search under way; ended when it is destroyed.
+class FileSearch {
+ public:
+  virtual ~FileSearch() = default;
+
+  // The next entry, in the order of the file system. False at the end.
+  virtual bool FindNextFileA(FindData* data) = 0;
+};
+
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  // '\\' or '/'.
+  virtual char PathSeparator() = 0;
+
+  // access: GENERIC_ bits. disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null
+  // on failure; a folder is one.
+  virtual std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
+                                            std::uint32_t share, std::uint32_t disposition) = 0;
+
+  // The target holds the whole source afterwards; where the platform can, it holds either the old
+  // content or the new one at every moment in between. A read-only target is a failure.
+  virtual bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) = 0;
+  virtual bool DeleteFileA(const std::string& path) = 0;
+
+  // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none.
+  virtual std::uint32_t GetFileAttributesA(const std::string& path) = 0;
+  // Of these bits only the read-only one can be set.
+  virtual bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) = 0;
+
+  // False when it is there already, or can't be made.
+  virtual bool CreateDirectoryA(const std::string& path) = 0;
+
+  // The first entry whose name fits the pattern behind the last separator (`*`, `?`, without regard
+  // to ASCII case), in the order of the file system, "." and ".." among them. Null for none.
+  virtual std::unique_ptr<FileSearch> FindFirstFileA(const std::string& pattern,
+                                                     FindData* data) = 0;
+
+  // Empty on failure.
+  virtual std::string GetCurrentDirectoryA() = 0;
+  virtual bool SetCurrentDirectoryA(const std::string& path) = 0;
+  // Full path of the running program's real file; empty on failure.
+  virtual std::string GetModuleFileNameA() = 0;
+  // Bit 0 for drive A; 0 where there are no drives.
+  virtual std::uint32_t GetLogicalDrives() = 0;
+
+  // Of the calling thread's last operation that failed.
+  virtual std::uint32_t GetLastError() = 0;
 };
 
 class System {
@@ -37,6 +116,20 @@ class System {
 };
 
 // Of the installed platform.
+char PathSeparator();
+std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
+                                  std::uint32_t share, std::uint32_t disposition);
+bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists);
+bool DeleteFileA(const std::string& path);
+std::uint32_t GetFileAttributesA(const std::string& path);
+bool SetFileAttributesA(const std::string& path, std::uint32_t attributes);
+bool CreateDirectoryA(const std::string& path);
+std::unique_ptr<FileSearch> FindFirstFileA(const std::string& pattern, FindData* data);
+std::string GetCurrentDirectoryA();
+bool SetCurrentDirectoryA(const std::string& path);
+std::string GetModuleFileNameA();
+std::uint32_t GetLogicalDrives();
+std::uint32_t GetLastError();
 std::string FormatMessageA(std::uint32_t code);
 
 }  // namespace platform

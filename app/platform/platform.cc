@@ -88,6 +88,45 @@ void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int
   installed.input->mouse_event(flags, dx, dy, data, extra);
 }
 
+char PathSeparator() { return installed.files->PathSeparator(); }
+
+std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
+                                  std::uint32_t share, std::uint32_t disposition) {
+  return installed.files->CreateFileA(path, access, share, disposition);
+}
+
+bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
+  return installed.files->CopyFileA(from, to, failIfExists);
+}
+
+bool DeleteFileA(const std::string& path) { return installed.files->DeleteFileA(path); }
+
+std::uint32_t GetFileAttributesA(const std::string& path) {
+  return installed.files->GetFileAttributesA(path);
+}
+
+bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
+  return installed.files->SetFileAttributesA(path, attributes);
+}
+
+bool CreateDirectoryA(const std::string& path) { return installed.files->CreateDirectoryA(path); }
+
+std::unique_ptr<FileSearch> FindFirstFileA(const std::string& pattern, FindData* data) {
+  return installed.files->FindFirstFileA(pattern, data);
+}
+
+std::string GetCurrentDirectoryA() { return installed.files->GetCurrentDirectoryA(); }
+
+bool SetCurrentDirectoryA(const std::string& path) {
+  return installed.files->SetCurrentDirectoryA(path);
+}
+
+std::string GetModuleFileNameA() { return installed.files->GetModuleFileNameA(); }
+
+std::uint32_t GetLogicalDrives() { return installed.files->GetLogicalDrives(); }
+
+std::uint32_t GetLastError() { return installed.files->GetLastError(); }
+
 std::string FormatMessageA(std::uint32_t code) { return installed.system->FormatMessageA(code); }
 
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,

@@ -21,6 +21,7 @@ struct Platform {
   Timers* timers = nullptr;
   Devices* devices = nullptr;
   Input* input = nullptr;
+  Files* files = nullptr;
   System* system = nullptr;
   Desktop* desktop = nullptr;
 };

@@ -58,4 +58,10 @@ bool MemoryFile::SetFilePointer(std::int64_t distance, std::uint32_t method,
   return true;
 }
 
+bool MemoryFile::CloseHandle() {
+  if (failing) return false;
+  failing = true;
+  return true;
+}
+
 }  // namespace platform::simulation

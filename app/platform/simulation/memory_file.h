@@ -16,6 +16,7 @@ class MemoryFile : public File {
   bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override;
   bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override;
   bool SetFilePointer(std::int64_t distance, std::uint32_t method, std::int64_t* position) override;
+  bool CloseHandle() override;
 
   std::string content;
   std::size_t position = 0;
