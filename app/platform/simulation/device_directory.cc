@@ -141,8 +141,7 @@ class ScriptedDevice final : public SimulatedDevice {
   void StartPlaying() {
     if (firstAcquire) return;
     firstAcquire = directory.now();
-    Schedule(unstarted);
-    unstarted = {};
+    Schedule(std::exchange(unstarted, {}));
   }
 
   DIDEVICEINSTANCE Instance() const {
@@ -186,11 +185,11 @@ class ScriptedDevice final : public SimulatedDevice {
 
   // Changes whose times count from the first Acquire, in rising order, behind those that are there
   // already for the same time.
-  void Schedule(const std::vector<StateChange>& changes) {
+  void Schedule(std::vector<StateChange> changes) {
     const auto middle = static_cast<std::ptrdiff_t>(ahead.size());
-    for (const StateChange& change : changes) {
+    for (StateChange& change : changes) {
       const std::uint64_t t = *firstAcquire + change.t;
-      ahead.push_back(Ahead{t < change.t ? UINT64_MAX : t, change});
+      ahead.push_back(Ahead{t < change.t ? UINT64_MAX : t, std::move(change)});
     }
     std::inplace_merge(ahead.begin(), ahead.begin() + middle, ahead.end(),
                        [](const Ahead& a, const Ahead& b) { return a.t < b.t; });

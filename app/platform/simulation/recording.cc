@@ -5,11 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <initializer_list>
+#include <istream>
 #include <iterator>
 #include <memory>
 #include <optional>
-#include <set>
-#include <sstream>
+#include <streambuf>
+#include <string_view>
 
 namespace platform::simulation {
 namespace {
@@ -139,9 +141,12 @@ class Reader {
   }
 
   // False for a member whose name isn't in `known`.
-  bool OnlyKnown(const Json::Value& value, const std::set<std::string>& known) {
-    for (const std::string& name : value.getMemberNames()) {
-      if (!known.count(name)) return Fail(Shown(name), "unknown member");
+  bool OnlyKnown(const Json::Value& value, std::initializer_list<std::string_view> known) {
+    for (auto member = value.begin(); member != value.end(); ++member) {
+      const std::string name = member.name();
+      if (std::find(known.begin(), known.end(), name) == known.end()) {
+        return Fail(Shown(name), "unknown member");
+      }
     }
     return true;
   }
@@ -422,7 +427,8 @@ std::string RecordingChangeLine(const StateChange& change) {
   if (change.hasButtons) {
     line += ",\"buttons\":[";
     for (std::size_t index = 0; index < change.buttons.size(); ++index) {
-      line += (index ? "," : "") + std::to_string(change.buttons[index]);
+      if (index) line += ',';
+      line += std::to_string(change.buttons[index]);
     }
     line += "]";
   }

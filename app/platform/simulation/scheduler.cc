@@ -110,7 +110,7 @@ void Scheduler::SleepUntil(std::uint64_t t) {
 
 void Scheduler::RunUntil(std::uint64_t t) {
   if (!OnOutermost()) GiveUp("time is let pass by a thread that is not the outermost one");
-  current->due = std::max(t, now);
+  current->due = std::clamp(t, now, kNever - 1);
   current->round = kLastRound;
   GiveWay();
   current->round = 0;
@@ -154,6 +154,7 @@ void Scheduler::WakeWaiters(Waitable& object) {
 }
 
 void Scheduler::GiveWay(bool goodbye) {
+  if (running != this) GiveUp("a system thread calls that is not the simulation's own");
   VirtualThread* next = nullptr;
   for (const std::shared_ptr<VirtualThread>& thread : threads) {
     if (!next || GoesBefore(*thread, *next)) next = thread.get();

@@ -122,6 +122,18 @@ std::string EventText(const SentEvent& event) {
 struct Simulation::Machine {
   ~Machine() { alive = false; }
 
+  platform::Platform Gathered() {
+    platform::Platform all;
+    all.clock = &clock;
+    all.threads = &threads;
+    all.timers = &timers;
+    all.devices = &devices;
+    all.input = &input;
+    all.system = &system;
+    all.desktop = &desktop;
+    return all;
+  }
+
   const bool claimed = ClaimTheMachine();
   Journal journal;
   Scheduler scheduler;
@@ -132,7 +144,7 @@ struct Simulation::Machine {
   KeptInput input{scheduler, journal};
   ListedMessages system{journal};
   AnsweredDesktop desktop{journal};
-  const platform::Platform groups{&clock, &threads, &timers, &devices, &input, &system, &desktop};
+  const platform::Platform groups = Gathered();
   const InstalledPlatform installed{groups};
 };
 
@@ -146,7 +158,10 @@ std::uint64_t Simulation::Now() const { return machine->scheduler.Now(); }
 
 void Simulation::SetTickOffset(std::uint32_t offset) { machine->clock.offset = offset; }
 
-void Simulation::RunFor(std::uint64_t ms) { machine->scheduler.RunUntil(Now() + ms); }
+void Simulation::RunFor(std::uint64_t ms) {
+  const std::uint64_t end = Now() + ms;
+  machine->scheduler.RunUntil(end < ms ? UINT64_MAX : end);
+}
 
 void Simulation::RunUntil(std::uint64_t t) { machine->scheduler.RunUntil(t); }
 

@@ -374,7 +374,9 @@ TEST_F(OpenPad, PlaysBesideWhatIsPlannedAlready) {
     for (int button = 0; button < 5; ++button) {
       if (state.rgbButtons[button]) seen += std::to_string(button + 1);
     }
-    seen += "@" + std::to_string(t) + " ";
+    seen += '@';
+    seen += std::to_string(t);
+    seen += ' ';
   }
   EXPECT_EQ(seen, "@14 1@15 1@29 4@30 4@49 5@50 ");
 }

@@ -66,6 +66,17 @@ TEST(MemoryFile, IsNotWrittenFarOut) {
   EXPECT_TRUE(file.content.empty());
 }
 
+TEST(MemoryFile, NothingWorksBehindItsClosing) {
+  MemoryFile file("abc");
+  EXPECT_TRUE(file.CloseHandle());
+  EXPECT_FALSE(file.CloseHandle());
+  char buffer[4];
+  std::uint32_t count = 99;
+  EXPECT_FALSE(file.ReadFile(buffer, 1, &count));
+  EXPECT_FALSE(file.WriteFile("x", 1, &count));
+  EXPECT_EQ(file.content, "abc");
+}
+
 TEST(MemoryFile, FailsWhenToldTo) {
   MemoryFile file("abc");
   file.failing = true;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "app/platform/simulation/simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
@@ -298,7 +300,15 @@ TEST(Scheduler, AnHourOfPlayHasEveryTickAndEveryWake) {
   EXPECT_EQ(wakes, 360'000u);
 }
 
-using SchedulerDeathTest = ::testing::Test;
+TEST(SchedulerDeathTest, RefusesAnotherSystemThread) {
+  EXPECT_DEATH(
+      {
+        Simulation sim;
+        std::thread stranger([] { Sleep(1); });
+        stranger.join();
+      },
+      "a system thread calls that is not the simulation's own");
+}
 
 TEST(SchedulerDeathTest, SaysWhoWaitsForWhatWhenNothingIsDueAnyMore) {
   EXPECT_DEATH(
