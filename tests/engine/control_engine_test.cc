@@ -188,6 +188,46 @@ TEST_F(Engine, LetGoWaitsForAReplayOfTheRepeatWorker) {
   EXPECT_EQ(journal.Take(), "");
 }
 
+TEST_F(Engine, NothingRepeatsWhileLetGoReleasesTheOthers) {
+  Add({.name = "slow", .buttons = {1, 2}, .releaseMs = 100});
+  Add({.name = "r", .buttons = {3}, .repeats = true, .delay = 0, .speed = 0});
+  auto& pad = Plug(5);
+  RunTo(18);
+  pad.Press({1, 2, 3});
+  RunTo(22);
+  EXPECT_EQ(journal.Take(), "20 press slow, 20 press r, 20 press r");
+  engine.LetGo();
+  EXPECT_EQ(sim.Now() - start, 122u);
+  EXPECT_EQ(journal.Take(), "22 release slow");
+}
+
+// Were it not held, a dispatch that has begun could fire after the Controls have been let go.
+TEST_F(Engine, LetGoHoldsTheDeviceThroughout) {
+  class Looking : public InputAction {
+   public:
+    explicit Looking(const RecursiveLock* lock) : lock(lock) { actionType = kKeyAction; }
+    bool Release() override {
+      taken = lock->IsTaken();
+      return true;
+    }
+    const RecursiveLock* const lock;
+    bool taken = false;
+  };
+  Control* a = Add({.name = "a", .buttons = {1}});
+  auto* looking = new Looking(&device.deviceLock);
+  delete *a->actions.head->value;
+  *a->actions.head->value = looking;
+  profile.RebuildDispatchList();
+  profile.leftMask = MouseButtonMask(1);
+  engine.mouseActive = true;
+  Dispatch({1, 2});
+  bool takenAtTheMouse = false;
+  sim.OnEvent([&](const auto&) { takenAtTheMouse = device.deviceLock.IsTaken(); });
+  engine.LetGo();
+  EXPECT_TRUE(looking->taken);
+  EXPECT_TRUE(takenAtTheMouse);
+}
+
 TEST_F(Engine, LetGoLeavesTheLocksFree) {
   engine.LetGo();
   EXPECT_FALSE(device.deviceLock.IsTaken());

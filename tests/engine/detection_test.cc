@@ -229,6 +229,7 @@ TEST_F(Detection, WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore) {
   profile.leftMask = 16;
   Begin(ControlEngine::kLeftButtonField, {0, 4, 0});
   engine.EndMouseDetection();
+  EXPECT_EQ(profile.leftButton, 0);
   EXPECT_EQ(profile.leftMask, 0u);
   // An axis was: the button stays.
   Begin(ControlEngine::kMouseXField);

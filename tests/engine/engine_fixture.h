@@ -48,7 +48,7 @@ class Journal {
   const std::uint64_t* since = nullptr;
 };
 
-// Notes "press NAME" and "release NAME", and takes its time over a press.
+// Notes "press NAME" and "release NAME", and takes its time over them.
 class RecordingAction : public InputAction {
  public:
   struct Arguments {
@@ -58,8 +58,9 @@ class RecordingAction : public InputAction {
     friend bool operator==(const Arguments&, const Arguments&) = default;
   };
 
-  RecordingAction(std::string name, Journal* journal, std::uint32_t pressMs)
-      : name(std::move(name)), journal(journal), pressMs(pressMs) {
+  RecordingAction(std::string name, Journal* journal, std::uint32_t pressMs,
+                  std::uint32_t releaseMs)
+      : name(std::move(name)), journal(journal), pressMs(pressMs), releaseMs(releaseMs) {
     actionType = kKeyAction;
   }
 
@@ -71,6 +72,7 @@ class RecordingAction : public InputAction {
   }
   bool Release() override {
     journal->Note("release " + name);
+    if (releaseMs != 0) platform::Sleep(releaseMs);
     return true;
   }
 
@@ -80,6 +82,7 @@ class RecordingAction : public InputAction {
   const std::string name;
   Journal* const journal;
   const std::uint32_t pressMs;
+  const std::uint32_t releaseMs;
 };
 
 // What a Control is made of.
@@ -94,7 +97,8 @@ struct Spec {
   std::uint32_t speed = 50;
   std::uint32_t hold = 0;
   std::uint32_t pause = 0;
-  std::uint32_t pressMs = 0;           // how long its replay takes
+  std::uint32_t pressMs = 0;  // how long its replay takes
+  std::uint32_t releaseMs = 0;
   std::vector<const char*> more = {};  // further actions
 };
 
@@ -186,9 +190,9 @@ class EngineTest : public ::testing::Test {
     made.keyReleasePause = spec.pause;
     made.SetButtonMask(MaskOf(spec.buttons));
     for (const TriggerItem& item : spec.items) made.triggerItems.AddTail(item);
-    made.actions.AddTail(new RecordingAction(spec.name, &journal, spec.pressMs));
+    made.actions.AddTail(new RecordingAction(spec.name, &journal, spec.pressMs, spec.releaseMs));
     for (const char* name : spec.more) {
-      made.actions.AddTail(new RecordingAction(name, &journal, spec.pressMs));
+      made.actions.AddTail(new RecordingAction(name, &journal, spec.pressMs, spec.releaseMs));
     }
     made.controlId = profile.nextControlId++;
     // The copy in the list owns the actions.
