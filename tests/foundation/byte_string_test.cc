@@ -518,7 +518,7 @@ const Replacement kReplacements[] = {
     {"one byte by itself", "a.b", ".", ".", "a.b"},
     {"two by two", "ababa", "ab", "xy", "xyxya"},
     {"matches don't overlap", "aaa", "aa", "bb", "bba"},
-    {"goes on behind what was put in", "aab", "ab", "ba", "aba"},
+    {"goes on behind what was put in", "aabb", "ab", "ba", "abab"},
     {"one byte by two", "a.b.", ".", "::", "a::b::"},
     {"one byte by none", "-a--b-", "-", "", "ab"},
     {"two by none", "x<>y<>", "<>", "", "xy"},
