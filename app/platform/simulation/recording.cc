@@ -137,7 +137,7 @@ class Reader {
     if (text == std::string::npos) text = end;
     const std::size_t textEnd = std::min(report.find('\n', text), report.size());
     return "column " + report.substr(column + mark.size(), end - column - mark.size()) + ": " +
-           report.substr(text, textEnd - text);
+           Shown(report.substr(text, textEnd - text));
   }
 
   // False for a member whose name isn't in `known`.
@@ -151,14 +151,17 @@ class Reader {
     return true;
   }
 
-  // A name from the file, fit for one line of a message.
-  static std::string Shown(const std::string& name) {
-    constexpr std::size_t kLongest = 40;
-    std::string text;
-    for (const char c : name.substr(0, kLongest)) {
-      text += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? '?' : c;
-    }
-    return name.size() > kLongest ? text + "..." : text;
+  // A text out of the file, fit for one line of a message.
+  static std::string Shown(const std::string& raw) {
+    constexpr std::size_t kLongest = 80;
+    std::size_t size = std::min(raw.size(), kLongest);
+    // No character is cut in two.
+    while (size < raw.size() && size > 0 && (raw[size] & 0xC0) == 0x80) --size;
+    std::string text = raw.substr(0, size);
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, '?');
+    return size < raw.size() ? text + "..." : text;
   }
 
   // The whole number `value`; nothing, with the fault kept, for any other value.

@@ -173,12 +173,22 @@ TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
       {R"({"t":1} {"t":2})", "line 3: column 9: Extra non-whitespace after JSON value."},
       {"{\"t\":1,\"a\\nb\":2}", "line 3: a?b: unknown member"},
       {"{\"t\":1,\"\xFF\":2}", "line 3: not UTF-8"},
-      {R"({"t":1,"abcdefghijabcdefghijabcdefghijabcdefghijklm":2})",
-       "line 3: abcdefghijabcdefghijabcdefghijabcdefghij...: unknown member"},
+      {"{\"t\":1,\"\x1B[31m\":2,\"\x1B[31m\":2}", "line 3: column 18: Duplicate key: '?[31m'"},
   };
   for (const Case& faulty : cases) {
     EXPECT_EQ(Read(kHeader + "\n\n" + faulty.line + "\n"), faulty.error) << faulty.line;
   }
+}
+
+TEST(Recording, QuotesALongNameInPart) {
+  const std::string long80(80, 'n');
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "\":1}"), "line 2: " + long80 + ": unknown member");
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "m\":1}"),
+            "line 2: " + long80 + "...: unknown member");
+  const std::string long79(79, 'n');
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long79 + "\xC3\xBC\":1}"),
+            "line 2: " + long79 + "...: unknown member")
+      << "a character of two bytes isn't cut";
 }
 
 TEST(Recording, TimesRiseOrAreEqual) {

@@ -126,6 +126,31 @@ TEST(VirtualThreads, ATerminatedThreadNeverGoesOn) {
   EXPECT_EQ(code, 1000u) << "the first end counts";
 }
 
+TEST(VirtualThreads, TheStackOfATerminatedThreadServesAnother) {
+  Simulation sim;
+  Bodies bodies;
+  std::uint32_t sum = 0;
+  for (int round = 0; round < 4; ++round) {
+    const Handle thread = bodies.Start("stubborn", [&] {
+      volatile std::uint8_t small[3] = {1, 1, 1};
+      volatile std::uint8_t large[60000];
+      // Other places than the round before.
+      for (std::size_t at = static_cast<std::size_t>(round); at < sizeof large; at += 4) {
+        large[at] = 1;
+      }
+      for (;;) {
+        sum += small[1] + large[round];
+        Sleep(1);
+      }
+      return 0u;
+    });
+    sim.RunFor(2);
+    TerminateThread(thread, 1);
+  }
+  // Each ran at once, and 1 and 2 ms later.
+  EXPECT_EQ(sum, 4u * 3 * 2);
+}
+
 TEST(VirtualThreads, ATerminatedWaiterTakesNoSignal) {
   Simulation sim;
   Bodies bodies;
