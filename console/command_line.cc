@@ -1,7 +1,7 @@
 #include "console/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <charconv>
 #include <functional>
 #include <set>
 
@@ -16,11 +16,24 @@ constexpr char kAbout[] =
 constexpr char kJsonHelp[] = "print JSON Lines, one object a line";
 constexpr char kUntilHelp[] = "end after this many milliseconds";
 
-// One line, whatever the library had to say.
-std::string OneLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  text.erase(text.find_last_not_of(' ') + 1);
-  return text;
+constexpr std::uint64_t kMostHold = UINT32_MAX;                     // ms, as a Control has it
+constexpr std::uint64_t kMostUntil = (std::uint64_t{1} << 53) - 1;  // ms, as a recording has it
+
+// An option of whole milliseconds, in decimal whatever zeros it starts with.
+template <typename T>
+void AddMilliseconds(CLI::App* command, const std::string& name, T* out, std::uint64_t most,
+                     const std::string& help) {
+  const auto read = [name, out, most](const std::string& text) {
+    std::uint64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, fault] = std::from_chars(text.data(), end, number);
+    if (fault != std::errc() || stop != end || number > most) {
+      throw CLI::ValidationError(
+          name, "'" + text + "' is not a whole number from 0 to " + std::to_string(most));
+    }
+    *out = static_cast<T>(number);
+  };
+  command->add_option_function<std::string>(name, read, help)->type_name("MS");
 }
 
 // All options of all commands, and which command was chosen.
@@ -67,10 +80,12 @@ void AddPlay(CLI::App& app, Choice& choice) {
   play->add_flag("--hold-all", choice.play.holdAll, "hold all keys down until the release");
   play->add_flag("--repeat", choice.play.repeat,
                  "as a repeating Control: each key is let go, and no release follows");
-  play->add_option("--hold-time", choice.play.holdTime, "ms that each key stays down (0)");
-  play->add_option("--release-pause", choice.play.releasePause, "ms between two keys (0)");
-  play->add_option("--release-after", choice.play.releaseAfter,
-                   "ms until what is still down is let go (0)");
+  AddMilliseconds(play, "--hold-time", &choice.play.holdTime, kMostHold,
+                  "ms that each key stays down (0)");
+  AddMilliseconds(play, "--release-pause", &choice.play.releasePause, kMostHold,
+                  "ms between two keys (0)");
+  AddMilliseconds(play, "--release-after", &choice.play.releaseAfter, kMostHold,
+                  "ms until what is still down is let go (0)");
   play->add_flag("--json", choice.play.json, kJsonHelp);
   play->callback([&choice] {
     choice.command = [&choice](Streams streams) { return PlayCommand(choice.play, streams); };
@@ -91,7 +106,7 @@ void AddWatch(CLI::App& app, Choice& choice) {
       "Each changed state is a line in the names of a Trigger, such as B1+POV0(up)+Axis_X0(neg).\n"
       "With --json: {\"t\":120,\"text\":\"B1\"}, with the milliseconds since the start.");
   watch->add_option("NAME", choice.watch.device, "the pad's name; needless with only one");
-  watch->add_option("--until", choice.watch.until, kUntilHelp);
+  AddMilliseconds(watch, "--until", &choice.watch.until, kMostUntil, kUntilHelp);
   watch->add_flag("--json", choice.watch.json, kJsonHelp);
   watch->callback([&choice] {
     choice.command = [&choice](Streams streams) { return WatchCommand(choice.watch, streams); };
@@ -103,7 +118,7 @@ void AddRecord(CLI::App& app, Choice& choice) {
       app.add_subcommand("record", "Write down what a pad does, until Ctrl-C, for --replay");
   record->footer("The recording goes to standard output: kelvaroctl record >FILE");
   record->add_option("NAME", choice.record.device, "the pad's name; needless with only one");
-  record->add_option("--until", choice.record.until, kUntilHelp);
+  AddMilliseconds(record, "--until", &choice.record.until, kMostUntil, kUntilHelp);
   record->callback([&choice] {
     choice.command = [&choice](Streams streams) { return RecordCommand(choice.record, streams); };
   });
@@ -123,7 +138,7 @@ void AddRun(CLI::App& app, Choice& choice) {
       ->needs(replay);
   run->add_option("--device", choice.run.device, "name of the pad to take");
   run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
-  run->add_option("--until", choice.run.until, kUntilHelp);
+  AddMilliseconds(run, "--until", &choice.run.until, kMostUntil, kUntilHelp);
   run->add_flag("--json", choice.run.json,
                 "print JSON Lines; on a real run the events are printed beside being sent");
   run->callback([&choice] {
@@ -166,10 +181,13 @@ int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
     streams.out << "kelvaroctl " << KELVARO_VERSION << std::endl;
     return kDone;
   } catch (const CLI::ParseError& error) {
-    Complain(streams.err, OneLine(error.what()) + " (kelvaroctl --help tells more)");
+    Complain(streams.err, std::string(error.what()) + " (kelvaroctl --help tells more)");
     return kUsage;
   }
-  return choice.command(streams);
+  const int status = choice.command(streams);
+  streams.out.flush();
+  if (!streams.out) return Complain(streams.err, "the output can't be written");
+  return status;
 }
 
 }  // namespace kelvaro::console

@@ -1,4 +1,5 @@
-// Prints sent events as they come, whole lines from any thread, each flushed.
+// Prints sent events as they come, whole lines from any thread, each flushed. What reads them may
+// go away, which is then told once.
 #pragma once
 
 #include <mutex>
@@ -10,7 +11,9 @@ namespace kelvaro::console {
 
 class EventPrinter {
  public:
-  EventPrinter(std::ostream& out, bool json) : out(out), json(json) {}
+  // whenBroken, unless null, is called on the thread of the first event that can't be written.
+  EventPrinter(std::ostream& out, bool json, void (*whenBroken)() = nullptr)
+      : out(out), json(json), whenBroken(whenBroken) {}
 
   void Print(const SentEvent& event);
 
@@ -18,6 +21,7 @@ class EventPrinter {
   std::mutex lineMutex;
   std::ostream& out;  // guarded by lineMutex
   const bool json;
+  void (*const whenBroken)();
 };
 
 }  // namespace kelvaro::console

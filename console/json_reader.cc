@@ -14,6 +14,37 @@ namespace {
 // stop somewhere.
 constexpr int kDeepestNesting = 32;
 
+// Names and values that are quoted in a message.
+constexpr std::size_t kLongestQuote = 80;
+
+std::string Shortened(const std::string& text) {
+  return text.size() <= kLongestQuote ? text : text.substr(0, kLongestQuote) + "...";
+}
+
+// Offset of the bracket that opens one level too many, npos when there is none. Looks at brackets
+// outside strings only, so it is right for JSON and harmless for anything else.
+std::size_t FindTooDeep(const std::string& text) {
+  int depth = 0;
+  bool inString = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (inString) {
+      if (c == '\\') {
+        ++i;
+      } else if (c == '"') {
+        inString = false;
+      }
+    } else if (c == '"') {
+      inString = true;
+    } else if (c == '[' || c == '{') {
+      if (++depth > kDeepestNesting) return i;
+    } else if (c == ']' || c == '}') {
+      --depth;
+    }
+  }
+  return std::string::npos;
+}
+
 // Turns the parser's "* Line 3, Column 5\n  Syntax error: ...\n" into its parts.
 void SplitParserError(const std::string& errors, JsonFault* fault) {
   unsigned line = 0;
@@ -28,23 +59,29 @@ void SplitParserError(const std::string& errors, JsonFault* fault) {
   what.erase(0, what.find_first_not_of(' '));
   if (!what.empty() && what.back() == '.') what.pop_back();
   fault->line = line;
-  fault->what = "column " + std::to_string(column) + ": " + (what.empty() ? "not JSON" : what);
+  fault->what =
+      "column " + std::to_string(column) + ": " + (what.empty() ? "not JSON" : Shortened(what));
 }
 
 }  // namespace
 
-std::string JsonFault::Text() const {
-  std::string text;
-  if (line > 0) text += std::to_string(line) + ": ";
+std::string JsonFault::Text(const std::string& file) const {
+  std::string text = file + ":";
+  if (line > 0) text += std::to_string(line) + ":";
+  text += ' ';
   if (!member.empty()) text += member + ": ";
   return text + what;
 }
 
 bool JsonDocument::Parse(const std::string& text) {
   source = text;
+  if (const std::size_t offset = FindTooDeep(source); offset != std::string::npos) {
+    FailAt(offset, {}, "nested too deeply");
+    return false;
+  }
   Json::CharReaderBuilder builder;
   Json::CharReaderBuilder::strictMode(&builder.settings_);
-  builder["stackLimit"] = kDeepestNesting;
+  builder["stackLimit"] = kDeepestNesting + 2;  // it counts the root and the value as well
   const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
   std::string errors;
   try {
@@ -53,9 +90,9 @@ bool JsonDocument::Parse(const std::string& text) {
       SplitParserError(errors, &fault);
       return false;
     }
-  } catch (const Json::Exception&) {
+  } catch (const std::exception& problem) {
     failed = true;
-    fault.what = "nested too deeply";
+    fault.what = problem.what();
     return false;
   }
   if (!root.isObject()) Fail(root, {}, "not an object");
@@ -65,14 +102,17 @@ bool JsonDocument::Parse(const std::string& text) {
 void JsonDocument::Fail(const Json::Value& value, const std::string& member,
                         const std::string& what, const std::string& detail) {
   if (failed) return;
+  FailAt(static_cast<std::size_t>(value.getOffsetStart()), member, what);
+  fault.detail = detail;
+}
+
+void JsonDocument::FailAt(std::size_t offset, const std::string& member, const std::string& what) {
   failed = true;
   const auto begin = source.begin();
-  const auto offset =
-      std::min<std::ptrdiff_t>(value.getOffsetStart(), static_cast<std::ptrdiff_t>(source.size()));
-  fault.line = 1 + static_cast<std::size_t>(std::count(begin, begin + offset, '\n'));
+  const auto end = begin + static_cast<std::ptrdiff_t>(std::min(offset, source.size()));
+  fault.line = 1 + static_cast<std::size_t>(std::count(begin, end, '\n'));
   fault.member = member;
   fault.what = what;
-  fault.detail = detail;
 }
 
 bool ReadText(JsonDocument& document, const Json::Value& value, const std::string& member,
@@ -122,8 +162,8 @@ const Json::Value* JsonObject::Find(const char* name) {
   return &value[name];
 }
 
-std::string JsonObject::MemberName(const char* name) const {
-  return path.empty() ? name : path + "." + name;
+std::string JsonObject::MemberName(const std::string& name) const {
+  return (path.empty() ? "" : path + ".") + Shortened(name);
 }
 
 bool JsonObject::ReadNumber(const char* name, std::uint64_t most, std::uint64_t* out) {
@@ -181,7 +221,7 @@ void JsonObject::RefuseOthers() {
   if (!value.isObject()) return;
   for (const std::string& name : value.getMemberNames()) {
     if (!known.contains(name)) {
-      document.Fail(value[name], MemberName(name.c_str()), "unknown member");
+      document.Fail(value[name], MemberName(name), "unknown member");
     }
   }
 }

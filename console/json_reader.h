@@ -18,12 +18,12 @@ struct JsonFault {
   std::string what;
   std::string detail;  // further lines to show below, each ended by a line feed
 
-  // "12: controls[2].buttonMask: not a number", to stand behind a file's name and a colon.
-  std::string Text() const;
+  // "walk.json:12: controls[2].buttonMask: not a number".
+  std::string Text(const std::string& file) const;
 };
 
-// A parsed text with the first fault found in it. Depth and size are bounded, so that no text makes
-// it run away.
+// A parsed text with the first fault found in it. Depth is bounded; the size is the caller's to
+// bound, as a byte of text can cost fifty of memory.
 class JsonDocument {
  public:
   // False, with fault set, when the text isn't one JSON object.
@@ -38,6 +38,8 @@ class JsonDocument {
             const std::string& detail = {});
 
  private:
+  void FailAt(std::size_t offset, const std::string& member, const std::string& what);
+
   std::string source;
   Json::Value root;
   bool failed = false;
@@ -53,7 +55,8 @@ class JsonObject {
 
   // The member, or null.
   const Json::Value* Find(const char* name);
-  std::string MemberName(const char* name) const;
+  // With the path to it; a long name is cut.
+  std::string MemberName(const std::string& name) const;
 
   template <typename T>
   void Number(const char* name, T* out, std::uint64_t most) {
@@ -83,7 +86,6 @@ class JsonObject {
   // Every member that nothing asked for is a fault.
   void RefuseOthers();
 
-  bool IsObject() const { return value.isObject(); }
   JsonDocument& Document() { return document; }
 
  private:

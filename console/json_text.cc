@@ -12,41 +12,41 @@ int HexDigit(char c) {
   return -1;
 }
 
-// Length of the well-formed UTF-8 sequence at the start, 0 when there is none.
-std::size_t SequenceLength(const unsigned char* p, std::size_t left) {
+}  // namespace
+
+std::size_t Utf8Sequence(const char* bytes, std::size_t length) {
+  if (length == 0) return 0;
+  const auto* p = reinterpret_cast<const unsigned char*>(bytes);
   const unsigned char first = p[0];
   if (first < 0x80) return 1;
-  std::size_t length = 0;
+  std::size_t whole = 0;
   unsigned char least = 0x80;
   unsigned char most = 0xBF;
   if (first >= 0xC2 && first <= 0xDF) {
-    length = 2;
+    whole = 2;
   } else if (first >= 0xE0 && first <= 0xEF) {
-    length = 3;
+    whole = 3;
     if (first == 0xE0) least = 0xA0;  // shorter forms are not allowed
     if (first == 0xED) most = 0x9F;   // nor are surrogates
   } else if (first >= 0xF0 && first <= 0xF4) {
-    length = 4;
+    whole = 4;
     if (first == 0xF0) least = 0x90;
     if (first == 0xF4) most = 0x8F;  // nothing above U+10FFFF
   } else {
     return 0;
   }
-  if (length > left || p[1] < least || p[1] > most) return 0;
-  for (std::size_t i = 2; i < length; ++i) {
+  if (whole > length || p[1] < least || p[1] > most) return 0;
+  for (std::size_t i = 2; i < whole; ++i) {
     if ((p[i] & 0xC0) != 0x80) return 0;
   }
-  return length;
+  return whole;
 }
 
-}  // namespace
-
 bool IsUtf8(const char* bytes, std::size_t length) {
-  const auto* p = reinterpret_cast<const unsigned char*>(bytes);
   while (length > 0) {
-    const std::size_t step = SequenceLength(p, length);
+    const std::size_t step = Utf8Sequence(bytes, length);
     if (step == 0) return false;
-    p += step;
+    bytes += step;
     length -= step;
   }
   return true;

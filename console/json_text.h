@@ -9,6 +9,8 @@
 
 namespace kelvaro::console {
 
+// Bytes of the well-formed UTF-8 sequence that `bytes` starts with, 1 to 4; 0 when there is none.
+std::size_t Utf8Sequence(const char* bytes, std::size_t length);
 bool IsUtf8(const char* bytes, std::size_t length);
 
 // A JSON string where the bytes are UTF-8, otherwise {"bytes":"<hex>"}.

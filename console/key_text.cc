@@ -9,14 +9,23 @@ namespace {
 // front of this window, since only the Smart Check asks.
 constexpr platform::WindowHandle kConsoleWindow = 1;
 
+// A bad name is quoted up to here.
+constexpr std::size_t kLongestName = 40;
+
 // `text` on one line, one column a character, with a caret below the byte at `offset`.
 std::string WithCaret(const std::string& text, std::size_t offset) {
   std::string line = "  ";
   std::string caret = "  ";
-  for (std::size_t i = 0; i < text.size(); ++i) {
+  for (std::size_t i = 0; i < text.size();) {
+    const std::size_t length = Utf8Sequence(text.data() + i, text.size() - i);
     const auto byte = static_cast<unsigned char>(text[i]);
-    line += byte < 0x20 || byte == 0x7F ? '?' : text[i];
-    if (i < offset && (byte & 0xC0) != 0x80) caret += ' ';
+    if (length == 0 || byte < 0x20 || byte == 0x7F) {
+      line += '?';
+    } else {
+      line += text.substr(i, length);
+    }
+    if (i < offset) caret += ' ';
+    i += length == 0 ? 1 : length;
   }
   return line + "\n" + caret + "^\n";
 }
@@ -26,7 +35,9 @@ std::string FaultWords(const std::string& rest, bool duplicateKey) {
   if (rest[0] != '<') return "no key types this character";
   const std::size_t end = rest.find('>');
   if (end == std::string::npos) return "a '<' without its '>' (write << for the character itself)";
-  return "there is no key " + rest.substr(0, end + 1) + " (write << for the character itself)";
+  std::string name = rest.substr(1, end - 1);
+  if (name.size() > kLongestName) name = name.substr(0, kLongestName) + "...";
+  return "there is no key <" + name + "> (write << for the character itself)";
 }
 
 }  // namespace

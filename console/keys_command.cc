@@ -1,5 +1,6 @@
 // kelvaroctl keys: the key language in both directions.
 
+#include <algorithm>
 #include <cstdio>
 #include <sstream>
 
@@ -11,12 +12,14 @@
 namespace kelvaro::console {
 namespace {
 
-// Reads "41 1e 00, 42 30 08". False, with *what in words, for anything else.
+// Reads "41 1e 00, 42 30 08", or nothing at all. False, with *what in words, for anything else.
 bool ParseSteps(const std::string& text, KeySequence* steps, std::string* what) {
-  std::istringstream parts(text);
-  std::string part;
-  for (std::size_t number = 1; std::getline(parts, part, ','); ++number) {
-    std::istringstream words(part);
+  if (text.find_first_not_of(' ') == std::string::npos) return true;
+  std::size_t begin = 0;
+  for (std::size_t number = 1; begin <= text.size(); ++number) {
+    const std::size_t end = std::min(text.find(',', begin), text.size());
+    std::istringstream words(text.substr(begin, end - begin));
+    begin = end + 1;
     std::string word;
     std::string bytes;
     while (words >> word) {

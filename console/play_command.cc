@@ -32,7 +32,7 @@ int PlaySimulated(const PlayOptions& options, KeyAction* action, Streams streams
 
 int PlayForReal(const PlayOptions& options, KeyAction* action, Streams streams) {
   StopSignals signals;
-  EventPrinter printer(streams.out, true);
+  EventPrinter printer(streams.out, true, &StopSignals::Ask);
   RealMachine machine;
   std::string error;
   if (!machine.OpenOutput(options.json ? &printer : nullptr, &error)) {

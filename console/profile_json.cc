@@ -14,11 +14,14 @@ namespace {
 
 constexpr std::uint64_t kMost32 = UINT32_MAX;
 
+// Far more than a pad has use for. Sorting them takes time with the square of their number.
+constexpr Json::ArrayIndex kMostControls = 10'000;
+
 std::string Element(const std::string& list, std::size_t index) {
   return list + "[" + std::to_string(index) + "]";
 }
 
-// Calls read(element, name) for each element of a member that is a list.
+// Calls read(element, name) for each element of a member that is a list, up to the first fault.
 template <typename Read>
 void ForEach(JsonObject& object, const char* name, Read read) {
   const Json::Value* list = object.Find(name);
@@ -27,7 +30,7 @@ void ForEach(JsonObject& object, const char* name, Read read) {
     object.Document().Fail(*list, object.MemberName(name), "not a list");
     return;
   }
-  for (Json::ArrayIndex i = 0; i < list->size(); ++i) {
+  for (Json::ArrayIndex i = 0; i < list->size() && !object.Document().Failed(); ++i) {
     read((*list)[i], Element(object.MemberName(name), i));
   }
 }
@@ -128,7 +131,8 @@ bool ReadControl(JsonDocument& document, const Json::Value& value, const std::st
   ForEach(object, "triggerItems", [&](const Json::Value& item, const std::string& itemName) {
     ReadTriggerItem(document, item, itemName, control);
   });
-  object.Find("triggerText");  // follows from the others
+  ByteString unused;
+  object.Text("triggerText", &unused);  // follows from the others
   object.Flag("toggleMouseControls", &control->toggleMouseControls);
   object.Flag("repeatEnabled", &control->repeatEnabled);
   object.Number("repeatDelay", &control->repeatDelay, kMost32);
@@ -182,9 +186,12 @@ bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault) {
     document.Fail(*guid, "deviceGuid", "not 32 hex digits");
   }
   ReadMouse(root, profile);
+  if (const Json::Value* list = root.Find("controls");
+      list && list->isArray() && list->size() > kMostControls) {
+    document.Fail(*list, "controls", "more than " + std::to_string(kMostControls));
+  }
   std::vector<bool> hasId;
   ForEach(root, "controls", [&](const Json::Value& value, const std::string& name) {
-    if (document.Failed()) return;
     // The list takes its copy's pointers over, so this one must not delete them.
     Control control;
     control.actionsBorrowed = 1;

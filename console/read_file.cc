@@ -6,13 +6,9 @@
 #include <memory>
 
 namespace kelvaro::console {
-namespace {
 
-constexpr std::size_t kLargest = 64u << 20;
-
-}  // namespace
-
-bool ReadWholeFile(const std::string& path, std::string* content, std::string* error) {
+bool ReadWholeFile(const std::string& path, std::size_t mostMiB, std::string* content,
+                   std::string* error) {
   const auto close = [](std::FILE* file) {
     if (file != stdin) std::fclose(file);
   };
@@ -27,8 +23,8 @@ bool ReadWholeFile(const std::string& path, std::string* content, std::string* e
   std::size_t read;
   while ((read = std::fread(block, 1, sizeof block, file.get())) > 0) {
     content->append(block, read);
-    if (content->size() > kLargest) {
-      *error = "larger than 64 MiB";
+    if (content->size() > mostMiB << 20) {
+      *error = "larger than " + std::to_string(mostMiB) + " MiB";
       return false;
     }
   }

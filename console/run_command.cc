@@ -18,6 +18,11 @@ namespace {
 using platform::simulation::Recording;
 using platform::simulation::Simulation;
 
+// More than either has a reason to be: thousands of Controls, some hours of a busy pad. A profile
+// is taken apart as a whole, at some fifty bytes of memory for each of the file.
+constexpr std::size_t kMostProfile = 8;      // MiB
+constexpr std::size_t kMostRecording = 256;  // MiB
+
 // A recording ends this much after its last line, so that what it started can be seen.
 constexpr std::uint64_t kAfterRecording = 1000;  // ms
 
@@ -64,7 +69,7 @@ int RunSimulated(const RunOptions& options, Profile& profile, const Recording& r
 int RunForReal(const RunOptions& options, Profile& profile, const Recording& recording,
                Streams streams) {
   StopSignals signals;
-  EventPrinter printer(streams.out, true);
+  EventPrinter printer(streams.out, true, &StopSignals::Ask);
   RealMachine machine;
   std::string error;
   if (options.replay) {
@@ -78,7 +83,7 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
 
   EngineSession session(profile);
   if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
-    return Complain(streams.err, error);
+    return Complain(streams.err, options.profile + ": " + error);
   }
   machine.StartOfTime();
   streams.err << "Running " << options.profile << " on '" << Bytes(session.DeviceName())
@@ -93,18 +98,18 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
 int RunCommand(const RunOptions& options, Streams streams) {
   std::string text;
   std::string error;
-  if (!ReadWholeFile(options.profile, &text, &error)) {
+  if (!ReadWholeFile(options.profile, kMostProfile, &text, &error)) {
     return Complain(streams.err, options.profile + ": " + error);
   }
   Profile profile;
   JsonFault fault;
   if (!ReadProfile(text, &profile, &fault)) {
-    return Complain(streams.err, options.profile + ":" + fault.Text(), fault.detail);
+    return Complain(streams.err, fault.Text(options.profile), fault.detail);
   }
 
   Recording recording;
   if (options.replay) {
-    if (!ReadWholeFile(*options.replay, &text, &error)) {
+    if (!ReadWholeFile(*options.replay, kMostRecording, &text, &error)) {
       return Complain(streams.err, *options.replay + ": " + error);
     }
     std::istringstream lines(text);

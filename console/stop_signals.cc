@@ -1,5 +1,7 @@
 #include "console/stop_signals.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <chrono>
 
@@ -11,9 +13,17 @@ StopSignals::StopSignals() {
   sigaddset(&stopping, SIGTERM);
   sigaddset(&stopping, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &stopping, &before);
+  struct sigaction ignore = {};
+  ignore.sa_handler = SIG_IGN;
+  sigaction(SIGPIPE, &ignore, &pipeBefore);
 }
 
-StopSignals::~StopSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+StopSignals::~StopSignals() {
+  sigaction(SIGPIPE, &pipeBefore, nullptr);
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void StopSignals::Ask() { kill(getpid(), SIGTERM); }
 
 bool StopSignals::Wait(std::optional<std::uint64_t> ms) {
   using Clock = std::chrono::steady_clock;

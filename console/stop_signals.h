@@ -1,5 +1,6 @@
 // Ctrl-C, a polite kill and a closed terminal, taken as a wish to end: whoever waits here is told,
-// and can let go of keys first. A second one ends the program at once.
+// and can let go of keys first. A second one ends the program at once. A pipe that nobody reads any
+// more does not end the program; the write fails.
 #pragma once
 
 #include <signal.h>
@@ -20,9 +21,13 @@ class StopSignals {
   // Waits `ms`, or for as long as it takes. Whether a signal ended the wait.
   bool Wait(std::optional<std::uint64_t> ms);
 
+  // Does what Ctrl-C does, from any thread, while an object of this lives.
+  static void Ask();
+
  private:
   sigset_t stopping;
   sigset_t before;
+  struct sigaction pipeBefore;
 };
 
 }  // namespace kelvaro::console

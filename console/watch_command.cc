@@ -97,10 +97,8 @@ int WatchCommand(const WatchOptions& options, Streams streams) {
   StopSignals signals;
   RealMachine machine;
   machine.OpenDevices();
-  DeviceWatch watch;
   std::string last;
   bool first = true;
-  std::string error;
   // Many states read alike: a stick that moves within its first half changes no name.
   const auto show = [&](std::uint64_t t, const DIJOYSTATE2& state) {
     const std::string text = StateText(state);
@@ -112,7 +110,10 @@ int WatchCommand(const WatchOptions& options, Streams streams) {
     } else {
       streams.out << (text.empty() ? "(nothing)" : text) << std::endl;
     }
+    if (!streams.out) StopSignals::Ask();
   };
+  DeviceWatch watch;  // behind what its thread uses, so that it ends first
+  std::string error;
   if (!watch.Begin(options.device, show, &error)) return Complain(streams.err, error);
   streams.err << "Watching '" << Bytes(watch.Manager().SelectedName()) << "'; Ctrl-C ends it."
               << std::endl;
@@ -124,7 +125,6 @@ int RecordCommand(const RecordOptions& options, Streams streams) {
   StopSignals signals;
   RealMachine machine;
   machine.OpenDevices();
-  DeviceWatch watch;
   std::mutex outMutex;  // the first line is this thread's, the others the notification thread's
   bool headerWritten = false;
   DIJOYSTATE2 last = platform::simulation::StateAtRest();
@@ -141,7 +141,9 @@ int RecordCommand(const RecordOptions& options, Streams streams) {
     } else {
       pending += line;
     }
+    if (!streams.out) StopSignals::Ask();
   };
+  DeviceWatch watch;  // behind what its thread uses, so that it ends first
   std::string error;
   if (!watch.Begin(options.device, note, &error)) return Complain(streams.err, error);
   {
