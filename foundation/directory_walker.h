@@ -54,11 +54,12 @@ class DirectoryWalker {
   bool NextFile(WalkResult* out);
   bool NextFolder(WalkResult* out);
   bool NextOfChild(WalkResult* out);
-  // The next folder to report or enter; its attributes are in `found`. False at the end.
-  bool NextFolderName(ByteString* name);
+  // The next folder to report or enter. False at the end.
+  bool NextFolderName(ByteString* name, bool* isLink);
   // One step of the search for `pattern`, into `found`; closes it at its end.
   bool Find(const ByteString& pattern);
-  bool IsSubfolder() const;
+  bool IsSubfolder() const;  // neither "." nor ".."
+  bool IsLink() const;
   void Report(const ByteString& name, bool isFolder, WalkResult* out) const;
 
   ByteString folder;  // with a separator at its end
@@ -73,7 +74,7 @@ class DirectoryWalker {
   bool started = false;
   bool searchEnded = false;  // of this phase
   bool recurseAll = false;
-  LinkedList<ByteString> pending;  // names of folders
+  LinkedList<ByteString> pending;  // names of folders, tagged with whether they are links
   std::unique_ptr<DirectoryWalker> child;
 };
 

@@ -5,14 +5,15 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "app/platform/files.h"
 #include "foundation/byte_string.h"
 
 namespace kelvaro {
 
-// A path of the backslash kind has at most one byte less, or counts as a failure where the system
-// is the one to tell it. Slash paths are as long as the system makes them.
+// What the system tells of a path with backslashes fits this, its terminator included, or counts as
+// a failure. Paths with slashes are as long as the system makes them.
 constexpr std::uint32_t PathBufferSize = 262;
 
 // One file's or folder's data. Times are FILETIME values: 100 ns since 1601, UTC.
@@ -24,6 +25,10 @@ struct FileStatus {
   std::uint64_t size = 0;  // bytes
   std::uint32_t attributes = 0;
 };
+
+// A path as the seam takes and gives it.
+std::string SeamPath(const ByteString& path);
+ByteString FromSeamPath(const std::string& path);
 
 // Whether there is a file or folder. A bare drive ("C:" or "C:\") is looked up in the mask of
 // drives and nowhere else, so that no empty drive starts up. False below 2 bytes, the shortest

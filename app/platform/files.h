@@ -1,5 +1,7 @@
 // Files and folders, in the shape of the published operations, and the system's words for an error.
-// Text is bytes; a path is in the platform's own spelling, whose separator PathSeparator tells.
+// Text is bytes; a path is in the platform's own spelling, whose separator PathSeparator tells, and
+// one with a zero byte names nothing. Where the platform has links, one stands for what it leads to
+// unless told otherwise.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +24,7 @@ constexpr std::uint32_t OPEN_EXISTING = 3;
 constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x01;
 constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10;
 constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
+constexpr std::uint32_t FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 
 // One open file; closed when it is destroyed. One thread at a time.
@@ -30,7 +33,8 @@ class File {
   virtual ~File() = default;
 
   // Reads up to `wanted` bytes from the position on; *read is fewer at the end of the file, 0
-  // behind it. False on failure.
+  // behind it, and may be fewer in front of a place that can't be read. False on failure, with
+  // *read 0 and the buffer as it was.
   virtual bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) = 0;
 
   // Writes at the position. *written may be fewer on failure, with false.
@@ -72,14 +76,18 @@ class Files {
   // '\\' or '/'.
   virtual char PathSeparator() = 0;
 
-  // access: GENERIC_ bits. disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null
-  // on failure; a folder is one.
+  // access: GENERIC_ bits. share: FILE_SHARE_ bits, of no meaning where nobody is shut out.
+  // disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null on failure; a folder is
+  // one, so is whatever else isn't a plain file, and a read-only file that is to be written. Never
+  // waits for somebody at the other end.
   virtual std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
                                             std::uint32_t share, std::uint32_t disposition) = 0;
 
   // The target holds the whole source afterwards; where the platform can, it holds either the old
-  // content or the new one at every moment in between. A read-only target is a failure.
+  // content or the new one at every moment in between, a power cut included. An old target keeps
+  // its attributes and permissions, a new one gets the source's. A read-only target is a failure.
   virtual bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) = 0;
+  // A read-only file and a folder are failures.
   virtual bool DeleteFileA(const std::string& path) = 0;
 
   // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none.
@@ -91,7 +99,9 @@ class Files {
   virtual bool CreateDirectoryA(const std::string& path) = 0;
 
   // The first entry whose name fits the pattern behind the last separator (`*`, `?`, without regard
-  // to ASCII case), in the order of the file system, "." and ".." among them. Null for none.
+  // to ASCII case), in the order of the file system, "." and ".." among them. A pattern without
+  // either finds the entry of just that name first, if there is one, and then no other. Null for
+  // none. A link's data is what it leads to, with FILE_ATTRIBUTE_REPARSE_POINT.
   virtual std::unique_ptr<FileSearch> FindFirstFileA(const std::string& pattern,
                                                      FindData* data) = 0;
 
@@ -103,7 +113,7 @@ class Files {
   // Bit 0 for drive A; 0 where there are no drives.
   virtual std::uint32_t GetLogicalDrives() = 0;
 
-  // Of the calling thread's last operation that failed.
+  // Of the calling thread's last operation that failed, in the platform's own numbers.
   virtual std::uint32_t GetLastError() = 0;
 };
 
