@@ -33,7 +33,6 @@ std::string JsonLine(std::size_t index, const platform::DIDEVICEINSTANCE& device
 
 int DevicesCommand(const DevicesOptions& options, Streams streams) {
   RealMachine machine;
-  machine.OpenDevices();
   platform::DirectInput* directory = nullptr;
   if (platform::DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directory) !=
       platform::DI_OK) {

@@ -1,11 +1,115 @@
 #include "console/real_machine.h"
+
+#include <atomic>
+#include <mutex>
+
+#include "app/platform/linux/linux_platform.h"
+#include "app/platform/simulation/recorded_devices.h"
+#include "console/console_error.h"
+
 namespace kelvaro::console {
-struct RealMachine::Parts {};
-RealMachine::RealMachine() {}
-RealMachine::~RealMachine() {}
-void RealMachine::OpenDevices() {}
-void RealMachine::PlayRecording(const platform::simulation::Recording&) {}
-bool RealMachine::OpenOutput(EventPrinter*, std::string*) { return false; }
-void RealMachine::StartOfTime() {}
-int RealMachine::EndOfOutput(Streams) { return 0; }
+namespace {
+
+// Prints each event and passes it on.
+class PrintingInput : public platform::Input {
+ public:
+  PrintingInput(platform::Input& target, platform::Clock& clock, EventPrinter& printer)
+      : target(target), clock(clock), printer(printer), begin(clock.GetTickCount()) {}
+
+  void StartOfTime() { begin = clock.GetTickCount(); }
+
+  void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
+                   std::uint32_t extra) override {
+    target.keybd_event(vk, scan, flags, extra);
+    SentEvent event;
+    event.t = Elapsed();
+    event.kind = SentEvent::Kind::Key;
+    event.flags = flags;
+    event.vk = vk;
+    event.scan = scan;
+    printer.Print(event);
+  }
+
+  void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
+                   std::uint32_t extra) override {
+    target.mouse_event(flags, dx, dy, data, extra);
+    SentEvent event;
+    event.t = Elapsed();
+    event.kind = SentEvent::Kind::Mouse;
+    event.flags = flags;
+    event.dx = dx;
+    event.dy = dy;
+    event.data = data;
+    printer.Print(event);
+  }
+
+ private:
+  std::uint32_t Elapsed() const { return clock.GetTickCount() - begin; }
+
+  platform::Input& target;
+  platform::Clock& clock;
+  EventPrinter& printer;
+  std::atomic<std::uint32_t> begin;
+};
+
+}  // namespace
+
+struct RealMachine::Parts {
+  // Makes the groups as they stand now the ones behind the seam.
+  void Install() {
+    installed.reset();
+    installed = std::make_unique<platform::InstalledPlatform>(groups);
+  }
+
+  std::mutex refusalMutex;
+  std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
+  platform::LinuxPlatform system;
+  std::unique_ptr<platform::simulation::RecordedDevices> recorded;
+  std::unique_ptr<PrintingInput> printed;
+  platform::Platform groups;
+  std::unique_ptr<platform::InstalledPlatform> installed;
+};
+
+RealMachine::RealMachine() : parts(std::make_unique<Parts>()) {
+  parts->groups = parts->system.Groups();
+  parts->Install();
+}
+
+RealMachine::~RealMachine() = default;
+
+void RealMachine::PlayRecording(const platform::simulation::Recording& recording) {
+  parts->recorded =
+      std::make_unique<platform::simulation::RecordedDevices>(recording, *parts->groups.clock);
+  parts->groups.devices = parts->recorded.get();
+  parts->Install();
+}
+
+bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {
+  if (!parts->system.OpenInput(platform::InputChoice::Auto, error)) return false;
+  platform::LinuxInput* output = parts->system.Sender();
+  output->OnFailure([this](const std::string& text) {
+    const std::lock_guard<std::mutex> guard(parts->refusalMutex);
+    parts->refusal = text;
+  });
+  parts->groups.input = output;
+  if (printer) {
+    parts->printed = std::make_unique<PrintingInput>(*output, *parts->groups.clock, *printer);
+    parts->groups.input = parts->printed.get();
+  }
+  parts->Install();
+  return true;
+}
+
+void RealMachine::StartOfTime() {
+  if (parts->printed) parts->printed->StartOfTime();
+}
+
+int RealMachine::EndOfOutput(Streams streams) {
+  const std::uint32_t failed = parts->system.Sender()->FailedEvents();
+  if (failed == 0) return kDone;
+  const std::lock_guard<std::mutex> guard(parts->refusalMutex);
+  return Complain(streams.err, "the system refused " + std::to_string(failed) +
+                                   " of the events: " + parts->refusal);
+}
+
 }  // namespace kelvaro::console

@@ -14,14 +14,13 @@ namespace kelvaro::console {
 
 class RealMachine {
  public:
-  // Clock, threads and timers; neither devices nor output yet.
+  // All but a way out for events.
   RealMachine();
   ~RealMachine();
   RealMachine(const RealMachine&) = delete;
   RealMachine& operator=(const RealMachine&) = delete;
 
-  // The devices that are plugged in, or one that plays a recording in real time.
-  void OpenDevices();
+  // One device that plays a recording in real time, in place of those that are plugged in.
   void PlayRecording(const platform::simulation::Recording& recording);
 
   // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with

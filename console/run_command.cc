@@ -72,11 +72,7 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
   EventPrinter printer(streams.out, true, &StopSignals::Ask);
   RealMachine machine;
   std::string error;
-  if (options.replay) {
-    machine.PlayRecording(recording);
-  } else {
-    machine.OpenDevices();
-  }
+  if (options.replay) machine.PlayRecording(recording);
   if (!machine.OpenOutput(options.json ? &printer : nullptr, &error)) {
     return Complain(streams.err, error);
   }

@@ -96,7 +96,6 @@ bool IsEmpty(const StateChange& change) {
 int WatchCommand(const WatchOptions& options, Streams streams) {
   StopSignals signals;
   RealMachine machine;
-  machine.OpenDevices();
   std::string last;
   bool first = true;
   // Many states read alike: a stick that moves within its first half changes no name.
@@ -124,7 +123,6 @@ int WatchCommand(const WatchOptions& options, Streams streams) {
 int RecordCommand(const RecordOptions& options, Streams streams) {
   StopSignals signals;
   RealMachine machine;
-  machine.OpenDevices();
   std::mutex outMutex;  // the first line is this thread's, the others the notification thread's
   bool headerWritten = false;
   DIJOYSTATE2 last = platform::simulation::StateAtRest();
