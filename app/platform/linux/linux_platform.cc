@@ -6,6 +6,7 @@ LinuxPlatform::LinuxPlatform() {
   groups.clock = &clock;
   groups.threads = &threads;
   groups.timers = &timers;
+  groups.devices = &devices;
   groups.system = &system;
   groups.desktop = &desktop;
 }

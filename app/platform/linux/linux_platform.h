@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/linux_devices.h"
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/linux_system.h"
 #include "app/platform/linux/linux_threads.h"
@@ -32,6 +33,7 @@ class LinuxPlatform {
  private:
   LinuxClock clock;
   LinuxThreads threads;
+  LinuxDevices devices;
   std::unique_ptr<LinuxInput> input;
   LinuxTimers timers;  // ends its calls before what they use goes
   LinuxSystem system;

@@ -1,0 +1,263 @@
+#include "app/platform/linux/linux_device.h"
+
+#include <errno.h>
+#include <libevdev/libevdev.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "app/platform/linux/cut_off.h"
+
+namespace platform {
+namespace {
+
+constexpr std::uint8_t kButtonDown = 0x80;
+
+// Object ids, as published: an absolute axis, and the number of its place in the state.
+constexpr std::uint32_t kAbsoluteAxis = 2;
+constexpr std::uint32_t AxisId(std::uint32_t slot) { return slot << 8 | kAbsoluteAxis; }
+
+// How soon a node that can't be opened yet is tried again. Rules run within moments; a change of
+// the user at the machine takes as long as it takes.
+constexpr std::int64_t kFirstRetryMs = 20;
+constexpr std::int64_t kLongestRetryMs = 1000;
+
+bool MayYetOpen(int errorCode) {
+  return errorCode == EACCES || errorCode == EPERM || errorCode == ENOENT;
+}
+
+}  // namespace
+
+LinuxDevice::LinuxDevice(std::shared_ptr<DeviceSource> sharedSource, AttachedDevice attached)
+    : source(std::move(sharedSource)),
+      identity(attached.identity),
+      make(DeviceIdentity(attached.place.ids, 0)) {
+  Adopt(std::move(attached));
+}
+
+void LinuxDevice::Adopt(AttachedDevice attached) {
+  place = std::move(attached.place);
+  node = std::move(attached.node);
+  const DeviceFacts& facts = node->Facts();
+  layout = LayOut(facts);
+  axes = facts.axes;
+  state = DIJOYSTATE2();
+  for (unsigned code = 0; code < KEY_CNT; ++code)
+    if (layout.buttonSlot[code] != kNoSlot && facts.keysDown[code])
+      state.rgbButtons[layout.buttonSlot[code]] = kButtonDown;
+  for (unsigned code = 0; code < ABS_CNT; ++code)
+    if (axes[code].present) {
+      input_event now{};
+      now.type = EV_ABS;
+      now.code = static_cast<std::uint16_t>(code);
+      now.value = axes[code].value;
+      Apply(now);
+    }
+  for (std::uint32_t hat = 0; hat < kHatSlots; ++hat) PutHat(hat);
+  condition = Condition::Attached;
+}
+
+void LinuxDevice::Apply(const input_event& event) {
+  if (event.type == EV_KEY && event.code < KEY_CNT) {
+    const std::uint8_t slot = layout.buttonSlot[event.code];
+    if (slot != kNoSlot) state.rgbButtons[slot] = event.value != 0 ? kButtonDown : 0;
+  } else if (event.type == EV_ABS && event.code < ABS_CNT) {
+    AxisFacts& axis = axes[event.code];
+    axis.value = event.value;
+    if (const std::uint8_t slot = layout.axisSlot[event.code]; slot != kNoSlot) {
+      const Range& range = ranges[slot];
+      AxisSlot(state, slot) =
+          ScaleAxis(axis.value, axis.minimum, axis.maximum, range.lowest, range.highest);
+    } else if (const std::uint8_t hat = layout.hatSlot[event.code]; hat != kNoSlot) {
+      PutHat(hat);
+    }
+  }
+}
+
+void LinuxDevice::PutHat(std::uint32_t hat) {
+  const std::int16_t code = layout.hatCode[hat];
+  if (code < 0) {
+    state.rgdwPOV[hat] = kPovCentred;
+    return;
+  }
+  const auto direction = [&](unsigned axis) {
+    return axes[axis].present ? HatDirection(axes[axis], axes[axis].value) : 0;
+  };
+  const auto x = static_cast<unsigned>(code);
+  state.rgdwPOV[hat] = HatAngle(direction(x), direction(x + 1));
+}
+
+// Where an axis rests can't be told of a device that is gone; the middle is what asks for nothing.
+void LinuxDevice::PutToRest() {
+  state = DIJOYSTATE2();
+  for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
+    if (layout.axisCode[slot] >= 0)
+      AxisSlot(state, slot) = ScaleAxis(0, 0, 0, ranges[slot].lowest, ranges[slot].highest);
+  std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), kPovCentred);
+}
+
+HRESULT LinuxDevice::SetDataFormat() {
+  StopHereIfCutOff();
+  return DI_OK;
+}
+
+// The kernel hands every reader its own copy of all events, so the one level that is asked for,
+// shared and in the background, is what there is.
+HRESULT LinuxDevice::SetCooperativeLevel(Handle /*window*/, std::uint32_t flags) {
+  StopHereIfCutOff();
+  return flags == (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE) ? DI_OK : DIERR_INVALIDPARAM;
+}
+
+HRESULT LinuxDevice::GetCapabilities(DIDEVCAPS* caps) {
+  StopHereIfCutOff();
+  if (!caps || caps->dwSize != sizeof(DIDEVCAPS)) return DIERR_INVALIDPARAM;
+  *caps = DIDEVCAPS();
+  caps->dwAxes = layout.axes;
+  caps->dwButtons = layout.buttons;
+  caps->dwPOVs = layout.hats;
+  return DI_OK;
+}
+
+HRESULT LinuxDevice::EnumObjects(const std::function<bool(std::uint32_t id)>& visit,
+                                 std::uint32_t flags) {
+  StopHereIfCutOff();
+  if (!visit || flags != DIDFT_AXIS) return DIERR_INVALIDPARAM;
+  for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
+    if (layout.axisCode[slot] >= 0 && !visit(AxisId(slot))) break;
+  return DI_OK;
+}
+
+HRESULT LinuxDevice::SetProperty(std::uint32_t property, const DIPROPRANGE& range) {
+  StopHereIfCutOff();
+  if (property != DIPROP_RANGE || range.diph.dwHow != DIPH_BYID || range.lMin > range.lMax)
+    return DIERR_INVALIDPARAM;
+  for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot) {
+    const std::int16_t code = layout.axisCode[slot];
+    if (code < 0 || range.diph.dwObj != AxisId(slot)) continue;
+    ranges[slot] = {range.lMin, range.lMax};
+    const AxisFacts& axis = axes[static_cast<unsigned>(code)];
+    AxisSlot(state, slot) =
+        ScaleAxis(axis.value, axis.minimum, axis.maximum, range.lMin, range.lMax);
+    return DI_OK;
+  }
+  return DIERR_INVALIDPARAM;
+}
+
+HRESULT LinuxDevice::Acquire() {
+  StopHereIfCutOff();
+  if (condition == Condition::Lost) {
+    if (!LookForReturn()) return DIERR_INPUTLOST;
+    acquired = true;
+    return DI_OK;
+  }
+  if (acquired) return DI_NOEFFECT;
+  acquired = true;
+  return DI_OK;
+}
+
+HRESULT LinuxDevice::Unacquire() {
+  StopHereIfCutOff();
+  if (!acquired) return DI_NOEFFECT;
+  acquired = false;
+  return DI_OK;
+}
+
+HRESULT LinuxDevice::Poll() {
+  StopHereIfCutOff();
+  if (condition != Condition::Attached) {
+    condition = Condition::Lost;
+    return DIERR_INPUTLOST;
+  }
+  if (!acquired) return DIERR_NOTACQUIRED;
+  bool resync = false;
+  for (;;) {
+    input_event event;
+    const int result = node->Next(resync, &event);
+    if (result == LIBEVDEV_READ_STATUS_SUCCESS || result == LIBEVDEV_READ_STATUS_SYNC) {
+      if (result == LIBEVDEV_READ_STATUS_SYNC) resync = true;
+      Apply(event);
+    } else if (result == -EAGAIN && resync) {
+      resync = false;  // caught up; what came meanwhile is still to be read
+    } else if (result == -EAGAIN) {
+      return DI_OK;
+    } else if (result != -EINTR) {
+      node.reset();
+      source->identities.Forget(place.place);
+      PutToRest();
+      condition = Condition::AtRest;
+      watchDue = true;
+      return DI_OK;
+    }
+  }
+}
+
+HRESULT LinuxDevice::GetDeviceState(std::uint32_t size, DIJOYSTATE2* out) {
+  StopHereIfCutOff();
+  if (size != sizeof(DIJOYSTATE2) || !out) return DIERR_INVALIDPARAM;
+  if (condition == Condition::Lost) return DIERR_INPUTLOST;
+  if (!acquired) return DIERR_NOTACQUIRED;
+  *out = state;
+  return DI_OK;
+}
+
+void LinuxDevice::Release() {
+  StopHereIfCutOff();
+  delete this;
+}
+
+bool LinuxDevice::LookForReturn() {
+  if (watchDue) {
+    // Before the search, so that nothing falls between the two.
+    watchDue = false;
+    watch = source->nodes->Watch();
+    searchDue = true;
+    retryDelayMs = watch ? kFirstRetryMs : kLongestRetryMs;
+  }
+  if (watch) {
+    NodePlace arrived;
+    for (;;) {
+      const NodeWatch::Report report = watch->Next(&arrived);
+      if (report == NodeWatch::Report::None) break;
+      if (report == NodeWatch::Report::Overrun ||
+          (report == NodeWatch::Report::Arrived && DeviceIdentity(arrived.ids, 0) == make)) {
+        searchDue = true;
+        retryDelayMs = kFirstRetryMs;
+      }
+      if (report == NodeWatch::Report::Overrun) break;
+    }
+  }
+  if (!searchDue && !(retrying && source->nowMs() >= retryAtMs)) return false;
+  return Search();
+}
+
+bool LinuxDevice::Search() {
+  searchDue = false;
+  retrying = !watch;
+  const std::vector<NodePlace> places = source->nodes->List();
+  std::vector<std::string> attachedPlaces;
+  for (const NodePlace& candidate : places) attachedPlaces.push_back(candidate.place);
+  source->identities.KeepOnly(attachedPlaces);
+  for (const NodePlace& candidate : places) {
+    if (DeviceIdentity(candidate.ids, 0) != make) continue;
+    int errorCode = 0;
+    std::unique_ptr<DeviceNode> opened = source->nodes->Open(candidate, &errorCode);
+    if (!opened) {
+      retrying = retrying || MayYetOpen(errorCode);
+      continue;
+    }
+    // A pad's motion sensor and touch pad are nodes of the same make.
+    if (!IsGameDevice(opened->Facts())) continue;
+    if (source->identities.Assign(candidate.place, candidate.ids) != identity) continue;
+    Adopt({candidate, identity, std::move(opened)});
+    watch.reset();
+    retrying = false;
+    return true;
+  }
+  if (retrying) {
+    retryAtMs = source->nowMs() + retryDelayMs;
+    retryDelayMs = std::min(2 * retryDelayMs, kLongestRetryMs);
+  }
+  return false;
+}
+
+}  // namespace platform

@@ -1,0 +1,164 @@
+#include "app/platform/linux/udev_nodes.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <libevdev/libevdev.h>
+#include <libudev.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace platform {
+namespace {
+
+struct Unref {
+  void operator()(udev* context) const { udev_unref(context); }
+  void operator()(udev_enumerate* list) const { udev_enumerate_unref(list); }
+  void operator()(udev_device* device) const { udev_device_unref(device); }
+  void operator()(udev_monitor* monitor) const { udev_monitor_unref(monitor); }
+};
+using Context = std::unique_ptr<udev, Unref>;
+using Enumeration = std::unique_ptr<udev_enumerate, Unref>;
+using Device = std::unique_ptr<udev_device, Unref>;
+using Monitor = std::unique_ptr<udev_monitor, Unref>;
+
+constexpr char kEventPrefix[] = "event";
+
+bool IsEventNode(udev_device* device) {
+  const char* name = udev_device_get_sysname(device);
+  return name && strncmp(name, kEventPrefix, strlen(kEventPrefix)) == 0 &&
+         udev_device_get_devnode(device);
+}
+
+unsigned long EventNumber(const NodePlace& place) {
+  const std::size_t digits = place.path.find_last_not_of("0123456789");
+  return std::strtoul(place.path.c_str() + (digits == std::string::npos ? 0 : digits + 1), nullptr,
+                      10);
+}
+
+NodePlace PlaceOf(udev_device* device) {
+  NodePlace place;
+  place.path = udev_device_get_devnode(device);
+  place.place = udev_device_get_syspath(device);
+  // Borrowed from `device`.
+  udev_device* input = udev_device_get_parent_with_subsystem_devtype(device, "input", nullptr);
+  if (!input) return place;
+  const auto text = [&](const char* attribute) {
+    const char* value = udev_device_get_sysattr_value(input, attribute);
+    return std::string(value ? value : "");
+  };
+  const auto number = [&](const char* attribute) {
+    return static_cast<std::uint16_t>(std::strtoul(text(attribute).c_str(), nullptr, 16));
+  };
+  place.ids = {text("name"),         number("id/bustype"), number("id/vendor"),
+               number("id/product"), number("id/version"), text("uniq"),
+               text("phys")};
+  return place;
+}
+
+class EvdevNode : public DeviceNode {
+ public:
+  EvdevNode(int openFd, libevdev* made) : fd(openFd), device(made), facts(FactsOf(made)) {}
+  ~EvdevNode() override {
+    libevdev_free(device);
+    close(fd);
+  }
+  EvdevNode(const EvdevNode&) = delete;
+  EvdevNode& operator=(const EvdevNode&) = delete;
+
+  const DeviceFacts& Facts() const override { return facts; }
+  int Next(bool resync, input_event* event) override {
+    return libevdev_next_event(device, resync ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL,
+                               event);
+  }
+
+ private:
+  const int fd;
+  libevdev* const device;
+  const DeviceFacts facts;
+};
+
+class UdevWatch : public NodeWatch {
+ public:
+  UdevWatch(Context madeContext, Monitor madeMonitor)
+      : context(std::move(madeContext)), monitor(std::move(madeMonitor)) {}
+
+  Report Next(NodePlace* place) override {
+    // Looked for first, since the library's own way to find nothing takes several calls.
+    char byte;
+    const int socket = udev_monitor_get_fd(monitor.get());
+    if (recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0)
+      return errno == ENOBUFS ? Report::Overrun : Report::None;
+    const Device device(udev_monitor_receive_device(monitor.get()));
+    if (!device || !IsEventNode(device.get())) return Report::Other;
+    const char* action = udev_device_get_action(device.get());
+    if (!action || (strcmp(action, "add") != 0 && strcmp(action, "change") != 0))
+      return Report::Other;
+    *place = PlaceOf(device.get());
+    return Report::Arrived;
+  }
+
+ private:
+  const Context context;
+  const Monitor monitor;
+};
+
+void SayNothing(const libevdev*, libevdev_log_priority, void*, const char*, int, const char*,
+                const char*, va_list) {}
+
+}  // namespace
+
+std::vector<NodePlace> UdevNodes::List() {
+  std::vector<NodePlace> places;
+  const Context context(udev_new());
+  const Enumeration enumeration(context ? udev_enumerate_new(context.get()) : nullptr);
+  if (!enumeration) return places;
+  udev_enumerate_add_match_subsystem(enumeration.get(), "input");
+  udev_enumerate_add_match_sysname(enumeration.get(), "event*");
+  if (udev_enumerate_scan_devices(enumeration.get()) < 0) return places;
+  udev_list_entry* entry = nullptr;
+  udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get())) {
+    const Device device(
+        udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
+    if (device && IsEventNode(device.get())) places.push_back(PlaceOf(device.get()));
+  }
+  std::sort(places.begin(), places.end(),
+            [](const NodePlace& a, const NodePlace& b) { return EventNumber(a) < EventNumber(b); });
+  return places;
+}
+
+std::unique_ptr<DeviceNode> UdevNodes::Open(const NodePlace& place, int* errorCode) {
+  const int fd = open(place.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) {
+    *errorCode = errno;
+    return nullptr;
+  }
+  libevdev* device = nullptr;
+  const int result = libevdev_new_from_fd(fd, &device);
+  if (result < 0) {
+    *errorCode = -result;
+    close(fd);
+    return nullptr;
+  }
+  libevdev_set_device_log_function(device, SayNothing, LIBEVDEV_LOG_ERROR, nullptr);
+  return std::make_unique<EvdevNode>(fd, device);
+}
+
+std::unique_ptr<NodeWatch> UdevNodes::Watch() {
+  Context context(udev_new());
+  if (!context) return nullptr;
+  // Where udevd runs, its report comes once its rules are done, permissions included.
+  const char* source = access("/run/udev/control", F_OK) == 0 ? "udev" : "kernel";
+  Monitor monitor(udev_monitor_new_from_netlink(context.get(), source));
+  if (!monitor ||
+      udev_monitor_filter_add_match_subsystem_devtype(monitor.get(), "input", nullptr) < 0 ||
+      udev_monitor_enable_receiving(monitor.get()) < 0)
+    return nullptr;
+  return std::make_unique<UdevWatch>(std::move(context), std::move(monitor));
+}
+
+}  // namespace platform

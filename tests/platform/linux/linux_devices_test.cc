@@ -1,0 +1,539 @@
+#include "app/platform/linux/linux_devices.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/platform/linux/evdev_description.h"
+#include "tests/platform/linux/fake_nodes.h"
+
+namespace platform {
+namespace {
+
+DeviceFacts Pad(const char* name, const char* unique = "") {
+  EvdevDescription described(name);
+  described.Ids(0x1234, 0x5678, 0x0111).Unique(unique);
+  described.Keys({BTN_A, BTN_B, BTN_X}).Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100);
+  described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1);
+  return described.Facts();
+}
+
+DeviceFacts Keyboard() {
+  EvdevDescription described("A Keyboard");
+  described.Keys(KEY_ESC, KEY_MICMUTE);
+  return described.Facts();
+}
+
+struct ReleaseDevice {
+  void operator()(DirectInputDevice* device) const { device->Release(); }
+};
+using Opened = std::unique_ptr<DirectInputDevice, ReleaseDevice>;
+
+class LinuxDevicesTest : public ::testing::Test {
+ protected:
+  LinuxDevicesTest()
+      : devices(std::make_unique<FakeNodes>(machine), [this] { return machine.nowMs; }) {
+    EXPECT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
+  }
+  ~LinuxDevicesTest() override { directInput->Release(); }
+
+  std::vector<DIDEVICEINSTANCE> List() {
+    std::vector<DIDEVICEINSTANCE> list;
+    EXPECT_EQ(directInput->EnumDevices(
+                  DI8DEVCLASS_GAMECTRL,
+                  [&](const DIDEVICEINSTANCE& instance) {
+                    list.push_back(instance);
+                    return true;
+                  },
+                  DIEDFL_ATTACHEDONLY),
+              DI_OK);
+    return list;
+  }
+  std::vector<std::string> Names() {
+    std::vector<std::string> names;
+    for (const DIDEVICEINSTANCE& instance : List()) names.push_back(instance.tszInstanceName);
+    return names;
+  }
+
+  // The device at that place of the list, as it is selected: scaled to -32000..32000, acquired.
+  Opened Open(std::size_t index = 0) {
+    const std::vector<DIDEVICEINSTANCE> list = List();
+    DirectInputDevice* device = nullptr;
+    EXPECT_LT(index, list.size());
+    if (index >= list.size()) return nullptr;
+    EXPECT_EQ(directInput->CreateDevice(list[index].guidInstance, &device), DI_OK);
+    EXPECT_EQ(device->SetDataFormat(), DI_OK);
+    EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_BACKGROUND | DISCL_NONEXCLUSIVE), DI_OK);
+    EXPECT_EQ(device->EnumObjects(
+                  [&](std::uint32_t id) {
+                    DIPROPRANGE range;
+                    range.diph.dwObj = id;
+                    range.diph.dwHow = DIPH_BYID;
+                    range.lMin = -32000;
+                    range.lMax = 32000;
+                    EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DI_OK);
+                    return true;
+                  },
+                  DIDFT_AXIS),
+              DI_OK);
+    EXPECT_EQ(device->Acquire(), DI_OK);
+    return Opened(device);
+  }
+
+  static DIJOYSTATE2 Polled(DirectInputDevice& device) {
+    EXPECT_EQ(device.Poll(), DI_OK);
+    DIJOYSTATE2 state;
+    EXPECT_EQ(device.GetDeviceState(sizeof state, &state), DI_OK);
+    return state;
+  }
+
+  // One tick of whoever polls: true on a good poll.
+  static bool Tick(DirectInputDevice& device) {
+    const HRESULT result = device.Poll();
+    if (result == DI_OK || result == DI_NOEFFECT) return true;
+    device.Acquire();
+    return false;
+  }
+
+  // Polls until the loss is told.
+  static void Lose(DirectInputDevice& device) {
+    EXPECT_EQ(device.Poll(), DI_OK);
+    EXPECT_EQ(device.Poll(), DIERR_INPUTLOST);
+  }
+
+  FakeMachine machine;
+  LinuxDevices devices;
+  DirectInput* directInput = nullptr;
+};
+
+DIJOYSTATE2 AtRest() {
+  DIJOYSTATE2 state;
+  for (std::uint32_t& hat : state.rgdwPOV) hat = kPovCentred;
+  return state;
+}
+
+::testing::AssertionResult Same(const DIJOYSTATE2& a, const DIJOYSTATE2& b) {
+  if (std::memcmp(&a, &b, sizeof a) == 0) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "states differ";
+}
+
+TEST_F(LinuxDevicesTest, OnlyTheEighthVersionIsThere) {
+  DirectInput* other = nullptr;
+  EXPECT_EQ(devices.DirectInput8Create(0x0900, &other), DIERR_OLDDIRECTINPUTVERSION);
+  EXPECT_EQ(devices.DirectInput8Create(0x0700, &other), DIERR_BETADIRECTINPUTVERSION);
+  EXPECT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, nullptr), DIERR_INVALIDPARAM);
+  EXPECT_EQ(other, nullptr);
+}
+
+TEST_F(LinuxDevicesTest, GameDevicesAreListedByTheirEventNumber) {
+  machine.Plug(10, Pad("Tenth", "c"));
+  machine.Plug(2, Pad("Second", "a"));
+  machine.Plug(3, Keyboard());
+  machine.Plug(7, Pad("Seventh", "b"));
+  EXPECT_EQ(Names(), (std::vector<std::string>{"Second", "Seventh", "Tenth"}));
+}
+
+TEST_F(LinuxDevicesTest, AnEmptyMachineListsNothing) { EXPECT_EQ(Names().size(), 0u); }
+
+TEST_F(LinuxDevicesTest, TheVisitorMayStop) {
+  machine.Plug(1, Pad("a", "a"));
+  machine.Plug(2, Pad("b", "b"));
+  int visits = 0;
+  EXPECT_EQ(directInput->EnumDevices(
+                DI8DEVCLASS_GAMECTRL, [&](const DIDEVICEINSTANCE&) { return ++visits < 1; }, 0),
+            DI_OK);
+  EXPECT_EQ(visits, 1);
+  EXPECT_EQ(directInput->EnumDevices(
+                3, [](const DIDEVICEINSTANCE&) { return true; }, 0),
+            DIERR_INVALIDPARAM);
+}
+
+TEST_F(LinuxDevicesTest, ADeviceThatMayNotBeOpenedIsNotListed) {
+  machine.Plug(1, Pad("a", "a"))->openError = EACCES;
+  EXPECT_EQ(Names().size(), 0u);
+}
+
+TEST_F(LinuxDevicesTest, ALongNameIsCut) {
+  machine.Plug(1, Pad(std::string(300, 'x').c_str()));
+  EXPECT_EQ(Names(), std::vector<std::string>{std::string(259, 'x')});
+}
+
+TEST_F(LinuxDevicesTest, EqualPadsDiffer) {
+  machine.Plug(1, Pad("a"));
+  machine.Plug(2, Pad("a"));
+  const std::vector<DIDEVICEINSTANCE> list = List();
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_NE(list[0].guidInstance, list[1].guidInstance);
+  EXPECT_EQ(list[0].guidProduct, list[1].guidProduct);
+  EXPECT_EQ(List()[1].guidInstance, list[1].guidInstance);
+}
+
+TEST_F(LinuxDevicesTest, AnUnknownIdentityIsNoDevice) {
+  machine.Plug(1, Pad("a"));
+  DirectInputDevice* device = nullptr;
+  EXPECT_EQ(directInput->CreateDevice(GUID(), &device), DIERR_DEVICENOTREG);
+  EXPECT_EQ(device, nullptr);
+}
+
+TEST_F(LinuxDevicesTest, CapabilitiesCountButtonsAxesAndHats) {
+  machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  DIDEVCAPS caps;
+  EXPECT_EQ(device->GetCapabilities(&caps), DI_OK);
+  EXPECT_EQ(caps.dwSize, 44u);
+  EXPECT_EQ(caps.dwButtons, 3u);
+  EXPECT_EQ(caps.dwAxes, 2u);
+  EXPECT_EQ(caps.dwPOVs, 1u);
+  caps.dwSize = 24;
+  EXPECT_EQ(device->GetCapabilities(&caps), DIERR_INVALIDPARAM);
+}
+
+TEST_F(LinuxDevicesTest, AxesAreNamedByTheirPlaces) {
+  EvdevDescription described("a");
+  described.Keys({BTN_A}).Axes({ABS_X, ABS_RZ, ABS_THROTTLE});
+  machine.Plug(1, described.Facts());
+  const Opened device = Open();
+  std::vector<std::uint32_t> ids;
+  device->EnumObjects(
+      [&](std::uint32_t id) {
+        ids.push_back(id);
+        return true;
+      },
+      DIDFT_AXIS);
+  EXPECT_EQ(ids, (std::vector<std::uint32_t>{0x002, 0x502, 0x602}));
+}
+
+TEST_F(LinuxDevicesTest, OtherPropertiesAndLevelsAreRefused) {
+  machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  DIPROPRANGE range;
+  range.diph.dwHow = DIPH_BYID;
+  range.diph.dwObj = 0x002;
+  range.lMin = 0;
+  range.lMax = 10;
+  EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DI_OK);
+  EXPECT_EQ(device->SetProperty(5, range), DIERR_INVALIDPARAM);
+  range.lMin = 11;
+  EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DIERR_INVALIDPARAM);
+  range.lMin = 0;
+  range.diph.dwObj = 0x202;  // lZ, which this pad lacks
+  EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DIERR_INVALIDPARAM);
+  EXPECT_EQ(device->SetCooperativeLevel(0, 1 | DISCL_BACKGROUND), DIERR_INVALIDPARAM);
+}
+
+TEST_F(LinuxDevicesTest, TheFirstStateIsWhatTheKernelHolds) {
+  EvdevDescription described("a");
+  described.Keys({BTN_A, BTN_B, BTN_X}).Down(BTN_B);
+  described.Axis(ABS_X, -100, 100, 50).Axis(ABS_Y, 0, 200, 200);
+  described.Axis(ABS_HAT0X, -1, 1, 1).Axis(ABS_HAT0Y, -1, 1, 0);
+  machine.Plug(1, described.Facts());
+  const Opened device = Open();
+  DIJOYSTATE2 expected = AtRest();
+  expected.rgbButtons[1] = 0x80;
+  expected.lX = 16000;
+  expected.lY = 32000;
+  expected.rgdwPOV[0] = 9000;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+}
+
+TEST_F(LinuxDevicesTest, EventsChangeTheState) {
+  const auto pad = machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  EXPECT_TRUE(Same(Polled(*device), AtRest()));
+  FakeMachine::Say(*pad, EV_KEY, BTN_X, 1);
+  FakeMachine::Say(*pad, EV_ABS, ABS_X, -100);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0X, -1);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0Y, 1);
+  FakeMachine::Say(*pad, EV_SYN, SYN_REPORT, 0);
+  DIJOYSTATE2 expected = AtRest();
+  expected.rgbButtons[2] = 0x80;
+  expected.lX = -32000;
+  expected.rgdwPOV[0] = 22500;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+  FakeMachine::Say(*pad, EV_KEY, BTN_X, 0);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0X, 0);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0Y, 0);
+  expected = AtRest();
+  expected.lX = -32000;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+}
+
+TEST_F(LinuxDevicesTest, EventsOfNoConcernChangeNothing) {
+  const auto pad = machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  FakeMachine::Say(*pad, EV_KEY, KEY_A, 1);
+  FakeMachine::Say(*pad, EV_MSC, MSC_SCAN, 0x90001);
+  FakeMachine::Say(*pad, EV_ABS, ABS_MISC, 7);
+  FakeMachine::Say(*pad, EV_KEY, 0xFFFF, 1);
+  FakeMachine::Say(*pad, EV_ABS, 0xFFFF, 1);
+  EXPECT_TRUE(Same(Polled(*device), AtRest()));
+}
+
+TEST_F(LinuxDevicesTest, AQuietPollReadsOnce) {
+  const auto pad = machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  const int before = pad->readsDone;
+  EXPECT_EQ(device->Poll(), DI_OK);
+  EXPECT_EQ(pad->readsDone, before + 1);
+}
+
+TEST_F(LinuxDevicesTest, LostEventsAreCaughtUpWith) {
+  const auto pad = machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
+  FakeMachine::Say(*pad, EV_SYN, SYN_DROPPED, 0, LIBEVDEV_READ_STATUS_SYNC);
+  FakeMachine::Say(*pad, EV_KEY, BTN_A, 0, LIBEVDEV_READ_STATUS_SYNC);
+  FakeMachine::Say(*pad, EV_KEY, BTN_B, 1, LIBEVDEV_READ_STATUS_SYNC);
+  FakeMachine::Say(*pad, EV_KEY, BTN_X, 1);  // after it
+  DIJOYSTATE2 expected = AtRest();
+  expected.rgbButtons[1] = expected.rgbButtons[2] = 0x80;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+  EXPECT_TRUE(pad->reads.empty());
+}
+
+TEST_F(LinuxDevicesTest, AStateNeedsAcquiringAndItsSize) {
+  machine.Plug(1, Pad("a"));
+  const Opened device = Open();
+  DIJOYSTATE2 state;
+  EXPECT_EQ(device->GetDeviceState(80, &state), DIERR_INVALIDPARAM);
+  EXPECT_EQ(device->Acquire(), DI_NOEFFECT);
+  EXPECT_EQ(device->Unacquire(), DI_OK);
+  EXPECT_EQ(device->Unacquire(), DI_NOEFFECT);
+  EXPECT_EQ(device->Poll(), DIERR_NOTACQUIRED);
+  EXPECT_EQ(device->GetDeviceState(sizeof state, &state), DIERR_NOTACQUIRED);
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  EXPECT_EQ(device->Poll(), DI_OK);
+}
+
+TEST_F(LinuxDevicesTest, APulledPadComesToRestBeforeItIsLost) {
+  EvdevDescription described("a");
+  described.Keys({BTN_A}).Axis(ABS_X, -100, 100).Axis(ABS_Z, 0, 255).Axis(ABS_HAT0Y, -1, 1);
+  const auto pad = machine.Plug(1, described.Facts());
+  const Opened device = Open();
+  FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
+  FakeMachine::Say(*pad, EV_ABS, ABS_X, 100);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0Y, -1);
+  DIJOYSTATE2 expected = AtRest();
+  expected.rgbButtons[0] = 0x80;
+  expected.lX = 32000;
+  expected.lZ = -32000;
+  expected.rgdwPOV[0] = 0;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+  machine.Pull(pad);
+  EXPECT_TRUE(Same(Polled(*device), AtRest()));
+  EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
+  DIJOYSTATE2 state;
+  EXPECT_EQ(device->GetDeviceState(sizeof state, &state), DIERR_INPUTLOST);
+}
+
+TEST_F(LinuxDevicesTest, ALostPadComesBackAsSoonAsItsNodeDoes) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  for (int round = 0; round < 3; ++round) {
+    machine.Pull(pad);
+    Lose(*device);
+    EXPECT_FALSE(Tick(*device));
+    EXPECT_FALSE(Tick(*device));
+    EvdevDescription described("a");
+    described.Ids(0x1234, 0x5678, 0x0111).Unique("serial");
+    described.Keys({BTN_A, BTN_B, BTN_X}).Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100);
+    described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1).Down(BTN_B);
+    pad = machine.Plug(20 + round, described.Facts());
+    EXPECT_FALSE(Tick(*device));  // this tick's Acquire opens it
+    DIJOYSTATE2 expected = AtRest();
+    expected.rgbButtons[1] = 0x80;
+    EXPECT_TRUE(Same(Polled(*device), expected)) << "round " << round;
+  }
+}
+
+TEST_F(LinuxDevicesTest, TheRangesStayOverALoss) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  pad = machine.Plug(6, Pad("a", "serial"));
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  FakeMachine::Say(*pad, EV_ABS, ABS_Y, -50);
+  EXPECT_EQ(Polled(*device).lY, -16000);
+}
+
+TEST_F(LinuxDevicesTest, AReturnBeforeTheLossWasSeenIsFoundAtOnce) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  machine.Plug(5, Pad("a", "serial"));
+  Lose(*device);
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  EXPECT_TRUE(Same(Polled(*device), AtRest()));
+}
+
+TEST_F(LinuxDevicesTest, WaitingForALostPadIsOneLookATick) {
+  machine.Plug(3, Keyboard());
+  const auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));  // listens, and searches once
+  const int lists = machine.lists;
+  const int opens = machine.opens;
+  const int looks = machine.looks;
+  for (int i = 0; i < 100; ++i) {
+    machine.nowMs += 100;
+    EXPECT_FALSE(Tick(*device));
+  }
+  EXPECT_EQ(machine.lists, lists);
+  EXPECT_EQ(machine.opens, opens);
+  EXPECT_EQ(machine.looks, looks + 100);
+}
+
+TEST_F(LinuxDevicesTest, NewsOfOtherDevicesIsNoReasonToSearch) {
+  const auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  const int lists = machine.lists;
+  machine.Plug(6, Keyboard());
+  machine.Plug(7, Pad("a", "another"));
+  machine.reports.emplace_back(NodeWatch::Report::Other, NodePlace());
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(machine.reports.empty());
+  EXPECT_EQ(machine.lists, lists);
+}
+
+TEST_F(LinuxDevicesTest, LostNewsLeadsToASearch) {
+  const auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  machine.Plug(6, Pad("a", "serial"));
+  machine.reports.clear();
+  machine.reports.emplace_back(NodeWatch::Report::Overrun, NodePlace());
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+}
+
+TEST_F(LinuxDevicesTest, AnEqualPadThatStayedIsNotTakenForTheLostOne) {
+  const auto first = machine.Plug(5, Pad("a"));
+  const auto second = machine.Plug(6, Pad("a"));
+  const Opened device = Open(0);
+  machine.Pull(first);
+  Lose(*device);
+  for (int i = 0; i < 5; ++i) EXPECT_FALSE(Tick(*device));
+  const auto back = machine.Plug(9, Pad("a"));
+  EXPECT_FALSE(Tick(*device));
+  FakeMachine::Say(*back, EV_KEY, BTN_A, 1);
+  FakeMachine::Say(*second, EV_KEY, BTN_B, 1);
+  DIJOYSTATE2 expected = AtRest();
+  expected.rgbButtons[0] = 0x80;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+}
+
+TEST_F(LinuxDevicesTest, TheMotionSensorOfTheSamePadIsNotTakenForIt) {
+  EvdevDescription sensor("a");
+  sensor.Ids(0x1234, 0x5678, 0x0111).Unique("serial").Axes({ABS_X, ABS_Y, ABS_Z});
+  sensor.Property(INPUT_PROP_ACCELEROMETER);
+  const auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  machine.Plug(6, sensor.Facts());
+  machine.Plug(7, Pad("a", "serial"));
+  EXPECT_FALSE(Tick(*device));
+  DIDEVCAPS caps;
+  EXPECT_EQ(device->GetCapabilities(&caps), DI_OK);
+  EXPECT_EQ(caps.dwButtons, 3u);
+  EXPECT_TRUE(Tick(*device));
+}
+
+TEST_F(LinuxDevicesTest, APermissionThatComesLaterIsWaitedForEverLessOften) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  machine.nowMs = 1000;
+  pad = machine.Plug(6, Pad("a", "serial"));
+  pad->openError = EACCES;
+  std::vector<std::int64_t> attempts;
+  for (int opens = machine.opens; machine.nowMs < 5000; ++machine.nowMs) {
+    EXPECT_FALSE(Tick(*device));
+    if (machine.opens != opens) attempts.push_back(machine.nowMs);
+    opens = machine.opens;
+  }
+  // 20 ms later, 40, 80 and so on, and no less often than once a second.
+  EXPECT_EQ(attempts,
+            (std::vector<std::int64_t>{1000, 1020, 1060, 1140, 1300, 1620, 2260, 3260, 4260}));
+  pad->openError = 0;
+  machine.nowMs = 5260;
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+}
+
+TEST_F(LinuxDevicesTest, AChangeOfPermissionThatIsReportedCountsAtOnce) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  pad = machine.Plug(6, Pad("a", "serial"));
+  pad->openError = EACCES;
+  EXPECT_FALSE(Tick(*device));
+  pad->openError = 0;
+  machine.TellOf(*pad);
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+}
+
+TEST_F(LinuxDevicesTest, WithoutNewsTheSearchIsOnceASecond) {
+  machine.canWatch = false;
+  const auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  machine.Pull(pad);
+  Lose(*device);
+  EXPECT_FALSE(Tick(*device));
+  const int lists = machine.lists;
+  for (machine.nowMs = 1; machine.nowMs <= 3500; ++machine.nowMs) EXPECT_FALSE(Tick(*device));
+  EXPECT_EQ(machine.lists, lists + 3);
+  machine.Plug(6, Pad("a", "serial"));
+  machine.nowMs = 4000;
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+}
+
+TEST_F(LinuxDevicesTest, ADeviceOutlivesItsDirectory) {
+  machine.Plug(1, Pad("a"));
+  DirectInput* other = nullptr;
+  DirectInputDevice* device = nullptr;
+  {
+    LinuxDevices gone(std::make_unique<FakeNodes>(machine), [] { return std::int64_t{0}; });
+    ASSERT_EQ(gone.DirectInput8Create(DIRECTINPUT_VERSION_8, &other), DI_OK);
+    ASSERT_EQ(other->CreateDevice(List()[0].guidInstance, &device), DI_OK);
+    other->Release();
+  }
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  EXPECT_EQ(device->Poll(), DI_OK);
+  device->Release();
+}
+
+TEST(UdevNodes, TheMachinesOwnListCanBeRead) {
+  LinuxDevices devices;
+  DirectInput* directInput = nullptr;
+  ASSERT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
+  EXPECT_EQ(directInput->EnumDevices(
+                DI8DEVCLASS_GAMECTRL,
+                [](const DIDEVICEINSTANCE& instance) {
+                  EXPECT_NE(instance.tszInstanceName[0], '\0');
+                  return true;
+                },
+                DIEDFL_ATTACHEDONLY),
+            DI_OK);
+  directInput->Release();
+}
+
+}  // namespace
+}  // namespace platform
