@@ -129,6 +129,7 @@ struct Simulation::Machine {
     all.timers = &timers;
     all.devices = &devices;
     all.input = &input;
+    all.files = &disk;
     all.system = &system;
     all.desktop = &desktop;
     return all;
@@ -142,6 +143,7 @@ struct Simulation::Machine {
   VirtualTimers timers{scheduler, journal};
   DeviceDirectory devices{[this] { return scheduler.Now(); }, &journal};
   KeptInput input{scheduler, journal};
+  VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
   AnsweredDesktop desktop{journal};
   const platform::Platform groups = Gathered();
@@ -168,6 +170,8 @@ void Simulation::RunUntil(std::uint64_t t) { machine->scheduler.RunUntil(t); }
 SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
   return machine->devices.Add(description);
 }
+
+VirtualDisk& Simulation::Disk() { return machine->disk; }
 
 const std::vector<SentEvent>& Simulation::Events() const { return machine->input.events; }
 

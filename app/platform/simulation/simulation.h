@@ -24,6 +24,7 @@
 #include "app/platform/platform.h"
 #include "app/platform/simulation/recording.h"
 #include "app/platform/simulation/simulated_device.h"
+#include "app/platform/simulation/virtual_disk.h"
 
 namespace platform::simulation {
 
@@ -72,6 +73,9 @@ class Simulation {
   void RunUntil(std::uint64_t t);
 
   SimulatedDevice& AddDevice(const DeviceDescription& description);
+
+  // The files, with their own log of calls and plan of faults.
+  VirtualDisk& Disk();
 
   // Everything sent so far, and the same as lines of EventText, each ended by a line feed.
   const std::vector<SentEvent>& Events() const;

@@ -1,0 +1,600 @@
+#include "app/platform/simulation/virtual_disk.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+#include "app/platform/file_pattern.h"
+
+namespace platform::simulation {
+namespace {
+
+// No file grows beyond this: a position far out must fail like a full disk, not use up the memory.
+constexpr std::size_t kLargestFile = std::size_t{1} << 30;
+
+// 2001-01-01 00:00 UTC, where the simulation's time starts, and a millisecond, in units of 100 ns.
+constexpr std::uint64_t kStartOfTime = 126'227'808'000'000'000;
+constexpr std::uint64_t kMillisecond = 10'000;
+
+bool IsFolder(std::uint32_t attributes) { return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+
+bool IsReadOnly(std::uint32_t attributes) { return (attributes & FILE_ATTRIBUTE_READONLY) != 0; }
+
+// FILE_ATTRIBUTE_NORMAL stands for no other bit.
+std::uint32_t Normalized(std::uint32_t attributes) {
+  attributes &= ~FILE_ATTRIBUTE_NORMAL;
+  return attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes;
+}
+
+}  // namespace
+
+struct VirtualDisk::Node {
+  std::string name;
+  std::uint32_t attributes = FILE_ATTRIBUTE_NORMAL;
+  std::string bytes;
+  std::vector<std::shared_ptr<Node>> children;  // in the order of their making
+  std::uint64_t created = 0;
+  std::uint64_t written = 0;
+};
+
+class VirtualDisk::OpenFile final : public File {
+ public:
+  OpenFile(VirtualDisk& disk, std::shared_ptr<Node> node, std::string path, std::uint32_t access)
+      : disk(disk),
+        openHandles(disk.openHandles),
+        node(std::move(node)),
+        path(std::move(path)),
+        access(access),
+        life(disk.life) {
+    ++*openHandles;
+  }
+  ~OpenFile() override { --*openHandles; }
+
+  bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
+    *read = 0;
+    if (const Fate fate = disk.Enter("ReadFile", path, false); fate.error) {
+      return disk.Fail(fate.error);
+    }
+    if (!Usable()) return disk.Fail(ERROR_INVALID_HANDLE);
+    if (!(access & GENERIC_READ)) return disk.Fail(ERROR_ACCESS_DENIED);
+    if (position >= node->bytes.size()) return true;
+    const std::size_t taken = std::min<std::size_t>(wanted, node->bytes.size() - position);
+    if (taken > 0) std::memcpy(buffer, node->bytes.data() + position, taken);
+    position += taken;
+    *read = static_cast<std::uint32_t>(taken);
+    return true;
+  }
+
+  bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
+    *written = 0;
+    const Fate fate = disk.Enter("WriteFile", path, true, size);
+    if (!Usable()) return disk.Fail(fate.error ? fate.error : ERROR_INVALID_HANDLE);
+    if (!(access & GENERIC_WRITE)) return disk.Fail(fate.error ? fate.error : ERROR_ACCESS_DENIED);
+    if (position > kLargestFile || size > kLargestFile - position) {
+      return disk.Fail(fate.error ? fate.error : ERROR_DISK_FULL);
+    }
+    const std::uint32_t n = fate.error ? std::min(size, fate.bytes) : size;
+    if (n > 0) {
+      // A gap behind the old end reads as zeros.
+      if (node->bytes.size() < position + n) node->bytes.resize(position + n);
+      std::memcpy(node->bytes.data() + position, data, n);
+      position += n;
+      node->written = disk.FileTime();
+    }
+    *written = n;
+    return fate.error ? disk.Fail(fate.error) : true;
+  }
+
+  bool SetFilePointer(std::int64_t distance, std::uint32_t method,
+                      std::int64_t* newPosition) override {
+    if (const Fate fate = disk.Enter("SetFilePointer", path, false); fate.error) {
+      return disk.Fail(fate.error);
+    }
+    if (!Usable() || method > FILE_END) return disk.Fail(ERROR_INVALID_HANDLE);
+    const std::size_t from = method == FILE_BEGIN     ? 0
+                             : method == FILE_CURRENT ? position
+                                                      : node->bytes.size();
+    std::int64_t target = 0;
+    if (__builtin_add_overflow(static_cast<std::int64_t>(from), distance, &target) || target < 0) {
+      return disk.Fail(ERROR_NEGATIVE_SEEK);
+    }
+    position = static_cast<std::size_t>(target);
+    if (newPosition) *newPosition = target;
+    return true;
+  }
+
+  bool CloseHandle() override {
+    const Fate fate = disk.Enter("CloseHandle", path, (access & GENERIC_WRITE) != 0);
+    const bool usable = Usable();
+    closed = true;
+    if (fate.error) return disk.Fail(fate.error);
+    return usable || disk.Fail(ERROR_INVALID_HANDLE);
+  }
+
+ private:
+  bool Usable() const { return !closed && life == disk.life; }
+
+  VirtualDisk& disk;
+  const std::shared_ptr<std::uint32_t> openHandles;
+  const std::shared_ptr<Node> node;
+  const std::string path;
+  const std::uint32_t access;
+  const std::uint64_t life;
+  std::size_t position = 0;
+  bool closed = false;
+};
+
+// Goes through the names that were there at its start, and passes over those that went away.
+class VirtualDisk::Search final : public FileSearch {
+ public:
+  Search(VirtualDisk& disk, std::string path, std::shared_ptr<Node> folder, Names names)
+      : disk(disk),
+        openHandles(disk.openHandles),
+        path(std::move(path)),
+        folder(std::move(folder)),
+        names(std::move(names)),
+        life(disk.life) {
+    ++*openHandles;
+  }
+  ~Search() override { --*openHandles; }
+
+  bool FindNextFileA(FindData* data) override {
+    if (const Fate fate = disk.Enter("FindNextFileA", path, false); fate.error) {
+      return disk.Fail(fate.error);
+    }
+    if (life != disk.life) return disk.Fail(ERROR_INVALID_HANDLE);
+    return Step(data);
+  }
+
+  bool Step(FindData* data) {
+    while (next < names.size()) {
+      const std::string& name = names[next++];
+      const bool isSelf = name == "." || name == "..";
+      const std::shared_ptr<Node> node = isSelf ? folder : disk.Child(*folder, name);
+      if (!node) continue;
+      *data = disk.Data(*node, name);
+      return true;
+    }
+    return disk.Fail(ERROR_NO_MORE_FILES);
+  }
+
+ private:
+  VirtualDisk& disk;
+  const std::shared_ptr<std::uint32_t> openHandles;
+  const std::string path;
+  const std::shared_ptr<Node> folder;
+  const Names names;
+  const std::uint64_t life;
+  std::size_t next = 0;
+};
+
+VirtualDisk::VirtualDisk(std::function<std::uint64_t()> now)
+    : now(std::move(now)), openHandles(std::make_shared<std::uint32_t>(0)) {
+  Format('/');
+}
+
+VirtualDisk::~VirtualDisk() = default;
+
+void VirtualDisk::Format(char newSeparator) {
+  separator = newSeparator;
+  top = std::make_shared<Node>();
+  top->attributes = FILE_ATTRIBUTE_DIRECTORY;
+  currentFolder.clear();
+  const bool hasDrives = separator == '\\';
+  programPath = hasDrives ? "C:\\game\\kelvaro.exe" : "/game/kelvaro";
+  const std::string home = hasDrives ? "C:\\home\\player" : "/home/player";
+  drives = hasDrives ? 4 : 0;
+  Add(*top, hasDrives ? "C:" : "", FILE_ATTRIBUTE_DIRECTORY);
+  PutFile(programPath, "program");
+  PutFolder(home);
+  currentFolder = *Parts(home);
+}
+
+void VirtualDisk::PutFile(const std::string& path, std::string bytes, std::uint32_t attributes) {
+  Make(path, attributes)->bytes = std::move(bytes);
+}
+
+void VirtualDisk::PutFolder(const std::string& path, std::uint32_t attributes) {
+  Make(path, attributes | FILE_ATTRIBUTE_DIRECTORY);
+}
+
+void VirtualDisk::Remove(const std::string& path) {
+  std::optional<Names> parts = Parts(path);
+  if (!parts || parts->size() < 2) return;
+  const std::shared_ptr<Node> node = Find(*parts);
+  parts->pop_back();
+  const std::shared_ptr<Node> folder = Find(*parts);
+  if (node && folder) std::erase(folder->children, node);
+}
+
+bool VirtualDisk::Exists(const std::string& path) const { return Look(path) != nullptr; }
+
+std::optional<std::string> VirtualDisk::FileBytes(const std::string& path) const {
+  const std::shared_ptr<Node> node = Look(path);
+  if (!node || IsFolder(node->attributes)) return std::nullopt;
+  return node->bytes;
+}
+
+std::uint32_t VirtualDisk::Attributes(const std::string& path) const {
+  const std::shared_ptr<Node> node = Look(path);
+  return node ? node->attributes : INVALID_FILE_ATTRIBUTES;
+}
+
+std::vector<std::string> VirtualDisk::List(const std::string& folder) const {
+  std::vector<std::string> names;
+  if (const std::shared_ptr<Node> node = Look(folder)) {
+    for (const std::shared_ptr<Node>& child : node->children) names.push_back(child->name);
+  }
+  return names;
+}
+
+void VirtualDisk::FailOperation(std::uint64_t n, std::uint32_t error) {
+  Plan(n, Fault{{error, 0}, false});
+}
+
+void VirtualDisk::FailInside(std::uint64_t n, std::uint32_t bytes, std::uint32_t error) {
+  Plan(n, Fault{{error, bytes}, false});
+}
+
+void VirtualDisk::StopBefore(std::uint64_t n) { Plan(n, Fault{{ERROR_NOT_READY, 0}, true}); }
+
+void VirtualDisk::StopInside(std::uint64_t n, std::uint32_t bytes) {
+  Plan(n, Fault{{ERROR_NOT_READY, bytes}, true});
+}
+
+void VirtualDisk::StopAfter(std::uint64_t n) { StopBefore(n + 1); }
+
+bool VirtualDisk::IsStopped() const {
+  if (stopped) return true;
+  const auto next = faults.find(operations + 1);
+  return next != faults.end() && next->second.stops && next->second.fate.bytes == 0;
+}
+
+void VirtualDisk::Restart() {
+  stopped = false;
+  faults.clear();
+  ++life;
+}
+
+std::uint32_t VirtualDisk::Count(std::string_view operation) const {
+  return static_cast<std::uint32_t>(
+      std::count_if(log.begin(), log.end(),
+                    [operation](const DiskOperation& noted) { return noted.name == operation; }));
+}
+
+void VirtualDisk::Plan(std::uint64_t n, const Fault& fault) { faults[operations + n] = fault; }
+
+VirtualDisk::Fate VirtualDisk::Enter(const char* name, const std::string& path, bool changes,
+                                     std::uint32_t size) {
+  ++operations;
+  log.push_back(DiskOperation{name, path, size, changes});
+  if (stopped) return Fate{ERROR_NOT_READY, 0};
+  const auto fault = faults.find(operations);
+  if (fault == faults.end()) return Fate{};
+  stopped = fault->second.stops;
+  return fault->second.fate;
+}
+
+bool VirtualDisk::Fail(std::uint32_t error) {
+  lastError = error;
+  return false;
+}
+
+std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uint32_t access,
+                                               std::uint32_t, std::uint32_t disposition) {
+  const bool makes = disposition == CREATE_ALWAYS;
+  const bool changes = makes || (access & GENERIC_WRITE);
+  const auto refuse = [this](std::uint32_t error) {
+    Fail(error);
+    return nullptr;
+  };
+  if (const Fate fate = Enter("CreateFileA", path, changes); fate.error) return refuse(fate.error);
+  std::string name;
+  const std::shared_ptr<Node> folder = Parent(path, &name);
+  if (!folder) return nullptr;
+  std::shared_ptr<Node> node = Child(*folder, name);
+  if (!node) {
+    if (!makes) return refuse(ERROR_FILE_NOT_FOUND);
+    node = Add(*folder, name, FILE_ATTRIBUTE_NORMAL);
+  } else {
+    if (IsFolder(node->attributes) || (changes && IsReadOnly(node->attributes))) {
+      return refuse(ERROR_ACCESS_DENIED);
+    }
+    if (makes) {
+      node->bytes.clear();
+      node->written = FileTime();
+    }
+  }
+  return std::make_unique<OpenFile>(*this, node, path, access);
+}
+
+bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
+  if (const Fate fate = Enter("CopyFileA", to, true); fate.error) return Fail(fate.error);
+  const std::shared_ptr<Node> source = Find(from);
+  if (!source) return false;
+  std::string name;
+  const std::shared_ptr<Node> folder = Parent(to, &name);
+  if (!folder) return false;
+  std::shared_ptr<Node> target = Child(*folder, name);
+  if (IsFolder(source->attributes)) return Fail(ERROR_ACCESS_DENIED);
+  if (target && failIfExists) return Fail(ERROR_FILE_EXISTS);
+  if (target && (IsFolder(target->attributes) || IsReadOnly(target->attributes))) {
+    return Fail(ERROR_ACCESS_DENIED);
+  }
+  const std::string bytes = source->bytes;
+  if (!target) {
+    target = Add(*folder, name, source->attributes);
+  } else if (copyStep == 0) {
+    // The old file lives on for those who have it open.
+    auto& place = *std::find(folder->children.begin(), folder->children.end(), target);
+    target = std::make_shared<Node>(*target);
+    place = target;
+  }
+  target->written = source->written;
+  if (copyStep == 0) {
+    target->bytes = bytes;
+    return true;
+  }
+  target->bytes.clear();
+  for (std::size_t done = 0; done < bytes.size();) {
+    const std::uint32_t size =
+        static_cast<std::uint32_t>(std::min<std::size_t>(copyStep, bytes.size() - done));
+    const Fate fate = Enter("CopyFileA", to, true, size);
+    const std::uint32_t n = fate.error ? std::min(size, fate.bytes) : size;
+    target->bytes.append(bytes, done, n);
+    if (fate.error) return Fail(fate.error);
+    done += n;
+  }
+  return true;
+}
+
+bool VirtualDisk::DeleteFileA(const std::string& path) {
+  if (const Fate fate = Enter("DeleteFileA", path, true); fate.error) return Fail(fate.error);
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return false;
+  if (IsFolder(node->attributes) || IsReadOnly(node->attributes)) return Fail(ERROR_ACCESS_DENIED);
+  Remove(path);
+  return true;
+}
+
+std::uint32_t VirtualDisk::GetFileAttributesA(const std::string& path) {
+  std::shared_ptr<Node> node;
+  if (const Fate fate = Enter("GetFileAttributesA", path, false); fate.error) {
+    Fail(fate.error);
+  } else {
+    node = Find(path);
+  }
+  return node ? node->attributes : INVALID_FILE_ATTRIBUTES;
+}
+
+bool VirtualDisk::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
+  if (const Fate fate = Enter("SetFileAttributesA", path, true); fate.error) {
+    return Fail(fate.error);
+  }
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return false;
+  node->attributes = Normalized((node->attributes & ~FILE_ATTRIBUTE_READONLY) |
+                                (attributes & FILE_ATTRIBUTE_READONLY));
+  return true;
+}
+
+bool VirtualDisk::CreateDirectoryA(const std::string& path) {
+  if (const Fate fate = Enter("CreateDirectoryA", path, true); fate.error) return Fail(fate.error);
+  std::string name;
+  const std::shared_ptr<Node> folder = Parent(path, &name);
+  if (!folder) return false;
+  if (Child(*folder, name)) return Fail(ERROR_ALREADY_EXISTS);
+  Add(*folder, name, FILE_ATTRIBUTE_DIRECTORY);
+  return true;
+}
+
+std::unique_ptr<FileSearch> VirtualDisk::FindFirstFileA(const std::string& pattern,
+                                                        FindData* data) {
+  if (const Fate fate = Enter("FindFirstFileA", pattern, false); fate.error) {
+    Fail(fate.error);
+    return nullptr;
+  }
+  const std::size_t last = pattern.rfind(separator);
+  const std::size_t start = last == std::string::npos ? 0 : last + 1;
+  const std::string wanted = pattern.substr(start);
+  const std::string place = pattern.substr(0, start);
+  const std::shared_ptr<Node> folder = place.empty() ? Find(currentFolder) : Look(place);
+  if (!folder || !IsFolder(folder->attributes)) {
+    Fail(ERROR_PATH_NOT_FOUND);
+    return nullptr;
+  }
+  Names names;
+  const auto exact = [&wanted](const std::shared_ptr<Node>& node) { return node->name == wanted; };
+  if (!HasWildcards(wanted) &&
+      std::any_of(folder->children.begin(), folder->children.end(), exact)) {
+    names.push_back(wanted);
+  } else {
+    for (const char* self : {".", ".."}) {
+      if (FitsPattern(self, wanted)) names.push_back(self);
+    }
+    for (const std::shared_ptr<Node>& node : folder->children) {
+      if (FitsPattern(node->name, wanted)) names.push_back(node->name);
+    }
+  }
+  if (names.empty() || wanted.empty()) {
+    Fail(ERROR_FILE_NOT_FOUND);
+    return nullptr;
+  }
+  auto search = std::make_unique<Search>(*this, pattern, folder, std::move(names));
+  search->Step(data);
+  return search;
+}
+
+std::string VirtualDisk::GetCurrentDirectoryA() {
+  if (const Fate fate = Enter("GetCurrentDirectoryA", "", false); fate.error) {
+    Fail(fate.error);
+    return {};
+  }
+  return Joined(currentFolder);
+}
+
+bool VirtualDisk::SetCurrentDirectoryA(const std::string& path) {
+  if (const Fate fate = Enter("SetCurrentDirectoryA", path, false); fate.error) {
+    return Fail(fate.error);
+  }
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return false;
+  if (!IsFolder(node->attributes)) return Fail(ERROR_PATH_NOT_FOUND);
+  currentFolder = *Parts(path);
+  return true;
+}
+
+std::optional<VirtualDisk::Names> VirtualDisk::Parts(const std::string& path) const {
+  if (path.empty() || path.find('\0') != std::string::npos) return std::nullopt;
+  const auto isSeparator = [this](char c) { return c == separator; };
+  Names parts;
+  std::size_t at = 0;
+  if (separator == '/') {
+    if (path[0] == '/') {
+      parts.emplace_back();
+    } else {
+      parts = currentFolder;
+    }
+  } else if (path.size() >= 2 && path[1] == ':') {
+    parts.push_back(path.substr(0, 2));
+    at = 2;
+  } else if (path.size() > 2 && isSeparator(path[0]) && isSeparator(path[1])) {
+    const std::size_t server = path.find(separator, 2);
+    if (server == std::string::npos || server + 1 == path.size()) return std::nullopt;
+    at = std::min(path.find(separator, server + 1), path.size());
+    parts.push_back(path.substr(0, at));
+  } else if (isSeparator(path[0])) {
+    parts.assign(1, currentFolder.front());
+  } else {
+    parts = currentFolder;
+  }
+  while (at < path.size()) {
+    const std::size_t end = std::min(path.find(separator, at), path.size());
+    const std::string name = path.substr(at, end - at);
+    at = end + 1;
+    if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      if (parts.size() > 1) parts.pop_back();
+    } else {
+      parts.push_back(name);
+    }
+  }
+  return parts;
+}
+
+std::string VirtualDisk::Joined(const Names& parts) const {
+  std::string path = parts.front();
+  if (parts.size() == 1) return path + separator;
+  for (std::size_t part = 1; part < parts.size(); ++part) {
+    path += separator;
+    path += parts[part];
+  }
+  return path;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Child(const Node& folder,
+                                                      const std::string& name) const {
+  for (const std::shared_ptr<Node>& node : folder.children) {
+    if (separator == '/' ? node->name == name : SameName(node->name, name)) return node;
+  }
+  return nullptr;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Find(const Names& parts) const {
+  std::shared_ptr<Node> node = top;
+  for (const std::string& name : parts) {
+    node = Child(*node, name);
+    if (!node) break;
+  }
+  return node;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Find(const std::string& path) {
+  std::string name;
+  const std::optional<Names> parts = Parts(path);
+  if (parts && parts->size() == 1) {
+    std::shared_ptr<Node> root = Find(*parts);
+    if (!root) Fail(ERROR_PATH_NOT_FOUND);
+    return root;
+  }
+  const std::shared_ptr<Node> folder = Parent(path, &name);
+  if (!folder) return nullptr;
+  std::shared_ptr<Node> node = Child(*folder, name);
+  if (!node) Fail(ERROR_FILE_NOT_FOUND);
+  return node;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Look(const std::string& path) const {
+  const std::optional<Names> parts = Parts(path);
+  return parts ? Find(*parts) : nullptr;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Parent(const std::string& path, std::string* name) {
+  std::optional<Names> parts = Parts(path);
+  if (!parts) {
+    Fail(ERROR_INVALID_NAME);
+    return nullptr;
+  }
+  std::shared_ptr<Node> folder;
+  if (parts->size() > 1) {
+    *name = parts->back();
+    parts->pop_back();
+    folder = Find(*parts);
+  }
+  if (!folder || !IsFolder(folder->attributes)) {
+    // A root lies in no folder, and is there already.
+    Fail(parts->size() == 1 && Find(*parts) ? ERROR_ACCESS_DENIED : ERROR_PATH_NOT_FOUND);
+    return nullptr;
+  }
+  return folder;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Make(const std::string& path,
+                                                     std::uint32_t attributes) {
+  const std::optional<Names> parts = Parts(path);
+  if (!parts) {
+    std::fprintf(stderr, "simulation: \"%s\" is no path\n", path.c_str());
+    std::abort();
+  }
+  std::shared_ptr<Node> node = top;
+  for (std::size_t part = 0; part < parts->size(); ++part) {
+    const bool isLast = part + 1 == parts->size();
+    std::shared_ptr<Node> child = Child(*node, (*parts)[part]);
+    if (!child) {
+      child = Add(*node, (*parts)[part], isLast ? attributes : FILE_ATTRIBUTE_DIRECTORY);
+    } else if (isLast) {
+      child->attributes = Normalized(attributes);
+    }
+    node = child;
+  }
+  return node;
+}
+
+std::shared_ptr<VirtualDisk::Node> VirtualDisk::Add(Node& folder, const std::string& name,
+                                                    std::uint32_t attributes) {
+  auto node = std::make_shared<Node>();
+  node->name = name;
+  node->attributes = Normalized(attributes);
+  node->created = node->written = FileTime();
+  folder.children.push_back(node);
+  return node;
+}
+
+FindData VirtualDisk::Data(const Node& node, const std::string& name) const {
+  FindData data;
+  data.name = name == "." || name == ".." ? name : node.name;
+  data.attributes = node.attributes;
+  data.size = node.bytes.size();
+  data.created = node.created;
+  data.accessed = node.written;
+  data.written = node.written;
+  return data;
+}
+
+std::uint64_t VirtualDisk::FileTime() const {
+  return kStartOfTime + (now ? now() * kMillisecond : 0);
+}
+
+}  // namespace platform::simulation
