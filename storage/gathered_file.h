@@ -1,0 +1,52 @@
+// The write side of a file that is put on disk in one piece. What is written gathers in memory,
+// where headers can still be patched; otherwise a profile would cost tens of thousands of small
+// system calls. Below 4 GiB, as the sizes inside the files are 32 bits wide. One thread at a time.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "app/platform/files.h"
+#include "foundation/byte_string.h"
+
+namespace kelvaro {
+
+class GatheredFile {
+ public:
+  // Makes the file afresh, an old content goes. False, with nothing open, on failure.
+  bool Create(const ByteString& path);
+  bool IsOpen() const { return handle != nullptr; }
+
+  // Puts bytes at the position and moves it behind them. False, with nothing changed, when nothing
+  // is open, without memory, or when the file would be too long.
+  bool Write(const void* bytes, std::uint32_t n);
+  std::uint32_t Position() const { return position; }
+  // A position behind the end is the end.
+  void Seek(std::uint32_t target);
+  void SeekToEnd() { position = size; }
+
+  // Hands to the system what it doesn't have yet. False when that didn't take all of it.
+  bool PutDown();
+  // Puts down the rest and closes. False when either failed; closed all the same. True when nothing
+  // was open.
+  bool Close();
+  // Closes without putting down the rest.
+  void Abandon();
+
+ private:
+  struct Freed {
+    void operator()(char* bytes) const { std::free(bytes); }
+  };
+  bool Grow(std::uint32_t needed);
+
+  std::unique_ptr<platform::File> handle;
+  std::unique_ptr<char[], Freed> content;
+  std::uint32_t capacity = 0;
+  std::uint32_t size = 0;
+  std::uint32_t position = 0;
+  std::uint32_t putDown = 0;         // the system has the bytes below this
+  std::uint32_t systemPosition = 0;  // where its next write goes
+};
+
+}  // namespace kelvaro

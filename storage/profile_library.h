@@ -1,0 +1,45 @@
+// The folder of profiles, "Profiles" beside the program. A profile goes by the name stored in its
+// file; the file's own name is made from that once and never read back. There is no index: every
+// call looks at the folder anew, so that files put in or taken out by hand are seen at once. Main
+// thread only.
+#pragma once
+
+#include "foundation/byte_string.h"
+#include "foundation/linked_list.h"
+
+namespace kelvaro {
+
+class ProfileLibrary {
+ public:
+  virtual ~ProfileLibrary() = default;
+
+  // The file name for a profile name, without a folder: what of it is printable ASCII and none of
+  // \/*?"<>|: and the extension ".idprof". Empty when nothing of the name is left. Different names
+  // may give the same file name.
+  static ByteString ProfileFileName(const ByteString& name);
+
+  // Without a separator at its end. It need not be there; the first save makes it.
+  static ByteString ProfileFolder();
+
+  // Replaces *list by the full paths of all files with the extension, in the order of the file
+  // system. Always true: a folder that is missing or can't be read is an empty one.
+  static bool ListProfileFiles(LinkedList<ByteString>* list);
+
+  // Replaces *list by the stored names, in the same order. Files that hold none, or can't be read,
+  // are left out. Always true.
+  bool ListProfileNames(LinkedList<ByteString>* list);
+
+  // Full path of the first file whose stored name is `name`, byte for byte; empty when there is
+  // none.
+  ByteString FindProfileFile(const ByteString& name);
+
+  // The name stored in a file; empty when it can't be opened or isn't a profile.
+  virtual ByteString ReadProfileName(const ByteString& path) = 0;
+
+ protected:
+  // Deletes the file that FindProfileFile gives. False for an empty name, when there is none, and
+  // when the system refuses, as for a read-only file.
+  bool DeleteFileOf(const ByteString& name);
+};
+
+}  // namespace kelvaro

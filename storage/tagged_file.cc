@@ -1,0 +1,332 @@
+#include "storage/tagged_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "foundation/paths.h"
+
+namespace kelvaro {
+
+namespace {
+
+constexpr std::uint32_t kChunkHead = 6;   // type and size
+constexpr std::uint32_t kIdAndCount = 8;  // the rest of a list's header
+constexpr std::uint32_t kListHeader = kChunkHead + kIdAndCount;
+
+}  // namespace
+
+const ChunkEntry* EntryCursor::At(const Entries& entries, std::int64_t index) {
+  if (!entries.head) return nullptr;
+  const std::int64_t end = entries.count - 1;
+  index = std::clamp<std::int64_t>(index, 0, end);
+
+  Entries::Node* node = entries.head;
+  std::int64_t at = 0;
+  if (end - index < index) {
+    node = entries.tail;
+    at = end;
+  }
+  if (last && std::abs(index - lastIndex) < std::abs(index - at)) {
+    node = last;
+    at = lastIndex;
+  }
+  for (; at < index; ++at, ++linksFollowed) node = node->next;
+  for (; at > index; --at, ++linksFollowed) node = node->prev;
+  last = node;
+  lastIndex = index;
+  return node->value;
+}
+
+void EntryCursor::Forget() {
+  last = nullptr;
+  lastIndex = 0;
+}
+
+TaggedFile::TaggedFile() = default;
+
+TaggedFile::~TaggedFile() { Close(); }
+
+// Reading
+
+bool TaggedFile::OpenForRead(const ByteString& target) {
+  if (isOpen) return true;
+  path = target;
+  reader.Assign(path);
+  if (!reader.Open() && !(RestoreFromTemporary() && reader.Open())) return false;
+  if (ReadStart()) return true;
+  reader.Close();
+  if (!RestoreFromTemporary() || !reader.Open()) return false;
+  if (ReadStart()) return true;
+  reader.Close();
+  return false;
+}
+
+bool TaggedFile::ReadStart() {
+  ByteString start;
+  if (!reader.ReadBytes(&start, 0, magic.Length()) || !start.Equals(magic)) return false;
+  if (!reader.ReadU16(&version, magic.Length())) return false;
+  firstChunkOffset = magic.Length() + sizeof version;
+
+  OpenList root;
+  if (!reader.ReadU16(&root.type, firstChunkOffset) || root.type != chunk_type::kList) return false;
+  if (!reader.ReadU32(&root.size, firstChunkOffset + 2)) return false;
+  if (!ReadIdAndCount(firstChunkOffset + kChunkHead, &root)) return false;
+  root.end = root.offset + root.size;
+
+  openLists.Clear();
+  current = nullptr;
+  strayLeft = kStrayLimit;
+  if (!Push(root)) return false;
+  isOpen = true;
+  isWriting = false;
+  return true;
+}
+
+bool TaggedFile::ReadIdAndCount(std::uint64_t offset, OpenList* list) {
+  if (!reader.ReadU32(&list->id, offset) || !reader.ReadU32(&list->count, offset + 4)) {
+    reader.Close();
+    return false;
+  }
+  list->offset = offset + kIdAndCount;
+  return true;
+}
+
+bool TaggedFile::Push(const OpenList& list) {
+  if (!openLists.AddTail(list)) return false;
+  if (!FillEntries(openLists.tail->value)) {
+    openLists.RemoveNode(openLists.tail);
+    return false;
+  }
+  current = openLists.tail->value;
+  return true;
+}
+
+bool TaggedFile::FillEntries(OpenList* list) {
+  list->entries.Clear();
+  list->cursor.Forget();
+  // Every entry costs at least its head, so a count that the file can't hold ends at its end.
+  std::uint64_t position = list->offset;
+  for (std::uint32_t i = 0; i < list->count; ++i) {
+    if (position >= list->end && !FollowStray(kStrayChunk)) return false;
+    ChunkEntry entry;
+    if (!reader.ReadU16(&entry.type, position)) return false;
+    if (!reader.ReadU32(&entry.size, position + 2)) {
+      reader.Close();
+      return false;
+    }
+    entry.offset = position + kChunkHead;
+    if (!list->entries.AddTail(entry)) return false;
+    position = entry.offset + entry.size;
+    if (entry.type == chunk_type::kList) position += kIdAndCount;
+  }
+  return true;
+}
+
+bool TaggedFile::FollowStray(std::uint64_t bytes) {
+  if (strayLeft == 0) return false;
+  strayLeft -= static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, strayLeft));
+  return true;
+}
+
+const ChunkEntry* TaggedFile::EntryAt(std::int64_t index) {
+  return current->cursor.At(current->entries, index);
+}
+
+bool TaggedFile::IsList(std::uint32_t index) {
+  if (!isOpen || isWriting || !current || index >= current->count) return false;
+  return EntryAt(index)->type == chunk_type::kList;
+}
+
+bool TaggedFile::ReadHead(const ChunkEntry& entry, OpenList* list) {
+  list->size = entry.size;
+  if (!ReadIdAndCount(entry.offset, list)) return false;
+  list->end = std::min(current->end, list->offset + list->size);
+  return true;
+}
+
+bool TaggedFile::DescendAt(std::int32_t index) {
+  if (!isOpen || !current || isWriting) return false;
+  const ChunkEntry* const entry = EntryAt(index);
+  OpenList list;
+  return entry && entry->type == chunk_type::kList && ReadHead(*entry, &list) && Push(list);
+}
+
+bool TaggedFile::ReadField(std::uint32_t index, ByteString* out) {
+  if (!isOpen || isWriting || !current || index >= current->count) return false;
+  const ChunkEntry& entry = *EntryAt(index);
+  const std::uint64_t end = entry.offset + entry.size;
+  const std::uint64_t inside = std::max(current->end, entry.offset);
+  if (end > inside && strayLeft == 0) return false;
+  const bool whole = reader.ReadBytes(out, entry.offset, entry.size);
+  // Paid for by what was there, so that one size beyond the end of the file doesn't use it up.
+  const std::uint64_t readTo = entry.offset + out->Length();
+  if (readTo > inside) FollowStray(std::max<std::uint64_t>(readTo - inside, kStrayChunk));
+  return whole;
+}
+
+bool TaggedFile::ReadNumber(std::int32_t index, std::uint32_t* out) {
+  if (!isOpen || isWriting || !current) return false;
+  const ChunkEntry* const entry = EntryAt(index);
+  if (!entry || entry->type != chunk_type::kNumber) return false;
+  ByteString data;
+  if (!ReadField(static_cast<std::uint32_t>(index), &data) || data.IsEmpty()) return false;
+  data.ReadU32(out);
+  return true;
+}
+
+// Both ways
+
+bool TaggedFile::Descend(std::uint32_t id) {
+  if (!isOpen || !current) return false;
+
+  if (!isWriting) {
+    for (auto* node = current->entries.head; node; node = node->next) {
+      const ChunkEntry& entry = *node->value;
+      if (entry.type != chunk_type::kList) continue;
+      OpenList list;
+      if (!ReadHead(entry, &list)) return false;
+      if (list.id == id) return Push(list);
+    }
+    return false;
+  }
+
+  OpenList list;
+  list.id = id;
+  if (!WriteHeader(&list) || !openLists.AddTail(list)) {
+    Close();
+    return false;
+  }
+  ++current->count;
+  current = openLists.tail->value;
+  return true;
+}
+
+bool TaggedFile::Ascend() {
+  if (!isOpen) return true;
+  if (!openLists.tail || !current) return false;
+
+  bool result = true;
+  std::uint32_t growth = 0;
+  if (isWriting) {
+    OpenList& list = *openLists.tail->value;
+    growth = kListHeader + list.size;
+    writeHandle.Seek(static_cast<std::uint32_t>(list.offset - kListHeader));
+    result = WriteHeader(&list);
+    writeHandle.SeekToEnd();
+  }
+  openLists.RemoveNode(openLists.tail);
+  current = openLists.tail ? openLists.tail->value : nullptr;
+  if (!current) return Close();
+  if (isWriting) current->size += growth;
+  return result;
+}
+
+bool TaggedFile::Close() {
+  if (!isOpen) return true;
+  bool result = true;
+  while (openLists.tail) {
+    // Leaving the root comes back here and does the rest. So a failure noted in this loop doesn't
+    // keep the copy from being made.
+    if (!Ascend()) result = false;
+  }
+  if (isWriting) {
+    if (writeHandle.IsOpen() && !FinishWriting()) result = false;
+  } else if (!reader.Close()) {
+    result = false;
+  }
+  current = nullptr;
+  isOpen = false;
+  return result;
+}
+
+// Writing
+
+bool TaggedFile::OpenForWrite(const ByteString& target) {
+  Close();
+  path = target;
+  if (path.IsEmpty()) return false;
+  if (!CreateFolders(FolderOf(path, true))) return false;
+  if (!writeHandle.Create(useTemporary ? TemporaryPath() : path)) return false;
+
+  OpenList root;
+  // At once, so that a disk that takes nothing is found out before anything is built on it.
+  if (!writeHandle.Write(magic.Text(), magic.Length()) || !WriteU16(1) || !WriteHeader(&root) ||
+      !writeHandle.PutDown()) {
+    writeHandle.Abandon();
+    return false;
+  }
+  openLists.Clear();
+  current = nullptr;
+  if (!openLists.AddTail(root)) {
+    writeHandle.Abandon();
+    return false;
+  }
+  current = openLists.tail->value;
+  isOpen = true;
+  isWriting = true;
+  return true;
+}
+
+bool TaggedFile::WriteHeader(OpenList* list) {
+  if (!WriteU16(list->type) || !WriteU32(list->size) || !WriteU32(list->id) ||
+      !WriteU32(list->count)) {
+    return false;
+  }
+  if (list->offset == 0) list->offset = writeHandle.Position();
+  return true;
+}
+
+bool TaggedFile::WriteU16(std::uint16_t value) {
+  const std::uint8_t bytes[] = {static_cast<std::uint8_t>(value >> 8),
+                                static_cast<std::uint8_t>(value)};
+  return writeHandle.Write(bytes, sizeof bytes);
+}
+
+bool TaggedFile::WriteU32(std::uint32_t value) {
+  const std::uint8_t bytes[] = {
+      static_cast<std::uint8_t>(value >> 24), static_cast<std::uint8_t>(value >> 16),
+      static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
+  return writeHandle.Write(bytes, sizeof bytes);
+}
+
+bool TaggedFile::WriteField(std::uint16_t type, const ByteString& data) {
+  if (!current || !isWriting) return false;
+  if (!WriteU16(type)) return false;
+  current->size += sizeof type;
+  if (!WriteU32(data.Length())) return false;
+  current->size += sizeof data.Length();
+  if (!writeHandle.Write(data.Text(), data.Length())) return false;
+  current->size += data.Length();
+  ++current->count;
+  return true;
+}
+
+bool TaggedFile::WriteBytes(const ByteString& data) { return WriteField(chunk_type::kBytes, data); }
+
+bool TaggedFile::FinishWriting() {
+  // What the system didn't take counts as a file that couldn't be closed: copied over the target,
+  // a temporary cut short by a full disk would be all that is left of the profile.
+  if (!writeHandle.Close()) return false;
+  return !useTemporary || CopyOverTarget();
+}
+
+// The temporary
+
+ByteString TaggedFile::TemporaryPath() const { return path.Concat(".tmp"); }
+
+bool TaggedFile::RestoreFromTemporary() { return FileExists(TemporaryPath()) && CopyOverTarget(); }
+
+bool TaggedFile::CopyOverTarget() {
+  const std::string target = SeamPath(path);
+  const std::string temporary = SeamPath(TemporaryPath());
+  const std::uint32_t attributes = platform::GetFileAttributesA(target);
+  if (attributes != platform::INVALID_FILE_ATTRIBUTES) {
+    platform::SetFileAttributesA(target, attributes & ~platform::FILE_ATTRIBUTE_READONLY);
+  }
+  if (!platform::CopyFileA(temporary, target, false)) return false;
+  // A temporary that stays does no harm: it is whole, and the next write begins it anew.
+  platform::DeleteFileA(temporary);
+  return true;
+}
+
+}  // namespace kelvaro
