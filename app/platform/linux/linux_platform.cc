@@ -7,6 +7,7 @@ LinuxPlatform::LinuxPlatform() {
   groups.threads = &threads;
   groups.timers = &timers;
   groups.devices = &devices;
+  groups.files = &files;
   groups.system = &system;
   groups.desktop = &desktop;
 }

@@ -7,6 +7,7 @@
 
 #include "app/platform/linux/linux_clock.h"
 #include "app/platform/linux/linux_devices.h"
+#include "app/platform/linux/linux_files.h"
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/linux_system.h"
 #include "app/platform/linux/linux_threads.h"
@@ -36,6 +37,7 @@ class LinuxPlatform {
   LinuxDevices devices;
   std::unique_ptr<LinuxInput> input;
   LinuxTimers timers;  // ends its calls before what they use goes
+  LinuxFiles files;
   LinuxSystem system;
   NoDesktop desktop;
   Platform groups;

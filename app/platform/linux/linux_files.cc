@@ -1,0 +1,489 @@
+#include "app/platform/linux/linux_files.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "app/platform/file_pattern.h"
+#include "app/platform/linux/cut_off.h"
+
+namespace platform {
+namespace {
+
+constexpr mode_t kNewFile = 0666;  // less the umask
+constexpr mode_t kNewFolder = 0777;
+constexpr mode_t kPermissions = 07777;
+constexpr int kLongestChainOfLinks = 40;  // the kernel's own limit
+constexpr char kAccessList[] = "system.posix_acl_access";
+
+constinit thread_local int lastError = 0;
+
+bool Fail(int error = errno) {
+  lastError = error;
+  return false;
+}
+
+template <typename Call>
+auto Retry(Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0 || errno != EINTR) return result;
+  }
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int fd = -1) : fd(fd) {}
+  Descriptor(Descriptor&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(fd, other.fd);
+    return *this;
+  }
+  ~Descriptor() {
+    if (fd >= 0) close(fd);
+  }
+  int Get() const { return fd; }
+  explicit operator bool() const { return fd >= 0; }
+  // Linux has let go of the number even where this tells an error.
+  bool Close() {
+    const int closing = std::exchange(fd, -1);
+    return close(closing) == 0 || errno == EINTR;
+  }
+
+ private:
+  int fd;
+};
+
+bool HasZeroByte(const std::string& path) { return path.find('\0') != std::string::npos; }
+
+// For the system; false, with the error set, for what would reach it cut short.
+bool IsPath(const std::string& path) { return !HasZeroByte(path) || Fail(EINVAL); }
+
+std::string FolderOfPath(const std::string& path) {
+  const std::size_t last = path.rfind('/');
+  if (last == std::string::npos) return ".";
+  return last == 0 ? "/" : path.substr(0, last);
+}
+
+// A folder for flushing it. Without one where it may be entered but not read.
+Descriptor OpenFolder(const std::string& path) {
+  return Descriptor(Retry([&] { return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+}
+
+// Makes the names in a folder lasting. Some file systems can't, and have to be taken as they are.
+bool FlushFolder(const Descriptor& folder) {
+  if (!folder) return true;
+  if (Retry([&] { return fsync(folder.Get()); }) == 0) return true;
+  return errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;
+}
+
+std::uint32_t AttributesOf(mode_t mode) {
+  std::uint32_t attributes = 0;
+  if (S_ISDIR(mode)) attributes |= FILE_ATTRIBUTE_DIRECTORY;
+  if (!S_ISLNK(mode) && !(mode & S_IWUSR)) attributes |= FILE_ATTRIBUTE_READONLY;
+  return attributes ? attributes : FILE_ATTRIBUTE_NORMAL;
+}
+
+// Why a file that is there can't be written, 0 if it can.
+int RefusalToWrite(const struct stat& status) {
+  if (S_ISDIR(status.st_mode)) return EISDIR;
+  if (!S_ISREG(status.st_mode)) return EINVAL;
+  return status.st_mode & S_IWUSR ? 0 : EACCES;
+}
+
+bool WriteAll(int fd, const char* data, std::size_t size, std::size_t* written) {
+  *written = 0;
+  while (*written < size) {
+    const ssize_t n = Retry([&] { return write(fd, data + *written, size - *written); });
+    if (n < 0) return Fail();
+    *written += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+class LinuxFile final : public File {
+ public:
+  LinuxFile(Descriptor file, Descriptor folder, bool isWriting)
+      : file(std::move(file)), folder(std::move(folder)), isWriting(isWriting) {}
+
+  // One call: the system gives less than was asked for only at the end of a file, or in front of
+  // what it can't read, which the next call then tells.
+  bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
+    StopHereIfCutOff();
+    *read = 0;
+    const ssize_t n = Retry([&] { return ::read(file.Get(), buffer, wanted); });
+    if (n < 0) return Fail();
+    *read = static_cast<std::uint32_t>(n);
+    return true;
+  }
+
+  bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
+    StopHereIfCutOff();
+    std::size_t done = 0;
+    const bool good = WriteAll(file.Get(), static_cast<const char*>(data), size, &done);
+    *written = static_cast<std::uint32_t>(done);
+    return good;
+  }
+
+  bool SetFilePointer(std::int64_t distance, std::uint32_t method,
+                      std::int64_t* position) override {
+    StopHereIfCutOff();
+    if (method > FILE_END) return Fail(EINVAL);
+    const int whence[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    const off64_t moved = lseek64(file.Get(), distance, whence[method]);
+    if (moved < 0) return Fail();
+    if (position) *position = moved;
+    return true;
+  }
+
+  bool CloseHandle() override {
+    StopHereIfCutOff();
+    if (!file) return Fail(EBADF);
+    bool good = true;
+    if (isWriting) {
+      good = Retry([&] { return fsync(file.Get()); }) == 0 || Fail();
+      if (good) good = FlushFolder(folder) || Fail();
+    }
+    if (!file.Close() && good) good = Fail();
+    folder = Descriptor();
+    return good;
+  }
+
+ private:
+  Descriptor file;
+  Descriptor folder;  // that the file lies in, when it is written
+  const bool isWriting;
+};
+
+std::uint64_t FileTime(const struct statx_timestamp& time) {
+  constexpr std::int64_t kFrom1601To1970 = 11'644'473'600;  // s
+  const std::int64_t units = (time.tv_sec + kFrom1601To1970) * 10'000'000 + time.tv_nsec / 100;
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(units, 0));
+}
+
+// False for what isn't there any more.
+bool Describe(int folder, const std::string& name, bool isLink, FindData* data) {
+  struct statx status;
+  const unsigned wanted = STATX_BASIC_STATS | STATX_BTIME;
+  if (statx(folder, name.c_str(), 0, wanted, &status) != 0 &&
+      (!isLink || statx(folder, name.c_str(), AT_SYMLINK_NOFOLLOW, wanted, &status) != 0)) {
+    return Fail();
+  }
+  data->name = name;
+  data->attributes = AttributesOf(status.stx_mode);
+  if (isLink) {
+    data->attributes = (data->attributes & ~FILE_ATTRIBUTE_NORMAL) | FILE_ATTRIBUTE_REPARSE_POINT;
+  }
+  data->size = S_ISREG(status.stx_mode) ? status.stx_size : 0;
+  data->written = FileTime(status.stx_mtime);
+  data->accessed = FileTime(status.stx_atime);
+  data->created = status.stx_mask & STATX_BTIME ? FileTime(status.stx_btime) : data->written;
+  return true;
+}
+
+bool IsLink(int folder, const char* name) {
+  struct stat status;
+  return fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
+}
+
+class OneFound final : public FileSearch {
+ public:
+  bool FindNextFileA(FindData*) override {
+    StopHereIfCutOff();
+    return Fail(ENOENT);
+  }
+};
+
+class LinuxSearch final : public FileSearch {
+ public:
+  LinuxSearch(DIR* folder, std::string pattern) : folder(folder), pattern(std::move(pattern)) {}
+  LinuxSearch(const LinuxSearch&) = delete;
+  LinuxSearch& operator=(const LinuxSearch&) = delete;
+  ~LinuxSearch() override { closedir(folder); }
+
+  bool FindNextFileA(FindData* data) override {
+    StopHereIfCutOff();
+    for (;;) {
+      errno = 0;
+      const struct dirent* const entry = readdir(folder);
+      if (!entry) return Fail(errno ? errno : ENOENT);
+      if (!FitsPattern(entry->d_name, pattern)) continue;
+      const bool isLink = entry->d_type == DT_LNK ||
+                          (entry->d_type == DT_UNKNOWN && IsLink(dirfd(folder), entry->d_name));
+      if (Describe(dirfd(folder), entry->d_name, isLink, data)) return true;
+    }
+  }
+
+ private:
+  DIR* const folder;
+  const std::string pattern;
+};
+
+// What a link at `path` leads to in the end, whether or not there is anything.
+std::optional<std::string> WithoutLinks(std::string path) {
+  for (int link = 0; link < kLongestChainOfLinks; ++link) {
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+    char text[PATH_MAX];
+    const ssize_t length = readlink(path.c_str(), text, sizeof text);
+    if (length < 0) {
+      Fail();
+      return std::nullopt;
+    }
+    const std::string target(text, static_cast<std::size_t>(length));
+    path = target.starts_with('/') ? target : FolderOfPath(path) + "/" + target;
+  }
+  Fail(ELOOP);
+  return std::nullopt;
+}
+
+bool CopyBytes(int from, int to) {
+  std::vector<char> buffer(std::size_t{1} << 16);
+  for (;;) {
+    const ssize_t n = Retry([&] { return read(from, buffer.data(), buffer.size()); });
+    if (n == 0) return true;
+    if (n < 0) return Fail();
+    std::size_t written = 0;
+    if (!WriteAll(to, buffer.data(), static_cast<std::size_t>(n), &written)) return false;
+  }
+}
+
+// Gives `file` the owner and group, where that is allowed, and the permissions of the old file at
+// `path`.
+bool TakeOver(int file, const std::string& path, const struct stat& old) {
+  struct stat now;
+  if (fstat(file, &now) != 0) return Fail();
+  if (now.st_gid != old.st_gid && fchown(file, static_cast<uid_t>(-1), old.st_gid) != 0 &&
+      errno != EPERM) {
+    return Fail();
+  }
+  if (now.st_uid != old.st_uid && fchown(file, old.st_uid, static_cast<gid_t>(-1)) != 0 &&
+      errno != EPERM) {
+    return Fail();
+  }
+  // A list of further users is part of the permissions; a new file may have got one of its folder.
+  char list[4096];
+  const ssize_t size = getxattr(path.c_str(), kAccessList, list, sizeof list);
+  if (size > 0) {
+    if (fsetxattr(file, kAccessList, list, static_cast<std::size_t>(size), 0) != 0) return Fail();
+  } else {
+    fremovexattr(file, kAccessList);
+  }
+  return fchmod(file, old.st_mode & kPermissions) == 0 || Fail();
+}
+
+bool Rename(const std::string& from, const std::string& to, bool failIfExists) {
+  if (failIfExists) {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+    // Not every file system can; whether the target is there was asked before.
+    if (errno != EINVAL && errno != ENOSYS) return Fail();
+  }
+  return rename(from.c_str(), to.c_str()) == 0 || Fail();
+}
+
+}  // namespace
+
+std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint32_t access,
+                                              std::uint32_t, std::uint32_t disposition) {
+  StopHereIfCutOff();
+  if (!IsPath(path)) return nullptr;
+  const bool makes = disposition == CREATE_ALWAYS;
+  const bool isWriting = makes || (access & GENERIC_WRITE);
+  int flags = access & GENERIC_WRITE ? (access & GENERIC_READ ? O_RDWR : O_WRONLY) : O_RDONLY;
+  // A pipe at this name would otherwise wait for its other end.
+  flags |= O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  // What is there already is looked at before it is emptied.
+  if (makes) flags |= O_CREAT;
+  Descriptor file(Retry([&] { return open(path.c_str(), flags, kNewFile); }));
+  struct stat status;
+  if (!file || fstat(file.Get(), &status) != 0) {
+    Fail();
+    return nullptr;
+  }
+  int refusal = 0;
+  if (isWriting) {
+    refusal = RefusalToWrite(status);
+  } else if (!S_ISREG(status.st_mode)) {
+    refusal = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+  }
+  if (refusal) {
+    Fail(refusal);
+    return nullptr;
+  }
+  if (makes && status.st_size > 0 && ftruncate(file.Get(), 0) != 0) {
+    Fail();
+    return nullptr;
+  }
+  Descriptor folder;
+  if (isWriting) folder = OpenFolder(FolderOfPath(path));
+  return std::make_unique<LinuxFile>(std::move(file), std::move(folder), isWriting);
+}
+
+bool LinuxFiles::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
+  StopHereIfCutOff();
+  if (!IsPath(from) || !IsPath(to)) return false;
+  Descriptor source(Retry([&] { return open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
+  struct stat sourceStatus;
+  if (!source || fstat(source.Get(), &sourceStatus) != 0) return Fail();
+  if (!S_ISREG(sourceStatus.st_mode)) return Fail(EINVAL);
+
+  const std::optional<std::string> target = WithoutLinks(to);
+  if (!target) return false;
+  struct stat old;
+  const bool replaces = stat(target->c_str(), &old) == 0;
+  if (!replaces && errno != ENOENT) return Fail();
+  if (replaces) {
+    if (failIfExists) return Fail(EEXIST);
+    if (const int refusal = RefusalToWrite(old)) return Fail(refusal);
+    // Replacing a file takes no right to write it, but this is to be a copy over it.
+    if (faccessat(AT_FDCWD, target->c_str(), W_OK, AT_EACCESS) != 0) return Fail();
+  }
+
+  const std::string folder = FolderOfPath(*target);
+  std::string beside = folder + "/.kelvaro-XXXXXX";
+  Descriptor copy(mkostemp(beside.data(), O_CLOEXEC));
+  if (!copy) return Fail();
+  bool good = CopyBytes(source.Get(), copy.Get());
+  if (good) {
+    good = replaces ? TakeOver(copy.Get(), *target, old)
+                    : fchmod(copy.Get(), sourceStatus.st_mode & 0777) == 0 || Fail();
+  }
+  if (good) good = Retry([&] { return fsync(copy.Get()); }) == 0 || Fail();
+  if (!copy.Close() && good) good = Fail();
+  if (good) good = Rename(beside, *target, failIfExists);
+  if (!good) {
+    unlink(beside.c_str());
+    return false;
+  }
+  return FlushFolder(OpenFolder(folder)) || Fail();
+}
+
+bool LinuxFiles::DeleteFileA(const std::string& path) {
+  StopHereIfCutOff();
+  if (!IsPath(path)) return false;
+  struct stat status;
+  // A link that leads nowhere has nothing that could hold it.
+  if (stat(path.c_str(), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) return Fail(EISDIR);
+    if (!(status.st_mode & S_IWUSR)) return Fail(EACCES);
+  }
+  return unlink(path.c_str()) == 0 || Fail();
+}
+
+std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {
+  StopHereIfCutOff();
+  struct stat status;
+  if (!IsPath(path)) return INVALID_FILE_ATTRIBUTES;
+  if (stat(path.c_str(), &status) != 0) {
+    Fail();
+    return INVALID_FILE_ATTRIBUTES;
+  }
+  return AttributesOf(status.st_mode);
+}
+
+bool LinuxFiles::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
+  StopHereIfCutOff();
+  if (!IsPath(path)) return false;
+  struct stat status;
+  if (stat(path.c_str(), &status) != 0) return Fail();
+  const mode_t now = status.st_mode & kPermissions;
+  const mode_t wanted =
+      attributes & FILE_ATTRIBUTE_READONLY ? now & ~mode_t{S_IWUSR} : now | S_IWUSR;
+  // Nothing to do is no failure, on somebody else's file either.
+  return wanted == now || chmod(path.c_str(), wanted) == 0 || Fail();
+}
+
+bool LinuxFiles::CreateDirectoryA(const std::string& path) {
+  StopHereIfCutOff();
+  if (!IsPath(path)) return false;
+  if (mkdir(path.c_str(), kNewFolder) != 0) return Fail();
+  // A file that is flushed in there must not go with its folder.
+  const std::size_t end = path.find_last_not_of('/');
+  FlushFolder(OpenFolder(FolderOfPath(path.substr(0, end + 1))));
+  return true;
+}
+
+std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& pattern, FindData* data) {
+  StopHereIfCutOff();
+  if (!IsPath(pattern)) return nullptr;
+  const std::string folder = FolderOfPath(pattern);
+  const std::size_t last = pattern.rfind('/');
+  const std::string name = last == std::string::npos ? pattern : pattern.substr(last + 1);
+  if (name.empty()) {
+    Fail(ENOENT);
+    return nullptr;
+  }
+  if (!HasWildcards(name)) {
+    const std::string path = folder + "/" + name;
+    if (Describe(AT_FDCWD, path, IsLink(AT_FDCWD, path.c_str()), data)) {
+      data->name = name;
+      return std::make_unique<OneFound>();
+    }
+  }
+  DIR* const opened = opendir(folder.c_str());
+  if (!opened) {
+    Fail();
+    return nullptr;
+  }
+  auto search = std::make_unique<LinuxSearch>(opened, name);
+  if (!search->FindNextFileA(data)) return nullptr;
+  return search;
+}
+
+std::string LinuxFiles::GetCurrentDirectoryA() {
+  StopHereIfCutOff();
+  char* const path = getcwd(nullptr, 0);
+  if (!path) {
+    Fail();
+    return {};
+  }
+  std::string folder(path);
+  free(path);
+  // Outside of the process's root there is no path to it.
+  if (!folder.starts_with('/')) {
+    Fail(ENOENT);
+    return {};
+  }
+  return folder;
+}
+
+bool LinuxFiles::SetCurrentDirectoryA(const std::string& path) {
+  StopHereIfCutOff();
+  if (!IsPath(path)) return false;
+  return chdir(path.c_str()) == 0 || Fail();
+}
+
+std::string LinuxFiles::GetModuleFileNameA() {
+  StopHereIfCutOff();
+  char text[PATH_MAX];
+  const ssize_t length = readlink("/proc/self/exe", text, sizeof text);
+  if (length < 0 || length == static_cast<ssize_t>(sizeof text)) {
+    Fail(length < 0 ? errno : ENAMETOOLONG);
+    return {};
+  }
+  std::string path(text, static_cast<std::size_t>(length));
+  constexpr std::string_view kReplaced = " (deleted)";
+  if (path.ends_with(kReplaced) && access(path.c_str(), F_OK) != 0) {
+    path.resize(path.size() - kReplaced.size());
+  }
+  return path;
+}
+
+std::uint32_t LinuxFiles::GetLastError() {
+  StopHereIfCutOff();
+  return static_cast<std::uint32_t>(lastError);
+}
+
+}  // namespace platform
