@@ -24,9 +24,9 @@ bool FailsNow() {
 
 }  // namespace
 
-// Replaces the one form that the lists use. What succeeds comes from the plain one, so that it
-// goes with the plain delete.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+// The linker leads the one form that the lists use here (CMakeLists.txt). What succeeds comes from
+// the plain one, so that it goes with the plain delete.
+extern "C" void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
   if (FailsNow()) return nullptr;
   try {
     return ::operator new(size);
