@@ -1,0 +1,330 @@
+// The same on a real kernel, with devices made through uinput. Keys go out for real, so this is for
+// a machine that nobody works at: tests/kernel/vm env KELVARO_REQUIRE=uinput test_linux.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <libevdev/libevdev-uinput.h>
+#include <libevdev/libevdev.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/linux_devices.h"
+#include "app/platform/linux/uinput_input.h"
+
+namespace platform {
+namespace {
+
+constexpr int kPatience = 10000;  // ms
+
+void Pause() { LinuxClock().Sleep(1); }
+
+// Calls `done` until it says true.
+template <typename Condition>
+bool Comes(Condition done) {
+  for (int waited = 0; waited < kPatience; ++waited) {
+    if (done()) return true;
+    Pause();
+  }
+  return false;
+}
+
+// A pad of the kernel's, there for the life of the object.
+class VirtualPad {
+ public:
+  explicit VirtualPad(const char* name) {
+    libevdev* description = libevdev_new();
+    libevdev_set_name(description, name);
+    libevdev_set_id_bustype(description, BUS_USB);
+    libevdev_set_id_vendor(description, 0x1234);
+    for (const unsigned code : {BTN_A, BTN_B, BTN_DPAD_UP})
+      libevdev_enable_event_code(description, EV_KEY, code, nullptr);
+    input_absinfo stick{};
+    stick.minimum = -100;
+    stick.maximum = 100;
+    libevdev_enable_event_code(description, EV_ABS, ABS_X, &stick);
+    input_absinfo hat{};
+    hat.minimum = -1;
+    hat.maximum = 1;
+    libevdev_enable_event_code(description, EV_ABS, ABS_HAT0X, &hat);
+    libevdev_enable_event_code(description, EV_ABS, ABS_HAT0Y, &hat);
+    if (libevdev_uinput_create_from_device(description, LIBEVDEV_UINPUT_OPEN_MANAGED, &device) != 0)
+      device = nullptr;
+    libevdev_free(description);
+  }
+  ~VirtualPad() {
+    if (device) libevdev_uinput_destroy(device);
+  }
+  VirtualPad(const VirtualPad&) = delete;
+  VirtualPad& operator=(const VirtualPad&) = delete;
+
+  bool Made() const { return device != nullptr; }
+  void Say(unsigned type, unsigned code, int value) {
+    libevdev_uinput_write_event(device, type, code, value);
+    libevdev_uinput_write_event(device, EV_SYN, SYN_REPORT, 0);
+  }
+
+ private:
+  libevdev_uinput* device = nullptr;
+};
+
+class OwnMachineTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const char* required = std::getenv("KELVARO_REQUIRE");
+    if (!required || !std::strstr(required, "uinput"))
+      GTEST_SKIP() << "types for real: only with KELVARO_REQUIRE=uinput, on a machine of its own";
+    ASSERT_EQ(access("/dev/uinput", W_OK), 0);
+    ASSERT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
+  }
+  void TearDown() override {
+    if (device) device->Release();
+    if (directInput) directInput->Release();
+  }
+
+  std::vector<DIDEVICEINSTANCE> Named(const std::string& name) {
+    std::vector<DIDEVICEINSTANCE> found;
+    directInput->EnumDevices(
+        DI8DEVCLASS_GAMECTRL,
+        [&](const DIDEVICEINSTANCE& instance) {
+          if (name == instance.tszInstanceName) found.push_back(instance);
+          return true;
+        },
+        DIEDFL_ATTACHEDONLY);
+    return found;
+  }
+
+  void Select(const std::string& name) {
+    ASSERT_TRUE(Comes([&] { return !Named(name).empty(); }));
+    identity = Named(name)[0].guidInstance;
+    ASSERT_EQ(directInput->CreateDevice(identity, &device), DI_OK);
+    device->EnumObjects(
+        [&](std::uint32_t id) {
+          DIPROPRANGE range;
+          range.diph.dwObj = id;
+          range.diph.dwHow = DIPH_BYID;
+          range.lMin = -32000;
+          range.lMax = 32000;
+          EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DI_OK);
+          return true;
+        },
+        DIDFT_AXIS);
+    ASSERT_EQ(device->Acquire(), DI_OK);
+  }
+
+  DIJOYSTATE2 Polled() {
+    EXPECT_EQ(device->Poll(), DI_OK);
+    DIJOYSTATE2 state;
+    EXPECT_EQ(device->GetDeviceState(sizeof state, &state), DI_OK);
+    return state;
+  }
+
+  LinuxDevices devices;
+  DirectInput* directInput = nullptr;
+  DirectInputDevice* device = nullptr;
+  GUID identity;
+};
+
+TEST_F(OwnMachineTest, APadTellsItsStateFromTheOpeningOn) {
+  VirtualPad pad("Pad of State");
+  ASSERT_TRUE(pad.Made());
+  pad.Say(EV_KEY, BTN_B, 1);
+  pad.Say(EV_ABS, ABS_X, 50);
+  Select("Pad of State");
+  DIJOYSTATE2 state = Polled();
+  EXPECT_EQ(state.rgbButtons[0], 0);
+  EXPECT_EQ(state.rgbButtons[1], 0x80);
+  EXPECT_EQ(state.lX, 16000);
+  EXPECT_EQ(state.lY, 0);
+  EXPECT_EQ(state.rgdwPOV[0], kPovCentred);
+  pad.Say(EV_KEY, BTN_B, 0);
+  pad.Say(EV_KEY, BTN_DPAD_UP, 1);
+  pad.Say(EV_ABS, ABS_X, -100);
+  pad.Say(EV_ABS, ABS_HAT0Y, -1);
+  state = Polled();
+  EXPECT_EQ(state.rgbButtons[1], 0);
+  EXPECT_EQ(state.rgbButtons[2], 0x80);
+  EXPECT_EQ(state.lX, -32000);
+  EXPECT_EQ(state.rgdwPOV[0], 0u);
+}
+
+TEST_F(OwnMachineTest, EventsThatTheKernelDroppedAreCaughtUpWith) {
+  VirtualPad pad("Pad of Floods");
+  ASSERT_TRUE(pad.Made());
+  Select("Pad of Floods");
+  Polled();
+  // Far more than the kernel keeps for a reader.
+  for (int i = 1; i <= 3000; ++i) pad.Say(EV_ABS, ABS_X, i % 2 == 0 ? 100 : -100);
+  pad.Say(EV_KEY, BTN_A, 1);
+  pad.Say(EV_ABS, ABS_X, 25);
+  const DIJOYSTATE2 state = Polled();
+  EXPECT_EQ(state.rgbButtons[0], 0x80);
+  EXPECT_EQ(state.lX, 8000);
+}
+
+// Of the whole process, the read of the counter itself included.
+long ReadCalls() {
+  std::ifstream file("/proc/self/io");
+  std::string word;
+  long value = -1;
+  while (file >> word)
+    if (word == "syscr:") file >> value;
+  return value;
+}
+
+TEST_F(OwnMachineTest, AQuietPollIsOneRead) {
+  VirtualPad pad("Pad of Peace");
+  ASSERT_TRUE(pad.Made());
+  Select("Pad of Peace");
+  Polled();
+  const long start = ReadCalls();
+  const long own = ReadCalls() - start;
+  const long before = ReadCalls();
+  for (int i = 0; i < 1000; ++i) device->Poll();
+  EXPECT_EQ(ReadCalls() - before - own, 1000);
+}
+
+TEST_F(OwnMachineTest, APulledPadComesToRestAndComesBackManyTimes) {
+  auto pad = std::make_unique<VirtualPad>("Pad of Returns");
+  ASSERT_TRUE(pad->Made());
+  Select("Pad of Returns");
+  for (int round = 0; round < 4; ++round) {
+    pad->Say(EV_KEY, BTN_A, 1);
+    pad->Say(EV_ABS, ABS_X, 100);
+    pad->Say(EV_ABS, ABS_HAT0X, 1);
+    DIJOYSTATE2 state = Polled();
+    EXPECT_EQ(state.rgbButtons[0], 0x80);
+    EXPECT_EQ(state.lX, 32000);
+    EXPECT_EQ(state.rgdwPOV[0], 9000u);
+    pad.reset();
+    state = Polled();
+    EXPECT_EQ(state.rgbButtons[0], 0);
+    EXPECT_EQ(state.lX, 0);
+    EXPECT_EQ(state.rgdwPOV[0], kPovCentred);
+    EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
+    for (int tick = 0; tick < 20; ++tick) EXPECT_EQ(device->Acquire(), DIERR_INPUTLOST);
+    pad = std::make_unique<VirtualPad>("Pad of Returns");
+    ASSERT_TRUE(pad->Made());
+    ASSERT_TRUE(Comes([&] { return device->Acquire() == DI_OK; })) << "round " << round;
+  }
+}
+
+TEST_F(OwnMachineTest, OfTwoEqualPadsTheOneThatStaysIsLeftAlone) {
+  auto first = std::make_unique<VirtualPad>("Twin");
+  ASSERT_TRUE(first->Made());
+  Select("Twin");
+  VirtualPad second("Twin");
+  ASSERT_TRUE(second.Made());
+  ASSERT_TRUE(Comes([&] { return Named("Twin").size() == 2; }));
+  const std::vector<DIDEVICEINSTANCE> twins = Named("Twin");
+  EXPECT_EQ(twins[0].guidInstance, identity);
+  EXPECT_NE(twins[1].guidInstance, identity);
+  first.reset();
+  Polled();
+  EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
+  for (int tick = 0; tick < 50; ++tick) {
+    EXPECT_EQ(device->Acquire(), DIERR_INPUTLOST);
+    Pause();
+  }
+  first = std::make_unique<VirtualPad>("Twin");
+  ASSERT_TRUE(first->Made());
+  ASSERT_TRUE(Comes([&] { return device->Acquire() == DI_OK; }));
+  second.Say(EV_KEY, BTN_B, 1);
+  first->Say(EV_KEY, BTN_A, 1);
+  const DIJOYSTATE2 state = Polled();
+  EXPECT_EQ(state.rgbButtons[0], 0x80);
+  EXPECT_EQ(state.rgbButtons[1], 0);
+}
+
+// Reads what a node says; the times are left out.
+class NodeReader {
+ public:
+  explicit NodeReader(const std::string& node)
+      : fd(open(node.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+  ~NodeReader() {
+    if (fd >= 0) close(fd);
+  }
+  NodeReader(const NodeReader&) = delete;
+  NodeReader& operator=(const NodeReader&) = delete;
+  bool IsOpen() const { return fd >= 0; }
+  int Fd() const { return fd; }
+  std::string All() const {
+    std::string text;
+    input_event event;
+    while (read(fd, &event, sizeof event) == sizeof event) {
+      if (!text.empty()) text += ", ";
+      text += std::to_string(event.type) + " " + std::to_string(event.code) + " " +
+              std::to_string(event.value);
+    }
+    return text;
+  }
+
+ private:
+  const int fd;
+};
+
+TEST_F(OwnMachineTest, KeysComeOutOfTheVirtualKeyboard) {
+  int errorCode = 0;
+  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
+  ASSERT_NE(input, nullptr) << errorCode;
+  std::unique_ptr<NodeReader> reader;
+  ASSERT_TRUE(Comes([&] {
+    reader = std::make_unique<NodeReader>(input->KeyboardNode());
+    return reader->IsOpen();
+  }));
+  libevdev* node = nullptr;
+  ASSERT_EQ(libevdev_new_from_fd(reader->Fd(), &node), 0);
+  EXPECT_STREQ(libevdev_get_name(node), "Kelvaro Keyboard");
+  EXPECT_EQ(libevdev_get_id_bustype(node), BUS_USB);
+  libevdev_free(node);
+
+  input->keybd_event('A', 0x1E, 0, 0);
+  input->keybd_event('A', 0x1E, 0, 0);  // dropped by the kernel
+  input->keybd_event('B', 0x30, KEYEVENTF_KEYUP, 0);
+  input->keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
+  input->keybd_event(0xFE, 0, 0, 0);
+  input->ReleaseAll();
+  EXPECT_EQ(reader->All(), "1 30 1, 0 0 0, 1 30 0, 0 0 0, 1 355 1, 0 0 0, 1 355 0, 0 0 0");
+  EXPECT_EQ(input->FailedEvents(), 0u);
+}
+
+TEST_F(OwnMachineTest, MotionAndButtonsComeOutOfTheVirtualMouse) {
+  int errorCode = 0;
+  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
+  ASSERT_NE(input, nullptr) << errorCode;
+  std::unique_ptr<NodeReader> reader;
+  ASSERT_TRUE(Comes([&] {
+    reader = std::make_unique<NodeReader>(input->MouseNode());
+    return reader->IsOpen();
+  }));
+  libevdev* node = nullptr;
+  ASSERT_EQ(libevdev_new_from_fd(reader->Fd(), &node), 0);
+  EXPECT_STREQ(libevdev_get_name(node), "Kelvaro Mouse");
+  EXPECT_EQ(libevdev_get_id_bustype(node), BUS_USB);
+  libevdev_free(node);
+
+  input->mouse_event(MOUSEEVENTF_MOVE, 3, -4, 0, 0);
+  input->mouse_event(MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+  input->mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 150, 0);
+  input->keybd_event(5, 0, 0, 0);
+  input->keybd_event(5, 0, KEYEVENTF_KEYUP, 0);
+  EXPECT_EQ(reader->All(),
+            "2 0 3, 2 1 -4, 0 0 0, 1 272 1, 0 0 0, 1 272 0, 0 0 0, 2 8 1, 2 11 150, 0 0 0, "
+            "1 275 1, 0 0 0, 1 275 0, 0 0 0");
+}
+
+TEST_F(OwnMachineTest, OurOwnDevicesAreNoGameDevices) {
+  int errorCode = 0;
+  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
+  ASSERT_NE(input, nullptr) << errorCode;
+  EXPECT_TRUE(Named(kKeyboardName).empty());
+  EXPECT_TRUE(Named(kMouseName).empty());
+}
+
+}  // namespace
+}  // namespace platform
