@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/platform/linux/monotonic_time.h"
+
 namespace platform {
 namespace {
 
@@ -12,7 +14,7 @@ constexpr char kService[] = "org.freedesktop.RealtimeKit1";
 constexpr char kPath[] = "/org/freedesktop/RealtimeKit1";
 constexpr char kInterface[] = "org.freedesktop.RealtimeKit1";
 constexpr char kDefaultAddress[] = "unix:path=/var/run/dbus/system_bus_socket";
-constexpr int kTimeoutMs = 1000;
+constexpr std::int64_t kTimeoutMs = 1000;
 
 std::string SystemBusAddress() {
   const char* set = std::getenv("DBUS_SYSTEM_BUS_ADDRESS");
@@ -46,20 +48,38 @@ bool RealtimeKit::Connect() {
   if (!connection) return false;
   dbus_connection_set_exit_on_disconnect(connection, FALSE);
   givenUp = false;
-  DBusMessage* reply = Ask(
-      dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS, DBUS_INTERFACE_DBUS, "Hello"),
-      kTimeoutMs);
+  DBusMessage* reply = Ask(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
+                                                        DBUS_INTERFACE_DBUS, "Hello"));
   if (!reply) return false;
   dbus_message_unref(reply);
   return true;
 }
 
-DBusMessage* RealtimeKit::Ask(DBusMessage* request, int timeoutMs) {
-  DBusMessage* reply =
-      request ? dbus_connection_send_with_reply_and_block(connection, request, timeoutMs, nullptr)
-              : nullptr;
-  if (request) dbus_message_unref(request);
-  if (reply) return reply;
+// The library's blocking call would first wait without end until the request is written, which a
+// bus that accepts and then says nothing never lets happen.
+DBusMessage* RealtimeKit::Ask(DBusMessage* request) {
+  DBusPendingCall* pending = nullptr;
+  if (request) {
+    dbus_connection_send_with_reply(connection, request, &pending, DBUS_TIMEOUT_INFINITE);
+    dbus_message_unref(request);
+  }
+  DBusMessage* reply = nullptr;
+  if (pending) {
+    const std::int64_t deadline = MonotonicNow() + kTimeoutMs * kNanosecondsPerMillisecond;
+    while (!dbus_pending_call_get_completed(pending)) {
+      const std::int64_t left = (deadline - MonotonicNow()) / kNanosecondsPerMillisecond;
+      if (left <= 0 || !dbus_connection_read_write_dispatch(connection, static_cast<int>(left)))
+        break;
+    }
+    if (dbus_pending_call_get_completed(pending)) {
+      reply = dbus_pending_call_steal_reply(pending);
+    } else {
+      dbus_pending_call_cancel(pending);
+    }
+    dbus_pending_call_unref(pending);
+  }
+  if (reply && dbus_message_get_type(reply) == DBUS_MESSAGE_TYPE_METHOD_RETURN) return reply;
+  if (reply) dbus_message_unref(reply);
   givenUp = true;
   dbus_connection_close(connection);
   dbus_connection_unref(connection);
@@ -79,7 +99,7 @@ std::int64_t RealtimeKit::LongestRunUs() {
   if (request)
     dbus_message_append_args(request, DBUS_TYPE_STRING, &interface, DBUS_TYPE_STRING, &property,
                              DBUS_TYPE_INVALID);
-  DBusMessage* reply = Ask(request, kTimeoutMs);
+  DBusMessage* reply = Ask(request);
   if (!reply) return 0;
   DBusMessageIter outer;
   DBusMessageIter inner;
@@ -106,7 +126,7 @@ bool RealtimeKit::MakeRealtime(pid_t thread, std::uint32_t rank) {
   if (request)
     dbus_message_append_args(request, DBUS_TYPE_UINT64, &id, DBUS_TYPE_UINT32, &wanted,
                              DBUS_TYPE_INVALID);
-  DBusMessage* reply = Ask(request, kTimeoutMs);
+  DBusMessage* reply = Ask(request);
   if (!reply) return false;
   dbus_message_unref(reply);
   return true;
@@ -122,7 +142,7 @@ bool RealtimeKit::MakeHighPriority(pid_t thread, std::int32_t nice) {
   if (request)
     dbus_message_append_args(request, DBUS_TYPE_UINT64, &id, DBUS_TYPE_INT32, &wanted,
                              DBUS_TYPE_INVALID);
-  DBusMessage* reply = Ask(request, kTimeoutMs);
+  DBusMessage* reply = Ask(request);
   if (!reply) return false;
   dbus_message_unref(reply);
   return true;

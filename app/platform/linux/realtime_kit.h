@@ -37,7 +37,7 @@ class RealtimeKit {
   bool Connect();
   // The reply, to be given back with dbus_message_unref; null on failure, after which nothing is
   // asked any more. Takes over `request`.
-  DBusMessage* Ask(DBusMessage* request, int timeoutMs);
+  DBusMessage* Ask(DBusMessage* request);
 
   const std::string address;
   std::mutex mutex;  // guards what follows
