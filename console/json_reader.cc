@@ -75,6 +75,11 @@ std::string JsonFault::Text(const std::string& file) const {
 
 bool JsonDocument::Parse(const std::string& text) {
   source = text;
+  // The parser would take it for the end.
+  if (const std::size_t offset = source.find('\0'); offset != std::string::npos) {
+    FailAt(offset, {}, "a zero byte");
+    return false;
+  }
   if (const std::size_t offset = FindTooDeep(source); offset != std::string::npos) {
     FailAt(offset, {}, "nested too deeply");
     return false;

@@ -1,0 +1,304 @@
+#include "console/json_reader.h"
+
+#include "console/json_text.h"
+
+namespace kelvaro::console {
+namespace {
+
+// What is wrong with `text` as one JSON object, as a message; empty when nothing is.
+std::string ParseFault(const std::string& text) {
+  JsonDocument document;
+  const bool good = document.Parse(text);
+  EXPECT_EQ(good, !document.Failed());
+  return good ? "" : document.Fault().Text("f");
+}
+
+std::string Nested(int depth) {
+  return "{\"a\":" + std::string(static_cast<std::size_t>(depth - 1), '[') +
+         std::string(static_cast<std::size_t>(depth - 1), ']') + "}";
+}
+
+TEST(JsonDocument, TakesOneObject) {
+  EXPECT_EQ(ParseFault("{}"), "");
+  EXPECT_EQ(ParseFault(" \n{\"a\":[1,-2.5e3,\"x\",null,true,{}]}\r\n\t"), "");
+  EXPECT_EQ(ParseFault("\xEF\xBB\xBF{}"), "");  // as some editors save it
+}
+
+TEST(JsonDocument, NamesTheLineOfWhatIsNoJson) {
+  struct {
+    const char* text;
+    const char* fault;
+  } const kCases[] = {
+      {"", "f:1: column 1: Syntax error: value, object or array expected"},
+      {"[]", "f:1: not an object"},
+      {"\n\n[{}]", "f:3: not an object"},
+      {"7", "f:1: column 1: A valid JSON document must be either an array or an object value"},
+      {"{}\n{}", "f:2: column 1: Extra non-whitespace after JSON value"},
+      {"{\"a\":1,\n\"b\":2,\n\"a\":3}", "f:3: column 1: Duplicate key: 'a'"},
+      {"{\n\"a\":nan}", "f:2: column 5: Syntax error: value, object or array expected"},
+      {"{\"a\":1e400}", "f:1: column 6: '1e400' is not a number"},
+      {"{\"a\":/**/1}", "f:1: column 6: Syntax error: value, object or array expected"},
+      {"{'a':1}", "f:1: column 2: Missing '}' or object member name"},
+      {"{\"a\":\"\\x\"}", "f:1: column 6: Bad escape sequence in string"},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(ParseFault(c.text), c.fault) << c.text;
+}
+
+TEST(JsonDocument, DoesNotEndAtAZeroByte) {
+  EXPECT_EQ(ParseFault(std::string("{}\n\0 {\"a\":1}", 12)), "f:2: a zero byte");
+  EXPECT_EQ(ParseFault(std::string("{\"a\":\"\0\"}", 9)), "f:1: a zero byte");
+}
+
+TEST(JsonDocument, StopsAtTooManyLevels) {
+  EXPECT_EQ(ParseFault(Nested(32)), "");
+  EXPECT_EQ(ParseFault(Nested(33)), "f:1: nested too deeply");
+  EXPECT_EQ(ParseFault("\n" + Nested(100'000)), "f:2: nested too deeply");
+  EXPECT_EQ(ParseFault(std::string(1'000'000, '{')), "f:1: nested too deeply");
+  // Brackets in a text are no levels.
+  EXPECT_EQ(
+      ParseFault("{\"a\":\"" + std::string(100, '[') + "\\\"" + std::string(100, '{') + "\"}"), "");
+}
+
+TEST(JsonDocument, KeepsTheFirstFault) {
+  JsonDocument document;
+  ASSERT_TRUE(document.Parse("{\"a\":1,\n\"b\":2}"));
+  document.Fail(document.Root()["b"], "b", "first", "detail\n");
+  document.Fail(document.Root()["a"], "a", "second");
+  EXPECT_TRUE(document.Failed());
+  EXPECT_EQ(document.Fault().Text("walk.json"), "walk.json:2: b: first");
+  EXPECT_EQ(document.Fault().detail, "detail\n");
+}
+
+TEST(JsonFault, LeavesOutTheLineThatItHasNot) {
+  JsonFault fault;
+  fault.what = "broken";
+  EXPECT_EQ(fault.Text("f"), "f: broken");
+  fault.line = 3;
+  EXPECT_EQ(fault.Text("f"), "f:3: broken");
+  fault.member = "a.b";
+  EXPECT_EQ(fault.Text("f"), "f:3: a.b: broken");
+}
+
+// One member "m" of an object, read in one way.
+struct MemberTest : testing::Test {
+  // The fault, empty when there is none.
+  template <typename Read>
+  std::string Try(const std::string& json, Read read) {
+    JsonDocument document;
+    EXPECT_TRUE(document.Parse("{\"m\":" + json + "}")) << json;
+    JsonObject object(document, document.Root(), {});
+    read(object);
+    object.RefuseOthers();
+    return document.Failed() ? document.Fault().Text("f") : "";
+  }
+};
+
+TEST_F(MemberTest, NumberIsWholeAndInItsRange) {
+  struct {
+    const char* json;
+    std::uint32_t value;
+    const char* fault;
+  } const kCases[] = {
+      {"0", 0, ""},
+      {"-0", 0, ""},
+      {"1.0", 1, ""},
+      {"2e2", 200, ""},
+      {"65535", 65535, ""},
+      {"65536", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"-1", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"0.5", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"1e300", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"18446744073709551615", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"18446744073709551616", 77, "f:1: m: not a whole number from 0 to 65535"},
+      {"\"5\"", 77, "f:1: m: not a number"},
+      {"true", 77, "f:1: m: not a number"},
+      {"null", 77, "f:1: m: not a number"},
+      {"[5]", 77, "f:1: m: not a number"},
+      {"{}", 77, "f:1: m: not a number"},
+  };
+  for (const auto& c : kCases) {
+    std::uint32_t value = 77;
+    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Number("m", &value, 65535); }), c.fault)
+        << c.json;
+    EXPECT_EQ(value, c.value) << c.json;
+  }
+}
+
+TEST_F(MemberTest, SignedIsWholeAndOf32Bits) {
+  struct {
+    const char* json;
+    std::int32_t value;
+    const char* fault;
+  } const kCases[] = {
+      {"-2147483648", INT32_MIN, ""},
+      {"2147483647", INT32_MAX, ""},
+      {"-0.0", 0, ""},
+      {"-2147483649", 77, "f:1: m: not a whole number of 32 bits"},
+      {"2147483648", 77, "f:1: m: not a whole number of 32 bits"},
+      {"1.5", 77, "f:1: m: not a whole number of 32 bits"},
+      {"false", 77, "f:1: m: not a number"},
+  };
+  for (const auto& c : kCases) {
+    std::int32_t value = 77;
+    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Signed("m", &value); }), c.fault)
+        << c.json;
+    EXPECT_EQ(value, c.value) << c.json;
+  }
+}
+
+TEST_F(MemberTest, FlagIsTrueOrFalse) {
+  for (const char* json : {"0", "1", "null", "\"true\"", "[]"}) {
+    bool value = true;
+    EXPECT_EQ(Try(json, [&](JsonObject& object) { object.Flag("m", &value); }),
+              "f:1: m: neither true nor false")
+        << json;
+    EXPECT_TRUE(value) << json;
+  }
+  bool value = false;
+  EXPECT_EQ(Try("true", [&](JsonObject& object) { object.Flag("m", &value); }), "");
+  EXPECT_TRUE(value);
+  EXPECT_EQ(Try("false", [&](JsonObject& object) { object.Flag("m", &value); }), "");
+  EXPECT_FALSE(value);
+}
+
+TEST_F(MemberTest, TextIsAStringOrBytes) {
+  const char* const notUtf8 =
+      "f:1: m: not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}";
+  struct {
+    std::string json;
+    std::string value;
+    const char* fault;
+  } const kCases[] = {
+      {"\"\"", "", ""},
+      {"\"Gr\xC3\xBC\xC3\x9F\"", "Gr\xC3\xBC\xC3\x9F", ""},
+      {"\"a\\u0000b\"", std::string("a\0b", 3), ""},
+      {"\"\\ud83c\\udfae\"", "\xF0\x9F\x8E\xAE", ""},
+      {"{\"bytes\":\"\"}", "", ""},
+      {"{\"bytes\":\"00e4FF\"}", std::string("\0\xE4\xFF", 3), ""},
+      {"\"\xFF\"", "old", notUtf8},
+      {"\"\\udc00\"", "old", notUtf8},
+      {"{\"bytes\":\"0\"}", "old", "f:1: m: not a text"},
+      {"{\"bytes\":\"zz\"}", "old", "f:1: m: not a text"},
+      {"{\"bytes\":5}", "old", "f:1: m: not a text"},
+      {"{\"bytes\":\"00\",\"more\":1}", "old", "f:1: m: not a text"},
+      {"{\"hex\":\"00\"}", "old", "f:1: m: not a text"},
+      {"{}", "old", "f:1: m: not a text"},
+      {"5", "old", "f:1: m: not a text"},
+      {"null", "old", "f:1: m: not a text"},
+      {"[\"a\"]", "old", "f:1: m: not a text"},
+  };
+  for (const auto& c : kCases) {
+    ByteString value("old");
+    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Text("m", &value); }), c.fault)
+        << c.json;
+    EXPECT_EQ(Bytes(value), c.value) << c.json;
+  }
+}
+
+TEST_F(MemberTest, MaskIsAHexStringOrANumber) {
+  const char* const notMask = "f:1: m: not a mask such as \"0x5\"";
+  const char* const notNumber = "f:1: m: not a whole number from 0 to 18446744073709551615";
+  struct {
+    const char* json;
+    std::uint64_t value;
+    const char* fault;
+  } const kCases[] = {
+      {"\"0x0\"", 0, ""},
+      {"\"0x8000000000000001\"", 0x8000000000000001, ""},
+      {"\"0xFfFfFfFfFfFfFfFf\"", UINT64_MAX, ""},
+      {"\"0x0000000000000005\"", 5, ""},
+      {"5", 5, ""},
+      {"18446744073709551615", UINT64_MAX, ""},
+      {"18446744073709551616", 77, notNumber},
+      {"-1", 77, notNumber},
+      {"0.5", 77, notNumber},
+      {"\"0x00000000000000005\"", 77, notMask},  // 17 digits
+      {"\"0x10000000000000000\"", 77, notMask},
+      {"\"0x\"", 77, notMask},
+      {"\"\"", 77, notMask},
+      {"\"5\"", 77, notMask},
+      {"\"0X5\"", 77, notMask},
+      {"\"0x5 \"", 77, notMask},
+      {"\" 0x5\"", 77, notMask},
+      {"\"-0x5\"", 77, notMask},
+      {"\"0x-5\"", 77, notMask},
+      {"\"0xg\"", 77, notMask},
+      {"true", 77, "f:1: m: not a number"},
+      {"[1]", 77, "f:1: m: not a number"},
+  };
+  for (const auto& c : kCases) {
+    std::uint64_t value = 77;
+    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Mask("m", &value); }), c.fault)
+        << c.json;
+    EXPECT_EQ(value, c.value) << c.json;
+  }
+}
+
+TEST_F(MemberTest, OneThatIsNotThereLeavesItsTargetAlone) {
+  std::uint32_t number = 1;
+  std::int32_t negative = -2;
+  bool flag = true;
+  ByteString text("t");
+  std::uint64_t mask = 3;
+  EXPECT_EQ(Try("null",
+                [&](JsonObject& object) {
+                  object.Find("m");
+                  object.Number("number", &number, 9);
+                  object.Signed("negative", &negative);
+                  object.Flag("flag", &flag);
+                  object.Text("text", &text);
+                  object.Mask("mask", &mask);
+                }),
+            "");
+  EXPECT_EQ(number, 1U);
+  EXPECT_EQ(negative, -2);
+  EXPECT_TRUE(flag);
+  EXPECT_EQ(Bytes(text), "t");
+  EXPECT_EQ(mask, 3U);
+}
+
+TEST_F(MemberTest, UnknownOnesAreNamed) {
+  EXPECT_EQ(Try("1,\n\"n\":2", [](JsonObject& object) { object.Find("m"); }),
+            "f:2: n: unknown member");
+  EXPECT_EQ(
+      Try("1,\"" + std::string(200, 'x') + "\":2", [](JsonObject& object) { object.Find("m"); }),
+      "f:1: " + std::string(80, 'x') + "...: unknown member");
+}
+
+TEST_F(MemberTest, ANameThatGoesOnBehindAZeroIsAnotherName) {
+  EXPECT_EQ(Try("1,\"m\\u0000\":2", [](JsonObject& object) { object.Find("m"); }),
+            std::string("f:1: m\0: unknown member", 23));
+}
+
+TEST(JsonObject, OfAnotherTypeIsAFaultAndHasNoMembers) {
+  JsonDocument document;
+  ASSERT_TRUE(document.Parse("{\"a\":\n[1]}"));
+  JsonObject object(document, document.Root()["a"], "a");
+  EXPECT_EQ(object.Find("x"), nullptr);
+  std::uint32_t number = 7;
+  object.Number("x", &number, 9);
+  object.RefuseOthers();
+  EXPECT_EQ(number, 7U);
+  EXPECT_EQ(document.Fault().Text("f"), "f:2: a: not an object");
+}
+
+TEST(JsonObject, NamesItsMembersWithThePathToIt) {
+  JsonDocument document;
+  ASSERT_TRUE(document.Parse("{\"a\":{}}"));
+  EXPECT_EQ(JsonObject(document, document.Root(), {}).MemberName("b"), "b");
+  EXPECT_EQ(JsonObject(document, document.Root()["a"], "a[2]").MemberName("b"), "a[2].b");
+}
+
+TEST(ReadWholeNumber, HasItsOwnMost) {
+  JsonDocument document;
+  ASSERT_TRUE(document.Parse("{\"a\":255,\"b\":256}"));
+  std::uint64_t number = 0;
+  EXPECT_TRUE(ReadWholeNumber(document, document.Root()["a"], "a", 255, &number));
+  EXPECT_EQ(number, 255U);
+  EXPECT_FALSE(ReadWholeNumber(document, document.Root()["b"], "b", 255, &number));
+  EXPECT_EQ(number, 255U);
+  EXPECT_EQ(document.Fault().Text("f"), "f:1: b: not a whole number from 0 to 255");
+}
+
+}  // namespace
+}  // namespace kelvaro::console
