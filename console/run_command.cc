@@ -110,7 +110,7 @@ int RunCommand(const RunOptions& options, Streams streams) {
     }
     std::istringstream lines(text);
     if (!platform::simulation::ReadRecording(lines, &recording, &error)) {
-      return Complain(streams.err, *options.replay + ": " + error);
+      return Complain(streams.err, *options.replay + ":" + error);
     }
   }
   return options.simulate ? RunSimulated(options, profile, recording, streams)

@@ -82,9 +82,12 @@ class Reader {
       number = 1;
       Fail("", "the line that describes the device is missing");
     }
-    if (!fault.empty()) *error = "line " + std::to_string(number) + ": " + fault;
+    if (!fault.empty()) *error = AtLine(fault);
     return fault.empty();
   }
+
+  // With the line that was read last.
+  std::string AtLine(const std::string& what) const { return std::to_string(number) + ": " + what; }
 
  private:
   static bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
@@ -117,6 +120,8 @@ class Reader {
     std::string errors;
     bool good = false;
     if (!IsUtf8(line)) return Fail("", "not UTF-8");
+    // The library would take it for the end.
+    if (line.find('\0') != std::string::npos) return Fail("", "a zero byte");
     try {
       good = json->parse(line.data(), line.data() + line.size(), value, &errors);
     } catch (const std::exception&) {
@@ -407,10 +412,11 @@ DIJOYSTATE2 StateAtRest() {
 
 bool ReadRecording(std::istream& in, Recording* recording, std::string* error) {
   Recording read;
+  Reader reader(in, &read);
   try {
-    if (!Reader(in, &read).Run(error)) return false;
+    if (!reader.Run(error)) return false;
   } catch (const std::exception& problem) {
-    *error = std::string("can't be read: ") + problem.what();
+    *error = reader.AtLine(std::string("can't be read: ") + problem.what());
     return false;
   }
   *recording = std::move(read);

@@ -57,7 +57,7 @@ struct Recording {
 };
 
 // Reads a whole recording. False with *error naming line and member, such as
-// "line 3: povs.POV9: no such hat" (the caller puts the file in front).
+// "3: povs.POV9: no such hat" (the caller puts the file and a colon in front).
 bool ReadRecording(std::istream& in, Recording* recording, std::string* error);
 
 // The lines of a recording, without their line feeds.

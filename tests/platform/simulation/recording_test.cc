@@ -85,39 +85,38 @@ TEST(Recording, NamesLineAndMemberOfAFaultInTheFirstLine) {
     const char* error;
   };
   const Case cases[] = {
-      {"", "line 1: the line that describes the device is missing"},
-      {"\n\n", "line 1: the line that describes the device is missing"},
-      {"{\"t\":1}", "line 1: recording: missing in the line that describes the device"},
-      {"{}", "line 1: recording: missing in the line that describes the device"},
-      {"[]", "line 1: not an object"},
-      {R"({"recording":2})", "line 1: recording: version 2 isn't known"},
-      {R"({"recording":"1"})", "line 1: recording: not a number"},
-      {R"({"recording":1,"colour":3})", "line 1: colour: unknown member"},
-      {R"({"recording":1})", "line 1: device: missing"},
-      {R"({"recording":1,"device":5})", "line 1: device: not a text"},
-      {R"({"recording":1,"device":{"bytes":5}})", "line 1: device.bytes: not a text"},
-      {R"({"recording":1,"device":{}})", "line 1: device.bytes: not a text"},
-      {R"({"recording":1,"device":{"bytes":"abc"}})",
-       "line 1: device.bytes: an odd count of digits"},
-      {R"({"recording":1,"device":{"bytes":"zz"}})", "line 1: device.bytes: not hexadecimal"},
-      {R"({"recording":1,"device":"P"})", "line 1: guid: missing"},
-      {R"({"recording":1,"device":"P","guid":1})", "line 1: guid: not a text"},
-      {R"({"recording":1,"device":"P","guid":"12"})", "line 1: guid: not 32 hexadecimal digits"},
+      {"", "1: the line that describes the device is missing"},
+      {"\n\n", "1: the line that describes the device is missing"},
+      {"{\"t\":1}", "1: recording: missing in the line that describes the device"},
+      {"{}", "1: recording: missing in the line that describes the device"},
+      {"[]", "1: not an object"},
+      {R"({"recording":2})", "1: recording: version 2 isn't known"},
+      {R"({"recording":"1"})", "1: recording: not a number"},
+      {R"({"recording":1,"colour":3})", "1: colour: unknown member"},
+      {R"({"recording":1})", "1: device: missing"},
+      {R"({"recording":1,"device":5})", "1: device: not a text"},
+      {R"({"recording":1,"device":{"bytes":5}})", "1: device.bytes: not a text"},
+      {R"({"recording":1,"device":{}})", "1: device.bytes: not a text"},
+      {R"({"recording":1,"device":{"bytes":"abc"}})", "1: device.bytes: an odd count of digits"},
+      {R"({"recording":1,"device":{"bytes":"zz"}})", "1: device.bytes: not hexadecimal"},
+      {R"({"recording":1,"device":"P"})", "1: guid: missing"},
+      {R"({"recording":1,"device":"P","guid":1})", "1: guid: not a text"},
+      {R"({"recording":1,"device":"P","guid":"12"})", "1: guid: not 32 hexadecimal digits"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b"})",
-       "line 1: buttons: missing"},
+       "1: buttons: missing"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":129})",
-       "line 1: buttons: not from 0 to 128"},
+       "1: buttons: not from 0 to 128"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":-1})",
-       "line 1: buttons: not from 0 to 128"},
+       "1: buttons: not from 0 to 128"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1.5})",
-       "line 1: buttons: not a whole number"},
+       "1: buttons: not a whole number"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
        R"("axes":9})",
-       "line 1: axes: not from 0 to 8"},
+       "1: axes: not from 0 to 8"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
        R"("axes":8,"povs":5})",
-       "line 1: povs: not from 0 to 4"},
-      {R"({"recording":1,"recording":1})", "line 1: column 16: Duplicate key: 'recording'"},
+       "1: povs: not from 0 to 4"},
+      {R"({"recording":1,"recording":1})", "1: column 16: Duplicate key: 'recording'"},
   };
   for (const Case& faulty : cases) EXPECT_EQ(Read(faulty.text), faulty.error) << faulty.text;
 }
@@ -129,51 +128,49 @@ TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
   };
   // An empty line stands between the header and the faulty one.
   const Case cases[] = {
-      {"{}", "line 3: t: missing"},
-      {"7", "line 3: column 1: A valid JSON document must be either an array or an object value."},
-      {"[7]", "line 3: not an object"},
-      {R"({"t":"5"})", "line 3: t: not a number"},
-      {R"({"t":true})", "line 3: t: not a number"},
-      {R"({"t":null})", "line 3: t: not a number"},
-      {R"({"t":-1})", "line 3: t: below 0"},
-      {R"({"t":0.5})", "line 3: t: not a whole number"},
-      {R"({"t":1e300})", "line 3: t: out of range"},
-      {R"({"t":9007199254740992})", "line 3: t: out of range"},
-      {R"({"t":18446744073709551615})", "line 3: t: out of range"},
-      {R"({"t":1,"button":[1]})", "line 3: button: unknown member"},
-      {R"({"t":1,"recording":1})", "line 3: recording: unknown member"},
-      {R"({"t":1,"buttons":1})", "line 3: buttons: not a list"},
-      {R"({"t":1,"buttons":{"0":1}})", "line 3: buttons: not a list"},
-      {R"({"t":1,"buttons":[1,"2"]})", "line 3: buttons[1]: not a number"},
-      {R"({"t":1,"buttons":[0]})", "line 3: buttons[0]: no button 0 on this device, which has 11"},
-      {R"({"t":1,"buttons":[11,12]})",
-       "line 3: buttons[1]: no button 12 on this device, which has 11"},
-      {R"({"t":1,"axes":[]})", "line 3: axes: not an object"},
-      {R"({"t":1,"axes":{"Axis_X":1}})", "line 3: axes.Axis_X: no such axis"},
-      {R"({"t":1,"axes":{"Axis_X4":1}})", "line 3: axes.Axis_X4: no such axis"},
-      {R"({"t":1,"axes":{"axis_x0":1}})", "line 3: axes.axis_x0: no such axis"},
-      {R"({"t":1,"axes":{"":1}})", "line 3: axes.: no such axis"},
-      {R"({"t":1,"axes":{"Axis_X0":32001}})", "line 3: axes.Axis_X0: not from -32000 to 32000"},
-      {R"({"t":1,"axes":{"Axis_X0":-32001}})", "line 3: axes.Axis_X0: not from -32000 to 32000"},
-      {R"({"t":1,"axes":{"Axis_X0":"1"}})", "line 3: axes.Axis_X0: not a number"},
-      {R"({"t":1,"axes":{"Axis_X0":1,"Axis_X0":2}})",
-       "line 3: column 28: Duplicate key: 'Axis_X0'"},
-      {R"({"t":1,"povs":5})", "line 3: povs: not an object"},
-      {R"({"t":1,"povs":{"POV2":0}})", "line 3: povs.POV2: no such hat"},
-      {R"({"t":1,"povs":{"POV9":0}})", "line 3: povs.POV9: no such hat"},
-      {R"({"t":1,"povs":{"POV00":0}})", "line 3: povs.POV00: no such hat"},
-      {R"({"t":1,"povs":{"POV":0}})", "line 3: povs.POV: no such hat"},
-      {R"({"t":1,"povs":{"PQV0":0}})", "line 3: povs.PQV0: no such hat"},
-      {R"({"t":1,"povs":{"POV0":36000}})", "line 3: povs.POV0: neither -1 nor 0 to 35999"},
-      {R"({"t":1,"povs":{"POV0":-2}})", "line 3: povs.POV0: neither -1 nor 0 to 35999"},
-      {R"({"t":1,"lost":1})", "line 3: lost: neither true nor false"},
-      {R"({"t":1,"lost":"true"})", "line 3: lost: neither true nor false"},
-      {R"({"t":1)", "line 3: column 7: Missing ',' or '}' in object declaration"},
-      {R"({"t":1} x)", "line 3: column 9: Extra non-whitespace after JSON value."},
-      {R"({"t":1} {"t":2})", "line 3: column 9: Extra non-whitespace after JSON value."},
-      {"{\"t\":1,\"a\\nb\":2}", "line 3: a?b: unknown member"},
-      {"{\"t\":1,\"\xFF\":2}", "line 3: not UTF-8"},
-      {"{\"t\":1,\"\x1B[31m\":2,\"\x1B[31m\":2}", "line 3: column 18: Duplicate key: '?[31m'"},
+      {"{}", "3: t: missing"},
+      {"7", "3: column 1: A valid JSON document must be either an array or an object value."},
+      {"[7]", "3: not an object"},
+      {R"({"t":"5"})", "3: t: not a number"},
+      {R"({"t":true})", "3: t: not a number"},
+      {R"({"t":null})", "3: t: not a number"},
+      {R"({"t":-1})", "3: t: below 0"},
+      {R"({"t":0.5})", "3: t: not a whole number"},
+      {R"({"t":1e300})", "3: t: out of range"},
+      {R"({"t":9007199254740992})", "3: t: out of range"},
+      {R"({"t":18446744073709551615})", "3: t: out of range"},
+      {R"({"t":1,"button":[1]})", "3: button: unknown member"},
+      {R"({"t":1,"recording":1})", "3: recording: unknown member"},
+      {R"({"t":1,"buttons":1})", "3: buttons: not a list"},
+      {R"({"t":1,"buttons":{"0":1}})", "3: buttons: not a list"},
+      {R"({"t":1,"buttons":[1,"2"]})", "3: buttons[1]: not a number"},
+      {R"({"t":1,"buttons":[0]})", "3: buttons[0]: no button 0 on this device, which has 11"},
+      {R"({"t":1,"buttons":[11,12]})", "3: buttons[1]: no button 12 on this device, which has 11"},
+      {R"({"t":1,"axes":[]})", "3: axes: not an object"},
+      {R"({"t":1,"axes":{"Axis_X":1}})", "3: axes.Axis_X: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X4":1}})", "3: axes.Axis_X4: no such axis"},
+      {R"({"t":1,"axes":{"axis_x0":1}})", "3: axes.axis_x0: no such axis"},
+      {R"({"t":1,"axes":{"":1}})", "3: axes.: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X0":32001}})", "3: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":-32001}})", "3: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":"1"}})", "3: axes.Axis_X0: not a number"},
+      {R"({"t":1,"axes":{"Axis_X0":1,"Axis_X0":2}})", "3: column 28: Duplicate key: 'Axis_X0'"},
+      {R"({"t":1,"povs":5})", "3: povs: not an object"},
+      {R"({"t":1,"povs":{"POV2":0}})", "3: povs.POV2: no such hat"},
+      {R"({"t":1,"povs":{"POV9":0}})", "3: povs.POV9: no such hat"},
+      {R"({"t":1,"povs":{"POV00":0}})", "3: povs.POV00: no such hat"},
+      {R"({"t":1,"povs":{"POV":0}})", "3: povs.POV: no such hat"},
+      {R"({"t":1,"povs":{"PQV0":0}})", "3: povs.PQV0: no such hat"},
+      {R"({"t":1,"povs":{"POV0":36000}})", "3: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"povs":{"POV0":-2}})", "3: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"lost":1})", "3: lost: neither true nor false"},
+      {R"({"t":1,"lost":"true"})", "3: lost: neither true nor false"},
+      {R"({"t":1)", "3: column 7: Missing ',' or '}' in object declaration"},
+      {R"({"t":1} x)", "3: column 9: Extra non-whitespace after JSON value."},
+      {R"({"t":1} {"t":2})", "3: column 9: Extra non-whitespace after JSON value."},
+      {"{\"t\":1,\"a\\nb\":2}", "3: a?b: unknown member"},
+      {"{\"t\":1,\"\xFF\":2}", "3: not UTF-8"},
+      {"{\"t\":1,\"\x1B[31m\":2,\"\x1B[31m\":2}", "3: column 18: Duplicate key: '?[31m'"},
   };
   for (const Case& faulty : cases) {
     EXPECT_EQ(Read(kHeader + "\n\n" + faulty.line + "\n"), faulty.error) << faulty.line;
@@ -182,18 +179,17 @@ TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
 
 TEST(Recording, QuotesALongNameInPart) {
   const std::string long80(80, 'n');
-  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "\":1}"), "line 2: " + long80 + ": unknown member");
-  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "m\":1}"),
-            "line 2: " + long80 + "...: unknown member");
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "\":1}"), "2: " + long80 + ": unknown member");
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "m\":1}"), "2: " + long80 + "...: unknown member");
   const std::string long79(79, 'n');
   EXPECT_EQ(Read(kHeader + "\n{\"" + long79 + "\xC3\xBC\":1}"),
-            "line 2: " + long79 + "...: unknown member")
+            "2: " + long79 + "...: unknown member")
       << "a character of two bytes isn't cut";
 }
 
 TEST(Recording, TimesRiseOrAreEqual) {
   EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\n{\"t\":5}\n{\"t\":4}"),
-            "line 4: t: before the line above, which is at 5");
+            "4: t: before the line above, which is at 5");
 }
 
 TEST(Recording, TakesTheOutermostValues) {
@@ -208,18 +204,18 @@ TEST(Recording, TakesTheOutermostValues) {
 TEST(Recording, AFaultLeavesTheRecordingAlone) {
   Recording recording;
   recording.device.name = "before";
-  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\nnonsense", &recording).substr(0, 8), "line 3: ");
+  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\nnonsense", &recording).substr(0, 8), "3: ");
   EXPECT_EQ(recording.device.name, "before");
   EXPECT_TRUE(recording.changes.empty());
 }
 
 TEST(Recording, RefusesDeepNesting) {
   for (const std::size_t depth : {17u, 1000u, 500000u}) {
-    EXPECT_EQ(Read(kHeader + "\n" + std::string(depth, '[')), "line 2: nested too deeply");
+    EXPECT_EQ(Read(kHeader + "\n" + std::string(depth, '[')), "2: nested too deeply");
     std::string objects;
     for (std::size_t level = 0; level < depth / 5; ++level) objects += "{\"t\":";
     if (depth >= 100) {
-      EXPECT_EQ(Read(kHeader + "\n" + objects), "line 2: nested too deeply");
+      EXPECT_EQ(Read(kHeader + "\n" + objects), "2: nested too deeply");
     }
   }
 }
@@ -229,7 +225,11 @@ TEST(Recording, RefusesALineThatIsTooLong) {
   const std::string start = "{\"t\":1";
   const std::string fits = start + std::string(kLongest - start.size() - 1, ' ') + "}";
   EXPECT_EQ(Read(kHeader + "\n" + fits), "read");
-  EXPECT_EQ(Read(kHeader + "\n" + fits + " "), "line 2: longer than 1048576 bytes");
+  EXPECT_EQ(Read(kHeader + "\n" + fits + " "), "2: longer than 1048576 bytes");
+}
+
+TEST(Recording, ALineDoesNotEndAtAZeroByte) {
+  EXPECT_EQ(Read(kHeader + "\n{\"t\":1}" + std::string("\0{\"t\":0}", 9)), "2: a zero byte");
 }
 
 TEST(Recording, TellsWhenItCannotBeRead) {
@@ -240,7 +240,7 @@ TEST(Recording, TellsWhenItCannotBeRead) {
   Recording recording;
   std::string error;
   EXPECT_FALSE(ReadRecording(in, &recording, &error));
-  EXPECT_EQ(error, "can't be read: broken");
+  EXPECT_EQ(error, "1: can't be read: broken");
 }
 
 TEST(Recording, EveryTruncationAndEveryChangedByteIsTakenOrRefused) {

@@ -1,0 +1,212 @@
+#include "tests/console/console_run.h"
+
+namespace kelvaro::console {
+namespace {
+
+constexpr char kPad[] =
+    R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
+    R"("buttons":11,"axes":6,"povs":1})"
+    "\n";
+constexpr char kJump[] = R"({"controls":[{"buttonMask":"0x1","actions":[{"text":"a"}]}]})";
+
+// One profile and one recording, and what comes out.
+Outcome Simulate(const std::string& profile, const std::string& changes,
+                 std::vector<std::string> options = {}) {
+  const TestFile profileFile("profile", profile);
+  const TestFile recordingFile("recording", kPad + changes);
+  options.insert(options.begin(),
+                 {"run", "--simulate", "--replay", recordingFile.path, profileFile.path});
+  return Kelvaroctl(options);
+}
+
+TEST(RunCommand, PollsAtItsIntervalFromTimeZero) {
+  struct {
+    const char* why;
+    const char* profile;
+    const char* changes;
+    const char* lines;
+  } const kCases[] = {
+      {"the poll behind a change delivers it", kJump,
+       "{\"t\":12,\"buttons\":[1]}\n{\"t\":31,\"buttons\":[]}\n",
+       "      15 ms  a down\n      35 ms  a up\n"},
+      {"a change at a poll's time is in force for it", kJump,
+       "{\"t\":10,\"buttons\":[1]}\n{\"t\":30,\"buttons\":[]}\n",
+       "      10 ms  a down\n      30 ms  a up\n"},
+      {"a change at 0 comes with the first poll", kJump,
+       "{\"t\":0,\"buttons\":[1]}\n{\"t\":6,\"buttons\":[]}\n",
+       "       5 ms  a down\n      10 ms  a up\n"},
+      {"a change between two polls that is taken back is never seen", kJump,
+       "{\"t\":11,\"buttons\":[1]}\n{\"t\":14,\"buttons\":[]}\n", ""},
+      {"the profile's interval", R"({"pollInterval":100,"controls":[{"buttonMask":1,
+       "actions":[{"text":"a"}]}]})",
+       "{\"t\":1,\"buttons\":[1]}\n{\"t\":101,\"buttons\":[]}\n",
+       "     100 ms  a down\n     200 ms  a up\n"},
+  };
+  for (const auto& c : kCases) {
+    const Outcome outcome = Simulate(c.profile, c.changes);
+    EXPECT_EQ(outcome.out, c.lines) << c.why;
+    EXPECT_EQ(outcome.err, "") << c.why;
+    EXPECT_EQ(outcome.status, 0) << c.why;
+  }
+}
+
+TEST(RunCommand, PrintsJsonLines) {
+  EXPECT_EQ(
+      Simulate(kJump, "{\"t\":12,\"buttons\":[1]}\n{\"t\":31,\"buttons\":[]}\n", {"--json"}).out,
+      "{\"t\":15,\"event\":\"key\",\"vk\":65,\"scan\":30,\"flags\":0}\n"
+      "{\"t\":35,\"event\":\"key\",\"vk\":65,\"scan\":30,\"flags\":2}\n");
+}
+
+TEST(RunCommand, EndsASecondBehindTheRecording) {
+  EXPECT_EQ(Simulate(kJump, "{\"t\":12,\"buttons\":[1]}\n").out,
+            "      15 ms  a down\n    1012 ms  a up\n");
+}
+
+TEST(RunCommand, EndsAtUntil) {
+  const char* const held = "{\"t\":12,\"buttons\":[1]}\n{\"t\":900,\"buttons\":[]}\n";
+  EXPECT_EQ(Simulate(kJump, held, {"--until", "14"}).out, "");
+  // What is due at that millisecond has run.
+  EXPECT_EQ(Simulate(kJump, held, {"--until", "15"}).out,
+            "      15 ms  a down\n      15 ms  a up\n");
+  EXPECT_EQ(Simulate(kJump, held, {"--until", "600"}).out,
+            "      15 ms  a down\n     600 ms  a up\n");
+  EXPECT_EQ(Simulate(kJump, "{\"t\":12,\"buttons\":[1]}\n", {"--until", "5000"}).out,
+            "      15 ms  a down\n    5000 ms  a up\n");
+  EXPECT_EQ(Simulate(kJump, held, {"--until", "0"}).out, "");
+}
+
+TEST(RunCommand, FinishesAReplayThatIsUnderWay) {
+  EXPECT_EQ(
+      Simulate(R"({"controls":[{"buttonMask":1,"keyHoldTime":50,"actions":[{"text":"ab"}]}]})",
+               "{\"t\":5,\"buttons\":[1]}\n", {"--until", "20"})
+          .out,
+      "       5 ms  a down\n"
+      "      55 ms  a up\n"
+      "      55 ms  b down\n"
+      "     105 ms  b up\n");
+}
+
+TEST(RunCommand, LetsGoInTheDispatchersOrderThenTheMouse) {
+  // The heavier Control comes first; the mouse buttons go up in one event.
+  EXPECT_EQ(Simulate(R"({"mouse":{"leftMask":8,"rightMask":16,"mouseAlwaysActive":true},"controls":[
+      {"buttonMask":1,"actions":[{"text":"a"}]},{"buttonMask":6,"actions":[{"text":"b"}]}]})",
+                     "{\"t\":5,\"buttons\":[1,2,3,4,5]}\n", {"--until", "10"})
+                .out,
+            "       5 ms  left mouse button down, right mouse button down\n"
+            "       5 ms  b down\n"
+            "       5 ms  a down\n"
+            "      10 ms  b up\n"
+            "      10 ms  a up\n"
+            "      10 ms  left mouse button up, right mouse button up\n");
+}
+
+TEST(RunCommand, ARepeatingControlGetsNoRelease) {
+  EXPECT_EQ(Simulate(R"({"controls":[{"buttonMask":1,"repeatEnabled":true,"repeatDelay":100,
+      "actions":[{"text":"a"}]}]})",
+                     "{\"t\":5,\"buttons\":[1]}\n", {"--until", "50"})
+                .out,
+            "       5 ms  a down\n       5 ms  a up\n");
+}
+
+TEST(RunCommand, MayStartWithTheMouseOn) {
+  const char* const look = R"({"mouse":{"mouseX":{"kind":8,"index":0}}})";
+  const char* const right =
+      "{\"t\":8,\"povs\":{\"POV0\":9000}}\n{\"t\":17,\"povs\":{\"POV0\":-1}}\n";
+  EXPECT_EQ(Simulate(look, right).out, "");
+  EXPECT_EQ(Simulate(look, right, {"--mouse-active"}).out,
+            "      10 ms  pointer +1 0\n      15 ms  pointer +1 0\n");
+}
+
+TEST(RunCommand, TheRecordingIsTheDeviceWhateverTheProfileSays) {
+  EXPECT_EQ(Simulate(R"({"deviceName":"Another","deviceGuid":"ffffffffffffffffffffffffffffffff",
+      "controls":[{"buttonMask":1,"actions":[{"text":"a"}]}]})",
+                     "{\"t\":5,\"buttons\":[1]}\n", {"--until", "5"})
+                .out,
+            "       5 ms  a down\n       5 ms  a up\n");
+}
+
+TEST(RunCommand, ADeviceThatIsNotThereListsThoseThatAre) {
+  EXPECT_EQ(Simulate(kJump, "", {"--device", "Test Pad"}).status, 0);
+  const TestFile profile("named", kJump);
+  const TestFile recording("played", kPad);
+  const Outcome outcome = Kelvaroctl(
+      {"run", "--simulate", "--replay", recording.path, "--device", "Best Pad", profile.path});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "kelvaroctl: " + profile.path +
+                             ": there is no device 'Best Pad'; there is: 'Test Pad'\n");
+}
+
+TEST(RunCommand, AnIntervalOutOfTheTimersRangeIsNamed) {
+  for (const char* interval : {"0", "4294967295"}) {
+    const TestFile profile("fast", std::string("{\"pollInterval\":") + interval + "}");
+    const TestFile recording("played", kPad);
+    const Outcome outcome =
+        Kelvaroctl({"run", "--simulate", "--replay", recording.path, profile.path});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err.rfind("kelvaroctl: " + profile.path + ": pollInterval: " + interval +
+                                    " ms is not from 1 to ",
+                                0),
+              0U)
+        << outcome.err;
+  }
+}
+
+TEST(RunCommand, AFaultyFileIsNamedWithLineAndMember) {
+  const TestFile good("good", kJump);
+  const TestFile pad("pad", kPad);
+  const std::string missing = testing::TempDir() + "kelvaro_no_such_file";
+  const auto run = [&](const std::string& recording, const std::string& profile) {
+    const Outcome outcome = Kelvaroctl({"run", "--simulate", "--replay", recording, profile});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    return outcome.err;
+  };
+  EXPECT_EQ(run(pad.path, missing), "kelvaroctl: " + missing + ": No such file or directory\n");
+  EXPECT_EQ(run(missing, good.path), "kelvaroctl: " + missing + ": No such file or directory\n");
+  EXPECT_EQ(run(testing::TempDir(), good.path),
+            "kelvaroctl: " + testing::TempDir() + ": Is a directory\n");
+
+  const TestFile badProfile("bad", "{\"controls\":[{},\n{\"buttonMask\":[]}]}");
+  EXPECT_EQ(run(pad.path, badProfile.path),
+            "kelvaroctl: " + badProfile.path + ":2: controls[1].buttonMask: not a number\n");
+  const TestFile badText("text", "{\"controls\":[\n{\"actions\":[{\"text\":\"ab<Foo>\"}]}]}");
+  EXPECT_EQ(run(pad.path, badText.path),
+            "kelvaroctl: " + badText.path +
+                ":2: controls[0].actions[0].text: there is no key <Foo> (write << for the "
+                "character itself)\n  ab<Foo>\n    ^\n");
+  const TestFile badRecording("broken",
+                              std::string(kPad) + "{\"t\":1}\n{\"t\":2,\"povs\":{\"POV1\":0}}\n");
+  EXPECT_EQ(run(badRecording.path, good.path),
+            "kelvaroctl: " + badRecording.path + ":3: povs.POV1: no such hat\n");
+  const TestFile huge("huge", std::string((8 << 20) + 1, ' '));
+  EXPECT_EQ(run(pad.path, huge.path), "kelvaroctl: " + huge.path + ": larger than 8 MiB\n");
+}
+
+TEST(RunCommand, GivesTheSameOutputEveryTime) {
+  const char* const changes =
+      "{\"t\":3,\"buttons\":[1]}\n{\"t\":700,\"buttons\":[]}\n{\"t\":720,\"povs\":{\"POV0\":0}}\n";
+  const char* const profile = R"({"controls":[{"buttonMask":1,"repeatEnabled":true,"repeatDelay":40,
+      "repeatSpeed":20,"keyHoldTime":3,"actions":[{"text":"ab"}]},{"triggerItems":[{"kind":8,
+      "value":2}],"actions":[{"text":"<Up>"}]}]})";
+  const std::string first = Simulate(profile, changes, {"--json"}).out;
+  EXPECT_FALSE(first.empty());
+  EXPECT_EQ(Simulate(profile, changes, {"--json"}).out, first);
+}
+
+TEST(RunCommand, TakesADeviceNameLongerThanTheSystemKnows) {
+  const std::string name(1000, 'n');
+  const TestFile profile("profile", kJump);
+  const TestFile recording("recording", R"({"recording":1,"device":")" + name +
+                                            R"(","guid":"000102030405060708090a0b0c0d0e0f",)"
+                                            R"("buttons":1,"axes":0,"povs":0})"
+                                            "\n{\"t\":5,\"buttons\":[1]}\n");
+  const Outcome outcome =
+      Kelvaroctl({"run", "--simulate", "--replay", recording.path, "--until", "5", profile.path});
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.out, "       5 ms  a down\n       5 ms  a up\n");
+}
+
+}  // namespace
+}  // namespace kelvaro::console
