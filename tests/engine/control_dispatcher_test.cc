@@ -171,8 +171,8 @@ TEST_F(Dispatcher, AHeldLongTriggerGoesOnSilencingItsParts) {
 
 struct Containment {
   const char* why;
-  Spec outer;  // comes first, by its weight or by its place
-  Spec inner;
+  Mapping outer;  // comes first, by its weight or by its place
+  Mapping inner;
   DIJOYSTATE2 state;  // both are active
   bool silenced;
 };
@@ -226,8 +226,8 @@ TEST_F(Dispatcher, IsSilencedOnlyWhenEveryInputIsInTheOther) {
   };
   for (const Containment& row : rows) {
     profile.Clear();
-    Spec outer = row.outer;
-    Spec inner = row.inner;
+    Mapping outer = row.outer;
+    Mapping inner = row.inner;
     outer.name = "outer";
     inner.name = "inner";
     Add(outer);
@@ -542,19 +542,19 @@ class RandomDispatch : public EngineTest, public ::testing::WithParamInterface<u
   void SetUp() override {
     random.seed(GetParam());
     for (int n = 0; n < 40; ++n) {
-      Spec spec;
+      Mapping mapping;
       for (int left = Roll(3); left > 0; --left) {
-        spec.buttons.push_back(static_cast<std::uint32_t>(Roll(6)) + 1);
+        mapping.buttons.push_back(static_cast<std::uint32_t>(Roll(6)) + 1);
       }
       for (int left = Roll(2); left > 0; --left) {
-        spec.items.push_back(Roll(1) ? Axis(static_cast<std::uint16_t>(Roll(2)),
-                                            static_cast<std::uint16_t>(Roll(1) + 1))
-                                     : Hat(static_cast<std::uint16_t>(1 << Roll(3))));
+        mapping.items.push_back(Roll(1) ? Axis(static_cast<std::uint16_t>(Roll(2)),
+                                               static_cast<std::uint16_t>(Roll(1) + 1))
+                                        : Hat(static_cast<std::uint16_t>(1 << Roll(3))));
       }
-      spec.onPress = Roll(3) != 0;
-      spec.repeats = Roll(5) == 0;
-      spec.toggles = Roll(15) == 0;
-      Control* control = Add(spec);
+      mapping.onPress = Roll(3) != 0;
+      mapping.repeats = Roll(5) == 0;
+      mapping.toggles = Roll(15) == 0;
+      Control* control = Add(mapping);
       actions.push_back(new BalanceAction);
       delete *control->actions.head->value;
       *control->actions.head->value = actions.back();

@@ -86,7 +86,7 @@ class RecordingAction : public InputAction {
 };
 
 // What a Control is made of.
-struct Spec {
+struct Mapping {
   const char* name = "";  // of its action
   std::vector<std::uint32_t> buttons = {};
   std::vector<TriggerItem> items = {};
@@ -179,20 +179,21 @@ class EngineTest : public ::testing::Test {
   }
 
   // Adds to the master list; the DispatchList is rebuilt.
-  Control* Add(const Spec& spec) {
+  Control* Add(const Mapping& mapping) {
     Control made;
-    made.activateOnPress = spec.onPress;
-    made.toggleMouseControls = spec.toggles;
-    made.repeatEnabled = spec.repeats;
-    made.repeatDelay = spec.delay;
-    made.repeatSpeed = spec.speed;
-    made.keyHoldTime = spec.hold;
-    made.keyReleasePause = spec.pause;
-    made.SetButtonMask(MaskOf(spec.buttons));
-    for (const TriggerItem& item : spec.items) made.triggerItems.AddTail(item);
-    made.actions.AddTail(new RecordingAction(spec.name, &journal, spec.pressMs, spec.releaseMs));
-    for (const char* name : spec.more) {
-      made.actions.AddTail(new RecordingAction(name, &journal, spec.pressMs, spec.releaseMs));
+    made.activateOnPress = mapping.onPress;
+    made.toggleMouseControls = mapping.toggles;
+    made.repeatEnabled = mapping.repeats;
+    made.repeatDelay = mapping.delay;
+    made.repeatSpeed = mapping.speed;
+    made.keyHoldTime = mapping.hold;
+    made.keyReleasePause = mapping.pause;
+    made.SetButtonMask(MaskOf(mapping.buttons));
+    for (const TriggerItem& item : mapping.items) made.triggerItems.AddTail(item);
+    made.actions.AddTail(
+        new RecordingAction(mapping.name, &journal, mapping.pressMs, mapping.releaseMs));
+    for (const char* name : mapping.more) {
+      made.actions.AddTail(new RecordingAction(name, &journal, mapping.pressMs, mapping.releaseMs));
     }
     made.controlId = profile.nextControlId++;
     // The copy in the list owns the actions.

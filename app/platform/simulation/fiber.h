@@ -10,7 +10,7 @@ namespace platform::simulation {
 // Stacks of one size with a guard page below each, kept for the next fiber.
 class StackPool {
  public:
-  static constexpr std::size_t kStackSize = 256 * 1024;
+  static constexpr std::size_t kStackSize = std::size_t{256} * 1024;
 
   StackPool() = default;
   ~StackPool();
@@ -56,7 +56,7 @@ class Fiber {
   void* context = nullptr;  // where to go on: a stack pointer or a ucontext_t
 
   // For the sanitizers.
-  void* shadow = nullptr;
+  [[maybe_unused]] void* shadow = nullptr;  // what the sanitizer knows of this fiber
   const void* stackBottom = nullptr;
   std::size_t stackSize = 0;
 };
