@@ -1,7 +1,10 @@
 #include "app/platform/linux/waiting.h"
 
 #include <errno.h>
-#include <time.h>
+#include <limits.h>
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "app/platform/linux/monotonic_time.h"
 
@@ -22,25 +25,31 @@ void PriorityMutex::lock() { pthread_mutex_lock(&mutex); }
 
 void PriorityMutex::unlock() { pthread_mutex_unlock(&mutex); }
 
-MonotonicCondition::MonotonicCondition() {
-  pthread_condattr_t attributes;
-  pthread_condattr_init(&attributes);
-  pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-  pthread_cond_init(&condition, &attributes);
-  pthread_condattr_destroy(&attributes);
+int MonotonicCondition::Sleep(std::unique_lock<PriorityMutex>& held, const timespec* end) {
+  static_assert(sizeof wakes == sizeof(std::uint32_t) &&
+                std::atomic<std::uint32_t>::is_always_lock_free);
+  const std::uint32_t seen = wakes.load(std::memory_order_relaxed);
+  ++waiters;
+  held.unlock();
+  // Comes back at once when a wake fell between the unlock and here.
+  const long result = syscall(SYS_futex, &wakes, FUTEX_WAIT_BITSET_PRIVATE, seen, end, nullptr,
+                              FUTEX_BITSET_MATCH_ANY);
+  const bool timedOut = result == -1 && errno == ETIMEDOUT;
+  held.lock();
+  --waiters;
+  return timedOut ? ETIMEDOUT : 0;
 }
 
-MonotonicCondition::~MonotonicCondition() { pthread_cond_destroy(&condition); }
-
-void MonotonicCondition::Wait(std::unique_lock<PriorityMutex>& held) {
-  pthread_cond_wait(&condition, held.mutex()->Native());
-}
+void MonotonicCondition::Wait(std::unique_lock<PriorityMutex>& held) { Sleep(held, nullptr); }
 
 bool MonotonicCondition::WaitUntil(std::unique_lock<PriorityMutex>& held, std::int64_t deadline) {
   const timespec end = ToTimespec(deadline);
-  return pthread_cond_timedwait(&condition, held.mutex()->Native(), &end) != ETIMEDOUT;
+  return Sleep(held, &end) != ETIMEDOUT;
 }
 
-void MonotonicCondition::WakeAll() { pthread_cond_broadcast(&condition); }
+void MonotonicCondition::WakeAll() {
+  wakes.fetch_add(1, std::memory_order_relaxed);
+  if (waiters != 0) syscall(SYS_futex, &wakes, FUTEX_WAKE_PRIVATE, INT_MAX);
+}
 
 }  // namespace platform

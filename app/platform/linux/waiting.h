@@ -4,7 +4,9 @@
 #pragma once
 
 #include <pthread.h>
+#include <time.h>
 
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 
@@ -25,10 +27,11 @@ class PriorityMutex {
   pthread_mutex_t mutex;
 };
 
+// The library's own condition takes a mutex of this kind back as if others waited for it, and so
+// pays a system call at its next unlock; this one doesn't, which each tick of a timer would feel.
 class MonotonicCondition {
  public:
-  MonotonicCondition();
-  ~MonotonicCondition();
+  MonotonicCondition() = default;
   MonotonicCondition(const MonotonicCondition&) = delete;
   MonotonicCondition& operator=(const MonotonicCondition&) = delete;
 
@@ -36,10 +39,15 @@ class MonotonicCondition {
   void Wait(std::unique_lock<PriorityMutex>& held);
   // False once `deadline` (nanoseconds) has passed.
   bool WaitUntil(std::unique_lock<PriorityMutex>& held, std::int64_t deadline);
+  // REQUIRES: the waiters' mutex is held, and what they wait for was changed under it.
   void WakeAll();
 
  private:
-  pthread_cond_t condition;
+  // 0, or ETIMEDOUT once `end` has passed; no end for null.
+  int Sleep(std::unique_lock<PriorityMutex>& held, const timespec* end);
+
+  std::atomic<std::uint32_t> wakes{0};
+  std::uint32_t waiters = 0;  // guarded by the waiters' mutex
 };
 
 }  // namespace platform
