@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <libevdev/libevdev-uinput.h>
 #include <libevdev/libevdev.h>
+#include <malloc.h>
+#include <stdio.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -177,7 +179,7 @@ long ReadCalls() {
   return value;
 }
 
-TEST_F(OwnMachineTest, AQuietPollIsOneRead) {
+TEST_F(OwnMachineTest, AQuietPollIsOneReadAndNoAllocation) {
   VirtualPad pad("Pad of Peace");
   ASSERT_TRUE(pad.Made());
   Select("Pad of Peace");
@@ -187,6 +189,10 @@ TEST_F(OwnMachineTest, AQuietPollIsOneRead) {
   const long before = ReadCalls();
   for (int i = 0; i < 1000; ++i) device->Poll();
   EXPECT_EQ(ReadCalls() - before - own, 1000);
+  const std::size_t allocated = mallinfo2().uordblks;
+  for (int i = 0; i < 1000; ++i) device->Poll();
+  EXPECT_EQ(mallinfo2().uordblks, allocated);
+  EXPECT_GT(allocated, 0u);
 }
 
 TEST_F(OwnMachineTest, APulledPadComesToRestAndComesBackManyTimes) {
@@ -316,6 +322,34 @@ TEST_F(OwnMachineTest, MotionAndButtonsComeOutOfTheVirtualMouse) {
   EXPECT_EQ(reader->All(),
             "2 0 3, 2 1 -4, 0 0 0, 1 272 1, 0 0 0, 1 272 0, 0 0 0, 2 8 1, 2 11 150, 0 0 0, "
             "1 275 1, 0 0 0, 1 275 0, 0 0 0");
+}
+
+TEST_F(OwnMachineTest, UinputIsWhatOpensFirst) {
+  std::string error;
+  const std::unique_ptr<LinuxInput> input = OpenLinuxInput(InputChoice::Auto, &error);
+  ASSERT_NE(input, nullptr) << error;
+  EXPECT_STREQ(input->Name(), "uinput");
+}
+
+TEST_F(OwnMachineTest, AMissingPermissionIsTold) {
+  unsetenv("DISPLAY");
+  constexpr uid_t kNobody = 65534;
+  ASSERT_EQ(seteuid(kNobody), 0);
+  std::string error;
+  const std::unique_ptr<LinuxInput> input = OpenLinuxInput(InputChoice::Auto, &error);
+  ASSERT_EQ(seteuid(0), 0);
+  EXPECT_EQ(input, nullptr);
+  EXPECT_EQ(error.find("can't send keys: no permission to open /dev/uinput"), 0u) << error;
+}
+
+TEST_F(OwnMachineTest, AMissingNodeIsTold) {
+  unsetenv("DISPLAY");
+  ASSERT_EQ(rename("/dev/uinput", "/dev/uinput.away"), 0);
+  std::string error;
+  const std::unique_ptr<LinuxInput> input = OpenLinuxInput(InputChoice::Auto, &error);
+  ASSERT_EQ(rename("/dev/uinput.away", "/dev/uinput"), 0);
+  EXPECT_EQ(input, nullptr);
+  EXPECT_EQ(error.find("can't send keys: the kernel module uinput is not loaded"), 0u) << error;
 }
 
 TEST_F(OwnMachineTest, OurOwnDevicesAreNoGameDevices) {
