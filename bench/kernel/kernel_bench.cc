@@ -8,21 +8,24 @@
 #include <fcntl.h>
 #include <linux/input.h>
 #include <linux/uinput.h>
+#include <sched.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <numbers>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -96,8 +99,12 @@ std::string WaitForInput(const char* name) {
 
 void PrintTimes(const char* what, std::vector<double> us) {
   std::sort(us.begin(), us.end());
+  // Between the two nearest where it falls between.
   const auto at = [&](double part) {
-    return us[static_cast<std::size_t>(part * static_cast<double>(us.size() - 1) + 0.5)];
+    const double place = part * static_cast<double>(us.size() - 1);
+    const std::size_t below = static_cast<std::size_t>(place);
+    const std::size_t above = std::min(below + 1, us.size() - 1);
+    return us[below] + (us[above] - us[below]) * (place - static_cast<double>(below));
   };
   std::printf("%-44s %9.0f %9.0f %9.0f %9.0f\n", what, us.front(), at(0.5), at(0.95), us.back());
   std::fflush(stdout);
@@ -148,7 +155,9 @@ std::vector<double> PressTimes(UinputPad& pad, Reader& keyboard, int intervalUs)
   std::vector<double> times;
   const auto next = [&](int phase) {
     const std::int64_t whole = (NowUs() + 25000) / intervalUs * intervalUs;
-    WaitUntilUs(whole + (phase + kPresses) % kPresses * intervalUs / kPresses);
+    const std::int64_t step = intervalUs / kPresses;
+    std::uniform_int_distribution<std::int64_t> within(0, step);
+    WaitUntilUs(whole + (phase + kPresses) % kPresses * intervalUs / kPresses + within(random));
   };
   for (const int phase : phases) {
     keyboard.Clear();
@@ -199,6 +208,21 @@ void MeasureForwarder() {
   waitpid(forwarder, nullptr, 0);
 }
 
+// Nanoseconds that all threads of a process have spent on a processor.
+double ProcessorNsOf(pid_t process) {
+  double sum = 0;
+  for (const auto& task :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::ifstream file(task.path() / "schedstat");
+    double ns = 0;
+    if (!(file >> ns)) {
+      Fail("no processor time of a thread");
+    }
+    sum += ns;
+  }
+  return sum;
+}
+
 // kelvaroctl at work on `pad`.
 class Program {
  public:
@@ -224,20 +248,7 @@ class Program {
   Reader& Keyboard() { return *keyboard; }
   Reader& Mouse() { return *mouse; }
 
-  // Nanoseconds that all its threads have spent on a processor.
-  double ProcessorNs() const {
-    double sum = 0;
-    for (const auto& task :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(child.Pid()) + "/task")) {
-      std::ifstream file(task.path() / "schedstat");
-      double ns = 0;
-      if (!(file >> ns)) {
-        Fail("no processor time of a thread");
-      }
-      sum += ns;
-    }
-    return sum;
-  }
+  double ProcessorNs() const { return ProcessorNsOf(child.Pid()); }
 
   // Proportional set size in KB.
   long MemoryKb() const {
@@ -272,6 +283,45 @@ void MeasureProgram(int interval) {
 void PrintShare(const std::string& what, double ns, double seconds) {
   std::printf("%-44s %9.3f %% of a processor\n", what.c_str(), ns / seconds / 1e9 * 100);
   std::fflush(stdout);
+}
+
+// The least that polling can cost: a thread that sleeps until the next millisecond and reads.
+void MeasureBareLoop() {
+  UinputPad pad(BenchPad());
+  const pid_t loop = fork();
+  if (loop == 0) {
+    sched_param priority = {};
+    priority.sched_priority = 1;
+    sched_setscheduler(0, SCHED_FIFO, &priority);
+    prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
+    const int in = open(pad.Node().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    input_event events[64];
+    timespec next = {};
+    clock_gettime(CLOCK_MONOTONIC, &next);
+    for (;;) {
+      next.tv_nsec += 1000000;
+      if (next.tv_nsec >= 1000000000) {
+        next.tv_nsec -= 1000000000;
+        ++next.tv_sec;
+      }
+      clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
+      if (read(in, events, sizeof events) >= 0 || errno != EAGAIN) {
+        _exit(1);  // the pad isn't still
+      }
+    }
+  }
+  WaitMs(500);
+  const std::int64_t begin = NowUs();
+  const double before = ProcessorNsOf(loop);
+  WaitMs(kSeconds * 1000);
+  const double used = ProcessorNsOf(loop) - before;
+  PrintShare("bare loop, 1000 sleeps and reads a second", used,
+             static_cast<double>(NowUs() - begin) / 1e6);
+  int status = 0;
+  kill(loop, SIGKILL);
+  if (waitpid(loop, &status, 0) != loop || !WIFSIGNALED(status)) {
+    Fail("the bare loop ended by itself");
+  }
 }
 
 void MeasureStillPad(int interval) {
@@ -345,6 +395,7 @@ int Main() {
   MeasureProgram(1);
   MeasureProgram(5);
   std::printf("\n");
+  MeasureBareLoop();
   MeasureStillPad(1);
   MeasureStillPad(5);
   MeasurePointer();
