@@ -1,0 +1,97 @@
+// Recordings of any bytes. Checked: a fault is one line that begins with the line's number; what is
+// taken obeys the limits that the device promises, and its lines, written again, read back the
+// same.
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "app/platform/simulation/recording.h"
+
+namespace {
+
+using platform::simulation::Recording;
+using platform::simulation::StateChange;
+
+void Check(bool holds, const char* what, const std::string& text) {
+  if (holds) return;
+  std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
+  std::abort();
+}
+
+bool Read(const std::string& text, Recording* recording, std::string* error) {
+  std::istringstream in(text);
+  return platform::simulation::ReadRecording(in, recording, error);
+}
+
+std::string Written(const Recording& recording) {
+  std::string text = RecordingHeaderLine(recording.device) + "\n";
+  for (const StateChange& change : recording.changes) text += RecordingChangeLine(change) + "\n";
+  return text;
+}
+
+bool Same(const StateChange& a, const StateChange& b) {
+  return a.t == b.t && a.hasButtons == b.hasButtons && a.buttons == b.buttons && a.axes == b.axes &&
+         a.povs == b.povs && a.hasLost == b.hasLost && a.lost == b.lost;
+}
+
+bool Same(const Recording& a, const Recording& b) {
+  if (a.device.name != b.device.name || a.device.guid != b.device.guid ||
+      a.device.buttons != b.device.buttons || a.device.axes != b.device.axes ||
+      a.device.povs != b.device.povs || a.changes.size() != b.changes.size()) {
+    return false;
+  }
+  for (std::size_t i = 0; i < a.changes.size(); ++i) {
+    if (!Same(a.changes[i], b.changes[i])) return false;
+  }
+  return true;
+}
+
+void CheckFault(const std::string& error) {
+  std::size_t digits = 0;
+  while (digits < error.size() && std::isdigit(static_cast<unsigned char>(error[digits]))) ++digits;
+  Check(digits > 0 && error.compare(digits, 2, ": ") == 0 && error.size() > digits + 2,
+        "a fault without its line", error);
+}
+
+void CheckLimits(const Recording& recording, const std::string& text) {
+  std::uint64_t last = 0;
+  platform::DIJOYSTATE2 state = platform::simulation::StateAtRest();
+  for (const StateChange& change : recording.changes) {
+    Check(change.t >= last, "times fall", text);
+    last = change.t;
+    ApplyChange(change, &state);  // for the sanitizers: every index is in the state
+    for (const std::uint32_t button : change.buttons) {
+      Check(button >= 1 && button <= recording.device.buttons, "no such button", text);
+    }
+    for (const auto& [axis, value] : change.axes) {
+      Check(value >= -32000 && value <= 32000, "axis out of its range", text);
+    }
+    for (const auto& [hat, angle] : change.povs) {
+      Check(hat < recording.device.povs, "no such hat", text);
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+  const std::string text(reinterpret_cast<const char*>(bytes), size);
+  Recording recording;
+  std::string error;
+  if (!Read(text, &recording, &error)) {
+    CheckFault(error);
+    return 0;
+  }
+  CheckLimits(recording, text);
+
+  const std::string written = Written(recording);
+  Recording again;
+  Check(Read(written, &again, &error), "what is written isn't read", written);
+  Check(Same(recording, again), "read back as another", written);
+  Check(Written(again) == written, "written in another way", written);
+  return 0;
+}
