@@ -28,6 +28,15 @@ bool MayYetOpen(int errorCode) {
 
 }  // namespace
 
+std::vector<NodePlace> AttachedNodes(DeviceSource& source) {
+  std::vector<NodePlace> nodes = source.nodes->List();
+  std::vector<std::string> places;
+  places.reserve(nodes.size());
+  for (const NodePlace& node : nodes) places.push_back(node.place);
+  source.identities.KeepOnly(places);
+  return nodes;
+}
+
 LinuxDevice::LinuxDevice(std::shared_ptr<DeviceSource> sharedSource, AttachedDevice attached)
     : source(std::move(sharedSource)),
       identity(attached.identity),
@@ -233,11 +242,7 @@ bool LinuxDevice::LookForReturn() {
 bool LinuxDevice::Search() {
   searchDue = false;
   retrying = !watch;
-  const std::vector<NodePlace> places = source->nodes->List();
-  std::vector<std::string> attachedPlaces;
-  for (const NodePlace& candidate : places) attachedPlaces.push_back(candidate.place);
-  source->identities.KeepOnly(attachedPlaces);
-  for (const NodePlace& candidate : places) {
+  for (const NodePlace& candidate : AttachedNodes(*source)) {
     if (DeviceIdentity(candidate.ids, 0) != make) continue;
     int errorCode = 0;
     std::unique_ptr<DeviceNode> opened = source->nodes->Open(candidate, &errorCode);

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/platform/devices.h"
 #include "app/platform/linux/device_identity.h"
@@ -20,6 +21,9 @@ struct DeviceSource {
   IdentityTable identities;
   std::function<std::int64_t()> nowMs;  // any start; never runs backwards
 };
+
+// The nodes that are attached, by their number; the table of identities forgets all others.
+std::vector<NodePlace> AttachedNodes(DeviceSource& source);
 
 // A game device that is attached and open.
 struct AttachedDevice {

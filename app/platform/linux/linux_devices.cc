@@ -33,11 +33,7 @@ void CopyName(const std::string& name, char (&to)[kMaxPath]) {
 
 // Calls visit for each game device that is attached, until it returns false.
 void ForEachDevice(DeviceSource& source, const std::function<bool(AttachedDevice)>& visit) {
-  const std::vector<NodePlace> places = source.nodes->List();
-  std::vector<std::string> attachedPlaces;
-  for (const NodePlace& place : places) attachedPlaces.push_back(place.place);
-  source.identities.KeepOnly(attachedPlaces);
-  for (const NodePlace& place : places) {
+  for (const NodePlace& place : AttachedNodes(source)) {
     int errorCode = 0;
     std::unique_ptr<DeviceNode> node = source.nodes->Open(place, &errorCode);
     if (!node || !IsGameDevice(node->Facts())) continue;

@@ -162,7 +162,7 @@ Handle LinuxThreads::CreateThread(ThreadEntry entry, void* parameter, const char
   object->isThread = true;
   auto start = std::make_unique<Start>(Start{state, object, entry, parameter, name});
   if (!StartDetachedThread(RunThread, start.get())) return kInvalidHandle;
-  start.release();
+  (void)start.release();  // the thread's now
 
   std::unique_lock<PriorityMutex> lock(state->mutex);
   // Until the thread has told its id and has read `name`.

@@ -106,7 +106,7 @@ std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*r
   timer->id = state->lastId;
   auto start = std::make_unique<std::shared_ptr<Timer>>(timer);
   if (!StartDetachedThread(RunTimer, start.get())) return 0;
-  start.release();
+  (void)start.release();  // the thread's now
   ++state->threads;
   const std::uint32_t id = timer->id;
   state->running.emplace(id, std::move(timer));

@@ -10,7 +10,7 @@
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/wheel_notches.h"
 
-struct _XDisplay;
+struct _XDisplay;  // NOLINT(bugprone-reserved-identifier): Xlib's own
 
 namespace platform {
 

@@ -18,6 +18,7 @@
 
 // Where a connection breaks and the library's handlers return, it gives its own lock back twice.
 // The connection isn't used again, so nothing comes of it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" const char* __tsan_default_suppressions() { return "mutex:libX11.so\n"; }
 
 namespace platform {
