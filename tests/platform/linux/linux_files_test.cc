@@ -1,0 +1,617 @@
+#include "app/platform/linux/linux_files.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/platform/linux/linux_platform.h"
+
+namespace {
+
+// What the program asks the system to make lasting, in order: "fsync file", "fsync folder",
+// "rename". The call with the number failAt fails.
+struct Watch {
+  std::vector<std::string> calls;
+  std::size_t failAt = 0;
+};
+
+Watch* watch = nullptr;
+
+bool Fails(const char* call) {
+  if (!watch) return false;
+  watch->calls.emplace_back(call);
+  if (watch->calls.size() != watch->failAt) return false;
+  errno = EIO;
+  return true;
+}
+
+}  // namespace
+
+extern "C" {
+int __real_fsync(int fd);
+int __real_rename(const char* from, const char* to);
+
+int __wrap_fsync(int fd) {
+  struct stat status;
+  const bool isFolder = fstat(fd, &status) == 0 && S_ISDIR(status.st_mode);
+  return Fails(isFolder ? "fsync folder" : "fsync file") ? -1 : __real_fsync(fd);
+}
+
+int __wrap_rename(const char* from, const char* to) {
+  return Fails("rename") ? -1 : __real_rename(from, to);
+}
+}
+
+namespace platform {
+namespace {
+
+using Names = std::vector<std::string>;
+
+class Watching {
+ public:
+  explicit Watching(std::size_t failAt = 0) : mine{{}, failAt} { watch = &mine; }
+  ~Watching() { watch = nullptr; }
+  Watching(const Watching&) = delete;
+  Watching& operator=(const Watching&) = delete;
+  const Names& Calls() const { return mine.calls; }
+
+ private:
+  Watch mine;
+};
+
+// A temporary folder, which is also the current one.
+class LinuxFilesTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string made = testing::TempDir() + "kelvaro-files-XXXXXX";
+    ASSERT_TRUE(mkdtemp(made.data()));
+    before = std::filesystem::current_path();
+    folder = std::filesystem::canonical(made).string();
+    std::filesystem::current_path(folder);
+  }
+  void TearDown() override {
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(folder);
+  }
+
+  std::string In(const std::string& name) const { return folder + "/" + name; }
+
+  void Put(const std::string& name, const std::string& bytes, mode_t mode = 0644) {
+    std::ofstream(In(name), std::ios::binary) << bytes;
+    ASSERT_EQ(chmod(In(name).c_str(), mode), 0);
+  }
+
+  std::string Bytes(const std::string& name) const {
+    std::ifstream file(In(name), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  }
+
+  mode_t Mode(const std::string& name) const {
+    struct stat status;
+    return lstat(In(name).c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+  }
+
+  // Sorted, hidden ones included.
+  Names List() const {
+    Names names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  Names Found(const std::string& pattern) {
+    Names names;
+    FindData data;
+    if (const std::unique_ptr<FileSearch> search = files.FindFirstFileA(pattern, &data)) {
+      do {
+        names.push_back(data.name);
+      } while (search->FindNextFileA(&data));
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  std::unique_ptr<File> OpenToRead(const std::string& path) {
+    return files.CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+  }
+  std::unique_ptr<File> Create(const std::string& path) {
+    return files.CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
+  }
+
+  LinuxFiles files;
+  std::string folder;
+  std::filesystem::path before;
+};
+
+bool Write(File& file, const std::string& bytes) {
+  std::uint32_t written = 0;
+  return file.WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &written) &&
+         written == bytes.size();
+}
+
+std::string ReadAll(File& file) {
+  char buffer[256];
+  std::uint32_t read = 0;
+  EXPECT_TRUE(file.ReadFile(buffer, sizeof buffer, &read));
+  return std::string(buffer, read);
+}
+
+TEST_F(LinuxFilesTest, WritesReadsAndSeeks) {
+  const std::unique_ptr<File> file = Create(In("a"));
+  ASSERT_TRUE(file);
+  EXPECT_TRUE(Write(*file, "hello world"));
+  std::int64_t position = 0;
+  EXPECT_TRUE(file->SetFilePointer(6, FILE_BEGIN, &position));
+  EXPECT_EQ(position, 6);
+  EXPECT_EQ(ReadAll(*file), "world");
+  EXPECT_EQ(ReadAll(*file), "");
+  EXPECT_TRUE(file->SetFilePointer(-11, FILE_CURRENT, nullptr));
+  EXPECT_TRUE(Write(*file, "J"));
+  EXPECT_TRUE(file->SetFilePointer(2, FILE_END, &position));
+  EXPECT_EQ(position, 13);
+  EXPECT_TRUE(Write(*file, "!"));
+  EXPECT_FALSE(file->SetFilePointer(-1, FILE_BEGIN, nullptr));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EINVAL));
+  EXPECT_FALSE(file->SetFilePointer(0, 3, nullptr));
+  EXPECT_TRUE(file->CloseHandle());
+  EXPECT_EQ(Bytes("a"), std::string("Jello world\0\0!", 14));
+}
+
+TEST_F(LinuxFilesTest, CreatingEmptiesWhatIsThereAndKeepsItsPermissions) {
+  Put("a", "long before", 0600);
+  EXPECT_TRUE(Create(In("a")));
+  EXPECT_EQ(Bytes("a"), "");
+  EXPECT_EQ(Mode("a"), 0600u);
+}
+
+TEST_F(LinuxFilesTest, ANewFileHasTheUsersUsualPermissions) {
+  const mode_t old = umask(027);
+  EXPECT_TRUE(Create(In("a")));
+  umask(old);
+  EXPECT_EQ(Mode("a"), 0640u);
+}
+
+TEST_F(LinuxFilesTest, WhatIsOpenIsNotHandedToOtherPrograms) {
+  Put("a", "1");
+  const std::unique_ptr<File> reading = OpenToRead(In("a"));
+  const std::unique_ptr<File> writing = Create(In("b"));
+  FindData data;
+  const std::unique_ptr<FileSearch> search = files.FindFirstFileA(In("*"), &data);
+  int open = 0;
+  for (int number = 0; number < 1'000; ++number) {
+    char path[4096];
+    const std::string link = "/proc/self/fd/" + std::to_string(number);
+    const ssize_t length = readlink(link.c_str(), path, sizeof path);
+    if (length < 0) continue;
+    if (!std::string(path, static_cast<std::size_t>(length)).starts_with(folder)) continue;
+    ++open;
+    EXPECT_EQ(fcntl(number, F_GETFD), FD_CLOEXEC);
+  }
+  EXPECT_EQ(open, 4);  // a, b, the folder that b lies in, and the search's
+}
+
+TEST_F(LinuxFilesTest, OpeningRefusesWhatIsNoPlainFile) {
+  EXPECT_FALSE(OpenToRead(In("none")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  EXPECT_FALSE(OpenToRead(folder));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EISDIR));
+  EXPECT_FALSE(Create(folder));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EISDIR));
+  EXPECT_FALSE(OpenToRead(""));
+  EXPECT_FALSE(OpenToRead("/dev/null"));
+  EXPECT_FALSE(Create(In("none/a")));
+}
+
+TEST_F(LinuxFilesTest, APipeIsRefusedWithoutWaitingForItsOtherEnd) {
+  ASSERT_EQ(mkfifo(In("pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(OpenToRead(In("pipe")));
+  EXPECT_FALSE(Create(In("pipe")));
+  EXPECT_FALSE(files.CreateFileA(In("pipe"), GENERIC_WRITE, 0, OPEN_EXISTING));
+  Put("a", "1");
+  EXPECT_FALSE(files.CopyFileA(In("pipe"), In("a"), false));
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("pipe"), false));
+  EXPECT_EQ(List(), (Names{"a", "pipe"}));
+}
+
+TEST_F(LinuxFilesTest, APathWithAZeroByteNamesNothing) {
+  Put("a", "1");
+  const std::string path = In("a") + std::string("\0.idprof", 8);
+  EXPECT_FALSE(OpenToRead(path));
+  EXPECT_FALSE(Create(path));
+  EXPECT_FALSE(files.CopyFileA(path, In("b"), false));
+  EXPECT_FALSE(files.CopyFileA(In("a"), path, false));
+  EXPECT_FALSE(files.DeleteFileA(path));
+  EXPECT_EQ(files.GetFileAttributesA(path), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(files.SetFileAttributesA(path, FILE_ATTRIBUTE_READONLY));
+  EXPECT_FALSE(files.CreateDirectoryA(path));
+  EXPECT_FALSE(files.SetCurrentDirectoryA(folder + std::string("\0", 1)));
+  FindData data;
+  EXPECT_FALSE(files.FindFirstFileA(path, &data));
+  EXPECT_EQ(List(), Names{"a"});
+  EXPECT_EQ(Bytes("a"), "1");
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EINVAL));
+}
+
+TEST_F(LinuxFilesTest, ReadOnlyIsTheOwnersWritePermission) {
+  Put("a", "1", 0644);
+  EXPECT_EQ(files.GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(files.SetFileAttributesA(In("a"), FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(Mode("a"), 0444u);
+  EXPECT_EQ(files.GetFileAttributesA(In("a")), FILE_ATTRIBUTE_READONLY);
+  EXPECT_TRUE(files.SetFileAttributesA(In("a"), FILE_ATTRIBUTE_NORMAL));
+  EXPECT_EQ(Mode("a"), 0644u);
+  Put("group", "1", 0464);
+  EXPECT_EQ(files.GetFileAttributesA(In("group")), FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(files.GetFileAttributesA(folder), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(files.GetFileAttributesA(In("none")), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(files.SetFileAttributesA(In("none"), FILE_ATTRIBUTE_NORMAL));
+}
+
+// Root included, whom the system itself would let through.
+TEST_F(LinuxFilesTest, AReadOnlyFileIsNotWrittenReplacedOrDeleted) {
+  Put("a", "old", 0444);
+  Put("b", "new");
+  EXPECT_FALSE(Create(In("a")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EACCES));
+  EXPECT_FALSE(files.CreateFileA(In("a"), GENERIC_WRITE, 0, OPEN_EXISTING));
+  EXPECT_FALSE(files.CopyFileA(In("b"), In("a"), false));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EACCES));
+  EXPECT_FALSE(files.DeleteFileA(In("a")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EACCES));
+  EXPECT_EQ(Bytes("a"), "old");
+  EXPECT_TRUE(OpenToRead(In("a")));
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, DeletingTakesFilesAndLinksButNoFolders) {
+  Put("a", "1");
+  ASSERT_EQ(symlink("nowhere", In("dangling").c_str()), 0);
+  ASSERT_EQ(symlink("a", In("link").c_str()), 0);
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  EXPECT_TRUE(files.DeleteFileA(In("link")));
+  EXPECT_EQ(Bytes("a"), "1");
+  EXPECT_TRUE(files.DeleteFileA(In("dangling")));
+  EXPECT_TRUE(files.DeleteFileA(In("a")));
+  EXPECT_FALSE(files.DeleteFileA(In("a")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  EXPECT_FALSE(files.DeleteFileA(In("sub")));
+  EXPECT_EQ(List(), Names{"sub"});
+}
+
+TEST_F(LinuxFilesTest, ClosingAWrittenFileFlushesItAndItsFolder) {
+  const std::unique_ptr<File> file = Create(In("a"));
+  Write(*file, "1");
+  Watching watching;
+  EXPECT_TRUE(file->CloseHandle());
+  EXPECT_EQ(watching.Calls(), (Names{"fsync file", "fsync folder"}));
+}
+
+TEST_F(LinuxFilesTest, ClosingAReadFileFlushesNothing) {
+  Put("a", "1");
+  const std::unique_ptr<File> file = OpenToRead(In("a"));
+  Watching watching;
+  EXPECT_TRUE(file->CloseHandle());
+  EXPECT_EQ(watching.Calls(), Names());
+}
+
+TEST_F(LinuxFilesTest, AFlushThatFailsMakesClosingFail) {
+  for (const std::size_t failAt : {1, 2}) {
+    const std::unique_ptr<File> file = Create(In("a"));
+    Watching watching(failAt);
+    EXPECT_FALSE(file->CloseHandle());
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EIO));
+    EXPECT_FALSE(file->CloseHandle());
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EBADF));
+  }
+}
+
+TEST_F(LinuxFilesTest, ANewFolderIsFlushedIntoItsParent) {
+  Watching watching;
+  EXPECT_TRUE(files.CreateDirectoryA(In("sub/")));
+  EXPECT_EQ(watching.Calls(), Names{"fsync folder"});
+  EXPECT_FALSE(files.CreateDirectoryA(In("sub")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EEXIST));
+  EXPECT_FALSE(files.CreateDirectoryA(In("none/sub")));
+}
+
+TEST_F(LinuxFilesTest, ACopyIsWholeOnTheDiskBeforeItTakesTheTargetsPlace) {
+  Put("a", "new");
+  Put("b", "old");
+  Watching watching;
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_EQ(watching.Calls(), (Names{"fsync file", "rename", "fsync folder"}));
+  EXPECT_EQ(Bytes("b"), "new");
+  EXPECT_EQ(Bytes("a"), "new");
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, ACopyThatFailsLeavesTheTargetAndNothingBeside) {
+  Put("a", "new");
+  Put("b", "old");
+  for (const std::size_t failAt : {1, 2}) {
+    Watching watching(failAt);
+    EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), false));
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EIO));
+    EXPECT_EQ(Bytes("b"), "old");
+    EXPECT_EQ(List(), (Names{"a", "b"}));
+  }
+}
+
+TEST_F(LinuxFilesTest, ACopyWhoseNameIsNotLastingYetCountsAsFailed) {
+  Put("a", "new");
+  Put("b", "old");
+  Watching watching(3);
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_EQ(Bytes("b"), "new");
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, ACopyThatFindsNoRoomLeavesTheTargetAndNothingBeside) {
+  Put("a", std::string(300'000, 'n'));
+  Put("b", "old");
+  struct rlimit old;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+  const struct rlimit little = {100'000, old.rlim_max};
+  const auto handler = signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &little), 0);
+  const bool copied = files.CopyFileA(In("a"), In("b"), false);
+  const std::uint32_t error = files.GetLastError();
+  setrlimit(RLIMIT_FSIZE, &old);
+  signal(SIGXFSZ, handler);
+  EXPECT_FALSE(copied);
+  EXPECT_EQ(error, static_cast<std::uint32_t>(EFBIG));
+  EXPECT_EQ(Bytes("b"), "old");
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, AReaderSeesTheOldOrTheNewAndNothingElse) {
+  const std::string one(200'000, '1');
+  const std::string two(150'000, '2');
+  Put("one", one);
+  Put("two", two);
+  Put("target", one);
+  std::atomic<bool> done{false};
+  std::atomic<int> torn{0};
+  std::thread reader([&] {
+    while (!done) {
+      const std::string seen = Bytes("target");
+      if (seen != one && seen != two) ++torn;
+    }
+  });
+  for (int round = 0; round < 50; ++round) {
+    EXPECT_TRUE(files.CopyFileA(In(round % 2 ? "one" : "two"), In("target"), false));
+  }
+  done = true;
+  reader.join();
+  EXPECT_EQ(torn, 0);
+}
+
+TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsPermissions) {
+  Put("a", "new", 0644);
+  for (const mode_t mode : {0600, 0664, 0755, 0200}) {
+    Put("b", "old", mode);
+    EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+    EXPECT_EQ(Mode("b"), mode);
+  }
+}
+
+TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsOwnerWhereThatIsAllowed) {
+  Put("a", "new");
+  Put("b", "old");
+  struct stat mine;
+  ASSERT_EQ(stat(In("b").c_str(), &mine), 0);
+  // Another owner can be had by root only; for everyone else it stays their own.
+  const bool given = geteuid() == 0 && chown(In("b").c_str(), 12'345, 23'456) == 0;
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  struct stat status;
+  ASSERT_EQ(stat(In("b").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, given ? 12'345u : mine.st_uid);
+  EXPECT_EQ(status.st_gid, given ? 23'456u : mine.st_gid);
+  EXPECT_EQ(Bytes("b"), "new");
+}
+
+TEST_F(LinuxFilesTest, ANewCopyTakesTheSourcesPermissions) {
+  Put("a", "1", 0640);
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), true));
+  EXPECT_EQ(Mode("b"), 0640u);
+  EXPECT_EQ(Bytes("b"), "1");
+}
+
+TEST_F(LinuxFilesTest, ACopyIsRefusedOverAFileThatMustNotBeThere) {
+  Put("a", "new");
+  Put("b", "old");
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), true));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EEXIST));
+  EXPECT_EQ(Bytes("b"), "old");
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, ACopyNeedsAFileOnBothSides) {
+  Put("a", "1");
+  EXPECT_FALSE(files.CopyFileA(In("none"), In("b"), false));
+  EXPECT_FALSE(files.CopyFileA(folder, In("b"), false));
+  EXPECT_FALSE(files.CopyFileA(In("a"), folder, false));
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("none/b"), false));
+  EXPECT_EQ(List(), Names{"a"});
+}
+
+TEST_F(LinuxFilesTest, ACopyOverALinkReplacesWhatItLeadsTo) {
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  Put("a", "new");
+  Put("sub/real", "old", 0600);
+  ASSERT_EQ(symlink("real", In("sub/second").c_str()), 0);
+  ASSERT_EQ(symlink("sub/second", In("first").c_str()), 0);
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("first"), false));
+  EXPECT_EQ(Bytes("sub/real"), "new");
+  EXPECT_EQ(Mode("sub/real"), 0600u);
+  EXPECT_TRUE(std::filesystem::is_symlink(In("first")));
+  EXPECT_TRUE(std::filesystem::is_symlink(In("sub/second")));
+}
+
+TEST_F(LinuxFilesTest, ACopyOverALinkThatLeadsNowhereMakesWhatItNames) {
+  Put("a", "new");
+  ASSERT_EQ(symlink(In("made").c_str(), In("link").c_str()), 0);
+  EXPECT_TRUE(files.CopyFileA("a", "link", false));
+  EXPECT_EQ(Bytes("made"), "new");
+  EXPECT_TRUE(std::filesystem::is_symlink(In("link")));
+}
+
+TEST_F(LinuxFilesTest, LinksInARingAreAFailure) {
+  Put("a", "new");
+  ASSERT_EQ(symlink("two", In("one").c_str()), 0);
+  ASSERT_EQ(symlink("one", In("two").c_str()), 0);
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("one"), false));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ELOOP));
+  EXPECT_FALSE(OpenToRead(In("one")));
+}
+
+TEST_F(LinuxFilesTest, ACopyToAPlainNameGoesToTheCurrentFolder) {
+  Put("a", "1");
+  EXPECT_TRUE(files.CopyFileA("a", "b", false));
+  EXPECT_EQ(Bytes("b"), "1");
+  EXPECT_EQ(List(), (Names{"a", "b"}));
+}
+
+TEST_F(LinuxFilesTest, SearchesFitNamesWithoutRegardToCase) {
+  for (const char* name : {"a.idprof", "B.IDPROF", "c.idprof.tmp", "d", ".hidden"}) Put(name, "");
+  EXPECT_EQ(Found(In("*.idprof")), (Names{"B.IDPROF", "a.idprof"}));
+  EXPECT_EQ(Found("*.idprof"), (Names{"B.IDPROF", "a.idprof"}));
+  EXPECT_EQ(Found(In("?")), (Names{".", "d"}));
+  EXPECT_EQ(Found(In("*")),
+            (Names{".", "..", ".hidden", "B.IDPROF", "a.idprof", "c.idprof.tmp", "d"}));
+  EXPECT_EQ(Found(In("none*")), Names());
+  EXPECT_EQ(Found(In("")), Names());
+  EXPECT_EQ(Found(In("none/*")), Names());
+  EXPECT_EQ(Found(In("d/*")), Names());
+}
+
+TEST_F(LinuxFilesTest, OnlyTheLastPartOfASearchIsAPattern) {
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  Put("sub/a", "");
+  EXPECT_EQ(Found(In("s*/a")), Names());
+  EXPECT_EQ(Found(In("SUB/a")), Names());
+  EXPECT_EQ(Found("sub/*a*"), Names{"a"});
+}
+
+TEST_F(LinuxFilesTest, ASearchForANameFindsJustThatOneFirst) {
+  Put("name", "1");
+  Put("NAME", "22");
+  FindData data;
+  ASSERT_TRUE(files.FindFirstFileA(In("NAME"), &data));
+  EXPECT_EQ(data.name, "NAME");
+  EXPECT_EQ(data.size, 2u);
+  EXPECT_EQ(Found(In("name")), Names{"name"});
+  EXPECT_EQ(Found(In("nAmE")), (Names{"NAME", "name"}));
+}
+
+TEST_F(LinuxFilesTest, NamesComeInTheOrderOfTheFileSystem) {
+  for (int number = 0; number < 30; ++number) Put(std::to_string(number * 7 % 31), "");
+  Names listed;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    listed.push_back(entry.path().filename().string());
+  }
+  Names found;
+  FindData data;
+  const std::unique_ptr<FileSearch> search = files.FindFirstFileA(In("*"), &data);
+  ASSERT_TRUE(search);
+  do {
+    if (data.name != "." && data.name != "..") found.push_back(data.name);
+  } while (search->FindNextFileA(&data));
+  EXPECT_EQ(found, listed);
+}
+
+TEST_F(LinuxFilesTest, DataOfWhatIsFound) {
+  Put("a", "12345", 0444);
+  // 2001-02-03 04:05:06.7 UTC; 11,644,473,600 s lie between 1601 and 1970.
+  const struct timespec times[] = {{981'173'107, 0}, {981'173'106, 700'000'000}};
+  ASSERT_EQ(utimensat(AT_FDCWD, In("a").c_str(), times, 0), 0);
+  FindData data;
+  ASSERT_TRUE(files.FindFirstFileA(In("a*"), &data));
+  EXPECT_EQ(data.name, "a");
+  EXPECT_EQ(data.attributes, FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(data.size, 5u);
+  EXPECT_EQ(data.written, 126'256'467'067'000'000u);
+  EXPECT_EQ(data.accessed, 126'256'467'070'000'000u);
+  EXPECT_GT(data.created, 0u);
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  ASSERT_TRUE(files.FindFirstFileA(In("sub"), &data));
+  EXPECT_EQ(data.attributes, FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(data.size, 0u);
+}
+
+TEST_F(LinuxFilesTest, ALinkIsFoundAsWhatItLeadsTo) {
+  Put("a", "12345");
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  ASSERT_EQ(symlink("a", In("x1").c_str()), 0);
+  ASSERT_EQ(symlink("sub", In("x2").c_str()), 0);
+  ASSERT_EQ(symlink("nowhere", In("x3").c_str()), 0);
+  for (const char* last : {"", "*"}) {
+    FindData data;
+    ASSERT_TRUE(files.FindFirstFileA(In("x1") + last, &data));
+    EXPECT_EQ(data.attributes, FILE_ATTRIBUTE_REPARSE_POINT);
+    EXPECT_EQ(data.size, 5u);
+    ASSERT_TRUE(files.FindFirstFileA(In("x2") + last, &data));
+    EXPECT_EQ(data.attributes, FILE_ATTRIBUTE_REPARSE_POINT | FILE_ATTRIBUTE_DIRECTORY);
+    ASSERT_TRUE(files.FindFirstFileA(In("x3") + last, &data));
+    EXPECT_EQ(data.attributes, FILE_ATTRIBUTE_REPARSE_POINT);
+  }
+}
+
+TEST_F(LinuxFilesTest, CurrentFolder) {
+  EXPECT_EQ(files.GetCurrentDirectoryA(), folder);
+  ASSERT_TRUE(files.CreateDirectoryA("sub"));
+  EXPECT_TRUE(files.SetCurrentDirectoryA("sub"));
+  EXPECT_EQ(files.GetCurrentDirectoryA(), In("sub"));
+  EXPECT_FALSE(files.SetCurrentDirectoryA("none"));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  ASSERT_EQ(rmdir(In("sub").c_str()), 0);
+  EXPECT_EQ(files.GetCurrentDirectoryA(), "");
+}
+
+TEST_F(LinuxFilesTest, TheProgramsOwnFile) {
+  EXPECT_EQ(files.GetModuleFileNameA(), std::filesystem::read_symlink("/proc/self/exe").string());
+  EXPECT_TRUE(std::filesystem::exists(files.GetModuleFileNameA()));
+}
+
+TEST_F(LinuxFilesTest, ThereAreNoDrives) {
+  EXPECT_EQ(files.GetLogicalDrives(), 0u);
+  EXPECT_EQ(files.PathSeparator(), '/');
+}
+
+TEST_F(LinuxFilesTest, EveryThreadHasItsOwnLastError) {
+  EXPECT_FALSE(files.DeleteFileA(In("none")));
+  std::thread other([this] {
+    EXPECT_EQ(files.GetLastError(), 0u);
+    EXPECT_FALSE(files.SetCurrentDirectoryA(std::string("\0", 1)));
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EINVAL));
+  });
+  other.join();
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+}
+
+TEST_F(LinuxFilesTest, ItIsAGroupOfThePlatform) {
+  LinuxPlatform linuxPlatform;
+  const InstalledPlatform installed(linuxPlatform.Groups());
+  Put("a", "1");
+  EXPECT_EQ(GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(PathSeparator(), '/');
+}
+
+}  // namespace
+}  // namespace platform

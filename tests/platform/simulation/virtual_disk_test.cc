@@ -1,0 +1,490 @@
+#include "app/platform/simulation/virtual_disk.h"
+
+#include <gtest/gtest.h>
+
+#include "app/platform/simulation/simulation.h"
+
+namespace platform::simulation {
+namespace {
+
+using Names = std::vector<std::string>;
+
+bool Write(File& file, const std::string& bytes, std::uint32_t* written = nullptr) {
+  std::uint32_t count = 0;
+  const bool good = file.WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &count);
+  if (written) *written = count;
+  return good;
+}
+
+std::string ReadAll(File& file) {
+  char buffer[256];
+  std::uint32_t read = 0;
+  EXPECT_TRUE(file.ReadFile(buffer, sizeof buffer, &read));
+  return std::string(buffer, read);
+}
+
+Names Found(Files& disk, const std::string& pattern) {
+  Names names;
+  FindData data;
+  if (const std::unique_ptr<FileSearch> search = disk.FindFirstFileA(pattern, &data)) {
+    do {
+      names.push_back(data.name);
+    } while (search->FindNextFileA(&data));
+  }
+  return names;
+}
+
+std::unique_ptr<File> OpenToRead(VirtualDisk& disk, const std::string& path) {
+  return disk.CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+}
+
+std::unique_ptr<File> Create(VirtualDisk& disk, const std::string& path) {
+  return disk.CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
+}
+
+// Four changing operations: create, two writes, close.
+void Save(VirtualDisk& disk, const std::string& path) {
+  const std::unique_ptr<File> file = Create(disk, path);
+  if (!file) return;
+  Write(*file, "first ");
+  Write(*file, "second");
+  file->CloseHandle();
+}
+
+TEST(VirtualDisk, HasTheProgramAndACurrentFolder) {
+  VirtualDisk disk;
+  EXPECT_EQ(disk.PathSeparator(), '/');
+  EXPECT_EQ(disk.GetModuleFileNameA(), "/game/kelvaro");
+  EXPECT_TRUE(disk.Exists("/game/kelvaro"));
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "/home/player");
+  EXPECT_EQ(disk.GetLogicalDrives(), 0u);
+  disk.Format('\\');
+  EXPECT_EQ(disk.PathSeparator(), '\\');
+  EXPECT_EQ(disk.GetModuleFileNameA(), "C:\\game\\kelvaro.exe");
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "C:\\home\\player");
+  EXPECT_EQ(disk.GetLogicalDrives(), 4u);
+  EXPECT_FALSE(disk.Exists("/game/kelvaro"));
+}
+
+TEST(VirtualDisk, IsTheFilesOfASimulation) {
+  Simulation sim;
+  sim.Disk().PutFile("/a", "1");
+  EXPECT_EQ(GetFileAttributesA("/a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(GetFileAttributesA("/b"), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(sim.Groups().files, &sim.Disk());
+}
+
+TEST(VirtualDisk, WritesReadsAndSeeks) {
+  VirtualDisk disk;
+  const std::unique_ptr<File> file = Create(disk, "/a");
+  ASSERT_TRUE(file);
+  EXPECT_TRUE(Write(*file, "hello world"));
+  std::int64_t position = 0;
+  EXPECT_TRUE(file->SetFilePointer(6, FILE_BEGIN, &position));
+  EXPECT_EQ(position, 6);
+  EXPECT_EQ(ReadAll(*file), "world");
+  EXPECT_TRUE(file->SetFilePointer(-11, FILE_CURRENT, &position));
+  EXPECT_EQ(position, 0);
+  EXPECT_TRUE(Write(*file, "J"));
+  EXPECT_TRUE(file->SetFilePointer(2, FILE_END, &position));
+  EXPECT_EQ(position, 13);
+  EXPECT_EQ(ReadAll(*file), "");
+  EXPECT_TRUE(Write(*file, "!"));
+  EXPECT_FALSE(file->SetFilePointer(-1, FILE_BEGIN, &position));
+  EXPECT_EQ(disk.GetLastError(), ERROR_NEGATIVE_SEEK);
+  EXPECT_TRUE(file->CloseHandle());
+  EXPECT_EQ(disk.FileBytes("/a"), std::string("Jello world\0\0!", 14));
+}
+
+TEST(VirtualDisk, NothingWorksOnAClosedFile) {
+  VirtualDisk disk;
+  const std::unique_ptr<File> file = Create(disk, "/a");
+  EXPECT_TRUE(file->CloseHandle());
+  std::uint32_t count = 9;
+  char byte = 0;
+  EXPECT_FALSE(file->ReadFile(&byte, 1, &count));
+  EXPECT_EQ(count, 0u);
+  EXPECT_FALSE(Write(*file, "a"));
+  EXPECT_FALSE(file->SetFilePointer(0, FILE_BEGIN, nullptr));
+  EXPECT_FALSE(file->CloseHandle());
+  EXPECT_EQ(disk.FileBytes("/a"), "");
+}
+
+TEST(VirtualDisk, AFileOpenedToReadCannotBeWritten) {
+  VirtualDisk disk;
+  disk.PutFile("/a", "1");
+  const std::unique_ptr<File> file = OpenToRead(disk, "/a");
+  EXPECT_FALSE(Write(*file, "2"));
+  EXPECT_EQ(disk.FileBytes("/a"), "1");
+}
+
+TEST(VirtualDisk, OpeningFailsForWhatIsNoFile) {
+  VirtualDisk disk;
+  EXPECT_FALSE(OpenToRead(disk, "/none"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(OpenToRead(disk, "/none/a"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_FALSE(OpenToRead(disk, "/game"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(OpenToRead(disk, ""));
+  EXPECT_FALSE(OpenToRead(disk, std::string("/game/kelvaro\0x", 15)));
+  EXPECT_EQ(disk.GetLastError(), ERROR_INVALID_NAME);
+  EXPECT_FALSE(Create(disk, "/none/a"));
+  EXPECT_FALSE(Create(disk, "/game"));
+  EXPECT_FALSE(Create(disk, "/game/kelvaro/a"));
+}
+
+TEST(VirtualDisk, AReadOnlyFileIsNotChanged) {
+  VirtualDisk disk;
+  disk.PutFile("/a", "old", FILE_ATTRIBUTE_READONLY);
+  disk.PutFile("/b", "new");
+  EXPECT_FALSE(Create(disk, "/a"));
+  EXPECT_FALSE(disk.CreateFileA("/a", GENERIC_WRITE, 0, OPEN_EXISTING));
+  EXPECT_FALSE(disk.CopyFileA("/b", "/a", false));
+  EXPECT_FALSE(disk.DeleteFileA("/a"));
+  EXPECT_EQ(disk.FileBytes("/a"), "old");
+  EXPECT_TRUE(OpenToRead(disk, "/a"));
+  EXPECT_TRUE(disk.SetFileAttributesA("/a", FILE_ATTRIBUTE_NORMAL));
+  EXPECT_EQ(disk.GetFileAttributesA("/a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(disk.CopyFileA("/b", "/a", false));
+  EXPECT_TRUE(disk.SetFileAttributesA("/a", FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(disk.GetFileAttributesA("/a"), FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(disk.FileBytes("/a"), "new");
+}
+
+TEST(VirtualDisk, NamesComeInTheOrderOfTheirMaking) {
+  VirtualDisk disk;
+  disk.PutFile("/t/z", "");
+  EXPECT_TRUE(disk.CreateDirectoryA("/t/m"));
+  EXPECT_TRUE(Create(disk, "/t/a"));
+  EXPECT_TRUE(disk.CopyFileA("/t/a", "/t/k", true));
+  EXPECT_EQ(disk.List("/t"), (Names{"z", "m", "a", "k"}));
+  EXPECT_EQ(Found(disk, "/t/*"), (Names{".", "..", "z", "m", "a", "k"}));
+  EXPECT_TRUE(disk.DeleteFileA("/t/z"));
+  disk.PutFile("/t/z", "");
+  EXPECT_EQ(disk.List("/t"), (Names{"m", "a", "k", "z"}));
+  EXPECT_EQ(disk.OpenHandles(), 0u);
+}
+
+TEST(VirtualDisk, ASearchFindsByPatternOrByName) {
+  VirtualDisk disk;
+  for (const char* name : {"/t/B.TXT", "/t/b.txt", "/t/c.dat"}) disk.PutFile(name, "");
+  EXPECT_EQ(Found(disk, "/t/*.txt"), (Names{"B.TXT", "b.txt"}));
+  EXPECT_EQ(Found(disk, "/t/b.txt"), Names{"b.txt"});
+  EXPECT_EQ(Found(disk, "/t/C.DAT"), Names{"c.dat"});
+  EXPECT_EQ(Found(disk, "/t/?"), Names{"."});
+  EXPECT_EQ(Found(disk, "/t/none"), Names());
+  EXPECT_EQ(disk.GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Found(disk, "/t/"), Names());
+  EXPECT_EQ(Found(disk, "/none/*"), Names());
+  EXPECT_EQ(disk.GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Found(disk, "/t/b.txt/*"), Names());
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("/t"));
+  EXPECT_EQ(Found(disk, "c*"), Names{"c.dat"});
+}
+
+TEST(VirtualDisk, CaseCountsWithSlashesOnly) {
+  VirtualDisk disk;
+  disk.PutFile("/t/a", "1");
+  EXPECT_FALSE(disk.Exists("/T/A"));
+  disk.Format('\\');
+  disk.PutFile("C:\\t\\a", "1");
+  EXPECT_EQ(disk.FileBytes("c:\\T\\A"), "1");
+}
+
+TEST(VirtualDisk, PathsAreResolved) {
+  VirtualDisk disk;
+  disk.PutFile("/t/a/file", "1");
+  EXPECT_TRUE(disk.Exists("/t/./a//../a/file"));
+  EXPECT_TRUE(disk.Exists("/../t/a/"));
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("/t/a"));
+  EXPECT_TRUE(disk.Exists("../a/file"));
+  EXPECT_FALSE(disk.SetCurrentDirectoryA("file"));
+  EXPECT_FALSE(disk.SetCurrentDirectoryA("none"));
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "/t/a");
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("/"));
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "/");
+}
+
+TEST(VirtualDisk, DrivesAndSharesAreRoots) {
+  VirtualDisk disk;
+  disk.Format('\\');
+  EXPECT_FALSE(disk.CreateDirectoryA("D:\\a"));
+  EXPECT_FALSE(disk.CreateDirectoryA("C:\\"));
+  disk.PutFile("\\\\srv\\share\\a", "1");
+  EXPECT_TRUE(disk.Exists("\\\\SRV\\share\\A"));
+  EXPECT_FALSE(disk.Exists("\\\\srv\\other\\a"));
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("\\\\srv\\share"));
+  EXPECT_EQ(disk.GetFileAttributesA("a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(disk.GetFileAttributesA("\\a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("C:\\"));
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "C:\\");
+}
+
+TEST(VirtualDisk, ACopyKeepsTheTargetsAttributesAndGivesItsOwnToANewOne) {
+  VirtualDisk disk;
+  disk.PutFile("/ro", "1", FILE_ATTRIBUTE_READONLY);
+  disk.PutFile("/b", "2");
+  EXPECT_TRUE(disk.CopyFileA("/ro", "/b", false));
+  EXPECT_EQ(disk.Attributes("/b"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(disk.CopyFileA("/ro", "/c", false));
+  EXPECT_EQ(disk.Attributes("/c"), FILE_ATTRIBUTE_READONLY);
+  EXPECT_FALSE(disk.CopyFileA("/b", "/c", true));
+  EXPECT_EQ(disk.GetLastError(), ERROR_FILE_EXISTS);
+  EXPECT_FALSE(disk.CopyFileA("/none", "/b", false));
+  EXPECT_FALSE(disk.CopyFileA("/game", "/b", false));
+  EXPECT_FALSE(disk.CopyFileA("/b", "/game", false));
+  EXPECT_FALSE(disk.CopyFileA("/b", "/none/b", false));
+  EXPECT_EQ(disk.FileBytes("/b"), "1");
+}
+
+TEST(VirtualDisk, AnOpenFileOutlivesItsNameAndACopyOverIt) {
+  VirtualDisk disk;
+  disk.PutFile("/a", "old");
+  disk.PutFile("/b", "new");
+  const std::unique_ptr<File> file = OpenToRead(disk, "/a");
+  EXPECT_TRUE(disk.CopyFileA("/b", "/a", false));
+  EXPECT_EQ(ReadAll(*file), "old");
+  EXPECT_EQ(disk.FileBytes("/a"), "new");
+  EXPECT_TRUE(disk.DeleteFileA("/a"));
+  EXPECT_TRUE(file->CloseHandle());
+}
+
+TEST(VirtualDisk, OperationsAreLogged) {
+  VirtualDisk disk;
+  Save(disk, "/a");
+  disk.GetFileAttributesA("/a");
+  disk.PathSeparator();
+  disk.GetModuleFileNameA();
+  disk.GetLogicalDrives();
+  ASSERT_EQ(disk.Log().size(), 5u);
+  EXPECT_EQ(disk.Log()[0].name, "CreateFileA");
+  EXPECT_EQ(disk.Log()[0].path, "/a");
+  EXPECT_TRUE(disk.Log()[0].changes);
+  EXPECT_EQ(disk.Log()[1].name, "WriteFile");
+  EXPECT_EQ(disk.Log()[1].size, 6u);
+  EXPECT_EQ(disk.Log()[3].name, "CloseHandle");
+  EXPECT_TRUE(disk.Log()[3].changes);
+  EXPECT_EQ(disk.Log()[4].name, "GetFileAttributesA");
+  EXPECT_FALSE(disk.Log()[4].changes);
+  EXPECT_EQ(disk.Count("WriteFile"), 2u);
+  disk.ClearLog();
+  EXPECT_EQ(disk.Count("WriteFile"), 0u);
+}
+
+TEST(VirtualDisk, TheNthOperationFailsAndNoOther) {
+  VirtualDisk disk;
+  disk.PutFile("/a", "");
+  disk.FailOperation(2, 42);
+  EXPECT_NE(disk.GetFileAttributesA("/a"), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(disk.GetFileAttributesA("/a"), INVALID_FILE_ATTRIBUTES);
+  EXPECT_EQ(disk.GetLastError(), 42u);
+  EXPECT_NE(disk.GetFileAttributesA("/a"), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST(VirtualDisk, EveryOperationCanFail) {
+  struct Row {
+    const char* name;
+    bool (*works)(VirtualDisk& disk, File& file, FileSearch& search);
+  };
+  const Row rows[] = {
+      {"ReadFile",
+       [](VirtualDisk&, File& file, FileSearch&) {
+         char byte;
+         std::uint32_t count;
+         return file.ReadFile(&byte, 1, &count);
+       }},
+      {"WriteFile", [](VirtualDisk&, File& file, FileSearch&) { return Write(file, "x"); }},
+      {"SetFilePointer", [](VirtualDisk&, File& file,
+                            FileSearch&) { return file.SetFilePointer(0, FILE_BEGIN, nullptr); }},
+      {"CloseHandle", [](VirtualDisk&, File& file, FileSearch&) { return file.CloseHandle(); }},
+      {"FindNextFileA",
+       [](VirtualDisk&, File&, FileSearch& search) {
+         FindData data;
+         return search.FindNextFileA(&data);
+       }},
+      {"CreateFileA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return Create(disk, "/new") != nullptr; }},
+      {"CopyFileA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return disk.CopyFileA("/b", "/new", false); }},
+      {"DeleteFileA", [](VirtualDisk& disk, File&, FileSearch&) { return disk.DeleteFileA("/b"); }},
+      {"GetFileAttributesA",
+       [](VirtualDisk& disk, File&, FileSearch&) {
+         return disk.GetFileAttributesA("/b") != INVALID_FILE_ATTRIBUTES;
+       }},
+      {"SetFileAttributesA",
+       [](VirtualDisk& disk, File&, FileSearch&) {
+         return disk.SetFileAttributesA("/b", FILE_ATTRIBUTE_READONLY);
+       }},
+      {"CreateDirectoryA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return disk.CreateDirectoryA("/new"); }},
+      {"FindFirstFileA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return !Found(disk, "/b").empty(); }},
+      {"GetCurrentDirectoryA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return !disk.GetCurrentDirectoryA().empty(); }},
+      {"SetCurrentDirectoryA",
+       [](VirtualDisk& disk, File&, FileSearch&) { return disk.SetCurrentDirectoryA("/game"); }},
+  };
+  for (const Row& row : rows) {
+    for (const bool fails : {false, true}) {
+      VirtualDisk disk;
+      const std::unique_ptr<File> file = Create(disk, "/a");
+      disk.PutFile("/b", "bytes");
+      FindData data;
+      const std::unique_ptr<FileSearch> search = disk.FindFirstFileA("/*", &data);
+      disk.ClearLog();
+      if (fails) disk.FailOperation(1, 77);
+      EXPECT_EQ(row.works(disk, *file, *search), !fails) << row.name;
+      EXPECT_EQ(disk.Log().front().name, row.name);
+      if (fails) {
+        EXPECT_EQ(disk.GetLastError(), 77u) << row.name;
+        EXPECT_EQ(disk.FileBytes("/a"), "") << row.name;
+        EXPECT_EQ(disk.FileBytes("/b"), "bytes") << row.name;
+        EXPECT_EQ(disk.Attributes("/b"), FILE_ATTRIBUTE_NORMAL) << row.name;
+        EXPECT_FALSE(disk.Exists("/new")) << row.name;
+      }
+    }
+  }
+}
+
+TEST(VirtualDisk, AWriteCanFailHalfWay) {
+  VirtualDisk disk;
+  const std::unique_ptr<File> file = Create(disk, "/a");
+  disk.FailInside(1, 4);
+  std::uint32_t written = 0;
+  EXPECT_FALSE(Write(*file, "123456", &written));
+  EXPECT_EQ(written, 4u);
+  EXPECT_EQ(disk.GetLastError(), ERROR_DISK_FULL);
+  EXPECT_EQ(disk.FileBytes("/a"), "1234");
+  EXPECT_TRUE(Write(*file, "78"));
+  EXPECT_EQ(disk.FileBytes("/a"), "123478");
+  disk.FailInside(1, 100);
+  EXPECT_FALSE(Write(*file, "90", &written));
+  EXPECT_EQ(written, 2u);
+}
+
+TEST(VirtualDisk, StoppingAnywhereLeavesWhatWasDoneByThen) {
+  struct Row {
+    std::uint64_t n;
+    const char *before, *inside, *after;  // with 3 bytes put down inside
+  };
+  for (const Row& row : {Row{1, "old", "old", ""}, Row{2, "", "fir", "first "},
+                         Row{3, "first ", "first sec", "first second"},
+                         Row{4, "first second", "first second", "first second"}}) {
+    for (const char* where : {"before", "inside", "after"}) {
+      VirtualDisk disk;
+      disk.PutFile("/a", "old");
+      const std::string place = where;
+      if (place == "before") disk.StopBefore(row.n);
+      if (place == "inside") disk.StopInside(row.n, 3);
+      if (place == "after") disk.StopAfter(row.n);
+      Save(disk, "/a");
+      EXPECT_TRUE(disk.IsStopped());
+      EXPECT_FALSE(disk.DeleteFileA("/a"));
+      EXPECT_EQ(disk.GetLastError(), ERROR_NOT_READY);
+      EXPECT_FALSE(Create(disk, "/a"));
+      disk.Restart();
+      EXPECT_FALSE(disk.IsStopped());
+      const char* const left = place == "before"   ? row.before
+                               : place == "inside" ? row.inside
+                                                   : row.after;
+      EXPECT_EQ(disk.FileBytes("/a"), left) << place << " " << row.n;
+      EXPECT_TRUE(OpenToRead(disk, "/a"));
+    }
+  }
+}
+
+TEST(VirtualDisk, WhatWasOpenAtTheStopStaysUnusable) {
+  VirtualDisk disk;
+  const std::unique_ptr<File> file = Create(disk, "/a");
+  FindData data;
+  const std::unique_ptr<FileSearch> search = disk.FindFirstFileA("/*", &data);
+  disk.StopBefore(1);
+  EXPECT_FALSE(Write(*file, "1"));
+  disk.Restart();
+  EXPECT_FALSE(Write(*file, "1"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_INVALID_HANDLE);
+  EXPECT_FALSE(search->FindNextFileA(&data));
+  EXPECT_FALSE(file->CloseHandle());
+  EXPECT_EQ(disk.FileBytes("/a"), "");
+}
+
+TEST(VirtualDisk, ARestartForgetsTheFaultsToCome) {
+  VirtualDisk disk;
+  disk.StopBefore(1);
+  disk.FailOperation(2);
+  disk.Restart();
+  Save(disk, "/a");
+  EXPECT_EQ(disk.FileBytes("/a"), "first second");
+}
+
+TEST(VirtualDisk, ACopyAtOnceIsTheOldOrTheNew) {
+  struct Row {
+    void (*plan)(VirtualDisk&);
+    const char* left;
+  };
+  for (const Row& row : {Row{[](VirtualDisk& disk) { disk.StopBefore(1); }, "old"},
+                         Row{[](VirtualDisk& disk) { disk.StopInside(1, 2); }, "old"},
+                         Row{[](VirtualDisk& disk) { disk.FailInside(1, 2); }, "old"},
+                         Row{[](VirtualDisk& disk) { disk.StopAfter(1); }, "the new"}}) {
+    VirtualDisk disk;
+    disk.PutFile("/a", "the new");
+    disk.PutFile("/b", "old");
+    row.plan(disk);
+    disk.CopyFileA("/a", "/b", false);
+    disk.Restart();
+    EXPECT_EQ(disk.FileBytes("/b"), row.left);
+    EXPECT_EQ(disk.FileBytes("/a"), "the new");
+  }
+}
+
+TEST(VirtualDisk, ACopyInStepsCanBeCutAnywhere) {
+  struct Row {
+    void (*plan)(VirtualDisk&);
+    const char* left;
+  };
+  for (const Row& row : {Row{[](VirtualDisk& disk) { disk.StopBefore(1); }, "old"},
+                         Row{[](VirtualDisk& disk) { disk.StopAfter(1); }, ""},
+                         Row{[](VirtualDisk& disk) { disk.StopInside(2, 3); }, "the"},
+                         Row{[](VirtualDisk& disk) { disk.StopAfter(2); }, "the "},
+                         Row{[](VirtualDisk& disk) { disk.FailOperation(3); }, "the "},
+                         Row{[](VirtualDisk& disk) { disk.FailInside(3, 1); }, "the n"},
+                         Row{[](VirtualDisk& disk) { disk.StopAfter(3); }, "the new"}}) {
+    VirtualDisk disk;
+    disk.CopyInSteps(4);
+    disk.PutFile("/a", "the new");
+    disk.PutFile("/b", "old");
+    row.plan(disk);
+    const bool whole = disk.CopyFileA("/a", "/b", false);
+    disk.Restart();
+    EXPECT_EQ(disk.FileBytes("/b"), row.left);
+    EXPECT_EQ(whole, std::string(row.left) == "the new");
+  }
+}
+
+TEST(VirtualDisk, ACopyInStepsCountsItsSteps) {
+  VirtualDisk disk;
+  disk.CopyInSteps(4);
+  disk.PutFile("/a", "the new");
+  EXPECT_TRUE(disk.CopyFileA("/a", "/b", false));
+  ASSERT_EQ(disk.Log().size(), 3u);
+  EXPECT_EQ(disk.Log()[1].size, 4u);
+  EXPECT_EQ(disk.Log()[2].size, 3u);
+  EXPECT_EQ(disk.FileBytes("/b"), "the new");
+}
+
+TEST(VirtualDisk, TimesAreThoseOfTheMachine) {
+  Simulation sim;
+  sim.RunFor(100);
+  const std::unique_ptr<File> file = Create(sim.Disk(), "/a");
+  sim.RunFor(50);
+  EXPECT_TRUE(Write(*file, "1"));
+  FindData data;
+  ASSERT_TRUE(sim.Disk().FindFirstFileA("/a", &data));
+  EXPECT_EQ(data.written - data.created, 500'000u);
+  EXPECT_EQ(data.size, 1u);
+}
+
+}  // namespace
+}  // namespace platform::simulation
