@@ -32,6 +32,7 @@ class Bus {
     process = fork();
     if (process == 0) {
       fcntl(lines[1], F_SETFD, 0);
+      dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);  // it grumbles about limits
       execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", print.c_str(),
              nullptr);
       _exit(127);
