@@ -7,10 +7,12 @@
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -424,6 +426,61 @@ TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsOwnerWhereThatIsAllowed) {
   EXPECT_EQ(status.st_uid, given ? 12'345u : mine.st_uid);
   EXPECT_EQ(status.st_gid, given ? 23'456u : mine.st_gid);
   EXPECT_EQ(Bytes("b"), "new");
+}
+
+bool Required(const char* what) {
+  const char* required = std::getenv("KELVARO_REQUIRE");
+  return required && std::string(required).find(what) != std::string::npos;
+}
+
+// Permissions of the published form: version 2, then tag, rights and id of each entry.
+std::string AccessList(std::uint16_t rightsOfAnother) {
+  struct Entry {
+    std::uint16_t tag, rights;
+    std::uint32_t id;
+  };
+  const std::uint32_t nobody = 0xFFFFFFFFu;
+  const Entry entries[] = {{0x01, 6, nobody},                // owner
+                           {0x02, rightsOfAnother, 12'345},  // one more user
+                           {0x04, 4, nobody},                // group
+                           {0x10, 6, nobody},                // the most that those two may have
+                           {0x20, 0, nobody}};               // others
+  const std::uint32_t version = 2;
+  return std::string(reinterpret_cast<const char*>(&version), sizeof version) +
+         std::string(reinterpret_cast<const char*>(entries), sizeof entries);
+}
+
+bool SetAccessList(const std::string& path, const char* kind, const std::string& list) {
+  return setxattr(path.c_str(), kind, list.data(), list.size(), 0) == 0;
+}
+
+TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsListOfFurtherUsers) {
+  Put("a", "new");
+  Put("b", "old");
+  const std::string list = AccessList(6);
+  if (!SetAccessList(In("b"), "system.posix_acl_access", list)) {
+    ASSERT_TRUE(errno == ENOTSUP && !Required("acl"));
+    GTEST_SKIP() << "the temporary folder's file system has no access lists";
+  }
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  char kept[256];
+  const ssize_t size = getxattr(In("b").c_str(), "system.posix_acl_access", kept, sizeof kept);
+  ASSERT_GT(size, 0);
+  EXPECT_EQ(std::string(kept, static_cast<std::size_t>(size)), list);
+  EXPECT_EQ(Bytes("b"), "new");
+}
+
+TEST_F(LinuxFilesTest, ACopyGetsNoFurtherUsersFromItsFolder) {
+  Put("a", "new");
+  Put("b", "old", 0660);
+  if (!SetAccessList(folder, "system.posix_acl_default", AccessList(6))) {
+    ASSERT_TRUE(errno == ENOTSUP && !Required("acl"));
+    GTEST_SKIP() << "the temporary folder's file system has no access lists";
+  }
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_EQ(getxattr(In("b").c_str(), "system.posix_acl_access", nullptr, 0), -1);
+  EXPECT_EQ(errno, ENODATA);
+  EXPECT_EQ(Mode("b"), 0660u);
 }
 
 TEST_F(LinuxFilesTest, ANewCopyTakesTheSourcesPermissions) {
