@@ -128,6 +128,40 @@ TEST(RebuildDispatchList, AgreesWithTheSortOfAnArray) {
   }
 }
 
+TEST(RebuildDispatchList, ManyAreInTheOrderOfTheSameSort) {
+  std::mt19937 random(20240502);
+  Profile profile;
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> sorted;  // weight and id
+  for (std::uint32_t id = 0; id < 1500; ++id) {
+    Control* const control = Add(&profile, {'x', static_cast<std::uint32_t>(random() % 5)});
+    control->controlId = id;
+    sorted.emplace_back(control->Weight(), id);
+  }
+  for (auto place = sorted.begin(); place != sorted.end(); ++place) {
+    std::iter_swap(place, std::max_element(place, sorted.end(), [](const auto& a, const auto& b) {
+                     return a.first < b.first;
+                   }));
+  }
+  profile.RebuildDispatchList();
+  ExpectSoundLinks(profile.DispatchList);
+  auto* node = profile.DispatchList.head;
+  for (const auto& expected : sorted) {
+    ASSERT_EQ(node->value->controlId, expected.second);
+    node = node->next;
+  }
+}
+
+// Its square would take the better part of a minute.
+TEST(RebuildDispatchList, AHundredThousandControlsDontTakeTheSquareOfTheTime) {
+  Profile profile;
+  for (std::uint32_t id = 0; id < 100000; ++id) Add(&profile, {'x', 1})->controlId = id;
+  profile.controls.tail->value->SetButtonMask(3);
+  profile.RebuildDispatchList();
+  EXPECT_EQ(profile.DispatchList.head->value->controlId, 99999u);
+  EXPECT_EQ(profile.DispatchList.head->next->value->controlId, 1u);
+  EXPECT_EQ(profile.DispatchList.tail->value->controlId, 0u);
+}
+
 class ProfileActions : public testing::Test {
  protected:
   ProfileActions() { CountingAction::Begin(); }
