@@ -280,10 +280,14 @@ bool ProfileFile::Save() {
   if (profileName.IsEmpty()) return false;
   const ByteString fileName = ProfileFileName(profileName);
   if (fileName.IsEmpty()) return false;
-  ByteString path = ProfileFolder();
-  path.AppendChar(platform::PathSeparator());
-  path.Append(fileName);
-  if (!OpenForWrite(path)) return false;
+  ByteString target = ProfileFolder();
+  target.AppendChar(platform::PathSeparator());
+  target.Append(fileName);
+  return SaveAs(target);
+}
+
+bool ProfileFile::SaveAs(const ByteString& target) {
+  if (!OpenForWrite(target)) return false;
 
   bool good = WriteList(profile_list::kDocumentType, documentType);
   good &= WriteList(profile_list::kFormatRevision, PackedWriter(1).U8(formatRevision).Field());

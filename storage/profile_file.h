@@ -41,6 +41,9 @@ class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
   // profile itself is left alone.
   bool Save();
 
+  // Save under any path, for a profile of any name, an empty one too.
+  bool SaveAs(const ByteString& target);
+
   // Touches nothing of this profile. Not while a file is open.
   ByteString ReadProfileName(const ByteString& path) override;
 

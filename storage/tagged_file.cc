@@ -53,12 +53,27 @@ bool TaggedFile::OpenForRead(const ByteString& target) {
   path = target;
   reader.Assign(path);
   if (!reader.Open() && !(RestoreFromTemporary() && reader.Open())) return false;
-  if (ReadStart()) return true;
-  reader.Close();
-  if (!RestoreFromTemporary() || !reader.Open()) return false;
-  if (ReadStart()) return true;
-  reader.Close();
-  return false;
+  bool started = ReadStart();
+  // A copy over the target that was cut off may have got as far as the heads of the root's lists.
+  if (!started || (IsCutShort() && FileExists(TemporaryPath()))) {
+    reader.Close();
+    started = RestoreFromTemporary() && reader.Open() && ReadStart();
+  }
+  if (!started) {
+    reader.Close();
+    openLists.Clear();
+    current = nullptr;
+    return false;
+  }
+  isOpen = true;
+  isWriting = false;
+  return true;
+}
+
+bool TaggedFile::IsCutShort() {
+  const OpenList& root = *openLists.head->value;
+  ByteString last;
+  return root.size > 0 && !reader.ReadBytes(&last, root.end - 1, 1);
 }
 
 bool TaggedFile::ReadStart() {
@@ -76,10 +91,7 @@ bool TaggedFile::ReadStart() {
   openLists.Clear();
   current = nullptr;
   strayLeft = kStrayLimit;
-  if (!Push(root)) return false;
-  isOpen = true;
-  isWriting = false;
-  return true;
+  return Push(root);
 }
 
 bool TaggedFile::ReadIdAndCount(std::uint64_t offset, OpenList* list) {

@@ -84,9 +84,10 @@ class TaggedFile {
   // Closes: a file that is being written is finished.
   virtual ~TaggedFile();
 
-  // Opens a file and makes its root the current list. A target that is missing, or whose start is
-  // unreadable, is replaced by its temporary if there is one. True, with the open file kept, when
-  // one is open already.
+  // Opens a file and makes its root the current list. A target that is missing, cut short, or
+  // unreadable at its start, is replaced by its temporary if there is one; without one, a file that
+  // is merely cut short is read as far as it goes. True, with the open file kept, when one is open
+  // already.
   bool OpenForRead(const ByteString& target);
 
   // Starts the temporary of `target`, after making the missing folders, and makes the root the
@@ -139,7 +140,10 @@ class TaggedFile {
   ByteString magic = "XFF";        // a derived class sets its own before the first use
 
  private:
+  // The magic, the version and the root.
   bool ReadStart();
+  // Whether the file ends before its root does.
+  bool IsCutShort();
   bool ReadHead(const ChunkEntry& entry, OpenList* list);
   // The rest of a list's header, behind its size.
   bool ReadIdAndCount(std::uint64_t offset, OpenList* list);

@@ -680,6 +680,29 @@ TEST_F(TaggedFileTest, AnUnreadableTargetIsRestoredFromItsTemporary) {
   }
 }
 
+TEST_F(TaggedFileTest, ATargetCutShortBehindItsHeadsIsRestoredFromItsTemporary) {
+  const std::string whole = Container({List(1, {Field("a"), Field("b")})});
+  // From where all of the root's heads are there.
+  for (std::size_t n = 19 + 14; n < whole.size(); ++n) {
+    Put(whole.substr(0, n));
+    Disk().PutFile(kTemporary, whole);
+    ShownFile file;
+    ASSERT_TRUE(file.OpenForRead(kPath)) << n;
+    ASSERT_TRUE(file.Descend(1)) << n;
+    EXPECT_EQ(file.Read(1), "b") << n;
+    EXPECT_FALSE(Disk().Exists(kTemporary)) << n;
+  }
+}
+
+TEST_F(TaggedFileTest, ATargetCutShortWithoutATemporaryIsReadAsFarAsItGoes) {
+  const std::string whole = Container({List(1, {Field("a")}), List(2, {Field("b")})});
+  Put(whole.substr(0, whole.size() - 1));
+  ShownFile file;
+  ASSERT_TRUE(file.OpenForRead(kPath));
+  ASSERT_TRUE(file.Descend(1));
+  EXPECT_EQ(file.Read(0), "a");
+}
+
 TEST_F(TaggedFileTest, AGoodTargetIsReadAndItsTemporaryLeftAlone) {
   Put(Container({Field("target")}));
   Disk().PutFile(kTemporary, Container({Field("temporary")}));

@@ -1,0 +1,244 @@
+#include "storage/profile_library.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/storage/profile_bytes.h"
+
+namespace kelvaro {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+class ProfileLibraryTest : public ProfileTest {
+ protected:
+  void Put(const std::string& fileName, const std::string& profileName) {
+    Disk().PutFile(PathOf(fileName), SmallProfile(profileName));
+  }
+  Strings Names() {
+    LinkedList<ByteString> list;
+    EXPECT_TRUE(profile.ListProfileNames(&list));
+    return All(list);
+  }
+  Strings Files() {
+    LinkedList<ByteString> list;
+    EXPECT_TRUE(profile.ListProfileFiles(&list));
+    return All(list);
+  }
+  std::string Find(const std::string& name) { return Str(profile.FindProfileFile(Bytes(name))); }
+  static Strings All(const LinkedList<ByteString>& list) {
+    Strings all;
+    for (auto* node = list.head; node; node = node->next) all.push_back(Str(*node->value));
+    return all;
+  }
+
+  ProfileFile profile;
+};
+
+TEST(ProfileFileName, KeepsPrintableAsciiThatAFileNameMayHold) {
+  struct {
+    std::string name;
+    std::string fileName;
+  } const kRows[] = {
+      {"Race", "Race.idprof"},
+      {"Race: 1/2", "Race 12.idprof"},
+      {"???", ""},
+      {"", ""},
+      {"\xC4\xD6\xDC", ""},
+      {"\\/*?\"<>|:", ""},
+      {"a\\b/c*d?e\"f<g>h|i:j", "abcdefghij.idprof"},
+      {std::string("\x00\x1F\x20\x7E\x7F\x80\xFF", 7), " ~.idprof"},
+      {"  two blanks and a dot. ", "  two blanks and a dot. .idprof"},
+      {"CON", "CON.idprof"},
+      {"A:B", "AB.idprof"},
+      {"AB", "AB.idprof"},
+      {"../../etc/passwd", "....etcpasswd.idprof"},
+      {"C:\\boot", "Cboot.idprof"},
+      {std::string("x.idprof\0/", 10), "x.idprof.idprof"},
+      {"..", "...idprof"},
+      {"x.idprof", "x.idprof.idprof"},
+      {"lower UPPER", "lower UPPER.idprof"},
+  };
+  for (const auto& row : kRows) {
+    EXPECT_EQ(Str(ProfileFile::ProfileFileName(Bytes(row.name))), row.fileName) << row.name;
+  }
+}
+
+TEST_F(ProfileLibraryTest, TheFolderIsThatOfTheProgramsFile) {
+  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "/game/Profiles");
+  Disk().Format('\\');
+  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "C:\\game\\Profiles");
+  Disk().SetProgramPath("D:\\kelvaro.exe");
+  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "D:\\Profiles");
+}
+
+TEST_F(ProfileLibraryTest, ASaveMakesTheFolderAndNamesTheFile) {
+  EXPECT_FALSE(Disk().Exists(kFolder));
+  profile.profileName = "Race: 1/2";
+  EXPECT_TRUE(profile.Save());
+  EXPECT_EQ(Disk().List(kFolder), Strings{"Race 12.idprof"});
+  EXPECT_EQ(Names(), Strings{"Race: 1/2"});
+  EXPECT_EQ(Find("Race: 1/2"), PathOf("Race 12.idprof"));
+}
+
+TEST_F(ProfileLibraryTest, ASaveGoesBelowTheProgramOnADiskWithDrivesToo) {
+  Disk().Format('\\');
+  profile.profileName = "Race";
+  ASSERT_TRUE(profile.Save());
+  EXPECT_TRUE(Disk().Exists("C:\\game\\Profiles\\Race.idprof"));
+  EXPECT_EQ(Files(), Strings{"C:\\game\\Profiles\\Race.idprof"});
+  EXPECT_EQ(Find("Race"), "C:\\game\\Profiles\\Race.idprof");
+  EXPECT_TRUE(profile.DeleteProfileFile());
+  EXPECT_EQ(Files(), Strings{});
+}
+
+TEST_F(ProfileLibraryTest, NoNameLeadsOutOfTheFolder) {
+  for (const char* name : {"../out", "/etc/out", "a/../../out", "..", "C:\\out", "\\\\host\\out"}) {
+    profile.profileName = name;
+    EXPECT_TRUE(profile.Save()) << name;
+  }
+  EXPECT_EQ(Disk().List("/"), (Strings{"game", "home"}));
+  EXPECT_EQ(Disk().List("/game"), (Strings{"kelvaro", "Profiles"}));
+  EXPECT_EQ(Disk().List(kFolder).size(), 6u);
+}
+
+TEST_F(ProfileLibraryTest, AFileIsListedAndFoundByTheNameStoredInIt) {
+  Put("x.idprof", "y");
+  EXPECT_EQ(Names(), Strings{"y"});
+  EXPECT_EQ(Find("y"), PathOf("x.idprof"));
+  EXPECT_EQ(Find("x"), "");
+}
+
+TEST_F(ProfileLibraryTest, OfTwoFilesWithOneNameBothAreListedAndTheFirstOneFound) {
+  Put("b.idprof", "same");
+  Put("a.idprof", "same");
+  EXPECT_EQ(Names(), (Strings{"same", "same"}));
+  EXPECT_EQ(Find("same"), PathOf("b.idprof"));
+}
+
+TEST_F(ProfileLibraryTest, NamesAreFoundWithCaseAndInFullLength) {
+  Put("1.idprof", "ABC");
+  Put("2.idprof", std::string("zero\0byte", 9));
+  EXPECT_EQ(Find("abc"), "");
+  EXPECT_EQ(Find("AB"), "");
+  EXPECT_EQ(Find("ABCD"), "");
+  EXPECT_EQ(Find("ABC"), PathOf("1.idprof"));
+  EXPECT_EQ(Find("zero"), "");
+  EXPECT_EQ(Find(std::string("zero\0byte", 9)), PathOf("2.idprof"));
+}
+
+TEST_F(ProfileLibraryTest, FilesAreListedInTheOrderOfTheFileSystemWithFullPaths) {
+  Put("c.idprof", "3");
+  Put("a.IDPROF", "1");
+  Put("b.idprof", "2");
+  Disk().PutFile(PathOf("notes.txt"), "not a profile");
+  Disk().PutFile(PathOf("d.idprof.tmp"), SmallProfile("4"));
+  Disk().PutFolder(PathOf("folder.idprof"));
+  Disk().PutFile(PathOf("deeper/e.idprof"), SmallProfile("5"));
+  EXPECT_EQ(Files(), (Strings{PathOf("c.idprof"), PathOf("a.IDPROF"), PathOf("b.idprof")}));
+  EXPECT_EQ(Names(), (Strings{"3", "1", "2"}));
+}
+
+TEST_F(ProfileLibraryTest, ForeignUnreadableAndNamelessFilesAreLeftOutWithoutAWord) {
+  Put("good.idprof", "good");
+  Disk().PutFile(PathOf("magic.idprof"), Container({TypeList(), NameList("foreign")}));
+  Disk().PutFile(PathOf("type.idprof"),
+                 ProfileBytes({List(1, {Field("Letter")}), NameList("letter")}));
+  Put("nameless.idprof", "");
+  Disk().PutFile(PathOf("nothing.idprof"), "");
+  Disk().PutFile(PathOf("text.idprof"), "just a text");
+  EXPECT_EQ(Files().size(), 6u);
+  EXPECT_EQ(Names(), Strings{"good"});
+  EXPECT_EQ(Find(""), PathOf("magic.idprof")) << "no name is what the first of these has";
+}
+
+TEST_F(ProfileLibraryTest, AnEmptyFileIsListedOnceItsTemporaryBringsItBack) {
+  Disk().PutFile(PathOf("a.idprof"), "");
+  EXPECT_EQ(Names(), Strings{});
+  Disk().PutFile(PathOf("a.idprof.tmp"), SmallProfile("back"));
+  EXPECT_EQ(Names(), Strings{"back"});
+  EXPECT_EQ(Disk().List(kFolder), Strings{"a.idprof"});
+  EXPECT_EQ(*Disk().FileBytes(PathOf("a.idprof")), SmallProfile("back"));
+}
+
+TEST_F(ProfileLibraryTest, AMissingAndAnEmptyFolderListAsEmpty) {
+  EXPECT_EQ(Files(), Strings{});
+  EXPECT_EQ(Names(), Strings{});
+  EXPECT_EQ(Find("a"), "");
+  Disk().PutFolder(kFolder);
+  EXPECT_EQ(Files(), Strings{});
+  EXPECT_EQ(Names(), Strings{});
+  Disk().Remove(kFolder);
+  Disk().PutFile(kFolder, "a file in its place");
+  EXPECT_EQ(Files(), Strings{});
+}
+
+TEST_F(ProfileLibraryTest, ListsAreReplacedAndNotAddedTo) {
+  Put("a.idprof", "a");
+  LinkedList<ByteString> list;
+  list.AddTail("left over");
+  profile.ListProfileNames(&list);
+  EXPECT_EQ(All(list), Strings{"a"});
+  list.AddTail("left over");
+  profile.ListProfileFiles(&list);
+  EXPECT_EQ(All(list), Strings{PathOf("a.idprof")});
+}
+
+TEST_F(ProfileLibraryTest, FilesPutInAndTakenOutByHandAreSeenAtOnce) {
+  Put("a.idprof", "a");
+  EXPECT_EQ(Names(), Strings{"a"});
+  Put("b.idprof", "b");
+  EXPECT_EQ(Names(), (Strings{"a", "b"}));
+  Disk().Remove(PathOf("a.idprof"));
+  EXPECT_EQ(Names(), Strings{"b"});
+}
+
+TEST_F(ProfileLibraryTest, DeletingGoesByTheStoredName) {
+  Put("x.idprof", "y");
+  Put("y.idprof", "x");
+  Disk().PutFile(PathOf("x.idprof.tmp"), "left");
+  profile.profileName = "y";
+  EXPECT_TRUE(profile.DeleteProfileFile());
+  EXPECT_EQ(Disk().List(kFolder), (Strings{"y.idprof", "x.idprof.tmp"}));
+  EXPECT_FALSE(profile.DeleteProfileFile()) << "there is none any more";
+  EXPECT_EQ(Str(profile.profileName), "y");
+}
+
+TEST_F(ProfileLibraryTest, DeletingWithoutANameDeletesNothing) {
+  Put("nameless.idprof", "");
+  EXPECT_FALSE(profile.DeleteProfileFile());
+  EXPECT_TRUE(Disk().Exists(PathOf("nameless.idprof")));
+}
+
+TEST_F(ProfileLibraryTest, AReadOnlyFileIsNotDeleted) {
+  Disk().PutFile(PathOf("a.idprof"), SmallProfile("a"), platform::FILE_ATTRIBUTE_READONLY);
+  profile.profileName = "a";
+  EXPECT_FALSE(profile.DeleteProfileFile());
+  EXPECT_TRUE(Disk().Exists(PathOf("a.idprof")));
+  EXPECT_NE(Disk().Attributes(PathOf("a.idprof")) & platform::FILE_ATTRIBUTE_READONLY, 0u);
+}
+
+TEST_F(ProfileLibraryTest, SavingAFileOfAnIrregularNameMakesASecondOne) {
+  Put("renamed by hand.idprof", "a");
+  ASSERT_TRUE(profile.Load(Bytes(Find("a"))));
+  ASSERT_TRUE(profile.Save());
+  EXPECT_EQ(Names(), (Strings{"a", "a"}));
+  EXPECT_TRUE(Disk().Exists(PathOf("a.idprof")));
+}
+
+TEST_F(ProfileLibraryTest, ListingReadsEachFileOnceAndLeavesTheLoadedProfileAlone) {
+  ASSERT_TRUE(LoadBytes(&profile, SmallProfile("loaded")));
+  for (const char* name : {"1", "2", "3"}) Put(std::string(name) + ".idprof", name);
+  Disk().ClearLog();
+  EXPECT_EQ(Names().size(), 3u);
+  EXPECT_EQ(Disk().Count("CreateFileA"), 3u);
+  EXPECT_EQ(Disk().Count("ReadFile"), 3u);
+  EXPECT_EQ(Disk().Count("CloseHandle"), 3u);
+  EXPECT_EQ(Str(profile.profileName), "loaded");
+  EXPECT_EQ(Disk().OpenHandles(), 0u);
+}
+
+}  // namespace
+}  // namespace kelvaro
