@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <random>
 
+#include "app/platform/simulation/simulation.h"
 #include "console/engine_session.h"
 #include "console/profile_json.h"
 

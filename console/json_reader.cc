@@ -1,9 +1,9 @@
 #include "console/json_reader.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 
 #include "console/json_text.h"
 
@@ -19,6 +19,17 @@ constexpr std::size_t kLongestQuote = 80;
 
 std::string Shortened(const std::string& text) {
   return text.size() <= kLongestQuote ? text : text.substr(0, kLongestQuote) + "...";
+}
+
+// Number of the line, from 1, on which `offset` lies. A lone carriage return ends a line, too, as
+// it does for the parser.
+std::size_t LineAt(const std::string& text, std::size_t offset) {
+  std::size_t line = 1;
+  for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
+    const bool crlf = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
+    if (text[i] == '\n' || (text[i] == '\r' && !crlf)) ++line;
+  }
+  return line;
 }
 
 // Offset of the bracket that opens one level too many, npos when there is none. Looks at brackets
@@ -113,9 +124,7 @@ void JsonDocument::Fail(const Json::Value& value, const std::string& member,
 
 void JsonDocument::FailAt(std::size_t offset, const std::string& member, const std::string& what) {
   failed = true;
-  const auto begin = source.begin();
-  const auto end = begin + static_cast<std::ptrdiff_t>(std::min(offset, source.size()));
-  fault.line = 1 + static_cast<std::size_t>(std::count(begin, end, '\n'));
+  fault.line = LineAt(source, offset);
   fault.member = member;
   fault.what = what;
 }

@@ -27,7 +27,9 @@ void Check(bool holds, const char* what, const std::string& text) {
 }
 
 void CheckFault(const JsonFault& fault, const std::string& text) {
-  const auto lines = 1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  const auto lines =
+      1 + static_cast<std::size_t>(std::count_if(text.begin(), text.end(),
+                                                 [](char c) { return c == '\n' || c == '\r'; }));
   Check(!fault.what.empty(), "a fault without words", text);
   Check(fault.line >= 1 && fault.line <= lines, "a fault on no line", text);
   Check(fault.Text("f").size() < 500, "an endless message", text);

@@ -44,6 +44,18 @@ TEST(JsonDocument, NamesTheLineOfWhatIsNoJson) {
   for (const auto& c : kCases) EXPECT_EQ(ParseFault(c.text), c.fault) << c.text;
 }
 
+TEST(JsonDocument, CountsLinesOfEveryKind) {
+  // The parser's own faults and those of members alike.
+  EXPECT_EQ(ParseFault("{\r\n\r\n?"), "f:3: column 1: Missing '}' or object member name");
+  EXPECT_EQ(ParseFault("{\r\r?"), "f:3: column 1: Missing '}' or object member name");
+  for (const char* text : {"{\n\n\"a\":1}", "{\r\n\r\n\"a\":1}", "{\r\r\"a\":1}"}) {
+    JsonDocument document;
+    ASSERT_TRUE(document.Parse(text));
+    document.Fail(document.Root()["a"], "a", "wrong");
+    EXPECT_EQ(document.Fault().Text("f"), "f:3: a: wrong") << text;
+  }
+}
+
 TEST(JsonDocument, DoesNotEndAtAZeroByte) {
   EXPECT_EQ(ParseFault(std::string("{}\n\0 {\"a\":1}", 12)), "f:2: a zero byte");
   EXPECT_EQ(ParseFault(std::string("{\"a\":\"\0\"}", 9)), "f:1: a zero byte");
