@@ -1,6 +1,7 @@
 // kelvaroctl run: the engine on one profile.
 
 #include <sstream>
+#include <utility>
 
 #include "console/commands.h"
 #include "console/console_error.h"
@@ -108,7 +109,7 @@ int RunCommand(const RunOptions& options, Streams streams) {
     if (!ReadWholeFile(*options.replay, kMostRecording, &text, &error)) {
       return Complain(streams.err, *options.replay + ": " + error);
     }
-    std::istringstream lines(text);
+    std::istringstream lines(std::move(text));
     if (!platform::simulation::ReadRecording(lines, &recording, &error)) {
       return Complain(streams.err, *options.replay + ":" + error);
     }
