@@ -16,7 +16,6 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::DeviceDescription;
 using platform::simulation::SimulatedDevice;
 using platform::simulation::Simulation;
 
