@@ -1,0 +1,119 @@
+// Linux's files with the program at a place of one's own, so that the folder of profiles beside it
+// is one that a test or benchmark may fill and throw away. Without the flush it shows what the rest
+// of a save costs.
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "app/platform/linux/linux_platform.h"
+#include "app/platform/platform.h"
+
+namespace kelvaro {
+
+class UnflushedFile final : public platform::File {
+ public:
+  explicit UnflushedFile(std::unique_ptr<platform::File> file) : file(std::move(file)) {}
+  bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
+    return file->ReadFile(buffer, wanted, read);
+  }
+  bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
+    return file->WriteFile(data, size, written);
+  }
+  bool SetFilePointer(std::int64_t distance, std::uint32_t method,
+                      std::int64_t* position) override {
+    return file->SetFilePointer(distance, method, position);
+  }
+  bool CloseHandle() override {
+    file.reset();  // closes without a flush
+    return true;
+  }
+
+ private:
+  std::unique_ptr<platform::File> file;
+};
+
+class FilesElsewhere final : public platform::Files {
+ public:
+  FilesElsewhere(platform::Files& files, std::string programPath, bool flush)
+      : files(files), programPath(std::move(programPath)), flush(flush) {}
+
+  char PathSeparator() override { return files.PathSeparator(); }
+  std::unique_ptr<platform::File> CreateFileA(const std::string& path, std::uint32_t access,
+                                              std::uint32_t share,
+                                              std::uint32_t disposition) override {
+    auto file = files.CreateFileA(path, access, share, disposition);
+    if (file && !flush) return std::make_unique<UnflushedFile>(std::move(file));
+    return file;
+  }
+  bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) override {
+    if (flush) return files.CopyFileA(from, to, failIfExists);
+    std::error_code error;
+    const std::string beside = to + ".copy";
+    std::filesystem::copy_file(from, beside, error);
+    if (!error) std::filesystem::rename(beside, to, error);
+    return !error;
+  }
+  bool DeleteFileA(const std::string& path) override { return files.DeleteFileA(path); }
+  std::uint32_t GetFileAttributesA(const std::string& path) override {
+    return files.GetFileAttributesA(path);
+  }
+  bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) override {
+    return files.SetFileAttributesA(path, attributes);
+  }
+  bool CreateDirectoryA(const std::string& path) override { return files.CreateDirectoryA(path); }
+  std::unique_ptr<platform::FileSearch> FindFirstFileA(const std::string& pattern,
+                                                       platform::FindData* data) override {
+    return files.FindFirstFileA(pattern, data);
+  }
+  std::string GetCurrentDirectoryA() override { return files.GetCurrentDirectoryA(); }
+  bool SetCurrentDirectoryA(const std::string& path) override {
+    return files.SetCurrentDirectoryA(path);
+  }
+  std::string GetModuleFileNameA() override { return programPath; }
+  std::uint32_t GetLogicalDrives() override { return files.GetLogicalDrives(); }
+  std::uint32_t GetLastError() override { return files.GetLastError(); }
+
+ private:
+  platform::Files& files;
+  const std::string programPath;
+  const bool flush;
+};
+
+// Installed for its life, with a folder of its own that goes with it.
+class ProgramElsewhere {
+ public:
+  explicit ProgramElsewhere(bool flush = true)
+      : folder(MakeFolder()),
+        files(*machine.Groups().files, folder + "/kelvaro", flush),
+        installed(Groups()) {}
+  ~ProgramElsewhere() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder, ignored);
+  }
+
+  const std::string& Folder() const { return folder; }
+  std::string Profiles() const { return folder + "/Profiles"; }
+
+ private:
+  static std::string MakeFolder() {
+    std::string pattern = std::filesystem::temp_directory_path() / "kelvaro-XXXXXX";
+    if (!mkdtemp(pattern.data())) std::abort();
+    return pattern;
+  }
+  platform::Platform Groups() {
+    platform::Platform groups = machine.Groups();
+    groups.files = &files;
+    return groups;
+  }
+
+  const std::string folder;
+  platform::LinuxPlatform machine;
+  FilesElsewhere files;
+  platform::InstalledPlatform installed;
+};
+
+}  // namespace kelvaro
