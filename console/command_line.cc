@@ -14,6 +14,8 @@ constexpr char kAbout[] =
     "Kelvaro without a window: turns a game pad into keys and mouse motion, and shows how.";
 
 constexpr char kJsonHelp[] = "print JSON Lines, one object a line";
+constexpr char kProfileHelp[] =
+    "a profile: a file, stored (.idprof) or in JSON, or the name of a stored one";
 constexpr char kUntilHelp[] = "end after this many milliseconds";
 
 constexpr std::uint64_t kMostHold = UINT32_MAX;                     // ms, as a Control has it
@@ -40,6 +42,10 @@ void AddMilliseconds(CLI::App* command, const std::string& name, T* out, std::ui
 struct Choice {
   KeysOptions keys;
   PlayOptions play;
+  ProfilesOptions profiles;
+  ShowOptions show;
+  PackOptions pack;
+  CheckOptions check;
   DevicesOptions devices;
   WatchOptions watch;
   RecordOptions record;
@@ -92,6 +98,68 @@ void AddPlay(CLI::App& app, Choice& choice) {
   });
 }
 
+void AddProfiles(CLI::App& app, Choice& choice) {
+  CLI::App* profiles = app.add_subcommand("profiles", "List the stored profiles and their files");
+  profiles->footer(
+      "Profiles are stored in the folder Profiles beside the program, and go by the name inside "
+      "the\n"
+      "file. With --json: name and file.");
+  profiles->add_flag("--json", choice.profiles.json, kJsonHelp);
+  profiles->callback([&choice] {
+    choice.command = [&choice](Streams streams) {
+      return ProfilesCommand(choice.profiles, streams);
+    };
+  });
+}
+
+void AddShow(CLI::App& app, Choice& choice) {
+  CLI::App* show = app.add_subcommand("show", "Print a profile");
+  show->footer(
+      "A line for each Control: its number, its inputs, its keys, its description. With --json "
+      "the\n"
+      "whole profile on one line, as `kelvaroctl pack` takes it.");
+  show->add_option("PROFILE", choice.show.profile, kProfileHelp)
+      ->option_text("FILE|NAME")
+      ->required();
+  show->add_flag("--json", choice.show.json, kJsonHelp);
+  show->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return ShowCommand(choice.show, streams); };
+  });
+}
+
+void AddPack(CLI::App& app, Choice& choice) {
+  CLI::App* pack = app.add_subcommand("pack", "Make a profile file of a profile in JSON");
+  pack->footer(
+      "Members left out have their defaults, triggerText is ignored, and an action without steps "
+      "is\n"
+      "made of its text. OUT appears whole or not at all.");
+  pack->add_option("IN", choice.pack.in,
+                   "the profile in JSON, as `kelvaroctl show --json` prints "
+                   "it; - for standard input")
+      ->required();
+  pack->add_option("OUT", choice.pack.out, "the file to make, such as walk.idprof")->required();
+  pack->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return PackCommand(choice.pack, streams); };
+  });
+}
+
+void AddCheck(CLI::App& app, Choice& choice) {
+  CLI::App* check =
+      app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
+  check->footer(
+      "Says of each file whether it loads, what it lacks or holds that a load passes over, and\n"
+      "which Controls can never fire. Exit status 1 when one of the files doesn't load. With "
+      "--json:\n"
+      "file, loads, error, profileName, controls (how many were read), and findings, each with "
+      "its\n"
+      "kind (damage, lacks, passedOver, neverFires), where and what.");
+  check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
+  check->add_flag("--json", choice.check.json, kJsonHelp);
+  check->callback([&choice] {
+    choice.command = [&choice](Streams streams) { return CheckCommand(choice.check, streams); };
+  });
+}
+
 void AddDevices(CLI::App& app, Choice& choice) {
   CLI::App* devices = app.add_subcommand("devices", "List the game pads that are plugged in");
   devices->add_flag("--json", choice.devices.json, kJsonHelp);
@@ -130,7 +198,9 @@ void AddRun(CLI::App& app, Choice& choice) {
       "It takes the profile's device (or --device, or the recording given by --replay) and ends\n"
       "on Ctrl-C, at --until, or one second after the last line of the recording; then it lets go\n"
       "of every key and button that it holds down.");
-  run->add_option("FILE", choice.run.profile, "the profile, in its JSON form")->required();
+  run->add_option("PROFILE", choice.run.profile, kProfileHelp)
+      ->option_text("FILE|NAME")
+      ->required();
   auto* replay =
       run->add_option("--replay", choice.run.replay, "a recording that plays in place of a pad");
   run->add_flag("--simulate", choice.run.simulate,
@@ -159,6 +229,10 @@ int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
       "2 the command line is wrong.");
   AddKeys(app, choice);
   AddPlay(app, choice);
+  AddProfiles(app, choice);
+  AddShow(app, choice);
+  AddPack(app, choice);
+  AddCheck(app, choice);
   AddDevices(app, choice);
   AddWatch(app, choice);
   AddRecord(app, choice);

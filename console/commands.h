@@ -6,6 +6,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace kelvaro::console {
 
@@ -34,6 +35,29 @@ struct PlayOptions {
 };
 int PlayCommand(const PlayOptions& options, Streams streams);
 
+struct ProfilesOptions {
+  bool json = false;
+};
+int ProfilesCommand(const ProfilesOptions& options, Streams streams);
+
+struct ShowOptions {
+  std::string profile;  // file or stored name
+  bool json = false;
+};
+int ShowCommand(const ShowOptions& options, Streams streams);
+
+struct PackOptions {
+  std::string in;   // file, "-" for standard input
+  std::string out;  // file
+};
+int PackCommand(const PackOptions& options, Streams streams);
+
+struct CheckOptions {
+  std::vector<std::string> files;
+  bool json = false;
+};
+int CheckCommand(const CheckOptions& options, Streams streams);
+
 struct DevicesOptions {
   bool json = false;
 };
@@ -53,7 +77,7 @@ struct RecordOptions {
 int RecordCommand(const RecordOptions& options, Streams streams);
 
 struct RunOptions {
-  std::string profile;  // file
+  std::string profile;  // file or stored name
   bool simulate = false;
   std::optional<std::string> replay;  // file of a recording
   std::optional<std::string> device;

@@ -7,8 +7,9 @@
 #include "console/console_error.h"
 #include "console/engine_session.h"
 #include "console/event_printer.h"
+#include "console/file_machine.h"
 #include "console/json_text.h"
-#include "console/profile_json.h"
+#include "console/profile_source.h"
 #include "console/read_file.h"
 #include "console/real_machine.h"
 #include "console/stop_signals.h"
@@ -19,9 +20,7 @@ namespace {
 using platform::simulation::Recording;
 using platform::simulation::Simulation;
 
-// More than either has a reason to be: thousands of Controls, some hours of a busy pad. A profile
-// is taken apart as a whole, at some fifty bytes of memory for each of the file.
-constexpr std::size_t kMostProfile = 8;      // MiB
+// More than one has a reason to be: some hours of a busy pad.
 constexpr std::size_t kMostRecording = 256;  // MiB
 
 // A recording ends this much after its last line, so that what it started can be seen.
@@ -93,19 +92,19 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
 }  // namespace
 
 int RunCommand(const RunOptions& options, Streams streams) {
-  std::string text;
-  std::string error;
-  if (!ReadWholeFile(options.profile, kMostProfile, &text, &error)) {
-    return Complain(streams.err, options.profile + ": " + error);
-  }
-  Profile profile;
-  JsonFault fault;
-  if (!ReadProfile(text, &profile, &fault)) {
-    return Complain(streams.err, fault.Text(options.profile), fault.detail);
+  ProfileFile profile;
+  {
+    const FileMachine machine;
+    ProfileFault fault;
+    if (!FindProfile(options.profile, &profile, &fault)) {
+      return Complain(streams.err, fault.message, fault.detail);
+    }
   }
 
   Recording recording;
   if (options.replay) {
+    std::string text;
+    std::string error;
     if (!ReadWholeFile(*options.replay, kMostRecording, &text, &error)) {
       return Complain(streams.err, *options.replay + ": " + error);
     }

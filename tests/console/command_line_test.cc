@@ -7,7 +7,8 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys", "play", "devices", "watch", "record", "run"};
+const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",   "pack",
+                                         "check", "devices", "watch",    "record", "run"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -43,6 +44,16 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"play", "a", "--hold-time", ""},
       {"play", "a", "--release-pause", "x"},
       {"play", "a", "--release-after", "x"},
+      {"profiles", "x"},
+      {"show"},
+      {"show", "a", "b"},
+      {"show", "--until", "5", "a"},
+      {"pack"},
+      {"pack", "a"},
+      {"pack", "a", "b", "c"},
+      {"pack", "--json", "a", "b"},
+      {"check"},
+      {"check", "--simulate", "a"},
       {"devices", "x"},
       {"devices", "--until", "5"},
       {"watch", "a", "b"},
@@ -85,9 +96,9 @@ TEST(CommandLine, TwoDashesEndTheOptions) {
             "\"text\":\"-a\"}\n");
   EXPECT_EQ(Kelvaroctl({"play", "--simulate", "--", "--"}).out,
             "       0 ms  - down\n       0 ms  - up\n       0 ms  - down\n       0 ms  - up\n");
-  const Outcome run = Kelvaroctl({"run", "--", "--no-such-file"});
+  const Outcome run = Kelvaroctl({"run", "--", "--no-such/file"});
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.err, "kelvaroctl: --no-such-file: No such file or directory\n");
+  EXPECT_EQ(run.err, "kelvaroctl: --no-such/file: No such file or directory\n");
 }
 
 TEST(CommandLine, ATextMayBeAnything) {
@@ -114,11 +125,15 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"play",
        {"TEXT", "--simulate", "--hold-all", "--repeat", "--hold-time", "--release-pause",
         "--release-after", "--json", "--help"}},
+      {"profiles", {"--json", "--help"}},
+      {"show", {"FILE", "NAME", "--json", "--help"}},
+      {"pack", {"IN", "OUT", "--help"}},
+      {"check", {"FILE", "--json", "--help"}},
       {"devices", {"--json", "--help"}},
       {"watch", {"NAME", "--until", "--json", "--help"}},
       {"record", {"NAME", "--until", "--help"}},
       {"run",
-       {"FILE", "--simulate", "--replay", "--device", "--mouse-active", "--until", "--json",
+       {"FILE", "NAME", "--simulate", "--replay", "--device", "--mouse-active", "--until", "--json",
         "--help"}},
   };
   for (const auto& c : kCases) {

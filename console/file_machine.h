@@ -1,0 +1,38 @@
+// What commands that only read and write files need behind the seam, installed for the life of the
+// object: the real clock and threads, and the real files or others in their place.
+#pragma once
+
+#include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/linux_files.h"
+#include "app/platform/linux/linux_system.h"
+#include "app/platform/linux/linux_threads.h"
+#include "app/platform/platform.h"
+
+namespace kelvaro::console {
+
+class FileMachine {
+ public:
+  FileMachine() : installed(Groups(&realFiles)) {}
+  // Borrowed.
+  explicit FileMachine(platform::Files& files) : installed(Groups(&files)) {}
+  FileMachine(const FileMachine&) = delete;
+  FileMachine& operator=(const FileMachine&) = delete;
+
+ private:
+  platform::Platform Groups(platform::Files* files) {
+    platform::Platform groups;
+    groups.clock = &clock;
+    groups.threads = &threads;
+    groups.files = files;
+    groups.system = &system;
+    return groups;
+  }
+
+  platform::LinuxClock clock;
+  platform::LinuxThreads threads;
+  platform::LinuxFiles realFiles;
+  platform::LinuxSystem system;
+  platform::InstalledPlatform installed;
+};
+
+}  // namespace kelvaro::console

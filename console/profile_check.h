@@ -1,0 +1,43 @@
+// What is wrong with a profile, or odd about it: whether it loads, what it lacks, what it holds
+// that a reader passes over, and which Controls can never fire.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "console/profile_source.h"
+#include "engine/profile.h"
+
+namespace kelvaro::console {
+
+struct Finding {
+  enum class Kind {
+    Damage,      // keeps the profile from loading
+    Lacks,       // missing or short; a reader does without
+    PassedOver,  // there, and not read
+    NeverFires,  // a Control that nothing can make fire
+  };
+  Kind kind;
+  std::string where;  // "list 12 (mouse settings)", "controls[2]"
+  std::string what;
+};
+
+struct ProfileReport {
+  bool loads = false;
+  ProfileFault fault;  // when it doesn't load
+  ByteString profileName;
+  std::int32_t controls = 0;  // that were read
+  std::vector<Finding> findings;
+};
+
+// Looks at the bytes of a file, in either form, as loading it would; `name` is the file's, for the
+// message of a fault.
+ProfileReport CheckProfile(const std::string& bytes, const std::string& name);
+
+// Appends the Controls that can't fire, in dispatch order. One is silenced by another with the same
+// inputs, to the same sides, that comes before it and fires at the same moments. `profile` has a
+// DispatchList.
+void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings);
+
+}  // namespace kelvaro::console

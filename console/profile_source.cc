@@ -1,0 +1,132 @@
+#include "console/profile_source.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <numeric>
+#include <vector>
+
+#include "app/platform/simulation/virtual_disk.h"
+#include "console/file_machine.h"
+#include "console/json_text.h"
+#include "console/profile_json.h"
+#include "console/read_file.h"
+
+namespace kelvaro::console {
+namespace {
+
+constexpr char kInMemory[] = "/profile";
+
+constexpr std::size_t kNamesTold = 8;
+constexpr std::size_t kNameCompared = 64;  // bytes
+
+bool IsFile(const std::string& path) {
+  const std::uint32_t attributes = platform::GetFileAttributesA(path);
+  return attributes != platform::INVALID_FILE_ATTRIBUTES &&
+         (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+// Whether there is what a load falls back on when the file is of no use.
+bool HasTemporary(const std::string& path) {
+  return path.ends_with(kStoredExtension) && IsFile(path + ".tmp");
+}
+
+// `name` is what the message calls it.
+bool LoadStored(const std::string& path, const std::string& name, ProfileFile* profile,
+                ProfileFault* fault) {
+  if (profile->Load(FromBytes(path))) return true;
+  fault->message =
+      name + ": this profile can't be read whole (kelvaroctl check says what is wrong with it)";
+  return false;
+}
+
+// How many letters differ, case not counting.
+std::size_t Distance(std::string a, std::string b) {
+  for (std::string* text : {&a, &b}) {
+    text->resize(std::min(text->size(), kNameCompared));
+    for (char& c : *text) c = static_cast<char>(FoldUpper(static_cast<std::uint8_t>(c)));
+  }
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), 0);
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i + 1;
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t replaced = diagonal + (a[i] != b[j]);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({row[j] + 1, diagonal + 1, replaced});
+    }
+  }
+  return row.back();
+}
+
+// "; the stored ones are 'Walk', 'Race'", the likest names first.
+std::string StoredNames(const std::string& wanted) {
+  LinkedList<ByteString> list;
+  ProfileFile().ListProfileNames(&list);
+  if (list.count == 0) return "; no profile is stored in " + Bytes(ProfileLibrary::ProfileFolder());
+  std::vector<std::pair<std::size_t, std::string>> names;
+  for (auto* node = list.head; node; node = node->next) {
+    const std::string name = Bytes(*node->value);
+    names.emplace_back(Distance(name, wanted), name);
+  }
+  std::sort(names.begin(), names.end());
+  std::string text = names.size() == 1 ? "; stored is " : "; stored are ";
+  for (std::size_t i = 0; i < names.size() && i < kNamesTold; ++i) {
+    text += (i > 0 ? ", '" : "'") + names[i].second.substr(0, kNameCompared) + "'";
+  }
+  if (names.size() > kNamesTold)
+    text += " and " + std::to_string(names.size() - kNamesTold) + " more";
+  return text;
+}
+
+}  // namespace
+
+bool IsStoredProfile(const std::string& bytes) { return bytes.starts_with(kStoredMagic); }
+
+bool ReadProfileBytes(const std::string& bytes, const std::string& name, ProfileFile* profile,
+                      ProfileFault* fault) {
+  if (IsStoredProfile(bytes)) {
+    platform::simulation::VirtualDisk disk;
+    disk.PutFile(kInMemory, bytes);
+    const FileMachine memory(disk);
+    return LoadStored(kInMemory, name, profile, fault);
+  }
+  JsonFault problem;
+  if (ReadProfile(bytes, profile, &problem)) return true;
+  fault->message = problem.Text(name);
+  fault->detail = problem.detail;
+  if (name.ends_with(kStoredExtension)) {
+    fault->message = name + ": neither a stored profile nor one in JSON";
+    fault->detail.clear();
+  }
+  return false;
+}
+
+bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault) {
+  std::string path = fileOrName;
+  if (path != "-" && !IsFile(path)) {
+    if (HasTemporary(path)) return LoadStored(path, path, profile, fault);
+    path = Bytes(ProfileFile().FindProfileFile(FromBytes(fileOrName)));
+    if (path.empty() && fileOrName.find('/') != std::string::npos) {
+      fault->message = fileOrName + ": " + std::strerror(ENOENT);
+      return false;
+    }
+    if (path.empty()) {
+      fault->message =
+          "there is no file and no stored profile '" + fileOrName + "'" + StoredNames(fileOrName);
+      return false;
+    }
+  }
+  std::string bytes;
+  std::string error;
+  if (!ReadWholeFile(path, kMostProfile, &bytes, &error)) {
+    fault->message = path + ": " + error;
+    return false;
+  }
+  // Even when it doesn't begin as one: it may have been emptied or cut short.
+  if (HasTemporary(path)) return LoadStored(path, path, profile, fault);
+  return ReadProfileBytes(bytes, path, profile, fault);
+}
+
+}  // namespace kelvaro::console

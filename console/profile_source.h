@@ -1,0 +1,36 @@
+// Where a command takes a profile from: a file in either form, or the name under which one is
+// stored. A file that begins as a stored profile does is one; any other is JSON.
+#pragma once
+
+#include <string>
+
+#include "storage/profile_file.h"
+
+namespace kelvaro::console {
+
+// More than a profile has a reason to be, in MiB: room for thousands of Controls. In JSON it is
+// taken apart as a whole, at some fifty bytes of memory for each of the file.
+constexpr std::size_t kMostProfile = 8;
+
+constexpr char kStoredMagic[] = "XBF";
+constexpr char kStoredExtension[] = ".idprof";
+
+// Why there is no profile: one line that names what and where, and lines to show below it.
+struct ProfileFault {
+  std::string message;
+  std::string detail;
+};
+
+bool IsStoredProfile(const std::string& bytes);
+
+// Fills *profile, a fresh one, from the bytes of a file, in either form; `name` is the file's, for
+// the message. A stored one is read from memory, so that nothing is touched on disk.
+bool ReadProfileBytes(const std::string& bytes, const std::string& name, ProfileFile* profile,
+                      ProfileFault* fault);
+
+// Fills *profile, a fresh one, from a file, from standard input for "-", or from the stored profile
+// of that name; a file wins over a name. Under a FileMachine. A file that can't be read whole gives
+// way to its temporary, as it does whenever a profile is loaded.
+bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault);
+
+}  // namespace kelvaro::console
