@@ -129,8 +129,10 @@ bool ProfileFile::ReadControls() {
 }
 
 bool ProfileFile::ReadControl() {
-  Control control;
-  control.actionsBorrowed = 1;  // the copy in the list is to own the actions
+  // Read in its place in the list, where it owns its actions: what was read of a Control is kept
+  // even when the rest of it is lost, and no copy leaves out what memory runs out for.
+  if (!controls.AddTail(Control())) return false;
+  Control& control = *controls.tail->value;
   ByteString field;
 
   bool good = ReadField(0, &control.description);
@@ -159,11 +161,6 @@ bool ProfileFile::ReadControl() {
     control.repeatDelay = old.delay;
     control.repeatSpeed = old.speed;
     if (old.repeat) control.keyHoldTime = old.hold;
-  }
-  // What was read of a Control is kept even when the rest of it is lost.
-  if (!controls.AddTail(control)) {
-    control.actionsBorrowed = 0;
-    good = false;
   }
   return good;
 }
