@@ -1,0 +1,117 @@
+#include "storage/gathered_file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/platform/simulation/simulation.h"
+
+namespace kelvaro {
+namespace {
+
+constexpr char kPath[] = "/game/g";
+
+class GatheredFileTest : public testing::Test {
+ protected:
+  platform::simulation::VirtualDisk& Disk() { return sim.Disk(); }
+  std::string OnDisk() { return Disk().FileBytes(kPath).value_or("<none>"); }
+  bool Write(const std::string& bytes) {
+    return file.Write(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  }
+
+  platform::simulation::Simulation sim;
+  GatheredFile file;
+};
+
+TEST_F(GatheredFileTest, BytesReachTheDiskInOneWriteWhenItIsClosed) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("one "));
+  EXPECT_TRUE(Write("two"));
+  EXPECT_EQ(OnDisk(), "");
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "one two");
+  EXPECT_EQ(Disk().Count("WriteFile"), 1u);
+  EXPECT_EQ(Disk().Count("SetFilePointer"), 0u);
+  EXPECT_FALSE(file.IsOpen());
+}
+
+TEST_F(GatheredFileTest, WhatIsPatchedGoesDownWithAllBehindIt) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abcdef"));
+  EXPECT_TRUE(file.PutDown());
+  EXPECT_EQ(OnDisk(), "abcdef");
+  file.Seek(2);
+  EXPECT_TRUE(Write("XY"));
+  EXPECT_EQ(file.Position(), 4u);
+  file.SeekToEnd();
+  EXPECT_TRUE(Write("ghi"));
+  EXPECT_EQ(OnDisk(), "abcdef");
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "abXYefghi");
+  EXPECT_EQ(Disk().Count("WriteFile"), 2u);
+}
+
+TEST_F(GatheredFileTest, NothingNewIsNotWritten) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  EXPECT_TRUE(file.PutDown());
+  EXPECT_TRUE(file.PutDown());
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(Disk().Count("WriteFile"), 1u);
+}
+
+TEST_F(GatheredFileTest, ASeekBehindTheEndIsToTheEnd) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  file.Seek(100);
+  EXPECT_EQ(file.Position(), 3u);
+}
+
+TEST_F(GatheredFileTest, WhatTheSystemTookOfAFailedWriteIsNotWrittenAgain) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abcdef"));
+  Disk().FailInside(1, 4);
+  EXPECT_FALSE(file.PutDown());
+  EXPECT_EQ(OnDisk(), "abcd");
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "abcdef");
+}
+
+TEST_F(GatheredFileTest, ACloseThatFailsClosesAllTheSame) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  Disk().FailOperation(1);
+  EXPECT_FALSE(file.Close());
+  EXPECT_FALSE(file.IsOpen());
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(Disk().OpenHandles(), 0u);
+}
+
+TEST_F(GatheredFileTest, AnAbandonedFileStaysAsItWasPutDown) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  EXPECT_TRUE(file.PutDown());
+  EXPECT_TRUE(Write("def"));
+  file.Abandon();
+  EXPECT_EQ(OnDisk(), "abc");
+  EXPECT_EQ(Disk().OpenHandles(), 0u);
+}
+
+TEST_F(GatheredFileTest, WithoutAnOpenFileNothingIsTaken) {
+  EXPECT_FALSE(Write("abc"));
+  EXPECT_FALSE(file.Create("/no/such/folder/g"));
+  EXPECT_FALSE(file.IsOpen());
+}
+
+TEST_F(GatheredFileTest, TheSameObjectBeginsTheNextFileAfresh) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("a long first file"));
+  ASSERT_TRUE(file.Create("/game/h"));
+  EXPECT_EQ(OnDisk(), "a long first file");
+  EXPECT_TRUE(Write("h"));
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(*Disk().FileBytes("/game/h"), "h");
+}
+
+}  // namespace
+}  // namespace kelvaro
