@@ -226,8 +226,9 @@ bool TaggedFile::Ascend() {
     result = WriteHeader(&list);
     writeHandle.SeekToEnd();
   }
+  const auto* const parent = openLists.tail->prev;
+  current = parent ? parent->value : nullptr;
   openLists.RemoveNode(openLists.tail);
-  current = openLists.tail ? openLists.tail->value : nullptr;
   if (!current) return Close();
   if (isWriting) current->size += growth;
   return result;
