@@ -134,18 +134,34 @@ TEST_F(HostileFileTest, ChildrenOutsideOfTheirListAreFollowedUpToALimitOnly) {
   EXPECT_FALSE(Survive(file));
 }
 
-TEST_F(HostileFileTest, FieldsThatReachOutOfTheirListAreReadUpToALimitOnly) {
-  constexpr std::uint32_t kControls = 2000;
-  // 20 bytes each, with a description that reaches to the end of the file, 1 MB behind.
+// A Trigger at the end of each Control that claims to be as long as all the Controls behind it.
+TEST_F(HostileFileTest, AListLongerThanTheOneAroundItIsFollowedUpToALimitOnly) {
+  constexpr std::uint32_t kControls = 4000;
+  const std::string head = Field("c") + Field(Big(1, 4)) + Field("\x01");
+  const auto length = static_cast<std::uint32_t>(head.size() + 14);
   std::string controls;
   for (std::uint32_t i = 0; i < kControls; ++i) {
-    controls += ListHead(6, 5, 1) + Big(2, 2) + Big(1000000, 4);
+    const std::uint32_t behind = kControls - i - 1;
+    controls += ListHead(length, 5, 4) + head + ListHead(behind * (length + 14), 6, behind);
   }
-  const std::string file =
+  // Followed in full these were 8 million heads.
+  EXPECT_FALSE(Survive(
+      Around({TypeList(), NameList("A"),
+              ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls})));
+}
+
+TEST_F(HostileFileTest, FieldsThatReachOutOfTheirListAreReadUpToALimitOnly) {
+  constexpr std::uint32_t kControls = 2000;
+  // The toggle, which may be unreadable, reaches 1 MB out of each.
+  const std::string inside = Field("") + Field("") + Big(2, 2) + Big(1000000, 4);
+  const std::string one = ListHead(static_cast<std::uint32_t>(inside.size()), 5, 3) + inside;
+  std::string controls;
+  for (std::uint32_t i = 0; i < kControls; ++i) controls += one;
+  // Read in full these were 2 GB.
+  EXPECT_TRUE(Survive(
       Around({TypeList(), NameList("A"),
               ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls}) +
-      std::string(1000000, 'x');
-  EXPECT_FALSE(Survive(file));
+      std::string(1000000, 'x')));
   // The same out of the items of one Trigger, where a failed read is passed over.
   std::string items = Field(TriggerField(1, 1, 1));
   for (std::uint32_t i = 0; i < kControls; ++i) items += Big(5, 2) + Big(0, 4);

@@ -817,6 +817,43 @@ TEST_F(ProfileFileTest, ShortTimingsKeepTheirControlAndEndTheReading) {
   EXPECT_EQ(ControlOf(profile, 1).repeatSpeed, 50u);
 }
 
+TEST_F(ProfileFileTest, ShortTimingsDontBringTheActionsOnesBack) {
+  const std::string tooShort = List(14, {Field(Timings(1, 2, 3, 4, 5).substr(0, 16))});
+  ProfileFile profile;
+  EXPECT_FALSE(LoadControls(
+      &profile, {ControlList(1, {ActionList(OldTimings(1, 700, 40, 9), "", ""), tooShort})}));
+  ASSERT_EQ(profile.controls.count, 1);
+  EXPECT_EQ(ControlOf(profile).actions.count, 1);
+  EXPECT_EQ(ControlOf(profile).repeatEnabled, 0);
+  EXPECT_EQ(ControlOf(profile).repeatDelay, 500u);
+  EXPECT_EQ(ControlOf(profile).repeatSpeed, 50u);
+  EXPECT_EQ(ControlOf(profile).keyHoldTime, 0u);
+}
+
+TEST_F(ProfileFileTest, ATriggerItemThatCantBeReadIsPassedOver) {
+  // The file ends in the middle of the last item, which is the last thing in it.
+  const std::string trigger =
+      List(6, {Field(TriggerField(1, 1, 1)), Field(Big(8, 2) + Big(1, 2) + Big(2, 2)),
+               Field(Big(8, 2) + Big(2, 2) + Big(4, 2))});
+  const std::string whole =
+      ProfileBytes({TypeList(), NameList("T"),
+                    List(4, {List(5, {Field("c"), Field(Big(1, 4)), Field("\x01"), trigger})})});
+  ProfileFile profile;
+  EXPECT_TRUE(LoadBytes(&profile, whole.substr(0, whole.size() - 1)));
+  ASSERT_EQ(profile.controls.count, 1);
+  ASSERT_EQ(ControlOf(profile).triggerItems.count, 1);
+  EXPECT_EQ(ControlOf(profile).triggerItems.At(0)->value->index, 1);
+}
+
+TEST_F(ProfileFileTest, AFileThatCantBeClosedIsAFailureOfItsLoad) {
+  Disk().PutFile("/data/p.idprof", FromHex(kEverything));
+  Disk().FailOperation(3);  // behind the opening and the one read
+  ProfileFile profile;
+  EXPECT_FALSE(profile.Load("/data/p.idprof"));
+  EXPECT_EQ(profile.controls.count, 1);
+  EXPECT_EQ(profile.DispatchList.count, 1);
+}
+
 TEST_F(ProfileFileTest, AListOfTimingsWithoutItsFieldIsAFailure) {
   ProfileFile profile;
   EXPECT_FALSE(LoadControls(&profile, {ControlList(1, {List(14, {})})}));

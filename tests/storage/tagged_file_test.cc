@@ -471,6 +471,21 @@ TEST_F(TaggedFileTest, AListThatEndsInFrontOfAHeadLeavesTheReaderOpen) {
   EXPECT_EQ(file.Read(0), "x");
 }
 
+TEST_F(TaggedFileTest, AListThatCantBeEnteredIsNotOneToBeLeft) {
+  Put("XFF" + Big(1, 2) + ListHead(14 + 7 + 14, 0, 1) + ListHead(7 + 14, 1, 2) + Field("x") +
+      ListHead(0, 8, 1));
+  ShownFile file;
+  ASSERT_TRUE(file.OpenForRead(kPath));
+  ASSERT_TRUE(file.Descend(1));
+  EXPECT_FALSE(file.Descend(8));
+  EXPECT_FALSE(file.DescendAt(1));
+  EXPECT_EQ(file.openLists.count, 2);
+  EXPECT_TRUE(file.Ascend());
+  EXPECT_EQ(file.ListId(), 0u);
+  EXPECT_EQ(file.openLists.count, 1);
+  EXPECT_TRUE(file.isOpen);
+}
+
 TEST_F(TaggedFileTest, AnIdOrCountCutShortClosesTheReaderForGood) {
   for (const std::size_t kept : {6u, 9u, 10u, 13u}) {
     Put("XFF" + Big(1, 2) + ListHead(7 + 14, 0, 2) + Field("x") +
