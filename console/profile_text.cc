@@ -73,7 +73,8 @@ std::string FlagsText(const Control& control) {
   if (control.keyHoldTime > 0) add("keys held " + Ms(control.keyHoldTime));
   if (control.keyReleasePause > 0) add("pauses " + Ms(control.keyReleasePause));
   if (control.toggleMouseControls) add("mouse on and off");
-  return text.empty() ? "" : " [" + text + "]";
+  if (text.empty()) return "";
+  return (control.description.IsEmpty() ? "[" : " [") + text + "]";
 }
 
 std::string Padded(const std::string& text, std::size_t width) {
