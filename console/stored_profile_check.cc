@@ -117,14 +117,15 @@ void StoredProfileCheck::CheckRoot() {
     void (StoredProfileCheck::*check)();
   } kLists[] = {
       {profile_list::kDocumentType, true, "", &StoredProfileCheck::CheckDocumentType},
-      {profile_list::kFormatRevision, false, "; nothing reads it",
-       &StoredProfileCheck::CheckFormatRevision},
       {profile_list::kProfileName, true, "", &StoredProfileCheck::CheckProfileName},
       {profile_list::kDevice, false, "; any device will do", &StoredProfileCheck::CheckDevice},
       {profile_list::kMouseSettings, false, "; those in force stay",
        &StoredProfileCheck::CheckMouseSettings},
       {profile_list::kControls, false, "; there are no Controls",
        &StoredProfileCheck::CheckControls},
+      // Last, as a load doesn't open it: where it is cut off nothing more can be read.
+      {profile_list::kFormatRevision, false, "; nothing reads it",
+       &StoredProfileCheck::CheckFormatRevision},
   };
   for (const auto& list : kLists) {
     where = kRoot;
