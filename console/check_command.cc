@@ -39,17 +39,17 @@ std::string Sentence(const Finding& finding) {
 }
 
 std::string JsonReport(const std::string& file, const ProfileReport& report) {
-  std::string line =
-      "{\"file\":" + JsonText(file) + ",\"loads\":" + (report.loads ? "true" : "false");
-  if (!report.loads) line += ",\"error\":" + JsonText(report.fault.message);
-  line += ",\"profileName\":" + JsonText(report.profileName) +
-          ",\"controls\":" + std::to_string(report.controls) + ",\"findings\":[";
+  std::string findings;
   for (const Finding& finding : report.findings) {
-    if (&finding != &report.findings.front()) line += ',';
-    line += std::string("{\"kind\":\"") + KindName(finding.kind) +
-            "\",\"where\":" + JsonText(finding.where) + ",\"what\":" + JsonText(finding.what) + "}";
+    if (!findings.empty()) findings += ',';
+    findings.append("{\"kind\":\"").append(KindName(finding.kind));
+    findings.append("\",\"where\":").append(JsonText(finding.where));
+    findings.append(",\"what\":").append(JsonText(finding.what)).append("}");
   }
-  return line + "]}";
+  return "{\"file\":" + JsonText(file) + ",\"loads\":" + (report.loads ? "true" : "false") +
+         (report.loads ? "" : ",\"error\":" + JsonText(report.fault.message)) +
+         ",\"profileName\":" + JsonText(report.profileName) +
+         ",\"controls\":" + std::to_string(report.controls) + ",\"findings\":[" + findings + "]}";
 }
 
 void PrintReport(const std::string& file, const ProfileReport& report, std::ostream& out) {
@@ -67,19 +67,21 @@ void PrintReport(const std::string& file, const ProfileReport& report, std::ostr
   out << std::flush;
 }
 
+ProfileReport CheckFile(const std::string& file) {
+  std::string bytes;
+  std::string error;
+  if (ReadWholeFile(file, kMostProfile, &bytes, &error)) return CheckProfile(bytes, file);
+  ProfileReport report;
+  report.fault.message = file + ": " + error;
+  return report;
+}
+
 }  // namespace
 
 int CheckCommand(const CheckOptions& options, Streams streams) {
   int status = kDone;
   for (const std::string& file : options.files) {
-    std::string bytes;
-    std::string error;
-    ProfileReport report;
-    if (ReadWholeFile(file, kMostProfile, &bytes, &error)) {
-      report = CheckProfile(bytes, file);
-    } else {
-      report.fault.message = file + ": " + error;
-    }
+    const ProfileReport report = CheckFile(file);
     if (options.json) {
       streams.out << JsonReport(file, report) << std::endl;
     } else {

@@ -14,28 +14,25 @@ namespace {
 
 constexpr char kInMemory[] = "/profile";
 
-// What decides when a Trigger fires.
-struct Inputs {
-  bool onPress;
-  std::uint64_t buttons;
-  std::vector<std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>> items;
-  auto operator<=>(const Inputs&) const = default;
-};
+using Item = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;
+
+// What decides when a Trigger fires: on press, the buttons, the other inputs with their sides.
+using Inputs = std::tuple<bool, std::uint64_t, std::vector<Item>>;
 
 Inputs InputsOf(const Trigger& trigger) {
-  Inputs inputs{trigger.activateOnPress != 0, trigger.buttonMask, {}};
+  std::vector<Item> items;
   bool known = true;
   for (auto* node = trigger.triggerItems.head; node; node = node->next) {
     const TriggerItem& item = *node->value;
     known &= item.kind <= input_kind::kPov;
-    inputs.items.emplace_back(item.kind, item.index, item.value & 0xFF);
+    items.emplace_back(item.kind, item.index, item.value & 0xFF);
   }
   // Their order is no matter, unless there are kinds among them that spoil what stands before them.
   if (known) {
-    std::sort(inputs.items.begin(), inputs.items.end());
-    inputs.items.erase(std::unique(inputs.items.begin(), inputs.items.end()), inputs.items.end());
+    std::sort(items.begin(), items.end());
+    items.erase(std::unique(items.begin(), items.end()), items.end());
   }
-  return inputs;
+  return {trigger.activateOnPress != 0, trigger.buttonMask, items};
 }
 
 // ": list 3 (profile name): field 0 is missing"

@@ -31,6 +31,11 @@ bool HasTemporary(const std::string& path) {
   return path.ends_with(kStoredExtension) && IsFile(path + ".tmp");
 }
 
+bool LooksLikeJson(const std::string& bytes) {
+  const std::size_t begin = bytes.find_first_not_of(" \t\r\n");
+  return begin != std::string::npos && bytes[begin] == '{';
+}
+
 // `name` is what the message calls it.
 bool LoadStored(const std::string& path, const std::string& name, ProfileFile* profile,
                 ProfileFault* fault) {
@@ -124,8 +129,8 @@ bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFau
     fault->message = path + ": " + error;
     return false;
   }
-  // Even when it doesn't begin as one: it may have been emptied or cut short.
-  if (HasTemporary(path)) return LoadStored(path, path, profile, fault);
+  // Even when it doesn't begin as one: it may have been emptied.
+  if (HasTemporary(path) && !LooksLikeJson(bytes)) return LoadStored(path, path, profile, fault);
   return ReadProfileBytes(bytes, path, profile, fault);
 }
 

@@ -183,6 +183,14 @@ TEST_F(ShowCommand, AFileCutShortGivesWayToItsTemporary) {
   EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", path})), "Missing");
 }
 
+TEST_F(ShowCommand, ATemporaryNeverTakesThePlaceOfJson) {
+  const std::string json = " {\"profileName\":\"J\"}";
+  const std::string path = Put("p.idprof", json);
+  Put("p.idprof.tmp", SmallProfile("Old"));
+  EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", path})), "J");
+  EXPECT_EQ(FileBytes(path), json);
+}
+
 TEST_F(ShowCommand, AGoodFileAndItsTemporaryStayAsTheyAre) {
   const std::string path = Put("p.idprof", SmallProfile("P"));
   Put("p.idprof.tmp", SmallProfile("Old"));
