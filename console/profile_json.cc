@@ -113,7 +113,8 @@ void ReadAction(JsonDocument& document, const Json::Value& value, const std::str
     }
   }
   object.RefuseOthers();
-  if (control->actions.AddTail(action.get())) action.release();
+  if (control->actions.AddTail(action.get()))
+    static_cast<void>(action.release());  // the list's now
 }
 
 // Whether the Control named its own controlId.
