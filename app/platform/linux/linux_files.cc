@@ -242,8 +242,9 @@ std::optional<std::string> WithoutLinks(std::string path) {
       Fail();
       return std::nullopt;
     }
-    const std::string target(text, static_cast<std::size_t>(length));
-    path = target.starts_with('/') ? target : FolderOfPath(path) + "/" + target;
+    const bool absolute = length > 0 && text[0] == '/';
+    path = absolute ? std::string() : FolderOfPath(path).append("/");
+    path.append(text, static_cast<std::size_t>(length));
   }
   Fail(ELOOP);
   return std::nullopt;
