@@ -129,6 +129,39 @@ std::uint32_t GetLastError() { return installed.files->GetLastError(); }
 
 std::string FormatMessageA(std::uint32_t code) { return installed.system->FormatMessageA(code); }
 
+std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) {
+  return installed.registry->RegOpenKeyA(key, path, opened);
+}
+
+std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened) {
+  return installed.registry->RegCreateKeyA(key, path, opened);
+}
+
+std::uint32_t RegCloseKey(HKEY key) { return installed.registry->RegCloseKey(key); }
+
+std::uint32_t RegQueryValueExA(HKEY key, const std::string& name, std::uint32_t* type, void* data,
+                               std::uint32_t* size) {
+  return installed.registry->RegQueryValueExA(key, name, type, data, size);
+}
+
+std::uint32_t RegSetValueExA(HKEY key, const std::string& name, std::uint32_t type,
+                             const void* data, std::uint32_t size) {
+  return installed.registry->RegSetValueExA(key, name, type, data, size);
+}
+
+std::uint32_t RegDeleteValueA(HKEY key, const std::string& name) {
+  return installed.registry->RegDeleteValueA(key, name);
+}
+
+std::uint32_t RegEnumValueA(HKEY key, std::uint32_t index, char* name, std::uint32_t* nameSize,
+                            std::uint32_t* type, void* data, std::uint32_t* size) {
+  return installed.registry->RegEnumValueA(key, index, name, nameSize, type, data, size);
+}
+
+std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name, std::uint32_t nameSize) {
+  return installed.registry->RegEnumKeyA(key, index, name, nameSize);
+}
+
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type) {
   return installed.desktop->MessageBoxA(owner, text, caption, type);

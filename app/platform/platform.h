@@ -9,6 +9,7 @@
 #include "app/platform/devices.h"
 #include "app/platform/files.h"
 #include "app/platform/input.h"
+#include "app/platform/registry.h"
 #include "app/platform/threads.h"
 #include "app/platform/timers.h"
 
@@ -23,6 +24,7 @@ struct Platform {
   Input* input = nullptr;
   Files* files = nullptr;
   System* system = nullptr;
+  Registry* registry = nullptr;
   Desktop* desktop = nullptr;
 };
 

@@ -131,6 +131,7 @@ struct Simulation::Machine {
     all.input = &input;
     all.files = &disk;
     all.system = &system;
+    all.registry = &registry;
     all.desktop = &desktop;
     return all;
   }
@@ -145,6 +146,7 @@ struct Simulation::Machine {
   KeptInput input{scheduler, journal};
   VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
+  VirtualRegistry registry{&journal};
   AnsweredDesktop desktop{journal};
   const platform::Platform groups = Gathered();
   const InstalledPlatform installed{groups};
@@ -172,6 +174,8 @@ SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
 }
 
 VirtualDisk& Simulation::Disk() { return machine->disk; }
+
+VirtualRegistry& Simulation::Registry() { return machine->registry; }
 
 const std::vector<SentEvent>& Simulation::Events() const { return machine->input.events; }
 

@@ -25,6 +25,7 @@
 #include "app/platform/simulation/recording.h"
 #include "app/platform/simulation/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
+#include "app/platform/simulation/virtual_registry.h"
 
 namespace platform::simulation {
 
@@ -77,6 +78,9 @@ class Simulation {
   // The files, with their own log of calls and plan of faults.
   VirtualDisk& Disk();
 
+  // The registry, empty at first. Its log of calls and its faults are those below.
+  VirtualRegistry& Registry();
+
   // Everything sent so far, and the same as lines of EventText, each ended by a line feed.
   const std::vector<SentEvent>& Events() const;
   std::string EventText() const;
@@ -87,14 +91,17 @@ class Simulation {
   void KeepEvents(bool keep);
 
   // Operations in the order in which they were called, failed ones included: those of devices, of
-  // timers, and of threads and events except waits. Kept only after LogCalls(true). Each is its
-  // name, followed by what is listed here for some:
+  // timers, of the registry, and of threads and events except waits. Kept only after
+  // LogCalls(true). Each is its name, followed by what is listed here for some:
   //   SetCooperativeLevel FLAGS, SetProperty AXIS MIN MAX (AXIS is its place in EnumObjects),
   //   Release DirectInput (the directory's; a device's stands alone), timeBeginPeriod MS,
   //   timeEndPeriod MS, timeSetEvent MS RESOLUTION, timeKillEvent TIMER, CreateThread NAME,
   //   GetExitCodeThread HANDLE, TerminateThread HANDLE CODE, SetCurrentThreadPriority PRIORITY,
   //   CreateEventA manual (or auto), SetEvent HANDLE, ResetEvent HANDLE, CloseHandle HANDLE,
-  //   MessageBoxA CAPTION, FormatMessageA CODE
+  //   MessageBoxA CAPTION, FormatMessageA CODE, RegOpenKeyA KEY, RegCreateKeyA KEY,
+  //   RegCloseKey KEY, RegQueryValueExA KEY NAME, RegSetValueExA KEY NAME,
+  //   RegDeleteValueA KEY NAME, RegEnumValueA KEY INDEX, RegEnumKeyA KEY INDEX (KEY is the whole
+  //   path, as "HKCU\Software"; "?" where the handle isn't open)
   // All numbers are decimal. Handles and timers are numbered from 1, each apart.
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;

@@ -25,19 +25,20 @@
 #include <string_view>
 #include <vector>
 
+#include "app/platform/error_codes.h"
 #include "app/platform/files.h"
 
 namespace platform::simulation {
 
 // The disk's numbers for GetLastError, the published ones.
-constexpr std::uint32_t ERROR_FILE_NOT_FOUND = 2;
+using platform::ERROR_FILE_NOT_FOUND;
 constexpr std::uint32_t ERROR_PATH_NOT_FOUND = 3;
-constexpr std::uint32_t ERROR_ACCESS_DENIED = 5;
-constexpr std::uint32_t ERROR_INVALID_HANDLE = 6;
+using platform::ERROR_ACCESS_DENIED;
+using platform::ERROR_INVALID_HANDLE;
 constexpr std::uint32_t ERROR_NO_MORE_FILES = 18;
 constexpr std::uint32_t ERROR_NOT_READY = 21;  // of every operation while the machine is stopped
 constexpr std::uint32_t ERROR_FILE_EXISTS = 80;
-constexpr std::uint32_t ERROR_DISK_FULL = 112;
+using platform::ERROR_DISK_FULL;
 constexpr std::uint32_t ERROR_INVALID_NAME = 123;
 constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
 constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;

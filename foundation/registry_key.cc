@@ -1,0 +1,204 @@
+#include "foundation/registry_key.h"
+
+#include <cstring>
+
+namespace kelvaro {
+
+using platform::ERROR_NO_MORE_ITEMS;
+using platform::ERROR_SUCCESS;
+using platform::HKEY;
+using platform::REG_DWORD;
+using platform::REG_SZ;
+
+namespace {
+
+const char* OrEmpty(const char* text) { return text ? text : ""; }
+
+// One byte more than is ever asked for, so that a string without a terminator ends there.
+struct DataBuffer {
+  char bytes[RegistryBufferSize + 1];
+
+  void EndAt(std::uint32_t size) { bytes[size] = 0; }
+
+  std::uint32_t Number(std::uint32_t size) const {
+    std::uint32_t number = 0;
+    std::memcpy(&number, bytes, size < sizeof number ? size : sizeof number);
+    return number;
+  }
+};
+
+// False when there is no such value, or it doesn't fit.
+bool Read(HKEY key, const char* name, std::uint32_t* type, DataBuffer* data, std::uint32_t* size) {
+  *size = RegistryBufferSize;
+  if (platform::RegQueryValueExA(key, OrEmpty(name), type, data->bytes, size) != ERROR_SUCCESS) {
+    return false;
+  }
+  data->EndAt(*size);
+  return true;
+}
+
+bool WriteDword(HKEY key, const char* name, std::uint32_t value) {
+  return platform::RegSetValueExA(key, OrEmpty(name), REG_DWORD, &value, sizeof value) ==
+         ERROR_SUCCESS;
+}
+
+bool WriteString(HKEY key, const char* name, const ByteString& value) {
+  return platform::RegSetValueExA(key, OrEmpty(name), REG_SZ, OrEmpty(value.Text()),
+                                  value.Length() + 1) == ERROR_SUCCESS;
+}
+
+}  // namespace
+
+// The key that an operation works on: a subkey opened for its length, or the key itself.
+class RegistryKey::Subkey {
+ public:
+  Subkey(const RegistryKey& key, const char* path, bool create) {
+    if (!key.isOpen) return;
+    if (!path || !*path) {
+      handle = key.handle;
+      isOpen = true;
+      return;
+    }
+    isOpen = isOwned = (create ? platform::RegCreateKeyA(key.handle, path, &handle)
+                               : platform::RegOpenKeyA(key.handle, path, &handle)) == ERROR_SUCCESS;
+  }
+  ~Subkey() {
+    if (isOwned) platform::RegCloseKey(handle);
+  }
+  Subkey(const Subkey&) = delete;
+  Subkey& operator=(const Subkey&) = delete;
+
+  bool isOpen = false;
+  HKEY handle = 0;
+
+ private:
+  bool isOwned = false;
+};
+
+RegistryKey::RegistryKey(HKEY root, const ByteString& path, bool create)
+    : createMode(create), root(root), path(path) {
+  isOpen = (create ? platform::RegCreateKeyA(root, OrEmpty(path.Text()), &handle)
+                   : platform::RegOpenKeyA(root, OrEmpty(path.Text()), &handle)) == ERROR_SUCCESS;
+}
+
+RegistryKey::~RegistryKey() { Close(); }
+
+bool RegistryKey::GetDword(const char* subkey, const char* name, std::uint32_t* out) {
+  const Subkey key(*this, subkey, false);
+  DataBuffer data;
+  std::uint32_t type = 0;
+  std::uint32_t size = 0;
+  if (!key.isOpen || !Read(key.handle, name, &type, &data, &size) || type != REG_DWORD) {
+    return false;
+  }
+  *out = data.Number(size);
+  return true;
+}
+
+bool RegistryKey::GetString(const char* subkey, const char* name, ByteString* out) {
+  const Subkey key(*this, subkey, false);
+  DataBuffer data;
+  std::uint32_t type = 0;
+  std::uint32_t size = 0;
+  if (!key.isOpen || !Read(key.handle, name, &type, &data, &size) || type != REG_SZ) return false;
+  out->Assign(data.bytes);
+  return true;
+}
+
+bool RegistryKey::SetDword(const char* subkey, const char* name, std::uint32_t value) {
+  const Subkey key(*this, subkey, createMode);
+  return key.isOpen && WriteDword(key.handle, name, value);
+}
+
+bool RegistryKey::SetString(const char* subkey, const char* name, const ByteString& value) {
+  const Subkey key(*this, subkey, createMode);
+  return key.isOpen && WriteString(key.handle, name, value);
+}
+
+bool RegistryKey::DeleteValue(const char* subkey, const char* name) {
+  const Subkey key(*this, subkey, false);
+  return key.isOpen && platform::RegDeleteValueA(key.handle, OrEmpty(name)) == ERROR_SUCCESS;
+}
+
+bool RegistryKey::EnumValues(const char* subkey, RegistryValueList* out) {
+  const Subkey key(*this, subkey, false);
+  if (!key.isOpen) return false;
+  out->Clear();
+  char name[RegistryBufferSize];
+  DataBuffer data;
+  std::uint32_t nameSize = RegistryBufferSize;
+  std::uint32_t size = RegistryBufferSize;
+  std::uint32_t index = 0;
+  do {
+    std::uint32_t type = 0;
+    const std::uint32_t result =
+        platform::RegEnumValueA(key.handle, index, name, &nameSize, &type, data.bytes, &size);
+    if (result == ERROR_NO_MORE_ITEMS) break;
+    // Kept: the sizes that a value of another kind leaves hold for the next one.
+    if (result == ERROR_SUCCESS && type != REG_DWORD && type != REG_SZ) continue;
+    if (result == ERROR_SUCCESS) {
+      data.EndAt(size);
+      RegistryValue value;
+      value.name.Assign(name);
+      value.type = type;
+      if (type == REG_SZ) {
+        value.text.Assign(data.bytes);
+      } else {
+        value.number = data.Number(size);
+      }
+      if (!out->AddTail(value)) return false;
+    }
+    nameSize = RegistryBufferSize;
+    size = RegistryBufferSize;
+  } while (++index != 0);
+  return true;
+}
+
+bool RegistryKey::EnumSubkeys(HKEY key, LinkedList<ByteString>* out) {
+  if (!isOpen) return false;
+  out->Clear();
+  char name[RegistryBufferSize];
+  std::uint32_t index = 0;
+  do {
+    const std::uint32_t result = platform::RegEnumKeyA(key, index, name, RegistryBufferSize);
+    if (result == ERROR_NO_MORE_ITEMS) break;
+    if (result == ERROR_SUCCESS && !out->AddTail(ByteString(name))) return false;
+  } while (++index != 0);
+  return true;
+}
+
+bool RegistryKey::CopyValues(RegistryKey* source) {
+  if (!isOpen || !source->isOpen) return false;
+  RegistryValueList values;
+  if (!source->EnumValues(nullptr, &values)) return false;
+  bool all = true;
+  for (const auto* node = values.head; node; node = node->next) {
+    const RegistryValue& value = *node->value;
+    const bool written = value.type == REG_SZ ? WriteString(handle, value.name.Text(), value.text)
+                                              : WriteDword(handle, value.name.Text(), value.number);
+    if (!written) all = false;
+  }
+  return all;
+}
+
+bool RegistryKey::CopyTree(RegistryKey* source) {
+  if (!isOpen || !source->isOpen) return false;
+  if (!CopyValues(source)) return false;
+  LinkedList<ByteString> names;
+  if (!EnumSubkeys(source->handle, &names)) return false;
+  bool all = true;
+  for (const auto* node = names.head; node; node = node->next) {
+    RegistryKey from(source->handle, *node->value, false);
+    RegistryKey to(handle, *node->value, true);
+    if (!to.CopyTree(&from)) all = false;
+  }
+  return all;
+}
+
+void RegistryKey::Close() {
+  if (!isOpen) return;
+  platform::RegCloseKey(handle);
+  isOpen = false;
+}
+
+}  // namespace kelvaro

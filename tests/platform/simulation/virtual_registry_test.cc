@@ -1,0 +1,202 @@
+#include "app/platform/simulation/virtual_registry.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/platform/simulation/simulation.h"
+
+namespace platform::simulation {
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(VirtualRegistry, IsTheInstalledOneOfASimulation) {
+  Simulation sim;
+  HKEY key = 0;
+  ASSERT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, "Software\\Game", &key), ERROR_SUCCESS);
+  EXPECT_EQ(platform::RegSetValueExA(key, "s", REG_SZ, "ab", 3), ERROR_SUCCESS);
+  EXPECT_EQ(sim.Registry().Text("HKCU\\Software\\Game", "s"), "ab");
+  char data[3] = {};
+  std::uint32_t type = 0;
+  std::uint32_t size = sizeof data;
+  EXPECT_EQ(platform::RegQueryValueExA(key, "s", &type, data, &size), ERROR_SUCCESS);
+  EXPECT_EQ(type, REG_SZ);
+  EXPECT_EQ(size, 3u);
+  EXPECT_STREQ(data, "ab");
+  EXPECT_EQ(platform::RegDeleteValueA(key, "s"), ERROR_SUCCESS);
+  EXPECT_EQ(platform::RegDeleteValueA(key, "s"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(platform::RegCloseKey(key), ERROR_SUCCESS);
+  EXPECT_EQ(sim.Registry().OpenHandles(), 0u);
+}
+
+TEST(VirtualRegistry, NamesAreFoundInEitherCaseAndStayAsTheyWereMade) {
+  VirtualRegistry registry;
+  HKEY key = 0;
+  HKEY same = 0;
+  ASSERT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "Software\\Game", &key), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "SOFTWARE\\game", &same), ERROR_SUCCESS);
+  EXPECT_NE(key, same);
+  EXPECT_EQ(registry.RegSetValueExA(key, "Last Device", REG_BINARY, "1", 1), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegSetValueExA(same, "LAST device", REG_BINARY, "22", 2), ERROR_SUCCESS);
+  EXPECT_EQ(registry.SubkeyNames("HKCU\\Software"), Names{"Game"});
+  EXPECT_EQ(registry.ValueNames("hkcu\\software\\game"), Names{"Last Device"});
+  EXPECT_EQ(registry.Value("HKCU\\Software\\Game", "last device")->data, "22");
+}
+
+TEST(VirtualRegistry, EmptyPartsOfAPathDoNotCount) {
+  VirtualRegistry registry;
+  HKEY key = 0;
+  HKEY again = 0;
+  ASSERT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "\\a\\\\b\\", &key), ERROR_SUCCESS);
+  EXPECT_TRUE(registry.HasKey("HKCU\\a\\b"));
+  EXPECT_EQ(registry.RegOpenKeyA(key, "", &again), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegCloseKey(again), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegSetValueExA(key, "n", REG_BINARY, "", 0), ERROR_SUCCESS);
+}
+
+TEST(VirtualRegistry, WhatIsNotThereIsNotFound) {
+  VirtualRegistry registry;
+  HKEY key = 77;
+  EXPECT_EQ(registry.RegOpenKeyA(HKEY_LOCAL_MACHINE, "missing", &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(key, 77u);
+  EXPECT_EQ(registry.RegQueryValueExA(HKEY_LOCAL_MACHINE, "v", nullptr, nullptr, nullptr),
+            ERROR_FILE_NOT_FOUND);
+}
+
+TEST(VirtualRegistry, AHandleThatIsNotOpenIsInvalid) {
+  VirtualRegistry registry;
+  HKEY key = 0;
+  ASSERT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "a", &key), ERROR_SUCCESS);
+  ASSERT_EQ(registry.RegCloseKey(key), ERROR_SUCCESS);
+  HKEY other = 0;
+  char name[8];
+  std::uint32_t nameSize = sizeof name;
+  EXPECT_EQ(registry.RegCloseKey(key), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry.RegOpenKeyA(key, "", &other), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry.RegCreateKeyA(key, "b", &other), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry.RegSetValueExA(key, "v", REG_SZ, "", 1), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry.RegDeleteValueA(key, "v"), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry.RegEnumValueA(key, 0, name, &nameSize, nullptr, nullptr, nullptr),
+            ERROR_NO_MORE_ITEMS);
+  EXPECT_EQ(registry.RegEnumKeyA(key, 0, name, sizeof name), ERROR_NO_MORE_ITEMS);
+}
+
+TEST(VirtualRegistry, TheHivesStayOpen) {
+  VirtualRegistry registry;
+  EXPECT_EQ(registry.RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
+  HKEY key = 0;
+  EXPECT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "a", &key), ERROR_SUCCESS);
+}
+
+TEST(VirtualRegistry, ABufferWithoutRoomIsMoreData) {
+  VirtualRegistry registry;
+  registry.PutValue("HKCU", "name", REG_BINARY, "12345");
+  char name[8];
+  char data[5] = {'x', 'x', 'x', 'x', 'x'};
+  std::uint32_t size = 4;
+  EXPECT_EQ(registry.RegQueryValueExA(HKEY_CURRENT_USER, "name", nullptr, data, &size),
+            ERROR_MORE_DATA);
+  EXPECT_EQ(size, 5u);
+  EXPECT_EQ(std::string(data, 5), "xxxxx");
+  EXPECT_EQ(registry.RegQueryValueExA(HKEY_CURRENT_USER, "name", nullptr, data, &size),
+            ERROR_SUCCESS);
+  EXPECT_EQ(std::string(data, 5), "12345");
+
+  std::uint32_t nameSize = 4;
+  EXPECT_EQ(
+      registry.RegEnumValueA(HKEY_CURRENT_USER, 0, name, &nameSize, nullptr, nullptr, nullptr),
+      ERROR_MORE_DATA);
+  nameSize = 5;
+  EXPECT_EQ(
+      registry.RegEnumValueA(HKEY_CURRENT_USER, 0, name, &nameSize, nullptr, nullptr, nullptr),
+      ERROR_SUCCESS);
+  EXPECT_EQ(nameSize, 4u);
+  EXPECT_EQ(
+      registry.RegEnumValueA(HKEY_CURRENT_USER, 1, name, &nameSize, nullptr, nullptr, nullptr),
+      ERROR_NO_MORE_ITEMS);
+
+  registry.PutKey("HKCU\\subkey");
+  EXPECT_EQ(registry.RegEnumKeyA(HKEY_CURRENT_USER, 0, name, 6), ERROR_MORE_DATA);
+  EXPECT_EQ(registry.RegEnumKeyA(HKEY_CURRENT_USER, 0, name, 7), ERROR_SUCCESS);
+  EXPECT_STREQ(name, "subkey");
+  EXPECT_EQ(registry.RegEnumKeyA(HKEY_CURRENT_USER, 1, name, 7), ERROR_NO_MORE_ITEMS);
+}
+
+TEST(VirtualRegistry, ANewValueComesLastAndARewrittenOneStays) {
+  VirtualRegistry registry;
+  registry.PutDword("HKCU", "a", 1);
+  registry.PutDword("HKCU", "b", 2);
+  registry.PutDword("HKCU", "a", 3);
+  EXPECT_EQ(registry.ValueNames("HKCU"), (Names{"a", "b"}));
+  EXPECT_EQ(registry.RegDeleteValueA(HKEY_CURRENT_USER, "a"), ERROR_SUCCESS);
+  registry.PutDword("HKCU", "a", 4);
+  EXPECT_EQ(registry.ValueNames("HKCU"), (Names{"b", "a"}));
+  EXPECT_EQ(registry.Number("HKCU", "a"), 4u);
+  EXPECT_EQ(registry.Text("HKCU", "a"), std::nullopt);
+}
+
+TEST(VirtualRegistry, AProtectedHiveCanBeReadOnly) {
+  VirtualRegistry registry;
+  registry.PutDword("HKLM\\Software", "n", 1);
+  registry.Protect("HKLM");
+  HKEY key = 0;
+  EXPECT_EQ(registry.RegCreateKeyA(HKEY_LOCAL_MACHINE, "Software\\new", &key), ERROR_ACCESS_DENIED);
+  ASSERT_EQ(registry.RegCreateKeyA(HKEY_LOCAL_MACHINE, "Software", &key), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegSetValueExA(key, "n", REG_SZ, "", 1), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry.RegDeleteValueA(key, "n"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry.Number("HKLM\\Software", "n"), 1u);
+  EXPECT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "Software", &key), ERROR_SUCCESS);
+}
+
+TEST(VirtualRegistry, ARemovedKeyIsGoneForItsHandlesToo) {
+  VirtualRegistry registry;
+  HKEY key = 0;
+  ASSERT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "a\\b", &key), ERROR_SUCCESS);
+  registry.RemoveKey("HKCU\\a");
+  EXPECT_EQ(registry.RegSetValueExA(key, "n", REG_SZ, "", 1), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(registry.HasKey("HKCU\\a"));
+}
+
+TEST(VirtualRegistry, EachOperationFailsByPlanAndDoesNothing) {
+  Simulation sim;
+  VirtualRegistry& registry = sim.Registry();
+  registry.PutDword("HKCU", "n", 1);
+  registry.PutKey("HKCU\\sub");
+  for (const char* operation :
+       {"RegOpenKeyA", "RegCreateKeyA", "RegCloseKey", "RegQueryValueExA", "RegSetValueExA",
+        "RegDeleteValueA", "RegEnumValueA", "RegEnumKeyA"}) {
+    sim.FailNext(operation, 1016);
+  }
+  HKEY key = 0;
+  char name[8];
+  std::uint32_t size = sizeof name;
+  EXPECT_EQ(platform::RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key), 1016u);
+  EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, "new", &key), 1016u);
+  EXPECT_EQ(platform::RegCloseKey(HKEY_CURRENT_USER), 1016u);
+  EXPECT_EQ(platform::RegQueryValueExA(HKEY_CURRENT_USER, "n", nullptr, nullptr, nullptr), 1016u);
+  EXPECT_EQ(platform::RegSetValueExA(HKEY_CURRENT_USER, "n", REG_NONE, "", 0), 1016u);
+  EXPECT_EQ(platform::RegDeleteValueA(HKEY_CURRENT_USER, "n"), 1016u);
+  EXPECT_EQ(platform::RegEnumValueA(HKEY_CURRENT_USER, 0, name, &size, nullptr, nullptr, nullptr),
+            1016u);
+  EXPECT_EQ(platform::RegEnumKeyA(HKEY_CURRENT_USER, 0, name, sizeof name), 1016u);
+  EXPECT_EQ(registry.Number("HKCU", "n"), 1u);
+  EXPECT_EQ(registry.SubkeyNames("HKCU"), Names{"sub"});
+  EXPECT_EQ(platform::RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key), ERROR_SUCCESS);
+}
+
+TEST(VirtualRegistry, CallsAreLoggedWithTheWholeKey) {
+  Simulation sim;
+  sim.LogCalls(true);
+  HKEY key = 0;
+  platform::RegCreateKeyA(HKEY_CURRENT_USER, "a", &key);
+  platform::RegSetValueExA(key, "the name", REG_SZ, "", 1);
+  platform::RegCloseKey(key);
+  platform::RegDeleteValueA(key, "the name");
+  EXPECT_EQ(sim.Calls(), (Names{"RegCreateKeyA HKCU\\a", "RegSetValueExA HKCU\\a the name",
+                                "RegCloseKey HKCU\\a", "RegDeleteValueA ? the name"}));
+}
+
+}  // namespace
+}  // namespace platform::simulation
