@@ -9,6 +9,7 @@ LinuxPlatform::LinuxPlatform() {
   groups.devices = &devices;
   groups.files = &files;
   groups.system = &system;
+  groups.registry = &registry;
   groups.desktop = &desktop;
 }
 

@@ -12,6 +12,7 @@
 #include "app/platform/linux/linux_system.h"
 #include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/linux_timers.h"
+#include "app/platform/linux/sqlite_registry.h"
 #include "app/platform/platform.h"
 
 namespace platform {
@@ -28,6 +29,9 @@ class LinuxPlatform {
   // Null until it is open.
   LinuxInput* Sender() { return input.get(); }
 
+  // For its troubles to be listened to. Touches no file before the first operation.
+  SqliteRegistry& Settings() { return registry; }
+
   // Pointers into this object.
   const Platform& Groups() const { return groups; }
 
@@ -39,6 +43,7 @@ class LinuxPlatform {
   LinuxTimers timers;  // ends its calls before what they use goes
   LinuxFiles files;
   LinuxSystem system;
+  SqliteRegistry registry;
   NoDesktop desktop;
   Platform groups;
 };

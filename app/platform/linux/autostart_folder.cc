@@ -1,0 +1,255 @@
+#include "app/platform/linux/autostart_folder.h"
+
+#include <errno.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+#include <tuple>
+#include <utility>
+
+#include "app/platform/file_pattern.h"
+#include "app/platform/linux/config_folder.h"
+
+namespace platform {
+namespace {
+
+constexpr std::string_view kPrefix = "kelvaro-";
+constexpr std::string_view kSuffix = ".desktop";
+constexpr std::size_t kLongestName = 200;  // file systems allow 255 for all of a file's name
+
+// What the entry rules want quoted in an argument, and what a backslash stands before inside
+// quotes.
+constexpr std::string_view kReserved = " \t\n\r\"'\\><~|&;$*?#()`";
+constexpr std::string_view kEscapedInQuotes = "\"`$\\";
+
+// The escapes of any text of a desktop entry.
+std::string Escaped(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      case ' ':  // one in front would be passed over
+        out += out.empty() ? "\\s" : " ";
+        break;
+      default:
+        out += c;
+    }
+  }
+  return out;
+}
+
+std::string Unescaped(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\' || i + 1 == text.size()) {
+      out += text[i];
+      continue;
+    }
+    constexpr std::string_view kCodes = "\\ntrs";
+    const std::size_t code = kCodes.find(text[++i]);
+    if (code == std::string_view::npos) {
+      out += '\\';
+      out += text[i];
+    } else {
+      out += "\\\n\t\r "[code];
+    }
+  }
+  return out;
+}
+
+// A percent sign starts a field code; a double one is itself.
+std::string WithoutFieldCodes(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    out += text[i];
+    if (text[i] == '%' && i + 1 < text.size() && text[i + 1] == '%') ++i;
+  }
+  return out;
+}
+
+bool CanBeInFileName(const std::string& name) {
+  if (name.empty() || name.size() > kLongestName) return false;
+  return std::all_of(name.begin(), name.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x20 && byte != 0x7F && byte != '/';
+  });
+}
+
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+bool WriteAll(int fd, const std::string& text) {
+  std::size_t written = 0;
+  while (written < text.size()) {
+    const ssize_t n = write(fd, text.data() + written, text.size() - written);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) return false;
+    written += static_cast<std::size_t>(n);
+  }
+  return true;
+}
+
+// Whole or not at all.
+bool WriteFile(const std::string& folder, const std::string& file, const std::string& text) {
+  std::string aside = folder + "/.kelvaro-XXXXXX";
+  const int fd = mkstemp(aside.data());
+  if (fd < 0) return false;
+  bool done = WriteAll(fd, text) && fsync(fd) == 0;
+  done = close(fd) == 0 && done;
+  done = done && rename(aside.c_str(), (folder + "/" + file).c_str()) == 0;
+  if (!done) unlink(aside.c_str());
+  return done;
+}
+
+}  // namespace
+
+std::string ExecOf(std::string_view program) {
+  std::string argument;
+  const bool quoted = program.empty() || program.find_first_of(kReserved) != std::string_view::npos;
+  if (quoted) argument += '"';
+  for (const char c : program) {
+    if (kEscapedInQuotes.find(c) != std::string_view::npos) argument += '\\';
+    if (c == '%') argument += '%';
+    argument += c;
+  }
+  if (quoted) argument += '"';
+  return Escaped(argument);
+}
+
+std::string ProgramOf(std::string_view exec) {
+  const std::string whole = Unescaped(exec);
+  if (!whole.starts_with('"')) {
+    const bool isOneArgument = whole.find_first_of(kReserved) == std::string::npos;
+    return isOneArgument ? WithoutFieldCodes(whole) : whole;
+  }
+  std::string argument;
+  for (std::size_t i = 1; i < whole.size(); ++i) {
+    if (whole[i] == '"') {
+      return i + 1 == whole.size() ? WithoutFieldCodes(argument) : whole;
+    }
+    const bool isEscape = whole[i] == '\\' && i + 1 < whole.size() &&
+                          kEscapedInQuotes.find(whole[i + 1]) != std::string_view::npos;
+    if (isEscape) ++i;
+    argument += whole[i];
+  }
+  return whole;  // the quote never ends
+}
+
+struct AutostartFolder::Entry {
+  std::string file;       // its name in the folder
+  std::string valueName;  // as its file name tells
+  bool isOurs = false;    // the entry tells the same name
+  bool isOn = true;
+  std::int64_t order = 0;
+  std::string program;
+};
+
+AutostartFolder::AutostartFolder(std::string path) : path(std::move(path)) {}
+
+std::vector<AutostartFolder::Entry> AutostartFolder::Entries() const {
+  std::vector<Entry> entries;
+  if (path.empty()) return entries;
+  std::error_code error;
+  for (std::filesystem::directory_iterator at(path, error), end; !error && at != end;
+       at.increment(error)) {
+    Entry entry;
+    entry.file = at->path().filename();
+    const std::string_view name = entry.file;
+    if (name.size() <= kPrefix.size() + kSuffix.size() || !name.starts_with(kPrefix) ||
+        !name.ends_with(kSuffix)) {
+      continue;
+    }
+    entry.valueName = name.substr(kPrefix.size(), name.size() - kPrefix.size() - kSuffix.size());
+    std::error_code noFile;
+    if (at->is_regular_file(noFile)) {
+      std::ifstream file(at->path());
+      bool inEntry = false;
+      for (std::string line; std::getline(file, line);) {
+        const std::string_view text = Trimmed(line);
+        if (text.starts_with('[')) inEntry = text == "[Desktop Entry]";
+        const std::size_t equals = text.find('=');
+        if (!inEntry || equals == std::string_view::npos) continue;
+        const std::string_view key = Trimmed(text.substr(0, equals));
+        const std::string_view value = Trimmed(text.substr(equals + 1));
+        if (key == "Exec") entry.program = ProgramOf(value);
+        if (key == "Hidden" && value == "true") entry.isOn = false;
+        if (key == "X-GNOME-Autostart-enabled" && value == "false") entry.isOn = false;
+        if (key == "X-Kelvaro-Order") {
+          entry.order = std::strtoll(std::string(value).c_str(), nullptr, 10);
+        }
+        if (key == "X-Kelvaro-Value" && SameName(Unescaped(value), entry.valueName)) {
+          entry.isOurs = true;
+        }
+      }
+    }
+    entries.push_back(std::move(entry));
+  }
+  std::sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+    return std::tie(a.order, a.file) < std::tie(b.order, b.file);
+  });
+  return entries;
+}
+
+std::vector<StoredValue> AutostartFolder::Values() const {
+  std::vector<StoredValue> values;
+  for (const Entry& entry : Entries()) {
+    if (entry.isOurs && entry.isOn) {
+      values.push_back({entry.valueName, REG_SZ, entry.program + '\0'});
+    }
+  }
+  return values;
+}
+
+std::uint32_t AutostartFolder::Write(const StoredValue& value) {
+  if (value.type != REG_SZ || !CanBeInFileName(value.name)) return ERROR_INVALID_PARAMETER;
+  if (path.empty() || !MakeFolders(path)) return ERROR_ACCESS_DENIED;
+  std::string name = value.name;
+  std::string file = std::string(kPrefix) + name + std::string(kSuffix);
+  std::int64_t last = 0;
+  std::optional<std::int64_t> own;
+  for (const Entry& entry : Entries()) {
+    last = std::max(last, entry.order);
+    if (!SameName(entry.valueName, name)) continue;
+    if (!entry.isOurs) return ERROR_ACCESS_DENIED;
+    name = entry.valueName;
+    file = entry.file;
+    if (entry.isOn) own = entry.order;
+  }
+  const std::string program = value.data.substr(0, value.data.find('\0'));
+  const std::string text = "[Desktop Entry]\nType=Application\nName=" + Escaped(name) +
+                           "\nExec=" + ExecOf(program) +
+                           "\nTerminal=false\nX-Kelvaro-Value=" + Escaped(name) +
+                           "\nX-Kelvaro-Order=" + std::to_string(own.value_or(last + 1)) + "\n";
+  return WriteFile(path, file, text) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+std::uint32_t AutostartFolder::Delete(const std::string& name) {
+  for (const Entry& entry : Entries()) {
+    if (!entry.isOurs || !entry.isOn || !SameName(entry.valueName, name)) continue;
+    return unlink((path + "/" + entry.file).c_str()) == 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+  }
+  return ERROR_FILE_NOT_FOUND;
+}
+
+}  // namespace platform

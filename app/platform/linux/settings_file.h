@@ -1,0 +1,79 @@
+// One hive of the registry: an SQLite file of keys and values. It is opened by the first operation
+// that needs it, and made by the first that writes. Several programs can use it at once; each
+// operation is a transaction, after which what was written is on the disk. Results are the
+// registry's error codes; a file that isn't there reads as an empty one.
+//
+// A user's file that is damaged, or isn't a settings file at all, is renamed to "FILE.damaged" (or
+// "FILE.damaged.2" and so on) and told of, and the settings begin anew. One thread at a time.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/platform/registry_parts.h"
+
+struct sqlite3;
+
+namespace platform {
+
+class SettingsFile {
+ public:
+  enum class Kind {
+    OfTheUser,     // with the folder it lies in made where it is missing
+    OfTheMachine,  // read alone: all writes are ERROR_ACCESS_DENIED, and it stays where it is
+  };
+  using Key = std::vector<std::string>;  // the names down to a key; none for the root, always there
+
+  // An empty path is a file that can't be there. `tell` gets a sentence for the user, once for
+  // each damaged file.
+  SettingsFile(std::string path, Kind kind, std::function<void(const std::string& text)> tell);
+  ~SettingsFile();
+  SettingsFile(const SettingsFile&) = delete;
+  SettingsFile& operator=(const SettingsFile&) = delete;
+
+  // ERROR_FILE_NOT_FOUND when the key isn't there.
+  std::uint32_t FindKey(const Key& key);
+  std::uint32_t MakeKey(const Key& key);
+  // ERROR_FILE_NOT_FOUND when the key or the value isn't there.
+  std::uint32_t Read(const Key& key, const std::string& name, StoredValue* value);
+  std::uint32_t Write(const Key& key, const StoredValue& value);
+  std::uint32_t Delete(const Key& key, const std::string& name);
+  // ERROR_NO_MORE_ITEMS behind the last.
+  std::uint32_t ValueAt(const Key& key, std::uint32_t index, StoredValue* value);
+  std::uint32_t KeyAt(const Key& key, std::uint32_t index, std::string* name);
+
+ private:
+  class Statement;
+  using Work = std::function<int()>;  // gives a result of SQLite
+
+  // Runs `work`, as a transaction if it writes. A file that turns out damaged is set aside, and
+  // `work` tried once more.
+  std::uint32_t Run(bool writes, const Work& work);
+  int RunOnce(bool writes, const Work& work);
+  // SQLITE_EMPTY: it isn't there, and wasn't to be made.
+  int Open(bool make);
+  int OpenAs(int flags, bool make);
+  // Whether what is open is a whole settings file; makes its tables when `make` allows.
+  int Check(bool make);
+  void Close();
+  // False when it stays where it is, and can't be used.
+  bool SetAside();
+  int Do(const char* sql);
+
+  // The id of a key, -1 when it isn't there.
+  int Find(const Key& key, std::int64_t* id);
+
+  const std::string path;
+  const Kind kind;
+  const std::function<void(const std::string&)> tell;
+  sqlite3* database = nullptr;
+  struct stat opened = {};    // the file that `database` is
+  struct stat unusable = {};  // the damaged file that had to stay
+  bool waitedInVain = false;  // somebody keeps it locked: no more long waits
+};
+
+}  // namespace platform

@@ -1,0 +1,632 @@
+#include "app/platform/linux/sqlite_registry.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/platform/linux/config_folder.h"
+#include "app/platform/linux/linux_platform.h"
+
+namespace platform {
+namespace {
+
+using Names = std::vector<std::string>;
+
+constexpr const char* kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr const char* kGame = "Software\\Game";
+
+// A temporary folder, and a registry that keeps all in it.
+class SqliteRegistryTest : public ::testing::Test {
+ protected:
+  SqliteRegistryTest() {
+    std::string pattern = ::testing::TempDir() + "kelvaro-registry-XXXXXX";
+    folder = mkdtemp(pattern.data());
+    places = {folder + "/config/kelvaro/settings.sqlite3", folder + "/etc/settings.sqlite3",
+              folder + "/config/autostart"};
+    Start();
+  }
+  ~SqliteRegistryTest() override {
+    registry.reset();
+    std::filesystem::remove_all(folder);
+  }
+
+  // As a program that starts.
+  void Start() { registry = Another(); }
+  std::unique_ptr<SqliteRegistry> Another() {
+    auto made = std::make_unique<SqliteRegistry>(places);
+    made->OnTrouble([this](const std::string& text) { troubles.push_back(text); });
+    return made;
+  }
+
+  static HKEY Create(SqliteRegistry& in, const char* path) {
+    HKEY key = 0;
+    EXPECT_EQ(in.RegCreateKeyA(HKEY_CURRENT_USER, path, &key), ERROR_SUCCESS);
+    return key;
+  }
+  HKEY Create(const char* path) { return Create(*registry, path); }
+  HKEY OpenRun() {
+    HKEY key = 0;
+    EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kRun, &key), ERROR_SUCCESS);
+    return key;
+  }
+
+  static std::uint32_t Put(SqliteRegistry& in, HKEY key, const std::string& name,
+                           const std::string& text) {
+    return in.RegSetValueExA(key, name, REG_SZ, text.c_str(),
+                             static_cast<std::uint32_t>(text.size() + 1));
+  }
+  std::uint32_t Put(HKEY key, const std::string& name, const std::string& text) {
+    return Put(*registry, key, name, text);
+  }
+
+  // "!CODE" for a failure; else the bytes, a terminator cut off.
+  static std::string Get(SqliteRegistry& in, HKEY key, const std::string& name) {
+    char data[20000];
+    std::uint32_t size = sizeof data;
+    const std::uint32_t result = in.RegQueryValueExA(key, name, nullptr, data, &size);
+    if (result != ERROR_SUCCESS) return "!" + std::to_string(result);
+    std::string text(data, size);
+    if (text.ends_with('\0')) text.pop_back();
+    return text;
+  }
+  std::string Get(HKEY key, const std::string& name) { return Get(*registry, key, name); }
+  // The same in a key that is opened for it.
+  std::string GetIn(SqliteRegistry& in, const char* path, const std::string& name) {
+    HKEY key = 0;
+    if (const std::uint32_t error = in.RegOpenKeyA(HKEY_CURRENT_USER, path, &key)) {
+      return "!" + std::to_string(error);
+    }
+    return Get(in, key, name);
+  }
+
+  Names ValueNames(HKEY key) {
+    Names names;
+    char name[300];
+    for (std::uint32_t index = 0;; ++index) {
+      std::uint32_t size = sizeof name;
+      if (registry->RegEnumValueA(key, index, name, &size, nullptr, nullptr, nullptr) != 0) break;
+      names.emplace_back(name);
+    }
+    return names;
+  }
+  Names SubkeyNames(HKEY key) {
+    Names names;
+    char name[300];
+    while (registry->RegEnumKeyA(key, static_cast<std::uint32_t>(names.size()), name,
+                                 sizeof name) == 0) {
+      names.emplace_back(name);
+    }
+    return names;
+  }
+
+  static std::string Bytes(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  static void PutFile(const std::string& path, const std::string& bytes) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+  }
+  Names FilesIn(const std::string& path) {
+    Names names;
+    if (!std::filesystem::exists(path)) return names;
+    for (const auto& entry : std::filesystem::directory_iterator(path)) {
+      names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  std::string Autostart(const std::string& file) {
+    return Bytes(places.autostartFolder + "/" + file);
+  }
+
+  std::string folder;
+  RegistryPlaces places;
+  std::unique_ptr<SqliteRegistry> registry;
+  Names troubles;
+};
+
+TEST_F(SqliteRegistryTest, ReadsMakeNoFile) {
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Get(HKEY_CURRENT_USER, "n"), "!2");
+  EXPECT_EQ(registry->RegDeleteValueA(HKEY_CURRENT_USER, "n"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(SubkeyNames(HKEY_CURRENT_USER), Names{});
+  EXPECT_EQ(ValueNames(OpenRun()), Names{});
+  EXPECT_EQ(FilesIn(folder), Names{});
+}
+
+TEST_F(SqliteRegistryTest, TheFirstWriteMakesTheFileInAFolderOfTheOwnersOwn) {
+  Create(kGame);
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+  struct stat status = {};
+  ASSERT_EQ(stat((folder + "/config/kelvaro").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700u);
+  EXPECT_EQ(FilesIn(folder), Names{"config"});
+}
+
+TEST_F(SqliteRegistryTest, AnyKindOfValueIsKeptWithItsBytes) {
+  const struct {
+    std::uint32_t type;
+    std::string data;
+  } values[] = {{REG_SZ, std::string("text\0", 5)},
+                {REG_SZ, "no terminator"},
+                {REG_EXPAND_SZ, std::string("%X%\0", 4)},
+                {REG_BINARY, std::string("\0\xFF\x80\0", 4)},
+                {REG_DWORD, "\x01\x02\x03\x04"},
+                {REG_MULTI_SZ, std::string("a\0b\0\0", 5)},
+                {REG_QWORD, "12345678"},
+                {REG_NONE, ""},
+                {0xFFFFFFFFu, "x"}};
+  HKEY key = Create(kGame);
+  int n = 0;
+  for (const auto& value : values) {
+    EXPECT_EQ(registry->RegSetValueExA(key, std::to_string(n++), value.type, value.data.data(),
+                                       static_cast<std::uint32_t>(value.data.size())),
+              ERROR_SUCCESS);
+  }
+  Start();
+  key = Create(kGame);
+  n = 0;
+  for (const auto& value : values) {
+    char data[20];
+    std::uint32_t size = sizeof data;
+    std::uint32_t type = 77;
+    ASSERT_EQ(registry->RegQueryValueExA(key, std::to_string(n++), &type, data, &size),
+              ERROR_SUCCESS);
+    EXPECT_EQ(type, value.type);
+    EXPECT_EQ(std::string(data, size), value.data);
+  }
+}
+
+TEST_F(SqliteRegistryTest, NamesAreFoundInEitherCaseAndStayAsTheyWereMade) {
+  const HKEY key = Create("Software\\Game\\Pad \xE9");
+  EXPECT_EQ(Put(key, "Last Device", "1"), ERROR_SUCCESS);
+  const HKEY same = Create("SOFTWARE\\gAME\\pad \xE9");
+  EXPECT_EQ(Put(same, "LAST DEVICE", "2"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(key, "last device"), "2");
+  EXPECT_EQ(ValueNames(key), Names{"Last Device"});
+  EXPECT_EQ(SubkeyNames(HKEY_CURRENT_USER), Names{"Software"});
+  EXPECT_EQ(SubkeyNames(Create(kGame)), Names{"Pad \xE9"});
+  EXPECT_EQ(registry->RegDeleteValueA(key, "lAST dEVICE"), ERROR_SUCCESS);
+  EXPECT_EQ(ValueNames(key), Names{});
+}
+
+TEST_F(SqliteRegistryTest, EnumerationGoesInTheOrderOfMaking) {
+  const HKEY key = Create(kGame);
+  for (const char* name : {"z", "a", "m"}) Put(key, name, "1");
+  Put(key, "a", "again");
+  EXPECT_EQ(ValueNames(key), (Names{"z", "a", "m"}));
+  EXPECT_EQ(registry->RegDeleteValueA(key, "z"), ERROR_SUCCESS);
+  Put(key, "z", "anew");
+  EXPECT_EQ(ValueNames(key), (Names{"a", "m", "z"}));
+  for (const char* path : {"Software\\Game\\z", "Software\\Game\\a"}) Create(path);
+  Start();
+  EXPECT_EQ(SubkeyNames(Create(kGame)), (Names{"z", "a"}));
+  EXPECT_EQ(ValueNames(Create(kGame)), (Names{"a", "m", "z"}));
+}
+
+TEST_F(SqliteRegistryTest, HandlesThatAreNotOpenAreInvalid) {
+  const HKEY key = Create(kGame);
+  EXPECT_EQ(registry->RegCloseKey(key), ERROR_SUCCESS);
+  EXPECT_EQ(registry->RegCloseKey(key), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry->RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
+  HKEY other = 0;
+  EXPECT_EQ(registry->RegOpenKeyA(key, "", &other), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry->RegCreateKeyA(key, "x", &other), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(Put(key, "n", "1"), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(Get(key, "n"), "!6");
+  EXPECT_EQ(registry->RegDeleteValueA(key, "n"), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(ValueNames(key), Names{});
+  EXPECT_EQ(SubkeyNames(key), Names{});
+}
+
+TEST_F(SqliteRegistryTest, TheMachinesHiveIsReadAlone) {
+  // A user's file, put in the other place.
+  Put(Create(kGame), "n", "of the machine");
+  registry.reset();
+  std::filesystem::create_directories(folder + "/etc");
+  std::filesystem::rename(places.userFile, places.machineFile);
+  Start();
+  HKEY key = 0;
+  ASSERT_EQ(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
+  EXPECT_EQ(Get(key, "n"), "of the machine");
+  EXPECT_EQ(ValueNames(key), Names{"n"});
+  EXPECT_EQ(Put(key, "n", "other"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegDeleteValueA(key, "n"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_LOCAL_MACHINE, "Software\\New", &key),
+            ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
+}
+
+TEST_F(SqliteRegistryTest, TwoInstancesSeeWhatTheOtherWrote) {
+  const auto second = Another();
+  const HKEY mine = Create(*registry, kGame);
+  const HKEY theirs = Create(*second, kGame);
+  EXPECT_EQ(Put(*registry, mine, "a", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(Put(*second, theirs, "b", "2"), ERROR_SUCCESS);
+  EXPECT_EQ(Put(*second, theirs, "A", "3"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(*registry, mine, "a"), "3");
+  EXPECT_EQ(ValueNames(mine), (Names{"a", "b"}));
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, ManyProgramsWriteAtOnceAndLoseNothing) {
+  constexpr int kPrograms = 4;
+  constexpr int kValues = 10;
+  std::vector<pid_t> children;
+  for (int program = 0; program < kPrograms; ++program) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      // All of them make the file, too.
+      SqliteRegistry own(places);
+      HKEY key = 0;
+      if (own.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key) != ERROR_SUCCESS) _exit(1);
+      for (int n = 0; n < kValues; ++n) {
+        const std::string name = std::to_string(program) + "-" + std::to_string(n);
+        if (own.RegSetValueExA(key, name, REG_SZ, "x", 2) != ERROR_SUCCESS) _exit(2);
+      }
+      _exit(0);
+    }
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_EQ(ValueNames(Create(kGame)).size(), static_cast<std::size_t>(kPrograms * kValues));
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+}
+
+TEST_F(SqliteRegistryTest, AFileThatIsNoneIsSetAsideAndTold) {
+  PutFile(places.userFile, std::string(5000, 'x'));
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3.damaged"});
+  EXPECT_EQ(Bytes(places.userFile + ".damaged"), std::string(5000, 'x'));
+  EXPECT_EQ(troubles,
+            Names{"The settings file " + places.userFile + " is damaged. It has been renamed to " +
+                  places.userFile + ".damaged, and the settings start afresh."});
+  EXPECT_EQ(Put(Create(kGame), "n", "new"), ERROR_SUCCESS);
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "new");
+  EXPECT_EQ(troubles.size(), 1u);
+}
+
+TEST_F(SqliteRegistryTest, AnEarlierDamagedFileIsKept) {
+  PutFile(places.userFile + ".damaged", "first");
+  PutFile(places.userFile, "second");
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(Bytes(places.userFile + ".damaged"), "first");
+  EXPECT_EQ(Bytes(places.userFile + ".damaged.2"), "second");
+}
+
+TEST_F(SqliteRegistryTest, AFileWithDamageInsideIsSetAside) {
+  HKEY key = Create(kGame);
+  for (int n = 0; n < 100; ++n) Put(key, std::to_string(n), std::string(200, 'x'));
+  registry.reset();
+  std::string bytes = Bytes(places.userFile);
+  ASSERT_GT(bytes.size(), 5 * 4096u);
+  std::fill(bytes.begin() + 4096, bytes.end(), '\xA5');
+  PutFile(places.userFile, bytes);
+  Start();
+  EXPECT_EQ(GetIn(*registry, kGame, "1"), "!2");
+  EXPECT_EQ(Bytes(places.userFile + ".damaged"), bytes);
+  EXPECT_EQ(troubles.size(), 1u);
+}
+
+TEST_F(SqliteRegistryTest, ATruncatedFileIsSetAside) {
+  HKEY key = Create(kGame);
+  for (int n = 0; n < 60; ++n) Put(key, std::to_string(n), std::string(200, 'x'));
+  registry.reset();
+  const std::string bytes = Bytes(places.userFile);
+  // A single byte counts as an empty file.
+  for (std::size_t size = 2; size < bytes.size(); size += 1371) {
+    SCOPED_TRACE(size);
+    std::filesystem::remove(places.userFile + ".damaged");
+    PutFile(places.userFile, bytes.substr(0, size));
+    troubles.clear();
+    Start();
+    EXPECT_EQ(GetIn(*registry, kGame, "1"), "!2");
+    EXPECT_EQ(troubles.size(), 1u);
+    EXPECT_EQ(Bytes(places.userFile + ".damaged").size(), size);
+  }
+}
+
+TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsSetAside) {
+  std::filesystem::create_directories(folder + "/config/kelvaro");
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "CREATE TABLE key (x)", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(other);
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"),
+            (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+}
+
+TEST_F(SqliteRegistryTest, ALaterProgramsFileIsNeitherReadNorLost) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  sqlite3* later = nullptr;
+  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &later), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(later, "PRAGMA user_version = 2", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3_close(later);
+  const std::string bytes = Bytes(places.userFile);
+  Start();
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Bytes(places.userFile), bytes);
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+}
+
+TEST_F(SqliteRegistryTest, AnEmptyFileIsFilled) {
+  PutFile(places.userFile, "");
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(GetIn(*Another(), kGame, "n"), "1");
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, TheMachinesDamagedFileStaysAndIsToldOnce) {
+  PutFile(places.machineFile, "damaged");
+  HKEY key = 0;
+  EXPECT_NE(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
+  EXPECT_NE(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
+  EXPECT_EQ(SubkeyNames(HKEY_LOCAL_MACHINE), Names{});
+  EXPECT_EQ(Bytes(places.machineFile), "damaged");
+  EXPECT_EQ(troubles, Names{"The settings file " + places.machineFile +
+                            " is damaged. Its settings are not used."});
+}
+
+TEST_F(SqliteRegistryTest, TroublesBeforeTheListenerAreToldThen) {
+  PutFile(places.userFile, "damaged");
+  SqliteRegistry own(places);
+  EXPECT_EQ(GetIn(own, kGame, "n"), "!2");
+  Names heard;
+  own.OnTrouble([&](const std::string& text) { heard.push_back(text); });
+  EXPECT_EQ(heard.size(), 1u);
+  own.OnTrouble([&](const std::string& text) { heard.push_back(text); });
+  EXPECT_EQ(heard.size(), 1u);
+}
+
+TEST_F(SqliteRegistryTest, AReadOnlyFileIsReadAndStaysAsItIs) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  const std::string bytes = Bytes(places.userFile);
+  ASSERT_EQ(chmod(places.userFile.c_str(), 0400), 0);
+  Start();
+  HKEY key = 0;
+  ASSERT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
+  EXPECT_EQ(Get(key, "n"), "1");
+  EXPECT_EQ(Put(key, "n", "2"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegDeleteValueA(key, "n"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Bytes(places.userFile), bytes);
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, ALockedFileIsBusyAndNoDamage) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  Start();
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, "New", &key), ERROR_BUSY);
+  EXPECT_EQ(SubkeyNames(HKEY_CURRENT_USER), Names{});
+  sqlite3_close(other);
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, APlaceThatIsNoFileCanNotBeWritten) {
+  std::filesystem::create_directories(places.userFile);
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
+  SqliteRegistry nowhere(RegistryPlaces{});
+  EXPECT_EQ(nowhere.RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(nowhere.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
+  ASSERT_EQ(nowhere.RegOpenKeyA(HKEY_CURRENT_USER, kRun, &key), ERROR_SUCCESS);
+  EXPECT_EQ(Put(nowhere, key, "Kelvaro", "/x"), ERROR_ACCESS_DENIED);
+}
+
+TEST_F(SqliteRegistryTest, AFileThatIsTakenAwayIsLeftForTheNewOne) {
+  const HKEY key = Create(kGame);
+  Put(key, "n", "1");
+  std::filesystem::rename(places.userFile, folder + "/elsewhere");
+  EXPECT_EQ(Get(key, "n"), "!2");
+  EXPECT_EQ(Put(Create(kGame), "n", "2"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(key, "n"), "2");
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+}
+
+TEST_F(SqliteRegistryTest, LaunchAtLoginIsAnAutostartEntry) {
+  EXPECT_EQ(Put(OpenRun(), "Kelvaro", "/opt/games/kelvaro"), ERROR_SUCCESS);
+  EXPECT_EQ(FilesIn(places.autostartFolder), Names{"kelvaro-Kelvaro.desktop"});
+  EXPECT_EQ(Autostart("kelvaro-Kelvaro.desktop"),
+            "[Desktop Entry]\n"
+            "Type=Application\n"
+            "Name=Kelvaro\n"
+            "Exec=/opt/games/kelvaro\n"
+            "Terminal=false\n"
+            "X-Kelvaro-Value=Kelvaro\n"
+            "X-Kelvaro-Order=1\n");
+  EXPECT_FALSE(std::filesystem::exists(places.userFile));
+  Start();
+  std::uint32_t type = 0;
+  std::uint32_t size = 0;
+  EXPECT_EQ(registry->RegQueryValueExA(OpenRun(), "kelvaro", &type, nullptr, &size), ERROR_SUCCESS);
+  EXPECT_EQ(type, REG_SZ);
+  EXPECT_EQ(size, 19u);
+  EXPECT_EQ(Get(OpenRun(), "KELVARO"), "/opt/games/kelvaro");
+  EXPECT_EQ(registry->RegDeleteValueA(OpenRun(), "kelvaro"), ERROR_SUCCESS);
+  EXPECT_EQ(registry->RegDeleteValueA(OpenRun(), "kelvaro"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(FilesIn(places.autostartFolder), Names{});
+}
+
+TEST_F(SqliteRegistryTest, TheRunKeyIsReachedByAnyWay) {
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kRun, &key), ERROR_SUCCESS);
+  const HKEY upper = Create("SOFTWARE\\Microsoft");
+  ASSERT_EQ(registry->RegCreateKeyA(upper, "windows\\currentversion\\run", &key), ERROR_SUCCESS);
+  EXPECT_EQ(Put(key, "Kelvaro", "/x"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(OpenRun(), "Kelvaro"), "/x");
+  EXPECT_EQ(SubkeyNames(OpenRun()), Names{});
+  EXPECT_EQ(registry->RegOpenKeyA(key, "below", &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(registry->RegCreateKeyA(key, "below", &key), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kRun, &key), ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(SqliteRegistryTest, AutostartValuesKeepTheirOrderAndPlace) {
+  const HKEY run = OpenRun();
+  for (const char* name : {"z", "a", "m"}) EXPECT_EQ(Put(run, name, "/1"), ERROR_SUCCESS);
+  EXPECT_EQ(Put(run, "Z", "/2"), ERROR_SUCCESS);
+  EXPECT_EQ(ValueNames(run), (Names{"z", "a", "m"}));
+  EXPECT_EQ(Get(run, "z"), "/2");
+  registry->RegDeleteValueA(run, "z");
+  Put(run, "z", "/3");
+  EXPECT_EQ(ValueNames(run), (Names{"a", "m", "z"}));
+}
+
+TEST_F(SqliteRegistryTest, OtherProgramsEntriesAreNotTouched) {
+  const std::string foreign = "[Desktop Entry]\nType=Application\nExec=/usr/bin/other\n";
+  PutFile(places.autostartFolder + "/other.desktop", foreign);
+  PutFile(places.autostartFolder + "/kelvaro-Foreign.desktop", foreign);
+  PutFile(places.autostartFolder + "/kelvaro-Copy.desktop", foreign + "X-Kelvaro-Value=Original\n");
+  const HKEY run = OpenRun();
+  EXPECT_EQ(ValueNames(run), Names{});
+  for (const char* name : {"Foreign", "Copy"}) {
+    EXPECT_EQ(Get(run, name), "!2");
+    EXPECT_EQ(Put(run, name, "/x"), ERROR_ACCESS_DENIED);
+    EXPECT_EQ(registry->RegDeleteValueA(run, name), ERROR_FILE_NOT_FOUND);
+  }
+  EXPECT_EQ(Put(run, "other", "/x"), ERROR_SUCCESS);
+  EXPECT_EQ(Autostart("other.desktop"), foreign);
+  EXPECT_EQ(Autostart("kelvaro-Foreign.desktop"), foreign);
+  EXPECT_EQ(FilesIn(places.autostartFolder),
+            (Names{"kelvaro-Copy.desktop", "kelvaro-Foreign.desktop", "kelvaro-other.desktop",
+                   "other.desktop"}));
+}
+
+TEST_F(SqliteRegistryTest, AnEntryThatWasSwitchedOffIsNotThereUntilItIsWritten) {
+  const HKEY run = OpenRun();
+  for (const char* off : {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n"}) {
+    Put(run, "Kelvaro", "/x");
+    PutFile(places.autostartFolder + "/kelvaro-Kelvaro.desktop",
+            Autostart("kelvaro-Kelvaro.desktop") + off);
+    EXPECT_EQ(Get(run, "Kelvaro"), "!2") << off;
+    EXPECT_EQ(ValueNames(run), Names{}) << off;
+    EXPECT_EQ(Put(run, "Kelvaro", "/y"), ERROR_SUCCESS);
+    EXPECT_EQ(Get(run, "Kelvaro"), "/y") << off;
+  }
+}
+
+TEST_F(SqliteRegistryTest, OnlyStringsWithNamesForAFileCanStartAtLogin) {
+  const HKEY run = OpenRun();
+  EXPECT_EQ(registry->RegSetValueExA(run, "n", REG_DWORD, "1234", 4), ERROR_INVALID_PARAMETER);
+  for (const std::string& name :
+       {std::string(), std::string("a/b"), std::string("a\nb"), std::string(201, 'x')}) {
+    EXPECT_EQ(Put(run, name, "/x"), ERROR_INVALID_PARAMETER) << name;
+  }
+  EXPECT_EQ(FilesIn(places.autostartFolder), Names{});
+  const std::string longest(200, 'x');
+  for (const std::string& name : {std::string(" a b\\c"), std::string("..."), longest}) {
+    EXPECT_EQ(Put(run, name, "/x"), ERROR_SUCCESS) << name;
+    EXPECT_EQ(Get(run, name), "/x") << name;
+  }
+}
+
+TEST(AutostartEntry, ProgramsAreQuotedByTheEntryRules) {
+  const struct {
+    std::string program;
+    std::string exec;
+  } rows[] = {
+      {"/usr/bin/kelvaro", "/usr/bin/kelvaro"},
+      {"/home/a b/kelvaro", "\"/home/a b/kelvaro\""},
+      {"/a\"b", R"("/a\\"b")"},
+      {"/a$b", R"("/a\\$b")"},
+      {"/a`b", R"("/a\\`b")"},
+      {"/a\\b", R"("/a\\\\b")"},
+      {"/a%b", "/a%%b"},
+      {"/a %f", "\"/a %%f\""},
+      {"/a%%", "/a%%%%"},
+      {"/a\nb\tc", R"("/a\nb\tc")"},
+      {"/it's", "\"/it's\""},
+      {"/caf\xC3\xA9", "/caf\xC3\xA9"},
+      {" /x ", "\" /x \""},
+      {"", "\"\""},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(ExecOf(row.program), row.exec);
+    EXPECT_EQ(ProgramOf(row.exec), row.program);
+  }
+}
+
+TEST(AutostartEntry, AnExecWithArgumentsReadsAsItStands) {
+  for (const char* exec : {"/usr/bin/kelvaro --x", "\"/a b\" --x", "\"/never ends", "'/a b'"}) {
+    EXPECT_EQ(ProgramOf(exec), exec);
+  }
+}
+
+// The variables of the environment, as they were afterwards.
+class ConfigFolderTest : public ::testing::Test {
+ protected:
+  ConfigFolderTest() {
+    for (const char* name : {"XDG_CONFIG_HOME", "HOME"}) {
+      const char* value = getenv(name);
+      before.emplace_back(name, value ? value : "");
+    }
+  }
+  ~ConfigFolderTest() override {
+    for (const auto& [name, value] : before) setenv(name.c_str(), value.c_str(), 1);
+  }
+  std::vector<std::pair<std::string, std::string>> before;
+};
+
+TEST_F(ConfigFolderTest, FollowsTheEnvironment) {
+  setenv("HOME", "/home/player", 1);
+  setenv("XDG_CONFIG_HOME", "/somewhere/config", 1);
+  EXPECT_EQ(ConfigFolder(), "/somewhere/config");
+  EXPECT_EQ(UsualRegistryPlaces().userFile, "/somewhere/config/kelvaro/settings.sqlite3");
+  EXPECT_EQ(UsualRegistryPlaces().autostartFolder, "/somewhere/config/autostart");
+  EXPECT_EQ(UsualRegistryPlaces().machineFile, "/etc/kelvaro/settings.sqlite3");
+  for (const char* ignored : {"", "relative/config"}) {
+    setenv("XDG_CONFIG_HOME", ignored, 1);
+    EXPECT_EQ(ConfigFolder(), "/home/player/.config");
+  }
+  unsetenv("XDG_CONFIG_HOME");
+  EXPECT_EQ(ConfigFolder(), "/home/player/.config");
+}
+
+TEST_F(ConfigFolderTest, APlatformTouchesNothingBeforeTheFirstOperation) {
+  std::string pattern = ::testing::TempDir() + "kelvaro-config-XXXXXX";
+  const std::string folder = mkdtemp(pattern.data());
+  setenv("XDG_CONFIG_HOME", (folder + "/config").c_str(), 1);
+  {
+    LinuxPlatform linuxPlatform;
+    const InstalledPlatform installed(linuxPlatform.Groups());
+    EXPECT_FALSE(std::filesystem::exists(folder + "/config"));
+    HKEY key = 0;
+    EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
+    EXPECT_TRUE(std::filesystem::exists(folder + "/config/kelvaro/settings.sqlite3"));
+  }
+  std::filesystem::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace platform
