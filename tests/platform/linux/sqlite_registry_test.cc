@@ -346,6 +346,33 @@ TEST_F(SqliteRegistryTest, ATruncatedFileIsSetAside) {
   }
 }
 
+TEST_F(SqliteRegistryTest, OneOfTwoInstancesSetsAsideAndTheOtherFollows) {
+  const auto second = Another();
+  const HKEY mine = Create(*registry, kGame);
+  const HKEY theirs = Create(*second, kGame);
+  Put(*registry, mine, "n", "lost");
+  EXPECT_EQ(Get(*second, theirs, "n"), "lost");
+  PutFile(places.userFile, std::string(20000, 'x'));  // beneath both
+  EXPECT_EQ(Put(*registry, Create(*registry, kGame), "n", "new"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(*second, theirs, "n"), "new");
+  EXPECT_EQ(Put(*second, theirs, "m", "too"), ERROR_SUCCESS);
+  EXPECT_EQ(Get(*registry, mine, "m"), "too");
+  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"),
+            (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+  EXPECT_EQ(troubles.size(), 1u);
+}
+
+TEST_F(SqliteRegistryTest, AJournalGoesAsideWithItsFile) {
+  PutFile(places.userFile, std::string(5000, 'x'));
+  // One that is over, by its first byte: SQLite would end any other when it looks at the file.
+  PutFile(places.userFile + "-journal", std::string(600, '\0'));
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(
+      FilesIn(folder + "/config/kelvaro"),
+      (Names{"settings.sqlite3", "settings.sqlite3.damaged", "settings.sqlite3.damaged-journal"}));
+  EXPECT_EQ(GetIn(*Another(), kGame, "n"), "1");
+}
+
 TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsSetAside) {
   std::filesystem::create_directories(folder + "/config/kelvaro");
   sqlite3* other = nullptr;
