@@ -1,5 +1,6 @@
-// Linux behind the seam: owns one object for each group of operations. A program makes one at its
-// start, opens what it needs, and installs Groups().
+// Linux behind the seam: owns one object for each group of operations but the registry, which a
+// program with settings adds (settings/sqlite_registry.h). A program makes one at its start, opens
+// what it needs, and installs Groups().
 #pragma once
 
 #include <memory>
@@ -12,7 +13,6 @@
 #include "app/platform/linux/linux_system.h"
 #include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/linux_timers.h"
-#include "app/platform/linux/sqlite_registry.h"
 #include "app/platform/platform.h"
 
 namespace platform {
@@ -29,9 +29,6 @@ class LinuxPlatform {
   // Null until it is open.
   LinuxInput* Sender() { return input.get(); }
 
-  // For its troubles to be listened to. Touches no file before the first operation.
-  SqliteRegistry& Settings() { return registry; }
-
   // Pointers into this object.
   const Platform& Groups() const { return groups; }
 
@@ -43,7 +40,6 @@ class LinuxPlatform {
   LinuxTimers timers;  // ends its calls before what they use goes
   LinuxFiles files;
   LinuxSystem system;
-  SqliteRegistry registry;
   NoDesktop desktop;
   Platform groups;
 };

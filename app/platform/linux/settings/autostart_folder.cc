@@ -1,4 +1,4 @@
-#include "app/platform/linux/autostart_folder.h"
+#include "app/platform/linux/settings/autostart_folder.h"
 
 #include <errno.h>
 #include <stdio.h>
@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "app/platform/file_pattern.h"
-#include "app/platform/linux/config_folder.h"
+#include "app/platform/linux/settings/config_folder.h"
 
 namespace platform {
 namespace {

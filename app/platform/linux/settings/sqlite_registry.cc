@@ -1,10 +1,10 @@
-#include "app/platform/linux/sqlite_registry.h"
+#include "app/platform/linux/settings/sqlite_registry.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "app/platform/file_pattern.h"
-#include "app/platform/linux/config_folder.h"
+#include "app/platform/linux/settings/config_folder.h"
 
 namespace platform {
 namespace {

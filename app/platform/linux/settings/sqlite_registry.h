@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "app/platform/linux/autostart_folder.h"
-#include "app/platform/linux/settings_file.h"
+#include "app/platform/linux/settings/autostart_folder.h"
+#include "app/platform/linux/settings/settings_file.h"
 #include "app/platform/registry.h"
 
 namespace platform {

@@ -1,4 +1,4 @@
-#include "app/platform/linux/sqlite_registry.h"
+#include "app/platform/linux/settings/sqlite_registry.h"
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "app/platform/linux/config_folder.h"
 #include "app/platform/linux/linux_platform.h"
+#include "app/platform/linux/settings/config_folder.h"
 
 namespace platform {
 namespace {
@@ -640,13 +640,16 @@ TEST_F(ConfigFolderTest, FollowsTheEnvironment) {
   EXPECT_EQ(ConfigFolder(), "/home/player/.config");
 }
 
-TEST_F(ConfigFolderTest, APlatformTouchesNothingBeforeTheFirstOperation) {
+TEST_F(ConfigFolderTest, NothingIsTouchedBeforeTheFirstOperation) {
   std::string pattern = ::testing::TempDir() + "kelvaro-config-XXXXXX";
   const std::string folder = mkdtemp(pattern.data());
   setenv("XDG_CONFIG_HOME", (folder + "/config").c_str(), 1);
   {
     LinuxPlatform linuxPlatform;
-    const InstalledPlatform installed(linuxPlatform.Groups());
+    SqliteRegistry settings;
+    Platform groups = linuxPlatform.Groups();
+    groups.registry = &settings;
+    const InstalledPlatform installed(groups);
     EXPECT_FALSE(std::filesystem::exists(folder + "/config"));
     HKEY key = 0;
     EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);

@@ -1,4 +1,4 @@
-#include "app/platform/linux/settings_file.h"
+#include "app/platform/linux/settings/settings_file.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "app/platform/linux/config_folder.h"
+#include "app/platform/linux/settings/config_folder.h"
 
 namespace platform {
 namespace {
