@@ -138,7 +138,7 @@ std::string ExecOf(std::string_view program) {
 }
 
 std::string ProgramOf(std::string_view exec) {
-  const std::string whole = Unescaped(exec);
+  std::string whole = Unescaped(exec);
   if (!whole.starts_with('"')) {
     const bool isOneArgument = whole.find_first_of(kReserved) == std::string::npos;
     return isOneArgument ? WithoutFieldCodes(whole) : whole;

@@ -30,7 +30,7 @@ RegistryPlaces UsualRegistryPlaces() {
   return places;
 }
 
-SqliteRegistry::SqliteRegistry(RegistryPlaces places)
+SqliteRegistry::SqliteRegistry(const RegistryPlaces& places)
     : user(places.userFile, SettingsFile::Kind::OfTheUser,
            [this](const std::string& text) { Tell(text); }),
       machine(places.machineFile, SettingsFile::Kind::OfTheMachine,

@@ -30,7 +30,7 @@ RegistryPlaces UsualRegistryPlaces();
 
 class SqliteRegistry final : public Registry {
  public:
-  explicit SqliteRegistry(RegistryPlaces places = UsualRegistryPlaces());
+  explicit SqliteRegistry(const RegistryPlaces& places = UsualRegistryPlaces());
 
   // Told what a user should know, once each: a settings file was damaged, and where it is now. On
   // the thread of the operation that met it; must not use the registry. What came before the
