@@ -53,6 +53,15 @@ struct Choice {
   std::function<int(Streams)> command;
 };
 
+// Has `command`, once it is chosen, run with its options.
+template <typename Options>
+void Choose(CLI::App* command, Choice& choice, const Options& options,
+            int (*run)(const Options&, Streams)) {
+  command->callback([&choice, &options, run] {
+    choice.command = [&options, run](Streams streams) { return run(options, streams); };
+  });
+}
+
 void AddKeys(CLI::App& app, Choice& choice) {
   CLI::App* keys = app.add_subcommand("keys", "Read a key text, or write one from its steps");
   keys->footer(
@@ -93,54 +102,41 @@ void AddPlay(CLI::App& app, Choice& choice) {
   AddMilliseconds(play, "--release-after", &choice.play.releaseAfter, kMostHold,
                   "ms until what is still down is let go (0)");
   play->add_flag("--json", choice.play.json, kJsonHelp);
-  play->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return PlayCommand(choice.play, streams); };
-  });
+  Choose(play, choice, choice.play, &PlayCommand);
 }
 
 void AddProfiles(CLI::App& app, Choice& choice) {
   CLI::App* profiles = app.add_subcommand("profiles", "List the stored profiles and their files");
   profiles->footer(
-      "Profiles are stored in the folder Profiles beside the program, and go by the name inside "
-      "the\n"
-      "file. With --json: name and file.");
+      "Profiles are stored in the folder Profiles beside the program, and go by the name inside\n"
+      "the file. With --json: name and file.");
   profiles->add_flag("--json", choice.profiles.json, kJsonHelp);
-  profiles->callback([&choice] {
-    choice.command = [&choice](Streams streams) {
-      return ProfilesCommand(choice.profiles, streams);
-    };
-  });
+  Choose(profiles, choice, choice.profiles, &ProfilesCommand);
 }
 
 void AddShow(CLI::App& app, Choice& choice) {
   CLI::App* show = app.add_subcommand("show", "Print a profile");
   show->footer(
-      "A line for each Control: its number, its inputs, its keys, its description. With --json "
-      "the\n"
-      "whole profile on one line, as `kelvaroctl pack` takes it.");
+      "A line for each Control: its number, its inputs, its keys, its description. With --json\n"
+      "the whole profile on one line, as `kelvaroctl pack` takes it.");
   show->add_option("PROFILE", choice.show.profile, kProfileHelp)
       ->option_text("FILE|NAME")
       ->required();
   show->add_flag("--json", choice.show.json, kJsonHelp);
-  show->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return ShowCommand(choice.show, streams); };
-  });
+  Choose(show, choice, choice.show, &ShowCommand);
 }
 
 void AddPack(CLI::App& app, Choice& choice) {
   CLI::App* pack = app.add_subcommand("pack", "Make a profile file of a profile in JSON");
   pack->footer(
-      "Members left out have their defaults, triggerText is ignored, and an action without steps "
-      "is\n"
-      "made of its text. OUT appears whole or not at all.");
+      "Members left out have their defaults, triggerText is ignored, and an action without steps\n"
+      "is made of its text. OUT appears whole or not at all.");
   pack->add_option("IN", choice.pack.in,
                    "the profile in JSON, as `kelvaroctl show --json` prints "
                    "it; - for standard input")
       ->required();
   pack->add_option("OUT", choice.pack.out, "the file to make, such as walk.idprof")->required();
-  pack->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return PackCommand(choice.pack, streams); };
-  });
+  Choose(pack, choice, choice.pack, &PackCommand);
 }
 
 void AddCheck(CLI::App& app, Choice& choice) {
@@ -148,24 +144,18 @@ void AddCheck(CLI::App& app, Choice& choice) {
       app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
   check->footer(
       "Says of each file whether it loads, what it lacks or holds that a load passes over, and\n"
-      "which Controls can never fire. Exit status 1 when one of the files doesn't load. With "
-      "--json:\n"
-      "file, loads, error, profileName, controls (how many were read), and findings, each with "
-      "its\n"
-      "kind (damage, lacks, passedOver, neverFires), where and what.");
+      "which Controls can never fire. Exit status 1 when one of the files doesn't load.\n"
+      "With --json: file, loads, error, profileName, controls (how many were read), and findings,\n"
+      "each with its kind (damage, lacks, passedOver, neverFires), where and what.");
   check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
   check->add_flag("--json", choice.check.json, kJsonHelp);
-  check->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return CheckCommand(choice.check, streams); };
-  });
+  Choose(check, choice, choice.check, &CheckCommand);
 }
 
 void AddDevices(CLI::App& app, Choice& choice) {
   CLI::App* devices = app.add_subcommand("devices", "List the game pads that are plugged in");
   devices->add_flag("--json", choice.devices.json, kJsonHelp);
-  devices->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return DevicesCommand(choice.devices, streams); };
-  });
+  Choose(devices, choice, choice.devices, &DevicesCommand);
 }
 
 void AddWatch(CLI::App& app, Choice& choice) {
@@ -176,9 +166,7 @@ void AddWatch(CLI::App& app, Choice& choice) {
   watch->add_option("NAME", choice.watch.device, "the pad's name; needless with only one");
   AddMilliseconds(watch, "--until", &choice.watch.until, kMostUntil, kUntilHelp);
   watch->add_flag("--json", choice.watch.json, kJsonHelp);
-  watch->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return WatchCommand(choice.watch, streams); };
-  });
+  Choose(watch, choice, choice.watch, &WatchCommand);
 }
 
 void AddRecord(CLI::App& app, Choice& choice) {
@@ -187,9 +175,7 @@ void AddRecord(CLI::App& app, Choice& choice) {
   record->footer("The recording goes to standard output: kelvaroctl record >FILE");
   record->add_option("NAME", choice.record.device, "the pad's name; needless with only one");
   AddMilliseconds(record, "--until", &choice.record.until, kMostUntil, kUntilHelp);
-  record->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return RecordCommand(choice.record, streams); };
-  });
+  Choose(record, choice, choice.record, &RecordCommand);
 }
 
 void AddRun(CLI::App& app, Choice& choice) {
@@ -211,9 +197,7 @@ void AddRun(CLI::App& app, Choice& choice) {
   AddMilliseconds(run, "--until", &choice.run.until, kMostUntil, kUntilHelp);
   run->add_flag("--json", choice.run.json,
                 "print JSON Lines; on a real run the events are printed beside being sent");
-  run->callback([&choice] {
-    choice.command = [&choice](Streams streams) { return RunCommand(choice.run, streams); };
-  });
+  Choose(run, choice, choice.run, &RunCommand);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <optional>
 
 #include "console/commands.h"
 #include "console/console_error.h"
@@ -96,13 +97,11 @@ bool IsEmpty(const StateChange& change) {
 int WatchCommand(const WatchOptions& options, Streams streams) {
   StopSignals signals;
   RealMachine machine;
-  std::string last;
-  bool first = true;
+  std::optional<std::string> last;
   // Many states read alike: a stick that moves within its first half changes no name.
   const auto show = [&](std::uint64_t t, const DIJOYSTATE2& state) {
     const std::string text = StateText(state);
-    if (!first && text == last) return;
-    first = false;
+    if (text == last) return;
     last = text;
     if (options.json) {
       streams.out << "{\"t\":" << t << ",\"text\":" << JsonText(text) << "}" << std::endl;

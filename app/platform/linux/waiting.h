@@ -21,7 +21,6 @@ class PriorityMutex {
 
   void lock();
   void unlock();
-  pthread_mutex_t* Native() { return &mutex; }
 
  private:
   pthread_mutex_t mutex;
