@@ -20,7 +20,7 @@ class ConsoleHost : public EngineHost {
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override {}
   void ShowDetectedInput(std::uint32_t, const ByteString&) override {}
   void MouseDetectionEnded(std::uint32_t) override {}
-  void SaveDeviceSettings() override {}
+  bool SaveDeviceSettings() override { return false; }
   void SaveProfile() override {}
 };
 

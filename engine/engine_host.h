@@ -30,7 +30,7 @@ class EngineHost {
   virtual void MouseDetectionEnded(std::uint32_t fieldId) = 0;
   // The two buttons that end a detection did so: values changed that are kept for the device, and
   // in the profile (profileLock is held for the second).
-  virtual void SaveDeviceSettings() = 0;
+  virtual bool SaveDeviceSettings() = 0;  // false when no device is selected
   virtual void SaveProfile() = 0;
 };
 

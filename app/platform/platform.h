@@ -5,11 +5,13 @@
 #pragma once
 
 #include "app/platform/clock.h"
+#include "app/platform/controls.h"
 #include "app/platform/desktop.h"
 #include "app/platform/devices.h"
 #include "app/platform/files.h"
 #include "app/platform/input.h"
 #include "app/platform/registry.h"
+#include "app/platform/shell.h"
 #include "app/platform/threads.h"
 #include "app/platform/timers.h"
 
@@ -26,6 +28,8 @@ struct Platform {
   System* system = nullptr;
   Registry* registry = nullptr;
   Desktop* desktop = nullptr;
+  Controls* controls = nullptr;
+  Shell* shell = nullptr;
 };
 
 // Installs `platform` for the life of this object, and the previous one again after it. Not to be

@@ -16,6 +16,8 @@ constexpr std::uint32_t WAIT_FOREVER = 0xFFFFFFFFu;  // the published INFINITE
 
 constexpr std::uint32_t STILL_ACTIVE = 259;
 
+constexpr std::uint32_t HIGH_PRIORITY_CLASS = 0x80;
+
 constexpr std::int32_t THREAD_PRIORITY_NORMAL = 0;
 constexpr std::int32_t THREAD_PRIORITY_TIME_CRITICAL = 15;
 constexpr std::int32_t THREAD_PRIORITY_ERROR_RETURN = 0x7FFFFFFF;
@@ -51,6 +53,10 @@ class Threads {
   // it can't be told.
   virtual std::int32_t GetCurrentThreadPriority() = 0;
 
+  // Of the whole process, which for a game's helper is HIGH_PRIORITY_CLASS. False, with the process
+  // as it was, where the system refuses.
+  virtual bool SetPriorityClass(std::uint32_t priorityClass) = 0;
+
   // An event. kInvalidHandle when there can be none.
   virtual Handle CreateEventA(bool manualReset, bool initialState) = 0;
   virtual bool SetEvent(Handle event) = 0;
@@ -76,6 +82,7 @@ bool GetExitCodeThread(Handle thread, std::uint32_t* exitCode);
 bool TerminateThread(Handle thread, std::uint32_t exitCode);
 bool SetCurrentThreadPriority(std::int32_t priority);
 std::int32_t GetCurrentThreadPriority();
+bool SetPriorityClass(std::uint32_t priorityClass);
 Handle CreateEventA(bool manualReset, bool initialState);
 bool SetEvent(Handle event);
 bool ResetEvent(Handle event);

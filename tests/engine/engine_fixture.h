@@ -116,9 +116,10 @@ class RecordingHost : public EngineHost {
     journal.Note("ended " + std::to_string(fieldId));
     if (onCall) onCall();
   }
-  void SaveDeviceSettings() override {
+  bool SaveDeviceSettings() override {
     journal.Note("save device");
     if (onCall) onCall();
+    return true;
   }
   void SaveProfile() override {
     journal.Note("save profile");

@@ -9,7 +9,6 @@ LinuxPlatform::LinuxPlatform() {
   groups.devices = &devices;
   groups.files = &files;
   groups.system = &system;
-  groups.desktop = &desktop;
 }
 
 bool LinuxPlatform::OpenInput(InputChoice choice, std::string* error) {

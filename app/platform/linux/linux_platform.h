@@ -1,5 +1,5 @@
-// Linux behind the seam: owns one object for each group of operations but the registry, which a
-// program with settings adds (settings/sqlite_registry.h). A program makes one at its start, opens
+// Linux behind the seam: owns one object for each group of operations but those of a program with a
+// window, which adds them: the registry (settings/sqlite_registry.h) and what is seen (../qt/). A program makes one at its start, opens
 // what it needs, and installs Groups().
 #pragma once
 
@@ -40,7 +40,6 @@ class LinuxPlatform {
   LinuxTimers timers;  // ends its calls before what they use goes
   LinuxFiles files;
   LinuxSystem system;
-  NoDesktop desktop;
   Platform groups;
 };
 

@@ -15,10 +15,4 @@ std::string LinuxSystem::FormatMessageA(std::uint32_t code) {
   return text ? std::string(text) + "\n" : std::string();
 }
 
-std::int32_t NoDesktop::MessageBoxA(WindowHandle, const std::string&, const std::string&,
-                                    std::uint32_t) {
-  StopHereIfCutOff();
-  return 0;
-}
-
 }  // namespace platform

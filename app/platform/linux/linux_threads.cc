@@ -209,6 +209,11 @@ std::int32_t LinuxThreads::GetCurrentThreadPriority() {
   return PriorityOfCurrentThread();
 }
 
+bool LinuxThreads::SetPriorityClass(std::uint32_t priorityClass) {
+  StopHereIfCutOff();
+  return SetPriorityClassOfProcess(priorityClass);
+}
+
 Handle LinuxThreads::CreateEventA(bool manualReset, bool initialState) {
   StopHereIfCutOff();
   auto object = std::make_shared<Object>();

@@ -27,6 +27,7 @@ class LinuxThreads : public Threads {
   // See thread_priority.h.
   bool SetCurrentThreadPriority(std::int32_t priority) override;
   std::int32_t GetCurrentThreadPriority() override;
+  bool SetPriorityClass(std::uint32_t priorityClass) override;
   Handle CreateEventA(bool manualReset, bool initialState) override;
   bool SetEvent(Handle event) override;
   bool ResetEvent(Handle event) override;

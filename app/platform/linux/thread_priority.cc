@@ -23,6 +23,7 @@ constexpr int kRealtimeRank = 5;
 constexpr std::int32_t kHighestPriority = 15;
 constexpr int kLowestNice = -20;
 constexpr int kHighestNice = 19;
+constexpr int kNiceOfHighClass = -10;
 
 constinit thread_local std::int32_t currentPriority = 0;
 
@@ -127,6 +128,11 @@ bool SetPriorityOfCurrentThread(std::int32_t priority) {
   prctl(PR_SET_TIMERSLACK, timeCritical ? 1UL : 0UL, 0UL, 0UL, 0UL);
   currentPriority = priority;
   return true;
+}
+
+bool SetPriorityClassOfProcess(std::uint32_t priorityClass) {
+  return priorityClass == HIGH_PRIORITY_CLASS &&
+         setpriority(PRIO_PROCESS, static_cast<id_t>(getpid()), kNiceOfHighClass) == 0;
 }
 
 std::int32_t PriorityOfCurrentThread() { return currentPriority; }

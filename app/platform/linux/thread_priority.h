@@ -14,6 +14,11 @@ bool SetPriorityOfCurrentThread(std::int32_t priority);
 // The one last set, 0 if none was.
 std::int32_t PriorityOfCurrentThread();
 
+// HIGH_PRIORITY_CLASS is a nice value of -10 for the process, from which its ordinary threads count
+// on. Before any thread has a priority of its own. False for another class and where the system
+// refuses.
+bool SetPriorityClassOfProcess(std::uint32_t priorityClass);
+
 // For the first lines of a new thread: the priority of its maker does not pass on to it.
 void StartAtNormalPriority();
 

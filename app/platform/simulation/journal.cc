@@ -37,6 +37,7 @@ constexpr std::string_view kOperations[] = {
     "SetCurrentThreadPriority",
     "SetDataFormat",
     "SetEvent",
+    "SetPriorityClass",
     "SetProperty",
     "TerminateThread",
     "Unacquire",

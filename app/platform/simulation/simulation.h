@@ -96,7 +96,7 @@ class Simulation {
   //   SetCooperativeLevel FLAGS, SetProperty AXIS MIN MAX (AXIS is its place in EnumObjects),
   //   Release DirectInput (the directory's; a device's stands alone), timeBeginPeriod MS,
   //   timeEndPeriod MS, timeSetEvent MS RESOLUTION, timeKillEvent TIMER, CreateThread NAME,
-  //   GetExitCodeThread HANDLE, TerminateThread HANDLE CODE, SetCurrentThreadPriority PRIORITY,
+  //   SetPriorityClass CLASS, GetExitCodeThread HANDLE, TerminateThread HANDLE CODE, SetCurrentThreadPriority PRIORITY,
   //   CreateEventA manual (or auto), SetEvent HANDLE, ResetEvent HANDLE, CloseHandle HANDLE,
   //   MessageBoxA CAPTION, FormatMessageA CODE, RegOpenKeyA KEY, RegCreateKeyA KEY,
   //   RegCloseKey KEY, RegQueryValueExA KEY NAME, RegSetValueExA KEY NAME,

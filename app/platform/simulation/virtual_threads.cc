@@ -65,6 +65,10 @@ std::int32_t VirtualThreads::GetCurrentThreadPriority() {
   return scheduler.Current().priority;
 }
 
+bool VirtualThreads::SetPriorityClass(std::uint32_t priorityClass) {
+  return !journal.Enter("SetPriorityClass", priorityClass);
+}
+
 Handle VirtualThreads::CreateEventA(bool manualReset, bool initialState) {
   if (journal.Enter("CreateEventA", manualReset ? "manual" : "auto")) return kInvalidHandle;
   auto event = std::make_shared<Event>();

@@ -38,6 +38,7 @@ class VirtualThreads final : public Threads {
   bool TerminateThread(Handle thread, std::uint32_t exitCode) override;
   bool SetCurrentThreadPriority(std::int32_t priority) override;
   std::int32_t GetCurrentThreadPriority() override;
+  bool SetPriorityClass(std::uint32_t priorityClass) override;
   Handle CreateEventA(bool manualReset, bool initialState) override;
   bool SetEvent(Handle event) override;
   bool ResetEvent(Handle event) override;

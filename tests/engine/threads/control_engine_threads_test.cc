@@ -112,10 +112,11 @@ class QuietHost : public EngineHost {
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override { ++triggers; }
   void ShowDetectedInput(std::uint32_t, const ByteString&) override { ++inputs; }
   void MouseDetectionEnded(std::uint32_t) override { ++ended; }
-  void SaveDeviceSettings() override {
+  bool SaveDeviceSettings() override {
     // What a real one would do under mouseLock alone.
     saved += settings->movementSensitivity + settings->leftButton;
     saved += static_cast<TriggerItem>(settings->mouseX).kind;
+    return true;
   }
   void SaveProfile() override { ++profilesSaved; }
 

@@ -1,0 +1,51 @@
+// The dialog "Define Control", which makes and edits one Control: `scratch`. Whoever opens it fills
+// scratch before and takes it back after IDOK. While dialogOpen is set no Control fires; each
+// changed state of the device comes to ShowDetectedTrigger instead.
+#pragma once
+
+#include <cstdint>
+
+#include "app/resizable_dialog.h"
+#include "device/device_manager.h"
+#include "engine/control.h"
+#include "engine/device_snapshot.h"
+#include "foundation/byte_string.h"
+#include "foundation/relaxed.h"
+
+namespace kelvaro {
+
+class DefineControlDialog : public ResizableDialog {
+ public:
+  DefineControlDialog();
+
+  // Notification thread. Makes scratch's Trigger of what is held and shows it, if detectTrigger is
+  // set.
+  void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot);
+
+  Control scratch;
+  bool helpAvailable = false;
+  bool smartCheck = true;     // set before each opening
+  bool shiftReminder = true;  // set before, read after each opening
+  Relaxed<bool> dialogOpen{false};
+  Relaxed<bool> detectTrigger{false};  // the check box 1126
+
+ protected:
+  void OnInit() override;
+  void OnOK() override;
+  void OnCancel() override;
+  void OnClose() override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  std::string OnToolTip(std::uint32_t id) override;
+
+  ByteString descriptionText;
+  ByteString keysText;
+  bool repeatCheck = false;
+  std::uint32_t delayValue = 0;  // ms, as are the next three
+  std::uint32_t speedValue = 0;
+  bool toggleMouseCheck = false;
+  std::uint32_t holdValue = 0;
+  std::uint32_t pauseValue = 0;
+  ByteString tipText;
+};
+
+}  // namespace kelvaro

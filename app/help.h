@@ -1,0 +1,22 @@
+// The help pages, through whatever the system shows help with; that is looked for at the first call
+// and, once it couldn't be found, never again. User interface's thread.
+#pragma once
+
+#include <cstdint>
+
+#include "app/platform/shell.h"
+#include "foundation/byte_string.h"
+
+namespace kelvaro {
+
+// The system's function of that name. 0 when it can't be reached.
+std::uintptr_t HtmlHelp(platform::WindowHandle caller, const char* file, std::uint32_t command,
+                        std::uintptr_t data);
+
+// Shows a topic of Help\Kelvaro.chm in the program's folder.
+void ShowHelpTopic(const char* topic);
+
+// Looks for the system's help anew at the next call: a test's fresh start.
+void ForgetHelp();
+
+}  // namespace kelvaro

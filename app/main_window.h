@@ -1,0 +1,230 @@
+// The one window of the program: four tabs over a row for profiles. It owns whatever runs (device,
+// engine, open profile) from its first message to its shutdown, which every way out goes through
+// once. The program is this window: it runs modally, and the process ends with it.
+//
+// Sources: main_window.cc brings it to life and ends it and hands events on; app_settings.cc what
+// is remembered; notification_area.cc the icon and hiding; tool_tips.cc; profile_operations.cc the
+// row of profiles and the device of a profile; mouse_tab.cc and device_tab.cc those tabs;
+// control_list.cc the Control tab; command_line.cc what a shortcut asks for.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "app/define_control_dialog.h"
+#include "app/resizable_dialog.h"
+#include "app/resize_list_ctrl.h"
+#include "app/static_link.h"
+#include "device/device_manager.h"
+#include "engine/control_engine.h"
+#include "engine/engine_host.h"
+#include "foundation/byte_string.h"
+#include "foundation/linked_list.h"
+#include "foundation/relaxed.h"
+#include "foundation/worker_thread.h"
+#include "storage/profile_file.h"
+
+namespace kelvaro {
+
+// Posted to the main window. WM_CLOSE_PROGRAM also travels between processes: its value stays.
+constexpr std::uint32_t WM_TRAY_CALLBACK = 0x8000;
+constexpr std::uint32_t WM_HIDE_TO_TRAY = 0x8001;
+constexpr std::uint32_t WM_SHOW_FROM_TRAY = 0x8002;
+constexpr std::uint32_t WM_STARTUP_IDLE = 0x8003;
+constexpr std::uint32_t WM_DEVICE_WARNING = 0x8006;
+constexpr std::uint32_t WM_CLOSE_PROGRAM = 0x8007;
+constexpr std::uint32_t WM_START_LAUNCH = 0x8008;
+constexpr std::uint32_t WM_SHOW_WELCOME = 0x8009;
+
+// Where settings lie below the current user, and those of the product that came before.
+constexpr char kProductKey[] = "Software\\Marnstone\\Kelvaro";
+constexpr char kFormerProductKey[] = "Software\\Marnstone\\Vendrix";
+constexpr char kRunKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr char kMainWindowSubkey[] = "Main Window Settings";
+constexpr char kControlWindowSubkey[] = "Control Window Settings";
+
+constexpr char kNoDeviceText[] = "-- None --";
+
+class MainWindow : public ResizableDialog, public WorkerThread, private EngineHost {
+ public:
+  enum Tab : std::uint16_t { kControlTab, kMouseTab, kDeviceTab, kSettingsTab };
+
+  static constexpr std::uint8_t kVersionMajor = 3;
+  static constexpr std::uint8_t kVersionMinor = 5;
+  static constexpr std::uint8_t kVersionRevision = 0;
+
+  // Raises the process's and the calling thread's priority, and takes over old settings.
+  MainWindow();
+  ~MainWindow() override;
+
+  // "Version 3.5"; the revision is shown only when it isn't 0.
+  static ByteString VersionText(std::uint8_t major, std::uint8_t minor, std::uint8_t revision);
+
+ protected:
+  // --- main_window.cc
+  void OnInit() override;
+  void OnOK() override {}  // no button of this number: Enter presses the default button
+  void OnCancel() override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) override;
+  void OnTimer(std::uint32_t id) override;
+  void OnPaint(platform::Canvas& canvas) override;
+  void OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) override;
+  std::string OnToolTip(std::uint32_t id) override;
+  void OnDestroy() override;
+  void Layout(const platform::Rect& client) override;
+  std::uint32_t Run() override;  // LaunchTarget
+
+ private:
+  friend class MainWindowTest;  // looks at members; drives the window from outside
+
+  static std::intptr_t MinimiseHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam);
+  bool CreateDeviceManager();  // false, after the message, without DirectInput
+  bool PrepareControls();
+  void DeclareLayout(std::int32_t topMargin);
+  void FillProfileList();  // and select by the command line, or the last profile
+  void Cleanup();          // does its work once
+  void OnTabSelected();
+  void ShowTab(Tab tab);  // makes it current, and the page with it
+
+  // --- app_settings.cc
+  bool LoadAppSettings();
+  bool SaveAppSettings();
+  void RememberLastProfile(const ByteString& name);
+  static void MigrateSettings();
+  static bool LaunchesAtStartup();
+  void OnLaunchAtStartup();
+  void OnStartMinimized();
+  void OnSmartCheck();
+  void OnAdvanced();
+
+  // --- notification_area.cc
+  bool AddTrayIcon();
+  void RemoveTrayIcon();
+  void OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessage);
+  void ShowTrayMenu();
+  void HideToTray();
+  void ShowFromTray();
+  void ShowWelcome();
+
+  // --- tool_tips.cc
+  void CreateToolTips();
+
+  // --- profile_operations.cc
+  void OnProfileSelected();
+  bool LoadProfile(const ByteString& name);
+  bool ApplyProfileDevice();
+  bool ValidateNewProfileName(const ByteString& name);
+  void OnNewProfile();
+  void OnDeleteProfile();
+  void OnCopyProfile();
+  void OnRenameProfile();
+  void RefreshDeviceList();
+  void ShowDeviceWarning();
+
+  // --- mouse_tab.cc
+  void ShowMouseAndDeviceState();
+  void ApplyMouseSlider(std::uint32_t sliderId);  // position, derived values, caption
+  void OnMouseSlider(std::uint32_t sliderId);
+  void OnMouseAlwaysActive();
+  void OnTestButton();
+  void EndTestMode();
+  void SetTestMode(bool on);
+  void DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas);
+  void OnDetectBox(std::uint32_t boxId);
+  void SaveAfterMouseDetection();  // the device's values, then the profile
+
+  // --- device_tab.cc
+  void FillDeviceList();
+  void SelectDeviceInList(const platform::GUID& guid);  // the row of that device, else row 0
+  void OnDeviceSelected();
+  void OnIntervalLeft();
+  void OnRateLeft();
+  void OnDefaultRate();
+  void ApplyPollInterval(std::uint32_t interval);
+  bool LoadDeviceSettings();
+
+  // --- control_list.cc
+  void FillControlList();
+  void FillControlRow(std::int32_t row, const Control& control);
+  std::uint32_t SelectedControlId() const;
+  std::int32_t SelectedRow() const;
+  void SelectedRows(LinkedList<std::int32_t>* rows) const;
+  void SelectedControlIds(LinkedList<std::uint32_t>* ids) const;
+  Control* FindSelectedControl();
+  Control* FindControl(std::uint32_t controlId);
+  bool RunDefineControlDialog();  // and bring shiftReminder back
+  void OnNewControl();
+  void OnEditControl();
+  void OnDeleteControls();
+  void OnCopyControls();
+  void OnPasteControls();
+  void OnMoveUp();
+  void OnMoveDown();
+  bool OnControlListKey(std::int32_t vk);  // true when it was a key of its own
+
+  // --- command_line.cc
+  void LoadQuoteChars();
+  void ParseCommandLine();
+  void OnStartLaunch();
+  std::uint32_t LaunchTarget();
+
+  // EngineHost
+  bool ControlDialogOpen() const override;
+  void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) override;
+  void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) override;
+  void MouseDetectionEnded(std::uint32_t fieldId) override;
+  bool SaveDeviceSettings() override;
+  void SaveProfile() override;
+
+  ProfileFile profile;  // the one open profile
+  std::unique_ptr<DeviceManager> deviceManager;
+  std::unique_ptr<ControlEngine> engine;  // made with the manager, outlives it
+  DefineControlDialog defineControl;
+  ResizeListCtrl controlList{50};
+  CStaticLink webLink;
+  CStaticLink mailLink;
+
+  std::uint16_t currentTab = kControlTab;
+  std::uint32_t initGuard = 0;     // above 0 while controls are filled: their notices don't count
+  std::uint32_t pollInterval = 0;  // ms; what "Defaults" of the Device tab goes back to
+  std::uint32_t intervalField = 0;
+  std::uint32_t rateField = 0;
+  ByteString currentDeviceName;
+  platform::GUID currentDeviceGuid;
+  bool showAutoDetectUsage = true;
+  ByteString lastProfile;
+  platform::IconHandle windowIcon = 0;
+  platform::IconHandle trayIcon = 0;
+  bool trayIconAdded = false;
+  bool trayMenuOpen = false;
+  bool startMinimized = false;
+  bool helpAvailable = false;
+  std::uint32_t helpCookie = 0;
+  ByteString programPath;
+  platform::Rect clientRect;
+  bool initComplete = false;
+  bool smartCheck = true;
+  bool shiftReminder = true;
+  LinkedList<ByteString> extraProfiles;
+  ByteString launchTarget;
+  ByteString launchArgs;
+  ByteString launchDir;
+  bool commandLineProfileSelected = false;
+  bool noDeviceErrorMsg = false;
+  bool autodetectDevicePlugin = false;
+  std::uint32_t timerId = 0;
+  bool shuttingDown = false;
+  std::uint32_t welcomeDisplay = 0;
+  char quoteSub = '|';
+  char leftArgQuote = '[';
+  char rightArgQuote = ']';
+  bool inPluginPoll = false;
+  LinkedList<Control> copiedControls;  // of Copy, for Paste
+  std::uint8_t rowPrefixes = 0;        // 1: rows tell press from release
+};
+
+// Splits a command line into tokens at blanks and double quotes; see command_line.cc.
+void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list);
+
+}  // namespace kelvaro
