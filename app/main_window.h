@@ -21,7 +21,6 @@
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
 #include "foundation/relaxed.h"
-#include "foundation/worker_thread.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro {
@@ -45,7 +44,7 @@ constexpr char kControlWindowSubkey[] = "Control Window Settings";
 
 constexpr char kNoDeviceText[] = "-- None --";
 
-class MainWindow : public ResizableDialog, public WorkerThread, private EngineHost {
+class MainWindow : public ResizableDialog, private EngineHost {
  public:
   enum Tab : std::uint16_t { kControlTab, kMouseTab, kDeviceTab, kSettingsTab };
 
@@ -73,7 +72,6 @@ class MainWindow : public ResizableDialog, public WorkerThread, private EngineHo
   std::string OnToolTip(std::uint32_t id) override;
   void OnDestroy() override;
   void Layout(const platform::Rect& client) override;
-  std::uint32_t Run() override;  // LaunchTarget
 
  private:
   friend class MainWindowTest;  // looks at members; drives the window from outside
@@ -113,8 +111,11 @@ class MainWindow : public ResizableDialog, public WorkerThread, private EngineHo
   // --- profile_operations.cc
   void OnProfileSelected();
   bool LoadProfile(const ByteString& name);
+  void EndDetection();  // and wait for what it saves
+  void ClearProfile();  // and what repeats of it
   bool ApplyProfileDevice();
   bool ValidateNewProfileName(const ByteString& name);
+  void ListNewProfile(const ByteString& name);  // selected, and remembered
   void OnNewProfile();
   void OnDeleteProfile();
   void OnCopyProfile();
@@ -166,8 +167,6 @@ class MainWindow : public ResizableDialog, public WorkerThread, private EngineHo
   // --- command_line.cc
   void LoadQuoteChars();
   void ParseCommandLine();
-  void OnStartLaunch();
-  std::uint32_t LaunchTarget();
 
   // EngineHost
   bool ControlDialogOpen() const override;

@@ -12,6 +12,8 @@ namespace kelvaro::resources {
 // Dialogs, by their numbers: 102 the main window, 134 "Define Control", 137 "New Profile", 138
 // "Delete Profile", 147 "Rename Profile", 149 "Shift Key Required", 150 "Advanced Settings", 151
 // "Welcome to Kelvaro", 152 "Auto-Detect Mode".
+// In the main window's table the box of a page (1015, 1017, 1045, 1047) stands before the controls
+// of that page, which reach to the next such box; what stands before the first is always seen.
 extern const platform::DialogTemplate kMainWindow;
 extern const platform::DialogTemplate kDefineControl;
 extern const platform::DialogTemplate kNewProfile;
