@@ -34,6 +34,11 @@ std::span<const platform::MenuItem> FloaterMenu();
 // is; null when there is none.
 const char* String(std::uint32_t id);
 
+// Controls that the code has to know and that have no tip: "Don't show this again" of the dialogs
+// 149 and 152, and the picture of the welcome.
+constexpr std::uint32_t kDontShowAgain = 1390;
+constexpr std::uint32_t kWelcomePicture = 1391;
+
 constexpr std::uint32_t kIcon = 128;          // of the program
 constexpr std::uint32_t kUpBitmap = 145;      // an arrow, of the button that moves Controls up
 constexpr std::uint32_t kDownBitmap = 146;    // and down
