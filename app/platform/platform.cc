@@ -549,4 +549,24 @@ HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
 
 std::string GetCommandLineA() { return installed.shell->GetCommandLineA(); }
 
+std::uint32_t GetCurrentProcessId() { return installed.processes->GetCurrentProcessId(); }
+
+bool ListProcesses(std::vector<RunningProcess>* list) {
+  return installed.processes->ListProcesses(list);
+}
+
+bool CreateProcessA(const std::string& application, const std::string& commandLine,
+                    std::uint32_t flags, const std::string* folder,
+                    PROCESS_INFORMATION* information) {
+  return installed.processes->CreateProcessA(application, commandLine, flags, folder, information);
+}
+
+bool EnumWindows(std::vector<TopLevelWindow>* list) {
+  return installed.processes->EnumWindows(list);
+}
+
+bool PostToWindow(WindowHandle window, std::uint32_t message) {
+  return installed.processes->PostToWindow(window, message);
+}
+
 }  // namespace platform

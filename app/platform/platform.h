@@ -10,6 +10,7 @@
 #include "app/platform/devices.h"
 #include "app/platform/files.h"
 #include "app/platform/input.h"
+#include "app/platform/processes.h"
 #include "app/platform/registry.h"
 #include "app/platform/shell.h"
 #include "app/platform/threads.h"
@@ -30,6 +31,7 @@ struct Platform {
   Desktop* desktop = nullptr;
   Controls* controls = nullptr;
   Shell* shell = nullptr;
+  Processes* processes = nullptr;
 };
 
 // Installs `platform` for the life of this object, and the previous one again after it. Not to be

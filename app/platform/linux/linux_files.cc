@@ -18,6 +18,7 @@
 
 #include "app/platform/file_pattern.h"
 #include "app/platform/linux/cut_off.h"
+#include "app/platform/linux/last_error.h"
 
 namespace platform {
 namespace {
@@ -27,13 +28,6 @@ constexpr mode_t kNewFolder = 0777;
 constexpr mode_t kPermissions = 07777;
 constexpr int kLongestChainOfLinks = 40;  // the kernel's own limit
 constexpr char kAccessList[] = "system.posix_acl_access";
-
-constinit thread_local int lastError = 0;
-
-bool Fail(int error = errno) {
-  lastError = error;
-  return false;
-}
 
 template <typename Call>
 auto Retry(Call call) {

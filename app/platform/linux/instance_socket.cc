@@ -1,0 +1,272 @@
+#include "app/platform/linux/instance_socket.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "app/platform/linux/detached_thread.h"
+
+namespace platform {
+namespace {
+
+constexpr std::uint32_t kMagic = 0x4B56494E;
+constexpr std::uint32_t kAskWindows = 1;
+constexpr std::uint32_t kPost = 2;
+constexpr std::size_t kMostWindows = 64;
+constexpr int kAnswerWithinMs = 500;
+constexpr int kRequestWithinMs = 100;
+constexpr char kSuffix[] = ".socket";
+
+struct Request {
+  std::uint32_t magic = kMagic;
+  std::uint32_t kind = 0;
+  std::uint64_t window = 0;
+  std::uint32_t message = 0;
+  std::uint32_t reserved = 0;
+};
+
+struct Answer {
+  struct Window {
+    std::uint32_t number = 0;
+    std::uint32_t state = 0;  // bit 0: visible, bit 1: iconic
+  };
+  std::uint32_t magic = kMagic;
+  std::uint32_t count = 0;  // of windows; of a post 1 when it went through
+  Window windows[kMostWindows];
+};
+constexpr std::size_t kAnswerHead = offsetof(Answer, windows);
+
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd(fd) {}
+  ~Descriptor() {
+    if (fd >= 0) close(fd);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Get() const { return fd; }
+
+ private:
+  const int fd;
+};
+
+bool Address(const std::string& path, sockaddr_un* address) {
+  *address = {};
+  address->sun_family = AF_UNIX;
+  if (path.empty() || path.size() >= sizeof address->sun_path) return false;
+  std::memcpy(address->sun_path, path.c_str(), path.size() + 1);
+  return true;
+}
+
+std::string SocketPath(const std::string& folder, std::uint32_t process) {
+  return folder + "/" + std::to_string(process) + kSuffix;
+}
+
+std::string ProgramOf(const std::string& process) {
+  char path[4096];
+  const ssize_t size = readlink(("/proc/" + process + "/exe").c_str(), path, sizeof path);
+  if (size <= 0) return {};
+  const std::string_view whole(path, static_cast<std::size_t>(size));
+  return std::string(whole.substr(whole.rfind('/') + 1));
+}
+
+// The other end belongs to this user and runs this program.
+bool IsOneOfUs(int connection) {
+  ucred peer{};
+  socklen_t size = sizeof peer;
+  if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return false;
+  if (peer.uid != geteuid()) return false;
+  const std::string own = ProgramOf("self");
+  return !own.empty() && ProgramOf(std::to_string(peer.pid)) == own;
+}
+
+bool Readable(int fd, int ms) {
+  pollfd wanted{fd, POLLIN, 0};
+  int result;
+  do result = poll(&wanted, 1, ms);
+  while (result < 0 && errno == EINTR);
+  return result > 0;
+}
+
+void Signal(int event) {
+  const std::uint64_t one = 1;
+  // An event descriptor takes 8 bytes unless its counter is at its end, where it is signalled, too.
+  if (write(event, &one, sizeof one) < 0) return;
+}
+
+// False when the instance isn't there, isn't one of us or doesn't answer in time.
+bool Ask(const std::string& path, const Request& request, Answer* answer) {
+  sockaddr_un address;
+  if (!Address(path, &address)) return false;
+  const Descriptor connection(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+  if (connection.Get() < 0) return false;
+  if (connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+    return false;
+  if (!IsOneOfUs(connection.Get())) return false;
+  if (send(connection.Get(), &request, sizeof request, MSG_NOSIGNAL) != sizeof request)
+    return false;
+  if (!Readable(connection.Get(), kAnswerWithinMs)) return false;
+  const ssize_t size = recv(connection.Get(), answer, sizeof *answer, 0);
+  return size >= static_cast<ssize_t>(kAnswerHead) && answer->magic == kMagic &&
+         answer->count <= kMostWindows;
+}
+
+bool OwnFolder(const std::string& path) {
+  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) return false;
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+         status.st_uid == geteuid() && (status.st_mode & 022) == 0;
+}
+
+}  // namespace
+
+std::string InstanceFolder() {
+  const char* runtime = getenv("XDG_RUNTIME_DIR");
+  const std::string folder = runtime && runtime[0] == '/'
+                                 ? std::string(runtime) + "/kelvaro"
+                                 : "/tmp/kelvaro-" + std::to_string(geteuid());
+  return OwnFolder(folder) ? folder : std::string();
+}
+
+std::unique_ptr<InstanceSocket> InstanceSocket::Open(const std::string& folder,
+                                                     WindowSource windows, WindowPost post) {
+  sockaddr_un address;
+  std::unique_ptr<InstanceSocket> made(new InstanceSocket);
+  if (folder.empty()) return nullptr;
+  const std::string path = SocketPath(folder, static_cast<std::uint32_t>(getpid()));
+  if (!Address(path, &address)) return nullptr;
+  made->listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+  made->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  made->ended = eventfd(0, EFD_CLOEXEC);
+  if (made->listener < 0 || made->wake < 0 || made->ended < 0) return nullptr;
+  unlink(path.c_str());  // of a process that had the same id, and crashed
+  const mode_t before = umask(0177);
+  const bool bound =
+      bind(made->listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  umask(before);
+  if (!bound) return nullptr;
+  made->path = path;
+  made->windows = std::move(windows);
+  made->post = std::move(post);
+  if (listen(made->listener, 16) != 0 || !StartDetachedThread(Listen, made.get())) {
+    close(std::exchange(made->ended, -1));  // no thread to wait for
+    return nullptr;
+  }
+  return made;
+}
+
+InstanceSocket::~InstanceSocket() {
+  if (!path.empty()) unlink(path.c_str());
+  if (!path.empty() && ended >= 0) {
+    Signal(wake);
+    Readable(ended, -1);
+  }
+  for (const int fd : {listener, wake, ended})
+    if (fd >= 0) close(fd);
+}
+
+void* InstanceSocket::Listen(void* argument) {
+  NameCurrentThread("instances");
+  InstanceSocket& self = *static_cast<InstanceSocket*>(argument);
+  for (;;) {
+    pollfd wanted[] = {{self.wake, POLLIN, 0}, {self.listener, POLLIN, 0}};
+    if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
+    if (wanted[0].revents != 0) break;
+    const Descriptor connection(
+        accept4(self.listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (connection.Get() >= 0) {
+      self.Serve(connection.Get());
+    } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
+      Readable(self.wake, kRequestWithinMs);  // out of descriptors or memory: not in circles
+    }
+  }
+  Signal(self.ended);
+  return nullptr;
+}
+
+void InstanceSocket::Serve(int connection) {
+  Request request;
+  if (!IsOneOfUs(connection) || !Readable(connection, kRequestWithinMs)) return;
+  // A packet that is too long comes cut, with the flag that says so.
+  iovec place{&request, sizeof request};
+  msghdr message{};
+  message.msg_iov = &place;
+  message.msg_iovlen = 1;
+  if (recvmsg(connection, &message, 0) != sizeof request) return;
+  if ((message.msg_flags & MSG_TRUNC) != 0 || request.magic != kMagic) return;
+  Answer answer;
+  if (request.kind == kAskWindows) {
+    for (const OfferedWindow& window : windows()) {
+      if (answer.count == kMostWindows) break;
+      answer.windows[answer.count++] = {static_cast<std::uint32_t>(window.window),
+                                        (window.visible ? 1u : 0u) | (window.iconic ? 2u : 0u)};
+    }
+  } else if (request.kind == kPost) {
+    answer.count = post(static_cast<WindowHandle>(request.window), request.message) ? 1 : 0;
+  } else {
+    return;
+  }
+  const std::size_t size =
+      kAnswerHead + (request.kind == kAskWindows ? answer.count * sizeof(Answer::Window) : 0);
+  // Who doesn't wait for the answer doesn't get it.
+  if (send(connection, &answer, size, MSG_NOSIGNAL) < 0) return;
+}
+
+std::vector<std::uint32_t> Instances(const std::string& folder) {
+  std::vector<std::uint32_t> processes;
+  DIR* const entries = folder.empty() ? nullptr : opendir(folder.c_str());
+  if (!entries) return processes;
+  while (const dirent* entry = readdir(entries)) {
+    const std::string_view name = entry->d_name;
+    std::uint32_t process = 0;
+    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
+    if (error != std::errc() || std::string_view(end) != kSuffix) continue;
+    if (access(("/proc/" + std::to_string(process)).c_str(), F_OK) == 0) {
+      processes.push_back(process);
+    } else {
+      unlink(SocketPath(folder, process).c_str());
+    }
+  }
+  closedir(entries);
+  std::sort(processes.begin(), processes.end());
+  return processes;
+}
+
+bool AskWindows(const std::string& folder, std::uint32_t process,
+                std::vector<OfferedWindow>* windows) {
+  windows->clear();
+  Request request;
+  request.kind = kAskWindows;
+  Answer answer;
+  if (!Ask(SocketPath(folder, process), request, &answer)) return false;
+  for (std::uint32_t i = 0; i < answer.count; ++i) {
+    const Answer::Window& window = answer.windows[i];
+    windows->push_back({window.number, (window.state & 1) != 0, (window.state & 2) != 0});
+  }
+  return true;
+}
+
+bool PostToInstance(const std::string& folder, std::uint32_t process, WindowHandle window,
+                    std::uint32_t message) {
+  Request request;
+  request.kind = kPost;
+  request.window = window;
+  request.message = message;
+  Answer answer;
+  return Ask(SocketPath(folder, process), request, &answer) && answer.count == 1;
+}
+
+}  // namespace platform
