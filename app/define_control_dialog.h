@@ -10,6 +10,7 @@
 #include "engine/control.h"
 #include "engine/device_snapshot.h"
 #include "foundation/byte_string.h"
+#include "foundation/recursive_lock.h"
 #include "foundation/relaxed.h"
 
 namespace kelvaro {
@@ -19,7 +20,7 @@ class DefineControlDialog : public ResizableDialog {
   DefineControlDialog();
 
   // Notification thread. Makes scratch's Trigger of what is held and shows it, if detectTrigger is
-  // set.
+  // set and the dialog is still open.
   void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot);
 
   Control scratch;
@@ -33,9 +34,29 @@ class DefineControlDialog : public ResizableDialog {
   void OnInit() override;
   void OnOK() override;
   void OnCancel() override;
-  void OnClose() override;
   void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
   std::string OnToolTip(std::uint32_t id) override;
+
+ private:
+  void DeclareLayout();
+  void TakeScratch();  // into the members below and the controls
+  void EnableFields();
+  void OnHoldAllBox();
+  void OnDefaults();
+
+  void ShowFields();
+  // The controls into the members, up to the first number that is none: false then, after a message
+  // and with the focus there.
+  bool ReadFields();
+  bool ReadNumber(std::uint32_t id, std::uint32_t* value);
+
+  // Appends to scratch's actions what keysText says, nothing for an empty text. False, after a
+  // message or a question, when it isn't to be taken.
+  bool TakeKeys(bool onPress);
+  bool ConfirmUppercase();
+  void ShowKeyError(bool duplicateKey, std::uint32_t offset);
+
+  void SetDialogOpen(bool open);
 
   ByteString descriptionText;
   ByteString keysText;
@@ -46,6 +67,10 @@ class DefineControlDialog : public ResizableDialog {
   std::uint32_t holdValue = 0;
   std::uint32_t pauseValue = 0;
   ByteString tipText;
+
+  // Guards scratch's Trigger while the dialog is open, and the end of that. Inside of deviceLock on
+  // the notification thread; nothing is waited for with it.
+  RecursiveLock triggerLock;
 };
 
 }  // namespace kelvaro

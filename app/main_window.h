@@ -14,6 +14,7 @@
 #include "app/define_control_dialog.h"
 #include "app/resizable_dialog.h"
 #include "app/resize_list_ctrl.h"
+#include "app/settings_keys.h"
 #include "app/static_link.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
@@ -34,13 +35,6 @@ constexpr std::uint32_t WM_DEVICE_WARNING = 0x8006;
 constexpr std::uint32_t WM_CLOSE_PROGRAM = 0x8007;
 constexpr std::uint32_t WM_START_LAUNCH = 0x8008;
 constexpr std::uint32_t WM_SHOW_WELCOME = 0x8009;
-
-// Where settings lie below the current user, and those of the product that came before.
-constexpr char kProductKey[] = "Software\\Marnstone\\Kelvaro";
-constexpr char kFormerProductKey[] = "Software\\Marnstone\\Vendrix";
-constexpr char kRunKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr char kMainWindowSubkey[] = "Main Window Settings";
-constexpr char kControlWindowSubkey[] = "Control Window Settings";
 
 constexpr char kNoDeviceText[] = "-- None --";
 
@@ -84,6 +78,8 @@ class MainWindow : public ResizableDialog, private EngineHost {
   void Cleanup();          // does its work once
   void OnTabSelected();
   void ShowTab(Tab tab);  // makes it current, and the page with it
+  void OnHelp();
+  void OnLink(std::uint32_t id);
 
   // --- app_settings.cc
   bool LoadAppSettings();
@@ -103,6 +99,7 @@ class MainWindow : public ResizableDialog, private EngineHost {
   void ShowTrayMenu();
   void HideToTray();
   void ShowFromTray();
+  void ShowNormally();
   void ShowWelcome();
 
   // --- tool_tips.cc
@@ -154,7 +151,9 @@ class MainWindow : public ResizableDialog, private EngineHost {
   void SelectedControlIds(LinkedList<std::uint32_t>* ids) const;
   Control* FindSelectedControl();
   Control* FindControl(std::uint32_t controlId);
-  bool RunDefineControlDialog();  // and bring shiftReminder back
+  bool RunDefineControlDialog();  // of defineControl.scratch; whether it ended with OK
+  void BringShiftReminderBack();
+  void RebuildDispatchList();  // with no Control repeating; profileLock is held
   void OnNewControl();
   void OnEditControl();
   void OnDeleteControls();
