@@ -69,7 +69,7 @@ struct DialogTemplate {
   std::span<const ControlTemplate> controls;
 };
 
-// One entry of a popup menu; a separator has no text.
+// One entry of a popup menu; the text of a separator is null.
 struct MenuItem {
   const char* text;
   std::uint32_t command;

@@ -27,7 +27,7 @@ extern const platform::DialogTemplate kAutoDetectMode;
 // All of them.
 std::span<const platform::DialogTemplate* const> Dialogs();
 
-// The menu "Floater", 140, of the notification icon.
+// The menu "Floater", 140, of the notification icon: "Exit" and "Show Kelvaro".
 std::span<const platform::MenuItem> FloaterMenu();
 
 // The text of the string table with that number, which is the number of the control whose tip it

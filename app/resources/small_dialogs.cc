@@ -1,0 +1,108 @@
+// The dialogs of a question or two, the list of all dialogs, and the menu.
+#include "app/platform/desktop.h"
+#include "app/resources/resources.h"
+
+namespace kelvaro::resources {
+
+namespace {
+
+using platform::ControlTemplate;
+using platform::IDCANCEL;
+using platform::IDOK;
+using enum platform::ControlKind;
+using platform::kStyleDefault;
+using platform::kStyleWrap;
+
+constexpr ControlTemplate kNewProfileControls[] = {
+    {Label, 1300, "Enter New Profile &Name", 7, 7, 186, 8},
+    {Edit, 1137, "", 7, 18, 186, 14},
+    {Button, IDOK, "OK", 89, 40, 50, 14, kStyleDefault},
+    {Button, IDCANCEL, "Cancel", 143, 40, 50, 14},
+};
+
+constexpr ControlTemplate kDeleteProfileControls[] = {
+    {Label, 1300, "Delete Profile:", 7, 7, 186, 8},
+    {Label, 1138, "", 7, 18, 186, 17, kStyleWrap},
+    {Label, 1301, "Are you sure?", 7, 38, 186, 8},
+    {Button, IDOK, "&Yes, Delete It", 69, 54, 70, 14},
+    {Button, IDCANCEL, "&No!", 143, 54, 50, 14, kStyleDefault},
+};
+
+constexpr ControlTemplate kProfileNameControls[] = {
+    {Label, 1157, "", 7, 7, 186, 17, kStyleWrap},
+    {Label, 1300, "Enter a new &name for this profile", 7, 28, 186, 8},
+    {Edit, 1137, "", 7, 39, 186, 14},
+    {Button, IDOK, "OK", 89, 61, 50, 14, kStyleDefault},
+    {Button, IDCANCEL, "Cancel", 143, 61, 50, 14},
+};
+
+constexpr ControlTemplate kShiftKeyRequiredControls[] = {
+    {Label, 1300,
+     "You have entered one or more keys that require a shift key press in order to replay "
+     "properly. Are you sure you want to use an uppercase character in this control?",
+     7, 7, 236, 36, kStyleWrap},
+    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 49, 236, 10},
+    {Button, IDOK, "&Yes", 139, 68, 50, 14, kStyleDefault},
+    {Button, IDCANCEL, "&No", 193, 68, 50, 14},
+};
+
+constexpr ControlTemplate kAdvancedSettingsControls[] = {
+    {CheckBox, 1199, "&Auto-detect device plugin", 7, 9, 166, 10},
+    {Button, IDOK, "OK", 69, 30, 50, 14, kStyleDefault},
+    {Button, IDCANCEL, "Cancel", 123, 30, 50, 14},
+};
+
+constexpr ControlTemplate kWelcomeControls[] = {
+    {Picture, kWelcomePicture, "", 7, 7, 306, 36, 0, "Kelvaro"},
+    {TextArea, 1200, "", 7, 49, 306, 150, 0, "Welcome to Kelvaro"},
+    {Button, IDOK, "Close", 263, 206, 50, 14, kStyleDefault},
+};
+
+constexpr ControlTemplate kAutoDetectModeControls[] = {
+    {Label, 1300,
+     "This will detect movement or button presses on your input device, and make the appropriate "
+     "assignment. All control input is captured while in this mode.",
+     7, 7, 246, 28, kStyleWrap},
+    {Label, 1301,
+     "You can exit auto-detect mode by pressing the spacebar on your keyboard, by pressing any "
+     "two buttons simultaneously on your controller, or by unchecking the detect box with your "
+     "mouse.",
+     7, 40, 246, 36, kStyleWrap},
+    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 82, 246, 10},
+    {Button, IDOK, "OK", 203, 100, 50, 14, kStyleDefault},
+};
+
+constexpr platform::MenuItem kFloater[] = {
+    {"Exit", 32772},
+    {nullptr, 0},
+    {"Show Kelvaro", 32771},
+};
+
+constexpr const platform::DialogTemplate* kDialogs[] = {
+    &kMainWindow,       &kDefineControl,    &kNewProfile, &kDeleteProfile,  &kProfileName,
+    &kShiftKeyRequired, &kAdvancedSettings, &kWelcome,    &kAutoDetectMode,
+};
+
+}  // namespace
+
+constinit const platform::DialogTemplate kNewProfile = {137, "New Profile",      200, 61,
+                                                        0,   kNewProfileControls};
+constinit const platform::DialogTemplate kDeleteProfile = {138, "Delete Profile",      200, 75,
+                                                           0,   kDeleteProfileControls};
+// Its title says what the name is for.
+constinit const platform::DialogTemplate kProfileName = {147, "Rename Profile",    200, 82,
+                                                         0,   kProfileNameControls};
+constinit const platform::DialogTemplate kShiftKeyRequired = {
+    149, "Shift Key Required", 250, 89, 0, kShiftKeyRequiredControls};
+constinit const platform::DialogTemplate kAdvancedSettings = {
+    150, "Advanced Settings", 180, 51, 0, kAdvancedSettingsControls};
+constinit const platform::DialogTemplate kWelcome = {151, "Welcome to Kelvaro", 320, 227,
+                                                     0,   kWelcomeControls};
+constinit const platform::DialogTemplate kAutoDetectMode = {152, "Auto-Detect Mode",     260, 121,
+                                                            0,   kAutoDetectModeControls};
+
+std::span<const platform::DialogTemplate* const> Dialogs() { return kDialogs; }
+
+std::span<const platform::MenuItem> FloaterMenu() { return kFloater; }
+
+}  // namespace kelvaro::resources
