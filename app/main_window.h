@@ -134,11 +134,17 @@ class MainWindow : public ResizableDialog, private EngineHost {
 
   // --- device_tab.cc
   void FillDeviceList();
-  void SelectDeviceInList(const platform::GUID& guid);  // the row of that device, else row 0
+  void SelectDeviceInList(const platform::GUID& guid);  // the row of that device, else of none
+  void ShowSelectedDevice();
   void OnDeviceSelected();
   void OnIntervalLeft();
   void OnRateLeft();
   void OnDefaultRate();
+  bool PollFieldsCount() const;  // whether leaving one has a meaning now
+  bool ReadPollFields();         // false, after the message, when one isn't a number
+  // A message about the field, which then has the focus again.
+  void RefuseField(std::uint32_t fieldId, const ByteString& text, const ByteString& caption,
+                   std::uint32_t type);
   void ApplyPollInterval(std::uint32_t interval);
   bool LoadDeviceSettings();
 
