@@ -396,10 +396,4 @@ void MainWindow::OnDrawItem(const platform::DrawItem& item, platform::Canvas& ca
   if (item.id == kTestButton) DrawTestButton(item, canvas);
 }
 
-bool MainWindow::ControlDialogOpen() const { return defineControl.dialogOpen; }
-
-void MainWindow::ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) {
-  defineControl.ShowDetectedTrigger(device, snapshot);
-}
-
 }  // namespace kelvaro
