@@ -13,7 +13,6 @@ class NewProfileDialog : public Dialog {
   ByteString name;  // after IDOK
 
  protected:
-  void OnInit() override;
   void OnOK() override;
 };
 

@@ -88,20 +88,21 @@ class LayoutPage {
            const LayoutMargins& margins = {});
 
   // The first node of that control, null for none.
-  LayoutNode* Find(std::uint32_t control);
+  LayoutNode* Find(std::uint32_t control) const;
 
   // The page's rectangle takes the window's inside as it is.
   void Measure();
 
   // Takes the growth since the last rectangle, computes every node's place in the new one, and
-  // moves and shows or hides the controls.
-  void Resize(const LayoutRect& page);
+  // moves and shows or hides the controls. For `later` see ApplyVisibility.
+  void Resize(const LayoutRect& page, const LayoutPage* later = nullptr);
 
   // Sets or clears a state bit of all nodes.
   void SetState(std::uint32_t bit, bool set);
 
-  // Shows or hides each control by its node's state.
-  void ApplyVisibility();
+  // Shows or hides each control by its node's state. One that stands in `later`, too, is left to
+  // that page, whose turn comes next: hidden for that moment it would lose the focus.
+  void ApplyVisibility(const LayoutPage* later = nullptr);
 
   LayoutRect rect;
   const platform::WindowHandle window;

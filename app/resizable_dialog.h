@@ -17,23 +17,24 @@ class ResizableDialog : public Dialog {
   explicit ResizableDialog(const platform::DialogTemplate& resource);
 
  protected:
-  // Measures the window: a derived class calls it first.
+  // Measures the window and starts with one empty page: a derived class calls it first.
   void OnInit() override;
 
   // Drops all pages and makes `n` new ones (1 at least); page 0 becomes the current one.
   void CreatePages(std::uint16_t n);
-  // False for an index that isn't below the number of pages. Shows and hides by it.
+  // Makes it the current page and applies it. False for an index that isn't below the number of
+  // pages.
   bool SelectPage(std::uint16_t index);
   // See LayoutPage::Add; false for a page that isn't there, too.
   bool AddNode(std::uint16_t page, std::uint32_t control, std::uint32_t flags,
                const LayoutMargins& margins = {});
   bool AddChildNode(std::uint16_t page, std::uint32_t parent, std::uint32_t control,
                     std::uint32_t flags, const LayoutMargins& margins = {});
-  // Hides the control for as long as it is on that page.
+  // Keeps the control hidden on that page, from the next time that the page is applied.
   bool HideNode(std::uint16_t page, std::uint32_t control);
   // From here on a new size lays out.
   void MeasurePages();
-  // Lays out the current page as the window is.
+  // Hides the controls of the other pages and shows those of the current one.
   void ApplyCurrentPage();
 
   // Takes the window's inside, at 0,0, and lays out all pages, the current one last, so that
@@ -58,7 +59,7 @@ class ResizableDialog : public Dialog {
   std::int32_t gripWidth = 0;
   std::int32_t gripHeight = 0;
   platform::Rect gripRect;
-  platform::Point windowOrigin;
+  platform::Point windowOrigin;  // of the frame at first, of the inside since the window moved
   std::int32_t minTrackWidth = 0;
   std::int32_t minTrackHeight = 0;
   std::int32_t maxTrackWidth = 0;  // 0: no limit

@@ -13,7 +13,7 @@ namespace kelvaro {
 
 class ResizeListCtrl {
  public:
-  explicit ResizeListCtrl(std::uint32_t maxColumns) : maxColumns(maxColumns) {}
+  explicit ResizeListCtrl(std::uint32_t maxColumns);
 
   // Takes over the list `id` of a window; clientWidth becomes its inner width.
   void Attach(platform::WindowHandle window, std::uint32_t id);
@@ -39,18 +39,21 @@ class ResizeListCtrl {
   void ComputeProportions();
   bool ReadOrder();
   bool Usable() const;  // a window and columns
+  static std::int32_t Column(std::uint32_t index) { return static_cast<std::int32_t>(index); }
+  std::int32_t Width(std::int32_t column) const;
 
   // Posted by the list to itself.
   static constexpr std::uint32_t kReadOrderMessage = 0x8000;
   static constexpr std::uint32_t kLoadMessage = 0x8001;
 
   bool firstPaintPending = true;
-  bool orderKnown = false;
+  bool orderKnown = false;    // `order` is the control's
   bool loaded = false;        // before the first paint
   bool redrawOnLoad = false;  // a load comes after the first paint
   bool inResize = false;      // a change of our own: header notices don't count
   const std::uint32_t maxColumns;
   std::uint32_t columnCount = 0;
+  // Of maxColumns each. `order` may hold any numbers while orderKnown is false.
   std::vector<std::int32_t> order;
   std::vector<double> proportion;
   platform::WindowHandle window = platform::kNoWindow;

@@ -14,7 +14,8 @@ namespace platform {
 
 using HKEY = std::uint64_t;
 
-// Always open.
+// Always open; the first only where the system has one.
+constexpr HKEY HKEY_CLASSES_ROOT = 0x80000000u;
 constexpr HKEY HKEY_CURRENT_USER = 0x80000001u;
 constexpr HKEY HKEY_LOCAL_MACHINE = 0x80000002u;
 

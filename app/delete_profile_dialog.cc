@@ -1,0 +1,19 @@
+#include "app/dialogs.h"
+#include "app/resources/resources.h"
+
+namespace kelvaro {
+
+namespace {
+
+constexpr std::uint32_t kNameLabel = 1138;
+
+}  // namespace
+
+DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
+    : Dialog(resources::kDeleteProfile), name(name) {}
+
+void DeleteProfileDialog::OnInit() {
+  SetText(kNameLabel, ByteString("\"").Concat(name).Concat("\""));
+}
+
+}  // namespace kelvaro
