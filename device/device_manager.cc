@@ -117,10 +117,11 @@ bool DeviceManager::SelectDevice(std::int32_t index) {
     StopDevice();
     return false;
   }
-  StartPolling();
+  // Before the threads that may ask for it.
   deviceSelected = true;
   selectedIndex = index;
   selectedName = entry.tszInstanceName;
+  StartPolling();
   return true;
 }
 

@@ -4,7 +4,8 @@
 // callback on the notification thread. Both run with deviceLock held, and a period that finds it
 // taken is lost: the timer's thread never waits, and several changes during a long callback come
 // out as one, the latest. A device that stops answering is silent until it answers again; nothing
-// is delivered meanwhile. The list and the selection belong to the thread that made the object.
+// is delivered meanwhile. The list and the selection belong to the thread that made the object; a
+// change callback may ask for the selected name and whether there is one, and for the interval.
 #pragma once
 
 #include <cstdint>
@@ -99,7 +100,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   static void tick(std::uint32_t timerId, void* user);
   void PollDevice();
 
-  // Of the thread that made the object.
+  // Of the thread that made the object. The three of the selection stay as they are while the
+  // notification thread runs, which therefore may look at them.
   const platform::WindowHandle windowHandle;
   bool directInputCreated = false;
   bool deviceSelected = false;
@@ -108,7 +110,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   LinkedList<platform::DIDEVICEINSTANCE> devices;  // in enumeration order
   platform::DirectInput* directInput = nullptr;
   platform::DIDEVCAPS deviceCaps;
-  std::uint32_t pollInterval = 33;
+  Relaxed<std::uint32_t> pollInterval{33};
   std::uint32_t timerMin = 33;
   std::uint32_t timerMax = 33;
   std::uint32_t activePeriod = 0;  // as passed to timeBeginPeriod, 0 when none is active

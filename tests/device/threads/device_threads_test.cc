@@ -255,6 +255,35 @@ TEST_F(DeviceThreads, ATickThatIsStillRunningEndsBeforeTheDeviceGoes) {
   EXPECT_FALSE(torn);
 }
 
+TEST_F(DeviceThreads, AChangeCallbackMayAskForTheSelectionFromItsFirstCallOn) {
+  struct Asked {
+    std::uint32_t calls = 0;
+    std::uint32_t unlike = 0;
+  } asked;
+  manager->SetChangeCallback(
+      [](DeviceManager* device, const DIJOYSTATE2*, void* context) {
+        auto* seen = static_cast<Asked*>(context);
+        ++seen->calls;
+        if (!device->DeviceSelected() || !device->SelectedName().Equals("Pad") ||
+            device->PollInterval() < 1 || device->PollInterval() > 5) {
+          ++seen->unlike;
+        }
+      },
+      &asked);
+  manager->EnableChangeCallback();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  for (int i = 0; i < 5; ++i) {
+    ASSERT_TRUE(manager->SelectDevice(0));
+    for (std::uint32_t interval = 5; interval >= 1; --interval) {
+      Pass(5);
+      ASSERT_TRUE(manager->SetPollInterval(interval));
+    }
+  }
+  manager->StopDevice();
+  EXPECT_GT(asked.calls, 5u);
+  EXPECT_EQ(asked.unlike, 0u);
+}
+
 TEST_F(DeviceThreads, AManagerMayGoWhilePollingRuns) {
   Listen();
   ASSERT_TRUE(manager->SetPollInterval(1));
