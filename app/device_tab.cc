@@ -254,14 +254,12 @@ void MainWindow::ApplyPollInterval(std::uint32_t interval) {
 // profile's alone.
 
 bool MainWindow::SaveDeviceSettings() {
-  // Also on the notification thread. Not by deviceManager: that is cleared before the manager's end
-  // has waited for this thread.
-  if (!engine) return false;
-  const DeviceManager& device = engine->device;
-  if (!device.DeviceSelected()) return false;
+  // Also on the notification thread, which may ask the manager for what is used here.
+  if (!deviceManager || !deviceManager->DeviceSelected()) return false;
+  const ByteString& deviceName = deviceManager->SelectedName();
 
   RegistryKey product(platform::HKEY_CURRENT_USER, kProductKey, true);
-  product.SetString(nullptr, kLastDevice, device.SelectedName());
+  product.SetString(nullptr, kLastDevice, deviceName);
 
   const TriggerItem mouseX = profile.mouseX;
   const TriggerItem mouseY = profile.mouseY;
@@ -271,7 +269,7 @@ bool MainWindow::SaveDeviceSettings() {
     const char* name;
     std::uint32_t value;
   } values[] = {
-      {"Poll Interval", device.PollInterval()},
+      {"Poll Interval", deviceManager->PollInterval()},
       {"Acceleration", number(profile.acceleration)},
       {"Sensitivity", number(profile.movementSensitivity)},
       {"Axis Damper", number(profile.movementDamper)},
@@ -286,7 +284,7 @@ bool MainWindow::SaveDeviceSettings() {
       {"Mouse Wheel Bank", mouseWheel.index},
       {"Mouse Always Active", profile.mouseAlwaysActive ? 1u : 0u},
   };
-  RegistryKey key(platform::HKEY_CURRENT_USER, DeviceKey(device.SelectedName()), true);
+  RegistryKey key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), true);
   for (const auto& entry : values) key.SetDword(nullptr, entry.name, entry.value);
   return true;
 }
