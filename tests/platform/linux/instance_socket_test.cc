@@ -1,0 +1,208 @@
+#include "app/platform/linux/instance_socket.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A connection as any program can make one.
+int ConnectTo(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strcpy(address.sun_path, path.c_str());
+  const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+  EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  return fd;
+}
+
+// Asks for the windows as AskWindows does; bytes of the answer, 0 for none.
+ssize_t AskByHand(const std::string& path) {
+  const std::uint32_t request[] = {0x4B56494E, 1, 0, 0, 0, 0};
+  const int fd = ConnectTo(path);
+  EXPECT_EQ(send(fd, request, sizeof request, MSG_NOSIGNAL), 24);
+  char answer[4096];
+  const ssize_t size = recv(fd, answer, sizeof answer, 0);
+  close(fd);
+  return size < 0 ? 0 : size;  // a connection that was closed in our face is an answer, too
+}
+
+class InstanceSocketTest : public testing::Test {
+ protected:
+  InstanceSocketTest() {
+    char name[] = "/tmp/kelvaro-instances-XXXXXX";
+    folder = mkdtemp(name);
+  }
+  ~InstanceSocketTest() override { fs::remove_all(folder); }
+
+  std::unique_ptr<InstanceSocket> Open() {
+    return InstanceSocket::Open(
+        folder,
+        [] {
+          return std::vector<OfferedWindow>{{1, true, false}, {2, false, true}, {3, false, false}};
+        },
+        [this](WindowHandle window, std::uint32_t message) {
+          const std::lock_guard<std::mutex> guard(mutex);
+          posted.emplace_back(window, message);
+          return window != 9;
+        });
+  }
+
+  std::string OwnSocket() const { return folder + "/" + std::to_string(getpid()) + ".socket"; }
+
+  int Connect() const { return ConnectTo(OwnSocket()); }
+
+  const std::uint32_t self = static_cast<std::uint32_t>(getpid());
+  std::string folder;
+  std::mutex mutex;
+  std::vector<std::pair<WindowHandle, std::uint32_t>> posted;  // guarded by mutex
+};
+
+TEST_F(InstanceSocketTest, TellsItsWindowsAndTheirStates) {
+  const auto socket = Open();
+  ASSERT_TRUE(socket);
+  std::vector<OfferedWindow> windows;
+  ASSERT_TRUE(AskWindows(folder, self, &windows));
+  ASSERT_EQ(windows.size(), 3u);
+  EXPECT_EQ(windows[0].window, 1u);
+  EXPECT_TRUE(windows[0].visible && !windows[0].iconic);
+  EXPECT_TRUE(!windows[1].visible && windows[1].iconic);
+  EXPECT_TRUE(!windows[2].visible && !windows[2].iconic);
+}
+
+TEST_F(InstanceSocketTest, HandsOnWhatIsPosted) {
+  const auto socket = Open();
+  ASSERT_TRUE(PostToInstance(folder, self, 2, 0x10));
+  ASSERT_TRUE(PostToInstance(folder, self, 1, 0x8007));
+  EXPECT_FALSE(PostToInstance(folder, self, 9, 0x8007));  // a window that isn't there
+  const std::vector<std::pair<WindowHandle, std::uint32_t>> expected = {
+      {2, 0x10}, {1, 0x8007}, {9, 0x8007}};
+  const std::lock_guard<std::mutex> guard(mutex);
+  EXPECT_EQ(posted, expected);
+}
+
+TEST_F(InstanceSocketTest, IsForItsOwnerAlone) {
+  const auto socket = Open();
+  struct stat status {};
+  ASSERT_EQ(stat(OwnSocket().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(InstanceSocketTest, GoesWithItsObjectAndCanBeOpenedAgain) {
+  Open().reset();
+  EXPECT_FALSE(fs::exists(OwnSocket()));
+  std::ofstream(OwnSocket()) << "left behind by a crash";
+  const auto socket = Open();
+  ASSERT_TRUE(socket);
+  std::vector<OfferedWindow> windows;
+  EXPECT_TRUE(AskWindows(folder, self, &windows));
+}
+
+TEST_F(InstanceSocketTest, CannotBeOpenedWhereThereIsNoFolderOrItsNameIsTooLong) {
+  EXPECT_FALSE(InstanceSocket::Open(
+      "", [] { return std::vector<OfferedWindow>(); }, nullptr));
+  EXPECT_FALSE(InstanceSocket::Open(
+      folder + "/gone", [] { return std::vector<OfferedWindow>(); }, nullptr));
+  EXPECT_FALSE(InstanceSocket::Open(
+      "/tmp/" + std::string(120, 'x'), [] { return std::vector<OfferedWindow>(); }, nullptr));
+}
+
+TEST_F(InstanceSocketTest, GarbageDoesNothing) {
+  const auto socket = Open();
+  const std::string packets[] = {std::string(1, 'x'), std::string(24, '\0'),
+                                 std::string(24, '\xFF'), std::string(25, 'x'),
+                                 std::string(60000, 'y')};
+  for (int round = 0; round < 20; ++round) {
+    for (const std::string& packet : packets) {
+      const int fd = Connect();
+      EXPECT_EQ(send(fd, packet.data(), packet.size(), MSG_NOSIGNAL),
+                static_cast<ssize_t>(packet.size()));
+      char answer;
+      EXPECT_LE(recv(fd, &answer, 1, 0), 0);  // closed without an answer
+      close(fd);
+    }
+    close(Connect());  // and one that says nothing
+  }
+  std::vector<OfferedWindow> windows;
+  EXPECT_TRUE(AskWindows(folder, self, &windows));
+  const std::lock_guard<std::mutex> guard(mutex);
+  EXPECT_TRUE(posted.empty());
+}
+
+TEST_F(InstanceSocketTest, OneThatSaysNothingHoldsUpTheOthersForAMomentOnly) {
+  const auto socket = Open();
+  const int silent = Connect();
+  std::vector<OfferedWindow> windows;
+  EXPECT_TRUE(AskWindows(folder, self, &windows));
+  close(silent);
+}
+
+// What another program sees: run by the test below from a copy of this one.
+TEST(DISABLED_AnotherProgram, AsksAndIsToldNothing) {
+  const char* const path = std::getenv("KELVARO_TEST_SOCKET");
+  ASSERT_TRUE(path);
+  EXPECT_EQ(AskByHand(path), 0);
+}
+
+TEST_F(InstanceSocketTest, AnotherProgramIsNotListenedTo) {
+  const auto socket = Open();
+  EXPECT_EQ(AskByHand(OwnSocket()), 8 + 3 * 8);  // this one is
+  const std::string path = OwnSocket();
+  const std::string other = folder + "/another-program";
+  fs::copy_file("/proc/self/exe", other);
+  const pid_t child = fork();
+  if (child == 0) {
+    setenv("KELVARO_TEST_SOCKET", path.c_str(), 1);
+    execl(other.c_str(), other.c_str(), "--gtest_also_run_disabled_tests",
+          "--gtest_filter=DISABLED_AnotherProgram.*", nullptr);
+    _exit(127);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+TEST_F(InstanceSocketTest, AnInstanceThatIsGoneIsNotAskedAndItsSocketIsRemoved) {
+  const pid_t child = fork();
+  if (child == 0) _exit(0);
+  waitpid(child, nullptr, 0);
+  const std::string left = folder + "/" + std::to_string(child) + ".socket";
+  std::ofstream(left) << "";
+  std::ofstream(folder + "/other file") << "";
+  const auto socket = Open();
+  EXPECT_EQ(Instances(folder), std::vector<std::uint32_t>{self});
+  EXPECT_FALSE(fs::exists(left));
+  EXPECT_TRUE(fs::exists(folder + "/other file"));
+  std::vector<OfferedWindow> windows;
+  EXPECT_FALSE(AskWindows(folder, static_cast<std::uint32_t>(child), &windows));
+  EXPECT_FALSE(PostToInstance(folder, static_cast<std::uint32_t>(child), 1, 0x10));
+}
+
+TEST(InstanceFolder, IsTheUsersOwnAndInTheRuntimeFolder) {
+  char name[] = "/tmp/kelvaro-runtime-XXXXXX";
+  const std::string runtime = mkdtemp(name);
+  setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
+  EXPECT_EQ(InstanceFolder(), runtime + "/kelvaro");
+  struct stat status {};
+  ASSERT_EQ(stat((runtime + "/kelvaro").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700u);
+  chmod((runtime + "/kelvaro").c_str(), 0777);  // anybody could put a socket there
+  EXPECT_EQ(InstanceFolder(), "");
+  unsetenv("XDG_RUNTIME_DIR");
+  fs::remove_all(runtime);
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,208 @@
+#include "app/platform/linux/linux_processes.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "app/platform/linux/linux_files.h"
+#include "app/platform/linux/linux_threads.h"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LinuxProcessesTest : public testing::Test {
+ protected:
+  LinuxProcessesTest() {
+    char name[] = "/tmp/kelvaro-processes-XXXXXX";
+    folder = mkdtemp(name);
+  }
+  ~LinuxProcessesTest() override { fs::remove_all(folder); }
+
+  std::string Script(const std::string& name, const std::string& text) {
+    const std::string path = folder + "/" + name;
+    std::ofstream(path) << text;
+    chmod(path.c_str(), 0755);
+    return path;
+  }
+
+  // Runs it to its end; its exit status, or -1 when it didn't start.
+  std::int32_t Run(const std::string& program, const std::string& arguments,
+                   const std::string* wantedFolder = nullptr) {
+    PROCESS_INFORMATION process;
+    if (!processes.CreateProcessA(program, "\"" + program + "\" " + arguments, CREATE_NEW_CONSOLE,
+                                  wantedFolder, &process))
+      return -1;
+    EXPECT_EQ(threads.WaitForSingleObject(process.hProcess, 20000), WAIT_OBJECT_0);
+    std::uint32_t status = 0;
+    EXPECT_TRUE(threads.GetExitCodeThread(process.hProcess, &status));
+    EXPECT_TRUE(threads.CloseHandle(process.hProcess));
+    return static_cast<std::int32_t>(status);
+  }
+
+  std::string Written() {
+    std::ifstream file(folder + "/out");
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+  }
+
+  std::string folder;
+  LinuxThreads threads;
+  LinuxFiles files;
+  LinuxProcesses processes{threads, std::string()};
+};
+
+TEST_F(LinuxProcessesTest, ListsThisProcessWithItsProgramsFile) {
+  std::vector<RunningProcess> list;
+  ASSERT_TRUE(processes.ListProcesses(&list));
+  const auto own = std::find_if(list.begin(), list.end(), [&](const RunningProcess& process) {
+    return process.id == processes.GetCurrentProcessId();
+  });
+  ASSERT_NE(own, list.end());
+  EXPECT_EQ(own->path, fs::read_symlink("/proc/self/exe").string());
+}
+
+TEST_F(LinuxProcessesTest, DoesNotListAProcessThatHasEndedAndWasNotWaitedFor) {
+  const pid_t child = fork();
+  if (child == 0) _exit(0);
+  siginfo_t ended{};
+  ASSERT_EQ(waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
+  std::vector<RunningProcess> list;
+  ASSERT_TRUE(processes.ListProcesses(&list));
+  for (const RunningProcess& process : list)
+    EXPECT_NE(process.id, static_cast<std::uint32_t>(child));
+  waitpid(child, nullptr, 0);
+}
+
+TEST_F(LinuxProcessesTest, GivesTheProgramItsWordsAndTellsItsExitStatus) {
+  const std::string script =
+      Script("words", "#!/bin/sh\nprintf '<%s>' \"$@\" >" + folder + "/out\nexit 7\n");
+  EXPECT_EQ(Run(script, "-map \"My Level\" '$HOME' \"\""), 7);
+  EXPECT_EQ(Written(), "<-map><My Level><'$HOME'><>");
+}
+
+TEST_F(LinuxProcessesTest, RunsAScriptThatNamesNoInterpreterInTheShell) {
+  const std::string script = Script("plain", "printf '%s' \"$1\" >" + folder + "/out\nexit 3\n");
+  EXPECT_EQ(Run(script, "\"one word\""), 3);
+  EXPECT_EQ(Written(), "one word");
+}
+
+TEST_F(LinuxProcessesTest, LooksAProgramWithoutAFolderUpInThePath) {
+  EXPECT_EQ(Run("true", ""), 0);
+  EXPECT_EQ(Run("false", ""), 1);
+}
+
+TEST_F(LinuxProcessesTest, StartsInTheFolderAskedForAndInItsOwnForAnEmptyOne) {
+  const std::string script = Script("where", "#!/bin/sh\npwd >" + folder + "/out\n");
+  EXPECT_EQ(Run(script, "", &folder), 0);
+  EXPECT_EQ(Written(), folder + "\n");
+  const std::string none;
+  EXPECT_EQ(Run(script, "", &none), 0);
+  EXPECT_EQ(Written(), fs::current_path().string() + "\n");
+}
+
+TEST_F(LinuxProcessesTest, TellsTheSystemsErrorOfAProgramThatCannotBeStarted) {
+  const std::string nowhere = folder + "/gone";
+  const std::string plain = folder + "/not-executable";
+  std::ofstream(plain) << "text";
+  PROCESS_INFORMATION process;
+  EXPECT_FALSE(processes.CreateProcessA(nowhere, nowhere, 0, nullptr, &process));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  EXPECT_FALSE(processes.CreateProcessA(plain, plain, 0, nullptr, &process));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EACCES));
+  EXPECT_FALSE(processes.CreateProcessA("/bin/true", "true", 0, &nowhere, &process));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  EXPECT_FALSE(processes.CreateProcessA("kelvaro-no-such-program", "x", 0, nullptr, &process));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  EXPECT_FALSE(processes.CreateProcessA("", "x", 0, nullptr, &process));
+  EXPECT_EQ(process.hProcess, kInvalidHandle);
+}
+
+TEST_F(LinuxProcessesTest, TheNewProcessHasItsOwnSessionAndNothingOfOurs) {
+  const int open = ::open("/dev/null", O_RDONLY);  // without the flag that closes it at exec
+  signal(SIGUSR1, SIG_IGN);
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR2);
+  pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+  const std::string script = Script(
+      "look",
+      "#!/bin/sh\n{ ls /proc/self/fd | wc -l; cut -d' ' -f6 /proc/$$/stat; echo $$; "
+      "grep -E '^Sig(Ign|Blk)' /proc/$$/status; grep 'realtime timeout' /proc/$$/limits; } >" +
+          folder + "/out\n");
+  const int result = Run(script, "");
+  pthread_sigmask(SIG_UNBLOCK, &blocked, nullptr);
+  signal(SIGUSR1, SIG_DFL);
+  close(open);
+  ASSERT_EQ(result, 0);
+  std::istringstream out(Written());
+  std::string descriptors, session, process, line;
+  out >> descriptors >> session >> process;
+  EXPECT_EQ(descriptors, "4");  // the three, and the one that ls itself reads the folder with
+  EXPECT_EQ(session, process);
+  const std::string rest((std::istreambuf_iterator<char>(out)), {});
+  EXPECT_NE(rest.find("SigBlk:\t0000000000000000"), std::string::npos) << rest;
+  EXPECT_NE(rest.find("SigIgn:\t0000000000000000"), std::string::npos) << rest;
+}
+
+TEST_F(LinuxProcessesTest, TheNewProcessIsNotOfARaisedPriority) {
+  const int before = getpriority(PRIO_PROCESS, 0);
+  if (setpriority(PRIO_PROCESS, 0, -10) != 0) GTEST_SKIP() << "no right to raise a priority here";
+  const std::string script = Script("nice", "#!/bin/sh\nnice >" + folder + "/out\n");
+  EXPECT_EQ(Run(script, ""), 0);
+  setpriority(PRIO_PROCESS, 0, before);
+  EXPECT_EQ(Written(), "0\n");
+}
+
+TEST_F(LinuxProcessesTest, NothingIsLeftOfAProcessThatHasEndedWithoutAHandle) {
+  PROCESS_INFORMATION process;
+  ASSERT_TRUE(processes.CreateProcessA("sleep", "sleep 0.2", 0, nullptr, &process));
+  threads.CloseHandle(process.hProcess);
+  for (int i = 0; i < 500 && kill(static_cast<pid_t>(process.dwProcessId), 0) == 0; ++i)
+    usleep(10000);
+  EXPECT_NE(kill(static_cast<pid_t>(process.dwProcessId), 0), 0);
+}
+
+TEST_F(LinuxProcessesTest, AProcessThatIsKilledTellsTheSignal) {
+  const std::string script = Script("killed", "#!/bin/sh\nkill -9 $$\n");
+  EXPECT_EQ(Run(script, ""), 128 + SIGKILL);
+}
+
+TEST_F(LinuxProcessesTest, ItsOwnWindowsAreListedAndPostedToWithoutASocket) {
+  WindowHandle posted = 0;
+  std::uint32_t message = 0;
+  EXPECT_FALSE(processes.OfferWindows(
+      [] {
+        return std::vector<OfferedWindow>{{5, true, false}, {6, false, true}};
+      },
+      [&](WindowHandle window, std::uint32_t what) {
+        posted = window;
+        message = what;
+        return true;
+      }));  // no folder, no socket
+  std::vector<TopLevelWindow> windows;
+  ASSERT_TRUE(processes.EnumWindows(&windows));
+  ASSERT_EQ(windows.size(), 2u);
+  EXPECT_EQ(windows[1].processId, processes.GetCurrentProcessId());
+  EXPECT_FALSE(windows[1].visible);
+  EXPECT_TRUE(windows[1].iconic);
+  EXPECT_TRUE(processes.PostToWindow(windows[1].window, 0x8007));
+  EXPECT_EQ(posted, 6u);
+  EXPECT_EQ(message, 0x8007u);
+}
+
+}  // namespace
+}  // namespace platform
