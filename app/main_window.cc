@@ -57,7 +57,7 @@ std::uint32_t FlagsOnPage(std::uint32_t id) {
 
 }  // namespace
 
-MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow) {
+MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow), WorkerThread("launcher") {
   windowIcon = platform::LoadIconA(resources::kIcon);
   platform::SetPriorityClass(platform::HIGH_PRIORITY_CLASS);
   platform::SetCurrentThreadPriority(platform::THREAD_PRIORITY_TIME_CRITICAL);
@@ -216,6 +216,7 @@ void MainWindow::Cleanup() {
     minimiseHook = 0;
   }
   if (engine) engine->repeatWorker.Stop();
+  WorkerThread::Stop();
   SaveAppSettings();
   // The pointer goes last: until the manager has ended, the notification thread looks at it.
   delete deviceManager.get();
@@ -337,6 +338,8 @@ void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::in
       return ShowDeviceWarning();
     case WM_CLOSE_PROGRAM:
       return OnCancel();
+    case WM_START_LAUNCH:
+      return OnStartLaunch();
     case WM_SHOW_WELCOME:
       return ShowWelcome();
     default:

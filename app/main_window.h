@@ -5,7 +5,8 @@
 // Sources: main_window.cc brings it to life and ends it and hands events on; app_settings.cc what
 // is remembered; notification_area.cc the icon and hiding; tool_tips.cc; profile_operations.cc the
 // row of profiles and the device of a profile; mouse_tab.cc and device_tab.cc those tabs;
-// control_list.cc the Control tab; command_line.cc what a shortcut asks for.
+// control_list.cc the Control tab; command_line.cc what a shortcut asks for; launching.cc the game
+// that it starts.
 #pragma once
 
 #include <cstdint>
@@ -22,6 +23,7 @@
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
 #include "foundation/relaxed.h"
+#include "foundation/worker_thread.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro {
@@ -38,7 +40,7 @@ constexpr std::uint32_t WM_SHOW_WELCOME = 0x8009;
 
 constexpr char kNoDeviceText[] = "-- None --";
 
-class MainWindow : public ResizableDialog, private EngineHost {
+class MainWindow : public ResizableDialog, private WorkerThread, private EngineHost {
  public:
   enum Tab : std::uint16_t { kControlTab, kMouseTab, kDeviceTab, kSettingsTab };
 
@@ -66,6 +68,7 @@ class MainWindow : public ResizableDialog, private EngineHost {
   std::string OnToolTip(std::uint32_t id) override;
   void OnDestroy() override;
   void Layout(const platform::Rect& client) override;
+  std::uint32_t Run() override;  // LaunchTarget, on the thread "launcher"
 
  private:
   friend class MainWindowTest;  // looks at members; drives the window from outside
@@ -172,6 +175,11 @@ class MainWindow : public ResizableDialog, private EngineHost {
   // --- command_line.cc
   void LoadQuoteChars();
   void ParseCommandLine();
+
+  // --- launching.cc
+  void OnStartLaunch();
+  void CloseOtherInstances();
+  std::uint32_t LaunchTarget();
 
   // EngineHost
   bool ControlDialogOpen() const override;
