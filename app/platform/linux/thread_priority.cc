@@ -105,6 +105,10 @@ bool EnterRealtime() {
   return RealtimeKit::Instance().MakeRealtime(gettid(), kRealtimeRank);
 }
 
+// The one that draws: a long drawing would overrun the limit on real-time threads, which then takes
+// the real-time scheduling from all of them.
+bool IsFirstThread() { return gettid() == getpid(); }
+
 bool SetNice(std::int32_t priority) {
   const int nice = std::clamp(NiceOfProcess() - priority, kLowestNice, kHighestNice);
   if (setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), nice) == 0) return true;
@@ -117,8 +121,12 @@ bool SetPriorityOfCurrentThread(std::int32_t priority) {
   if (priority < -kHighestPriority || priority > kHighestPriority) return false;
   if (priority == currentPriority) return true;
   const bool timeCritical = priority == THREAD_PRIORITY_TIME_CRITICAL;
-  if (!timeCritical || !EnterRealtime()) {
-    if (!SetNice(priority)) return false;
+  if (!timeCritical || IsFirstThread() || !EnterRealtime()) {
+    if (!SetNice(priority)) {
+      // Kept for the threads that it starts, which may be granted more.
+      if (timeCritical && IsFirstThread()) currentPriority = priority;
+      return false;
+    }
     if (currentPriority == THREAD_PRIORITY_TIME_CRITICAL) {
       const sched_param none{};
       sched_setscheduler(0, SCHED_OTHER, &none);

@@ -1,14 +1,17 @@
 // Priorities of the calling thread, -15 to 15. THREAD_PRIORITY_TIME_CRITICAL is real-time
 // scheduling at a low rank where the system allows that or RealtimeKit grants it, otherwise a nice
 // value of -15 below the process's; every other priority p is a nice value of -p. Children of a
-// real-time thread start as ordinary ones.
+// real-time thread start as ordinary ones. The process's first thread, the one with a user
+// interface, is never a real-time one: there time-critical is the nice value alone.
 #pragma once
 
 #include <cstdint>
 
 namespace platform {
 
-// False, with the thread as it was, outside the range and where the system refuses.
+// False, with the thread as it was, outside the range and where the system refuses. The first
+// thread tells THREAD_PRIORITY_TIME_CRITICAL as its own even then, so that threads which it starts
+// at its priority ask for real-time scheduling themselves.
 bool SetPriorityOfCurrentThread(std::int32_t priority);
 
 // The one last set, 0 if none was.

@@ -5,6 +5,10 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
 #include <thread>
 
 #include "app/platform/threads.h"
@@ -72,6 +76,108 @@ TEST(ThreadPriority, AChildOfATimeCriticalThreadStartsAsAnOrdinaryOne) {
       EXPECT_EQ(NiceNow(), nice);
     }).join();
   }).join();
+}
+
+// What is said of a process's first thread, and of its class, is true of a process that has done
+// nothing yet: each of these looks at one of its own. Its failures show in its error output.
+#define EXPECT_HOLDS(condition)                      \
+  if (!(condition)) {                                \
+    std::cerr << "not so: " #condition << std::endl; \
+    _exit(1);                                        \
+  }
+
+void InANewProcess(const std::function<void()>& look) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a program of its own, not a fork of this one
+  EXPECT_EXIT((look(), _exit(0)), testing::ExitedWithCode(0), "");
+}
+
+// Takes away every way to a better priority.
+void BecomeNobody() {
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere", 1);
+  const rlimit none{};
+  setrlimit(RLIMIT_NICE, &none);
+  setrlimit(RLIMIT_RTPRIO, &none);
+  if (geteuid() == 0 && setuid(65534) != 0) _exit(2);
+}
+
+TEST(FirstThreadPriority, TimeCriticalIsANiceValueThere) {
+  InANewProcess([] {
+    const int nice = NiceNow();
+    const bool set = SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL);
+    EXPECT_HOLDS(sched_getscheduler(0) == SCHED_OTHER);
+    EXPECT_HOLDS(NiceNow() == (set ? std::max(nice - 15, -20) : nice));
+    EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_TIME_CRITICAL);
+  });
+}
+
+TEST(FirstThreadPriority, IsTimeCriticalForThoseItStartsEvenWhereTheNiceValueIsRefused) {
+  InANewProcess([] {
+    BecomeNobody();
+    const int nice = NiceNow();
+    EXPECT_HOLDS(!SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL));
+    EXPECT_HOLDS(NiceNow() == nice);
+    EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_TIME_CRITICAL);
+    std::thread([] {
+      EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_NORMAL);
+      EXPECT_HOLDS(!SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL));
+      EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_NORMAL);
+    }).join();
+  });
+}
+
+TEST(FirstThreadPriority, AnyOtherOneThatIsRefusedLeavesItAsItWas) {
+  InANewProcess([] {
+    BecomeNobody();
+    EXPECT_HOLDS(!SetPriorityOfCurrentThread(14));
+    EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_NORMAL);
+  });
+}
+
+TEST(FirstThreadPriority, GoesBackToNormal) {
+  InANewProcess([] {
+    const int nice = NiceNow();
+    SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL);
+    EXPECT_HOLDS(SetPriorityOfCurrentThread(THREAD_PRIORITY_NORMAL));
+    EXPECT_HOLDS(PriorityOfCurrentThread() == THREAD_PRIORITY_NORMAL);
+    EXPECT_HOLDS(NiceNow() == nice);
+  });
+}
+
+TEST(PriorityClass, HighIsANiceValueThatThreadsCountOnFrom) {
+  InANewProcess([] {
+    const int nice = NiceNow();
+    if (!SetPriorityClassOfProcess(HIGH_PRIORITY_CLASS)) {
+      EXPECT_HOLDS(NiceNow() == nice);
+      return;
+    }
+    EXPECT_HOLDS(NiceNow() == -10);
+    EXPECT_HOLDS(SetPriorityOfCurrentThread(-3));
+    EXPECT_HOLDS(NiceNow() == -7);
+    std::thread([] {
+      StartAtNormalPriority();
+      EXPECT_HOLDS(NiceNow() == -10);
+      EXPECT_HOLDS(SetPriorityOfCurrentThread(-2));
+      EXPECT_HOLDS(NiceNow() == -8);
+    }).join();
+  });
+}
+
+TEST(PriorityClass, ARefusalLeavesTheProcessAsItWas) {
+  InANewProcess([] {
+    BecomeNobody();
+    const int nice = NiceNow();
+    EXPECT_HOLDS(!SetPriorityClassOfProcess(HIGH_PRIORITY_CLASS));
+    EXPECT_HOLDS(NiceNow() == nice);
+  });
+}
+
+TEST(PriorityClass, TakesNoOtherClass) {
+  InANewProcess([] {
+    const int nice = NiceNow();
+    EXPECT_HOLDS(!SetPriorityClassOfProcess(0x20));
+    EXPECT_HOLDS(!SetPriorityClassOfProcess(0));
+    EXPECT_HOLDS(NiceNow() == nice);
+  });
 }
 
 }  // namespace
