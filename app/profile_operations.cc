@@ -75,7 +75,7 @@ void MainWindow::OnProfileSelected() {
     const ByteString name = TextOf(platform::ComboGetLBText(window, kProfileList, row));
     // Before the load: one that can't be read is remembered, too.
     RememberLastProfile(name);
-    if (LoadProfile(name)) return;
+    if (LoadProfile(name) || shuttingDown) return;
     platform::ComboDeleteString(window, kProfileList, row);
     platform::ComboSetCurSel(window, kProfileList, 0);
   }
@@ -171,7 +171,10 @@ void MainWindow::ListNewProfile(const ByteString& name) {
 
 void MainWindow::OnNewProfile() {
   NewProfileDialog dialog;
-  if (dialog.DoModal(window) != platform::IDOK || !ValidateNewProfileName(dialog.name)) return;
+  if (dialog.DoModal(window) != platform::IDOK || shuttingDown ||
+      !ValidateNewProfileName(dialog.name)) {
+    return;
+  }
 
   engine->repeatWorker.Clear();
   bool saved = false;
@@ -193,6 +196,7 @@ void MainWindow::OnNewProfile() {
   }
   Box(Around(kCreationText, dialog.name, kQuoteEnd), kCreationCaption,
       platform::MB_ICONEXCLAMATION);
+  if (shuttingDown) return;
   ClearProfile();
   const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
   if (row == platform::kNoRow) return;
@@ -204,7 +208,7 @@ void MainWindow::OnDeleteProfile() {
   const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
   if (row == platform::kNoRow) return;
   const ByteString name = profile.profileName;
-  if (DeleteProfileDialog(name).DoModal(window) != platform::IDOK) return;
+  if (DeleteProfileDialog(name).DoModal(window) != platform::IDOK || shuttingDown) return;
 
   engine->repeatWorker.Clear();
   bool deleted = false;
@@ -228,7 +232,10 @@ void MainWindow::OnDeleteProfile() {
 void MainWindow::OnCopyProfile() {
   if (platform::ComboGetCurSel(window, kProfileList) == platform::kNoRow) return;
   ProfileNameDialog dialog(kCopyTitle, kCopyFirstPart, profile.profileName);
-  if (dialog.DoModal(window) != platform::IDOK || !ValidateNewProfileName(dialog.name)) return;
+  if (dialog.DoModal(window) != platform::IDOK || shuttingDown ||
+      !ValidateNewProfileName(dialog.name)) {
+    return;
+  }
 
   {
     LockGuard guard(profile.profileLock);
@@ -243,7 +250,10 @@ void MainWindow::OnRenameProfile() {
   if (row == platform::kNoRow) return;
   const ByteString oldName = profile.profileName;
   ProfileNameDialog dialog(kRenameTitle, kRenameFirstPart, oldName);
-  if (dialog.DoModal(window) != platform::IDOK || !ValidateNewProfileName(dialog.name)) return;
+  if (dialog.DoModal(window) != platform::IDOK || shuttingDown ||
+      !ValidateNewProfileName(dialog.name)) {
+    return;
+  }
 
   platform::ComboDeleteString(window, kProfileList, row);
   {
