@@ -7,6 +7,7 @@ namespace kelvaro::resources {
 namespace {
 
 using platform::ControlTemplate;
+using platform::DialogTemplate;
 using platform::IDCANCEL;
 using platform::IDOK;
 using enum platform::ControlKind;
@@ -40,14 +41,14 @@ constexpr ControlTemplate kShiftKeyRequiredControls[] = {
     {Label, 1300,
      "You have entered one or more keys that require a shift key press in order to replay "
      "properly. Are you sure you want to use an uppercase character in this control?",
-     7, 7, 236, 36, kStyleWrap},
-    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 49, 236, 10},
-    {Button, IDOK, "&Yes", 139, 68, 50, 14, kStyleDefault},
-    {Button, IDCANCEL, "&No", 193, 68, 50, 14},
+     7, 7, 236, 28, kStyleWrap},
+    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 41, 236, 12},
+    {Button, IDOK, "&Yes", 139, 61, 50, 14, kStyleDefault},
+    {Button, IDCANCEL, "&No", 193, 61, 50, 14},
 };
 
 constexpr ControlTemplate kAdvancedSettingsControls[] = {
-    {CheckBox, 1199, "&Auto-detect device plugin", 7, 9, 166, 10},
+    {CheckBox, 1199, "&Auto-detect device plugin", 7, 8, 166, 12},
     {Button, IDOK, "OK", 69, 30, 50, 14, kStyleDefault},
     {Button, IDCANCEL, "Cancel", 123, 30, 50, 14},
 };
@@ -67,9 +68,9 @@ constexpr ControlTemplate kAutoDetectModeControls[] = {
      "You can exit auto-detect mode by pressing the spacebar on your keyboard, by pressing any "
      "two buttons simultaneously on your controller, or by unchecking the detect box with your "
      "mouse.",
-     7, 40, 246, 36, kStyleWrap},
-    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 82, 246, 10},
-    {Button, IDOK, "OK", 203, 100, 50, 14, kStyleDefault},
+     7, 41, 246, 28, kStyleWrap},
+    {CheckBox, kDontShowAgain, "&Don't show this again", 7, 75, 246, 12},
+    {Button, IDOK, "OK", 203, 95, 50, 14, kStyleDefault},
 };
 
 constexpr platform::MenuItem kFloater[] = {
@@ -78,28 +79,34 @@ constexpr platform::MenuItem kFloater[] = {
     {"Show Kelvaro", 32771},
 };
 
-constexpr const platform::DialogTemplate* kDialogs[] = {
+// Of one size.
+consteval DialogTemplate Fixed(std::uint32_t id, const char* title, std::int16_t width,
+                               std::int16_t height, std::span<const ControlTemplate> controls) {
+  return {id, title, width, height, 0, controls};
+}
+
+constexpr const DialogTemplate* kDialogs[] = {
     &kMainWindow,       &kDefineControl,    &kNewProfile, &kDeleteProfile,  &kProfileName,
     &kShiftKeyRequired, &kAdvancedSettings, &kWelcome,    &kAutoDetectMode,
 };
 
 }  // namespace
 
-constinit const platform::DialogTemplate kNewProfile = {137, "New Profile",      200, 61,
-                                                        0,   kNewProfileControls};
-constinit const platform::DialogTemplate kDeleteProfile = {138, "Delete Profile",      200, 75,
-                                                           0,   kDeleteProfileControls};
-// Its title says what the name is for.
-constinit const platform::DialogTemplate kProfileName = {147, "Rename Profile",    200, 82,
-                                                         0,   kProfileNameControls};
-constinit const platform::DialogTemplate kShiftKeyRequired = {
-    149, "Shift Key Required", 250, 89, 0, kShiftKeyRequiredControls};
-constinit const platform::DialogTemplate kAdvancedSettings = {
-    150, "Advanced Settings", 180, 51, 0, kAdvancedSettingsControls};
-constinit const platform::DialogTemplate kWelcome = {151, "Welcome to Kelvaro", 320, 227,
-                                                     0,   kWelcomeControls};
-constinit const platform::DialogTemplate kAutoDetectMode = {152, "Auto-Detect Mode",     260, 121,
-                                                            0,   kAutoDetectModeControls};
+constinit const DialogTemplate kNewProfile =
+    Fixed(137, "New Profile", 200, 61, kNewProfileControls);
+constinit const DialogTemplate kDeleteProfile =
+    Fixed(138, "Delete Profile", 200, 75, kDeleteProfileControls);
+// The program gives it a title that says what the name is for.
+constinit const DialogTemplate kProfileName =
+    Fixed(147, "Rename Profile", 200, 82, kProfileNameControls);
+constinit const DialogTemplate kShiftKeyRequired =
+    Fixed(149, "Shift Key Required", 250, 82, kShiftKeyRequiredControls);
+constinit const DialogTemplate kAdvancedSettings =
+    Fixed(150, "Advanced Settings", 180, 51, kAdvancedSettingsControls);
+constinit const DialogTemplate kWelcome =
+    Fixed(151, "Welcome to Kelvaro", 320, 227, kWelcomeControls);
+constinit const DialogTemplate kAutoDetectMode =
+    Fixed(152, "Auto-Detect Mode", 260, 116, kAutoDetectModeControls);
 
 std::span<const platform::DialogTemplate* const> Dialogs() { return kDialogs; }
 

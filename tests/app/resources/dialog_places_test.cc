@@ -128,7 +128,7 @@ TEST_P(EveryView, GivesControlsOfAKindOneHeight) {
         break;
       case CheckBox:
       case RadioButton:
-        EXPECT_EQ(control.height, 10);
+        EXPECT_EQ(control.height, 12);
         break;
       case Label:
       case Link:
