@@ -38,7 +38,7 @@ class Registry {
   // The same, and makes every key of the path that is missing. ERROR_ACCESS_DENIED where it must
   // not.
   virtual std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened) = 0;
-  // A success without effect for the two that are always open.
+  // A success without effect for those that are always open.
   virtual std::uint32_t RegCloseKey(HKEY key) = 0;
 
   // *size: bytes of room in `data`; afterwards the value's own. ERROR_MORE_DATA, with `data` as it

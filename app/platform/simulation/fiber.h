@@ -10,7 +10,7 @@ namespace platform::simulation {
 // Stacks of one size with a guard page below each, kept for the next fiber.
 class StackPool {
  public:
-  static constexpr std::size_t kStackSize = std::size_t{256} * 1024;
+  static constexpr std::size_t kStackSize = std::size_t{1024} * 1024;
 
   StackPool() = default;
   ~StackPool();

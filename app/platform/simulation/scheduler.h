@@ -17,7 +17,7 @@
 namespace platform::simulation {
 
 // Places at equal times.
-enum class Rank : std::uint8_t { Timer, Notification, Repeat, Other, Outermost };
+enum class Rank : std::uint8_t { Timer, Notification, Repeat, Other, UserInterface, Outermost };
 
 struct VirtualThread;
 

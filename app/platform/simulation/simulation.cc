@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <deque>
 #include <map>
 #include <utility>
 
@@ -66,27 +65,6 @@ class KeptInput final : public Input {
   Journal& journal;
 };
 
-class AnsweredDesktop final : public Desktop {
- public:
-  explicit AnsweredDesktop(Journal& journal) : journal(journal) {}
-
-  std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
-                           std::uint32_t type) override {
-    if (journal.Enter("MessageBoxA", caption)) return 0;
-    shown.push_back({owner, text, caption, type});
-    if (answers.empty()) return 0;
-    const std::int32_t answer = answers.front();
-    answers.pop_front();
-    return answer;
-  }
-
-  std::vector<ShownMessageBox> shown;
-  std::deque<std::int32_t> answers;
-
- private:
-  Journal& journal;
-};
-
 class ListedMessages final : public System {
  public:
   explicit ListedMessages(Journal& journal) : journal(journal) {}
@@ -132,7 +110,9 @@ struct Simulation::Machine {
     all.files = &disk;
     all.system = &system;
     all.registry = &registry;
-    all.desktop = &desktop;
+    all.desktop = &screen.Desktop();
+    all.controls = &screen.Controls();
+    all.shell = &screen.Shell();
     return all;
   }
 
@@ -147,7 +127,7 @@ struct Simulation::Machine {
   VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
   VirtualRegistry registry{&journal};
-  AnsweredDesktop desktop{journal};
+  simulation::Screen screen{scheduler, journal};
   const platform::Platform groups = Gathered();
   const InstalledPlatform installed{groups};
 };
@@ -174,6 +154,8 @@ SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
 }
 
 VirtualDisk& Simulation::Disk() { return machine->disk; }
+
+simulation::Screen& Simulation::Screen() { return machine->screen; }
 
 VirtualRegistry& Simulation::Registry() { return machine->registry; }
 
@@ -213,12 +195,10 @@ void Simulation::SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs) {
   machine->timers.limits = {minMs, maxMs};
 }
 
-void Simulation::AnswerMessageBox(std::int32_t button) {
-  machine->desktop.answers.push_back(button);
-}
+void Simulation::AnswerMessageBox(std::int32_t button) { machine->screen.AnswerNext(button); }
 
 const std::vector<ShownMessageBox>& Simulation::MessageBoxes() const {
-  return machine->desktop.shown;
+  return machine->screen.Boxes();
 }
 
 void Simulation::SetSystemMessage(std::uint32_t code, const std::string& text) {

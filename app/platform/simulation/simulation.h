@@ -1,8 +1,9 @@
 // The whole machine in memory. Time is virtual and moves only when every thread waits; threads are
 // virtual and run one at a time, each until it waits. Of those due at the same millisecond the
 // timer goes first, then the thread named "notification", then "repeat", then other threads in the
-// order of their making, and last the one that made the Simulation: the user interface, or a test.
-// The same calls give the same run. One Simulation at a time; it installs itself for its life.
+// order of their making, then the user interface that Screen runs, and last the one that made the
+// Simulation: a test. The same calls give the same run. One Simulation at a time; it installs
+// itself for its life.
 //
 // A test presses, waits and looks:
 //
@@ -23,6 +24,7 @@
 
 #include "app/platform/platform.h"
 #include "app/platform/simulation/recording.h"
+#include "app/platform/simulation/screen.h"
 #include "app/platform/simulation/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_registry.h"
@@ -46,13 +48,6 @@ struct SentEvent {
 // "120 key 41 1e 0" (vk and scan in hexadecimal, flags decimal), "120 mouse 1 4 -1 0" (flags, dx,
 // dy, data, decimal).
 std::string EventText(const SentEvent& event);
-
-struct ShownMessageBox {
-  WindowHandle owner = 0;
-  std::string text;
-  std::string caption;
-  std::uint32_t type = 0;
-};
 
 class Simulation {
  public:
@@ -91,17 +86,31 @@ class Simulation {
   void KeepEvents(bool keep);
 
   // Operations in the order in which they were called, failed ones included: those of devices, of
-  // timers, of the registry, and of threads and events except waits. Kept only after
-  // LogCalls(true). Each is its name, followed by what is listed here for some:
+  // timers, of the registry, of the desktop that a test may want in order, and of threads and
+  // events except waits. Kept only after LogCalls(true). Each is its name, followed by what is
+  // listed here for some:
   //   SetCooperativeLevel FLAGS, SetProperty AXIS MIN MAX (AXIS is its place in EnumObjects),
   //   Release DirectInput (the directory's; a device's stands alone), timeBeginPeriod MS,
   //   timeEndPeriod MS, timeSetEvent MS RESOLUTION, timeKillEvent TIMER, CreateThread NAME,
-  //   SetPriorityClass CLASS, GetExitCodeThread HANDLE, TerminateThread HANDLE CODE, SetCurrentThreadPriority PRIORITY,
-  //   CreateEventA manual (or auto), SetEvent HANDLE, ResetEvent HANDLE, CloseHandle HANDLE,
-  //   MessageBoxA CAPTION, FormatMessageA CODE, RegOpenKeyA KEY, RegCreateKeyA KEY,
-  //   RegCloseKey KEY, RegQueryValueExA KEY NAME, RegSetValueExA KEY NAME,
+  //   SetPriorityClass CLASS, GetExitCodeThread HANDLE, TerminateThread HANDLE CODE,
+  //   SetCurrentThreadPriority PRIORITY, CreateEventA manual (or auto), SetEvent HANDLE,
+  //   ResetEvent HANDLE, CloseHandle HANDLE, FormatMessageA CODE, RegOpenKeyA KEY,
+  //   RegCreateKeyA KEY, RegCloseKey KEY, RegQueryValueExA KEY NAME, RegSetValueExA KEY NAME,
   //   RegDeleteValueA KEY NAME, RegEnumValueA KEY INDEX, RegEnumKeyA KEY INDEX (KEY is the whole
-  //   path, as "HKCU\Software"; "?" where the handle isn't open)
+  //   path, as "HKCU\Software"; "?" where the handle isn't open),
+  //   MessageBoxA CAPTION, RunDialog DIALOG, EndDialog RESULT, ShowWindow COMMAND, SetTimer ID MS,
+  //   KillTimer ID, SetWindowsHookExA, UnhookWindowsHookEx, LoadIconA ID, DestroyIcon,
+  //   LoadBitmapA ID, Shell_NotifyIconA MESSAGE, GetCursorPos, GetDesktopRect, TrackPopupMenu,
+  //   PostMessageA MESSAGE, SetForegroundWindow, SetWindowIcon large (or small), MoveWindow,
+  //   InvalidateRect, UpdateWindow,
+  //   SetControlPos ID FLAGS, BeginDeferWindowPos COUNT, DeferWindowPos ID FLAGS,
+  //   EndDeferWindowPos, InvalidateControl ID, ShowControl ID COMMAND, SetControlFocus ID,
+  //   PostControlMessage ID MESSAGE, ComboAddString ID, ComboDeleteString ID ROW,
+  //   ComboSetCurSel ID ROW, ListGetColumnOrder, ListSetColumnOrder, TabSetCurSel ID TAB,
+  //   SetPicture ID, SetHandCursor, CreateToolTip, EnableToolTips, SetToolTipWidth PIXELS,
+  //   SetToolTipTime MS, ActivateToolTip,
+  //   ShellExecuteA TARGET, MessageBeep, LoadLibraryA NAME, GetHelpFunction ORDINAL,
+  //   HtmlHelp COMMAND (and a TOPIC to display)
   // All numbers are decimal. Handles and timers are numbered from 1, each apart.
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;
@@ -110,8 +119,9 @@ class Simulation {
   // The next `times` calls of that operation ("CreateThread", "timeSetEvent", "SetDataFormat",
   // "GetDeviceState", ...) fail; an operation with a result code gives `result`. A device operation
   // for which that is a success (DI_OK, DI_NOEFFECT) is carried out and then gives it. An event
-  // that is sent by a failing keybd_event or mouse_event is lost. Sleep, GetTickCount,
-  // GetCurrentThreadId and Release can't fail: an unknown name ends the program.
+  // that is sent by a failing keybd_event or mouse_event is lost; a window operation that fails
+  // does nothing, and ShellExecuteA gives `result`. Sleep, GetTickCount, GetCurrentThreadId and
+  // Release can't fail: an unknown name ends the program.
   void FailNext(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM,
                 std::uint32_t times = 1);
   // So does every call from then on, until Mend.
@@ -120,7 +130,12 @@ class Simulation {
 
   void SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs);
 
-  // What the next message boxes are answered with, in order; an unforeseen box gets 0.
+  // What the person sees and does, with the program that is run for it. Its log of calls and its
+  // faults are those above.
+  simulation::Screen& Screen();
+
+  // Short for AnswerNext and Boxes of the Screen: what the next message boxes are answered with, in
+  // order, and all that were shown. Where no program runs, an unforeseen box gets 0.
   void AnswerMessageBox(std::int32_t button);
   const std::vector<ShownMessageBox>& MessageBoxes() const;
 

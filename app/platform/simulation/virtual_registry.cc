@@ -30,6 +30,7 @@ struct VirtualRegistry::Node {
 
 VirtualRegistry::VirtualRegistry(Journal* journal)
     : journal(journal), top(std::make_unique<Node>()) {
+  Make("HKCR");
   Make("HKCU");
   Make("HKLM");
 }
@@ -149,6 +150,7 @@ bool VirtualRegistry::IsProtected(const std::string& key) const {
 }
 
 std::string VirtualRegistry::PathOf(HKEY key) const {
+  if (key == HKEY_CLASSES_ROOT) return "HKCR";
   if (key == HKEY_CURRENT_USER) return "HKCU";
   if (key == HKEY_LOCAL_MACHINE) return "HKLM";
   const auto found = open.find(key);
@@ -201,7 +203,9 @@ std::uint32_t VirtualRegistry::RegCreateKeyA(HKEY key, const std::string& path, 
 
 std::uint32_t VirtualRegistry::RegCloseKey(HKEY key) {
   if (const std::uint32_t fault = Enter("RegCloseKey", PathOf(key))) return fault;
-  if (key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE) return ERROR_SUCCESS;
+  if (key == HKEY_CLASSES_ROOT || key == HKEY_CURRENT_USER || key == HKEY_LOCAL_MACHINE) {
+    return ERROR_SUCCESS;
+  }
   return open.erase(key) == 1 ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
 }
 

@@ -1,5 +1,5 @@
-// A registry in memory. Keys are spelled with their hive in front, "HKCU\Software\..." or
-// "HKLM\...". Not for several system threads.
+// A registry in memory. Keys are spelled with their hive in front, "HKCU\Software\...", "HKLM\..."
+// or "HKCR\...". Not for several system threads.
 #pragma once
 
 #include <cstdint>

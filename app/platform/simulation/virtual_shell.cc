@@ -1,0 +1,71 @@
+#include "app/platform/simulation/virtual_shell.h"
+
+#include <utility>
+
+namespace platform::simulation {
+namespace {
+
+constexpr std::uint32_t kHelpOrdinal = 14;
+constexpr LibraryHandle kHelpLibrary = 1;
+
+// The help function takes no context.
+VirtualShell* current = nullptr;
+
+}  // namespace
+
+VirtualShell::VirtualShell(Journal& journal) : journal(journal) { current = this; }
+
+VirtualShell::~VirtualShell() { current = nullptr; }
+
+std::intptr_t VirtualShell::ShellExecuteA(const std::string& target) {
+  if (const auto fault = journal.Enter("ShellExecuteA", target)) return *fault;
+  opened.push_back(target);
+  return 42;
+}
+
+bool VirtualShell::MessageBeep(std::uint32_t) {
+  if (journal.Enter("MessageBeep")) return false;
+  ++beeps;
+  return true;
+}
+
+LibraryHandle VirtualShell::LoadLibraryA(const std::string& name) {
+  askedFor.push_back(name);
+  if (journal.Enter("LoadLibraryA", name)) return 0;
+  const auto found = libraries.find(name);
+  return found != libraries.end() && found->second ? kHelpLibrary : 0;
+}
+
+HtmlHelpFunction VirtualShell::GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
+  if (journal.Enter("GetHelpFunction", ordinal)) return nullptr;
+  return library == kHelpLibrary && ordinal == kHelpOrdinal ? &VirtualShell::HtmlHelp : nullptr;
+}
+
+std::uintptr_t VirtualShell::HtmlHelp(WindowHandle, const char* file, std::uint32_t command,
+                                      std::uintptr_t data) {
+  return current ? current->Help(file, command, data) : 0;
+}
+
+std::uintptr_t VirtualShell::Help(const char* file, std::uint32_t command, std::uintptr_t data) {
+  HelpCall call;
+  call.file = file ? file : "";
+  call.command = command;
+  std::optional<HRESULT> fault;
+  if (command == HH_DISPLAY_TOPIC) {
+    call.topic = data ? reinterpret_cast<const char*>(data) : "";
+    fault = journal.Enter("HtmlHelp", command, call.topic);
+  } else {
+    fault = journal.Enter("HtmlHelp", command);
+  }
+  if (fault) return 0;
+  if (command == HH_INITIALIZE) {
+    call.cookie = ++lastCookie;
+    *reinterpret_cast<std::uint32_t*>(data) = call.cookie;
+  } else if (command == HH_UNINITIALIZE) {
+    call.cookie = static_cast<std::uint32_t>(data);
+  }
+  helpCalls.push_back(std::move(call));
+  return 1;
+}
+
+}  // namespace platform::simulation
