@@ -1,0 +1,128 @@
+// A main window with Controls of a test's own making, and what a person does with them.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "app/resources/resources.h"
+#include "keys/key_action.h"
+#include "tests/app/main_window_fixture.h"
+
+namespace kelvaro {
+
+struct MadeControl {
+  std::string description = "control";
+  std::uint64_t buttons = 0;
+  std::vector<TriggerItem> items = {};
+  std::vector<std::string> keys = {};  // an action each
+  std::int32_t holdAllFrom = -1;       // the first action that holds all its keys; -1: none
+  bool press = true;
+  bool triggerOption = true;
+  bool toggleMouse = false;
+  bool repeat = false;
+  std::uint32_t delay = 500;
+  std::uint32_t speed = 50;
+  std::uint32_t hold = 0;
+  std::uint32_t pause = 0;
+  std::uint32_t id = 0;  // 0: the profile's next
+};
+
+class ControlTest : public MainWindowTest {
+ protected:
+  static constexpr std::uint32_t kMainDialog = 102;
+  static constexpr std::uint32_t kDefineDialog = 134;
+  static constexpr std::uint32_t kShiftDialog = 149;
+  static constexpr std::uint32_t kList = 1003;
+  static constexpr std::uint32_t kNewButton = 1004;
+  static constexpr std::uint32_t kEditButton = 1005;
+
+  static void AddControl(ProfileFile* profile, const MadeControl& made) {
+    Control control;
+    control.actionsBorrowed = 1;  // the one in the list owns the actions
+    control.controlId = made.id != 0 ? made.id : profile->nextControlId++;
+    control.description = TextOf(made.description);
+    control.SetButtonMask(made.buttons);
+    for (const TriggerItem& item : made.items) control.triggerItems.AddTail(item);
+    control.activateOnPress = made.press;
+    control.triggerOption = made.triggerOption;
+    control.toggleMouseControls = made.toggleMouse;
+    control.repeatEnabled = made.repeat;
+    control.repeatDelay = made.delay;
+    control.repeatSpeed = made.speed;
+    control.keyHoldTime = made.hold;
+    control.keyReleasePause = made.pause;
+    for (std::size_t i = 0; i < made.keys.size(); ++i) {
+      auto* const action = new KeyAction;
+      bool duplicateKey = false;
+      if (made.holdAllFrom >= 0 && i >= static_cast<std::size_t>(made.holdAllFrom))
+        action->actionFlags = KeyAction::HoldAllKeys;
+      EXPECT_EQ(
+          action->ParseKeys(TextOf(made.keys[i]), &duplicateKey, false, false, platform::kNoWindow),
+          KeyAction::kParsed);
+      control.actions.AddTail(action);
+    }
+    profile->controls.AddTail(control);
+  }
+
+  // The program anew, with a profile of these Controls open.
+  void StartWith(const std::vector<MadeControl>& controls) {
+    if (screen.Running()) CloseAll();
+    StoreProfile(kProfile, [&](ProfileFile& made) {
+      UsePad(made);
+      for (const MadeControl& control : controls) AddControl(&made, control);
+    });
+    Begin();
+  }
+
+  void New() { screen.Click(kNewButton); }
+  void Edit(std::int32_t row) {
+    screen.SelectRows(kList, {row});
+    screen.Click(kEditButton);
+  }
+  void TypeControl(const std::string& keys) {
+    screen.Type(1083, "it");
+    screen.Type(1093, keys);
+  }
+
+  // What is held from now on, until the program has seen it.
+  void Press(std::initializer_list<std::uint32_t> buttons) {
+    pad.Press(buttons);
+    Wait();
+  }
+  void Wait() { sim.RunFor(20); }
+  void PressAt(std::uint64_t t, const std::vector<std::uint32_t>& buttons) {
+    platform::simulation::StateChange change;
+    change.hasButtons = true;
+    change.buttons = buttons;
+    pad.ChangeAt(t, change);
+  }
+
+  // Events without their times, such as "key 41 1e 0".
+  std::vector<std::string> Sent() const {
+    std::vector<std::string> sent;
+    for (const auto& event : sim.Events()) {
+      const std::string text = EventText(event);
+      sent.push_back(text.substr(text.find(' ') + 1));
+    }
+    return sent;
+  }
+
+  Control& ControlAt(std::int32_t row) { return *OpenProfile().controls.At(row)->value; }
+
+  static std::string Keys(const Control& control) {
+    std::string text;
+    for (const auto* node = control.actions.head; node; node = node->next)
+      text += Bytes(static_cast<const KeyAction&>(**node->value).FormatKeys());
+    return text;
+  }
+  static bool HoldsAll(const Control& control) {
+    return control.actions.count > 0 &&
+           static_cast<const KeyAction&>(**control.actions.head->value).actionFlags != 0;
+  }
+
+  const platform::simulation::ShownMessageBox& LastBox() const { return screen.Boxes().back(); }
+};
+
+}  // namespace kelvaro

@@ -1,0 +1,979 @@
+// "Define Control" as the person works it: what the fields show and take, which box rules out
+// which, what detection and OK make of the Control, each message word for word, and the keys that
+// place the cursor.
+#include "app/define_control_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/app/control_fixture.h"
+#include "tests/engine/failing_allocation.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::IDCANCEL;
+using platform::IDNO;
+using platform::IDOK;
+using platform::IDYES;
+using platform::Rect;
+using platform::simulation::VirtualRegistry;
+
+using Strings = std::vector<std::string>;
+
+constexpr char kMachineKey[] = "HKLM\\Software\\Marnstone\\Kelvaro";
+constexpr char kReleaseValue[] = "Show Press And Release";
+
+constexpr char kBadKeyText[] =
+    "There is an error in the key sequence. The '<' character must\nbe followed by a recognized "
+    "special key name and a '>'.\nTo produce the '<' character itself, enter two of them "
+    "together.\n\nThe cursor will be placed at the start of the problem.";
+constexpr char kDuplicateText[] =
+    "More than one occurrence of the same key\nis not allowed when holding them all down.\n\nThe "
+    "cursor will be placed at the start of the problem.";
+
+class DefineControlDialogTest : public ControlTest {
+ protected:
+  // "1123 on, 1095 off, ..." of the six that rule one another out; a tick is a "*".
+  std::string Boxes() {
+    std::string text;
+    for (const std::uint32_t id : {1123, 1095, 1096, 1169, 1196, 1197}) {
+      if (!text.empty()) text += ' ';
+      text += std::to_string(id);
+      if (screen.Checked(id)) text += '*';
+      if (!screen.Enabled(id)) text += '-';
+    }
+    return text;
+  }
+
+  // The one Control of the open profile.
+  Control& TheControl() { return ControlAt(0); }
+
+  void OpenEdit(const MadeControl& control) {
+    StartWith({control});
+    Edit(0);
+  }
+
+  void ExpectBox(const std::string& text, const std::string& caption, std::uint32_t type) {
+    ASSERT_TRUE(screen.BoxUp());
+    const auto box = screen.Box();
+    EXPECT_EQ(box.text, text);
+    EXPECT_EQ(box.caption, caption);
+    EXPECT_EQ(box.type, type);
+    EXPECT_EQ(box.owner, screen.WindowOf(kDefineDialog));
+  }
+
+  // A program on a machine that offers the choice between press and release.
+  void OfferRelease() { sim.Registry().PutDword(kMachineKey, kReleaseValue, 1); }
+};
+
+// --- Opening
+
+TEST_F(DefineControlDialogTest, ANewControlShowsTheDefaults) {
+  StartWith({});
+  New();
+  EXPECT_EQ(screen.Title(), "Define Control");
+  EXPECT_EQ(screen.Text(1083), "");
+  EXPECT_EQ(screen.Text(1081), "");
+  EXPECT_EQ(screen.Text(1093), "");
+  EXPECT_EQ(screen.Text(1095), "500");
+  EXPECT_EQ(screen.Text(1096), "50");
+  EXPECT_EQ(screen.Text(1196), "0");
+  EXPECT_EQ(screen.Text(1197), "0");
+  EXPECT_TRUE(screen.Checked(1124));
+  EXPECT_FALSE(screen.Checked(1125));
+  EXPECT_FALSE(screen.Checked(1126));
+  EXPECT_FALSE(screen.Checked(1140));
+  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+}
+
+TEST_F(DefineControlDialogTest, EveryMemberOfAControlIsShown) {
+  MadeControl control;
+  control.description = "jump";
+  control.buttons = 0b101;
+  control.items = {{8, 1, 1}, {7, 2, 2}};
+  control.keys = {"<Ctrl>c"};
+  control.toggleMouse = true;
+  control.repeat = true;
+  control.delay = 4294967295;
+  control.speed = 0;
+  control.hold = 1000000;
+  control.pause = 7;
+  OpenEdit(control);
+  EXPECT_EQ(screen.Text(1083), "jump");
+  EXPECT_EQ(screen.Text(1081), "B1+B3+POV1(left)+SliderB2(pos)");
+  EXPECT_EQ(screen.Text(1093), "<Ctrl>c");
+  EXPECT_TRUE(screen.Checked(1140));
+  EXPECT_TRUE(screen.Checked(1123));
+  EXPECT_EQ(screen.Text(1095), "4294967295");
+  EXPECT_EQ(screen.Text(1096), "0");
+  EXPECT_EQ(screen.Text(1196), "1000000");
+  EXPECT_EQ(screen.Text(1197), "7");
+}
+
+TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOkMakesThemOne) {
+  MadeControl control;
+  control.keys = {"ab", "<P:5>", "C"};
+  OpenEdit(control);
+  EXPECT_EQ(screen.Text(1093), "ab<P:5>C");
+  screen.Click(IDOK);
+  ASSERT_EQ(screen.Front(), kShiftDialog);
+  screen.Click(IDOK);
+  ASSERT_EQ(TheControl().actions.count, 1);
+  EXPECT_EQ(Keys(TheControl()), "ab<P:5>C");
+}
+
+TEST_F(DefineControlDialogTest, HoldAllIsTickedIfAnyActionHoldsAll) {
+  MadeControl control;
+  control.keys = {"ab", "cd"};
+  control.holdAllFrom = 1;  // the second alone
+  OpenEdit(control);
+  EXPECT_TRUE(screen.Checked(1169));
+}
+
+TEST_F(DefineControlDialogTest, WhatIsEnabledAtFirstFollowsTheControl) {
+  struct Row {
+    bool press, repeat, holdAll;
+    const char* boxes;
+  };
+  const Row rows[] = {
+      {true, false, false, "1123 1095 1096 1169 1196 1197"},
+      {true, true, false, "1123* 1095 1096 1169- 1196 1197"},
+      {true, false, true, "1123- 1095- 1096- 1169* 1196- 1197-"},
+      {true, true, true, "1123* 1095 1096 1169- 1196 1197"},
+      // Wanted: the last step enables again what the first one has disabled.
+      {false, false, false, "1123 1095 1096 1169 1196 1197"},
+      {false, true, false, "1123 1095 1096 1169 1196 1197"},
+      {false, false, true, "1123 1095 1096 1169 1196 1197"},
+      {false, true, true, "1123 1095 1096 1169 1196 1197"},
+  };
+  std::vector<MadeControl> controls;
+  for (const Row& row : rows) {
+    MadeControl control;
+    control.press = row.press;
+    control.repeat = row.repeat;
+    control.keys = {"a"};
+    if (row.holdAll) control.holdAllFrom = 0;
+    controls.push_back(control);
+  }
+  StartWith(controls);
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    Edit(static_cast<std::int32_t>(i));
+    EXPECT_EQ(Boxes(), rows[i].boxes) << i;
+    EXPECT_EQ(screen.Checked(1124), rows[i].press) << i;
+    EXPECT_EQ(screen.Checked(1125), !rows[i].press) << i;
+    screen.Click(IDCANCEL);
+  }
+}
+
+TEST_F(DefineControlDialogTest, PressAndReleaseAreHiddenUnlessTheMachineOffersThem) {
+  struct Row {
+    const char* why;
+    std::function<void(VirtualRegistry&)> set;
+    bool shown;
+  };
+  const Row rows[] = {
+      {"no value", [](VirtualRegistry&) {}, false},
+      {"1", [](VirtualRegistry& r) { r.PutDword(kMachineKey, kReleaseValue, 1); }, true},
+      {"the highest", [](VirtualRegistry& r) { r.PutDword(kMachineKey, kReleaseValue, ~0u); },
+       true},
+      {"0", [](VirtualRegistry& r) { r.PutDword(kMachineKey, kReleaseValue, 0); }, false},
+      {"a string", [](VirtualRegistry& r) { r.PutString(kMachineKey, kReleaseValue, "1"); }, false},
+  };
+  for (const Row& row : rows) {
+    if (screen.Running()) CloseAll();
+    sim.Registry().RemoveKey(kMachineKey);
+    row.set(sim.Registry());
+    StartWith({});
+    New();
+    for (const std::uint32_t id : {1128, 1124, 1125})
+      EXPECT_EQ(screen.Visible(id), row.shown) << row.why << ' ' << id;
+  }
+}
+
+TEST_F(DefineControlDialogTest, TheUsersOwnValueOffersNothing) {
+  sim.Registry().PutDword("HKCU\\Software\\Marnstone\\Kelvaro", kReleaseValue, 1);
+  StartWith({});
+  New();
+  EXPECT_FALSE(screen.Visible(1124));
+}
+
+TEST_F(DefineControlDialogTest, TheSmallIconIsTheProgramsOwn) {
+  StartWith({});
+  const auto icon = screen.Icon(false);
+  New();
+  EXPECT_NE(screen.Icon(false), 0u);
+  EXPECT_EQ(screen.Icon(false), icon);
+}
+
+// --- Place
+
+TEST_F(DefineControlDialogTest, TheWindowGrowsAcrossAndTheControlsGoWithIt) {
+  StartWith({});
+  New();
+  const std::vector<std::uint32_t> stretching = {1083, 1116, 1081, 1093, 1143};
+  const std::vector<std::uint32_t> following = {1126, 1127, 1, 2};
+  const std::vector<std::uint32_t> staying = {1135, 1140, 1169, 1168, 1131, 1145, 1196, 1197,
+                                              1122, 1123, 1133, 1095, 1134, 1096, 1113, 1146};
+  std::map<std::uint32_t, Rect> before;
+  for (const auto* group : {&stretching, &following, &staying})
+    for (const std::uint32_t id : *group) before[id] = screen.ControlPlace(id);
+  const Rect place = screen.Place();
+
+  screen.Resize(place.Width() + 100, place.Height() + 50);
+  EXPECT_EQ(screen.Place().Width(), place.Width() + 100);
+  EXPECT_EQ(screen.Place().Height(), place.Height()) << "the height is fixed";
+  for (const std::uint32_t id : stretching) {
+    const Rect now = screen.ControlPlace(id);
+    EXPECT_EQ(now.left, before[id].left) << id;
+    EXPECT_EQ(now.Width(), before[id].Width() + 100) << id;
+  }
+  for (const std::uint32_t id : following) {
+    const Rect now = screen.ControlPlace(id);
+    EXPECT_EQ(now.left, before[id].left + 100) << id;
+    EXPECT_EQ(now.Width(), before[id].Width()) << id;
+    EXPECT_EQ(now.top, before[id].top) << id;
+  }
+  for (const std::uint32_t id : staying) EXPECT_EQ(screen.ControlPlace(id), before[id]) << id;
+
+  screen.Resize(place.Width() - 30, place.Height() - 30);
+  EXPECT_EQ(screen.Place().Width(), place.Width()) << "as small as it was at first";
+  EXPECT_EQ(screen.Place().Height(), place.Height());
+}
+
+TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
+  StartWith({});
+  New();
+  const Rect first = screen.Place();
+  screen.MoveTo(40, 30);
+  screen.Resize(first.Width() + 60, first.Height());
+  screen.Click(IDCANCEL);
+  const std::string key = "HKCU\\Software\\Marnstone\\Kelvaro\\Control Window Settings";
+  EXPECT_EQ(sim.Registry().Number(key, "left"), 40u);
+  EXPECT_EQ(sim.Registry().Number(key, "top"), 30u);
+  EXPECT_EQ(sim.Registry().Number(key, "right"), 40u + first.Width() + 60);
+  EXPECT_EQ(sim.Registry().Number(key, "bottom"), 30u + first.Height());
+  New();
+  EXPECT_EQ(screen.Place(), (Rect{40, 30, 40 + first.Width() + 60, 30 + first.Height()}));
+}
+
+// --- Tips, help and the list of special keys
+
+TEST_F(DefineControlDialogTest, EachControlHasItsTip) {
+  const std::pair<std::uint32_t, const char*> tips[] = {
+      {1, "Save control definition."},
+      {2, "Cancel creation or editing and discard changes."},
+      {1081,
+       "The trigger mechanism(s) (buttons, POV's, axis, etc.) for this control are displayed "
+       "here."},
+      {1083, "A description for this control. Type in anything you like here."},
+      {1093, "Enter the control event(s) here."},
+      {1095,
+       "The initial delay, in milliseconds, before the control starts to repeat. During this delay "
+       "time the trigger must be held down."},
+      {1096,
+       "The time delay, in milliseconds, between repeated controls. The control will continue to "
+       "repeat as long as the trigger is held down."},
+      {1113, "Reset repeat delay and speed to the default settings."},
+      {1123,
+       "When checked, this control will repeat just like the key repeat on your keyboard. While "
+       "the trigger is held down, the control will replay once, and then wait for Delay time to "
+       "elapse. After that, the control will replay once every Speed milliseconds while the "
+       "trigger is held down.\n\nOnly one control will repeat at a time."},
+      {1124, "Activate the control when the trigger is pressed."},
+      {1125, "Activate the control when the trigger is released (after first being pressed)."},
+      {1126,
+       "Start/stop control trigger detection mode. When checked, all controller input is trapped "
+       "and displayed in the trigger area to the left.\n\nTip: you can use the space bar to turn "
+       "off detect mode."},
+      {1140,
+       "When checked, the trigger toggles activation/deactivation of the mouse controls (see the "
+       "mouse tab)."},
+      {1143,
+       "A helpful reference of special keys/events. Selection does nothing. Stretch the window to "
+       "the right if some of the text is cut off."},
+      {1146, "More in-depth help."},
+      {1169,
+       "When checked, all keys of this control will remain pressed until the trigger is released. "
+       "Normally, in a multi-key control, each key will be released before the next key in the "
+       "sequence is replayed.\n\nSee the help for a more thorough description with examples."},
+      {1196,
+       "The amount of time, in milliseconds, that each key in this control is held down before "
+       "being released.\n\nThere are 1000 milliseconds in 1 second."},
+      {1197,
+       "This specifies a delay, in milliseconds, to occur after each key in this control is "
+       "released. Note that no delay is replayed for the last key of a sequence. Therefore this "
+       "value is only used in a multi-key control.\n\nThere are 1000 milliseconds in 1 second."},
+  };
+  OfferRelease();
+  StartWith({});
+  New();
+  EXPECT_EQ(screen.ToolTipWidth(), 300);
+  EXPECT_EQ(screen.ToolTipTime(), 10000);
+  for (const auto& [id, text] : tips) EXPECT_EQ(screen.Hover(id), text) << id;
+  for (const platform::ControlTemplate& control : resources::kDefineControl.controls) {
+    const bool hasTip = std::any_of(std::begin(tips), std::end(tips),
+                                    [&](const auto& tip) { return tip.first == control.id; });
+    EXPECT_EQ(screen.Hover(control.id).empty(), !hasTip) << control.id;
+  }
+}
+
+TEST_F(DefineControlDialogTest, HelpOpensItsTopic) {
+  StartWith({});
+  New();
+  const std::size_t before = screen.HelpCalls().size();
+  screen.Click(1146);
+  ASSERT_EQ(screen.HelpCalls().size(), before + 1);
+  EXPECT_EQ(screen.HelpCalls().back().command, platform::HH_DISPLAY_TOPIC);
+  EXPECT_EQ(screen.HelpCalls().back().topic, "Creating and Editing Controls.htm");
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+}
+
+TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
+  screen.SetHelpLibrary("hhctrl.ocx", false);
+  StartWith({});
+  New();
+  screen.Click(1146);
+  EXPECT_TRUE(screen.HelpCalls().empty());
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+}
+
+TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
+  StartWith({});
+  New();
+  TypeControl("a");
+  const auto rows = screen.Rows(1143);
+  ASSERT_EQ(rows.size(), 132u);
+  screen.Choose(1143, "<ALT>");
+  EXPECT_EQ(screen.Text(1093), "a");
+  screen.Click(IDOK);
+  EXPECT_EQ(Keys(TheControl()), "a");
+}
+
+// --- Boxes that rule one another out
+
+TEST_F(DefineControlDialogTest, RepeatAndHoldAllRuleEachOtherOut) {
+  StartWith({});
+  New();
+  screen.Click(1123);
+  EXPECT_EQ(Boxes(), "1123* 1095 1096 1169- 1196 1197");
+  screen.Click(1123);
+  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+  screen.Click(1169);
+  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
+  screen.Click(1169);
+  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+}
+
+TEST_F(DefineControlDialogTest, HoldAllKeepsTheTimingsOfTheControl) {
+  MadeControl control;
+  control.keys = {"a"};
+  control.delay = 600;
+  control.speed = 60;
+  control.hold = 12;
+  control.pause = 34;
+  OpenEdit(control);
+  screen.Click(1169);
+  EXPECT_EQ(screen.Text(1196), "12");
+  EXPECT_EQ(screen.Text(1197), "34");
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().keyHoldTime, 12u);
+  EXPECT_EQ(TheControl().keyReleasePause, 34u);
+  EXPECT_EQ(TheControl().repeatDelay, 600u);
+  EXPECT_TRUE(HoldsAll(TheControl()));
+
+  Edit(0);
+  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
+  screen.Click(1169);
+  EXPECT_EQ(screen.Text(1196), "12");
+  screen.Click(IDOK);
+  EXPECT_FALSE(HoldsAll(TheControl()));
+  EXPECT_EQ(TheControl().keyHoldTime, 12u);
+}
+
+TEST_F(DefineControlDialogTest, PressAndReleaseEnableAndDisableRepeatAndHoldAll) {
+  OfferRelease();
+  StartWith({});
+  New();
+  screen.Click(1123);
+  screen.Click(1125);
+  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169- 1196 1197");
+  screen.Click(1124);
+  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+
+  // The timings stay as hold all has left them.
+  screen.Click(1169);
+  screen.Click(1125);
+  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169- 1196- 1197-");
+  screen.Click(1124);
+  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196- 1197-");
+}
+
+TEST_F(DefineControlDialogTest, TheRadioButtonDecidesWhenTheControlFires) {
+  OfferRelease();
+  MadeControl control;
+  control.press = false;
+  control.triggerOption = false;
+  OpenEdit(control);
+  screen.Click(1124);
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().activateOnPress, 1);
+  EXPECT_EQ(TheControl().triggerOption, 0) << "nothing here changes it";
+  Edit(0);
+  EXPECT_TRUE(screen.Checked(1124));
+  screen.Click(1125);
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().activateOnPress, 0);
+}
+
+TEST_F(DefineControlDialogTest, AControlOnReleaseOfAFileStaysOnReleaseWithoutTheRadioButtons) {
+  MadeControl control;
+  control.press = false;
+  control.keys = {"a"};
+  OpenEdit(control);
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().activateOnPress, 0);
+}
+
+// --- Defaults
+
+TEST_F(DefineControlDialogTest, DefaultsChangeDelayAndSpeedAlone) {
+  MadeControl control;
+  control.delay = 1;
+  control.speed = 2;
+  control.hold = 3;
+  control.pause = 4;
+  OpenEdit(control);
+  screen.Type(1083, "other");
+  screen.Type(1093, "<broken");
+  screen.Click(1140);
+  screen.Type(1196, "33");
+  screen.Click(1113);
+  EXPECT_EQ(screen.Text(1095), "500");
+  EXPECT_EQ(screen.Text(1096), "50");
+  EXPECT_EQ(screen.Text(1083), "other");
+  EXPECT_EQ(screen.Text(1093), "<broken");
+  EXPECT_TRUE(screen.Checked(1140));
+  EXPECT_EQ(screen.Text(1196), "33");
+  EXPECT_EQ(screen.Text(1197), "4");
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+TEST_F(DefineControlDialogTest, DefaultsWorkOnDisabledFields) {
+  MadeControl control;
+  control.keys = {"a"};
+  control.holdAllFrom = 0;
+  control.delay = 1;
+  control.speed = 2;
+  OpenEdit(control);
+  ASSERT_FALSE(screen.Enabled(1095));
+  screen.Click(1113);
+  EXPECT_EQ(screen.Text(1095), "500");
+  EXPECT_EQ(screen.Text(1096), "50");
+  EXPECT_TRUE(screen.Checked(1169));
+  EXPECT_FALSE(screen.Enabled(1095));
+}
+
+TEST_F(DefineControlDialogTest, DefaultsRefuseWhatIsNoNumber) {
+  OpenEdit({});
+  screen.Type(1095, "7");
+  screen.Type(1197, "soon");
+  screen.Click(1113);
+  ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
+  screen.Answer(IDOK);
+  EXPECT_EQ(screen.Text(1095), "7");
+  EXPECT_EQ(screen.Text(1197), "soon");
+  EXPECT_EQ(screen.Focus(), 1197u);
+}
+
+// --- Detection
+
+TEST_F(DefineControlDialogTest, DetectionShowsWhatIsHeldAtEachChange) {
+  OpenEdit({.buttons = 0b1000});
+  EXPECT_EQ(screen.Text(1081), "B4");
+  Press({1});
+  EXPECT_EQ(screen.Text(1081), "B4") << "it isn't on yet";
+  screen.Click(1126);
+  EXPECT_EQ(screen.Text(1081), "B4") << "nothing has changed yet";
+  Press({1, 2});
+  EXPECT_EQ(screen.Text(1081), "B1+B2") << "two buttons don't end it";
+  pad.MoveAxis("Axis_Z0", -20000);
+  Wait();
+  EXPECT_EQ(screen.Text(1081), "B1+B2+Axis_Z0(neg)");
+  Press({});
+  EXPECT_EQ(screen.Text(1081), "Axis_Z0(neg)");
+  pad.MoveAxis("Axis_Z0", 0);
+  Wait();
+  EXPECT_EQ(screen.Text(1081), "") << "all let go";
+  pad.PointHat(0, 27000);
+  Wait();
+  EXPECT_EQ(screen.Text(1081), "POV0(left)");
+}
+
+TEST_F(DefineControlDialogTest, TheSpaceBarEndsDetectionWithWhatIsHeld) {
+  StartWith({});
+  New();
+  TypeControl("a");
+  screen.Click(1126);
+  Press({1, 2});
+  screen.Press(' ');
+  EXPECT_FALSE(screen.Checked(1126));
+  Press({});
+  EXPECT_EQ(screen.Text(1081), "B1+B2");
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().buttonMask, 0b11u);
+  EXPECT_EQ(TheControl().buttonCount, 2u);
+}
+
+TEST_F(DefineControlDialogTest, OkTakesWhatIsHeldWhileDetectionRuns) {
+  OpenEdit({.buttons = 0b1000, .items = {{0, 0, 2}}});
+  screen.Click(1126);
+  Press({3});
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().buttonMask, 0b100u);
+  EXPECT_EQ(TheControl().triggerItems.count, 0) << "the former Trigger is gone";
+  Press({3, 4});
+  EXPECT_EQ(TheControl().buttonMask, 0b100u);
+  EXPECT_EQ(DefineControl().scratch.buttonMask, 0b100u) << "closed, it takes nothing any more";
+}
+
+TEST_F(DefineControlDialogTest, DetectionIsOffAtEachOpening) {
+  OpenEdit({.buttons = 0b1000});
+  screen.Click(1126);
+  screen.Click(IDCANCEL);
+  Edit(0);
+  EXPECT_FALSE(screen.Checked(1126));
+  Press({1});
+  EXPECT_EQ(screen.Text(1081), "B4");
+}
+
+TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOkEvenOnRelease) {
+  OfferRelease();
+  StartWith({});
+  New();
+  TypeControl("a");
+  screen.Click(1125);
+  screen.Click(1126);
+  Press({2});
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().buttonMask, 0b10u);
+  EXPECT_EQ(TheControl().activateOnPress, 0) << "the radio button counts";
+}
+
+TEST_F(DefineControlDialogTest, NoControlFiresWhileItIsOpenAndAMadeOneDoesAfterwards) {
+  StartWith({{.description = "old", .buttons = 0b1, .keys = {"a"}}});
+  New();
+  Press({1});
+  Press({});
+  EXPECT_EQ(sim.EventText(), "") << "detection off";
+  TypeControl("b");
+  screen.Click(1126);
+  Press({2});
+  screen.Click(1126);
+  Press({});
+  Press({1});
+  EXPECT_EQ(sim.EventText(), "");
+  screen.Click(IDOK);
+  EXPECT_EQ(sim.EventText(), "");
+
+  // The next polls are at whole fives.
+  PressAt(1000, {});
+  PressAt(1100, {2});
+  PressAt(1200, {});
+  PressAt(1300, {1});
+  PressAt(1400, {});
+  sim.RunUntil(1500);
+  EXPECT_EQ(sim.EventText(),
+            "1100 key 42 30 0\n"
+            "1200 key 42 30 2\n"
+            "1300 key 41 1e 0\n"
+            "1400 key 41 1e 2\n");
+}
+
+TEST_F(DefineControlDialogTest, AControlThatIsDownStaysDownUntilTheDialogHasClosed) {
+  StartWith({{.buttons = 0b1, .keys = {"a"}}});
+  Press({1});
+  EXPECT_EQ(Sent(), Strings{"key 41 1e 0"});
+  New();
+  Press({});
+  EXPECT_EQ(Sent(), Strings{"key 41 1e 0"});
+  screen.Click(IDCANCEL);
+  Press({5});
+  EXPECT_EQ(Sent(), (Strings{"key 41 1e 0", "key 41 1e 2"}));
+}
+
+// --- OK
+
+TEST_F(DefineControlDialogTest, OkTakesEveryField) {
+  StartWith({});
+  New();
+  screen.Type(1083, "all of it");
+  screen.Type(1093, "x<Esc>");
+  screen.Click(1140);
+  screen.Click(1123);
+  screen.Type(1095, "0");
+  screen.Type(1096, "4294967295");
+  screen.Type(1196, " 42\t");  // blanks around a number are no fault
+  screen.Type(1197, "007");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_FALSE(DefineControl().dialogOpen);
+  const Control& made = TheControl();
+  EXPECT_EQ(Bytes(made.description), "all of it");
+  EXPECT_EQ(Keys(made), "x<Esc>");
+  EXPECT_EQ(made.toggleMouseControls, 1);
+  EXPECT_EQ(made.repeatEnabled, 1);
+  EXPECT_EQ(made.repeatDelay, 0u);
+  EXPECT_EQ(made.repeatSpeed, 4294967295u);
+  EXPECT_EQ(made.keyHoldTime, 42u);
+  EXPECT_EQ(made.keyReleasePause, 7u);
+  EXPECT_EQ(made.activateOnPress, 1);
+}
+
+TEST_F(DefineControlDialogTest, AMissingDescriptionIsToldBeforeTheKeysAreLookedAt) {
+  StartWith({});
+  New();
+  screen.Type(1093, "<broken");
+  screen.Click(IDOK);
+  ExpectBox("You must enter a description for this event", "Missing Description", platform::MB_OK);
+  screen.Answer(IDOK);
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(screen.Focus(), 1083u);
+  EXPECT_EQ(screen.Boxes().size(), 1u);
+  EXPECT_TRUE(DefineControl().dialogOpen);
+}
+
+TEST_F(DefineControlDialogTest, WhatIsNoNumberIsToldBeforeAnythingElse) {
+  StartWith({});
+  New();  // without a description
+  for (const char* text : {"", " ", "-1", "+1", "1.5", "0x10", "12a", "1 2", "4294967296",
+                           "99999999999999999999999"}) {
+    for (const std::uint32_t id : {1196, 1197}) {
+      screen.Type(id, text);
+      screen.Click(IDOK);
+      ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
+      screen.Answer(IDOK);
+      EXPECT_EQ(screen.Focus(), id) << text;
+      EXPECT_EQ(screen.Text(id), text);
+      EXPECT_EQ(screen.Front(), kDefineDialog);
+      screen.Type(id, "0");
+    }
+  }
+}
+
+TEST_F(DefineControlDialogTest, DelayAndSpeedTakeDigitsAloneAndMayStillBeNoNumber) {
+  StartWith({});
+  New();
+  for (const std::uint32_t id : {1095, 1096}) {
+    screen.Type(id, "1a2-");
+    EXPECT_EQ(screen.Text(id), "12");
+    for (const char* text : {"", "4294967296"}) {
+      screen.Type(id, text);
+      screen.Click(IDOK);
+      ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
+      screen.Answer(IDOK);
+      EXPECT_EQ(screen.Focus(), id);
+    }
+    screen.Type(id, "1");
+  }
+}
+
+TEST_F(DefineControlDialogTest, ReadingStopsAtTheFirstFieldThatIsNoNumber) {
+  StartWith({});
+  New();
+  TypeControl("a");
+  for (const std::uint32_t id : {1095, 1096}) screen.Type(id, "");
+  for (const std::uint32_t id : {1196, 1197}) screen.Type(id, "x");
+  for (const std::uint32_t id : {1095, 1096, 1196, 1197}) {
+    const std::size_t boxes = screen.Boxes().size();
+    screen.Click(IDOK);
+    screen.Answer(IDOK);
+    EXPECT_EQ(screen.Boxes().size(), boxes + 1);
+    EXPECT_EQ(screen.Focus(), id);
+    screen.Type(id, "1");
+  }
+  EXPECT_TRUE(DefineControl().scratch.description.IsEmpty()) << "OK took nothing";
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+}
+
+TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault) {
+  struct Row {
+    const char* keys;
+    bool holdAll;
+    const char* message;
+    std::uint32_t offset;
+  };
+  const Row rows[] = {
+      {"<Esc", false, kBadKeyText, 0},       {"<>", false, kBadKeyText, 0},
+      {"<P: 5>", false, kBadKeyText, 0},     {"ab<nothing>c", false, kBadKeyText, 2},
+      {"<Ctrl>\xE9", false, kBadKeyText, 6}, {"aa", true, kDuplicateText, 1},
+      {"<Up><Up>", true, kDuplicateText, 4}, {"<Ctrl><Ctrl>", true, kDuplicateText, 6},
+      {",<<", true, kDuplicateText, 1},
+  };
+  StartWith({});
+  New();
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.keys);
+    if (screen.Checked(1169) != row.holdAll) screen.Click(1169);
+    TypeControl(row.keys);
+    sim.ClearEvents();
+    screen.Click(IDOK);
+    ExpectBox(row.message, "Key Parsing Error", platform::MB_OK);
+    EXPECT_EQ(Sent(), Strings{}) << "not before the message is answered";
+    screen.Answer(IDOK);
+    EXPECT_EQ(screen.Front(), kDefineDialog);
+    EXPECT_EQ(screen.Focus(), 1093u);
+    EXPECT_EQ(screen.Caret(1093), row.offset);
+    EXPECT_EQ(screen.Text(1093), row.keys);
+
+    Strings expected = {"key 24 c7 1", "key 24 c7 3"};
+    for (std::uint32_t i = 0; i < row.offset; ++i) {
+      expected.push_back("key 27 cd 1");
+      expected.push_back("key 27 cd 3");
+    }
+    EXPECT_EQ(Sent(), expected);
+    EXPECT_EQ(DefineControl().scratch.actions.count, 0);
+  }
+}
+
+TEST_F(DefineControlDialogTest, AVeryLongTextTakesAsManyKeysAsItsOffset) {
+  StartWith({});
+  New();
+  TypeControl(std::string(3000, 'a') + "<");
+  screen.Type(1093, std::string(3000, 'a') + "<x");
+  sim.ClearEvents();
+  screen.Click(IDOK);
+  screen.Answer(IDOK);
+  EXPECT_EQ(Sent().size(), 2u + 2u * 3000u);
+  EXPECT_EQ(screen.Caret(1093), 3000u);
+}
+
+TEST_F(DefineControlDialogTest, AFailedKeyTextLeavesDescriptionAndModeInTheScratchAlone) {
+  OfferRelease();
+  OpenEdit({.description = "old", .buttons = 1, .keys = {"a"}, .hold = 5});
+  const InputAction* action = *TheControl().actions.head->value;
+  screen.Type(1083, "new");
+  screen.Type(1093, "<bad");
+  screen.Type(1196, "99");
+  screen.Click(1140);
+  screen.Click(1125);
+  screen.Click(IDOK);
+  screen.Answer(IDOK);
+  EXPECT_EQ(Bytes(DefineControl().scratch.description), "new");
+  EXPECT_EQ(DefineControl().scratch.activateOnPress, 0);
+  EXPECT_EQ(DefineControl().scratch.keyHoldTime, 5u);
+  EXPECT_EQ(DefineControl().scratch.toggleMouseControls, 0);
+  screen.Click(IDCANCEL);
+  EXPECT_EQ(Bytes(TheControl().description), "old");
+  EXPECT_EQ(TheControl().activateOnPress, 1);
+  EXPECT_EQ(*TheControl().actions.head->value, action);
+
+  // The next try overwrites it.
+  Edit(0);
+  EXPECT_EQ(screen.Text(1083), "old");
+  EXPECT_TRUE(screen.Checked(1124));
+}
+
+TEST_F(DefineControlDialogTest, ATextThatWasRepairedIsTaken) {
+  StartWith({});
+  New();
+  TypeControl("a<");
+  screen.Type(1093, "a<x");
+  screen.Click(IDOK);
+  screen.Answer(IDOK);
+  screen.Type(1093, "a<<x");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  ASSERT_EQ(TheControl().actions.count, 1);
+  EXPECT_EQ(Keys(TheControl()), "a<<x");
+}
+
+TEST_F(DefineControlDialogTest, HoldAllCountsOnlyForAControlOnPress) {
+  OfferRelease();
+  StartWith({});
+  New();
+  screen.Click(1169);
+  TypeControl("ab");
+  screen.Click(IDOK);
+  EXPECT_TRUE(HoldsAll(TheControl()));
+
+  // A Control on release can tick it after opening; the same key twice is no fault then.
+  StartWith({{.press = false}});
+  Edit(0);
+  screen.Click(1169);
+  ASSERT_TRUE(screen.Checked(1169));
+  TypeControl("aa");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_FALSE(HoldsAll(TheControl()));
+}
+
+TEST_F(DefineControlDialogTest, AControlMayHaveNoKeys) {
+  OpenEdit({.keys = {"a"}});
+  screen.Type(1093, "");
+  screen.Click(1140);
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().actions.count, 0);
+  EXPECT_EQ(TheControl().toggleMouseControls, 1);
+}
+
+TEST_F(DefineControlDialogTest, AControlWithoutATriggerIsAcceptedAndNeverFires) {
+  StartWith({});
+  New();
+  TypeControl("a");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  ASSERT_EQ(OpenProfile().controls.count, 1);
+  EXPECT_EQ(TheControl().Weight(), 0u);
+  Press({1});
+  Press({});
+  EXPECT_EQ(sim.EventText(), "");
+}
+
+// --- Smart Check and the reminder
+
+TEST_F(DefineControlDialogTest, SmartCheckOffersTheForgottenBrackets) {
+  StartWith({});
+  New();
+  TypeControl("esc");
+  screen.Click(IDOK);
+  ExpectBox(
+      "The keys you have entered match a special key token, but are missing the angle "
+      "brackets.\nDid you mean to type \"<Esc>\"?",
+      "Smart Check", platform::MB_YESNO);
+  EXPECT_EQ(screen.Text(1093), "esc");
+  screen.Answer(IDYES);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(Keys(TheControl()), "<Esc>");
+  Edit(0);
+  EXPECT_EQ(screen.Text(1093), "<Esc>");
+}
+
+TEST_F(DefineControlDialogTest, SmartCheckLeavesTheFieldAsItWasTyped) {
+  StartWith({});
+  New();
+  TypeControl("Esc");
+  screen.Click(IDOK);
+  screen.Answer(IDNO);
+  ASSERT_EQ(screen.Front(), kShiftDialog) << "three letters now, one of them upper case";
+  screen.Click(IDCANCEL);
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Text(1093), "Esc");
+}
+
+TEST_F(DefineControlDialogTest, SmartCheckAsksOnlyWhileItIsOn) {
+  StartWith({});
+  screen.ChooseTab(1000, MainWindow::kSettingsTab);
+  screen.Click(1187);
+  screen.ChooseTab(1000, MainWindow::kControlTab);
+  New();
+  TypeControl("esc");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(Keys(TheControl()), "esc");
+}
+
+TEST_F(DefineControlDialogTest, AnUppercaseLetterAsksForTheShiftKey) {
+  StartWith({});
+  New();
+  TypeControl("aB!");
+  screen.Click(IDOK);
+  ASSERT_EQ(screen.Front(), kShiftDialog);
+  EXPECT_EQ(screen.Title(), "Shift Key Required");
+  EXPECT_TRUE(DefineControl().dialogOpen);
+  screen.Click(IDCANCEL);
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Text(1093), "aB!");
+  EXPECT_EQ(DefineControl().scratch.actions.count, 0);
+  screen.Click(IDOK);
+  ASSERT_EQ(screen.Front(), kShiftDialog) << "it asks again";
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(Keys(TheControl()), "aB!");
+}
+
+TEST_F(DefineControlDialogTest, AShiftedPunctuationCharacterAsksNothing) {
+  StartWith({});
+  New();
+  TypeControl("!");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+}
+
+TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
+  StartWith({});
+  New();
+  TypeControl("A");
+  screen.Click(IDOK);
+  screen.Click(resources::kDontShowAgain);
+  screen.Click(IDCANCEL);
+  ASSERT_EQ(screen.Front(), kDefineDialog) << "No, whatever the box says";
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(Keys(TheControl()), "A");
+}
+
+TEST_F(DefineControlDialogTest, AStateThatComesDuringTheReminderStillCounts) {
+  OfferRelease();
+  StartWith({});
+  New();
+  TypeControl("A");
+  screen.Click(1126);
+  Press({1});
+  screen.Click(IDOK);
+  ASSERT_EQ(screen.Front(), kShiftDialog);
+  Press({1, 2});
+  screen.Click(IDOK);
+  EXPECT_EQ(TheControl().buttonMask, 0b11u);
+}
+
+TEST_F(DefineControlDialogTest, WithoutMemoryTheDialogStaysOpen) {
+  StartWith({});
+  New();
+  TypeControl("a");
+  {
+    FailingAllocation fault(1);
+    screen.Click(IDOK);
+    EXPECT_EQ(fault.Failed(), 1u);
+  }
+  ExpectBox("Out of Memory", "Critical Error", platform::MB_ICONEXCLAMATION);
+  screen.Answer(IDOK);
+  EXPECT_EQ(screen.Front(), kDefineDialog);
+  screen.Click(IDOK);
+  EXPECT_EQ(Keys(TheControl()), "a");
+}
+
+// --- Other ends
+
+TEST_F(DefineControlDialogTest, CancelEscAndTheCloseBoxDiscard) {
+  StartWith({{.description = "old", .buttons = 1, .keys = {"a"}}});
+  const InputAction* action = *TheControl().actions.head->value;
+  const std::vector<std::function<void()>> ends = {[this] { screen.Click(IDCANCEL); },
+                                                   [this] { screen.Press(0x1B); },
+                                                   [this] { screen.Close(); }};
+  for (const auto& end : ends) {
+    Edit(0);
+    EXPECT_TRUE(DefineControl().dialogOpen);
+    TypeControl("b");
+    end();
+    EXPECT_EQ(screen.Front(), kMainDialog);
+    EXPECT_FALSE(DefineControl().dialogOpen);
+    EXPECT_EQ(Bytes(TheControl().description), "old");
+    EXPECT_EQ(*TheControl().actions.head->value, action);
+    EXPECT_EQ(Keys(TheControl()), "a");
+  }
+}
+
+}  // namespace
+}  // namespace kelvaro
