@@ -43,7 +43,10 @@ class Dialog : public platform::WindowListener {
   void OnInitDialog(platform::WindowHandle handle) override;
   void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
   void OnClose() override { OnCancel(); }
-  void OnMessage(std::uint32_t, std::uintptr_t, std::intptr_t) override {}
+  // WM_CLOSE is the close box, pressed by another program.
+  void OnMessage(std::uint32_t message, std::uintptr_t, std::intptr_t) override {
+    if (message == platform::WM_CLOSE) OnClose();
+  }
   void OnTimer(std::uint32_t) override {}
   void OnSize(std::uint32_t, std::int32_t, std::int32_t) override {}
   void OnMove(std::int32_t, std::int32_t) override {}

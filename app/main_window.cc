@@ -343,7 +343,7 @@ void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::in
     case WM_SHOW_WELCOME:
       return ShowWelcome();
     default:
-      return;
+      return ResizableDialog::OnMessage(message, wParam, lParam);
   }
 }
 

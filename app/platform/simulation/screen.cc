@@ -459,6 +459,10 @@ WindowHandle Screen::Window() const {
 
 WindowHandle Screen::WindowOf(std::uint32_t dialog) const { return state->system.WindowOf(dialog); }
 
+std::vector<TopLevelWindow> Screen::TopLevelWindows() const {
+  return state->system.TopLevelWindows();
+}
+
 bool Screen::Shown() const { return state->Look().visible; }
 bool Screen::Minimised() const { return state->Look().minimised; }
 bool Screen::Maximised() const { return state->Look().maximised; }

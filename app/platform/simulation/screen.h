@@ -26,6 +26,7 @@
 
 #include "app/platform/controls.h"
 #include "app/platform/desktop.h"
+#include "app/platform/processes.h"
 #include "app/platform/shell.h"
 
 namespace platform::simulation {
@@ -83,6 +84,7 @@ class Screen {
   std::uint32_t Front() const;
   WindowHandle Window() const;                        // of it
   WindowHandle WindowOf(std::uint32_t dialog) const;  // of a dialog that runs, kNoWindow otherwise
+  std::vector<TopLevelWindow> TopLevelWindows() const;  // oldest first, without a process
   // Of the dialog in front.
   bool Shown() const;
   bool Minimised() const;

@@ -8,6 +8,7 @@
 #include "app/platform/simulation/device_directory.h"
 #include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
+#include "app/platform/simulation/virtual_processes.h"
 #include "app/platform/simulation/virtual_threads.h"
 #include "app/platform/simulation/virtual_timers.h"
 
@@ -113,6 +114,7 @@ struct Simulation::Machine {
     all.desktop = &screen.Desktop();
     all.controls = &screen.Controls();
     all.shell = &screen.Shell();
+    all.processes = &processes;
     return all;
   }
 
@@ -128,11 +130,19 @@ struct Simulation::Machine {
   ListedMessages system{journal};
   VirtualRegistry registry{&journal};
   simulation::Screen screen{scheduler, journal};
+  VirtualProcesses processes{scheduler, journal, threads,
+                             [this](std::uint32_t error) { disk.SetLastError(error); }};
   const platform::Platform groups = Gathered();
   const InstalledPlatform installed{groups};
 };
 
-Simulation::Simulation() : machine(std::make_unique<Machine>()) {}
+Simulation::Simulation() : machine(std::make_unique<Machine>()) {
+  machine->processes.SetOwn([this] { return machine->disk.GetModuleFileNameA(); },
+                            [this] { return machine->screen.TopLevelWindows(); },
+                            [this](WindowHandle window, std::uint32_t message) {
+                              return machine->screen.Desktop().PostMessageA(window, message, 0, 0);
+                            });
+}
 
 Simulation::~Simulation() = default;
 
@@ -156,6 +166,8 @@ SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
 VirtualDisk& Simulation::Disk() { return machine->disk; }
 
 simulation::Screen& Simulation::Screen() { return machine->screen; }
+
+VirtualProcesses& Simulation::Processes() { return machine->processes; }
 
 VirtualRegistry& Simulation::Registry() { return machine->registry; }
 

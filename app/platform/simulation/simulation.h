@@ -27,6 +27,7 @@
 #include "app/platform/simulation/screen.h"
 #include "app/platform/simulation/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
+#include "app/platform/simulation/virtual_processes.h"
 #include "app/platform/simulation/virtual_registry.h"
 
 namespace platform::simulation {
@@ -110,7 +111,8 @@ class Simulation {
   //   SetPicture ID, SetHandCursor, CreateToolTip, EnableToolTips, SetToolTipWidth PIXELS,
   //   SetToolTipTime MS, ActivateToolTip,
   //   ShellExecuteA TARGET, MessageBeep, LoadLibraryA NAME, GetHelpFunction ORDINAL,
-  //   HtmlHelp COMMAND (and a TOPIC to display)
+  //   HtmlHelp COMMAND (and a TOPIC to display), ListProcesses, CreateProcessA COMMANDLINE,
+  //   EnumWindows, PostToWindow MESSAGE
   // All numbers are decimal. Handles and timers are numbered from 1, each apart.
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;
@@ -133,6 +135,9 @@ class Simulation {
   // What the person sees and does, with the program that is run for it. Its log of calls and its
   // faults are those above.
   simulation::Screen& Screen();
+
+  // Other programs.
+  VirtualProcesses& Processes();
 
   // Short for AnswerNext and Boxes of the Screen: what the next message boxes are answered with, in
   // order, and all that were shown. Where no program runs, an unforeseen box gets 0.

@@ -132,6 +132,8 @@ class VirtualDisk final : public Files {
   std::string GetModuleFileNameA() override { return programPath; }
   std::uint32_t GetLogicalDrives() override { return drives; }
   std::uint32_t GetLastError() override { return lastError; }
+  // What the next GetLastError tells, of an operation that isn't one of files.
+  void SetLastError(std::uint32_t error) { lastError = error; }
 
  private:
   struct Node;

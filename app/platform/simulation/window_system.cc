@@ -177,6 +177,13 @@ WindowHandle WindowSystem::WindowOf(std::uint32_t dialog) const {
   return kNoWindow;
 }
 
+std::vector<TopLevelWindow> WindowSystem::TopLevelWindows() const {
+  std::vector<TopLevelWindow> all;
+  for (const auto& [handle, window] : windows)
+    all.push_back({handle, 0, window->visible, window->minimised});
+  return all;
+}
+
 VirtualWindow& WindowSystem::Make(const DialogTemplate& dialog, WindowHandle owner,
                                   WindowListener& listener) {
   auto window = std::make_unique<VirtualWindow>();

@@ -16,6 +16,7 @@
 
 #include "app/platform/controls.h"
 #include "app/platform/desktop.h"
+#include "app/platform/processes.h"
 #include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
 #include "app/platform/simulation/screen.h"
@@ -159,6 +160,8 @@ class WindowSystem {
   VirtualControl* Find(WindowHandle window, std::uint32_t control, ControlKind kind) const;
   VirtualWindow* Newest() const;  // null for none
   WindowHandle WindowOf(std::uint32_t dialog) const;
+  // All of them, oldest first.
+  std::vector<TopLevelWindow> TopLevelWindows() const;
 
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener);
