@@ -155,8 +155,6 @@ void MainWindow::OnMouseSlider(std::uint32_t sliderId) {
 void MainWindow::OnMouseAlwaysActive() {
   LockGuard guard(profile.profileLock);
   profile.mouseAlwaysActive = !profile.mouseAlwaysActive;
-  // A profile that was made or lost without a look at the tabs leaves the box behind.
-  Check(kAlwaysActiveBox, profile.mouseAlwaysActive);
   SaveProfile();
 }
 

@@ -1,0 +1,659 @@
+// Detection of a mouse input, from the person's side: a box is checked, the pad is moved, and one
+// of three ways out ends it. Looks at the texts of the fields at each millisecond, at what the
+// profile holds then, in memory and on disk, and at what is kept for the device.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/platform/desktop.h"
+#include "app/resources/resources.h"
+#include "engine/device_snapshot.h"
+#include "keys/key_action.h"
+#include "tests/app/held_lock.h"
+#include "tests/app/main_window_fixture.h"
+
+namespace kelvaro {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr std::uint32_t kMainDialog = 102;
+constexpr std::uint32_t kUsageDialog = 152;
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kXBox = 1027;
+constexpr std::uint32_t kYBox = 1028;
+constexpr std::uint32_t kWheelBox = 1034;
+constexpr std::uint32_t kLeftBox = 1029;
+constexpr std::uint32_t kMiddleBox = 1030;
+constexpr std::uint32_t kRightBox = 1031;
+constexpr std::uint32_t kX = 1159;
+constexpr std::uint32_t kY = 1160;
+constexpr std::uint32_t kWheel = 1163;
+constexpr std::uint32_t kLeft = 1161;
+constexpr std::uint32_t kMiddle = 1162;
+constexpr std::uint32_t kRight = 1164;
+
+constexpr std::uint8_t kSpaceBar = 0x20;
+constexpr std::uint32_t kPeriod = 5;  // ms from poll to poll
+
+constexpr char kPadSettings[] = "HKCU\\Software\\Marnstone\\Kelvaro\\Devices\\Pad";
+
+const std::uint32_t kBoxes[] = {kXBox, kYBox, kWheelBox, kLeftBox, kMiddleBox, kRightBox};
+
+TriggerItem Input(std::uint16_t kind, std::uint16_t index) {
+  TriggerItem item{kind, index, 0};
+  AxisFieldOffset(&item);
+  return item;
+}
+
+// "kind index offset".
+std::string Words(const TriggerItem& item) {
+  return std::to_string(item.kind) + ' ' + std::to_string(item.index) + ' ' +
+         std::to_string(item.value);
+}
+
+// A Control that a press of `buttons` fires.
+void AddControl(ProfileFile* profile, std::uint64_t buttons, const char* keys) {
+  Control control;
+  control.actionsBorrowed = 1;  // the one in the list owns the action
+  control.controlId = profile->nextControlId++;
+  control.SetButtonMask(buttons);
+  auto* const action = new KeyAction;
+  bool duplicateKey = false;
+  EXPECT_EQ(action->ParseKeys(keys, &duplicateKey, false, false, platform::kNoWindow),
+            KeyAction::kParsed);
+  control.actions.AddTail(action);
+  profile->controls.AddTail(control);
+}
+
+class DetectionTest : public MainWindowTest {
+ protected:
+  DetectionTest() { Preset("Show Auto-Detect Usage", 0); }
+
+  // A profile with an input on everything: X on Axis_Z0, Y on Axis_RZ0, the wheel on hat 0, and
+  // the buttons 5, 6 and 7.
+  void StoreFullProfile() {
+    StoreProfile(kProfile, [this](ProfileFile& made) {
+      UsePad(made);
+      made.mouseX = Input(2, 0);
+      made.mouseY = Input(5, 0);
+      made.mouseWheel = Input(input_kind::kPovVertical, 0);
+      made.leftButton = 4;
+      made.leftMask = MouseButtonMask(4);
+      made.middleButton = 5;
+      made.middleMask = MouseButtonMask(5);
+      made.rightButton = 6;
+      made.rightMask = MouseButtonMask(6);
+    });
+  }
+
+  // On the Mouse tab, at the millisecond of a poll. What is changed now is seen one period later.
+  void BeginHere() {
+    Begin();
+    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    sim.RunFor(100);  // the pad at rest is seen, too
+    sim.LogCalls(true);
+    for (int i = 0; i < 100 && sim.Calls().empty(); ++i) sim.RunFor(1);
+    ASSERT_FALSE(sim.Calls().empty());
+    ASSERT_EQ(sim.Calls().front(), "Poll");
+    sim.LogCalls(false);
+    sim.ClearCalls();
+  }
+  void Poll() { sim.RunFor(kPeriod); }
+
+  // Each change of the field's text within the next milliseconds, as "5 B3", counted from now.
+  Strings TextsOf(std::uint32_t field, std::uint32_t ms) {
+    Strings changes;
+    std::string last = screen.Text(field);
+    for (std::uint32_t t = 1; t <= ms; ++t) {
+      sim.RunFor(1);
+      const std::string text = screen.Text(field);
+      if (text != last) changes.push_back(std::to_string(t) + ' ' + text);
+      last = text;
+    }
+    return changes;
+  }
+
+  std::vector<std::uint32_t> CheckedBoxes() const {
+    std::vector<std::uint32_t> checked;
+    for (const std::uint32_t box : kBoxes) {
+      if (screen.Checked(box)) checked.push_back(box);
+    }
+    return checked;
+  }
+
+  std::optional<std::uint32_t> Kept(const std::string& name) {
+    return sim.Registry().Number(kPadSettings, name);
+  }
+
+  // Whether the profile in memory, the one on disk and what is kept for the pad say the same of
+  // all six inputs.
+  void ExpectAllSaved() {
+    const auto stored = Stored(kProfile);
+    ASSERT_TRUE(stored);
+    const ProfileFile& open = OpenProfile();
+    EXPECT_EQ(Words(stored->mouseX), Words(open.mouseX));
+    EXPECT_EQ(Words(stored->mouseY), Words(open.mouseY));
+    EXPECT_EQ(Words(stored->mouseWheel), Words(open.mouseWheel));
+    EXPECT_EQ(stored->leftButton, open.leftButton);
+    EXPECT_EQ(stored->middleButton, open.middleButton);
+    EXPECT_EQ(stored->rightButton, open.rightButton);
+    EXPECT_EQ(stored->leftMask, open.leftMask);
+    EXPECT_EQ(stored->middleMask, open.middleMask);
+    EXPECT_EQ(stored->rightMask, open.rightMask);
+    EXPECT_EQ(Kept("MouseX Type"), TriggerItem(open.mouseX).kind);
+    EXPECT_EQ(Kept("MouseX Bank"), TriggerItem(open.mouseX).index);
+    EXPECT_EQ(Kept("MouseY Type"), TriggerItem(open.mouseY).kind);
+    EXPECT_EQ(Kept("MouseY Bank"), TriggerItem(open.mouseY).index);
+    EXPECT_EQ(Kept("Mouse Wheel Type"), TriggerItem(open.mouseWheel).kind);
+    EXPECT_EQ(Kept("Mouse Wheel Bank"), TriggerItem(open.mouseWheel).index);
+    EXPECT_EQ(Kept("Left Mouse Btn"), std::uint16_t{open.leftButton});
+    EXPECT_EQ(Kept("Middle Mouse Btn"), std::uint16_t{open.middleButton});
+    EXPECT_EQ(Kept("Right Mouse Btn"), std::uint16_t{open.rightButton});
+  }
+};
+
+// Starting one
+
+TEST_F(DetectionTest, EachBoxStartsADetectionForItsFieldFromThePresentInput) {
+  const struct {
+    std::uint32_t box;
+    std::uint32_t field;
+    bool axis;
+    const char* present;
+  } cases[] = {
+      {kXBox, kX, true, "2 0 8"},
+      {kYBox, kY, true, "5 0 20"},
+      {kWheelBox, kWheel, true, "9 0 32"},
+      // A button's own index, beside the kind and offset of the detection before.
+      {kLeftBox, kLeft, false, "9 4 32"},
+      {kMiddleBox, kMiddle, false, "9 5 32"},
+      {kRightBox, kRight, false, "9 6 32"},
+  };
+  StoreFullProfile();
+  BeginHere();
+  for (const auto& row : cases) {
+    screen.Click(row.box);
+    EXPECT_EQ(Engine().detectCount, 1u) << row.box;
+    EXPECT_EQ(Engine().detectTargetId, row.field) << row.box;
+    EXPECT_EQ(Engine().detectAxis, row.axis) << row.box;
+    EXPECT_EQ(Words(Engine().detectResult), row.present) << row.box;
+    EXPECT_EQ(CheckedBoxes(), std::vector{row.box});
+    screen.Click(row.box);
+    EXPECT_EQ(Engine().detectCount, 0u) << row.box;
+    EXPECT_TRUE(CheckedBoxes().empty()) << row.box;
+  }
+}
+
+TEST_F(DetectionTest, ADetectionInWhichNothingHappensLeavesTheInputsAsTheyWere) {
+  StoreFullProfile();
+  BeginHere();
+  for (const std::uint32_t box : kBoxes) {
+    screen.Click(box);
+    sim.RunFor(100);
+    screen.Click(box);
+  }
+  EXPECT_EQ(Words(OpenProfile().mouseX), "2 0 8");
+  EXPECT_EQ(Words(OpenProfile().mouseY), "5 0 20");
+  EXPECT_EQ(Words(OpenProfile().mouseWheel), "9 0 32");
+  EXPECT_EQ(OpenProfile().leftMask, 0x10u);
+  EXPECT_EQ(OpenProfile().middleMask, 0x20u);
+  EXPECT_EQ(OpenProfile().rightMask, 0x40u);
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, AButtonDetectionWithoutAChangeEndsByTheKindOfTheOneBefore) {
+  StoreFullProfile();
+  BeginHere();
+  // None before: kind 11 clears.
+  screen.Click(kLeftBox);
+  screen.Click(kLeftBox);
+  EXPECT_EQ(OpenProfile().leftButton, 0);
+  EXPECT_EQ(OpenProfile().leftMask, 0u);
+
+  // A button before: the present index counts, even that of a button that isn't assigned.
+  screen.Click(kMiddleBox);
+  pad.Press({2});
+  Poll();
+  screen.Click(kMiddleBox);
+  pad.Press({});
+  Poll();
+  EXPECT_EQ(OpenProfile().middleMask, 0x2u);
+  screen.Click(kLeftBox);
+  screen.Click(kLeftBox);
+  EXPECT_EQ(OpenProfile().leftButton, 0);
+  EXPECT_EQ(OpenProfile().leftMask, 0x1u);
+}
+
+// What is shown
+
+TEST_F(DetectionTest, TheFieldFollowsTheButtonsFromPollToPoll) {
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({3});
+  EXPECT_EQ(TextsOf(kLeft, 12), Strings{"5 B3"});
+  pad.Press({});
+  EXPECT_EQ(TextsOf(kLeft, 8), Strings{"3 <none>"});
+  pad.Press({8});
+  EXPECT_EQ(TextsOf(kLeft, 5), Strings{"5 B8"});
+  EXPECT_EQ(screen.Text(kMiddle), "<none>");
+  EXPECT_EQ(screen.Text(kRight), "<none>");
+}
+
+TEST_F(DetectionTest, TheFieldFollowsTheStrongestAxisFromPollToPoll) {
+  BeginHere();
+  screen.Click(kXBox);
+  pad.MoveAxis("Axis_X0", 16000);  // half is not enough
+  EXPECT_EQ(TextsOf(kX, 5), Strings{});
+  pad.MoveAxis("Axis_X0", 16001);
+  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 Axis_X0"});
+  pad.MoveAxis("Axis_Y0", -16002);
+  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 Axis_Y0"});
+  pad.MoveAxis("Axis_RZ0", 16002);  // the first of two equals stays
+  EXPECT_EQ(TextsOf(kX, 5), Strings{});
+  pad.MoveAxis("SliderA3", 20000);
+  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 SliderA3"});
+  pad.MoveAxis("SliderA3", 0);
+  pad.MoveAxis("Axis_Y0", 0);
+  pad.MoveAxis("Axis_RZ0", 0);
+  pad.MoveAxis("Axis_X0", 0);
+  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 <none>"});
+  EXPECT_EQ(screen.Text(kY), "<none>");
+}
+
+TEST_F(DetectionTest, AHatIsTakenBeforeAnAxisThatIsNotAtItsEnd) {
+  BeginHere();
+  screen.Click(kXBox);
+  pad.MoveAxis("Axis_X0", 20000);
+  pad.PointHat(1, 9000);
+  Poll();
+  EXPECT_EQ(screen.Text(kX), "POV1right");  // the bits of the offset 36
+  screen.Click(kXBox);
+  EXPECT_EQ(Words(OpenProfile().mouseX), "8 1 36");
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, AnAxisAtItsVeryEndIsTakenBeforeAHat) {
+  for (const std::int32_t end : {32000, -32000}) {
+    pad.MoveAxis("Axis_X0", 0);
+    pad.PointHat(1, platform::kPovCentred);
+    BeginHere();
+    screen.Click(kYBox);
+    pad.MoveAxis("Axis_X0", end);
+    pad.PointHat(1, 9000);
+    Poll();
+    EXPECT_EQ(screen.Text(kY), "Axis_X0");
+    screen.Click(kYBox);
+    EXPECT_EQ(Words(OpenProfile().mouseY), "0 0 0");
+    CloseAll();
+  }
+}
+
+TEST_F(DetectionTest, AHatIsSidewaysWithin20DegreesAndUpDownOtherwise) {
+  const struct {
+    std::uint32_t angle;
+    const char* text;
+    const char* item;
+  } cases[] = {
+      {0, "POV2", "9 2 40"},         {6999, "POV2", "9 2 40"},
+      {7000, "POV2down", "8 2 40"},  // the bits of the offset 40
+      {11000, "POV2down", "8 2 40"}, {11001, "POV2", "9 2 40"},
+      {24999, "POV2", "9 2 40"},     {25000, "POV2down", "8 2 40"},
+      {29000, "POV2down", "8 2 40"}, {29001, "POV2", "9 2 40"},
+      {35999, "POV2", "9 2 40"},
+  };
+  BeginHere();
+  for (const auto& row : cases) {
+    screen.Click(kWheelBox);
+    pad.PointHat(2, row.angle);
+    Poll();
+    EXPECT_EQ(screen.Text(kWheel), row.text) << row.angle;
+    screen.Click(kWheelBox);
+    EXPECT_EQ(Words(OpenProfile().mouseWheel), row.item) << row.angle;
+    pad.PointHat(2, platform::kPovCentred);
+    Poll();
+  }
+}
+
+TEST_F(DetectionTest, ButtonsDoNotCountForAnAxisNorAxesForAButton) {
+  BeginHere();
+  screen.Click(kXBox);
+  pad.Press({3});
+  Poll();
+  EXPECT_EQ(screen.Text(kX), "<none>");
+  pad.Press({});
+  Poll();
+  screen.Click(kXBox);
+  screen.Click(kRightBox);
+  pad.MoveAxis("Axis_X0", 32000);
+  Poll();
+  EXPECT_EQ(screen.Text(kRight), "<none>");
+}
+
+// A mouse button's mask wraps, so that the field says another button once it is shown anew.
+TEST_F(DetectionTest, AButtonAbove32IsShownAndStoredByItsIndexAlone) {
+  StoreProfile("Game 2", [this](ProfileFile& made) { UsePad(made); });
+  BeginHere();
+  screen.Click(kRightBox);
+  pad.Press({33});
+  Poll();
+  EXPECT_EQ(screen.Text(kRight), "B33");
+  screen.Click(kRightBox);
+  EXPECT_EQ(screen.Text(kRight), "B33");
+  EXPECT_EQ(OpenProfile().rightButton, 32);
+  EXPECT_EQ(OpenProfile().rightMask, 0x1u);
+  ExpectAllSaved();
+  screen.Choose(kProfileList, "Game 2");
+  screen.Choose(kProfileList, kProfile);
+  EXPECT_EQ(screen.Text(kRight), "B1");
+}
+
+// The three ways out
+
+TEST_F(DetectionTest, TheSpaceBarEndsItWithWhatIsHeld) {
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({3});
+  Poll();
+  screen.Press(kSpaceBar);
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_TRUE(CheckedBoxes().empty());
+  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(OpenProfile().leftButton, 2);
+  EXPECT_EQ(OpenProfile().leftMask, 0x4u);
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, WithEverythingLetGoItClearsTheInput) {
+  StoreFullProfile();
+  BeginHere();
+  const struct {
+    std::uint32_t box;
+    std::uint32_t field;
+  } targets[] = {{kXBox, kX},       {kYBox, kY},           {kWheelBox, kWheel},
+                 {kLeftBox, kLeft}, {kMiddleBox, kMiddle}, {kRightBox, kRight}};
+  for (const auto& target : targets) {
+    screen.Click(target.box);
+    pad.MoveAxis("Axis_X0", 30000);
+    pad.Press({3});
+    Poll();
+    EXPECT_NE(screen.Text(target.field), "<none>");
+    pad.MoveAxis("Axis_X0", 0);
+    pad.Press({});
+    Poll();
+    EXPECT_EQ(screen.Text(target.field), "<none>");
+    screen.Press(kSpaceBar);
+    EXPECT_EQ(screen.Text(target.field), "<none>");
+  }
+  EXPECT_EQ(Words(OpenProfile().mouseX), "11 0 0");
+  EXPECT_EQ(Words(OpenProfile().mouseY), "11 0 0");
+  EXPECT_EQ(Words(OpenProfile().mouseWheel), "11 0 0");
+  EXPECT_EQ(OpenProfile().leftMask, 0u);
+  EXPECT_EQ(OpenProfile().middleMask, 0u);
+  EXPECT_EQ(OpenProfile().rightMask, 0u);
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({3});
+  Poll();
+  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(Engine().detectCount, 1u);
+  pad.Press({3, 5});
+  sim.RunFor(4);
+  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
+  sim.RunFor(1);
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_TRUE(CheckedBoxes().empty());
+  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(OpenProfile().leftButton, 2);
+  EXPECT_EQ(OpenProfile().leftMask, 0x4u);
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
+  BeginHere();
+  screen.Click(kYBox);
+  pad.MoveAxis("Axis_RY0", -25000);
+  Poll();
+  EXPECT_EQ(screen.Text(kY), "Axis_RY0");
+  pad.Press({1, 2});
+  Poll();
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_EQ(Words(OpenProfile().mouseY), "4 0 16");
+  EXPECT_TRUE(CheckedBoxes().empty());
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, TheTwoButtonsThatEndItGoOnToTheControls) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    AddControl(&made, 0x14, "x");  // B3+B5
+  });
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({3});
+  Poll();
+  EXPECT_EQ(sim.EventText(), "");
+  pad.Press({3, 5});
+  Poll();
+  ASSERT_FALSE(sim.Events().empty());
+  EXPECT_EQ(sim.Events().front().vk, 'X');
+}
+
+TEST_F(DetectionTest, AnotherBoxStoresTheOneAndStartsTheOther) {
+  BeginHere();
+  screen.Click(kXBox);
+  pad.MoveAxis("Axis_Z0", 18000);
+  Poll();
+  screen.Click(kYBox);
+  EXPECT_EQ(CheckedBoxes(), std::vector{kYBox});
+  EXPECT_EQ(Words(OpenProfile().mouseX), "2 0 8");
+  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_EQ(Engine().detectTargetId, kY);
+  EXPECT_EQ(screen.Text(kX), "Axis_Z0");
+  EXPECT_EQ(screen.Text(kY), "<none>");
+  ExpectAllSaved();
+
+  pad.MoveAxis("Axis_RX0", 19000);
+  Poll();
+  EXPECT_EQ(screen.Text(kX), "Axis_Z0");
+  EXPECT_EQ(screen.Text(kY), "Axis_RX0");
+  screen.Click(kLeftBox);
+  EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
+  EXPECT_EQ(Words(OpenProfile().mouseY), "3 0 12");
+  ExpectAllSaved();
+}
+
+TEST_F(DetectionTest, AnotherTabEndsAndSavesIt) {
+  for (const std::int32_t tab :
+       {MainWindow::kControlTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
+    pad.Press({});
+    StoreProfile(kProfile, [this](ProfileFile& made) { UsePad(made); });
+    BeginHere();
+    screen.Click(kMiddleBox);
+    pad.Press({4});
+    Poll();
+    screen.ChooseTab(kTabs, tab);
+    EXPECT_EQ(Engine().detectCount, 0u) << tab;
+    EXPECT_EQ(OpenProfile().middleButton, 3) << tab;
+    EXPECT_TRUE(CheckedBoxes().empty()) << tab;
+    ExpectAllSaved();
+    CloseAll();
+  }
+}
+
+TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
+  StoreProfile("Other", [this](ProfileFile& made) {
+    UsePad(made);
+    made.leftButton = 8;
+    made.leftMask = MouseButtonMask(8);
+  });
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({4});
+  Poll();
+  screen.Choose(kProfileList, "Other");
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_TRUE(CheckedBoxes().empty());
+  EXPECT_EQ(screen.Text(kLeft), "B9");
+  EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
+  EXPECT_EQ(Stored("Other")->leftMask, 0x100u);
+}
+
+// The engine meanwhile
+
+TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    made.mouseX = Input(0, 0);
+    made.mouseAlwaysActive = true;
+    AddControl(&made, 0x4, "x");
+  });
+  BeginHere();
+  screen.Click(kRightBox);
+  pad.Press({3});
+  pad.MoveAxis("Axis_X0", 32000);
+  sim.RunFor(100);
+  EXPECT_EQ(sim.EventText(), "");
+  pad.Press({});
+  Poll();
+  screen.Click(kRightBox);
+  pad.Press({3});
+  sim.RunFor(20);
+  EXPECT_NE(sim.EventText(), "");
+}
+
+TEST_F(DetectionTest, TheEndWaitsForTheProfilesLock) {
+  BeginHere();
+  screen.Click(kLeftBox);
+  pad.Press({3});
+  Poll();
+  const HeldLock held(sim, OpenProfile().profileLock, 50);
+  const std::uint64_t before = sim.Now();
+  screen.Click(kLeftBox);
+  EXPECT_EQ(sim.Now() - before, 50u);
+  EXPECT_EQ(OpenProfile().leftButton, 2);
+}
+
+// The end comes on another thread, which must not wait for the person.
+TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
+  BeginHere();
+  screen.Click(kLeftBox);
+  screen.Click(1006);
+  pad.Press({3});
+  Poll();
+  pad.Press({3, 5});
+  Poll();
+  EXPECT_EQ(Engine().detectCount, 0u);
+  ExpectAllSaved();
+  screen.Click(platform::IDCANCEL);
+  EXPECT_TRUE(CheckedBoxes().empty());
+  EXPECT_EQ(screen.Text(kLeft), "B3");
+}
+
+TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
+  BeginHere();
+  for (const bool byButtons : {false, true}) {
+    screen.Click(kLeftBox);
+    pad.Press({3});
+    Poll();
+    sim.FailAlways("RegCreateKeyA");
+    sim.Disk().FailOperation(1);
+    if (byButtons) {
+      pad.Press({3, 5});
+      Poll();
+    } else {
+      screen.Click(kLeftBox);
+    }
+    sim.Mend("RegCreateKeyA");
+    EXPECT_EQ(Engine().detectCount, 0u);
+    EXPECT_EQ(OpenProfile().leftButton, 2);
+    EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
+    pad.Press({});
+    Poll();
+  }
+  EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(DetectionTest, WithoutADeviceTheProfileAloneIsSaved) {
+  WithoutPad();
+  Preset("No Device Error Msg", 1);
+  StoreFullProfile();
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.Click(kLeftBox);
+  EXPECT_EQ(Engine().detectCount, 1u);
+  screen.Click(kLeftBox);
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
+  EXPECT_FALSE(sim.Registry().HasKey(kPadSettings));
+}
+
+// The dialog "Auto-Detect Mode"
+
+class DetectionUsageTest : public DetectionTest {
+ protected:
+  DetectionUsageTest() { Preset("Show Auto-Detect Usage", 1); }
+};
+
+TEST_F(DetectionUsageTest, TheUsageIsShownFirstAndTheDetectionStartsWhenItIsClosed) {
+  BeginHere();
+  for (const std::int32_t button : {platform::IDOK, 0}) {
+    screen.Click(kLeftBox);
+    EXPECT_EQ(screen.Front(), kUsageDialog);
+    EXPECT_EQ(Engine().detectCount, 0u);
+    if (button == platform::IDOK) {
+      screen.Click(platform::IDOK);
+    } else {
+      screen.Close();
+    }
+    EXPECT_EQ(screen.Front(), kMainDialog);
+    EXPECT_EQ(Engine().detectCount, 1u);
+    EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
+    screen.Click(kLeftBox);
+    EXPECT_EQ(screen.Front(), kMainDialog);  // not when one is ended
+    EXPECT_EQ(Engine().detectCount, 0u);
+  }
+  EXPECT_TRUE(ShowAutoDetectUsage());
+}
+
+TEST_F(DetectionUsageTest, TheUsageIsNotShownWhileAnotherDetectionRuns) {
+  BeginHere();
+  screen.Click(kXBox);
+  screen.Click(platform::IDOK);
+  screen.Click(kYBox);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(Engine().detectTargetId, kY);
+}
+
+TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
+  BeginHere();
+  screen.Click(kXBox);
+  screen.Click(resources::kDontShowAgain);
+  screen.Click(platform::IDOK);
+  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_EQ(Engine().detectCount, 1u);
+  screen.Click(kXBox);
+  screen.Click(kXBox);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  CloseAll();
+  EXPECT_EQ(Number("Show Auto-Detect Usage"), 0u);
+}
+
+TEST_F(DetectionUsageTest, NothingStartsWhenTheProgramIsToldToEndMeanwhile) {
+  BeginHere();
+  screen.Click(kXBox);
+  EXPECT_EQ(screen.Front(), kUsageDialog);
+  Post(WM_CLOSE_PROGRAM);
+  CloseAll();
+  EXPECT_FALSE(screen.Running());
+}
+
+}  // namespace
+}  // namespace kelvaro

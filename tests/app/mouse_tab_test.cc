@@ -1,0 +1,487 @@
+// The Mouse tab as the person sees and works it: what the fields and captions say, what a slider,
+// the box and the Test button change in the engine, in memory and on disk, and how the button is
+// drawn.
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "app/platform/desktop.h"
+#include "engine/device_snapshot.h"
+#include "tests/app/held_lock.h"
+#include "tests/app/main_window_fixture.h"
+
+namespace kelvaro {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kTest = 1036;
+constexpr std::uint32_t kMovementSensitivity = 1052;
+constexpr std::uint32_t kMovementDamper = 1056;
+constexpr std::uint32_t kWheelDamper = 1079;
+constexpr std::uint32_t kWheelSensitivity = 1080;
+constexpr std::uint32_t kMovementSensitivityCaption = 1050;
+constexpr std::uint32_t kMovementDamperCaption = 1055;
+constexpr std::uint32_t kWheelDamperCaption = 1083;
+constexpr std::uint32_t kWheelSensitivityCaption = 1051;
+constexpr std::uint32_t kAlwaysActive = 1139;
+constexpr std::uint32_t kMouseX = 1159;
+constexpr std::uint32_t kMouseY = 1160;
+constexpr std::uint32_t kLeft = 1161;
+constexpr std::uint32_t kMiddle = 1162;
+constexpr std::uint32_t kWheel = 1163;
+constexpr std::uint32_t kRight = 1164;
+constexpr std::uint32_t kRefresh = 1170;
+
+// An input of the mouse.
+TriggerItem Input(std::uint16_t kind, std::uint16_t index) {
+  TriggerItem item{kind, index, 0};
+  AxisFieldOffset(&item);
+  return item;
+}
+
+class MouseTabTest : public MainWindowTest {
+ protected:
+  void BeginHere() {
+    Begin();
+    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  }
+
+  // Brings both tabs up to date.
+  void ShowAgain() {
+    screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+    screen.Click(kRefresh);
+    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  }
+
+  // Calls of that operation since ClearCalls.
+  std::size_t Calls(const std::string& operation) const {
+    std::size_t count = 0;
+    for (const std::string& call : sim.Calls()) {
+      if (call.compare(0, operation.size(), operation) == 0) ++count;
+    }
+    return count;
+  }
+};
+
+// The fields
+
+TEST_F(MouseTabTest, AnAxisFieldNamesItsInputAndShowsAHatsOffsetAsDirections) {
+  const struct {
+    TriggerItem item;
+    const char* text;
+  } cases[] = {
+      {{input_kind::kNone, 0, 0}, "<none>"},
+      {Input(0, 0), "Axis_X0"},
+      {Input(1, 0), "Axis_Y0"},
+      {Input(2, 0), "Axis_Z0"},
+      {Input(3, 1), "Axis_RX1"},
+      {Input(4, 2), "Axis_RY2"},
+      {Input(5, 3), "Axis_RZ3"},
+      {Input(6, 0), "SliderA0"},
+      {Input(7, 3), "SliderB3"},
+      // Offsets 32, 36, 40 and 44: 0, 4, 8 and 12 in the low bits.
+      {Input(input_kind::kPov, 0), "POV0"},
+      {Input(input_kind::kPov, 1), "POV1right"},
+      {Input(input_kind::kPov, 2), "POV2down"},
+      {Input(input_kind::kPov, 3), "POV3down+right"},
+      {Input(input_kind::kPovVertical, 0), "POV0"},
+      {Input(input_kind::kPovVertical, 1), "POV1"},
+      {Input(input_kind::kPovVertical, 2), "POV2"},
+      {Input(input_kind::kPovVertical, 3), "POV3"},
+  };
+  BeginHere();
+  for (const auto& row : cases) {
+    const struct {
+      std::uint32_t field;
+      Relaxed<TriggerItem>* input;
+    } inputs[] = {{kMouseX, &OpenProfile().mouseX},
+                  {kMouseY, &OpenProfile().mouseY},
+                  {kWheel, &OpenProfile().mouseWheel}};
+    for (const auto& one : inputs) *one.input = row.item;
+    ShowAgain();
+    for (const auto& one : inputs) EXPECT_EQ(screen.Text(one.field), row.text) << one.field;
+  }
+}
+
+TEST_F(MouseTabTest, EachFieldShowsItsOwnInput) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    made.mouseX = Input(2, 0);
+    made.mouseY = Input(5, 0);
+    made.mouseWheel = Input(input_kind::kPovVertical, 0);
+    made.leftButton = 0;
+    made.leftMask = MouseButtonMask(0);
+    made.middleButton = 4;
+    made.middleMask = MouseButtonMask(4);
+    made.rightButton = 9;
+    made.rightMask = MouseButtonMask(9);
+  });
+  BeginHere();
+  EXPECT_EQ(screen.Text(kMouseX), "Axis_Z0");
+  EXPECT_EQ(screen.Text(kMouseY), "Axis_RZ0");
+  EXPECT_EQ(screen.Text(kWheel), "POV0");
+  EXPECT_EQ(screen.Text(kLeft), "B1");
+  EXPECT_EQ(screen.Text(kMiddle), "B5");
+  EXPECT_EQ(screen.Text(kRight), "B10");
+}
+
+TEST_F(MouseTabTest, AButtonFieldShowsTheMaskNotTheIndex) {
+  BeginHere();
+  EXPECT_EQ(screen.Text(kLeft), "<none>");
+  EXPECT_EQ(screen.Text(kMiddle), "<none>");
+  EXPECT_EQ(screen.Text(kRight), "<none>");
+
+  OpenProfile().leftMask = MouseButtonMask(2);
+  OpenProfile().middleMask = MouseButtonMask(32);  // wraps to that of index 0
+  OpenProfile().rightMask = MouseButtonMask(31);   // fills the upper half
+  ShowAgain();
+  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(screen.Text(kMiddle), "B1");
+  std::string upper;
+  for (int button = 32; button <= 64; ++button) {
+    upper += (upper.empty() ? "B" : "+B") + std::to_string(button);
+  }
+  EXPECT_EQ(screen.Text(kRight), upper);
+}
+
+// The sliders
+
+TEST_F(MouseTabTest, SlidersGoFrom0To50WithATickEach5AndStandAsTheProfileSays) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    made.movementDamper = 10;
+    made.movementSensitivity = 20;
+    made.wheelDamper = 30;
+    made.wheelSensitivity = 40;
+  });
+  BeginHere();
+  for (const std::uint32_t slider :
+       {kMovementDamper, kMovementSensitivity, kWheelDamper, kWheelSensitivity}) {
+    EXPECT_EQ(screen.SliderScale(slider), "0 to 50, a tick each 5") << slider;
+  }
+  EXPECT_EQ(screen.Slider(kMovementDamper), 10);
+  EXPECT_EQ(screen.Slider(kMovementSensitivity), 20);
+  EXPECT_EQ(screen.Slider(kWheelDamper), 30);
+  EXPECT_EQ(screen.Slider(kWheelSensitivity), 40);
+  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (10%)");
+  EXPECT_EQ(screen.Text(kMovementSensitivityCaption), "Movement Sensitivity (20)");
+  EXPECT_EQ(screen.Text(kWheelDamperCaption), "Mouse Wheel Axis Damper (30%)");
+  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (40)");
+  EXPECT_EQ(Engine().movementDeadZone, 3199);  // 10 of the single-precision 0.01 of 32000
+  EXPECT_EQ(Engine().movementFactor, 22);
+  EXPECT_EQ(Engine().wheelDeadZone, 9599);
+  EXPECT_EQ(Engine().wheelFactor, 42);
+  EXPECT_EQ(InitGuard(), 0u);
+}
+
+TEST_F(MouseTabTest, AStoredPositionBeyondAnEndBecomesTheEnd) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    made.movementDamper = 51;
+    made.movementSensitivity = -1;
+    made.wheelDamper = 1000;
+    made.wheelSensitivity = -1000;
+  });
+  BeginHere();
+  EXPECT_EQ(screen.Slider(kMovementDamper), 50);
+  EXPECT_EQ(screen.Slider(kMovementSensitivity), 0);
+  EXPECT_EQ(screen.Slider(kWheelDamper), 50);
+  EXPECT_EQ(screen.Slider(kWheelSensitivity), 0);
+  EXPECT_EQ(OpenProfile().movementDamper, 50);
+  EXPECT_EQ(OpenProfile().movementSensitivity, 0);
+  EXPECT_EQ(OpenProfile().wheelDamper, 50);
+  EXPECT_EQ(OpenProfile().wheelSensitivity, 0);
+  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (50%)");
+  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (0)");
+}
+
+TEST_F(MouseTabTest, AMovedSliderChangesItsCaptionItsDerivedValueAndTheFile) {
+  BeginHere();
+  sim.LogCalls(true);
+
+  screen.MoveSlider(kMovementSensitivity, 0);
+  EXPECT_EQ(screen.Text(kMovementSensitivityCaption), "Movement Sensitivity (0)");
+  EXPECT_EQ(Engine().movementFactor, 2);
+  EXPECT_EQ(Stored(kProfile)->movementSensitivity, 0);
+
+  screen.MoveSlider(kMovementDamper, 50);
+  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (50%)");
+  EXPECT_EQ(Engine().movementDeadZone, 15999);
+  EXPECT_EQ(Stored(kProfile)->movementDamper, 50);
+
+  screen.MoveSlider(kWheelDamper, 10);
+  EXPECT_EQ(screen.Text(kWheelDamperCaption), "Mouse Wheel Axis Damper (10%)");
+  EXPECT_EQ(Engine().wheelDeadZone, 3199);
+  EXPECT_EQ(Stored(kProfile)->wheelDamper, 10);
+
+  screen.MoveSlider(kWheelSensitivity, 33);
+  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (33)");
+  EXPECT_EQ(Engine().wheelFactor, 35);
+  EXPECT_EQ(Stored(kProfile)->wheelSensitivity, 33);
+
+  // Those before stay, and what is kept for the device isn't written yet.
+  EXPECT_EQ(Stored(kProfile)->movementSensitivity, 0);
+  EXPECT_EQ(Stored(kProfile)->movementDamper, 50);
+  EXPECT_EQ(Stored(kProfile)->wheelDamper, 10);
+  EXPECT_EQ(Calls("RegSetValueExA"), 0u);
+}
+
+TEST_F(MouseTabTest, AMovedSliderWaitsForTheProfilesLock) {
+  BeginHere();
+  const HeldLock held(sim, OpenProfile().profileLock, 50);
+  const std::uint64_t before = sim.Now();
+  screen.MoveSlider(kMovementDamper, 7);
+  EXPECT_EQ(sim.Now() - before, 50u);
+  EXPECT_EQ(Stored(kProfile)->movementDamper, 7);
+}
+
+TEST_F(MouseTabTest, ASliderDoesNotCountWhileControlsAreFilled) {
+  BeginHere();
+  ++InitGuard();
+  screen.MoveSlider(kMovementDamper, 44);
+  EXPECT_EQ(OpenProfile().movementDamper, 5);
+  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (5%)");
+  --InitGuard();
+}
+
+TEST_F(MouseTabTest, ASliderThatCannotBeSavedCountsAllTheSameAndSaysNothing) {
+  BeginHere();
+  sim.Disk().FailOperation(1);
+  screen.MoveSlider(kMovementDamper, 44);
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(OpenProfile().movementDamper, 44);
+  EXPECT_EQ(Stored(kProfile)->movementDamper, 5);
+}
+
+// Mouse Controls Always Active
+
+TEST_F(MouseTabTest, AlwaysActiveFlipsInMemoryAndInTheFile) {
+  BeginHere();
+  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+  screen.Click(kAlwaysActive);
+  EXPECT_TRUE(screen.Checked(kAlwaysActive));
+  EXPECT_TRUE(OpenProfile().mouseAlwaysActive);
+  EXPECT_TRUE(Stored(kProfile)->mouseAlwaysActive);
+  screen.Click(kAlwaysActive);
+  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+  EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
+  EXPECT_FALSE(Stored(kProfile)->mouseAlwaysActive);
+}
+
+TEST_F(MouseTabTest, AlwaysActiveShowsTheProfilesValue) {
+  StoreProfile("Active", [this](ProfileFile& made) {
+    UsePad(made);
+    made.mouseAlwaysActive = true;
+  });
+  PresetText("Last Profile", "Active");
+  BeginHere();
+  EXPECT_TRUE(screen.Checked(kAlwaysActive));
+  screen.Choose(kProfileList, kProfile);
+  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+}
+
+TEST_F(MouseTabTest, AlwaysActiveWaitsForTheProfilesLock) {
+  BeginHere();
+  const HeldLock held(sim, OpenProfile().profileLock, 50);
+  const std::uint64_t before = sim.Now();
+  screen.Click(kAlwaysActive);
+  EXPECT_EQ(sim.Now() - before, 50u);
+}
+
+TEST_F(MouseTabTest, AlwaysActiveIsOffInANewProfile) {
+  BeginHere();
+  screen.Click(kAlwaysActive);
+  screen.Click(1006);
+  screen.Type(1137, "Fresh");
+  screen.Click(platform::IDOK);
+  EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
+  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+  screen.Click(kAlwaysActive);
+  EXPECT_TRUE(Stored("Fresh")->mouseAlwaysActive);
+}
+
+// Test mode
+
+TEST_F(MouseTabTest, TheTestButtonFlipsTheModeAndIsDrawnAnew) {
+  BeginHere();
+  EXPECT_FALSE(Engine().mouseTestMode);
+  screen.FocusOn(kTest);  // which draws it, too
+  screen.Redraws(kTest);
+  screen.Click(kTest);
+  EXPECT_TRUE(Engine().mouseTestMode);
+  EXPECT_GE(screen.Redraws(kTest), 1u);
+  screen.Click(kTest);
+  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_GE(screen.Redraws(kTest), 1u);
+}
+
+TEST_F(MouseTabTest, TheTestButtonWaitsForTheMousesLock) {
+  BeginHere();
+  const HeldLock held(sim, Engine().mouseLock, 50);
+  const std::uint64_t before = sim.Now();
+  screen.Click(kTest);
+  EXPECT_EQ(sim.Now() - before, 50u);
+  EXPECT_TRUE(Engine().mouseTestMode);
+}
+
+TEST_F(MouseTabTest, InTestModeThePointerMovesWithoutAnythingElseOn) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    made.mouseX = Input(0, 0);
+  });
+  BeginHere();
+  pad.MoveAxis("Axis_X0", 32000);
+  sim.RunFor(20);
+  EXPECT_EQ(sim.EventText(), "");
+
+  screen.Click(kTest);
+  sim.RunFor(20);
+  // 4 polls at the limit with a sensitivity of 15: 1 + 3.4 counts each.
+  ASSERT_EQ(sim.Events().size(), 4u);
+  for (const auto& event : sim.Events()) EXPECT_EQ(event.dx, 4);
+
+  screen.Click(kTest);
+  sim.ClearEvents();
+  sim.RunFor(20);
+  EXPECT_EQ(sim.EventText(), "");
+}
+
+TEST_F(MouseTabTest, AnotherTabEndsTestModeForGood) {
+  for (const std::int32_t tab :
+       {MainWindow::kControlTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
+    BeginHere();
+    screen.Click(kTest);
+    EXPECT_TRUE(Engine().mouseTestMode);
+    screen.ChooseTab(kTabs, tab);
+    EXPECT_FALSE(Engine().mouseTestMode) << tab;
+    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    EXPECT_FALSE(Engine().mouseTestMode) << tab;
+    CloseAll();
+  }
+}
+
+TEST_F(MouseTabTest, AnotherProfileEndsTestModeAndTheButtonShowsIt) {
+  StoreProfile("Other", [this](ProfileFile& made) { UsePad(made); });
+  BeginHere();
+  screen.Click(kTest);
+  screen.Redraws(kTest);
+  screen.Choose(kProfileList, "Other");
+  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_GE(screen.Redraws(kTest), 1u);
+}
+
+TEST_F(MouseTabTest, OnAnotherTabTheTestButtonIsNotDrawn) {
+  StoreProfile("Other", [this](ProfileFile& made) { UsePad(made); });
+  BeginHere();
+  screen.ChooseTab(kTabs, MainWindow::kSettingsTab);
+  screen.Redraws(kTest);
+  screen.Choose(kProfileList, "Other");
+  EXPECT_EQ(screen.Redraws(kTest), 0u);
+}
+
+// How the Test button is drawn
+
+class TestButtonDrawing : public MouseTabTest {
+ protected:
+  void BeginHere() {
+    MouseTabTest::BeginHere();
+    const platform::Rect place = screen.ControlPlace(kTest);
+    width = place.Width();
+    height = place.Height();
+    screen.FocusOn(kAlwaysActive);
+  }
+
+  // The rectangle `inside` pixels from each edge.
+  std::string At(std::int32_t inside) const {
+    return Rectangle(inside, inside, width - inside, height - inside);
+  }
+  // The lamp and the text, both moved to the right and down.
+  std::string Lamp(std::int32_t moved) const {
+    const std::int32_t top = (height - 4) / 2 + moved;
+    return Rectangle(6 + moved, top, 12 + moved, top + 4);
+  }
+  std::string Words(std::int32_t moved) const {
+    return "text " + Rectangle(moved, moved, width - 12 + moved, height - 6 + moved) + ' ' +
+           Colour(platform::COLOR_BTNTEXT) + " right bottom \"Test\"";
+  }
+  static std::string Colour(std::int32_t index) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%06x", platform::GetSysColor(index));
+    return text;
+  }
+  static std::string Rectangle(std::int32_t left, std::int32_t top, std::int32_t right,
+                               std::int32_t bottom) {
+    return std::to_string(left) + ',' + std::to_string(top) + ',' + std::to_string(right) + ',' +
+           std::to_string(bottom);
+  }
+
+  std::string Face() const { return "fill " + At(0) + ' ' + Colour(platform::COLOR_3DFACE); }
+  std::string Raised() const {
+    return "3d " + At(0) + ' ' + Colour(platform::COLOR_3DHILIGHT) + ' ' +
+           Colour(platform::COLOR_3DDKSHADOW);
+  }
+  std::string RaisedInner() const {
+    return "3d " + At(1) + ' ' + Colour(platform::COLOR_3DFACE) + ' ' +
+           Colour(platform::COLOR_3DSHADOW);
+  }
+  std::string Sunken() const {
+    return "3d " + At(0) + ' ' + Colour(platform::COLOR_3DDKSHADOW) + ' ' +
+           Colour(platform::COLOR_3DHILIGHT);
+  }
+  std::string SunkenInner() const {
+    return "3d " + At(1) + ' ' + Colour(platform::COLOR_3DSHADOW) + ' ' +
+           Colour(platform::COLOR_3DFACE);
+  }
+
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+};
+
+TEST_F(TestButtonDrawing, OffItIsRaisedWithADarkGreenLamp) {
+  BeginHere();
+  EXPECT_EQ(screen.PaintButton(kTest),
+            (Strings{Face(), Raised(), RaisedInner(), "fill " + Lamp(0) + " 007700", Words(0)}));
+}
+
+TEST_F(TestButtonDrawing, OnItIsSunkenByOnePixelWithABrightGreenLampAndItsOutline) {
+  BeginHere();
+  screen.Click(kTest);
+  screen.FocusOn(kAlwaysActive);
+  EXPECT_EQ(screen.PaintButton(kTest), (Strings{Face(), Sunken(), "fill " + Lamp(1) + " 00ff00",
+                                                "frame " + Lamp(1) + " 00aa00", Words(1)}));
+}
+
+TEST_F(TestButtonDrawing, PressedItIsSunkenByTwoPixelsWithAnInnerLine) {
+  BeginHere();
+  EXPECT_EQ(screen.PaintButton(kTest, true),
+            (Strings{Face(), Sunken(), SunkenInner(), "fill " + Lamp(2) + " 007700", Words(2)}));
+  screen.Click(kTest);
+  screen.FocusOn(kAlwaysActive);
+  EXPECT_EQ(screen.PaintButton(kTest, true),
+            (Strings{Face(), Sunken(), SunkenInner(), "fill " + Lamp(2) + " 00ff00",
+                     "frame " + Lamp(2) + " 00aa00", Words(2)}));
+}
+
+TEST_F(TestButtonDrawing, WithTheFocusADottedRectangleIsThreePixelsInside) {
+  BeginHere();
+  screen.FocusOn(kTest);
+  const Strings lines = screen.PaintButton(kTest);
+  ASSERT_FALSE(lines.empty());
+  EXPECT_EQ(lines.back(), "focus " + At(3));
+}
+
+TEST_F(TestButtonDrawing, WithTheFocusItIsTheDefaultButton) {
+  BeginHere();
+  screen.FocusOn(kTest);
+  // From a control that is no button Enter presses the default one.
+  screen.FocusOn(kMovementDamper);
+  screen.Press(0x0D);
+  EXPECT_TRUE(Engine().mouseTestMode);
+}
+
+}  // namespace
+}  // namespace kelvaro
