@@ -14,6 +14,8 @@ DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
 
 void DeleteProfileDialog::OnInit() {
   SetText(kNameLabel, ByteString("\"").Concat(name).Concat("\""));
+  // Enter presses the button that has the focus, and "Yes" comes first.
+  platform::SetControlFocus(window, platform::IDCANCEL);
 }
 
 }  // namespace kelvaro

@@ -46,6 +46,11 @@ TEST_F(DeleteProfileDialogTest, NoIsCancel) {
   EXPECT_EQ(screen.Result(), IDCANCEL);
 }
 
+TEST_F(DeleteProfileDialogTest, EnterIsNo) {
+  screen.Press(0x0D);
+  EXPECT_EQ(screen.Result(), IDCANCEL);
+}
+
 TEST_F(DeleteProfileDialogTest, EscIsNo) {
   screen.Press(0x1B);
   EXPECT_EQ(screen.Result(), IDCANCEL);
