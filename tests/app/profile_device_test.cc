@@ -1,0 +1,288 @@
+// The device of the open profile: how it is found, the warning without it, and devices that come
+// and go.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/app/profile_row_fixture.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::MB_OK;
+
+class ProfileDeviceTest : public ProfileRowTest {};
+
+// ---- The device of a profile
+
+TEST_F(ProfileDeviceTest, TheDeviceIsFoundByItsGuidBeforeItsName) {
+  AddStick();
+  Store("Alpha", [](ProfileFile* file) { SetDevice(file, "Pad", kStickGuid); });
+  Begin();
+  EXPECT_EQ(Device()->SelectedIndex(), 1);
+  EXPECT_EQ(CurrentDeviceGuid(), kStickGuid);
+}
+
+TEST_F(ProfileDeviceTest, ADeviceFoundByItsNameCountsWithItsOwnGuid) {
+  Store("Alpha", [](ProfileFile* file) { SetDevice(file, "Pad", kStickGuid); });
+  const std::string before = BytesOf("Alpha.idprof");
+  Begin();
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "Pad");
+  EXPECT_EQ(CurrentDeviceGuid(), kPadGuid);
+  EXPECT_EQ(OpenProfile().deviceGuid, kStickGuid) << "as in the file";
+  EXPECT_EQ(BytesOf("Alpha.idprof"), before);
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+}
+
+TEST_F(ProfileDeviceTest, NoDeviceRunsForAProfileWhoseDeviceIsNotThere) {
+  WithoutPad();
+  AddStick();
+  Store("Alpha", [](ProfileFile* file) { SetDevice(file, "Stick", kStickGuid); });
+  StoreWithPad("Beta");
+  Begin();
+  ASSERT_TRUE(Device()->DeviceSelected());
+  sim.LogCalls(true);
+  Choose("Beta");
+  ExpectBoxAndAnswer(PadMissingText("Pad"), "Kelvaro", MB_OK);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "");
+  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  EXPECT_EQ(OpenName(), "Beta");
+  EXPECT_EQ(CallsAmong({"timeKillEvent", "Unacquire", "Release", "CreateDevice"}),
+            Strings({"timeKillEvent 1", "Unacquire", "Release"}));
+}
+
+TEST_F(ProfileDeviceTest, WithoutANameTheGuidCountsForNothing) {
+  StoreWithPad("Alpha");
+  Store("Beta", [](ProfileFile* file) { SetDevice(file, "", kPadGuid); });
+  Begin();
+  Choose("Beta");
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "");
+  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+}
+
+TEST_F(ProfileDeviceTest, AnIntervalThatIsRefusedLeavesNoDevice) {
+  StoreWithPad("Alpha");
+  Store("Beta", [](ProfileFile* file) { SetDevice(file, "Pad", kPadGuid, 0); });
+  Begin();
+  Choose("Beta");
+  ExpectBoxAndAnswer(PadMissingText("Pad"), "Kelvaro", MB_OK);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "");
+  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  EXPECT_EQ(Device()->PollInterval(), 5u);
+}
+
+TEST_F(ProfileDeviceTest, ADeviceThatFailsByItsGuidIsTriedByItsName) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Begin();
+  sim.LogCalls(true);
+  sim.FailNext("CreateDevice");
+  Choose("Beta");
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(CallsAmong({"CreateDevice"}), Strings({"CreateDevice", "CreateDevice"}));
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+// ---- The warning
+
+TEST_F(ProfileDeviceTest, AProfileWithoutADeviceBringsTheDeviceTabUpEachTimeItIsChosen) {
+  StoreWithPad("Alpha");
+  Store("Beta");
+  Begin();
+  for (int round = 0; round < 2; ++round) {
+    screen.ChooseTab(kTabs, MainWindow::kControlTab);
+    Choose("Beta");
+    ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+    EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+    EXPECT_EQ(CurrentTab(), MainWindow::kDeviceTab);
+    EXPECT_TRUE(screen.Visible(kDeviceList));
+    EXPECT_FALSE(screen.Visible(kControlList));
+    Choose("Alpha");
+    EXPECT_FALSE(screen.BoxUp());
+  }
+}
+
+TEST_F(ProfileDeviceTest, TheWarningBringsAHiddenWindowBack) {
+  Store("Alpha");
+  Begin();
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  screen.ChooseTab(kTabs, MainWindow::kControlTab);
+  screen.Minimise();
+  ASSERT_FALSE(screen.Shown());
+
+  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_DEVICE_WARNING, 0, 0);
+  screen.Settle();
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_FALSE(screen.Minimised());
+  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+}
+
+TEST_F(ProfileDeviceTest, WithoutTheErrorMessageTheWindowStillComesUpOnTheDeviceTab) {
+  Preset("No Device Error Msg", 1);
+  WithoutPad();
+  AddStick();
+  Store("Alpha", [](ProfileFile* file) { SetDevice(file, "Stick", kStickGuid); });
+  StoreWithPad("Beta");
+  Store("Gamma");
+  Begin();
+  Choose("Beta");
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+
+  Choose("Gamma");
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+}
+
+TEST_F(ProfileDeviceTest, WithADeviceThereIsNoWarning) {
+  StoreWithPad("Alpha");
+  Begin();
+  screen.Minimise();
+  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_DEVICE_WARNING, 0, 0);
+  screen.Settle();
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_FALSE(screen.Shown());
+}
+
+// ---- Devices that come and go
+
+TEST_F(ProfileDeviceTest, ADevicePluggedInLateIsFoundByTheRefreshButton) {
+  pad.Unplug();
+  StoreWithPad("Alpha", "a");
+  Begin();
+  ExpectBoxAndAnswer(PadMissingText("Pad"), "Kelvaro", MB_OK);
+  EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone}));
+  EXPECT_EQ(screen.Text(kNumButtons), "0");
+
+  pad.PlugIn();
+  sim.RunFor(20000);
+  EXPECT_FALSE(Device()->DeviceSelected()) << "nobody looks for it";
+  screen.Click(kRefresh);
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Pad"}));
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+  EXPECT_EQ(screen.Text(kNumButtons), "11");
+  EXPECT_EQ(CurrentDeviceName(), "Pad");
+  EXPECT_EQ(CurrentDeviceGuid(), kPadGuid);
+  EXPECT_FALSE(screen.BoxUp());
+
+  KeysPressed();
+  pad.Press({1});
+  sim.RunFor(50);
+  EXPECT_EQ(KeysPressed(), "A");
+}
+
+TEST_F(ProfileDeviceTest, ADevicePluggedInLateComesIntoUseWithinFiveSeconds) {
+  Preset("Autodetect Device Plugin", 1);
+  Preset("No Device Error Msg", 1);
+  pad.Unplug();
+  StoreWithPad("Alpha");
+  Begin();
+  EXPECT_FALSE(screen.BoxUp());
+  sim.RunFor(12000);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  pad.PlugIn();
+  sim.RunFor(5200);
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+
+  // Once it runs nobody looks again, even when it is lost; it comes back by itself.
+  sim.LogCalls(true);
+  pad.Unplug();
+  sim.RunFor(20000);
+  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings());
+  EXPECT_TRUE(Device()->DeviceSelected());
+  pad.PlugIn();
+  sim.RunFor(100);
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
+  AddStick();
+  StoreWithPad("Alpha");
+  Begin();
+  ASSERT_TRUE(Device()->DeviceSelected());
+  pad.Unplug();
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.Click(kRefresh);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "");
+  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Stick"}));
+  EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
+  EXPECT_EQ(screen.Text(kNumButtons), "0");
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(Str(OpenProfile().deviceName), "Pad") << "the profile keeps it";
+
+  pad.PlugIn();
+  screen.Click(kRefresh);
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+}
+
+TEST_F(ProfileDeviceTest, ARefreshReselectsTheDeviceThatIsThere) {
+  StoreWithPad("Alpha");
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  sim.LogCalls(true);
+  screen.Click(kRefresh);
+  EXPECT_EQ(DeviceCalls(),
+            Strings({"EnumDevices", "timeKillEvent 1", "Unacquire", "Release", "CreateDevice",
+                     "Acquire", "timeBeginPeriod 5", "timeSetEvent 5 1"}));
+}
+
+TEST_F(ProfileDeviceTest, AnEnumerationThatFailsLeavesTheDeviceRunning) {
+  StoreWithPad("Alpha");
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  sim.LogCalls(true);
+  sim.FailNext("EnumDevices");
+  screen.Click(kRefresh);
+  EXPECT_EQ(DeviceCalls(), Strings({"EnumDevices"}));
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+TEST_F(ProfileDeviceTest, AProfileWithoutADeviceIsLookedAtByThePluginPollAllTheSame) {
+  Preset("Autodetect Device Plugin", 1);
+  Store("Alpha");
+  Begin();
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  ASSERT_EQ(CurrentDeviceName(), "");
+  sim.LogCalls(true);
+  sim.RunFor(10500);
+  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings({"EnumDevices", "EnumDevices"}));
+  EXPECT_FALSE(Device()->DeviceSelected());
+}
+
+TEST_F(ProfileDeviceTest, AProfileSetToNoDeviceIsLeftAloneByThePluginPoll) {
+  Preset("Autodetect Device Plugin", 1);
+  StoreWithPad("Alpha");
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.Choose(kDeviceList, kNone);
+  ASSERT_EQ(CurrentDeviceName(), kNone);
+  sim.LogCalls(true);
+  sim.RunFor(20000);
+  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings());
+
+  // The person's own wish fills the list, and selects nothing.
+  AddStick();
+  screen.Click(kRefresh);
+  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings({"EnumDevices"}));
+  EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Pad", "Stick"}));
+  EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), kNone);
+}
+
+}  // namespace
+}  // namespace kelvaro

@@ -1,0 +1,368 @@
+// Choosing a profile, by the person or by the program: what is shown and remembered, what ends with
+// the one before, and what a file costs that can't be read.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/app/profile_row_fixture.h"
+#include "tests/app/watched_files.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::IDOK;
+using platform::MB_ICONEXCLAMATION;
+using platform::MB_OK;
+
+class ProfileLoadingTest : public ProfileRowTest {};
+
+// ---- Choosing
+
+TEST_F(ProfileLoadingTest, AProfileThatIsChosenIsShownWithItsDevice) {
+  StoreWithPad("Alpha", "a");
+  Store("Beta", [](ProfileFile* file) {
+    SetDevice(file, "Pad", kPadGuid, 7);
+    AddControl(file, 2, "b");
+    AddControl(file, 3, "c");
+    file->movementSensitivity = 40;
+    file->movementDamper = 10;
+  });
+  Begin();
+  ASSERT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
+  EXPECT_EQ(Chosen(), "Alpha");
+  EXPECT_EQ(Descriptions(), Strings({"a"}));
+
+  Choose("Beta");
+  EXPECT_EQ(OpenName(), "Beta");
+  EXPECT_EQ(Descriptions(), Strings({"b", "c"}));
+  EXPECT_EQ(Remembered(), "Beta");
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(Device()->PollInterval(), 7u);
+  EXPECT_EQ(CurrentDeviceName(), "Pad");
+  EXPECT_EQ(CurrentDeviceGuid(), kPadGuid);
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+  EXPECT_EQ(screen.Slider(ControlEngine::kMovementSensitivitySlider), 40);
+  EXPECT_EQ(Engine().movementFactor, 42);
+  EXPECT_EQ(Engine().movementDeadZone, 3199);
+  EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(ProfileLoadingTest, TheControlsOfTheChosenProfileFireAndThoseOfTheFormerDoNot) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  Begin();
+  sim.RunFor(50);
+  pad.Press({1});
+  sim.RunFor(50);
+  pad.Press({});
+  sim.RunFor(50);
+  EXPECT_EQ(KeysPressed(), "A");
+
+  Choose("Beta");
+  sim.RunFor(50);
+  pad.Press({1});
+  sim.RunFor(50);
+  EXPECT_EQ(KeysPressed(), "B");
+}
+
+TEST_F(ProfileLoadingTest, TheNameIsRememberedBeforeAnyFileIsRead) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Begin();
+  ASSERT_EQ(Remembered(), "Alpha");
+  Strings seen;
+  const WatchedFiles watched(sim, [&](const std::string& operation, const std::string& path) {
+    seen.push_back(operation + " " + path + " with " + Remembered());
+  });
+  Choose("Beta");
+  // Looked for by its name, in the order of the folder, and then read.
+  EXPECT_EQ(seen, Strings({"read /game/Profiles/Alpha.idprof with Beta",
+                           "read /game/Profiles/Beta.idprof with Beta",
+                           "read /game/Profiles/Beta.idprof with Beta"}));
+}
+
+TEST_F(ProfileLoadingTest, TheOldDeviceIsGivenUpBeforeTheNewOneIsOpened) {
+  AddStick();
+  StoreWithPad("Alpha");
+  Store("Beta", [](ProfileFile* file) { SetDevice(file, "Stick", kStickGuid, 10); });
+  Begin();
+  sim.LogCalls(true);
+  Choose("Beta");
+  EXPECT_EQ(DeviceCalls(),
+            Strings({"RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Last Profile",
+                     "timeKillEvent 1", "Unacquire", "Release", "CreateDevice", "Acquire",
+                     "timeBeginPeriod 10", "timeSetEvent 10 1"}));
+  EXPECT_EQ(Str(Device()->SelectedName()), "Stick");
+}
+
+TEST_F(ProfileLoadingTest, WhatRepeatsOfTheOldProfileEnds) {
+  Store("Alpha", [](ProfileFile* file) {
+    SetDevice(file, "Pad", kPadGuid);
+    AddControl(file, 1, "a", 100);
+  });
+  StoreWithPad("Beta");
+  Begin();
+  sim.RunFor(50);
+  pad.Press({1});
+  sim.RunFor(500);
+  EXPECT_GE(KeysPressed().size(), 4u);
+  ASSERT_NE(Engine().repeatWorker.Repeating(), nullptr);
+
+  Choose("Beta");
+  EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
+  KeysPressed();
+  sim.RunFor(1000);
+  EXPECT_EQ(KeysPressed(), "");
+}
+
+TEST_F(ProfileLoadingTest, AReplayUnderWayIsWaitedFor) {
+  StoreWithPad("Alpha", "a<P:800>b");
+  StoreWithPad("Beta");
+  Begin();
+  sim.RunFor(50);
+  pad.Press({1});
+  sim.RunFor(200);
+  EXPECT_EQ(KeysPressed(), "A");
+  Choose("Beta");
+  EXPECT_EQ(KeysPressed(), "B") << "the Control went on to its end";
+  EXPECT_EQ(OpenName(), "Beta");
+  EXPECT_FALSE(AnyLockTaken());
+}
+
+TEST_F(ProfileLoadingTest, TheMouseControlsStartOff) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Begin();
+  Engine().mouseActive = true;
+  Choose("Beta");
+  EXPECT_FALSE(Engine().mouseActive);
+}
+
+TEST_F(ProfileLoadingTest, TestModeEndsWithTheProfile) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.Click(1036);
+  ASSERT_TRUE(Engine().mouseTestMode);
+  Choose("Beta");
+  EXPECT_FALSE(Engine().mouseTestMode);
+}
+
+TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Preset("Show Auto-Detect Usage", 0);
+  Begin();
+  const std::string before = BytesOf("Alpha.idprof");
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.Click(1029);  // the left mouse button
+  ASSERT_EQ(Engine().detectCount, 1u);
+  pad.Press({3});
+  sim.RunFor(50);
+
+  Choose("Beta");
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(screen.Checked(1029));
+  EXPECT_EQ(BytesOf("Alpha.idprof"), before);
+  EXPECT_EQ(OpenProfile().leftButton, 0) << "as Beta has it";
+  EXPECT_EQ(OpenProfile().leftMask, 0u);
+}
+
+TEST_F(ProfileLoadingTest, AFileWithoutMouseSettingsKeepsThoseOfTheProfileBefore) {
+  Store("Alpha", [](ProfileFile* file) {
+    SetDevice(file, "Pad", kPadGuid);
+    file->movementSensitivity = 33;
+    file->mouseAlwaysActive = true;
+  });
+  Disk().PutFile(PathOf("Beta.idprof"),
+                 ProfileBytes({List(1, {Field("EventProfile")}), List(2, {Field("\x01")}),
+                               List(3, {Field("Beta"), Field(Big(1, 4))})}));
+  Begin();
+  Choose("Beta");
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  EXPECT_EQ(OpenProfile().movementSensitivity, 33);
+  EXPECT_EQ(Engine().movementFactor, 35);
+  EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
+}
+
+// ---- Files that can't be read
+
+TEST_F(ProfileLoadingTest, AMissingFileIsToldItsEntryGoesAndTheFirstOneIsLoaded) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  StoreWithPad("Gamma", "c");
+  Begin();
+  Choose("Gamma");
+  Disk().Remove(PathOf("Beta.idprof"));
+  Choose("Beta");
+  ExpectBox("Error reading profile \"Beta\". The file is missing.", "Missing Profile Error",
+            MB_ICONEXCLAMATION);
+  ExpectNoProfile();
+  EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta", "Gamma"})) << "until it is answered";
+  EXPECT_EQ(Remembered(), "Beta");
+
+  screen.Answer(IDOK);
+  EXPECT_EQ(Profiles(), Strings({"Alpha", "Gamma"}));
+  EXPECT_EQ(Chosen(), "Alpha");
+  EXPECT_EQ(OpenName(), "Alpha");
+  EXPECT_EQ(Descriptions(), Strings({"a"}));
+  EXPECT_EQ(Remembered(), "Alpha");
+  EXPECT_EQ(screen.Boxes().size(), 1u);
+}
+
+TEST_F(ProfileLoadingTest, AFileThatIsDamagedIsToldWithItsPathAndStays) {
+  StoreWithPad("Alpha", "a");
+  Disk().PutFile(PathOf("other name.idprof"), DamagedProfile("Beta"));
+  Begin();
+  Choose("Beta");
+  ExpectBox(
+      "Error reading file \"/game/Profiles/other name.idprof\". The file may be missing or "
+      "corrupt.",
+      "File Read Error", MB_ICONEXCLAMATION);
+  ExpectNoProfile();
+  screen.Answer(IDOK);
+  EXPECT_EQ(Profiles(), Strings({"Alpha"}));
+  EXPECT_EQ(OpenName(), "Alpha");
+  EXPECT_EQ(BytesOf("other name.idprof"), DamagedProfile("Beta"));
+}
+
+TEST_F(ProfileLoadingTest, EachOfSeveralBadFilesCostsOneBox) {
+  Disk().PutFile(PathOf("Alpha.idprof"), DamagedProfile("Alpha"));
+  StoreWithPad("Beta");
+  StoreWithPad("Gamma", "c");
+  StoreWithPad("Zulu");
+  PresetText("Last Profile", "Zulu");
+  Begin();
+  ASSERT_EQ(OpenName(), "Zulu");
+  Disk().Remove(PathOf("Beta.idprof"));
+
+  Choose("Beta");
+  ExpectBoxAndAnswer("Error reading profile \"Beta\". The file is missing.",
+                     "Missing Profile Error", MB_ICONEXCLAMATION);
+  ExpectBoxAndAnswer(
+      "Error reading file \"/game/Profiles/Alpha.idprof\". The file may be missing or corrupt.",
+      "File Read Error", MB_ICONEXCLAMATION);
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(Profiles(), Strings({"Gamma", "Zulu"}));
+  EXPECT_EQ(OpenName(), "Gamma");
+  EXPECT_EQ(Remembered(), "Gamma");
+}
+
+TEST_F(ProfileLoadingTest, AListThatRunsEmptyLeavesNoProfileOpen) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  Begin();
+  Disk().Remove("/game/Profiles");
+  Choose("Beta");
+  ExpectBoxAndAnswer("Error reading profile \"Beta\". The file is missing.",
+                     "Missing Profile Error", MB_ICONEXCLAMATION);
+  ExpectBoxAndAnswer("Error reading profile \"Alpha\". The file is missing.",
+                     "Missing Profile Error", MB_ICONEXCLAMATION);
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(Profiles(), Strings());
+  EXPECT_EQ(Chosen(), "");
+  EXPECT_EQ(Remembered(), "Alpha") << "the last that was tried";
+  ExpectNoProfile();
+
+  // Nothing can be asked of no profile.
+  for (const std::uint32_t button : {kDelete, kCopy, kRename}) {
+    screen.Click(button);
+    EXPECT_EQ(screen.Front(), kMainWindow) << button;
+  }
+  // The person begins anew, and the folder comes back with it.
+  ClickNew("Again");
+  EXPECT_EQ(Profiles(), Strings({"Again"}));
+  EXPECT_EQ(Files(), Strings({"Again.idprof"}));
+}
+
+TEST_F(ProfileLoadingTest, ABadFileAtTheStartIsToldBeforeTheWindowIsUsed) {
+  Disk().PutFile(PathOf("Alpha.idprof"), DamagedProfile("Alpha"));
+  StoreWithPad("Beta", "b");
+  Begin();
+  ExpectBoxAndAnswer(
+      "Error reading file \"/game/Profiles/Alpha.idprof\". The file may be missing or corrupt.",
+      "File Read Error", MB_ICONEXCLAMATION);
+  EXPECT_EQ(OpenName(), "Beta");
+  EXPECT_EQ(Profiles(), Strings({"Beta"}));
+}
+
+TEST_F(ProfileLoadingTest, NoControlOfAFileThatIsHalfReadIsLeftToRepeat) {
+  Store("Alpha", [](ProfileFile* file) {
+    SetDevice(file, "Pad", kPadGuid);
+    AddControl(file, 1, "a", 50);
+  });
+  StoreWithPad("Beta");
+  Begin();
+  sim.RunFor(50);
+  pad.Press({1});
+  sim.RunFor(300);
+  Disk().PutFile(PathOf("Beta.idprof"), DamagedProfile("Beta"));
+  Choose("Beta");
+  ASSERT_TRUE(screen.BoxUp());
+  EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
+  KeysPressed();
+  sim.RunFor(500);
+  EXPECT_EQ(KeysPressed(), "") << "while the box is up";
+  screen.Answer(IDOK);
+}
+
+TEST_F(ProfileLoadingTest, TheProgramMayBeClosedWhileABoxOfABadFileIsUp) {
+  StoreWithPad("Alpha");
+  StoreWithPad("Beta");
+  Begin();
+  Disk().Remove(PathOf("Beta.idprof"));
+  Choose("Beta");
+  ASSERT_TRUE(screen.BoxUp());
+  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_CLOSE_PROGRAM, 0, 0);
+  screen.Settle();
+  while (screen.BoxUp()) screen.Answer(IDOK);
+  EXPECT_FALSE(screen.Running());
+}
+
+TEST_F(ProfileLoadingTest, AnOperationOfALoadThatFailsGivesTheProfileOrABox) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  Begin();
+  Disk().ClearLog();
+  Choose("Beta");
+  const std::size_t operations = Disk().Log().size();
+  ASSERT_GE(operations, 8u);
+  std::size_t failures = 0;
+  for (std::uint64_t n = 1; n <= operations; ++n) {
+    SCOPED_TRACE(n);
+    if (Profiles().size() == 1) {
+      // Taken out in the last round.
+      Disk().Remove(PathOf("Beta.idprof"));
+      ClickNew("Beta");
+    }
+    Choose("Alpha");
+    ASSERT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
+
+    const std::size_t boxes = screen.Boxes().size();
+    Disk().FailOperation(n);
+    Choose("Beta");
+    while (screen.BoxUp()) {
+      EXPECT_FALSE(AnyLockTaken());
+      screen.Answer(IDOK);
+    }
+    Disk().Restart();
+    EXPECT_EQ(Disk().OpenHandles(), 0u);
+    if (screen.Boxes().size() == boxes) {
+      EXPECT_EQ(OpenName(), "Beta");
+      EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
+    } else {
+      ++failures;
+      EXPECT_EQ(OpenName(), "Alpha");
+      EXPECT_EQ(Profiles(), Strings({"Alpha"}));
+    }
+    ExpectSavedAs(OpenName() + ".idprof");
+    if (HasFailure()) return;
+  }
+  EXPECT_GE(failures, 2u);
+}
+
+}  // namespace
+}  // namespace kelvaro
