@@ -241,7 +241,7 @@ struct Screen::State {
   void SelectOnly(VirtualControl& list, const std::vector<std::int32_t>& rows) {
     for (auto& item : list.items) item.selected = false;
     for (const std::int32_t row : rows) list.items[static_cast<std::size_t>(row)].selected = true;
-    list.needsPaint = true;
+    system.MarkForPainting(list);
   }
 
   // The next control that takes the focus, behind that place in the order of the Tab key.
@@ -795,7 +795,7 @@ void Screen::DragHeader(std::uint32_t id, std::int32_t column, std::int32_t plac
     VirtualControl& dragged = *front.Find(id);
     std::erase(dragged.order, column);
     dragged.order.insert(dragged.order.begin() + place, column);
-    dragged.needsPaint = true;
+    state->system.MarkForPainting(dragged);
   });
 }
 

@@ -49,7 +49,7 @@ void VirtualControls::SetPlace(VirtualControl& control, const Rect& rect, std::u
   const Rect place{rect.left, rect.top, rect.left + width, rect.top + height};
   if (place == control.place) return;
   control.place = place;
-  control.needsPaint = true;
+  system.MarkForPainting(control);
 }
 
 bool VirtualControls::SetControlPos(WindowHandle window, std::uint32_t id, const Rect& rect,
@@ -101,7 +101,7 @@ bool VirtualControls::InvalidateControl(WindowHandle window, std::uint32_t id) {
   VirtualControl* const control = system.Find(window, id);
   if (!control) return false;
   ++control->redraws;
-  control->needsPaint = true;
+  system.MarkForPainting(*control);
   return true;
 }
 
@@ -110,7 +110,7 @@ bool VirtualControls::ShowControl(WindowHandle window, std::uint32_t id, std::in
   VirtualControl* const control = system.Find(window, id);
   if (!control) return false;
   const bool visible = command != SW_HIDE;
-  if (visible && !control->visible) control->needsPaint = true;
+  if (visible && !control->visible) system.MarkForPainting(*control);
   control->visible = visible;
   return true;
 }
@@ -123,7 +123,7 @@ bool VirtualControls::IsControlVisible(WindowHandle window, std::uint32_t id) {
 bool VirtualControls::EnableControl(WindowHandle window, std::uint32_t id, bool enable) {
   VirtualControl* const control = system.Find(window, id);
   if (!control) return false;
-  if (control->enabled != enable) control->needsPaint = true;
+  if (control->enabled != enable) system.MarkForPainting(*control);
   control->enabled = enable;
   return true;
 }
@@ -310,7 +310,7 @@ std::int32_t VirtualControls::ListInsertColumn(WindowHandle window, std::uint32_
   if (!list) return -1;
   list->order.push_back(Count(list->columns));
   list->columns.push_back({text, std::max(width, 0)});
-  list->needsPaint = true;
+  system.MarkForPainting(*list);
   return Count(list->columns) - 1;
 }
 
@@ -322,6 +322,7 @@ std::int32_t VirtualControls::ListGetColumnWidth(WindowHandle window, std::uint3
 
 bool VirtualControls::ListSetColumnWidth(WindowHandle window, std::uint32_t id, std::int32_t column,
                                          std::int32_t width) {
+  if (journal.Enter("ListSetColumnWidth", id, column)) return false;
   VirtualControl* const list = system.Find(window, id, ControlKind::ListView);
   if (!list || !IsIndex(list->columns, column)) return false;
   system.SetColumnWidth(*system.Find(window), *list, column, width);
@@ -346,7 +347,7 @@ bool VirtualControls::ListSetColumnOrder(WindowHandle window, std::uint32_t id,
     return false;
   }
   list->order = order;
-  list->needsPaint = true;
+  system.MarkForPainting(*list);
   return true;
 }
 
@@ -360,7 +361,7 @@ std::int32_t VirtualControls::ListInsertItem(WindowHandle window, std::uint32_t 
   VirtualControl* const list = system.Find(window, id, ControlKind::ListView);
   if (!list) return -1;
   list->items.push_back({data, false, {}});
-  list->needsPaint = true;
+  system.MarkForPainting(*list);
   return Count(list->items) - 1;
 }
 
@@ -368,7 +369,7 @@ bool VirtualControls::ListDeleteAllItems(WindowHandle window, std::uint32_t id) 
   VirtualControl* const list = system.Find(window, id, ControlKind::ListView);
   if (!list) return false;
   list->items.clear();
-  list->needsPaint = true;
+  system.MarkForPainting(*list);
   return true;
 }
 
@@ -389,7 +390,7 @@ bool VirtualControls::ListSetItemText(WindowHandle window, std::uint32_t id, std
   if (!item || !IsIndex(system.Find(window, id)->columns, column)) return false;
   if (!IsIndex(item->texts, column)) item->texts.resize(static_cast<std::size_t>(column) + 1);
   At(item->texts, column) = text;
-  system.Find(window, id)->needsPaint = true;
+  system.MarkForPainting(*system.Find(window, id));
   return true;
 }
 
@@ -414,7 +415,7 @@ bool VirtualControls::ListSelectItem(WindowHandle window, std::uint32_t id, std:
     for (VirtualControl::Item& one : list->items) one.selected = false;
   }
   item->selected = selected;
-  list->needsPaint = true;
+  system.MarkForPainting(*list);
   return true;
 }
 
@@ -592,6 +593,7 @@ bool VirtualControls::ActivateToolTip(WindowHandle window, bool active) {
 
 bool VirtualControls::AddTabTool(WindowHandle window, std::uint32_t id, std::int32_t tab,
                                  const std::string& text) {
+  if (journal.Enter("AddTabTool", id, tab)) return false;
   VirtualControl* const control = system.Find(window, id, ControlKind::TabControl);
   if (!WindowWithToolTip(window) || !control || !IsIndex(control->tabs, tab)) return false;
   At(control->tabs, tab).tip = text;
@@ -600,6 +602,7 @@ bool VirtualControls::AddTabTool(WindowHandle window, std::uint32_t id, std::int
 }
 
 bool VirtualControls::AddTool(WindowHandle window, std::uint32_t id) {
+  if (journal.Enter("AddTool", id)) return false;
   VirtualControl* const control = system.Find(window, id);
   if (!WindowWithToolTip(window) || !control) return false;
   control->isTool = true;

@@ -113,7 +113,7 @@ class VirtualControls final : public Controls {
   VirtualWindow* WindowWithToolTip(WindowHandle window);
   // Also with those that the system shows by itself, once they are enabled.
   VirtualWindow* WindowWithTips(WindowHandle window);
-  static void SetPlace(VirtualControl& control, const Rect& rect, std::uint32_t flags);
+  void SetPlace(VirtualControl& control, const Rect& rect, std::uint32_t flags);
 
   WindowSystem& system;
   Journal& journal;

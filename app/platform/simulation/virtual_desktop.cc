@@ -110,7 +110,7 @@ bool VirtualDesktop::MoveWindow(WindowHandle window, const Rect& rect) {
   if (journal.Enter("MoveWindow")) return false;
   VirtualWindow* const found = system.Find(window);
   if (!found) return false;
-  found->needsPaint = true;
+  system.MarkForPainting(*found);
   system.Place(*found, rect, true);
   return true;
 }
@@ -119,7 +119,7 @@ bool VirtualDesktop::InvalidateRect(WindowHandle window, const Rect&) {
   if (journal.Enter("InvalidateRect")) return false;
   VirtualWindow* const found = system.Find(window);
   if (!found) return false;
-  found->needsPaint = true;
+  system.MarkForPainting(*found);
   return true;
 }
 
@@ -192,6 +192,7 @@ std::uint32_t VirtualDesktop::SetTimer(WindowHandle window, std::uint32_t id, st
   if (!found) return 0;
   const std::uint32_t period = std::max(ms, kLeastPeriod);
   found->timers[id] = {period, system.scheduler.Now() + period};
+  system.Wake();
   return id;
 }
 

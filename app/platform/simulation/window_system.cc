@@ -255,7 +255,7 @@ std::int32_t WindowSystem::RunDialog(const DialogTemplate& dialog, WindowHandle 
   return ended;
 }
 
-std::int32_t WindowSystem::RunBox(const ShownMessageBox& box) {
+std::int32_t WindowSystem::RunBox(ShownMessageBox box) {
   boxes.push_back(box);
   ++asked;
   if (!answers.empty()) {
@@ -264,7 +264,8 @@ std::int32_t WindowSystem::RunBox(const ShownMessageBox& box) {
     return answer;
   }
   if (!running || scheduler.OnOutermost()) return 0;
-  const auto open = openBoxes.insert(openBoxes.end(), OpenBox{box, OnUserInterface(), {}, {}, {}});
+  openBoxes.push_back({std::move(box), OnUserInterface(), {}, {}, {}});
+  const auto open = std::prev(openBoxes.end());
   if (open->modal) {
     modals.push_back({Modal::Box});
     while (!open->answered) HandleOne();
@@ -415,8 +416,8 @@ void WindowSystem::Show(VirtualWindow& window, bool visible) {
 }
 
 void WindowSystem::MarkAllForPainting(VirtualWindow& window) {
-  window.needsPaint = true;
-  for (VirtualControl& control : window.controls) control.needsPaint = true;
+  MarkForPainting(window);
+  for (VirtualControl& control : window.controls) MarkForPainting(control);
 }
 
 void WindowSystem::Paint(VirtualWindow& window) {
@@ -430,8 +431,22 @@ void WindowSystem::Paint(VirtualWindow& window) {
 
 void WindowSystem::Post(WindowHandle window, std::function<void()> message) {
   queue.push_back({window, std::move(message)});
+  Wake();
+}
+
+void WindowSystem::Wake() {
   wake->signalled = true;
   scheduler.WakeWaiters(*wake);
+}
+
+void WindowSystem::MarkForPainting(VirtualWindow& window) {
+  window.needsPaint = true;
+  Wake();
+}
+
+void WindowSystem::MarkForPainting(VirtualControl& control) {
+  control.needsPaint = true;
+  Wake();
 }
 
 void WindowSystem::HandleOne() {
@@ -563,7 +578,7 @@ void WindowSystem::SetColumnWidth(VirtualWindow& window, VirtualControl& list, s
                                   std::int32_t width) {
   window.listener->OnNotice(list.id, Notice::HeaderItemChanging, column);
   list.columns[static_cast<std::size_t>(column)].width = std::max(width, 0);
-  list.needsPaint = true;
+  MarkForPainting(list);
   window.listener->OnNotice(list.id, Notice::HeaderItemChanged, column);
 }
 

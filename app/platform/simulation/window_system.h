@@ -165,7 +165,7 @@ class WindowSystem {
 
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener);
-  std::int32_t RunBox(const ShownMessageBox& box);
+  std::int32_t RunBox(ShownMessageBox box);
   // False when there is one already.
   bool RunMenu(VirtualWindow& window, std::span<const MenuItem> items);
   bool MenuOnTop() const { return !modals.empty() && modals.back().kind == Modal::Menu; }
@@ -188,6 +188,10 @@ class WindowSystem {
 
   // --- Messages
   void Post(WindowHandle window, std::function<void()> message);
+  // Lets the program look for what there is to do: any thread.
+  void Wake();
+  void MarkForPainting(VirtualWindow& window);
+  void MarkForPainting(VirtualControl& control);
 
   // --- The focus, as the person moves it. False when what the program did at its loss (a box, the
   // focus put elsewhere) keeps the person's act from going on.
@@ -241,7 +245,7 @@ class WindowSystem {
   void Leave(Modal::Kind kind, WindowHandle window);
   Rect Limited(VirtualWindow& window, Rect place);
   void TellPlace(VirtualWindow& window, const Rect& before, std::uint32_t type, bool always);
-  static void MarkAllForPainting(VirtualWindow& window);
+  void MarkAllForPainting(VirtualWindow& window);
   void HandleOne();  // waits for it
   bool PaintOne();
   bool RunDueTimer();

@@ -176,7 +176,11 @@ class ScreenTest : public testing::Test {
 // ---- The program and its dialogs
 
 TEST_F(ScreenTest, ADialogIsMadeShownAndDestroyed) {
-  main.onInit = [&] { EXPECT_FALSE(IsWindowVisible(main.window)); };
+  main.onInit = [&] {
+    EXPECT_FALSE(IsWindowVisible(main.window));
+    EXPECT_TRUE(HasControl(main.window, 11));
+    EXPECT_FALSE(HasControl(main.window, 99));
+  };
   screen.Start([&] { return main.Run(); });
   EXPECT_TRUE(screen.Running());
   EXPECT_EQ(screen.Front(), 100u);
@@ -187,7 +191,1433 @@ TEST_F(ScreenTest, ADialogIsMadeShownAndDestroyed) {
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Result(), IDOK);
   EXPECT_EQ(screen.Front(), 0u);
+  EXPECT_EQ(screen.Window(), kNoWindow);
   EXPECT_EQ(main.Diary(), (Lines{"init", "left 11", "clicked 1", "destroy"}));
+}
+
+TEST_F(ScreenTest, ADialogThatEndsInItsSetUpIsNeverShown) {
+  main.notePlaces = true;
+  main.onInit = [&] { EXPECT_TRUE(EndDialog(main.window, 7)); };
+  screen.Start([&] { return main.Run(); });
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Result(), 7);
+  EXPECT_EQ(main.Diary(), (Lines{"init", "destroy"}));
+}
+
+TEST_F(ScreenTest, ADialogEndsWhenItsHandlerReturns) {
+  Start();
+  main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
+    if (id != 20) return;
+    EndDialog(main.window, 5);
+    main.Note("after the end");
+    EXPECT_TRUE(IsWindowVisible(main.window));
+  };
+  screen.Click(20);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20", "after the end", "destroy"}));
+  EXPECT_EQ(screen.Result(), 5);
+  EXPECT_FALSE(EndDialog(main.window, 5));
+}
+
+TEST_F(ScreenTest, WithoutAProgramThereIsNoDialog) {
+  EXPECT_EQ(main.Run(), -1);
+  EXPECT_TRUE(main.Diary().empty());
+  EXPECT_EQ(Refusal([&] { screen.Title(); }), "screen: there is no dialog");
+  EXPECT_EQ(Refusal([&] { screen.Click(1); }), "Click 1: the program doesn't run");
+}
+
+TEST_F(ScreenTest, OnlyTheUserInterfacesThreadHasDialogs) {
+  Start();
+  Bodies bodies;
+  std::int32_t result = 0;
+  bodies.Start("other", [&] {
+    result = small.Run();
+    return 0u;
+  });
+  sim.RunFor(0);
+  EXPECT_EQ(result, -1);
+}
+
+TEST_F(ScreenTest, OneProgramRunsAtATime) {
+  Start();
+  EXPECT_EQ(Refusal([&] { Start(); }), "Start: a program runs already");
+  EXPECT_EQ(Refusal([&] { screen.Result(); }), "Result: the program still runs");
+  screen.Close();
+  EXPECT_EQ(screen.Result(), IDCANCEL);
+  EXPECT_EQ(Refusal([&] { screen.Close(); }), "Close: the program doesn't run");
+  Start();
+  EXPECT_TRUE(screen.Running());
+}
+
+TEST_F(ScreenTest, TheProgramRunsOnAThreadOfItsOwn) {
+  const std::int32_t here = GetCurrentThreadId();
+  main.onInit = [&] { EXPECT_NE(GetCurrentThreadId(), here); };
+  Start();
+  EXPECT_TRUE(screen.Running());
+}
+
+TEST_F(ScreenTest, TimePassesAsFarAsTheProgramWaits) {
+  Start();
+  EXPECT_EQ(sim.Now(), 0u);
+  main.onNotice = [](std::uint32_t id, Notice, std::int32_t) {
+    if (id == 20) Sleep(30);
+  };
+  screen.Click(21);
+  EXPECT_EQ(sim.Now(), 0u);
+  screen.Click(20);
+  EXPECT_EQ(sim.Now(), 30u);
+}
+
+TEST_F(ScreenTest, AnActComesAfterWhatTheProgramStillDoes) {
+  Start();
+  main.onMessage = [](std::uint32_t) { Sleep(50); };
+  main.Diary();
+  PostMessageA(main.window, WM_APP, 0, 0);
+  sim.RunFor(10);
+  screen.Click(21);
+  EXPECT_EQ(sim.Now(), 50u);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "left 11", "clicked 21"}));
+}
+
+TEST_F(ScreenTest, AProgramThatNeverWaitsForThePersonIsRefused) {
+  bool enough = false;
+  EXPECT_EQ(Refusal([&] {
+              screen.Start([&] {
+                while (!enough) Sleep(1000);
+                return 0;
+              });
+            }),
+            "screen: the program doesn't wait for the person, in five minutes");
+  EXPECT_EQ(sim.Now(), 300'000u);
+  enough = true;
+  screen.Settle();
+  EXPECT_FALSE(screen.Running());
+}
+
+TEST_F(ScreenTest, TheUserInterfaceComesBehindTheOtherThreads) {
+  Start();
+  Bodies bodies;
+  main.onTimer = [&] { EXPECT_EQ(GetTickCount(), 20u); };
+  main.onNotice = [](std::uint32_t, Notice, std::int32_t) {};
+  PostMessageA(main.window, WM_APP, 1, 0);
+  bodies.Start("other", [&] {
+    main.Note("other");
+    return 0u;
+  });
+  sim.RunFor(0);
+  EXPECT_EQ(main.Diary(), (Lines{"other", "message 32768 1 0"}));
+}
+
+TEST(ScreenEnd, ARunningProgramIsDroppedWithTheSimulation) {
+  Listener main;
+  Listener small(kSmallDialog);
+  {
+    Simulation sim;
+    main.onMessage = [&](std::uint32_t) { small.Run(main.window); };
+    sim.Screen().Start([&] { return main.Run(); });
+    SetTimer(main.window, 1, 100);
+    PostMessageA(main.window, WM_APP, 0, 0);
+    sim.Screen().Settle();
+    EXPECT_EQ(sim.Screen().Front(), 200u);
+  }
+  EXPECT_EQ(small.Diary(), (Lines{"init"}));
+  Simulation next;
+  next.Screen().Start([&] { return main.Run(); });
+  next.Screen().Close();
+  EXPECT_EQ(next.Screen().Result(), IDCANCEL);
+}
+
+// ---- Dialogs in front of dialogs
+
+TEST_F(ScreenTest, ThePersonReachesTheDialogInFrontAlone) {
+  Start();
+  main.onNotice = [&](std::uint32_t id, Notice notice, std::int32_t) {
+    if (id != 20 || notice != Notice::Clicked) return;
+    main.Note("result " + std::to_string(small.Run(main.window)));
+  };
+  screen.Click(20);
+  EXPECT_EQ(screen.Front(), 200u);
+  EXPECT_EQ(screen.WindowOf(100), main.window);
+  EXPECT_EQ(screen.WindowOf(200), small.window);
+  EXPECT_EQ(screen.WindowOf(300), kNoWindow);
+  EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: dialog 200 has no such control");
+  EXPECT_EQ(Refusal([&] { screen.Text(21); }), "screen: dialog 200 has no control 21");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), 100u);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20", "result 1"}));
+}
+
+TEST_F(ScreenTest, MessagesAndTimersOfTheWindowBelowGoOn) {
+  Start();
+  main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
+    if (id == 20) small.Run(main.window);
+  };
+  screen.Click(20);
+  main.Diary();
+  EXPECT_EQ(SetTimer(main.window, 3, 40), 3u);
+  EXPECT_TRUE(PostMessageA(main.window, WM_APP, 7, -1));
+  sim.RunFor(100);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 7 -1", "timer 3@40", "timer 3@80"}));
+  EXPECT_EQ(screen.Front(), 200u);
+}
+
+TEST_F(ScreenTest, ADialogThatIsEndedBelowAnotherWaitsForIt) {
+  Start();
+  main.onMessage = [&](std::uint32_t message) {
+    if (message == WM_APP) small.Run(main.window);
+    if (message == WM_APP + 1) EndDialog(main.window, 9);
+  };
+  PostMessageA(main.window, WM_APP, 0, 0);
+  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  screen.Settle();
+  EXPECT_EQ(screen.Front(), 200u);
+  EXPECT_TRUE(screen.Running());
+  screen.Close();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Result(), 9);
+}
+
+TEST_F(ScreenTest, ADialogInTheSetUpOfAnotherComesFirst) {
+  main.onInit = [&] { small.Run(main.window); };
+  Start();
+  EXPECT_EQ(screen.Front(), 200u);
+  EXPECT_FALSE(IsWindowVisible(main.window));
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), 100u);
+  EXPECT_TRUE(screen.Shown());
+}
+
+// ---- Messages and timers
+
+TEST_F(ScreenTest, PostedMessagesComeInTheirOrderAndTimersBehindThem) {
+  Start();
+  SetTimer(main.window, 1, 10);
+  main.onMessage = [&](std::uint32_t message) {
+    if (message != WM_APP) return;
+    Sleep(25);
+    PostMessageA(main.window, WM_APP + 2, 0, 0);
+  };
+  PostMessageA(main.window, WM_APP, 1, 2);
+  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  sim.RunFor(31);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 1 2", "message 32769 0 0", "message 32770 0 0",
+                                 "timer 1@25", "timer 1@30"}));
+}
+
+TEST_F(ScreenTest, AnActComesBehindWhatWasPostedBefore) {
+  Start();
+  main.onMessage = [&](std::uint32_t message) {
+    if (message == WM_APP) PostMessageA(main.window, WM_APP + 1, 0, 0);
+  };
+  PostMessageA(main.window, WM_APP, 0, 0);
+  screen.Click(24);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "message 32769 0 0", "clicked 24"}));
+}
+
+TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
+  Start();
+  bool slow = true;
+  main.onTimer = [&] {
+    if (std::exchange(slow, false)) Sleep(35);
+  };
+  SetTimer(main.window, 1, 10);
+  sim.RunFor(60);
+  // From 10 to 45 the handler runs; 20, 30 and 40 come as one.
+  EXPECT_EQ(main.Diary(), (Lines{"timer 1@10", "timer 1@45", "timer 1@50", "timer 1@60"}));
+}
+
+TEST_F(ScreenTest, TimersAreSetAnewAndKilled) {
+  Start();
+  SetTimer(main.window, 1, 10);
+  SetTimer(main.window, 1, 25);
+  SetTimer(main.window, 2, 1);  // 10, as the published system has it
+  sim.RunFor(12);
+  EXPECT_TRUE(KillTimer(main.window, 2));
+  EXPECT_FALSE(KillTimer(main.window, 2));
+  sim.RunFor(40);
+  EXPECT_EQ(main.Diary(), (Lines{"timer 2@10", "timer 1@25", "timer 1@50"}));
+  EXPECT_EQ(SetTimer(99, 1, 10), 0u);
+}
+
+TEST_F(ScreenTest, MessagesAndTimersEndWithTheirWindow) {
+  Start();
+  SetTimer(main.window, 1, 10);
+  main.onMessage = [&](std::uint32_t) {
+    PostMessageA(main.window, WM_APP + 1, 0, 0);
+    EndDialog(main.window, 0);
+  };
+  PostMessageA(main.window, WM_APP, 0, 0);
+  sim.RunFor(50);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "destroy"}));
+  EXPECT_FALSE(PostMessageA(main.window, WM_APP, 0, 0));
+}
+
+TEST_F(ScreenTest, AnyThreadPostsMessagesAndSetsTexts) {
+  Start();
+  Bodies bodies;
+  bodies.Start("other", [&] {
+    Sleep(5);
+    EXPECT_TRUE(PostMessageA(main.window, WM_APP, 3, 4));
+    EXPECT_TRUE(SetDlgItemTextA(main.window, 10, "from afar"));
+    EXPECT_TRUE(CheckDlgButton(main.window, 21, true));
+    EXPECT_EQ(GetDlgItemTextA(main.window, 10), "from afar");
+    return 0u;
+  });
+  sim.RunFor(5);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 3 4"}));
+  EXPECT_EQ(screen.Text(10), "from afar");
+  EXPECT_TRUE(screen.Checked(21));
+}
+
+// ---- Places and states of windows
+
+TEST_F(ScreenTest, DialogUnitsBecomePixelsAndTheWindowStandsCentred) {
+  Start();
+  // 260 by 200 units are 390 by 325 pixels, and the frame takes 8 by 31.
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
+  EXPECT_EQ(screen.Inside(), (Rect{0, 0, 390, 325}));
+  // 50 units across are 75, 4 down are 6.5; 100 are 150, 14 are 22.75.
+  EXPECT_EQ(screen.ControlPlace(11), (Rect{75, 7, 225, 30}));
+  Rect rect;
+  ASSERT_TRUE(GetControlRect(main.window, 11, &rect));
+  EXPECT_EQ(rect, screen.ControlPlace(11));
+}
+
+TEST_F(ScreenTest, AWindowIsToldItsPlaceWhenItIsFirstShown) {
+  main.notePlaces = true;
+  screen.Start([&] { return main.Run(); });
+  EXPECT_EQ(main.Diary(), (Lines{"init", "move 317,233", "size 0 390x325"}));
+}
+
+TEST_F(ScreenTest, MovingAndSizingTellTheWindow) {
+  main.notePlaces = true;
+  Start();
+  screen.MoveTo(100, 50);
+  EXPECT_EQ(main.Diary(), (Lines{"move 104,77"}));
+  screen.Resize(408, 400);
+  EXPECT_EQ(main.Diary(), (Lines{"size 0 400x369"}));
+  EXPECT_TRUE(MoveWindow(main.window, {0, 0, 308, 231}));
+  EXPECT_EQ(main.Diary(), (Lines{"move 4,27", "size 0 300x200"}));
+  EXPECT_TRUE(MoveWindow(main.window, {0, 0, 308, 231}));
+  EXPECT_TRUE(main.Diary().empty());
+  Rect rect;
+  EXPECT_TRUE(GetClientRect(main.window, &rect));
+  EXPECT_EQ(rect, (Rect{0, 0, 300, 200}));
+  EXPECT_FALSE(MoveWindow(99, {0, 0, 10, 10}));
+}
+
+TEST_F(ScreenTest, TheWindowsOwnLimitsHold) {
+  main.limits = {400, 360, 500, 450};
+  Start();
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 713, 566}));
+  screen.Resize(10, 10);
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 713, 566}));
+  screen.Resize(1000, 1000);
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 813, 656}));
+  MoveWindow(main.window, {5, 6, 7, 8});
+  EXPECT_EQ(screen.Place(), (Rect{5, 6, 405, 366}));
+  screen.Maximise();
+  EXPECT_EQ(screen.Place(), (Rect{0, 0, 500, 450}));
+}
+
+TEST_F(ScreenTest, AWindowOfFixedSizeHasNothingToPullAt) {
+  screen.Start([&] { return small.Run(); });
+  EXPECT_EQ(Refusal([&] { screen.Resize(1, 1); }), "Resize: the window has a fixed size");
+  EXPECT_EQ(Refusal([&] { screen.Minimise(); }), "Minimise: the window has no box for it");
+  EXPECT_EQ(Refusal([&] { screen.Maximise(); }), "Maximise: the window has no box for it");
+  EXPECT_EQ(Refusal([&] { screen.Restore(); }),
+            "Restore: the window is neither minimised nor maximised");
+}
+
+WindowHandle hookedWindow = kNoWindow;
+Lines hookCalls;
+HookHandle firstHook = 0;
+HookHandle secondHook = 0;
+
+std::intptr_t FirstHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
+  hookCalls.push_back("first " + std::to_string(code) + ' ' + std::to_string(lParam));
+  hookedWindow = wParam;
+  EXPECT_FALSE(IsIconic(wParam));
+  PostMessageA(wParam, WM_APP + 1, 0, 0);
+  CallNextHookEx(firstHook, code, wParam, lParam);
+  return 0;
+}
+
+std::intptr_t SecondHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
+  hookCalls.push_back("second");
+  return CallNextHookEx(secondHook, code, wParam, lParam);
+}
+
+std::intptr_t ForbiddingHook(std::int32_t, std::uintptr_t, std::intptr_t) { return 1; }
+
+TEST_F(ScreenTest, AHookHearsOfAMinimiseBeforeIt) {
+  main.notePlaces = true;
+  Start();
+  hookCalls.clear();
+  firstHook = SetWindowsHookExA(WH_CBT, &FirstHook);
+  ASSERT_NE(firstHook, 0u);
+  screen.Minimise();
+  EXPECT_EQ(hookCalls, (Lines{"first 1 6"}));
+  EXPECT_EQ(hookedWindow, main.window);
+  EXPECT_EQ(main.Diary(), (Lines{"move -32000,-32000", "size 1 0x0", "message 32769 0 0"}));
+  EXPECT_TRUE(screen.Minimised());
+  EXPECT_EQ(screen.Place(), (Rect{-32000, -32000, -31840, -31973}));
+  EXPECT_EQ(screen.Inside(), (Rect{}));
+  EXPECT_TRUE(UnhookWindowsHookEx(firstHook));
+  EXPECT_FALSE(UnhookWindowsHookEx(firstHook));
+  hookCalls.clear();
+  screen.Restore();
+  EXPECT_EQ(main.Diary(), (Lines{"move 317,233", "size 0 390x325"}));
+  screen.Minimise();
+  EXPECT_TRUE(hookCalls.empty());
+}
+
+TEST_F(ScreenTest, TheNewestHookIsAskedAndHandsOn) {
+  Start();
+  hookCalls.clear();
+  firstHook = SetWindowsHookExA(WH_CBT, &FirstHook);
+  secondHook = SetWindowsHookExA(WH_CBT, &SecondHook);
+  EXPECT_TRUE(ShowWindow(main.window, SW_MINIMIZE));
+  EXPECT_EQ(hookCalls, (Lines{"second", "first 1 6"}));
+  EXPECT_TRUE(IsIconic(main.window));
+  EXPECT_EQ(SetWindowsHookExA(2, &FirstHook), 0u);
+  EXPECT_EQ(SetWindowsHookExA(WH_CBT, nullptr), 0u);
+}
+
+TEST_F(ScreenTest, AHookCanForbidAMinimise) {
+  Start();
+  SetWindowsHookExA(WH_CBT, &ForbiddingHook);
+  screen.Minimise();
+  EXPECT_FALSE(screen.Minimised());
+}
+
+TEST_F(ScreenTest, AHiddenWindowStaysMinimisedAndComesBackByRestore) {
+  Start();
+  screen.Minimise();
+  EXPECT_TRUE(ShowWindow(main.window, SW_HIDE));
+  EXPECT_FALSE(screen.Shown());
+  EXPECT_TRUE(screen.Minimised());
+  EXPECT_EQ(screen.Front(), 100u);
+  EXPECT_EQ(Refusal([&] { screen.Restore(); }), "Restore: the window is hidden");
+  EXPECT_TRUE(ShowWindow(main.window, SW_SHOW));
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_TRUE(screen.Minimised());
+  EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: the window is minimised");
+  EXPECT_TRUE(ShowWindow(main.window, SW_RESTORE));
+  EXPECT_FALSE(screen.Minimised());
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
+}
+
+TEST_F(ScreenTest, AMaximisedWindowIsThatAgainAfterBeingMinimised) {
+  main.notePlaces = true;
+  Start();
+  screen.Maximise();
+  EXPECT_TRUE(screen.Maximised());
+  EXPECT_EQ(main.Diary(), (Lines{"move 4,27", "size 2 1016x737"}));
+  EXPECT_EQ(Refusal([&] { screen.Resize(500, 500); }), "Resize: the window is maximised");
+  screen.Minimise();
+  EXPECT_FALSE(screen.Maximised());
+  screen.Restore();
+  EXPECT_TRUE(IsZoomed(main.window));
+  screen.Minimise();
+  EXPECT_TRUE(ShowWindow(main.window, SW_SHOWNORMAL));
+  EXPECT_FALSE(IsZoomed(main.window));
+  EXPECT_FALSE(IsIconic(main.window));
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
+}
+
+TEST_F(ScreenTest, WindowOperationsOnNoWindowAreFalse) {
+  Start();
+  Rect rect;
+  EXPECT_FALSE(ShowWindow(99, SW_SHOW));
+  EXPECT_FALSE(ShowWindow(main.window, 77));
+  EXPECT_FALSE(IsWindowVisible(99));
+  EXPECT_FALSE(IsIconic(99));
+  EXPECT_FALSE(IsZoomed(99));
+  EXPECT_FALSE(SetForegroundWindow(99));
+  EXPECT_TRUE(SetForegroundWindow(main.window));
+  EXPECT_FALSE(SetWindowTextA(99, "x"));
+  EXPECT_FALSE(SetWindowIcon(99, 1, true));
+  EXPECT_FALSE(GetWindowRect(99, &rect));
+  EXPECT_FALSE(GetClientRect(99, &rect));
+  EXPECT_FALSE(InvalidateRect(99, rect));
+  EXPECT_FALSE(UpdateWindow(99));
+}
+
+TEST_F(ScreenTest, TitleIconsAndDesktopAreAsTheProgramSetsThem) {
+  Start();
+  EXPECT_TRUE(SetWindowTextA(main.window, "Other"));
+  EXPECT_EQ(screen.Title(), "Other");
+  EXPECT_EQ(LoadIconA(128), 128u);
+  EXPECT_EQ(LoadIconA(0), 0u);
+  EXPECT_EQ(LoadBitmapA(145), 145u);
+  SetWindowIcon(main.window, 128, true);
+  EXPECT_EQ(screen.Icon(true), 128u);
+  EXPECT_EQ(screen.Icon(false), 0u);
+  EXPECT_TRUE(DestroyIcon(128));
+  EXPECT_FALSE(DestroyIcon(128));
+  Rect rect;
+  EXPECT_TRUE(GetDesktopRect(&rect));
+  EXPECT_EQ(rect, (Rect{0, 0, 1024, 768}));
+  screen.SetDesktop(800, 600);
+  EXPECT_TRUE(GetDesktopRect(&rect));
+  EXPECT_EQ(rect, (Rect{0, 0, 800, 600}));
+  EXPECT_EQ(GetSystemMetrics(SM_CXVSCROLL), 16);
+  EXPECT_EQ(GetSystemMetrics(SM_CYICON), 32);
+  EXPECT_EQ(GetSysColor(COLOR_3DHILIGHT), Rgb(255, 255, 255));
+}
+
+TEST_F(ScreenTest, APointOfTheInsideIsAskedForByItsPlaceOnTheScreen) {
+  Start();
+  EXPECT_EQ(screen.HitTest(385, 320), HTBOTTOMRIGHT);
+  EXPECT_EQ(main.pressed, (Point{702, 553}));
+  EXPECT_EQ(Refusal([&] { screen.HitTest(80, 10); }), "HitTest: control 11 is there");
+  EXPECT_EQ(Refusal([&] { screen.HitTest(390, 10); }),
+            "HitTest: the point isn't inside of the window");
+}
+
+TEST_F(ScreenTest, ThePersonSeesWhatIsDrawn) {
+  Start();
+  EXPECT_EQ(screen.Paint(), (Drawing{"fill 0,0,10,10 030201"}));
+  EXPECT_EQ(screen.PaintButton(34), (Drawing{"focus 0,0,60,23"}));
+  EXPECT_EQ(Refusal([&] { screen.PaintButton(20); }), "screen: control 20 is no drawn button");
+}
+
+// ---- Message boxes
+
+TEST_F(ScreenTest, ABoxWithoutAProgramGetsZeroOrThePreparedAnswer) {
+  EXPECT_EQ(MessageBoxA(0, "text", "caption", MB_YESNO), 0);
+  screen.AnswerNext(IDNO);
+  sim.AnswerMessageBox(IDYES);
+  EXPECT_EQ(MessageBoxA(0, "text", "caption", MB_YESNO), IDNO);
+  EXPECT_EQ(MessageBoxA(5, "other", "caption", MB_YESNO), IDYES);
+  ASSERT_EQ(screen.Boxes().size(), 3u);
+  EXPECT_EQ(sim.MessageBoxes()[2].text, "other");
+  EXPECT_EQ(screen.Boxes()[2].owner, 5u);
+}
+
+TEST_F(ScreenTest, ABoxStaysUntilItIsAnsweredWhileAllElseGoesOn) {
+  Start();
+  main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
+    if (id != 24) return;
+    main.Note("answer " + std::to_string(MessageBoxA(main.window, "Really?", "Question",
+                                                     MB_YESNO | MB_ICONQUESTION)));
+  };
+  SetTimer(main.window, 1, 10);
+  screen.Click(24);
+  EXPECT_TRUE(screen.BoxUp());
+  EXPECT_EQ(screen.Box().text, "Really?");
+  EXPECT_EQ(screen.Box().caption, "Question");
+  EXPECT_EQ(screen.Box().owner, main.window);
+  EXPECT_EQ(screen.Box().type, MB_YESNO | MB_ICONQUESTION);
+  EXPECT_EQ(screen.Front(), 100u);
+  PostMessageA(main.window, WM_APP, 0, 0);
+  sim.RunFor(10);
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 24", "message 32768 0 0", "timer 1@10"}));
+  EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: a message box is in front: \"Really?\"");
+  EXPECT_EQ(Refusal([&] { screen.Close(); }), "Close: a message box is in front: \"Really?\"");
+  EXPECT_EQ(Refusal([&] { screen.Answer(IDOK); }), "Answer: the message box has no button 1");
+  screen.Answer(IDYES);
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(main.Diary(), (Lines{"answer 6"}));
+  EXPECT_EQ(Refusal([&] { screen.Answer(IDYES); }), "Answer: there is no message box");
+  EXPECT_EQ(Refusal([&] { screen.Box(); }), "Box: there is no message box");
+}
+
+TEST_F(ScreenTest, BoxesAreAnsweredFromTheNewestOn) {
+  Start();
+  main.onMessage = [&](std::uint32_t message) {
+    main.Note(std::to_string(message) + " got " +
+              std::to_string(MessageBoxA(main.window, std::to_string(message), "", MB_YESNO)));
+  };
+  PostMessageA(main.window, WM_APP, 0, 0);
+  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  screen.Settle();
+  main.Diary();
+  EXPECT_EQ(screen.Box().text, "32769");
+  screen.Answer(IDNO);
+  EXPECT_EQ(screen.Box().text, "32768");
+  screen.Answer(IDYES);
+  EXPECT_EQ(main.Diary(), (Lines{"32769 got 7", "32768 got 6"}));
+}
+
+TEST_F(ScreenTest, APreparedAnswerKeepsTheBoxFromStaying) {
+  Start();
+  main.onMessage = [&](std::uint32_t) {
+    main.Note("got " + std::to_string(MessageBoxA(main.window, "text", "", MB_OK)));
+  };
+  main.Diary();
+  screen.AnswerNext(IDOK);
+  PostMessageA(main.window, WM_APP, 0, 0);
+  screen.Settle();
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "got 1"}));
+  EXPECT_EQ(screen.Boxes().size(), 1u);
+}
+
+TEST_F(ScreenTest, ABoxOfAnotherThreadStopsThatThreadAlone) {
+  Start();
+  Bodies bodies;
+  std::int32_t button = -1;
+  bodies.Start("launcher", [&] {
+    button = MessageBoxA(kNoWindow, "failed", "Launch", MB_OK);
+    return 0u;
+  });
+  sim.RunFor(5);
+  EXPECT_TRUE(screen.BoxUp());
+  screen.Click(21);
+  EXPECT_TRUE(screen.Checked(21));
+  EXPECT_EQ(button, -1);
+  screen.Answer(IDOK);
+  EXPECT_EQ(button, IDOK);
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+TEST_F(ScreenTest, ABoxOfAnotherThreadCoversItsOwner) {
+  Start();
+  Bodies bodies;
+  bodies.Start("launcher", [&] {
+    MessageBoxA(main.window, "failed", "Launch", MB_OK);
+    return 0u;
+  });
+  sim.RunFor(0);
+  EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: a message box is in front: \"failed\"");
+  screen.Answer(IDOK);
+  screen.Click(21);
+  EXPECT_TRUE(screen.Checked(21));
+}
+
+TEST_F(ScreenTest, ABoxGoesWithItsThread) {
+  Start();
+  Bodies bodies;
+  const Handle thread = bodies.Start("launcher", [&] {
+    MessageBoxA(main.window, "failed", "Launch", MB_OK);
+    return 0u;
+  });
+  sim.RunFor(0);
+  EXPECT_TRUE(screen.BoxUp());
+  EXPECT_TRUE(TerminateThread(thread, 1));
+  EXPECT_FALSE(screen.BoxUp());
+  screen.Click(21);
+  EXPECT_TRUE(screen.Checked(21));
+}
+
+TEST_F(ScreenTest, ABoxBelowADialogWaitsForIt) {
+  Start();
+  main.onMessage = [&](std::uint32_t message) {
+    if (message == WM_APP) MessageBoxA(main.window, "below", "", MB_OK);
+    if (message == WM_APP + 1) small.Run(main.window);
+  };
+  PostMessageA(main.window, WM_APP, 0, 0);
+  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  screen.Settle();
+  EXPECT_EQ(Refusal([&] { screen.Answer(IDOK); }),
+            "Answer: a dialog or a menu is in front of the message box");
+  screen.Click(IDOK);
+  screen.Answer(IDOK);
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+// ---- Controls
+
+TEST_F(ScreenTest, AMnemonicMarkIsNotShownAndIsKept) {
+  Start();
+  EXPECT_EQ(screen.Text(10), "Name");
+  EXPECT_EQ(screen.Text(20), "More & more");
+  EXPECT_EQ(GetDlgItemTextA(main.window, 10), "&Name");
+  EXPECT_TRUE(SetDlgItemTextA(main.window, 11, "a && b"));
+  EXPECT_EQ(screen.Text(11), "a && b");
+  EXPECT_FALSE(SetDlgItemTextA(main.window, 30, "no text"));
+  EXPECT_EQ(GetDlgItemTextA(main.window, 30), "");
+}
+
+TEST_F(ScreenTest, WhatIsHiddenDisabledOrNoButtonIsNotClicked) {
+  Start();
+  EXPECT_EQ(Refusal([&] { screen.Click(26); }), "Click 26: the control is hidden");
+  EXPECT_EQ(Refusal([&] { screen.Click(27); }), "Click 27: the control is disabled");
+  EXPECT_EQ(Refusal([&] { screen.Click(36); }), "Click 36: there is nothing to click on");
+  EXPECT_EQ(Refusal([&] { screen.FocusOn(10); }), "FocusOn 10: the control takes no focus");
+  EXPECT_FALSE(screen.Visible(26));
+  EXPECT_FALSE(screen.Enabled(27));
+  EXPECT_FALSE(screen.Visible(37));
+  EXPECT_TRUE(ShowControl(main.window, 26, SW_SHOWNOACTIVATE));
+  EXPECT_TRUE(EnableControl(main.window, 27, true));
+  screen.Click(26);
+  screen.Click(27);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 26", "clicked 27"}));
+  EXPECT_TRUE(ShowControl(main.window, 26, SW_HIDE));
+  EXPECT_FALSE(IsControlVisible(main.window, 26));
+  EXPECT_TRUE(IsControlEnabled(main.window, 27));
+  EXPECT_FALSE(ShowControl(main.window, 99, SW_SHOW));
+  EXPECT_FALSE(EnableControl(main.window, 99, true));
+}
+
+TEST_F(ScreenTest, ClicksGiveTheFocusButALabelHasNone) {
+  Start();
+  EXPECT_EQ(screen.Focus(), 11u);
+  screen.Click(20);
+  EXPECT_EQ(screen.Focus(), 20u);
+  screen.Click(10);
+  EXPECT_EQ(screen.Focus(), 20u);
+  screen.Click(35);
+  EXPECT_EQ(GetControlFocus(main.window), 35u);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20", "clicked 10", "clicked 35"}));
+}
+
+TEST_F(ScreenTest, TheProgramSetsTheFocusWithoutANotice) {
+  main.onInit = [&] { EXPECT_TRUE(SetControlFocus(main.window, 20)); };
+  Start();
+  EXPECT_EQ(screen.Focus(), 20u);
+  SetControlFocus(main.window, 11);
+  SetControlFocus(main.window, 12);
+  EXPECT_TRUE(main.Diary().empty());
+  EXPECT_FALSE(SetControlFocus(main.window, 26));
+  EXPECT_FALSE(SetControlFocus(main.window, 27));
+  EXPECT_FALSE(SetControlFocus(main.window, 10));
+  EXPECT_EQ(screen.Focus(), 12u);
+}
+
+TEST_F(ScreenTest, AClickIsLostWhenTheProgramAsksAsTheFocusGoes) {
+  Start();
+  main.onNotice = [&](std::uint32_t id, Notice notice, std::int32_t) {
+    if (id != 11 || notice != Notice::FocusLost) return;
+    MessageBoxA(main.window, "Not that", "", MB_OK);
+    SetControlFocus(main.window, 11);
+  };
+  screen.Click(20);
+  EXPECT_TRUE(screen.BoxUp());
+  screen.Answer(IDOK);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11"}));
+  EXPECT_EQ(screen.Focus(), 11u);
+  main.onNotice = nullptr;
+}
+
+TEST_F(ScreenTest, ACheckBoxFlipsByItself) {
+  Start();
+  screen.Click(21);
+  EXPECT_TRUE(IsDlgButtonChecked(main.window, 21));
+  screen.Click(21);
+  EXPECT_FALSE(screen.Checked(21));
+  EXPECT_TRUE(CheckDlgButton(main.window, 21, true));
+  EXPECT_FALSE(CheckDlgButton(main.window, 20, true));
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 21", "clicked 21"}));
+}
+
+TEST_F(ScreenTest, ARunOfRadioButtonsIsOneChoice) {
+  Start();
+  screen.Click(22);
+  screen.Click(25);
+  EXPECT_TRUE(screen.Checked(22));
+  EXPECT_TRUE(screen.Checked(25));
+  screen.Click(23);
+  EXPECT_FALSE(screen.Checked(22));
+  EXPECT_TRUE(screen.Checked(25));
+  CheckDlgButton(main.window, 22, true);
+  EXPECT_FALSE(screen.Checked(23));
+  screen.FocusOn(22);
+  screen.Press(0x28);
+  EXPECT_TRUE(screen.Checked(23));
+  EXPECT_EQ(screen.Focus(), 23u);
+}
+
+TEST_F(ScreenTest, TypingReplacesTheTextAndDigitsMayBeAllThatIsTaken) {
+  Start();
+  screen.Type(11, "My Game");
+  EXPECT_EQ(GetDlgItemTextA(main.window, 11), "My Game");
+  EXPECT_EQ(screen.Caret(11), 7u);
+  screen.Type(12, "1a2.3");
+  EXPECT_EQ(screen.Text(12), "123");
+  EXPECT_EQ(main.Diary(), (Lines{"changed 11", "left 11", "changed 12"}));
+  EXPECT_EQ(Refusal([&] { screen.Type(13, "x"); }), "Type 13: the text can't be changed");
+  EXPECT_EQ(Refusal([&] { screen.Type(20, "x"); }), "Type 20: the control is no edit");
+  SetDlgItemTextA(main.window, 12, "any");
+  EXPECT_EQ(screen.Text(12), "any");
+  EXPECT_TRUE(main.Diary().empty());
+}
+
+TEST_F(ScreenTest, TheCaretStaysWithinTheText) {
+  Start();
+  SetDlgItemTextA(main.window, 11, "abc");
+  EXPECT_TRUE(SetCaret(main.window, 11, 2));
+  EXPECT_EQ(screen.Caret(11), 2u);
+  screen.Press('X');
+  EXPECT_EQ(screen.Text(11), "abxc");
+  EXPECT_TRUE(SetCaret(main.window, 11, 99));
+  EXPECT_EQ(screen.Caret(11), 4u);
+  EXPECT_FALSE(SetCaret(main.window, 20, 0));
+  screen.Press(0x24);
+  screen.Press(0x2E);
+  EXPECT_EQ(screen.Text(11), "bxc");
+  screen.Press(0x23);
+  screen.Press(0x08);
+  EXPECT_EQ(screen.Text(11), "bx");
+}
+
+TEST_F(ScreenTest, ATextThatTheTabKeyComesToIsSelected) {
+  Start();
+  SetDlgItemTextA(main.window, 12, "123");
+  screen.FocusOn(12);
+  screen.Press('7');
+  EXPECT_EQ(screen.Text(12), "7");
+  screen.Press('X');
+  EXPECT_EQ(screen.Text(12), "7");
+}
+
+TEST_F(ScreenTest, EnterPressesTheFocusedButtonOrTheDefaultOne) {
+  main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
+    if (id == IDOK) main.Note("default");
+  };
+  Start();
+  screen.FocusOn(20);
+  screen.Press(0x0D);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20"}));
+  EXPECT_TRUE(SetDefaultButton(main.window, 27));
+  EXPECT_FALSE(SetDefaultButton(main.window, 11));
+  screen.FocusOn(11);
+  screen.Press(0x0D);
+  EXPECT_TRUE(main.Diary().empty());  // it is disabled
+  SetDefaultButton(main.window, IDOK);
+  screen.Press(0x0D);
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 1", "default", "destroy"}));
+}
+
+TEST_F(ScreenTest, WithoutADefaultButtonEnterIsOK) {
+  screen.Start([&] { return small.Run(); });
+  small.Diary();
+  SetControlFocus(small.window, IDOK);
+  screen.Press(0x0D);
+  EXPECT_EQ(small.Diary(), (Lines{"clicked 1", "destroy"}));
+}
+
+TEST_F(ScreenTest, EscIsCancelUnlessThatIsDisabled) {
+  Start();
+  EnableControl(main.window, IDCANCEL, false);
+  screen.Press(0x1B);
+  EXPECT_TRUE(screen.Running());
+  EnableControl(main.window, IDCANCEL, true);
+  screen.Press(0x1B);
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 2", "destroy"}));
+}
+
+TEST_F(ScreenTest, TheSpaceBarPressesWhatHasTheFocus) {
+  Start();
+  screen.FocusOn(21);
+  screen.Press(0x20);
+  EXPECT_TRUE(screen.Checked(21));
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 21"}));
+}
+
+TEST_F(ScreenTest, TheTabKeyGoesByTheOrderOfTheTable) {
+  Start();
+  screen.Press(0x09);
+  EXPECT_EQ(screen.Focus(), 12u);
+  screen.FocusOn(25);
+  screen.Press(0x09);
+  EXPECT_EQ(screen.Focus(), 30u);  // past what is hidden or disabled
+  screen.FocusOn(35);
+  screen.Press(0x09);
+  EXPECT_EQ(screen.Focus(), 11u);
+}
+
+TEST_F(ScreenTest, AMnemonicPressesItsControlOrLeadsToTheNextOne) {
+  Start();
+  screen.FocusOn(20);
+  main.Diary();
+  screen.Press('Q');
+  EXPECT_TRUE(screen.Checked(21));
+  screen.Press('N');
+  EXPECT_EQ(screen.Focus(), 11u);
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 21"}));
+}
+
+TEST_F(ScreenTest, AKeyThatNoControlUsesReachesTheWindow) {
+  Start();
+  main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+    if (notice == Notice::KeyDown) main.Note(GetKeyState(0x11) & 0x8000 ? "control" : "plain");
+  };
+  screen.FocusOn(31);
+  screen.Press('C', true);
+  screen.FocusOn(20);
+  screen.Press('C', true);
+  screen.Press(0x70);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "key 31 67", "control", "key 0 67", "control",
+                                 "key 0 112", "plain"}));
+  EXPECT_EQ(GetKeyState(0x11), 0);
+}
+
+TEST_F(ScreenTest, ADropListKeepsItsOrderAndFindsWithoutRegardToCase) {
+  Start();
+  EXPECT_EQ(screen.Rows(30), (Lines{"Apple", "pear", "plum"}));
+  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_EQ(screen.Chosen(30), "");
+  EXPECT_TRUE(ComboSetCurSel(main.window, 30, 1));
+  EXPECT_EQ(ComboAddString(main.window, 30, "Orange"), 1);
+  EXPECT_EQ(ComboGetCurSel(main.window, 30), 2);  // still the pear
+  EXPECT_EQ(ComboGetCount(main.window, 30), 4);
+  EXPECT_EQ(ComboFindString(main.window, 30, "P"), 2);
+  EXPECT_EQ(ComboFindString(main.window, 30, "PL"), 3);
+  EXPECT_EQ(ComboFindStringExact(main.window, 30, "ORANGE"), 1);
+  EXPECT_EQ(ComboFindStringExact(main.window, 30, "PEA"), kNoRow);
+  EXPECT_EQ(ComboGetLBText(main.window, 30, 1), "Orange");
+  EXPECT_EQ(ComboGetLBText(main.window, 30, 4), "");
+  EXPECT_EQ(ComboGetItemData(main.window, 30, 1), 0);
+  EXPECT_TRUE(ComboSetItemData(main.window, 30, 1, -2));
+  EXPECT_EQ(ComboGetItemData(main.window, 30, 1), -2);
+  EXPECT_TRUE(ComboDeleteString(main.window, 30, 0));
+  EXPECT_EQ(ComboGetItemData(main.window, 30, 0), -2);
+  EXPECT_EQ(ComboGetCurSel(main.window, 30), 1);
+  EXPECT_TRUE(ComboDeleteString(main.window, 30, 1));
+  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_FALSE(ComboDeleteString(main.window, 30, 2));
+  ComboSetCurSel(main.window, 30, 0);
+  EXPECT_FALSE(ComboSetCurSel(main.window, 30, 9));
+  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_TRUE(ComboResetContent(main.window, 30));
+  EXPECT_EQ(ComboGetCount(main.window, 30), 0);
+  EXPECT_EQ(ComboGetCount(main.window, 31), -1);
+  EXPECT_EQ(ComboAddString(main.window, 99, "x"), -1);
+  EXPECT_TRUE(main.Diary().empty());
+}
+
+TEST_F(ScreenTest, ChoosingARowTellsTheProgramEachTime) {
+  Start();
+  screen.Choose(30, "plum");
+  screen.Choose(30, "plum");
+  EXPECT_EQ(screen.Chosen(30), "plum");
+  EXPECT_EQ(screen.ChosenRow(30), 2);
+  EXPECT_EQ(Refusal([&] { screen.Choose(30, "PLUM"); }), "Choose 30: there is no row \"PLUM\"");
+  screen.Press(0x26);
+  screen.Press('A');
+  EXPECT_EQ(screen.Chosen(30), "Apple");
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "selection 30 2", "selection 30 2", "selection 30 1",
+                                 "selection 30"}));
+}
+
+class ListTest : public ScreenTest {
+ protected:
+  ListTest() {
+    main.onInit = [&] {
+      EXPECT_EQ(ListInsertColumn(main.window, 31, "A", 40), 0);
+      EXPECT_EQ(ListInsertColumn(main.window, 31, "B", 30), 1);
+      EXPECT_EQ(ListInsertColumn(main.window, 31, "C", 20), 2);
+      for (std::int32_t row = 0; row < 3; ++row) {
+        EXPECT_EQ(ListInsertItem(main.window, 31, 100u + static_cast<std::uint32_t>(row)), row);
+      }
+    };
+    Start();
+  }
+};
+
+TEST_F(ListTest, RowsHaveTextsAndANumber) {
+  EXPECT_TRUE(ListSetItemText(main.window, 31, 1, 2, "x"));
+  EXPECT_FALSE(ListSetItemText(main.window, 31, 1, 3, "x"));
+  EXPECT_FALSE(ListSetItemText(main.window, 31, 3, 0, "x"));
+  EXPECT_EQ(ListGetItemText(main.window, 31, 1, 2), "x");
+  EXPECT_EQ(ListGetItemText(main.window, 31, 1, 0), "");
+  EXPECT_EQ(ListGetItemData(main.window, 31, 2), 102u);
+  EXPECT_EQ(ListGetItemCount(main.window, 31), 3);
+  EXPECT_EQ(screen.Cells(31), (std::vector<Lines>{{"", "", ""}, {"", "", "x"}, {"", "", ""}}));
+  EXPECT_TRUE(ListEnsureVisible(main.window, 31, 2));
+  EXPECT_FALSE(ListEnsureVisible(main.window, 31, 3));
+  EXPECT_TRUE(ListDeleteAllItems(main.window, 31));
+  EXPECT_EQ(ListGetItemCount(main.window, 31), 0);
+  EXPECT_EQ(ListGetItemCount(main.window, 30), -1);
+}
+
+TEST_F(ListTest, SeveralRowsCanBeSelected) {
+  screen.SelectRows(31, {0, 2});
+  EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{0, 2}));
+  EXPECT_EQ(ListGetNextSelected(main.window, 31, -1), 0);
+  EXPECT_EQ(ListGetNextSelected(main.window, 31, 0), 2);
+  EXPECT_EQ(ListGetNextSelected(main.window, 31, 2), kNoRow);
+  EXPECT_TRUE(ListSelectItem(main.window, 31, 0, false));
+  EXPECT_TRUE(ListSelectItem(main.window, 31, 1, true));
+  EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{1, 2}));
+  EXPECT_FALSE(ListSelectItem(main.window, 31, 3, true));
+  EXPECT_EQ(Refusal([&] { screen.SelectRows(31, {3}); }), "SelectRows: there is no 3 among 3");
+  EXPECT_EQ(screen.Focus(), 31u);
+}
+
+TEST_F(ListTest, ADoubleClickTellsTheRowBelowThePointer) {
+  screen.DoubleClickRow(31, 1);
+  EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{1}));
+  screen.DoubleClickRow(31, -1);
+  EXPECT_TRUE(screen.SelectedRows(31).empty());
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "double 31 1", "double 31 -1"}));
+}
+
+TEST_F(ListTest, KeysInAListAreToldAndMoveTheSelection) {
+  screen.SelectRows(31, {0});
+  main.Diary();
+  screen.Press(0x28);
+  screen.Press(0x2E);
+  EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{1}));
+  EXPECT_EQ(main.Diary(), (Lines{"key 31 40", "key 31 46"}));
+}
+
+TEST_F(ListTest, AWidthIsToldBeforeAndAfterWhoeverSetsIt) {
+  main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t column) {
+    if (notice != Notice::HeaderItemChanging && notice != Notice::HeaderItemChanged) return;
+    main.Note("width " + std::to_string(ListGetColumnWidth(main.window, 31, column)));
+  };
+  EXPECT_TRUE(ListSetColumnWidth(main.window, 31, 1, 33));
+  EXPECT_EQ(main.Diary(),
+            (Lines{"changing column 31 1", "width 30", "changed column 31 1", "width 33"}));
+  screen.DragDivider(31, 2, 8);
+  EXPECT_EQ(main.Diary(),
+            (Lines{"changing column 31 2", "width 20", "changed column 31 2", "width 8"}));
+  EXPECT_EQ(screen.ColumnWidths(31), (std::vector<std::int32_t>{40, 33, 8}));
+  EXPECT_FALSE(ListSetColumnWidth(main.window, 31, 3, 8));
+  EXPECT_EQ(ListGetColumnWidth(main.window, 31, 3), -1);
+}
+
+TEST_F(ListTest, ADraggedHeaderCountsAfterItsNotice) {
+  std::vector<std::int32_t> during;
+  std::vector<std::int32_t> later;
+  main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+    if (notice == Notice::HeaderDragEnded) {
+      EXPECT_TRUE(ListGetColumnOrder(main.window, 31, &during));
+      EXPECT_TRUE(PostControlMessage(main.window, 31, 0x8000));
+    }
+    if (notice == Notice::ControlMessage) ListGetColumnOrder(main.window, 31, &later);
+  };
+  screen.DragHeader(31, 0, 2);
+  EXPECT_EQ(during, (std::vector<std::int32_t>{0, 1, 2}));
+  EXPECT_EQ(later, (std::vector<std::int32_t>{1, 2, 0}));
+  EXPECT_EQ(screen.ColumnOrder(31), later);
+  EXPECT_EQ(main.Diary(), (Lines{"dragged 31", "message to 31 32768"}));
+  EXPECT_FALSE(PostControlMessage(main.window, 99, 1));
+}
+
+TEST_F(ListTest, AnOrderMustBeOneOfTheColumns) {
+  EXPECT_TRUE(ListSetColumnOrder(main.window, 31, {2, 0, 1}));
+  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0}));
+  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0, 0}));
+  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0, 3}));
+  EXPECT_EQ(screen.ColumnOrder(31), (std::vector<std::int32_t>{2, 0, 1}));
+}
+
+TEST_F(ListTest, ColumnsShareTheListWithoutItsFrameAndScrollBar) {
+  // 80 units are 120 pixels.
+  EXPECT_EQ(ListGetClientWidth(main.window, 31), 100);
+  EXPECT_EQ(ListGetClientWidth(main.window, 30), -1);
+}
+
+TEST_F(ScreenTest, AListIsPaintedOnceItIsShownAndWheneverItNeedsIt) {
+  main.notePaints = true;
+  main.onInit = [&] { main.Note("hidden"); };
+  screen.Start([&] { return main.Run(); });
+  EXPECT_EQ(main.Diary(), (Lines{"init", "hidden", "painted 31"}));
+  screen.Settle();
+  EXPECT_TRUE(main.Diary().empty());
+  PostMessageA(main.window, WM_APP, 0, 0);
+  InvalidateControl(main.window, 31);
+  InvalidateControl(main.window, 31);
+  screen.Settle();
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "painted 31"}));
+  ShowControl(main.window, 31, SW_HIDE);
+  InvalidateControl(main.window, 31);
+  screen.Settle();
+  EXPECT_TRUE(main.Diary().empty());
+  ShowControl(main.window, 31, SW_SHOW);
+  screen.Settle();
+  EXPECT_EQ(main.Diary(), (Lines{"painted 31"}));
+  SetTimer(main.window, 1, 1000);
+  Bodies bodies;
+  bodies.Start("other", [&] {
+    Sleep(7);
+    return InvalidateControl(main.window, 31) ? 0u : 1u;
+  });
+  sim.RunFor(7);
+  EXPECT_EQ(main.Diary(), (Lines{"painted 31"}));
+}
+
+TEST_F(ScreenTest, AListOfAHiddenWindowWaitsForItsPainting) {
+  main.notePaints = true;
+  main.onMessage = [&](std::uint32_t message) {
+    ShowWindow(main.window, message == WM_APP ? SW_HIDE : SW_SHOW);
+  };
+  main.onInit = [&] { PostMessageA(main.window, WM_APP, 0, 0); };
+  screen.Start([&] { return main.Run(); });
+  EXPECT_EQ(main.Diary(), (Lines{"init", "message 32768 0 0"}));
+  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  screen.Settle();
+  EXPECT_EQ(main.Diary(), (Lines{"message 32769 0 0", "painted 31"}));
+}
+
+TEST_F(ScreenTest, RedrawsAreCountedUntilTheyAreAskedFor) {
+  Start();
+  EXPECT_TRUE(InvalidateControl(main.window, 34));
+  EXPECT_TRUE(InvalidateControl(main.window, 34));
+  EXPECT_FALSE(InvalidateControl(main.window, 99));
+  EXPECT_EQ(screen.Redraws(34), 2u);
+  EXPECT_EQ(screen.Redraws(34), 0u);
+}
+
+TEST_F(ScreenTest, ADrawnButtonIsDrawnWhenItIsShownPressedOrFocused) {
+  main.noteDrawing = true;
+  screen.Start([&] { return main.Run(); });
+  EXPECT_EQ(main.Diary(), (Lines{"init", "draw 34"}));
+  screen.Click(34);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "draw 34 focused action", "draw 34 pressed focused",
+                                 "draw 34 focused", "clicked 34"}));
+  screen.FocusOn(20);
+  EXPECT_EQ(main.Diary(), (Lines{"draw 34 action"}));
+}
+
+TEST_F(ScreenTest, TabsStandSideBySide) {
+  main.onInit = [&] {
+    EXPECT_EQ(TabGetCurSel(main.window, 32), -1);
+    EXPECT_EQ(TabInsertItem(main.window, 32, "Control"), 0);
+    EXPECT_EQ(TabInsertItem(main.window, 32, "Mouse"), 1);
+  };
+  Start();
+  EXPECT_EQ(screen.Tabs(32), (Lines{"Control", "Mouse"}));
+  EXPECT_EQ(screen.Tab(32), 0);
+  Rect rect;
+  EXPECT_TRUE(TabGetItemRect(main.window, 32, 0, &rect));
+  EXPECT_EQ(rect, (Rect{2, 2, 56, 22}));
+  EXPECT_TRUE(TabGetItemRect(main.window, 32, 1, &rect));
+  EXPECT_EQ(rect, (Rect{56, 2, 98, 22}));
+  EXPECT_FALSE(TabGetItemRect(main.window, 32, 2, &rect));
+  screen.ChooseTab(32, 1);
+  screen.ChooseTab(32, 1);
+  EXPECT_EQ(TabGetCurSel(main.window, 32), 1);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "selection 32 1"}));
+  EXPECT_TRUE(TabSetCurSel(main.window, 32, 0));
+  EXPECT_FALSE(TabSetCurSel(main.window, 32, 2));
+  EXPECT_EQ(screen.Tab(32), 0);
+  EXPECT_TRUE(main.Diary().empty());
+  EXPECT_EQ(Refusal([&] { screen.ChooseTab(32, 2); }), "ChooseTab: there is no 2 among 2");
+}
+
+TEST_F(ScreenTest, ASliderStaysWithinItsRange) {
+  Start();
+  EXPECT_TRUE(SliderSetRange(main.window, 33, 0, 50));
+  EXPECT_TRUE(SliderSetTicFreq(main.window, 33, 5));
+  EXPECT_EQ(screen.SliderScale(33), "0 to 50, a tick each 5");
+  EXPECT_TRUE(SliderSetPos(main.window, 33, 60));
+  EXPECT_EQ(SliderGetPos(main.window, 33), 50);
+  EXPECT_TRUE(SliderSetPos(main.window, 33, -1));
+  EXPECT_EQ(screen.Slider(33), 0);
+  EXPECT_TRUE(main.Diary().empty());
+  screen.MoveSlider(33, 20);
+  screen.Press(0x27);
+  screen.Press(0x21);
+  EXPECT_EQ(screen.Slider(33), 11);
+  EXPECT_EQ(main.Diary(), (Lines{"left 11", "scrolled 33 20", "scrolled 33 21", "scrolled 33 11"}));
+  EXPECT_EQ(Refusal([&] { screen.MoveSlider(33, 51); }),
+            "MoveSlider 33: the slider doesn't reach that far");
+  EXPECT_EQ(SliderGetPos(main.window, 30), -1);
+}
+
+TEST_F(ScreenTest, ControlsMoveAtOnceOrTogether) {
+  Start();
+  EXPECT_TRUE(SetControlPos(main.window, 20, {1, 2, 31, 42}, SWP_NOZORDER));
+  EXPECT_EQ(screen.ControlPlace(20), (Rect{1, 2, 31, 42}));
+  EXPECT_TRUE(SetControlPos(main.window, 20, {5, 6, 7, 8}, SWP_NOSIZE));
+  EXPECT_EQ(screen.ControlPlace(20), (Rect{5, 6, 35, 46}));
+  DeferHandle defer = BeginDeferWindowPos(2);
+  ASSERT_NE(defer, 0u);
+  defer = DeferWindowPos(defer, main.window, 20, {0, 0, 9, 9}, 0);
+  ASSERT_NE(defer, 0u);
+  EXPECT_EQ(screen.ControlPlace(20), (Rect{5, 6, 35, 46}));
+  EXPECT_TRUE(EndDeferWindowPos(defer));
+  EXPECT_EQ(screen.ControlPlace(20), (Rect{0, 0, 9, 9}));
+  EXPECT_FALSE(EndDeferWindowPos(defer));
+  defer = BeginDeferWindowPos(1);
+  EXPECT_EQ(DeferWindowPos(defer, main.window, 99, {0, 0, 9, 9}, 0), 0u);
+  EXPECT_FALSE(EndDeferWindowPos(defer));
+  EXPECT_FALSE(SetControlPos(main.window, 99, {}, 0));
+}
+
+TEST_F(ScreenTest, LooksAreAsTheProgramSetsThem) {
+  Start();
+  EXPECT_TRUE(SetControlFont(main.window, 35, "Arial", 14, 800, true));
+  EXPECT_EQ(screen.Font(35), "Arial 14 800 underlined");
+  EXPECT_TRUE(SetControlFont(main.window, 35, "", 0, 0, false));
+  EXPECT_EQ(screen.Font(35), "Arial 14 800");
+  EXPECT_TRUE(SetTextColour(main.window, 35, Rgb(0, 0, 64)));
+  EXPECT_EQ(screen.TextColour(35), Rgb(0, 0, 64));
+  EXPECT_TRUE(SetBackgroundColour(main.window, 35, Rgb(255, 255, 255)));
+  EXPECT_EQ(screen.BackgroundColour(35), Rgb(255, 255, 255));
+  EXPECT_FALSE(screen.HandCursor(35));
+  EXPECT_TRUE(SetHandCursor(main.window, 35));
+  EXPECT_TRUE(screen.HandCursor(35));
+  EXPECT_TRUE(SetPicture(main.window, 36, 148));
+  EXPECT_EQ(screen.Picture(36), 148u);
+  EXPECT_FALSE(SetPicture(main.window, 20, 148));
+  EXPECT_FALSE(SetControlFont(main.window, 99, "", 0, 0, false));
+}
+
+// ---- Tool tips
+
+TEST_F(ScreenTest, ATipComesForAToolWhileTipsAreActive) {
+  Start();
+  EXPECT_FALSE(AddTool(main.window, 20));
+  EXPECT_EQ(screen.Hover(20), "");
+  EXPECT_TRUE(CreateToolTip(main.window));
+  EXPECT_FALSE(CreateToolTip(main.window));
+  EXPECT_TRUE(SetToolTipWidth(main.window, 300));
+  EXPECT_TRUE(SetToolTipTime(main.window, 10000));
+  EXPECT_TRUE(AddTool(main.window, 20));
+  EXPECT_EQ(screen.Hover(20), "");
+  EXPECT_TRUE(ActivateToolTip(main.window, true));
+  EXPECT_EQ(screen.Hover(20), "tip 20");
+  EXPECT_EQ(screen.Hover(21), "");
+  EXPECT_EQ(screen.ToolTipWidth(), 300);
+  EXPECT_EQ(screen.ToolTipTime(), 10000);
+  EXPECT_EQ(Refusal([&] { screen.Hover(26); }), "Hover 26: the control is hidden");
+}
+
+TEST_F(ScreenTest, WithTipsEnabledEveryControlIsAskedFor) {
+  Start();
+  EXPECT_FALSE(SetToolTipWidth(main.window, 300));
+  EXPECT_TRUE(EnableToolTips(main.window));
+  EXPECT_TRUE(SetToolTipWidth(main.window, 300));
+  EXPECT_EQ(screen.Hover(21), "tip 21");
+  EXPECT_FALSE(ActivateToolTip(main.window, true));
+  EXPECT_FALSE(EnableToolTips(99));
+}
+
+TEST_F(ScreenTest, ATabHasATipOfItsOwn) {
+  Start();
+  TabInsertItem(main.window, 32, "Control");
+  CreateToolTip(main.window);
+  ActivateToolTip(main.window, true);
+  EXPECT_EQ(screen.HoverTab(32, 0), "");
+  EXPECT_TRUE(AddTabTool(main.window, 32, 0, "the first"));
+  EXPECT_FALSE(AddTabTool(main.window, 32, 1, "none"));
+  EXPECT_EQ(screen.HoverTab(32, 0), "the first");
+}
+
+// ---- The notification area
+
+class IconTest : public ScreenTest {
+ protected:
+  IconTest() {
+    Start();
+    data.hWnd = main.window;
+    data.uID = 4;
+    data.uCallbackMessage = WM_APP;
+    data.hIcon = 128;
+  }
+
+  NOTIFYICONDATA data;
+};
+
+TEST_F(IconTest, AnIconIsAddedAndRemovedOnce) {
+  EXPECT_EQ(Refusal([&] { screen.IconDoubleClick(); }), "the icon: it isn't there");
+  EXPECT_FALSE(Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_TRUE(screen.IconShown());
+  EXPECT_EQ(screen.NotificationIcon().hIcon, 128u);
+  EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_FALSE(screen.IconShown());
+  EXPECT_FALSE(Shell_NotifyIconA(1, data));
+}
+
+TEST_F(IconTest, TheMouseAboveTheIconSendsItsMessages) {
+  Shell_NotifyIconA(NIM_ADD, data);
+  ShowWindow(main.window, SW_HIDE);
+  screen.IconDoubleClick();
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 513", "message 32768 4 514",
+                                 "message 32768 4 515", "message 32768 4 514"}));
+  screen.IconRightClick();
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 516", "message 32768 4 517"}));
+  screen.IconMessage(9, 0x200);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 9 512"}));
+}
+
+TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {
+  Shell_NotifyIconA(NIM_ADD, data);
+  const MenuItem items[] = {{"Exit", 50}, {nullptr, 0}, {"Show", 51}};
+  main.onMessage = [&](std::uint32_t) {
+    if (screen.MenuUp()) return;
+    Point point;
+    EXPECT_TRUE(GetCursorPos(&point));
+    EXPECT_TRUE(TrackPopupMenu(main.window, items, TPM_RIGHTBUTTON, point));
+    main.Note("menu gone");
+    main.onMessage = nullptr;
+  };
+  screen.IconMessage(4, WM_RBUTTONDOWN);
+  EXPECT_TRUE(screen.MenuUp());
+  EXPECT_EQ(screen.Menu(), (Lines{"Exit", "", "Show"}));
+  EXPECT_EQ(Refusal([&] { screen.Click(20); }), "Click 20: a menu is up");
+  EXPECT_EQ(Refusal([&] { screen.ChooseMenu("Other"); }),
+            "ChooseMenu: there is no entry \"Other\"");
+  EXPECT_EQ(Refusal([&] { screen.ChooseMenu(""); }), "ChooseMenu: there is no entry \"\"");
+  screen.IconMessage(4, WM_RBUTTONDOWN);  // once more, while it is up
+  EXPECT_EQ(screen.MenusShown(), 1u);
+  main.Diary();
+  screen.ChooseMenu("Show");
+  EXPECT_EQ(main.Diary(), (Lines{"menu gone", "clicked 51"}));
+  EXPECT_FALSE(screen.MenuUp());
+  EXPECT_EQ(Refusal([&] { screen.DismissMenu(); }), "DismissMenu: there is no menu");
+}
+
+TEST_F(IconTest, ADismissedMenuGivesNoCommand) {
+  Shell_NotifyIconA(NIM_ADD, data);
+  const MenuItem items[] = {{"Exit", 50}};
+  main.onMessage = [&](std::uint32_t) {
+    TrackPopupMenu(main.window, items, 0, {});
+    main.Note("menu gone");
+  };
+  screen.IconMessage(4, WM_RBUTTONDOWN);
+  main.Diary();
+  screen.DismissMenu();
+  EXPECT_EQ(main.Diary(), (Lines{"menu gone"}));
+}
+
+// ---- The shell
+
+TEST_F(ScreenTest, AddressesBeepsAndTheCommandLineAreKept) {
+  EXPECT_GT(ShellExecuteA("https://kelvaro.example/"), 32);
+  EXPECT_EQ(screen.OpenedAddresses(), (Lines{"https://kelvaro.example/"}));
+  sim.FailNext("ShellExecuteA", 2);
+  EXPECT_EQ(ShellExecuteA("https://kelvaro.example/"), 2);
+  EXPECT_EQ(screen.OpenedAddresses().size(), 1u);
+  EXPECT_TRUE(MessageBeep(0));
+  EXPECT_EQ(screen.Beeps(), 1u);
+  EXPECT_EQ(GetCommandLineA(), "kelvaro");
+  screen.SetCommandLine("kelvaro profile=x");
+  EXPECT_EQ(GetCommandLineA(), "kelvaro profile=x");
+}
+
+TEST_F(ScreenTest, HelpComesFromItsLibrary) {
+  const LibraryHandle library = LoadLibraryA("hhctrl.ocx");
+  ASSERT_NE(library, 0u);
+  EXPECT_EQ(GetHelpFunction(library, 13), nullptr);
+  const HtmlHelpFunction help = GetHelpFunction(library, 14);
+  ASSERT_NE(help, nullptr);
+  std::uint32_t cookie = 0;
+  EXPECT_NE(help(0, nullptr, HH_INITIALIZE, reinterpret_cast<std::uintptr_t>(&cookie)), 0u);
+  EXPECT_EQ(cookie, 1u);
+  EXPECT_NE(help(0, "a.chm", HH_DISPLAY_TOPIC, reinterpret_cast<std::uintptr_t>("Start.htm")), 0u);
+  EXPECT_NE(help(0, nullptr, HH_CLOSE_ALL, 0), 0u);
+  EXPECT_NE(help(0, nullptr, HH_UNINITIALIZE, cookie), 0u);
+  sim.FailNext("HtmlHelp");
+  EXPECT_EQ(help(0, nullptr, HH_CLOSE_ALL, 0), 0u);
+  ASSERT_EQ(screen.HelpCalls().size(), 4u);
+  EXPECT_EQ(screen.HelpCalls()[0].cookie, 1u);
+  EXPECT_EQ(screen.HelpCalls()[1].file, "a.chm");
+  EXPECT_EQ(screen.HelpCalls()[1].topic, "Start.htm");
+  EXPECT_EQ(screen.HelpCalls()[2].command, HH_CLOSE_ALL);
+  EXPECT_EQ(screen.HelpCalls()[3].cookie, 1u);
+}
+
+TEST_F(ScreenTest, ALibraryCanBeMissing) {
+  screen.SetHelpLibrary("hhctrl.ocx", false);
+  screen.SetHelpLibrary("C:\\help.ocx", true);
+  EXPECT_EQ(LoadLibraryA("hhctrl.ocx"), 0u);
+  EXPECT_EQ(GetHelpFunction(0, 14), nullptr);
+  EXPECT_NE(LoadLibraryA("C:\\help.ocx"), 0u);
+  EXPECT_EQ(screen.LoadedLibraries(), (Lines{"hhctrl.ocx", "C:\\help.ocx"}));
+}
+
+// ---- The log and the faults
+
+TEST_F(ScreenTest, CallsAreKeptInOrder) {
+  sim.LogCalls(true);
+  Start();
+  SetTimer(main.window, 1, 5000);
+  PostMessageA(main.window, WM_APP, 0, 0);
+  SetWindowIcon(main.window, 1, false);
+  ComboSetCurSel(main.window, 30, 1);
+  TabSetCurSel(main.window, 32, 0);
+  DeferWindowPos(BeginDeferWindowPos(3), main.window, 20, {}, SWP_NOZORDER | SWP_NOSIZE);
+  ShowControl(main.window, 20, SW_SHOW);
+  ShowWindow(main.window, SW_HIDE);
+  GetHelpFunction(0, 14);
+  EndDialog(main.window, 3);
+  EXPECT_EQ(sim.Calls(), (Lines{"RunDialog 100", "SetTimer 1 5000", "PostMessageA 32768",
+                                "SetWindowIcon small", "ComboSetCurSel 30 1", "TabSetCurSel 32 0",
+                                "BeginDeferWindowPos 3", "DeferWindowPos 20 5", "ShowControl 20 5",
+                                "ShowWindow 0", "GetHelpFunction 14", "EndDialog 3"}));
+}
+
+TEST_F(ScreenTest, AFailingOperationDoesNothing) {
+  sim.FailNext("RunDialog");
+  screen.Start([&] { return main.Run(); });
+  EXPECT_EQ(screen.Result(), -1);
+  EXPECT_TRUE(main.Diary().empty());
+  Start();
+  const WindowHandle window = main.window;
+  NOTIFYICONDATA data;
+  data.hWnd = window;
+  Rect rect;
+  Point point;
+  std::vector<std::int32_t> order;
+  const MenuItem items[] = {{"Exit", 50}};
+  struct Case {
+    const char* operation;
+    std::function<bool()> succeeds;
+  };
+  const Case cases[] = {
+      {"EndDialog", [&] { return EndDialog(window, 1); }},
+      {"ShowWindow", [&] { return ShowWindow(window, SW_HIDE); }},
+      {"SetTimer", [&] { return SetTimer(window, 1, 10) != 0; }},
+      {"KillTimer", [&] { return KillTimer(window, 1); }},
+      {"SetWindowsHookExA", [&] { return SetWindowsHookExA(WH_CBT, &FirstHook) != 0; }},
+      {"UnhookWindowsHookEx", [&] { return UnhookWindowsHookEx(firstHook); }},
+      {"LoadIconA", [&] { return LoadIconA(128) != 0; }},
+      {"DestroyIcon", [&] { return DestroyIcon(128); }},
+      {"LoadBitmapA", [&] { return LoadBitmapA(145) != 0; }},
+      {"Shell_NotifyIconA", [&] { return Shell_NotifyIconA(NIM_ADD, data); }},
+      {"GetCursorPos", [&] { return GetCursorPos(&point); }},
+      {"GetDesktopRect", [&] { return GetDesktopRect(&rect); }},
+      {"TrackPopupMenu", [&] { return TrackPopupMenu(window, items, 0, {}); }},
+      {"PostMessageA", [&] { return PostMessageA(window, WM_APP, 0, 0); }},
+      {"SetForegroundWindow", [&] { return SetForegroundWindow(window); }},
+      {"SetWindowIcon", [&] { return SetWindowIcon(window, 1, true); }},
+      {"MoveWindow",
+       [&] {
+         return MoveWindow(window, {0, 0, 500, 500});
+       }},
+      {"InvalidateRect", [&] { return InvalidateRect(window, {}); }},
+      {"UpdateWindow", [&] { return UpdateWindow(window); }},
+      {"SetControlPos", [&] { return SetControlPos(window, 20, {}, 0); }},
+      {"BeginDeferWindowPos", [&] { return BeginDeferWindowPos(1) != 0; }},
+      {"DeferWindowPos",
+       [&] { return DeferWindowPos(BeginDeferWindowPos(1), window, 20, {}, 0) != 0; }},
+      {"EndDeferWindowPos", [&] { return EndDeferWindowPos(BeginDeferWindowPos(1)); }},
+      {"InvalidateControl", [&] { return InvalidateControl(window, 20); }},
+      {"ShowControl", [&] { return ShowControl(window, 20, SW_HIDE); }},
+      {"SetControlFocus", [&] { return SetControlFocus(window, 20); }},
+      {"PostControlMessage", [&] { return PostControlMessage(window, 20, 1); }},
+      {"ComboAddString", [&] { return ComboAddString(window, 30, "x") >= 0; }},
+      {"ComboDeleteString", [&] { return ComboDeleteString(window, 30, 0); }},
+      {"ComboSetCurSel", [&] { return ComboSetCurSel(window, 30, 0); }},
+      {"ListGetColumnOrder", [&] { return ListGetColumnOrder(window, 31, &order); }},
+      {"ListSetColumnOrder", [&] { return ListSetColumnOrder(window, 31, {}); }},
+      {"TabSetCurSel", [&] { return TabSetCurSel(window, 32, 0); }},
+      {"SetPicture", [&] { return SetPicture(window, 36, 1); }},
+      {"SetHandCursor", [&] { return SetHandCursor(window, 35); }},
+      {"CreateToolTip", [&] { return CreateToolTip(window); }},
+      {"EnableToolTips", [&] { return EnableToolTips(window); }},
+      {"SetToolTipWidth", [&] { return SetToolTipWidth(window, 1); }},
+      {"SetToolTipTime", [&] { return SetToolTipTime(window, 1); }},
+      {"ActivateToolTip", [&] { return ActivateToolTip(window, true); }},
+      {"MessageBeep", [&] { return MessageBeep(0); }},
+      {"LoadLibraryA", [&] { return LoadLibraryA("hhctrl.ocx") != 0; }},
+      {"GetHelpFunction", [&] { return GetHelpFunction(1, 14) != nullptr; }},
+      {"MessageBoxA", [&] { return MessageBoxA(window, "", "", MB_OK) != 0; }},
+  };
+  main.Diary();
+  for (const Case& one : cases) {
+    sim.FailNext(one.operation);
+    EXPECT_FALSE(one.succeeds()) << one.operation;
+  }
+  screen.Settle();
+  sim.RunFor(20);
+  EXPECT_TRUE(main.Diary().empty());
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_EQ(screen.Rows(30), (Lines{"Apple", "pear", "plum"}));
+  EXPECT_TRUE(screen.Visible(20));
+  EXPECT_FALSE(screen.IconShown());
+  EXPECT_EQ(screen.Beeps(), 0u);
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
 }
 
 }  // namespace
