@@ -142,7 +142,7 @@ void MainWindow::ShowSelectedDevice() {
 }
 
 void MainWindow::OnDeviceSelected() {
-  if (initGuard != 0 || shuttingDown || !deviceManager) return;
+  if (initGuard != 0 || !deviceManager) return;
   const std::int32_t row = platform::ComboGetCurSel(window, kDeviceList);
   if (row == platform::kNoRow) return;
 
@@ -208,7 +208,7 @@ void MainWindow::OnDefaultRate() {
 }
 
 bool MainWindow::PollFieldsCount() const {
-  return initGuard == 0 && !shuttingDown && deviceManager && deviceManager->DeviceSelected();
+  return initGuard == 0 && deviceManager && deviceManager->DeviceSelected();
 }
 
 bool MainWindow::ReadPollFields() {
@@ -229,7 +229,7 @@ void MainWindow::RefuseField(std::uint32_t fieldId, const ByteString& text,
   // The box takes the focus from whichever field it went to, and so does the way back.
   ++initGuard;
   Box(text, caption, type);
-  if (!shuttingDown) platform::SetControlFocus(window, fieldId);
+  platform::SetControlFocus(window, fieldId);
   --initGuard;
 }
 

@@ -160,10 +160,7 @@ void MainWindow::OnMouseAlwaysActive() {
 
 // Test mode
 
-void MainWindow::OnTestButton() {
-  LockGuard guard(engine->mouseLock);
-  SetTestMode(!engine->mouseTestMode);
-}
+void MainWindow::OnTestButton() { SetTestMode(!engine->mouseTestMode); }
 
 void MainWindow::EndTestMode() { SetTestMode(false); }
 
@@ -238,7 +235,6 @@ void MainWindow::OnDetectBox(std::uint32_t boxId) {
     AutoDetectModeDialog usage;
     usage.DoModal(window);
     if (usage.dontShowAgain) showAutoDetectUsage = false;
-    if (shuttingDown) return;  // it was open when the program was told to end
   }
   if (!checked) return;
 

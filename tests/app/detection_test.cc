@@ -646,7 +646,7 @@ TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
   EXPECT_EQ(Number("Show Auto-Detect Usage"), 0u);
 }
 
-TEST_F(DetectionUsageTest, NothingStartsWhenTheProgramIsToldToEndMeanwhile) {
+TEST_F(DetectionUsageTest, TheProgramMayBeToldToEndWhileTheUsageIsShown) {
   BeginHere();
   screen.Click(kXBox);
   EXPECT_EQ(screen.Front(), kUsageDialog);

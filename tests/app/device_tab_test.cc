@@ -448,7 +448,7 @@ TEST_F(DeviceTabTest, TheFieldThatIsNoNumberIsNamedAndNotTheOneThatIsLeft) {
   ExpectRefused(kInterval, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 }
 
-// The focus goes on from the one field to the other, and back.
+// The focus went on to the other field, which loses it to the box.
 TEST_F(DeviceTabTest, ARefusalTakesTheFocusFromTheOtherFieldWithoutASecondOne) {
   BeginHere();
   ++InitGuard();
@@ -456,6 +456,8 @@ TEST_F(DeviceTabTest, ARefusalTakesTheFocusFromTheOtherFieldWithoutASecondOne) {
   screen.Type(kInterval, "slow");
   --InitGuard();
   screen.FocusOn(kRate);
+  LoseFocus(kRate);
+  EXPECT_EQ(screen.Boxes().size(), 1u);
   ExpectRefused(kInterval, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 
   ++InitGuard();
@@ -463,7 +465,23 @@ TEST_F(DeviceTabTest, ARefusalTakesTheFocusFromTheOtherFieldWithoutASecondOne) {
   screen.Type(kInterval, "0");
   --InitGuard();
   screen.FocusOn(kRate);
+  LoseFocus(kRate);
+  EXPECT_EQ(screen.Boxes().size(), 2u);
   ExpectRefused(kInterval, kIntervalRange, kRangeCaption, platform::MB_OK);
+}
+
+TEST_F(DeviceTabTest, SoDoesARefusalByTheTimer) {
+  sim.SetTimerLimits(5, 500);
+  BeginHere();
+  ++InitGuard();
+  screen.Type(kRate, "0");
+  screen.Type(kInterval, "4");
+  --InitGuard();
+  screen.FocusOn(kRate);
+  LoseFocus(kRate);
+  ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
+  screen.Answer(platform::IDOK);
+  EXPECT_EQ(screen.Boxes().size(), 1u);
 }
 
 TEST_F(DeviceTabTest, AnIntervalBeyondTheTimersLimitsIsRefusedByTheTimer) {
