@@ -197,6 +197,8 @@ class MainWindowTest : public testing::Test {
   // that wait for the person.
 
   std::string ToolTip(std::uint32_t id) { return window->OnToolTip(id); }
+  // As a box that comes up can do to a field.
+  void LoseFocus(std::uint32_t id) { window->OnNotice(id, platform::Notice::FocusLost, 0); }
   std::uint32_t SelectedControlId() const { return window->SelectedControlId(); }
   std::int32_t SelectedRow() const { return window->SelectedRow(); }
 
