@@ -1,0 +1,89 @@
+#include "app/platform/qt/control.h"
+
+#include <algorithm>
+
+#include "app/platform/qt/colours.h"
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+
+Control::Control(ControlHost& host, const ControlTemplate& from)
+    : id(from.id),
+      kind(from.kind),
+      style(from.style),
+      host(host),
+      text(from.text ? from.text : ""),
+      spokenName(from.name) {}
+
+void Control::Adopt(QWidget* made) {
+  widget = made;
+  if (spokenName) FocusWidget()->setAccessibleName(Shown(spokenName));
+  if (HasText()) ShowText(Shown(text));
+  if (style & kStyleDisabled) widget->setEnabled(false);
+  Show(!(style & kStyleHidden));
+}
+
+void Control::Show(bool show) {
+  shown = show;
+  // A box takes room and is never seen.
+  widget->setVisible(show && kind != ControlKind::Box);
+}
+
+bool Control::IsEnabled() const { return widget->isEnabledTo(host.Inside()); }
+
+bool Control::SetText(const std::string& bytes) {
+  if (!HasText()) return false;
+  text = bytes;
+  ShowText(Shown(bytes));
+  if (labelled && NamesNext()) labelled->SetSpokenName(WithoutMnemonic(Shown(bytes)));
+  return true;
+}
+
+void Control::SetSpokenName(const QString& name) {
+  const bool isContent = kind == ControlKind::Edit || kind == ControlKind::TextArea;
+  const bool saysItself = HasText() && !isContent && !text.empty();
+  if (!spokenName && !saysItself) FocusWidget()->setAccessibleName(name);
+}
+
+void Control::SetFont(const std::string& face, std::int32_t height, std::int32_t weight,
+                      bool underline) {
+  QFont font = widget->font();
+  if (!face.empty()) font.setFamily(Shown(face));
+  if (height > 0) font.setPixelSize(height);
+  if (weight > 0) font.setWeight(static_cast<QFont::Weight>(std::min(weight, 1000)));
+  font.setUnderline(underline);
+  widget->setFont(font);
+}
+
+void Control::SetTextColour(Colour colour) {
+  ink = colour;
+  TakeColours();
+}
+
+void Control::SetBackgroundColour(Colour colour) {
+  background = colour;
+  TakeColours();
+}
+
+void Control::TakeColours() {
+  if (ink || background) {
+    QPalette palette;
+    const QPalette around = host.Inside()->palette();
+    if (background) {
+      palette.setColor(QPalette::Base, ColourOf(*background));
+      palette.setColor(QPalette::Window, ColourOf(*background));
+    }
+    if (ink) {
+      const QColor colour = background
+                                ? ColourOf(*ink)
+                                : Readable(ColourOf(*ink), around.color(widget->backgroundRole()));
+      palette.setColor(QPalette::Text, colour);
+      palette.setColor(QPalette::WindowText, colour);
+      palette.setColor(QPalette::ButtonText, colour);
+    }
+    widget->setPalette(palette);
+  }
+  ColoursChanged();
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,107 @@
+// One control of a dialog. A class a kind derives from it, owns the widget's looks and says what
+// the person does to the host. User interface's thread alone.
+#pragma once
+
+#include <QObject>
+#include <QWidget>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "app/platform/canvas.h"
+#include "app/platform/controls.h"
+#include "app/platform/desktop.h"
+#include "app/platform/qt/pictures.h"
+
+namespace platform::qt {
+
+class Control;
+
+// The window, as its controls see it.
+class ControlHost {
+ public:
+  virtual ~ControlHost() = default;
+  // The parent of every widget.
+  virtual QWidget* Inside() = 0;
+  virtual const Icons& AllIcons() const = 0;
+  // The person did something. Window and controls are still there after the call: a dialog that
+  // its handler ends goes later.
+  virtual void Notify(std::uint32_t id, Notice notice, std::int32_t value = 0) = 0;
+  // The same, in its turn: for what happens in the middle of a change of the focus.
+  virtual void NotifyInTurn(std::uint32_t id, Notice notice) = 0;
+  virtual void Draw(const DrawItem& item, Canvas& canvas) = 0;
+  // The focus came to or left a button: another one may be the default now.
+  virtual void FocusMoved() = 0;
+};
+
+class Control : public QObject {
+ public:
+  Control(ControlHost& host, const ControlTemplate& from);
+
+  // Deleted by the window that it is in.
+  QWidget* Widget() const { return widget; }
+  // The one that gets the focus: the widget, or a part of it.
+  virtual QWidget* FocusWidget() const { return widget; }
+  bool TakesFocus() const { return FocusWidget()->focusPolicy() != Qt::NoFocus; }
+
+  // Buttons of all kinds that Enter presses.
+  virtual bool IsPushButton() const { return false; }
+  // Drawn as the one that Enter presses.
+  virtual void ShowDefault(bool) {}
+
+  void Show(bool show);
+  bool IsShown() const { return shown; }
+  void Enable(bool enable) { widget->setEnabled(enable); }
+  bool IsEnabled() const;
+
+  // The kinds that have a text: false, and empty, for the others.
+  virtual bool HasText() const { return false; }
+  bool SetText(const std::string& bytes);
+  virtual std::string Text() const { return HasText() ? text : std::string(); }
+
+  // Check boxes and radio buttons.
+  virtual bool SetChecked(bool) { return false; }
+  virtual bool IsChecked() const { return false; }
+
+  virtual bool SetPicture(BitmapHandle) { return false; }
+  void SetFont(const std::string& face, std::int32_t height, std::int32_t weight, bool underline);
+  void SetTextColour(Colour colour);
+  void SetBackgroundColour(Colour colour);
+  void SetHandCursor() { widget->setCursor(Qt::PointingHandCursor); }
+
+  // The control that this one, a label or group box, stands before and names.
+  void SetLabelled(Control* control) { labelled = control; }
+  // What a screen reader says, where neither the own text nor the template does.
+  void SetSpokenName(const QString& name);
+  // Where its mnemonic goes.
+  Control* Labelled() const { return labelled; }
+  // The present text is a name for what comes behind.
+  bool NamesNext() const { return kind == ControlKind::Label || kind == ControlKind::GroupBox; }
+
+  // The palette of the window is another one.
+  void TakeColours();
+
+  const std::uint32_t id;
+  const ControlKind kind;
+  const std::uint32_t style;
+
+ protected:
+  // To be called once by a derived class's constructor.
+  void Adopt(QWidget* made);
+  virtual void ShowText(const QString&) {}
+  virtual void ColoursChanged() {}
+  void Clicked() { host.Notify(id, Notice::Clicked); }
+
+  ControlHost& host;
+  std::string text;  // as it was set
+
+ private:
+  const char* const spokenName;
+  QWidget* widget = nullptr;
+  Control* labelled = nullptr;
+  std::optional<Colour> ink;
+  std::optional<Colour> background;
+  bool shown = true;
+};
+
+}  // namespace platform::qt

@@ -1,0 +1,551 @@
+#include "app/platform/qt/dialog_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
+
+#include "app/platform/qt/control_maker.h"
+#include "app/platform/qt/dialog_units.h"
+#include "app/platform/qt/qt_canvas.h"
+#include "app/platform/qt/tab_control.h"
+#include "app/platform/qt/text.h"
+#include "app/platform/qt/virtual_keys.h"
+
+namespace platform::qt {
+namespace {
+
+Qt::WindowFlags FlagsOf(std::uint32_t style, bool owned) {
+  Qt::WindowFlags flags = owned ? Qt::Dialog : Qt::Window;
+  flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint;
+  if (style & kWindowMinimiseBox) flags |= Qt::WindowMinimizeButtonHint;
+  if (style & kWindowMaximiseBox) flags |= Qt::WindowMaximizeButtonHint;
+  return flags;
+}
+
+// Notices of something that goes on already, in whose midst nothing else can be told.
+bool IsInPassing(Notice notice) {
+  return notice == Notice::Painted || notice == Notice::HeaderItemChanging ||
+         notice == Notice::HeaderItemChanged;
+}
+
+}  // namespace
+
+const QEvent::Type PostedCall::kType = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+// While one is there, a change of the focus is no news.
+class DialogWindow::Quiet {
+ public:
+  explicit Quiet(DialogWindow& window) : window(window) { ++window.quiet; }
+  ~Quiet() { --window.quiet; }
+  Quiet(const Quiet&) = delete;
+  Quiet& operator=(const Quiet&) = delete;
+
+ private:
+  DialogWindow& window;
+};
+
+DialogWindow::DialogWindow(const DialogTemplate& from, DialogWindow* owner,
+                           WindowListener& listener, const Surroundings& around)
+    : QWidget(owner, FlagsOf(from.style, owner != nullptr)),
+      listener(listener),
+      around(around),
+      style(from.style) {
+  setWindowTitle(Shown(from.title));
+  if (owner) {
+    setWindowModality(Qt::WindowModal);
+    setWindowIcon(owner->windowIcon());
+  }
+  setMouseTracking(true);
+  MakeInside(from);
+  std::set<std::uint32_t> ids;
+  for (const auto& entry : byId) ids.insert(entry.first);
+  handle = around.windows.Add(this, std::move(ids));
+}
+
+DialogWindow::~DialogWindow() {
+  ended = true;
+  around.windows.Remove(handle);
+  for (const auto& control : controls) delete control->Widget();
+}
+
+void DialogWindow::MakeInside(const DialogTemplate& from) {
+  const DialogUnits units(font());
+  controls = MakeControls(*this, from.controls);
+  for (std::size_t i = 0; i < controls.size(); ++i) {
+    const ControlTemplate& row = from.controls[i];
+    controls[i]->Widget()->setGeometry(units.PlaceOf(row));
+    byId[row.id] = controls[i].get();
+    if (row.style & kStyleDefault) defaultButton = row.id;
+  }
+  const QSize size = units.SizeOf(from);
+  if (style & kWindowResizable) {
+    resize(size);
+  } else {
+    setFixedSize(size);
+  }
+  FocusMoved();
+}
+
+std::int32_t DialogWindow::Run() {
+  listener.OnInitDialog(handle);
+  initialised = true;
+  if (!ended) {
+    ApplyLimits();
+    // A message may want it hidden, which is then how it is first seen.
+    QCoreApplication::sendPostedEvents(this, PostedCall::kType);
+  }
+  if (!ended) {
+    BringUp();
+    loop.exec();
+    // The application ends without having been asked to end this window.
+    if (!ended) listener.OnClose();
+  }
+  ended = true;
+  const Quiet silent(*this);
+  hide();
+  timers.clear();
+  listener.OnDestroy();
+  return result;
+}
+
+void DialogWindow::End(std::int32_t with) {
+  result = with;
+  ended = true;
+  loop.exit();
+}
+
+Control* DialogWindow::Find(std::uint32_t id) const {
+  const auto found = byId.find(id);
+  return found == byId.end() ? nullptr : found->second;
+}
+
+Control* DialogWindow::Focused() const {
+  const QWidget* const focused = focusWidget();
+  if (!focused) return nullptr;
+  for (const auto& control : controls) {
+    if (control->Widget() == focused || control->Widget()->isAncestorOf(focused)) {
+      return control.get();
+    }
+  }
+  return nullptr;
+}
+
+void DialogWindow::FocusOn(Control& control) {
+  const Quiet silent(*this);
+  control.FocusWidget()->setFocus(Qt::OtherFocusReason);
+}
+
+void DialogWindow::Show(Control& control, bool show) {
+  const Quiet silent(*this);
+  control.Show(show);
+}
+
+void DialogWindow::Enable(Control& control, bool enable) {
+  const Quiet silent(*this);
+  control.Enable(enable);
+}
+
+bool DialogWindow::SetDefaultButton(std::uint32_t id) {
+  const Control* const control = Find(id);
+  if (!control || !control->IsPushButton()) return false;
+  defaultButton = id;
+  FocusMoved();
+  return true;
+}
+
+// --- What happens to it
+
+void DialogWindow::Notify(std::uint32_t id, Notice notice, std::int32_t value) {
+  if (ended || handle == kNoWindow) return;
+  if (!IsInPassing(notice)) TellInTurn();
+  if (!ended) listener.OnNotice(id, notice, value);
+}
+
+void DialogWindow::NotifyInTurn(std::uint32_t id, Notice notice) {
+  if (ended || handle == kNoWindow || quiet > 0) return;
+  inTurn.emplace_back(id, notice);
+  around.windows.Post(handle, [](DialogWindow& window) { window.TellInTurn(); });
+}
+
+void DialogWindow::TellInTurn() {
+  while (!inTurn.empty() && !ended) {
+    const auto [id, notice] = inTurn.front();
+    inTurn.erase(inTurn.begin());
+    listener.OnNotice(id, notice, 0);
+  }
+}
+
+void DialogWindow::SendNotice(std::uint32_t id, Notice notice, std::int32_t value) {
+  Notify(id, notice, value);
+}
+
+void DialogWindow::SendMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
+  if (!ended) listener.OnMessage(message, wParam, lParam);
+}
+
+void DialogWindow::Close() {
+  if (ended) return;
+  TellInTurn();
+  if (!ended) listener.OnClose();
+}
+
+void DialogWindow::Draw(const DrawItem& item, Canvas& canvas) {
+  if (!ended) listener.OnDrawItem(item, canvas);
+}
+
+// A button that has the focus is the one that Enter presses.
+void DialogWindow::FocusMoved() {
+  const Control* const focused = Focused();
+  const bool onButton = focused && focused->IsPushButton();
+  for (const auto& control : controls) {
+    if (!control->IsPushButton()) continue;
+    control->ShowDefault(onButton ? control.get() == focused : control->id == defaultButton);
+  }
+}
+
+void DialogWindow::ApplyUpdates() {
+  for (const auto& [id, update] : around.windows.TakeUpdates(handle)) {
+    Control* const control = Find(id);
+    if (update.text) control->SetText(*update.text);
+    if (update.checked) control->SetChecked(*update.checked);
+    if (update.redraw) control->Widget()->update();
+  }
+}
+
+bool DialogWindow::event(QEvent* event) {
+  if (event->type() == PostedCall::kType) {
+    static_cast<PostedCall*>(event)->act(*this);
+    return true;
+  }
+  if (event->type() == QEvent::ToolTip) {
+    auto* const help = static_cast<QHelpEvent*>(event);
+    return ShowTip(help->pos(), help->globalPos());
+  }
+  if (event->type() == QEvent::WindowActivate) CorrectForFrame();
+  return QWidget::event(event);
+}
+
+bool DialogWindow::ShowTip(const QPoint& inside, const QPoint& screen) {
+  const QWidget* below = childAt(inside);
+  while (below && below->parentWidget() != this) below = below->parentWidget();
+  QString text;
+  QRect place;
+  for (const auto& control : controls) {
+    if (!below || control->Widget() != below || ended) continue;
+    place = below->geometry();
+    const auto* const tabs = dynamic_cast<const TabControl*>(control.get());
+    const std::string* tabText = nullptr;
+    for (std::int32_t tab = 0; tabs && !tabText; ++tab) {
+      Rect rect;
+      if (!tabs->TabRect(tab, &rect)) break;
+      const QRect onWindow = RectOf(rect).translated(below->pos());
+      if (!onWindow.contains(inside)) continue;
+      tabText = tips.TabText(control->id, tab);
+      if (tabText) place = onWindow;
+    }
+    if (tabText) {
+      text = Shown(*tabText);
+    } else if (tips.IsTool(control->id)) {
+      text = Shown(listener.OnToolTip(control->id));
+    }
+  }
+  tips.Show(text, screen, this, place);
+  return true;
+}
+
+// --- Keys
+
+void DialogWindow::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      PressEnter();
+      break;
+    case Qt::Key_Escape:
+      PressEscape();
+      break;
+    default:
+      if (Focused()) {
+        event->ignore();
+      } else {
+        Notify(0, Notice::KeyDown, VirtualKey(*event));
+      }
+  }
+}
+
+void DialogWindow::Press(Control& button) {
+  if (button.IsEnabled()) Notify(button.id, Notice::Clicked, 0);
+}
+
+void DialogWindow::PressEnter() {
+  Control* button = Focused();
+  if (!button || !button->IsPushButton()) button = Find(defaultButton);
+  if (button) Press(*button);
+}
+
+void DialogWindow::PressEscape() {
+  const Control* const button = Find(IDCANCEL);
+  if (!button || button->IsEnabled()) Notify(IDCANCEL, Notice::Clicked, 0);
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  Close();
+}
+
+// --- Its background and its grip
+
+void DialogWindow::paintEvent(QPaintEvent*) {
+  if (!initialised || ended) return;
+  QPainter painter(this);
+  QtCanvas canvas(painter, *this, around.icons);
+  listener.OnPaint(canvas);
+}
+
+bool DialogWindow::IsGrip(const QPoint& screen) {
+  return !ended && (style & kWindowResizable) && !isMaximized() &&
+         listener.OnNcHitTest({screen.x(), screen.y()}) == HTBOTTOMRIGHT;
+}
+
+void DialogWindow::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && IsGrip(event->globalPosition().toPoint())) {
+    windowHandle()->startSystemResize(Qt::RightEdge | Qt::BottomEdge);
+  }
+}
+
+void DialogWindow::mouseMoveEvent(QMouseEvent* event) {
+  if (IsGrip(event->globalPosition().toPoint())) {
+    setCursor(Qt::SizeFDiagCursor);
+  } else {
+    unsetCursor();
+  }
+}
+
+// --- Place and size
+
+// Counted without the frame, which isn't there when a window first measures itself.
+void DialogWindow::ApplyLimits() {
+  if (!(style & kWindowResizable)) return;
+  MinMaxInfo info;
+  listener.OnGetMinMaxInfo(&info);
+  const auto limit = [](std::int32_t wanted, int otherwise) {
+    return wanted > 0 ? std::min<int>(wanted, QWIDGETSIZE_MAX) : otherwise;
+  };
+  setMinimumSize(limit(info.minTrackWidth, 0), limit(info.minTrackHeight, 0));
+  setMaximumSize(limit(info.maxTrackWidth, QWIDGETSIZE_MAX),
+                 limit(info.maxTrackHeight, QWIDGETSIZE_MAX));
+}
+
+void DialogWindow::FirstPlace() {
+  if (placed) return;
+  const QWidget* const owner = parentWidget();
+  const bool over = owner && owner->isVisible() && !owner->isMinimized();
+  const QScreen* const display = over ? owner->screen() : QGuiApplication::primaryScreen();
+  const QRect free = display->availableGeometry();
+  QRect place(QPoint(), size());
+  place.moveCenter((over ? owner->frameGeometry() : free).center());
+  place.moveLeft(std::max(free.left(), std::min(place.left(), free.right() + 1 - width())));
+  place.moveTop(std::max(free.top(), std::min(place.top(), free.bottom() + 1 - height())));
+  move(place.topLeft());
+}
+
+void DialogWindow::FirstFocus() {
+  if (Focused()) return;
+  const Quiet silent(*this);
+  for (const auto& control : controls) {
+    if (!control->TakesFocus() || !control->IsShown() || !control->IsEnabled()) continue;
+    control->FocusWidget()->setFocus(Qt::TabFocusReason);
+    return;
+  }
+}
+
+Rect DialogWindow::WholeRect() const { return RectOf(frameGeometry()); }
+
+void DialogWindow::MoveWhole(const Rect& rect) {
+  if (initialised || (style & kWindowResizable)) ApplyLimits();
+  placed = true;
+  const QSize frame = frameGeometry().size() - size();
+  const QSize whole(rect.Width(), rect.Height());
+  const QSize inside = (whole - frame).expandedTo(QSize(1, 1));
+  wholeWanted = frame.isNull() ? whole : QSize();
+  if (style & kWindowResizable) {
+    resize(inside);
+  } else {
+    setFixedSize(inside);
+  }
+  insideThen = size();
+  move(rect.left, rect.top);
+  // A window that isn't shown gets no event of it before it is.
+  if (!isVisible()) TellSize(SIZE_RESTORED, size());
+}
+
+void DialogWindow::CorrectForFrame() {
+  const QSize frame = frameGeometry().size() - size();
+  if (wholeWanted.isEmpty() || frame.isNull()) return;
+  const QSize whole = std::exchange(wholeWanted, QSize());
+  const bool untouched = size() == insideThen && !isMaximized() && !iconic;
+  if (untouched && (style & kWindowResizable)) resize(whole - frame);
+}
+
+void DialogWindow::TellSize(std::uint32_t type, const QSize& size) {
+  if (!ended && handle != kNoWindow) listener.OnSize(type, size.width(), size.height());
+}
+
+void DialogWindow::resizeEvent(QResizeEvent*) {
+  CorrectForFrame();
+  if (!iconic) TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
+}
+
+void DialogWindow::moveEvent(QMoveEvent*) {
+  CorrectForFrame();
+  if (ended || handle == kNoWindow) return;
+  const QPoint inside = geometry().topLeft();
+  listener.OnMove(inside.x(), inside.y());
+}
+
+// --- Shown, hidden, minimised
+
+void DialogWindow::BringUp() {
+  if (broughtUp || !initialised || ended) return;
+  broughtUp = true;
+  FirstPlace();
+  FirstFocus();
+  show();
+  if (ended) return;
+  const QPoint inside = geometry().topLeft();
+  listener.OnMove(inside.x(), inside.y());
+}
+
+void DialogWindow::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) {
+    for (const auto& control : controls) control->TakeColours();
+  }
+  // While it isn't shown its state says only how it will be.
+  if (event->type() != QEvent::WindowStateChange || !isVisible()) return;
+  if (isMinimized() == iconic) return;
+  iconic = isMinimized();
+  if (!iconic) {
+    standsIn = false;
+    TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
+    return;
+  }
+  if (quiet == 0 && !ended) around.hooks.TellMinimising(handle);
+  TellSize(SIZE_MINIMIZED, QSize(0, 0));
+}
+
+void DialogWindow::Minimise() {
+  const Quiet silent(*this);
+  broughtUp = true;
+  hidden = false;
+  if (!iconic) TellSize(SIZE_MINIMIZED, QSize(0, 0));
+  iconic = true;
+  showMinimized();
+}
+
+// Nothing could bring back a window that is hidden behind an icon that isn't there.
+void DialogWindow::HideOrMinimise() {
+  broughtUp = true;
+  shownIconic = false;
+  if (around.lacksItsIcon(handle)) {
+    standsIn = true;
+    Minimise();
+    return;
+  }
+  standsIn = false;
+  hidden = true;
+  const Quiet silent(*this);
+  hide();
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+}
+
+void DialogWindow::IconCameOrWent() {
+  const bool lacking = around.lacksItsIcon(handle);
+  if (lacking ? hidden : standsIn && iconic) HideOrMinimise();
+}
+
+void DialogWindow::ShowWindow(std::int32_t command) {
+  switch (command) {
+    case SW_HIDE:
+      HideOrMinimise();
+      return;
+    case SW_MINIMIZE:
+      if (!iconic) around.hooks.TellMinimising(handle);
+      standsIn = false;
+      Minimise();
+      return;
+    case SW_SHOW:
+    case SW_SHOWNOACTIVATE:
+      if (isVisible()) return;
+      hidden = false;
+      broughtUp = true;
+      if (iconic) {
+        // Mostly it is restored next; until then nothing of it is to be seen.
+        shownIconic = true;
+        around.windows.Post(handle, [](DialogWindow& window) {
+          if (std::exchange(window.shownIconic, false)) window.Minimise();
+        });
+        return;
+      }
+      FirstPlace();
+      FirstFocus();
+      setAttribute(Qt::WA_ShowWithoutActivating, command == SW_SHOWNOACTIVATE);
+      show();
+      return;
+    case SW_RESTORE:
+    case SW_SHOWNORMAL: {
+      const Quiet silent(*this);
+      const bool wasIconic = std::exchange(iconic, false);
+      shownIconic = false;
+      hidden = false;
+      standsIn = false;
+      broughtUp = true;
+      FirstPlace();
+      FirstFocus();
+      // From minimised it goes back to what it was before, which may be maximised.
+      if (!wasIconic || command == SW_SHOWNORMAL) setWindowState(Qt::WindowNoState);
+      setWindowState(windowState() & ~Qt::WindowMinimized);
+      show();
+      if (wasIconic) TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
+      if (command == SW_SHOWNORMAL) {
+        raise();
+        activateWindow();
+      }
+      return;
+    }
+    default:
+      return;
+  }
+}
+
+// --- Timers
+
+// Through the messages, so that one goes on while its handler waits for a box to be answered.
+std::uint32_t DialogWindow::SetTimer(std::uint32_t id, std::uint32_t ms) {
+  std::unique_ptr<QTimer>& timer = timers[id];
+  timer = std::make_unique<QTimer>();
+  connect(timer.get(), &QTimer::timeout, this, [this, id] {
+    if (std::find(timersDue.begin(), timersDue.end(), id) != timersDue.end()) return;
+    timersDue.push_back(id);
+    around.windows.Post(handle, [id](DialogWindow& window) {
+      if (std::erase(window.timersDue, id) == 0 || window.ended) return;
+      if (window.timers.contains(id)) window.listener.OnTimer(id);
+    });
+  });
+  timer->start(static_cast<int>(std::clamp<std::uint32_t>(ms, 1, 0x7FFFFFFF)));
+  return id;
+}
+
+bool DialogWindow::KillTimer(std::uint32_t id) {
+  std::erase(timersDue, id);
+  return timers.erase(id) > 0;
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,129 @@
+#include "app/platform/qt/drop_list.h"
+
+#include <QSignalBlocker>
+#include <QWheelEvent>
+#include <algorithm>
+
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+namespace {
+
+std::string Folded(std::string text) {
+  for (char& c : text) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return text;
+}
+
+}  // namespace
+
+// The wheel scrolls past it, unless it was chosen first.
+class DropList::Widget : public QComboBox {
+ public:
+  using QComboBox::QComboBox;
+
+ protected:
+  void wheelEvent(QWheelEvent* event) override {
+    if (hasFocus()) {
+      QComboBox::wheelEvent(event);
+    } else {
+      event->ignore();
+    }
+  }
+};
+
+DropList::DropList(ControlHost& host, const ControlTemplate& from)
+    : Control(host, from), box(new Widget(host.Inside())) {
+  box->setFocusPolicy(Qt::StrongFocus);
+  box->setMaxVisibleItems(20);
+  for (const char* row : from.rows) Add(row);
+  connect(box, &QComboBox::activated, this, [this](int row) {
+    if (row == selected) return;
+    selected = row;
+    this->host.Notify(id, Notice::SelectionChanged, row);
+  });
+  Adopt(box);
+}
+
+std::int32_t DropList::Add(const std::string& row) {
+  auto place = rows.end();
+  if (style & kStyleSorted) {
+    place = std::upper_bound(rows.begin(), rows.end(), row, [](const auto& text, const Row& other) {
+      return Folded(text) < Folded(other.text);
+    });
+  }
+  const auto index = static_cast<std::int32_t>(place - rows.begin());
+  rows.insert(place, Row{row, 0});
+  if (selected >= index) ++selected;
+  const QSignalBlocker quiet(box);
+  box->insertItem(index, Shown(row));
+  Sync();
+  return index;
+}
+
+bool DropList::Delete(std::int32_t row) {
+  if (!IsRow(row)) return false;
+  rows.erase(rows.begin() + row);
+  if (selected == row) {
+    selected = kNoRow;
+  } else if (selected > row) {
+    --selected;
+  }
+  const QSignalBlocker quiet(box);
+  box->removeItem(row);
+  Sync();
+  return true;
+}
+
+void DropList::Reset() {
+  rows.clear();
+  selected = kNoRow;
+  const QSignalBlocker quiet(box);
+  box->clear();
+}
+
+std::string DropList::RowText(std::int32_t row) const {
+  return IsRow(row) ? rows[static_cast<std::size_t>(row)].text : std::string();
+}
+
+std::int32_t DropList::FindPrefix(const std::string& prefix) const {
+  const std::string wanted = Folded(prefix);
+  const auto found = std::find_if(rows.begin(), rows.end(), [&](const Row& row) {
+    return Folded(row.text).starts_with(wanted);
+  });
+  return found == rows.end() ? kNoRow : static_cast<std::int32_t>(found - rows.begin());
+}
+
+std::int32_t DropList::FindExact(const std::string& text) const {
+  const std::string wanted = Folded(text);
+  const auto found = std::find_if(rows.begin(), rows.end(),
+                                  [&](const Row& row) { return Folded(row.text) == wanted; });
+  return found == rows.end() ? kNoRow : static_cast<std::int32_t>(found - rows.begin());
+}
+
+bool DropList::Select(std::int32_t row) {
+  if (row != kNoRow && !IsRow(row)) return false;
+  selected = row;
+  Sync();
+  return true;
+}
+
+bool DropList::SetData(std::int32_t row, std::int32_t data) {
+  if (!IsRow(row)) return false;
+  rows[static_cast<std::size_t>(row)].data = data;
+  return true;
+}
+
+std::int32_t DropList::Data(std::int32_t row) const {
+  return IsRow(row) ? rows[static_cast<std::size_t>(row)].data : 0;
+}
+
+// The box chooses a row by itself when it gets its first one, or loses the chosen one.
+void DropList::Sync() {
+  const QSignalBlocker quiet(box);
+  box->setCurrentIndex(selected);
+  box->update();
+}
+
+}  // namespace platform::qt

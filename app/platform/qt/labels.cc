@@ -1,0 +1,267 @@
+#include "app/platform/qt/labels.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QFocusEvent>
+#include <QFrame>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QShortcut>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <QStyleOptionGroupBox>
+#include <QStylePainter>
+#include <functional>
+
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+namespace {
+
+// Gives the focus to the control that a label or group box stands before.
+class Mnemonic {
+ public:
+  Mnemonic(Control& control, QWidget* widget) : control(control), shortcut(new QShortcut(widget)) {
+    const auto go = [this] {
+      if (Control* next = this->control.Labelled()) {
+        next->FocusWidget()->setFocus(Qt::ShortcutFocusReason);
+      }
+    };
+    QObject::connect(shortcut, &QShortcut::activated, go);
+    QObject::connect(shortcut, &QShortcut::activatedAmbiguously, go);
+  }
+
+  void Take(const QString& marked) { shortcut->setKey(QKeySequence::mnemonic(marked)); }
+
+ private:
+  Control& control;
+  QShortcut* const shortcut;  // of the widget
+};
+
+// Text with mnemonic marks, which QLabel and QGroupBox give a meaning of their own.
+class LabelWidget : public QLabel {
+ public:
+  LabelWidget(QWidget* parent, std::uint32_t style) : QLabel(parent), templateStyle(style) {
+    setTextFormat(Qt::PlainText);
+  }
+
+  void ShowMarked(const QString& text) {
+    marked = text;
+    setText(WithoutMnemonic(text));
+    update();
+  }
+
+  std::function<void()> onPress;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    const auto flags = static_cast<int>(Placing()) | Qt::TextShowMnemonic |
+                       (templateStyle & kStyleWrap ? Qt::TextWordWrap : Qt::TextSingleLine);
+    style()->drawItemText(&painter, rect(), flags, palette(), isEnabled(), marked,
+                          foregroundRole());
+    if (!hasFocus()) return;
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.backgroundColor = palette().color(backgroundRole());
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+  }
+
+  void mousePressEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::LeftButton && onPress) {
+      onPress();
+    } else {
+      event->ignore();
+    }
+  }
+
+ private:
+  Qt::Alignment Placing() const {
+    const Qt::Alignment across = templateStyle & kStyleRight     ? Qt::AlignRight
+                                 : templateStyle & kStyleCentred ? Qt::AlignHCenter
+                                                                 : Qt::AlignLeft;
+    return across | Qt::AlignTop;
+  }
+
+  const std::uint32_t templateStyle;
+  QString marked;
+};
+
+class LinkWidget : public LabelWidget {
+ public:
+  using LabelWidget::LabelWidget;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool press = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return ||
+                       event->key() == Qt::Key_Enter;
+    if (press && onPress) {
+      onPress();
+    } else {
+      event->ignore();
+    }
+  }
+  void focusInEvent(QFocusEvent*) override { update(); }
+  void focusOutEvent(QFocusEvent*) override { update(); }
+};
+
+class AccessibleLink : public QAccessibleWidget {
+ public:
+  explicit AccessibleLink(LinkWidget* link) : QAccessibleWidget(link, QAccessible::Link) {}
+
+  QString text(QAccessible::Text kind) const override {
+    const QString own = QAccessibleWidget::text(kind);
+    return kind == QAccessible::Name && own.isEmpty() ? Link()->text() : own;
+  }
+  QStringList actionNames() const override { return {pressAction()}; }
+  void doAction(const QString& action) override {
+    if (action == pressAction() && Link()->onPress) Link()->onPress();
+  }
+
+ private:
+  LinkWidget* Link() const { return static_cast<LinkWidget*>(widget()); }
+};
+
+QAccessibleInterface* MakeAccessibleLink(const QString&, QObject* object) {
+  auto* link = dynamic_cast<LinkWidget*>(object);
+  return link ? new AccessibleLink(link) : nullptr;
+}
+
+class LabelControl final : public Control {
+ public:
+  LabelControl(ControlHost& host, const ControlTemplate& from, LabelWidget* label)
+      : Control(host, from), label(label), mnemonic(*this, label) {
+    label->onPress = [this] { Clicked(); };
+    Adopt(label);
+  }
+
+  bool HasText() const override { return true; }
+
+ private:
+  void ShowText(const QString& shown) override {
+    label->ShowMarked(shown);
+    mnemonic.Take(shown);
+  }
+
+  LabelWidget* const label;
+  Mnemonic mnemonic;
+};
+
+class PictureWidget : public QLabel {
+ public:
+  using QLabel::QLabel;
+  BitmapHandle bitmap = 0;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    DrawBitmap(painter, rect(), bitmap, palette().color(QPalette::WindowText));
+  }
+};
+
+class PictureControl final : public Control {
+ public:
+  PictureControl(ControlHost& host, const ControlTemplate& from)
+      : Control(host, from), picture(new PictureWidget(host.Inside())) {
+    Adopt(picture);
+  }
+
+  bool SetPicture(BitmapHandle bitmap) override {
+    picture->bitmap = bitmap;
+    picture->update();
+    return true;
+  }
+
+ private:
+  PictureWidget* const picture;
+};
+
+class PlainControl final : public Control {
+ public:
+  PlainControl(ControlHost& host, const ControlTemplate& from, QWidget* widget)
+      : Control(host, from) {
+    Adopt(widget);
+  }
+};
+
+// Draws its title by itself, since QGroupBox makes a shortcut of a mnemonic that leads nowhere.
+class GroupBoxWidget : public QGroupBox {
+ public:
+  using QGroupBox::QGroupBox;
+
+  void ShowMarked(const QString& text) {
+    marked = text;
+    setTitle(WithoutMnemonic(text).replace(u'&', QStringLiteral("&&")));
+    update();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QStylePainter painter(this);
+    QStyleOptionGroupBox option;
+    initStyleOption(&option);
+    option.text = marked;
+    painter.drawComplexControl(QStyle::CC_GroupBox, option);
+  }
+
+ private:
+  QString marked;
+};
+
+class GroupBoxControl final : public Control {
+ public:
+  GroupBoxControl(ControlHost& host, const ControlTemplate& from)
+      : Control(host, from), box(new GroupBoxWidget(host.Inside())), mnemonic(*this, box) {
+    Adopt(box);
+  }
+
+  bool HasText() const override { return true; }
+
+ private:
+  void ShowText(const QString& shown) override {
+    box->ShowMarked(shown);
+    mnemonic.Take(shown);
+  }
+
+  GroupBoxWidget* const box;
+  Mnemonic mnemonic;
+};
+
+}  // namespace
+
+std::unique_ptr<Control> MakeLabel(ControlHost& host, const ControlTemplate& from) {
+  return std::make_unique<LabelControl>(host, from, new LabelWidget(host.Inside(), from.style));
+}
+
+std::unique_ptr<Control> MakeLink(ControlHost& host, const ControlTemplate& from) {
+  [[maybe_unused]] static const bool once = [] {
+    QAccessible::installFactory(&MakeAccessibleLink);
+    return true;
+  }();
+  auto* link = new LinkWidget(host.Inside(), from.style);
+  link->setFocusPolicy(Qt::StrongFocus);
+  return std::make_unique<LabelControl>(host, from, link);
+}
+
+std::unique_ptr<Control> MakePicture(ControlHost& host, const ControlTemplate& from) {
+  return std::make_unique<PictureControl>(host, from);
+}
+
+std::unique_ptr<Control> MakeRule(ControlHost& host, const ControlTemplate& from) {
+  auto* line = new QFrame(host.Inside());
+  line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+  return std::make_unique<PlainControl>(host, from, line);
+}
+
+std::unique_ptr<Control> MakeGroupBox(ControlHost& host, const ControlTemplate& from) {
+  return std::make_unique<GroupBoxControl>(host, from);
+}
+
+std::unique_ptr<Control> MakeBox(ControlHost& host, const ControlTemplate& from) {
+  return std::make_unique<PlainControl>(host, from, new QWidget(host.Inside()));
+}
+
+}  // namespace platform::qt

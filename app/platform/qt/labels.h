@@ -1,0 +1,18 @@
+// What is there to be read: labels, links, pictures, rules, group boxes, and boxes that only take
+// room.
+#pragma once
+
+#include <memory>
+
+#include "app/platform/qt/control.h"
+
+namespace platform::qt {
+
+std::unique_ptr<Control> MakeLabel(ControlHost& host, const ControlTemplate& from);
+std::unique_ptr<Control> MakeLink(ControlHost& host, const ControlTemplate& from);
+std::unique_ptr<Control> MakePicture(ControlHost& host, const ControlTemplate& from);
+std::unique_ptr<Control> MakeRule(ControlHost& host, const ControlTemplate& from);
+std::unique_ptr<Control> MakeGroupBox(ControlHost& host, const ControlTemplate& from);
+std::unique_ptr<Control> MakeBox(ControlHost& host, const ControlTemplate& from);
+
+}  // namespace platform::qt

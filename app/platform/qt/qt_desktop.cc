@@ -1,0 +1,361 @@
+#include "app/platform/qt/qt_desktop.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QScreen>
+#include <QStyle>
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+
+#include "app/platform/linux/cut_off.h"
+#include "app/platform/qt/colours.h"
+#include "app/platform/qt/qt_canvas.h"
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+
+// The answer that another thread waits for; the first one counts.
+struct QtDesktop::Waiter {
+  void Answer(std::int32_t button) {
+    const std::lock_guard<std::mutex> guard(mutex);
+    if (answered) return;
+    answered = true;
+    answer = button;
+    changed.notify_all();
+  }
+  std::int32_t Wait() {
+    std::unique_lock<std::mutex> lock(mutex);
+    changed.wait(lock, [this] { return answered; });
+    return answer;
+  }
+
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool answered = false;
+  std::int32_t answer = 0;
+};
+
+// Stands in front of what waits, for the life of this object.
+class QtDesktop::InFront {
+ public:
+  InFront(QtDesktop& desktop, Waiting entry) : desktop(desktop) {
+    desktop.waiting.push_back(std::move(entry));
+  }
+  ~InFront() {
+    desktop.waiting.pop_back();
+    desktop.GoOnClosing();
+  }
+  InFront(const InFront&) = delete;
+  InFront& operator=(const InFront&) = delete;
+
+ private:
+  QtDesktop& desktop;
+};
+
+QtDesktop::QtDesktop()
+    : area(
+          icons,
+          [this](const NOTIFYICONDATA& data, std::intptr_t mouse) {
+            PostMessageA(data.hWnd, data.uCallbackMessage, data.uID, mouse);
+          },
+          [this](WindowHandle handle) {
+            if (DialogWindow* window = Window(handle)) window->IconCameOrWent();
+          }) {}
+
+QtDesktop::~QtDesktop() {
+  for (const auto& box : asked) delete box.data();
+}
+
+void QtDesktop::CloseAll() {
+  closing = true;
+  for (const auto& box : asked) {
+    if (box) box->reject();
+  }
+  if (waiting.empty()) return;
+  const std::function<void()> close = waiting.back().close;
+  const WindowHandle dialog = waiting.back().dialog;
+  if (DialogWindow* window = Window(dialog)) {
+    window->Close();
+  } else {
+    close();
+  }
+}
+
+// Once what was in front has gone, and its handler has returned.
+void QtDesktop::GoOnClosing() {
+  if (waiting.empty()) closing = false;
+  if (!closing) return;
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        if (closing && !waiting.empty()) CloseAll();
+      },
+      Qt::QueuedConnection);
+}
+
+QWidget* QtDesktop::SeenOwner(WindowHandle owner) const {
+  DialogWindow* const window = Window(owner);
+  if (!window) return nullptr;
+  return window->isVisible() && !window->IsIconic() ? window : nullptr;
+}
+
+std::int32_t QtDesktop::AskHere(WindowHandle owner, const std::string& text,
+                                const std::string& caption, std::uint32_t type) {
+  if (DialogWindow* behind = Window(owner)) behind->BringUp();
+  const auto box = MakeMessageBox(SeenOwner(owner), text, caption, type);
+  QMessageBox* const shown = box.get();
+  const InFront entry(*this, {kNoWindow, [shown] { shown->reject(); }});
+  box->exec();
+  return AnswerOf(*box);
+}
+
+std::int32_t QtDesktop::MessageBoxA(WindowHandle owner, const std::string& text,
+                                    const std::string& caption, std::uint32_t type) {
+  StopHereIfCutOff();
+  if (windows.OnOwnThread()) return AskHere(owner, text, caption, type);
+  const auto waiter = std::make_shared<Waiter>();
+  QMetaObject::invokeMethod(
+      this,
+      [=, this] {
+        // No loop of its own: it would have to wait for those that begin after it.
+        QMessageBox* const box = MakeMessageBox(SeenOwner(owner), text, caption, type).release();
+        std::erase_if(asked, [](const auto& other) { return other.isNull(); });
+        asked.emplace_back(box);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        connect(box, &QDialog::finished, box, [=] { waiter->Answer(AnswerOf(*box)); });
+        connect(box, &QObject::destroyed, box, [=] { waiter->Answer(0); });
+        box->show();
+      },
+      Qt::QueuedConnection);
+  const std::int32_t answer = waiter->Wait();
+  StopHereIfCutOff();
+  return answer;
+}
+
+std::int32_t QtDesktop::RunDialog(const DialogTemplate& dialog, WindowHandle owner,
+                                  WindowListener& listener) {
+  DialogWindow* const behind = Window(owner);
+  if (owner != kNoWindow && !behind) return -1;
+  if (behind) behind->BringUp();
+  const Surroundings around{windows, icons, hooks,
+                            [this](WindowHandle window) { return area.Lacks(window); }};
+  DialogWindow window(dialog, behind, listener, around);
+  DialogWindow* const shown = &window;
+  const InFront entry(*this, {window.Handle(), [shown] { shown->End(IDCANCEL); }});
+  const std::int32_t result = window.Run();
+  area.DeleteAll(window.Handle());
+  return result;
+}
+
+// Those in front of it go with it: nothing else would bring back the way out of its handler.
+bool QtDesktop::EndDialog(WindowHandle handle, std::int32_t result) {
+  DialogWindow* const window = Window(handle);
+  if (!window) return false;
+  window->End(result);
+  for (auto entry = waiting.rbegin(); entry != waiting.rend(); ++entry) {
+    if (entry->dialog == handle) break;
+    entry->close();
+  }
+  return true;
+}
+
+bool QtDesktop::ShowWindow(WindowHandle handle, std::int32_t command) {
+  DialogWindow* const window = Window(handle);
+  if (window) window->ShowWindow(command);
+  return window;
+}
+
+bool QtDesktop::IsWindowVisible(WindowHandle handle) {
+  const DialogWindow* const window = Window(handle);
+  return window && window->IsShown();
+}
+
+bool QtDesktop::IsIconic(WindowHandle handle) {
+  const DialogWindow* const window = Window(handle);
+  return window && window->IsIconic();
+}
+
+bool QtDesktop::IsZoomed(WindowHandle handle) {
+  const DialogWindow* const window = Window(handle);
+  return window && window->IsZoomed();
+}
+
+bool QtDesktop::SetForegroundWindow(WindowHandle handle) {
+  DialogWindow* const window = Window(handle);
+  if (!window || !window->isVisible()) return false;
+  window->raise();
+  window->activateWindow();
+  return true;
+}
+
+bool QtDesktop::SetWindowTextA(WindowHandle handle, const std::string& text) {
+  DialogWindow* const window = Window(handle);
+  if (window) window->setWindowTitle(Shown(text));
+  return window;
+}
+
+// One picture has all sizes here, so the large one is the small one.
+bool QtDesktop::SetWindowIcon(WindowHandle handle, IconHandle icon, bool) {
+  DialogWindow* const window = Window(handle);
+  if (!window) return false;
+  window->setWindowIcon(icons.Find(icon));
+  return true;
+}
+
+bool QtDesktop::GetWindowRect(WindowHandle handle, Rect* rect) {
+  const DialogWindow* const window = Window(handle);
+  if (window) *rect = window->WholeRect();
+  return window;
+}
+
+bool QtDesktop::GetClientRect(WindowHandle handle, Rect* rect) {
+  const DialogWindow* const window = Window(handle);
+  if (window) *rect = RectOf(window->rect());
+  return window;
+}
+
+bool QtDesktop::MoveWindow(WindowHandle handle, const Rect& rect) {
+  DialogWindow* const window = Window(handle);
+  if (window) window->MoveWhole(rect);
+  return window;
+}
+
+bool QtDesktop::InvalidateRect(WindowHandle handle, const Rect& rect) {
+  DialogWindow* const window = Window(handle);
+  if (window) window->update(RectOf(rect));
+  return window;
+}
+
+bool QtDesktop::UpdateWindow(WindowHandle handle) {
+  DialogWindow* const window = Window(handle);
+  if (window && window->isVisible()) window->repaint();
+  return window;
+}
+
+bool QtDesktop::GetDesktopRect(Rect* rect) {
+  const QScreen* const screen = QGuiApplication::primaryScreen();
+  if (!screen) return false;
+  *rect = RectOf(screen->virtualGeometry());
+  return true;
+}
+
+std::int32_t QtDesktop::GetSystemMetrics(std::int32_t index) {
+  switch (index) {
+    case SM_CXVSCROLL:
+    case SM_CYHSCROLL:
+      return QApplication::style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    case SM_CXICON:
+    case SM_CYICON:
+      return kIconSize;
+    default:
+      return 0;
+  }
+}
+
+Colour QtDesktop::GetSysColor(std::int32_t index) {
+  const QPalette palette = QApplication::palette();
+  switch (index) {
+    case COLOR_3DFACE:
+      return ColourOf(palette.color(QPalette::Button));
+    case COLOR_3DSHADOW:
+      return ColourOf(palette.color(QPalette::Dark));
+    case COLOR_BTNTEXT:
+      return ColourOf(palette.color(QPalette::ButtonText));
+    case COLOR_3DHILIGHT:
+      return ColourOf(palette.color(QPalette::Light));
+    case COLOR_3DDKSHADOW:
+      return ColourOf(palette.color(QPalette::Shadow));
+    default:
+      return 0;
+  }
+}
+
+bool QtDesktop::GetCursorPos(Point* point) {
+  const QPoint at = QCursor::pos();
+  *point = {at.x(), at.y()};
+  return true;
+}
+
+std::uint16_t QtDesktop::GetKeyState(std::uint8_t vk) {
+  const Qt::KeyboardModifiers held = QGuiApplication::keyboardModifiers();
+  const auto state = [&](Qt::KeyboardModifier key) {
+    return static_cast<std::uint16_t>(held.testFlag(key) ? 0x8000 : 0);
+  };
+  switch (vk) {
+    case 0x10:
+      return state(Qt::ShiftModifier);
+    case 0x11:
+      return state(Qt::ControlModifier);
+    case 0x12:
+      return state(Qt::AltModifier);
+    default:
+      return 0;
+  }
+}
+
+bool QtDesktop::PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
+                             std::intptr_t lParam) {
+  StopHereIfCutOff();
+  return windows.Post(window,
+                      [=](DialogWindow& target) { target.SendMessage(message, wParam, lParam); });
+}
+
+std::uint32_t QtDesktop::SetTimer(WindowHandle handle, std::uint32_t id, std::uint32_t ms) {
+  DialogWindow* const window = Window(handle);
+  return window ? window->SetTimer(id, ms) : 0;
+}
+
+bool QtDesktop::KillTimer(WindowHandle handle, std::uint32_t id) {
+  DialogWindow* const window = Window(handle);
+  return window && window->KillTimer(id);
+}
+
+HookHandle QtDesktop::SetWindowsHookExA(std::int32_t kind, HookProc procedure) {
+  return kind == WH_CBT ? hooks.Add(procedure) : 0;
+}
+
+bool QtDesktop::UnhookWindowsHookEx(HookHandle hook) { return hooks.Remove(hook); }
+
+std::intptr_t QtDesktop::CallNextHookEx(HookHandle hook, std::int32_t code, std::uintptr_t wParam,
+                                        std::intptr_t lParam) {
+  return hooks.CallNext(hook, code, wParam, lParam);
+}
+
+IconHandle QtDesktop::LoadIconA(std::uint32_t id) { return icons.Load(id); }
+bool QtDesktop::DestroyIcon(IconHandle icon) { return icons.Destroy(icon); }
+BitmapHandle QtDesktop::LoadBitmapA(std::uint32_t id) { return LoadBitmap(id); }
+
+bool QtDesktop::Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) {
+  switch (message) {
+    case NIM_ADD:
+      return Window(data.hWnd) && area.Add(data);
+    case NIM_DELETE:
+      return area.Delete(data.hWnd, data.uID);
+    default:
+      return false;
+  }
+}
+
+bool QtDesktop::TrackPopupMenu(WindowHandle handle, std::span<const MenuItem> items, std::uint32_t,
+                               Point screen) {
+  if (!Window(handle)) return false;
+  QMenu menu(SeenOwner(handle));
+  for (const MenuItem& item : items) {
+    if (!item.text || !*item.text) {
+      menu.addSeparator();
+    } else {
+      menu.addAction(Shown(item.text))->setData(item.command);
+    }
+  }
+  const InFront entry(*this, {kNoWindow, [&menu] { menu.close(); }});
+  if (const QAction* chosen = menu.exec(QPoint(screen.x, screen.y))) {
+    const std::uint32_t command = chosen->data().toUInt();
+    windows.Post(handle, [command](DialogWindow& window) {
+      window.SendNotice(command, Notice::Clicked, 0);
+    });
+  }
+  return true;
+}
+
+}  // namespace platform::qt

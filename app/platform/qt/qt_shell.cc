@@ -1,0 +1,87 @@
+#include "app/platform/qt/qt_shell.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QUrl>
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#include "app/platform/linux/cut_off.h"
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+namespace {
+
+// Published results of a failure.
+constexpr std::intptr_t kFileNotFound = 2;
+constexpr std::intptr_t kNoAssociation = 31;
+constexpr std::intptr_t kDone = 33;
+
+constexpr LibraryHandle kHelpLibrary = 1;
+constexpr std::uint32_t kHelpOrdinal = 14;
+
+bool IsBlank(char c) { return static_cast<unsigned char>(c) < 33; }
+
+std::string Quoted(const std::string& argument) {
+  const auto blank = std::find_if(argument.begin(), argument.end(), IsBlank);
+  const bool quotes = argument.find('"') != std::string::npos;
+  if (argument.empty()) return "\"\"";
+  if (blank == argument.end() || quotes) return argument;
+  const auto equals = std::find(argument.begin(), blank, '=');
+  const auto value = equals == blank ? argument.begin() : equals + 1;
+  return std::string(argument.begin(), value) + '"' + std::string(value, argument.end()) + '"';
+}
+
+}  // namespace
+
+std::string JoinCommandLine(const std::string& program, const std::vector<std::string>& arguments) {
+  std::string line = Quoted(program);
+  for (const std::string& argument : arguments) line += ' ' + Quoted(argument);
+  return line;
+}
+
+std::intptr_t QtShell::ShellExecuteA(const std::string& target) {
+  StopHereIfCutOff();
+  const QUrl url(Shown(target), QUrl::StrictMode);
+  if (!url.isValid() || url.scheme().isEmpty()) return kFileNotFound;
+  return QDesktopServices::openUrl(url) ? kDone : kNoAssociation;
+}
+
+bool QtShell::MessageBeep(std::uint32_t) {
+  StopHereIfCutOff();
+  QApplication::beep();
+  return true;
+}
+
+LibraryHandle QtShell::LoadLibraryA(const std::string& name) {
+  StopHereIfCutOff();
+  return Shown(name).compare(QLatin1String("hhctrl.ocx"), Qt::CaseInsensitive) == 0 ? kHelpLibrary
+                                                                                    : 0;
+}
+
+HtmlHelpFunction QtShell::GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
+  StopHereIfCutOff();
+  return library == kHelpLibrary && ordinal == kHelpOrdinal ? &HelpViewer::HtmlHelp : nullptr;
+}
+
+std::string QtShell::GetCommandLineA() {
+  StopHereIfCutOff();
+  std::ifstream file("/proc/self/cmdline", std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+  std::vector<std::string> words;
+  for (auto begin = bytes.begin(); begin != bytes.end();) {
+    const auto end = std::find(begin, bytes.end(), '\0');
+    words.emplace_back(begin, end);
+    begin = end == bytes.end() ? end : end + 1;
+  }
+  std::error_code failed;
+  std::string program = std::filesystem::read_symlink("/proc/self/exe", failed).string();
+  if (failed && !words.empty()) program = words.front();
+  if (!words.empty()) words.erase(words.begin());
+  return JoinCommandLine(program, words);
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,46 @@
+#include "app/platform/qt/slider.h"
+
+#include <QSignalBlocker>
+#include <QWheelEvent>
+#include <algorithm>
+
+namespace platform::qt {
+
+// The wheel scrolls past it, unless it was chosen first.
+class Slider::Widget : public QSlider {
+ public:
+  using QSlider::QSlider;
+
+ protected:
+  void wheelEvent(QWheelEvent* event) override {
+    if (hasFocus()) {
+      QSlider::wheelEvent(event);
+    } else {
+      event->ignore();
+    }
+  }
+};
+
+Slider::Slider(ControlHost& host, const ControlTemplate& from)
+    : Control(host, from), slider(new Widget(Qt::Horizontal, host.Inside())) {
+  slider->setTickPosition(QSlider::TicksBelow);
+  slider->setFocusPolicy(Qt::StrongFocus);
+  connect(slider, &QSlider::valueChanged, this,
+          [this](int position) { this->host.Notify(id, Notice::Scrolled, position); });
+  Adopt(slider);
+}
+
+void Slider::SetRange(std::int32_t least, std::int32_t most) {
+  const QSignalBlocker quiet(slider);
+  slider->setRange(least, most);
+  slider->setPageStep(std::max(1, (most - least) / 5));
+  slider->update();
+}
+
+void Slider::SetPos(std::int32_t position) {
+  const QSignalBlocker quiet(slider);
+  slider->setValue(position);
+  slider->update();
+}
+
+}  // namespace platform::qt

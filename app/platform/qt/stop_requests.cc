@@ -1,0 +1,52 @@
+#include "app/platform/qt/stop_requests.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QSocketNotifier>
+#include <atomic>
+
+#include "app/platform/qt/qt_desktop.h"
+
+namespace platform::qt {
+namespace {
+
+constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
+
+std::atomic<int> wakeEnd{-1};
+
+void OnSignal(int) {
+  const int saved = errno;
+  const char byte = 0;
+  [[maybe_unused]] const ssize_t written = write(wakeEnd, &byte, 1);
+  errno = saved;
+}
+
+}  // namespace
+
+StopRequests::StopRequests(QtDesktop& desktop) {
+  if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
+  notifier = std::make_unique<QSocketNotifier>(pipe[0], QSocketNotifier::Read);
+  QObject::connect(notifier.get(), &QSocketNotifier::activated, [this, &desktop] {
+    char bytes[16];
+    while (read(pipe[0], bytes, sizeof bytes) > 0) continue;
+    desktop.CloseAll();
+  });
+  wakeEnd = pipe[1];
+  struct sigaction action = {};
+  action.sa_handler = &OnSignal;
+  action.sa_flags = SA_RESTART;
+  for (int i = 0; i < 3; ++i) sigaction(kSignals[i], &action, &before[i]);
+}
+
+StopRequests::~StopRequests() {
+  if (!notifier) return;
+  for (int i = 0; i < 3; ++i) sigaction(kSignals[i], &before[i], nullptr);
+  wakeEnd = -1;
+  notifier.reset();
+  close(pipe[0]);
+  close(pipe[1]);
+}
+
+}  // namespace platform::qt

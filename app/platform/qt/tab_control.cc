@@ -1,0 +1,83 @@
+#include "app/platform/qt/tab_control.h"
+
+#include <QResizeEvent>
+#include <QSignalBlocker>
+#include <QStyleOptionTabWidgetFrame>
+#include <QStylePainter>
+#include <algorithm>
+
+#include "app/platform/qt/qt_canvas.h"
+#include "app/platform/qt/text.h"
+
+namespace platform::qt {
+
+class TabControl::Frame : public QWidget {
+ public:
+  explicit Frame(QWidget* parent) : QWidget(parent), bar(new QTabBar(this)) {
+    bar->setExpanding(false);
+    bar->setDrawBase(false);
+    // A click leaves what had the focus, which may be on the page that goes.
+    bar->setFocusPolicy(Qt::StrongFocus);
+    setFocusProxy(bar);
+  }
+
+  void PlaceBar() {
+    const QSize wanted = bar->sizeHint();
+    bar->setGeometry(0, 0, std::min(wanted.width(), width()), wanted.height());
+    update();
+  }
+
+  QTabBar* const bar;
+
+ protected:
+  void resizeEvent(QResizeEvent*) override { PlaceBar(); }
+  void paintEvent(QPaintEvent*) override {
+    QStylePainter painter(this);
+    QStyleOptionTabWidgetFrame option;
+    option.initFrom(this);
+    option.lineWidth = style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
+    option.shape = QTabBar::RoundedNorth;
+    option.tabBarSize = bar->sizeHint();
+    option.tabBarRect = bar->geometry();
+    option.selectedTabRect = bar->tabRect(bar->currentIndex());
+    const int overlap = style()->pixelMetric(QStyle::PM_TabBarBaseOverlap, nullptr, this);
+    option.rect = rect().adjusted(0, bar->height() - overlap, 0, 0);
+    painter.drawPrimitive(QStyle::PE_FrameTabWidget, option);
+  }
+  void changeEvent(QEvent* event) override {
+    if (event->type() == QEvent::StyleChange || event->type() == QEvent::FontChange) PlaceBar();
+    QWidget::changeEvent(event);
+  }
+};
+
+TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
+    : Control(host, from), frame(new Frame(host.Inside())), bar(frame->bar) {
+  connect(bar, &QTabBar::currentChanged, this, [this](int tab) {
+    frame->update();
+    this->host.Notify(id, Notice::SelectionChanged, tab);
+  });
+  Adopt(frame);
+}
+
+std::int32_t TabControl::Insert(const std::string& text) {
+  const QSignalBlocker quiet(bar);
+  const int tab = bar->addTab(Shown(text));
+  frame->PlaceBar();
+  return tab;
+}
+
+bool TabControl::TabRect(std::int32_t tab, Rect* rect) const {
+  if (tab < 0 || tab >= bar->count()) return false;
+  *rect = RectOf(bar->tabRect(tab).translated(bar->pos()));
+  return true;
+}
+
+bool TabControl::Select(std::int32_t tab) {
+  if (tab < 0 || tab >= bar->count()) return false;
+  const QSignalBlocker quiet(bar);
+  bar->setCurrentIndex(tab);
+  frame->update();
+  return true;
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,28 @@
+// Tabs above a frame. What stands on the pages are controls of the window.
+#pragma once
+
+#include <QTabBar>
+
+#include "app/platform/qt/control.h"
+
+namespace platform::qt {
+
+class TabControl final : public Control {
+ public:
+  TabControl(ControlHost& host, const ControlTemplate& from);
+
+  QWidget* FocusWidget() const override { return bar; }
+
+  std::int32_t Insert(const std::string& text);
+  // From the control's corner.
+  bool TabRect(std::int32_t tab, Rect* rect) const;
+  bool Select(std::int32_t tab);
+  std::int32_t Selected() const { return bar->currentIndex(); }
+
+ private:
+  class Frame;
+  Frame* const frame;
+  QTabBar* const bar;
+};
+
+}  // namespace platform::qt

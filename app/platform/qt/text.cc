@@ -1,0 +1,46 @@
+#include "app/platform/qt/text.h"
+
+#include <QByteArrayView>
+#include <QStringDecoder>
+
+namespace platform::qt {
+namespace {
+
+bool DecodeUtf8(const std::string& bytes, QString* text) {
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+  *text = decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+  return !decoder.hasError();
+}
+
+}  // namespace
+
+QString Shown(const std::string& bytes) {
+  QString text;
+  if (DecodeUtf8(bytes, &text)) return text;
+  return QString::fromLatin1(bytes.data(), static_cast<qsizetype>(bytes.size()));
+}
+
+bool IsUtf8(const std::string& bytes) {
+  QString text;
+  return DecodeUtf8(bytes, &text);
+}
+
+std::string Bytes(const QString& text) { return text.toStdString(); }
+
+QString WithoutMnemonic(const QString& marked) {
+  QString text;
+  text.reserve(marked.size());
+  for (qsizetype i = 0; i < marked.size(); ++i) {
+    if (marked[i] == u'&' && ++i == marked.size()) break;
+    text += marked[i];
+  }
+  return text;
+}
+
+QString AsRichText(const QString& plain) {
+  QString text = plain.toHtmlEscaped();
+  text.replace(u'\n', QStringLiteral("<br/>"));
+  return QStringLiteral("<div style=\"white-space:pre\">") + text + QStringLiteral("</div>");
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,70 @@
+// The windows that are there, by their numbers, and what other threads want of them: messages, and
+// texts and check marks to be shown. Neither waits for the user interface's thread.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "app/platform/desktop.h"
+
+namespace platform::qt {
+
+class DialogWindow;
+
+// What is to become of a control.
+struct ControlUpdate {
+  std::optional<std::string> text = std::nullopt;
+  std::optional<bool> checked = std::nullopt;
+  bool redraw = false;
+};
+
+class WindowTable {
+ public:
+  using Updates = std::vector<std::pair<std::uint32_t, ControlUpdate>>;
+
+  // Belongs to the thread that makes it, the user interface's.
+  WindowTable() : owner(std::this_thread::get_id()) {}
+
+  bool OnOwnThread() const { return std::this_thread::get_id() == owner; }
+
+  // The user interface's thread alone.
+  WindowHandle Add(DialogWindow* window, std::set<std::uint32_t> controls);
+  void Remove(WindowHandle handle);
+  DialogWindow* Find(WindowHandle handle) const;  // null when it isn't there
+
+  // Any thread. False when the window isn't there, or has no such control.
+  // Calls `act` later on the user interface's thread, in the order of the posts, if the window is
+  // still there then.
+  bool Post(WindowHandle handle, std::function<void(DialogWindow&)> act);
+  bool UpdateLater(WindowHandle handle, std::uint32_t control, const ControlUpdate& update);
+
+  // Takes over what other threads have asked for, oldest first.
+  Updates TakeUpdates(WindowHandle handle);
+  // What is set now goes over what was asked for before.
+  void DropText(WindowHandle handle, std::uint32_t control);
+  void DropCheck(WindowHandle handle, std::uint32_t control);
+
+ private:
+  struct Entry {
+    DialogWindow* window = nullptr;
+    std::set<std::uint32_t> controls;
+    Updates updates;
+  };
+  ControlUpdate* FindUpdate(WindowHandle handle, std::uint32_t control);
+  static void PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act);
+
+  const std::thread::id owner;
+  mutable std::mutex mutex;  // guards all below
+  std::map<WindowHandle, Entry> windows;
+  WindowHandle last = kNoWindow;
+};
+
+}  // namespace platform::qt
