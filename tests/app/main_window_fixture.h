@@ -117,7 +117,8 @@ class MainWindowTest : public testing::Test {
   void CloseAll() {
     for (int i = 0; i < 50 && screen.Running(); ++i) {
       if (screen.BoxUp()) {
-        screen.Answer(platform::IDNO);
+        const bool asks = (screen.Box().type & 0xF) == platform::MB_YESNO;
+        screen.Answer(asks ? platform::IDNO : platform::IDOK);
       } else if (screen.MenuUp()) {
         screen.DismissMenu();
       } else if (screen.Shown()) {
@@ -201,6 +202,11 @@ class MainWindowTest : public testing::Test {
   void LoseFocus(std::uint32_t id) { window->OnNotice(id, platform::Notice::FocusLost, 0); }
   std::uint32_t SelectedControlId() const { return window->SelectedControlId(); }
   std::int32_t SelectedRow() const { return window->SelectedRow(); }
+  bool LoadAppSettings() { return window->LoadAppSettings(); }
+  static std::intptr_t MinimiseHook(std::int32_t code, std::uintptr_t wParam,
+                                    std::intptr_t lParam) {
+    return MainWindow::MinimiseHook(code, wParam, lParam);
+  }
 
   Simulation sim;
   Screen& screen = sim.Screen();

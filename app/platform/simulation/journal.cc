@@ -11,6 +11,8 @@ namespace {
 constexpr std::string_view kOperations[] = {
     "Acquire",
     "ActivateToolTip",
+    "AddTabTool",
+    "AddTool",
     "BeginDeferWindowPos",
     "CloseHandle",
     "ComboAddString",
@@ -45,6 +47,7 @@ constexpr std::string_view kOperations[] = {
     "ListGetColumnOrder",
     "ListProcesses",
     "ListSetColumnOrder",
+    "ListSetColumnWidth",
     "LoadBitmapA",
     "LoadIconA",
     "LoadLibraryA",

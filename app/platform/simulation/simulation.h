@@ -107,9 +107,10 @@ class Simulation {
   //   SetControlPos ID FLAGS, BeginDeferWindowPos COUNT, DeferWindowPos ID FLAGS,
   //   EndDeferWindowPos, InvalidateControl ID, ShowControl ID COMMAND, SetControlFocus ID,
   //   PostControlMessage ID MESSAGE, ComboAddString ID, ComboDeleteString ID ROW,
-  //   ComboSetCurSel ID ROW, ListGetColumnOrder, ListSetColumnOrder, TabSetCurSel ID TAB,
+  //   ComboSetCurSel ID ROW, ListGetColumnOrder, ListSetColumnOrder,
+  //   ListSetColumnWidth ID COLUMN, TabSetCurSel ID TAB,
   //   SetPicture ID, SetHandCursor, CreateToolTip, EnableToolTips, SetToolTipWidth PIXELS,
-  //   SetToolTipTime MS, ActivateToolTip,
+  //   SetToolTipTime MS, ActivateToolTip, AddTabTool ID TAB, AddTool ID,
   //   ShellExecuteA TARGET, MessageBeep, LoadLibraryA NAME, GetHelpFunction ORDINAL,
   //   HtmlHelp COMMAND (and a TOPIC to display), ListProcesses, CreateProcessA COMMANDLINE,
   //   EnumWindows, PostToWindow MESSAGE

@@ -1,0 +1,435 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tests/app/main_window_fixture.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::REG_BINARY;
+using platform::REG_EXPAND_SZ;
+using Strings = std::vector<std::string>;
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kSettingsTab = 3;
+constexpr std::uint32_t kStartMinimizedBox = 1171;
+constexpr std::uint32_t kLaunchBox = 1172;
+constexpr std::uint32_t kSmartCheckBox = 1187;
+constexpr std::uint32_t kAdvancedButton = 1198;
+constexpr std::uint32_t kAutoDetectBox = 1199;  // of the dialog 150
+
+constexpr char kMachineSettings[] = "HKLM\\Software\\Marnstone\\Kelvaro";
+constexpr char kFormer[] = "HKCU\\Software\\Marnstone\\Vendrix";
+constexpr char kMachineFormer[] = "HKLM\\Software\\Marnstone\\Vendrix";
+constexpr char kUserRun[] = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr char kMachineRun[] = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+class AppSettingsTest : public MainWindowTest {
+ protected:
+  void BeginOnSettings() {
+    Begin();
+    screen.ChooseTab(kTabs, kSettingsTab);
+  }
+  // What was written below a key since the last ClearCalls, by name.
+  Strings Written(const std::string& key) {
+    const std::string call = "RegSetValueExA " + key + " ";
+    Strings names;
+    for (const std::string& line : sim.Calls())
+      if (line.starts_with(call)) names.push_back(line.substr(call.size()));
+    return names;
+  }
+  std::uint32_t Calls(const std::string& operation) {
+    return static_cast<std::uint32_t>(
+        std::count_if(sim.Calls().begin(), sim.Calls().end(),
+                      [&](const std::string& call) { return call.starts_with(operation); }));
+  }
+  // All of a device's values, of which LoadDeviceSettings needs each.
+  void PresetDevice(const std::string& name) {
+    for (const char* value :
+         {"Acceleration", "Sensitivity", "Axis Damper", "Left Mouse Btn", "Middle Mouse Btn",
+          "Right Mouse Btn", "MouseX Type", "MouseX Bank", "MouseY Type", "MouseY Bank",
+          "Mouse Wheel Type", "Mouse Wheel Bank", "Mouse Always Active"}) {
+      sim.Registry().PutDword(std::string(kSettings) + "\\Devices\\" + name, value, 1);
+    }
+    sim.Registry().PutDword(std::string(kSettings) + "\\Devices\\" + name, "Poll Interval", 9);
+  }
+};
+
+TEST_F(AppSettingsTest, WithNothingStoredTheStartValuesHold) {
+  FirstStart();
+  Begin();
+  ASSERT_EQ(screen.Front(), 151u) << "the welcome";
+  EXPECT_TRUE(ShowAutoDetectUsage());
+  EXPECT_FALSE(StartMinimized());
+  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(ShiftReminder());
+  EXPECT_EQ(LastProfile(), "");
+  EXPECT_FALSE(NoDeviceErrorMsg());
+  EXPECT_FALSE(AutodetectDevicePlugin());
+}
+
+TEST_F(AppSettingsTest, EachStoredValueIsTaken) {
+  StoreProfile("Race", [this](ProfileFile& made) { UsePad(made); });
+  Preset("Show Auto-Detect Usage", 0);
+  Preset("Start Minimized", 1);
+  Preset("Smart Check", 0);
+  Preset("Shift Reminder", 0);
+  PresetText("Last Profile", "Race");
+  Preset("No Device Error Msg", 1);
+  Preset("Autodetect Device Plugin", 1);
+  Preset("Welcome Display", 77);
+  Begin();
+  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_TRUE(StartMinimized());
+  EXPECT_FALSE(SmartCheck());
+  EXPECT_FALSE(ShiftReminder());
+  EXPECT_EQ(LastProfile(), "Race");
+  EXPECT_TRUE(NoDeviceErrorMsg());
+  EXPECT_TRUE(AutodetectDevicePlugin());
+  EXPECT_EQ(WelcomeDisplay(), 77u);
+}
+
+TEST_F(AppSettingsTest, AnyNumberButZeroIsTrue) {
+  Preset("Start Minimized", 0x80000000u);
+  Preset("Smart Check", 2);
+  Begin();
+  EXPECT_TRUE(StartMinimized());
+  EXPECT_TRUE(SmartCheck());
+}
+
+TEST_F(AppSettingsTest, AValueOfTheOtherKindIsMissing) {
+  // As numbers these would be 0, and those behind them not.
+  for (const char* name : {"Show Auto-Detect Usage", "Smart Check", "Shift Reminder"})
+    PresetText(name, "");
+  for (const char* name : {"Start Minimized", "No Device Error Msg", "Autodetect Device Plugin"})
+    PresetText(name, "1");
+  Preset("Last Profile", 1);
+  Preset("Last Device", 1);
+  Begin();
+  EXPECT_TRUE(ShowAutoDetectUsage());
+  EXPECT_FALSE(StartMinimized());
+  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(ShiftReminder());
+  EXPECT_FALSE(NoDeviceErrorMsg());
+  EXPECT_FALSE(AutodetectDevicePlugin());
+  EXPECT_EQ(screen.Chosen(1001), kProfile) << "no last profile: the first";
+}
+
+TEST_F(AppSettingsTest, AWelcomeThatIsATextIsMissingAndSoComesAgain) {
+  PresetText("Welcome Display", "1");
+  Begin();
+  EXPECT_EQ(screen.Front(), 151u);
+}
+
+TEST_F(AppSettingsTest, AllAreWrittenAtTheEndInTheirOrder) {
+  Begin();
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(Written(kSettings),
+            (Strings{"Last Device", "Show Auto-Detect Usage", "Start Minimized", "Smart Check",
+                     "Shift Reminder", "Last Profile", "No Device Error Msg",
+                     "Autodetect Device Plugin", "Welcome Display"}));
+  EXPECT_EQ(Number("Show Auto-Detect Usage"), 1u);
+  EXPECT_EQ(Number("Start Minimized"), 0u);
+  EXPECT_EQ(Number("Smart Check"), 1u);
+  EXPECT_EQ(Number("Shift Reminder"), 1u);
+  EXPECT_EQ(SettingText("Last Profile"), kProfile);
+  EXPECT_EQ(Number("No Device Error Msg"), 0u);
+  EXPECT_EQ(Number("Autodetect Device Plugin"), 0u);
+  EXPECT_EQ(Number("Welcome Display"), 1u);
+  EXPECT_EQ(SettingText("Last Device"), kPad);
+}
+
+TEST_F(AppSettingsTest, WithoutADeviceItsValuesAreNotWritten) {
+  WithoutPad();
+  screen.AnswerNext(platform::IDOK);  // the warning
+  Begin();
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(Written(kSettings).front(), "Show Auto-Detect Usage");
+  EXPECT_EQ(SettingText("Last Device"), std::nullopt);
+  EXPECT_FALSE(sim.Registry().HasKey(std::string(kSettings) + "\\Devices"));
+}
+
+TEST_F(AppSettingsTest, TheWelcomeIsWrittenAsThePlainNumber) {
+  Preset("Welcome Display", 4000000000u);
+  Preset("Start Minimized", 7);
+  Begin();
+  Post(WM_CLOSE_PROGRAM);
+  EXPECT_EQ(Number("Welcome Display"), 4000000000u);
+  EXPECT_EQ(Number("Start Minimized"), 1u);
+}
+
+TEST_F(AppSettingsTest, AKeyThatCannotBeWrittenLosesThemInSilence) {
+  sim.Registry().Protect("HKCU");
+  BeginOnSettings();
+  screen.Click(kSmartCheckBox);
+  EXPECT_FALSE(SmartCheck());
+  screen.Close();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(Number("Smart Check"), std::nullopt);
+}
+
+// ---- The last device.
+
+TEST_F(AppSettingsTest, TheLastDeviceIsSelectedWithItsValues) {
+  WithoutProfiles();
+  AddPad("Stick");
+  PresetText("Last Device", "Stick");
+  PresetDevice("Stick");
+  Preset("Show Auto-Detect Usage", 0);
+  Begin();
+  EXPECT_EQ(CurrentDeviceName(), "Stick");
+  EXPECT_EQ(CurrentDeviceGuid(), Device()->SelectedGuid());
+  EXPECT_EQ(Device()->PollInterval(), 9u);
+  EXPECT_FALSE(ShowAutoDetectUsage());
+}
+
+TEST_F(AppSettingsTest, ALastDeviceThatIsNotAttachedIsNone) {
+  WithoutProfiles();
+  PresetText("Last Device", "Gone");
+  Preset("Show Auto-Detect Usage", 0);
+  Begin();
+  EXPECT_FALSE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), "");
+  EXPECT_EQ(CurrentDeviceGuid(), platform::GUID{});
+  EXPECT_FALSE(ShowAutoDetectUsage());
+}
+
+// Odd, and wanted.
+TEST_F(AppSettingsTest, AfterADevicesValuesAreMissingTheUsageHintIsNotRead) {
+  WithoutProfiles();
+  PresetText("Last Device", kPad);
+  Preset("Show Auto-Detect Usage", 0);
+  Preset("Smart Check", 0);
+  Begin();
+  EXPECT_EQ(CurrentDeviceName(), kPad);
+  EXPECT_TRUE(ShowAutoDetectUsage());
+  EXPECT_FALSE(SmartCheck());
+}
+
+TEST_F(AppSettingsTest, LoadingIsCompleteUnlessADeviceOrTheUsageHintIsMissing) {
+  WithoutProfiles();
+  Begin();
+  EXPECT_FALSE(LoadAppSettings()) << "no usage hint";
+  Preset("Show Auto-Detect Usage", 1);
+  EXPECT_TRUE(LoadAppSettings());
+  PresetText("Last Device", "Gone");
+  EXPECT_TRUE(LoadAppSettings());
+}
+
+// ---- The boxes of the tab.
+
+TEST_F(AppSettingsTest, StartMinimizedIsSavedAtOnce) {
+  BeginOnSettings();
+  EXPECT_FALSE(screen.Checked(kStartMinimizedBox));
+  screen.Click(kStartMinimizedBox);
+  EXPECT_TRUE(StartMinimized());
+  EXPECT_EQ(Number("Start Minimized"), 1u);
+  screen.Click(kStartMinimizedBox);
+  EXPECT_FALSE(StartMinimized());
+  EXPECT_EQ(Number("Start Minimized"), 0u);
+}
+
+TEST_F(AppSettingsTest, SmartCheckIsSavedAtOnce) {
+  BeginOnSettings();
+  EXPECT_TRUE(screen.Checked(kSmartCheckBox));
+  screen.Click(kSmartCheckBox);
+  EXPECT_FALSE(SmartCheck());
+  EXPECT_EQ(Number("Smart Check"), 0u);
+  screen.Click(kSmartCheckBox);
+  EXPECT_TRUE(SmartCheck());
+  EXPECT_EQ(Number("Smart Check"), 1u);
+}
+
+TEST_F(AppSettingsTest, TheBoxesShowWhatIsStored) {
+  Preset("Start Minimized", 1);
+  Preset("Smart Check", 0);
+  Begin();
+  screen.IconDoubleClick();
+  screen.ChooseTab(kTabs, kSettingsTab);
+  EXPECT_TRUE(screen.Checked(kStartMinimizedBox));
+  EXPECT_FALSE(screen.Checked(kSmartCheckBox));
+}
+
+TEST_F(AppSettingsTest, TheAdvancedSettingGoesIntoBothValues) {
+  BeginOnSettings();
+  screen.Click(kAdvancedButton);
+  ASSERT_EQ(screen.Front(), 150u);
+  EXPECT_FALSE(screen.Checked(kAutoDetectBox));
+  screen.Click(kAutoDetectBox);
+  screen.Click(platform::IDOK);
+  EXPECT_TRUE(AutodetectDevicePlugin());
+  EXPECT_TRUE(NoDeviceErrorMsg());
+  EXPECT_EQ(Number("Autodetect Device Plugin"), 1u);
+  EXPECT_EQ(Number("No Device Error Msg"), 1u);
+}
+
+TEST_F(AppSettingsTest, TheTwoValuesOfTheAdvancedSettingAreReadEachByItself) {
+  Preset("No Device Error Msg", 1);
+  BeginOnSettings();
+  EXPECT_TRUE(NoDeviceErrorMsg());
+  screen.Click(kAdvancedButton);
+  EXPECT_FALSE(screen.Checked(kAutoDetectBox));
+  screen.Click(platform::IDOK);
+  EXPECT_FALSE(NoDeviceErrorMsg());
+}
+
+TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
+  Preset("Autodetect Device Plugin", 1);
+  BeginOnSettings();
+  sim.LogCalls(true);
+  screen.Click(kAdvancedButton);
+  EXPECT_TRUE(screen.Checked(kAutoDetectBox));
+  screen.Click(kAutoDetectBox);
+  screen.Click(platform::IDCANCEL);
+  EXPECT_TRUE(AutodetectDevicePlugin());
+  EXPECT_FALSE(NoDeviceErrorMsg());
+  EXPECT_EQ(Written(kSettings), Strings{});
+}
+
+// ---- Launch at startup.
+
+TEST_F(AppSettingsTest, TheBoxIsCheckedWhenTheValueIsAStringWhateverItSays) {
+  sim.Registry().PutString(kUserRun, "Kelvaro", "elsewhere");
+  BeginOnSettings();
+  EXPECT_TRUE(screen.Checked(kLaunchBox));
+}
+
+TEST_F(AppSettingsTest, AValueThatIsNoStringDoesNotCheckIt) {
+  sim.Registry().PutDword(kUserRun, "Kelvaro", 1);
+  BeginOnSettings();
+  EXPECT_FALSE(screen.Checked(kLaunchBox));
+}
+
+TEST_F(AppSettingsTest, WithoutTheUsersKeyTheMachinesIsRead) {
+  sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
+  BeginOnSettings();
+  EXPECT_TRUE(screen.Checked(kLaunchBox));
+}
+
+TEST_F(AppSettingsTest, TheMachinesValueDoesNotCountBesideTheUsersKey) {
+  sim.Registry().PutKey(kUserRun);
+  sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
+  BeginOnSettings();
+  EXPECT_FALSE(screen.Checked(kLaunchBox));
+}
+
+TEST_F(AppSettingsTest, CheckingWritesTheProgramsPathAndUncheckingDeletesIt) {
+  sim.Registry().PutKey(kUserRun);
+  BeginOnSettings();
+  screen.Click(kLaunchBox);
+  EXPECT_EQ(sim.Registry().Text(kUserRun, "Kelvaro"), "/game/kelvaro");
+  EXPECT_FALSE(sim.Registry().HasKey(kMachineRun));
+  screen.Click(kLaunchBox);
+  EXPECT_EQ(sim.Registry().Value(kUserRun, "Kelvaro"), std::nullopt);
+}
+
+TEST_F(AppSettingsTest, WithoutTheUsersKeyCheckingMakesTheMachines) {
+  BeginOnSettings();
+  screen.Click(kLaunchBox);
+  EXPECT_EQ(sim.Registry().Text(kMachineRun, "Kelvaro"), "/game/kelvaro");
+  EXPECT_FALSE(sim.Registry().HasKey(kUserRun));
+  screen.Click(kLaunchBox);
+  EXPECT_EQ(sim.Registry().Value(kMachineRun, "Kelvaro"), std::nullopt);
+}
+
+TEST_F(AppSettingsTest, AKeyThatRefusesLeavesTheBoxAsClicked) {
+  sim.Registry().Protect("HKLM");
+  BeginOnSettings();
+  screen.Click(kLaunchBox);
+  EXPECT_TRUE(screen.Checked(kLaunchBox));
+  EXPECT_FALSE(sim.Registry().HasKey(kMachineRun));
+  screen.Click(kLaunchBox);
+  EXPECT_FALSE(screen.Checked(kLaunchBox));
+  EXPECT_TRUE(screen.Boxes().empty());
+}
+
+// ---- Settings of the product before.
+
+TEST_F(AppSettingsTest, TheWholeTreeOfTheFormerProductIsTakenOver) {
+  FirstStart();
+  sim.Registry().PutDword(kFormer, "Smart Check", 0);
+  sim.Registry().PutDword(kFormer, "Welcome Display", 1);
+  sim.Registry().PutString(kFormer, "Last Profile", kProfile);
+  sim.Registry().PutDword(std::string(kFormer) + "\\Devices\\Old", "Sensitivity", 33);
+  Begin();
+  EXPECT_EQ(screen.Front(), 102u) << "the welcome was seen before";
+  EXPECT_FALSE(SmartCheck());
+  EXPECT_EQ(LastProfile(), kProfile);
+  EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Old", "Sensitivity"), 33u);
+  EXPECT_EQ(sim.Registry().Number(kFormer, "Smart Check"), 0u) << "stays as it is";
+}
+
+TEST_F(AppSettingsTest, OnlyStringsAndDoubleWordsArrive) {
+  FirstStart();
+  sim.Registry().PutDword(kFormer, "Welcome Display", 1);
+  sim.Registry().PutString(kFormer + std::string("\\Sub"), "text", "t");
+  sim.Registry().PutDword(kFormer + std::string("\\Sub"), "number", 3);
+  sim.Registry().PutValue(kFormer + std::string("\\Sub"), "bytes", REG_BINARY, "b");
+  sim.Registry().PutValue(kFormer + std::string("\\Other"), "path", REG_EXPAND_SZ, "%p%");
+  Begin();
+  EXPECT_EQ(sim.Registry().ValueNames(kSettings + std::string("\\Sub")),
+            (Strings{"text", "number"}));
+  EXPECT_EQ(sim.Registry().ValueNames(kSettings + std::string("\\Other")), Strings{});
+}
+
+TEST_F(AppSettingsTest, TheyAreNotTakenOverWhereTheNewKeyIs) {
+  sim.Registry().PutDword(kFormer, "Smart Check", 0);
+  Begin();
+  EXPECT_TRUE(SmartCheck());
+}
+
+TEST_F(AppSettingsTest, TheMachinesKeyIsTakenOverApart) {
+  sim.Registry().PutString(kMachineFormer, "maker", "m");
+  Begin();
+  EXPECT_EQ(sim.Registry().Text(kMachineSettings, "maker"), "m");
+}
+
+TEST_F(AppSettingsTest, ThereIsOneTryOnly) {
+  FirstStart();
+  Begin();
+  EXPECT_TRUE(sim.Registry().HasKey(kMachineSettings)) << "made though there was nothing to copy";
+  CloseAll();
+  sim.Registry().PutDword(kFormer, "Smart Check", 0);
+  sim.Registry().PutString(kMachineFormer, "maker", "m");
+  Begin();
+  EXPECT_TRUE(SmartCheck());
+  EXPECT_EQ(sim.Registry().ValueNames(kMachineSettings), Strings{});
+}
+
+TEST_F(AppSettingsTest, WithoutTheRightToMakeTheMachinesKeyItIsTriedAtEachStart) {
+  sim.Registry().Protect("HKLM");
+  sim.LogCalls(true);
+  Begin();
+  EXPECT_EQ(Calls("RegCreateKeyA HKLM\\"), 1u);
+  EXPECT_TRUE(screen.Boxes().empty());
+  CloseAll();
+  sim.ClearCalls();
+  Begin();
+  EXPECT_EQ(Calls("RegCreateKeyA HKLM\\"), 1u);
+}
+
+TEST_F(AppSettingsTest, TheMachinesPassComesFirst) {
+  FirstStart();
+  sim.LogCalls(true);
+  Begin();
+  Strings calls;
+  for (const std::string& call : sim.Calls()) {
+    if (call.starts_with("RegOpenKeyA") || call.starts_with("RegCreateKeyA")) calls.push_back(call);
+    if (calls.size() == 6) break;
+  }
+  EXPECT_EQ(calls, (Strings{"RegOpenKeyA HKLM\\Software\\Marnstone\\Kelvaro",
+                            "RegCreateKeyA HKLM\\Software\\Marnstone\\Kelvaro",
+                            "RegOpenKeyA HKLM\\Software\\Marnstone\\Vendrix",
+                            "RegOpenKeyA HKCU\\Software\\Marnstone\\Kelvaro",
+                            "RegCreateKeyA HKCU\\Software\\Marnstone\\Kelvaro",
+                            "RegOpenKeyA HKCU\\Software\\Marnstone\\Vendrix"}));
+}
+
+}  // namespace
+}  // namespace kelvaro

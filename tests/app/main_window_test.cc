@@ -1,0 +1,850 @@
+// How the window comes to life, hands events on, and ends: the order of each step, and what is left
+// of it when one fails.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/app/main_window_fixture.h"
+#include "tests/storage/chunks.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::IDOK;
+using platform::Rect;
+using Strings = std::vector<std::string>;
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kControlList = 1003;
+constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kDeviceList = 1060;
+constexpr std::uint32_t kVersion = 1177;
+
+class WindowLifeTest : public MainWindowTest {
+ public:
+  using MainWindowTest::Post;
+  using MainWindowTest::screen;
+
+ protected:
+  // Of the operations named, those that were called, in their order.
+  Strings CallsOf(const Strings& operations) {
+    Strings calls;
+    for (const std::string& call : sim.Calls())
+      for (const std::string& operation : operations)
+        if (call == operation || call.starts_with(operation + " ")) calls.push_back(call);
+    return calls;
+  }
+  std::size_t Count(const std::string& operation) { return CallsOf({operation}).size(); }
+};
+
+std::string PlaceText(const Rect& rect) {
+  return std::to_string(rect.left) + "," + std::to_string(rect.top) + " to " +
+         std::to_string(rect.right) + "," + std::to_string(rect.bottom);
+}
+
+// ---- Before there is a window.
+
+TEST_F(WindowLifeTest, TheObjectTakesItsIconThenThePriorityThenOldSettings) {
+  sim.LogCalls(true);
+  MainWindow made;
+  EXPECT_EQ(CallsOf({"LoadIconA", "SetPriorityClass", "SetCurrentThreadPriority", "RegOpenKeyA",
+                     "RunDialog"}),
+            (Strings{"LoadIconA 128", "SetPriorityClass 128", "SetCurrentThreadPriority 15",
+                     "RegOpenKeyA HKLM\\Software\\Marnstone\\Kelvaro",
+                     "RegOpenKeyA HKLM\\Software\\Marnstone\\Vendrix",
+                     "RegOpenKeyA HKCU\\Software\\Marnstone\\Kelvaro"}));
+}
+
+TEST_F(WindowLifeTest, PrioritiesThatAreRefusedChangeNothing) {
+  sim.FailNext("SetPriorityClass");
+  sim.FailNext("SetCurrentThreadPriority");
+  Begin();
+  EXPECT_EQ(screen.Front(), 102u);
+}
+
+TEST(VersionText, TheRevisionIsShownUnlessItIsZero) {
+  EXPECT_EQ(Bytes(MainWindow::VersionText(3, 5, 0)), "Version 3.5");
+  EXPECT_EQ(Bytes(MainWindow::VersionText(3, 5, 2)), "Version 3.5.2");
+  EXPECT_EQ(Bytes(MainWindow::VersionText(255, 0, 255)), "Version 255.0.255");
+}
+
+// ---- Set-up.
+
+TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
+  const std::string run = "HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+  const std::string settings = kSettings;
+  const std::string place = kMainWindowSettings;
+  Preset("Start Minimized", 1);
+  Preset("Welcome Display", 0);
+  PresetText("Last Device", kPad);
+  sim.Registry().PutKey(run);
+  sim.Registry().PutKey(place);
+  sim.LogCalls(true);
+  Begin();
+  ASSERT_EQ(screen.Front(), 151u);
+  screen.Close();
+  EXPECT_EQ(CallsOf({"RunDialog",
+                     "SetWindowsHookExA",
+                     "SetWindowIcon",
+                     "HtmlHelp",
+                     "DirectInput8Create",
+                     "LoadBitmapA",
+                     "SetPicture",
+                     "ComboAddString",
+                     "ComboSetCurSel",
+                     "RegQueryValueExA " + run,
+                     "RegQueryValueExA " + place + " left",
+                     "RegQueryValueExA " + place + " Col 0 Width",
+                     "LoadIconA",
+                     "Shell_NotifyIconA",
+                     "RegQueryValueExA " + settings + " Last Device",
+                     "CreateDevice",
+                     "RegQueryValueExA " + settings + " Welcome Display",
+                     "RegSetValueExA " + settings + " Last Profile",
+                     "CreateThread",
+                     "SetHandCursor",
+                     "CreateToolTip",
+                     "EnableToolTips",
+                     "SetTimer",
+                     "PostMessageA",
+                     "ShowWindow"}),
+            (Strings{
+                "LoadIconA 128",        // by the constructor
+                "RunDialog 102",        // 1
+                "SetWindowsHookExA",    // 2
+                "SetWindowIcon large",  // 3
+                "SetWindowIcon small",
+                "HtmlHelp 28",         // 4: HH_INITIALIZE
+                "DirectInput8Create",  // 5
+                "LoadBitmapA 145",     // 11: pictures,
+                "SetPicture 1156",
+                "LoadBitmapA 146",
+                "SetPicture 1157",
+                "LoadBitmapA 148",
+                "SetPicture 1173",
+                "ComboAddString 1060",  // the devices: none, and one,
+                "ComboAddString 1060",
+                "ComboSetCurSel 1060 0",
+                "RegQueryValueExA " + run + " Kelvaro",
+                "RegQueryValueExA " + place + " left",         // the place,
+                "RegQueryValueExA " + place + " Col 0 Width",  // the columns
+                "LoadIconA 128",                               // 12
+                "Shell_NotifyIconA 0",
+                "RegQueryValueExA " + settings + " Last Device",  // 13
+                "CreateDevice",
+                "CreateThread notification",
+                "ComboSetCurSel 1060 1",
+                "RegQueryValueExA " + settings + " Welcome Display",
+                "RunDialog 151",  // 14
+                "LoadBitmapA 148",
+                "SetPicture 1391",
+                "ComboAddString 1001",  // 17
+                "ComboSetCurSel 1001 0",
+                "RegSetValueExA " + settings + " Last Profile",
+                "CreateDevice",
+                "CreateThread notification",
+                "ComboSetCurSel 1060 1",
+                "PostMessageA 32774",   // WM_DEVICE_WARNING
+                "CreateThread repeat",  // 18
+                "SetHandCursor",        // 19
+                "SetHandCursor",
+                "CreateToolTip",  // 20
+                "EnableToolTips",
+                "SetTimer 1 5000",     // 21
+                "PostMessageA 32769",  // 22: WM_HIDE_TO_TRAY
+                "PostMessageA 32771",  // 23: WM_STARTUP_IDLE
+                "PostMessageA 32776",  // WM_START_LAUNCH
+                "ShowWindow 0",
+            }));
+}
+
+TEST_F(WindowLifeTest, AfterTheSetUpTheWindowIsReady) {
+  Begin();
+  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Title(), "Kelvaro");
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_EQ(screen.Icon(true), 128u);
+  EXPECT_EQ(screen.Icon(false), 128u);
+  EXPECT_TRUE(InitComplete());
+  EXPECT_EQ(screen.Tabs(kTabs), (Strings{"Control", "Mouse", "Device", "Settings"}));
+  EXPECT_EQ(screen.Tab(kTabs), 0);
+  EXPECT_EQ(CurrentTab(), 0u);
+  EXPECT_EQ(InitGuard(), 0u);
+  EXPECT_EQ(DefaultInterval(), 5u);
+  EXPECT_EQ(Device()->PollInterval(), 5u);
+  EXPECT_EQ(screen.Rows(kProfileList), Strings{kProfile});
+  EXPECT_EQ(screen.Chosen(kProfileList), kProfile);
+  EXPECT_EQ(screen.Chosen(kDeviceList), kPad);
+  EXPECT_EQ(CurrentDeviceName(), kPad);
+  EXPECT_EQ(screen.Text(kVersion), "Version 3.5");
+  EXPECT_EQ(screen.Picture(1156), 145u);
+  EXPECT_EQ(screen.Picture(1157), 146u);
+  EXPECT_EQ(screen.Picture(1173), 148u);
+  EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(WindowLifeTest, TheLimitsOfTheTimerAreShown) {
+  sim.SetTimerLimits(2, 777777);
+  Begin();
+  screen.ChooseTab(kTabs, 2);
+  EXPECT_EQ(screen.Text(1070), "2");
+  EXPECT_EQ(screen.Text(1072), "777777");
+}
+
+TEST_F(WindowLifeTest, AnIntervalThatTheTimerRefusesLeavesTheManagersOwn) {
+  sim.SetTimerLimits(10, 1000);
+  WithoutProfiles();
+  Begin();
+  EXPECT_EQ(DefaultInterval(), 5u);
+  EXPECT_EQ(Device()->PollInterval(), 33u);
+}
+
+TEST_F(WindowLifeTest, TheProfilesStandInTheOrderOfTheirNamesAndTheLastOneIsChosen) {
+  for (const char* name : {"zeta", "Alpha", "beta"})
+    StoreProfile(name, [this](ProfileFile& made) { UsePad(made); });
+  PresetText("Last Profile", "BETA");
+  Begin();
+  EXPECT_EQ(screen.Rows(kProfileList), (Strings{"Alpha", "beta", kProfile, "zeta"}));
+  EXPECT_EQ(screen.Chosen(kProfileList), "beta");
+  EXPECT_EQ(LastProfile(), "beta");
+}
+
+TEST_F(WindowLifeTest, ALastProfileThatIsGoneGivesTheFirst) {
+  StoreProfile("Alpha", [this](ProfileFile& made) { UsePad(made); });
+  PresetText("Last Profile", "Alph");
+  Begin();
+  EXPECT_EQ(screen.Chosen(kProfileList), "Alpha");
+}
+
+TEST_F(WindowLifeTest, WithoutAnyProfileNothingIsChosen) {
+  WithoutProfiles();
+  PresetText("Last Profile", "Old");
+  Begin();
+  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Rows(kProfileList), Strings{});
+  EXPECT_EQ(screen.ChosenRow(kProfileList), platform::kNoRow);
+  EXPECT_EQ(LastProfile(), "Old");
+  EXPECT_TRUE(screen.Boxes().empty());
+  screen.Close();
+  EXPECT_EQ(SettingText("Last Profile"), "Old");
+}
+
+TEST_F(WindowLifeTest, TheRepeatThreadHasThePriorityOfTheWindow) {
+  sim.LogCalls(true);
+  Begin();
+  const Strings calls = CallsOf({"CreateThread", "SetCurrentThreadPriority"});
+  EXPECT_NE(std::find(calls.begin(), calls.end(), "CreateThread repeat"), calls.end());
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "SetCurrentThreadPriority 15"),
+            static_cast<std::ptrdiff_t>(Count("SetCurrentThreadPriority")));
+  EXPECT_EQ(Count("SetCurrentThreadPriority"), 3u) << "window, notification, repeat";
+}
+
+// ---- Set-up that fails.
+
+// What a start that failed half way does to the settings: those that it hadn't read yet are
+// written over.
+class FailedStartTest : public WindowLifeTest {
+ protected:
+  FailedStartTest() {
+    Preset("Show Auto-Detect Usage", 0);
+    Preset("Start Minimized", 1);
+    Preset("Smart Check", 0);
+    Preset("Shift Reminder", 0);
+    PresetText("Last Profile", kProfile);
+    Preset("No Device Error Msg", 1);
+    Preset("Autodetect Device Plugin", 1);
+    Preset("Welcome Display", 1);
+    sim.LogCalls(true);
+  }
+  void ExpectTheStartValuesWritten() {
+    EXPECT_EQ(Number("Show Auto-Detect Usage"), 1u);
+    EXPECT_EQ(Number("Start Minimized"), 0u);
+    EXPECT_EQ(Number("Smart Check"), 1u);
+    EXPECT_EQ(Number("Shift Reminder"), 1u);
+    EXPECT_EQ(SettingText("Last Profile"), "");
+    EXPECT_EQ(Number("No Device Error Msg"), 0u);
+    EXPECT_EQ(Number("Autodetect Device Plugin"), 0u);
+    EXPECT_EQ(Number("Welcome Display"), 0u);
+  }
+  void ExpectNothingWasSetUpBehindIt() {
+    EXPECT_EQ(Count("CreateThread"), 0u);
+    EXPECT_EQ(Count("SetTimer"), 0u);
+    EXPECT_EQ(Count("PostMessageA"), 0u);
+    EXPECT_EQ(Count("CreateToolTip"), 0u);
+    EXPECT_EQ(Count("ShowWindow"), 0u);
+  }
+};
+
+TEST_F(FailedStartTest, WithoutDirectInputTheReasonIsToldAndTheProgramEnds) {
+  sim.FailNext("DirectInput8Create", platform::DIERR_OUTOFMEMORY);
+  Begin();
+  ASSERT_TRUE(screen.BoxUp());
+  EXPECT_EQ(screen.Box().caption, "Invalid DirectX Object");
+  EXPECT_EQ(screen.Box().type, platform::MB_ICONSTOP);
+  EXPECT_EQ(screen.Box().text,
+            "Error Creating a DirectInput Object.\nUnable to Continue.\n\nPlease ensure that you "
+            "have DirectX v8.0a or later installed on your system,\nand that at least one game "
+            "device is installed (it does not need to be connected).\n\nDirectX "
+            "Error:\nDirectInput8Create() failed with return code: -2147024882 (0x8007000e) "
+            "[DIERR_OUTOFMEMORY]");
+  EXPECT_FALSE(platform::IsWindowVisible(Handle()));
+  screen.Answer(IDOK);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Boxes().size(), 1u);
+  EXPECT_EQ(Count("LoadBitmapA"), 0u) << "the controls weren't prepared";
+  EXPECT_EQ(Count("Shell_NotifyIconA"), 0u);
+  EXPECT_EQ(Count("UnhookWindowsHookEx"), 1u);
+  EXPECT_EQ(Count("HtmlHelp"), 3u);
+  ExpectNothingWasSetUpBehindIt();
+  ExpectTheStartValuesWritten();
+  EXPECT_FALSE(sim.Registry().HasKey(kMainWindowSettings)) << "no place was ever restored";
+}
+
+TEST_F(FailedStartTest, AnIconThatIsNotAddedEndsTheProgramInSilence) {
+  sim.FailNext("Shell_NotifyIconA");
+  Begin();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(Count("Shell_NotifyIconA"), 1u);
+  ExpectNothingWasSetUpBehindIt();
+  ExpectTheStartValuesWritten();
+}
+
+TEST_F(FailedStartTest, AnIconThatIsNotLoadedEndsTheProgramInSilence) {
+  sim.FailAlways("LoadIconA");
+  Begin();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_EQ(Count("Shell_NotifyIconA"), 0u);
+  EXPECT_EQ(Count("DestroyIcon"), 0u);
+  ExpectNothingWasSetUpBehindIt();
+  ExpectTheStartValuesWritten();
+}
+
+TEST_F(FailedStartTest, WithoutAWindowTheObjectWritesThemAllTheSame) {
+  sim.FailNext("RunDialog");
+  Begin();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Result(), -1);
+  ExpectTheStartValuesWritten();
+}
+
+TEST_F(WindowLifeTest, WithoutTheHookAMinimisedWindowStaysMinimised) {
+  sim.FailNext("SetWindowsHookExA");
+  sim.LogCalls(true);
+  Begin();
+  screen.Minimise();
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_TRUE(screen.Minimised());
+  CloseAll();
+  EXPECT_EQ(Count("UnhookWindowsHookEx"), 0u);
+}
+
+TEST_F(WindowLifeTest, ARepeatThreadThatCannotBeMadeIsMissedInSilence) {
+  WithoutPad();
+  WithoutProfiles();
+  sim.FailNext("CreateThread");
+  Begin();
+  EXPECT_TRUE(InitComplete());
+  EXPECT_TRUE(screen.Boxes().empty());
+}
+
+// ---- The end of the program while the set-up waits for the person.
+
+TEST_F(WindowLifeTest, AnEndDuringTheWelcomeIsTheEndOfTheSetUp) {
+  FirstStart();
+  sim.LogCalls(true);
+  Begin();
+  ASSERT_EQ(screen.Front(), 151u);
+  Post(WM_CLOSE_PROGRAM);
+  EXPECT_TRUE(ShuttingDown());
+  screen.Close();
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(Count("SetTimer"), 0u);
+  EXPECT_EQ(Count("ComboAddString 1001"), 0u) << "the list of profiles";
+  EXPECT_EQ(Number("Welcome Display"), 1u);
+}
+
+TEST_F(WindowLifeTest, AnEndDuringABoxOfTheCommandLineIsTheEndOfTheSetUp) {
+  screen.SetCommandLine("kelvaro Nobody");
+  sim.LogCalls(true);
+  Begin();
+  ASSERT_TRUE(screen.BoxUp());
+  Post(WM_CLOSE_PROGRAM);
+  screen.Answer(IDOK);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(Count("SetTimer"), 0u);
+  EXPECT_EQ(Count("CreateThread"), 0u);
+}
+
+TEST_F(WindowLifeTest, AnEndDuringABoxOfTheFirstProfileIsTheEndOfTheSetUp) {
+  PutProfileFile("Game.idprof",
+                 ProfileBytes({List(1, {Field("EventProfile")}), List(2, {Field("\x01")}),
+                               List(3, {Field(kProfile), Field(Big(2, 4))}),
+                               List(4, {List(5, {Field("cut short")})})}));
+  sim.LogCalls(true);
+  Begin();
+  ASSERT_TRUE(screen.BoxUp());
+  EXPECT_EQ(screen.Box().caption, "File Read Error");
+  Post(WM_CLOSE_PROGRAM);
+  screen.Answer(IDOK);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(Count("SetTimer"), 0u);
+}
+
+// ---- The end.
+
+TEST_F(WindowLifeTest, TheCleanupGoesStepByStep) {
+  const std::string settings = kSettings;
+  Begin();
+  sim.RunFor(100);  // the first state of the pad has been handed on
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(CallsOf({"KillTimer", "UnhookWindowsHookEx", "SetEvent",
+                     "RegSetValueExA " + settings + " Last Device",
+                     "RegSetValueExA " + settings + " Welcome Display", "timeKillEvent",
+                     "Unacquire", "Release", "Shell_NotifyIconA", "DestroyIcon", "HtmlHelp",
+                     "EndDialog", std::string("RegSetValueExA ") + kMainWindowSettings + " left"}),
+            (Strings{
+                "KillTimer 1",
+                "UnhookWindowsHookEx",
+                "SetEvent 4",  // stops the repeat thread
+                "RegSetValueExA " + settings + " Last Device",
+                "RegSetValueExA " + settings + " Welcome Display",
+                "timeKillEvent 1",
+                "SetEvent 2",  // and the notification thread, with the manager
+                "Unacquire",
+                "Release",
+                "Release DirectInput",
+                "Shell_NotifyIconA 2",
+                "DestroyIcon",
+                "HtmlHelp 18",  // HH_CLOSE_ALL
+                "HtmlHelp 29",  // HH_UNINITIALIZE
+                "EndDialog 2",
+                std::string("RegSetValueExA ") + kMainWindowSettings + " left",
+            }));
+}
+
+TEST_F(WindowLifeTest, EachWayOutCleansUpOnce) {
+  const struct {
+    const char* name;
+    std::function<void(WindowLifeTest&)> leave;
+  } kWays[] = {
+      {"close box", [](WindowLifeTest& test) { test.screen.Close(); }},
+      {"Esc", [](WindowLifeTest& test) { test.screen.Press(0x1B); }},
+      {"menu",
+       [](WindowLifeTest& test) {
+         test.screen.IconRightClick();
+         test.screen.ChooseMenu("Exit");
+       }},
+      {"menu while hidden",
+       [](WindowLifeTest& test) {
+         test.screen.Minimise();
+         test.screen.IconRightClick();
+         test.screen.ChooseMenu("Exit");
+       }},
+      {"message", [](WindowLifeTest& test) { test.Post(0x8007); }},
+      {"message while hidden",
+       [](WindowLifeTest& test) {
+         test.screen.Minimise();
+         test.Post(0x8007);
+       }},
+      {"message during a dialog",
+       [](WindowLifeTest& test) {
+         test.screen.ChooseTab(kTabs, 3);
+         test.screen.Click(1198);
+         test.Post(0x8007);
+         test.screen.Close();
+       }},
+  };
+  for (const auto& way : kWays) {
+    Begin();
+    sim.LogCalls(true);
+    sim.ClearCalls();
+    way.leave(*this);
+    EXPECT_FALSE(screen.Running()) << way.name;
+    EXPECT_EQ(screen.Result(), platform::IDCANCEL) << way.name;
+    EXPECT_EQ(Count("KillTimer"), 1u) << way.name;
+    EXPECT_EQ(Count("UnhookWindowsHookEx"), 1u) << way.name;
+    EXPECT_EQ(Count("Shell_NotifyIconA"), 1u) << way.name;
+    EXPECT_EQ(Count("DestroyIcon"), 1u) << way.name;
+    EXPECT_EQ(Count("HtmlHelp"), 2u) << way.name;
+    EXPECT_EQ(Count("RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Smart Check"), 1u)
+        << way.name;
+    ExpectNothingLeft();
+  }
+}
+
+TEST_F(WindowLifeTest, TheOpenProfileIsNotSavedAtTheEnd) {
+  Begin();
+  OpenProfile().movementSensitivity = 44;
+  sim.Disk().ClearLog();
+  screen.Close();
+  EXPECT_EQ(sim.Disk().Count("WriteFile"), 0u);
+  EXPECT_NE(Stored(kProfile)->movementSensitivity, 44);
+}
+
+TEST_F(WindowLifeTest, ThePlaceAndThenTheColumnsAreStoredWhenTheWindowGoes) {
+  Begin();
+  screen.MoveTo(30, 40);
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(CallsOf({"EndDialog", std::string("RegSetValueExA ") + kMainWindowSettings}),
+            (Strings{"EndDialog 2", std::string("RegSetValueExA ") + kMainWindowSettings + " left",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " top",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " right",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " bottom",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 0 Width",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 1 Width",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 2 Width",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 0 Order",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 1 Order",
+                     std::string("RegSetValueExA ") + kMainWindowSettings + " Col 2 Order"}));
+  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "left"), 30u);
+  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "top"), 40u);
+}
+
+TEST_F(WindowLifeTest, AWindowThatEndsHiddenComesBackAtTheCorner) {
+  Begin();
+  screen.Minimise();
+  Post(WM_CLOSE_PROGRAM);
+  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "left"), 0u);
+  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "right"), 0u);
+  Begin();
+  // 100 by 50 from the corner is less than the window can be.
+  EXPECT_EQ(PlaceText(screen.Place()), "0,0 to 578,408");
+}
+
+TEST_F(WindowLifeTest, ARunAfterAnotherIsLikeTheFirst) {
+  Begin();
+  screen.Close();
+  Begin();
+  screen.Minimise();
+  EXPECT_FALSE(screen.Shown());
+  Post(WM_CLOSE_PROGRAM);
+  EXPECT_FALSE(screen.Running());
+}
+
+// ---- Messages.
+
+TEST_F(WindowLifeTest, MessagesOfTheStartAndUnknownOnesDoNothing) {
+  Begin();
+  sim.LogCalls(true);
+  for (const std::uint32_t message : {0x0u, 0x8003u, 0x8004u, 0x8005u, 0x8008u, 0x800Au}) {
+    Post(message);
+    EXPECT_TRUE(screen.Running()) << message;
+  }
+  EXPECT_EQ(Count("PostMessageA"), sim.Calls().size()) << "nothing but the test's own";
+}
+
+TEST_F(WindowLifeTest, NothingCountsAfterTheCleanup) {
+  Begin();
+  screen.ChooseTab(kTabs, 3);
+  screen.Click(1198);  // a dialog that the end of the window waits for
+  Post(WM_CLOSE_PROGRAM);
+  sim.LogCalls(true);
+  Post(WM_SHOW_FROM_TRAY);
+  Post(WM_DEVICE_WARNING);
+  Post(WM_SHOW_WELCOME);
+  sim.RunFor(20000);
+  EXPECT_EQ(Count("ShowWindow"), 0u);
+  EXPECT_EQ(screen.Front(), 150u);
+}
+
+// ---- The hook.
+
+TEST_F(WindowLifeTest, TheHookHidesWhatIsMinimisedAndNothingElse) {
+  Begin();
+  const struct {
+    std::int32_t code;
+    std::intptr_t lParam;
+    std::size_t posts;
+  } kRows[] = {{1, 6, 1}, {1, 2, 0}, {1, 7, 0}, {1, 3, 0}, {1, 0x10006, 0}, {0, 6, 0}, {5, 6, 0}};
+  for (const auto& row : kRows) {
+    sim.LogCalls(true);
+    sim.ClearCalls();
+    EXPECT_EQ(MinimiseHook(row.code, Handle(), row.lParam), 0);
+    EXPECT_EQ(Count("PostMessageA 32769"), row.posts) << row.code << " " << row.lParam;
+  }
+  screen.Settle();
+  EXPECT_FALSE(screen.Shown());
+}
+
+TEST_F(WindowLifeTest, TheHookAlwaysCallsTheNextOneAndDropsItsResult) {
+  static std::int32_t calls;
+  calls = 0;
+  const platform::HookHandle older = platform::SetWindowsHookExA(
+      platform::WH_CBT, [](std::int32_t, std::uintptr_t, std::intptr_t) -> std::intptr_t {
+        ++calls;
+        return 1;  // would keep the window from being minimised
+      });
+  Begin();
+  screen.Minimise();
+  EXPECT_EQ(calls, 1);
+  EXPECT_FALSE(screen.Shown());
+  EXPECT_EQ(MinimiseHook(0, Handle(), 0), 0);
+  EXPECT_EQ(calls, 2);
+  Post(WM_CLOSE_PROGRAM);
+  platform::UnhookWindowsHookEx(older);
+}
+
+// ---- The timer.
+
+class PluginTest : public WindowLifeTest {
+ protected:
+  PluginTest() {
+    WithoutPad();
+    Preset("No Device Error Msg", 1);
+    Preset("Autodetect Device Plugin", 1);
+  }
+};
+
+TEST_F(PluginTest, ADeviceThatIsPluggedInIsUsedWithinFiveSeconds) {
+  Begin();
+  const std::uint64_t start = sim.Now();
+  EXPECT_FALSE(Device()->DeviceSelected());
+  pad.PlugIn();
+  sim.RunUntil(start + 4000);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  sim.RunUntil(start + 5500);
+  EXPECT_TRUE(Device()->DeviceSelected());
+  EXPECT_EQ(CurrentDeviceName(), kPad);
+  EXPECT_FALSE(InPluginPoll());
+}
+
+TEST_F(PluginTest, ItIsLookedForEachFiveSecondsUntilItIsThere) {
+  Begin();
+  sim.LogCalls(true);
+  sim.RunFor(26000);
+  EXPECT_EQ(Count("EnumDevices"), 5u);
+  pad.PlugIn();
+  sim.RunFor(5500);
+  EXPECT_EQ(Count("EnumDevices"), 6u);
+  sim.RunFor(30000);
+  EXPECT_EQ(Count("EnumDevices"), 6u) << "nothing more while it is in use";
+}
+
+TEST_F(PluginTest, WithoutTheSettingNothingIsLookedFor) {
+  Begin();
+  AutodetectDevicePlugin() = false;
+  pad.PlugIn();
+  sim.RunFor(30000);
+  EXPECT_FALSE(Device()->DeviceSelected());
+}
+
+TEST_F(PluginTest, AnyTimerCounts) {
+  Begin();
+  pad.PlugIn();
+  platform::SetTimer(Handle(), 77, 10);
+  Post(platform::WM_NULL);  // the window looks at its timers again
+  sim.RunFor(1000);
+  EXPECT_TRUE(Device()->DeviceSelected());
+}
+
+TEST_F(PluginTest, WithoutATimerNothingIsLookedFor) {
+  sim.FailNext("SetTimer");
+  Begin();
+  pad.PlugIn();
+  sim.RunFor(30000);
+  EXPECT_FALSE(Device()->DeviceSelected());
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(Count("KillTimer"), 0u);
+}
+
+// ---- Tabs.
+
+TEST_F(WindowLifeTest, EachTabShowsItsPageAndTheRowOfProfiles) {
+  const std::vector<std::vector<std::uint32_t>> pages = {
+      {1003, 1004, 1005, 1136, 1115, 1155, 1156, 1157},
+      {1159, 1027, 1036, 1139, 1050, 1052, 1055, 1056, 1051, 1080, 1083, 1079},
+      {1060, 1170, 1063, 1065, 1067, 1070, 1072, 1076, 1077, 1078},
+      {1171, 1172, 1173, 1175, 1176, 1177, 1178, 1187, 1189, 1198}};
+  Begin();
+  for (std::int32_t tab : {1, 2, 3, 0}) {
+    screen.ChooseTab(kTabs, tab);
+    EXPECT_EQ(CurrentTab(), tab);
+    for (std::int32_t page = 0; page < 4; ++page) {
+      for (const std::uint32_t id : pages[static_cast<std::size_t>(page)])
+        EXPECT_EQ(screen.Visible(id), page == tab) << id << " on tab " << tab;
+    }
+    for (const std::uint32_t id : {1000u, 1001u, 1002u, 1006u, 1099u, 1100u, 1101u, 1146u})
+      EXPECT_TRUE(screen.Visible(id)) << id;
+    for (const std::uint32_t id : {1015u, 1017u, 1045u, 1047u})
+      EXPECT_FALSE(screen.Visible(id)) << id;
+  }
+}
+
+TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
+  Begin();
+  for (const std::int32_t other : {0, 2, 3}) {
+    screen.ChooseTab(kTabs, 1);
+    screen.Click(kTestButton);
+    EXPECT_TRUE(Engine().mouseTestMode);
+    screen.ChooseTab(kTabs, other);
+    EXPECT_FALSE(Engine().mouseTestMode) << other;
+  }
+}
+
+TEST_F(WindowLifeTest, LeavingTheMouseTabEndsADetectionAndSavesWhatItFound) {
+  Begin();
+  ShowAutoDetectUsage() = false;
+  screen.ChooseTab(kTabs, 1);
+  screen.Click(1029);
+  EXPECT_EQ(Engine().detectCount, 1u);
+  pad.Press({4});
+  sim.RunFor(50);
+  screen.ChooseTab(kTabs, 2);
+  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(screen.Checked(1029));
+  EXPECT_EQ(Stored(kProfile)->leftButton, 3);
+  EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Pad", "Left Mouse Btn"), 3u);
+}
+
+TEST_F(WindowLifeTest, AChangeOfTabWithoutADetectionSavesNothing) {
+  Begin();
+  screen.ChooseTab(kTabs, 1);
+  sim.Disk().ClearLog();
+  sim.LogCalls(true);
+  screen.ChooseTab(kTabs, 0);
+  EXPECT_EQ(sim.Disk().Count("WriteFile"), 0u);
+  EXPECT_EQ(Count("RegSetValueExA"), 0u);
+}
+
+// ---- Keys that reach the window itself.
+
+TEST_F(WindowLifeTest, CopyAndPasteWorkFromTheWindowAndDeleteDoesNot) {
+  StoreProfile(kProfile, [this](ProfileFile& made) {
+    UsePad(made);
+    Control control;
+    control.controlId = made.nextControlId++;
+    made.controls.AddTail(control);
+  });
+  Begin();
+  screen.SelectRows(kControlList, {0});
+  screen.FocusOn(1004);
+  screen.Press('C', true);
+  screen.Press('V', true);
+  EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
+  screen.SelectRows(kControlList, {0});
+  screen.FocusOn(1004);
+  screen.Press(0x2E);
+  EXPECT_TRUE(screen.Boxes().empty()) << "nobody asks whether to delete";
+  EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
+}
+
+// ---- Layout.
+
+class MainLayoutTest : public WindowLifeTest {
+ protected:
+  struct Wanted {
+    std::uint32_t id;
+    Rect place;
+  };
+  void ExpectPlaces(const char* size, const std::vector<Wanted>& places) {
+    for (const Wanted& wanted : places)
+      EXPECT_EQ(PlaceText(screen.ControlPlace(wanted.id)), PlaceText(wanted.place))
+          << wanted.id << " " << size;
+  }
+};
+
+// The inside is 570 by 377, a tab 20 high. Sized controls lose a pixel across and down; the page's
+// box is 10 inside of the tab control and 30 below its upper edge, and its controls go with it by 1
+// to the right and 3 up.
+TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
+  Begin();
+  ASSERT_EQ(PlaceText(screen.Place()), "223,180 to 801,588");
+  ExpectPlaces("as made", {{1002, {9, 16, 54, 29}},
+                           {1001, {57, 11, 199, 33}},
+                           {1006, {209, 11, 275, 34}},
+                           {1146, {497, 11, 563, 34}},
+                           {1000, {0, 42, 563, 370}},
+                           {1004, {10, 72, 76, 95}},
+                           {1003, {10, 101, 553, 360}},
+                           {1300, {10, 72, 295, 186}},
+                           {1060, {61, 72, 398, 94}},
+                           {1170, {408, 72, 552, 95}}});
+  screen.Resize(678, 488);
+  ExpectPlaces("100 wider and 80 higher", {{1002, {9, 16, 54, 29}},
+                                           {1001, {57, 11, 299, 33}},
+                                           {1006, {309, 11, 375, 34}},
+                                           {1146, {597, 11, 663, 34}},
+                                           {1000, {0, 42, 663, 450}},
+                                           {1004, {10, 72, 76, 95}},
+                                           {1003, {10, 101, 653, 440}},
+                                           {1300, {10, 72, 295, 186}},
+                                           {1060, {61, 72, 498, 94}},
+                                           {1170, {508, 72, 652, 95}}});
+  screen.Resize(618, 408);
+  ExpectPlaces("40 wider", {{1002, {9, 16, 54, 29}},
+                            {1001, {57, 11, 239, 33}},
+                            {1006, {249, 11, 315, 34}},
+                            {1146, {537, 11, 603, 34}},
+                            {1000, {0, 42, 603, 370}},
+                            {1004, {10, 72, 76, 95}},
+                            {1003, {10, 101, 593, 360}},
+                            {1300, {10, 72, 295, 186}},
+                            {1060, {61, 72, 438, 94}},
+                            {1170, {448, 72, 592, 95}}});
+  EXPECT_EQ(PlaceText(ClientRect()), "0,0 to 610,377");
+}
+
+TEST_F(MainLayoutTest, TheWindowCannotBecomeSmallerThanItWasMade) {
+  Begin();
+  screen.Resize(300, 100);
+  EXPECT_EQ(PlaceText(screen.Place()), "223,180 to 801,588");
+}
+
+// The list is 542 wide with 20 of them for its frame and scroll bar. Columns grow by their share,
+// cut to whole pixels, and the last gets the rest.
+TEST_F(MainLayoutTest, TheColumnsShareTheWidth) {
+  Begin();
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{100, 50, 372}));
+  screen.Resize(678, 408);
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{119, 59, 444}));
+  screen.Resize(618, 408);
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{107, 53, 402}));
+}
+
+// A column that reached beyond the list for a moment would show a scroll bar.
+TEST_F(MainLayoutTest, TheListGrowsBeforeItsColumnsAndShrinksAfterThem) {
+  Begin();
+  sim.LogCalls(true);
+  screen.Resize(678, 408);
+  const Strings growing = CallsOf({"EndDeferWindowPos", "ListSetColumnWidth"});
+  sim.ClearCalls();
+  screen.Resize(618, 408);
+  const Strings shrinking = CallsOf({"EndDeferWindowPos", "ListSetColumnWidth"});
+  ASSERT_EQ(growing.size(), 7u) << "four pages and three columns";
+  EXPECT_TRUE(growing.front().starts_with("EndDefer"));
+  EXPECT_TRUE(growing.back().starts_with("ListSet"));
+  ASSERT_EQ(shrinking.size(), 7u);
+  EXPECT_TRUE(shrinking.front().starts_with("ListSet"));
+  EXPECT_TRUE(shrinking.back().starts_with("EndDefer"));
+}
+
+TEST_F(MainLayoutTest, TheStoredPlaceIsTakenBeforeTheWindowIsSeen) {
+  const struct {
+    const char* name;
+    std::uint32_t edge;
+  } kEdges[] = {{"left", 50}, {"top", 60}, {"right", 750}, {"bottom", 560}};
+  for (const auto& edge : kEdges)
+    sim.Registry().PutDword(kMainWindowSettings, edge.name, edge.edge);
+  Begin();
+  EXPECT_EQ(PlaceText(screen.Place()), "50,60 to 750,560");
+  // 122 wider and 92 higher than as made.
+  ExpectPlaces("as stored", {{1000, {0, 42, 685, 462}}, {1003, {10, 101, 675, 452}}});
+}
+
+TEST_F(MainLayoutTest, TheGripIsDrawnInTheCornerAndTakesTheMouse) {
+  Begin();
+  EXPECT_EQ(screen.Paint(), Strings{"grip 554,361,570,377"});
+  EXPECT_EQ(screen.HitTest(566, 373), platform::HTBOTTOMRIGHT);
+}
+
+}  // namespace
+}  // namespace kelvaro
