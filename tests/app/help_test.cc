@@ -129,7 +129,7 @@ TEST_F(HelpTest, TopicsAreInTheFileOfTheProgramsFolder) {
   EXPECT_EQ(screen.HelpCalls()[0].topic, kTopic);
 }
 
-TEST_F(HelpTest, AFolderThatEndsInASeparatorGetsNoSecondOne) {
+TEST_F(HelpTest, AProgramInTheRootHasItsHelpThere) {
   sim.Disk().SetProgramPath("/kelvaro");
   ShowHelpTopic(kTopic);
   ASSERT_EQ(screen.HelpCalls().size(), 1u);

@@ -75,6 +75,7 @@ class TestDialog : public ResizableDialog {
   using ResizableDialog::MeasurePages;
   using ResizableDialog::minTrackHeight;
   using ResizableDialog::minTrackWidth;
+  using ResizableDialog::OnGetMinMaxInfo;
   using ResizableDialog::OnNcHitTest;
   using ResizableDialog::OnSize;
   using ResizableDialog::pages;
@@ -427,6 +428,17 @@ TEST_F(ResizableDialogTest, AGreatestSizeOfZeroIsNoLimit) {
   EXPECT_EQ(screen.Place().Width(), place.Width() + 10);
 }
 
+TEST_F(ResizableDialogTest, ALimitThatIsZeroLeavesTheSystemsOwn) {
+  Open();
+  platform::MinMaxInfo info{1, 2, 3, 4};
+  dialog.maxTrackHeight = 500;
+  dialog.OnGetMinMaxInfo(&info);
+  EXPECT_EQ(info.minTrackWidth, dialog.minTrackWidth);
+  EXPECT_EQ(info.minTrackHeight, dialog.minTrackHeight);
+  EXPECT_EQ(info.maxTrackWidth, 3);
+  EXPECT_EQ(info.maxTrackHeight, 500);
+}
+
 // ---- Pages
 
 TEST_F(ResizableDialogTest, MakingPagesDropsTheOldOnesAndTheFirstIsCurrent) {
@@ -565,6 +577,9 @@ TEST_F(ResizableDialogTest, TheGripIsHitInsideItsRectangleAlone) {
   EXPECT_EQ(screen.HitTest(grip.right - 1, grip.bottom - 1), HTBOTTOMRIGHT);
   EXPECT_EQ(screen.HitTest(grip.left - 1, grip.top), HTCLIENT);
   EXPECT_EQ(screen.HitTest(grip.left, grip.top - 1), HTCLIENT);
+  const platform::Point corner = dialog.windowOrigin;
+  EXPECT_EQ(dialog.OnNcHitTest({corner.x + grip.right, corner.y + grip.top}), HTCLIENT);
+  EXPECT_EQ(dialog.OnNcHitTest({corner.x + grip.left, corner.y + grip.bottom}), HTCLIENT);
 }
 
 TEST_F(ResizableDialogTest, BeforeTheWindowFirstMovesTheGripCountsFromTheFramesCorner) {
@@ -760,6 +775,22 @@ TEST_F(PlacementTest, ARestoredWindowIsLaidOutAtOnce) {
     EXPECT_EQ(after.left - before.left, client.right - old.right);
     ASSERT_FALSE(dialog.layouts.empty());
     EXPECT_EQ(dialog.layouts.back(), client);
+  };
+  screen.Start([this] { return dialog.DoModal(platform::kNoWindow); });
+}
+
+TEST_F(PlacementTest, AWindowThatKeepsItsSizeIsLaidOutTooAndOneThatStaysIsNot) {
+  Open();
+  const Rect place = screen.Place();
+  screen.Close();
+  dialog.layouts.clear();
+  dialog.prepare = [&] {
+    dialog.MeasurePages();
+    dialog.RestorePlacement("Software\\Other", kSubkey);
+    EXPECT_TRUE(dialog.layouts.empty());
+    Store(30, 40, 30 + place.Width(), 40 + place.Height());
+    dialog.RestorePlacement(kKey, kSubkey);
+    EXPECT_EQ(dialog.layouts.size(), 1u);
   };
   screen.Start([this] { return dialog.DoModal(platform::kNoWindow); });
 }

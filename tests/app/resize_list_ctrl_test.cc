@@ -43,6 +43,7 @@ class ListDialog : public Dialog {
   std::function<void()> task;
   ResizeListCtrl list{4};
   Numbers messages;  // that the list posted to itself
+  Numbers changed;   // columns that got a width
 
  protected:
   void OnInit() override { prepare(); }
@@ -51,15 +52,13 @@ class ListDialog : public Dialog {
       if (const auto now = std::exchange(task, nullptr)) now();
     } else if (id == kList) {
       if (notice == Notice::ControlMessage) messages.push_back(value);
-      handled = list.OnNotice(notice, value);
+      if (notice == Notice::HeaderItemChanged) changed.push_back(value);
+      list.OnNotice(notice, value);
     } else {
       Dialog::OnNotice(id, notice, value);
     }
   }
   void OnDestroy() override { list.SaveColumns(); }
-
- public:
-  bool handled = false;
 };
 
 class ResizeListCtrlTest : public ::testing::Test {
@@ -365,6 +364,32 @@ TEST_F(ResizeListCtrlTest, WithNothingStoredTheLastColumnIsFittedAndSharesAreTak
   EXPECT_EQ(Widths(), (Numbers{200, 100, 300}));
 }
 
+TEST_F(ResizeListCtrlTest, ColumnsThatFillTheListAlreadyAreLeftAlone) {
+  Open();
+  EXPECT_EQ(dialog.changed, Numbers{});
+}
+
+TEST_F(ResizeListCtrlTest, ALoadThatTheListRefusesTheOrderOfReadsTheOneThatIsThere) {
+  Open();
+  screen.DragHeader(kList, 0, 2);
+  StoreWidths(40, 160, 90);
+  StoreOrder(2, 2, 999);
+  Do([&] { list.LoadColumns(); });
+  EXPECT_EQ(Order(), (Numbers{1, 2, 0}));
+  EXPECT_EQ(Widths(), (Numbers{50, 160, 90}));
+}
+
+TEST_F(ResizeListCtrlTest, ColumnsWithoutAnyWidthHaveNoShares) {
+  OpenWith([&] {
+    AddColumns({0, 0, 0});
+    list.clientWidth = 0;
+    list.registryKey = kKey;
+    list.LoadColumns();
+  });
+  ChangeWidth(90);
+  EXPECT_EQ(Widths(), (Numbers{0, 0, 90}));
+}
+
 TEST_F(ResizeListCtrlTest, WithoutAKeyNothingIsLoaded) {
   StoreWidths(40, 160, 100);
   OpenWith([&] {
@@ -377,7 +402,7 @@ TEST_F(ResizeListCtrlTest, WithoutAKeyNothingIsLoaded) {
 // ---- The first paint
 
 TEST_F(ResizeListCtrlTest, AListThatWasntLoadedBeforeLoadsBehindItsFirstPaintAndIsDrawnAnew) {
-  StoreWidths(40, 160, 100);
+  StoreWidths(40, 60, 100);
   StoreOrder(2, 0, 1);
   Open(false);
   EXPECT_EQ(dialog.messages, Numbers{0x8001});
