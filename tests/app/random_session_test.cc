@@ -1,0 +1,517 @@
+// Long sessions of a person who clicks about in the window, at a machine on which pads come and go,
+// files vanish and the disk fails; the same ones for the same seed. After each act: what is shown
+// is what is in memory, what is in memory is what lies on the disk unless that failed just now, and
+// nobody holds a lock while the program waits. KELVARO_SESSIONS makes it longer.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstdlib>
+#include <initializer_list>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "keys/key_action.h"
+#include "tests/app/main_window_fixture.h"
+#include "tests/console/random.h"
+#include "tests/storage/chunks.h"
+#include "tests/storage/random_profile.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::IDCANCEL;
+using platform::IDOK;
+
+using Strings = std::vector<std::string>;
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kControlList = 1003;
+constexpr std::uint32_t kDeviceList = 1060;
+constexpr std::uint32_t kNew = 1006;
+constexpr std::uint32_t kDelete = 1099;
+constexpr std::uint32_t kRename = 1100;
+constexpr std::uint32_t kCopy = 1101;
+constexpr std::uint32_t kNameEdit = 1137;
+constexpr std::uint32_t kTest = 1036;
+constexpr std::uint32_t kAlwaysActive = 1139;
+constexpr std::uint32_t kRefresh = 1170;
+constexpr std::uint32_t kAdvanced = 1198;
+constexpr std::uint32_t kAutodetect = 1199;
+constexpr std::uint32_t kDeleteControls = 1136;
+constexpr std::uint32_t kCopyControls = 1115;
+constexpr std::uint32_t kPasteControls = 1155;
+constexpr std::uint32_t kMoveUp = 1156;
+constexpr std::uint32_t kMoveDown = 1157;
+
+struct DetectBox {
+  std::uint32_t box;
+  std::uint32_t field;
+};
+constexpr DetectBox kDetectBoxes[] = {{1027, 1159}, {1028, 1160}, {1034, 1163},
+                                      {1029, 1161}, {1030, 1162}, {1031, 1164}};
+
+// Two of them give the same file name, the last ones none.
+const std::initializer_list<const char*> kNames = {"Alpha", "Bravo", "Charlie", "Delta", "Echo 1",
+                                                   "A:B",   "AB",    "Z/Z",     "???",   ""};
+
+std::uint32_t Sessions() {
+  const char* count = std::getenv("KELVARO_SESSIONS");
+  return count ? static_cast<std::uint32_t>(std::strtoul(count, nullptr, 10)) : 12;
+}
+
+std::string FileNameOf(const std::string& name) {
+  return Str(ProfileLibrary::ProfileFileName(Bytes(name)));
+}
+
+// As a sorted drop list has them.
+bool ComesBefore(const std::string& a, const std::string& b) {
+  return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    return std::toupper(static_cast<unsigned char>(x)) <
+           std::toupper(static_cast<unsigned char>(y));
+  });
+}
+
+class RandomSessionTest : public MainWindowTest, public testing::WithParamInterface<std::uint32_t> {
+ protected:
+  RandomSessionTest() : random(GetParam()) {
+    WithoutProfiles();
+    Preset("Show Auto-Detect Usage", 0);
+    sim.KeepEvents(false);
+    for (const char* name : {"Alpha", "Bravo", "Charlie", "Foxtrot", "Golf"}) {
+      StoreProfile(name, [this](ProfileFile& made) { FillProfile(&made); });
+    }
+  }
+
+  // ---- The machine
+
+  void FillProfile(ProfileFile* profile) {
+    if (!random.OneIn(4)) {
+      if (random.OneIn(2))
+        UsePad(*profile);
+      else
+        UseDevice(*profile, stick);
+    }
+    profile->pollInterval = random.Between(1, 20);
+    profile->movementSensitivity = static_cast<std::int32_t>(random.Below(51));
+    for (std::uint32_t n = random.Between(1, 6); n > 0; --n) {
+      Control control;
+      control.actionsBorrowed = 1;  // the one in the list owns the action
+      control.controlId = profile->nextControlId++;
+      control.description = ToDecimal(control.controlId, false, 1);
+      control.SetButtonMask(random.Between(1, 15));
+      control.activateOnPress = random.OneIn(3) ? 0 : 1;
+      control.toggleMouseControls = random.OneIn(5) ? 1 : 0;
+      control.repeatEnabled = random.OneIn(2) ? 1 : 0;
+      control.repeatDelay = random.Between(10, 200);
+      control.repeatSpeed = random.Between(10, 100);
+      auto* const action = new KeyAction;
+      bool duplicateKey = false;
+      action->ParseKeys(Bytes(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})),
+                        &duplicateKey, false, false, platform::kNoWindow);
+      control.actions.AddTail(action);
+      profile->controls.AddTail(control);
+    }
+  }
+
+  void PlayPad() {
+    SimulatedDevice& device = random.OneIn(3) ? stick : pad;
+    switch (random.Below(4)) {
+      case 0:
+        return device.Press({});
+      case 1:
+        return device.Press({random.Between(1, 4)});
+      case 2:
+        return device.Press({random.Between(1, 2), random.Between(3, 4)});
+      default:
+        return device.MoveAxis("Axis_X0", static_cast<std::int32_t>(random.Below(64001)) - 32000);
+    }
+  }
+  void PlugAbout() {
+    SimulatedDevice& device = random.OneIn(3) ? stick : pad;
+    switch (random.Below(4)) {
+      case 0:
+        return device.Unplug();
+      case 1:
+        return device.Lose();
+      default:
+        device.Return();
+        return device.PlugIn();
+    }
+  }
+  void TouchTheFolder() {
+    const Strings files = sim.Disk().List("/game/Profiles");
+    if (files.empty()) return;
+    const std::string path =
+        "/game/Profiles/" + files[random.Below(static_cast<std::uint32_t>(files.size()))];
+    const std::string bytes = sim.Disk().FileBytes(path).value_or("");
+    touched.insert(path);
+    switch (random.Below(4)) {
+      case 0:
+        return sim.Disk().Remove(path);
+      case 1:
+        return sim.Disk().PutFile(
+            path, bytes.substr(0, random.Below(static_cast<std::uint32_t>(bytes.size() + 1))));
+      case 2:
+        return sim.Disk().PutFile(path, bytes, platform::FILE_ATTRIBUTE_READONLY);
+      default:
+        return sim.Disk().PutFile(path, bytes);
+    }
+  }
+
+  // ---- The person
+
+  // Answers what is up, with things going on meanwhile. The captions, in order.
+  Strings AnswerBoxes() {
+    Strings captions;
+    while (screen.BoxUp()) {
+      ExpectNoLock();
+      captions.push_back(screen.Box().caption);
+      if (random.OneIn(4)) PlayPad();
+      if (random.OneIn(4)) PlugAbout();
+      if (random.OneIn(4)) sim.RunFor(random.Below(6000));
+      screen.Answer(IDOK);
+    }
+    return captions;
+  }
+
+  void ToTab(MainWindow::Tab tab) {
+    if (screen.Tab(kTabs) != tab) screen.ChooseTab(kTabs, tab);
+  }
+
+  // What became of the profiles' list by a choice of `name`, from its boxes.
+  void AfterAChoice(std::string name, const Strings& captions) {
+    for (const std::string& caption : captions) {
+      if (caption != "Missing Profile Error" && caption != "File Read Error") continue;
+      listed.erase(std::find(listed.begin(), listed.end(), name));
+      name = listed.empty() ? "" : *std::min_element(listed.begin(), listed.end(), ComesBefore);
+    }
+    // What was read of the last file of all stays in memory, and nothing shows it.
+    mouseShown = !name.empty();
+  }
+  static bool Has(const Strings& captions, const char* caption) {
+    return std::find(captions.begin(), captions.end(), caption) != captions.end();
+  }
+  static bool IsRefused(const Strings& captions) {
+    return Has(captions, "Profile Already Exists") || Has(captions, "Invalid Profile File Name") ||
+           Has(captions, "Profile File Already Exists") || Has(captions, "Missing Profile Name");
+  }
+
+  void ChooseProfile() {
+    if (listed.empty()) return;
+    const std::string name = listed[random.Below(static_cast<std::uint32_t>(listed.size()))];
+    screen.Choose(kProfileList, name);
+    AfterAChoice(name, AnswerBoxes());
+  }
+  void NewProfile() {
+    const std::string before = screen.Chosen(kProfileList);
+    const std::string name = random.OneOf(kNames);
+    screen.Click(kNew);
+    if (random.OneIn(4)) sim.RunFor(random.Below(6000));
+    screen.Type(kNameEdit, name);
+    if (random.OneIn(6)) return screen.Click(IDCANCEL);
+    screen.Click(IDOK);
+    const Strings captions = AnswerBoxes();
+    if (IsRefused(captions)) return;
+    if (Has(captions, "Profile Creation Error")) return AfterAChoice(before, captions);
+    listed.push_back(name);
+  }
+  void DeleteProfile() {
+    if (listed.empty()) return;
+    const std::string before = screen.Chosen(kProfileList);
+    screen.Click(kDelete);
+    if (random.OneIn(3)) return screen.Click(IDCANCEL);
+    screen.Click(IDOK);
+    const Strings captions = AnswerBoxes();
+    if (Has(captions, "Profile Deletion Error")) return;
+    listed.erase(std::find(listed.begin(), listed.end(), before));
+    if (listed.empty()) return;
+    AfterAChoice(*std::min_element(listed.begin(), listed.end(), ComesBefore), captions);
+  }
+  void CopyOrRename(std::uint32_t button) {
+    if (listed.empty()) return;
+    const std::string before = screen.Chosen(kProfileList);
+    const std::string name = random.OneOf(kNames);
+    screen.Click(button);
+    screen.Type(kNameEdit, name);
+    if (random.OneIn(6)) return screen.Click(IDCANCEL);
+    screen.Click(IDOK);
+    if (IsRefused(AnswerBoxes())) {
+      if (name.empty()) screen.Click(IDCANCEL);
+      return;
+    }
+    if (button == kRename) listed.erase(std::find(listed.begin(), listed.end(), before));
+    listed.push_back(name);
+  }
+  void WorkTheMouseTab() {
+    ToTab(MainWindow::kMouseTab);
+    switch (random.Below(4)) {
+      case 0:
+        return screen.Click(kTest);
+      case 1:
+        return screen.Click(kAlwaysActive);
+      case 2:
+        return screen.MoveSlider(ControlEngine::kMovementSensitivitySlider,
+                                 static_cast<std::int32_t>(random.Below(51)));
+      default:
+        return screen.Click(kDetectBoxes[random.Below(6)].box);
+    }
+  }
+  void WorkTheDeviceTab() {
+    ToTab(MainWindow::kDeviceTab);
+    if (random.OneIn(2)) return screen.Click(kRefresh);
+    const Strings rows = screen.Rows(kDeviceList);
+    screen.Choose(kDeviceList, rows[random.Below(static_cast<std::uint32_t>(rows.size()))]);
+    AnswerBoxes();
+  }
+  void WorkTheControlTab() {
+    ToTab(MainWindow::kControlTab);
+    const auto rows = static_cast<std::uint32_t>(screen.Cells(kControlList).size());
+    if (rows > 0) {
+      std::set<std::int32_t> chosen;
+      for (std::uint32_t n = random.Between(1, 2); n > 0; --n) {
+        chosen.insert(static_cast<std::int32_t>(random.Below(rows)));
+      }
+      screen.SelectRows(kControlList, {chosen.begin(), chosen.end()});
+    }
+    constexpr std::uint32_t kButtons[] = {kCopyControls, kPasteControls, kMoveUp, kMoveDown,
+                                          kDeleteControls};
+    screen.Click(kButtons[random.Below(rows > 20 ? 5 : 4)]);
+    AnswerBoxes();
+  }
+  void WorkTheSettingsTab() {
+    ToTab(MainWindow::kSettingsTab);
+    screen.Click(kAdvanced);
+    if (random.OneIn(2)) screen.Click(kAutodetect);
+    screen.Click(random.OneIn(3) ? IDCANCEL : IDOK);
+  }
+  void HideAndShow() {
+    screen.Minimise();
+    EXPECT_FALSE(screen.Shown());
+    sim.RunFor(random.Below(3000));
+    PlayPad();
+    screen.IconDoubleClick();
+  }
+
+  // The program ends and begins again: its list is what the folder holds.
+  void Restart() {
+    if (screen.Running()) {
+      CloseAll();
+      ASSERT_FALSE(screen.Running());
+      ExpectNothingLeft();
+    }
+    unsaved = false;
+    LinkedList<ByteString> names;
+    ProfileFile().ListProfileNames(&names);
+    listed.clear();
+    for (auto* node = names.head; node; node = node->next) listed.push_back(Str(*node->value));
+    const std::string last = SettingText("Last Profile").value_or("");
+    Begin();
+    std::string first;
+    for (const std::string& name : listed) {
+      if (name == last) first = name;
+    }
+    if (first.empty() && !listed.empty()) {
+      first = *std::min_element(listed.begin(), listed.end(), ComesBefore);
+    }
+    AfterAChoice(first, AnswerBoxes());
+  }
+
+  void Act() {
+    switch (random.Below(24)) {
+      case 0:
+      case 1:
+      case 2:
+        return ChooseProfile();
+      case 3:
+      case 4:
+        return NewProfile();
+      case 5:
+        return DeleteProfile();
+      case 6:
+      case 7:
+        return CopyOrRename(kCopy);
+      case 8:
+      case 9:
+        return CopyOrRename(kRename);
+      case 10:
+      case 11:
+      case 12:
+        return WorkTheMouseTab();
+      case 13:
+      case 14:
+        return WorkTheDeviceTab();
+      case 15:
+      case 16:
+      case 17:
+        return WorkTheControlTab();
+      case 18:
+        return WorkTheSettingsTab();
+      case 19:
+        return HideAndShow();
+      case 20:
+        return PlugAbout();
+      default:
+        PlayPad();
+        return sim.RunFor(random.OneIn(4) ? random.Below(12000) : random.Below(300));
+    }
+  }
+
+  void Step() {
+    if (random.OneIn(60)) return Restart();
+    if (random.OneIn(30)) TouchTheFolder();
+    if (random.OneIn(3)) PlayPad();
+    const std::string name = OpenName();
+    const std::string path = "/game/Profiles/" + FileNameOf(name);
+    const std::string before = sim.Disk().FileBytes(path).value_or("");
+    const bool faulty = random.OneIn(5);
+    if (faulty) {
+      const std::uint64_t n = random.Between(1, 40);
+      if (random.OneIn(2)) {
+        sim.Disk().FailOperation(n);
+      } else {
+        sim.Disk().FailInside(n, random.Below(300));
+      }
+    }
+    Act();
+    AnswerBoxes();
+    if (faulty) sim.Disk().Restart();
+    Check(faulty, name, before);
+  }
+
+  // ---- What holds after each act
+
+  std::string OpenName() { return Str(OpenProfile().profileName); }
+
+  // A replay has its locks for as long as it takes, and gives them back.
+  void ExpectFreeSoon(const RecursiveLock& lock) {
+    for (int i = 0; i < 2000 && lock.IsTaken(); ++i) sim.RunFor(1);
+    EXPECT_FALSE(lock.IsTaken());
+  }
+  void ExpectNoLock() {
+    ExpectFreeSoon(Device()->deviceLock);
+    ExpectFreeSoon(Engine().mouseLock);
+    ExpectFreeSoon(OpenProfile().profileLock);
+    ExpectFreeSoon(Engine().repeatWorker.repeatLock);
+  }
+
+  // As a save would write it now.
+  std::string BytesInMemory() {
+    EXPECT_TRUE(OpenProfile().SaveAs("/home/player/now"));
+    const std::string bytes = sim.Disk().FileBytes("/home/player/now").value_or("");
+    sim.Disk().Remove("/home/player/now");
+    return bytes;
+  }
+
+  void Check(bool faulty, const std::string& nameBefore, const std::string& before) {
+    EXPECT_FALSE(screen.BoxUp());
+    EXPECT_EQ(screen.Front(), 102u);
+    EXPECT_EQ(sim.Disk().OpenHandles(), 0u);
+    EXPECT_EQ(sim.Registry().OpenHandles(), 0u);
+    ExpectNoLock();
+    CheckList();
+    CheckFile(faulty, nameBefore, before);
+    CheckEngine();
+    CheckScreen();
+  }
+
+  void CheckList() {
+    Strings shown = screen.Rows(kProfileList);
+    EXPECT_TRUE(std::is_sorted(shown.begin(), shown.end(), ComesBefore));
+    Strings expected = listed;
+    std::sort(expected.begin(), expected.end());
+    std::sort(shown.begin(), shown.end());
+    EXPECT_EQ(shown, expected);
+    EXPECT_EQ(OpenName(), screen.Chosen(kProfileList));
+    if (!listed.empty()) {
+      EXPECT_EQ(SettingText("Last Profile").value_or(""), OpenName());
+    }
+    EXPECT_EQ(Bytes(TextOf(LastProfile())),
+              Bytes(TextOf(SettingText("Last Profile").value_or(""))));
+  }
+
+  void CheckFile(bool faulty, const std::string& nameBefore, const std::string& before) {
+    const std::string name = OpenName();
+    if (name.empty()) return;
+    const std::string path = "/game/Profiles/" + FileNameOf(name);
+    const std::string now = BytesInMemory();
+    const std::string stored = sim.Disk().FileBytes(path).value_or("");
+    if (stored == now) {
+      unsaved = false;
+      touched.erase(path);
+      return;
+    }
+    // Not what it should be only after a failure, and then whole: the old or none.
+    if (name != nameBefore && !faulty) unsaved = false;
+    if (faulty) unsaved = true;
+    if (touched.count(path) != 0 || touched.count(path + ".tmp") != 0) return;
+    EXPECT_TRUE(unsaved) << name;
+    if (!stored.empty() && name == nameBefore) {
+      EXPECT_EQ(stored, before) << name;
+    }
+  }
+
+  void CheckEngine() {
+    ProfileFile& open = OpenProfile();
+    EXPECT_EQ(open.DispatchList.count, open.controls.count);
+    const Control* const repeating = Engine().repeatWorker.Repeating();
+    bool found = repeating == nullptr;
+    std::uint32_t weight = UINT32_MAX;
+    for (auto* node = open.DispatchList.head; node; node = node->next) {
+      if (node->value == repeating) found = true;
+      EXPECT_LE(node->value->Weight(), weight);
+      weight = node->value->Weight();
+      EXPECT_EQ(node->value->actionsBorrowed, 1);
+    }
+    EXPECT_TRUE(found) << "what repeats is gone";
+    if (mouseShown) {
+      EXPECT_EQ(Engine().movementFactor, open.movementSensitivity + 2);
+    }
+    if (Device()->DeviceSelected()) {
+      EXPECT_EQ(CurrentDeviceName(), Str(Device()->SelectedName()));
+    }
+  }
+
+  void CheckScreen() {
+    EXPECT_EQ(screen.Tab(kTabs), CurrentTab());
+    EXPECT_EQ(screen.Cells(kControlList).size(),
+              static_cast<std::size_t>(OpenProfile().controls.count));
+    if (CurrentTab() != MainWindow::kMouseTab) {
+      EXPECT_FALSE(Engine().mouseTestMode);
+      EXPECT_EQ(Engine().detectCount, 0u);
+    }
+    for (const DetectBox& detect : kDetectBoxes) {
+      EXPECT_EQ(screen.Checked(detect.box),
+                Engine().detectCount != 0 && Engine().detectTargetId == detect.field)
+          << detect.box;
+    }
+    if (mouseShown) {
+      EXPECT_EQ(screen.Slider(ControlEngine::kMovementSensitivitySlider),
+                OpenProfile().movementSensitivity);
+    }
+  }
+
+  Random random;
+  SimulatedDevice& stick = MainWindowTest::AddPad("Stick");
+  Strings listed;                 // names that the list should show
+  std::set<std::string> touched;  // files, by somebody else
+  bool mouseShown = false;        // the settings of the mouse, since the last load
+  bool unsaved = false;           // the open profile, by a failure
+};
+
+TEST_P(RandomSessionTest, HoldsTogether) {
+  Restart();
+  for (int step = 0; step < 300; ++step) {
+    SCOPED_TRACE(testing::Message() << "step " << step);
+    Step();
+    if (HasFailure()) return;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessionTest, testing::Range(1u, 1u + Sessions()));
+
+}  // namespace
+}  // namespace kelvaro
