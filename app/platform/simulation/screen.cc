@@ -401,8 +401,8 @@ struct Screen::State {
       } else if (window.defaultButton == 0) {
         Notify(window, IDOK, Notice::Clicked);
       } else if (VirtualControl* button = window.Find(window.defaultButton);
-                 button && button->Usable()) {
-        PressIt(window, *button);
+                 button && button->enabled) {
+        PressIt(window, *button);  // a hidden one, too
       }
     } else if (vk == kEscape) {
       const VirtualControl* const cancel = window.Find(IDCANCEL);
