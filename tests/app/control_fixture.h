@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -109,7 +110,10 @@ class ControlTest : public MainWindowTest {
     return sent;
   }
 
-  Control& ControlAt(std::int32_t row) { return *OpenProfile().controls.At(row)->value; }
+  Control& ControlAt(std::int32_t row) {
+    if (row >= OpenProfile().controls.count) throw std::out_of_range("no such Control");
+    return *OpenProfile().controls.At(row)->value;
+  }
 
   static std::string Keys(const Control& control) {
     std::string text;

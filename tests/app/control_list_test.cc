@@ -54,12 +54,22 @@ class CountedAction final : public KeyAction {
   CountedAction(const CountedAction& other) : CountedAction(static_cast<const KeyAction&>(other)) {}
   ~CountedAction() override {
     EXPECT_EQ(living.erase(this), 1u) << "deleted twice";
+    EXPECT_EQ(replays, 0) << "deleted under a replay";
     ++destroyed;
+  }
+  bool Replay(std::uint8_t repeat, std::uint32_t holdTime, std::uint32_t releasePause) override {
+    ++replays;
+    const bool done = KeyAction::Replay(repeat, holdTime, releasePause);
+    --replays;
+    return done;
   }
   InputAction* Clone() const override { return new CountedAction(*this); }
 
   static inline std::set<const void*> living;
   static inline std::size_t destroyed = 0;
+
+ private:
+  int replays = 0;  // under way
 };
 
 class ControlListTest : public ControlTest {
@@ -397,6 +407,16 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnCancelToo) {
   EXPECT_EQ(Number("Shift Reminder"), 0u);
 }
 
+TEST_F(ControlListTest, AReminderThatIsOffAsksNothing) {
+  Preset("Shift Reminder", 0);
+  StartWithLetters(1);
+  New();
+  TypeControl("A");
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(Keys(ControlAt(1)), "A");
+}
+
 TEST_F(ControlListTest, SettingsAreSavedOnlyIfTheReminderChanged) {
   StartWithLetters(1);
   for (const bool ok : {true, false}) {
@@ -411,6 +431,21 @@ TEST_F(ControlListTest, SettingsAreSavedOnlyIfTheReminderChanged) {
   }
   EXPECT_TRUE(ShiftReminder());
   EXPECT_EQ(Number("Shift Reminder"), std::nullopt);
+}
+
+TEST_F(ControlListTest, WithoutAWindowForTheDialogNothingIsEdited) {
+  StartWithLetters(1);
+  const InputAction* action = *ControlAt(0).actions.head->value;
+  sim.FailNext("RunDialog");
+  Edit(0);
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  sim.FailNext("RunDialog");
+  New();
+  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Cells(kList), (Cells{{"B1", "a", "a"}}));
+  EXPECT_EQ(*ControlAt(0).actions.head->value, action);
+  EXPECT_EQ(Keys(ControlAt(0)), "a");
+  EXPECT_EQ(DefineControl().scratch.actionsBorrowed, 1) << "they are still the Control's";
 }
 
 // --- Delete
@@ -487,6 +522,19 @@ TEST_F(ControlListTest, ARepeatingControlThatIsDeletedRepeatsNoMore) {
   sim.RunFor(1000);
   Press({});
   EXPECT_EQ(sim.EventText(), "");
+}
+
+TEST_F(ControlListTest, AReplayOfTheRepeatIsOverBeforeItsControlGoes) {
+  StartWith({{.buttons = 1, .keys = {"a<P:1000>b"}, .repeat = true, .delay = 100, .speed = 50}});
+  CountActions();
+  Press({1});  // the first replay, of the dispatcher, takes 1000 ms
+  sim.RunFor(1500);
+  ASSERT_TRUE(Engine().repeatWorker.Repeating());
+  ASSERT_EQ(Sent().back(), "key 41 1e 2") << "in the middle of the second";
+  const std::uint64_t before = sim.Now();
+  Delete({0});
+  EXPECT_GT(sim.Now(), before + 400);
+  EXPECT_EQ(Sent().back(), "key 42 30 2");
 }
 
 TEST_F(ControlListTest, PastingStopsARepeatWhoseControlIsReplaced) {
@@ -626,6 +674,15 @@ TEST_F(ControlListTest, ControlCAndControlVCopyAndPaste) {
   for (const std::uint8_t other : {'X', 'B', 'A'}) screen.Press(other, true);
   EXPECT_EQ(Descriptions(), "abb");
   EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(ControlListTest, TheWindowItselfTakesControlCAndControlVToo) {
+  StartWithLetters(2);
+  Select({0});
+  screen.FocusOn(kUpButton);  // which has no use for them
+  screen.Press('C', true);
+  screen.Press('V', true);
+  EXPECT_EQ(Descriptions(), "aba");
 }
 
 // --- Move
@@ -794,6 +851,30 @@ TEST_F(ControlListTest, EachActionIsDeletedByOneControl) {
   EXPECT_EQ(living(), 2u);
   CloseAll();
   EXPECT_EQ(living(), 0u);
+}
+
+TEST_F(ControlListTest, TheProgramCanEndWhileTheDialogIsOpen) {
+  StartWithLetters(1);
+  New();
+  TypeControl("A");
+  Post(WM_CLOSE_PROGRAM);
+  ASSERT_TRUE(screen.Running());
+  screen.Click(IDOK);
+  screen.Click(resources::kDontShowAgain);
+  screen.Click(IDOK);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(StoredIds(), (Ids{1, 2})) << "what was confirmed is kept";
+  EXPECT_EQ(Number("Shift Reminder"), 0u);
+}
+
+TEST_F(ControlListTest, TheProgramCanEndWhileTheQuestionIsUp) {
+  StartWithLetters(2);
+  Select({0});
+  screen.Click(kDeleteButton);
+  Post(WM_CLOSE_PROGRAM);
+  screen.Answer(IDYES);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(StoredIds(), Ids{2});
 }
 
 // --- All of it, at random

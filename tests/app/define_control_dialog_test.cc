@@ -346,6 +346,15 @@ TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
   EXPECT_EQ(screen.Front(), kDefineDialog);
 }
 
+TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
+  StartWith({});
+  DefineControl().helpAvailable = false;
+  New();
+  const std::size_t before = screen.HelpCalls().size();
+  screen.Click(1146);
+  EXPECT_EQ(screen.HelpCalls().size(), before);
+}
+
 TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
   StartWith({});
   New();
@@ -415,6 +424,17 @@ TEST_F(DefineControlDialogTest, PressAndReleaseEnableAndDisableRepeatAndHoldAll)
   EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169- 1196- 1197-");
   screen.Click(1124);
   EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196- 1197-");
+}
+
+TEST_F(DefineControlDialogTest, PressThatIsClickedOnceMoreEnablesHoldAllBesideRepeat) {
+  OfferRelease();
+  StartWith({});
+  New();
+  screen.Click(1123);
+  screen.Click(1124);
+  EXPECT_EQ(Boxes(), "1123* 1095 1096 1169 1196 1197");
+  screen.Click(1169);
+  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
 }
 
 TEST_F(DefineControlDialogTest, TheRadioButtonDecidesWhenTheControlFires) {
@@ -542,7 +562,18 @@ TEST_F(DefineControlDialogTest, OkTakesWhatIsHeldWhileDetectionRuns) {
   EXPECT_EQ(TheControl().triggerItems.count, 0) << "the former Trigger is gone";
   Press({3, 4});
   EXPECT_EQ(TheControl().buttonMask, 0b100u);
-  EXPECT_EQ(DefineControl().scratch.buttonMask, 0b100u) << "closed, it takes nothing any more";
+  EXPECT_EQ(DefineControl().scratch.buttonMask, 0b100u);
+}
+
+TEST_F(DefineControlDialogTest, AStateThatComesAsItClosesIsTooLate) {
+  OpenEdit({.buttons = 0b1000});
+  screen.Click(1126);
+  screen.Click(IDOK);
+  DeviceSnapshot snapshot;
+  snapshot.dispatchButtons = 1;
+  ASSERT_TRUE(DefineControl().detectTrigger);
+  DefineControl().ShowDetectedTrigger(*Device(), snapshot);
+  EXPECT_EQ(DefineControl().scratch.buttonMask, 0b1000u);
 }
 
 TEST_F(DefineControlDialogTest, DetectionIsOffAtEachOpening) {
