@@ -103,6 +103,7 @@ std::int32_t DialogWindow::Run() {
   }
   if (!ended) {
     BringUp();
+    if (!parentWidget()) around.isUp(handle);
     loop.exec();
     // The application ends without having been asked to end this window.
     if (!ended) listener.OnClose();

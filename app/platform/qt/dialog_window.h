@@ -27,6 +27,8 @@ struct Surroundings {
   Hooks& hooks;
   // Whether a window has an icon that should stand for it and isn't seen anywhere.
   std::function<bool(WindowHandle)> lacksItsIcon;
+  // Told of a window without an owner that it is up.
+  std::function<void(WindowHandle)> isUp;
 };
 
 // A call that waits for its turn among the messages of a window.

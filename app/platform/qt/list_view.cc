@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyle>
+#include <QStyleOptionViewItem>
 #include <algorithm>
 
 #include "app/platform/qt/text.h"
@@ -126,7 +127,9 @@ class ListView::Widget : public QTreeView {
  private:
   void PaintGrid() {
     QPainter painter(viewport());
-    const int hint = style()->styleHint(QStyle::SH_Table_GridLineColor, nullptr, this);
+    QStyleOptionViewItem option;
+    option.initFrom(this);
+    const int hint = style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this);
     painter.setPen(QColor::fromRgba(static_cast<QRgb>(hint)));
     const int height = model()->rowCount() > 0 ? rowHeight(model()->index(0, 0)) : 0;
     int bottom = 0;

@@ -64,12 +64,12 @@ QtDesktop::QtDesktop()
           }) {}
 
 QtDesktop::~QtDesktop() {
-  for (const auto& box : asked) delete box.data();
+  for (const auto& box : aside) delete box.data();
 }
 
 void QtDesktop::CloseAll() {
   closing = true;
-  for (const auto& box : asked) {
+  for (const auto& box : aside) {
     if (box) box->reject();
   }
   if (waiting.empty()) return;
@@ -110,6 +110,34 @@ std::int32_t QtDesktop::AskHere(WindowHandle owner, const std::string& text,
   return AnswerOf(*box);
 }
 
+// No loop of its own: it would have to wait for those that begin after it.
+QMessageBox* QtDesktop::ShowAside(WindowHandle owner, const std::string& text,
+                                  const std::string& caption, std::uint32_t type) {
+  QMessageBox* const box = MakeMessageBox(SeenOwner(owner), text, caption, type).release();
+  std::erase_if(aside, [](const auto& other) { return other.isNull(); });
+  aside.emplace_back(box);
+  box->setAttribute(Qt::WA_DeleteOnClose);
+  box->show();
+  return box;
+}
+
+void QtDesktop::Tell(const std::string& text) {
+  QMetaObject::invokeMethod(
+      this,
+      [=, this] {
+        untold.push_back(text);
+        TellNow();
+      },
+      Qt::QueuedConnection);
+}
+
+void QtDesktop::TellNow() {
+  if (firstWindow == kNoWindow) return;
+  for (const std::string& text : std::exchange(untold, {})) {
+    ShowAside(firstWindow, text, "Kelvaro", MB_OK | MB_ICONEXCLAMATION);
+  }
+}
+
 std::int32_t QtDesktop::MessageBoxA(WindowHandle owner, const std::string& text,
                                     const std::string& caption, std::uint32_t type) {
   StopHereIfCutOff();
@@ -118,14 +146,9 @@ std::int32_t QtDesktop::MessageBoxA(WindowHandle owner, const std::string& text,
   QMetaObject::invokeMethod(
       this,
       [=, this] {
-        // No loop of its own: it would have to wait for those that begin after it.
-        QMessageBox* const box = MakeMessageBox(SeenOwner(owner), text, caption, type).release();
-        std::erase_if(asked, [](const auto& other) { return other.isNull(); });
-        asked.emplace_back(box);
-        box->setAttribute(Qt::WA_DeleteOnClose);
+        QMessageBox* const box = ShowAside(owner, text, caption, type);
         connect(box, &QDialog::finished, box, [=] { waiter->Answer(AnswerOf(*box)); });
-        connect(box, &QObject::destroyed, box, [=] { waiter->Answer(0); });
-        box->show();
+        connect(box, &QObject::destroyed, [=] { waiter->Answer(0); });
       },
       Qt::QueuedConnection);
   const std::int32_t answer = waiter->Wait();
@@ -139,12 +162,17 @@ std::int32_t QtDesktop::RunDialog(const DialogTemplate& dialog, WindowHandle own
   if (owner != kNoWindow && !behind) return -1;
   if (behind) behind->BringUp();
   const Surroundings around{windows, icons, hooks,
-                            [this](WindowHandle window) { return area.Lacks(window); }};
+                            [this](WindowHandle window) { return area.Lacks(window); },
+                            [this](WindowHandle window) {
+                              if (firstWindow == kNoWindow) firstWindow = window;
+                              TellNow();
+                            }};
   DialogWindow window(dialog, behind, listener, around);
   DialogWindow* const shown = &window;
   const InFront entry(*this, {window.Handle(), [shown] { shown->End(IDCANCEL); }});
   const std::int32_t result = window.Run();
   area.DeleteAll(window.Handle());
+  if (firstWindow == window.Handle()) firstWindow = kNoWindow;
   return result;
 }
 

@@ -26,6 +26,9 @@ class QtDesktop final : public QObject, public Desktop {
   // session or the program. User interface's thread.
   void CloseAll();
 
+  // Tells the person, in a box that nothing waits for, once the first window is up. Any thread.
+  void Tell(const std::string& text);
+
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
@@ -84,13 +87,19 @@ class QtDesktop final : public QObject, public Desktop {
   std::int32_t AskHere(WindowHandle owner, const std::string& text, const std::string& caption,
                        std::uint32_t type);
   void GoOnClosing();
+  // A box for which no loop runs here; it goes by itself.
+  QMessageBox* ShowAside(WindowHandle owner, const std::string& text, const std::string& caption,
+                         std::uint32_t type);
+  void TellNow();
 
   WindowTable windows;
   Icons icons;
   Hooks hooks;
   NotificationArea area;
   std::vector<Waiting> waiting;
-  std::vector<QPointer<QMessageBox>> asked;  // for other threads
+  std::vector<QPointer<QMessageBox>> aside;  // boxes
+  std::vector<std::string> untold;
+  WindowHandle firstWindow = kNoWindow;  // that is up
   bool closing = false;
 };
 

@@ -4,7 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <QSocketNotifier>
+#include <QCoreApplication>
+#include <QEvent>
 #include <atomic>
 
 #include "app/platform/qt/qt_desktop.h"
@@ -25,13 +26,14 @@ void OnSignal(int) {
 
 }  // namespace
 
-StopRequests::StopRequests(QtDesktop& desktop) {
+StopRequests::StopRequests(QtDesktop& desktop) : desktop(desktop) {
+  QCoreApplication::instance()->installEventFilter(this);
   if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
   notifier = std::make_unique<QSocketNotifier>(pipe[0], QSocketNotifier::Read);
-  QObject::connect(notifier.get(), &QSocketNotifier::activated, [this, &desktop] {
+  connect(notifier.get(), &QSocketNotifier::activated, this, [this] {
     char bytes[16];
     while (read(pipe[0], bytes, sizeof bytes) > 0) continue;
-    desktop.CloseAll();
+    this->desktop.CloseAll();
   });
   wakeEnd = pipe[1];
   struct sigaction action = {};
@@ -47,6 +49,13 @@ StopRequests::~StopRequests() {
   notifier.reset();
   close(pipe[0]);
   close(pipe[1]);
+}
+
+// The session asks the application to quit.
+bool StopRequests::eventFilter(QObject*, QEvent* event) {
+  if (event->type() != QEvent::Quit) return false;
+  desktop.CloseAll();
+  return true;
 }
 
 }  // namespace platform::qt

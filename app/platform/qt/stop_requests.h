@@ -1,24 +1,25 @@
-// Ends the program as its close box does when somebody else wants it ended: SIGTERM, SIGINT and
-// SIGHUP, which the end of a session sends, too. One at a time; user interface's thread.
+// Ends the program as its close box does when somebody else wants it ended: by SIGTERM, SIGINT or
+// SIGHUP, or at the end of the session. One at a time; user interface's thread.
 #pragma once
 
+#include <QObject>
+#include <QSocketNotifier>
 #include <csignal>
 #include <memory>
-
-class QSocketNotifier;
 
 namespace platform::qt {
 
 class QtDesktop;
 
-class StopRequests {
+class StopRequests : public QObject {
  public:
   explicit StopRequests(QtDesktop& desktop);
-  ~StopRequests();
-  StopRequests(const StopRequests&) = delete;
-  StopRequests& operator=(const StopRequests&) = delete;
+  ~StopRequests() override;
 
  private:
+  bool eventFilter(QObject* object, QEvent* event) override;
+
+  QtDesktop& desktop;
   int pipe[2] = {-1, -1};
   std::unique_ptr<QSocketNotifier> notifier;
   struct sigaction before[3];

@@ -15,6 +15,7 @@
 
 #include "app/platform/platform.h"
 #include "app/platform/qt/qt_platform.h"
+#include "app/platform/qt/text.h"
 #include "app/resources/resources.h"
 
 namespace {
@@ -73,7 +74,9 @@ class Photographer : public platform::WindowListener {
   void OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) override {
     canvas.FillRect(item.rect, platform::GetSysColor(platform::COLOR_3DFACE));
     canvas.FrameRect(item.rect, platform::GetSysColor(platform::COLOR_3DSHADOW));
-    canvas.TextInRect(item.rect, platform::GetDlgItemTextA(window, item.id),
+    const QString text = platform::qt::WithoutMnemonic(
+        platform::qt::Shown(platform::GetDlgItemTextA(window, item.id)));
+    canvas.TextInRect(item.rect, platform::qt::Bytes(text),
                       platform::GetSysColor(platform::COLOR_BTNTEXT),
                       platform::DT_CENTER | platform::DT_VCENTER);
   }

@@ -1,0 +1,85 @@
+#include "app/program/desktop_program.h"
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <cstdio>
+#include <string>
+
+#include "app/platform/linux/linux_platform.h"
+#include "app/platform/linux/settings/sqlite_registry.h"
+#include "app/platform/platform.h"
+#include "app/platform/qt/qt_platform.h"
+#include "app/platform/qt/stop_requests.h"
+#include "app/program/display.h"
+#include "app/program/no_input.h"
+#include "app/resources/resources.h"
+#include "app/run_program.h"
+
+namespace kelvaro {
+namespace {
+
+QtMessageHandler usualMessages = nullptr;
+
+// Where Qt finds no way to show anything it would end the program with a dump.
+void OnMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (type == QtFatalMsg && !QCoreApplication::instance()) {
+    const std::string reason = text.section(u'\n', 0, 0).toStdString();
+    std::fprintf(stderr, "%s\n", NoDisplay(reason).c_str());
+    _exit(1);
+  }
+  usualMessages(type, context, text);
+}
+
+}  // namespace
+
+const char kUsage[] =
+    "usage: kelvaro [PROFILE] [profile=NAME]... [target=PROGRAM] [args=ARGUMENTS] [dir=FOLDER]\n"
+    "\n"
+    "Shows the window of Kelvaro, which turns a game pad or joystick into keys and mouse.\n"
+    "\n"
+    "  PROFILE         select the first profile whose name begins so\n"
+    "  profile=NAME    the same; each further one is played by an instance of its own\n"
+    "  target=PROGRAM  start this program, and end when it ends; goes with a profile\n"
+    "  args=ARGUMENTS  of the target; [ and ] stand for double quotes\n"
+    "  dir=FOLDER      to start the target in\n"
+    "  --help          print this and end\n"
+    "  --version       print the version and end\n"
+    "\n"
+    "Without a display \"kelvaroctl run\" plays a profile.\n";
+
+int RunOnDesktop(int& argc, char** argv) {
+  platform::LinuxPlatform system;
+  // First, for a desktop needs a moment to take in the new keyboard and mouse.
+  std::string inputError;
+  const bool hasInput = system.OpenInput(platform::InputChoice::Auto, &inputError);
+
+  usualMessages = qInstallMessageHandler(&OnMessage);
+  QApplication application(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("kelvaro"));
+  QApplication::setDesktopFileName(QStringLiteral("kelvaro"));
+  platform::qt::QtPlatform qt;
+  const platform::qt::StopRequests stop(qt.Desktop());
+
+  NoInput noInput;
+  platform::SqliteRegistry registry;
+  platform::Platform groups = system.Groups();
+  groups.registry = &registry;
+  groups.desktop = &qt.Desktop();
+  groups.controls = &qt.Controls();
+  groups.shell = &qt.Shell();
+  if (hasInput) {
+    system.Sender()->OnFailure([&qt](const std::string& reason) {
+      qt.Desktop().Tell("The system refuses the keys and mouse events that are sent: " + reason);
+    });
+  } else {
+    groups.input = &noInput;
+    qt.Desktop().Tell("Kelvaro " + inputError +
+                      ".\n\nUntil then profiles can be edited, and their Controls do nothing.");
+  }
+  registry.OnTrouble([&qt](const std::string& text) { qt.Desktop().Tell(text); });
+  const platform::InstalledPlatform installed(groups);
+  return RunProgram();
+}
+
+}  // namespace kelvaro

@@ -1,0 +1,27 @@
+// Whether there is a display to show a window on, looked for before Qt is, which would end the
+// program on the spot where there is none.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace kelvaro {
+
+struct DisplaySystem {
+  // The value of an environment variable, empty for none.
+  std::function<std::string(const char* name)> variable;
+  // Whether the X server, or the Wayland compositor, that the environment names takes connections.
+  std::function<bool()> xAnswers;
+  std::function<bool()> waylandAnswers;
+};
+
+// Of this process.
+DisplaySystem RealDisplaySystem();
+
+// False with a sentence for the person in *error.
+bool FindDisplay(const DisplaySystem& system, std::string* error);
+
+// The sentence, with what is wrong put into it.
+std::string NoDisplay(const std::string& reason);
+
+}  // namespace kelvaro

@@ -1,0 +1,27 @@
+#include <cstdio>
+#include <string>
+
+#include "app/main_window.h"
+#include "app/program/desktop_program.h"
+#include "app/program/display.h"
+
+int main(int argc, char** argv) {
+  using namespace kelvaro;
+  const std::string first = argc > 1 ? argv[1] : "";
+  if (first == "--help") {
+    std::fputs(kUsage, stdout);
+    return 0;
+  }
+  if (first == "--version") {
+    const ByteString version = MainWindow::VersionText(
+        MainWindow::kVersionMajor, MainWindow::kVersionMinor, MainWindow::kVersionRevision);
+    std::printf("Kelvaro, %s\n", Bytes(version).c_str());
+    return 0;
+  }
+  std::string error;
+  if (!FindDisplay(RealDisplaySystem(), &error)) {
+    std::fprintf(stderr, "%s\n", error.c_str());
+    return 1;
+  }
+  return RunOnDesktop(argc, argv);
+}
