@@ -272,7 +272,7 @@ std::int32_t WindowSystem::RunBox(ShownMessageBox box) {
     Leave(Modal::Box, kNoWindow);
   } else {
     open->event = std::make_shared<Event>();
-    scheduler.Wait({open->event}, Scheduler::kNever);
+    WaitFor(open->event, Scheduler::kNever);
   }
   const std::int32_t button = open->button;
   openBoxes.erase(open);
@@ -459,8 +459,15 @@ void WindowSystem::HandleOne() {
   }
   if (PaintOne() || RunDueTimer()) return;
   idle = true;
-  scheduler.Wait({wake}, NextTimer());
+  WaitFor(wake, NextTimer());
   idle = false;
+}
+
+// Keeps nothing on a stack that may be dropped.
+void WindowSystem::WaitFor(const std::shared_ptr<Event>& event, std::uint64_t t) {
+  std::vector<std::shared_ptr<Waitable>> objects;
+  objects.push_back(event);
+  scheduler.Wait(std::move(objects), t);
 }
 
 bool WindowSystem::PaintOne() {

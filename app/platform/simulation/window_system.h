@@ -247,6 +247,7 @@ class WindowSystem {
   void TellPlace(VirtualWindow& window, const Rect& before, std::uint32_t type, bool always);
   void MarkAllForPainting(VirtualWindow& window);
   void HandleOne();  // waits for it
+  void WaitFor(const std::shared_ptr<Event>& event, std::uint64_t t);
   bool PaintOne();
   bool RunDueTimer();
   std::uint64_t NextTimer() const;

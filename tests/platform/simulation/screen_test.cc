@@ -1457,6 +1457,19 @@ TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {
   EXPECT_EQ(Refusal([&] { screen.DismissMenu(); }), "DismissMenu: there is no menu");
 }
 
+TEST_F(IconTest, AMenuThatFailsIsNotShown) {
+  Shell_NotifyIconA(NIM_ADD, data);
+  const MenuItem items[] = {{"Exit", 50}};
+  main.onMessage = [&](std::uint32_t) {
+    main.Note(TrackPopupMenu(main.window, items, 0, {}) ? "shown" : "failed");
+  };
+  sim.FailNext("TrackPopupMenu");
+  screen.IconMessage(4, WM_RBUTTONDOWN);
+  EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 516", "failed"}));
+  EXPECT_EQ(screen.MenusShown(), 0u);
+  EXPECT_FALSE(TrackPopupMenu(main.window, items, 0, {}));  // not from this thread
+}
+
 TEST_F(IconTest, ADismissedMenuGivesNoCommand) {
   Shell_NotifyIconA(NIM_ADD, data);
   const MenuItem items[] = {{"Exit", 50}};
@@ -1549,17 +1562,16 @@ TEST_F(ScreenTest, AFailingOperationDoesNothing) {
   Rect rect;
   Point point;
   std::vector<std::int32_t> order;
-  const MenuItem items[] = {{"Exit", 50}};
   struct Case {
     const char* operation;
     std::function<bool()> succeeds;
   };
   const Case cases[] = {
-      {"EndDialog", [&] { return EndDialog(window, 1); }},
       {"ShowWindow", [&] { return ShowWindow(window, SW_HIDE); }},
       {"SetTimer", [&] { return SetTimer(window, 1, 10) != 0; }},
       {"KillTimer", [&] { return KillTimer(window, 1); }},
-      {"SetWindowsHookExA", [&] { return SetWindowsHookExA(WH_CBT, &FirstHook) != 0; }},
+      {"SetWindowsHookExA",
+       [&] { return (firstHook = SetWindowsHookExA(WH_CBT, &FirstHook)) != 0; }},
       {"UnhookWindowsHookEx", [&] { return UnhookWindowsHookEx(firstHook); }},
       {"LoadIconA", [&] { return LoadIconA(128) != 0; }},
       {"DestroyIcon", [&] { return DestroyIcon(128); }},
@@ -1567,7 +1579,6 @@ TEST_F(ScreenTest, AFailingOperationDoesNothing) {
       {"Shell_NotifyIconA", [&] { return Shell_NotifyIconA(NIM_ADD, data); }},
       {"GetCursorPos", [&] { return GetCursorPos(&point); }},
       {"GetDesktopRect", [&] { return GetDesktopRect(&rect); }},
-      {"TrackPopupMenu", [&] { return TrackPopupMenu(window, items, 0, {}); }},
       {"PostMessageA", [&] { return PostMessageA(window, WM_APP, 0, 0); }},
       {"SetForegroundWindow", [&] { return SetForegroundWindow(window); }},
       {"SetWindowIcon", [&] { return SetWindowIcon(window, 1, true); }},
@@ -1583,14 +1594,15 @@ TEST_F(ScreenTest, AFailingOperationDoesNothing) {
        [&] { return DeferWindowPos(BeginDeferWindowPos(1), window, 20, {}, 0) != 0; }},
       {"EndDeferWindowPos", [&] { return EndDeferWindowPos(BeginDeferWindowPos(1)); }},
       {"InvalidateControl", [&] { return InvalidateControl(window, 20); }},
-      {"ShowControl", [&] { return ShowControl(window, 20, SW_HIDE); }},
+      {"ShowControl", [&] { return ShowControl(window, 21, SW_HIDE); }},
       {"SetControlFocus", [&] { return SetControlFocus(window, 20); }},
       {"PostControlMessage", [&] { return PostControlMessage(window, 20, 1); }},
       {"ComboAddString", [&] { return ComboAddString(window, 30, "x") >= 0; }},
       {"ComboDeleteString", [&] { return ComboDeleteString(window, 30, 0); }},
       {"ComboSetCurSel", [&] { return ComboSetCurSel(window, 30, 0); }},
       {"ListGetColumnOrder", [&] { return ListGetColumnOrder(window, 31, &order); }},
-      {"ListSetColumnOrder", [&] { return ListSetColumnOrder(window, 31, {}); }},
+      {"ListSetColumnOrder", [&] { return ListSetColumnOrder(window, 31, {0}); }},
+      {"ListSetColumnWidth", [&] { return ListSetColumnWidth(window, 31, 0, 9); }},
       {"TabSetCurSel", [&] { return TabSetCurSel(window, 32, 0); }},
       {"SetPicture", [&] { return SetPicture(window, 36, 1); }},
       {"SetHandCursor", [&] { return SetHandCursor(window, 35); }},
@@ -1599,26 +1611,38 @@ TEST_F(ScreenTest, AFailingOperationDoesNothing) {
       {"SetToolTipWidth", [&] { return SetToolTipWidth(window, 1); }},
       {"SetToolTipTime", [&] { return SetToolTipTime(window, 1); }},
       {"ActivateToolTip", [&] { return ActivateToolTip(window, true); }},
+      {"AddTabTool", [&] { return AddTabTool(window, 32, 0, "x"); }},
+      {"AddTool", [&] { return AddTool(window, 20); }},
       {"MessageBeep", [&] { return MessageBeep(0); }},
       {"LoadLibraryA", [&] { return LoadLibraryA("hhctrl.ocx") != 0; }},
       {"GetHelpFunction", [&] { return GetHelpFunction(1, 14) != nullptr; }},
       {"MessageBoxA", [&] { return MessageBoxA(window, "", "", MB_OK) != 0; }},
+      {"EndDialog", [&] { return EndDialog(window, 1); }},
   };
+  TabInsertItem(window, 32, "Control");
+  ListInsertColumn(window, 31, "A", 40);
   main.Diary();
+  sim.LogCalls(true);
   for (const Case& one : cases) {
+    sim.ClearCalls();
     sim.FailNext(one.operation);
     EXPECT_FALSE(one.succeeds()) << one.operation;
+    ASSERT_FALSE(sim.Calls().empty()) << one.operation;
+    EXPECT_EQ(sim.Calls().back().substr(0, sim.Calls().back().find(' ')), one.operation);
   }
   screen.Settle();
   sim.RunFor(20);
   EXPECT_TRUE(main.Diary().empty());
   EXPECT_TRUE(screen.Shown());
   EXPECT_EQ(screen.Rows(30), (Lines{"Apple", "pear", "plum"}));
-  EXPECT_TRUE(screen.Visible(20));
+  EXPECT_TRUE(screen.Visible(21));
   EXPECT_FALSE(screen.IconShown());
   EXPECT_EQ(screen.Beeps(), 0u);
   EXPECT_TRUE(screen.Boxes().empty());
   EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
+  // Without a plan each of them would have been carried out.
+  screen.AnswerNext(IDOK);
+  for (const Case& one : cases) EXPECT_TRUE(one.succeeds()) << one.operation;
 }
 
 }  // namespace

@@ -45,6 +45,21 @@ TEST(VirtualRegistry, NamesAreFoundInEitherCaseAndStayAsTheyWereMade) {
   EXPECT_EQ(registry.Value("HKCU\\Software\\Game", "last device")->data, "22");
 }
 
+TEST(VirtualRegistry, ClassesAreAHiveOfTheirOwn) {
+  VirtualRegistry registry;
+  registry.PutString("HKCR\\CLSID\\{1}\\InprocServer32", "", "a.ocx");
+  HKEY key = 0;
+  ASSERT_EQ(registry.RegOpenKeyA(HKEY_CLASSES_ROOT, "CLSID\\{1}\\InprocServer32", &key),
+            ERROR_SUCCESS);
+  char data[6] = {};
+  std::uint32_t size = sizeof data;
+  EXPECT_EQ(registry.RegQueryValueExA(key, "", nullptr, data, &size), ERROR_SUCCESS);
+  EXPECT_STREQ(data, "a.ocx");
+  EXPECT_EQ(registry.RegOpenKeyA(HKEY_CURRENT_USER, "CLSID", &key), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(registry.RegCloseKey(HKEY_CLASSES_ROOT), ERROR_SUCCESS);
+  EXPECT_EQ(registry.RegOpenKeyA(HKEY_CLASSES_ROOT, "CLSID", &key), ERROR_SUCCESS);
+}
+
 TEST(VirtualRegistry, EmptyPartsOfAPathDoNotCount) {
   VirtualRegistry registry;
   HKEY key = 0;

@@ -233,6 +233,15 @@ TEST_F(SqliteRegistryTest, HandlesThatAreNotOpenAreInvalid) {
   EXPECT_EQ(SubkeyNames(key), Names{});
 }
 
+TEST_F(SqliteRegistryTest, ThereAreNoClasses) {
+  HKEY key = 7;
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_CLASSES_ROOT, "CLSID", &key), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CLASSES_ROOT, "CLSID", &key), ERROR_INVALID_HANDLE);
+  EXPECT_EQ(key, 7u);
+  EXPECT_EQ(Get(HKEY_CLASSES_ROOT, ""), "!6");
+  EXPECT_EQ(SubkeyNames(HKEY_CLASSES_ROOT), Names{});
+}
+
 TEST_F(SqliteRegistryTest, TheMachinesHiveIsReadAlone) {
   // A user's file, put in the other place.
   Put(Create(kGame), "n", "of the machine");
