@@ -143,7 +143,13 @@ void DefineControlDialog::OnInit() {
   platform::SetToolTipWidth(window, kTipWidth);
   platform::SetToolTipTime(window, kTipTime);
   platform::EnableToolTips(window);
-  platform::SetWindowIcon(window, platform::LoadIconA(resources::kIcon), false);
+  icon = platform::LoadIconA(resources::kIcon);
+  platform::SetWindowIcon(window, icon, false);
+}
+
+void DefineControlDialog::OnDestroy() {
+  ResizableDialog::OnDestroy();
+  platform::DestroyIcon(icon);
 }
 
 void DefineControlDialog::DeclareLayout() {

@@ -36,6 +36,7 @@ class DefineControlDialog : public ResizableDialog {
   void OnCancel() override;
   void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
   std::string OnToolTip(std::uint32_t id) override;
+  void OnDestroy() override;
 
  private:
   void DeclareLayout();
@@ -67,6 +68,7 @@ class DefineControlDialog : public ResizableDialog {
   std::uint32_t holdValue = 0;
   std::uint32_t pauseValue = 0;
   ByteString tipText;
+  platform::IconHandle icon = 0;  // while it runs
 
   // Guards scratch's Trigger while the dialog is open, and the end of that. Inside of deviceLock on
   // the notification thread; nothing is waited for with it.

@@ -212,6 +212,16 @@ TEST_F(DefineControlDialogTest, TheSmallIconIsTheProgramsOwn) {
   New();
   EXPECT_NE(screen.Icon(false), 0u);
   EXPECT_EQ(screen.Icon(false), icon);
+
+  sim.LogCalls(true);
+  screen.Click(IDCANCEL);
+  New();
+  screen.Click(IDCANCEL);
+  const auto count = [this](const std::string& call) {
+    return std::count(sim.Calls().begin(), sim.Calls().end(), call);
+  };
+  EXPECT_EQ(count("LoadIconA 128"), 1);
+  EXPECT_EQ(count("DestroyIcon"), 2) << "each goes with its dialog";
 }
 
 // --- Place
