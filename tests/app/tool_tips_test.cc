@@ -76,6 +76,11 @@ TEST_F(ToolTipsTest, ThoseOfTheSettingsTabReadAsWritten) {
   EXPECT_EQ(screen.Hover(1198), "Open the advanced settings dialog window.");
 }
 
+TEST_F(ToolTipsTest, AnyOtherControlWithATextHasOne) {
+  Begin();
+  EXPECT_EQ(screen.Hover(1146), "More in-depth help.");
+}
+
 // 1083 is a description elsewhere; 1177 and 1178 are the texts of tabs.
 TEST_F(ToolTipsTest, AGroupBoxAndLabelsHaveNoneThoughTheirNumbersHaveAText) {
   Begin();
