@@ -1,0 +1,287 @@
+// The main window on real threads, a real timer, files and settings, made to be run under the
+// thread sanitizer: a pad whose inputs come and go all the time, above all the two buttons that end
+// a detection and save on the notification thread, and a person who edits meanwhile. What the locks
+// of the window and the engine don't order shows up as a data race.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "app/main_window.h"
+#include "app/platform/linux/linux_platform.h"
+#include "app/platform/linux/settings/sqlite_registry.h"
+#include "foundation/registry_key.h"
+#include "storage/profile_file.h"
+#include "tests/app/threads/plain_window.h"
+
+namespace kelvaro {
+namespace {
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kTest = 1036;
+constexpr std::uint32_t kDeviceList = 1060;
+constexpr std::uint32_t kInterval = 1076;
+constexpr std::uint32_t kRate = 1077;
+constexpr std::uint32_t kDefaults = 1078;
+constexpr std::uint32_t kAlwaysActive = 1139;
+constexpr std::uint32_t kRefresh = 1170;
+constexpr std::uint32_t kDetectBoxes[] = {1027, 1028, 1034, 1029, 1030, 1031};
+constexpr std::uint32_t kSliders[] = {1052, 1056, 1079, 1080};
+
+// One pad. Every 64 polls: at rest, button 3, buttons 3 and 5, an axis at its end.
+struct BusyPad : platform::Devices, platform::DirectInput, platform::DirectInputDevice {
+  std::uint32_t polls = 0;
+
+  platform::HRESULT DirectInput8Create(std::uint32_t,
+                                       platform::DirectInput** directInput) override {
+    *directInput = this;
+    return platform::DI_OK;
+  }
+  platform::HRESULT EnumDevices(std::uint32_t,
+                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
+                                std::uint32_t) override {
+    platform::DIDEVICEINSTANCE instance;
+    instance.guidInstance.Data1 = 1;
+    std::strcpy(instance.tszInstanceName, "Pad");
+    visit(instance);
+    return platform::DI_OK;
+  }
+  platform::HRESULT CreateDevice(const platform::GUID&,
+                                 platform::DirectInputDevice** device) override {
+    *device = this;
+    return platform::DI_OK;
+  }
+  platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
+  platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
+  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&, std::uint32_t) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
+    return platform::DI_OK;
+  }
+  platform::HRESULT Acquire() override { return platform::DI_OK; }
+  platform::HRESULT Unacquire() override { return platform::DI_OK; }
+  platform::HRESULT Poll() override {
+    ++polls;
+    return platform::DI_OK;
+  }
+  platform::HRESULT GetDeviceState(std::uint32_t, platform::DIJOYSTATE2* state) override {
+    *state = {};
+    for (std::uint32_t& hat : state->rgdwPOV) hat = platform::kPovCentred;
+    const std::uint32_t phase = polls / 16 % 4;
+    if (phase == 1 || phase == 2) state->rgbButtons[2] = 128;
+    if (phase == 2) state->rgbButtons[4] = 128;
+    if (phase == 3) state->lY = 32000;
+    return platform::DI_OK;
+  }
+  void Release() override {}
+};
+
+struct NoInput : platform::Input {
+  void keybd_event(std::uint8_t, std::uint8_t, std::uint32_t, std::uint32_t) override {}
+  void mouse_event(std::uint32_t, std::int32_t, std::int32_t, std::int32_t,
+                   std::uint32_t) override {}
+};
+
+// The files of Linux, with the program in a folder of the test's own.
+class FilesBelow : public platform::Files {
+ public:
+  explicit FilesBelow(const std::string& folder) : folder(folder) {}
+
+  char PathSeparator() override { return files.PathSeparator(); }
+  std::unique_ptr<platform::File> CreateFileA(const std::string& path, std::uint32_t access,
+                                              std::uint32_t share,
+                                              std::uint32_t disposition) override {
+    return files.CreateFileA(path, access, share, disposition);
+  }
+  bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) override {
+    return files.CopyFileA(from, to, failIfExists);
+  }
+  bool DeleteFileA(const std::string& path) override { return files.DeleteFileA(path); }
+  std::uint32_t GetFileAttributesA(const std::string& path) override {
+    return files.GetFileAttributesA(path);
+  }
+  bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) override {
+    return files.SetFileAttributesA(path, attributes);
+  }
+  bool CreateDirectoryA(const std::string& path) override { return files.CreateDirectoryA(path); }
+  std::unique_ptr<platform::FileSearch> FindFirstFileA(const std::string& pattern,
+                                                       platform::FindData* data) override {
+    return files.FindFirstFileA(pattern, data);
+  }
+  std::string GetCurrentDirectoryA() override { return files.GetCurrentDirectoryA(); }
+  bool SetCurrentDirectoryA(const std::string& path) override {
+    return files.SetCurrentDirectoryA(path);
+  }
+  std::string GetModuleFileNameA() override { return folder + "/kelvaro"; }
+  std::uint32_t GetLogicalDrives() override { return files.GetLogicalDrives(); }
+  std::uint32_t GetLastError() override { return files.GetLastError(); }
+
+ private:
+  const std::string folder;
+  platform::LinuxFiles files;
+};
+
+struct WindowThreads : testing::Test {
+  WindowThreads() : installed(Groups()) {
+    std::filesystem::create_directories(folder + "/Profiles");
+    RegistryKey settings(platform::HKEY_CURRENT_USER, kProductKey, true);
+    settings.SetDword(nullptr, "Welcome Display", 1);
+    settings.SetDword(nullptr, "Show Auto-Detect Usage", 0);
+    settings.SetString(nullptr, "Last Profile", "Game");
+    for (const char* name : {"Game", "Other"}) {
+      ProfileFile made;
+      made.profileName = name;
+      made.deviceName = "Pad";
+      made.deviceGuid.Data1 = 1;
+      made.pollInterval = 1;
+      EXPECT_TRUE(made.Save());
+    }
+  }
+  ~WindowThreads() override { std::filesystem::remove_all(folder); }
+
+  static std::string Folder() {
+    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    const std::string folder = testing::TempDir() + "kelvaro_window_" + name;
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    return folder;
+  }
+  platform::Platform Groups() {
+    platform::Platform groups = linux.Groups();
+    groups.devices = &pad;
+    groups.input = &input;
+    groups.files = &files;
+    groups.registry = &registry;
+    groups.desktop = &screen;
+    groups.controls = &screen;
+    groups.shell = &screen;
+    return groups;
+  }
+
+  static void Pass(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+  // Runs the program until the person has done all that, and closes it.
+  void Run(std::function<void()> person) {
+    screen.person = std::move(person);
+    MainWindow window;
+    window.DoModal(platform::kNoWindow);
+  }
+
+  static std::unique_ptr<ProfileFile> Stored(const char* name) {
+    auto read = std::make_unique<ProfileFile>();
+    const ByteString path = read->FindProfileFile(name);
+    if (path.IsEmpty() || !read->Load(path)) return nullptr;
+    return read;
+  }
+  static std::uint32_t Kept(const char* name) {
+    std::uint32_t number = 0xFFFFFFFFu;
+    RegistryKey(platform::HKEY_CURRENT_USER, kProductKey, false)
+        .GetDword("Devices\\Pad", name, &number);
+    return number;
+  }
+
+  const std::string folder = Folder();
+  platform::LinuxPlatform linux;
+  BusyPad pad;
+  NoInput input;
+  FilesBelow files{folder};
+  platform::SqliteRegistry registry{
+      {folder + "/settings.sqlite3", folder + "/machine.sqlite3", folder + "/autostart"}};
+  platform::PlainWindow screen;
+  platform::InstalledPlatform installed;
+};
+
+TEST_F(WindowThreads, ADetectionEndsOnTheOtherThreadWhileThePersonEditsTheTab) {
+  std::uint32_t endedByButtons = 0;
+  Run([&] {
+    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    for (std::uint32_t i = 0; i < 36; ++i) {
+      const std::uint32_t box = kDetectBoxes[i % 6];
+      screen.Click(box);
+      Pass(3);
+      screen.MoveSlider(kSliders[i % 4], static_cast<std::int32_t>(i % 51));
+      screen.Click(kAlwaysActive);
+      screen.Click(kTest);
+      Pass(static_cast<int>(i * 7 % 40));
+      if (screen.IsDlgButtonChecked(1, box)) {
+        screen.Click(box);
+      } else {
+        ++endedByButtons;
+      }
+      screen.Pump();
+    }
+    Pass(200);
+  });
+  EXPECT_GT(endedByButtons, 0u);
+  EXPECT_TRUE(screen.boxes.empty());
+
+  // What the file says at the end is what is kept for the pad.
+  const auto stored = Stored("Game");
+  ASSERT_TRUE(stored);
+  EXPECT_EQ(Kept("Left Mouse Btn"), std::uint16_t{stored->leftButton});
+  EXPECT_EQ(Kept("Middle Mouse Btn"), std::uint16_t{stored->middleButton});
+  EXPECT_EQ(Kept("Right Mouse Btn"), std::uint16_t{stored->rightButton});
+  EXPECT_EQ(Kept("MouseX Type"), TriggerItem(stored->mouseX).kind);
+  EXPECT_EQ(Kept("MouseY Type"), TriggerItem(stored->mouseY).kind);
+  EXPECT_EQ(Kept("Mouse Wheel Type"), TriggerItem(stored->mouseWheel).kind);
+  EXPECT_EQ(Kept("Sensitivity"), static_cast<std::uint32_t>(stored->movementSensitivity));
+}
+
+TEST_F(WindowThreads, ADetectionEndsWhileTheDeviceTheIntervalOrTheProfileChanges) {
+  const std::function<void()> changes[] = {
+      [this] { screen.Choose(kProfileList, "Other"); },
+      [this] { screen.Choose(kProfileList, "Game"); },
+      [this] { screen.Click(kRefresh); },
+      [this] { screen.TypeAndLeave(kInterval, "2"); },
+      [this] { screen.TypeAndLeave(kRate, "999"); },
+      [this] { screen.Click(kDefaults); },
+      [this] { screen.Choose(kDeviceList, "-- None --"); },
+      [this] { screen.Choose(kDeviceList, "Pad"); },
+      [this] { screen.ChooseTab(kTabs, MainWindow::kControlTab); },
+  };
+  Run([&] {
+    std::uint32_t i = 0;
+    for (int round = 0; round < 2; ++round) {
+      for (const auto& change : changes) {
+        screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+        const std::uint32_t box = kDetectBoxes[i % 6];
+        screen.Click(box);
+        Pass(static_cast<int>(i * 5 % 50));
+        change();
+        screen.Pump();
+        if (screen.IsDlgButtonChecked(1, box)) screen.Click(box);
+        ++i;
+      }
+    }
+  });
+  for (const char* name : {"Game", "Other"}) {
+    const auto stored = Stored(name);
+    ASSERT_TRUE(stored) << name;
+    EXPECT_EQ(Bytes(stored->profileName), name);
+  }
+}
+
+TEST_F(WindowThreads, TheProgramEndsInTheMiddleOfADetection) {
+  for (int i = 0; i < 4; ++i) {
+    Run([&] {
+      screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+      screen.Click(kDetectBoxes[3]);
+      Pass(i * 11);
+    });
+    EXPECT_TRUE(Stored("Game"));
+  }
+}
+
+}  // namespace
+}  // namespace kelvaro
