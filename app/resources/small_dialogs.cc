@@ -15,23 +15,23 @@ using platform::kStyleDefault;
 using platform::kStyleWrap;
 
 constexpr ControlTemplate kNewProfileControls[] = {
-    {Label, 1300, "Enter New Profile &Name", 7, 7, 186, 8},
+    {Label, 1300, "Enter New Profile &Name", 7, 7, 186, 9},
     {Edit, 1137, "", 7, 18, 186, 14},
     {Button, IDOK, "OK", 89, 40, 50, 14, kStyleDefault},
     {Button, IDCANCEL, "Cancel", 143, 40, 50, 14},
 };
 
 constexpr ControlTemplate kDeleteProfileControls[] = {
-    {Label, 1300, "Delete Profile:", 7, 7, 186, 8},
+    {Label, 1300, "Delete Profile:", 7, 7, 186, 9},
     {Label, 1138, "", 7, 18, 186, 17, kStyleWrap},
-    {Label, 1301, "Are you sure?", 7, 38, 186, 8},
+    {Label, 1301, "Are you sure?", 7, 38, 186, 9},
     {Button, IDOK, "&Yes, Delete It", 69, 54, 70, 14},
     {Button, IDCANCEL, "&No!", 143, 54, 50, 14, kStyleDefault},
 };
 
 constexpr ControlTemplate kProfileNameControls[] = {
     {Label, 1157, "", 7, 7, 186, 17, kStyleWrap},
-    {Label, 1300, "Enter a new &name for this profile", 7, 28, 186, 8},
+    {Label, 1300, "Enter a new &name for this profile", 7, 28, 186, 9},
     {Edit, 1137, "", 7, 39, 186, 14},
     {Button, IDOK, "OK", 89, 61, 50, 14, kStyleDefault},
     {Button, IDCANCEL, "Cancel", 143, 61, 50, 14},
