@@ -136,11 +136,16 @@ class Screen {
   // How often it was to be drawn anew since it was last asked.
   std::uint32_t Redraws(std::uint32_t id);
 
-  // Buttons, check boxes, radio buttons, links. Gives the focus as a click does.
+  // Buttons, check boxes, radio buttons, links, labels; an edit or a list takes the focus alone.
+  // Gives the focus as a click does. What the program asks at the loss of focus of an edit (a box,
+  // a dialog), or the focus that it puts elsewhere then, swallows the click, as it does for a
+  // person; so it is with every act that gives a control the focus.
   void Click(std::uint32_t id);
   void FocusOn(std::uint32_t id);  // by Tab
   // A key, to the control that has the focus, with what dialogs make of Enter, Esc, the space bar
-  // and mnemonics left to itself: Enter presses the focused button or the default one, Esc cancels.
+  // and mnemonics left to itself: Enter presses the focused button or the default one (a hidden
+  // one, too), Esc cancels. A mnemonic needs no Alt where its letter isn't typed. A key that the
+  // control has no use for reaches the window, as control 0.
   void Press(std::uint8_t vk, bool control = false);
   // Replaces what an edit holds, as if typed: an edit for digits takes those alone.
   void Type(std::uint32_t id, const std::string& text);
@@ -184,6 +189,7 @@ class Screen {
   void IconMessage(std::uint32_t iconId, std::intptr_t mouseMessage);  // any other
   bool MenuUp() const;
   std::vector<std::string> Menu() const;  // "" for a separator
+  // Its command comes once TrackPopupMenu has returned.
   void ChooseMenu(const std::string& text);
   void DismissMenu();
   std::size_t MenusShown() const;

@@ -981,6 +981,13 @@ TEST_F(ScreenTest, EnterPressesTheFocusedButtonOrTheDefaultOne) {
   EXPECT_EQ(main.Diary(), (Lines{"clicked 1", "default", "destroy"}));
 }
 
+TEST_F(ScreenTest, EnterPressesAHiddenDefaultButton) {
+  Start();
+  SetDefaultButton(main.window, 26);
+  screen.Press(0x0D);
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 26"}));
+}
+
 TEST_F(ScreenTest, WithoutADefaultButtonEnterIsOK) {
   screen.Start([&] { return small.Run(); });
   small.Diary();
