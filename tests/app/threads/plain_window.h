@@ -1,7 +1,7 @@
 // A window without a screen, for a program on real threads: keeps the texts, checks, rows and
 // positions that are set, from whichever thread, and shows nothing. What the person does is a
-// function that is called on the user interface's thread while the window is open; dialogs in front
-// of it are closed at once, and boxes answered with 0.
+// function that is called on the user interface's thread while the window is open, another one
+// while a dialog is open in front of it.
 #pragma once
 
 #include <cstdint>
@@ -25,6 +25,10 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
  public:
   // What the person does, and then closes the window.
   std::function<void()> person;
+  // What the person does in a dialog, which is then closed, unless that has ended it. Null:
+  // nothing.
+  std::function<void(WindowListener& dialog)> personInDialog;
+  std::int32_t answer = 0;  // to every box
 
   // ---- The person's acts, on the user interface's thread.
 
@@ -72,10 +76,12 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& dialogListener) override {
     if (owner != kNoWindow) {
+      dialogResult = 0;
       dialogListener.OnInitDialog(kDialog);
-      dialogListener.OnClose();
+      if (personInDialog && dialogResult == 0) personInDialog(dialogListener);
+      if (dialogResult == 0) dialogListener.OnClose();
       dialogListener.OnDestroy();
-      return IDCANCEL;
+      return dialogResult;
     }
     for (const ControlTemplate& control : dialog.controls) kinds[control.id] = control.kind;
     listener = &dialogListener;
@@ -88,8 +94,12 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
     listener->OnDestroy();
     return IDCANCEL;
   }
-  bool EndDialog(WindowHandle window, std::int32_t) override {
-    if (window == kWindow) ended = true;
+  bool EndDialog(WindowHandle window, std::int32_t result) override {
+    if (window == kWindow) {
+      ended = true;
+    } else {
+      dialogResult = result;
+    }
     return true;
   }
   bool PostMessageA(WindowHandle, std::uint32_t message, std::uintptr_t wParam,
@@ -102,7 +112,7 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
                            std::uint32_t) override {
     const std::lock_guard guard(mutex);
     boxes.push_back(text);
-    return 0;
+    return answer;
   }
   std::uint32_t SetTimer(WindowHandle, std::uint32_t id, std::uint32_t) override { return id; }
   IconHandle LoadIconA(std::uint32_t id) override { return id; }
@@ -173,6 +183,31 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
   }
   std::int32_t ComboGetItemData(WindowHandle, std::uint32_t id, std::int32_t row) override {
     return lists[id].rows.at(static_cast<std::size_t>(row)).second;
+  }
+  // Of one list view.
+  std::int32_t ListInsertItem(WindowHandle, std::uint32_t, std::uint32_t data) override {
+    items.push_back({data, false});
+    return static_cast<std::int32_t>(items.size()) - 1;
+  }
+  bool ListDeleteAllItems(WindowHandle, std::uint32_t) override {
+    items.clear();
+    return true;
+  }
+  std::int32_t ListGetItemCount(WindowHandle, std::uint32_t) override {
+    return static_cast<std::int32_t>(items.size());
+  }
+  std::uint32_t ListGetItemData(WindowHandle, std::uint32_t, std::int32_t row) override {
+    return items.at(static_cast<std::size_t>(row)).first;
+  }
+  bool ListSelectItem(WindowHandle, std::uint32_t, std::int32_t row, bool selected) override {
+    items.at(static_cast<std::size_t>(row)).second = selected;
+    return true;
+  }
+  std::int32_t ListGetNextSelected(WindowHandle, std::uint32_t, std::int32_t after) override {
+    for (std::size_t row = static_cast<std::size_t>(after + 1); row < items.size(); ++row) {
+      if (items[row].second) return static_cast<std::int32_t>(row);
+    }
+    return kNoRow;
   }
   bool TabSetCurSel(WindowHandle, std::uint32_t, std::int32_t tab) override {
     currentTab = tab;
@@ -250,20 +285,12 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
     return true;
   }
   std::int32_t ListGetClientWidth(WindowHandle, std::uint32_t) override { return {}; }
-  std::int32_t ListInsertItem(WindowHandle, std::uint32_t, std::uint32_t) override { return {}; }
-  bool ListDeleteAllItems(WindowHandle, std::uint32_t) override { return true; }
-  std::int32_t ListGetItemCount(WindowHandle, std::uint32_t) override { return {}; }
   bool ListSetItemText(WindowHandle, std::uint32_t, std::int32_t, std::int32_t,
                        const std::string&) override {
     return true;
   }
   std::string ListGetItemText(WindowHandle, std::uint32_t, std::int32_t, std::int32_t) override {
     return {};
-  }
-  std::uint32_t ListGetItemData(WindowHandle, std::uint32_t, std::int32_t) override { return {}; }
-  bool ListSelectItem(WindowHandle, std::uint32_t, std::int32_t, bool) override { return true; }
-  std::int32_t ListGetNextSelected(WindowHandle, std::uint32_t, std::int32_t) override {
-    return kNoRow;
   }
   bool ListEnsureVisible(WindowHandle, std::uint32_t, std::int32_t) override { return true; }
   std::int32_t TabInsertItem(WindowHandle, std::uint32_t, const std::string&) override {
@@ -309,8 +336,10 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
 
   WindowListener* listener = nullptr;
   bool ended = false;
+  std::int32_t dialogResult = 0;
   std::map<std::uint32_t, ControlKind> kinds;
   std::map<std::uint32_t, List> lists;
+  std::vector<std::pair<std::uint32_t, bool>> items;  // data, selected
   std::map<std::uint32_t, std::int32_t> positions;
   std::int32_t currentTab = 0;
 

@@ -25,13 +25,22 @@ namespace {
 
 constexpr std::uint32_t kTabs = 1000;
 constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kControlList = 1003;
+constexpr std::uint32_t kNew = 1004;
+constexpr std::uint32_t kEdit = 1005;
 constexpr std::uint32_t kTest = 1036;
 constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kInterval = 1076;
 constexpr std::uint32_t kRate = 1077;
 constexpr std::uint32_t kDefaults = 1078;
+constexpr std::uint32_t kCopy = 1115;
+constexpr std::uint32_t kDelete = 1136;
 constexpr std::uint32_t kAlwaysActive = 1139;
+constexpr std::uint32_t kPaste = 1155;
+constexpr std::uint32_t kDown = 1157;
 constexpr std::uint32_t kRefresh = 1170;
+constexpr platform::WindowHandle kWindow = 1;
+constexpr platform::WindowHandle kDialog = 2;
 constexpr std::uint32_t kDetectBoxes[] = {1027, 1028, 1034, 1029, 1030, 1031};
 constexpr std::uint32_t kSliders[] = {1052, 1056, 1079, 1080};
 
@@ -281,6 +290,48 @@ TEST_F(WindowThreads, TheProgramEndsInTheMiddleOfADetection) {
     });
     EXPECT_TRUE(Stored("Game"));
   }
+}
+
+// What is held goes into the dialog's Trigger on one thread while OK takes it on the other;
+// Controls fire and repeat while others come and go.
+TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
+  std::uint32_t i = 0;
+  screen.answer = platform::IDYES;
+  screen.personInDialog = [&](platform::WindowListener& dialog) {
+    screen.SetDlgItemTextA(kDialog, 1083, "one");
+    screen.SetDlgItemTextA(kDialog, 1093, i % 2 == 0 ? "ab" : "a<P:3>b");
+    for (const std::uint32_t field : {1095, 1096}) screen.SetDlgItemTextA(kDialog, field, "10");
+    screen.CheckDlgButton(kDialog, 1123, i % 3 == 0);
+    screen.CheckDlgButton(kDialog, 1126, true);
+    dialog.OnNotice(1126, platform::Notice::Clicked, 0);
+    Pass(static_cast<int>(i * 7 % 50));
+    dialog.OnNotice(i % 5 == 4 ? platform::IDCANCEL : platform::IDOK, platform::Notice::Clicked, 0);
+  };
+  std::int32_t rows = 0;
+  Run([&] {
+    for (; i < 60; ++i) {
+      rows = screen.ListGetItemCount(kWindow, kControlList);
+      if (rows > 0) screen.ListSelectItem(kWindow, kControlList, 0, true);
+      screen.Click(i % 2 == 0 ? kNew : kEdit);
+      if (rows > 1) screen.Click(kDown);
+      if (i % 4 == 1) {
+        screen.Click(kCopy);
+        screen.Click(kPaste);
+      }
+      if (i % 4 == 3) screen.Click(kDelete);
+      Pass(static_cast<int>(i * 11 % 30));
+    }
+    rows = screen.ListGetItemCount(kWindow, kControlList);
+  });
+  const auto stored = Stored("Game");
+  ASSERT_TRUE(stored);
+  EXPECT_GT(rows, 0);
+  EXPECT_EQ(stored->controls.count, rows);
+  std::uint32_t detected = 0;
+  for (const auto* node = stored->controls.head; node; node = node->next) {
+    if (node->value->Weight() > 0) ++detected;
+  }
+  EXPECT_GT(detected, 0u);
 }
 
 }  // namespace
