@@ -79,8 +79,8 @@ void MainWindow::ParseCommandLine() {
   line.ReplaceAll(ByteString(quoteSub), quote);
   LinkedList<ByteString> tokens;
   SplitCommandLine(line, &tokens);
-  tokens.RemoveNode(tokens.head);  // the program itself
-  for (const auto* node = tokens.head; node; node = node->next) {
+  // The first one is the program itself.
+  for (const auto* node = tokens.head ? tokens.head->next : nullptr; node; node = node->next) {
     const ByteString& token = *node->value;
     ByteString value;
     std::int32_t position = 0;

@@ -30,6 +30,7 @@ constexpr std::uint32_t kTestButton = 1036;
 
 // The invisible box of each page, in the order of the tabs.
 constexpr std::uint32_t kPageBoxes[] = {1015, 1017, 1045, 1047};
+constexpr std::uint16_t kPageCount = std::size(kPageBoxes);
 constexpr const char* kTabNames[] = {"Control", "Mouse", "Device", "Settings"};
 
 constexpr char kDirectInputText[] =
@@ -137,7 +138,7 @@ bool MainWindow::PrepareControls() {
   platform::SetPicture(window, 1156, platform::LoadBitmapA(resources::kUpBitmap));
   platform::SetPicture(window, 1157, platform::LoadBitmapA(resources::kDownBitmap));
   platform::SetPicture(window, 1173, platform::LoadBitmapA(resources::kBannerBitmap));
-  CreatePages(std::size(kTabNames));
+  CreatePages(kPageCount);
   for (const char* name : kTabNames) platform::TabInsertItem(window, kTabControl, name);
   platform::Rect firstTab;
   const std::int32_t topMargin = platform::TabGetItemRect(window, kTabControl, 0, &firstTab)
@@ -164,7 +165,7 @@ bool MainWindow::PrepareControls() {
 
 void MainWindow::DeclareLayout(std::int32_t topMargin) {
   using namespace layout_flag;
-  for (std::uint16_t page = 0; page < std::size(kPageBoxes); ++page) {
+  for (std::uint16_t page = 0; page < kPageCount; ++page) {
     AddNode(page, 1002, 0);
     AddNode(page, kProfileList, kGrowAcross);
     for (const std::uint32_t button : {1006, 1099, 1101, 1100, 1146})
