@@ -1,0 +1,244 @@
+// The program `kelvaro` itself: as a process, on real displays.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "tests/program/machine.h"
+
+namespace kelvaro::tests {
+namespace {
+
+namespace fs = std::filesystem;
+using Variables = std::map<std::string, std::string>;
+
+class ProgramTest : public testing::Test {
+ protected:
+  Variables With(const Variables& more) const {
+    Variables all = home.Environment();
+    for (const auto& [name, value] : more) all[name] = value;
+    return all;
+  }
+  std::unique_ptr<Child> Run(const Variables& more,
+                             const std::vector<std::string>& arguments = {}) {
+    std::vector<std::string> command = {Program("kelvaro")};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Child>(command, With(more), home.folder + "/log");
+  }
+
+  Home home;
+};
+
+const Variables kOffScreen = {{"QT_QPA_PLATFORM", "offscreen"}};
+
+TEST_F(ProgramTest, TellsItsVersionAndHowItIsCalledWithoutADisplay) {
+  const auto version = Run({}, {"--version"});
+  EXPECT_EQ(version->WaitForEnd(), 0);
+  EXPECT_EQ(version->Log(), "Kelvaro, Version 3.5\n");
+  const auto help = Run({}, {"--help"});
+  EXPECT_EQ(help->WaitForEnd(), 0);
+  for (const char* word : {"profile=", "target=", "args=", "dir="})
+    EXPECT_NE(help->Log().find(word), std::string::npos) << word;
+}
+
+TEST_F(ProgramTest, WithoutADisplayItSaysSoInOneSentenceAndNamesTheConsole) {
+  for (const Variables& none : {Variables{}, Variables{{"DISPLAY", ":4711"}}}) {
+    fs::remove(home.folder + "/log");
+    const auto program = Run(none);
+    EXPECT_EQ(program->WaitForEnd(), 1);
+    const std::string text = program->Log();
+    EXPECT_NE(text.find("kelvaroctl run"), std::string::npos) << text;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << text;
+  }
+}
+
+TEST_F(ProgramTest, StartsOffScreenAndEndsInOrderWhenItIsAskedTo) {
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    const auto program = Run(kOffScreen);
+    ASSERT_TRUE(Eventually([&] { return fs::exists(home.SettingsFile()); })) << program->Log();
+    ASSERT_EQ(program->WaitForEnd(300ms), -1) << program->Log();
+    program->Signal(signal);
+    EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+  }
+}
+
+TEST_F(ProgramTest, TwoInstancesRunSideBySide) {
+  const auto first = Run(kOffScreen);
+  const auto second = Run(kOffScreen);
+  EXPECT_EQ(first->WaitForEnd(1s), -1) << first->Log();
+  EXPECT_EQ(second->WaitForEnd(1s), -1) << second->Log();
+  for (const auto* program : {&first, &second}) {
+    (*program)->Signal(SIGTERM);
+    EXPECT_EQ((*program)->WaitForEnd(), 0);
+  }
+}
+
+// A settings file of which nothing can be read, and one that nobody may write.
+TEST_F(ProgramTest, StartsWithSettingsThatAreDamagedOrReadOnly) {
+  fs::create_directories(fs::path(home.SettingsFile()).parent_path());
+  std::ofstream(home.SettingsFile()) << "these are no settings";
+  const auto damaged = Run(kOffScreen);
+  ASSERT_TRUE(Eventually([&] { return fs::exists(home.SettingsFile() + ".damaged"); }));
+  EXPECT_EQ(damaged->WaitForEnd(500ms), -1) << damaged->Log();
+  damaged->Signal(SIGTERM);
+  EXPECT_EQ(damaged->WaitForEnd(), 0) << damaged->Log();
+  fs::permissions(home.SettingsFile(), fs::perms::owner_read);
+  fs::permissions(fs::path(home.SettingsFile()).parent_path(),
+                  fs::perms::owner_read | fs::perms::owner_exec);
+  const auto readOnly = Run(kOffScreen);
+  EXPECT_EQ(readOnly->WaitForEnd(1s), -1) << readOnly->Log();
+  readOnly->Signal(SIGTERM);
+  EXPECT_EQ(readOnly->WaitForEnd(), 0) << readOnly->Log();
+  fs::permissions(fs::path(home.SettingsFile()).parent_path(), fs::perms::owner_all);
+}
+
+class DisplayTest : public ProgramTest {
+ protected:
+  void SetUp() override {
+    if (desktop.Works()) return;
+    if (Required("xvfb")) FAIL() << "Xvfb and icewm can't be started";
+    GTEST_SKIP() << "Xvfb and icewm can't be started";
+  }
+  void TearDown() override {
+    if (HasFailure() && desktop.Works()) desktop.Photograph("/tmp/kelvaro-failed-test.png");
+  }
+
+  // Starts it and closes the welcome of the first start: then the window is there.
+  std::unique_ptr<Child> Begin(const std::vector<std::string>& arguments = {}) {
+    auto program = Run({{"DISPLAY", desktop.Name()}}, arguments);
+    const bool welcomed = Eventually([&] {
+      return desktop.Find("Welcome to Kelvaro").id != 0 || desktop.Find("Kelvaro").id != 0;
+    });
+    EXPECT_TRUE(welcomed) << program->Log();
+    if (desktop.Find("Welcome to Kelvaro").id != 0) {
+      EXPECT_EQ(desktop.Find("Kelvaro").id, 0u) << "the window before the welcome is read";
+      desktop.CloseWindow(desktop.Find("Welcome to Kelvaro").id);
+    }
+    EXPECT_TRUE(Eventually([&] { return desktop.Find("Kelvaro").id != 0; })) << program->Log();
+    return program;
+  }
+  XWindow Window() { return desktop.Find("Kelvaro"); }
+  // The profiles that come with the program have no device: a box says so.
+  void CloseBoxes() {
+    Eventually([&] { return Boxes() > 0; }, 2s);
+    for (int i = 0; i < 5 && Boxes() > 0; ++i) {
+      desktop.Type("Escape");
+      Eventually([&] { return Boxes() == 0; }, 500ms);
+    }
+    EXPECT_EQ(Boxes(), 0);
+  }
+  int Boxes() {
+    int boxes = -1;  // the window itself
+    for (const XWindow& window : desktop.Windows())
+      if (window.viewable && window.title == "Kelvaro") ++boxes;
+    return boxes;
+  }
+
+  XDesktop desktop{true};
+};
+
+TEST_F(DisplayTest, TheFirstStartWelcomesAndTheSecondDoesNot) {
+  const auto first = Begin();
+  first->Signal(SIGTERM);
+  ASSERT_EQ(first->WaitForEnd(), 0) << first->Log();
+  const auto second = Run({{"DISPLAY", desktop.Name()}});
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << second->Log();
+  EXPECT_EQ(desktop.Find("Welcome to Kelvaro").id, 0u);
+}
+
+TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBack) {
+  const auto program = Begin();
+  CloseBoxes();
+  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
+  const XWindow window = Window();
+  desktop.Minimise(window.id);
+  ASSERT_TRUE(Eventually([&] { return !desktop.Listed(window.id) && Window().id == 0; }))
+      << "still on the list of windows";
+  const XWindow icon = desktop.Icons().at(0);
+  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  EXPECT_FALSE(desktop.Iconic(Window().id));
+}
+
+TEST_F(DisplayTest, TheIconsMenuShowsTheWindowAndEndsTheProgram) {
+  const auto program = Begin();
+  CloseBoxes();
+  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
+  desktop.Minimise(Window().id);
+  ASSERT_TRUE(Eventually([&] { return Window().id == 0; }));
+  const XWindow icon = desktop.Icons().at(0);
+  const auto openMenu = [&] {
+    desktop.Press(icon.x + icon.width / 2, icon.y + icon.height / 2, 3);
+    return Eventually([&] { return !desktop.Popups().empty(); });
+  };
+  ASSERT_TRUE(openMenu());
+  desktop.Type("Up Return");  // from the end: "Show Kelvaro"
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; }));
+  ASSERT_TRUE(openMenu());
+  desktop.Type("Down Return");  // "Exit"
+  EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+  EXPECT_TRUE(Eventually([&] { return desktop.Icons().empty(); }));
+}
+
+TEST_F(DisplayTest, TheCloseBoxEndsTheProgramAndItsPlaceIsRemembered) {
+  auto program = Begin();
+  CloseBoxes();
+  desktop.Resize(Window().id, 900, 600);
+  ASSERT_TRUE(Eventually([&] { return Window().width == 900 && Window().height == 600; }));
+  desktop.CloseWindow(Window().id);
+  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  program = Run({{"DISPLAY", desktop.Name()}});
+  EXPECT_TRUE(Eventually([&] { return Window().width == 900 && Window().height == 600; }))
+      << Window().width << " x " << Window().height;
+}
+
+TEST_F(DisplayTest, ItCannotBecomeSmallerThanItFirstWas) {
+  const auto program = Begin();
+  CloseBoxes();
+  const XWindow first = Window();
+  desktop.Resize(first.id, 200, 100);
+  Eventually([&] { return Window().width < first.width; }, 500ms);
+  EXPECT_EQ(Window().width, first.width);
+  EXPECT_EQ(Window().height, first.height);
+}
+
+// Without a notification area nothing could bring a hidden window back.
+TEST_F(ProgramTest, WithoutANotificationAreaAMinimisedWindowStaysReachable) {
+  XDesktop bare(false);
+  if (!bare.Works()) {
+    if (Required("xvfb")) FAIL() << "Xvfb can't be started";
+    GTEST_SKIP() << "Xvfb can't be started";
+  }
+  const auto program = Run({{"DISPLAY", bare.Name()}});
+  EXPECT_TRUE(Eventually(
+      [&] { return bare.Find("Welcome to Kelvaro").id != 0 || program->WaitForEnd(0ms) != -1; }));
+  EXPECT_EQ(program->WaitForEnd(1s), -1) << program->Log();
+}
+
+TEST_F(ProgramTest, RunsOnAWaylandCompositor) {
+  const std::string socket = "kelvaro-test";
+  auto environment = With({{"XDG_RUNTIME_DIR", home.folder + "/runtime"}});
+  Child compositor({"weston", "--backend=headless-backend.so", "--socket=" + socket,
+                    "--idle-time=0", "--no-config"},
+                   environment, home.folder + "/weston");
+  if (!Eventually([&] { return fs::exists(home.folder + "/runtime/" + socket); })) {
+    if (Required("wayland")) FAIL() << "weston can't be started: " << compositor.Log();
+    GTEST_SKIP() << "weston can't be started: " << compositor.Log();
+  }
+  const auto program = Run({{"WAYLAND_DISPLAY", socket}, {"WAYLAND_DEBUG", "client"}});
+  EXPECT_TRUE(Eventually([&] {
+    return program->Log().find("set_title(\"Welcome to Kelvaro\")") != std::string::npos;
+  })) << program->Log();
+  // It is drawn: a buffer is attached and committed.
+  EXPECT_TRUE(
+      Eventually([&] { return program->Log().find(".attach(wl_buffer") != std::string::npos; }));
+  EXPECT_EQ(program->WaitForEnd(500ms), -1);
+  program->Signal(SIGTERM);
+  EXPECT_EQ(program->WaitForEnd(), 0);
+}
+
+}  // namespace
+}  // namespace kelvaro::tests
