@@ -758,7 +758,7 @@ class MainLayoutTest : public WindowLifeTest {
 TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   Begin();
   ASSERT_EQ(PlaceText(screen.Place()), "223,180 to 801,588");
-  ExpectPlaces("as made", {{1002, {9, 16, 54, 29}},
+  ExpectPlaces("as made", {{1002, {9, 16, 54, 31}},
                            {1001, {57, 11, 199, 33}},
                            {1006, {209, 11, 275, 34}},
                            {1146, {497, 11, 563, 34}},
@@ -769,7 +769,7 @@ TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
                            {1060, {61, 72, 398, 94}},
                            {1170, {408, 72, 552, 95}}});
   screen.Resize(678, 488);
-  ExpectPlaces("100 wider and 80 higher", {{1002, {9, 16, 54, 29}},
+  ExpectPlaces("100 wider and 80 higher", {{1002, {9, 16, 54, 31}},
                                            {1001, {57, 11, 299, 33}},
                                            {1006, {309, 11, 375, 34}},
                                            {1146, {597, 11, 663, 34}},
@@ -780,7 +780,7 @@ TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
                                            {1060, {61, 72, 498, 94}},
                                            {1170, {508, 72, 652, 95}}});
   screen.Resize(618, 408);
-  ExpectPlaces("40 wider", {{1002, {9, 16, 54, 29}},
+  ExpectPlaces("40 wider", {{1002, {9, 16, 54, 31}},
                             {1001, {57, 11, 239, 33}},
                             {1006, {249, 11, 315, 34}},
                             {1146, {537, 11, 603, 34}},
