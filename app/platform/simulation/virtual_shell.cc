@@ -1,5 +1,6 @@
 #include "app/platform/simulation/virtual_shell.h"
 
+#include <bit>
 #include <utility>
 
 namespace platform::simulation {
@@ -52,7 +53,7 @@ std::uintptr_t VirtualShell::Help(const char* file, std::uint32_t command, std::
   call.command = command;
   std::optional<HRESULT> fault;
   if (command == HH_DISPLAY_TOPIC) {
-    call.topic = data ? reinterpret_cast<const char*>(data) : "";
+    call.topic = data ? std::bit_cast<const char*>(data) : "";
     fault = journal.Enter("HtmlHelp", command, call.topic);
   } else {
     fault = journal.Enter("HtmlHelp", command);
@@ -60,7 +61,7 @@ std::uintptr_t VirtualShell::Help(const char* file, std::uint32_t command, std::
   if (fault) return 0;
   if (command == HH_INITIALIZE) {
     call.cookie = ++lastCookie;
-    *reinterpret_cast<std::uint32_t*>(data) = call.cookie;
+    *std::bit_cast<std::uint32_t*>(data) = call.cookie;
   } else if (command == HH_UNINITIALIZE) {
     call.cookie = static_cast<std::uint32_t>(data);
   }

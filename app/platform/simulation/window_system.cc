@@ -8,7 +8,7 @@
 namespace platform::simulation {
 namespace {
 
-constexpr std::uint64_t kPatience = 5 * 60 * 1000;
+constexpr std::uint64_t kPatience = 300'000;  // ms
 
 // Of a window with a caption.
 constexpr std::int32_t kFrame = 4;
