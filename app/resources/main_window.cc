@@ -2,7 +2,8 @@
 //
 // The layout puts each page's box 10 pixels inside the tab control and as far below its tabs; the
 // page's controls go with it from where they are drawn beside it here, which therefore leaves some
-// room at the right and at the bottom. The tab control begins at the window's left edge.
+// room at the right and at the bottom. The tab control begins at the window's left edge. The list
+// is drawn about as wide as the layout makes it, since its columns are measured before.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -32,7 +33,7 @@ constexpr ControlTemplate kShared[] = {
 };
 
 constexpr ControlTemplate kControlPage[] = {
-    {Box, 1015, "", 6, 46, 361, 175},
+    {Box, 1015, "", 6, 46, 366, 175},
     {Button, 1004, "Ne&w...", 6, 46, 44, 14},
     {Button, 1005, "&Edit...", 54, 46, 44, 14, kStyleDefault},
     {Button, 1136, "De&lete...", 102, 46, 44, 14},
@@ -40,11 +41,11 @@ constexpr ControlTemplate kControlPage[] = {
     {Button, 1155, "Pa&ste", 204, 46, 44, 14},
     {PictureButton, 1156, "Move &Up", 258, 46, 18, 14},
     {PictureButton, 1157, "Move D&own", 280, 46, 18, 14},
-    {ListView, 1003, "", 6, 64, 361, 157, kStyleMultiSelect, "Controls"},
+    {ListView, 1003, "", 6, 64, 366, 157, kStyleMultiSelect, "Controls"},
 };
 
 constexpr ControlTemplate kMousePage[] = {
-    {Box, 1017, "", 6, 46, 361, 175},
+    {Box, 1017, "", 6, 46, 366, 175},
     {GroupBox, 1300, "Movement", 6, 46, 190, 70},
     {Label, 1301, "&X movement", 12, 63, 56, 9},
     {Edit, 1159, "", 70, 60, 72, 14, kStyleReadOnly},
@@ -78,7 +79,7 @@ constexpr ControlTemplate kMousePage[] = {
 };
 
 constexpr ControlTemplate kDevicePage[] = {
-    {Box, 1045, "", 6, 46, 361, 175},
+    {Box, 1045, "", 6, 46, 366, 175},
     {Label, 1320, "De&vice", 6, 49, 32, 9},
     {DropList, 1060, "", 40, 46, 225, 14, kStyleSorted},
     {Button, 1170, "Re&fresh Device List", 271, 46, 96, 14},
@@ -102,7 +103,7 @@ constexpr ControlTemplate kDevicePage[] = {
 };
 
 constexpr ControlTemplate kSettingsPage[] = {
-    {Box, 1047, "", 6, 46, 361, 175},
+    {Box, 1047, "", 6, 46, 366, 175},
     {Picture, 1173, "", 6, 46, 160, 36, 0, "Kelvaro"},
     {Label, 1177, "", 174, 70, 193, 9},
     {Label, 1340, "Settings", 6, 90, 36, 9},

@@ -55,8 +55,8 @@ constexpr ControlTemplate kAdvancedSettingsControls[] = {
 
 constexpr ControlTemplate kWelcomeControls[] = {
     {Picture, kWelcomePicture, "", 7, 7, 306, 36, 0, "Kelvaro"},
-    {TextArea, 1200, "", 7, 49, 306, 150, 0, "Welcome to Kelvaro"},
-    {Button, IDOK, "Close", 263, 206, 50, 14, kStyleDefault},
+    {TextArea, 1200, "", 7, 49, 306, 200, 0, "Welcome to Kelvaro"},
+    {Button, IDOK, "Close", 263, 256, 50, 14, kStyleDefault},
 };
 
 constexpr ControlTemplate kAutoDetectModeControls[] = {
@@ -104,7 +104,7 @@ constinit const DialogTemplate kShiftKeyRequired =
 constinit const DialogTemplate kAdvancedSettings =
     Fixed(150, "Advanced Settings", 180, 51, kAdvancedSettingsControls);
 constinit const DialogTemplate kWelcome =
-    Fixed(151, "Welcome to Kelvaro", 320, 227, kWelcomeControls);
+    Fixed(151, "Welcome to Kelvaro", 320, 277, kWelcomeControls);
 constinit const DialogTemplate kAutoDetectMode =
     Fixed(152, "Auto-Detect Mode", 260, 116, kAutoDetectModeControls);
 

@@ -58,8 +58,8 @@ TEST(EveryPage, LiesInItsBox) {
 TEST(EveryPage, FitsWhereTheLayoutPutsIt) {
   for (const View& page : Pages()) {
     for (const ControlTemplate& control : page.controls) {
-      EXPECT_LE(control.x + control.width, kMainWindow.width - 12) << control.id;
       if (control.kind == Box || control.kind == ListView) continue;  // the layout ends these
+      EXPECT_LE(control.x + control.width, kMainWindow.width - 12) << control.id;
       EXPECT_LE(control.y + control.height, kMainWindow.height - 12 - 4) << control.id;
     }
   }
