@@ -111,10 +111,9 @@ bool MainWindow::LoadProfile(const ByteString& name) {
 
 void MainWindow::EndDetection() {
   engine->EndMouseDetection();
-  if (!deviceManager) return;
-  // The two buttons may have ended it just now, on the notification thread, which then saves this
-  // profile: that must be over before a file is read into it.
-  LockGuard saved(deviceManager->deviceLock);
+  // The two buttons may have ended it just now, on the notification thread, which holds this lock
+  // until it has saved the profile: that must be over before a file is read into it.
+  LockGuard saved(engine->mouseLock);
 }
 
 void MainWindow::ClearProfile() {
@@ -176,7 +175,7 @@ void MainWindow::OnNewProfile() {
     return;
   }
 
-  engine->repeatWorker.Clear();
+  engine->repeatWorker.Clear();  // a replay under way is waited for without the lock
   bool saved = false;
   {
     LockGuard guard(profile.profileLock);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/platform.h"
 #include "tests/app/profile_row_fixture.h"
 #include "tests/app/watched_files.h"
 
@@ -15,6 +16,47 @@ namespace {
 using platform::IDOK;
 using platform::MB_ICONEXCLAMATION;
 using platform::MB_OK;
+
+// Takes its time over each value that is written.
+class SlowRegistry final : public platform::Registry {
+ public:
+  SlowRegistry(platform::Registry& registry, std::uint32_t ms) : registry(registry), ms(ms) {}
+
+  std::uint32_t RegOpenKeyA(platform::HKEY key, const std::string& path,
+                            platform::HKEY* opened) override {
+    return registry.RegOpenKeyA(key, path, opened);
+  }
+  std::uint32_t RegCreateKeyA(platform::HKEY key, const std::string& path,
+                              platform::HKEY* opened) override {
+    return registry.RegCreateKeyA(key, path, opened);
+  }
+  std::uint32_t RegCloseKey(platform::HKEY key) override { return registry.RegCloseKey(key); }
+  std::uint32_t RegQueryValueExA(platform::HKEY key, const std::string& name, std::uint32_t* type,
+                                 void* data, std::uint32_t* size) override {
+    return registry.RegQueryValueExA(key, name, type, data, size);
+  }
+  std::uint32_t RegSetValueExA(platform::HKEY key, const std::string& name, std::uint32_t type,
+                               const void* data, std::uint32_t size) override {
+    platform::Sleep(ms);
+    return registry.RegSetValueExA(key, name, type, data, size);
+  }
+  std::uint32_t RegDeleteValueA(platform::HKEY key, const std::string& name) override {
+    return registry.RegDeleteValueA(key, name);
+  }
+  std::uint32_t RegEnumValueA(platform::HKEY key, std::uint32_t index, char* name,
+                              std::uint32_t* nameSize, std::uint32_t* type, void* data,
+                              std::uint32_t* size) override {
+    return registry.RegEnumValueA(key, index, name, nameSize, type, data, size);
+  }
+  std::uint32_t RegEnumKeyA(platform::HKEY key, std::uint32_t index, char* name,
+                            std::uint32_t nameSize) override {
+    return registry.RegEnumKeyA(key, index, name, nameSize);
+  }
+
+ private:
+  platform::Registry& registry;
+  const std::uint32_t ms;
+};
 
 class ProfileLoadingTest : public ProfileRowTest {};
 
@@ -73,9 +115,10 @@ TEST_F(ProfileLoadingTest, TheNameIsRememberedBeforeAnyFileIsRead) {
   Begin();
   ASSERT_EQ(Remembered(), "Alpha");
   Strings seen;
-  const WatchedFiles watched(sim, [&](const std::string& operation, const std::string& path) {
-    seen.push_back(operation + " " + path + " with " + Remembered());
-  });
+  const WatchedFiles watched(sim.Groups(),
+                             [&](const std::string& operation, const std::string& path) {
+                               seen.push_back(operation + " " + path + " with " + Remembered());
+                             });
   Choose("Beta");
   // Looked for by its name, in the order of the folder, and then read.
   EXPECT_EQ(seen, Strings({"read /game/Profiles/Alpha.idprof with Beta",
@@ -113,6 +156,27 @@ TEST_F(ProfileLoadingTest, WhatRepeatsOfTheOldProfileEnds) {
   Choose("Beta");
   EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
   KeysPressed();
+  sim.RunFor(1000);
+  EXPECT_EQ(KeysPressed(), "");
+}
+
+// The choice waits for the replay of the one Control, after which the same dispatch starts the
+// other.
+TEST_F(ProfileLoadingTest, AControlThatBeginsToRepeatDuringTheChoiceEndsWithItsProfile) {
+  Store("Alpha", [](ProfileFile* file) {
+    SetDevice(file, "Pad", kPadGuid);
+    AddControl(file, 1, "a<P:500>b");
+    AddControl(file, 2, "c", 50);
+  });
+  StoreWithPad("Beta");
+  Begin();
+  sim.RunFor(50);
+  pad.Press({1, 2});
+  sim.RunFor(200);
+  ASSERT_EQ(KeysPressed(), "A");
+  Choose("Beta");
+  EXPECT_EQ(KeysPressed(), "BC");
+  EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
   sim.RunFor(1000);
   EXPECT_EQ(KeysPressed(), "");
 }
@@ -169,6 +233,34 @@ TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
   EXPECT_EQ(BytesOf("Alpha.idprof"), before);
   EXPECT_EQ(OpenProfile().leftButton, 0) << "as Beta has it";
   EXPECT_EQ(OpenProfile().leftMask, 0u);
+}
+
+// Two buttons end it on the notification thread, which is slow to save what it found: the device's
+// values, and then the profile by the same object that reads the next one.
+TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  Preset("Show Auto-Detect Usage", 0);
+  Begin();
+  const std::string beta = BytesOf("Beta.idprof");
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.Click(1029);
+  pad.Press({3});
+  sim.RunFor(50);
+  platform::Platform groups = sim.Groups();
+  SlowRegistry slow(*groups.registry, 20);
+  groups.registry = &slow;
+  const WatchedFiles watched(groups,
+                             [](const std::string&, const std::string&) { platform::Sleep(100); });
+  pad.Press({3, 4});
+  sim.RunFor(50);
+  ASSERT_EQ(Engine().detectCount, 0u);
+
+  Choose("Beta");
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(OpenName(), "Beta");
+  EXPECT_EQ(Descriptions(), Strings({"b"}));
+  EXPECT_EQ(BytesOf("Beta.idprof"), beta);
 }
 
 TEST_F(ProfileLoadingTest, AFileWithoutMouseSettingsKeepsThoseOfTheProfileBefore) {
@@ -309,16 +401,19 @@ TEST_F(ProfileLoadingTest, NoControlOfAFileThatIsHalfReadIsLeftToRepeat) {
   screen.Answer(IDOK);
 }
 
-TEST_F(ProfileLoadingTest, TheProgramMayBeClosedWhileABoxOfABadFileIsUp) {
+TEST_F(ProfileLoadingTest, NothingFollowsTheBoxOfABadFileOnceTheProgramHasEnded) {
   StoreWithPad("Alpha");
   StoreWithPad("Beta");
   Begin();
-  Disk().Remove(PathOf("Beta.idprof"));
+  Disk().Remove("/game/Profiles");
   Choose("Beta");
+  ExpectBox("Error reading profile \"Beta\". The file is missing.", "Missing Profile Error",
+            MB_ICONEXCLAMATION);
+  Post(WM_CLOSE_PROGRAM);
   ASSERT_TRUE(screen.BoxUp());
-  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_CLOSE_PROGRAM, 0, 0);
-  screen.Settle();
-  while (screen.BoxUp()) screen.Answer(IDOK);
+  screen.Answer(IDOK);
+  EXPECT_EQ(screen.Boxes().size(), 1u) << "Alpha isn't tried any more";
+  EXPECT_EQ(Remembered(), "Beta");
   EXPECT_FALSE(screen.Running());
 }
 

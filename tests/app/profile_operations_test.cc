@@ -114,11 +114,12 @@ TEST_F(ProfileOperationsTest, TheProfileIsLockedWhileItIsWrittenAndFreeBeforeAny
   StoreWithPad("Alpha");
   Begin();
   Strings writes;
-  const WatchedFiles watched(sim, [&](const std::string& operation, const std::string& path) {
-    if (operation == "read") return;
-    writes.push_back(operation + " " + path +
-                     (OpenProfile().profileLock.IsTaken() ? " locked" : " free"));
-  });
+  const WatchedFiles watched(
+      sim.Groups(), [&](const std::string& operation, const std::string& path) {
+        if (operation == "read") return;
+        writes.push_back(operation + " " + path +
+                         (OpenProfile().profileLock.IsTaken() ? " locked" : " free"));
+      });
   ClickNew("Beta");
   ASSERT_GE(writes.size(), 2u);
   EXPECT_EQ(writes[0], "write /game/Profiles/Beta.idprof.tmp locked");
@@ -323,6 +324,40 @@ TEST_F(ProfileOperationsTest, WithoutAFolderTheFailureOfANewProfileEndsWithAnEmp
                      MB_ICONEXCLAMATION);
   EXPECT_FALSE(screen.BoxUp());
   ExpectNoProfile();
+}
+
+TEST_F(ProfileOperationsTest, ADialogThatOutlivesTheProgramChangesNothing) {
+  StoreWithPad("Alpha", "a");
+  for (const std::uint32_t button : {kNew, kCopy, kRename, kDelete}) {
+    SCOPED_TRACE(button);
+    Begin();
+    const std::string alpha = BytesOf("Alpha.idprof");
+    screen.Click(button);
+    const std::uint32_t dialog = screen.Front();
+    ASSERT_NE(dialog, kMainWindow);
+    if (button != kDelete) screen.Type(kNameEdit, "Beta");
+    Post(WM_CLOSE_PROGRAM);
+    ASSERT_EQ(screen.Front(), dialog);
+    screen.Click(platform::IDOK);
+    EXPECT_FALSE(screen.BoxUp());
+    EXPECT_FALSE(screen.Running());
+    EXPECT_EQ(Files(), Strings({"Alpha.idprof"}));
+    EXPECT_EQ(BytesOf("Alpha.idprof"), alpha);
+    EXPECT_EQ(Remembered(), "Alpha");
+  }
+}
+
+TEST_F(ProfileOperationsTest, AFailedNewProfileThatOutlivesTheProgramLoadsNoOther) {
+  StoreWithPad("Alpha", "a");
+  Begin();
+  Disk().Remove("/game/Profiles");
+  Disk().PutFile("/game/Profiles", "a file where the folder was");
+  ClickNew("Beta");
+  ExpectBox("Error Creating Profile \"Beta\"", "Profile Creation Error", MB_ICONEXCLAMATION);
+  Post(WM_CLOSE_PROGRAM);
+  screen.Answer(platform::IDOK);
+  EXPECT_EQ(screen.Boxes().size(), 1u);
+  EXPECT_FALSE(screen.Running());
 }
 
 // ---- Delete
@@ -557,9 +592,10 @@ TEST_F(ProfileOperationsTest, TheOldFileGoesBeforeTheNewOneIsBegun) {
   StoreWithPad("Alpha");
   Begin();
   Strings seen;
-  const WatchedFiles watched(sim, [&](const std::string& operation, const std::string& path) {
-    if (operation != "read") seen.push_back(operation + " " + path);
-  });
+  const WatchedFiles watched(sim.Groups(),
+                             [&](const std::string& operation, const std::string& path) {
+                               if (operation != "read") seen.push_back(operation + " " + path);
+                             });
   ClickForName(kRename, "Beta");
   EXPECT_EQ(seen,
             Strings({"delete /game/Profiles/Alpha.idprof", "write /game/Profiles/Beta.idprof.tmp",

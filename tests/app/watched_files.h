@@ -1,4 +1,4 @@
-// The disk of a simulation, with a watcher that looks on at each file that is opened, copied or
+// The files of a platform, with a watcher that looks on at each file that is opened, copied or
 // deleted.
 #pragma once
 
@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "app/platform/platform.h"
-#include "app/platform/simulation/simulation.h"
 
 namespace kelvaro {
 
@@ -19,8 +18,9 @@ class WatchedFiles final : public platform::Files {
  public:
   using Watcher = std::function<void(const std::string& operation, const std::string& path)>;
 
-  WatchedFiles(platform::simulation::Simulation& sim, Watcher watcher)
-      : files(*sim.Groups().files), watcher(std::move(watcher)), installed(Groups(sim)) {}
+  // Installs itself, for its life, in the place of the files among these.
+  WatchedFiles(const platform::Platform& groups, Watcher watcher)
+      : files(*groups.files), watcher(std::move(watcher)), installed(Replaced(groups)) {}
 
   char PathSeparator() override { return files.PathSeparator(); }
   std::unique_ptr<platform::File> CreateFileA(const std::string& path, std::uint32_t access,
@@ -57,8 +57,7 @@ class WatchedFiles final : public platform::Files {
   std::uint32_t GetLastError() override { return files.GetLastError(); }
 
  private:
-  platform::Platform Groups(platform::simulation::Simulation& sim) {
-    platform::Platform groups = sim.Groups();
+  platform::Platform Replaced(platform::Platform groups) {
     groups.files = this;
     return groups;
   }
