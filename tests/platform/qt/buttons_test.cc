@@ -1,0 +1,122 @@
+#include "app/platform/qt/buttons.h"
+
+#include "app/platform/qt/colours.h"
+#include "app/platform/qt/qt_canvas.h"
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class ButtonsTest : public QtTest {};
+
+TEST_F(ButtonsTest, AClickIsTold) {
+  Run([&] {
+    QTest::mouseClick(Widget(kButton), Qt::LeftButton);
+    QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
+    QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "106 clicked", "107 clicked"}));
+  });
+}
+
+TEST_F(ButtonsTest, ADisabledOneIsDead) {
+  Run([&] {
+    EXPECT_TRUE(EnableControl(Window(), kButton, false));
+    EXPECT_FALSE(IsControlEnabled(Window(), kButton));
+    QTest::mouseClick(Widget(kButton), Qt::LeftButton);
+    EXPECT_TRUE(recorder.lines.empty());
+    EXPECT_TRUE(EnableControl(Window(), kButton, true));
+    EXPECT_TRUE(IsControlEnabled(Window(), kButton));
+  });
+}
+
+TEST_F(ButtonsTest, ACheckBoxFlipsByItself) {
+  Run([&] {
+    QTest::keyClick(Widget(kCheck), Qt::Key_Space);
+    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+    QTest::keyClick(Widget(kCheck), Qt::Key_Space);
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"108 clicked", "108 clicked"}));
+  });
+}
+
+TEST_F(ButtonsTest, CheckingByTheProgramIsNoNews) {
+  Run([&] {
+    EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
+    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+    EXPECT_TRUE(recorder.lines.empty());
+    EXPECT_FALSE(CheckDlgButton(Window(), kButton, true));
+    EXPECT_FALSE(CheckDlgButton(Window(), 999, true));
+  });
+}
+
+TEST_F(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
+  Run([&] {
+    CheckDlgButton(Window(), kRadioA, true);
+    CheckDlgButton(Window(), kRadioC, true);
+    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioA)) << "another run";
+    CheckDlgButton(Window(), kRadioB, true);
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
+    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioB));
+    QTest::mouseClick(Widget(kRadioD), Qt::LeftButton, {}, QPoint(5, 5));
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioC));
+    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioD));
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
+  });
+}
+
+TEST_F(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
+  Run([&] {
+    CheckDlgButton(Window(), kRadioA, true);
+    EXPECT_TRUE(CheckDlgButton(Window(), kRadioA, false));
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
+    CheckDlgButton(Window(), kRadioA, true);
+    CheckDlgButton(Window(), kRadioB, true);
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
+  });
+}
+
+TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
+  std::vector<DrawItem> items;
+  recorder.onDraw = [&](const DrawItem& item, Canvas& canvas) {
+    items.push_back(item);
+    canvas.FillRect(item.rect, Rgb(1, 2, 3));
+  };
+  Run([&] {
+    QWidget* const button = Widget(kDrawnButton);
+    EXPECT_EQ(PixelOf(button, 2, 2), QColor(1, 2, 3));
+    EXPECT_EQ(items.back().id, kDrawnButton);
+    EXPECT_EQ(items.back().rect, RectOf(button->rect()));
+    EXPECT_FALSE(items.back().pressed || items.back().focused || items.back().disabled ||
+                 items.back().focusAction);
+
+    SetControlFocus(Window(), kDrawnButton);
+    button->repaint();
+    EXPECT_TRUE(items.back().focused);
+    EXPECT_TRUE(items.back().focusAction);
+    button->repaint();
+    EXPECT_FALSE(items.back().focusAction) << "once for each change";
+
+    QTest::mousePress(button, Qt::LeftButton);
+    button->repaint();
+    EXPECT_TRUE(items.back().pressed);
+    QTest::mouseRelease(button, Qt::LeftButton);
+
+    EnableControl(Window(), kDrawnButton, false);
+    button->repaint();
+    EXPECT_TRUE(items.back().disabled);
+  });
+}
+
+TEST_F(ButtonsTest, APictureButtonShowsItsBitmap) {
+  Run([&] {
+    const QImage bare = Widget(kPictureButton)->grab().toImage();
+    EXPECT_TRUE(SetPicture(Window(), kPictureButton, LoadBitmapA(145)));
+    EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);
+    EXPECT_FALSE(SetPicture(Window(), kButton, LoadBitmapA(145)));
+  });
+}
+
+}  // namespace
+}  // namespace platform::qt

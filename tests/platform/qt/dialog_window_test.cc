@@ -1,0 +1,440 @@
+#include "app/platform/qt/dialog_window.h"
+
+#include <QCloseEvent>
+
+#include "app/platform/qt/qt_canvas.h"
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class DialogWindowTest : public QtTest {
+ protected:
+  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(Dialog()->windowHandle(), key, modifiers);
+  }
+};
+
+// --- Its life
+
+TEST_F(DialogWindowTest, IsMadeBeforeItIsShownAndTakesItsResultFromItsEnd) {
+  recorder.onInit = [&](WindowHandle window) {
+    EXPECT_FALSE(IsWindowVisible(window));
+    EXPECT_TRUE(HasControl(window, kButton));
+    Rect client;
+    EXPECT_TRUE(GetClientRect(window, &client));
+    EXPECT_GT(client.Width(), 0);
+  };
+  const std::int32_t result = Run([&] {
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_TRUE(EndDialog(Window(), 7));
+    EXPECT_TRUE(HasControl(Window(), kButton)) << "it goes when its handler returns";
+    EXPECT_TRUE(EndDialog(Window(), 8));
+  });
+  EXPECT_EQ(result, IDOK) << "the last one counts";
+  EXPECT_TRUE(recorder.destroyed);
+  EXPECT_FALSE(HasControl(recorder.window, kButton));
+  EXPECT_FALSE(EndDialog(recorder.window, 1));
+}
+
+TEST_F(DialogWindowTest, OneThatEndsInItsFirstMessageIsNeverSeen) {
+  recorder.onInit = [&](WindowHandle window) { EndDialog(window, 5); };
+  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), 5);
+  EXPECT_TRUE(recorder.destroyed);
+  EXPECT_TRUE(recorder.LinesOf(kButton).empty());
+}
+
+TEST_F(DialogWindowTest, AnOwnerThatIsntThereMakesNone) {
+  EXPECT_EQ(RunDialog(kAllKinds, 99, recorder), -1);
+  EXPECT_EQ(recorder.window, kNoWindow);
+}
+
+TEST_F(DialogWindowTest, TheCloseBoxIsTheListeners) {
+  recorder.onClose = [] {};
+  Run([&] {
+    Dialog()->close();
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"close"}));
+    EXPECT_TRUE(IsWindowVisible(Window()));
+  });
+}
+
+TEST_F(DialogWindowTest, WhatWasPostedWhileItWasMadeComesBeforeItIsSeen) {
+  bool seen = true;
+  recorder.onInit = [&](WindowHandle window) { PostMessageA(window, 0x8001, 0, 0); };
+  recorder.onMessage = [&](std::uint32_t) { seen = IsWindowVisible(recorder.window); };
+  Run([&] { EXPECT_FALSE(seen); });
+}
+
+TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
+  recorder.onInit = [&](WindowHandle window) {
+    PostMessageA(window, 0x8001, 0, 0);
+    SetTimer(window, 1, 50);
+  };
+  recorder.onMessage = [&](std::uint32_t) { ShowWindow(recorder.window, SW_HIDE); };
+  int looks = 0;
+  recorder.onTimer = [&](std::uint32_t) {
+    EXPECT_FALSE(IsWindowVisible(recorder.window));
+    if (++looks == 1) {
+      ShowWindow(recorder.window, SW_SHOW);
+      ShowWindow(recorder.window, SW_RESTORE);
+      EXPECT_TRUE(IsWindowVisible(recorder.window));
+      EndDialog(recorder.window, IDOK);
+    }
+  };
+  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDOK);
+  EXPECT_EQ(looks, 1);
+}
+
+// --- Keys
+
+TEST_F(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
+  Run([&] {
+    std::vector<std::uint32_t> order;
+    for (int i = 0; i < 10; ++i) {
+      order.push_back(GetControlFocus(Window()));
+      Key(Qt::Key_Tab);
+    }
+    // A run of radio buttons without a choice is gone through one by one.
+    EXPECT_EQ(order,
+              (std::vector<std::uint32_t>{kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kButton,
+                                          kPictureButton, kDrawnButton, kCheck, kRadioA, kRadioB}));
+  });
+}
+
+TEST_F(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
+  Run([&] {
+    SetControlFocus(Window(), kNameEdit);
+    EnableControl(Window(), kDigitsEdit, false);
+    ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
+    Key(Qt::Key_Tab);
+    EXPECT_EQ(GetControlFocus(Window()), kArea);
+    Key(Qt::Key_Backtab);
+    EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
+  });
+}
+
+TEST_F(DialogWindowTest, EnterPressesTheDefaultButton) {
+  Run([&] {
+    SetControlFocus(Window(), kNameEdit);
+    Key(Qt::Key_Return);
+    Key(Qt::Key_Enter);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "105 clicked"}));
+    EXPECT_TRUE(SetDefaultButton(Window(), kDrawnButton));
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
+    EXPECT_FALSE(SetDefaultButton(Window(), kCheck));
+    EXPECT_FALSE(SetDefaultButton(Window(), 999));
+  });
+}
+
+TEST_F(DialogWindowTest, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {
+  Run([&] {
+    SetControlFocus(Window(), kNameEdit);
+    ShowControl(Window(), kButton, SW_HIDE);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
+    EnableControl(Window(), kButton, false);
+    Key(Qt::Key_Return);
+    EXPECT_TRUE(recorder.lines.empty());
+  });
+}
+
+TEST_F(DialogWindowTest, EnterPressesTheButtonThatHasTheFocus) {
+  Run([&] {
+    SetControlFocus(Window(), IDCANCEL);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
+    SetControlFocus(Window(), kPictureButton);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"106 clicked"}));
+    SetControlFocus(Window(), kButton);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "once, though it is the default";
+    SetControlFocus(Window(), kCheck);
+    Key(Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "a check box is no push button";
+    EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+  });
+}
+
+TEST_F(DialogWindowTest, EscIsCancel) {
+  Run([&] {
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
+    EnableControl(Window(), IDCANCEL, false);
+    Key(Qt::Key_Escape);
+    EXPECT_TRUE(recorder.lines.empty());
+  });
+}
+
+TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
+  Run(kOneButton, [&] {
+    Key(Qt::Key_Escape);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
+  });
+}
+
+TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereNoControlHasTheFocus) {
+  Run([&] {
+    QWidget* const focused = Dialog()->focusWidget();
+    if (focused) focused->clearFocus();
+    EXPECT_EQ(GetControlFocus(Window()), 0u);
+    recorder.lines.clear();
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 67"}));
+    recorder.lines.clear();
+    SetControlFocus(Window(), kCheck);
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_TRUE(recorder.LinesOf(0).empty());
+  });
+}
+
+TEST_F(DialogWindowTest, AMnemonicPressesItsButton) {
+  Run([&] {
+    Key(Qt::Key_E, Qt::AltModifier);
+    Settle();
+    EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
+  });
+}
+
+TEST_F(DialogWindowTest, TheFocusCanBeSetBeforeItIsSeen) {
+  recorder.onInit = [](WindowHandle window) { EXPECT_TRUE(SetControlFocus(window, kCheck)); };
+  Run([&] {
+    EXPECT_EQ(GetControlFocus(Window()), kCheck);
+    EXPECT_FALSE(SetControlFocus(Window(), kNameLabel));
+    EXPECT_FALSE(SetControlFocus(Window(), 999));
+    EXPECT_EQ(GetControlFocus(99), 0u);
+  });
+}
+
+// --- Places
+
+TEST_F(DialogWindowTest, ControlsStandWhereTheyAreSet) {
+  Run([&] {
+    EXPECT_TRUE(SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
+    Rect rect;
+    EXPECT_TRUE(GetControlRect(Window(), kButton, &rect));
+    EXPECT_EQ(rect, (Rect{10, 20, 17, 23})) << "smaller than it would like";
+    EXPECT_TRUE(SetControlPos(Window(), kButton, {1, 2, 99, 99}, SWP_NOSIZE));
+    GetControlRect(Window(), kButton, &rect);
+    EXPECT_EQ(rect, (Rect{1, 2, 8, 5}));
+    EXPECT_FALSE(SetControlPos(Window(), 999, {}, 0));
+    EXPECT_FALSE(GetControlRect(Window(), 999, &rect));
+  });
+}
+
+TEST_F(DialogWindowTest, SeveralMoveAtOnce) {
+  Run([&] {
+    Rect before;
+    GetControlRect(Window(), kButton, &before);
+    const DeferHandle defer = BeginDeferWindowPos(2);
+    ASSERT_NE(defer, 0u);
+    EXPECT_EQ(DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
+    EXPECT_EQ(DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
+    Rect rect;
+    GetControlRect(Window(), kButton, &rect);
+    EXPECT_EQ(rect, before);
+    EXPECT_TRUE(EndDeferWindowPos(defer));
+    GetControlRect(Window(), kButton, &rect);
+    EXPECT_EQ(rect, (Rect{1, 2, 11, 12}));
+    EXPECT_FALSE(EndDeferWindowPos(defer));
+    EXPECT_EQ(BeginDeferWindowPos(-1), 0u);
+  });
+}
+
+TEST_F(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
+  Run([&] {
+    EXPECT_TRUE(MoveWindow(Window(), {40, 50, 740, 550}));
+    Rect rect;
+    EXPECT_TRUE(GetWindowRect(Window(), &rect));
+    EXPECT_EQ(rect, (Rect{40, 50, 740, 550}));
+    Rect client;
+    EXPECT_TRUE(GetClientRect(Window(), &client));
+    EXPECT_EQ(recorder.lines.back(),
+              "size 0 " + std::to_string(client.Width()) + 'x' + std::to_string(client.Height()));
+    const QPoint inside = Dialog()->mapToGlobal(QPoint(0, 0));
+    EXPECT_EQ(recorder.place, (Point{inside.x(), inside.y()}));
+    EXPECT_TRUE(InvalidateRect(Window(), client));
+    EXPECT_TRUE(UpdateWindow(Window()));
+    EXPECT_TRUE(SetWindowTextA(Window(), "Title"));
+    EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Title"));
+    EXPECT_TRUE(SetForegroundWindow(Window()));
+  });
+}
+
+TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
+  recorder.onInit = [&](WindowHandle window) {
+    EXPECT_TRUE(MoveWindow(window, {30, 40, 830, 640}));
+    Rect client;
+    GetClientRect(window, &client);
+    EXPECT_EQ(recorder.lines.back(),
+              "size 0 " + std::to_string(client.Width()) + 'x' + std::to_string(client.Height()));
+  };
+  Run([&] {
+    Rect rect;
+    GetWindowRect(Window(), &rect);
+    EXPECT_EQ(rect, (Rect{30, 40, 830, 640})) << "with the frame that it has got meanwhile";
+  });
+}
+
+TEST_F(DialogWindowTest, KeepsToItsLimits) {
+  recorder.limits.minTrackWidth = 500;
+  recorder.limits.minTrackHeight = 300;
+  recorder.limits.maxTrackHeight = 400;
+  Run([&] {
+    MoveWindow(Window(), {0, 0, 10, 10});
+    EXPECT_EQ(Dialog()->size(), QSize(500, 300));
+    MoveWindow(Window(), {0, 0, 2000, 2000});
+    EXPECT_EQ(Dialog()->height(), 400);
+    EXPECT_GT(Dialog()->width(), 1900);
+    Dialog()->resize(20, 20);
+    EXPECT_EQ(Dialog()->size(), QSize(500, 300));
+  });
+}
+
+TEST_F(DialogWindowTest, AFixedOneCantBeSized) {
+  Run(kOneButton, [&] { EXPECT_EQ(Dialog()->minimumSize(), Dialog()->maximumSize()); });
+}
+
+TEST_F(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
+  Run([&] {
+    const QPoint inGroup = Widget(kRadioC)->geometry().center();
+    EXPECT_EQ(Dialog()->childAt(inGroup), Widget(kRadioC));
+    EXPECT_EQ(Dialog()->childAt(Widget(kSlider)->geometry().center()), Widget(kSlider));
+    SetControlPos(Window(), kButton, RectOf(Dialog()->Find(kTabs)->Widget()->geometry()),
+                  SWP_NOSIZE);
+    EXPECT_EQ(Dialog()->childAt(Widget(kButton)->geometry().center()), Widget(kButton));
+  });
+}
+
+TEST_F(DialogWindowTest, VisibleIsWhatTheProgramSetWhetherTheWindowIsSeenOrNot) {
+  recorder.onInit = [](WindowHandle window) {
+    EXPECT_TRUE(IsControlVisible(window, kButton));
+    EXPECT_FALSE(IsControlVisible(window, kHiddenButton));
+    EXPECT_TRUE(ShowControl(window, kHiddenButton, SW_SHOWNOACTIVATE));
+    EXPECT_TRUE(IsControlVisible(window, kHiddenButton));
+    EXPECT_TRUE(ShowControl(window, kButton, SW_HIDE));
+    EXPECT_FALSE(IsControlVisible(window, kButton));
+    EXPECT_FALSE(ShowControl(window, 999, SW_HIDE));
+  };
+  Run([&] {
+    EXPECT_TRUE(Widget(kHiddenButton)->isVisible());
+    EXPECT_FALSE(Widget(kButton)->isVisible());
+  });
+}
+
+// --- Painting
+
+TEST_F(DialogWindowTest, TheListenerPaintsBehindTheControls) {
+  recorder.onPaint = [](Canvas& canvas) { canvas.FillRect({0, 0, 2000, 2000}, Rgb(9, 8, 7)); };
+  Run([&] {
+    EXPECT_EQ(PixelOf(Dialog(), Dialog()->width() - 1, Dialog()->height() - 1), QColor(9, 8, 7));
+    const QPoint check = Widget(kButton)->geometry().center();
+    EXPECT_NE(PixelOf(Dialog(), check.x(), Widget(kButton)->geometry().top() + 2), QColor(9, 8, 7));
+  });
+}
+
+// --- Shown, hidden, minimised
+
+int hookCalls = 0;
+std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
+  if (code == HCBT_MINMAX && lParam == SW_MINIMIZE && wParam != kNoWindow) ++hookCalls;
+  return 0;
+}
+
+TEST_F(DialogWindowTest, IsHiddenAndComesBack) {
+  Run([&] {
+    EXPECT_TRUE(ShowWindow(Window(), SW_HIDE));
+    EXPECT_FALSE(IsWindowVisible(Window()));
+    EXPECT_TRUE(ShowWindow(Window(), SW_SHOW));
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_FALSE(ShowWindow(99, SW_SHOW));
+  });
+}
+
+TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
+  hookCalls = 0;
+  Run([&] {
+    const HookHandle hook = SetWindowsHookExA(WH_CBT, &CountingHook);
+    EXPECT_NE(hook, 0u);
+    EXPECT_EQ(SetWindowsHookExA(WH_CBT + 1, &CountingHook), 0u);
+    Dialog()->showMinimized();  // as the person does
+    Settle();
+    EXPECT_EQ(hookCalls, 1);
+    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_EQ(recorder.TakeLines().back(), "size 1 0x0");
+    EXPECT_TRUE(ShowWindow(Window(), SW_RESTORE));
+    Settle();
+    EXPECT_FALSE(IsIconic(Window()));
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_TRUE(ShowWindow(Window(), SW_MINIMIZE));
+    Settle();
+    EXPECT_EQ(hookCalls, 2);
+    ShowWindow(Window(), SW_SHOWNORMAL);
+    EXPECT_TRUE(UnhookWindowsHookEx(hook));
+    EXPECT_FALSE(UnhookWindowsHookEx(hook));
+    ShowWindow(Window(), SW_MINIMIZE);
+    Settle();
+    EXPECT_EQ(hookCalls, 2);
+  });
+}
+
+TEST_F(DialogWindowTest, AMinimisedOneThatWasHiddenComesBackInItsNormalState) {
+  Run([&] {
+    Dialog()->showMinimized();
+    Settle();
+    ShowWindow(Window(), SW_HIDE);
+    Settle();
+    EXPECT_FALSE(IsWindowVisible(Window()));
+    EXPECT_TRUE(IsIconic(Window()));
+    ShowWindow(Window(), SW_SHOW);
+    ShowWindow(Window(), SW_RESTORE);
+    Settle();
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_FALSE(IsIconic(Window()));
+    EXPECT_FALSE(Dialog()->isMinimized());
+  });
+}
+
+TEST_F(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {
+  Run([&] {
+    ShowWindow(Window(), SW_MINIMIZE);
+    ShowWindow(Window(), SW_HIDE);
+    ShowWindow(Window(), SW_SHOW);
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    Settle();
+    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_TRUE(Dialog()->isMinimized());
+  });
+}
+
+TEST_F(DialogWindowTest, AMaximisedOneComesBackMaximised) {
+  Run([&] {
+    Dialog()->showMaximized();
+    Settle();
+    EXPECT_TRUE(IsZoomed(Window()));
+    EXPECT_EQ(recorder.TakeLines().back().substr(0, 6), "size 2");
+    ShowWindow(Window(), SW_MINIMIZE);
+    EXPECT_FALSE(IsZoomed(Window()));
+    ShowWindow(Window(), SW_RESTORE);
+    Settle();
+    EXPECT_TRUE(IsZoomed(Window()));
+    ShowWindow(Window(), SW_RESTORE);
+    Settle();
+    EXPECT_FALSE(IsZoomed(Window()));
+  });
+}
+
+TEST_F(DialogWindowTest, HasTheIconThatItIsGiven) {
+  Run([&] {
+    const IconHandle icon = LoadIconA(128);
+    EXPECT_TRUE(SetWindowIcon(Window(), icon, true));
+    EXPECT_FALSE(Dialog()->windowIcon().isNull());
+    EXPECT_FALSE(SetWindowIcon(99, icon, true));
+  });
+}
+
+}  // namespace
+}  // namespace platform::qt

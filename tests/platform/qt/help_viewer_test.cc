@@ -1,0 +1,115 @@
+#include "app/platform/qt/help_viewer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTextBrowser>
+
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+class HelpViewerTest : public QtTest {
+ protected:
+  HelpViewerTest() {
+    QDir(folder.path()).mkpath(QStringLiteral("Help/Kelvaro"));
+    Write("index.htm", "Contents", "<a href=\"First Page.htm\">first</a>");
+    Write("First Page.htm", "First", "The first page.");
+    Write("Second.htm", "Second", "The second page.");
+    help = GetHelpFunction(LoadLibraryA("hhctrl.ocx"), 14);
+    file = folder.filePath(QStringLiteral("Help/Kelvaro.chm")).toStdString();
+  }
+
+  void Write(const char* name, const char* title, const char* text) {
+    QFile page(folder.filePath(QStringLiteral("Help/Kelvaro/") + QString::fromLatin1(name)));
+    ASSERT_TRUE(page.open(QIODevice::WriteOnly));
+    page.write(QByteArray("<html><head><title>") + title + "</title></head><body>" + text +
+               "</body></html>");
+  }
+  std::uintptr_t Show(const char* topic) {
+    return help(kNoWindow, file.c_str(), HH_DISPLAY_TOPIC, reinterpret_cast<std::uintptr_t>(topic));
+  }
+  static QTextBrowser* Browser() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      auto* const browser = widget->findChild<QTextBrowser*>();
+      if (browser && widget->isVisible()) return browser;
+    }
+    return nullptr;
+  }
+
+  QTemporaryDir folder;
+  std::string file;
+  HtmlHelpFunction help = nullptr;
+};
+
+TEST_F(HelpViewerTest, IsInitialisedWithACookie) {
+  std::uint32_t cookie = 0;
+  EXPECT_NE(help(kNoWindow, nullptr, HH_INITIALIZE, reinterpret_cast<std::uintptr_t>(&cookie)), 0u);
+  EXPECT_NE(cookie, 0u);
+  EXPECT_NE(help(kNoWindow, nullptr, HH_UNINITIALIZE, cookie), 0u);
+  EXPECT_EQ(help(kNoWindow, nullptr, 12345, 0), 0u);
+}
+
+TEST_F(HelpViewerTest, ShowsAPageOfTheFolderBesideItsFile) {
+  EXPECT_NE(Show("First Page.htm"), 0u);
+  ASSERT_NE(Browser(), nullptr);
+  EXPECT_EQ(Browser()->toPlainText(), QStringLiteral("The first page."));
+  EXPECT_EQ(Browser()->window()->windowTitle(), QStringLiteral("First"));
+  EXPECT_NE(Show("Second.htm"), 0u);
+  EXPECT_EQ(Browser()->toPlainText(), QStringLiteral("The second page."));
+  Browser()->backward();
+  EXPECT_EQ(Browser()->toPlainText(), QStringLiteral("The first page."));
+  EXPECT_NE(help(kNoWindow, nullptr, HH_CLOSE_ALL, 0), 0u);
+  EXPECT_EQ(Browser(), nullptr);
+}
+
+TEST_F(HelpViewerTest, ABackslashInTheFilesPathWillDo) {
+  file = folder.path().toStdString() + "/Help\\Kelvaro.chm";
+  Show("Second.htm");
+  ASSERT_NE(Browser(), nullptr);
+  EXPECT_EQ(Browser()->toPlainText(), QStringLiteral("The second page."));
+}
+
+TEST_F(HelpViewerTest, AMissingPageSaysSoAndWhereItWasLookedFor) {
+  EXPECT_NE(Show("Gone.htm"), 0u);
+  ASSERT_NE(Browser(), nullptr);
+  EXPECT_TRUE(Browser()->toPlainText().contains(QStringLiteral("This page is missing")));
+  EXPECT_TRUE(Browser()->toPlainText().contains(QStringLiteral("Help/Kelvaro/Gone.htm")));
+}
+
+TEST_F(HelpViewerTest, EscClosesIt) {
+  Show("Second.htm");
+  ASSERT_NE(Browser(), nullptr);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(Browser()->window()));
+  QTest::keyClick(Browser()->window()->windowHandle(), Qt::Key_Escape);
+  EXPECT_EQ(Browser(), nullptr);
+  Show("Second.htm");
+  EXPECT_NE(Browser(), nullptr) << "and it comes back";
+}
+
+TEST_F(HelpViewerTest, StaysOfUseWhileADialogAsks) {
+  Show("index.htm");
+  Run([&] {
+    Recorder inner;
+    QObject context;
+    QTimer::singleShot(0, &context, [&] {
+      QTextBrowser* const browser = Browser();
+      ASSERT_NE(browser, nullptr);
+      const QPoint link = browser->viewport()->mapTo(browser->window(), QPoint(12, 12));
+      QTest::mouseClick(browser->window()->windowHandle(), Qt::LeftButton, {}, link);
+      EXPECT_EQ(browser->toPlainText(), QStringLiteral("The first page."));
+      EndDialog(inner.window, IDOK);
+    });
+    RunDialog(kOneButton, Window(), inner);
+  });
+}
+
+TEST_F(HelpViewerTest, WithoutAFileOrATopicNothingIsShown) {
+  EXPECT_EQ(help(kNoWindow, nullptr, HH_DISPLAY_TOPIC, reinterpret_cast<std::uintptr_t>("x")), 0u);
+  EXPECT_EQ(help(kNoWindow, file.c_str(), HH_DISPLAY_TOPIC, 0), 0u);
+  EXPECT_EQ(Browser(), nullptr);
+}
+
+}  // namespace
+}  // namespace platform::qt

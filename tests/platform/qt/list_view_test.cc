@@ -1,0 +1,295 @@
+#include "app/platform/qt/list_view.h"
+
+#include <QHeaderView>
+#include <QTreeView>
+
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+using Lines = std::vector<std::string>;
+using Numbers = std::vector<std::int32_t>;
+
+class ListViewTest : public QtTest {
+ protected:
+  QTreeView* List(std::uint32_t id = kList) const { return static_cast<QTreeView*>(Widget(id)); }
+  void AddColumns(std::uint32_t id = kList) {
+    EXPECT_EQ(ListInsertColumn(Window(), id, "Trigger", 100), 0);
+    EXPECT_EQ(ListInsertColumn(Window(), id, "Action", 50), 1);
+    EXPECT_EQ(ListInsertColumn(Window(), id, "Description", 150), 2);
+  }
+  void AddRows(int count, std::uint32_t id = kList) {
+    for (int row = 0; row < count; ++row) {
+      EXPECT_EQ(ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
+    }
+  }
+  Numbers Selected(std::uint32_t id = kList) const {
+    Numbers rows;
+    for (int row = ListGetNextSelected(Window(), id, -1); row != kNoRow;
+         row = ListGetNextSelected(Window(), id, row)) {
+      rows.push_back(row);
+    }
+    return rows;
+  }
+  QPoint RowPoint(int row, std::uint32_t id = kList) const {
+    return List(id)->visualRect(List(id)->model()->index(row, 0)).center();
+  }
+};
+
+TEST_F(ListViewTest, HoldsRowsOfTexts) {
+  Run([&] {
+    AddColumns();
+    AddRows(2);
+    EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "");
+    EXPECT_TRUE(ListSetItemText(Window(), kList, 1, 2, "jump \xFC"));
+    EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "jump \xFC");
+    EXPECT_EQ(List()->model()->index(1, 2).data().toString(), QStringLiteral("jump ü"));
+    EXPECT_EQ(ListGetItemData(Window(), kList, 1), 1001u);
+    EXPECT_EQ(ListGetItemCount(Window(), kList), 2);
+    EXPECT_TRUE(ListDeleteAllItems(Window(), kList));
+    EXPECT_EQ(ListGetItemCount(Window(), kList), 0);
+  });
+}
+
+TEST_F(ListViewTest, WhatIsBeyondItsEndsIsRefused) {
+  Run([&] {
+    AddColumns();
+    AddRows(1);
+    EXPECT_FALSE(ListSetItemText(Window(), kList, 1, 0, "x"));
+    EXPECT_FALSE(ListSetItemText(Window(), kList, 0, 3, "x"));
+    EXPECT_EQ(ListGetItemText(Window(), kList, -1, 0), "");
+    EXPECT_EQ(ListGetItemData(Window(), kList, 1), 0u);
+    EXPECT_FALSE(ListSelectItem(Window(), kList, 1, true));
+    EXPECT_FALSE(ListEnsureVisible(Window(), kList, 1));
+    EXPECT_FALSE(ListSetColumnWidth(Window(), kList, 3, 10));
+    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 3), 0);
+    EXPECT_EQ(ListInsertColumn(Window(), kDropList, "x", 1), -1);
+    EXPECT_EQ(ListGetItemCount(Window(), kDropList), -1);
+  });
+}
+
+TEST_F(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
+  Run([&] {
+    AddColumns();
+    AddRows(4);
+    EXPECT_TRUE(ListSelectItem(Window(), kList, 1, true));
+    EXPECT_TRUE(ListSelectItem(Window(), kList, 3, true));
+    EXPECT_EQ(Selected(), (Numbers{1, 3}));
+    EXPECT_TRUE(ListSelectItem(Window(), kList, 1, false));
+    EXPECT_EQ(Selected(), (Numbers{3}));
+
+    AddColumns(kSingleList);
+    AddRows(4, kSingleList);
+    ListSelectItem(Window(), kSingleList, 1, true);
+    ListSelectItem(Window(), kSingleList, 3, true);
+    EXPECT_EQ(Selected(kSingleList), (Numbers{3}));
+    EXPECT_TRUE(recorder.lines.empty() ||
+                recorder.lines.front().find("selection") == std::string::npos);
+  });
+}
+
+TEST_F(ListViewTest, APersonSelectsWholeRows) {
+  Run([&] {
+    AddColumns();
+    AddRows(4);
+    QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
+    QTest::mouseClick(List()->viewport(), Qt::LeftButton, Qt::ControlModifier, RowPoint(3));
+    EXPECT_EQ(Selected(), (Numbers{1, 3}));
+  });
+}
+
+TEST_F(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
+  Run([&] {
+    AddColumns();
+    AddRows(4);
+    ListSelectItem(Window(), kList, 1, true);
+    SetControlFocus(Window(), kList);
+    QTest::keyClick(List(), Qt::Key_Down);
+    EXPECT_EQ(Selected(), (Numbers{2}));
+    EXPECT_EQ(recorder.LinesOf(kList).back(), "116 key down 40");
+  });
+}
+
+TEST_F(ListViewTest, ADoubleClickTellsTheRowBelowThePointer) {
+  Run([&] {
+    AddColumns();
+    AddRows(2);
+    recorder.lines.clear();
+    QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
+    QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {},
+                       QPoint(10, List()->viewport()->height() - 2));
+    EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 double clicked 1", "116 double clicked -1"}));
+  });
+}
+
+TEST_F(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
+  Run([&] {
+    AddColumns();
+    AddRows(2);
+    SetControlFocus(Window(), kList);
+    recorder.lines.clear();
+    QTest::keyClick(List(), Qt::Key_Delete);
+    QTest::keyClick(List(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(List(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(recorder.LinesOf(kList),
+              (Lines{"116 key down 46", "116 key down 67", "116 key down 86"}));
+  });
+}
+
+TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
+  std::uint16_t held = 0;
+  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+    if (notice == Notice::KeyDown) held = GetKeyState(0x11);
+  };
+  Run([&] {
+    SetControlFocus(Window(), kList);
+    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(held, 0x8000);
+    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C);
+    EXPECT_EQ(held, 0);
+  });
+}
+
+TEST_F(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
+  Run([&] {
+    SetControlFocus(Window(), kList);
+    QTest::keyClick(List(), Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 13", "105 clicked"}));
+    QTest::keyClick(List(), Qt::Key_Escape);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 27", "2 clicked"}));
+  });
+}
+
+TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterByWhomeverItIsSet) {
+  std::vector<std::int32_t> seen;
+  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t column) {
+    if (notice == Notice::HeaderItemChanging || notice == Notice::HeaderItemChanged) {
+      seen.push_back(ListGetColumnWidth(Window(), kList, column));
+    }
+  };
+  Run([&] {
+    AddColumns();
+    seen.clear();
+    recorder.lines.clear();
+    EXPECT_TRUE(ListSetColumnWidth(Window(), kList, 1, 70));
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 header changing 1", "116 header changed 1"}));
+    EXPECT_EQ(seen, (Numbers{50, 70}));
+    List()->header()->resizeSection(1, 90);  // as a drag of its divider does
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 header changing 1", "116 header changed 1"}));
+    EXPECT_EQ(seen, (Numbers{50, 70, 70, 90}));
+    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 1), 90);
+  });
+}
+
+TEST_F(ListViewTest, TheOrderOfColumnsIsAPermutation) {
+  Run([&] {
+    AddColumns();
+    Numbers order;
+    EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+    EXPECT_EQ(order, (Numbers{0, 1, 2}));
+    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1}));
+    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1, 1}));
+    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {1, 2, 3}));
+    recorder.lines.clear();
+    EXPECT_TRUE(ListSetColumnOrder(Window(), kList, {2, 0, 1}));
+    EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+    EXPECT_EQ(order, (Numbers{2, 0, 1}));
+    EXPECT_EQ(List()->header()->logicalIndex(0), 2);
+    EXPECT_EQ(List()->header()->logicalIndex(2), 1);
+    EXPECT_TRUE(recorder.LinesOf(kList).empty());
+  });
+}
+
+TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
+  Numbers during;
+  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+    if (notice == Notice::HeaderDragEnded) ListGetColumnOrder(Window(), kList, &during);
+  };
+  Run([&] {
+    AddColumns();
+    recorder.lines.clear();
+    List()->header()->moveSection(0, 2);  // as the end of a drag does
+    EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 header drag ended"}));
+    EXPECT_EQ(during, (Numbers{0, 1, 2}));
+    Numbers after;
+    ListGetColumnOrder(Window(), kList, &after);
+    EXPECT_EQ(after, (Numbers{1, 2, 0}));
+  });
+}
+
+TEST_F(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
+  Run([&] {
+    AddColumns();
+    QHeaderView* const header = List()->header();
+    QWidget* const area = header->viewport();
+    const int y = header->height() / 2;
+    QTest::mousePress(area, Qt::LeftButton, {}, QPoint(20, y));
+    for (int x = 20; x <= 145; x += 5) QTest::mouseMove(area, QPoint(x, y));
+    QTest::mouseRelease(area, Qt::LeftButton, {}, QPoint(145, y));
+    Numbers order;
+    ListGetColumnOrder(Window(), kList, &order);
+    EXPECT_EQ(order, (Numbers{1, 0, 2}));
+  });
+}
+
+TEST_F(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
+  Run([&] {
+    const int width = ListGetClientWidth(Window(), kList);
+    EXPECT_LT(width, List()->width());
+    AddColumns();
+    AddRows(100);
+    Settle();
+    EXPECT_EQ(ListGetClientWidth(Window(), kList), width) << "whether there is a bar or not";
+    EXPECT_LE(width, List()->viewport()->width());
+  });
+}
+
+TEST_F(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
+  Run([&] {
+    AddColumns();
+    AddRows(100);
+    EXPECT_TRUE(ListEnsureVisible(Window(), kList, 80));
+    EXPECT_TRUE(List()->viewport()->rect().contains(RowPoint(80)));
+  });
+}
+
+TEST_F(ListViewTest, PaintingIsTold) {
+  int painted = 0;
+  recorder.onNotice = [&](std::uint32_t id, Notice notice, std::int32_t) {
+    if (id == kList && notice == Notice::Painted) ++painted;
+  };
+  Run([&] {
+    painted = 0;
+    InvalidateControl(Window(), kList);
+    List()->viewport()->update();
+    Settle();
+    EXPECT_GE(painted, 1);
+  });
+}
+
+TEST_F(ListViewTest, LinesStandBetweenTheCells) {
+  Run([&] {
+    AddColumns();
+    AddRows(2);
+    Settle();
+    const QImage image = List()->viewport()->grab().toImage();
+    const QColor paper = image.pixelColor(95, image.height() - 2);
+    EXPECT_NE(image.pixelColor(99, RowPoint(0).y()), paper) << "behind the first column";
+    const int bottom = List()->visualRect(List()->model()->index(0, 0)).bottom();
+    EXPECT_NE(image.pixelColor(60, bottom), paper) << "below the first row";
+  });
+}
+
+TEST_F(ListViewTest, AMessageToItselfComesAsANoticeInItsTurn) {
+  Run([&] {
+    EXPECT_TRUE(PostControlMessage(Window(), kList, 0x8001));
+    EXPECT_FALSE(PostControlMessage(Window(), 999, 0x8001));
+    EXPECT_TRUE(recorder.lines.empty());
+    Settle();
+    EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 message 32769"}));
+  });
+}
+
+}  // namespace
+}  // namespace platform::qt

@@ -1,0 +1,94 @@
+#include "app/platform/qt/tab_control.h"
+
+#include <QTabBar>
+
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+class TabControlTest : public QtTest {
+ protected:
+  void AddTabs() {
+    EXPECT_EQ(TabInsertItem(Window(), kTabs, "One"), 0);
+    EXPECT_EQ(TabInsertItem(Window(), kTabs, "Two"), 1);
+  }
+};
+
+TEST_F(TabControlTest, ShowsTheFirstTabUntilAnotherIsSet) {
+  Run([&] {
+    AddTabs();
+    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0);
+    EXPECT_TRUE(TabSetCurSel(Window(), kTabs, 1));
+    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
+    EXPECT_FALSE(TabSetCurSel(Window(), kTabs, 2));
+    EXPECT_TRUE(recorder.lines.empty());
+  });
+}
+
+TEST_F(TabControlTest, AClickOfThePersonIsNews) {
+  Run([&] {
+    AddTabs();
+    Rect rect;
+    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &rect));
+    QTest::mouseClick(Widget(kTabs), Qt::LeftButton, {}, QPoint(rect.left + 4, rect.top + 4));
+    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
+  });
+}
+
+TEST_F(TabControlTest, ArrowKeysChooseTabs) {
+  Run([&] {
+    AddTabs();
+    SetControlFocus(Window(), kTabs);
+    EXPECT_EQ(GetControlFocus(Window()), kTabs);
+    QTest::keyClick(Widget(kTabs), Qt::Key_Right);
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
+  });
+}
+
+TEST_F(TabControlTest, AClickTakesTheFocusFromAnEditFirst) {
+  Run([&] {
+    AddTabs();
+    SetControlFocus(Window(), kNameEdit);
+    Rect rect;
+    TabGetItemRect(Window(), kTabs, 1, &rect);
+    const QPoint point = Widget(kTabs)->mapTo(Dialog(), QPoint(rect.left + 4, rect.top + 4));
+    QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
+    EXPECT_EQ(recorder.TakeLines(),
+              (std::vector<std::string>{"101 focus lost", "117 selection changed 1"}));
+  });
+}
+
+TEST_F(TabControlTest, TabsStandBesideOneAnother) {
+  Run([&] {
+    AddTabs();
+    Rect first;
+    Rect second;
+    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 0, &first));
+    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+    EXPECT_GT(first.Height(), 8);
+    EXPECT_EQ(first.top, second.top);
+    EXPECT_EQ(first.right, second.left);
+    EXPECT_FALSE(TabGetItemRect(Window(), kTabs, 2, &second));
+    EXPECT_FALSE(TabGetItemRect(Window(), kButton, 0, &second));
+    EXPECT_EQ(TabGetCurSel(Window(), kButton), -1);
+    EXPECT_EQ(TabInsertItem(Window(), kButton, "x"), -1);
+  });
+}
+
+TEST_F(TabControlTest, ATabHasItsRectangleBeforeTheWindowIsSeen) {
+  Rect first;
+  recorder.onInit = [&](WindowHandle window) {
+    TabInsertItem(window, kTabs, "One");
+    EXPECT_TRUE(TabGetItemRect(window, kTabs, 0, &first));
+  };
+  Run([&] {
+    Rect shown;
+    TabGetItemRect(Window(), kTabs, 0, &shown);
+    EXPECT_EQ(first.Height(), shown.Height());
+  });
+}
+
+}  // namespace
+}  // namespace platform::qt

@@ -1,0 +1,113 @@
+#include "app/platform/qt/tool_tips.h"
+
+#include <QFontMetrics>
+#include <QHelpEvent>
+#include <QToolTip>
+
+#include "app/platform/qt/text.h"
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+TEST(Wrapped, NoLineIsWiderThanTheWidth) {
+  const QString text = QStringLiteral("word ").repeated(60).trimmed();
+  const QStringList lines = Wrapped(text, 300).split(u'\n');
+  EXPECT_GT(lines.size(), 1);
+  for (const QString& line : lines) {
+    EXPECT_LE(QFontMetrics(QToolTip::font()).horizontalAdvance(line), 300);
+  }
+  EXPECT_EQ(lines.join(u' '), text);
+}
+
+TEST(Wrapped, LineEndsOfTheTextStay) {
+  EXPECT_EQ(Wrapped(QStringLiteral("a\n\nb"), 300), QStringLiteral("a\n\nb"));
+}
+
+TEST(Wrapped, WithoutAWidthTheTextStaysAsItIs) {
+  const QString text = QStringLiteral("word ").repeated(60);
+  EXPECT_EQ(Wrapped(text, 0), text);
+}
+
+class ToolTipsTest : public QtTest {
+ protected:
+  // What comes up above the middle of a control, or above a point of it.
+  QString Hover(std::uint32_t id, QPoint point = {-1, -1}) {
+    QWidget* const widget = Dialog()->Find(id)->Widget();
+    if (point.x() < 0) point = widget->rect().center();
+    QToolTip::hideText();
+    QHelpEvent event(QEvent::ToolTip, point, widget->mapToGlobal(point));
+    QApplication::sendEvent(widget, &event);
+    return QToolTip::text();
+  }
+};
+
+TEST_F(ToolTipsTest, AToolShowsTheTextThatTheProgramGives) {
+  recorder.tip = [](std::uint32_t id) { return "tip of " + std::to_string(id); };
+  Run([&] {
+    EXPECT_EQ(Hover(kButton), QString()) << "it isn't a tool yet";
+    EXPECT_TRUE(CreateToolTip(Window()));
+    EXPECT_TRUE(AddTool(Window(), kButton));
+    EXPECT_TRUE(Hover(kButton).contains(QStringLiteral("tip of 105")));
+    EXPECT_EQ(Hover(kCheck), QString());
+    EXPECT_TRUE(EnableToolTips(Window()));
+    EXPECT_TRUE(Hover(kCheck).contains(QStringLiteral("tip of 108")));
+    EXPECT_TRUE(Hover(kSlider).contains(QStringLiteral("tip of 119")));
+  });
+}
+
+TEST_F(ToolTipsTest, AnEmptyTextIsNoTip) {
+  Run([&] {
+    EnableToolTips(Window());
+    EXPECT_EQ(Hover(kButton), QString());
+  });
+}
+
+TEST_F(ToolTipsTest, AnInactiveOneShowsNothing) {
+  recorder.tip = [](std::uint32_t) { return std::string("tip"); };
+  Run([&] {
+    EnableToolTips(Window());
+    EXPECT_TRUE(ActivateToolTip(Window(), false));
+    EXPECT_EQ(Hover(kButton), QString());
+    EXPECT_TRUE(ActivateToolTip(Window(), true));
+    EXPECT_NE(Hover(kButton), QString());
+  });
+}
+
+TEST_F(ToolTipsTest, EachTabHasATextOfItsOwn) {
+  Run([&] {
+    TabInsertItem(Window(), kTabs, "One");
+    TabInsertItem(Window(), kTabs, "Two");
+    EXPECT_TRUE(AddTabTool(Window(), kTabs, 0, "the first"));
+    EXPECT_TRUE(AddTabTool(Window(), kTabs, 1, "the second"));
+    EXPECT_FALSE(AddTabTool(Window(), kTabs, 2, "none"));
+    EXPECT_FALSE(AddTabTool(Window(), kButton, 0, "no tabs"));
+    Rect second;
+    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+    EXPECT_TRUE(Hover(kTabs, {3, 3}).contains(QStringLiteral("the first")));
+    EXPECT_TRUE(Hover(kTabs, {second.left + 3, 3}).contains(QStringLiteral("the second")));
+    EXPECT_EQ(Hover(kTabs), QString()) << "the page";
+  });
+}
+
+TEST_F(ToolTipsTest, AngleBracketsAreShownAsTheyStand) {
+  recorder.tip = [](std::uint32_t) { return std::string("brackets \"<>\""); };
+  Run([&] {
+    EnableToolTips(Window());
+    EXPECT_TRUE(SetToolTipWidth(Window(), 300));
+    EXPECT_TRUE(SetToolTipTime(Window(), 10000));
+    EXPECT_TRUE(Hover(kButton).contains(QStringLiteral("&lt;&gt;")));
+  });
+}
+
+TEST_F(ToolTipsTest, AWindowThatIsntThereHasNone) {
+  EXPECT_FALSE(CreateToolTip(99));
+  EXPECT_FALSE(SetToolTipWidth(99, 1));
+  EXPECT_FALSE(SetToolTipTime(99, 1));
+  EXPECT_FALSE(ActivateToolTip(99, true));
+  EXPECT_FALSE(AddTool(99, kButton));
+  EXPECT_FALSE(EnableToolTips(99));
+}
+
+}  // namespace
+}  // namespace platform::qt
