@@ -153,6 +153,8 @@ bool MainWindow::PrepareControls() {
   SelectPage(kControlTab);
   currentTab = kControlTab;
   RestorePlacement(kProductKey, kMainWindowSubkey);
+  // Without a stored place nothing has laid out yet, and the columns share the list's final width.
+  Layout(clientRect);
   controlList.Attach(window, kControlListId);
   controlList.AddColumn("Trigger", 100);
   controlList.AddColumn("Action", 50);

@@ -5,8 +5,10 @@
 #include <QApplication>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "app/platform/linux/linux_platform.h"
+#include "app/platform/linux/linux_processes.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/platform/platform.h"
 #include "app/platform/qt/qt_platform.h"
@@ -68,6 +70,19 @@ int RunOnDesktop(int& argc, char** argv) {
   groups.desktop = &qt.Desktop();
   groups.controls = &qt.Controls();
   groups.shell = &qt.Shell();
+  // Its socket goes before the windows that it offers do.
+  platform::LinuxProcesses processes(*groups.threads);
+  processes.OfferWindows(
+      [&qt] {
+        std::vector<platform::OfferedWindow> offered;
+        for (const platform::TopLevelWindow& window : qt.Desktop().Windows().TopLevelWindows())
+          offered.push_back({window.window, window.visible, window.iconic});
+        return offered;
+      },
+      [&qt](platform::WindowHandle window, std::uint32_t message) {
+        return qt.Desktop().PostMessageA(window, message, 0, 0);
+      });
+  groups.processes = &processes;
   if (hasInput) {
     system.Sender()->OnFailure([&qt](const std::string& reason) {
       qt.Desktop().Tell("The system refuses the keys and mouse events that are sent: " + reason);

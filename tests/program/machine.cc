@@ -98,6 +98,7 @@ bool Describe(Display* display, Window window, XWindow* out) {
   out->width = attributes.width;
   out->height = attributes.height;
   out->viewable = attributes.map_state == IsViewable;
+  out->transient = !WindowProperty(display, window, "WM_TRANSIENT_FOR").empty();
   return true;
 }
 
@@ -196,7 +197,7 @@ std::map<std::string, std::string> Home::Environment() const {
           {"QT_QPA_PLATFORM", ""}};
 }
 
-XDesktop::XDesktop(bool withWindowManager) : folder(FreshFolder("x")) {
+XDesktop::XDesktop(bool withNotificationArea) : folder(FreshFolder("x")) {
   int numbers[2];
   if (pipe2(numbers, O_CLOEXEC) != 0) return;
   const std::string fd = std::to_string(numbers[1]);
@@ -219,12 +220,20 @@ XDesktop::XDesktop(bool withWindowManager) : folder(FreshFolder("x")) {
   name = ":" + number;
   display = XOpenDisplay(name.c_str());
   XSetErrorHandler(IgnoreError);
-  if (!display || !withWindowManager) return;
+  if (!display) return;
+  fs::create_directory(folder + "/.icewm");
+  if (!withNotificationArea) std::ofstream(folder + "/.icewm/preferences") << "ShowTaskBar=0\n";
   manager = Spawn({"icewm"},
                   {{"DISPLAY", name}, {"HOME", folder}, {"XDG_CONFIG_HOME", folder + "/config"}},
                   folder + "/icewm.log");
   const Atom tray = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
-  if (!Eventually([&] { return XGetSelectionOwner(display, tray) != None; })) {
+  const auto ready = [&] {
+    return withNotificationArea
+               ? XGetSelectionOwner(display, tray) != None
+               : !WindowProperty(display, DefaultRootWindow(display), "_NET_SUPPORTING_WM_CHECK")
+                      .empty();
+  };
+  if (!Eventually(ready)) {
     XCloseDisplay(display);
     display = nullptr;
   }
@@ -250,9 +259,9 @@ std::vector<XWindow> XDesktop::Windows() {
   return windows;
 }
 
-XWindow XDesktop::Find(const std::string& title, bool viewable) {
+XWindow XDesktop::Find(const std::string& title, bool transient) {
   for (const XWindow& window : Windows())
-    if (window.title == title && (window.viewable || !viewable)) return window;
+    if (window.title == title && window.viewable && window.transient == transient) return window;
   return {};
 }
 
@@ -272,8 +281,10 @@ std::vector<XWindow> XDesktop::Icons() {
   std::vector<XWindow> icons;
   Walk(display, DefaultRootWindow(display), [&](Window window) {
     XWindow found;
+    // Any window may be willing to be docked; the window manager knows those that aren't.
     if (!WindowProperty(display, window, "_XEMBED_INFO").empty() &&
-        Describe(display, window, &found) && found.viewable)
+        WindowProperty(display, window, "WM_STATE").empty() && Describe(display, window, &found) &&
+        found.viewable)
       icons.push_back(found);
   });
   return icons;

@@ -70,12 +70,13 @@ struct XWindow {
   std::string title;
   int x = 0, y = 0, width = 0, height = 0;  // of its inside, on the screen
   bool viewable = false;
+  bool transient = false;  // in front of another one: a dialog or a box
 };
 
 class XDesktop {
  public:
-  // Starts the server and, if it is wanted, the window manager with its notification area.
-  explicit XDesktop(bool withWindowManager);
+  // Starts the server and a window manager, with its notification area if that is wanted.
+  explicit XDesktop(bool withNotificationArea);
   ~XDesktop();
   XDesktop(const XDesktop&) = delete;
   XDesktop& operator=(const XDesktop&) = delete;
@@ -85,8 +86,8 @@ class XDesktop {
 
   // Top-level windows with a title, at any depth below the window manager's frames.
   std::vector<XWindow> Windows();
-  // The first with that title and, if it is asked for, on the screen; id 0 for none.
-  XWindow Find(const std::string& title, bool viewable = true);
+  // The first with that title that is on the screen, a transient one or not; id 0 for none.
+  XWindow Find(const std::string& title, bool transient);
   // Iconic by the window manager's word, and taken off the list of windows.
   bool Iconic(unsigned long window);
   bool Listed(unsigned long window);

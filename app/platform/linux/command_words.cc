@@ -5,15 +5,6 @@ namespace {
 
 bool IsBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
 
-std::string Quoted(const std::string& word) {
-  bool plain = !word.empty();
-  for (const char c : word) plain = plain && !IsBlank(c);
-  if (plain) return word;
-  const std::size_t equals = word.find('=');
-  const std::size_t value = equals == std::string::npos ? 0 : equals + 1;
-  return word.substr(0, value) + '"' + word.substr(value) + '"';
-}
-
 }  // namespace
 
 std::vector<std::string> CommandWords(std::string_view line) {
@@ -36,15 +27,6 @@ std::vector<std::string> CommandWords(std::string_view line) {
   }
   if (begun) words.push_back(std::move(word));
   return words;
-}
-
-std::string CommandLineOf(const std::vector<std::string>& words) {
-  std::string line;
-  for (const std::string& word : words) {
-    if (!line.empty()) line += ' ';
-    line += Quoted(word);
-  }
-  return line;
 }
 
 }  // namespace platform

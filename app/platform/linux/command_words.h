@@ -12,8 +12,4 @@ namespace platform {
 
 std::vector<std::string> CommandWords(std::string_view line);
 
-// The other way round, for the arguments that this process was started with: words with blanks get
-// double quotes, behind the first "=" where there is one.
-std::string CommandLineOf(const std::vector<std::string>& words);
-
 }  // namespace platform

@@ -230,7 +230,11 @@ bool DialogWindow::event(QEvent* event) {
     return ShowTip(help->pos(), help->globalPos());
   }
   if (event->type() == QEvent::WindowActivate) CorrectForFrame();
-  return QWidget::event(event);
+  const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
+      event->type() == QEvent::WindowStateChange)
+    around.windows.SetState(handle, isVisible(), isVisible() && isMinimized());
+  return handled;
 }
 
 bool DialogWindow::ShowTip(const QPoint& inside, const QPoint& screen) {
@@ -431,11 +435,12 @@ void DialogWindow::changeEvent(QEvent* event) {
   }
   // While it isn't shown its state says only how it will be.
   if (event->type() != QEvent::WindowStateChange || !isVisible()) return;
+  if (!isMinimized()) zoomed = isMaximized();
   if (isMinimized() == iconic) return;
   iconic = isMinimized();
   if (!iconic) {
     standsIn = false;
-    TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
+    TellSize(zoomed ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
     return;
   }
   if (quiet == 0 && !ended) around.hooks.TellMinimising(handle);
@@ -504,17 +509,17 @@ void DialogWindow::ShowWindow(std::int32_t command) {
     case SW_SHOWNORMAL: {
       const Quiet silent(*this);
       const bool wasIconic = std::exchange(iconic, false);
+      // From minimised it goes back to what it was before.
+      zoomed = zoomed && wasIconic && command == SW_RESTORE;
       shownIconic = false;
       hidden = false;
       standsIn = false;
       broughtUp = true;
       FirstPlace();
       FirstFocus();
-      // From minimised it goes back to what it was before, which may be maximised.
-      if (!wasIconic || command == SW_SHOWNORMAL) setWindowState(Qt::WindowNoState);
-      setWindowState(windowState() & ~Qt::WindowMinimized);
+      setWindowState(zoomed ? Qt::WindowMaximized : Qt::WindowNoState);
       show();
-      if (wasIconic) TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
+      if (wasIconic) TellSize(zoomed ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
       if (command == SW_SHOWNORMAL) {
         raise();
         activateWindow();

@@ -9,7 +9,7 @@ namespace platform::qt {
 
 WindowHandle WindowTable::Add(DialogWindow* window, std::set<std::uint32_t> controls) {
   const std::lock_guard<std::mutex> guard(mutex);
-  windows[++last] = {window, std::move(controls), {}};
+  windows[++last] = {window, std::move(controls)};
   return last;
 }
 
@@ -22,6 +22,22 @@ DialogWindow* WindowTable::Find(WindowHandle handle) const {
   const std::lock_guard<std::mutex> guard(mutex);
   const auto found = windows.find(handle);
   return found == windows.end() ? nullptr : found->second.window;
+}
+
+void WindowTable::SetState(WindowHandle handle, bool visible, bool iconic) {
+  const std::lock_guard<std::mutex> guard(mutex);
+  const auto found = windows.find(handle);
+  if (found == windows.end()) return;
+  found->second.visible = visible;
+  found->second.iconic = iconic;
+}
+
+std::vector<TopLevelWindow> WindowTable::TopLevelWindows() const {
+  const std::lock_guard<std::mutex> guard(mutex);
+  std::vector<TopLevelWindow> all;
+  for (const auto& [handle, entry] : windows)
+    all.push_back({handle, 0, entry.visible, entry.iconic});
+  return all;
 }
 
 void WindowTable::PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act) {

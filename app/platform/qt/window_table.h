@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/platform/processes.h"
 
 namespace platform::qt {
 
@@ -39,6 +40,10 @@ class WindowTable {
   WindowHandle Add(DialogWindow* window, std::set<std::uint32_t> controls);
   void Remove(WindowHandle handle);
   DialogWindow* Find(WindowHandle handle) const;  // null when it isn't there
+  void SetState(WindowHandle handle, bool visible, bool iconic);
+
+  // Any thread. All of them, oldest first, without their process.
+  std::vector<TopLevelWindow> TopLevelWindows() const;
 
   // Any thread. False when the window isn't there, or has no such control.
   // Calls `act` later on the user interface's thread, in the order of the posts, if the window is
@@ -56,7 +61,9 @@ class WindowTable {
   struct Entry {
     DialogWindow* window = nullptr;
     std::set<std::uint32_t> controls;
-    Updates updates;
+    Updates updates = {};
+    bool visible = false;
+    bool iconic = false;
   };
   ControlUpdate* FindUpdate(WindowHandle handle, std::uint32_t control);
   static void PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act);

@@ -25,16 +25,5 @@ TEST(CommandWords, PartsAtBlanksOutsideOfQuotes) {
   for (const auto& row : cases) EXPECT_EQ(CommandWords(row.line), row.words) << row.line;
 }
 
-TEST(CommandLineOf, PutsAnArgumentWithBlanksInQuotesAtItsValue) {
-  EXPECT_EQ(CommandLineOf({"/opt/my apps/kelvaro", "profile=My Game", "target=/g/x", "Plain Name"}),
-            "\"/opt/my apps/kelvaro\" profile=\"My Game\" target=/g/x \"Plain Name\"");
-}
-
-TEST(CommandLineOf, IsTakenApartAgainByCommandWords) {
-  const Words words = {"/a b/c", "profile=My Game", "args=-x [a b] -y",
-                       "",       "tab\there",       "line\nend"};
-  EXPECT_EQ(CommandWords(CommandLineOf(words)), words);
-}
-
 }  // namespace
 }  // namespace platform
