@@ -1,9 +1,7 @@
-#include <cstring>
-#include <memory>
+#include "app/command_line.h"
 
 #include "app/main_window.h"
 #include "app/platform/controls.h"
-#include "app/platform/files.h"
 #include "app/platform/shell.h"
 #include "foundation/paths.h"
 
@@ -12,15 +10,6 @@ namespace {
 
 constexpr std::uint32_t kProfileList = 1001;
 constexpr std::uint8_t kLastBlank = 32;  // every byte up to it counts as one
-
-// What stands behind `key` at the start of the text, in any letter case. False, with *rest
-// untouched, when the text starts otherwise.
-bool TakeKey(const ByteString& text, const char* key, ByteString* rest) {
-  const auto length = static_cast<std::int32_t>(std::strlen(key));
-  if (text.Left(length).Compare(ByteString(key), true) != 0) return false;
-  *rest = text.Right(static_cast<std::int32_t>(text.Length()) - length);
-  return true;
-}
 
 bool IsBlank(char c) { return static_cast<std::uint8_t>(c) <= kLastBlank; }
 
@@ -51,53 +40,43 @@ void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list) {
   }
 }
 
-void MainWindow::LoadQuoteChars() {
-  ByteString path = ProgramFolder();
-  EnsureTrailingSeparator(&path);
-  path.Append("QuoteChars.txt");
-  const std::unique_ptr<platform::File> file = platform::CreateFileA(
-      SeamPath(path), platform::GENERIC_READ, platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
-  if (!file) return;
-  struct {
-    const char* key;
-    char* field;
-  } const kLines[] = {{"QuoteSub=", &quoteSub},
-                      {"LeftArgQuote=", &leftArgQuote},
-                      {"RightArgQuote=", &rightArgQuote}};
-  ByteString line;
-  while (line.ReadLine(file.get(), false)) {
-    line.Trim(0, kLastBlank);
-    ByteString value;
-    for (const auto& known : kLines)
-      if (TakeKey(line, known.key, &value) && !value.IsEmpty()) *known.field = value[0];
-  }
-}
-
-void MainWindow::ParseCommandLine() {
+LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteChars) {
   const ByteString quote('"');
-  ByteString line = TextOf(platform::GetCommandLineA());
-  line.ReplaceAll(ByteString(quoteSub), quote);
+  ByteString quoted = line;
+  quoted.ReplaceAll(ByteString(quoteChars.quoteSub), quote);
   LinkedList<ByteString> tokens;
-  SplitCommandLine(line, &tokens);
+  SplitCommandLine(quoted, &tokens);
+  LaunchRequest request;
   // The first one is the program itself.
   for (const auto* node = tokens.head ? tokens.head->next : nullptr; node; node = node->next) {
     const ByteString& token = *node->value;
     ByteString value;
     std::int32_t position = 0;
     if (TakeKey(token, "profile=", &value)) {
-      extraProfiles.AddTail(value);
+      request.profiles.AddTail(value);
     } else if (TakeKey(token, "target=", &value)) {
-      launchTarget = value;
+      request.target = value;
     } else if (TakeKey(token, "args=", &value)) {
-      value.ReplaceAll(ByteString(leftArgQuote), quote);
-      value.ReplaceAll(ByteString(rightArgQuote), quote);
-      launchArgs = value;
+      value.ReplaceAll(ByteString(quoteChars.leftArgQuote), quote);
+      value.ReplaceAll(ByteString(quoteChars.rightArgQuote), quote);
+      request.args = value;
     } else if (TakeKey(token, "dir=", &value)) {
-      launchDir = value;
-    } else if (extraProfiles.count == 0 && !token.FindChar('=', &position)) {
-      extraProfiles.AddTail(token);
+      request.dir = value;
+    } else if (request.profiles.count == 0 && !token.FindChar('=', &position)) {
+      request.profiles.AddTail(token);
     }
   }
+  return request;
+}
+
+void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(ProgramFolder()); }
+
+void MainWindow::ParseCommandLine() {
+  const LaunchRequest request = ReadCommandLine(TextOf(platform::GetCommandLineA()), quoteChars);
+  extraProfiles = request.profiles;
+  launchTarget = request.target;
+  launchArgs = request.args;
+  launchDir = request.dir;
   if (extraProfiles.count == 0) return;
   const ByteString name = *extraProfiles.head->value;
   extraProfiles.RemoveNode(extraProfiles.head);

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "app/command_line.h"
 #include "app/define_control_dialog.h"
 #include "app/resizable_dialog.h"
 #include "app/resize_list_ctrl.h"
@@ -228,15 +229,10 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   std::uint32_t timerId = 0;
   bool shuttingDown = false;
   std::uint32_t welcomeDisplay = 0;
-  char quoteSub = '|';
-  char leftArgQuote = '[';
-  char rightArgQuote = ']';
+  QuoteChars quoteChars;
   bool inPluginPoll = false;
   LinkedList<Control> copiedControls;  // of Copy, for Paste
   std::uint8_t rowPrefixes = 0;        // 1: rows tell press from release
 };
-
-// Splits a command line into tokens at blanks and double quotes; see command_line.cc.
-void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list);
 
 }  // namespace kelvaro

@@ -189,7 +189,8 @@ class MainWindowTest : public testing::Test {
   std::string LaunchArgs() const { return Bytes(window->launchArgs); }
   std::string LaunchDir() const { return Bytes(window->launchDir); }
   std::string QuoteChars() const {
-    return {window->quoteSub, window->leftArgQuote, window->rightArgQuote};
+    const kelvaro::QuoteChars& chars = window->quoteChars;
+    return {chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote};
   }
   std::uint8_t& RowPrefixes() { return window->rowPrefixes; }
   platform::Rect ClientRect() const { return window->clientRect; }
