@@ -549,6 +549,16 @@ HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
 
 std::string GetCommandLineA() { return installed.shell->GetCommandLineA(); }
 
+bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                const std::string& suggested, std::string* path) {
+  return installed.shell->ChooseFile(owner, title, forSaving, suggested, path);
+}
+
+bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
+                  std::string* path) {
+  return installed.shell->ChooseFolder(owner, title, suggested, path);
+}
+
 std::uint32_t GetCurrentProcessId() { return installed.processes->GetCurrentProcessId(); }
 
 bool ListProcesses(std::vector<RunningProcess>* list) {

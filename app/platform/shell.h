@@ -1,4 +1,5 @@
-// What the person's session does for a program: opening an address, a sound, libraries by name.
+// What the person's session does for a program: opening an address, choosing files, a sound,
+// libraries by name.
 #pragma once
 
 #include <cstdint>
@@ -40,6 +41,14 @@ class Shell {
   // The process's own command line: the program's path and its arguments in one text, each in
   // double quotes where it has blanks.
   virtual std::string GetCommandLineA() = 0;
+
+  // Ask modally in front of `owner` for a file to read or to save to (with a question where it is
+  // there already), and for a folder, beginning at the path `suggested`, which may be empty. False,
+  // with *path untouched, when none is chosen. User interface's thread.
+  virtual bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                          const std::string& suggested, std::string* path) = 0;
+  virtual bool ChooseFolder(WindowHandle owner, const std::string& title,
+                            const std::string& suggested, std::string* path) = 0;
 };
 
 // Of the installed platform.
@@ -48,5 +57,9 @@ bool MessageBeep(std::uint32_t type);
 LibraryHandle LoadLibraryA(const std::string& name);
 HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal);
 std::string GetCommandLineA();
+bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                const std::string& suggested, std::string* path);
+bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
+                  std::string* path);
 
 }  // namespace platform

@@ -48,7 +48,8 @@ std::string NoDisplay(const std::string& reason) {
          "); \"kelvaroctl run\" plays a profile without one.";
 }
 
-bool FindDisplay(const DisplaySystem& system, std::string* error) {
+bool FindDisplay(const DisplaySystem& system, std::string* error,
+                 std::string (*say)(const std::string& reason)) {
   // Somebody who says how to show the window knows; all but a display that isn't there works.
   const std::string wish = system.variable("QT_QPA_PLATFORM");
   const bool wantsX = wish.find("xcb") != std::string::npos;
@@ -58,13 +59,13 @@ bool FindDisplay(const DisplaySystem& system, std::string* error) {
   const std::string x = system.variable("DISPLAY");
   const std::string wayland = system.variable("WAYLAND_DISPLAY");
   if (wish.empty() && x.empty() && wayland.empty()) {
-    *error = NoDisplay("neither DISPLAY nor WAYLAND_DISPLAY is set");
+    *error = say("neither DISPLAY nor WAYLAND_DISPLAY is set");
     return false;
   }
   const bool tryX = wish.empty() ? !x.empty() : wantsX;
   const bool tryWayland = wish.empty() ? !wayland.empty() : wantsWayland;
   if ((tryWayland && system.waylandAnswers()) || (tryX && system.xAnswers())) return true;
-  *error = NoDisplay("\"" + (tryX ? x : wayland) + "\" can't be opened");
+  *error = say("\"" + (tryX ? x : wayland) + "\" can't be opened");
   return false;
 }
 

@@ -18,10 +18,11 @@ struct DisplaySystem {
 // Of this process.
 DisplaySystem RealDisplaySystem();
 
-// False with a sentence for the person in *error.
-bool FindDisplay(const DisplaySystem& system, std::string* error);
-
-// The sentence, with what is wrong put into it.
+// The sentence for the person, with what is wrong put into it.
 std::string NoDisplay(const std::string& reason);
+
+// False with a sentence for the person in *error, which `say` makes of what is wrong.
+bool FindDisplay(const DisplaySystem& system, std::string* error,
+                 std::string (*say)(const std::string& reason) = &NoDisplay);
 
 }  // namespace kelvaro

@@ -110,6 +110,11 @@ std::int32_t QtDesktop::AskHere(WindowHandle owner, const std::string& text,
   return AnswerOf(*box);
 }
 
+int QtDesktop::Exec(QDialog& dialog) {
+  const InFront entry(*this, {kNoWindow, [&dialog] { dialog.reject(); }});
+  return dialog.exec();
+}
+
 // No loop of its own: it would have to wait for those that begin after it.
 QMessageBox* QtDesktop::ShowAside(WindowHandle owner, const std::string& text,
                                   const std::string& caption, std::uint32_t type) {

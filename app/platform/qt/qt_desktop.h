@@ -2,6 +2,7 @@
 // interface's; the operations that any thread may call hand over to it.
 #pragma once
 
+#include <QDialog>
 #include <QMenu>
 #include <QObject>
 #include <QPointer>
@@ -25,6 +26,11 @@ class QtDesktop final : public QObject, public Desktop {
   // Closes what is in front, as by its close box, and all behind it after it. For the end of the
   // session or the program. User interface's thread.
   void CloseAll();
+
+  // Runs a dialog of Qt's own as a box is run; its exec()'s result.
+  int Exec(QDialog& dialog);
+  // Null when there is none that could be seen behind a box.
+  QWidget* SeenOwner(WindowHandle owner) const;
 
   // Tells the person, in a box that nothing waits for, once the first window is up. Any thread.
   void Tell(const std::string& text);
@@ -82,8 +88,6 @@ class QtDesktop final : public QObject, public Desktop {
   class InFront;
 
   DialogWindow* Window(WindowHandle window) const { return windows.Find(window); }
-  // Null when there is none that could be seen behind a box.
-  QWidget* SeenOwner(WindowHandle owner) const;
   std::int32_t AskHere(WindowHandle owner, const std::string& text, const std::string& caption,
                        std::uint32_t type);
   void GoOnClosing();

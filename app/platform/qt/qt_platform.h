@@ -21,7 +21,7 @@ class QtPlatform {
  private:
   QtDesktop desktop;
   QtControls controls{desktop.Windows()};
-  QtShell shell;
+  QtShell shell{desktop};
 };
 
 }  // namespace platform::qt

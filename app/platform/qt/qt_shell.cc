@@ -84,4 +84,35 @@ std::string QtShell::GetCommandLineA() {
   return JoinCommandLine(program, words);
 }
 
+bool QtShell::ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                         const std::string& suggested, std::string* path) {
+  StopHereIfCutOff();
+  QFileDialog dialog(desktop.SeenOwner(owner), Shown(title));
+  dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  return Choose(dialog, suggested, path);
+}
+
+bool QtShell::ChooseFolder(WindowHandle owner, const std::string& title,
+                           const std::string& suggested, std::string* path) {
+  StopHereIfCutOff();
+  QFileDialog dialog(desktop.SeenOwner(owner), Shown(title));
+  dialog.setFileMode(QFileDialog::Directory);
+  dialog.setOption(QFileDialog::ShowDirsOnly);
+  return Choose(dialog, suggested, path);
+}
+
+bool QtShell::Choose(QFileDialog& dialog, const std::string& suggested, std::string* path) {
+  const QFileInfo start(Shown(suggested));
+  if (start.isDir()) {
+    dialog.setDirectory(start.filePath());
+  } else if (!suggested.empty()) {
+    dialog.setDirectory(start.path());
+    dialog.selectFile(start.fileName());
+  }
+  if (desktop.Exec(dialog) != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return false;
+  *path = QFile::encodeName(dialog.selectedFiles().constFirst()).toStdString();
+  return true;
+}
+
 }  // namespace platform::qt

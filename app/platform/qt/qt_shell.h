@@ -1,23 +1,34 @@
 // The person's session behind the seam, by Qt.
 #pragma once
 
+#include <QFileDialog>
 #include <string>
 #include <vector>
 
 #include "app/platform/qt/help_viewer.h"
+#include "app/platform/qt/qt_desktop.h"
 #include "app/platform/shell.h"
 
 namespace platform::qt {
 
 class QtShell final : public Shell {
  public:
+  explicit QtShell(QtDesktop& desktop) : desktop(desktop) {}
+
   std::intptr_t ShellExecuteA(const std::string& target) override;
   bool MessageBeep(std::uint32_t type) override;
   LibraryHandle LoadLibraryA(const std::string& name) override;
   HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) override;
   std::string GetCommandLineA() override;
+  bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                  const std::string& suggested, std::string* path) override;
+  bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
+                    std::string* path) override;
 
  private:
+  bool Choose(QFileDialog& dialog, const std::string& suggested, std::string* path);
+
+  QtDesktop& desktop;
   HelpViewer help;
 };
 

@@ -14,6 +14,8 @@ constexpr std::string_view kOperations[] = {
     "AddTabTool",
     "AddTool",
     "BeginDeferWindowPos",
+    "ChooseFile",
+    "ChooseFolder",
     "CloseHandle",
     "ComboAddString",
     "ComboDeleteString",

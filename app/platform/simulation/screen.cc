@@ -934,6 +934,10 @@ void Screen::SetDesktop(std::int32_t width, std::int32_t height) {
 
 void Screen::SetCommandLine(const std::string& line) { state->shell.commandLine = line; }
 
+void Screen::ChooseNextPath(const std::string& path) { state->shell.chosenPaths.push_back(path); }
+
+const std::vector<AskedPath>& Screen::AskedPaths() const { return state->shell.askedPaths; }
+
 const std::vector<std::string>& Screen::OpenedAddresses() const { return state->shell.opened; }
 
 std::size_t Screen::Beeps() const { return state->shell.beeps; }

@@ -41,6 +41,15 @@ struct ShownMessageBox {
   std::uint32_t type = 0;
 };
 
+// One question for a file or folder.
+struct AskedPath {
+  WindowHandle owner = 0;
+  std::string title;
+  std::string suggested;
+  bool forSaving = false;
+  bool folder = false;
+};
+
 // One call of the help function.
 struct HelpCall {
   std::string file;
@@ -198,6 +207,10 @@ class Screen {
 
   void SetDesktop(std::int32_t width, std::int32_t height);  // 1024 by 768 at first
   void SetCommandLine(const std::string& line);
+  // What the next question for a file or folder is answered with, in order; empty, and no answer
+  // beforehand: none is chosen.
+  void ChooseNextPath(const std::string& path);
+  const std::vector<AskedPath>& AskedPaths() const;  // all, oldest first
   const std::vector<std::string>& OpenedAddresses() const;
   std::size_t Beeps() const;
   const std::vector<HelpCall>& HelpCalls() const;

@@ -24,6 +24,28 @@ std::intptr_t VirtualShell::ShellExecuteA(const std::string& target) {
   return 42;
 }
 
+bool VirtualShell::ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                              const std::string& suggested, std::string* path) {
+  if (journal.Enter("ChooseFile", title)) return false;
+  return AnswerPath({owner, title, suggested, forSaving, false}, path);
+}
+
+bool VirtualShell::ChooseFolder(WindowHandle owner, const std::string& title,
+                                const std::string& suggested, std::string* path) {
+  if (journal.Enter("ChooseFolder", title)) return false;
+  return AnswerPath({owner, title, suggested, false, true}, path);
+}
+
+bool VirtualShell::AnswerPath(const AskedPath& asked, std::string* path) {
+  askedPaths.push_back(asked);
+  if (chosenPaths.empty()) return false;
+  const std::string answer = chosenPaths.front();
+  chosenPaths.pop_front();
+  if (answer.empty()) return false;
+  *path = answer;
+  return true;
+}
+
 bool VirtualShell::MessageBeep(std::uint32_t) {
   if (journal.Enter("MessageBeep")) return false;
   ++beeps;

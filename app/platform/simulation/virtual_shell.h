@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 #include <vector>
@@ -24,9 +25,15 @@ class VirtualShell final : public Shell {
   LibraryHandle LoadLibraryA(const std::string& name) override;
   HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) override;
   std::string GetCommandLineA() override { return commandLine; }
+  bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
+                  const std::string& suggested, std::string* path) override;
+  bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
+                    std::string* path) override;
 
   std::string commandLine = "kelvaro";
   std::vector<std::string> opened;
+  std::deque<std::string> chosenPaths;
+  std::vector<AskedPath> askedPaths;
   std::size_t beeps = 0;
   std::vector<HelpCall> helpCalls;
   std::map<std::string, bool> libraries{{"hhctrl.ocx", true}};
@@ -35,6 +42,7 @@ class VirtualShell final : public Shell {
  private:
   static std::uintptr_t HtmlHelp(WindowHandle caller, const char* file, std::uint32_t command,
                                  std::uintptr_t data);
+  bool AnswerPath(const AskedPath& asked, std::string* path);
   std::uintptr_t Help(const char* file, std::uint32_t command, std::uintptr_t data);
 
   Journal& journal;

@@ -118,6 +118,13 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
   IconHandle LoadIconA(std::uint32_t id) override { return id; }
   bool Shell_NotifyIconA(std::uint32_t, const NOTIFYICONDATA&) override { return true; }
   std::string GetCommandLineA() override { return "kelvaro"; }
+  bool ChooseFile(WindowHandle, const std::string&, bool, const std::string&,
+                  std::string*) override {
+    return false;
+  }
+  bool ChooseFolder(WindowHandle, const std::string&, const std::string&, std::string*) override {
+    return false;
+  }
 
   bool HasControl(WindowHandle, std::uint32_t id) override { return kinds.count(id) != 0; }
   bool SetDlgItemTextA(WindowHandle, std::uint32_t id, const std::string& text) override {
