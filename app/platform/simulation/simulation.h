@@ -112,8 +112,8 @@ class Simulation {
   //   SetPicture ID, SetHandCursor, CreateToolTip, EnableToolTips, SetToolTipWidth PIXELS,
   //   SetToolTipTime MS, ActivateToolTip, AddTabTool ID TAB, AddTool ID,
   //   ShellExecuteA TARGET, ChooseFile TITLE, ChooseFolder TITLE, MessageBeep, LoadLibraryA NAME,
-  //   GetHelpFunction ORDINAL, HtmlHelp COMMAND (and a TOPIC to display), ListProcesses, CreateProcessA COMMANDLINE,
-  //   EnumWindows, PostToWindow MESSAGE
+  //   GetHelpFunction ORDINAL, HtmlHelp COMMAND (and a TOPIC to display), ListProcesses,
+  //   CreateProcessA COMMANDLINE, EnumWindows, PostToWindow MESSAGE
   // All numbers are decimal. Handles and timers are numbered from 1, each apart.
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;
