@@ -1,0 +1,38 @@
+// What is to be started, and the words of Kelvaro's command line that say so. Kelvaro takes its
+// command line apart by blanks and double quotes and has no way to write a double quote but
+// inside of "args=", so some texts can't be carried: those are refused, never changed.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/quote_chars.h"
+
+namespace kelvaro::rendlink {
+
+using Words = std::vector<std::string>;
+
+// Texts are bytes.
+struct Launch {
+  std::vector<std::string> profiles;  // the first is for the instance that starts the target
+  std::string target;
+  std::string args;
+  std::string dir;
+};
+
+// The program's path `kelvaro` and its arguments, for a Kelvaro that reads its command line by
+// `chars`. False, with *words untouched and a sentence for the person in *refusal, when something
+// is missing or can't be carried.
+bool KelvaroWords(const std::string& kelvaro, const Launch& launch, const QuoteChars& chars,
+                  Words* words, std::string* refusal);
+
+// The words as one line for a POSIX shell.
+std::string ShellLine(const Words& words);
+
+// The words as one line for CreateProcessA; none of them may have a double quote.
+std::string ProcessLine(const Words& words);
+
+bool IsUtf8(std::string_view text);
+
+}  // namespace kelvaro::rendlink

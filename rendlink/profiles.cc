@@ -1,0 +1,54 @@
+#include "rendlink/profiles.h"
+
+#include <algorithm>
+
+#include "app/dialog.h"
+#include "storage/profile_file.h"
+
+namespace kelvaro::rendlink {
+namespace {
+
+// As a sorted list of the seam folds case.
+std::string Folded(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
+}  // namespace
+
+std::vector<std::string> StoredProfiles() {
+  ProfileFile file;
+  LinkedList<ByteString> list;
+  file.ListProfileNames(&list);
+  std::vector<std::string> names;
+  for (const auto* node = list.head; node; node = node->next) names.push_back(Bytes(*node->value));
+  std::stable_sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
+    return Folded(a) < Folded(b);
+  });
+  return names;
+}
+
+bool FindProfiles(const std::vector<std::string>& stored, std::vector<std::string>* names,
+                  std::string* refusal) {
+  std::vector<std::string> found;
+  for (const std::string& name : *names) {
+    const auto taken = std::find_if(stored.begin(), stored.end(), [&](const std::string& other) {
+      return Folded(other).starts_with(Folded(name));
+    });
+    if (name.empty() || taken == stored.end()) {
+      *refusal = "There is no profile whose name begins with \"" + name + "\".";
+      return false;
+    }
+    if (*taken != name && std::find(stored.begin(), stored.end(), name) != stored.end()) {
+      *refusal = "Kelvaro would take the profile \"" + *taken + "\" for \"" + name +
+                 "\", since letter case is all in which they differ.";
+      return false;
+    }
+    found.push_back(*taken);
+  }
+  *names = found;
+  return true;
+}
+
+}  // namespace kelvaro::rendlink

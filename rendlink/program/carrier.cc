@@ -1,0 +1,316 @@
+#include "rendlink/program/carrier.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/signalfd.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+
+#include "app/platform/linux/instance_socket.h"
+
+namespace kelvaro::rendlink {
+namespace {
+
+constexpr char kSocketName[] = "/carrier";
+constexpr char kShell[] = "/bin/sh";
+constexpr int kForwarded[] = {SIGINT, SIGTERM, SIGHUP};
+
+int Complain(const std::string& text) {
+  std::fprintf(stderr, "rendlink: %s\n", text.c_str());
+  return 1;
+}
+
+bool WriteAll(int fd, const void* bytes, std::size_t size) {
+  const char* at = static_cast<const char*>(bytes);
+  while (size > 0) {
+    const ssize_t sent = send(fd, at, size, MSG_NOSIGNAL);
+    if (sent < 0 && errno == EINTR) continue;
+    if (sent <= 0) return false;
+    at += sent;
+    size -= static_cast<std::size_t>(sent);
+  }
+  return true;
+}
+
+bool ReadAll(int fd, void* bytes, std::size_t size) {
+  char* at = static_cast<char*>(bytes);
+  while (size > 0) {
+    const ssize_t received = read(fd, at, size);
+    if (received < 0 && errno == EINTR) continue;
+    if (received <= 0) return false;
+    at += received;
+    size -= static_cast<std::size_t>(received);
+  }
+  return true;
+}
+
+// The size, and then each text with a zero byte behind it.
+bool SendGame(int fd, const Game& game) {
+  std::string all = game.program + '\0' + game.folder + '\0';
+  for (const std::string& word : game.words) all += word + '\0';
+  const auto size = static_cast<std::uint32_t>(all.size());
+  return WriteAll(fd, &size, sizeof size) && WriteAll(fd, all.data(), all.size());
+}
+
+bool ReceiveGame(int fd, Game* game) {
+  std::uint32_t size = 0;
+  if (!ReadAll(fd, &size, sizeof size)) return false;
+  std::string all(size, '\0');
+  if (!ReadAll(fd, all.data(), size)) return false;
+  Words texts;
+  for (std::size_t at = 0; at < all.size();) {
+    const std::size_t end = all.find('\0', at);
+    if (end == std::string::npos) return false;
+    texts.push_back(all.substr(at, end - at));
+    at = end + 1;
+  }
+  if (texts.size() < 3) return false;
+  *game = {texts[0], {texts.begin() + 2, texts.end()}, texts[1]};
+  return true;
+}
+
+// A path of any length: an address has room for little more than a hundred bytes.
+class Address {
+ public:
+  explicit Address(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    folder = open(path.substr(0, slash).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const std::string name = "/proc/self/fd/" + std::to_string(folder) + path.substr(slash);
+    address.sun_family = AF_UNIX;
+    if (folder >= 0 && name.size() < sizeof address.sun_path)
+      memcpy(address.sun_path, name.c_str(), name.size() + 1);
+  }
+  ~Address() {
+    if (folder >= 0) close(folder);
+  }
+  Address(const Address&) = delete;
+  Address& operator=(const Address&) = delete;
+
+  const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&address); }
+
+ private:
+  int folder = -1;
+  sockaddr_un address{};
+};
+
+// Signals as something to read, for the life of this object; a new process gets them as before.
+class Signals {
+ public:
+  Signals() {
+    sigset_t taken;
+    sigemptyset(&taken);
+    sigaddset(&taken, SIGCHLD);
+    for (const int signal : kForwarded) sigaddset(&taken, signal);
+    sigprocmask(SIG_BLOCK, &taken, &before);
+    fd = signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
+  }
+  ~Signals() {
+    if (fd >= 0) close(fd);
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+  }
+  Signals(const Signals&) = delete;
+  Signals& operator=(const Signals&) = delete;
+
+  int Fd() const { return fd; }
+  void Restore() const { sigprocmask(SIG_SETMASK, &before, nullptr); }
+  // The next one that came; 0 for none.
+  int Take() const {
+    signalfd_siginfo info;
+    return read(fd, &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
+  }
+
+ private:
+  sigset_t before;
+  int fd = -1;
+};
+
+// Whether the process has ended, its status then in *status.
+bool HasEnded(pid_t process, int* status) {
+  int value = 0;
+  pid_t found;
+  do found = waitpid(process, &value, WNOHANG);
+  while (found < 0 && errno == EINTR);
+  if (found == 0) return false;
+  *status = found < 0 ? 1 : WIFEXITED(value) ? WEXITSTATUS(value) : 128 + WTERMSIG(value);
+  return true;
+}
+
+std::vector<char*> Pointers(const Words& words) {
+  std::vector<char*> pointers;
+  for (const std::string& word : words) pointers.push_back(const_cast<char*>(word.c_str()));
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+// Replaces this process, a new one. A script without a first line that names its interpreter runs
+// in the shell.
+[[noreturn]] void Become(const std::string& program, const Words& words) {
+  execv(program.c_str(), Pointers(words).data());
+  int error = errno;
+  if (error == ENOEXEC) {
+    Words script = {kShell, program};
+    script.insert(script.end(), words.begin() + 1, words.end());
+    execv(kShell, Pointers(script).data());
+    error = errno;
+  }
+  Complain(program + ": " + strerror(error));
+  _exit(error == ENOENT ? 127 : 126);
+}
+
+// A game that the carrier has begun, as Rendlink waits for it.
+class Wait {
+ public:
+  Wait(pid_t kelvaro, const CarrierSocket& socket, const Game& game)
+      : kelvaro(kelvaro), listener(socket.Listener()), game(game) {}
+  ~Wait() {
+    if (connection >= 0) close(connection);
+  }
+  Wait(const Wait&) = delete;
+  Wait& operator=(const Wait&) = delete;
+
+  int Run(const Signals& signals) {
+    while (kelvaroRuns || connection >= 0) {
+      pollfd wanted[] = {{signals.Fd(), POLLIN, 0},
+                         {connection >= 0 ? connection
+                          : met           ? -1
+                                          : listener,
+                          POLLIN, 0}};
+      if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
+      while (const int signal = signals.Take()) OnSignal(signal);
+      if (connection >= 0) {
+        if (wanted[1].fd == connection && wanted[1].revents != 0) ReadStatus();
+      } else if (!met) {
+        Meet();
+      }
+    }
+    if (status) return *status;
+    if (stopped != 0) return 128 + stopped;
+    return Complain(met ? "the game was begun, and nobody can tell how it ended"
+                        : "Kelvaro ended without having started the game");
+  }
+
+ private:
+  void OnSignal(int signal) {
+    if (signal == SIGCHLD) {
+      int ignored = 0;
+      if (kelvaroRuns && HasEnded(kelvaro, &ignored)) kelvaroRuns = false;
+    } else if (connection >= 0) {
+      const auto byte = static_cast<std::uint8_t>(signal);
+      WriteAll(connection, &byte, 1);
+    } else {
+      if (!met) stopped = signal;
+      if (kelvaroRuns) kill(kelvaro, SIGTERM);
+    }
+  }
+
+  void Meet() {
+    connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (connection < 0) return;
+    met = true;
+    SendGame(connection, game);
+    // It came too late: the carrier hands it on.
+    if (stopped != 0) OnSignal(stopped);
+  }
+
+  void ReadStatus() {
+    std::uint32_t value = 0;
+    if (ReadAll(connection, &value, sizeof value)) status = static_cast<int>(value);
+    close(connection);
+    connection = -1;
+  }
+
+  const pid_t kelvaro;
+  const int listener;
+  const Game& game;
+  bool kelvaroRuns = true;
+  bool met = false;  // the carrier
+  int connection = -1;
+  int stopped = 0;  // the signal that came before there was a game
+  std::optional<int> status;
+};
+
+}  // namespace
+
+CarrierSocket::CarrierSocket() {
+  folder = platform::InstanceFolder();
+  if (folder.empty()) return;
+  folder += "/rendlink-XXXXXX";
+  if (!mkdtemp(folder.data())) {
+    folder.clear();
+    return;
+  }
+  listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+  const std::string wanted = folder + kSocketName;
+  if (listener >= 0 && bind(listener, Address(wanted).Get(), sizeof(sockaddr_un)) == 0 &&
+      listen(listener, 1) == 0)
+    path = wanted;
+}
+
+CarrierSocket::~CarrierSocket() {
+  if (listener >= 0) close(listener);
+  if (folder.empty()) return;
+  unlink((folder + kSocketName).c_str());
+  rmdir(folder.c_str());
+}
+
+int RunCarried(const Words& kelvaro, const CarrierSocket& socket, const Game& game) {
+  const Signals signals;
+  const pid_t process = fork();
+  if (process < 0) return Complain(std::string("Kelvaro can't be started: ") + strerror(errno));
+  if (process == 0) {
+    // Ctrl-C is for the game, which this process hands it to.
+    setpgid(0, 0);
+    signals.Restore();
+    Become(kelvaro[0], kelvaro);
+  }
+  return Wait(process, socket, game).Run(signals);
+}
+
+int Carry(const std::string& socketPath) {
+  const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  Game game;
+  if (socketPath.find('/') == std::string::npos || connection < 0 ||
+      connect(connection, Address(socketPath).Get(), sizeof(sockaddr_un)) != 0 ||
+      !ReceiveGame(connection, &game))
+    return Complain("--carry is for Rendlink's own use, and nobody waits at " + socketPath);
+  const Signals signals;
+  const pid_t process = fork();
+  if (process == 0) {
+    signals.Restore();
+    if (chdir(game.folder.c_str()) == 0) Become(game.program, game.words);
+    Complain(game.folder + ": " + strerror(errno));
+    _exit(126);
+  }
+  int status = 126;
+  if (process < 0) Complain(game.program + ": " + strerror(errno));
+  bool running = process > 0;
+  bool heard = true;  // until the other end is gone: the game then goes on without it
+  while (running) {
+    pollfd wanted[] = {{signals.Fd(), POLLIN, 0}, {heard ? connection : -1, POLLIN, 0}};
+    if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
+    std::uint8_t sent = 0;
+    if (heard && wanted[1].revents != 0) {
+      heard = read(connection, &sent, 1) == 1;
+      if (heard) kill(process, sent);
+    }
+    while (const int signal = signals.Take())
+      if (signal != SIGCHLD) kill(process, signal);
+    running = !HasEnded(process, &status);
+  }
+  const auto value = static_cast<std::uint32_t>(status);
+  WriteAll(connection, &value, sizeof value);
+  close(connection);
+  return status;
+}
+
+}  // namespace kelvaro::rendlink

@@ -1,0 +1,144 @@
+#include "rendlink/program/command_line.h"
+
+#include <string.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <ostream>
+
+#include "app/main_window.h"
+#include "app/platform/files.h"
+#include "foundation/paths.h"
+#include "rendlink/files.h"
+#include "rendlink/program/carrier.h"
+#include "rendlink/program/desktop_session.h"
+
+namespace kelvaro::rendlink {
+namespace {
+
+constexpr char kAbout[] =
+    "Starts a game together with Kelvaro, or makes a launcher that does. Without arguments it "
+    "shows its window.";
+constexpr char kNotes[] =
+    "With neither --save nor --start the command line of Kelvaro is printed.\n"
+    "\n"
+    "rendlink --profile NAME [--dir FOLDER] -- GAME ARGUMENTS... starts Kelvaro with the profile\n"
+    "and the game, waits for both to end, and gives the game's exit status: one line for the "
+    "start\n"
+    "options of another launcher.\n"
+    "\n"
+    "Exit status: 0 done, 1 it failed, 2 it can't be done so; of a game that can't be started "
+    "126,\n"
+    "of one that isn't there 127.";
+
+int Complain(Streams streams, const std::string& text, int status) {
+  streams.err << "rendlink: " << text << std::endl;
+  return status;
+}
+
+int PlayGame(const Options& options, Session& session, Streams streams) {
+  const Words& words = *options.game;
+  int error = 0;
+  Game game{FindProgram(words[0], &error), words, platform::GetCurrentDirectoryA()};
+  if (game.program.empty())
+    return Complain(streams, words[0] + ": " + strerror(error),
+                    error == ENOENT || error == ENOTDIR ? kNotThere : kCantRun);
+  if (!options.launch.dir.empty()) game.folder = session.FullPath(options.launch.dir);
+  if (!IsFolder(game.folder))
+    return Complain(streams, "There is no folder " + game.folder + ".", kRefused);
+
+  const CarrierSocket socket;
+  if (socket.Path().empty())
+    return Complain(streams, "There is no folder in which the game could be waited for.", kFailed);
+  Launch launch;
+  launch.profiles = options.launch.profiles;
+  launch.target = SeamPath(ProgramPath());
+  launch.args = "--carry \"" + socket.Path() + "\"";
+  // Where it goes without quotes it depends on no character that stands for one.
+  if (socket.Path().find_first_of(" \t") == std::string::npos)
+    launch.args = "--carry " + socket.Path();
+  Ready ready;
+  std::string refusal;
+  if (socket.Path().find('"') != std::string::npos)
+    return Complain(streams, "The path " + socket.Path() + " has a double quote.", kFailed);
+  if (!MakeReady(launch, session, &ready, &refusal)) return Complain(streams, refusal, kRefused);
+  streams.out.flush();
+  return RunCarried(ready.words, socket, game);
+}
+
+}  // namespace
+
+std::optional<int> ReadOptions(const Words& words, Options* options, Streams streams) {
+  const auto gap = std::find(words.begin(), words.end(), "--");
+  CLI::App app(kAbout, "rendlink");
+  app.footer(kNotes);
+  app.set_help_flag("-h,--help", "show this help");
+  app.set_version_flag("--version", "Rendlink");
+  // One at a time, and as it stands: brackets would be a list.
+  app.add_option_function<std::string>(
+         "--profile",
+         [options](const std::string& name) { options->launch.profiles.push_back(name); },
+         "a profile, by the beginning of its name; each further one is played by an instance of "
+         "its own")
+      ->type_name("NAME")
+      ->trigger_on_parse()
+      ->required();
+  auto* target = app.add_option("--target", options->launch.target, "the program to start");
+  target->type_name("FILE");
+  auto* args = app.add_option("--args", options->launch.args,
+                              "its arguments, in one text with double quotes where they need them");
+  args->type_name("TEXT");
+  app.add_option("--dir", options->launch.dir, "the folder to start it in")->type_name("FOLDER");
+  auto* save = app.add_option("--save", options->save, "write a launcher, a .desktop file");
+  save->type_name("FILE");
+  auto* start = app.add_flag("--start", options->start, "start it now");
+  save->excludes(start);
+  Words backwards(std::make_reverse_iterator(gap), words.rend());
+  try {
+    app.parse(backwards);
+    if (gap != words.end()) {
+      options->game = Words(gap + 1, words.end());
+      if (options->game->empty()) throw CLI::ValidationError("--", "needs a game behind it");
+      for (const CLI::Option* other : {target, args, save, start})
+        if (other->count() > 0)
+          throw CLI::ValidationError(other->get_name(), "doesn't go with a game behind --");
+    } else if (target->count() == 0) {
+      throw CLI::RequiredError("--target");
+    }
+    if (save->count() > 0 && options->save.empty())
+      throw CLI::ValidationError("--save", "needs the name of a file");
+  } catch (const CLI::CallForHelp&) {
+    streams.out << app.help() << std::flush;
+    return kDone;
+  } catch (const CLI::CallForVersion&) {
+    const ByteString version = MainWindow::VersionText(
+        MainWindow::kVersionMajor, MainWindow::kVersionMinor, MainWindow::kVersionRevision);
+    streams.out << "Rendlink, " << Bytes(version) << std::endl;
+    return kDone;
+  } catch (const CLI::ParseError& error) {
+    return Complain(streams, std::string(error.what()) + " (rendlink --help tells more)", kRefused);
+  }
+  return std::nullopt;
+}
+
+int RunOptions(const Options& options, Session& session, Streams streams) {
+  std::string refusal;
+  std::string kelvaro;
+  if (!FindKelvaro(&kelvaro, &refusal)) return Complain(streams, refusal, kFailed);
+  if (options.game) return PlayGame(options, session, streams);
+  Ready ready;
+  if (!MakeReady(options.launch, session, &ready, &refusal))
+    return Complain(streams, refusal, kRefused);
+  if (!options.save.empty()) {
+    if (SaveLauncher(ready, options.save, session, &refusal)) return kDone;
+    return Complain(streams, refusal, kFailed);
+  }
+  if (options.start) {
+    if (StartNow(ready, &refusal)) return kDone;
+    return Complain(streams, refusal, kFailed);
+  }
+  streams.out << ShellLine(ready.words) << std::endl;
+  return streams.out ? kDone : Complain(streams, "the output can't be written", kFailed);
+}
+
+}  // namespace kelvaro::rendlink

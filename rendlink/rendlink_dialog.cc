@@ -1,0 +1,141 @@
+#include "rendlink/rendlink_dialog.h"
+
+#include "app/platform/controls.h"
+#include "app/platform/files.h"
+#include "app/platform/shell.h"
+#include "app/resources/resources.h"
+#include "foundation/paths.h"
+#include "rendlink/profiles.h"
+#include "rendlink/resources.h"
+
+namespace kelvaro::rendlink {
+namespace {
+
+constexpr char kTitle[] = "Rendlink";
+constexpr char kEnding[] = ".desktop";
+constexpr std::int32_t kToDesktop = 0;  // rows of kPlace
+constexpr std::int32_t kToMenu = 1;
+
+}  // namespace
+
+RendlinkDialog::RendlinkDialog(Session& session) : Dialog(kDialog), session(session) {}
+
+void RendlinkDialog::OnInit() {
+  icon = platform::LoadIconA(resources::kIcon);
+  for (const bool large : {false, true}) platform::SetWindowIcon(window, icon, large);
+  platform::EnableToolTips(window);
+  profiles = StoredProfiles();
+  platform::ListInsertColumn(window, kProfiles, "Profile",
+                             platform::ListGetClientWidth(window, kProfiles));
+  for (std::size_t i = 0; i < profiles.size(); ++i) {
+    const std::int32_t row =
+        platform::ListInsertItem(window, kProfiles, static_cast<std::uint32_t>(i));
+    platform::ListSetItemText(window, kProfiles, row, 0, profiles[i]);
+  }
+  if (!profiles.empty()) platform::ListSelectItem(window, kProfiles, 0, true);
+  platform::ComboSetCurSel(window, kPlace, session.DesktopFolder().empty() ? kToMenu : kToDesktop);
+  ShowCommand();
+}
+
+void RendlinkDialog::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
+  using platform::Notice;
+  switch (notice) {
+    case Notice::Changed:
+      return ShowCommand();
+    // A list says by it that rows were selected, too.
+    case Notice::Painted:
+      if (id == kProfiles) ShowCommand();
+      return;
+    case Notice::Clicked:
+      break;
+    default:
+      return;
+  }
+  switch (id) {
+    case kBrowseTarget:
+      return OnBrowseTarget();
+    case kBrowseFolder:
+      return OnBrowseFolder();
+    case kSave:
+      return OnSave();
+    case kStart:
+      return OnStart();
+    default:
+      return Dialog::OnNotice(id, notice, value);
+  }
+}
+
+std::string RendlinkDialog::OnToolTip(std::uint32_t id) { return ToolTip(id); }
+
+void RendlinkDialog::OnDestroy() {
+  if (icon != 0) platform::DestroyIcon(icon);
+}
+
+Launch RendlinkDialog::Chosen() const {
+  Launch launch;
+  for (std::int32_t row = platform::ListGetNextSelected(window, kProfiles, -1);
+       row != platform::kNoRow; row = platform::ListGetNextSelected(window, kProfiles, row))
+    launch.profiles.push_back(profiles[platform::ListGetItemData(window, kProfiles, row)]);
+  launch.target = Bytes(Text(kTarget));
+  launch.args = Bytes(Text(kArguments));
+  launch.dir = Bytes(Text(kFolder));
+  return launch;
+}
+
+void RendlinkDialog::ShowCommand() {
+  Ready ready;
+  std::string text;
+  if (MakeReady(Chosen(), session, &ready, &text)) text = ShellLine(ready.words);
+  // Not in vain: it would lose what the person has marked in it.
+  if (text == shown) return;
+  shown = text;
+  SetText(kCommand, TextOf(text));
+}
+
+void RendlinkDialog::OnBrowseTarget() {
+  std::string path = session.FullPath(Bytes(Text(kTarget)));
+  if (!platform::ChooseFile(window, "Target", false, path, &path)) return;
+  SetText(kTarget, TextOf(path));
+  ShowCommand();
+}
+
+void RendlinkDialog::OnBrowseFolder() {
+  std::string path = session.FullPath(Bytes(Text(kFolder)));
+  if (!platform::ChooseFolder(window, "Folder", path, &path)) return;
+  SetText(kFolder, TextOf(path));
+  ShowCommand();
+}
+
+void RendlinkDialog::OnSave() {
+  Ready ready;
+  if (!CheckOrTell(&ready)) return;
+  const bool toMenu = platform::ComboGetCurSel(window, kPlace) == kToMenu;
+  ByteString path = TextOf(toMenu ? session.MenuFolder() : session.DesktopFolder());
+  // A first launcher makes its folder; where that can't be, saving says so.
+  CreateFolders(path);
+  if (!path.IsEmpty()) EnsureTrailingSeparator(&path);
+  std::string file = Bytes(path) + Stem(ready.launch.target) + kEnding;
+  if (!platform::ChooseFile(window, "Save Launcher", true, file, &file)) return;
+  if (!file.ends_with(kEnding)) file += kEnding;
+  std::string refusal;
+  if (!SaveLauncher(ready, file, session, &refusal)) Tell(refusal);
+}
+
+void RendlinkDialog::OnStart() {
+  Ready ready;
+  std::string refusal;
+  if (CheckOrTell(&ready) && !StartNow(ready, &refusal)) Tell(refusal);
+}
+
+bool RendlinkDialog::CheckOrTell(Ready* ready) {
+  std::string refusal;
+  if (MakeReady(Chosen(), session, ready, &refusal)) return true;
+  Tell(refusal);
+  return false;
+}
+
+void RendlinkDialog::Tell(const std::string& text) {
+  Box(TextOf(text), kTitle, platform::MB_ICONEXCLAMATION);
+}
+
+}  // namespace kelvaro::rendlink
