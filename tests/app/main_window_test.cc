@@ -803,11 +803,11 @@ TEST_F(MainLayoutTest, TheWindowCannotBecomeSmallerThanItWasMade) {
 // cut to whole pixels, and the last gets the rest.
 TEST_F(MainLayoutTest, TheColumnsShareTheWidth) {
   Begin();
-  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{100, 50, 372}));
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{100, 50, 373}));
   screen.Resize(678, 408);
-  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{119, 59, 444}));
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{119, 59, 445}));
   screen.Resize(618, 408);
-  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{107, 53, 402}));
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{107, 53, 403}));
 }
 
 // A column that reached beyond the list for a moment would show a scroll bar.
