@@ -2,8 +2,7 @@
 //
 // The layout puts each page's box 10 pixels inside the tab control and as far below its tabs; the
 // page's controls go with it from where they are drawn beside it here, which therefore leaves some
-// room at the right and at the bottom. The tab control begins at the window's left edge. The list
-// is drawn about as wide as the layout makes it, since its columns are measured before.
+// room at the right and at the bottom. The tab control begins at the window's left edge.
 #include <algorithm>
 #include <array>
 #include <cstddef>
