@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <initializer_list>
+#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -149,6 +150,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
         "/game/Profiles/" + files[random.Below(static_cast<std::uint32_t>(files.size()))];
     const std::string bytes = sim.Disk().FileBytes(path).value_or("");
     touched.insert(path);
+    everTouched.insert(path);
     switch (random.Below(4)) {
       case 0:
         return sim.Disk().Remove(path);
@@ -304,6 +306,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       ExpectNothingLeft();
     }
     unsaved = false;
+    leftBehind.clear();
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     listed.clear();
@@ -413,6 +416,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     EXPECT_EQ(sim.Registry().OpenHandles(), 0u);
     ExpectNoLock();
     CheckList();
+    CheckFolder(faulty);
     CheckFile(faulty, nameBefore, before);
     CheckEngine();
     CheckScreen();
@@ -431,6 +435,25 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     }
     EXPECT_EQ(Bytes(TextOf(LastProfile())),
               Bytes(TextOf(SettingText("Last Profile").value_or(""))));
+  }
+
+  // The list shows what the folder holds, but for what a failure or somebody else left behind.
+  void CheckFolder(bool faulty) {
+    LinkedList<ByteString> names;
+    ProfileFile().ListProfileNames(&names);
+    std::set<std::string> held;
+    for (auto* node = names.head; node; node = node->next) held.insert(Str(*node->value));
+    const std::set<std::string> shown(listed.begin(), listed.end());
+    std::set<std::string> differing;
+    std::set_symmetric_difference(held.begin(), held.end(), shown.begin(), shown.end(),
+                                  std::inserter(differing, differing.end()));
+    for (const std::string& name : differing) {
+      const std::string path = "/game/Profiles/" + FileNameOf(name);
+      EXPECT_TRUE(faulty || leftBehind.count(name) != 0 || everTouched.count(path) != 0 ||
+                  everTouched.count(path + ".tmp") != 0)
+          << name << (held.count(name) != 0 ? " isn't shown" : " has no file");
+    }
+    leftBehind = differing;
   }
 
   void CheckFile(bool faulty, const std::string& nameBefore, const std::string& before) {
@@ -496,7 +519,9 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
 
   Random random;
   SimulatedDevice& stick = MainWindowTest::AddPad("Stick");
-  Strings listed;                 // names that the list should show
+  Strings listed;                    // names that the list should show
+  std::set<std::string> leftBehind;  // names that are in the list or the folder alone
+  std::set<std::string> everTouched;
   std::set<std::string> touched;  // files, by somebody else
   bool mouseShown = false;        // the settings of the mouse, since the last load
   bool unsaved = false;           // the open profile, by a failure
