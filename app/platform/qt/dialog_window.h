@@ -64,7 +64,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   void BringUp();
   bool IsShown() const { return isVisible() || shownIconic; }
   bool IsIconic() const { return iconic; }
-  bool IsZoomed() const { return isMaximized() && !iconic; }
+  bool IsZoomed() const { return zoomed && !iconic; }
   Rect WholeRect() const;
   void MoveWhole(const Rect& rect);
   // An icon could be seen from now on, or no more.
@@ -139,6 +139,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   bool broughtUp = false;    // shown, or hidden by the program before it came to that
   bool placed = false;       // by the program
   bool iconic = false;       // minimised, shown or not
+  bool zoomed = false;       // maximised, or was so before it was minimised
   bool shownIconic = false;  // to be shown minimised, unless it is restored at once
   bool hidden = false;       // by the program
   bool standsIn = false;     // minimised where it should be hidden

@@ -1,12 +1,17 @@
 #include "app/platform/qt/notification_area.h"
 
+#include <QtGui/qguiapplication_platform.h>
+#include <xcb/xcb.h>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "app/platform/qt/text.h"
 
@@ -29,6 +34,28 @@ bool BusHostThere() {
   const QDBusMessage answer = bus.call(question, QDBus::Block, kBusAnswersWithin);
   if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty()) return false;
   return answer.arguments().at(0).value<QDBusVariant>().variant().toBool();
+}
+
+// A reply of the X server, which is the C library's memory.
+template <typename Reply>
+std::unique_ptr<Reply, decltype(&std::free)> Answered(Reply* reply) {
+  return {reply, &std::free};
+}
+
+// Whether somebody shows icons as X programs have offered them since long.
+bool XHostThere() {
+  const auto* const x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (!x || !x->connection()) return false;  // off the screen there is none
+  xcb_connection_t* const connection = x->connection();
+  const std::string name = "_NET_SYSTEM_TRAY_S0";
+  const auto atom = Answered(xcb_intern_atom_reply(
+      connection,
+      xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.c_str()),
+      nullptr));
+  if (!atom || atom->atom == XCB_ATOM_NONE) return false;
+  const auto owner = Answered(xcb_get_selection_owner_reply(
+      connection, xcb_get_selection_owner(connection, atom->atom), nullptr));
+  return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
 }  // namespace
@@ -76,12 +103,11 @@ bool NotificationArea::Lacks(WindowHandle window) const {
                                [&](const auto& entry) { return entry.first.first == window; });
 }
 
-// Qt settles for good, when it is first asked, on how icons are shown: so it isn't asked before
-// somebody on the bus shows them, but where there is the older way to do it as well.
+// Qt settles for good on a way to show icons when it is first asked: so it isn't before somebody
+// shows them.
 void NotificationArea::Look() {
   const bool onBus = BusHostThere();
-  const bool older = QGuiApplication::platformName() == QLatin1String("xcb");
-  const bool now = (onBus || older) && QSystemTrayIcon::isSystemTrayAvailable();
+  const bool now = (onBus || XHostThere()) && QSystemTrayIcon::isSystemTrayAvailable();
   if (now == there) return;
   there = now;
   clicksOnce = onBus;

@@ -67,7 +67,10 @@ void QtCanvas::DrawSizeGrip(const Rect& rect) {
   option.initFrom(&widget);
   option.rect = RectOf(rect);
   option.corner = Qt::BottomRightCorner;
+  painter.save();
+  painter.setClipRect(option.rect);
   widget.style()->drawControl(QStyle::CE_SizeGrip, &option, &painter, &widget);
+  painter.restore();
 }
 
 }  // namespace platform::qt

@@ -13,6 +13,7 @@ class ButtonsTest : public QtTest {};
 
 TEST_F(ButtonsTest, AClickIsTold) {
   Run([&] {
+    SetControlFocus(Window(), kSlider);
     QTest::mouseClick(Widget(kButton), Qt::LeftButton);
     QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
     QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
@@ -53,6 +54,7 @@ TEST_F(ButtonsTest, CheckingByTheProgramIsNoNews) {
 
 TEST_F(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
   Run([&] {
+    SetControlFocus(Window(), kSlider);
     CheckDlgButton(Window(), kRadioA, true);
     CheckDlgButton(Window(), kRadioC, true);
     EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioA)) << "another run";

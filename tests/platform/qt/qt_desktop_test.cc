@@ -73,6 +73,7 @@ TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
     if (++ticks == 3) BoxThatIsUp()->reject();
   };
   Run([&] {
+    SetControlFocus(Window(), kCheck);
     EXPECT_EQ(SetTimer(Window(), 1, 10), 1u);
     PostMessageA(Window(), 0x8001, 1, 2);
     EXPECT_EQ(MessageBoxA(Window(), "!", "", MB_OK), IDOK);
@@ -199,7 +200,10 @@ TEST_F(QtDesktopTest, ASignalEndsTheProgramAsItsCloseBoxDoes) {
 
 TEST_F(QtDesktopTest, TheSessionsWishToQuitDoesThatToo) {
   const StopRequests stop(qt.Desktop());
-  QTimer::singleShot(0, &context, [] { QCoreApplication::quit(); });
+  QTimer::singleShot(0, &context, [] {
+    QEvent quit(QEvent::Quit);
+    QCoreApplication::sendEvent(qApp, &quit);
+  });
   EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
   EXPECT_EQ(recorder.lines.back(), "close");
 }
@@ -343,6 +347,7 @@ TEST_F(QtDesktopTest, KnowsItsSizesAndColours) {
 TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
   constexpr MenuItem items[] = {{"Exit", 32772}, {"", 0}, {"Show Kelvaro", 32771}};
   Run([&] {
+    SetControlFocus(Window(), kCheck);
     QTimer::singleShot(0, &context, [] {
       auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
       ASSERT_NE(menu, nullptr);

@@ -152,7 +152,11 @@ std::int32_t QtTest::Run(const DialogTemplate& dialog, std::function<void()> scr
   QObject context;
   QTimer::singleShot(0, &context, [&] {
     const WindowHandle window = recorder.window;
-    EXPECT_TRUE(QTest::qWaitForWindowActive(qt.Desktop().Windows().Find(window)));
+    DialogWindow* const shown = qt.Desktop().Windows().Find(window);
+    // An X server without a window manager makes no window the active one.
+    const bool activates = QGuiApplication::platformName() == QLatin1String("offscreen");
+    EXPECT_TRUE(activates ? QTest::qWaitForWindowActive(shown)
+                          : QTest::qWaitForWindowExposed(shown));
     recorder.lines.clear();
     script();
     EndDialog(window, IDOK);

@@ -29,6 +29,7 @@ TEST_F(TabControlTest, ShowsTheFirstTabUntilAnotherIsSet) {
 TEST_F(TabControlTest, AClickOfThePersonIsNews) {
   Run([&] {
     AddTabs();
+    SetControlFocus(Window(), kCheck);
     Rect rect;
     ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &rect));
     QTest::mouseClick(Widget(kTabs), Qt::LeftButton, {}, QPoint(rect.left + 4, rect.top + 4));

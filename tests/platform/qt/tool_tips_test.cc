@@ -36,9 +36,10 @@ class ToolTipsTest : public QtTest {
     QWidget* const widget = Dialog()->Find(id)->Widget();
     if (point.x() < 0) point = widget->rect().center();
     QToolTip::hideText();
+    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
     QHelpEvent event(QEvent::ToolTip, point, widget->mapToGlobal(point));
     QApplication::sendEvent(widget, &event);
-    return QToolTip::text();
+    return QToolTip::isVisible() ? QToolTip::text() : QString();
   }
 };
 

@@ -1,0 +1,70 @@
+// On an X server with a session bus, both of the test's own.
+#include <QDBusConnection>
+
+#include "notification_host.h"
+#include "qt_test.h"
+
+namespace platform::qt {
+namespace {
+
+constexpr std::uint32_t kCallback = 0x8000;
+
+// The area is looked for every two seconds.
+constexpr int kSoon = 6000;  // ms
+
+class SessionTest : public QtTest {
+ protected:
+  NOTIFYICONDATA Icon() {
+    NOTIFYICONDATA data;
+    data.hWnd = Window();
+    data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+    data.uCallbackMessage = kCallback;
+    data.hIcon = LoadIconA(128);
+    data.szTip[0] = 'K';
+    return data;
+  }
+};
+
+TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
+  ASSERT_TRUE(QDBusConnection::sessionBus().isConnected());
+  ASSERT_EQ(QGuiApplication::platformName(), QLatin1String("xcb"));
+  Run([&] {
+    const NOTIFYICONDATA icon = Icon();
+    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, icon));
+    ShowWindow(Window(), SW_HIDE);
+    Settle();
+    EXPECT_TRUE(IsWindowVisible(Window())) << "nothing could bring it back";
+    EXPECT_TRUE(IsIconic(Window()));
+
+    auto host = std::make_unique<NotificationHost>();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !IsWindowVisible(Window()); }, kSoon));
+
+    recorder.lines.clear();
+    host->Click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}))
+        << "the double click, of which such a host tells nothing";
+    ShowWindow(Window(), SW_SHOW);
+    ShowWindow(Window(), SW_RESTORE);
+    Settle();
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_FALSE(IsIconic(Window()));
+    EXPECT_FALSE(Dialog()->isMinimized());
+
+    recorder.lines.clear();
+    host->RightClick();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_EQ(recorder.TakeLines().back(), "message 32768 0 516");
+
+    ShowWindow(Window(), SW_HIDE);
+    EXPECT_FALSE(IsWindowVisible(Window()));
+    host.reset();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return IsWindowVisible(Window()); }, kSoon));
+    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, icon));
+  });
+}
+
+}  // namespace
+}  // namespace platform::qt
