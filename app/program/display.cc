@@ -65,7 +65,9 @@ bool FindDisplay(const DisplaySystem& system, std::string* error,
   const bool tryX = wish.empty() ? !x.empty() : wantsX;
   const bool tryWayland = wish.empty() ? !wayland.empty() : wantsWayland;
   if ((tryWayland && system.waylandAnswers()) || (tryX && system.xAnswers())) return true;
-  *error = say("\"" + (tryX ? x : wayland) + "\" can't be opened");
+  const std::string& name = tryX ? x : wayland;
+  *error = say(name.empty() ? std::string(tryX ? "DISPLAY" : "WAYLAND_DISPLAY") + " is not set"
+                            : '"' + name + "\" can't be opened");
   return false;
 }
 
