@@ -56,6 +56,7 @@ class HelpWindow : public QWidget {
     layout->setSpacing(0);
     layout->addWidget(bar);
     layout->addWidget(pages);
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     pages->setOpenLinks(false);
     pages->setAccessibleName(QStringLiteral("Help page"));
     connect(pages, &QTextBrowser::anchorClicked, this, [this](const QUrl& url) { Follow(url); });
@@ -80,7 +81,7 @@ class HelpWindow : public QWidget {
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
             &QWidget::close);
     const int letters = fontMetrics().averageCharWidth();
-    resize(90 * letters, 40 * fontMetrics().height());
+    resize(110 * letters, 40 * fontMetrics().height());
     pages->setFocus();
   }
 

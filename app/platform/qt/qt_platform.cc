@@ -1,7 +1,6 @@
 #include "app/platform/qt/qt_platform.h"
 
 #include <QApplication>
-#include <QDir>
 
 // In the global namespace, as it must be.
 static void InitPictures() { Q_INIT_RESOURCE(kelvaro_pictures); }
@@ -10,6 +9,7 @@ namespace platform::qt {
 
 QtPlatform::QtPlatform() {
   InitPictures();
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/kelvaro/icon/128/64.png")));
   // A window that is hidden waits in the notification area.
   QApplication::setQuitOnLastWindowClosed(false);
 }
