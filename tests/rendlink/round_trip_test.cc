@@ -1,0 +1,265 @@
+// Whatever is chosen comes out again behind a launcher file and Kelvaro's command line, or is
+// refused. The file is taken apart here by the words of the Desktop Entry Specification, apart from
+// the code that wrote it.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "app/command_line.h"
+#include "app/dialog.h"
+#include "app/platform/qt/qt_shell.h"
+#include "rendlink/desktop_entry.h"
+#include "rendlink/launch.h"
+
+namespace kelvaro::rendlink {
+namespace {
+
+constexpr char kKelvaro[] = "/opt/my games/kelvaro";
+
+std::string ValueOf(const std::string& file, const std::string& key) {
+  const std::size_t at = file.find("\n" + key + "=");
+  if (at == std::string::npos) return "no " + key;
+  const std::size_t start = at + key.size() + 2;
+  return file.substr(start, file.find('\n', start) - start);
+}
+
+// "The escape sequences \s, \n, \t, \r, and \\ are supported for values of type string".
+std::string WithoutEscapes(const std::string& value) {
+  std::string out;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (value[i] != '\\') {
+      out += value[i];
+      continue;
+    }
+    switch (i + 1 < value.size() ? value[++i] : '?') {
+      case 's':
+        out += ' ';
+        break;
+      case 'n':
+        out += '\n';
+        break;
+      case 't':
+        out += '\t';
+        break;
+      case 'r':
+        out += '\r';
+        break;
+      case '\\':
+        out += '\\';
+        break;
+      default:
+        ADD_FAILURE() << "no escape: " << value;
+    }
+  }
+  return out;
+}
+
+// Arguments are parted by a space and quoted in whole or not at all; in quotes a backslash stands
+// before a double quote, backtick, dollar sign and backslash; "%%" is a percent sign.
+Words Arguments(const std::string& exec) {
+  const std::string reserved = "\t\n'\\><~|&;$*?#()`";
+  Words words;
+  std::size_t i = 0;
+  while (i < exec.size()) {
+    std::string word;
+    if (exec[i] == '"') {
+      for (++i; i < exec.size() && exec[i] != '"'; ++i) {
+        if (exec[i] == '\\') {
+          ++i;
+          EXPECT_NE(std::string("\"`$\\").find(exec.at(i)), std::string::npos) << exec;
+        } else {
+          EXPECT_EQ(std::string("`$").find(exec[i]), std::string::npos) << exec;
+        }
+        word += exec.at(i);
+      }
+      EXPECT_LT(i, exec.size()) << "open: " << exec;
+      ++i;
+    } else {
+      for (; i < exec.size() && exec[i] != ' '; ++i) {
+        EXPECT_EQ(reserved.find(exec[i]), std::string::npos) << exec;
+        EXPECT_NE(exec[i], '"') << exec;
+        word += exec[i];
+      }
+    }
+    std::string plain;
+    for (std::size_t k = 0; k < word.size(); ++k) {
+      plain += word[k];
+      if (word[k] != '%') continue;
+      EXPECT_EQ(k + 1 < word.size() ? word[k + 1] : '?', '%') << "a field code: " << exec;
+      ++k;
+    }
+    words.push_back(plain);
+    if (i < exec.size()) {
+      EXPECT_EQ(exec[i], ' ') << exec;
+      ++i;
+    }
+  }
+  return words;
+}
+
+struct ReadBack {
+  std::vector<std::string> profiles;
+  std::string target, args, dir;
+};
+
+ReadBack ByKelvaro(const Words& words, const QuoteChars& chars) {
+  const std::string line =
+      platform::qt::JoinCommandLine(words.at(0), Words(words.begin() + 1, words.end()));
+  const LaunchRequest request = ReadCommandLine(TextOf(line), chars);
+  ReadBack back;
+  for (const auto* node = request.profiles.head; node; node = node->next)
+    back.profiles.push_back(Bytes(*node->value));
+  back.target = Bytes(request.target);
+  back.args = Bytes(request.args);
+  back.dir = Bytes(request.dir);
+  return back;
+}
+
+class Random {
+ public:
+  explicit Random(std::uint32_t seed) : engine(seed) {}
+  std::size_t Below(std::size_t count) { return engine() % count; }
+  std::string Text(std::size_t most, const std::vector<std::string>& pieces) {
+    std::string text;
+    for (std::size_t left = Below(most + 1); left > 0; --left) text += pieces[Below(pieces.size())];
+    return text;
+  }
+
+ private:
+  std::mt19937 engine;
+};
+
+const std::vector<std::string> kPieces = {" ",
+                                          " ",
+                                          "\t",
+                                          "'",
+                                          "%",
+                                          "%f",
+                                          "%%",
+                                          "$",
+                                          "$x",
+                                          "\\",
+                                          "\\n",
+                                          "\\\"",
+                                          "`",
+                                          "=",
+                                          "~",
+                                          "#",
+                                          "&",
+                                          ";",
+                                          "(",
+                                          ")",
+                                          "*",
+                                          "?",
+                                          "<",
+                                          ">",
+                                          "a",
+                                          "Bc",
+                                          "-x",
+                                          "/",
+                                          ".",
+                                          ",",
+                                          "@",
+                                          "^",
+                                          "{",
+                                          "!",
+                                          "\xC3\xA9",
+                                          "\xE6\x97\xA5\xE6\x9C\xAC",
+                                          "\xF0\x9F\x8E\xAE",
+                                          "profile=",
+                                          "args=",
+                                          "k=v w"};
+
+Launch RandomLaunch(Random& random, std::vector<std::string> pieces) {
+  Launch launch;
+  for (std::size_t i = random.Below(3); i < 3; ++i)
+    launch.profiles.push_back(random.Text(6, pieces) + pieces[random.Below(pieces.size())]);
+  launch.target = "/" + random.Text(8, pieces);
+  launch.dir = random.Below(2) == 0 ? "" : "/" + random.Text(8, pieces);
+  pieces.insert(pieces.end(), {"\"", "\"", "\"a b\""});
+  launch.args = random.Text(12, pieces);
+  return launch;
+}
+
+// The launch as it comes out.
+void ExpectItComesBack(const Launch& launch, const Words& words, const QuoteChars& chars) {
+  std::string file;
+  std::string refusal;
+  ASSERT_TRUE(DesktopEntryText({"n", "c", "i", words}, &file, &refusal)) << refusal;
+  const Words read = Arguments(WithoutEscapes(ValueOf(file, "Exec")));
+  EXPECT_EQ(read, words) << file;
+  const ReadBack back = ByKelvaro(read, chars);
+  EXPECT_EQ(back.profiles, launch.profiles) << file;
+  EXPECT_EQ(back.target, launch.target) << file;
+  EXPECT_EQ(back.args, launch.args) << file;
+  EXPECT_EQ(back.dir, launch.dir) << file;
+  // What this program reads of a launcher agrees.
+  EXPECT_EQ(ExecWords(ReadDesktopEntry(file).at("Exec")), words) << file;
+}
+
+bool Has(const std::string& text, const char* any) {
+  return text.find_first_of(any) != std::string::npos;
+}
+
+TEST(RoundTrip, WhatIsChosenComesOutAgain) {
+  Random random(20250101);
+  for (int i = 0; i < 5000 && !testing::Test::HasFailure(); ++i) {
+    const Launch launch = RandomLaunch(random, kPieces);
+    // An odd backslash before a quote is part of some texts.
+    bool carried = !Has(launch.target, "\"") && !Has(launch.dir, "\"");
+    for (const std::string& profile : launch.profiles) carried = carried && !Has(profile, "\"");
+    Words words;
+    std::string refusal;
+    ASSERT_EQ(KelvaroWords(kKelvaro, launch, {}, &words, &refusal), carried) << refusal;
+    if (carried) ExpectItComesBack(launch, words, {});
+  }
+}
+
+TEST(RoundTrip, WhatIsRefusedHasACharacterThatCantBeCarriedAndAllElseIsCarried) {
+  Random random(7);
+  std::vector<std::string> pieces = kPieces;
+  pieces.insert(pieces.end(), {"|", "[", "]"});
+  int refused = 0;
+  for (int i = 0; i < 5000 && !testing::Test::HasFailure(); ++i) {
+    const Launch launch = RandomLaunch(random, pieces);
+    bool carried =
+        !Has(launch.target, "\"|") && !Has(launch.dir, "\"|") && !Has(launch.args, "|[]");
+    for (const std::string& profile : launch.profiles) carried = carried && !Has(profile, "\"|");
+    Words words;
+    std::string refusal;
+    ASSERT_EQ(KelvaroWords(kKelvaro, launch, {}, &words, &refusal), carried) << refusal;
+    if (carried) ExpectItComesBack(launch, words, {});
+    refused += carried ? 0 : 1;
+  }
+  EXPECT_GT(refused, 1000);
+  EXPECT_LT(refused, 4500);
+}
+
+TEST(RoundTrip, WithAnyQuoteCharactersWhatIsNotRefusedComesOutAgain) {
+  Random random(99);
+  const std::string marks = "|[]{}^~!%\\'\"=,.-/ \tapk1\xC3\xA9";
+  int carried = 0;
+  for (int i = 0; i < 10000 && !testing::Test::HasFailure(); ++i) {
+    const QuoteChars chars{marks[random.Below(marks.size())], marks[random.Below(marks.size())],
+                           marks[random.Below(marks.size())]};
+    Launch launch = RandomLaunch(random, kPieces);
+    if (random.Below(2) == 0) launch = {{"Z"}, "/Z", launch.args, ""};
+    Words words;
+    std::string refusal;
+    if (!KelvaroWords("/Z", launch, chars, &words, &refusal)) {
+      EXPECT_FALSE(refusal.empty());
+      continue;
+    }
+    ++carried;
+    const ReadBack back = ByKelvaro(words, chars);
+    EXPECT_EQ(back.profiles, launch.profiles) << chars.quoteSub;
+    EXPECT_EQ(back.target, launch.target) << chars.quoteSub;
+    EXPECT_EQ(back.args, launch.args)
+        << chars.quoteSub << chars.leftArgQuote << chars.rightArgQuote;
+    EXPECT_EQ(back.dir, launch.dir) << chars.quoteSub;
+  }
+  EXPECT_GT(carried, 500);
+}
+
+}  // namespace
+}  // namespace kelvaro::rendlink
