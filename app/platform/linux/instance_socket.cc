@@ -152,7 +152,8 @@ std::unique_ptr<InstanceSocket> InstanceSocket::Open(const std::string& folder,
   made->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   made->ended = eventfd(0, EFD_CLOEXEC);
   if (made->listener < 0 || made->wake < 0 || made->ended < 0) return nullptr;
-  unlink(path.c_str());  // of a process that had the same id, and crashed
+  Instances(folder);     // so that those of crashed ones don't pile up
+  unlink(path.c_str());  // of a crashed one that had the same id
   const mode_t before = umask(0177);
   const bool bound =
       bind(made->listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;

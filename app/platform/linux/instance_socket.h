@@ -34,7 +34,8 @@ std::string InstanceFolder();
 // The listening end.
 class InstanceSocket {
  public:
-  // Null when there can be no socket. The functions are called on the socket's thread.
+  // Null when there can be no socket. Removes those of instances that are gone. The functions are
+  // called on the socket's thread.
   static std::unique_ptr<InstanceSocket> Open(const std::string& folder, WindowSource windows,
                                               WindowPost post);
   // Stops listening and removes the socket.

@@ -1,0 +1,181 @@
+// Instances of the program that start one another and a game, and close together.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "app/platform/linux/settings/sqlite_registry.h"
+#include "tests/program/machine.h"
+
+namespace kelvaro::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The program in a folder of its own, with two profiles for a pad that isn't there.
+class InstancesTest : public testing::Test {
+ protected:
+  InstancesTest() {
+    // Named as no other program is here, since a launch closes every instance of its own name.
+    fs::create_directories(folder);
+    fs::copy_file(Program("kelvaro"), program);
+    for (const char* name : {"One", "Two", "Three"}) {
+      const std::string json = folder + "/profile.json";
+      std::ofstream(json) << R"({"profileName": ")" << name << R"(", "deviceName": "No such pad"})";
+      fs::create_directories(folder + "/Profiles");
+      Child pack({Program("kelvaroctl"), "pack", json, folder + "/Profiles/" + name + ".idprof"},
+                 home.Environment(), home.folder + "/pack");
+      EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
+    }
+    fs::create_directories(fs::path(home.SettingsFile()).parent_path());
+    platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
+    platform::HKEY key = 0;
+    EXPECT_EQ(
+        registry.RegCreateKeyA(platform::HKEY_CURRENT_USER, "Software\\Marnstone\\Kelvaro", &key),
+        platform::ERROR_SUCCESS);
+    for (const char* name : {"Welcome Display", "No Device Error Msg"}) {
+      const std::uint32_t one = 1;
+      EXPECT_EQ(registry.RegSetValueExA(key, name, platform::REG_DWORD, &one, sizeof one),
+                platform::ERROR_SUCCESS);
+    }
+    registry.RegCloseKey(key);
+  }
+
+  // A game: writes down its process id, its words and its folder, then waits for its end.
+  std::string Game() {
+    const std::string path = folder + "/game";
+    std::ofstream(path) << "#!/bin/sh\necho $$ >" << folder
+                        << "/game.id.part\n{ printf '<%s>' \"$@\"; pwd; } >" << folder
+                        << "/game.words\nmv " << folder << "/game.id.part " << folder
+                        << "/game.id\nexec sleep 60\n";
+    chmod(path.c_str(), 0755);
+    return path;
+  }
+
+  std::unique_ptr<Child> Run(const std::vector<std::string>& arguments) {
+    auto environment = home.Environment();
+    environment["QT_QPA_PLATFORM"] = "offscreen";
+    std::vector<std::string> command = {program};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Child>(command, environment, home.folder + "/log");
+  }
+
+  // Living processes of the program, oldest first; one that nobody has waited for isn't one.
+  std::vector<pid_t> Running() {
+    std::vector<pid_t> running;
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+      std::error_code gone;
+      if (fs::read_symlink(entry.path() / "exe", gone) == fs::path(program) && !gone)
+        running.push_back(std::stoi(entry.path().filename()));
+    }
+    std::sort(running.begin(), running.end());
+    return running;
+  }
+  std::string Words(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/cmdline");
+    std::string words((std::istreambuf_iterator<char>(file)), {});
+    std::replace(words.begin(), words.end(), '\0', ' ');
+    return words;
+  }
+  std::string Content(const std::string& file) {
+    std::stringstream text;
+    text << std::ifstream(folder + "/" + file).rdbuf();
+    return text.str();
+  }
+  pid_t GameId() {
+    EXPECT_TRUE(Eventually([&] { return fs::exists(folder + "/game.id"); }));
+    return std::stoi(Content("game.id"));
+  }
+  std::size_t Sockets() {
+    std::size_t sockets = 0;
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator(home.folder + "/runtime/kelvaro", none))
+      sockets += entry.path().extension() == ".socket" ? 1u : 0u;
+    return sockets;
+  }
+
+  Home home;
+  const std::string folder = home.folder + "/programs";
+  const std::string program = folder + "/kelvaro-launched";
+};
+
+TEST_F(InstancesTest, ThreeStartTogetherWithAGameAndEndWhenItEnds) {
+  const auto first = Run({"profile=One", "profile=Two", "profile=Three", "target=" + Game(),
+                          "args=-map [My Level]", "dir=" + home.folder});
+  const pid_t game = GameId();
+  EXPECT_EQ(Content("game.words"), "<-map><My Level>" + home.folder + "\n");
+  const std::vector<pid_t> instances = Running();
+  ASSERT_EQ(instances.size(), 3u) << first->Log();
+  EXPECT_NE(Words(instances[1]).find("profile=Two"), std::string::npos);
+  EXPECT_NE(Words(instances[2]).find("profile=Three"), std::string::npos);
+  EXPECT_EQ(Sockets(), 3u);
+
+  kill(game, SIGKILL);
+  // The order of their ends: Two, Three, then the first.
+  ASSERT_TRUE(Eventually([&] { return Running().size() < 3; })) << first->Log();
+  EXPECT_TRUE(Eventually([&] { return kill(instances[1], 0) != 0; }));
+  EXPECT_TRUE(first->Running());
+  EXPECT_TRUE(Eventually([&] { return kill(instances[2], 0) != 0; }));
+  EXPECT_EQ(first->WaitForEnd(), 0) << first->Log();
+  EXPECT_TRUE(Running().empty());
+  EXPECT_EQ(Sockets(), 0u);
+}
+
+TEST_F(InstancesTest, ALaunchTakesThePlaceOfWhateverInstanceWasRunning) {
+  const auto shown = Run({});
+  ASSERT_TRUE(Eventually([&] { return Sockets() == 1; })) << shown->Log();
+  const auto second = Run({"profile=Two", "target=" + Game()});
+  const pid_t game = GameId();
+  EXPECT_EQ(shown->WaitForEnd(), 0) << shown->Log();
+  EXPECT_EQ(Running().size(), 1u);
+  kill(game, SIGKILL);
+  EXPECT_EQ(second->WaitForEnd(), 0) << second->Log();
+}
+
+TEST_F(InstancesTest, AnInstanceThatWasKilledLeavesNothingInTheWay) {
+  const auto killed = Run({});
+  ASSERT_TRUE(Eventually([&] { return Sockets() == 1; })) << killed->Log();
+  killed->Signal(SIGKILL);
+  EXPECT_EQ(killed->WaitForEnd(), 128 + SIGKILL);
+  const auto next = Run({"profile=One", "target=" + Game()});
+  const pid_t game = GameId();
+  EXPECT_TRUE(Eventually([&] { return Sockets() == 1; }));  // its own
+  kill(game, SIGKILL);
+  EXPECT_EQ(next->WaitForEnd(), 0) << next->Log();
+  EXPECT_EQ(Sockets(), 0u);
+}
+
+TEST_F(InstancesTest, EndingTheProgramLeavesTheGameRunning) {
+  const auto first = Run({"profile=One", "target=" + Game()});
+  const pid_t game = GameId();
+  first->Signal(SIGTERM);
+  EXPECT_EQ(first->WaitForEnd(), 0) << first->Log();
+  EXPECT_EQ(kill(game, 0), 0);
+  kill(game, SIGKILL);
+}
+
+TEST_F(InstancesTest, AGameThatEndsAtOnceEndsTheProgram) {
+  const auto first = Run({"profile=One", "target=/bin/true"});
+  EXPECT_EQ(first->WaitForEnd(), 0) << first->Log();
+}
+
+// Neither is one who is stopped waited for longer than told: half a second for each, and it stays.
+TEST_F(InstancesTest, AnInstanceThatDoesNotAnswerHoldsUpNobodyForLong) {
+  const auto stopped = Run({});
+  ASSERT_TRUE(Eventually([&] { return Sockets() == 1; })) << stopped->Log();
+  stopped->Signal(SIGSTOP);
+  const auto second = Run({"profile=Two", "target=" + Game()});
+  const pid_t game = GameId();
+  kill(game, SIGKILL);
+  EXPECT_EQ(second->WaitForEnd(), 0) << second->Log();
+  stopped->Signal(SIGCONT);
+  stopped->Signal(SIGTERM);
+  EXPECT_EQ(stopped->WaitForEnd(), 0) << stopped->Log();
+}
+
+}  // namespace
+}  // namespace kelvaro::tests
