@@ -1,5 +1,9 @@
 #include "app/platform/qt/qt_shell.h"
 
+#include <QDir>
+#include <QFileDialog>
+#include <QTemporaryDir>
+
 #include "qt_test.h"
 
 namespace platform::qt {
@@ -57,6 +61,82 @@ TEST_F(ShellTest, TheHelpLibraryGoesByItsPublishedNameAlone) {
 }
 
 TEST_F(ShellTest, ABeepSucceeds) { EXPECT_TRUE(MessageBeep(0)); }
+
+// Does something with the dialog for files as soon as it is up.
+void AtFileDialog(std::function<void(QFileDialog&)> act) {
+  QTimer::singleShot(0, qApp, [act = std::move(act)] {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+      auto* const dialog = qobject_cast<QFileDialog*>(widget);
+      if (dialog && dialog->isVisible()) return act(*dialog);
+    }
+    AtFileDialog(act);
+  });
+}
+
+TEST_F(ShellTest, AFileToReadIsOneThatIsThere) {
+  const QTemporaryDir folder;
+  const std::string file = folder.filePath(QStringLiteral("a b.sh")).toStdString();
+  QFile made(QString::fromStdString(file));
+  ASSERT_TRUE(made.open(QIODevice::WriteOnly));
+  Run([&] {
+    std::string path = "before";
+    AtFileDialog([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Target"));
+      EXPECT_EQ(dialog.parentWidget(), Dialog());
+      EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+      EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptOpen);
+      EXPECT_EQ(dialog.directory(), QDir(folder.path()));
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    EXPECT_TRUE(ChooseFile(Window(), "Target", false, file, &path));
+    EXPECT_EQ(path, file);
+  });
+}
+
+TEST_F(ShellTest, AFileToSaveToIsSuggestedByItsName) {
+  const QTemporaryDir folder;
+  const std::string file = folder.filePath(QStringLiteral("Race.desktop")).toStdString();
+  Run([&] {
+    std::string path;
+    AtFileDialog([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    EXPECT_TRUE(ChooseFile(Window(), "Save", true, file, &path));
+    EXPECT_EQ(path, file);
+  });
+}
+
+TEST_F(ShellTest, AFolderIsChosen) {
+  const QTemporaryDir folder;
+  Run([&] {
+    std::string path;
+    AtFileDialog([&](QFileDialog& dialog) {
+      EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    EXPECT_TRUE(ChooseFolder(Window(), "Folder", folder.path().toStdString(), &path));
+    EXPECT_EQ(path, folder.path().toStdString());
+  });
+}
+
+TEST_F(ShellTest, WhereNoneIsChosenThePathStays) {
+  Run([&] {
+    std::string path = "before";
+    AtFileDialog([](QFileDialog& dialog) { dialog.reject(); });
+    EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+    EXPECT_EQ(path, "before");
+  });
+}
+
+TEST_F(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
+  Run([&] {
+    std::string path = "before";
+    AtFileDialog([&](QFileDialog&) { qt.Desktop().CloseAll(); });
+    EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+    EXPECT_EQ(path, "before");
+  });
+}
 
 }  // namespace
 }  // namespace platform::qt

@@ -1505,6 +1505,30 @@ TEST_F(ScreenTest, AddressesBeepsAndTheCommandLineAreKept) {
   EXPECT_EQ(GetCommandLineA(), "kelvaro profile=x");
 }
 
+TEST_F(ScreenTest, FilesAndFoldersAreChosenBeforehandAndQuestionsAreKept) {
+  std::string path = "before";
+  EXPECT_FALSE(ChooseFile(5, "Open", false, "/a/b", &path));
+  screen.ChooseNextPath("");
+  screen.ChooseNextPath("/c");
+  screen.ChooseNextPath("/d");
+  EXPECT_FALSE(ChooseFile(5, "Save", true, "", &path));
+  EXPECT_EQ(path, "before");
+  EXPECT_TRUE(ChooseFile(5, "Save", true, "", &path));
+  EXPECT_EQ(path, "/c");
+  sim.FailNext("ChooseFolder");
+  EXPECT_FALSE(ChooseFolder(5, "Folder", "/a", &path));
+  EXPECT_TRUE(ChooseFolder(5, "Folder", "/a", &path));
+  EXPECT_EQ(path, "/d");
+  ASSERT_EQ(screen.AskedPaths().size(), 4u);
+  EXPECT_EQ(screen.AskedPaths()[0].owner, 5u);
+  EXPECT_EQ(screen.AskedPaths()[0].title, "Open");
+  EXPECT_EQ(screen.AskedPaths()[0].suggested, "/a/b");
+  EXPECT_FALSE(screen.AskedPaths()[0].forSaving);
+  EXPECT_TRUE(screen.AskedPaths()[1].forSaving);
+  EXPECT_FALSE(screen.AskedPaths()[1].folder);
+  EXPECT_TRUE(screen.AskedPaths()[3].folder);
+}
+
 TEST_F(ScreenTest, HelpComesFromItsLibrary) {
   const LibraryHandle library = LoadLibraryA("hhctrl.ocx");
   ASSERT_NE(library, 0u);

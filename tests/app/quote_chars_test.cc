@@ -1,0 +1,54 @@
+#include "app/quote_chars.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/platform/simulation/simulation.h"
+
+namespace kelvaro {
+namespace {
+
+TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
+  struct {
+    const char* text;
+    const char* chars;
+  } const kRows[] = {
+      {"", "|[]"},
+      {"QuoteSub=^\nLeftArgQuote=<\nRightArgQuote=>\n", "^<>"},
+      {"quotesub=^\r\nLEFTARGQUOTE={\r\nRightArgQuote=}", "^{}"},
+      {" \t QuoteSub=!! \n", "![]"},
+      {"QuoteSub=\nLeftArgQuote= \n", "|[]"},
+      {"QuoteSub=a\nQuoteSub=b\n", "b[]"},
+      {"QuoteSub =a\nXQuoteSub=a\nother\n", "|[]"},
+      {"QuoteSub= a\n", " []"},
+  };
+  platform::simulation::Simulation sim;
+  for (const auto& row : kRows) {
+    sim.Disk().PutFile("/game/QuoteChars.txt", row.text);
+    const QuoteChars chars = LoadQuoteChars("/game");
+    EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), row.chars)
+        << row.text;
+  }
+}
+
+TEST(LoadQuoteChars, WithoutTheFileTheUsualOnesHold) {
+  platform::simulation::Simulation sim;
+  const QuoteChars chars = LoadQuoteChars("/game");
+  EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), "|[]");
+}
+
+TEST(TakeKey, TakesItInAnyCaseAtTheStartAlone) {
+  ByteString rest = "before";
+  EXPECT_TRUE(TakeKey("ARGS=x y", "args=", &rest));
+  EXPECT_TRUE(rest.Equals("x y"));
+  EXPECT_TRUE(TakeKey("args=", "args=", &rest));
+  EXPECT_TRUE(rest.IsEmpty());
+  rest = "before";
+  EXPECT_FALSE(TakeKey("my args=x", "args=", &rest));
+  EXPECT_FALSE(TakeKey("arg", "args=", &rest));
+  EXPECT_TRUE(rest.Equals("before"));
+}
+
+}  // namespace
+}  // namespace kelvaro
