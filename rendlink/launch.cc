@@ -37,7 +37,9 @@ bool Refuse(const std::string& subject, std::string_view word, const QuoteChars&
     } else {
       continue;
     }
-    *refusal = subject + " " + CharName(c) + ", " + why;
+    *refusal = subject;
+    *refusal += " " + CharName(c) + ", ";
+    *refusal += why;
     return true;
   }
   return false;

@@ -19,6 +19,7 @@ struct Launch {
   std::string target;
   std::string args;
   std::string dir;
+  friend bool operator==(const Launch&, const Launch&) = default;
 };
 
 // The program's path `kelvaro` and its arguments, for a Kelvaro that reads its command line by

@@ -42,7 +42,7 @@ void RendlinkDialog::OnNotice(std::uint32_t id, platform::Notice notice, std::in
   switch (notice) {
     case Notice::Changed:
       return ShowCommand();
-    // A list says by it that rows were selected, too.
+    // There is no notice of rows that were selected, but the list draws them.
     case Notice::Painted:
       if (id == kProfiles) ShowCommand();
       return;
@@ -83,12 +83,13 @@ Launch RendlinkDialog::Chosen() const {
 }
 
 void RendlinkDialog::ShowCommand() {
+  const Launch chosen = Chosen();
+  // Not in vain: it looks at files, and loses what the person has marked in the field.
+  if (chosen == shown) return;
+  shown = chosen;
   Ready ready;
   std::string text;
-  if (MakeReady(Chosen(), session, &ready, &text)) text = ShellLine(ready.words);
-  // Not in vain: it would lose what the person has marked in it.
-  if (text == shown) return;
-  shown = text;
+  if (MakeReady(chosen, session, &ready, &text)) text = ShellLine(ready.words);
   SetText(kCommand, TextOf(text));
 }
 

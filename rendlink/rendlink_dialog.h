@@ -1,6 +1,7 @@
 // The one window of Rendlink: what to start, the command line that comes of it, and a launcher.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ class RendlinkDialog : public Dialog {
 
   Session& session;
   std::vector<std::string> profiles;
-  std::string shown;  // in the field of the command
+  std::optional<Launch> shown;  // whose command is in the field
   platform::IconHandle icon = 0;
 };
 

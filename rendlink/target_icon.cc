@@ -28,7 +28,7 @@ std::string PictureBeside(const std::string& target) {
   stems.emplace_back("icon");
   for (const std::string& stem : stems) {
     for (const char* ending : {".svg", ".png", ".xpm"}) {
-      const std::string path = folder + stem + ending;
+      std::string path = folder + stem + ending;
       if (path != target && IsFile(path)) return path;
     }
   }

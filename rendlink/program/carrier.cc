@@ -167,7 +167,7 @@ std::vector<char*> Pointers(const Words& words) {
   _exit(error == ENOENT ? 127 : 126);
 }
 
-// A game that the carrier has begun, as Rendlink waits for it.
+// Until both the game and Kelvaro have ended.
 class Wait {
  public:
   Wait(pid_t kelvaro, const CarrierSocket& socket, const Game& game)
