@@ -44,6 +44,7 @@ class ManualMachine : public platform::Clock,
   bool TerminateThread(platform::Handle, std::uint32_t) override { return false; }
   bool SetCurrentThreadPriority(std::int32_t) override { return true; }
   std::int32_t GetCurrentThreadPriority() override { return platform::THREAD_PRIORITY_NORMAL; }
+  bool SetPriorityClass(std::uint32_t) override { return true; }
   platform::Handle CreateEventA(bool, bool) override { return ++lastEvent; }
   bool SetEvent(platform::Handle) override {
     ++eventsSet;

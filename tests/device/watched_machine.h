@@ -60,6 +60,9 @@ class WatchedMachine : public platform::Clock,
     priorities.push_back(priority);
     return machine.threads->SetCurrentThreadPriority(priority);
   }
+  bool SetPriorityClass(std::uint32_t priorityClass) override {
+    return machine.threads->SetPriorityClass(priorityClass);
+  }
   std::int32_t GetCurrentThreadPriority() override {
     return machine.threads->GetCurrentThreadPriority();
   }

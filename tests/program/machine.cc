@@ -277,6 +277,11 @@ bool XDesktop::Listed(unsigned long window) {
   return false;
 }
 
+bool XDesktop::Active(unsigned long window) {
+  const auto active = WindowProperty(display, DefaultRootWindow(display), "_NET_ACTIVE_WINDOW");
+  return !active.empty() && active[0] == window;
+}
+
 std::vector<XWindow> XDesktop::Icons() {
   std::vector<XWindow> icons;
   Walk(display, DefaultRootWindow(display), [&](Window window) {
@@ -306,6 +311,25 @@ std::vector<XWindow> XDesktop::Popups() {
   }
   if (children) XFree(children);
   return popups;
+}
+
+bool XDesktop::AwaitPainted(const std::string& title, std::chrono::milliseconds limit) {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  const auto pixel = [this](const XWindow& window) {
+    XImage* const image =
+        XGetImage(display, DefaultRootWindow(display), window.x + window.width / 2,
+                  window.y + window.height - 20, 1, 1, AllPlanes, ZPixmap);
+    if (!image) return 0UL;
+    const unsigned long value = XGetPixel(image, 0, 0) & 0xFFFFFF;
+    XDestroyImage(image);
+    return value;
+  };
+  while (std::chrono::steady_clock::now() < end) {
+    const XWindow window = Find(title, false);
+    if (window.id != 0 && pixel(window) != 0) return true;  // the empty screen is black
+    std::this_thread::sleep_for(2ms);
+  }
+  return false;
 }
 
 void XDesktop::Minimise(unsigned long window) {
@@ -360,9 +384,13 @@ void XDesktop::DoubleClick(int x, int y) {
 void XDesktop::Type(const std::string& keys) {
   std::istringstream words(keys);
   for (std::string word; words >> word;) {
-    const KeyCode code = XKeysymToKeycode(display, XStringToKeysym(word.c_str()));
-    XTestFakeKeyEvent(display, code, True, CurrentTime);
-    XTestFakeKeyEvent(display, code, False, CurrentTime);
+    std::vector<KeyCode> codes;
+    std::istringstream chord(word);
+    for (std::string key; std::getline(chord, key, '+');)
+      codes.push_back(XKeysymToKeycode(display, XStringToKeysym(key.c_str())));
+    for (const KeyCode code : codes) XTestFakeKeyEvent(display, code, True, CurrentTime);
+    for (auto code = codes.rbegin(); code != codes.rend(); ++code)
+      XTestFakeKeyEvent(display, *code, False, CurrentTime);
     XSync(display, False);
     std::this_thread::sleep_for(30ms);
   }

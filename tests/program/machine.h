@@ -17,8 +17,11 @@ namespace kelvaro::tests {
 
 using namespace std::chrono_literals;
 
+// How long what takes a moment may take. To be changed where the clock isn't the real one.
+inline std::chrono::milliseconds patience = 20s;
+
 // True as soon as `holds` is; false if it wasn't within `limit`.
-bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = 20s);
+bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience);
 
 // Whether KELVARO_REQUIRE names a thing, whose absence then is a failure and no skip.
 bool Required(const std::string& thing);
@@ -91,10 +94,16 @@ class XDesktop {
   // Iconic by the window manager's word, and taken off the list of windows.
   bool Iconic(unsigned long window);
   bool Listed(unsigned long window);
+  // It has the keyboard.
+  bool Active(unsigned long window);
   // Windows that are docked into the notification area.
   std::vector<XWindow> Icons();
   // Windows on the screen that no window manager frames: menus and tool tips.
   std::vector<XWindow> Popups();
+
+  // Waits until a window with that title is on the screen and something of it is painted: its
+  // middle has another colour than the screen before. Looks every 2 ms.
+  bool AwaitPainted(const std::string& title, std::chrono::milliseconds limit);
 
   void Minimise(unsigned long window);
   void CloseWindow(unsigned long window);  // as by its close box
@@ -104,7 +113,8 @@ class XDesktop {
   void Press(int x, int y, unsigned button = 1);
   void Drag(int fromX, int fromY, int toX, int toY);
   void DoubleClick(int x, int y);
-  void Type(const std::string& keys);  // names of keys, parted by blanks: "Tab a Return"
+  // Names of keys, parted by blanks: "Tab a Return"; "Alt_L+w" holds the first meanwhile.
+  void Type(const std::string& keys);
 
   // The whole screen, as a picture file; for a person to look at when a test fails.
   void Photograph(const std::string& file);

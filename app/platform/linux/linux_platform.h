@@ -1,6 +1,6 @@
 // Linux behind the seam: owns one object for each group of operations but those of a program with a
-// window, which adds them: the registry (settings/sqlite_registry.h) and what is seen (../qt/). A program makes one at its start, opens
-// what it needs, and installs Groups().
+// window, which adds them: the registry (settings/sqlite_registry.h), processes and what is seen
+// (../qt/). A program makes one at its start, opens what it needs, and installs Groups().
 #pragma once
 
 #include <memory>

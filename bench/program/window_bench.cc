@@ -1,0 +1,157 @@
+// The real window on an X server without a screen, with a window manager: how long until it is
+// painted, what it holds, and what a resize costs. Prints its figures; nothing passes or fails.
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "app/platform/linux/settings/sqlite_registry.h"
+#include "tests/program/machine.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace kelvaro::tests;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kStarts = 11;
+constexpr int kControls = 500;
+constexpr int kResizes = 180;
+constexpr auto kFrame = std::chrono::microseconds(16667);
+
+double Milliseconds(Clock::duration time) {
+  return std::chrono::duration<double, std::milli>(time).count();
+}
+
+// The program in a folder of its own, with one profile that names no pad that is there, and
+// settings by which it comes up without a word.
+class Installed {
+ public:
+  Installed() {
+    fs::create_directories(folder + "/Profiles");
+    fs::copy_file(Program("kelvaro"), folder + "/kelvaro");
+    std::ofstream json(folder + "/profile.json");
+    json << R"({"profileName": "Bench", "deviceName": "No such pad", "controls": [)";
+    for (int i = 0; i < kControls; ++i)
+      json << (i ? "," : "") << R"({"description": "Control )" << i
+           << R"(", "buttonMask": "0x5", "actions": [{"text": "<Ctrl>a"}]})";
+    json << "]}";
+    json.close();
+    Child pack({Program("kelvaroctl"), "pack", folder + "/profile.json",
+                folder + "/Profiles/Bench.idprof"},
+               home.Environment(), home.folder + "/pack");
+    if (pack.WaitForEnd() != 0) {
+      std::fprintf(stderr, "%s", pack.Log().c_str());
+      std::exit(1);
+    }
+    fs::create_directories(fs::path(home.SettingsFile()).parent_path());
+    platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
+    platform::HKEY key = 0;
+    registry.RegCreateKeyA(platform::HKEY_CURRENT_USER, "Software\\Marnstone\\Kelvaro", &key);
+    for (const char* name : {"Welcome Display", "No Device Error Msg"}) {
+      const std::uint32_t one = 1;
+      registry.RegSetValueExA(key, name, platform::REG_DWORD, &one, sizeof one);
+    }
+    registry.RegCloseKey(key);
+  }
+
+  Home home;
+  const std::string folder = home.folder + "/programs";
+};
+
+double SecondsOfProcessor(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string line;
+  std::getline(file, line);
+  std::istringstream fields(line.substr(line.rfind(')') + 2));
+  std::vector<std::string> words;
+  for (std::string word; fields >> word;) words.push_back(word);
+  return static_cast<double>(std::stol(words[11]) + std::stol(words[12])) /
+         static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+long Kilobytes(pid_t process, const std::string& what) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+  for (std::string line; std::getline(file, line);)
+    if (line.rfind(what + ":", 0) == 0) return std::stol(line.substr(what.size() + 1));
+  return 0;
+}
+
+}  // namespace
+
+int main() {
+  Installed installed;
+  XDesktop desktop(true);
+  if (!desktop.Works()) {
+    std::fprintf(stderr, "Xvfb and icewm can't be started\n");
+    return 1;
+  }
+  auto environment = installed.home.Environment();
+  environment["DISPLAY"] = desktop.Name();
+  const auto start = [&] {
+    return std::make_unique<Child>(std::vector<std::string>{installed.folder + "/kelvaro"},
+                                   environment, installed.home.folder + "/log");
+  };
+  const auto untilPainted = [&] {
+    const auto begin = Clock::now();
+    const auto program = start();
+    if (!desktop.AwaitPainted("Kelvaro", 60s)) std::exit(1);
+    const double time = Milliseconds(Clock::now() - begin);
+    program->Signal(SIGTERM);
+    program->WaitForEnd();
+    return time;
+  };
+
+  sync();
+  std::ofstream drop("/proc/sys/vm/drop_caches");
+  drop << "3\n";
+  drop.close();
+  const double cold = untilPainted();
+  std::vector<double> warm;
+  for (int i = 0; i < kStarts; ++i) warm.push_back(untilPainted());
+  std::sort(warm.begin(), warm.end());
+  std::printf("First painted window, %s: %.0f ms\n",
+              drop ? "cold" : "cold (the caches couldn't be dropped)", cold);
+  std::printf("First painted window, warm: %.0f ms (median of %d; %.0f to %.0f)\n",
+              warm[kStarts / 2], kStarts, warm.front(), warm.back());
+
+  const auto program = start();
+  if (!desktop.AwaitPainted("Kelvaro", 60s)) return 1;
+  std::this_thread::sleep_for(2s);
+  std::printf(
+      "Memory of the idle window: %.1f MB resident, %.1f MB proportional, %.1f MB its own\n",
+      static_cast<double>(Kilobytes(program->Id(), "Rss")) / 1024,
+      static_cast<double>(Kilobytes(program->Id(), "Pss")) / 1024,
+      static_cast<double>(Kilobytes(program->Id(), "Private_Dirty")) / 1024);
+
+  const XWindow window = desktop.Find("Kelvaro", false);
+  double before = SecondsOfProcessor(program->Id());
+  auto due = Clock::now();
+  for (int i = 0; i < kResizes; ++i) {
+    desktop.Resize(window.id, window.width + i % 60 * 4, window.height + i % 60 * 3);
+    due += kFrame;
+    std::this_thread::sleep_until(due);
+  }
+  const double perResize = (SecondsOfProcessor(program->Id()) - before) / kResizes * 1000;
+  std::printf(
+      "A resize with %d rows: %.1f ms of processor time, %.0f %% of a core at 60 a second\n",
+      kControls, perResize, perResize * 6);
+
+  desktop.Minimise(window.id);
+  std::this_thread::sleep_for(2s);
+  before = SecondsOfProcessor(program->Id());
+  const auto begin = Clock::now();
+  std::this_thread::sleep_for(20s);
+  std::printf("Processor, hidden, no pad: %.2f %%\n", (SecondsOfProcessor(program->Id()) - before) *
+                                                          1000 /
+                                                          Milliseconds(Clock::now() - begin) * 100);
+  return 0;
+}
