@@ -13,7 +13,14 @@ TEST(LinuxPlatform, CallsGoToTheInstalledOne) {
   Sleep(5);
   EXPECT_GE(GetTickCount() - start, 5u);
   EXPECT_GT(GetCurrentThreadId(), 0);
-  EXPECT_EQ(MessageBoxA(kNoWindow, "text", "caption", MB_OK), 0);
+}
+
+TEST(LinuxPlatform, LeavesWhatIsSeenToAProgramWithAWindow) {
+  const LinuxPlatform linuxPlatform;
+  EXPECT_EQ(linuxPlatform.Groups().desktop, nullptr);
+  EXPECT_EQ(linuxPlatform.Groups().controls, nullptr);
+  EXPECT_EQ(linuxPlatform.Groups().shell, nullptr);
+  EXPECT_EQ(linuxPlatform.Groups().registry, nullptr);
 }
 
 TEST(LinuxSystem, TextOfAnErrorEndsItsLine) {
