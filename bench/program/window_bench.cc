@@ -38,20 +38,33 @@ class Installed {
   Installed() {
     fs::create_directories(folder + "/Profiles");
     fs::copy_file(Program("kelvaro"), folder + "/kelvaro");
+    Pack("Bench", kControls);
+    Pack("Large", 2 * kControls);
+    Preset();
+  }
+
+  Home home;
+  const std::string folder = home.folder + "/programs";
+
+ private:
+  void Pack(const std::string& name, int controls) {
     std::ofstream json(folder + "/profile.json");
-    json << R"({"profileName": "Bench", "deviceName": "No such pad", "controls": [)";
-    for (int i = 0; i < kControls; ++i)
+    json << R"({"profileName": ")" << name << R"(", "deviceName": "No such pad", "controls": [)";
+    for (int i = 0; i < controls; ++i)
       json << (i ? "," : "") << R"({"description": "Control )" << i
            << R"(", "buttonMask": "0x5", "actions": [{"text": "<Ctrl>a"}]})";
     json << "]}";
     json.close();
     Child pack({Program("kelvaroctl"), "pack", folder + "/profile.json",
-                folder + "/Profiles/Bench.idprof"},
+                folder + "/Profiles/" + name + ".idprof"},
                home.Environment(), home.folder + "/pack");
     if (pack.WaitForEnd() != 0) {
       std::fprintf(stderr, "%s", pack.Log().c_str());
       std::exit(1);
     }
+  }
+
+  void Preset() {
     fs::create_directories(fs::path(home.SettingsFile()).parent_path());
     platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
     platform::HKEY key = 0;
@@ -62,9 +75,6 @@ class Installed {
     }
     registry.RegCloseKey(key);
   }
-
-  Home home;
-  const std::string folder = home.folder + "/programs";
 };
 
 double SecondsOfProcessor(pid_t process) {
@@ -144,6 +154,20 @@ int main() {
   std::printf(
       "A resize with %d rows: %.1f ms of processor time, %.0f %% of a core at 60 a second\n",
       kControls, perResize, perResize * 6);
+
+  // What one act costs the program, in processor time; it is waited for generously.
+  const auto cost = [&](const char* what, const std::string& keys) {
+    const double begun = SecondsOfProcessor(program->Id());
+    desktop.Type(keys);
+    std::this_thread::sleep_for(1500ms);
+    std::printf("%s: %.0f ms of processor time\n", what,
+                (SecondsOfProcessor(program->Id()) - begun) * 1000);
+  };
+  std::printf("With %d Controls:\n", 2 * kControls);
+  cost("  choosing the profile: load, list filled", "Alt_L+p Down");
+  desktop.Press(window.x + 60, window.y + 45);  // the tab "Control"
+  cost("  opening \"Define Control\"", "Alt_L+w");
+  cost("  OK with a save, and the row", "x Return");
 
   desktop.Minimise(window.id);
   std::this_thread::sleep_for(2s);
