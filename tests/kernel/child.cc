@@ -70,6 +70,13 @@ Child::Child(const std::vector<std::string>& arguments, ChildOptions options)
     if (options.asNobody && (setgid(65534) != 0 || setuid(65534) != 0)) {
       _exit(126);
     }
+    for (const auto& [name, value] : options.environment) {
+      if (value.empty()) {
+        unsetenv(name.c_str());
+      } else {
+        setenv(name.c_str(), value.c_str(), 1);
+      }
+    }
     execv(argv[0], argv.data());
     std::perror(argv[0]);
     _exit(127);

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,8 @@ std::string KelvaroctlPath();
 
 struct ChildOptions {
   bool asNobody = false;  // without root's rights
+  // Variables that it gets in place of ours; an empty value takes one away.
+  std::map<std::string, std::string> environment = {};
 };
 
 class Child {
