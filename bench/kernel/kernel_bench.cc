@@ -1,6 +1,6 @@
-// What the real program costs on a real kernel: the time from a pad's event to its key event,
+// What the real programs cost on a real kernel: the time from a pad's event to its key event,
 // beside the least that any program can do; processor time with the pad still and with the pointer
-// moving; the evenness of the pointer; memory.
+// moving; the evenness of the pointer; memory. The one without a window first, then the window.
 //
 // Made for a machine whose clock counts instructions, one a nanosecond (tests/kernel/vm --icount):
 // the figures then say how much is done and don't depend on the host or its load.
@@ -35,6 +35,7 @@
 #include "tests/kernel/reader.h"
 #include "tests/kernel/trace.h"
 #include "tests/kernel/wait.h"
+#include "tests/kernel/window_program.h"
 
 namespace kelvaro::kernel {
 namespace {
@@ -223,6 +224,19 @@ double ProcessorNsOf(pid_t process) {
   return sum;
 }
 
+// A figure of the kernel's about a process's memory, in KB: "Rss:", or "Pss:", the proportional set
+// size, in which what several processes share counts by its part.
+long MemoryKbOf(pid_t process, const std::string& figure) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+  for (std::string word; file >> word;) {
+    long kb = 0;
+    if (word == figure && file >> kb) {
+      return kb;
+    }
+  }
+  Fail("no memory figures");
+}
+
 // kelvaroctl at work on `pad`.
 class Program {
  public:
@@ -248,19 +262,10 @@ class Program {
   Reader& Keyboard() { return *keyboard; }
   Reader& Mouse() { return *mouse; }
 
+  pid_t Pid() const { return child.Pid(); }
   double ProcessorNs() const { return ProcessorNsOf(child.Pid()); }
 
-  // Proportional set size in KB.
-  long MemoryKb() const {
-    std::ifstream file("/proc/" + std::to_string(child.Pid()) + "/smaps_rollup");
-    for (std::string word; file >> word;) {
-      long kb = 0;
-      if (word == "Pss:" && file >> kb) {
-        return kb;
-      }
-    }
-    Fail("no memory figures");
-  }
+  long MemoryKb() const { return MemoryKbOf(child.Pid(), "Pss:"); }
 
  private:
   Child child;
@@ -324,15 +329,45 @@ void MeasureBareLoop() {
   }
 }
 
+// While nothing happens to the process.
+void PrintStillShare(const std::string& what, pid_t process) {
+  const std::int64_t begin = NowUs();
+  const double before = ProcessorNsOf(process);
+  WaitMs(kSeconds * 1000);
+  const double used = ProcessorNsOf(process) - before;
+  PrintShare(what, used, static_cast<double>(NowUs() - begin) / 1e6);
+}
+
 void MeasureStillPad(int interval) {
   UinputPad pad(BenchPad());
   Program program(pad, Profile(interval, ""));
-  const std::int64_t begin = NowUs();
-  const double before = program.ProcessorNs();
-  WaitMs(kSeconds * 1000);
-  const double used = program.ProcessorNs() - before;
-  PrintShare("pad still, " + std::to_string(1000 / interval) + " polls a second", used,
-             static_cast<double>(NowUs() - begin) / 1e6);
+  PrintStillShare("pad still, " + std::to_string(1000 / interval) + " polls a second",
+                  program.Pid());
+}
+
+// kelvaro, off-screen, with a still pad.
+void MeasureWindow(bool hidden) {
+  UinputPad pad(BenchPad());
+  const WindowProgram window;
+  window.AddProfile(
+      "Bench",
+      Profile(5, std::string(",\"profileName\":\"Bench\",\"deviceName\":\"") + kPadName + "\""));
+  window.Set("Start Minimized", hidden ? 1 : 0);
+  const std::unique_ptr<Child> child = window.Start();
+  // Also while its files are fetched from the host and the clock runs ahead.
+  if (!Eventually([&] { return DescriptorOf(child->Pid(), pad.Node()) >= 0; }, 600000)) {
+    Fail("kelvaro doesn't start: " + child->Err());
+  }
+  WaitMs(3000);
+  const std::string what = hidden ? "window hidden" : "window open";
+  PrintStillShare(what + ", pad still, 5 ms", child->Pid());
+  std::printf("%-44s %9ld KB, %ld KB\n", (what + ", memory: resident, proportional").c_str(),
+              MemoryKbOf(child->Pid(), "Rss:"), MemoryKbOf(child->Pid(), "Pss:"));
+  std::fflush(stdout);
+  child->Signal(SIGTERM);
+  if (child->Wait(10000) != 0) {
+    Fail("kelvaro doesn't end: " + child->Err());
+  }
 }
 
 void MeasurePointer() {
@@ -399,6 +434,9 @@ int Main() {
   MeasureStillPad(1);
   MeasureStillPad(5);
   MeasurePointer();
+  std::printf("\n");
+  MeasureWindow(true);
+  MeasureWindow(false);
   return 0;
 }
 
