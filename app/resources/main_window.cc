@@ -117,7 +117,7 @@ constexpr ControlTemplate kSettingsPage[] = {
     {Link, 1175, KELVARO_WEB_ADDRESS, 44, 162, 200, 9},
     {Label, 1345, "&email:", 6, 175, 30, 9},
     {Link, 1176, KELVARO_SUPPORT_ADDRESS, 44, 175, 200, 9},
-    {Label, 1178, "Copyright (c) 2026 Marnstone", 6, 193, 361, 9},
+    {Label, 1178, "Copyright (c) 2026 the Kelvaro authors", 6, 193, 361, 9},
     {Label, 1189, "Free software under the MIT License, without any warranty.", 6, 204, 361, 9},
 };
 

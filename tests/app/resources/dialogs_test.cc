@@ -180,7 +180,7 @@ TEST(MainWindow, HasTheSettingsAndTheAddressesOnTheFourthPage) {
                      {1198, Button, "Advanced..."},
                      {1175, Link, KELVARO_WEB_ADDRESS},
                      {1176, Link, KELVARO_SUPPORT_ADDRESS},
-                     {1178, Label, "Copyright (c) 2026 Marnstone"},
+                     {1178, Label, "Copyright (c) 2026 the Kelvaro authors"},
                      {1189, Label, "Free software under the MIT License, without any warranty."},
                  });
   EXPECT_EQ(Shown((Find(kMainWindow, 1175) - 1)->text), "web:");
