@@ -18,6 +18,8 @@ namespace {
 
 // A column that was dragged thinner couldn't be found again.
 constexpr int kThinnestColumn = 8;
+// Around the letters of a row, so that the line below it leaves them whole.
+constexpr int kRowMargin = 4;
 
 }  // namespace
 
@@ -37,6 +39,7 @@ class ListView::Rows : public QAbstractTableModel {
     return parent.isValid() ? 0 : static_cast<int>(headings.size());
   }
   QVariant data(const QModelIndex& index, int role) const override {
+    if (role == Qt::SizeHintRole) return QSize(0, rowHeight);
     if (role != Qt::DisplayRole || !index.isValid()) return {};
     const Row& row = rows[static_cast<std::size_t>(index.row())];
     return Shown(row.cells[static_cast<std::size_t>(index.column())]);
@@ -47,6 +50,8 @@ class ListView::Rows : public QAbstractTableModel {
     if (role == Qt::TextAlignmentRole) return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     return {};
   }
+
+  int rowHeight = 0;
 
   void AddColumn(const std::string& heading) {
     beginInsertColumns({}, columnCount(), columnCount());
@@ -162,6 +167,7 @@ ListView::ListView(ControlHost& host, const ControlTemplate& from)
   connect(list->header(), &QHeaderView::sectionResized, this, &ListView::WidthChanged);
   connect(list->header(), &QHeaderView::sectionMoved, this, [this] { ColumnMoved(); });
   Adopt(list);
+  rows->rowHeight = list->fontMetrics().height() + kRowMargin;
 }
 
 bool ListView::IsColumn(std::int32_t column) const {
