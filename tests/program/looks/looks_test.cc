@@ -1,0 +1,350 @@
+// What a person sees and reaches, in every dialog: nothing is clipped, nothing overlaps, all of it
+// has a name for a screen reader, the Tab key comes by, and texts stand out from their background.
+#include <gtest/gtest.h>
+
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QApplication>
+#include <QFontMetrics>
+#include <QStyleOptionButton>
+#include <QStyleOptionComboBox>
+#include <QStyleOptionSlider>
+#include <QTabBar>
+#include <QTest>
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/platform/qt/text.h"
+#include "app/resources/resources.h"
+#include "storage/profile_file.h"
+#include "tests/program/looks/stage.h"
+
+namespace kelvaro::looks {
+namespace {
+
+using platform::ControlKind;
+using platform::ControlTemplate;
+using platform::DialogTemplate;
+using platform::qt::Control;
+
+constexpr std::uint32_t kTabs = 1000;
+
+bool IsFrame(ControlKind kind) {
+  return kind == ControlKind::GroupBox || kind == ControlKind::TabControl ||
+         kind == ControlKind::Box;
+}
+
+std::string Name(const DialogTemplate& dialog, const Control& control, const std::string& text) {
+  return std::string(dialog.title) + ", control " + std::to_string(control.id) + " \"" + text + '"';
+}
+
+std::vector<Control*> Seen(const DialogTemplate& dialog, const DialogWindow& window) {
+  std::vector<Control*> seen;
+  for (const ControlTemplate& row : dialog.controls) {
+    Control* const control = window.Find(row.id);
+    if (control->Widget()->isVisible()) seen.push_back(control);
+  }
+  return seen;
+}
+
+// What the style leaves for the text of a widget.
+QSize RoomForText(const Control& control) {
+  QWidget* const widget = control.Widget();
+  QStyleOptionButton button;
+  button.initFrom(widget);
+  switch (control.kind) {
+    case ControlKind::Button:
+      return widget->style()->subElementRect(QStyle::SE_PushButtonContents, &button, widget).size();
+    case ControlKind::CheckBox:
+      return widget->style()->subElementRect(QStyle::SE_CheckBoxContents, &button, widget).size();
+    case ControlKind::RadioButton:
+      return widget->style()
+          ->subElementRect(QStyle::SE_RadioButtonContents, &button, widget)
+          .size();
+    default:
+      return widget->size();
+  }
+}
+
+void ExpectNothingClipped(const DialogTemplate& dialog, const DialogWindow& window) {
+  for (const Control* control : Seen(dialog, window)) {
+    const QWidget& widget = *control->Widget();
+    const QFontMetrics metrics(widget.font());
+    QString text = platform::qt::Shown(control->Text());
+    if (control->kind == ControlKind::TextArea) continue;  // it scrolls
+    if (control->kind != ControlKind::Edit) text = platform::qt::WithoutMnemonic(text);
+    const std::string name = Name(dialog, *control, text.toStdString());
+    if (!IsFrame(control->kind)) {
+      EXPECT_TRUE(window.rect().contains(widget.geometry())) << name << " sticks out";
+    }
+    if (control->kind == ControlKind::TabControl) {
+      const auto& bar = dynamic_cast<const QTabBar&>(*control->FocusWidget());
+      EXPECT_GE(bar.width(), bar.sizeHint().width()) << name;
+      continue;
+    }
+    if (control->kind == ControlKind::ListView) {
+      const auto& list = dynamic_cast<const QAbstractItemView&>(*control->FocusWidget());
+      EXPECT_GT(list.sizeHintForRow(0), metrics.height()) << name << ": a row and the line below";
+      continue;
+    }
+    if (control->kind == ControlKind::Edit) {
+      EXPECT_GE(widget.height(), metrics.height() + 4) << name << " is too low";
+      continue;
+    }
+    if (text.isEmpty() || control->kind == ControlKind::PictureButton) continue;
+    const QSize room = RoomForText(*control);
+    if (control->style & platform::kStyleWrap) {
+      const QRect wrapped =
+          metrics.boundingRect(QRect(0, 0, room.width(), 10000), Qt::TextWordWrap, text);
+      EXPECT_GE(room.height(), wrapped.height()) << name;
+      EXPECT_GE(room.width(), wrapped.width()) << name;
+      continue;
+    }
+    EXPECT_GE(room.width(), metrics.horizontalAdvance(text)) << name;
+    EXPECT_GE(widget.height(), metrics.height()) << name;
+  }
+}
+
+void ExpectNoOverlap(const DialogTemplate& dialog, const DialogWindow& window) {
+  const std::vector<Control*> seen = Seen(dialog, window);
+  for (std::size_t i = 0; i < seen.size(); ++i) {
+    for (std::size_t j = i + 1; j < seen.size(); ++j) {
+      const QRect one = seen[i]->Widget()->geometry();
+      const QRect other = seen[j]->Widget()->geometry();
+      const bool framed = (IsFrame(seen[i]->kind) && one.contains(other)) ||
+                          (IsFrame(seen[j]->kind) && other.contains(one));
+      EXPECT_TRUE(framed || !one.intersects(other))
+          << Name(dialog, *seen[i], seen[i]->Text()) << " and "
+          << Name(dialog, *seen[j], seen[j]->Text());
+    }
+  }
+}
+
+QAccessible::Role RoleOf(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::Link:
+      return QAccessible::Link;
+    case ControlKind::Edit:
+    case ControlKind::TextArea:
+      return QAccessible::EditableText;
+    case ControlKind::CheckBox:
+      return QAccessible::CheckBox;
+    case ControlKind::RadioButton:
+      return QAccessible::RadioButton;
+    case ControlKind::DropList:
+      return QAccessible::ComboBox;
+    case ControlKind::ListView:
+      return QAccessible::Tree;
+    case ControlKind::TabControl:
+      return QAccessible::PageTabList;
+    case ControlKind::Slider:
+      return QAccessible::Slider;
+    case ControlKind::GroupBox:
+      return QAccessible::Grouping;
+    case ControlKind::Button:
+    case ControlKind::PictureButton:
+    case ControlKind::DrawnButton:
+      return QAccessible::Button;
+    default:
+      return QAccessible::StaticText;
+  }
+}
+
+void ExpectAccessible(const DialogTemplate& dialog, DialogWindow& window) {
+  std::set<QWidget*> reached;
+  for (int i = 0; i < 100; ++i) {
+    if (QWidget* const focused = window.focusWidget()) reached.insert(focused);
+    QTest::keyClick(&window, Qt::Key_Tab);
+  }
+  for (const Control* control : Seen(dialog, window)) {
+    if (control->kind == ControlKind::Rule || control->kind == ControlKind::Box) continue;
+    const std::string name = Name(dialog, *control, control->Text());
+    QAccessibleInterface* const spoken =
+        QAccessible::queryAccessibleInterface(control->FocusWidget());
+    ASSERT_TRUE(spoken) << name;
+    if (control->kind != ControlKind::Label || !control->Text().empty()) {
+      EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty()) << name << " has no name";
+    }
+    EXPECT_EQ(spoken->role(), RoleOf(control->kind)) << name;
+    if (control->TakesFocus() && control->IsEnabled()) {
+      EXPECT_TRUE(reached.count(control->FocusWidget())) << name << " is passed by the Tab key";
+    }
+  }
+}
+
+double Luminance(const QColor& colour) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+         0.0722 * linear(colour.blueF());
+}
+
+double Contrast(const QColor& one, const QColor& other) {
+  const double a = Luminance(one) + 0.05;
+  const double b = Luminance(other) + 0.05;
+  return std::max(a, b) / std::min(a, b);
+}
+
+void ExpectReadable(const DialogTemplate& dialog, DialogWindow& window) {
+  for (const Control* control : Seen(dialog, window)) {
+    QWidget& widget = *control->FocusWidget();
+    const bool isText = control->kind == ControlKind::Label || control->kind == ControlKind::Link ||
+                        control->kind == ControlKind::Edit ||
+                        control->kind == ControlKind::TextArea;
+    if (!isText || control->Text().empty() || !control->IsEnabled()) continue;
+    // Most of what is painted is background; the middle of a stroke has the ink's own colour.
+    const QImage image = window.grab().toImage();
+    const QRect place = control->Widget()->geometry().adjusted(3, 3, -3, -3);
+    std::map<QRgb, int> counts;
+    for (int y = place.top(); y <= place.bottom(); ++y) {
+      for (int x = place.left(); x <= place.right(); ++x) ++counts[image.pixel(x, y)];
+    }
+    const auto byCount = [](const auto& one, const auto& other) {
+      return one.second < other.second;
+    };
+    const QColor behind(std::max_element(counts.begin(), counts.end(), byCount)->first);
+    double best = 0;
+    for (const auto& [colour, count] : counts) best = std::max(best, Contrast(colour, behind));
+    const std::string name = Name(dialog, *control, control->Text());
+    EXPECT_GE(best, 4.5) << name;
+    EXPECT_GE(Contrast(widget.palette().color(widget.foregroundRole()),
+                       widget.palette().color(widget.backgroundRole())),
+              4.5)
+        << name;
+  }
+}
+
+// Each tab, for a dialog that has some.
+void OnEachPage(const DialogTemplate& dialog, DialogWindow& window,
+                const std::function<void()>& look) {
+  if (dialog.id != 102) return look();
+  for (int tab = 0; tab < 4; ++tab) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(tab);
+    Stage::Settle(20);
+    look();
+  }
+}
+
+class Looks : public testing::Test {
+ protected:
+  ~Looks() override {
+    QApplication::setFont(font);
+    QApplication::setPalette(LightPalette());
+  }
+  static void OpenEach(const std::function<void(const DialogTemplate&, DialogWindow&)>& look) {
+    for (const DialogTemplate* dialog : resources::Dialogs()) {
+      Stage stage;
+      EXPECT_TRUE(stage.Open(dialog->id, [&](DialogWindow& window) { look(*dialog, window); }))
+          << dialog->title;
+    }
+  }
+  const QFont font = QApplication::font();
+};
+
+TEST_F(Looks, NothingIsClippedOrOverlapsInAnySizeOfWindowOrFont) {
+  for (const double points : {9.0, 13.0}) {
+    QFont wanted = font;
+    wanted.setPointSizeF(points);
+    QApplication::setFont(wanted);
+    OpenEach([](const DialogTemplate& dialog, DialogWindow& window) {
+      const QSize least = window.size();
+      const bool resizable = dialog.style & platform::kWindowResizable;
+      std::vector<QSize> sizes = {least};
+      if (resizable) {
+        sizes.push_back(least + QSize(200, 100));
+        sizes.push_back(QSize(1600, 1000).expandedTo(least).boundedTo(window.maximumSize()));
+      }
+      for (const QSize& size : sizes) {
+        window.resize(size);
+        Stage::Settle(20);
+        OnEachPage(dialog, window, [&] {
+          ExpectNothingClipped(dialog, window);
+          ExpectNoOverlap(dialog, window);
+        });
+      }
+    });
+  }
+}
+
+TEST_F(Looks, EveryControlHasANameARoleAndATurnOfTheTabKey) {
+  OpenEach([](const DialogTemplate& dialog, DialogWindow& window) {
+    OnEachPage(dialog, window, [&] { ExpectAccessible(dialog, window); });
+  });
+}
+
+TEST_F(Looks, TextsStandOutInLightAndInDark) {
+  for (const QPalette& palette : {LightPalette(), DarkPalette()}) {
+    QApplication::setPalette(palette);
+    OpenEach([](const DialogTemplate& dialog, DialogWindow& window) {
+      OnEachPage(dialog, window, [&] { ExpectReadable(dialog, window); });
+    });
+  }
+}
+
+std::int32_t StoredSensitivity() {
+  ProfileFile stored;
+  EXPECT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
+  return stored.movementSensitivity;
+}
+
+TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
+  Stage stage;
+  ASSERT_EQ(StoredSensitivity(), 10);
+  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(1);
+    QWidget* const slider = window.Find(1052)->FocusWidget();
+    QStyleOptionSlider option;
+    option.initFrom(slider);
+    option.minimum = 0;
+    option.maximum = 50;
+    option.sliderPosition = option.sliderValue = 10;
+    option.tickPosition = QSlider::TicksBelow;
+    option.orientation = Qt::Horizontal;
+    option.subControls = QStyle::SC_All;
+    const QPoint knob =
+        slider->style()
+            ->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, slider)
+            .center();
+    QTest::mousePress(slider, Qt::LeftButton, {}, knob);
+    const QPoint end(slider->width() - 1, knob.y());
+    QMouseEvent move(QEvent::MouseMove, end, slider->mapToGlobal(end), Qt::NoButton, Qt::LeftButton,
+                     {});
+    QApplication::sendEvent(slider, &move);
+    QTest::mouseRelease(slider, Qt::LeftButton, {}, end);
+    EXPECT_EQ(window.Find(1050)->Text(), "Movement Sensitivity (50)");
+  }));
+  EXPECT_EQ(StoredSensitivity(), 50);
+}
+
+TEST_F(Looks, AnIntervalThatIsTypedIsSavedInTheProfileWhenTheFieldIsLeft) {
+  Stage stage;
+  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(2);
+    QWidget* const field = window.Find(1076)->FocusWidget();
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(field, QStringLiteral("20"));
+    QTest::keyClick(field, Qt::Key_Tab);
+    Stage::Settle();
+    EXPECT_EQ(window.Find(1077)->Text(), "50");  // a second has 50 of 20 ms
+  }));
+  ProfileFile stored;
+  ASSERT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
+  EXPECT_EQ(stored.pollInterval, 20u);
+}
+
+}  // namespace
+}  // namespace kelvaro::looks
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  QApplication application(argc, argv);
+  QApplication::setPalette(kelvaro::looks::LightPalette());
+  return RUN_ALL_TESTS();
+}

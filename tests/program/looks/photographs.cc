@@ -1,0 +1,222 @@
+// photographs FOLDER
+//
+// Makes the pictures of docs/screenshots/ again: drives the real dialogs off the screen, with a
+// recorded pad and the profile of stage.cc, and writes a PNG of each into the folder.
+//
+//     cmake --build build/debug --target photographs
+//     QT_QPA_PLATFORM=offscreen build/debug/tests/program/looks/photographs docs/screenshots
+//
+// Then make them small: for each, convert X.png -colors 128 png8:X.png (ImageMagick).
+//
+// The notification icon's menu is the one that Qt draws; a desktop may draw it in its own way.
+#include <QApplication>
+#include <QDir>
+#include <QImageWriter>
+#include <QPainter>
+#include <QProcess>
+#include <QTest>
+#include <QTimer>
+#include <cstdio>
+#include <functional>
+
+#include "app/main_window.h"
+#include "tests/program/looks/stage.h"
+
+namespace {
+
+using namespace kelvaro::looks;
+
+QDir folder;
+int missing = 0;
+
+void Save(const QImage& image, const char* name) {
+  QImageWriter writer(folder.filePath(QString::fromLatin1(name) + QStringLiteral(".png")), "png");
+  writer.setCompression(100);
+  if (writer.write(image)) return;
+  std::fprintf(stderr, "photographs: %s: %s\n", name, qPrintable(writer.errorString()));
+  ++missing;
+}
+
+void Photograph(QWidget& window, const char* name) {
+  Stage::Settle();
+  Save(window.grab().toImage().convertToFormat(QImage::Format_RGB888), name);
+}
+
+DialogWindow& Dialog(QWidget& window) { return dynamic_cast<DialogWindow&>(window); }
+
+QWidget* Widget(QWidget& window, std::uint32_t id) {
+  return Dialog(window).Find(id)->FocusWidget();
+}
+
+// At its left, where a check box has its box.
+void Click(QWidget& window, std::uint32_t id) {
+  QWidget* const widget = Widget(window, id);
+  QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(8, widget->height() / 2));
+}
+
+void Type(QWidget& window, std::uint32_t id, const char* text) {
+  QWidget* const field = Widget(window, id);
+  field->setFocus();
+  QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
+  QTest::keyClicks(field, QString::fromLatin1(text));
+}
+
+void ShowTab(DialogWindow& window, int tab) {
+  platform::Rect rect;
+  platform::TabGetItemRect(window.Handle(), 1000, tab, &rect);
+  QTest::mouseClick(Widget(window, 1000), Qt::LeftButton, {},
+                    QPoint((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2));
+}
+
+void SelectRow(DialogWindow& window, int row) {
+  for (int other = 0; other < platform::ListGetItemCount(window.Handle(), 1003); ++other) {
+    platform::ListSelectItem(window.Handle(), 1003, other, other == row);
+  }
+}
+
+void Tabs(const char* const (&names)[4]) {
+  Stage stage;
+  stage.Open(102, [&](DialogWindow& window) {
+    for (int tab = 0; tab < 4; ++tab) {
+      if (!names[tab]) continue;
+      ShowTab(window, tab);
+      if (tab == 0) SelectRow(window, 4);
+      Photograph(window, names[tab]);
+    }
+  });
+}
+
+void ManyControls() {
+  Stage stage;
+  Stage::AddControls(190);
+  stage.Open(102, [](DialogWindow& window) {
+    window.resize(window.width() + 120, window.height() + 160);
+    Photograph(window, "list-of-200");
+  });
+}
+
+void DefineControl() {
+  Stage stage;
+  stage.Open(102, [&](DialogWindow& window) {
+    const auto edit = [&](int row, const std::function<void(QWidget&)>& act) {
+      SelectRow(window, row);
+      stage.WhenUp("Define Control", act);
+      Click(window, 1005);
+    };
+    edit(6, [](QWidget& dialog) { Photograph(dialog, "define-control"); });
+    edit(7, [](QWidget& dialog) {
+      Click(dialog, 1123);
+      Photograph(dialog, "define-control-repeat");
+    });
+    edit(6, [](QWidget& dialog) {
+      Click(dialog, 1169);
+      Photograph(dialog, "define-control-hold-all");
+    });
+    edit(4, [&](QWidget& dialog) {
+      Click(dialog, 1126);
+      stage.Pad().MoveAxis("Axis_Y0", -32000);
+      stage.Pad().Press({1, 3});
+      Stage::Settle(200);
+      Photograph(dialog, "define-control-detect");
+      stage.Pad().Press({});
+      stage.Pad().MoveAxis("Axis_Y0", 0);
+      Stage::Settle(200);
+    });
+    edit(8, [&](QWidget& dialog) {
+      Type(dialog, 1093, "<F5><Paus:200>y");
+      stage.WhenUp("Key Parsing Error", [](QWidget& box) { Photograph(box, "key-parsing-error"); });
+      Click(dialog, 1);
+      dialog.activateWindow();
+      Photograph(dialog, "define-control-after-error");
+    });
+    edit(4, [&](QWidget& dialog) {
+      Type(dialog, 1093, "Hello");
+      stage.WhenUp("Shift Key Required",
+                   [](QWidget& question) { Photograph(question, "shift-key-required"); });
+      Click(dialog, 1);
+    });
+  });
+}
+
+void SmallDialogs() {
+  Stage stage;
+  stage.Open(151, [](DialogWindow& window) { Photograph(window, "welcome"); });
+  stage.Open(102, [&](DialogWindow& window) {
+    stage.WhenUp("New Profile", [](QWidget& dialog) {
+      Type(dialog, 1137, "Space Trader");
+      Photograph(dialog, "new-profile");
+    });
+    Click(window, 1006);
+    stage.WhenUp("Delete Profile", [](QWidget& dialog) { Photograph(dialog, "delete-profile"); });
+    Click(window, 1099);
+    stage.WhenUp("Rename Profile", [](QWidget& dialog) { Photograph(dialog, "rename-profile"); });
+    Click(window, 1100);
+    ShowTab(window, 3);
+    stage.WhenUp("Advanced Settings",
+                 [](QWidget& dialog) { Photograph(dialog, "advanced-settings"); });
+    Click(window, 1198);
+    ShowTab(window, 1);
+    stage.WhenUp("Auto-Detect Mode",
+                 [](QWidget& dialog) { Photograph(dialog, "auto-detect-mode"); });
+    Click(window, 1027);
+  });
+}
+
+void NotificationMenu() {
+  Stage stage;
+  stage.Open(102, [](DialogWindow& window) {
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, &look, [&look] {
+      QWidget* const menu = QApplication::activePopupWidget();
+      if (!menu) return;
+      look.stop();
+      Photograph(*menu, "notification-menu");
+      menu->close();
+    });
+    look.start(10);
+    platform::PostMessageA(window.Handle(), kelvaro::WM_TRAY_CALLBACK, 0, platform::WM_RBUTTONDOWN);
+    Stage::Settle(1000);
+  });
+}
+
+// The scale is the display's, which is there before the application.
+void Large(char* program) {
+  QProcess large;
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+  large.setProcessEnvironment(environment);
+  large.setProcessChannelMode(QProcess::ForwardedChannels);
+  large.start(QString::fromLocal8Bit(program), {folder.path(), QStringLiteral("--large")});
+  if (!large.waitForFinished() || large.exitCode() != 0) ++missing;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const bool isLarge = argc == 3 && std::string(argv[2]) == "--large";
+  if (argc != 2 && !isLarge) {
+    std::fputs("usage: photographs FOLDER\n", stderr);
+    return 2;
+  }
+  QApplication application(argc, argv);
+  QApplication::setCursorFlashTime(0);
+  QApplication::setPalette(LightPalette());
+  folder.setPath(QString::fromLocal8Bit(argv[1]));
+  if (!folder.mkpath(QStringLiteral("."))) {
+    std::fprintf(stderr, "photographs: no folder %s\n", argv[1]);
+    return 1;
+  }
+  if (isLarge) {
+    Tabs({nullptr, "mouse-192dpi", nullptr, nullptr});
+    return missing == 0 ? 0 : 1;
+  }
+  Tabs({"control", "mouse", "device", "settings"});
+  ManyControls();
+  DefineControl();
+  SmallDialogs();
+  NotificationMenu();
+  Large(argv[0]);
+  QApplication::setPalette(DarkPalette());
+  Tabs({nullptr, nullptr, nullptr, "settings-dark"});
+  return missing == 0 ? 0 : 1;
+}
