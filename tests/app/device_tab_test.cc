@@ -21,7 +21,6 @@ namespace {
 using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
 constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kNumButtons = 1063;
 constexpr std::uint32_t kNumAxis = 1065;
