@@ -107,6 +107,12 @@ void Signal(int event) {
   if (write(event, &one, sizeof one) < 0) return;
 }
 
+void AwaitSignal(int event) {
+  std::uint64_t count = 0;
+  while (read(event, &count, sizeof count) < 0 && errno == EINTR) {
+  }
+}
+
 // False when the instance isn't there, isn't one of us or doesn't answer in time.
 bool Ask(const std::string& path, const Request& request, Answer* answer) {
   sockaddr_un address;
@@ -173,7 +179,7 @@ InstanceSocket::~InstanceSocket() {
   if (!path.empty()) unlink(path.c_str());
   if (!path.empty() && ended >= 0) {
     Signal(wake);
-    Readable(ended, -1);
+    AwaitSignal(ended);
   }
   for (const int fd : {listener, wake, ended})
     if (fd >= 0) close(fd);
