@@ -6,7 +6,7 @@
 //     cmake --build build/debug --target photographs
 //     QT_QPA_PLATFORM=offscreen build/debug/tests/program/looks/photographs docs/screenshots
 //
-// Then make them small: for each, convert X.png -colors 128 png8:X.png (ImageMagick).
+// Then make them small: for each, convert X.png -strip +dither -colors 96 png8:X.png (ImageMagick).
 //
 // The notification icon's menu is the one that Qt draws; a desktop may draw it in its own way.
 #include <QApplication>
