@@ -6,7 +6,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -19,6 +18,7 @@
 #include "foundation/registry_key.h"
 #include "storage/profile_file.h"
 #include "tests/app/threads/plain_window.h"
+#include "tests/device/one_pad.h"
 
 namespace kelvaro {
 namespace {
@@ -45,41 +45,9 @@ constexpr std::uint32_t kDetectBoxes[] = {1027, 1028, 1034, 1029, 1030, 1031};
 constexpr std::uint32_t kSliders[] = {1052, 1056, 1079, 1080};
 
 // One pad. Every 64 polls: at rest, button 3, buttons 3 and 5, an axis at its end.
-struct BusyPad : platform::Devices, platform::DirectInput, platform::DirectInputDevice {
+struct BusyPad : test::OnePad {
   std::uint32_t polls = 0;
 
-  platform::HRESULT DirectInput8Create(std::uint32_t,
-                                       platform::DirectInput** directInput) override {
-    *directInput = this;
-    return platform::DI_OK;
-  }
-  platform::HRESULT EnumDevices(std::uint32_t,
-                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
-                                std::uint32_t) override {
-    platform::DIDEVICEINSTANCE instance;
-    instance.guidInstance.Data1 = 1;
-    std::strcpy(instance.tszInstanceName, "Pad");
-    visit(instance);
-    return platform::DI_OK;
-  }
-  platform::HRESULT CreateDevice(const platform::GUID&,
-                                 platform::DirectInputDevice** device) override {
-    *device = this;
-    return platform::DI_OK;
-  }
-  platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
-  platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
-  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT Acquire() override { return platform::DI_OK; }
-  platform::HRESULT Unacquire() override { return platform::DI_OK; }
   platform::HRESULT Poll() override {
     ++polls;
     return platform::DI_OK;

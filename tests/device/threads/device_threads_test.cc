@@ -5,13 +5,12 @@
 
 #include <chrono>
 #include <cstdint>
-#include <cstring>
-#include <functional>
 #include <memory>
 #include <thread>
 
 #include "app/platform/linux/linux_platform.h"
 #include "device/device_manager.h"
+#include "tests/device/one_pad.h"
 
 namespace kelvaro {
 namespace {
@@ -27,50 +26,17 @@ std::uint64_t MsSince(Time::time_point begin) {
 
 // One device whose every third poll brings a new state: a number that stands in its first and its
 // last field, so that a torn copy can be told. Every tenth poll finds it lost.
-struct ScriptedDevices : platform::Devices, platform::DirectInput, platform::DirectInputDevice {
+struct ScriptedDevices : test::OnePad {
   std::uint32_t polls = 0;
   std::uint32_t losses = 0;
   std::uint32_t acquires = 0;
   std::uint32_t releases = 0;
   std::int32_t sequence = 0;
 
-  platform::HRESULT DirectInput8Create(std::uint32_t,
-                                       platform::DirectInput** directInput) override {
-    *directInput = this;
-    return platform::DI_OK;
-  }
-
-  platform::HRESULT EnumDevices(std::uint32_t,
-                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
-                                std::uint32_t) override {
-    platform::DIDEVICEINSTANCE instance;
-    instance.guidInstance.Data1 = 1;
-    std::strcpy(instance.tszInstanceName, "Pad");
-    visit(instance);
-    return platform::DI_OK;
-  }
-  platform::HRESULT CreateDevice(const platform::GUID&,
-                                 platform::DirectInputDevice** device) override {
-    *device = this;
-    return platform::DI_OK;
-  }
-
-  platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
-  platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
-  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
-    return platform::DI_OK;
-  }
   platform::HRESULT Acquire() override {
     ++acquires;
     return platform::DI_OK;
   }
-  platform::HRESULT Unacquire() override { return platform::DI_OK; }
   platform::HRESULT Poll() override {
     ++polls;
     if (polls % 10 == 0) {
