@@ -333,8 +333,16 @@ bool XDesktop::AwaitPainted(const std::string& title, std::chrono::milliseconds 
 }
 
 void XDesktop::Minimise(unsigned long window) {
-  XIconifyWindow(display, window, DefaultScreen(display));
-  XSync(display, False);
+  const auto inSight = [&] {
+    XWindow found;
+    return Describe(display, window, &found) && found.viewable;
+  };
+  // The window manager passes over a window in front of which a box has only just gone.
+  Eventually([&] {
+    XIconifyWindow(display, window, DefaultScreen(display));
+    XSync(display, False);
+    return Eventually([&] { return !inSight(); }, 500ms);
+  });
 }
 
 void XDesktop::CloseWindow(unsigned long window) {

@@ -148,7 +148,8 @@ TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBack) 
   const XWindow window = Window();
   desktop.Minimise(window.id);
   ASSERT_TRUE(Eventually([&] { return !desktop.Listed(window.id) && Window().id == 0; }))
-      << "still on the list of windows";
+      << "still on the list of windows: iconic " << desktop.Iconic(window.id) << ", in sight "
+      << (Window().id != 0);
   const XWindow icon = desktop.Icons().at(0);
   desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
