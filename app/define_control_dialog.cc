@@ -5,6 +5,7 @@
 
 #include "app/dialogs.h"
 #include "app/help.h"
+#include "app/number_field.h"
 #include "app/platform/input.h"
 #include "app/resources/resources.h"
 #include "app/settings_keys.h"
@@ -43,8 +44,6 @@ constexpr std::int32_t kTipTime = 10000;  // ms
 
 constexpr char kHelpTopic[] = "Creating and Editing Controls.htm";
 
-constexpr char kNotANumberText[] = "Please enter a positive integer.";
-constexpr char kNotANumberTitle[] = "Kelvaro";
 constexpr char kNoDescriptionText[] = "You must enter a description for this event";
 constexpr char kNoDescriptionTitle[] = "Missing Description";
 constexpr char kKeyErrorTitle[] = "Key Parsing Error";
@@ -87,20 +86,6 @@ bool ReleaseIsOffered() {
   std::uint32_t value = 0;
   RegistryKey key(platform::HKEY_LOCAL_MACHINE, kProductKey, false);
   return key.GetDword(nullptr, name, &value) && value != 0;
-}
-
-bool ReadUnsigned(const std::string& text, std::uint32_t* value) {
-  constexpr char kBlanks[] = " \t";
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string::npos) return false;
-  std::uint64_t number = 0;
-  for (std::size_t i = first; i <= text.find_last_not_of(kBlanks); ++i) {
-    if (text[i] < '0' || text[i] > '9') return false;
-    number = number * 10 + static_cast<std::uint64_t>(text[i] - '0');
-    if (number > UINT32_MAX) return false;
-  }
-  *value = static_cast<std::uint32_t>(number);
-  return true;
 }
 
 void PressExtendedKey(std::uint8_t vk, std::uint8_t scan) {
@@ -320,8 +305,12 @@ bool DefineControlDialog::ReadFields() {
 }
 
 bool DefineControlDialog::ReadNumber(std::uint32_t id, std::uint32_t* value) {
-  if (ReadUnsigned(platform::GetDlgItemTextA(window, id), value)) return true;
-  Box(kNotANumberText, kNotANumberTitle, platform::MB_ICONEXCLAMATION);
+  std::uint64_t number = 0;
+  if (ParseNumber(Text(id), &number) && number <= UINT32_MAX) {
+    *value = static_cast<std::uint32_t>(number);
+    return true;
+  }
+  Box(kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
   platform::SetControlFocus(window, id);
   return false;
 }

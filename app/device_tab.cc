@@ -1,6 +1,9 @@
 // The Device tab: which device the profile uses and how often it is polled; and what is remembered
 // for each device, by its name.
+#include <algorithm>
+
 #include "app/main_window.h"
+#include "app/number_field.h"
 #include "foundation/registry_key.h"
 
 namespace kelvaro {
@@ -16,8 +19,6 @@ constexpr std::int32_t kNoDevice = -2;
 constexpr std::uint32_t kIntervalMost = 1000;
 constexpr std::uint32_t kRateTimesInterval = 1000;
 
-constexpr char kNotANumberText[] = "Please enter a positive integer.";
-constexpr char kNotANumberCaption[] = "Kelvaro";
 constexpr char kOutOfRangeCaption[] = "Value Out of Range";
 constexpr char kIntervalRangeText[] = "Please enter a value from 1 to 1000";
 // Kept: the spelling.
@@ -35,19 +36,6 @@ ByteString DeviceKey(const ByteString& deviceName) {
   path.Append("\\Devices\\");
   path.Append(deviceName);
   return path;
-}
-
-// False for a text that isn't a number; one that is too large counts as the largest there is.
-bool ReadNumber(ByteString text, std::uint32_t* number) {
-  text.Trim('\t', ' ');
-  if (!IsAllDigits(text)) return false;
-  std::uint64_t value = 0;
-  for (std::uint32_t i = 0; i < text.Length(); ++i) {
-    value = value * 10 + static_cast<std::uint64_t>(text[i] - '0');
-    if (value > UINT32_MAX) value = UINT32_MAX;
-  }
-  *number = static_cast<std::uint32_t>(value);
-  return true;
 }
 
 // The stored values of a device. From the first that is missing on they are read, and not taken.
@@ -217,7 +205,11 @@ bool MainWindow::ReadPollFields() {
     std::uint32_t* number;
   } fields[] = {{kIntervalField, &intervalField}, {kRateField, &rateField}};
   for (const auto& field : fields) {
-    if (ReadNumber(Text(field.id), field.number)) continue;
+    std::uint64_t number = 0;
+    if (ParseNumber(Text(field.id), &number)) {
+      *field.number = static_cast<std::uint32_t>(std::min<std::uint64_t>(number, UINT32_MAX));
+      continue;
+    }
     RefuseField(field.id, kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
     return false;
   }
