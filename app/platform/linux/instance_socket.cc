@@ -17,6 +17,7 @@
 #include <string_view>
 #include <utility>
 
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/detached_thread.h"
 
 namespace platform {
@@ -48,20 +49,6 @@ struct Answer {
   Window windows[kMostWindows];
 };
 constexpr std::size_t kAnswerHead = offsetof(Answer, windows);
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd(fd) {}
-  ~Descriptor() {
-    if (fd >= 0) close(fd);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd; }
-
- private:
-  const int fd;
-};
 
 bool Address(const std::string& path, sockaddr_un* address) {
   *address = {};

@@ -18,6 +18,7 @@
 
 #include "app/platform/file_pattern.h"
 #include "app/platform/linux/cut_off.h"
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/last_error.h"
 
 namespace platform {
@@ -36,29 +37,6 @@ auto Retry(Call call) {
     if (result >= 0 || errno != EINTR) return result;
   }
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd = -1) : fd(fd) {}
-  Descriptor(Descriptor&& other) noexcept : fd(std::exchange(other.fd, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(fd, other.fd);
-    return *this;
-  }
-  ~Descriptor() {
-    if (fd >= 0) close(fd);
-  }
-  int Get() const { return fd; }
-  explicit operator bool() const { return fd >= 0; }
-  // Linux has let go of the number even where this tells an error.
-  bool Close() {
-    const int closing = std::exchange(fd, -1);
-    return close(closing) == 0 || errno == EINTR;
-  }
-
- private:
-  int fd;
-};
 
 bool HasZeroByte(const std::string& path) { return path.find('\0') != std::string::npos; }
 
