@@ -8,10 +8,10 @@
 
 #include "app/main_window.h"
 #include "app/platform/files.h"
+#include "app/platform/linux/find_program.h"
 #include "foundation/paths.h"
 #include "rendlink/files.h"
 #include "rendlink/program/carrier.h"
-#include "rendlink/program/desktop_session.h"
 
 namespace kelvaro::rendlink {
 namespace {
@@ -39,7 +39,7 @@ int Complain(Streams streams, const std::string& text, int status) {
 int PlayGame(const Options& options, Session& session, Streams streams) {
   const Words& words = *options.game;
   int error = 0;
-  Game game{FindProgram(words[0], &error), words, platform::GetCurrentDirectoryA()};
+  Game game{platform::FindProgram(words[0], &error), words, platform::GetCurrentDirectoryA()};
   if (game.program.empty())
     return Complain(streams, words[0] + ": " + strerror(error),
                     error == ENOENT || error == ENOTDIR ? kNotThere : kCantRun);

@@ -14,8 +14,4 @@ class DesktopSession final : public Session {
   bool AllowStart(const std::string& path) override;
 };
 
-// As execvp finds it: the file of a name with a folder, else the first in PATH that can be run.
-// Empty, with the errno in *error, when there is none, or none that can be run.
-std::string FindProgram(const std::string& name, int* error);
-
 }  // namespace kelvaro::rendlink

@@ -21,6 +21,7 @@
 
 #include "app/platform/linux/command_words.h"
 #include "app/platform/linux/cut_off.h"
+#include "app/platform/linux/find_program.h"
 #include "app/platform/linux/last_error.h"
 
 namespace platform {
@@ -55,30 +56,6 @@ bool HasEnded(const std::string& process) {
   const std::size_t bracket = whole.rfind(')');
   return bracket != std::string_view::npos && bracket + 2 < whole.size() &&
          (whole[bracket + 2] == 'Z' || whole[bracket + 2] == 'X');
-}
-
-bool IsProgram(const std::string& path) {
-  struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-         access(path.c_str(), X_OK) == 0;
-}
-
-// The file that a name without a folder stands for. Empty, with lastError set, when there is none.
-std::string FindProgram(const std::string& name) {
-  if (name.find('/') != std::string::npos) return name;
-  const char* const path = getenv("PATH");
-  std::string_view folders = path ? path : "/usr/local/bin:/usr/bin:/bin";
-  while (!name.empty()) {
-    const std::size_t end = folders.find(':');
-    std::string folder(folders.substr(0, end));
-    if (folder.empty()) folder = ".";
-    const std::string file = folder + "/" + name;
-    if (IsProgram(file)) return file;
-    if (end == std::string_view::npos) break;
-    folders.remove_prefix(end + 1);
-  }
-  Fail(ENOENT);
-  return {};
 }
 
 // What the new process runs, made ready before it exists: between fork and exec nothing may be
@@ -196,8 +173,9 @@ bool LinuxProcesses::CreateProcessA(const std::string& application, const std::s
   *information = {};
   for (const std::string* text : {&application, &commandLine})
     if (text->find('\0') != std::string::npos) return Fail(EINVAL);
-  const std::string program = FindProgram(application);
-  if (program.empty()) return false;
+  int missing = 0;
+  const std::string program = FindProgram(application, &missing);
+  if (program.empty()) return Fail(missing);
 
   std::vector<std::string> words = CommandWords(commandLine);
   if (words.empty()) words.push_back(program);

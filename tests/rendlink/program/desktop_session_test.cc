@@ -1,6 +1,5 @@
 #include "rendlink/program/desktop_session.h"
 
-#include <errno.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -20,13 +19,9 @@ class DesktopSessionTest : public testing::Test {
     folder = mkdtemp(pattern.data());
     Put("game", 0755);
     Put("data", 0644);
-    fs::create_directory(folder + "/dir");
-    fs::create_directory(folder + "/bin");
-    Put("bin/game", 0755);
-    Put("bin/data", 0644);
     const char* const path = getenv("PATH");
     before = path ? path : "";
-    setenv("PATH", (folder + "/none:" + folder + ":" + folder + "/bin").c_str(), 1);
+    setenv("PATH", folder.c_str(), 1);
   }
   ~DesktopSessionTest() override {
     setenv("PATH", before.c_str(), 1);
@@ -41,30 +36,6 @@ class DesktopSessionTest : public testing::Test {
   std::string before;
   DesktopSession session;
 };
-
-TEST_F(DesktopSessionTest, FindsAProgramAsAShellDoes) {
-  struct {
-    std::string name;
-    std::string found;
-    int error;
-  } const kRows[] = {
-      {"game", folder + "/game", 0},
-      {"dir", "", ENOENT},
-      {"data", "", EACCES},
-      {"none-of-these", "", ENOENT},
-      {"", "", ENOENT},
-      {folder + "/game", folder + "/game", 0},
-      {folder + "/data", "", EACCES},
-      {folder + "/dir", "", EISDIR},
-      {folder + "/nothing", "", ENOENT},
-      {folder + "/game/x", "", ENOTDIR},
-  };
-  for (const auto& row : kRows) {
-    int error = -1;
-    EXPECT_EQ(FindProgram(row.name, &error), row.found) << row.name;
-    EXPECT_EQ(error, row.error) << row.name;
-  }
-}
 
 TEST_F(DesktopSessionTest, AFileThatWasTypedIsTakenFromTheCurrentFolderOrFromPath) {
   EXPECT_EQ(session.FullPath(""), "");
