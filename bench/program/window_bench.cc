@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "tests/program/machine.h"
+#include "tests/program/quiet_settings.h"
 
 namespace {
 
@@ -40,7 +40,10 @@ class Installed {
     fs::copy_file(Program("kelvaro"), folder + "/kelvaro");
     Pack("Bench", kControls);
     Pack("Large", 2 * kControls);
-    Preset();
+    if (!PresetQuietSettings(home)) {
+      std::fprintf(stderr, "the settings can't be written\n");
+      std::exit(1);
+    }
   }
 
   Home home;
@@ -62,18 +65,6 @@ class Installed {
       std::fprintf(stderr, "%s", pack.Log().c_str());
       std::exit(1);
     }
-  }
-
-  void Preset() {
-    fs::create_directories(fs::path(home.SettingsFile()).parent_path());
-    platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
-    platform::HKEY key = 0;
-    registry.RegCreateKeyA(platform::HKEY_CURRENT_USER, "Software\\Marnstone\\Kelvaro", &key);
-    for (const char* name : {"Welcome Display", "No Device Error Msg"}) {
-      const std::uint32_t one = 1;
-      registry.RegSetValueExA(key, name, platform::REG_DWORD, &one, sizeof one);
-    }
-    registry.RegCloseKey(key);
   }
 };
 

@@ -8,8 +8,8 @@
 #include <fstream>
 #include <sstream>
 
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "tests/program/machine.h"
+#include "tests/program/quiet_settings.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -31,18 +31,7 @@ class InstancesTest : public testing::Test {
                  home.Environment(), home.folder + "/pack");
       EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
     }
-    fs::create_directories(fs::path(home.SettingsFile()).parent_path());
-    platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
-    platform::HKEY key = 0;
-    EXPECT_EQ(
-        registry.RegCreateKeyA(platform::HKEY_CURRENT_USER, "Software\\Marnstone\\Kelvaro", &key),
-        platform::ERROR_SUCCESS);
-    for (const char* name : {"Welcome Display", "No Device Error Msg"}) {
-      const std::uint32_t one = 1;
-      EXPECT_EQ(registry.RegSetValueExA(key, name, platform::REG_DWORD, &one, sizeof one),
-                platform::ERROR_SUCCESS);
-    }
-    registry.RegCloseKey(key);
+    EXPECT_TRUE(PresetQuietSettings(home));
   }
 
   // A game: writes down its process id, its words and its folder, then waits for its end.

@@ -10,9 +10,9 @@
 #include <iterator>
 #include <memory>
 
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/settings_keys.h"
 #include "tests/program/machine.h"
+#include "tests/program/quiet_settings.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -22,18 +22,7 @@ using Words = std::vector<std::string>;
 
 class RendlinkProgramTest : public testing::Test {
  protected:
-  RendlinkProgramTest() {
-    fs::create_directories(fs::path(home.SettingsFile()).parent_path());
-    platform::SqliteRegistry registry({home.SettingsFile(), "", home.folder + "/autostart"});
-    // Boxes that wait for a person: the welcome, and a profile that has no device.
-    for (const char* name : {"Welcome Display", "No Device Error Msg"}) {
-      platform::HKEY key = 0;
-      const std::uint32_t one = 1;
-      EXPECT_EQ(registry.RegCreateKeyA(platform::HKEY_CURRENT_USER, kProductKey, &key), 0u);
-      EXPECT_EQ(registry.RegSetValueExA(key, name, platform::REG_DWORD, &one, sizeof one), 0u);
-      registry.RegCloseKey(key);
-    }
-  }
+  RendlinkProgramTest() { EXPECT_TRUE(PresetQuietSettings(home)); }
   void TearDown() override {
     EXPECT_EQ(Left(), Words{});
     EXPECT_EQ(Profiles(), before);
