@@ -9,6 +9,7 @@
 #include "app/platform/threads.h"
 #include "app/resources/resources.h"
 #include "foundation/paths.h"
+#include "foundation/version.h"
 
 namespace kelvaro {
 namespace {
@@ -69,18 +70,6 @@ MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow), WorkerThread
 
 MainWindow::~MainWindow() { Cleanup(); }
 
-ByteString MainWindow::VersionText(std::uint8_t major, std::uint8_t minor, std::uint8_t revision) {
-  ByteString text = "Version ";
-  text.Append(ToDecimal(major, false, 0));
-  text.AppendChar('.');
-  text.Append(ToDecimal(minor, false, 0));
-  if (revision != 0) {
-    text.AppendChar('.');
-    text.Append(ToDecimal(revision, false, 0));
-  }
-  return text;
-}
-
 // Whatever waits for the person here may also meet the end of the program, after which nothing
 // more is set up.
 void MainWindow::OnInit() {
@@ -119,7 +108,7 @@ void MainWindow::OnInit() {
   platform::PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
   platform::PostMessageA(window, WM_START_LAUNCH, 0, 0);
   initComplete = true;
-  SetText(1177, VersionText(kVersionMajor, kVersionMinor, kVersionRevision));
+  SetText(1177, ByteString("Version ").Concat(VersionNumber()));
 }
 
 bool MainWindow::CreateDeviceManager() {

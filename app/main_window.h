@@ -45,16 +45,9 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
  public:
   enum Tab : std::uint16_t { kControlTab, kMouseTab, kDeviceTab, kSettingsTab };
 
-  static constexpr std::uint8_t kVersionMajor = 3;
-  static constexpr std::uint8_t kVersionMinor = 5;
-  static constexpr std::uint8_t kVersionRevision = 0;
-
   // Raises the process's and the calling thread's priority, and takes over old settings.
   MainWindow();
   ~MainWindow() override;
-
-  // "Version 3.5"; the revision is shown only when it isn't 0.
-  static ByteString VersionText(std::uint8_t major, std::uint8_t minor, std::uint8_t revision);
 
  protected:
   // --- main_window.cc

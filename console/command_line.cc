@@ -6,6 +6,7 @@
 #include <set>
 
 #include "console/console_error.h"
+#include "foundation/version.h"
 
 namespace kelvaro::console {
 namespace {
@@ -206,7 +207,7 @@ int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
   Choice choice;
   CLI::App app(kAbout, "kelvaroctl");
   app.require_subcommand(1);
-  app.set_version_flag("--version", std::string("kelvaroctl ") + KELVARO_VERSION);
+  app.set_version_flag("--version", "kelvaroctl");
   app.set_help_flag("-h,--help", "show this help");
   app.footer(
       "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad,\n"
@@ -236,7 +237,7 @@ int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
     streams.out << app.help() << std::flush;
     return kDone;
   } catch (const CLI::CallForVersion&) {
-    streams.out << "kelvaroctl " << KELVARO_VERSION << std::endl;
+    streams.out << "kelvaroctl " << VersionNumber().Text() << std::endl;
     return kDone;
   } catch (const CLI::ParseError& error) {
     Complain(streams.err, std::string(error.what()) + " (kelvaroctl --help tells more)");

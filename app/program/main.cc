@@ -1,9 +1,9 @@
 #include <cstdio>
 #include <string>
 
-#include "app/main_window.h"
 #include "app/program/desktop_program.h"
 #include "app/program/display.h"
+#include "foundation/version.h"
 
 int main(int argc, char** argv) {
   using namespace kelvaro;
@@ -13,9 +13,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (first == "--version") {
-    const ByteString version = MainWindow::VersionText(
-        MainWindow::kVersionMajor, MainWindow::kVersionMinor, MainWindow::kVersionRevision);
-    std::printf("Kelvaro, %s\n", Bytes(version).c_str());
+    std::printf("Kelvaro, Version %s\n", VersionNumber().Text());
     return 0;
   }
   std::string error;

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <ostream>
 
-#include "app/main_window.h"
 #include "app/platform/files.h"
 #include "app/platform/linux/find_program.h"
 #include "foundation/paths.h"
+#include "foundation/version.h"
 #include "rendlink/files.h"
 #include "rendlink/program/carrier.h"
 
@@ -111,9 +111,7 @@ std::optional<int> ReadOptions(const Words& words, Options* options, Streams str
     streams.out << app.help() << std::flush;
     return kDone;
   } catch (const CLI::CallForVersion&) {
-    const ByteString version = MainWindow::VersionText(
-        MainWindow::kVersionMajor, MainWindow::kVersionMinor, MainWindow::kVersionRevision);
-    streams.out << "Rendlink, " << Bytes(version) << std::endl;
+    streams.out << "Rendlink, Version " << VersionNumber().Text() << std::endl;
     return kDone;
   } catch (const CLI::ParseError& error) {
     return Complain(streams, std::string(error.what()) + " (rendlink --help tells more)", kRefused);

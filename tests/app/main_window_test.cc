@@ -66,12 +66,6 @@ TEST_F(WindowLifeTest, PrioritiesThatAreRefusedChangeNothing) {
   EXPECT_EQ(screen.Front(), 102u);
 }
 
-TEST(VersionText, TheRevisionIsShownUnlessItIsZero) {
-  EXPECT_EQ(Bytes(MainWindow::VersionText(3, 5, 0)), "Version 3.5");
-  EXPECT_EQ(Bytes(MainWindow::VersionText(3, 5, 2)), "Version 3.5.2");
-  EXPECT_EQ(Bytes(MainWindow::VersionText(255, 0, 255)), "Version 255.0.255");
-}
-
 // ---- Set-up.
 
 TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {

@@ -165,9 +165,7 @@ TEST(CommandLine, VersionIsOneLine) {
   const Outcome outcome = Kelvaroctl({"--version"});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.err, "");
-  EXPECT_EQ(outcome.out.rfind("kelvaroctl ", 0), 0U);
-  EXPECT_EQ(outcome.out.find('\n'), outcome.out.size() - 1);
-  EXPECT_NE(outcome.out.find_first_of("0123456789"), std::string::npos);
+  EXPECT_EQ(outcome.out, "kelvaroctl 3.5\n");
 }
 
 TEST(CommandLine, OutputThatCantBeWrittenIsAnError) {

@@ -34,10 +34,18 @@ class ProgramTest : public testing::Test {
 
 const Variables kOffScreen = {{"QT_QPA_PLATFORM", "offscreen"}};
 
-TEST_F(ProgramTest, TellsItsVersionAndHowItIsCalledWithoutADisplay) {
-  const auto version = Run({}, {"--version"});
-  EXPECT_EQ(version->WaitForEnd(), 0);
-  EXPECT_EQ(version->Log(), "Kelvaro, Version 3.5\n");
+TEST_F(ProgramTest, AllProgramsTellTheSameVersionWithoutADisplay) {
+  const std::map<std::string, std::string> kSaid = {{"kelvaro", "Kelvaro, Version 3.5\n"},
+                                                    {"rendlink", "Rendlink, Version 3.5\n"},
+                                                    {"kelvaroctl", "kelvaroctl 3.5\n"}};
+  for (const auto& [name, line] : kSaid) {
+    Child program({Program(name), "--version"}, home.Environment(), home.folder + "/" + name);
+    EXPECT_EQ(program.WaitForEnd(), 0) << name;
+    EXPECT_EQ(program.Log(), line);
+  }
+}
+
+TEST_F(ProgramTest, TellsHowItIsCalledWithoutADisplay) {
   const auto help = Run({}, {"--help"});
   EXPECT_EQ(help->WaitForEnd(), 0);
   for (const char* word : {"profile=", "target=", "args=", "dir="})
