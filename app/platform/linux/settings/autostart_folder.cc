@@ -15,7 +15,7 @@
 #include <utility>
 
 #include "app/platform/file_pattern.h"
-#include "app/platform/linux/settings/config_folder.h"
+#include "app/platform/linux/home_folders.h"
 
 namespace platform {
 namespace {

@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "app/platform/linux/settings/config_folder.h"
+#include "app/platform/linux/home_folders.h"
 
 namespace platform {
 namespace {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app/platform/file_pattern.h"
-#include "app/platform/linux/settings/config_folder.h"
+#include "app/platform/linux/home_folders.h"
 
 namespace platform {
 namespace {

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/linux/home_folders.h"
 #include "app/platform/linux/linux_platform.h"
-#include "app/platform/linux/settings/config_folder.h"
 
 namespace platform {
 namespace {

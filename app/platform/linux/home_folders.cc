@@ -1,4 +1,4 @@
-#include "app/platform/linux/settings/config_folder.h"
+#include "app/platform/linux/home_folders.h"
 
 #include <errno.h>
 #include <pwd.h>
