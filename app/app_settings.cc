@@ -63,6 +63,7 @@ bool MainWindow::LoadAppSettings() {
 }
 
 bool MainWindow::SaveAppSettings() {
+  const RegistryWrites together;
   if (deviceManager && deviceManager->DeviceSelected()) SaveDeviceSettings();
   RegistryKey key(HKEY_CURRENT_USER, kProductKey, true);
   key.SetDword(nullptr, kShowAutoDetectUsage, showAutoDetectUsage);

@@ -250,6 +250,7 @@ bool MainWindow::SaveDeviceSettings() {
   if (!deviceManager || !deviceManager->DeviceSelected()) return false;
   const ByteString& deviceName = deviceManager->SelectedName();
 
+  const RegistryWrites together;
   RegistryKey product(platform::HKEY_CURRENT_USER, kProductKey, true);
   product.SetString(nullptr, kLastDevice, deviceName);
 

@@ -9,6 +9,7 @@
 #include "app/platform/threads.h"
 #include "app/resources/resources.h"
 #include "foundation/paths.h"
+#include "foundation/registry_key.h"
 #include "foundation/version.h"
 
 namespace kelvaro {
@@ -227,6 +228,7 @@ void MainWindow::OnCancel() {
 }
 
 void MainWindow::OnDestroy() {
+  const RegistryWrites together;
   ResizableDialog::OnDestroy();
   controlList.SaveColumns();
 }

@@ -122,6 +122,7 @@ void ResizableDialog::SavePlacement() {
   if (registryKeyPath.IsEmpty() || registrySubkey.IsEmpty()) return;
   platform::Rect rect;
   if (!platform::GetWindowRect(window, &rect)) return;
+  const RegistryWrites together;
   RegistryKey key(platform::HKEY_CURRENT_USER, registryKeyPath, true);
   const auto save = [&](const char* name, std::int32_t edge) {
     key.SetDword(registrySubkey.Text(), name, static_cast<std::uint32_t>(std::max(edge, 0)));

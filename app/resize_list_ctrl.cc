@@ -79,6 +79,7 @@ void ResizeListCtrl::LoadColumns() {
 
 void ResizeListCtrl::SaveColumns() {
   if (!Usable() || registryKey.IsEmpty()) return;
+  const RegistryWrites together;
   RegistryKey key(platform::HKEY_CURRENT_USER, registryKey, true);
   for (std::uint32_t i = 0; i < columnCount; ++i) {
     key.SetDword(nullptr, WidthName(i).c_str(), static_cast<std::uint32_t>(Width(Column(i))));

@@ -76,4 +76,14 @@ class RegistryKey {
   class Subkey;
 };
 
+// What any keys write while this exists becomes lasting together, which costs one wait for the disk
+// and not one a value: all of it is there after a crash, or none. They may nest.
+class RegistryWrites {
+ public:
+  RegistryWrites() { platform::BeginWrites(); }
+  ~RegistryWrites() { platform::EndWrites(); }
+  RegistryWrites(const RegistryWrites&) = delete;
+  RegistryWrites& operator=(const RegistryWrites&) = delete;
+};
+
 }  // namespace kelvaro

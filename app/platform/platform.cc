@@ -166,6 +166,10 @@ std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name, std::uint32
   return installed.registry->RegEnumKeyA(key, index, name, nameSize);
 }
 
+void BeginWrites() { installed.registry->BeginWrites(); }
+
+std::uint32_t EndWrites() { return installed.registry->EndWrites(); }
+
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type) {
   return installed.desktop->MessageBoxA(owner, text, caption, type);

@@ -60,6 +60,12 @@ class Registry {
   // The name of the subkey of that index. nameSize: room in `name`, the terminator counted.
   virtual std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name,
                                     std::uint32_t nameSize) = 0;
+
+  // What is written between the two may become lasting all at once, at the end, and is lost as a
+  // whole if the machine stops before it. Reads see it at once. Pairs nest, and the outermost
+  // counts; what other threads write meanwhile goes along. The result is that of making it lasting.
+  virtual void BeginWrites() = 0;
+  virtual std::uint32_t EndWrites() = 0;
 };
 
 // Of the installed platform.
@@ -74,5 +80,7 @@ std::uint32_t RegDeleteValueA(HKEY key, const std::string& name);
 std::uint32_t RegEnumValueA(HKEY key, std::uint32_t index, char* name, std::uint32_t* nameSize,
                             std::uint32_t* type, void* data, std::uint32_t* size);
 std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name, std::uint32_t nameSize);
+void BeginWrites();
+std::uint32_t EndWrites();
 
 }  // namespace platform

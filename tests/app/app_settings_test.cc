@@ -143,6 +143,14 @@ TEST_F(AppSettingsTest, AllAreWrittenAtTheEndInTheirOrder) {
   EXPECT_EQ(SettingText("Last Device"), kPad);
 }
 
+// Each one is a wait for the disk.
+TEST_F(AppSettingsTest, TheEndCostsOneCommitForTheSettingsAndOneForThePlaces) {
+  Begin();
+  const std::uint32_t before = sim.Registry().Commits();
+  screen.Close();
+  EXPECT_EQ(sim.Registry().Commits() - before, 2u);
+}
+
 TEST_F(AppSettingsTest, WithoutADeviceItsValuesAreNotWritten) {
   WithoutPad();
   screen.AnswerNext(platform::IDOK);  // the warning

@@ -252,6 +252,15 @@ TEST_F(DeviceTabTest, NoneStopsTheDeviceAndIsSavedInTheProfile) {
   EXPECT_EQ(SettingText("Last Device"), "Pad");
 }
 
+TEST_F(DeviceTabTest, AllValuesOfADeviceThatIsChosenAreOneCommit) {
+  AddStick();
+  BeginHere();
+  const std::uint32_t before = sim.Registry().Commits();
+  screen.Choose(kDeviceList, "Stick");
+  ASSERT_EQ(SettingText("Last Device"), "Stick");
+  EXPECT_EQ(sim.Registry().Commits() - before, 1u);
+}
+
 TEST_F(DeviceTabTest, AnotherDeviceIsOpenedAndSavedEverywhere) {
   AddStick();
   StoreProfile(kProfile, [this](ProfileFile& made) {
@@ -925,6 +934,8 @@ class WatchedRegistry final : public platform::Registry {
                             std::uint32_t nameSize) override {
     return registry.RegEnumKeyA(key, index, name, nameSize);
   }
+  void BeginWrites() override { registry.BeginWrites(); }
+  std::uint32_t EndWrites() override { return registry.EndWrites(); }
 
  private:
   platform::Platform Groups(platform::simulation::Simulation& sim) {

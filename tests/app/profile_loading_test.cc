@@ -52,6 +52,8 @@ class SlowRegistry final : public platform::Registry {
                             std::uint32_t nameSize) override {
     return registry.RegEnumKeyA(key, index, name, nameSize);
   }
+  void BeginWrites() override { registry.BeginWrites(); }
+  std::uint32_t EndWrites() override { return registry.EndWrites(); }
 
  private:
   platform::Registry& registry;

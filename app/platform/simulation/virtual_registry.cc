@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "app/platform/file_pattern.h"
 
@@ -169,6 +170,19 @@ VirtualRegistry::Node* VirtualRegistry::Of(HKEY key, std::uint32_t* error) const
   return path == "?" ? nullptr : Find(path);
 }
 
+void VirtualRegistry::Written() {
+  if (groups > 0) {
+    groupWrote = true;
+  } else {
+    ++commits;
+  }
+}
+
+std::uint32_t VirtualRegistry::EndWrites() {
+  if (--groups == 0 && std::exchange(groupWrote, false)) ++commits;
+  return ERROR_SUCCESS;
+}
+
 HKEY VirtualRegistry::Open(const std::string& key) {
   open[++last] = key;
   return last;
@@ -195,8 +209,11 @@ std::uint32_t VirtualRegistry::RegCreateKeyA(HKEY key, const std::string& path, 
   if (const std::uint32_t fault = Enter("RegCreateKeyA", whole)) return fault;
   std::uint32_t error = 0;
   if (!Of(key, &error)) return error;
-  if (!Find(whole) && IsProtected(whole)) return ERROR_ACCESS_DENIED;
-  Make(whole);
+  if (!Find(whole)) {
+    if (IsProtected(whole)) return ERROR_ACCESS_DENIED;
+    Make(whole);
+    Written();
+  }
   *opened = Open(whole);
   return ERROR_SUCCESS;
 }
@@ -229,6 +246,7 @@ std::uint32_t VirtualRegistry::RegSetValueExA(HKEY key, const std::string& name,
   if (!node) return error;
   if (IsProtected(PathOf(key))) return ERROR_ACCESS_DENIED;
   node->Put(name, type, size == 0 ? "" : std::string(static_cast<const char*>(data), size));
+  Written();
   return ERROR_SUCCESS;
 }
 
@@ -241,6 +259,7 @@ std::uint32_t VirtualRegistry::RegDeleteValueA(HKEY key, const std::string& name
   if (found == node->values.end()) return ERROR_FILE_NOT_FOUND;
   if (IsProtected(PathOf(key))) return ERROR_ACCESS_DENIED;
   node->values.erase(found);
+  Written();
   return ERROR_SUCCESS;
 }
 

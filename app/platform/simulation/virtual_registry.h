@@ -51,6 +51,9 @@ class VirtualRegistry final : public Registry {
   // Keys that were opened and not closed.
   std::uint32_t OpenHandles() const { return static_cast<std::uint32_t>(open.size()); }
 
+  // How often something that was written became lasting: each write, or each group of them.
+  std::uint32_t Commits() const { return commits; }
+
   // ---- Registry.
   std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) override;
   std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened) override;
@@ -64,6 +67,8 @@ class VirtualRegistry final : public Registry {
                               std::uint32_t* type, void* data, std::uint32_t* size) override;
   std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name,
                             std::uint32_t nameSize) override;
+  void BeginWrites() override { ++groups; }
+  std::uint32_t EndWrites() override;
 
  private:
   struct Node;
@@ -77,6 +82,7 @@ class VirtualRegistry final : public Registry {
   std::string PathOf(HKEY key) const;
   static std::string Below(const std::string& key, const std::string& path);
   bool IsProtected(const std::string& key) const;
+  void Written();
   HKEY Open(const std::string& key);
   // Logs the call; its planned result, or ERROR_SUCCESS.
   std::uint32_t Enter(const char* operation, const std::string& what);
@@ -86,6 +92,9 @@ class VirtualRegistry final : public Registry {
   std::map<HKEY, std::string> open;  // with the whole path
   HKEY last = 0;
   std::vector<std::string> protectedHives;
+  std::uint32_t groups = 0;  // under way, one inside the other
+  bool groupWrote = false;
+  std::uint32_t commits = 0;
 };
 
 }  // namespace platform::simulation

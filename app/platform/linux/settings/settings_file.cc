@@ -261,12 +261,26 @@ int SettingsFile::RunOnce(bool writes, const Work& work) {
   int result = Open(writes);
   if (result != SQLITE_OK) return result;
   sqlite3_busy_timeout(database, waitedInVain ? kLittlePatienceMs : kPatienceMs);
-  result = Do(writes ? "BEGIN IMMEDIATE" : "BEGIN");
+  const bool inGroup = !sqlite3_get_autocommit(database);
+  if (!inGroup) result = Do(writes ? "BEGIN IMMEDIATE" : "BEGIN");
   if (result == SQLITE_OK) result = work();
+  // What fails inside of a group leaves alone what the group has written.
+  if (inGroup || (groups > 0 && writes && result == SQLITE_OK)) return result;
+  return End(result);
+}
+
+int SettingsFile::End(int result) {
   if (result == SQLITE_OK) result = Do("COMMIT");
   // A file that failed beneath has rolled back by itself.
-  if (database && !sqlite3_get_autocommit(database)) Do("ROLLBACK");
+  if (!sqlite3_get_autocommit(database)) Do("ROLLBACK");
   return result;
+}
+
+std::uint32_t SettingsFile::EndGroup() {
+  if (--groups > 0 || !database || sqlite3_get_autocommit(database)) return ERROR_SUCCESS;
+  const int result = End(SQLITE_OK);
+  waitedInVain = (result & 0xFF) == SQLITE_BUSY;
+  return ErrorCode(result);
 }
 
 std::uint32_t SettingsFile::Run(bool writes, const Work& work) {

@@ -1,7 +1,7 @@
 // One hive of the registry: an SQLite file of keys and values. It is opened by the first operation
 // that needs it, and made by the first that writes. Several programs can use it at once; each
-// operation is a transaction, after which what was written is on the disk. Results are the
-// registry's error codes; a file that isn't there reads as an empty one.
+// operation is a transaction, after which what was written is on the disk, and so is a group of
+// them. Results are the registry's error codes; a file that isn't there reads as an empty one.
 //
 // A user's file that is damaged, or isn't a settings file at all, is renamed to "FILE.damaged" (or
 // "FILE.damaged.2" and so on) and told of, and the settings begin anew. One thread at a time.
@@ -46,12 +46,17 @@ class SettingsFile {
   std::uint32_t ValueAt(const Key& key, std::uint32_t index, StoredValue* value);
   std::uint32_t KeyAt(const Key& key, std::uint32_t index, std::string* name);
 
+  // What is written between the two is one transaction, which begins with the first write and keeps
+  // other programs from writing until the end. Pairs nest, and the outermost counts.
+  void BeginGroup() { ++groups; }
+  std::uint32_t EndGroup();
+
  private:
   class Statement;
   using Work = std::function<int()>;  // gives a result of SQLite
 
-  // Runs `work`, as a transaction if it writes. A file that turns out damaged is set aside, and
-  // `work` tried once more.
+  // Runs `work` as a transaction, or in that of the group. A file that turns out damaged is set
+  // aside, and `work` tried once more.
   std::uint32_t Run(bool writes, const Work& work);
   int RunOnce(bool writes, const Work& work);
   // SQLITE_EMPTY: it isn't there, and wasn't to be made.
@@ -63,6 +68,8 @@ class SettingsFile {
   // False when it stays where it is, and can't be used.
   bool SetAside();
   int Do(const char* sql);
+  // Ends the transaction: keeps what it wrote if the result so far is SQLITE_OK.
+  int End(int result);
 
   // The id of a key, -1 when it isn't there.
   int Find(const Key& key, std::int64_t* id);
@@ -71,6 +78,7 @@ class SettingsFile {
   const Kind kind;
   const std::function<void(const std::string&)> tell;
   sqlite3* database = nullptr;
+  int groups = 0;             // under way, one inside the other
   struct stat opened = {};    // the file that `database` is
   struct stat unusable = {};  // the damaged file that had to stay
   bool waitedInVain = false;  // somebody keeps it locked: no more long waits

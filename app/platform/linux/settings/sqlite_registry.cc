@@ -170,4 +170,14 @@ std::uint32_t SqliteRegistry::RegEnumKeyA(HKEY key, std::uint32_t index, char* n
   return GiveName(subkey, name, nameSize);
 }
 
+void SqliteRegistry::BeginWrites() {
+  const std::lock_guard lock(mutex);
+  user.BeginGroup();
+}
+
+std::uint32_t SqliteRegistry::EndWrites() {
+  const std::lock_guard lock(mutex);
+  return user.EndGroup();
+}
+
 }  // namespace platform

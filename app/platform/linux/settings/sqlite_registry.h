@@ -49,6 +49,9 @@ class SqliteRegistry final : public Registry {
                               std::uint32_t* type, void* data, std::uint32_t* size) override;
   std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name,
                             std::uint32_t nameSize) override;
+  // Of the user's file; the autostart folder's entries are files of their own.
+  void BeginWrites() override;
+  std::uint32_t EndWrites() override;
 
  private:
   // What a handle stands for. Held as names, so that it outlives a file that is set aside.

@@ -1,15 +1,19 @@
 #include "app/platform/linux/settings/sqlite_registry.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sqlite3.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -17,6 +21,21 @@
 
 #include "app/platform/linux/home_folders.h"
 #include "app/platform/linux/linux_platform.h"
+
+// The database's own calls come here, too: an executable's functions go before those of libraries.
+namespace {
+std::atomic<int> flushes{0};
+}
+
+extern "C" int fsync(int file) {
+  ++flushes;
+  return static_cast<int>(syscall(SYS_fsync, file));
+}
+
+extern "C" int fdatasync(int file) {
+  ++flushes;
+  return static_cast<int>(syscall(SYS_fdatasync, file));
+}
 
 namespace platform {
 namespace {
@@ -270,6 +289,100 @@ TEST_F(SqliteRegistryTest, TwoInstancesSeeWhatTheOtherWrote) {
   EXPECT_EQ(Put(*second, theirs, "A", "3"), ERROR_SUCCESS);
   EXPECT_EQ(Get(*registry, mine, "a"), "3");
   EXPECT_EQ(ValueNames(mine), (Names{"a", "b"}));
+  EXPECT_EQ(troubles, Names{});
+}
+
+// ---- Writes in groups.
+
+class WriteGroupTest : public SqliteRegistryTest {
+ protected:
+  static constexpr int kValues = 20;
+
+  void PutAll(SqliteRegistry& in, HKEY key, const std::string& text) {
+    for (int n = 0; n < kValues; ++n)
+      EXPECT_EQ(Put(in, key, std::to_string(n), text), ERROR_SUCCESS);
+  }
+  // The texts of all values in the file, each once.
+  Names Texts() {
+    const auto fresh = Another();
+    Names texts;
+    for (int n = 0; n < kValues; ++n) texts.push_back(GetIn(*fresh, kGame, std::to_string(n)));
+    texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
+    return texts;
+  }
+  static int FlushesOf(const std::function<void()>& work) {
+    const int before = flushes;
+    work();
+    return flushes - before;
+  }
+};
+
+TEST_F(WriteGroupTest, AGroupCostsTheFlushesOfOneValue) {
+  const HKEY key = Create(kGame);
+  PutAll(*registry, key, "first");
+  const int one = FlushesOf([&] { Put(key, "0", "second"); });
+  ASSERT_GT(one, 0);
+  EXPECT_EQ(FlushesOf([&] { PutAll(*registry, key, "third"); }), kValues * one);
+  EXPECT_EQ(FlushesOf([&] {
+              registry->BeginWrites();
+              PutAll(*registry, key, "fourth");
+              EXPECT_EQ(registry->EndWrites(), ERROR_SUCCESS);
+            }),
+            one);
+  EXPECT_EQ(Texts(), Names{"fourth"});
+}
+
+TEST_F(WriteGroupTest, OneWithoutAWriteTouchesNothing) {
+  EXPECT_EQ(FlushesOf([&] {
+              registry->BeginWrites();
+              EXPECT_EQ(GetIn(*registry, kGame, "0"), "!" + std::to_string(ERROR_FILE_NOT_FOUND));
+              EXPECT_EQ(registry->EndWrites(), ERROR_SUCCESS);
+            }),
+            0);
+  EXPECT_FALSE(std::filesystem::exists(folder + "/config"));
+}
+
+TEST_F(WriteGroupTest, ItIsReadAtOnceHereAndByOthersFromTheOutermostEnd) {
+  const HKEY key = Create(kGame);
+  PutAll(*registry, key, "old");
+  registry->BeginWrites();
+  registry->BeginWrites();
+  PutAll(*registry, key, "new");
+  EXPECT_EQ(Get(key, "7"), "new");
+  registry->EndWrites();
+  EXPECT_EQ(Get(key, "7"), "new");
+  EXPECT_EQ(Texts(), Names{"old"});
+  EXPECT_EQ(registry->EndWrites(), ERROR_SUCCESS);
+  EXPECT_EQ(Texts(), Names{"new"});
+}
+
+TEST_F(WriteGroupTest, WhatFailsInsideLosesNothingOfTheRest) {
+  const HKEY key = Create(kGame);
+  registry->BeginWrites();
+  PutAll(*registry, key, "new");
+  EXPECT_EQ(registry->RegDeleteValueA(key, "none"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Get(key, "none"), "!" + std::to_string(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(registry->EndWrites(), ERROR_SUCCESS);
+  EXPECT_EQ(Texts(), Names{"new"});
+}
+
+TEST_F(WriteGroupTest, AProgramThatIsKilledInsideOfOneLeavesAllOfTheOldValues) {
+  PutAll(*registry, Create(kGame), "old");
+  registry.reset();
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    SqliteRegistry own(places);
+    HKEY key = 0;
+    own.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key);
+    own.BeginWrites();
+    for (int n = 0; n < kValues; ++n) own.RegSetValueExA(key, std::to_string(n), REG_SZ, "new", 4);
+    kill(getpid(), SIGKILL);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status));
+  EXPECT_EQ(Texts(), Names{"old"});
   EXPECT_EQ(troubles, Names{});
 }
 
