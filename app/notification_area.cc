@@ -25,6 +25,7 @@ bool MainWindow::AddTrayIcon() {
   data.hIcon = trayIcon;
   std::copy(std::begin(kTip), std::end(kTip), data.szTip);
   trayIconAdded = platform::Shell_NotifyIconA(platform::NIM_ADD, data);
+  if (trayIconAdded) platform::SetNotifyIconMenu(window, kTrayIconId, resources::FloaterMenu());
   return trayIconAdded;
 }
 

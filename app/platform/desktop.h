@@ -220,9 +220,15 @@ class Desktop {
   // as added, appears as soon as there is one, and a window with an icon is minimised where it
   // would be hidden, since nothing could bring it back.
   virtual bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) = 0;
+  // Not a published one: gives an added icon the menu that is shown for it where whoever shows the
+  // icons shows their menus too, and so never tells of the right button. Its commands come as
+  // TrackPopupMenu's do. False when the icon isn't there.
+  virtual bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
+                                 std::span<const MenuItem> items) = 0;
 
   // Shows the entries at a point of the screen until one is chosen, which comes as Clicked with its
-  // command, or none. Returns after it; false when it can't be shown.
+  // command, or none. Returns after it; false when it can't be shown, as where only whoever shows
+  // the icon may put a menu beside it.
   virtual bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items,
                               std::uint32_t flags, Point screen) = 0;
 };
@@ -261,6 +267,7 @@ IconHandle LoadIconA(std::uint32_t id);
 bool DestroyIcon(IconHandle icon);
 BitmapHandle LoadBitmapA(std::uint32_t id);
 bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data);
+bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id, std::span<const MenuItem> items);
 bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                     Point screen);
 

@@ -269,6 +269,10 @@ bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) {
   return installed.desktop->Shell_NotifyIconA(message, data);
 }
 
+bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id, std::span<const MenuItem> items) {
+  return installed.desktop->SetNotifyIconMenu(window, id, items);
+}
+
 bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                     Point screen) {
   return installed.desktop->TrackPopupMenu(window, items, flags, screen);

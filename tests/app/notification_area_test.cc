@@ -240,6 +240,18 @@ TEST_F(NotificationAreaTest, ShowKelvaroShowsTheWindowInItsNormalState) {
   EXPECT_EQ(CallsOf({"ShowWindow"}), Strings{"ShowWindow 1"});
 }
 
+// Where menus are shown by whoever shows the icons.
+TEST_F(NotificationAreaTest, TheIconHasTheSameMenuForThoseThatShowItThemselves) {
+  Begin();
+  screen.Minimise();
+  EXPECT_EQ(screen.IconMenu(), (Strings{"Exit", "", "Show Kelvaro"}));
+  screen.ChooseIconMenu("Show Kelvaro");
+  EXPECT_TRUE(screen.Shown());
+  EXPECT_FALSE(screen.Minimised());
+  screen.ChooseIconMenu("Exit");
+  EXPECT_FALSE(screen.Running());
+}
+
 // ---- While it is minimised and couldn't be hidden.
 
 TEST_F(NotificationAreaTest, AMinimisedWindowShowsTheIconInItsMiddle) {

@@ -295,6 +295,27 @@ std::vector<XWindow> XDesktop::Icons() {
   return icons;
 }
 
+void XDesktop::BeginArea() {
+  const Window root = DefaultRootWindow(display);
+  const Atom selection = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
+  area = XCreateSimpleWindow(display, root, 0, 0, 1, 1, 0, 0, 0);
+  XSetSelectionOwner(display, selection, area, CurrentTime);
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = root;
+  event.xclient.message_type = XInternAtom(display, "MANAGER", False);
+  event.xclient.format = 32;
+  event.xclient.data.l[1] = static_cast<long>(selection);
+  event.xclient.data.l[2] = static_cast<long>(area);
+  XSendEvent(display, root, False, StructureNotifyMask, &event);
+  XSync(display, False);
+}
+
+void XDesktop::EndArea() {
+  XDestroyWindow(display, area);
+  XSync(display, False);
+}
+
 std::vector<XWindow> XDesktop::Popups() {
   std::vector<XWindow> popups;
   Window root = 0, parent = 0, *children = nullptr;

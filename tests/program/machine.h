@@ -98,6 +98,9 @@ class XDesktop {
   bool Active(unsigned long window);
   // Windows that are docked into the notification area.
   std::vector<XWindow> Icons();
+  // A notification area where there is none: it shows nothing of what is docked.
+  void BeginArea();
+  void EndArea();
   // Windows on the screen that no window manager frames: menus and tool tips.
   std::vector<XWindow> Popups();
 
@@ -125,6 +128,7 @@ class XDesktop {
   pid_t server = -1;
   pid_t manager = -1;
   _XDisplay* display = nullptr;
+  unsigned long area = 0;
 };
 
 // Full path of a program beside the tests: "kelvaro".

@@ -230,6 +230,18 @@ TEST_F(NoNotificationAreaTest, AMinimisedWindowStaysAmongTheWindows) {
   EXPECT_TRUE(desktop.Iconic(window.id));
 }
 
+TEST_F(NoNotificationAreaTest, AnAreaThatComesTakesTheWindowAndGivesItBackWhenItGoes) {
+  const auto program = Begin();
+  const XWindow window = Window();
+  desktop.Minimise(window.id);
+  ASSERT_TRUE(Eventually([&] { return desktop.Iconic(window.id); }));
+  desktop.BeginArea();
+  EXPECT_TRUE(Eventually([&] { return !desktop.Listed(window.id); }));
+  desktop.EndArea();
+  EXPECT_TRUE(Eventually([&] { return desktop.Listed(window.id); }));
+  EXPECT_TRUE(Eventually([&] { return desktop.Iconic(window.id); }));
+}
+
 TEST_F(ProgramTest, RunsOnAWaylandCompositor) {
   const std::string socket = "kelvaro-test";
   auto environment = With({{"XDG_RUNTIME_DIR", home.folder + "/runtime"}});

@@ -370,10 +370,7 @@ bool QtDesktop::Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& d
   }
 }
 
-bool QtDesktop::TrackPopupMenu(WindowHandle handle, std::span<const MenuItem> items, std::uint32_t,
-                               Point screen) {
-  if (!Window(handle)) return false;
-  QMenu menu(SeenOwner(handle));
+void QtDesktop::Fill(QMenu& menu, std::span<const MenuItem> items) {
   for (const MenuItem& item : items) {
     if (!item.text || !*item.text) {
       menu.addSeparator();
@@ -381,13 +378,33 @@ bool QtDesktop::TrackPopupMenu(WindowHandle handle, std::span<const MenuItem> it
       menu.addAction(Shown(item.text))->setData(item.command);
     }
   }
+}
+
+void QtDesktop::PostCommand(WindowHandle handle, const QAction& chosen) {
+  windows.Post(handle, [command = chosen.data().toUInt()](DialogWindow& window) {
+    window.SendNotice(command, Notice::Clicked, 0);
+  });
+}
+
+bool QtDesktop::SetNotifyIconMenu(WindowHandle handle, std::uint32_t id,
+                                  std::span<const MenuItem> items) {
+  auto menu = std::make_unique<QMenu>();
+  Fill(*menu, items);
+  connect(menu.get(), &QMenu::triggered, this,
+          [this, handle](const QAction* chosen) { PostCommand(handle, *chosen); });
+  return area.SetMenu(handle, id, std::move(menu));
+}
+
+// A Wayland compositor knows no menu that belongs to no window: it would come as a window of its
+// own, and stay.
+bool QtDesktop::TrackPopupMenu(WindowHandle handle, std::span<const MenuItem> items, std::uint32_t,
+                               Point screen) {
+  if (!Window(handle) || QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+    return false;
+  QMenu menu(SeenOwner(handle));
+  Fill(menu, items);
   const InFront entry(*this, {kNoWindow, [&menu] { menu.close(); }});
-  if (const QAction* chosen = menu.exec(QPoint(screen.x, screen.y))) {
-    const std::uint32_t command = chosen->data().toUInt();
-    windows.Post(handle, [command](DialogWindow& window) {
-      window.SendNotice(command, Notice::Clicked, 0);
-    });
-  }
+  if (const QAction* chosen = menu.exec(QPoint(screen.x, screen.y))) PostCommand(handle, *chosen);
   return true;
 }
 

@@ -75,6 +75,8 @@ class QtDesktop final : public QObject, public Desktop {
   BitmapHandle LoadBitmapA(std::uint32_t id) override;
 
   bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) override;
+  bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
+                         std::span<const MenuItem> items) override;
   bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                       Point screen) override;
 
@@ -95,6 +97,8 @@ class QtDesktop final : public QObject, public Desktop {
   QMessageBox* ShowAside(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);
   void TellNow();
+  static void Fill(QMenu& menu, std::span<const MenuItem> items);
+  void PostCommand(WindowHandle window, const QAction& chosen);
 
   WindowTable windows;
   Icons icons;

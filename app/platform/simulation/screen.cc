@@ -176,15 +176,34 @@ struct Screen::State {
     Settle();
   }
 
-  void PostFromIcon(std::uint32_t iconId, std::intptr_t message) {
+  VirtualWindow& IconsWindow() {
     if (!system.running) Refuse("the icon", "the program doesn't run");
     if (!desktop.iconShown) Refuse("the icon", "it isn't there");
     VirtualWindow* const window = system.Find(desktop.icon.hWnd);
     if (!window) Refuse("the icon", "its window isn't there any more");
+    return *window;
+  }
+
+  void PostFromIcon(std::uint32_t iconId, std::intptr_t message) {
+    const VirtualWindow& window = IconsWindow();
     const std::uint32_t number = desktop.icon.uCallbackMessage;
-    system.Post(window->handle, [listener = window->listener, number, iconId, message] {
+    system.Post(window.handle, [listener = window.listener, number, iconId, message] {
       listener->OnMessage(number, iconId, message);
     });
+  }
+
+  static std::vector<std::string> TextsOf(const std::vector<OpenMenu::Entry>& entries) {
+    std::vector<std::string> texts;
+    for (const auto& entry : entries) texts.push_back(entry.text);
+    return texts;
+  }
+
+  // Of the entry with that text.
+  static std::size_t RowOf(const char* act, const std::vector<std::string>& entries,
+                           const std::string& text) {
+    const auto found = std::find(entries.begin(), entries.end(), text);
+    if (text.empty() || found == entries.end()) Refuse(act, "there is no entry \"" + text + "\"");
+    return static_cast<std::size_t>(found - entries.begin());
   }
 
   void EndMenu(std::int32_t chosen) {
@@ -898,23 +917,28 @@ void Screen::IconMessage(std::uint32_t iconId, std::intptr_t mouseMessage) {
   state->Settle();
 }
 
+std::vector<std::string> Screen::IconMenu() const {
+  return State::TextsOf(state->desktop.iconMenu);
+}
+
+void Screen::ChooseIconMenu(const std::string& text) {
+  state->Settle();
+  const std::size_t row = State::RowOf("ChooseIconMenu", IconMenu(), text);
+  const VirtualWindow& window = state->IconsWindow();
+  state->system.PostCommand(window, state->desktop.iconMenu[row].command);
+  state->Settle();
+}
+
 bool Screen::MenuUp() const { return state->system.menu.up; }
 
 std::vector<std::string> Screen::Menu() const {
   if (!state->system.menu.up) State::Refuse("Menu", "there is no menu");
-  std::vector<std::string> entries;
-  for (const auto& entry : state->system.menu.entries) entries.push_back(entry.text);
-  return entries;
+  return State::TextsOf(state->system.menu.entries);
 }
 
 void Screen::ChooseMenu(const std::string& text) {
   state->Settle();
-  const std::vector<std::string> entries = Menu();
-  const auto found = std::find(entries.begin(), entries.end(), text);
-  if (text.empty() || found == entries.end()) {
-    State::Refuse("ChooseMenu", "there is no entry \"" + text + "\"");
-  }
-  state->EndMenu(static_cast<std::int32_t>(found - entries.begin()));
+  state->EndMenu(static_cast<std::int32_t>(State::RowOf("ChooseMenu", Menu(), text)));
 }
 
 void Screen::DismissMenu() {

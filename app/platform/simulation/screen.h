@@ -196,6 +196,10 @@ class Screen {
   void IconDoubleClick();
   void IconRightClick();
   void IconMessage(std::uint32_t iconId, std::intptr_t mouseMessage);  // any other
+  // The menu that whoever shows the icon shows for it by himself, "" for a separator; and its
+  // command.
+  std::vector<std::string> IconMenu() const;
+  void ChooseIconMenu(const std::string& text);
   bool MenuUp() const;
   std::vector<std::string> Menu() const;  // "" for a separator
   // Its command comes once TrackPopupMenu has returned.

@@ -246,14 +246,22 @@ bool VirtualDesktop::Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDA
       if (iconShown || !system.Find(data.hWnd)) return false;
       iconShown = true;
       icon = data;
+      iconMenu.clear();
       return true;
     case NIM_DELETE:
-      if (!iconShown || data.hWnd != icon.hWnd || data.uID != icon.uID) return false;
+      if (!HasIcon(data.hWnd, data.uID)) return false;
       iconShown = false;
       return true;
     default:
       return false;
   }
+}
+
+bool VirtualDesktop::SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
+                                       std::span<const MenuItem> items) {
+  if (!HasIcon(window, id)) return false;
+  iconMenu = OpenMenu::EntriesOf(items);
+  return true;
 }
 
 bool VirtualDesktop::TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items,

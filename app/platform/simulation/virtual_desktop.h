@@ -6,6 +6,7 @@
 #include <map>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "app/platform/desktop.h"
 #include "app/platform/simulation/window_system.h"
@@ -50,13 +51,20 @@ class VirtualDesktop final : public Desktop {
   bool DestroyIcon(IconHandle icon) override;
   BitmapHandle LoadBitmapA(std::uint32_t id) override;
   bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) override;
+  bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
+                         std::span<const MenuItem> items) override;
   bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                       Point screen) override;
 
   bool iconShown = false;
   NOTIFYICONDATA icon;
+  std::vector<OpenMenu::Entry> iconMenu;
 
  private:
+  bool HasIcon(WindowHandle window, std::uint32_t id) const {
+    return iconShown && window == icon.hWnd && id == icon.uID;
+  }
+
   WindowSystem& system;
   Journal& journal;
   HookHandle lastHook = 0;

@@ -309,24 +309,29 @@ void WindowSystem::Answer(OpenBox& box, std::int32_t button) {
   });
 }
 
+std::vector<OpenMenu::Entry> OpenMenu::EntriesOf(std::span<const MenuItem> items) {
+  std::vector<Entry> entries;
+  for (const MenuItem& item : items) entries.push_back({item.text ? item.text : "", item.command});
+  return entries;
+}
+
+void WindowSystem::PostCommand(const VirtualWindow& window, std::uint32_t command) {
+  Post(window.handle,
+       [listener = window.listener, command] { listener->OnNotice(command, Notice::Clicked, 0); });
+}
+
 bool WindowSystem::RunMenu(VirtualWindow& window, std::span<const MenuItem> items) {
   if (menu.up) return false;
   menu = {};
-  for (const MenuItem& item : items) {
-    menu.entries.push_back({item.text ? item.text : "", item.command});
-  }
+  menu.entries = OpenMenu::EntriesOf(items);
   menu.up = true;
   ++menusShown;
   ++asked;
   modals.push_back({Modal::Menu});
   while (menu.up) HandleOne();
   Leave(Modal::Menu, kNoWindow);
-  if (menu.chosen >= 0) {
-    const std::uint32_t command = menu.entries[static_cast<std::size_t>(menu.chosen)].command;
-    Post(window.handle, [listener = window.listener, command] {
-      listener->OnNotice(command, Notice::Clicked, 0);
-    });
-  }
+  if (menu.chosen >= 0)
+    PostCommand(window, menu.entries[static_cast<std::size_t>(menu.chosen)].command);
   return true;
 }
 

@@ -137,6 +137,7 @@ struct OpenMenu {
     std::string text;
     std::uint32_t command = 0;
   };
+  static std::vector<Entry> EntriesOf(std::span<const MenuItem> items);
   std::vector<Entry> entries;
   bool up = false;
   std::int32_t chosen = -1;
@@ -168,6 +169,8 @@ class WindowSystem {
   std::int32_t RunBox(ShownMessageBox box);
   // False when there is one already.
   bool RunMenu(VirtualWindow& window, std::span<const MenuItem> items);
+  // As an entry of a menu gives it.
+  void PostCommand(const VirtualWindow& window, std::uint32_t command);
   bool MenuOnTop() const { return !modals.empty() && modals.back().kind == Modal::Menu; }
   bool DialogOnTop() const { return !modals.empty() && modals.back().kind == Modal::Dialog; }
   bool BoxOnTop() const { return !modals.empty() && modals.back().kind == Modal::Box; }

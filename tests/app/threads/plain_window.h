@@ -254,6 +254,9 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
   }
   bool DestroyIcon(IconHandle) override { return true; }
   BitmapHandle LoadBitmapA(std::uint32_t) override { return {}; }
+  bool SetNotifyIconMenu(WindowHandle, std::uint32_t, std::span<const MenuItem>) override {
+    return true;
+  }
   bool TrackPopupMenu(WindowHandle, std::span<const MenuItem>, std::uint32_t, Point) override {
     return true;
   }

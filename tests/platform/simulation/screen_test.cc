@@ -1464,6 +1464,23 @@ TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {
   EXPECT_EQ(Refusal([&] { screen.DismissMenu(); }), "DismissMenu: there is no menu");
 }
 
+TEST_F(IconTest, AnIconsOwnMenuGivesItsCommandsWhileNoMenuIsUp) {
+  const MenuItem items[] = {{"Exit", 50}, {nullptr, 0}, {"Show", 51}};
+  EXPECT_FALSE(SetNotifyIconMenu(main.window, 4, items)) << "there is no icon";
+  Shell_NotifyIconA(NIM_ADD, data);
+  EXPECT_FALSE(SetNotifyIconMenu(main.window, 3, items));
+  EXPECT_TRUE(SetNotifyIconMenu(main.window, 4, items));
+  EXPECT_EQ(screen.IconMenu(), (Lines{"Exit", "", "Show"}));
+  screen.ChooseIconMenu("Show");
+  EXPECT_EQ(main.Diary(), (Lines{"clicked 51"}));
+  EXPECT_FALSE(screen.MenuUp());
+  EXPECT_EQ(Refusal([&] { screen.ChooseIconMenu(""); }), "ChooseIconMenu: there is no entry \"\"");
+  Shell_NotifyIconA(NIM_DELETE, data);
+  EXPECT_EQ(Refusal([&] { screen.ChooseIconMenu("Exit"); }), "the icon: it isn't there");
+  Shell_NotifyIconA(NIM_ADD, data);
+  EXPECT_EQ(screen.IconMenu(), Lines{}) << "it went with the icon";
+}
+
 TEST_F(IconTest, AMenuThatFailsIsNotShown) {
   Shell_NotifyIconA(NIM_ADD, data);
   const MenuItem items[] = {{"Exit", 50}};

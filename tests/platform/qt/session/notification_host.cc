@@ -1,10 +1,15 @@
 #include "notification_host.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QThread>
+#include <QVariantMap>
+#include <algorithm>
+#include <atomic>
 #include <mutex>
 
 namespace {
@@ -16,7 +21,7 @@ const QString kConnection = QStringLiteral("notification host");
 
 class NotificationHost::Watcher : public QDBusVirtualObject {
  public:
-  Watcher() {
+  explicit Watcher(bool showing) : showing(showing) {
     moveToThread(&thread);
     thread.start();
     QMetaObject::invokeMethod(
@@ -52,7 +57,9 @@ class NotificationHost::Watcher : public QDBusVirtualObject {
 
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
     if (message.member() == QLatin1String("Get")) {
-      bus.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
+      message.setDelayedReply(true);
+      if (!missOne.exchange(false))
+        bus.send(message.createReply(QVariant::fromValue(QDBusVariant(showing.load()))));
       return true;
     }
     if (message.member() == QLatin1String("RegisterStatusNotifierItem")) {
@@ -64,6 +71,15 @@ class NotificationHost::Watcher : public QDBusVirtualObject {
     return false;
   }
 
+  void Show() {
+    showing = true;
+    QDBusConnection(kConnection)
+        .send(QDBusMessage::createSignal(QStringLiteral("/StatusNotifierWatcher"), kName,
+                                         QStringLiteral("StatusNotifierHostRegistered")));
+  }
+
+  std::atomic<bool> showing = true;
+  std::atomic<bool> missOne = false;
   mutable std::mutex mutex;
   QString item;  // guarded by mutex
 
@@ -71,12 +87,72 @@ class NotificationHost::Watcher : public QDBusVirtualObject {
   QThread thread;
 };
 
-NotificationHost::NotificationHost() : watcher(std::make_unique<Watcher>()) {}
+// One line of a menu as it comes over the bus: (ia{sv}av).
+struct NotificationHost::Row {
+  int id = 0;
+  std::string text;
+};
+
+NotificationHost::NotificationHost(bool showing) : watcher(std::make_unique<Watcher>(showing)) {}
 NotificationHost::~NotificationHost() = default;
 
 QString NotificationHost::Item() const {
   const std::lock_guard<std::mutex> guard(watcher->mutex);
   return watcher->item;
+}
+
+void NotificationHost::Show() { watcher->Show(); }
+void NotificationHost::MissOneQuestion() { watcher->missOne = true; }
+
+std::vector<NotificationHost::Row> NotificationHost::Rows() {
+  const QDBusConnection bus(kConnection);
+  QDBusMessage where = QDBusMessage::createMethodCall(
+      Item(), QStringLiteral("/StatusNotifierItem"),
+      QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+  where << QStringLiteral("org.kde.StatusNotifierItem") << QStringLiteral("Menu");
+  const QDBusMessage menu = bus.call(where, QDBus::BlockWithGui);
+  if (menu.arguments().isEmpty()) return {};
+  path = menu.arguments().at(0).value<QDBusVariant>().variant().value<QDBusObjectPath>().path();
+  QDBusMessage question = QDBusMessage::createMethodCall(
+      Item(), path, QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("GetLayout"));
+  question << 0 << -1 << QStringList();
+  const QDBusMessage answer = bus.call(question, QDBus::BlockWithGui);
+  if (answer.arguments().size() < 2) return {};
+
+  std::vector<Row> rows;
+  const auto root = answer.arguments().at(1).value<QDBusArgument>();
+  int id = 0;
+  QVariantMap properties;
+  root.beginStructure();
+  root >> id >> properties;
+  root.beginArray();
+  while (!root.atEnd()) {
+    QDBusVariant child;
+    root >> child;
+    const auto entry = child.variant().value<QDBusArgument>();
+    entry.beginStructure();
+    entry >> id >> properties;
+    const bool line = properties.value(QStringLiteral("type")) == QLatin1String("separator");
+    rows.push_back(
+        {id, line ? "-" : properties.value(QStringLiteral("label")).toString().toStdString()});
+  }
+  return rows;
+}
+
+std::vector<std::string> NotificationHost::Menu() {
+  std::vector<std::string> texts;
+  for (const Row& row : Rows()) texts.push_back(row.text);
+  return texts;
+}
+
+void NotificationHost::Choose(const std::string& text) {
+  for (const Row& row : Rows()) {
+    if (row.text != text) continue;
+    QDBusMessage event = QDBusMessage::createMethodCall(
+        Item(), path, QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"));
+    event << row.id << QStringLiteral("clicked") << QVariant::fromValue(QDBusVariant(0)) << 0u;
+    QDBusConnection(kConnection).send(event);
+  }
 }
 
 void NotificationHost::Click() { Call("Activate"); }

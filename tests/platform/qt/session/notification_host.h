@@ -4,16 +4,26 @@
 
 #include <QString>
 #include <memory>
+#include <string>
+#include <vector>
 
 class NotificationHost {
  public:
-  NotificationHost();
+  // Not `showing`: there is only the watcher, and nobody yet who shows what it knows.
+  explicit NotificationHost(bool showing = true);
   ~NotificationHost();
   NotificationHost(const NotificationHost&) = delete;
   NotificationHost& operator=(const NotificationHost&) = delete;
 
   // The program that has offered an icon, empty before one has.
   QString Item() const;
+  // Begins to show icons.
+  void Show();
+  // The next question is left without an answer.
+  void MissOneQuestion();
+  // What a person sees in the icon's menu, "-" for a separator, and chooses from it.
+  std::vector<std::string> Menu();
+  void Choose(const std::string& text);
   // What a person does to it.
   void Click();
   void RightClick();
@@ -21,6 +31,9 @@ class NotificationHost {
  private:
   class Watcher;
   void Call(const char* method);
+  struct Row;
+  std::vector<Row> Rows();
 
   std::unique_ptr<Watcher> watcher;
+  QString path;  // of the menu
 };

@@ -9,8 +9,7 @@ namespace {
 
 constexpr std::uint32_t kCallback = 0x8000;
 
-// The area is looked for every two seconds.
-constexpr int kSoon = 6000;  // ms
+constexpr int kSoon = 20000;  // ms
 
 class SessionTest : public QtTest {
  protected:
@@ -36,7 +35,15 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(IsWindowVisible(Window())) << "nothing could bring it back";
     EXPECT_TRUE(IsIconic(Window()));
 
-    auto host = std::make_unique<NotificationHost>();
+    constexpr MenuItem items[] = {{"Exit", 50}, {"", 0}, {"Show it", 51}};
+    EXPECT_TRUE(SetNotifyIconMenu(Window(), icon.uID, items));
+    EXPECT_FALSE(SetNotifyIconMenu(Window(), 9, items)) << "there is no such icon";
+
+    // The watcher alone shows nothing.
+    auto host = std::make_unique<NotificationHost>(false);
+    QTest::qWait(100);
+    EXPECT_TRUE(host->Item().isEmpty());
+    host->Show();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !IsWindowVisible(Window()); }, kSoon));
 
@@ -57,12 +64,32 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
     EXPECT_EQ(recorder.TakeLines().back(), "message 32768 0 516");
 
+    EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
+    recorder.lines.clear();
+    host->Choose("Exit");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{"50 clicked"});
+
     ShowWindow(Window(), SW_HIDE);
     EXPECT_FALSE(IsWindowVisible(Window()));
     host.reset();
     EXPECT_TRUE(QTest::qWaitFor([&] { return IsWindowVisible(Window()); }, kSoon));
     EXPECT_TRUE(IsIconic(Window()));
+
+    host = std::make_unique<NotificationHost>();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !IsWindowVisible(Window()); }, kSoon)) << "again";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
+    EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, icon));
+  });
+}
+
+TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
+  NotificationHost host;
+  host.MissOneQuestion();
+  Run([&] {
+    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
   });
 }
 
