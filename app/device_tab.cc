@@ -129,6 +129,16 @@ void MainWindow::ShowSelectedDevice() {
   SelectDeviceInList(guid);
 }
 
+// No state comes any more that could end what is held.
+void MainWindow::LetGoWithoutDevice() {
+  if (!deviceManager->DeviceSelected()) engine->LetGoWithoutDevice();
+}
+
+void MainWindow::ReselectDevice() {
+  deviceManager->ReselectDevice();
+  LetGoWithoutDevice();
+}
+
 void MainWindow::OnDeviceSelected() {
   if (initGuard != 0 || !deviceManager) return;
   const std::int32_t row = platform::ComboGetCurSel(window, kDeviceList);
@@ -138,6 +148,7 @@ void MainWindow::OnDeviceSelected() {
     currentDeviceGuid = platform::GUID{};
     currentDeviceName = kNoDeviceText;
     deviceManager->StopDevice();
+    LetGoWithoutDevice();
     LockGuard guard(profile.profileLock);
     profile.deviceName.Empty();
     profile.deviceGuid = platform::GUID{};
@@ -147,6 +158,7 @@ void MainWindow::OnDeviceSelected() {
     if (index < 0 || index >= deviceManager->DeviceCount()) return;
     if (deviceManager->DeviceGuid(index) == currentDeviceGuid) return;
     if (!deviceManager->SelectDevice(index)) {
+      LetGoWithoutDevice();  // before the box, which a key that goes on would answer
       Box(kSelectText, kSelectCaption, platform::MB_OK);
       return;
     }
@@ -231,10 +243,10 @@ void MainWindow::ApplyPollInterval(std::uint32_t interval) {
     Box(kPollRateText, kPollRateCaption, platform::MB_OK);
     --initGuard;
     // The program may have been told to end while the box was up.
-    if (deviceManager) deviceManager->ReselectDevice();
+    if (deviceManager) ReselectDevice();
     return;
   }
-  deviceManager->ReselectDevice();
+  ReselectDevice();
   ShowMouseAndDeviceState();
   SaveDeviceSettings();
   LockGuard guard(profile.profileLock);
@@ -302,7 +314,7 @@ bool MainWindow::LoadDeviceSettings() {
   std::uint32_t interval = 0;
   if (stored.Take("Poll Interval", &interval) && interval != deviceManager->PollInterval() &&
       deviceManager->SetPollInterval(interval)) {
-    deviceManager->ReselectDevice();
+    ReselectDevice();
   }
   ShowMouseAndDeviceState();
   return stored.complete;

@@ -133,6 +133,8 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void FillDeviceList();
   void SelectDeviceInList(const platform::GUID& guid);  // the row of that device, else of none
   void ShowSelectedDevice();
+  void LetGoWithoutDevice();  // nothing where one is selected
+  void ReselectDevice();
   void OnDeviceSelected();
   void OnIntervalLeft();
   void OnRateLeft();

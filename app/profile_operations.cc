@@ -130,6 +130,7 @@ bool MainWindow::ApplyProfileDevice() {
   if (profile.deviceName.IsEmpty() || !deviceManager->SetPollInterval(profile.pollInterval) ||
       !(deviceManager->SelectDeviceByGuid(profile.deviceGuid) ||
         deviceManager->SelectDeviceByName(profile.deviceName))) {
+    LetGoWithoutDevice();
     currentDeviceName.Empty();
     currentDeviceGuid = platform::GUID{};
     return false;

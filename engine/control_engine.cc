@@ -66,14 +66,24 @@ bool ControlEngine::MouseIsOn() const {
 void ControlEngine::LetGo() {
   LockGuard noStep(device.deviceLock);
   ended = true;
-  {
-    LockGuard guard(profile.profileLock);
-    repeatWorker.Clear();
-    for (auto* node = profile.DispatchList.head; node; node = node->next) {
-      if (node->value->triggerDown) EndControl(node->value);
-    }
-  }
+  EndControls();
+  LiftMouseButtons();
+}
 
+void ControlEngine::LetGoWithoutDevice() {
+  EndControls();
+  if (MouseIsOn()) LiftMouseButtons();
+}
+
+void ControlEngine::EndControls() {
+  LockGuard guard(profile.profileLock);
+  repeatWorker.Clear();
+  for (auto* node = profile.DispatchList.head; node; node = node->next) {
+    if (node->value->triggerDown) EndControl(node->value);
+  }
+}
+
+void ControlEngine::LiftMouseButtons() {
   LockGuard guard(mouseLock);
   const struct {
     bool& down;

@@ -64,6 +64,10 @@ class ControlEngine {
   // nothing anew, until Attach is called again.
   void LetGo();
 
+  // The same where the device has been stopped and the run goes on without one. A mouse button that
+  // has been down since the mouse controls went off stays so, as it does with a device.
+  void LetGoWithoutDevice();
+
   DeviceSnapshot snapshot;  // of the notification thread
   RepeatWorker repeatWorker;
 
@@ -105,6 +109,8 @@ class ControlEngine {
   // One Control of the DispatchList; `fired` holds the active ones before it.
   void DispatchControl(Control* control, LinkedList<const Control*>* fired);
   void EndControl(Control* control);
+  void EndControls();  // all that are down, and the repeat
+  void LiftMouseButtons();
   void FireControl(Control* control);
   bool UsesMouseInput(const Control& control) const;
 

@@ -33,6 +33,7 @@ using platform::DialogTemplate;
 using platform::qt::Control;
 
 constexpr std::uint32_t kTabs = 1000;
+constexpr int kPatience = 30000;  // ms
 
 bool IsFrame(ControlKind kind) {
   return kind == ControlKind::GroupBox || kind == ControlKind::TabControl ||
@@ -337,6 +338,29 @@ TEST_F(Looks, AnIntervalThatIsTypedIsSavedInTheProfileWhenTheFieldIsLeft) {
   ProfileFile stored;
   ASSERT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
   EXPECT_EQ(stored.pollInterval, 20u);
+}
+
+TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
+  Stage stage;
+  ProfileFile profile;
+  ASSERT_TRUE(profile.Load(profile.FindProfileFile(kProfile)));
+  for (auto* node = profile.controls.head; node; node = node->next) {
+    node->value->repeatEnabled = 1;
+    node->value->repeatDelay = 20;
+    node->value->repeatSpeed = 20;
+  }
+  ASSERT_TRUE(profile.Save());
+  EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(2);
+    stage.Pad().Press({3});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return stage.KeysSent() >= 6; }, kPatience))
+        << "it doesn't repeat";
+    QTest::keyClick(window.Find(1060)->FocusWidget(), Qt::Key_Home);  // "-- None --"
+    EXPECT_EQ(window.Find(1063)->Text(), "0");
+    const int sent = stage.KeysSent();
+    Stage::Settle(500);
+    EXPECT_EQ(stage.KeysSent(), sent);
+  }));
 }
 
 }  // namespace

@@ -92,7 +92,7 @@ platform::Platform Stage::Groups() {
   groups.devices = &pad;
   groups.files = &disk;
   groups.registry = &registry;
-  groups.input = &noInput;
+  groups.input = &input;
   groups.desktop = &qt.Desktop();
   groups.controls = &qt.Controls();
   groups.shell = &shell;

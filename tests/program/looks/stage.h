@@ -5,6 +5,7 @@
 
 #include <QPalette>
 #include <QWidget>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -17,7 +18,6 @@
 #include "app/platform/simulation/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_registry.h"
-#include "app/program/no_input.h"
 
 namespace kelvaro::looks {
 
@@ -46,6 +46,16 @@ class QuietShell final : public platform::Shell {
   }
 };
 
+// Counts what is sent, on whatever thread, and sends nothing.
+class CountedInput final : public platform::Input {
+ public:
+  void keybd_event(std::uint8_t, std::uint8_t, std::uint32_t, std::uint32_t) override { ++keys; }
+  void mouse_event(std::uint32_t, std::int32_t, std::int32_t, std::int32_t,
+                   std::uint32_t) override {}
+
+  std::atomic<int> keys{0};
+};
+
 class Stage {
  public:
   // With the profile kProfile and two shorter ones, and settings that know of the welcome.
@@ -66,6 +76,7 @@ class Stage {
   platform::qt::QtPlatform& Qt() { return qt; }
   platform::simulation::VirtualRegistry& Registry() { return registry; }
   platform::simulation::SimulatedDevice& Pad() { return pad.Device(); }
+  int KeysSent() const { return input.keys; }  // ups and downs
 
   // The newest window that is seen; null for none.
   DialogWindow* Front();
@@ -78,7 +89,7 @@ class Stage {
   platform::simulation::RecordedDevices pad;
   platform::qt::QtPlatform qt;
   QuietShell shell;
-  NoInput noInput;
+  CountedInput input;
   platform::InstalledPlatform installed;
 
   platform::Platform Groups();
