@@ -59,8 +59,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   bool SelectDeviceByName(const ByteString& name);  // byte for byte
 
   // Ends polling and gives up the device; no callback runs after it. Takes 100 ms at least, also
-  // when nothing runs, and as long as a change callback needs to end (stopTimeout at most). Not to
-  // be called from a callback.
+  // when nothing runs, and as long as the tick that is under way and a change callback need to end
+  // (the latter stopTimeout at most). Not to be called from a callback.
   void StopDevice();
 
   bool DeviceSelected() const { return deviceSelected; }

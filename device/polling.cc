@@ -6,7 +6,7 @@
 namespace kelvaro {
 
 namespace {
-// Long enough for a tick that is under way when the timer ends.
+// Kept: behind the end of the timer, which has waited for its last tick by then.
 constexpr std::uint32_t kLastTickMs = 100;
 constexpr std::uint32_t kTimerResolutionMs = 1;
 constexpr std::uint32_t kFallbackTimerLimitMs = 33;
@@ -76,7 +76,7 @@ void DeviceManager::tick(std::uint32_t, void* user) {
   DeviceManager* self = static_cast<DeviceManager*>(user);
   // Taken by anyone, this thread included, costs this period; and so does losing the race for it.
   if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
-  // Null only for a tick that was held up for longer than StopDevice allows it.
+  // Null for a timer that couldn't be ended.
   if (self->device) self->PollDevice();
   self->deviceLock.Release();
 }

@@ -33,7 +33,7 @@ class Timers {
   virtual std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
                                      TimerCallback callback, void* user, std::uint32_t flags) = 0;
 
-  // No call starts after this. One that is under way may still be running.
+  // No call starts after this, and one that is under way has ended, unless it makes this very call.
   virtual std::uint32_t timeKillEvent(std::uint32_t timerId) = 0;
 };
 

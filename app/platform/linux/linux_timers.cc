@@ -4,6 +4,7 @@
 
 #include <map>
 #include <mutex>
+#include <thread>
 
 #include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/detached_thread.h"
@@ -20,8 +21,10 @@ struct LinuxTimers::Timer {
   std::int64_t periodNs = 0;
   TimerCallback callback = nullptr;
   void* user = nullptr;
-  bool killed = false;        // guarded by the state's mutex
-  MonotonicCondition wakeUp;  // when killed
+  // Guarded by the state's mutex.
+  bool killed = false;
+  std::thread::id calling;  // its thread, while a call is under way
+  MonotonicCondition news;  // it was killed, or the last call has ended
 };
 
 struct LinuxTimers::State {
@@ -38,7 +41,7 @@ LinuxTimers::~LinuxTimers() {
   std::unique_lock<PriorityMutex> lock(state->mutex);
   for (const auto& [id, timer] : state->running) {
     timer->killed = true;
-    timer->wakeUp.WakeAll();
+    timer->news.WakeAll();
   }
   state->running.clear();
   while (state->threads != 0) state->threadEnded.Wait(lock);
@@ -74,15 +77,18 @@ void* LinuxTimers::RunTimer(void* start) {
   std::int64_t next = MonotonicNow() + timer->periodNs;
   std::unique_lock<PriorityMutex> lock(state->mutex);
   while (!timer->killed) {
-    if (timer->wakeUp.WaitUntil(lock, next)) continue;  // killed, or woken for nothing
+    if (timer->news.WaitUntil(lock, next)) continue;  // killed, or woken for nothing
     if (timer->killed) break;
+    timer->calling = std::this_thread::get_id();
     lock.unlock();
     timer->callback(timer->id, timer->user);
     // The next grid point that is still ahead.
     const std::int64_t late = MonotonicNow() - next;
     next += (late / timer->periodNs + 1) * timer->periodNs;
     lock.lock();
+    timer->calling = {};
   }
+  timer->news.WakeAll();
   --state->threads;
   state->threadEnded.WakeAll();
   return nullptr;
@@ -115,12 +121,18 @@ std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*r
 
 std::uint32_t LinuxTimers::timeKillEvent(std::uint32_t timerId) {
   StopHereIfCutOff();
-  const std::lock_guard<PriorityMutex> lock(state->mutex);
-  const auto found = state->running.find(timerId);
-  if (found == state->running.end()) return MMSYSERR_INVALPARAM;
-  found->second->killed = true;
-  found->second->wakeUp.WakeAll();
-  state->running.erase(found);
+  {
+    std::unique_lock<PriorityMutex> lock(state->mutex);
+    const auto found = state->running.find(timerId);
+    if (found == state->running.end()) return MMSYSERR_INVALPARAM;
+    const std::shared_ptr<Timer> timer = found->second;
+    timer->killed = true;
+    timer->news.WakeAll();
+    state->running.erase(found);
+    while (timer->calling != std::thread::id() && timer->calling != std::this_thread::get_id())
+      timer->news.Wait(lock);
+  }
+  StopHereIfCutOff();
   return TIMERR_NOERROR;
 }
 

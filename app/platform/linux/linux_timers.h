@@ -33,7 +33,7 @@ class LinuxTimers : public Timers {
   // can be no thread. `resolutionMs` has no meaning here.
   std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
                              TimerCallback callback, void* user, std::uint32_t flags) override;
-  // MMSYSERR_INVALPARAM for an id that is not of a running timer.
+  // MMSYSERR_INVALPARAM, at once, for an id that is not of a running timer.
   std::uint32_t timeKillEvent(std::uint32_t timerId) override;
 
  private:

@@ -78,12 +78,14 @@ std::uint32_t VirtualTimers::timeKillEvent(std::uint32_t timerId) {
   }
   const auto found = timers.find(timerId);
   if (found == timers.end() || found->second->killed) return MMSYSERR_INVALPARAM;
-  Timer& timer = *found->second;
-  timer.killed = true;
-  // A call that is under way finishes; its thread then ends by itself.
-  if (!timer.calling) {
-    scheduler.Terminate(*timer.thread, 0);
+  const std::shared_ptr<Timer> timer = found->second;
+  timer->killed = true;
+  if (!timer->calling) {
+    scheduler.Terminate(*timer->thread, 0);
     timers.erase(found);
+  } else if (timer->thread.get() != &scheduler.Current()) {
+    // The call finishes, and with it its thread.
+    scheduler.Wait({timer->thread}, Scheduler::kNever);
   }
   return TIMERR_NOERROR;
 }

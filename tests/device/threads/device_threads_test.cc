@@ -3,6 +3,7 @@
 // whatever deviceLock and StopDevice don't order shows up as a data race.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -32,9 +33,17 @@ struct ScriptedDevices : test::OnePad {
   std::uint32_t acquires = 0;
   std::uint32_t releases = 0;
   std::int32_t sequence = 0;
+  std::uint32_t lostTakes = 0;  // ms that an Acquire after a loss takes
+  std::atomic<bool> inAcquire{false};
+  bool releasedInside = false;
 
   platform::HRESULT Acquire() override {
     ++acquires;
+    if (losses != 0 && lostTakes != 0) {
+      inAcquire = true;
+      platform::Sleep(lostTakes);
+      inAcquire = false;
+    }
     return platform::DI_OK;
   }
   platform::HRESULT Poll() override {
@@ -53,7 +62,10 @@ struct ScriptedDevices : test::OnePad {
     return platform::DI_OK;
   }
   // Of the device and of the directory.
-  void Release() override { ++releases; }
+  void Release() override {
+    if (inAcquire) releasedInside = true;
+    ++releases;
+  }
 };
 
 struct DeviceThreads : testing::Test {
@@ -204,8 +216,6 @@ TEST_F(DeviceThreads, NoPollFallsIntoALongCallback) {
   EXPECT_FALSE(torn);
 }
 
-// The timer has been killed by then, and nothing but the pause and the lock stands between the end
-// of that tick and the next selection.
 TEST_F(DeviceThreads, ATickThatIsStillRunningEndsBeforeTheDeviceGoes) {
   pollTakes = 50;
   Listen();
@@ -219,6 +229,22 @@ TEST_F(DeviceThreads, ATickThatIsStillRunningEndsBeforeTheDeviceGoes) {
   EXPECT_EQ(polls, devices.polls - devices.losses);
   EXPECT_GE(polls, 3u);
   EXPECT_FALSE(torn);
+}
+
+// However long it takes: also longer than the pause of a stop.
+TEST_F(DeviceThreads, ATickThatTriesToGetTheDeviceBackEndsBeforeTheDeviceGoes) {
+  devices.lostTakes = 400;
+  Listen();
+  ASSERT_TRUE(manager->SetPollInterval(1));
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_TRUE(manager->SelectDevice(0));
+    while (!devices.inAcquire) Pass(1);
+    manager->StopDevice();
+    EXPECT_FALSE(devices.inAcquire);
+    devices.losses = 0;
+  }
+  EXPECT_FALSE(devices.releasedInside);
+  EXPECT_EQ(devices.releases, 3u);
 }
 
 TEST_F(DeviceThreads, AChangeCallbackMayAskForTheSelectionFromItsFirstCallOn) {

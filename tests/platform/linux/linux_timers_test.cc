@@ -82,10 +82,23 @@ TEST(LinuxTimers, NoCallStartsAfterTheKill) {
   const std::uint32_t id = timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC);
   ASSERT_TRUE(Reaches(ticks.count, 5));
   EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
-  Pause(20);  // the end of one that was under way
   const int afterwards = ticks.count;
   Pause(30);
   EXPECT_EQ(ticks.count, afterwards);
+}
+
+TEST(LinuxTimers, TheKillWaitsForTheCallUnderWay) {
+  Ticks ticks;
+  ticks.sleepMs = 200;
+  ticks.sleepTicks = 1000;
+  LinuxTimers timers;
+  for (int round = 1; round <= 3; ++round) {
+    const std::uint32_t id = timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC);
+    ASSERT_TRUE(Reaches(ticks.count, round));
+    EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+    EXPECT_EQ(ticks.inside, 0);
+    ticks.count = round;
+  }
 }
 
 TEST(LinuxTimers, AnUnknownIdIsRefused) {

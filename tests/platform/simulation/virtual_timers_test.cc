@@ -92,7 +92,7 @@ TEST(VirtualTimers, NoCallStartsBehindAKill) {
   EXPECT_EQ(ticks, 2);
 }
 
-TEST(VirtualTimers, ACallThatIsUnderWayFinishesInSpiteOfAKill) {
+TEST(VirtualTimers, AKillWaitsForTheCallThatIsUnderWay) {
   Simulation sim;
   Bodies bodies;
   Diary diary;
@@ -104,8 +104,11 @@ TEST(VirtualTimers, ACallThatIsUnderWayFinishesInSpiteOfAKill) {
   });
   sim.RunFor(15);
   EXPECT_EQ(timeKillEvent(timer), TIMERR_NOERROR);
+  EXPECT_EQ(diary.text, "in@10 out@35 ");
+  EXPECT_EQ(sim.Now(), 35u);
   sim.RunFor(100);
   EXPECT_EQ(diary.text, "in@10 out@35 ");
+  EXPECT_EQ(sim.LivingThreads(), 0u);
 }
 
 TEST(VirtualTimers, ACallMayKillItsOwnTimer) {
