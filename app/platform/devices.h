@@ -28,8 +28,8 @@ class DirectInputDevice {
   // `property` is DIPROP_RANGE: the axis named by the header reads lMin to lMax from here on.
   virtual HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) = 0;
 
-  // DI_OK or DI_NOEFFECT when the device answers. On a lost device it tries to get the same one
-  // (the same guidInstance) back; cheap enough to be called at every tick.
+  // DI_OK or DI_NOEFFECT when the device answers. A lost one is taken up again once the platform
+  // has found it; nothing is looked for here, and so this may be called at every tick.
   virtual HRESULT Acquire() = 0;
   virtual HRESULT Unacquire() = 0;
 

@@ -118,10 +118,10 @@ std::vector<unsigned int> ManyButtons(std::size_t count) {
 UinputPad::UinputPad(const PadShape& shape) : buttons(shape.buttons) {
   libevdev* model = libevdev_new();
   libevdev_set_name(model, shape.name.c_str());
-  libevdev_set_id_bustype(model, BUS_USB);
+  libevdev_set_id_bustype(model, shape.bus);
   libevdev_set_id_vendor(model, shape.vendor);
   libevdev_set_id_product(model, shape.product);
-  libevdev_set_id_version(model, 1);
+  libevdev_set_id_version(model, shape.version);
   for (unsigned int code : shape.buttons) {
     libevdev_enable_event_code(model, EV_KEY, code, nullptr);
   }
@@ -201,7 +201,7 @@ void UinputPad::TurnHat(int hat, int angle) {
   Sync();
 }
 
-UhidPad::UhidPad(const std::string& name, const std::string& serial) {
+UhidPad::UhidPad(const std::string& name, const std::string& serial, std::uint16_t bus) {
   fd = open("/dev/uhid", O_RDWR | O_CLOEXEC);
   if (fd < 0) {
     Fail("/dev/uhid", errno);
@@ -213,7 +213,7 @@ UhidPad::UhidPad(const std::string& name, const std::string& serial) {
   std::string("usb-test-1/input0")
       .copy(reinterpret_cast<char*>(event.u.create2.phys), sizeof event.u.create2.phys - 1);
   event.u.create2.rd_size = sizeof kGamePadDescriptor;
-  event.u.create2.bus = BUS_USB;
+  event.u.create2.bus = bus;
   event.u.create2.vendor = 0x1209;
   event.u.create2.product = 0x0002;
   event.u.create2.version = 1;

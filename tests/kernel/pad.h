@@ -25,6 +25,8 @@ struct PadShape {
   std::string phys = "test/port0";  // what tells equal pads apart where there is no serial number
   std::uint16_t vendor = 0x1209;
   std::uint16_t product = 0x0001;
+  std::uint16_t version = 1;
+  std::uint16_t bus = 0x03;           // BUS_USB
   std::vector<unsigned int> buttons;  // codes of the kernel
   std::vector<PadAxis> axes;
   int hats = 0;  // 0 to 4
@@ -71,8 +73,8 @@ class UinputPad {
 // A pad with buttons 1 to 10, axes X, Y, Z and Rz of one byte each, and a hat switch.
 class UhidPad {
  public:
-  // Comes back once the kernel has made the input device of it.
-  UhidPad(const std::string& name, const std::string& serial);
+  // Comes back once the kernel has made the input device of it. `bus` as in <linux/input.h>.
+  UhidPad(const std::string& name, const std::string& serial, std::uint16_t bus = 0x03);
   ~UhidPad();
   UhidPad(const UhidPad&) = delete;
   UhidPad& operator=(const UhidPad&) = delete;

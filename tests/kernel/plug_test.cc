@@ -94,13 +94,85 @@ TEST(Plug, AnotherPadInItsPlaceIsNotTakenForIt) {
   pad.reset();
   WaitMs(100);
   UhidPad other("Descriptor Pad", "serial-2");
-  WaitMs(200);
+  WaitMs(3000);  // as long as one on another port would take
   other.Report(1);
   EXPECT_TRUE(Sent(run.Keyboard(), {}));
   pad = std::make_unique<UhidPad>("Descriptor Pad", "serial-1");
   WaitMs(200);
   pad->Report(1);
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+}
+
+// Nothing but the make and the name is the same, and then not even the port of the time before.
+TEST(Plug, PadWithoutASerialNumberWorksAgainWhereverItIsPluggedIn) {
+  PadShape there = PlugPad("test/port0");
+  auto pad = std::make_unique<UinputPad>(there);
+  ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(1, "b")}), "Plug Pad",
+                 pad->Node());
+  ASSERT_TRUE(run.Started());
+  const struct {
+    const char* port;
+    std::uint16_t bus, version;
+  } places[] = {{"test/port9", BUS_USB, 1},
+                {"test/port9", BUS_USB, 0x0111},
+                {"test/radio", BUS_BLUETOOTH, 1}};
+  std::vector<std::string> expected;
+  for (const auto& place : places) {
+    SCOPED_TRACE(place.port);
+    pad->Press(0);
+    expected.push_back("KEY_A down");
+    ASSERT_TRUE(Sent(run.Keyboard(), expected));
+    pad.reset();
+    expected.push_back("KEY_A up");
+    ASSERT_TRUE(Sent(run.Keyboard(), expected));
+    there.phys = place.port;
+    there.bus = place.bus;
+    there.version = place.version;
+    pad = std::make_unique<UinputPad>(there);
+    WaitMs(2000);  // another like it might have followed
+    pad->Press(1);
+    WaitMs(50);
+    pad->Release(1);
+    expected.insert(expected.end(), {"KEY_B down", "KEY_B up"});
+    ASSERT_TRUE(Sent(run.Keyboard(), expected));
+  }
+}
+
+TEST(Plug, OfTwoEqualPadsOnOtherPortsNeitherIsTaken) {
+  auto pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "Plug Pad", pad->Node());
+  ASSERT_TRUE(run.Started());
+  pad.reset();
+  WaitMs(100);
+  UinputPad one(PlugPad("test/port8"));
+  UinputPad other(PlugPad("test/port9"));
+  WaitMs(3000);
+  one.Press(0);
+  other.Press(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {}));
+  pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
+  WaitMs(200);
+  pad->Press(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+}
+
+TEST(Plug, ASerialNumberIsKnownAgainByCableAndByRadio) {
+  auto pad = std::make_unique<UhidPad>("Descriptor Pad", "serial-1", BUS_BLUETOOTH);
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "Descriptor Pad", pad->Node());
+  ASSERT_TRUE(run.Started());
+  std::vector<std::string> expected;
+  for (const std::uint16_t bus : {BUS_USB, BUS_BLUETOOTH}) {
+    SCOPED_TRACE(bus);
+    pad.reset();
+    WaitMs(100);
+    pad = std::make_unique<UhidPad>("Descriptor Pad", "serial-1", bus);
+    WaitMs(200);
+    pad->Report(1);
+    WaitMs(50);
+    pad->Report(0);
+    expected.insert(expected.end(), {"KEY_A down", "KEY_A up"});
+    ASSERT_TRUE(Sent(run.Keyboard(), expected));
+  }
 }
 
 TEST(Plug, EqualPadsKeepTheirIdentitiesByTheirSerialNumbers) {

@@ -75,11 +75,6 @@ GUID IdentityTable::Assign(const std::string& place, const DeviceIds& ids) {
   return DeviceIdentity(ids, ordinal);
 }
 
-void IdentityTable::Forget(const std::string& place) {
-  const std::lock_guard<std::mutex> lock(mutex);
-  entries.erase(place);
-}
-
 void IdentityTable::KeepOnly(const std::vector<std::string>& places) {
   const std::lock_guard<std::mutex> lock(mutex);
   for (auto entry = entries.begin(); entry != entries.end();) {

@@ -27,7 +27,6 @@ GUID ProductIdentity(const DeviceIds& ids);
 class IdentityTable {
  public:
   GUID Assign(const std::string& place, const DeviceIds& ids);
-  void Forget(const std::string& place);
   // Forgets all other places.
   void KeepOnly(const std::vector<std::string>& places);
 

@@ -39,6 +39,9 @@ class NodeWatch {
 
   virtual ~NodeWatch() = default;
 
+  // Readable while there are reports.
+  virtual int Fd() const = 0;
+
   // The next report, with *place on Arrived: a node that came or whose permissions changed. Other
   // is news of no concern; Overrun says that reports were lost. One system call when there is none;
   // never blocks.

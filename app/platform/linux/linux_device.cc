@@ -17,39 +17,21 @@ constexpr std::uint8_t kButtonDown = 0x80;
 constexpr std::uint32_t kAbsoluteAxis = 2;
 constexpr std::uint32_t AxisId(std::uint32_t slot) { return slot << 8 | kAbsoluteAxis; }
 
-// How soon a node that can't be opened yet is tried again. Rules run within moments; a change of
-// the user at the machine takes as long as it takes.
-constexpr std::int64_t kFirstRetryMs = 20;
-constexpr std::int64_t kLongestRetryMs = 1000;
-
-bool MayYetOpen(int errorCode) {
-  return errorCode == EACCES || errorCode == EPERM || errorCode == ENOENT;
-}
-
 }  // namespace
 
-std::vector<NodePlace> AttachedNodes(DeviceSource& source) {
-  std::vector<NodePlace> nodes = source.nodes->List();
-  std::vector<std::string> places;
-  places.reserve(nodes.size());
-  for (const NodePlace& node : nodes) places.push_back(node.place);
-  source.identities.KeepOnly(places);
-  return nodes;
+LinuxDevice::LinuxDevice(std::shared_ptr<DeviceSource> source, AttachedDevice attached)
+    : itsReturn(std::move(source), attached.place, attached.identity) {
+  Adopt(std::move(attached.node));
 }
 
-LinuxDevice::LinuxDevice(std::shared_ptr<DeviceSource> sharedSource, AttachedDevice attached)
-    : source(std::move(sharedSource)),
-      identity(attached.identity),
-      make(DeviceIdentity(attached.place.ids, 0)) {
-  Adopt(std::move(attached));
-}
-
-void LinuxDevice::Adopt(AttachedDevice attached) {
-  place = std::move(attached.place);
-  node = std::move(attached.node);
+void LinuxDevice::Adopt(std::unique_ptr<DeviceNode> opened) {
+  node = std::move(opened);
   const DeviceFacts& facts = node->Facts();
   layout = LayOut(facts);
   axes = facts.axes;
+  // One that comes back may have axes that it hadn't before: they read like the others.
+  for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
+    if (layout.axisCode[slot] >= 0 && !ranges[slot]) ranges[slot] = newestRange;
   state = DIJOYSTATE2();
   for (unsigned code = 0; code < KEY_CNT; ++code)
     if (layout.buttonSlot[code] != kNoSlot && facts.keysDown[code])
@@ -74,7 +56,7 @@ void LinuxDevice::Apply(const input_event& event) {
     AxisFacts& axis = axes[event.code];
     axis.value = event.value;
     if (const std::uint8_t slot = layout.axisSlot[event.code]; slot != kNoSlot) {
-      const Range& range = ranges[slot];
+      const Range& range = *ranges[slot];
       AxisSlot(state, slot) =
           ScaleAxis(axis.value, axis.minimum, axis.maximum, range.lowest, range.highest);
     } else if (const std::uint8_t hat = layout.hatSlot[event.code]; hat != kNoSlot) {
@@ -101,7 +83,7 @@ void LinuxDevice::PutToRest() {
   state = DIJOYSTATE2();
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
     if (layout.axisCode[slot] >= 0)
-      AxisSlot(state, slot) = ScaleAxis(0, 0, 0, ranges[slot].lowest, ranges[slot].highest);
+      AxisSlot(state, slot) = ScaleAxis(0, 0, 0, ranges[slot]->lowest, ranges[slot]->highest);
   std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), kPovCentred);
 }
 
@@ -143,7 +125,8 @@ HRESULT LinuxDevice::SetProperty(std::uint32_t property, const DIPROPRANGE& rang
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot) {
     const std::int16_t code = layout.axisCode[slot];
     if (code < 0 || range.diph.dwObj != AxisId(slot)) continue;
-    ranges[slot] = {range.lMin, range.lMax};
+    newestRange = {range.lMin, range.lMax};
+    ranges[slot] = newestRange;
     const AxisFacts& axis = axes[static_cast<unsigned>(code)];
     AxisSlot(state, slot) =
         ScaleAxis(axis.value, axis.minimum, axis.maximum, range.lMin, range.lMax);
@@ -155,7 +138,9 @@ HRESULT LinuxDevice::SetProperty(std::uint32_t property, const DIPROPRANGE& rang
 HRESULT LinuxDevice::Acquire() {
   StopHereIfCutOff();
   if (condition == Condition::Lost) {
-    if (!LookForReturn()) return DIERR_INPUTLOST;
+    std::unique_ptr<DeviceNode> found = itsReturn.Take();
+    if (!found) return DIERR_INPUTLOST;
+    Adopt(std::move(found));
     acquired = true;
     return DI_OK;
   }
@@ -190,11 +175,9 @@ HRESULT LinuxDevice::Poll() {
     } else if (result == -EAGAIN) {
       return DI_OK;
     } else if (result != -EINTR) {
-      node.reset();
-      source->identities.Forget(place.place);
+      itsReturn.Lost(std::move(node));
       PutToRest();
       condition = Condition::AtRest;
-      watchDue = true;
       return DI_OK;
     }
   }
@@ -212,57 +195,6 @@ HRESULT LinuxDevice::GetDeviceState(std::uint32_t size, DIJOYSTATE2* out) {
 void LinuxDevice::Release() {
   StopHereIfCutOff();
   delete this;
-}
-
-bool LinuxDevice::LookForReturn() {
-  if (watchDue) {
-    // Before the search, so that nothing falls between the two.
-    watchDue = false;
-    watch = source->nodes->Watch();
-    searchDue = true;
-    retryDelayMs = watch ? kFirstRetryMs : kLongestRetryMs;
-  }
-  if (watch) {
-    NodePlace arrived;
-    for (;;) {
-      const NodeWatch::Report report = watch->Next(&arrived);
-      if (report == NodeWatch::Report::None) break;
-      if (report == NodeWatch::Report::Overrun ||
-          (report == NodeWatch::Report::Arrived && DeviceIdentity(arrived.ids, 0) == make)) {
-        searchDue = true;
-        retryDelayMs = kFirstRetryMs;
-      }
-      if (report == NodeWatch::Report::Overrun) break;
-    }
-  }
-  if (!searchDue && !(retrying && source->nowMs() >= retryAtMs)) return false;
-  return Search();
-}
-
-bool LinuxDevice::Search() {
-  searchDue = false;
-  retrying = !watch;
-  for (const NodePlace& candidate : AttachedNodes(*source)) {
-    if (DeviceIdentity(candidate.ids, 0) != make) continue;
-    int errorCode = 0;
-    std::unique_ptr<DeviceNode> opened = source->nodes->Open(candidate, &errorCode);
-    if (!opened) {
-      retrying = retrying || MayYetOpen(errorCode);
-      continue;
-    }
-    // A pad's motion sensor and touch pad are nodes of the same make.
-    if (!IsGameDevice(opened->Facts())) continue;
-    if (source->identities.Assign(candidate.place, candidate.ids) != identity) continue;
-    Adopt({candidate, identity, std::move(opened)});
-    watch.reset();
-    retrying = false;
-    return true;
-  }
-  if (retrying) {
-    retryAtMs = source->nowMs() + retryDelayMs;
-    retryDelayMs = std::min(2 * retryDelayMs, kLongestRetryMs);
-  }
-  return false;
 }
 
 }  // namespace platform

@@ -1,36 +1,18 @@
-// One game device in use, and how it comes back after it was lost.
+// One game device in use.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <string>
-#include <vector>
+#include <optional>
 
 #include "app/platform/devices.h"
-#include "app/platform/linux/device_identity.h"
 #include "app/platform/linux/device_layout.h"
 #include "app/platform/linux/device_nodes.h"
+#include "app/platform/linux/device_return.h"
 
 namespace platform {
-
-// What the directory and all devices made by it share.
-struct DeviceSource {
-  std::unique_ptr<DeviceNodes> nodes;
-  IdentityTable identities;
-  std::function<std::int64_t()> nowMs;  // any start; never runs backwards
-};
-
-// The nodes that are attached, by their number; the table of identities forgets all others.
-std::vector<NodePlace> AttachedNodes(DeviceSource& source);
-
-// A game device that is attached and open.
-struct AttachedDevice {
-  NodePlace place;
-  GUID identity;
-  std::unique_ptr<DeviceNode> node;
-};
 
 class LinuxDevice : public DirectInputDevice {
  public:
@@ -45,9 +27,8 @@ class LinuxDevice : public DirectInputDevice {
                       std::uint32_t flags) override;
   HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) override;
 
-  // On a lost device: a search when it is first called, later only when a node of the same make is
-  // reported, and for as long as such a node can't be opened yet, ever less often. Otherwise it
-  // costs one system call.
+  // Takes up a lost device again once it has been found, on a thread of its own (DeviceReturn). No
+  // system call.
   HRESULT Acquire() override;
   HRESULT Unacquire() override;
 
@@ -69,32 +50,20 @@ class LinuxDevice : public DirectInputDevice {
     std::int32_t highest = 65535;  // until one is set
   };
 
-  void Adopt(AttachedDevice attached);
+  void Adopt(std::unique_ptr<DeviceNode> opened);
   void Apply(const input_event& event);
   void PutHat(std::uint32_t hat);
   void PutToRest();
-  bool LookForReturn();
-  bool Search();
 
-  const std::shared_ptr<DeviceSource> source;
-  const GUID identity;
-  const GUID make;  // what the identity starts from, without an ordinal
-  NodePlace place;
+  DeviceReturn itsReturn;
   std::unique_ptr<DeviceNode> node;  // null while lost
   DeviceLayout layout;
   std::array<AxisFacts, ABS_CNT> axes;
-  std::array<Range, kAxisSlots> ranges;
+  std::array<std::optional<Range>, kAxisSlots> ranges;  // of all axes that it has or once had
+  Range newestRange;
   DIJOYSTATE2 state;
   Condition condition = Condition::Attached;
   bool acquired = false;
-
-  // While lost.
-  bool watchDue = false;             // to be made at the next Acquire
-  std::unique_ptr<NodeWatch> watch;  // null where there can be none
-  bool searchDue = false;
-  bool retrying = false;
-  std::int64_t retryAtMs = 0;
-  std::int64_t retryDelayMs = 0;
 };
 
 }  // namespace platform

@@ -87,11 +87,12 @@ class UdevWatch : public NodeWatch {
   UdevWatch(Context madeContext, Monitor madeMonitor)
       : context(std::move(madeContext)), monitor(std::move(madeMonitor)) {}
 
+  int Fd() const override { return udev_monitor_get_fd(monitor.get()); }
+
   Report Next(NodePlace* place) override {
     // Looked for first, since the library's own way to find nothing takes several calls.
     char byte;
-    const int socket = udev_monitor_get_fd(monitor.get());
-    if (recv(socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0)
+    if (recv(Fd(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0)
       return errno == ENOBUFS ? Report::Overrun : Report::None;
     const Device device(udev_monitor_receive_device(monitor.get()));
     if (!device || !IsEventNode(device.get())) return Report::Other;

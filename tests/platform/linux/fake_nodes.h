@@ -1,22 +1,30 @@
-// Event devices that a test plugs in, moves and pulls out, in place of the machine's.
+// Event devices that a test plugs in, moves and pulls out, in place of the machine's. A search on a
+// thread of its own may go on meanwhile.
 #pragma once
 
 #include <errno.h>
 #include <libevdev/libevdev.h>
+#include <sys/eventfd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <set>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/device_nodes.h"
 
 namespace platform {
 
-// What a test and the nodes it made share.
+// What a test and the nodes it made share. Counts may be read while nothing else runs.
 struct FakeMachine {
   struct Read {
     int result;
@@ -31,34 +39,46 @@ struct FakeMachine {
     int readsDone = 0;
   };
 
+  std::mutex mutex;  // of all that follows, once there is a device in use
   std::vector<std::shared_ptr<Plugged>> plugged;
   bool canWatch = true;
   std::deque<std::pair<NodeWatch::Report, NodePlace>> reports;  // while someone listens
+  Descriptor news{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};      // readable while there are reports
   int listeners = 0;
   int looks = 0;  // at the reports
   int lists = 0;
   int opens = 0;
-  std::int64_t nowMs = 0;
+  std::set<std::thread::id> busy;      // threads that have listed, opened or closed
+  std::function<void()> whileOpening;  // on the thread that opens
+  std::atomic<std::int64_t> nowMs{0};
   int lastInput = 0;
 
   // `number` is the kernel's event number.
   std::shared_ptr<Plugged> Plug(int number, const DeviceFacts& facts) {
     auto device = std::make_shared<Plugged>();
-    device->place.path = "/dev/input/event" + std::to_string(number);
-    device->place.place = "/sys/input" + std::to_string(++lastInput);
-    device->place.ids = facts.ids;
-    device->facts = facts;
-    plugged.push_back(device);
-    std::stable_sort(plugged.begin(), plugged.end(), [](const auto& a, const auto& b) {
-      return std::stoi(a->place.path.substr(16)) < std::stoi(b->place.path.substr(16));
-    });
+    {
+      const std::lock_guard<std::mutex> lock(mutex);
+      device->place.path = "/dev/input/event" + std::to_string(number);
+      device->place.place = "/sys/input" + std::to_string(++lastInput);
+      device->place.ids = facts.ids;
+      device->facts = facts;
+      plugged.push_back(device);
+      std::stable_sort(plugged.begin(), plugged.end(), [](const auto& a, const auto& b) {
+        return std::stoi(a->place.path.substr(16)) < std::stoi(b->place.path.substr(16));
+      });
+    }
     TellOf(*device);
     return device;
   }
-  void TellOf(const Plugged& device) {
-    if (listeners > 0) reports.emplace_back(NodeWatch::Report::Arrived, device.place);
+  void TellOf(const Plugged& device) { Tell(NodeWatch::Report::Arrived, device.place); }
+  void Tell(NodeWatch::Report report, const NodePlace& place = NodePlace()) {
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (listeners == 0) return;
+    reports.emplace_back(report, place);
+    eventfd_write(news.Get(), 1);
   }
   void Pull(const std::shared_ptr<Plugged>& device) {
+    const std::lock_guard<std::mutex> lock(mutex);
     device->pulled = true;
     plugged.erase(std::find(plugged.begin(), plugged.end(), device));
   }
@@ -74,10 +94,15 @@ struct FakeMachine {
 
 class FakeNode : public DeviceNode {
  public:
-  explicit FakeNode(std::shared_ptr<FakeMachine::Plugged> from)
-      : device(std::move(from)), facts(device->facts) {}
+  FakeNode(FakeMachine& on, std::shared_ptr<FakeMachine::Plugged> from)
+      : machine(on), device(std::move(from)), facts(device->facts) {}
+  ~FakeNode() override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
+    machine.busy.insert(std::this_thread::get_id());
+  }
   const DeviceFacts& Facts() const override { return facts; }
   int Next(bool resync, input_event* event) override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
     ++device->readsDone;
     if (device->reads.empty()) return device->pulled ? -ENODEV : -EAGAIN;
     const FakeMachine::Read read = device->reads.front();
@@ -90,19 +115,30 @@ class FakeNode : public DeviceNode {
   }
 
  private:
+  FakeMachine& machine;
   const std::shared_ptr<FakeMachine::Plugged> device;
   const DeviceFacts facts;
 };
 
 class FakeWatch : public NodeWatch {
  public:
-  explicit FakeWatch(FakeMachine& on) : machine(on) { ++machine.listeners; }
+  explicit FakeWatch(FakeMachine& on) : machine(on) {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
+    ++machine.listeners;
+  }
   ~FakeWatch() override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
     if (--machine.listeners == 0) machine.reports.clear();
   }
+  int Fd() const override { return machine.news.Get(); }
   Report Next(NodePlace* place) override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
     ++machine.looks;
-    if (machine.reports.empty()) return Report::None;
+    if (machine.reports.empty()) {
+      eventfd_t count;
+      eventfd_read(machine.news.Get(), &count);
+      return Report::None;
+    }
     const auto [report, where] = machine.reports.front();
     machine.reports.pop_front();
     *place = where;
@@ -117,17 +153,22 @@ class FakeNodes : public DeviceNodes {
  public:
   explicit FakeNodes(FakeMachine& on) : machine(on) {}
   std::vector<NodePlace> List() override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
+    machine.busy.insert(std::this_thread::get_id());
     ++machine.lists;
     std::vector<NodePlace> places;
     for (const auto& device : machine.plugged) places.push_back(device->place);
     return places;
   }
   std::unique_ptr<DeviceNode> Open(const NodePlace& place, int* errorCode) override {
+    if (machine.whileOpening) machine.whileOpening();
+    const std::lock_guard<std::mutex> lock(machine.mutex);
+    machine.busy.insert(std::this_thread::get_id());
     ++machine.opens;
     for (const auto& device : machine.plugged) {
       if (device->place.place != place.place) continue;
       *errorCode = device->openError;
-      return device->openError == 0 ? std::make_unique<FakeNode>(device) : nullptr;
+      return device->openError == 0 ? std::make_unique<FakeNode>(machine, device) : nullptr;
     }
     *errorCode = ENOENT;
     return nullptr;

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/platform/linux/evdev_description.h"
@@ -17,6 +20,13 @@ DeviceFacts Pad(const char* name, const char* unique = "") {
   described.Ids(0x1234, 0x5678, 0x0111).Unique(unique);
   described.Keys({BTN_A, BTN_B, BTN_X}).Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100);
   described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1);
+  return described.Facts();
+}
+
+DeviceFacts PadOfPort(const char* port) {
+  EvdevDescription described("a");
+  described.Ids(0x1234, 0x5678, 0x0111).Physical(port).Keys({BTN_A, BTN_B});
+  described.Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100);
   return described.Facts();
 }
 
@@ -34,7 +44,7 @@ using Opened = std::unique_ptr<DirectInputDevice, ReleaseDevice>;
 class LinuxDevicesTest : public ::testing::Test {
  protected:
   LinuxDevicesTest()
-      : devices(std::make_unique<FakeNodes>(machine), [this] { return machine.nowMs; }) {
+      : devices(std::make_unique<FakeNodes>(machine), [this] { return machine.nowMs.load(); }) {
     EXPECT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
   }
   ~LinuxDevicesTest() override { directInput->Release(); }
@@ -94,6 +104,16 @@ class LinuxDevicesTest : public ::testing::Test {
     const HRESULT result = device.Poll();
     if (result == DI_OK || result == DI_NOEFFECT) return true;
     device.Acquire();
+    return false;
+  }
+
+  // Ticks until it is found.
+  bool ComesBack(DirectInputDevice& device) {
+    for (int i = 0; i < 60000; ++i) {
+      if (Tick(device)) return true;
+      machine.nowMs += 10;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
     return false;
   }
 
@@ -328,181 +348,113 @@ TEST_F(LinuxDevicesTest, APulledPadComesToRestBeforeItIsLost) {
   EXPECT_EQ(device->GetDeviceState(sizeof state, &state), DIERR_INPUTLOST);
 }
 
-TEST_F(LinuxDevicesTest, ALostPadComesBackAsSoonAsItsNodeDoes) {
+// What a lost device is known by stands in device_return_test.cc.
+
+TEST_F(LinuxDevicesTest, ALostPadComesBackWithTheStateThatItHasThen) {
   auto pad = machine.Plug(5, Pad("a", "serial"));
   const Opened device = Open();
   for (int round = 0; round < 3; ++round) {
     machine.Pull(pad);
     Lose(*device);
     EXPECT_FALSE(Tick(*device));
-    EXPECT_FALSE(Tick(*device));
     EvdevDescription described("a");
     described.Ids(0x1234, 0x5678, 0x0111).Unique("serial");
     described.Keys({BTN_A, BTN_B, BTN_X}).Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100);
     described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1).Down(BTN_B);
     pad = machine.Plug(20 + round, described.Facts());
-    EXPECT_FALSE(Tick(*device));  // this tick's Acquire opens it
+    ASSERT_TRUE(ComesBack(*device)) << "round " << round;
     DIJOYSTATE2 expected = AtRest();
     expected.rgbButtons[1] = 0x80;
     EXPECT_TRUE(Same(Polled(*device), expected)) << "round " << round;
   }
 }
 
-TEST_F(LinuxDevicesTest, TheRangesStayOverALoss) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
-  machine.Pull(pad);
-  Lose(*device);
-  pad = machine.Plug(6, Pad("a", "serial"));
-  EXPECT_EQ(device->Acquire(), DI_OK);
-  FakeMachine::Say(*pad, EV_ABS, ABS_Y, -50);
-  EXPECT_EQ(Polled(*device).lY, -16000);
-}
-
-TEST_F(LinuxDevicesTest, AReturnBeforeTheLossWasSeenIsFoundAtOnce) {
+TEST_F(LinuxDevicesTest, AReturnBeforeTheLossWasSeenIsNoLessOne) {
   auto pad = machine.Plug(5, Pad("a", "serial"));
   const Opened device = Open();
   machine.Pull(pad);
   machine.Plug(5, Pad("a", "serial"));
   Lose(*device);
-  EXPECT_EQ(device->Acquire(), DI_OK);
+  ASSERT_TRUE(ComesBack(*device));
   EXPECT_TRUE(Same(Polled(*device), AtRest()));
 }
 
-TEST_F(LinuxDevicesTest, WaitingForALostPadIsOneLookATick) {
-  machine.Plug(3, Keyboard());
-  const auto pad = machine.Plug(5, Pad("a", "serial"));
+TEST_F(LinuxDevicesTest, APadThatComesBackElsewhereGoesOn) {
+  const auto pad = machine.Plug(5, PadOfPort("port1"));
   const Opened device = Open();
   machine.Pull(pad);
   Lose(*device);
-  EXPECT_FALSE(Tick(*device));  // listens, and searches once
-  const int lists = machine.lists;
-  const int opens = machine.opens;
-  const int looks = machine.looks;
-  for (int i = 0; i < 100; ++i) {
-    machine.nowMs += 100;
-    EXPECT_FALSE(Tick(*device));
-  }
-  EXPECT_EQ(machine.lists, lists);
-  EXPECT_EQ(machine.opens, opens);
-  EXPECT_EQ(machine.looks, looks + 100);
-}
-
-TEST_F(LinuxDevicesTest, NewsOfOtherDevicesIsNoReasonToSearch) {
-  const auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
-  machine.Pull(pad);
-  Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  const int lists = machine.lists;
-  machine.Plug(6, Keyboard());
-  machine.Plug(7, Pad("a", "another"));
-  machine.reports.emplace_back(NodeWatch::Report::Other, NodePlace());
-  EXPECT_FALSE(Tick(*device));
-  EXPECT_TRUE(machine.reports.empty());
-  EXPECT_EQ(machine.lists, lists);
-}
-
-TEST_F(LinuxDevicesTest, LostNewsLeadsToASearch) {
-  const auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
-  machine.Pull(pad);
-  Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  machine.Plug(6, Pad("a", "serial"));
-  machine.reports.clear();
-  machine.reports.emplace_back(NodeWatch::Report::Overrun, NodePlace());
-  EXPECT_FALSE(Tick(*device));
-  EXPECT_TRUE(Tick(*device));
-}
-
-TEST_F(LinuxDevicesTest, AnEqualPadThatStayedIsNotTakenForTheLostOne) {
-  const auto first = machine.Plug(5, Pad("a"));
-  const auto second = machine.Plug(6, Pad("a"));
-  const Opened device = Open(0);
-  machine.Pull(first);
-  Lose(*device);
-  for (int i = 0; i < 5; ++i) EXPECT_FALSE(Tick(*device));
-  const auto back = machine.Plug(9, Pad("a"));
-  EXPECT_FALSE(Tick(*device));
-  FakeMachine::Say(*back, EV_KEY, BTN_A, 1);
-  FakeMachine::Say(*second, EV_KEY, BTN_B, 1);
+  const auto back = machine.Plug(6, PadOfPort("port2"));
+  ASSERT_TRUE(ComesBack(*device));
+  FakeMachine::Say(*back, EV_KEY, BTN_B, 1);
   DIJOYSTATE2 expected = AtRest();
-  expected.rgbButtons[0] = 0x80;
+  expected.rgbButtons[1] = 0x80;
   EXPECT_TRUE(Same(Polled(*device), expected));
 }
 
-TEST_F(LinuxDevicesTest, TheMotionSensorOfTheSamePadIsNotTakenForIt) {
-  EvdevDescription sensor("a");
-  sensor.Ids(0x1234, 0x5678, 0x0111).Unique("serial").Axes({ABS_X, ABS_Y, ABS_Z});
-  sensor.Property(INPUT_PROP_ACCELEROMETER);
-  const auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
-  machine.Pull(pad);
-  Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  machine.Plug(6, sensor.Facts());
-  machine.Plug(7, Pad("a", "serial"));
-  EXPECT_FALSE(Tick(*device));
-  DIDEVCAPS caps;
-  EXPECT_EQ(device->GetCapabilities(&caps), DI_OK);
-  EXPECT_EQ(caps.dwButtons, 3u);
-  EXPECT_TRUE(Tick(*device));
-}
-
-TEST_F(LinuxDevicesTest, APermissionThatComesLaterIsWaitedForEverLessOften) {
+TEST_F(LinuxDevicesTest, TheRangesStayOverALossAndHoldForNewAxes) {
   auto pad = machine.Plug(5, Pad("a", "serial"));
   const Opened device = Open();
   machine.Pull(pad);
   Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  machine.nowMs = 1000;
+  // By cable it shows a second stick.
+  EvdevDescription described("a");
+  described.Ids(0x1234, 0x5678, 0x0222).Unique("serial").Keys({BTN_A, BTN_B, BTN_X});
+  described.Axis(ABS_X, -100, 100).Axis(ABS_Y, -100, 100, -50).Axis(ABS_RX, -100, 100);
+  described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1);
+  pad = machine.Plug(6, described.Facts());
+  ASSERT_TRUE(ComesBack(*device));
+  FakeMachine::Say(*pad, EV_ABS, ABS_X, 25);
+  DIJOYSTATE2 expected = AtRest();
+  expected.lX = 8000;
+  expected.lY = -16000;
+  expected.lRx = 0;
+  EXPECT_TRUE(Same(Polled(*device), expected));
+}
+
+// The tick of a poll has no time for it.
+TEST_F(LinuxDevicesTest, TheThreadThatPollsNeverListsOpensOrCloses) {
+  auto pad = machine.Plug(5, Pad("a", "serial"));
+  const Opened device = Open();
+  std::atomic<bool> inOpen{false};
+  std::atomic<bool> mayOpen{false};
+  machine.whileOpening = [&] {
+    inOpen = true;
+    while (!mayOpen) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  };
+  machine.busy.clear();
+  machine.Pull(pad);
+  Lose(*device);
   pad = machine.Plug(6, Pad("a", "serial"));
-  pad->openError = EACCES;
-  std::vector<std::int64_t> attempts;
-  for (int opens = machine.opens; machine.nowMs < 5000; ++machine.nowMs) {
+  while (!inOpen) {
     EXPECT_FALSE(Tick(*device));
-    if (machine.opens != opens) attempts.push_back(machine.nowMs);
-    opens = machine.opens;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  // 20 ms later, 40, 80 and so on, and no less often than once a second.
-  EXPECT_EQ(attempts,
-            (std::vector<std::int64_t>{1000, 1020, 1060, 1140, 1300, 1620, 2260, 3260, 4260}));
-  pad->openError = 0;
-  machine.nowMs = 5260;
-  EXPECT_FALSE(Tick(*device));
-  EXPECT_TRUE(Tick(*device));
+  for (int i = 0; i < 100; ++i) EXPECT_FALSE(Tick(*device)) << "it doesn't wait for the open";
+  mayOpen = true;
+  ASSERT_TRUE(ComesBack(*device));
+  const std::lock_guard<std::mutex> lock(machine.mutex);
+  EXPECT_EQ(machine.busy.size(), 1u);
+  EXPECT_EQ(machine.busy.count(std::this_thread::get_id()), 0u);
 }
 
-TEST_F(LinuxDevicesTest, AChangeOfPermissionThatIsReportedCountsAtOnce) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
-  machine.Pull(pad);
-  Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  pad = machine.Plug(6, Pad("a", "serial"));
-  pad->openError = EACCES;
-  EXPECT_FALSE(Tick(*device));
-  pad->openError = 0;
-  machine.TellOf(*pad);
-  EXPECT_FALSE(Tick(*device));
-  EXPECT_TRUE(Tick(*device));
-}
-
-TEST_F(LinuxDevicesTest, WithoutNewsTheSearchIsOnceASecond) {
-  machine.canWatch = false;
+TEST_F(LinuxDevicesTest, TheEndOfALostDeviceWaitsForTheOpenUnderWay) {
   const auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
+  Opened device = Open();
+  std::atomic<bool> begun{false};
+  std::atomic<bool> ended{false};
+  machine.whileOpening = [&] {
+    begun = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ended = true;
+  };
   machine.Pull(pad);
   Lose(*device);
-  EXPECT_FALSE(Tick(*device));
-  const int lists = machine.lists;
-  for (machine.nowMs = 1; machine.nowMs <= 3500; ++machine.nowMs) EXPECT_FALSE(Tick(*device));
-  EXPECT_EQ(machine.lists, lists + 3);
   machine.Plug(6, Pad("a", "serial"));
-  machine.nowMs = 4000;
-  EXPECT_FALSE(Tick(*device));
-  EXPECT_TRUE(Tick(*device));
+  while (!begun) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  device.reset();
+  EXPECT_TRUE(ended);
+  EXPECT_EQ(machine.listeners, 0);
 }
 
 TEST_F(LinuxDevicesTest, ADeviceOutlivesItsDirectory) {
