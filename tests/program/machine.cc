@@ -375,6 +375,11 @@ void XDesktop::Resize(unsigned long window, int width, int height) {
   XSync(display, False);
 }
 
+void XDesktop::Move(unsigned long window, int x, int y) {
+  XMoveWindow(display, window, x, y);
+  XSync(display, False);
+}
+
 void XDesktop::MoveTo(int x, int y) {
   XTestFakeMotionEvent(display, DefaultScreen(display), x, y, CurrentTime);
   XSync(display, False);

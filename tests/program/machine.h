@@ -111,6 +111,7 @@ class XDesktop {
   void Minimise(unsigned long window);
   void CloseWindow(unsigned long window);  // as by its close box
   void Resize(unsigned long window, int width, int height);
+  void Move(unsigned long window, int x, int y);  // as by its title
 
   void MoveTo(int x, int y);
   void Press(int x, int y, unsigned button = 1);

@@ -7,6 +7,8 @@
 #include <fstream>
 #include <memory>
 
+#include "app/platform/linux/settings/sqlite_registry.h"
+#include "app/settings_keys.h"
 #include "tests/program/machine.h"
 
 namespace kelvaro::tests {
@@ -195,6 +197,59 @@ TEST_F(DisplayTest, TheCloseBoxEndsTheProgramAndItsPlaceIsRemembered) {
   program = Run({{"DISPLAY", desktop.Name()}});
   EXPECT_TRUE(Eventually([&] { return Window().width == 900 && Window().height == 600; }))
       << Window().width << " x " << Window().height;
+}
+
+// The width of the first column, the second and the third, as the program left them.
+std::vector<std::uint32_t> StoredColumns(const Home& home) {
+  platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
+  const std::string path = std::string(kProductKey) + '\\' + kMainWindowSubkey;
+  platform::HKEY key = 0;
+  registry.RegOpenKeyA(platform::HKEY_CURRENT_USER, path, &key);
+  std::vector<std::uint32_t> widths;
+  for (const char* name : {"Col 0 Width", "Col 1 Width", "Col 2 Width"}) {
+    std::uint32_t type = 0;
+    std::uint32_t size = sizeof(std::uint32_t);
+    registry.RegQueryValueExA(key, name, &type, &widths.emplace_back(), &size);
+  }
+  registry.RegCloseKey(key);
+  return widths;
+}
+
+TEST_F(DisplayTest, ColumnsThatNobodyTouchesAreAsWideAfterEachStart) {
+  auto program = Begin();
+  const auto end = [&] {
+    desktop.CloseWindow(Window().id);
+    ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  };
+  end();
+  const std::vector<std::uint32_t> first = StoredColumns(home);
+  ASSERT_GT(first.at(0), 8u);
+  for (int start = 2; start <= 4; ++start) {
+    program = Run({{"DISPLAY", desktop.Name()}});
+    ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
+    CloseBox();
+    end();
+    EXPECT_EQ(StoredColumns(home), first) << "start " << start;
+  }
+}
+
+TEST_F(DisplayTest, AWindowThatWasMovedComesBackFromItsIconWhereItWas) {
+  const auto program = Begin();
+  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
+  const XWindow first = Window();
+  desktop.Move(first.id, 40, 60);
+  XWindow moved;
+  ASSERT_TRUE(Eventually([&] {
+    moved = Window();
+    return moved.id != 0 && moved.x < first.x && moved.y < first.y;
+  }));
+  desktop.Minimise(moved.id);
+  ASSERT_TRUE(Eventually([&] { return !desktop.Listed(moved.id) && Window().id == 0; }));
+  const XWindow icon = desktop.Icons().at(0);
+  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
+      << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;
 }
 
 TEST_F(DisplayTest, ItsGripMakesItLargerAndNotSmallerThanItFirstWas) {

@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
+#include <utility>
 
 #include "app/platform/qt/control_maker.h"
 #include "app/platform/qt/dialog_units.h"
@@ -229,7 +230,6 @@ bool DialogWindow::event(QEvent* event) {
     auto* const help = static_cast<QHelpEvent*>(event);
     return ShowTip(help->pos(), help->globalPos());
   }
-  if (event->type() == QEvent::WindowActivate) CorrectForFrame();
   const bool handled = QWidget::event(event);
   if (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
       event->type() == QEvent::WindowStateChange)
@@ -349,7 +349,7 @@ void DialogWindow::ApplyLimits() {
 }
 
 void DialogWindow::FirstPlace() {
-  if (placed) return;
+  if (std::exchange(placed, true)) return;
   const QWidget* const owner = parentWidget();
   const bool over = owner && owner->isVisible() && !owner->isMinimized();
   const QScreen* const display = over ? owner->screen() : QGuiApplication::primaryScreen();
@@ -371,32 +371,22 @@ void DialogWindow::FirstFocus() {
   }
 }
 
-Rect DialogWindow::WholeRect() const { return RectOf(frameGeometry()); }
+// From the frame's corner, and as large as the inside: the window manager's frame comes only when
+// the window is shown, and a size that it changed then would change again what was laid out for it.
+Rect DialogWindow::WholeRect() const { return RectOf(QRect(pos(), size())); }
 
 void DialogWindow::MoveWhole(const Rect& rect) {
   if (initialised || (style & kWindowResizable)) ApplyLimits();
   placed = true;
-  const QSize frame = frameGeometry().size() - size();
-  const QSize whole(rect.Width(), rect.Height());
-  const QSize inside = (whole - frame).expandedTo(QSize(1, 1));
-  wholeWanted = frame.isNull() ? whole : QSize();
+  const QSize inside = QSize(rect.Width(), rect.Height()).expandedTo(QSize(1, 1));
   if (style & kWindowResizable) {
     resize(inside);
   } else {
     setFixedSize(inside);
   }
-  insideThen = size();
   move(rect.left, rect.top);
   // A window that isn't shown gets no event of it before it is.
   if (!isVisible()) TellSize(SIZE_RESTORED, size());
-}
-
-void DialogWindow::CorrectForFrame() {
-  const QSize frame = frameGeometry().size() - size();
-  if (wholeWanted.isEmpty() || frame.isNull()) return;
-  const QSize whole = std::exchange(wholeWanted, QSize());
-  const bool untouched = size() == insideThen && !isMaximized() && !iconic;
-  if (untouched && (style & kWindowResizable)) resize(whole - frame);
 }
 
 void DialogWindow::TellSize(std::uint32_t type, const QSize& size) {
@@ -404,12 +394,10 @@ void DialogWindow::TellSize(std::uint32_t type, const QSize& size) {
 }
 
 void DialogWindow::resizeEvent(QResizeEvent*) {
-  CorrectForFrame();
   if (!iconic) TellSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size());
 }
 
 void DialogWindow::moveEvent(QMoveEvent*) {
-  CorrectForFrame();
   if (ended || handle == kNoWindow) return;
   const QPoint inside = geometry().topLeft();
   listener.OnMove(inside.x(), inside.y());

@@ -109,7 +109,6 @@ class DialogWindow final : public QWidget, private ControlHost {
   void ApplyLimits();
   void FirstPlace();
   void FirstFocus();
-  void CorrectForFrame();
   void TellSize(std::uint32_t type, const QSize& size);
   void Press(Control& button);
   void PressEnter();
@@ -137,14 +136,12 @@ class DialogWindow final : public QWidget, private ControlHost {
   std::vector<std::uint32_t> timersDue;
 
   bool broughtUp = false;    // shown, or hidden by the program before it came to that
-  bool placed = false;       // by the program
+  bool placed = false;       // by the program, or where it was first seen
   bool iconic = false;       // minimised, shown or not
   bool zoomed = false;       // maximised, or was so before it was minimised
   bool shownIconic = false;  // to be shown minimised, unless it is restored at once
   bool hidden = false;       // by the program
   bool standsIn = false;     // minimised where it should be hidden
-  QSize wholeWanted;         // set before its frame was known
-  QSize insideThen;
 };
 
 }  // namespace platform::qt

@@ -279,6 +279,34 @@ TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
   });
 }
 
+TEST_F(DialogWindowTest, TheFrameThatItGetsLeavesItsInsideAsItIs) {
+  Rect given;
+  recorder.onInit = [&](WindowHandle window) {
+    MoveWindow(window, {30, 40, 830, 640});
+    GetClientRect(window, &given);
+  };
+  Run([&] {
+    Settle();
+    EXPECT_NE(Dialog()->frameGeometry().size(), Dialog()->size())
+        << "there is no frame to speak of";
+    Rect now;
+    GetClientRect(Window(), &now);
+    EXPECT_EQ(now, given);
+  });
+}
+
+TEST_F(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
+  Run([&] {
+    Dialog()->move(17, 23);
+    ShowWindow(Window(), SW_HIDE);
+    ShowWindow(Window(), SW_SHOW);
+    ShowWindow(Window(), SW_RESTORE);
+    EXPECT_EQ(Dialog()->pos(), QPoint(17, 23));
+    ShowWindow(Window(), SW_SHOWNORMAL);
+    EXPECT_EQ(Dialog()->pos(), QPoint(17, 23)) << "seen all the time";
+  });
+}
+
 TEST_F(DialogWindowTest, KeepsToItsLimits) {
   recorder.limits.minTrackWidth = 500;
   recorder.limits.minTrackHeight = 300;
