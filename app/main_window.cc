@@ -29,6 +29,7 @@ constexpr std::uint32_t kControlListId = 1003;
 constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kRefreshButton = 1170;
 constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kEditButton = 1005;
 
 // The invisible box of each page, in the order of the tabs.
 constexpr std::uint32_t kPageBoxes[] = {1015, 1017, 1045, 1047};
@@ -261,7 +262,7 @@ void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
       // Control.
       {kControlListId, Notice::DoubleClicked, &MainWindow::OnEditControl},
       {1004, Notice::Clicked, &MainWindow::OnNewControl},
-      {1005, Notice::Clicked, &MainWindow::OnEditControl},
+      {kEditButton, Notice::Clicked, &MainWindow::OnEditControl},
       {1136, Notice::Clicked, &MainWindow::OnDeleteControls},
       {1115, Notice::Clicked, &MainWindow::OnCopyControls},
       {1155, Notice::Clicked, &MainWindow::OnPasteControls},
@@ -359,6 +360,8 @@ void MainWindow::ShowTab(Tab tab) {
   currentTab = tab;
   if (tab == kMouseTab) return;
   EndTestMode();
+  // A button that is hidden is not drawn any more when it loses the focus.
+  platform::SetDefaultButton(window, kEditButton);
   if (engine->detectCount == 0) return;
   engine->EndMouseDetection();
   SaveAfterMouseDetection();

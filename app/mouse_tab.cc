@@ -10,6 +10,7 @@ namespace kelvaro {
 namespace {
 
 constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kEditButton = 1005;
 constexpr std::uint32_t kMovementSensitivityCaption = 1050;
 constexpr std::uint32_t kWheelSensitivityCaption = 1051;
 constexpr std::uint32_t kMovementDamperCaption = 1055;
@@ -217,10 +218,9 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   canvas.TextInRect(text, "Test", platform::GetSysColor(platform::COLOR_BTNTEXT),
                     platform::DT_RIGHT | platform::DT_BOTTOM);
 
-  if (!item.focused) return;
-  canvas.DrawFocusRect(Inside(rect, kFocusInside));
-  // A drawn button doesn't become the default by itself when it gets the focus.
-  if (item.focusAction) platform::SetDefaultButton(window, item.id);
+  if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
+  // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
+  if (item.focusAction) platform::SetDefaultButton(window, item.focused ? item.id : kEditButton);
 }
 
 // Detection

@@ -18,6 +18,7 @@ using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kTabs = 1000;
 constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kControlList = 1003;
 constexpr std::uint32_t kTest = 1036;
 constexpr std::uint32_t kMovementSensitivity = 1052;
 constexpr std::uint32_t kMovementDamper = 1056;
@@ -35,6 +36,7 @@ constexpr std::uint32_t kMiddle = 1162;
 constexpr std::uint32_t kWheel = 1163;
 constexpr std::uint32_t kRight = 1164;
 constexpr std::uint32_t kRefresh = 1170;
+constexpr std::uint8_t kEnter = 0x0D;
 
 // An input of the mouse.
 TriggerItem Input(std::uint16_t kind, std::uint16_t index) {
@@ -474,13 +476,39 @@ TEST_F(TestButtonDrawing, WithTheFocusADottedRectangleIsThreePixelsInside) {
   EXPECT_EQ(lines.back(), "focus " + At(3));
 }
 
-TEST_F(TestButtonDrawing, WithTheFocusItIsTheDefaultButton) {
+TEST_F(TestButtonDrawing, EnterPressesItWhileItHasTheFocus) {
+  BeginHere();
+  screen.FocusOn(kTest);
+  screen.Press(kEnter);
+  EXPECT_TRUE(Engine().mouseTestMode);
+}
+
+TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
   BeginHere();
   screen.FocusOn(kTest);
   // From a control that is no button Enter presses the default one.
   screen.FocusOn(kMovementDamper);
-  screen.Press(0x0D);
-  EXPECT_TRUE(Engine().mouseTestMode);
+  screen.Press(kEnter);
+  EXPECT_FALSE(Engine().mouseTestMode);
+}
+
+TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
+  BeginHere();
+  screen.FocusOn(kTest);
+  screen.ChooseTab(kTabs, MainWindow::kControlTab);
+  screen.SelectRows(kControlList, {});
+  screen.Press(kEnter);
+  EXPECT_FALSE(Engine().mouseTestMode);
+  // By itself, as when a profile has no device, the focus stays behind on the hidden button.
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.FocusOn(kTest);
+  pad.Unplug();
+  Device()->StopDevice();
+  Post(WM_DEVICE_WARNING);
+  screen.Answer(platform::IDOK);
+  ASSERT_EQ(CurrentTab(), MainWindow::kDeviceTab);
+  screen.Press(kEnter);
+  EXPECT_FALSE(Engine().mouseTestMode);
 }
 
 }  // namespace

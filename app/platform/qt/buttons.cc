@@ -73,15 +73,21 @@ class DrawnButtonWidget : public ButtonWidget {
     host.Draw(item, canvas);
   }
   void focusInEvent(QFocusEvent* event) override {
-    focusChanged = true;
     ButtonWidget::focusInEvent(event);
+    DrawFocusChange();
   }
   void focusOutEvent(QFocusEvent* event) override {
-    focusChanged = true;
     ButtonWidget::focusOutEvent(event);
+    DrawFocusChange();
   }
 
  private:
+  // At once, since the program may go by it before the next key comes.
+  void DrawFocusChange() {
+    focusChanged = true;
+    repaint();
+  }
+
   bool focusChanged = false;
 };
 

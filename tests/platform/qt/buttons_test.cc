@@ -94,7 +94,6 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
                  items.back().focusAction);
 
     SetControlFocus(Window(), kDrawnButton);
-    button->repaint();
     EXPECT_TRUE(items.back().focused);
     EXPECT_TRUE(items.back().focusAction);
     button->repaint();

@@ -1,0 +1,78 @@
+// The real dialogs under a person's hands: where keys and clicks lead, and what they leave behind.
+#include <gtest/gtest.h>
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QTabBar>
+#include <QTest>
+#include <QTreeView>
+#include <string>
+
+#include "app/main_window.h"
+#include "tests/program/looks/stage.h"
+
+namespace kelvaro::looks {
+namespace {
+
+constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kControlList = 1003;
+constexpr std::uint32_t kEditButton = 1005;
+constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kDeviceList = 1060;
+constexpr std::uint32_t kInterval = 1076;
+constexpr std::uint32_t kAlwaysActive = 1139;
+constexpr std::uint32_t kRefresh = 1170;
+
+class Use : public testing::Test {
+ protected:
+  void OnMainWindow(const std::function<void()>& script) {
+    EXPECT_TRUE(stage.Open(102, [&](DialogWindow& opened) {
+      window = &opened;
+      script();
+    }));
+  }
+  QWidget* Widget(std::uint32_t id) { return window->Find(id)->FocusWidget(); }
+  QTabBar& Tabs() { return dynamic_cast<QTabBar&>(*Widget(kTabs)); }
+  QTreeView& List() { return dynamic_cast<QTreeView&>(*Widget(kControlList)); }
+  int Rows() { return List().model()->rowCount(); }
+  void Click(QWidget* widget, const QPoint& at) {
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, widget->mapTo(window, at));
+    Stage::Settle();
+  }
+  void ClickTab(int tab) { Click(&Tabs(), Tabs().tabRect(tab).center()); }
+  void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(window->windowHandle(), key, modifiers);
+    Stage::Settle();
+  }
+
+  Stage stage;
+  DialogWindow* window = nullptr;
+};
+
+TEST_F(Use, EnterInTheListEditsAfterTheTestButtonHadTheFocus) {
+  bool edited = false;
+  OnMainWindow([&] {
+    ClickTab(MainWindow::kMouseTab);
+    Widget(kTestButton)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kTestButton);
+    ClickTab(MainWindow::kControlTab);
+    EXPECT_EQ(window->DefaultButton(), kEditButton);
+    Click(List().viewport(), List().visualRect(List().model()->index(0, 0)).center());
+    stage.WhenUp("Define Control", [&](QWidget&) { edited = true; });
+    Key(Qt::Key_Return);
+  });
+  EXPECT_TRUE(edited);
+}
+
+TEST_F(Use, TheTestButtonIsTheDefaultOnlyWhileItHasTheFocus) {
+  OnMainWindow([&] {
+    ClickTab(MainWindow::kMouseTab);
+    Widget(kTestButton)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kTestButton);
+    Widget(kAlwaysActive)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kEditButton);
+  });
+}
+
+}  // namespace
+}  // namespace kelvaro::looks
