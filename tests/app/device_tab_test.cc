@@ -426,6 +426,15 @@ TEST_F(DeviceTabTest, AnIntervalOutside1To1000IsRefused) {
   EXPECT_FALSE(screen.BoxUp());
 }
 
+TEST_F(DeviceTabTest, AFieldThatIsRefusedKeepsTheTab) {
+  BeginHere();
+  screen.Type(kInterval, "0");
+  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  ExpectRefused(kInterval, kIntervalRange, kRangeCaption, platform::MB_OK);
+  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+  EXPECT_EQ(CurrentTab(), MainWindow::kDeviceTab);
+}
+
 TEST_F(DeviceTabTest, WhatIsNoNumberIsRefusedInEitherField) {
   BeginHere();
   for (const std::uint32_t field : {kInterval, kRate}) {

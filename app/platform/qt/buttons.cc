@@ -95,7 +95,9 @@ class PushButton : public Control {
  public:
   PushButton(ControlHost& host, const ControlTemplate& from, ButtonWidget* button)
       : Control(host, from), button(button) {
-    connect(button, &QPushButton::clicked, this, [this] { Clicked(); });
+    connect(button, &QPushButton::clicked, this, [this] {
+      if (this->host.GoesOn()) Clicked();
+    });
     Adopt(button);
   }
 

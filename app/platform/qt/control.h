@@ -29,6 +29,9 @@ class ControlHost {
   virtual void Notify(std::uint32_t id, Notice notice, std::int32_t value = 0) = 0;
   // The same, in its turn: for what happens in the middle of a change of the focus.
   virtual void NotifyInTurn(std::uint32_t id, Notice notice) = 0;
+  // Tells first what is in turn. False when that keeps what the person just did from counting: a
+  // box came up, or the focus was put elsewhere.
+  virtual bool GoesOn() = 0;
   virtual void Draw(const DrawItem& item, Canvas& canvas) = 0;
   // The focus came to or left a button: another one may be the default now.
   virtual void FocusMoved() = 0;

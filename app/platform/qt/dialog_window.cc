@@ -184,6 +184,13 @@ void DialogWindow::TellInTurn() {
   }
 }
 
+bool DialogWindow::GoesOn() {
+  const Control* const focused = Focused();
+  const std::uint64_t askedBefore = around.windows.asked;
+  TellInTurn();
+  return !ended && Focused() == focused && around.windows.asked == askedBefore;
+}
+
 void DialogWindow::SendNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   Notify(id, notice, value);
 }

@@ -102,6 +102,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   const Icons& AllIcons() const override { return around.icons; }
   void Notify(std::uint32_t id, Notice notice, std::int32_t value) override;
   void NotifyInTurn(std::uint32_t id, Notice notice) override;
+  bool GoesOn() override;
   void Draw(const DrawItem& item, Canvas& canvas) override;
   void FocusMoved() override;
 

@@ -41,6 +41,7 @@ class QtDesktop::InFront {
  public:
   InFront(QtDesktop& desktop, Waiting entry) : desktop(desktop) {
     desktop.waiting.push_back(std::move(entry));
+    ++desktop.windows.asked;
   }
   ~InFront() {
     desktop.waiting.pop_back();

@@ -54,6 +54,11 @@ TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
     : Control(host, from), frame(new Frame(host.Inside())), bar(frame->bar) {
   connect(bar, &QTabBar::currentChanged, this, [this](int tab) {
     frame->update();
+    if (!this->host.GoesOn()) {
+      Select(selected);
+      return;
+    }
+    selected = tab;
     this->host.Notify(id, Notice::SelectionChanged, tab);
   });
   Adopt(frame);
@@ -62,6 +67,7 @@ TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
 std::int32_t TabControl::Insert(const std::string& text) {
   const QSignalBlocker quiet(bar);
   const int tab = bar->addTab(Shown(text));
+  selected = bar->currentIndex();
   frame->PlaceBar();
   return tab;
 }
@@ -76,6 +82,7 @@ bool TabControl::Select(std::int32_t tab) {
   if (tab < 0 || tab >= bar->count()) return false;
   const QSignalBlocker quiet(bar);
   bar->setCurrentIndex(tab);
+  selected = tab;
   frame->update();
   return true;
 }

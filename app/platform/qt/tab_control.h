@@ -17,12 +17,13 @@ class TabControl final : public Control {
   // From the control's corner.
   bool TabRect(std::int32_t tab, Rect* rect) const;
   bool Select(std::int32_t tab);
-  std::int32_t Selected() const { return bar->currentIndex(); }
+  std::int32_t Selected() const { return selected; }
 
  private:
   class Frame;
   Frame* const frame;
   QTabBar* const bar;
+  std::int32_t selected = -1;
 };
 
 }  // namespace platform::qt

@@ -41,6 +41,7 @@ class WindowTable {
   void Remove(WindowHandle handle);
   DialogWindow* Find(WindowHandle handle) const;  // null when it isn't there
   void SetState(WindowHandle handle, bool visible, bool iconic);
+  std::uint64_t asked = 0;  // boxes, dialogs and menus so far
 
   // Any thread. All of them, oldest first, without their process.
   std::vector<TopLevelWindow> TopLevelWindows() const;

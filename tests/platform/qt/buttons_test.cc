@@ -119,5 +119,31 @@ TEST_F(ButtonsTest, APictureButtonShowsItsBitmap) {
   });
 }
 
+TEST_F(ButtonsTest, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {
+  std::vector<bool> focused;
+  recorder.onDraw = [&](const DrawItem& item, Canvas&) {
+    if (item.focusAction) focused.push_back(item.focused);
+  };
+  Run([&] {
+    SetControlFocus(Window(), kDrawnButton);
+    EXPECT_EQ(focused, (std::vector<bool>{true}));
+    SetControlFocus(Window(), kNameEdit);
+    EXPECT_EQ(focused, (std::vector<bool>{true, false}));
+  });
+}
+
+TEST_F(ButtonsTest, AClickThatLeavingAnEditPreventsPressesNoButton) {
+  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+    if (notice == Notice::FocusLost) SetControlFocus(Window(), kNameEdit);
+  };
+  Run([&] {
+    SetControlFocus(Window(), kNameEdit);
+    const QPoint point = Widget(kButton)->geometry().center();
+    QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));
+    recorder.onNotice = nullptr;
+  });
+}
+
 }  // namespace
 }  // namespace platform::qt

@@ -61,6 +61,33 @@ TEST_F(TabControlTest, AClickTakesTheFocusFromAnEditFirst) {
   });
 }
 
+// Whoever leaves the edit is held back, by a box or by the focus alone.
+TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
+  for (const bool box : {true, false}) {
+    recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+      if (notice != Notice::FocusLost) return;
+      if (box) {
+        QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
+        MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
+      } else {
+        SetControlFocus(Window(), kNameEdit);
+      }
+    };
+    Run([&] {
+      AddTabs();
+      SetControlFocus(Window(), kNameEdit);
+      Rect rect;
+      TabGetItemRect(Window(), kTabs, 1, &rect);
+      const QPoint point = Widget(kTabs)->mapTo(Dialog(), QPoint(rect.left + 4, rect.top + 4));
+      QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
+      EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"})) << box;
+      EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0) << box;
+      EXPECT_EQ(static_cast<QTabBar*>(Widget(kTabs))->currentIndex(), 0) << box;
+      recorder.onNotice = nullptr;
+    });
+  }
+}
+
 TEST_F(TabControlTest, TabsStandBesideOneAnother) {
   Run([&] {
     AddTabs();

@@ -74,5 +74,28 @@ TEST_F(Use, TheTestButtonIsTheDefaultOnlyWhileItHasTheFocus) {
   });
 }
 
+TEST_F(Use, ARefusedIntervalKeepsTheTabAndHasTheFocus) {
+  int boxes = 0;
+  OnMainWindow([&] {
+    ClickTab(MainWindow::kDeviceTab);
+    auto& field = dynamic_cast<QLineEdit&>(*Widget(kInterval));
+    for (const int tab : {MainWindow::kControlTab, MainWindow::kSettingsTab}) {
+      field.setFocus(Qt::TabFocusReason);
+      field.selectAll();
+      QTest::keyClicks(&field, QStringLiteral("0"));
+      stage.WhenUp("Value Out of Range", [&](QWidget&) { ++boxes; });
+      ClickTab(tab);
+      EXPECT_EQ(Tabs().currentIndex(), MainWindow::kDeviceTab);
+      EXPECT_TRUE(field.isVisible());
+      EXPECT_TRUE(field.hasFocus());
+    }
+    field.selectAll();
+    QTest::keyClicks(&field, QStringLiteral("20"));
+    ClickTab(MainWindow::kControlTab);
+    EXPECT_EQ(Tabs().currentIndex(), MainWindow::kControlTab) << "a good one";
+  });
+  EXPECT_EQ(boxes, 2);
+}
+
 }  // namespace
 }  // namespace kelvaro::looks
