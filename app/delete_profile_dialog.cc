@@ -1,4 +1,5 @@
 #include "app/dialogs.h"
+#include "app/quoted_name.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -13,7 +14,7 @@ DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
     : Dialog(resources::kDeleteProfile), name(name) {}
 
 void DeleteProfileDialog::OnInit() {
-  SetText(kNameLabel, ByteString("\"").Concat(name).Concat("\""));
+  SetText(kNameLabel, QuotedName(name));
   // Enter presses the button that has the focus, and "Yes" comes first.
   platform::SetControlFocus(window, platform::IDCANCEL);
 }

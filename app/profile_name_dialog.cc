@@ -1,4 +1,5 @@
 #include "app/dialogs.h"
+#include "app/quoted_name.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -23,7 +24,7 @@ ProfileNameDialog::ProfileNameDialog(const ByteString& title, const ByteString& 
 
 void ProfileNameDialog::OnInit() {
   platform::SetWindowTextA(window, Bytes(title));
-  SetText(kTopLabel, firstPart.Concat(" \"").Concat(oldName).Concat("\""));
+  SetText(kTopLabel, firstPart.Concat(" ").Concat(QuotedName(oldName)));
   SetText(kNameEdit, oldName);
 }
 

@@ -36,6 +36,14 @@ TEST_F(DeleteProfileDialogTest, ShowsTheNameInDoubleQuotes) {
   EXPECT_EQ(screen.Text(IDCANCEL), "No!");
 }
 
+TEST(DeleteProfileDialogName, ShowsEachAmpersandOfTheName) {
+  Simulation sim;
+  DeleteProfileDialog dialog{"Tom && Jerry & Co"};
+  sim.Screen().Start([&] { return dialog.DoModal(platform::kNoWindow); });
+  EXPECT_EQ(sim.Screen().Text(kName), "\"Tom && Jerry & Co\"");
+  sim.Screen().Click(IDCANCEL);
+}
+
 TEST_F(DeleteProfileDialogTest, YesIsOK) {
   screen.Click(IDOK);
   EXPECT_EQ(screen.Result(), IDOK);
