@@ -122,7 +122,9 @@ void MainWindow::OnNewControl() {
     scratch.controlId = profile.nextControlId++;
     profile.controls.AddTail(scratch);
     profile.Save();
-    FillControlRow(platform::ListInsertItem(window, kControlList, scratch.controlId), scratch);
+    const std::int32_t row = platform::ListInsertItem(window, kControlList, scratch.controlId);
+    FillControlRow(row, scratch);
+    platform::ListEnsureVisible(window, kControlList, row);
     RebuildDispatchList();
   }
   BringShiftReminderBack();
@@ -210,6 +212,7 @@ void MainWindow::OnPasteControls() {
     profile.Save();
   }
   FillControlList();
+  platform::ListEnsureVisible(window, kControlList, profile.controls.count - 1);
 }
 
 void MainWindow::OnMoveUp() {

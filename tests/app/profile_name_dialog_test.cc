@@ -37,6 +37,20 @@ TEST_F(ProfileNameDialogTest, ShowsItsTitleItsTopLineAndTheOldName) {
   EXPECT_EQ(screen.Focus(), kName);
 }
 
+TEST_F(ProfileNameDialogTest, WhatIsTypedFirstTakesThePlaceOfTheOldName) {
+  screen.Press('Z');
+  EXPECT_EQ(screen.Text(kName), "z");
+}
+
+TEST(ProfileNameDialogTopLine, ShowsEachAmpersandOfTheName) {
+  Simulation sim;
+  ProfileNameDialog dialog{"Copy Profile", "Copy profile", "Tom && Jerry & Co"};
+  sim.Screen().Start([&] { return dialog.DoModal(platform::kNoWindow); });
+  EXPECT_EQ(sim.Screen().Text(kTopLine), "Copy profile \"Tom && Jerry & Co\"");
+  EXPECT_EQ(sim.Screen().Text(kName), "Tom && Jerry & Co");
+  sim.Screen().Click(IDCANCEL);
+}
+
 TEST_F(ProfileNameDialogTest, OKTakesTheNewName) {
   screen.Type(kName, "Other Game");
   screen.Click(IDOK);

@@ -13,6 +13,7 @@
 
 #include "app/platform/qt/control_maker.h"
 #include "app/platform/qt/dialog_units.h"
+#include "app/platform/qt/edits.h"
 #include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/tab_control.h"
 #include "app/platform/qt/text.h"
@@ -374,6 +375,8 @@ void DialogWindow::FirstFocus() {
   for (const auto& control : controls) {
     if (!control->TakesFocus() || !control->IsShown() || !control->IsEnabled()) continue;
     control->FocusWidget()->setFocus(Qt::TabFocusReason);
+    // The window isn't active yet, so this is no more than a plan to the edit.
+    if (auto* const edit = dynamic_cast<Edit*>(control.get())) edit->SelectAll();
     return;
   }
 }

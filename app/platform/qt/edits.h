@@ -15,6 +15,7 @@ class Edit final : public Control {
   bool HasText() const override { return true; }
   std::string Text() const override;
   void SetCaret(std::uint32_t offset);
+  void SelectAll() { line->selectAll(); }
 
  private:
   class Widget;

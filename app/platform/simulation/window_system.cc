@@ -232,7 +232,11 @@ void WindowSystem::Appear(VirtualWindow& window) {
     const auto first =
         std::find_if(window.controls.begin(), window.controls.end(),
                      [](const auto& one) { return one.TakesFocus() && one.Usable(); });
-    if (first != window.controls.end()) SetFocus(window, first->id);
+    if (first != window.controls.end()) {
+      SetFocus(window, first->id);
+      first->allSelected = first->kind == ControlKind::Edit;
+      first->caret = static_cast<std::uint32_t>(first->text.size());
+    }
   }
   TellPlace(window, {},
             window.minimised   ? SIZE_MINIMIZED

@@ -176,7 +176,16 @@ TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
   });
 }
 
-TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereNoControlHasTheFocus) {
+TEST_F(DialogWindowTest, ATypedTextTakesThePlaceOfThatOfTheFirstEdit) {
+  recorder.onInit = [](WindowHandle window) { SetDlgItemTextA(window, kNameEdit, "old"); };
+  Run([&] {
+    ASSERT_EQ(GetControlFocus(Window()), kNameEdit);
+    Key(Qt::Key_Z);
+    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "z");
+  });
+}
+
+TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
   Run([&] {
     QWidget* const focused = Dialog()->focusWidget();
     if (focused) focused->clearFocus();

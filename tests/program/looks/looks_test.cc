@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QFontMetrics>
+#include <QLineEdit>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QStyleOptionSlider>
@@ -199,6 +200,8 @@ void ExpectReadable(const DialogTemplate& dialog, DialogWindow& window) {
                         control->kind == ControlKind::Edit ||
                         control->kind == ControlKind::TextArea;
     if (!isText || control->Text().empty() || !control->IsEnabled()) continue;
+    // The colours of a selection are the desktop's own.
+    if (auto* const edit = dynamic_cast<QLineEdit*>(&widget)) edit->deselect();
     // Most of what is painted is background; the middle of a stroke has the ink's own colour.
     const QImage image = window.grab().toImage();
     const QRect place = control->Widget()->geometry().adjusted(3, 3, -3, -3);

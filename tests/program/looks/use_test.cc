@@ -97,5 +97,41 @@ TEST_F(Use, ARefusedIntervalKeepsTheTabAndHasTheFocus) {
   EXPECT_EQ(boxes, 2);
 }
 
+TEST_F(Use, APastedControlIsScrolledIntoViewUnselected) {
+  Stage::AddControls(60);
+  OnMainWindow([&] {
+    Click(List().viewport(), List().visualRect(List().model()->index(0, 0)).center());
+    Key(Qt::Key_C, Qt::ControlModifier);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    const QRect last = List().visualRect(List().model()->index(Rows() - 1, 0));
+    EXPECT_TRUE(List().viewport()->rect().contains(last.center()));
+    EXPECT_TRUE(List().selectionModel()->selectedRows().isEmpty());
+  });
+}
+
+TEST_F(Use, ANewControlIsScrolledIntoViewUnselected) {
+  Stage::AddControls(60);
+  OnMainWindow([&] {
+    const int before = Rows();
+    stage.WhenUp("Define Control", [](QWidget& dialog) {
+      auto& define = dynamic_cast<DialogWindow&>(dialog);
+      QTest::keyClicks(define.Find(1083)->FocusWidget(), QStringLiteral("new"));
+      define.SendNotice(platform::IDOK, platform::Notice::Clicked, 0);
+    });
+    window->SendNotice(1004, platform::Notice::Clicked, 0);
+    ASSERT_EQ(Rows(), before + 1);
+    const QRect last = List().visualRect(List().model()->index(Rows() - 1, 0));
+    EXPECT_TRUE(List().viewport()->rect().contains(last.center()));
+    EXPECT_TRUE(List().selectionModel()->selectedRows().isEmpty());
+  });
+}
+
+TEST_F(Use, TypingInRenameTakesThePlaceOfTheOldName) {
+  EXPECT_TRUE(stage.Open(147, [&](DialogWindow& dialog) {
+    QTest::keyClick(dialog.windowHandle(), Qt::Key_Z);
+    EXPECT_EQ(dialog.Find(1137)->Text(), "z");
+  }));
+}
+
 }  // namespace
 }  // namespace kelvaro::looks
