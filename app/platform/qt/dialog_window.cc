@@ -37,6 +37,13 @@ bool IsInPassing(Notice notice) {
          notice == Notice::HeaderItemChanged;
 }
 
+// No key that such a control was given is the window's, whether there was a use for it or not. The
+// list tells of its keys itself.
+bool TakesAllKeys(ControlKind kind) {
+  return kind == ControlKind::Edit || kind == ControlKind::TextArea ||
+         kind == ControlKind::ListView;
+}
+
 }  // namespace
 
 const QEvent::Type PostedCall::kType = static_cast<QEvent::Type>(QEvent::registerEventType());
@@ -285,9 +292,8 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
       PressEscape();
       break;
     default:
-      if (Focused()) {
-        event->ignore();
-      } else {
+      event->ignore();
+      if (const Control* const focused = Focused(); !focused || !TakesAllKeys(focused->kind)) {
         Notify(0, Notice::KeyDown, VirtualKey(*event));
       }
   }

@@ -1,5 +1,6 @@
 #include "app/platform/qt/drop_list.h"
 
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
@@ -18,12 +19,20 @@ std::string Folded(std::string text) {
 
 }  // namespace
 
-// The wheel scrolls past it, unless it was chosen first.
 class DropList::Widget : public QComboBox {
  public:
   using QComboBox::QComboBox;
 
  protected:
+  // It would look for a row that begins with the letter.
+  void keyPressEvent(QKeyEvent* event) override {
+    if (event->modifiers() & Qt::ControlModifier) {
+      event->ignore();
+    } else {
+      QComboBox::keyPressEvent(event);
+    }
+  }
+  // The wheel scrolls past it, unless it was chosen first.
   void wheelEvent(QWheelEvent* event) override {
     if (hasFocus()) {
       QComboBox::wheelEvent(event);

@@ -193,10 +193,23 @@ TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem
     recorder.lines.clear();
     Key(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"}));
-    recorder.lines.clear();
-    SetControlFocus(Window(), kCheck);
-    Key(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_TRUE(recorder.LinesOf(0).empty());
+    TabInsertItem(Window(), kTabs, "One");
+    for (const std::uint32_t id : {kButton, kPictureButton, kDrawnButton, kCheck, kRadioA,
+                                   kDropList, kTabs, kSlider, kLink}) {
+      ASSERT_TRUE(SetControlFocus(Window(), id));
+      recorder.lines.clear();
+      Key(Qt::Key_C, Qt::ControlModifier);
+      EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"})) << id;
+      Key(Qt::Key_V, Qt::ControlModifier);
+      EXPECT_EQ(recorder.LinesOf(0).size(), 4u) << id << ", the V too";
+    }
+    for (const std::uint32_t id : {kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kList}) {
+      ASSERT_TRUE(SetControlFocus(Window(), id));
+      recorder.lines.clear();
+      for (const Qt::Key key : {Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_F5, Qt::Key_Up})
+        Key(key, Qt::ControlModifier);
+      EXPECT_TRUE(recorder.LinesOf(0).empty()) << id;
+    }
   });
 }
 

@@ -97,6 +97,29 @@ TEST_F(Use, ARefusedIntervalKeepsTheTabAndHasTheFocus) {
   EXPECT_EQ(boxes, 2);
 }
 
+TEST_F(Use, ControlsAreCopiedAndPastedByTheirKeysWhateverButAFieldHasTheFocus) {
+  OnMainWindow([&] {
+    const int before = Rows();
+    Click(List().viewport(), List().visualRect(List().model()->index(0, 0)).center());
+    Widget(kRefresh)->setFocus();  // on a tab that isn't shown: the list keeps it
+    Key(Qt::Key_C, Qt::ControlModifier);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), before + 1) << "in the list, and once";
+    for (const std::uint32_t id : {kTabs, kEditButton, 1001u, 1146u}) {
+      const int rows = Rows();
+      Widget(id)->setFocus(Qt::TabFocusReason);
+      ASSERT_TRUE(Widget(id)->hasFocus()) << id;
+      Key(Qt::Key_V, Qt::ControlModifier);
+      EXPECT_EQ(Rows(), rows + 1) << id;
+    }
+    ClickTab(MainWindow::kDeviceTab);
+    const int rows = Rows();
+    Widget(kInterval)->setFocus(Qt::TabFocusReason);
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(Rows(), rows) << "an edit has its own paste";
+  });
+}
+
 TEST_F(Use, APastedControlIsScrolledIntoViewUnselected) {
   Stage::AddControls(60);
   OnMainWindow([&] {
