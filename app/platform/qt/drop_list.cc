@@ -48,7 +48,7 @@ DropList::DropList(ControlHost& host, const ControlTemplate& from)
   box->setMaxVisibleItems(20);
   for (const char* row : from.rows) Add(row);
   connect(box, &QComboBox::activated, this, [this](int row) {
-    if (row == selected) return;
+    // The same row again, too: what it stood for may have failed.
     selected = row;
     this->host.Notify(id, Notice::SelectionChanged, row);
   });

@@ -1,5 +1,6 @@
 #include "app/platform/qt/drop_list.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QWheelEvent>
 
@@ -84,7 +85,20 @@ TEST_F(DropListTest, EachRowCarriesANumber) {
   });
 }
 
-TEST_F(DropListTest, OnlyAnotherChoiceOfThePersonIsNews) {
+TEST_F(DropListTest, TheChosenRowChosenAgainIsNews) {
+  Run([&] {
+    ComboSetCurSel(Window(), kDropList, 1);
+    SetControlFocus(Window(), kDropList);
+    Box(kDropList)->showPopup();
+    QTest::keyClick(Box(kDropList)->view(), Qt::Key_Return);
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 1"}));
+    Box(kDropList)->showPopup();
+    QTest::keyClick(Box(kDropList)->view(), Qt::Key_Escape);
+    EXPECT_TRUE(recorder.lines.empty()) << "nothing was chosen";
+  });
+}
+
+TEST_F(DropListTest, OnlyAChoiceOfThePersonIsNews) {
   Run([&] {
     EXPECT_TRUE(ComboSetCurSel(Window(), kDropList, 1));
     EXPECT_FALSE(ComboSetCurSel(Window(), kDropList, 3));
