@@ -136,7 +136,7 @@ bool MainWindow::PrepareControls() {
                                      ? firstTab.Height() + kTabMargin
                                      : kTopMarginWithoutTabs;
   FillDeviceList();
-  platform::ComboSetCurSel(window, kDeviceList, 0);
+  SelectDeviceInList({});
   SetText(1070, ToDecimal(deviceManager->TimerMin(), false, 0));
   SetText(1072, ToDecimal(deviceManager->TimerMax(), false, 0));
   if (LaunchesAtStartup()) Check(1172, true);

@@ -279,7 +279,7 @@ void MainWindow::RefreshDeviceList() {
     if (inPluginPoll) return;
     deviceManager->EnumerateDevices();
     FillDeviceList();
-    platform::ComboSetCurSel(window, kDeviceList, 0);
+    SelectDeviceInList({});
     return;
   }
   bool found = deviceManager->EnumerateDevices();
@@ -290,7 +290,7 @@ void MainWindow::RefreshDeviceList() {
   if (found) {
     SelectDeviceInList(profile.deviceGuid);
   } else {
-    platform::ComboSetCurSel(window, kDeviceList, 0);
+    SelectDeviceInList({});
   }
   ShowMouseAndDeviceState();
 }

@@ -263,6 +263,18 @@ TEST_F(ProfileDeviceTest, AProfileWithoutADeviceIsLookedAtByThePluginPollAllTheS
   EXPECT_FALSE(Device()->DeviceSelected());
 }
 
+// Whose name stands before "-- None --" in order of their texts.
+TEST_F(ProfileDeviceTest, ARefreshWithoutADeviceShowsNoneWhereverItStands) {
+  AddPad("(USB) Stick");
+  StoreWithPad("Alpha");
+  Begin();
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.Choose(kDeviceList, kNone);
+  screen.Click(kRefresh);
+  EXPECT_EQ(screen.Rows(kDeviceList), Strings({"(USB) Stick", kNone, "Pad"}));
+  EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
+}
+
 TEST_F(ProfileDeviceTest, AProfileSetToNoDeviceIsLeftAloneByThePluginPoll) {
   Preset("Autodetect Device Plugin", 1);
   StoreWithPad("Alpha");
