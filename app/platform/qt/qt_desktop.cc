@@ -2,8 +2,11 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QEventLoop>
 #include <QScreen>
 #include <QStyle>
+#include <QTimer>
+#include <QWindow>
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
@@ -14,6 +17,11 @@
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
+namespace {
+
+constexpr int kFocusPatience = 1000;  // ms
+
+}  // namespace
 
 // The answer that another thread waits for; the first one counts.
 struct QtDesktop::Waiter {
@@ -103,12 +111,32 @@ QWidget* QtDesktop::SeenOwner(WindowHandle owner) const {
 
 std::int32_t QtDesktop::AskHere(WindowHandle owner, const std::string& text,
                                 const std::string& caption, std::uint32_t type) {
-  if (DialogWindow* behind = Window(owner)) behind->BringUp();
+  DialogWindow* const behind = Window(owner);
+  if (behind) behind->BringUp();
+  const bool tookFocus = behind && behind->isActiveWindow();
   const auto box = MakeMessageBox(SeenOwner(owner), text, caption, type);
   QMessageBox* const shown = box.get();
   const InFront entry(*this, {kNoWindow, [shown] { shown->reject(); }});
   box->exec();
+  if (tookFocus) AwaitFocus(owner);
   return AnswerOf(*box);
+}
+
+// The window manager gives the focus back in its own time, and until then goes elsewhere what is
+// typed for the owner.
+void QtDesktop::AwaitFocus(WindowHandle owner) {
+  const auto comes = [&] {
+    const DialogWindow* const window = Window(owner);
+    return !closing && window && window->isVisible() && !window->isActiveWindow();
+  };
+  if (!comes()) return;
+  Window(owner)->activateWindow();
+  QEventLoop loop;
+  connect(qGuiApp, &QGuiApplication::focusWindowChanged, &loop, [&] {
+    if (!comes()) loop.quit();
+  });
+  QTimer::singleShot(kFocusPatience, &loop, &QEventLoop::quit);
+  loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
 int QtDesktop::Exec(QDialog& dialog) {

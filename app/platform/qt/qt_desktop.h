@@ -93,6 +93,7 @@ class QtDesktop final : public QObject, public Desktop {
   std::int32_t AskHere(WindowHandle owner, const std::string& text, const std::string& caption,
                        std::uint32_t type);
   void GoOnClosing();
+  void AwaitFocus(WindowHandle owner);
   // A box for which no loop runs here; it goes by itself.
   QMessageBox* ShowAside(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);

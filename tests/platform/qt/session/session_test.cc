@@ -1,5 +1,6 @@
 // On an X server with a session bus, both of the test's own.
 #include <QDBusConnection>
+#include <QProcess>
 
 #include "notification_host.h"
 #include "qt_test.h"
@@ -91,6 +92,26 @@ TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
     EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, Icon()));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
   });
+}
+
+TEST_F(SessionTest, WhenABoxHasBeenAnsweredItsOwnerHasTheFocusAgain) {
+  QProcess manager;
+  manager.start(QStringLiteral("icewm"), QStringList());
+  ASSERT_TRUE(manager.waitForStarted()) << "icewm can't be started";
+  Run([&] {
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Dialog()->isActiveWindow(); }, kSoon));
+    for (int i = 0; i < 5; ++i) {
+      QTimer look;
+      QObject::connect(&look, &QTimer::timeout, &look, [&] {
+        if (QWidget* const box = QApplication::activeWindow(); box && box != Dialog()) box->close();
+      });
+      look.start(10);
+      MessageBoxA(Window(), "A word", "Caption", MB_OK);
+      EXPECT_TRUE(Dialog()->isActiveWindow()) << "what is typed now gets lost";
+    }
+  });
+  manager.terminate();
+  manager.waitForFinished();
 }
 
 }  // namespace
