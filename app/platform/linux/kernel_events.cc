@@ -4,6 +4,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <array>
 #include <utility>
 
 #include "app/platform/linux/cut_off.h"
@@ -59,7 +60,6 @@ void KernelEvents::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t
   const std::uint16_t code = KernelKeyCode(vk, scan);
   if (code == 0) return;
   const bool isDown = (flags & KEYEVENTF_KEYUP) == 0;
-  Note(code, isDown);
   const input_event events[] = {Event(EV_KEY, code, isDown ? 1 : 0), Report()};
   Send(IsKeyboardCode(code) ? keyboardFd : mouseFd, events, 2);
 }
@@ -73,10 +73,7 @@ void KernelEvents::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_
     if (dy != 0) batch.Add(Event(EV_REL, REL_Y, dy));
   }
   for (const ButtonEdge& edge : kDownEdges)
-    if (flags & edge.flag) {
-      batch.Add(Event(EV_KEY, edge.code, 1));
-      Note(edge.code, true);
-    }
+    if (flags & edge.flag) batch.Add(Event(EV_KEY, edge.code, 1));
   // A button that goes down and up in one call is a click; within one report it would be nothing.
   for (std::size_t i = 0; i < std::size(kDownEdges); ++i)
     if ((flags & kDownEdges[i].flag) && (flags & kUpEdges[i].flag)) {
@@ -84,10 +81,7 @@ void KernelEvents::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_
       break;
     }
   for (const ButtonEdge& edge : kUpEdges)
-    if (flags & edge.flag) {
-      batch.Add(Event(EV_KEY, edge.code, 0));
-      Note(edge.code, false);
-    }
+    if (flags & edge.flag) batch.Add(Event(EV_KEY, edge.code, 0));
   if ((flags & MOUSEEVENTF_WHEEL) && data != 0) {
     if (const std::int32_t notches = wheel.Add(data)) batch.Add(Event(EV_REL, REL_WHEEL, notches));
     batch.Add(Event(EV_REL, REL_WHEEL_HI_RES, data));
@@ -97,29 +91,8 @@ void KernelEvents::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_
   Send(mouseFd, batch.Data(), batch.Count());
 }
 
-void KernelEvents::ReleaseAll() {
-  for (std::size_t word = 0; word < down.size(); ++word) {
-    std::uint64_t held = down[word].exchange(0);
-    for (unsigned bit = 0; held != 0; ++bit, held >>= 1) {
-      if ((held & 1) == 0) continue;
-      const auto code = static_cast<std::uint16_t>(word * 64 + bit);
-      const input_event events[] = {Event(EV_KEY, code, 0), Report()};
-      Send(IsKeyboardCode(code) ? keyboardFd : mouseFd, events, 2);
-    }
-  }
-}
-
 void KernelEvents::OnFailure(std::function<void(const std::string&)> listener) {
   failureListener = std::move(listener);
-}
-
-void KernelEvents::Note(std::uint16_t code, bool isDown) {
-  const std::uint64_t bit = std::uint64_t{1} << (code % 64);
-  if (isDown) {
-    down[code / 64].fetch_or(bit, std::memory_order_relaxed);
-  } else {
-    down[code / 64].fetch_and(~bit, std::memory_order_relaxed);
-  }
 }
 
 void KernelEvents::Send(int fd, const input_event* events, std::size_t count) {

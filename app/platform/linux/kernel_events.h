@@ -1,11 +1,10 @@
 // Sent events in the kernel's form, for a keyboard and a mouse device. Each call is one write,
 // which holds the events and the report that ends them, so that no reader sees half of it. Any
-// thread; no allocation, no lock; ReleaseAll may be called from a signal handler.
+// thread; no allocation, no lock.
 #pragma once
 
 #include <linux/input.h>
 
-#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -30,19 +29,16 @@ class KernelEvents : public LinuxInput {
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                    std::uint32_t extra) override;
 
-  void ReleaseAll() override;
   std::uint32_t FailedEvents() const override { return failed; }
   void OnFailure(std::function<void(const std::string& text)> listener) override;
   const char* Name() const override { return "uinput"; }
 
  private:
   void Send(int fd, const input_event* events, std::size_t count);
-  void Note(std::uint16_t code, bool down);
 
   const int keyboardFd;
   const int mouseFd;
   WheelNotches wheel;
-  std::array<std::atomic<std::uint64_t>, (KEY_CNT + 63) / 64> down{};
   std::atomic<std::uint32_t> failed{0};
   std::function<void(const std::string&)> failureListener;
 };

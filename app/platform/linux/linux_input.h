@@ -14,10 +14,6 @@ namespace platform {
 
 class LinuxInput : public Input {
  public:
-  // Lets go of every key and button that was pressed through this object and not let go of since.
-  // For ends that leave no time for an orderly one.
-  virtual void ReleaseAll() = 0;
-
   // Events that the system refused to take, since the start.
   virtual std::uint32_t FailedEvents() const = 0;
 

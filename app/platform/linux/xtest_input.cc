@@ -106,11 +106,6 @@ void XTestInput::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t 
   Flush();
 }
 
-void XTestInput::ReleaseAll() {
-  const std::lock_guard<std::mutex> lock(mutex);
-  if (!broken) Release();
-}
-
 std::uint32_t XTestInput::FailedEvents() const {
   const std::lock_guard<std::mutex> lock(mutex);
   return failed;

@@ -28,7 +28,6 @@ class XTestInput : public LinuxInput {
                    std::uint32_t extra) override;
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                    std::uint32_t extra) override;
-  void ReleaseAll() override;
   std::uint32_t FailedEvents() const override;
   void OnFailure(std::function<void(const std::string& text)> listener) override;
   const char* Name() const override { return "XTest"; }

@@ -170,25 +170,6 @@ TEST_F(KernelEventsTest, WheelCountsGoOutAlwaysAndNotchesWhenFull) {
   EXPECT_EQ(Mouse(), "");
 }
 
-TEST_F(KernelEventsTest, ReleaseAllLetsGoOfWhatIsDownAndOnlyOfThat) {
-  KernelEvents events(keyboard[0], mouse[0]);
-  events.keybd_event('A', 0x1E, 0, 0);
-  events.keybd_event('B', 0x30, 0, 0);
-  events.keybd_event('B', 0x30, KEYEVENTF_KEYUP, 0);
-  events.mouse_event(MOUSEEVENTF_RIGHTDOWN, 0, 0, 0, 0);
-  events.keybd_event(6, 0, 0, 0);
-  while (!Keyboard().empty() || !Mouse().empty()) {
-  }
-  events.ReleaseAll();
-  EXPECT_EQ(Keyboard(), "1 30 0, 0 0 0");
-  EXPECT_EQ(Keyboard(), "");
-  EXPECT_EQ(Mouse(), "1 273 0, 0 0 0");
-  EXPECT_EQ(Mouse(), "1 276 0, 0 0 0");
-  EXPECT_EQ(Mouse(), "");
-  events.ReleaseAll();
-  EXPECT_EQ(Keyboard() + Mouse(), "");
-}
-
 TEST_F(KernelEventsTest, AFailingWriteIsCountedAndReportedOnce) {
   const int readOnly = open("/dev/null", O_RDONLY | O_CLOEXEC);
   ASSERT_GE(readOnly, 0);

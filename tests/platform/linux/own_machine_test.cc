@@ -294,7 +294,7 @@ TEST_F(OwnMachineTest, KeysComeOutOfTheVirtualKeyboard) {
   input->keybd_event('B', 0x30, KEYEVENTF_KEYUP, 0);
   input->keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
   input->keybd_event(0xFE, 0, 0, 0);
-  input->ReleaseAll();
+  input->keybd_event(0xFE, 0, KEYEVENTF_KEYUP, 0);
   EXPECT_EQ(reader->All(), "1 30 1, 0 0 0, 1 30 0, 0 0 0, 1 355 1, 0 0 0, 1 355 0, 0 0 0");
   EXPECT_EQ(input->FailedEvents(), 0u);
 }
