@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "app/platform/input.h"
@@ -67,10 +68,12 @@ unsigned int KeyCodeOf(unsigned int scan, bool press) {
   return found->second;
 }
 
-// What the kernel passes on of the events of a case: it drops what changes nothing.
+// What the kernel passes on of the events of a case: it drops what changes nothing. A release that
+// its own virtual key hadn't pressed doesn't get so far.
 std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
   std::vector<TimedText> texts;
   std::map<unsigned int, bool> down;
+  std::map<unsigned int, std::set<unsigned int>> holders;  // virtual keys, of each kernel key
   const auto key = [&](std::int64_t t, unsigned int code, bool press) {
     if (code != 0 && down[code] != press) {
       down[code] = press;
@@ -88,7 +91,15 @@ std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
     const unsigned int flags = event["flags"].asUInt();
     if (event["event"] == "key") {
       const bool press = (flags & platform::KEYEVENTF_KEYUP) == 0;
-      key(t, KeyCodeOf(event["scan"].asUInt(), press), press);
+      const unsigned int code = KeyCodeOf(event["scan"].asUInt(), press);
+      const unsigned int vk = event["vk"].asUInt();
+      std::set<unsigned int>& vks = holders[code];
+      if (press) {
+        vks.insert(vk);
+      }
+      if (press || vks.erase(vk) != 0) {
+        key(t, code, press);
+      }
       continue;
     }
     if ((flags & platform::MOUSEEVENTF_MOVE) != 0) {

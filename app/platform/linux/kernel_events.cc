@@ -60,6 +60,7 @@ void KernelEvents::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t
   const std::uint16_t code = KernelKeyCode(vk, scan);
   if (code == 0) return;
   const bool isDown = (flags & KEYEVENTF_KEYUP) == 0;
+  if (!holders.Note(code, vk, isDown)) return;
   const input_event events[] = {Event(EV_KEY, code, isDown ? 1 : 0), Report()};
   Send(IsKeyboardCode(code) ? keyboardFd : mouseFd, events, 2);
 }

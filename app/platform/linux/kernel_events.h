@@ -11,6 +11,7 @@
 #include <functional>
 #include <string>
 
+#include "app/platform/linux/key_holders.h"
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/wheel_notches.h"
 
@@ -21,8 +22,8 @@ class KernelEvents : public LinuxInput {
   // The descriptors stay the caller's and must be open for the life of this object.
   KernelEvents(int keyboardFd, int mouseFd);
 
-  // A key that the kernel doesn't know sends nothing. Repeated downs and releases of keys that are
-  // up go out as they come: the kernel drops what changes nothing.
+  // A key that the kernel doesn't know sends nothing, nor does a release by a virtual key that
+  // doesn't hold its key down. Repeated downs go out as they come: the kernel drops them.
   void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                    std::uint32_t extra) override;
   // Motion, then buttons that go down, then buttons that go up, then the wheel.
@@ -38,6 +39,7 @@ class KernelEvents : public LinuxInput {
 
   const int keyboardFd;
   const int mouseFd;
+  KeyHolders holders;
   WheelNotches wheel;
   std::atomic<std::uint32_t> failed{0};
   std::function<void(const std::string&)> failureListener;

@@ -74,7 +74,7 @@ void XTestInput::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t f
   if (code == 0) return;
   const bool down = (flags & KEYEVENTF_KEYUP) == 0;
   const std::lock_guard<std::mutex> lock(mutex);
-  if (!Alive()) return;
+  if (!Alive() || !holders.Note(code, vk, down)) return;
   if (code == BTN_SIDE || code == BTN_EXTRA) {
     Button(code == BTN_SIDE ? kSide : kExtra, down);
   } else {

@@ -1,5 +1,6 @@
 // Events by the X server's test extension. It takes X key codes, which on every current server are
-// the kernel's plus 8; a key without one (the kernel's codes above 247) sends nothing. Any thread.
+// the kernel's plus 8; a key without one (the kernel's codes above 247) sends nothing, nor does a
+// release by a virtual key that doesn't hold its key down. Any thread.
 #pragma once
 
 #include <bitset>
@@ -7,6 +8,7 @@
 #include <mutex>
 #include <string>
 
+#include "app/platform/linux/key_holders.h"
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/wheel_notches.h"
 
@@ -49,6 +51,7 @@ class XTestInput : public LinuxInput {
   bool broken = false;  // the connection is gone
   unsigned sent = 0;
   std::uint32_t failed = 0;
+  KeyHolders holders;
   WheelNotches wheel;
   std::bitset<256> keysDown;
   std::bitset<256> buttonsDown;

@@ -69,14 +69,46 @@ TEST_F(KernelEventsTest, AnExtendedKeyGoesByItsScanCode) {
   EXPECT_EQ(Keyboard(), "1 97 0, 0 0 0");
 }
 
-TEST_F(KernelEventsTest, RepeatedDownsAndStrayReleasesAreSentAsTheyCome) {
+TEST_F(KernelEventsTest, RepeatedDownsAreSentAsTheyCome) {
   KernelEvents events(keyboard[0], mouse[0]);
-  events.keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
   events.keybd_event('A', 0x1E, 0, 0);
   events.keybd_event('A', 0x1E, 0, 0);
-  EXPECT_EQ(Keyboard(), "1 30 0, 0 0 0");
   EXPECT_EQ(Keyboard(), "1 30 1, 0 0 0");
   EXPECT_EQ(Keyboard(), "1 30 1, 0 0 0");
+}
+
+// The strays are those behind <P:800>, <P:273> and <P:3000>.
+TEST_F(KernelEventsTest, AReleaseIsSentOnlyWhereItsOwnVirtualKeyPressedThatKey) {
+  const struct {
+    std::uint8_t vk, scan, strayVk;
+    const char* down;
+    const char* up;
+  } rows[] = {{'D', 0x20, 0x03, "1 32 1, 0 0 0", "1 32 0, 0 0 0"},
+              {'W', 0x11, 0x01, "1 17 1, 0 0 0", "1 17 0, 0 0 0"},
+              {0xA5, 0xB8, 0x0B, "1 100 1, 0 0 0", "1 100 0, 0 0 0"}};  // KEY_RIGHTALT
+  KernelEvents events(keyboard[0], mouse[0]);
+  for (const auto& row : rows) {
+    events.keybd_event(row.vk, row.scan, KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(Keyboard(), "") << row.down;
+    events.keybd_event(row.vk, row.scan, 0, 0);
+    EXPECT_EQ(Keyboard(), row.down);
+    events.keybd_event(row.strayVk, row.scan, KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(Keyboard(), "") << row.down;
+    events.keybd_event(row.vk, row.scan, KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(Keyboard(), row.up);
+    events.keybd_event(row.vk, row.scan, KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(Keyboard(), "") << row.down;
+  }
+}
+
+TEST_F(KernelEventsTest, EachVirtualKeyThatPressedAKeyMayReleaseIt) {
+  KernelEvents events(keyboard[0], mouse[0]);
+  events.keybd_event(0x10, 0x2A, 0, 0);  // <Shift>
+  events.keybd_event(0xA0, 0x2A, 0, 0);  // <LShift>
+  events.keybd_event(0x10, 0x2A, KEYEVENTF_KEYUP, 0);
+  events.keybd_event(0xA0, 0x2A, KEYEVENTF_KEYUP, 0);
+  for (const char* written : {"1 42 1, 0 0 0", "1 42 1, 0 0 0", "1 42 0, 0 0 0", "1 42 0, 0 0 0"})
+    EXPECT_EQ(Keyboard(), written);
 }
 
 TEST_F(KernelEventsTest, AKeyThatTheKernelDoesNotKnowSendsNothing) {

@@ -158,6 +158,26 @@ TEST_F(XTestInputTest, ModifiersAndExtendedKeysArrive) {
   EXPECT_EQ(Next(), "key 105 up");
 }
 
+// The strays are those behind <P:800>, <P:273> and <P:3000>.
+TEST_F(XTestInputTest, AReleaseIsSentOnlyWhereItsOwnVirtualKeyPressedThatKey) {
+  const struct {
+    std::uint8_t vk, scan, strayVk;
+    std::string key;
+  } rows[] = {
+      {'D', 0x20, 0x03, "key 40"}, {'W', 0x11, 0x01, "key 25"}, {0xA5, 0xB8, 0x0B, "key 108"}};
+  for (const auto& row : rows) {
+    input->keybd_event(row.vk, row.scan, 0, 0);
+    EXPECT_EQ(Next(), row.key + " down");
+    input->keybd_event(row.strayVk, row.scan, KEYEVENTF_KEYUP, 0);
+    input->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+    EXPECT_EQ(Next(), "button 1 down") << row.key;
+    input->mouse_event(MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+    EXPECT_EQ(Next(), "button 1 up");
+    input->keybd_event(row.vk, row.scan, KEYEVENTF_KEYUP, 0);
+    EXPECT_EQ(Next(), row.key + " up");
+  }
+}
+
 TEST_F(XTestInputTest, MouseButtonsHaveTheirNumbersInX) {
   input->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
   input->mouse_event(MOUSEEVENTF_LEFTUP | MOUSEEVENTF_MIDDLEDOWN, 0, 0, 0, 0);
@@ -223,7 +243,7 @@ TEST_F(XTestInputTest, AServerThatGoesAwayIsCountedAndReportedOnce) {
   XCloseDisplay(viewer);
   viewer = nullptr;
   server.Stop();
-  for (int i = 0; i < 10; ++i) input->keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
+  for (int i = 0; i < 10; ++i) input->keybd_event('A', 0x1E, 0, 0);
   EXPECT_GE(input->FailedEvents(), 8u);  // the first ones find out
   EXPECT_EQ(reports, std::vector<std::string>{"the X server has gone away"});
 }
