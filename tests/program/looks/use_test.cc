@@ -120,6 +120,19 @@ TEST_F(Use, ControlsAreCopiedAndPastedByTheirKeysWhateverButAFieldHasTheFocus) {
   });
 }
 
+TEST_F(Use, TheColumnsSayWhatTheyShow) {
+  OnMainWindow([&] {
+    const QAbstractItemModel& model = *List().model();
+    ASSERT_EQ(model.columnCount(), 3);
+    const char* const headings[] = {"Trigger", "Action", "Description"};
+    for (int column = 0; column < 3; ++column)
+      EXPECT_EQ(model.headerData(column, Qt::Horizontal).toString().toStdString(),
+                headings[column]);
+    EXPECT_EQ(model.index(4, 0).data().toString().toStdString(), "B1");
+    EXPECT_EQ(model.index(4, 2).data().toString().toStdString(), "Jump");
+  });
+}
+
 TEST_F(Use, APastedControlIsScrolledIntoViewUnselected) {
   Stage::AddControls(60);
   OnMainWindow([&] {
