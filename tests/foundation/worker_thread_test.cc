@@ -394,6 +394,17 @@ TEST_F(WorkerThreadTest, OnExitFollowsRunOnTheThread) {
   platform::CloseHandle(exitEvent);
 }
 
+// A start that waits sees a thread whose Run is over already, for as long as OnExit takes.
+TEST_F(WorkerThreadTest, OnExitStillCountsAsRunning) {
+  Worker worker([](Worker&) { return 0u; });
+  worker.atExit = [] { Sleep(100); };
+  ASSERT_TRUE(worker.Start(true, 0));
+  EXPECT_EQ(sim.Now(), 1u);
+  EXPECT_TRUE(worker.IsRunning());
+  sim.RunFor(100);
+  EXPECT_FALSE(worker.IsRunning());
+}
+
 // The code of a thread that still runs is 259, and so such a result looks like one.
 TEST_F(WorkerThreadTest, AResultOfStillActiveLooksLikeARunningThread) {
   Worker worker([](Worker&) { return platform::STILL_ACTIVE; });
