@@ -14,6 +14,8 @@ using platform::REG_EXPAND_SZ;
 using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kTabs = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kSettingsTab = 3;
 constexpr std::uint32_t kStartMinimizedBox = 1171;
 constexpr std::uint32_t kLaunchBox = 1172;
@@ -160,6 +162,28 @@ TEST_F(AppSettingsTest, WithoutADeviceItsValuesAreNotWritten) {
   EXPECT_EQ(Written(kSettings).front(), "Show Auto-Detect Usage");
   EXPECT_EQ(SettingText("Last Device"), std::nullopt);
   EXPECT_FALSE(sim.Registry().HasKey(std::string(kSettings) + "\\Devices"));
+}
+
+// Somebody may take the key away while the program runs.
+TEST_F(AppSettingsTest, TheKeyIsMadeAgainByWhateverIsStoredNext) {
+  StoreProfile("Other");
+  AddPad("Stick");
+  BeginOnSettings();
+  Device()->StopDevice();
+  const auto takeAway = [this] {
+    sim.Registry().RemoveKey(kSettings);
+    EXPECT_EQ(Number("Smart Check"), std::nullopt);
+  };
+  takeAway();
+  screen.Click(kStartMinimizedBox);
+  EXPECT_EQ(Number("Start Minimized"), 1u);
+  takeAway();
+  screen.Choose(kProfileList, "Other");
+  EXPECT_EQ(SettingText("Last Profile"), "Other");
+  screen.Answer(platform::IDOK);  // it has no device
+  takeAway();
+  screen.Choose(kDeviceList, "Stick");
+  EXPECT_EQ(SettingText("Last Device"), "Stick");
 }
 
 TEST_F(AppSettingsTest, TheWelcomeIsWrittenAsThePlainNumber) {
