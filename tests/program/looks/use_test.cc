@@ -1,7 +1,6 @@
 // The real dialogs under a person's hands: where keys and clicks lead, and what they leave behind.
 #include <gtest/gtest.h>
 
-#include <QComboBox>
 #include <QLineEdit>
 #include <QTabBar>
 #include <QTest>
@@ -18,7 +17,6 @@ constexpr std::uint32_t kTabs = 1000;
 constexpr std::uint32_t kControlList = 1003;
 constexpr std::uint32_t kEditButton = 1005;
 constexpr std::uint32_t kTestButton = 1036;
-constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kInterval = 1076;
 constexpr std::uint32_t kAlwaysActive = 1139;
 constexpr std::uint32_t kRefresh = 1170;
