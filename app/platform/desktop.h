@@ -182,7 +182,7 @@ class Desktop {
   virtual bool SetForegroundWindow(WindowHandle window) = 0;
   virtual bool SetWindowTextA(WindowHandle window, const std::string& text) = 0;
   virtual bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large) = 0;
-  virtual bool GetWindowRect(WindowHandle window, Rect* rect) = 0;  // on the screen, frame included
+  virtual bool GetWindowRect(WindowHandle window, Rect* rect) = 0;  // on screen, its own frame too
   virtual bool GetClientRect(WindowHandle window, Rect* rect) = 0;  // at 0,0
   // Moves and sizes the whole window and paints it.
   virtual bool MoveWindow(WindowHandle window, const Rect& rect) = 0;
