@@ -1,10 +1,13 @@
-// Pads that are no standard pad: many buttons, D-pads of either kind, four hats, odd axes.
+// Pads that are no standard pad: many buttons, D-pads of either kind, four hats, odd axes, keys;
+// and what looks like a pad and is none.
 
 #include <gtest/gtest.h>
 #include <json/json.h>
 #include <linux/input.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 #include "tests/kernel/pad.h"
@@ -212,6 +215,133 @@ TEST(OddPad, ThrottleAndRudderAreTheSliders) {
   pad.Press(1);
   EXPECT_TRUE(
       Sent(run.Keyboard(), {"KEY_T down", "KEY_T up", "KEY_R down", "KEY_R up", "KEY_B down"}));
+}
+
+// The pad, and in the same node the keyboard that its paddles can type on.
+PadShape EliteOverBluetooth() {
+  PadShape shape;
+  shape.name = "Xbox Elite Wireless Controller";
+  shape.bus = BUS_BLUETOOTH;
+  shape.vendor = 0x045e;
+  shape.product = 0x0b05;
+  for (unsigned int button = 0; button < 16; ++button) shape.buttons.push_back(BTN_A + button);
+  for (unsigned int key = KEY_ESC; key <= KEY_KPDOT; ++key) shape.buttons.push_back(key);
+  for (unsigned int key = KEY_HOME; key <= KEY_DELETE; ++key) shape.buttons.push_back(key);
+  shape.axes = {{ABS_X, 0, 65535, 32768},  {ABS_Y, 0, 65535, 32768}, {ABS_RX, 0, 65535, 32768},
+                {ABS_RY, 0, 65535, 32768}, {ABS_Z, 0, 1023, 0},      {ABS_RZ, 0, 1023, 0}};
+  shape.hats = 1;
+  return shape;
+}
+
+TEST(OddPad, OneThatTypesTooIsPlayedWithAndItsKeysAreNoButtons) {
+  const PadShape shape = EliteOverBluetooth();
+  UinputPad pad(shape);
+  const Json::Value device = OnlyDevice();
+  EXPECT_EQ(device["buttons"].asUInt(), 16U);
+  EXPECT_EQ(device["axes"].asUInt(), 6U);
+  EXPECT_EQ(device["povs"].asUInt(), 1U);
+  ProfileRun run(ProfileOf({ButtonControl(15, "p"), ItemControl(2, 0, 2, "t"),
+                            ItemControl(8, 0, 2, "u"), ButtonControl(16, "x")}),
+                 shape.name, pad.Node());
+  ASSERT_TRUE(run.Started());
+  pad.Press(15);
+  WaitMs(30);
+  pad.Release(15);
+  WaitMs(30);
+  for (std::size_t key = 16; key < shape.buttons.size(); ++key) {
+    pad.Press(key);
+    WaitMs(10);
+    pad.Release(key);
+    WaitMs(10);
+  }
+  pad.Move(ABS_Z, 1023);
+  WaitMs(30);
+  pad.Move(ABS_Z, 0);
+  WaitMs(30);
+  pad.TurnHat(0, 0);
+  WaitMs(30);
+  pad.TurnHat(0, -1);
+  EXPECT_TRUE(Sent(run.Keyboard(),
+                   {"KEY_P down", "KEY_P up", "KEY_T down", "KEY_T up", "KEY_U down", "KEY_U up"}));
+}
+
+TEST(NoPad, SystemControlOfAKeyboard) {
+  PadShape shape;
+  shape.name = "Keyboard System Control";
+  shape.phys = "test/port1";
+  shape.vendor = 0x342d;
+  shape.product = 0xe483;
+  shape.buttons = {KEY_POWER, KEY_HELP, KEY_MENU, KEY_SLEEP, KEY_WAKEUP, KEY_SELECT};
+  shape.hats = 1;
+  UinputPad control(shape);
+  PadShape other;
+  other.name = "Real Pad";
+  other.buttons = GamePadButtons(4);
+  UinputPad pad(other);
+  EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
+}
+
+// Rules of udev's for the life of the object. `file` is a name that no other rules have.
+class UdevRules {
+ public:
+  UdevRules(const std::string& file, const std::string& from) : path("/run/udev/rules.d/" + file) {
+    std::filesystem::create_directories("/run/udev/rules.d");
+    std::filesystem::copy_file(from, path);
+    Reload();
+  }
+  ~UdevRules() {
+    std::filesystem::remove(path);
+    Reload();
+  }
+  UdevRules(const UdevRules&) = delete;
+  UdevRules& operator=(const UdevRules&) = delete;
+
+ private:
+  static void Reload() {
+    EXPECT_EQ(RunToEnd({"/usr/bin/udevadm", "control", "--reload"}).status, 0);
+  }
+
+  const std::string path;
+};
+
+TEST(NoPad, WhatARuleOfUdevsSaysIsNoJoystick) {
+  const UdevRules rules("70-no-joystick.rules",
+                        WriteFile("ATTRS{name}==\"Lamp\", ENV{ID_INPUT_JOYSTICK}=\"0\"\n"));
+  PadShape shape;
+  shape.name = "Lamp";
+  shape.phys = "test/port1";
+  shape.buttons = GamePadButtons(6);
+  shape.axes = {{ABS_X}, {ABS_Y}};
+  UinputPad lamp(shape);
+  shape.name = "Real Pad";
+  shape.phys = "test/port2";
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
+}
+
+// What udev writes down of a node: whoever sits at the machine may open it.
+bool IsForTheSeat(const std::string& node) {
+  const Finished told = RunToEnd({"/usr/bin/udevadm", "info", "--query=property", node});
+  EXPECT_EQ(told.status, 0) << told.err;
+  return told.out.find("TAGS=") != std::string::npos &&
+         told.out.find(":uaccess:") != std::string::npos;
+}
+
+TEST(UdevRule, OpensAPadThatTypesTooToWhoeverSitsAtTheMachine) {
+  const UdevRules rules("60-kelvaro.rules", KELVARO_PACKAGING "/60-kelvaro.rules");
+  for (const std::uint16_t product : {0x0b05, 0x0b22}) {
+    PadShape shape = EliteOverBluetooth();
+    shape.product = product;
+    UinputPad pad(shape);
+    EXPECT_TRUE(IsForTheSeat(pad.Node())) << std::hex << product;
+  }
+  // Not a keyboard of the same maker, and not by cable, where the pad has a node of its own.
+  PadShape other = EliteOverBluetooth();
+  other.product = 0x0b06;
+  EXPECT_FALSE(IsForTheSeat(UinputPad(other).Node()));
+  other.product = 0x0b05;
+  other.bus = BUS_USB;
+  EXPECT_FALSE(IsForTheSeat(UinputPad(other).Node()));
 }
 
 }  // namespace

@@ -16,15 +16,6 @@ bool HasAny(const std::bitset<kSize>& bits, unsigned first, unsigned last) {
   return false;
 }
 
-// More letters than a pad with a few keys beside its buttons would have.
-bool IsKeyboard(const DeviceFacts& facts) {
-  constexpr unsigned kRows[][2] = {{KEY_Q, KEY_P}, {KEY_A, KEY_L}, {KEY_Z, KEY_M}};
-  int letters = 0;
-  for (const auto& row : kRows)
-    for (unsigned code = row[0]; code <= row[1]; ++code) letters += facts.keys[code];
-  return letters >= 20;
-}
-
 bool IsMouse(const DeviceFacts& facts) {
   return facts.keys[BTN_LEFT] && facts.relative[REL_X] && facts.relative[REL_Y];
 }
@@ -39,23 +30,59 @@ bool IsTouched(const DeviceFacts& facts) {
   return false;
 }
 
-bool HasGameButtons(const DeviceFacts& facts) {
-  return HasAny(facts.keys, BTN_JOYSTICK, BTN_DIGI - 1) ||
-         HasAny(facts.keys, BTN_DPAD_UP, BTN_DPAD_RIGHT) ||
-         HasAny(facts.keys, BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY40);
+bool HasAnyAxis(const DeviceFacts& facts, unsigned first, unsigned last) {
+  for (unsigned code = first; code <= last; ++code)
+    if (facts.HasAxis(code)) return true;
+  return false;
 }
 
-// Axes that only sticks, wheels and pedals have, or a pair that moves without being a pointer's.
+// Start and Select alone are none: the kernel calls some keys of keyboards and knobs so.
+bool HasGameButtons(const DeviceFacts& facts) {
+  std::bitset<KEY_CNT> keys = facts.keys;
+  keys.reset(BTN_SELECT).reset(BTN_START);
+  return HasAny(keys, BTN_JOYSTICK, BTN_DIGI - 1) || HasAny(keys, BTN_DPAD_UP, BTN_DPAD_RIGHT) ||
+         HasAny(keys, BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY40);
+}
+
+bool HasStick(const DeviceFacts& facts) { return facts.HasAxis(ABS_X) && facts.HasAxis(ABS_Y); }
+
+// One that types as well, as some do whose paddles can be set to keys, or one that names pad
+// buttons for no reason: only the former has something to steer with.
+bool IsKeyboard(const DeviceFacts& facts) {
+  return HasLetters(facts) && !(HasGameButtons(facts) && HasStick(facts));
+}
+
+// For the volume and the like: keys of a remote, or a dial, or one wheel and nothing else.
+bool IsKnob(const DeviceFacts& facts) {
+  for (const unsigned code :
+       {KEY_MUTE, KEY_VOLUMEDOWN, KEY_VOLUMEUP, KEY_PLAYPAUSE, KEY_SLEEP, KEY_WAKEUP})
+    if (facts.keys[code]) return true;
+  if (facts.relative[REL_DIAL]) return true;
+  const bool turns = facts.HasAxis(ABS_WHEEL) || facts.HasAxis(ABS_RUDDER);
+  return turns && facts.keys.none() &&
+         std::count_if(facts.axes.begin(), facts.axes.end(),
+                       [](const AxisFacts& axis) { return axis.present; }) == 1;
+}
+
+// Turning axes alone that swing about zero; those of pedals go one way.
+bool IsTiltSensor(const DeviceFacts& facts) {
+  if (facts.keys.any() || HasAnyAxis(facts, ABS_X, ABS_Z)) return false;
+  for (const unsigned code : {ABS_RX, ABS_RY, ABS_RZ})
+    if (facts.HasAxis(code) && facts.axes[code].minimum >= 0) return false;
+  return true;
+}
+
+// Axes that only sticks, wheels and pedals have, or a pair that moves without being a pointer's. A
+// hat alone is none: system controls of keyboards have one.
 bool HasGameAxes(const DeviceFacts& facts) {
-  for (const unsigned code : {ABS_RX, ABS_RY, ABS_RZ, ABS_THROTTLE, ABS_RUDDER, ABS_WHEEL, ABS_GAS,
-                              ABS_BRAKE, ABS_HAT0X, ABS_HAT0Y})
-    if (facts.HasAxis(code)) return true;
-  if (!facts.HasAxis(ABS_X) || !facts.HasAxis(ABS_Y) || facts.keys[BTN_LEFT]) return false;
-  if (facts.HasAxis(ABS_MT_POSITION_X)) return false;
-  // Three axes and no button at all: pedals where it is plugged in, a drop sensor where it is built
-  // into the machine.
+  if (IsKnob(facts)) return false;
+  if (HasAnyAxis(facts, ABS_THROTTLE, ABS_BRAKE)) return true;
+  if (HasAnyAxis(facts, ABS_RX, ABS_RZ) && !IsTiltSensor(facts)) return true;
+  if (!HasStick(facts) || facts.keys[BTN_LEFT] || facts.HasAxis(ABS_MT_POSITION_X)) return false;
+  // No button at all: pedals where it is plugged in, a drop sensor where it is built into the
+  // machine.
   const bool pluggedIn = facts.ids.bus == BUS_USB || facts.ids.bus == BUS_BLUETOOTH;
-  return pluggedIn || facts.keys.any() || !facts.HasAxis(ABS_Z);
+  return pluggedIn || facts.keys.any();
 }
 
 }  // namespace
@@ -83,6 +110,14 @@ DeviceFacts FactsOf(const libevdev* device) {
     if (const input_absinfo* axis = libevdev_get_abs_info(device, code))
       facts.axes[code] = {true, axis->minimum, axis->maximum, axis->value};
   return facts;
+}
+
+bool HasLetters(const DeviceFacts& facts) {
+  constexpr unsigned kRows[][2] = {{KEY_Q, KEY_P}, {KEY_A, KEY_L}, {KEY_Z, KEY_M}};
+  int letters = 0;
+  for (const auto& row : kRows)
+    for (unsigned code = row[0]; code <= row[1]; ++code) letters += facts.keys[code];
+  return letters >= 20;
 }
 
 bool IsGameDevice(const DeviceFacts& facts) {

@@ -45,8 +45,12 @@ struct DeviceFacts {
 // As of the device's last read.
 DeviceFacts FactsOf(const libevdev* device);
 
-// Whether it is a joystick, a pad, a wheel, pedals or the like. Not: keyboards, mice, touch pads
-// and screens, tablets, motion sensors (those in pads too), and Kelvaro's own virtual devices.
+// A whole keyboard's: more than a pad with a few keys beside its buttons would have.
+bool HasLetters(const DeviceFacts& facts);
+
+// Whether it is a joystick, a pad, a wheel, pedals or the like. Not: keyboards and their system
+// controls, mice, touch pads and screens, tablets, knobs, motion sensors (those in pads too), and
+// Kelvaro's own virtual devices.
 bool IsGameDevice(const DeviceFacts& facts);
 
 }  // namespace platform

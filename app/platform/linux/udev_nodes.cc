@@ -28,10 +28,16 @@ using Monitor = std::unique_ptr<udev_monitor, Unref>;
 
 constexpr char kEventPrefix[] = "event";
 
-bool IsEventNode(udev_device* device) {
+// Somebody has written a rule or an entry that says so: what udev finds out itself is 1 or nothing.
+bool IsSaidToBeNoJoystick(udev_device* device) {
+  const char* said = udev_device_get_property_value(device, "ID_INPUT_JOYSTICK");
+  return said && strcmp(said, "0") == 0;
+}
+
+bool IsOffered(udev_device* device) {
   const char* name = udev_device_get_sysname(device);
   return name && strncmp(name, kEventPrefix, strlen(kEventPrefix)) == 0 &&
-         udev_device_get_devnode(device);
+         udev_device_get_devnode(device) && !IsSaidToBeNoJoystick(device);
 }
 
 unsigned long EventNumber(const NodePlace& place) {
@@ -95,7 +101,7 @@ class UdevWatch : public NodeWatch {
     if (recv(Fd(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0)
       return errno == ENOBUFS ? Report::Overrun : Report::None;
     const Device device(udev_monitor_receive_device(monitor.get()));
-    if (!device || !IsEventNode(device.get())) return Report::Other;
+    if (!device || !IsOffered(device.get())) return Report::Other;
     const char* action = udev_device_get_action(device.get());
     if (!action || (strcmp(action, "add") != 0 && strcmp(action, "change") != 0))
       return Report::Other;
@@ -125,7 +131,7 @@ std::vector<NodePlace> UdevNodes::List() {
   udev_list_entry_foreach(entry, udev_enumerate_get_list_entry(enumeration.get())) {
     const Device device(
         udev_device_new_from_syspath(context.get(), udev_list_entry_get_name(entry)));
-    if (device && IsEventNode(device.get())) places.push_back(PlaceOf(device.get()));
+    if (device && IsOffered(device.get())) places.push_back(PlaceOf(device.get()));
   }
   std::sort(places.begin(), places.end(),
             [](const NodePlace& a, const NodePlace& b) { return EventNumber(a) < EventNumber(b); });

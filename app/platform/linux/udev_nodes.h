@@ -1,5 +1,6 @@
-// The machine's own event devices, by libudev and libevdev. Works without a running udevd too: the
-// list then comes from /sys alone and news straight from the kernel.
+// The machine's own event devices, by libudev and libevdev, without those of which a rule of udev's
+// says ID_INPUT_JOYSTICK=0. Works without a running udevd too: the list then comes from /sys alone
+// and news straight from the kernel.
 #pragma once
 
 #include <memory>
