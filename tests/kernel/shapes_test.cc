@@ -217,6 +217,25 @@ TEST(OddPad, ThrottleAndRudderAreTheSliders) {
       Sent(run.Keyboard(), {"KEY_T down", "KEY_T up", "KEY_R down", "KEY_R up", "KEY_B down"}));
 }
 
+TEST(OddPad, AKeyOfThePadIsItsLastButton) {
+  PadShape shape;
+  shape.name = "Pad With Share";
+  shape.buttons = GamePadButtons(11);
+  shape.buttons.push_back(KEY_RECORD);
+  UinputPad pad(shape);
+  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), 12U);
+  ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(11, "s")}), "Pad With Share",
+                 pad.Node());
+  ASSERT_TRUE(run.Started());
+  for (const std::size_t button : {11, 0}) {
+    pad.Press(button);
+    WaitMs(30);
+    pad.Release(button);
+    WaitMs(30);
+  }
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_S down", "KEY_S up", "KEY_A down", "KEY_A up"}));
+}
+
 // The pad, and in the same node the keyboard that its paddles can type on.
 PadShape EliteOverBluetooth() {
   PadShape shape;
@@ -263,6 +282,29 @@ TEST(OddPad, OneThatTypesTooIsPlayedWithAndItsKeysAreNoButtons) {
   pad.TurnHat(0, -1);
   EXPECT_TRUE(Sent(run.Keyboard(),
                    {"KEY_P down", "KEY_P up", "KEY_T down", "KEY_T up", "KEY_U down", "KEY_U up"}));
+}
+
+TEST(OddPad, AnAxisInAHatsPlaceTurnsNoHatAtRest) {
+  PadShape shape;
+  shape.name = "Odd Axis";
+  shape.buttons = GamePadButtons(2);
+  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_HAT0X, 0, 239, 0}};
+  UinputPad pad(shape);
+  const Json::Value device = OnlyDevice();
+  EXPECT_EQ(device["povs"].asUInt(), 0U);
+  EXPECT_EQ(device["axes"].asUInt(), 3U);
+  ProfileRun run(ProfileOf({ItemControl(8, 0, 1, "l"), ItemControl(8, 0, 4, "r"),
+                            ItemControl(6, 0, 2, "s"), ButtonControl(0, "b")}),
+                 "Odd Axis", pad.Node());
+  ASSERT_TRUE(run.Started());
+  pad.Press(0);
+  WaitMs(30);
+  pad.Release(0);
+  WaitMs(30);
+  pad.Move(ABS_HAT0X, 239);
+  WaitMs(30);
+  pad.Move(ABS_HAT0X, 0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_B down", "KEY_B up", "KEY_S down", "KEY_S up"}));
 }
 
 TEST(NoPad, SystemControlOfAKeyboard) {

@@ -21,6 +21,12 @@ constexpr Homeless kHomeless[] = {{ABS_THROTTLE, kFirstSliderSlot},
                                   {ABS_BRAKE, kSlotOfRz},
                                   {ABS_WHEEL, kSlotOfX}};
 
+// A hat points both ways from its rest at 0. What doesn't has only come by a hat's code: the kernel
+// gives it to an axis of a device that has more of them than there are names.
+bool IsHatAxis(const AxisFacts& axis) {
+  return axis.present && (axis.minimum < 0 || axis.maximum <= 0);
+}
+
 }  // namespace
 
 std::int32_t& AxisSlot(DIJOYSTATE2& state, std::uint32_t slot) {
@@ -52,8 +58,14 @@ DeviceLayout::DeviceLayout() {
 
 DeviceLayout LayOut(const DeviceFacts& facts) {
   DeviceLayout layout;
-  for (unsigned code = BTN_MISC; code < KEY_CNT && layout.buttons < kButtonSlots; ++code)
-    if (facts.keys[code]) layout.buttonSlot[code] = static_cast<std::uint8_t>(layout.buttons++);
+  const auto number = [&](unsigned first, unsigned end) {
+    for (unsigned code = first; code < end && layout.buttons < kButtonSlots; ++code)
+      if (facts.keys[code]) layout.buttonSlot[code] = static_cast<std::uint8_t>(layout.buttons++);
+  };
+  number(BTN_MISC, KEY_CNT);
+  // The keys of a pad, such as "share" or "back", behind all buttons, whose numbers stand in
+  // profiles. Of a keyboard that shares the pad's node none is the pad's.
+  if (!HasLetters(facts)) number(KEY_ESC, BTN_MISC);
 
   const auto seat = [&](unsigned code, std::uint32_t slot) {
     layout.axisCode[slot] = static_cast<std::int16_t>(code);
@@ -63,20 +75,27 @@ DeviceLayout LayOut(const DeviceFacts& facts) {
   const auto isFree = [&](std::uint32_t slot) { return layout.axisCode[slot] < 0; };
   for (unsigned code = ABS_X; code <= ABS_RZ; ++code)
     if (facts.HasAxis(code)) seat(code, code - ABS_X);
-  for (const Homeless& homeless : kHomeless) {
-    if (!facts.HasAxis(homeless.code)) continue;
+  const auto seatHomeless = [&](unsigned code, std::uint32_t favourite) {
     // The pair of the stick last, so that it stays free for a pair.
     const std::uint32_t wishes[] = {
-        kFirstSliderSlot, kFirstSliderSlot + 1, homeless.favourite, 2, 3, 4, 5, 1, 0};
+        kFirstSliderSlot, kFirstSliderSlot + 1, favourite, 2, 3, 4, 5, 1, 0};
     const auto* slot = std::find_if(std::begin(wishes), std::end(wishes), isFree);
-    if (slot != std::end(wishes)) seat(homeless.code, *slot);
-  }
+    if (slot != std::end(wishes)) seat(code, *slot);
+  };
+  for (const Homeless& homeless : kHomeless)
+    if (facts.HasAxis(homeless.code)) seatHomeless(homeless.code, homeless.favourite);
 
   for (unsigned code = ABS_HAT0X; code <= ABS_HAT3X; code += 2) {
-    if (!facts.HasAxis(code) && !facts.HasAxis(code + 1)) continue;
-    layout.hatCode[layout.hats] = static_cast<std::int16_t>(code);
-    layout.hatSlot[code] = layout.hatSlot[code + 1] = static_cast<std::uint8_t>(layout.hats);
-    ++layout.hats;
+    bool isHat = false;
+    for (const unsigned axis : {code, code + 1}) {
+      if (IsHatAxis(facts.axes[axis])) {
+        layout.hatSlot[axis] = static_cast<std::uint8_t>(layout.hats);
+        isHat = true;
+      } else if (facts.HasAxis(axis)) {
+        seatHomeless(axis, kFirstSliderSlot);
+      }
+    }
+    if (isHat) layout.hatCode[layout.hats++] = static_cast<std::int16_t>(code);
   }
   return layout;
 }

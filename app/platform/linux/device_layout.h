@@ -27,7 +27,7 @@ struct DeviceLayout {
   // From the kernel's codes; kNoSlot for a code that isn't shown.
   std::array<std::uint8_t, KEY_CNT> buttonSlot;
   std::array<std::uint8_t, ABS_CNT> axisSlot;
-  std::array<std::uint8_t, ABS_CNT> hatSlot;  // of both axes of a hat
+  std::array<std::uint8_t, ABS_CNT> hatSlot;  // of each axis of a hat that the device has
 
   // And back; -1 for a slot that is empty. A hat's code is that of its X axis.
   std::array<std::int16_t, kAxisSlots> axisCode;

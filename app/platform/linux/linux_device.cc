@@ -72,7 +72,7 @@ void LinuxDevice::PutHat(std::uint32_t hat) {
     return;
   }
   const auto direction = [&](unsigned axis) {
-    return axes[axis].present ? HatDirection(axes[axis], axes[axis].value) : 0;
+    return layout.hatSlot[axis] == hat ? HatDirection(axes[axis], axes[axis].value) : 0;
   };
   const auto x = static_cast<unsigned>(code);
   state.rgdwPOV[hat] = HatAngle(direction(x), direction(x + 1));

@@ -156,12 +156,37 @@ TEST(DeviceLayout, DirectionPadsOfButtonsAreButtons) {
   EXPECT_EQ(layout.hats, 0u);
 }
 
-TEST(DeviceLayout, KeysBelowTheButtonsAreNotShown) {
+TEST(DeviceLayout, KeysOfAPadComeBehindItsButtons) {
   EvdevDescription described;
-  described.Keys({KEY_RECORD, KEY_HOMEPAGE, BTN_A});
+  described.Keys({KEY_MENU, KEY_BACK, KEY_RECORD, KEY_HOMEPAGE, BTN_A, BTN_B, BTN_TRIGGER_HAPPY1});
   const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 1u);
+  EXPECT_EQ(layout.buttons, 7u);
   EXPECT_EQ(layout.buttonSlot[BTN_A], 0);
+  EXPECT_EQ(layout.buttonSlot[BTN_B], 1);
+  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER_HAPPY1], 2);
+  EXPECT_EQ(layout.buttonSlot[KEY_MENU], 3);
+  EXPECT_EQ(layout.buttonSlot[KEY_BACK], 4);
+  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], 5);
+  EXPECT_EQ(layout.buttonSlot[KEY_HOMEPAGE], 6);
+}
+
+TEST(DeviceLayout, KeysOfAPadFindNoRoomBehindAHundredAndTwentyEightButtons) {
+  EvdevDescription described;
+  described.Keys({KEY_RECORD}).Keys(0x100, 0x15F).Keys(0x2C0, 0x2DF);  // 96 and 32
+  const DeviceLayout layout = LayoutOf(described);
+  EXPECT_EQ(layout.buttons, 128u);
+  EXPECT_EQ(layout.buttonSlot[0x2DF], 127);
+  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], kNoSlot);
+}
+
+TEST(DeviceLayout, AWholeKeyboardBesideAPadIsNoneOfItsButtons) {
+  EvdevDescription described;
+  described.Keys(KEY_ESC, KEY_KPDOT).Keys({KEY_RECORD}).Keys(BTN_A, BTN_A + 15);
+  const DeviceLayout layout = LayoutOf(described);
+  EXPECT_EQ(layout.buttons, 16u);
+  EXPECT_EQ(layout.buttonSlot[BTN_A], 0);
+  EXPECT_EQ(layout.buttonSlot[KEY_A], kNoSlot);
+  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], kNoSlot);
 }
 
 using Codes = std::array<int, kAxisSlots>;  // X, Y, Z, Rx, Ry, Rz, slider 0, slider 1
@@ -240,6 +265,36 @@ TEST(DeviceLayout, HatsMoveUpWhereOneIsMissing) {
   EXPECT_EQ(layout.hatCode[0], ABS_HAT1X);
   EXPECT_EQ(layout.hatCode[1], ABS_HAT3X);
   EXPECT_EQ(layout.hatCode[2], -1);
+}
+
+TEST(DeviceLayout, AnAxisThatGoesOneWayFromZeroIsNoHat) {
+  EvdevDescription described;
+  described.Axes({ABS_X, ABS_Y}).Axis(ABS_HAT0X, 0, 239).Axis(ABS_HAT1X, -1, 1);
+  described.Axis(ABS_HAT1Y, -1, 1);
+  const DeviceLayout layout = LayoutOf(described);
+  EXPECT_EQ(layout.hats, 1u);
+  EXPECT_EQ(layout.hatCode[0], ABS_HAT1X);
+  EXPECT_EQ(layout.hatSlot[ABS_HAT0X], kNoSlot);
+  // It is an axis like those that have no place of their own.
+  EXPECT_EQ(layout.axes, 3u);
+  EXPECT_EQ(layout.axisSlot[ABS_HAT0X], kFirstSliderSlot);
+}
+
+TEST(DeviceLayout, TheOtherAxisOfAHatStaysOneWhereItsPartnerIsNone) {
+  EvdevDescription described;
+  described.Axis(ABS_HAT0X, 0, 239).Axis(ABS_HAT0Y, -1, 1);
+  const DeviceLayout layout = LayoutOf(described);
+  EXPECT_EQ(layout.hats, 1u);
+  EXPECT_EQ(layout.hatSlot[ABS_HAT0X], kNoSlot);
+  EXPECT_EQ(layout.hatSlot[ABS_HAT0Y], 0);
+}
+
+TEST(DeviceLayout, ScalesThatAreToldAsHatsAreAxes) {
+  EvdevDescription described;
+  for (unsigned code = ABS_HAT0X; code <= ABS_HAT1Y; ++code) described.Axis(code, 0, 65535);
+  const Codes codes = {-1, -1, ABS_HAT1X, ABS_HAT1Y, -1, -1, ABS_HAT0X, ABS_HAT0Y};
+  EXPECT_EQ(CodesOf(described), codes);
+  EXPECT_EQ(LayoutOf(described).hats, 0u);
 }
 
 }  // namespace

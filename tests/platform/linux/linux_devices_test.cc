@@ -155,6 +155,20 @@ TEST_F(LinuxDevicesTest, GameDevicesAreListedByTheirEventNumber) {
   EXPECT_EQ(Names(), (std::vector<std::string>{"Second", "Seventh", "Tenth"}));
 }
 
+TEST_F(LinuxDevicesTest, AnAxisThatRestsAtItsLowEndTurnsNoHat) {
+  EvdevDescription described("Odd Axis");
+  described.Ids(0x1234, 0x5678, 1).Keys({BTN_A}).Axis(ABS_HAT0X, 0, 239).Axis(ABS_HAT0Y, -1, 1);
+  const auto pad = machine.Plug(1, described.Facts());
+  const Opened device = Open();
+  EXPECT_EQ(Polled(*device).rgdwPOV[0], kPovCentred);
+  EXPECT_EQ(Polled(*device).rglSlider[0], -32000);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0X, 239);
+  FakeMachine::Say(*pad, EV_ABS, ABS_HAT0Y, 1);
+  const DIJOYSTATE2 state = Polled(*device);
+  EXPECT_EQ(state.rgdwPOV[0], 18000u);  // down alone
+  EXPECT_EQ(state.rglSlider[0], 32000);
+}
+
 TEST_F(LinuxDevicesTest, AnEmptyMachineListsNothing) { EXPECT_EQ(Names().size(), 0u); }
 
 TEST_F(LinuxDevicesTest, TheVisitorMayStop) {
