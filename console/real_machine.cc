@@ -84,6 +84,10 @@ void RealMachine::PlayRecording(const platform::simulation::Recording& recording
   parts->Install();
 }
 
+std::optional<platform::NodePlace> RealMachine::PlaceOf(const platform::GUID& device) {
+  return parts->system.GameDevices().PlaceOf(device);
+}
+
 bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {
   if (!parts->system.OpenInput(platform::InputChoice::Auto, error)) return false;
   platform::LinuxInput* output = parts->system.Sender();

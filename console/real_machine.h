@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "app/platform/linux/device_nodes.h"
 #include "app/platform/simulation/recording.h"
 #include "console/commands.h"
 #include "console/event_printer.h"
@@ -22,6 +24,9 @@ class RealMachine {
 
   // One device that plays a recording in real time, in place of those that are plugged in.
   void PlayRecording(const platform::simulation::Recording& recording);
+
+  // Where a device that is plugged in is; nothing if it isn't any more.
+  std::optional<platform::NodePlace> PlaceOf(const platform::GUID& device);
 
   // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with
   // *error saying what is missing and what to do, when there is no way out.

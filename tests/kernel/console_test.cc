@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <sstream>
 
 #include "tests/kernel/pad.h"
@@ -186,6 +187,95 @@ TEST(Commands, DevicesListsNamesCountsAndIdentities) {
   EXPECT_EQ(list[1]["axes"].asInt(), 3);
   EXPECT_EQ(list[1]["povs"].asInt(), 0);
   EXPECT_NE(list[0]["guid"], list[1]["guid"]);
+}
+
+Json::Value DeviceAt(const std::string& node, ChildOptions options = {}) {
+  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"}, options);
+  EXPECT_EQ(devices.status, 0) << devices.err;
+  for (const Json::Value& device : JsonLines(devices.out)) {
+    if (device["node"].asString() == node) return device;
+  }
+  ADD_FAILURE() << node << " isn't in " << devices.out;
+  return {};
+}
+
+TEST(Commands, DevicesTellsTwoEqualPadsApart) {
+  UinputPad first(Named("Twin Pad", "test/port1"));
+  UinputPad second(Named("Twin Pad", "test/port2"));
+  ASSERT_NE(first.Node(), second.Node());
+  EXPECT_EQ(DeviceAt(first.Node())["port"].asString(), "test/port1");
+  EXPECT_EQ(DeviceAt(second.Node())["port"].asString(), "test/port2");
+  const std::string text = RunToEnd({KelvaroctlPath(), "devices"}).out;
+  EXPECT_NE(text.find("node " + first.Node() + ", port test/port1\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("node " + second.Node() + ", port test/port2\n"), std::string::npos) << text;
+}
+
+TEST(Commands, DevicesTellsTheSerialNumber) {
+  UhidPad pad("Numbered Pad", "SN-0042");
+  EXPECT_EQ(DeviceAt(pad.Node())["serial"].asString(), "SN-0042");
+  const std::string text = RunToEnd({KelvaroctlPath(), "devices"}).out;
+  EXPECT_NE(text.find(", serial SN-0042\n"), std::string::npos) << text;
+}
+
+TEST(Commands, DevicesMarksMirrors) {
+  UinputPad pad(Named("Held Pad", "test/port1"));
+  PadShape launchers = Named("Shown Pad", "test/port2");
+  launchers.vendor = 0x28de;
+  launchers.product = 0x11ff;
+  UinputPad mirror(launchers);
+  PadShape programs = Named("Made Pad", "test/port3");
+  programs.bus = BUS_VIRTUAL;
+  UinputPad made(programs);
+  EXPECT_FALSE(DeviceAt(pad.Node())["mirror"].asBool());
+  EXPECT_TRUE(DeviceAt(mirror.Node())["mirror"].asBool());
+  EXPECT_TRUE(DeviceAt(made.Node())["mirror"].asBool());
+  const std::vector<std::string> lines = Lines(RunToEnd({KelvaroctlPath(), "devices"}).out);
+  ASSERT_EQ(lines.size(), 3U + 4U + 4U);
+  EXPECT_EQ(lines[3 + 3].rfind("  mirror: ", 0), 0U) << lines[6];
+  EXPECT_EQ(lines[7 + 3].rfind("  mirror: ", 0), 0U) << lines[10];
+}
+
+TEST(Commands, DevicesTellsWhoHasAPadOpen) {
+  UinputPad pad(Named("Shared Pad"));
+  EXPECT_EQ(DeviceAt(pad.Node())["openIn"].size(), 0U);
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "Shared Pad", pad.Node());
+  ASSERT_TRUE(run.Started());
+  const Json::Value device = DeviceAt(pad.Node());
+  EXPECT_FALSE(device["grabbed"].asBool());
+  ASSERT_EQ(device["openIn"].size(), 1U);
+  EXPECT_EQ(device["openIn"][0]["pid"].asInt(), run.Process().Pid());
+  std::string name;  // that of the copy which runs here
+  std::getline(std::ifstream("/proc/" + std::to_string(run.Process().Pid()) + "/comm"), name);
+  EXPECT_EQ(device["openIn"][0]["program"].asString(), name);
+  const std::string text = RunToEnd({KelvaroctlPath(), "devices"}).out;
+  EXPECT_NE(
+      text.find("  also open in " + name + " (" + std::to_string(run.Process().Pid()) + ")\n"),
+      std::string::npos)
+      << text;
+  // Whoever reads the pad still gets what it says.
+  pad.Press(0);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+}
+
+TEST(Commands, DevicesTellsOfAGrabAndOfWhoMayHaveDoneIt) {
+  UinputPad pad(Named("Taken Pad"));
+  ASSERT_EQ(chmod(pad.Node().c_str(), 0666), 0);
+  const Reader grabs(pad.Node());
+  const Json::Value device = DeviceAt(pad.Node());
+  EXPECT_TRUE(device["grabbed"].asBool());
+  ASSERT_EQ(device["openIn"].size(), 1U);
+  EXPECT_EQ(device["openIn"][0]["pid"].asInt(), getpid());
+  const std::string text = RunToEnd({KelvaroctlPath(), "devices"}).out;
+  EXPECT_NE(text.find("  grabbed: only another program gets what it says; it is open in "),
+            std::string::npos)
+      << text;
+
+  // Another user's programs can't be looked into.
+  const Json::Value seen = DeviceAt(pad.Node(), {.asNobody = true});
+  EXPECT_TRUE(seen["grabbed"].asBool());
+  EXPECT_EQ(seen["openIn"].size(), 0U);
+  const std::string unseen = RunToEnd({KelvaroctlPath(), "devices"}, {.asNobody = true}).out;
+  EXPECT_NE(unseen.find("which one, this user may not see\n"), std::string::npos) << unseen;
 }
 
 // The virtual devices of a run are no game pads, and neither is anything else of the machine.

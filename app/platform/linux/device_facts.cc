@@ -127,4 +127,10 @@ bool IsGameDevice(const DeviceFacts& facts) {
   return HasGameButtons(facts) || HasGameAxes(facts);
 }
 
+bool IsMirror(const DeviceIds& ids) {
+  constexpr std::uint16_t kLaunchersVendor = 0x28de;
+  constexpr std::uint16_t kLaunchersPad = 0x11ff;
+  return ids.bus == BUS_VIRTUAL || (ids.vendor == kLaunchersVendor && ids.product == kLaunchersPad);
+}
+
 }  // namespace platform

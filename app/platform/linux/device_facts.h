@@ -53,4 +53,8 @@ bool HasLetters(const DeviceFacts& facts);
 // Kelvaro's own virtual devices.
 bool IsGameDevice(const DeviceFacts& facts);
 
+// Whether a program made it, as launchers do that show games a pad of their own in place of the
+// one that is held.
+bool IsMirror(const DeviceIds& ids);
+
 }  // namespace platform

@@ -113,4 +113,13 @@ HRESULT LinuxDevices::DirectInput8Create(std::uint32_t version, DirectInput** di
   return DI_OK;
 }
 
+std::optional<NodePlace> LinuxDevices::PlaceOf(const GUID& identity) {
+  std::optional<NodePlace> place;
+  ForEachDevice(*source, [&](const AttachedDevice& attached) {
+    if (attached.identity == identity) place = attached.place;
+    return !place;
+  });
+  return place;
+}
+
 }  // namespace platform

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "app/platform/devices.h"
 #include "app/platform/linux/linux_device.h"
@@ -19,6 +20,9 @@ class LinuxDevices : public Devices {
   LinuxDevices(std::unique_ptr<DeviceNodes> nodes, std::function<std::int64_t()> nowMs);
 
   HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) override;
+
+  // Where the listed device with that identity is; nothing if it isn't attached any more.
+  std::optional<NodePlace> PlaceOf(const GUID& identity);
 
  private:
   // Outlives this object where a directory or a device still uses it.

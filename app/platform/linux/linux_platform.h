@@ -29,6 +29,8 @@ class LinuxPlatform {
   // Null until it is open.
   LinuxInput* Sender() { return input.get(); }
 
+  LinuxDevices& GameDevices() { return devices; }
+
   // Pointers into this object.
   const Platform& Groups() const { return groups; }
 

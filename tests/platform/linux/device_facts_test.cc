@@ -245,6 +245,21 @@ TEST(IsGameDevice, LeavesOutWhatIsTypedTouchedOrShaken) {
   }
 }
 
+TEST(IsMirror, OfALaunchersPadAndOfTheVirtualBus) {
+  EvdevDescription launcher;
+  launcher.Ids(0x28de, 0x11ff, 1);
+  EXPECT_TRUE(IsMirror(launcher.Facts().ids));
+  EvdevDescription madeByAProgram;
+  madeByAProgram.Bus(BUS_VIRTUAL);
+  EXPECT_TRUE(IsMirror(madeByAProgram.Facts().ids));
+  EvdevDescription pad;
+  pad.Ids(0x28de, 0x1102, 1);
+  EXPECT_FALSE(IsMirror(pad.Facts().ids));
+  EvdevDescription otherMaker;
+  otherMaker.Ids(0x1234, 0x11ff, 1);
+  EXPECT_FALSE(IsMirror(otherMaker.Facts().ids));
+}
+
 TEST(IsGameDevice, LeavesOutOurOwnVirtualDevices) {
   for (const char* name : {"Kelvaro Keyboard", "Kelvaro Mouse"}) {
     EvdevDescription described(name);
