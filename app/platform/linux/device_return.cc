@@ -99,14 +99,14 @@ bool ReturnSearch::TakeNews() {
 
 void ReturnSearch::Remember(const std::vector<NodePlace>& nodes) {
   for (const NodePlace& node : nodes) {
-    if (node.place == own.place || !IsSameProduct(node.ids, own.ids) ||
-        node.ids.name != own.ids.name)
-      continue;
-    const bool known = std::any_of(beside.begin(), beside.end(), [&](const NodePlace& other) {
-      return other.place == node.place;
-    });
-    if (!known) beside.push_back(node);
+    const bool isLikeIt = IsSameProduct(node.ids, own.ids) && node.ids.name == own.ids.name;
+    if (isLikeIt && node.place != own.place && !WasBeside(node.ids)) beside.push_back(node.ids);
   }
+}
+
+bool ReturnSearch::WasBeside(const DeviceIds& ids) const {
+  return std::any_of(beside.begin(), beside.end(),
+                     [&](const DeviceIds& other) { return IsSameIdentity(other, ids); });
 }
 
 // On the same bus and of the same version the identities tell, by their ordinals too.
@@ -115,14 +115,11 @@ bool ReturnSearch::HasItsSerial(const DeviceIds& ids) const {
          !IsSameIdentity(ids, own.ids);
 }
 
-bool ReturnSearch::MayBeItElsewhere(const NodePlace& node) const {
-  const DeviceIds& ids = node.ids;
+bool ReturnSearch::MayBeItElsewhere(const DeviceIds& ids) const {
   if (!IsSameProduct(ids, own.ids) || ids.name != own.ids.name) return false;
   if (!ids.unique.empty() && !own.ids.unique.empty() && ids.unique != own.ids.unique) return false;
   // Neither one that was there all along nor one that has been pulled and is back in its own place.
-  return std::none_of(beside.begin(), beside.end(), [&](const NodePlace& other) {
-    return other.place == node.place || IsSameIdentity(other.ids, ids);
-  });
+  return !WasBeside(ids);
 }
 
 // Nothing for what is no game device: a pad's motion sensor and touch pad are of the same make.
@@ -142,7 +139,7 @@ std::unique_ptr<DeviceNode> ReturnSearch::Search(const std::vector<NodePlace>& n
   std::vector<AttachedDevice> ofItsName;
   for (const NodePlace& node : nodes) {
     const bool hasItsSerial = HasItsSerial(node.ids);
-    const bool mayBeIt = MayBeItElsewhere(node);
+    const bool mayBeIt = MayBeItElsewhere(node.ids);
     if (!hasItsSerial && !mayBeIt && !IsSameIdentity(node.ids, own.ids)) continue;
     std::optional<AttachedDevice> device = Open(node);
     if (!device) continue;
@@ -157,7 +154,6 @@ std::unique_ptr<DeviceNode> ReturnSearch::Search(const std::vector<NodePlace>& n
   if (ofItsSerial.size() == 1) return GotBack(std::move(ofItsSerial[0]), nodes);
   if (ofItsSerial.empty() && ofItsName.size() == 1 && StaysAlone(ofItsName[0].place))
     return GotBack(std::move(ofItsName[0]), nodes);
-  if (ofItsName.size() != 1) aloneAt.clear();
   return nullptr;
 }
 
@@ -167,7 +163,6 @@ std::unique_ptr<DeviceNode> ReturnSearch::GotBack(AttachedDevice device,
   identity = device.identity;
   lost = false;
   Remember(nodes);
-  aloneAt.clear();
   nextLookMs.reset();
   if (!watch) LookBy(source->nowMs() + kLongestRetryMs);
   return std::move(device.node);

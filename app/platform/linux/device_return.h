@@ -52,8 +52,9 @@ class ReturnSearch {
  private:
   bool TakeNews();
   void Remember(const std::vector<NodePlace>& nodes);
+  bool WasBeside(const DeviceIds& ids) const;
   bool HasItsSerial(const DeviceIds& ids) const;
-  bool MayBeItElsewhere(const NodePlace& node) const;
+  bool MayBeItElsewhere(const DeviceIds& ids) const;
   std::optional<AttachedDevice> Open(const NodePlace& node);
   std::unique_ptr<DeviceNode> Search(const std::vector<NodePlace>& nodes);
   std::unique_ptr<DeviceNode> GotBack(AttachedDevice device, const std::vector<NodePlace>& nodes);
@@ -65,7 +66,7 @@ class ReturnSearch {
   GUID identity;
   bool lost = false;  // as its reader says, whatever the list has
   // Of its vendor, product and name, and seen together with it.
-  std::vector<NodePlace> beside;
+  std::vector<DeviceIds> beside;
   std::unique_ptr<NodeWatch> watch;  // null where there can be none
   std::string aloneAt;               // the place of the one that nothing like it has followed
   std::int64_t aloneTillMs = 0;

@@ -55,6 +55,8 @@ class ReturnSearchTest : public ::testing::Test {
     EXPECT_EQ(search->Look(true), nullptr);
   }
   bool IsBack() { return search->Look(false) != nullptr; }
+  // Whatever the news is.
+  void LookNow() { machine.Tell(NodeWatch::Report::Overrun); }
   // Within so many milliseconds, with a look at each.
   bool ComesBackIn(int ms) {
     for (int i = 0; i < ms; ++i, ++machine.nowMs) {
@@ -121,9 +123,13 @@ TEST_F(ReturnSearchTest, AnEqualSerialOfAnotherMakeIsNotIt) {
   const Plugged pad = Plug({.serial = "serial"});
   Use(pad);
   Lose(pad);
-  Plug({.serial = "serial", .bus = BUS_BLUETOOTH, .product = 0x5679});
-  Plug({.serial = "serial", .bus = BUS_BLUETOOTH, .vendor = 0x1235});
-  EXPECT_FALSE(ComesBackIn(5000));
+  for (const Make& other : {Make{.serial = "serial", .bus = BUS_BLUETOOTH, .product = 0x5679},
+                            Make{.serial = "serial", .bus = BUS_BLUETOOTH, .vendor = 0x1235}}) {
+    const Plugged there = Plug(other);
+    LookNow();
+    EXPECT_FALSE(ComesBackIn(5000));
+    machine.Pull(there);
+  }
 }
 
 TEST_F(ReturnSearchTest, NoSerialEqualsNone) {
@@ -140,6 +146,7 @@ TEST_F(ReturnSearchTest, TwoOfItsSerialMeanNone) {
   machine.Pull(pad);
   Plug({.serial = "0001", .version = 2});
   Plug({.serial = "0001", .version = 3});
+  Plug({.port = "port4"});  // of its name alone
   EXPECT_EQ(search->Look(true), nullptr);
   EXPECT_FALSE(ComesBackIn(5000));
 }
@@ -176,11 +183,14 @@ TEST_F(ReturnSearchTest, ANewcomerOfAnotherMakeNameOrSerialIsNotIt) {
   const Plugged pad = Plug({.serial = "serial-1"});
   Use(pad);
   Lose(pad);
-  Plug({.name = "Other Pad", .port = "port2"});
-  Plug({.port = "port3", .product = 0x5679});
-  Plug({.port = "port4", .vendor = 0x1235});
-  Plug({.serial = "serial-2", .port = "port5"});
-  EXPECT_FALSE(ComesBackIn(5000));
+  for (const Make& other :
+       {Make{.name = "Other Pad", .port = "port2"}, Make{.port = "port3", .product = 0x5679},
+        Make{.port = "port4", .vendor = 0x1235}, Make{.serial = "serial-2", .port = "port5"}}) {
+    const Plugged there = Plug(other);
+    LookNow();
+    EXPECT_FALSE(ComesBackIn(5000));
+    machine.Pull(there);
+  }
 }
 
 TEST_F(ReturnSearchTest, OneThatWasThereBeforeTheLossIsNotIt) {
@@ -216,7 +226,7 @@ TEST_F(ReturnSearchTest, TwoNewcomersMeanNone) {
   Plug({.port = "port3"});
   EXPECT_FALSE(ComesBackIn(5000));
   machine.Pull(one);
-  machine.Tell(NodeWatch::Report::Overrun);
+  LookNow();
   EXPECT_TRUE(ComesBackIn(1001)) << "the other one is left";
 }
 
@@ -240,6 +250,8 @@ TEST_F(ReturnSearchTest, WhereItCameBackItIsKnownAgainAtOnce) {
   Lose(pad);
   pad = Plug({.port = "port2"});
   ASSERT_TRUE(ComesBackIn(1001));
+  LookNow();
+  EXPECT_FALSE(IsBack()) << "it is there";
   Lose(pad);
   Plug({.port = "port2"});
   EXPECT_TRUE(IsBack());
@@ -247,13 +259,24 @@ TEST_F(ReturnSearchTest, WhereItCameBackItIsKnownAgainAtOnce) {
 
 TEST_F(ReturnSearchTest, OfTwinsThatNothingTellsApartEachKeepsItsOrdinal) {
   const Plugged first = Plug({.port = ""});
-  const Plugged second = Plug({.port = ""});
+  Plug({.port = ""});
   Use(first);
   Lose(first);
   EXPECT_FALSE(ComesBackIn(5000));
   Plug({.port = ""});
   EXPECT_TRUE(IsBack());
-  EXPECT_NE(second, nullptr);
+}
+
+TEST_F(ReturnSearchTest, TheOneThatIsLeftOfTwinsIsItUnderTheOrdinalOfTheOtherToo) {
+  const Plugged first = Plug({});
+  const Plugged second = Plug({});
+  Plug({.name = "Pad Motion Sensors"});
+  Use(first);
+  machine.Pull(first);
+  Use(second);
+  Lose(second);
+  Plug({});  // now the first
+  EXPECT_TRUE(ComesBackIn(1001));
 }
 
 TEST_F(ReturnSearchTest, TheMotionSensorOfTheSamePadIsNotIt) {
@@ -312,7 +335,7 @@ TEST_F(ReturnSearchTest, LostNewsIsAReasonToLook) {
   Lose(pad);
   Plug({});
   machine.reports.clear();
-  machine.Tell(NodeWatch::Report::Overrun);
+  LookNow();
   EXPECT_TRUE(IsBack());
 }
 
