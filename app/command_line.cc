@@ -3,7 +3,6 @@
 #include "app/main_window.h"
 #include "app/platform/controls.h"
 #include "app/platform/shell.h"
-#include "foundation/paths.h"
 
 namespace kelvaro {
 namespace {
@@ -69,7 +68,7 @@ LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteCha
   return request;
 }
 
-void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(ProgramFolder()); }
+void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
 
 void MainWindow::ParseCommandLine() {
   const LaunchRequest request = ReadCommandLine(TextOf(platform::GetCommandLineA()), quoteChars);

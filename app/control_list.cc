@@ -121,7 +121,7 @@ void MainWindow::OnNewControl() {
     LockGuard guard(profile.profileLock);
     scratch.controlId = profile.nextControlId++;
     profile.controls.AddTail(scratch);
-    profile.Save();
+    SaveProfile();
     const std::int32_t row = platform::ListInsertItem(window, kControlList, scratch.controlId);
     FillControlRow(row, scratch);
     platform::ListEnsureVisible(window, kControlList, row);
@@ -150,7 +150,7 @@ void MainWindow::OnEditControl() {
     if (Control* control = FindSelectedControl()) {
       control->CopyShared(scratch);
       FillControlRow(SelectedRow(), *control);
-      profile.Save();
+      SaveProfile();
     }
     RebuildDispatchList();
   }
@@ -177,7 +177,7 @@ void MainWindow::OnDeleteControls() {
       }
     }
     RebuildDispatchList();
-    profile.Save();
+    SaveProfile();
   }
   FillControlList();
 }
@@ -209,7 +209,7 @@ void MainWindow::OnPasteControls() {
       profile.controls.AddTail(copy);
     }
     RebuildDispatchList();
-    profile.Save();
+    SaveProfile();
   }
   FillControlList();
   platform::ListEnsureVisible(window, kControlList, profile.controls.count - 1);
@@ -222,7 +222,7 @@ void MainWindow::OnMoveUp() {
   {
     LockGuard guard(profile.profileLock);
     for (const auto* row = rows.head; row; row = row->next) profile.controls.MoveUp(*row->value);
-    profile.Save();
+    SaveProfile();
   }
   FillControlList();
   for (const auto* row = rows.head; row; row = row->next) {
@@ -238,7 +238,7 @@ void MainWindow::OnMoveDown() {
   {
     LockGuard guard(profile.profileLock);
     for (const auto* row = rows.tail; row; row = row->prev) profile.controls.MoveDown(*row->value);
-    profile.Save();
+    SaveProfile();
   }
   FillControlList();
   for (const auto* row = rows.head; row; row = row->next) {

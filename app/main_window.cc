@@ -110,6 +110,7 @@ void MainWindow::OnInit() {
   platform::PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
   platform::PostMessageA(window, WM_START_LAUNCH, 0, 0);
   initComplete = true;
+  TellUnlessProfilesCanBeSaved();
   SetText(1177, ByteString("Version ").Concat(VersionNumber()));
 }
 

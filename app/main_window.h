@@ -9,6 +9,7 @@
 // that it starts.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -116,6 +117,9 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void OnRenameProfile();
   void RefreshDeviceList();
   void ShowDeviceWarning();
+  void TellUnlessProfilesCanBeSaved();
+  // Where the open profile can't be written it goes on in memory; the person is told, once.
+  bool StoreProfile();
 
   // --- mouse_tab.cc
   void ShowMouseAndDeviceState();
@@ -226,6 +230,7 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   std::uint32_t welcomeDisplay = 0;
   QuoteChars quoteChars;
   bool inPluginPoll = false;
+  std::atomic<bool> failedSaveTold{false};
   LinkedList<Control> copiedControls;  // of Copy, for Paste
   std::uint8_t rowPrefixes = 0;        // 1: rows tell press from release
 };

@@ -272,7 +272,4 @@ void MainWindow::MouseDetectionEnded(std::uint32_t fieldId) {
   }
 }
 
-// An edit stays in memory where it can't be written.
-void MainWindow::SaveProfile() { static_cast<void>(profile.Save()); }
-
 }  // namespace kelvaro

@@ -2,6 +2,7 @@
 // folder: an entry whose file can't be read is taken out of it, the file stays.
 #include "app/dialogs.h"
 #include "app/main_window.h"
+#include "app/platform/files.h"
 #include "foundation/paths.h"
 
 namespace kelvaro {
@@ -37,6 +38,16 @@ constexpr char kFileTakenCaption[] = "Profile File Already Exists";
 constexpr char kFileTakenText[] = "The profile file named \"";
 // Kept: no blank behind the quote.
 constexpr char kFileTakenEnd[] = "\"already exists. Please choose another name.";
+
+constexpr char kCantSaveText[] = "Changes of profiles can't be stored in the folder\n";
+constexpr char kCantSaveEnd[] =
+    "\n\nThey hold until the program ends, and are lost then. To keep them, get the right to write "
+    "to that folder, or put the program's folder where you have it.";
+constexpr char kNotSavedText[] = "The profile \"";
+constexpr char kNotSavedFolder[] = "\" couldn't be stored in the folder\n";
+constexpr char kNotSavedEnd[] =
+    "\n\nIts changes hold until the program ends. To keep them, make room on the disk or get the "
+    "right to write to that folder: the next change stores the whole profile.";
 
 constexpr char kCopyTitle[] = "Copy Profile";
 constexpr char kCopyFirstPart[] = "Copy profile";
@@ -187,7 +198,7 @@ void MainWindow::OnNewProfile() {
       profile.deviceGuid = deviceManager->SelectedGuid();
       profile.pollInterval = deviceManager->PollInterval();
     }
-    saved = profile.Save();
+    saved = StoreProfile();
   }
   if (saved) {
     ListNewProfile(dialog.name);
@@ -240,7 +251,7 @@ void MainWindow::OnCopyProfile() {
   {
     LockGuard guard(profile.profileLock);
     profile.profileName = dialog.name;
-    static_cast<void>(profile.Save());  // what couldn't be written goes on in memory
+    SaveProfile();
   }
   ListNewProfile(dialog.name);
 }
@@ -264,9 +275,34 @@ void MainWindow::OnRenameProfile() {
     old.profileName = oldName;
     static_cast<void>(old.DeleteProfileFile());
     profile.profileName = dialog.name;
-    static_cast<void>(profile.Save());
+    SaveProfile();
   }
   ListNewProfile(dialog.name);
+}
+
+// Saving
+
+void MainWindow::TellUnlessProfilesCanBeSaved() {
+  if (ProfileFile::CanSave()) return;
+  platform::Tell(Bytes(Around(kCantSaveText, ProfileFile::ProfileFolder(), kCantSaveEnd)));
+}
+
+void MainWindow::SaveProfile() { StoreProfile(); }
+
+// Also on the notification thread, with locks held.
+bool MainWindow::StoreProfile() {
+  if (profile.Save()) return true;
+  ByteString reason = SystemErrorText(platform::GetLastError());
+  reason.Trim(0, 32);
+  // Without a name there is nothing to store.
+  if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) return false;
+  if (failedSaveTold.exchange(true)) return false;
+  ByteString text = Around(kNotSavedText, profile.profileName, kNotSavedFolder);
+  text.Append(ProfileFile::ProfileFolder());
+  if (!reason.IsEmpty()) text.Append(Around("\n(", reason, ")"));
+  text.Append(kNotSavedEnd);
+  platform::Tell(Bytes(text));
+  return false;
 }
 
 // The device of the profile

@@ -6,8 +6,20 @@
 
 #include "app/platform/files.h"
 #include "foundation/paths.h"
+#include "storage/data_folder.h"
 
 namespace kelvaro {
+namespace {
+
+std::unique_ptr<platform::File> OpenIn(const ByteString& folder) {
+  ByteString path = folder;
+  EnsureTrailingSeparator(&path);
+  path.Append("QuoteChars.txt");
+  return platform::CreateFileA(SeamPath(path), platform::GENERIC_READ, platform::FILE_SHARE_READ,
+                               platform::OPEN_EXISTING);
+}
+
+}  // namespace
 
 bool TakeKey(const ByteString& text, const char* key, ByteString* rest) {
   const auto length = static_cast<std::int32_t>(std::strlen(key));
@@ -16,13 +28,12 @@ bool TakeKey(const ByteString& text, const char* key, ByteString* rest) {
   return true;
 }
 
-QuoteChars LoadQuoteChars(const ByteString& folder) {
+QuoteChars LoadQuoteChars() {
   QuoteChars chars;
-  ByteString path = folder;
-  EnsureTrailingSeparator(&path);
-  path.Append("QuoteChars.txt");
-  const std::unique_ptr<platform::File> file = platform::CreateFileA(
-      SeamPath(path), platform::GENERIC_READ, platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
+  const ByteString data = DataFolder();
+  const ByteString program = ProgramFolder();
+  std::unique_ptr<platform::File> file = OpenIn(data);
+  if (!file && !data.Equals(program)) file = OpenIn(program);
   if (!file) return chars;
   struct {
     const char* key;

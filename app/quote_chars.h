@@ -1,5 +1,5 @@
 // The characters that stand for a double quote on a command line, where one can't be written: in
-// their own file beside the program a person may name others.
+// their own file, QuoteChars.txt, a person may name others.
 #pragma once
 
 #include "foundation/byte_string.h"
@@ -12,8 +12,9 @@ struct QuoteChars {
   char rightArgQuote = ']';
 };
 
-// What QuoteChars.txt in `folder` names, and the above where it doesn't or can't be read.
-QuoteChars LoadQuoteChars(const ByteString& folder);
+// What that file in the folder of data names, or where there is none the one beside the program;
+// the above where it names nothing or can't be read.
+QuoteChars LoadQuoteChars();
 
 // What stands behind `key` at the start of the text, in any letter case. False, with *rest
 // untouched, when the text starts otherwise.

@@ -109,8 +109,9 @@ void AddPlay(CLI::App& app, Choice& choice) {
 void AddProfiles(CLI::App& app, Choice& choice) {
   CLI::App* profiles = app.add_subcommand("profiles", "List the stored profiles and their files");
   profiles->footer(
-      "Profiles are stored in the folder Profiles beside the program, and go by the name inside\n"
-      "the file. With --json: name and file.");
+      "Profiles are stored in the folder Profiles beside the program, or where a file PerUser\n"
+      "lies there, in kelvaro/Profiles of your data folder, and go by the name inside the\n"
+      "file. With --json: name and file.");
   profiles->add_flag("--json", choice.profiles.json, kJsonHelp);
   Choose(profiles, choice, choice.profiles, &ProfilesCommand);
 }

@@ -8,7 +8,6 @@
 #include "app/dialog.h"
 #include "app/platform/simulation/simulation.h"
 #include "app/quote_chars.h"
-#include "foundation/paths.h"
 
 using namespace kelvaro;
 
@@ -18,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string line = input.substr(0, end);
   platform::simulation::Simulation sim;
   if (end != std::string::npos) sim.Disk().PutFile("/game/QuoteChars.txt", input.substr(end + 1));
-  const QuoteChars quotes = LoadQuoteChars(ProgramFolder());
+  const QuoteChars quotes = LoadQuoteChars();
   // Each of them stands in the file, or is the usual one.
   for (const char c : {quotes.quoteSub, quotes.leftArgQuote, quotes.rightArgQuote})
     if (c != '|' && c != '[' && c != ']' && input.find(c) == std::string::npos) std::abort();

@@ -46,7 +46,7 @@ bool MakeReady(const Launch& chosen, Session& session, Ready* ready, std::string
   if (!chosen.target.empty()) made.launch.target = session.FullPath(chosen.target);
   if (!chosen.dir.empty()) made.launch.dir = session.FullPath(chosen.dir);
   // First, for a zero byte or the like is no name to look for.
-  const QuoteChars chars = LoadQuoteChars(ProgramFolder());
+  const QuoteChars chars = LoadQuoteChars();
   if (!KelvaroWords(kelvaro, made.launch, chars, &made.words, refusal)) return false;
   if (!FindProfiles(StoredProfiles(), &made.launch.profiles, refusal)) return false;
   if (!IsFile(made.launch.target)) {

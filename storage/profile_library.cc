@@ -6,6 +6,7 @@
 #include "app/platform/files.h"
 #include "foundation/directory_walker.h"
 #include "foundation/paths.h"
+#include "storage/data_folder.h"
 
 namespace kelvaro {
 
@@ -14,6 +15,38 @@ namespace {
 constexpr char kExtension[] = ".idprof";
 constexpr char kPattern[] = "*.idprof";
 constexpr char kForbidden[] = "\\/*?\"<>|:";
+
+constexpr char kFolder[] = "Profiles";
+
+ByteString In(const ByteString& folder, const char* name) {
+  ByteString path = folder;
+  path.AppendChar(platform::PathSeparator());
+  path.Append(name);
+  return path;
+}
+
+void ListFiles(const ByteString& folder, LinkedList<ByteString>* list) {
+  list->Clear();
+  DirectoryWalker walker(WalkFiles | WalkFullPaths, kPattern, folder, "", false);
+  WalkResult file;
+  while (walker.Next(&file)) list->AddTail(file.path);
+}
+
+// Once: what a person deletes of the examples stays away.
+void MakeUsersFolder() {
+  const ByteString data = DataFolder();
+  const ByteString program = ProgramFolder();
+  const ByteString folder = In(data, kFolder);
+  if (data.Equals(program) || FileExists(folder)) return;
+  // Of several programs that begin at once, the one that makes the folder copies.
+  if (!CreateFolders(data) || !platform::CreateDirectoryA(SeamPath(folder))) return;
+  LinkedList<ByteString> shipped;
+  ListFiles(In(program, kFolder), &shipped);
+  for (const auto* node = shipped.head; node; node = node->next) {
+    platform::CopyFileA(SeamPath(*node->value), SeamPath(In(folder, FileNameOf(*node->value))),
+                        true);
+  }
+}
 
 bool FitsFileName(char c) { return c >= 32 && c < 127 && !std::strchr(kForbidden, c); }
 
@@ -28,18 +61,22 @@ ByteString ProfileLibrary::ProfileFileName(const ByteString& name) {
   return fileName;
 }
 
-ByteString ProfileLibrary::ProfileFolder() {
-  ByteString folder = ProgramFolder();
-  folder.AppendChar(platform::PathSeparator());
-  folder.Append("Profiles");
-  return folder;
+ByteString ProfileLibrary::ProfileFolder() { return In(DataFolder(), kFolder); }
+
+bool ProfileLibrary::CanSave() {
+  // Where it is missing, the first folder above that is there decides.
+  for (ByteString folder = ProfileFolder(); !folder.IsEmpty(); folder = FolderOf(folder, true)) {
+    const std::uint32_t attributes = platform::GetFileAttributesA(SeamPath(folder));
+    if (attributes == platform::INVALID_FILE_ATTRIBUTES) continue;
+    return (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+           (attributes & platform::FILE_ATTRIBUTE_READONLY) == 0;
+  }
+  return true;  // in the root, of which nobody knows more
 }
 
 bool ProfileLibrary::ListProfileFiles(LinkedList<ByteString>* list) {
-  list->Clear();
-  DirectoryWalker walker(WalkFiles | WalkFullPaths, kPattern, ProfileFolder(), "", false);
-  WalkResult file;
-  while (walker.Next(&file)) list->AddTail(file.path);
+  MakeUsersFolder();
+  ListFiles(ProfileFolder(), list);
   return true;
 }
 

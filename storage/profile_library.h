@@ -1,7 +1,7 @@
-// The folder of profiles, "Profiles" beside the program. A profile goes by the name stored in its
-// file; the file's own name is made from that once and never read back. There is no index: every
-// call looks at the folder anew, so that files put in or taken out by hand are seen at once. Main
-// thread only.
+// The folder of profiles, "Profiles" in the folder of data. A profile goes by the name stored in
+// its file; the file's own name is made from that once and never read back. There is no index:
+// every call looks at the folder anew, so that files put in or taken out by hand are seen at once.
+// Main thread only.
 #pragma once
 
 #include "foundation/byte_string.h"
@@ -18,8 +18,12 @@ class ProfileLibrary {
   // may give the same file name.
   static ByteString ProfileFileName(const ByteString& name);
 
-  // Without a separator at its end. It need not be there; the first save makes it.
+  // Without a separator at its end. It need not be there; the first save makes it. One of a user's
+  // own is made by the first look for profiles, with copies of those that came with the program.
   static ByteString ProfileFolder();
+
+  // Whether a save could make its file there, or the folder where it is missing.
+  static bool CanSave();
 
   // Replaces *list by the full paths of all files with the extension, in the order of the file
   // system. Always true: a folder that is missing or can't be read is an empty one.

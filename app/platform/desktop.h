@@ -165,6 +165,10 @@ class Desktop {
   virtual std::int32_t MessageBoxA(WindowHandle owner, const std::string& text,
                                    const std::string& caption, std::uint32_t type) = 0;
 
+  // Tells the person, in a box that nothing waits for, once a window without an owner is up. Any
+  // thread.
+  virtual void Tell(const std::string& text) = 0;
+
   // Makes a dialog, calls OnInitDialog, shows it unless it was ended there, and handles its
   // messages until EndDialog; then hides it, calls OnDestroy and destroys it. `owner` takes no
   // input meanwhile. EndDialog's result, or -1 when no window can be made (no call came then).
@@ -236,6 +240,7 @@ class Desktop {
 // Of the installed platform.
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);
+void Tell(const std::string& text);
 std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner, WindowListener& listener);
 bool EndDialog(WindowHandle window, std::int32_t result);
 bool ShowWindow(WindowHandle window, std::int32_t command);

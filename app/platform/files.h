@@ -90,7 +90,8 @@ class Files {
   // A read-only file and a folder are failures.
   virtual bool DeleteFileA(const std::string& path) = 0;
 
-  // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none.
+  // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none. A folder
+  // is read-only when this program can't make anything in it.
   virtual std::uint32_t GetFileAttributesA(const std::string& path) = 0;
   // Of these bits only the read-only one can be set.
   virtual bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) = 0;
@@ -123,6 +124,10 @@ class System {
 
   // The system's message for an error code, line end included; empty when it has none.
   virtual std::string FormatMessageA(std::uint32_t code) = 0;
+
+  // Full path of the folder in which programs keep what the person makes with them; it need not be
+  // there. Empty where the person has none.
+  virtual std::string GetUserDataFolder() = 0;
 };
 
 // Of the installed platform.
@@ -141,5 +146,6 @@ std::string GetModuleFileNameA();
 std::uint32_t GetLogicalDrives();
 std::uint32_t GetLastError();
 std::string FormatMessageA(std::uint32_t code);
+std::string GetUserDataFolder();
 
 }  // namespace platform

@@ -133,6 +133,8 @@ std::uint32_t GetLastError() { return installed.files->GetLastError(); }
 
 std::string FormatMessageA(std::uint32_t code) { return installed.system->FormatMessageA(code); }
 
+std::string GetUserDataFolder() { return installed.system->GetUserDataFolder(); }
+
 std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) {
   return installed.registry->RegOpenKeyA(key, path, opened);
 }
@@ -174,6 +176,8 @@ std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std:
                          std::uint32_t type) {
   return installed.desktop->MessageBoxA(owner, text, caption, type);
 }
+
+void Tell(const std::string& text) { installed.desktop->Tell(text); }
 
 std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner, WindowListener& listener) {
   return installed.desktop->RunDialog(dialog, owner, listener);

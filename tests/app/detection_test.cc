@@ -564,7 +564,7 @@ TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
     pad.Press({3});
     Poll();
     sim.FailAlways("RegCreateKeyA");
-    sim.Disk().FailOperation(1);
+    sim.Disk().FailOperation(2);  // the look at the first folder
     if (byButtons) {
       pad.Press({3, 5});
       Poll();

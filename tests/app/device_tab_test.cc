@@ -351,7 +351,7 @@ TEST_F(DeviceTabTest, ADeviceIsKeptEvenWhereNothingCanBeWritten) {
   BeginHere();
   sim.FailAlways("RegCreateKeyA");
   sim.FailAlways("RegSetValueExA");
-  sim.Disk().FailOperation(1);
+  sim.Disk().FailOperation(2);  // the look at the first folder
   screen.Choose(kDeviceList, "Stick");
   EXPECT_TRUE(screen.Boxes().empty());
   EXPECT_EQ(CurrentDeviceName(), "Stick");

@@ -252,7 +252,7 @@ TEST_F(MouseTabTest, ASliderDoesNotCountWhileControlsAreFilled) {
 
 TEST_F(MouseTabTest, ASliderThatCannotBeSavedCountsAllTheSameAndSaysNothing) {
   BeginHere();
-  sim.Disk().FailOperation(1);
+  sim.Disk().FailOperation(2);  // the look at the first folder
   screen.MoveSlider(kMovementDamper, 44);
   EXPECT_TRUE(screen.Boxes().empty());
   EXPECT_EQ(OpenProfile().movementDamper, 44);

@@ -26,7 +26,7 @@ TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
   platform::simulation::Simulation sim;
   for (const auto& row : kRows) {
     sim.Disk().PutFile("/game/QuoteChars.txt", row.text);
-    const QuoteChars chars = LoadQuoteChars("/game");
+    const QuoteChars chars = LoadQuoteChars();
     EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), row.chars)
         << row.text;
   }
@@ -34,8 +34,21 @@ TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
 
 TEST(LoadQuoteChars, WithoutTheFileTheUsualOnesHold) {
   platform::simulation::Simulation sim;
-  const QuoteChars chars = LoadQuoteChars("/game");
+  const QuoteChars chars = LoadQuoteChars();
   EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), "|[]");
+}
+
+TEST(LoadQuoteChars, AUsersOwnFileComesFirstWhereEachUserHasAFolder) {
+  constexpr char kUsers[] = "/home/player/.local/share/kelvaro/QuoteChars.txt";
+  platform::simulation::Simulation sim;
+  sim.Disk().PutFile("/game/QuoteChars.txt", "QuoteSub=p\nLeftArgQuote=q\n");
+  sim.Disk().PutFile(kUsers, "QuoteSub=u\n");
+  EXPECT_EQ(LoadQuoteChars().quoteSub, 'p');
+  sim.Disk().PutFile("/game/PerUser", "");
+  EXPECT_EQ(LoadQuoteChars().quoteSub, 'u');
+  EXPECT_EQ(LoadQuoteChars().leftArgQuote, '[');
+  sim.Disk().Remove(kUsers);
+  EXPECT_EQ(LoadQuoteChars().quoteSub, 'p');
 }
 
 TEST(TakeKey, TakesItInAnyCaseAtTheStartAlone) {

@@ -1165,6 +1165,7 @@ class Messages : public platform::System {
   std::string FormatMessageA(std::uint32_t code) override {
     return code == 2 ? "No such thing.\r\n" : "";
   }
+  std::string GetUserDataFolder() override { return {}; }
 };
 
 TEST(ByteString, SystemErrorTextIsTheSystems) {

@@ -1,6 +1,8 @@
 // The program `kelvaro` itself: as a process, on real displays.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -103,6 +105,28 @@ TEST_F(ProgramTest, StartsWithSettingsThatAreDamagedOrReadOnly) {
   readOnly->Signal(SIGTERM);
   EXPECT_EQ(readOnly->WaitForEnd(), 0) << readOnly->Log();
   fs::permissions(fs::path(home.SettingsFile()).parent_path(), fs::perms::owner_all);
+}
+
+TEST_F(ProgramTest, TheConsoleTakesTheUsersProfilesWhereEachUserHasAFolder) {
+  const std::string installed = home.folder + "/installed";
+  fs::create_directory(installed);
+  for (const char* name : {"kelvaroctl", "Profiles"})
+    fs::copy(Program(name), installed + "/" + name, fs::copy_options::recursive);
+  std::ofstream(installed + "/PerUser").flush();
+  const auto list = [&] {
+    const std::string log = home.folder + "/list";
+    fs::remove(log);
+    Child console({installed + "/kelvaroctl", "profiles"}, home.Environment(), log);
+    EXPECT_EQ(console.WaitForEnd(), 0);
+    return console.Log();
+  };
+  const std::string own = home.folder + "/data/kelvaro/Profiles";
+  const std::string first = list();
+  EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 5) << first;
+  EXPECT_NE(first.find(own + "/Platformer.idprof"), std::string::npos) << first;
+  for (const auto& entry : fs::directory_iterator(own))
+    if (entry.path().stem() != "Platformer") fs::remove(entry.path());
+  EXPECT_EQ(list(), "Platformer  " + own + "/Platformer.idprof\n");
 }
 
 class DisplayTest : public ProgramTest {
@@ -268,6 +292,64 @@ TEST_F(DisplayTest, ItsGripMakesItLargerAndNotSmallerThanItFirstWas) {
   drag(-400, -300);
   EXPECT_TRUE(Eventually([&] { return Window().width == first.width; })) << Window().width;
   EXPECT_EQ(Window().height, first.height);
+}
+
+// As somebody who may not write where the program lies.
+class AnotherUserTest : public DisplayTest {
+ protected:
+  static constexpr unsigned kNobody = 65534;
+
+  void SetUp() override {
+    DisplayTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) return;
+    if (geteuid() != 0) GTEST_SKIP() << "needs root, who can be anybody";
+    fs::create_directory(installed);
+    for (const char* name : {"kelvaro", "Help", "Profiles"})
+      fs::copy(Program(name), installed + "/" + name, fs::copy_options::recursive);
+    // All of the person's own folders, and the way to the programs.
+    for (const auto& entry : fs::recursive_directory_iterator(home.folder)) {
+      if (entry.path().string().starts_with(installed)) continue;
+      ASSERT_EQ(chown(entry.path().c_str(), kNobody, kNobody), 0);
+    }
+    fs::permissions(home.folder,
+                    fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+  }
+  std::unique_ptr<Child> RunAsNobody() {
+    // What the server lets root do it lets anybody do who has the way to it.
+    const std::string id = std::to_string(kNobody);
+    return std::make_unique<Child>(
+        std::vector<std::string>{"setpriv", "--reuid", id, "--regid", id, "--clear-groups",
+                                 installed + "/kelvaro"},
+        With({{"DISPLAY", desktop.Name()}}), home.folder + "/log");
+  }
+  const std::string installed = home.folder + "/installed";
+};
+
+TEST_F(AnotherUserTest, IsToldThatNothingIsKeptUnlessEachUserHasAFolder) {
+  {
+    const auto program = RunAsNobody();
+    ASSERT_TRUE(Eventually([&] { return Welcome().id != 0; })) << program->Log();
+    desktop.CloseWindow(Welcome().id);
+    ASSERT_TRUE(Eventually([&] { return Box().id != 0; })) << program->Log();
+    const unsigned long noDevice = Box().id;
+    EXPECT_TRUE(Eventually([&] {
+      desktop.CloseWindow(noDevice);
+      return Eventually([&] { return Box().id != 0 && Box().id != noDevice; }, 500ms);
+    })) << program->Log();
+    EXPECT_FALSE(fs::exists(home.folder + "/data/kelvaro"));
+    program->Signal(SIGTERM);
+    EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+  }
+  std::ofstream(installed + "/PerUser").flush();
+  const auto program = RunAsNobody();
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
+  struct stat status {};
+  ASSERT_EQ(stat((home.folder + "/data/kelvaro/Profiles/Desktop.idprof").c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kNobody);
+  CloseBox();
+  EXPECT_FALSE(Eventually([&] { return Box().id != 0; }, 1s));
+  program->Signal(SIGTERM);
+  EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
 }
 
 // Without a notification area nothing could bring a hidden window back.

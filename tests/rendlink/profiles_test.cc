@@ -18,6 +18,13 @@ TEST_F(RendlinkTest, WithoutAFolderOfProfilesThereIsNone) {
   EXPECT_EQ(StoredProfiles(), Names{});
 }
 
+TEST_F(RendlinkTest, WhereEachUserHasAFolderTheUsersProfilesCount) {
+  sim.Disk().PutFile("/game/PerUser", "");
+  EXPECT_EQ(StoredProfiles(), (Names{"Chess", "race", "Race 2"}));
+  sim.Disk().Remove("/game/Profiles");
+  EXPECT_EQ(StoredProfiles(), (Names{"Chess", "race", "Race 2"}));
+}
+
 TEST(FindProfiles, TakesTheFirstThatBeginsSoInAnyCase) {
   const Names stored = {"Chess", "race", "Race 2", "rally"};
   struct {

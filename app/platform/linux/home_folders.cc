@@ -9,18 +9,25 @@
 #include <system_error>
 
 namespace platform {
+namespace {
 
-std::string ConfigFolder() {
+std::string FolderOf(const char* variable, const char* inHome) {
   // The rules want anything but a full path to be ignored.
-  const char* config = getenv("XDG_CONFIG_HOME");
-  if (config && *config == '/') return config;
+  const char* chosen = getenv(variable);
+  if (chosen && *chosen == '/') return chosen;
   const char* home = getenv("HOME");
   if (!home || !*home) {
     const passwd* person = getpwuid(getuid());
     home = person ? person->pw_dir : nullptr;
   }
-  return home && *home == '/' ? std::string(home) + "/.config" : std::string();
+  return home && *home == '/' ? std::string(home) + inHome : std::string();
 }
+
+}  // namespace
+
+std::string ConfigFolder() { return FolderOf("XDG_CONFIG_HOME", "/.config"); }
+
+std::string DataFolder() { return FolderOf("XDG_DATA_HOME", "/.local/share"); }
 
 bool MakeFolders(const std::filesystem::path& folder) {
   std::error_code error;

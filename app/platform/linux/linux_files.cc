@@ -363,7 +363,11 @@ std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {
     Fail();
     return INVALID_FILE_ATTRIBUTES;
   }
-  return AttributesOf(status.st_mode);
+  const std::uint32_t attributes = AttributesOf(status.st_mode);
+  // Somebody else's, or on what can't be written at all.
+  const bool isClosed =
+      S_ISDIR(status.st_mode) && faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) != 0;
+  return isClosed ? attributes | FILE_ATTRIBUTE_READONLY : attributes;
 }
 
 bool LinuxFiles::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {

@@ -1,5 +1,6 @@
 // Files and folders of Linux. The read-only attribute is the owner's write permission, for root
-// too, whom the system would let through. GetLastError gives errno values. Any thread.
+// too, whom the system would let through; a folder is read-only, too, where this program may not
+// write, for whatever reason. GetLastError gives errno values. Any thread.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,4 @@
-// The system's words.
+// The system's words, and where a person's folders are.
 #pragma once
 
 #include <string>
@@ -11,6 +11,7 @@ class LinuxSystem : public System {
  public:
   // The C library's text for an errno value, and a line feed. Empty for a number it doesn't know.
   std::string FormatMessageA(std::uint32_t code) override;
+  std::string GetUserDataFolder() override;
 };
 
 }  // namespace platform

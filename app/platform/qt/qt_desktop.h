@@ -32,11 +32,9 @@ class QtDesktop final : public QObject, public Desktop {
   // Null when there is none that could be seen behind a box.
   QWidget* SeenOwner(WindowHandle owner) const;
 
-  // Tells the person, in a box that nothing waits for, once the first window is up. Any thread.
-  void Tell(const std::string& text);
-
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
+  void Tell(const std::string& text) override;
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;
   bool EndDialog(WindowHandle window, std::int32_t result) override;

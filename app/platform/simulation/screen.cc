@@ -891,6 +891,8 @@ std::int32_t Screen::ToolTipTime() const { return state->Look().toolTipTime; }
 
 // ---- The notification area
 
+const std::vector<std::string>& Screen::Told() const { return state->desktop.told; }
+
 bool Screen::IconShown() const { return state->desktop.iconShown; }
 NOTIFYICONDATA Screen::NotificationIcon() const { return state->desktop.icon; }
 

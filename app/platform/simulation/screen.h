@@ -125,6 +125,8 @@ class Screen {
   bool BoxUp() const;
   ShownMessageBox Box() const;                        // the one that is up
   const std::vector<ShownMessageBox>& Boxes() const;  // all that were shown, oldest first
+  // What the person was told in boxes that nothing waits for; they need no answer here.
+  const std::vector<std::string>& Told() const;
 
   // --- Controls of the dialog in front
 

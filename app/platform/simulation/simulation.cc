@@ -76,6 +76,9 @@ class ListedMessages final : public System {
     return found == texts.end() ? std::string() : found->second;
   }
 
+  std::string GetUserDataFolder() override { return dataFolder; }
+
+  std::string dataFolder = "/home/player/.local/share";
   std::map<std::uint32_t, std::string> texts{{2, "The system cannot find the file specified.\r\n"},
                                              {5, "Access is denied.\r\n"}};
 
@@ -216,6 +219,8 @@ const std::vector<ShownMessageBox>& Simulation::MessageBoxes() const {
 void Simulation::SetSystemMessage(std::uint32_t code, const std::string& text) {
   machine->system.texts[code] = text;
 }
+
+void Simulation::SetUserDataFolder(const std::string& path) { machine->system.dataFolder = path; }
 
 std::uint32_t Simulation::LivingThreads() const { return machine->threads.Living(); }
 

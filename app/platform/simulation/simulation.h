@@ -147,6 +147,8 @@ class Simulation {
 
   // FormatMessageA's answer; before any call 2 and 5 have one.
   void SetSystemMessage(std::uint32_t code, const std::string& text);
+  // At first "/home/player/.local/share".
+  void SetUserDataFolder(const std::string& path);
 
   // Threads that have been made and not ended, the outermost not counted. Those that are left when
   // the Simulation ends are dropped where they stand, without unwinding.

@@ -19,6 +19,7 @@ class VirtualDesktop final : public Desktop {
 
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
+  void Tell(const std::string& text) override { told.push_back(text); }
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;
   bool EndDialog(WindowHandle window, std::int32_t result) override;
@@ -56,6 +57,7 @@ class VirtualDesktop final : public Desktop {
   bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                       Point screen) override;
 
+  std::vector<std::string> told;
   bool iconShown = false;
   NOTIFYICONDATA icon;
   std::vector<OpenMenu::Entry> iconMenu;

@@ -297,6 +297,7 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
   std::shared_ptr<Node> node = Child(*folder, name);
   if (!node) {
     if (!makes) return refuse(ERROR_FILE_NOT_FOUND);
+    if (IsReadOnly(folder->attributes)) return refuse(ERROR_ACCESS_DENIED);
     node = Add(*folder, name, FILE_ATTRIBUTE_NORMAL);
   } else {
     if (IsFolder(node->attributes) || (changes && IsReadOnly(node->attributes))) {
@@ -318,7 +319,9 @@ bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool
   const std::shared_ptr<Node> folder = Parent(to, &name);
   if (!folder) return false;
   std::shared_ptr<Node> target = Child(*folder, name);
-  if (IsFolder(source->attributes)) return Fail(ERROR_ACCESS_DENIED);
+  if (IsFolder(source->attributes) || IsReadOnly(folder->attributes)) {
+    return Fail(ERROR_ACCESS_DENIED);
+  }
   if (target && failIfExists) return Fail(ERROR_FILE_EXISTS);
   if (target && (IsFolder(target->attributes) || IsReadOnly(target->attributes))) {
     return Fail(ERROR_ACCESS_DENIED);
@@ -354,7 +357,11 @@ bool VirtualDisk::DeleteFileA(const std::string& path) {
   if (const Fate fate = Enter("DeleteFileA", path, true); fate.error) return Fail(fate.error);
   const std::shared_ptr<Node> node = Find(path);
   if (!node) return false;
-  if (IsFolder(node->attributes) || IsReadOnly(node->attributes)) return Fail(ERROR_ACCESS_DENIED);
+  std::string name;
+  if (IsFolder(node->attributes) || IsReadOnly(node->attributes) ||
+      IsReadOnly(Parent(path, &name)->attributes)) {
+    return Fail(ERROR_ACCESS_DENIED);
+  }
   Remove(path);
   return true;
 }
@@ -386,6 +393,7 @@ bool VirtualDisk::CreateDirectoryA(const std::string& path) {
   const std::shared_ptr<Node> folder = Parent(path, &name);
   if (!folder) return false;
   if (Child(*folder, name)) return Fail(ERROR_ALREADY_EXISTS);
+  if (IsReadOnly(folder->attributes)) return Fail(ERROR_ACCESS_DENIED);
   Add(*folder, name, FILE_ATTRIBUTE_DIRECTORY);
   return true;
 }

@@ -68,7 +68,8 @@ class VirtualDisk final : public Files {
   // Makes or replaces a file with FILE_ATTRIBUTE_ bits, and the folders it lies in.
   void PutFile(const std::string& path, std::string bytes,
                std::uint32_t attributes = FILE_ATTRIBUTE_NORMAL);
-  // FILE_ATTRIBUTE_REPARSE_POINT makes it look like a link to a folder.
+  // FILE_ATTRIBUTE_REPARSE_POINT makes it look like a link to a folder; in one with
+  // FILE_ATTRIBUTE_READONLY nothing is made or deleted.
   void PutFolder(const std::string& path, std::uint32_t attributes = FILE_ATTRIBUTE_DIRECTORY);
   // A file, or a folder with all that is in it.
   void Remove(const std::string& path);

@@ -229,6 +229,7 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
 
   // ---- Of no effect.
 
+  void Tell(const std::string&) override {}
   bool ShowWindow(WindowHandle, std::int32_t) override { return true; }
   bool IsWindowVisible(WindowHandle) override { return true; }
   bool IsIconic(WindowHandle) override { return false; }

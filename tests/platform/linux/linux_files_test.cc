@@ -7,6 +7,7 @@
 #include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -248,6 +249,23 @@ TEST_F(LinuxFilesTest, APathWithAZeroByteNamesNothing) {
   EXPECT_EQ(List(), Names{"a"});
   EXPECT_EQ(Bytes("a"), "1");
   EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EINVAL));
+}
+
+TEST_F(LinuxFilesTest, AFolderIsReadOnlyForAUserWhoMayNotWriteIt) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root, who can be anybody";
+  chmod(folder.c_str(), 0755);
+  EXPECT_EQ(files.GetFileAttributesA(folder), FILE_ATTRIBUTE_DIRECTORY);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    constexpr id_t kNobody = 65534;
+    if (setegid(kNobody) != 0 || seteuid(kNobody) != 0) _exit(255);
+    _exit(static_cast<int>(files.GetFileAttributesA(folder)));
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(static_cast<std::uint32_t>(WEXITSTATUS(status)),
+            FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY);
 }
 
 TEST_F(LinuxFilesTest, ReadOnlyIsTheOwnersWritePermission) {

@@ -153,6 +153,23 @@ TEST(VirtualDisk, AReadOnlyFileIsNotChanged) {
   EXPECT_EQ(disk.FileBytes("/a"), "new");
 }
 
+TEST(VirtualDisk, InAReadOnlyFolderNothingIsMadeOrDeleted) {
+  VirtualDisk disk;
+  disk.PutFile("/closed/a", "old");
+  disk.PutFile("/b", "new");
+  disk.PutFolder("/closed", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY);
+  EXPECT_FALSE(Create(disk, "/closed/b"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(disk.CopyFileA("/b", "/closed/a", false));
+  EXPECT_FALSE(disk.CopyFileA("/b", "/closed/b", false));
+  EXPECT_FALSE(disk.DeleteFileA("/closed/a"));
+  EXPECT_FALSE(disk.CreateDirectoryA("/closed/folder"));
+  EXPECT_EQ(disk.List("/closed"), (std::vector<std::string>{"a"}));
+  EXPECT_EQ(disk.FileBytes("/closed/a"), "old");
+  // The content of a file that is there is its own matter.
+  EXPECT_TRUE(Create(disk, "/closed/a"));
+}
+
 TEST(VirtualDisk, NamesComeInTheOrderOfTheirMaking) {
   VirtualDisk disk;
   disk.PutFile("/t/z", "");

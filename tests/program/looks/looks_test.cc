@@ -2,11 +2,13 @@
 // has a name for a screen reader, the Tab key comes by, and texts stand out from their background.
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QFontMetrics>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
 #include <QStyleOptionSlider>
@@ -363,6 +365,41 @@ TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
     const int sent = stage.KeysSent();
     Stage::Settle(500);
     EXPECT_EQ(stage.KeysSent(), sent);
+  }));
+}
+
+// The text of the box that stands aside, which is closed; empty for none.
+std::string CloseBoxAside() {
+  std::string text;
+  const auto closed = [&] {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+      auto* const box = dynamic_cast<QMessageBox*>(window);
+      if (!box || !box->isVisible()) continue;
+      text = box->text().toStdString();
+      box->accept();
+    }
+    return !text.empty();
+  };
+  EXPECT_TRUE(QTest::qWaitFor(closed, 20'000));
+  return text;
+}
+
+TEST_F(Looks, ProfilesThatCannotBeStoredAreToldAtTheStartAndAtTheFirstSaveThatFails) {
+  Stage stage;
+  stage.Disk().PutFolder("/game/Profiles",
+                         platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_READONLY);
+  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
+    const std::string start = CloseBoxAside();
+    EXPECT_NE(start.find("can't be stored in the folder\n/game/Profiles"), std::string::npos)
+        << start;
+    auto& box = dynamic_cast<QAbstractButton&>(*window.Find(1139)->FocusWidget());
+    box.click();
+    const std::string save = CloseBoxAside();
+    EXPECT_NE(save.find("couldn't be stored in the folder\n/game/Profiles"), std::string::npos)
+        << save;
+    box.click();
+    Stage::Settle();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   }));
 }
 

@@ -74,6 +74,7 @@ class Stage {
   void WhenUp(const std::string& title, std::function<void(QWidget&)> act);
 
   platform::qt::QtPlatform& Qt() { return qt; }
+  platform::simulation::VirtualDisk& Disk() { return disk; }
   platform::simulation::VirtualRegistry& Registry() { return registry; }
   platform::simulation::SimulatedDevice& Pad() { return pad.Device(); }
   int KeysSent() const { return input.keys; }  // ups and downs

@@ -1,6 +1,9 @@
 // Profiles as real files.
+#include <errno.h>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -9,6 +12,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
@@ -140,6 +144,59 @@ TEST_F(RealFilesTest, ASmallProfileIsLoadedWithNoMoreThan12SystemCalls) {
   if (calls < 0) GTEST_SKIP() << "no process may be watched here";
   EXPECT_GE(calls, 3) << "open, read and close";
   EXPECT_LE(calls, 12);
+}
+
+// A file system of its own for the folder of profiles, which this process and its children alone
+// see. False where no such thing is allowed.
+bool MountSmallDisk(const std::string& folder) {
+  std::filesystem::create_directory(folder);
+  return unshare(CLONE_NEWNS) == 0 &&
+         mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") == 0;
+}
+
+// The exit status of `work`, which runs in a process of its own on such a disk; 77 for none.
+int OnSmallDisk(const std::string& folder, const std::function<int()>& work) {
+  const pid_t child = fork();
+  if (child == 0) _exit(MountSmallDisk(folder) ? work() : 77);
+  int status = 0;
+  if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status)) return -1;
+  return WEXITSTATUS(status);
+}
+
+TEST_F(RealFilesTest, OnAFullDiskASaveFailsForThatReasonAndLeavesTheOldProfile) {
+  const int status = OnSmallDisk(program.Profiles(), [this] {
+    ProfileFile profile;
+    profile.profileName = "P";
+    profile.deviceName = "old";
+    if (!profile.Save() || !ProfileFile::CanSave()) return 1;
+    std::ofstream(PathOf("rest")) << std::string(100'000, 'x');
+    profile.deviceName = "new";
+    if (profile.Save()) return 2;
+    if (platform::GetLastError() != static_cast<std::uint32_t>(ENOSPC)) return 3;
+    ProfileFile again;
+    if (!again.Load(Bytes(PathOf("P.idprof"))) || Str(again.deviceName) != "old") return 4;
+    std::filesystem::remove(PathOf("rest"));
+    if (!profile.Save() || !again.Load(Bytes(PathOf("P.idprof")))) return 5;
+    return Str(again.deviceName) == "new" ? 0 : 6;
+  });
+  if (status == 77) GTEST_SKIP() << "nothing may be mounted here";
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(RealFilesTest, WhereTheDiskIsReadOnlyASaveIsKnownToFail) {
+  const int status = OnSmallDisk(program.Profiles(), [this] {
+    if (!ProfileFile::CanSave()) return 1;
+    if (mount("none", program.Profiles().c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0)
+      return 77;
+    if (ProfileFile::CanSave()) return 2;
+    ProfileFile profile;
+    profile.profileName = "P";
+    if (profile.Save()) return 3;
+    return platform::GetLastError() == static_cast<std::uint32_t>(EROFS) ? 0 : 4;
+  });
+  if (status == 77) GTEST_SKIP() << "nothing may be mounted here";
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace

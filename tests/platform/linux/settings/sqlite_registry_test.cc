@@ -736,7 +736,7 @@ TEST(AutostartEntry, AnExecWithArgumentsReadsAsItStands) {
 class ConfigFolderTest : public ::testing::Test {
  protected:
   ConfigFolderTest() {
-    for (const char* name : {"XDG_CONFIG_HOME", "HOME"}) {
+    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "HOME"}) {
       const char* value = getenv(name);
       before.emplace_back(name, value ? value : "");
     }
@@ -760,6 +760,16 @@ TEST_F(ConfigFolderTest, FollowsTheEnvironment) {
   }
   unsetenv("XDG_CONFIG_HOME");
   EXPECT_EQ(ConfigFolder(), "/home/player/.config");
+}
+
+TEST_F(ConfigFolderTest, SoDoesTheFolderOfAPersonsData) {
+  setenv("HOME", "/home/player", 1);
+  setenv("XDG_DATA_HOME", "/somewhere/data", 1);
+  EXPECT_EQ(LinuxSystem().GetUserDataFolder(), "/somewhere/data");
+  for (const char* ignored : {"", "relative/data"}) {
+    setenv("XDG_DATA_HOME", ignored, 1);
+    EXPECT_EQ(LinuxSystem().GetUserDataFolder(), "/home/player/.local/share");
+  }
 }
 
 TEST_F(ConfigFolderTest, NothingIsTouchedBeforeTheFirstOperation) {

@@ -1,0 +1,21 @@
+#include "storage/data_folder.h"
+
+#include "app/platform/files.h"
+#include "foundation/paths.h"
+
+namespace kelvaro {
+
+ByteString DataFolder() {
+  const ByteString program = ProgramFolder();
+  ByteString marker = program;
+  marker.AppendChar(platform::PathSeparator());
+  marker.Append("PerUser");
+  if (!FileExists(marker)) return program;
+  ByteString folder = FromSeamPath(platform::GetUserDataFolder());
+  if (folder.IsEmpty()) return program;
+  EnsureTrailingSeparator(&folder);
+  folder.Append("kelvaro");
+  return folder;
+}
+
+}  // namespace kelvaro
