@@ -54,11 +54,10 @@ TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
     : Control(host, from), frame(new Frame(host.Inside())), bar(frame->bar) {
   connect(bar, &QTabBar::currentChanged, this, [this](int tab) {
     frame->update();
-    if (!this->host.GoesOn()) {
-      Select(selected);
-      return;
-    }
-    selected = tab;
+    // Behind a box that comes first it is still the tab before.
+    Select(selected);
+    if (!this->host.GoesOn()) return;
+    Select(tab);
     this->host.Notify(id, Notice::SelectionChanged, tab);
   });
   Adopt(frame);

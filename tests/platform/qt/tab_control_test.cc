@@ -66,6 +66,7 @@ TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
   for (const bool box : {true, false}) {
     recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
       if (notice != Notice::FocusLost) return;
+      EXPECT_EQ(static_cast<QTabBar*>(Widget(kTabs))->currentIndex(), 0) << "already";
       if (box) {
         QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
         MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
