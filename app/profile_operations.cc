@@ -39,15 +39,15 @@ constexpr char kFileTakenText[] = "The profile file named \"";
 // Kept: no blank behind the quote.
 constexpr char kFileTakenEnd[] = "\"already exists. Please choose another name.";
 
-constexpr char kCantSaveText[] = "Changes of profiles can't be stored in the folder\n";
+constexpr char kCantSaveText[] = "Changes to profiles can't be stored in the folder\n";
 constexpr char kCantSaveEnd[] =
-    "\n\nThey hold until the program ends, and are lost then. To keep them, get the right to write "
-    "to that folder, or put the program's folder where you have it.";
+    "\n\nThey last until Kelvaro ends, and are then lost. To keep them, give yourself the right to "
+    "write to that folder, or move Kelvaro's folder to a place where you have it.";
 constexpr char kNotSavedText[] = "The profile \"";
 constexpr char kNotSavedFolder[] = "\" couldn't be stored in the folder\n";
 constexpr char kNotSavedEnd[] =
-    "\n\nIts changes hold until the program ends. To keep them, make room on the disk or get the "
-    "right to write to that folder: the next change stores the whole profile.";
+    "\n\nIts changes last until Kelvaro ends. To keep them, make room on the disk or give yourself "
+    "the right to write to that folder: the next change stores the whole profile.";
 
 constexpr char kCopyTitle[] = "Copy Profile";
 constexpr char kCopyFirstPart[] = "Copy profile";

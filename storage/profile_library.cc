@@ -37,8 +37,8 @@ void MakeUsersFolder() {
   const ByteString data = DataFolder();
   const ByteString program = ProgramFolder();
   const ByteString folder = In(data, kFolder);
-  if (data.Equals(program) || FileExists(folder)) return;
-  // Of several programs that begin at once, the one that makes the folder copies.
+  if (data.Equals(program)) return;
+  // Who makes the folder copies, of several programs that begin at once, too.
   if (!CreateFolders(data) || !platform::CreateDirectoryA(SeamPath(folder))) return;
   LinkedList<ByteString> shipped;
   ListFiles(In(program, kFolder), &shipped);

@@ -36,7 +36,7 @@ TEST_F(SavingTest, AFolderThatCannotBeWrittenIsToldAtTheStartOutsideTheBoxes) {
   Begin();
   ASSERT_EQ(screen.Told().size(), 1u);
   EXPECT_TRUE(Says(0, "/game/Profiles"));
-  EXPECT_TRUE(Says(0, "get the right to write"));
+  EXPECT_TRUE(Says(0, "give yourself the right to write"));
   EXPECT_TRUE(screen.Boxes().empty());
   EXPECT_EQ(screen.Chosen(kProfileList), kProfile);
 }
