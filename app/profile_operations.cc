@@ -10,7 +10,6 @@ namespace kelvaro {
 namespace {
 
 constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kDeviceList = 1060;
 
 constexpr char kMissingProfileCaption[] = "Missing Profile Error";
 constexpr char kMissingProfileText[] = "Error reading profile \"";
