@@ -460,7 +460,9 @@ void DialogWindow::Minimise() {
   showMinimized();
 }
 
-// Nothing could bring back a window that is hidden behind an icon that isn't there.
+// Nothing could bring back a window that is hidden behind an icon that isn't there. To Qt it stays
+// minimised until it is shown again: taking that back asks the X server at once to show the window,
+// and a window manager that had just let go of it would do so.
 void DialogWindow::HideOrMinimise() {
   broughtUp = true;
   shownIconic = false;
@@ -473,7 +475,6 @@ void DialogWindow::HideOrMinimise() {
   hidden = true;
   const Quiet silent(*this);
   hide();
-  setWindowState(windowState() & ~Qt::WindowMinimized);
 }
 
 void DialogWindow::IconCameOrWent() {

@@ -2,8 +2,11 @@
 #include <QDBusConnection>
 #include <QProcess>
 
+#include <QtGui/qguiapplication_platform.h>
 #include "notification_host.h"
+
 #include "qt_test.h"
+#include "window_manager.h"
 
 namespace platform::qt {
 namespace {
@@ -82,6 +85,40 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, icon));
+  });
+}
+
+// Whoever manages windows could take one that asks to be shown meanwhile for one that comes back.
+TEST_F(SessionTest, AnIconicWindowThatHidesDoesNotAskToBeShown) {
+  NotificationHost host;
+  WindowManager manager;
+  // The program's requests have come to the server, and the manager has seen them.
+  const auto handle = [&] {
+    auto* const x = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    std::free(
+        xcb_get_input_focus_reply(x->connection(), xcb_get_input_focus(x->connection()), nullptr));
+    manager.Handle();
+  };
+  const auto until = [](auto holds) { return QTest::qWaitFor(holds, kSoon); };
+  QTimer managing;
+  QObject::connect(&managing, &QTimer::timeout, handle);
+  managing.start(1);
+  Run([&] {
+    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(until([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
+    manager.MakeIconic(static_cast<xcb_window_t>(Dialog()->winId()));
+    EXPECT_TRUE(until([&] { return IsIconic(Window()); }));
+    ShowWindow(Window(), SW_HIDE);
+    EXPECT_TRUE(until([&] { return manager.Withdrawn() == 1; }));
+    Settle();
+    handle();
+    EXPECT_EQ(manager.Shown(), 1);
+
+    ShowWindow(Window(), SW_SHOW);
+    ShowWindow(Window(), SW_RESTORE);
+    EXPECT_TRUE(until([&] { return manager.Shown() > 1; }));
+    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_FALSE(IsIconic(Window()));
   });
 }
 
