@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/device/one_pad.h"
 #include "tests/device/watched_machine.h"
 
 namespace kelvaro {
@@ -359,6 +360,38 @@ TEST(DeviceSelection, AFailedCreateDeviceLeavesNoDeviceRunning) {
   machine.simulation.RunFor(200);
   EXPECT_TRUE(machine.watched.calls.empty());
   EXPECT_TRUE(manager.SelectDevice(0));
+}
+
+// Counts what is asked of it.
+struct NobodysPad final : test::OnePad {
+  platform::HRESULT Unacquire() override { return Count(); }
+  platform::HRESULT Poll() override { return Count(); }
+  platform::HRESULT GetDeviceState(std::uint32_t, platform::DIJOYSTATE2*) override {
+    return Count();
+  }
+  void Release() override { Count(); }
+  platform::HRESULT Count() {
+    ++calls;
+    return platform::DI_OK;
+  }
+  int calls = 0;
+};
+
+TEST(DeviceSelection, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
+  NobodysPad nobodys;
+  {
+    Machine machine;
+    machine.simulation.AddDevice(Pad("Pad", 1));
+    machine.watched.leftByAFailure = &nobodys;
+    DeviceManager& manager = machine.Make();
+    machine.simulation.FailNext("CreateDevice", platform::DIERR_DEVICENOTREG);
+    EXPECT_FALSE(manager.SelectDevice(0));
+    machine.simulation.RunFor(200);
+    manager.StopDevice();
+    EXPECT_EQ(nobodys.calls, 0);
+    EXPECT_TRUE(manager.SelectDevice(0));
+  }
+  EXPECT_EQ(nobodys.calls, 0);
 }
 
 TEST(DeviceSelection, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {

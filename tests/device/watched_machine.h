@@ -28,7 +28,8 @@ class WatchedMachine : public platform::Clock,
   std::vector<std::int32_t> priorities;  // as threads set them for themselves
   bool refuseManualResetEvents = false;  // CreateEventA gives no such event
   bool refuseAutoResetEvents = false;
-  bool failWaits = false;  // WaitForMultipleObjects
+  bool failWaits = false;                                 // WaitForMultipleObjects
+  platform::DirectInputDevice* leftByAFailure = nullptr;  // what CreateDevice gives then, if any
 
   void Note(const std::string& call) { calls.push_back(call); }
   std::int64_t Count(const std::string& call) const {
@@ -225,6 +226,8 @@ class WatchedMachine : public platform::Clock,
       if (result == platform::DI_OK) {
         owner.opened.push_back(std::make_unique<Device>(owner, made));
         *device = owner.opened.back().get();
+      } else if (owner.leftByAFailure) {
+        *device = owner.leftByAFailure;
       }
       return result;
     }

@@ -64,6 +64,13 @@ TEST(DetectMouseAxis, AHatBeatsAnAxisThatIsNotAtItsEnd) {
   EXPECT_EQ(Detect(state), "0 0 0");
   state.lX = -32000;
   EXPECT_EQ(Detect(state), "0 0 0");
+  // Beyond its end isn't at its end.
+  state.lX = 32001;
+  EXPECT_EQ(Detect(state), "8 0 32");
+  state.lX = -32001;
+  EXPECT_EQ(Detect(state), "8 0 32");
+  state.rgdwPOV[0] = 0xFFFFFFFF;
+  EXPECT_EQ(Detect(state), "0 0 0");
 }
 
 TEST(DetectMouseAxis, OnlyTheNarrowSidesOfAHatAreLeftRight) {
