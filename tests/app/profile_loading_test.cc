@@ -8,7 +8,7 @@
 
 #include "app/platform/platform.h"
 #include "tests/app/profile_row_fixture.h"
-#include "tests/app/watched_files.h"
+#include "tests/platform/watched_files.h"
 
 namespace kelvaro {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tests/app/profile_row_fixture.h"
-#include "tests/app/watched_files.h"
+#include "tests/platform/watched_files.h"
 
 namespace kelvaro {
 namespace {
