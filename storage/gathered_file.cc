@@ -17,6 +17,7 @@ constexpr std::uint32_t kLongestFile = std::numeric_limits<std::uint32_t>::max()
 
 bool GatheredFile::Create(const ByteString& path) {
   Close();
+  Release();
   handle = platform::CreateFileA(SeamPath(path), platform::GENERIC_READ | platform::GENERIC_WRITE,
                                  platform::FILE_SHARE_READ, platform::CREATE_ALWAYS);
   return IsOpen();
@@ -51,13 +52,13 @@ bool GatheredFile::PutDown() {
 bool GatheredFile::Close() {
   if (!IsOpen()) return true;
   const bool isDown = PutDown();
-  const bool closed = handle->CloseHandle();
-  Abandon();
-  return isDown && closed;
+  isClosed = true;
+  return handle->CloseHandle() && isDown;
 }
 
-void GatheredFile::Abandon() {
+void GatheredFile::Release() {
   handle.reset();
+  isClosed = false;
   content.reset();
   capacity = size = position = putDown = systemPosition = 0;
 }

@@ -1,6 +1,7 @@
 // The write side of a file that is put on disk in one piece. What is written gathers in memory,
 // where headers can still be patched; otherwise a profile would cost tens of thousands of small
-// system calls. Below 4 GiB, as the sizes inside the files are 32 bits wide. One thread at a time.
+// system calls. Below 4 GiB, as the sizes inside the files are 32 bits wide. From Create to Release
+// nobody else can create the same file. One thread at a time.
 #pragma once
 
 #include <cstdint>
@@ -14,9 +15,10 @@ namespace kelvaro {
 
 class GatheredFile {
  public:
-  // Makes the file afresh, an old content goes. False, with nothing open, on failure.
+  // Makes the file afresh, an old content goes. False, with nothing open, on failure; another one
+  // who has created it and not released it is one.
   bool Create(const ByteString& path);
-  bool IsOpen() const { return handle != nullptr; }
+  bool IsOpen() const { return handle && !isClosed; }
 
   // Puts bytes at the position and moves it behind them. False, with nothing changed, when nothing
   // is open, without memory, or when the file would be too long.
@@ -31,8 +33,8 @@ class GatheredFile {
   // Puts down the rest and closes. False when either failed; closed all the same. True when nothing
   // was open.
   bool Close();
-  // Closes without putting down the rest.
-  void Abandon();
+  // Lets go of the file; an open one is closed without putting down the rest.
+  void Release();
 
  private:
   struct Freed {
@@ -40,7 +42,8 @@ class GatheredFile {
   };
   bool Grow(std::uint32_t needed);
 
-  std::unique_ptr<platform::File> handle;
+  std::unique_ptr<platform::File> handle;  // kept until Release
+  bool isClosed = false;
   std::unique_ptr<char[], Freed> content;
   std::uint32_t capacity = 0;
   std::uint32_t size = 0;

@@ -51,19 +51,21 @@ TaggedFile::~TaggedFile() { Close(); }
 bool TaggedFile::OpenForRead(const ByteString& target) {
   if (isOpen) return true;
   path = target;
-  reader.Assign(path);
-  if (!reader.Open() && !(RestoreFromTemporary() && reader.Open())) return false;
-  bool started = ReadStart();
-  // A copy over the target that was cut off may have got as far as the heads of the root's lists.
-  if (!started || (IsCutShort() && FileExists(TemporaryPath()))) {
-    reader.Close();
-    started = RestoreFromTemporary() && reader.Open() && ReadStart();
-  }
-  if (!started) {
-    reader.Close();
-    openLists.Clear();
-    current = nullptr;
-    return false;
+  const bool started = ReadStart(path);
+  isDamaged = started && IsCutShort();
+  if (!started || isDamaged) {
+    auto claim = ClaimTemporary();
+    // A copy over the target that was cut off may have got as far as the heads of the root's lists.
+    // But what is left of the target is worth more than what is left of a temporary.
+    if (claim && (!started || IsTemporaryWhole())) {
+      const bool copied = CopyOverTarget();
+      claim.reset();
+      if (copied) DeleteTemporary();
+      // Not the target in its place: the next write would begin the temporary anew.
+      if (!copied) return ForgetStart();
+    }
+    if (!ReadStart(path)) return false;
+    isDamaged = IsCutShort();
   }
   isOpen = true;
   isWriting = false;
@@ -76,7 +78,24 @@ bool TaggedFile::IsCutShort() {
   return root.size > 0 && !reader.ReadBytes(&last, root.end - 1, 1);
 }
 
-bool TaggedFile::ReadStart() {
+bool TaggedFile::IsTemporaryWhole() {
+  // One that was just begun has a root without children.
+  return ReadStart(TemporaryPath()) && ChildCount() > 0 && !IsCutShort();
+}
+
+bool TaggedFile::ReadStart(const ByteString& file) {
+  reader.Assign(file);
+  return (reader.Open() && ReadRoot()) || ForgetStart();
+}
+
+bool TaggedFile::ForgetStart() {
+  reader.Close();
+  openLists.Clear();
+  current = nullptr;
+  return false;
+}
+
+bool TaggedFile::ReadRoot() {
   ByteString start;
   if (!reader.ReadBytes(&start, 0, magic.Length()) || !start.Equals(magic)) return false;
   if (!reader.ReadU16(&version, magic.Length())) return false;
@@ -159,8 +178,14 @@ bool TaggedFile::ReadHead(const ChunkEntry& entry, OpenList* list) {
 bool TaggedFile::DescendAt(std::int32_t index) {
   if (!isOpen || !current || isWriting) return false;
   const ChunkEntry* const entry = EntryAt(index);
+  if (!entry || entry->type != chunk_type::kList) return false;
   OpenList list;
-  return entry && entry->type == chunk_type::kList && ReadHead(*entry, &list) && Push(list);
+  return (ReadHead(*entry, &list) && Push(list)) || Damaged();
+}
+
+bool TaggedFile::Damaged() {
+  isDamaged = true;
+  return false;
 }
 
 bool TaggedFile::ReadField(std::uint32_t index, ByteString* out) {
@@ -168,12 +193,12 @@ bool TaggedFile::ReadField(std::uint32_t index, ByteString* out) {
   const ChunkEntry& entry = *EntryAt(index);
   const std::uint64_t end = entry.offset + entry.size;
   const std::uint64_t inside = std::max(current->end, entry.offset);
-  if (end > inside && strayLeft == 0) return false;
+  if (end > inside && strayLeft == 0) return Damaged();
   const bool whole = reader.ReadBytes(out, entry.offset, entry.size);
   // Paid for by what was there, so that one size beyond the end of the file doesn't use it up.
   const std::uint64_t readTo = entry.offset + out->Length();
   if (readTo > inside) FollowStray(std::max<std::uint64_t>(readTo - inside, kStrayChunk));
-  return whole;
+  return whole || Damaged();
 }
 
 bool TaggedFile::ReadNumber(std::int32_t index, std::uint32_t* out) {
@@ -196,8 +221,8 @@ bool TaggedFile::Descend(std::uint32_t id) {
       const ChunkEntry& entry = *node->value;
       if (entry.type != chunk_type::kList) continue;
       OpenList list;
-      if (!ReadHead(entry, &list)) return false;
-      if (list.id == id) return Push(list);
+      if (!ReadHead(entry, &list)) return Damaged();
+      if (list.id == id) return Push(list) || Damaged();
     }
     return false;
   }
@@ -265,13 +290,13 @@ bool TaggedFile::OpenForWrite(const ByteString& target) {
   // At once, so that a disk that takes nothing is found out before anything is built on it.
   if (!writeHandle.Write(magic.Text(), magic.Length()) || !WriteU16(1) || !WriteHeader(&root) ||
       !writeHandle.PutDown()) {
-    writeHandle.Abandon();
+    writeHandle.Release();
     return false;
   }
   openLists.Clear();
   current = nullptr;
   if (!openLists.AddTail(root)) {
-    writeHandle.Abandon();
+    writeHandle.Release();
     return false;
   }
   current = openLists.tail->value;
@@ -319,27 +344,35 @@ bool TaggedFile::WriteBytes(const ByteString& data) { return WriteField(chunk_ty
 bool TaggedFile::FinishWriting() {
   // What the system didn't take counts as a file that couldn't be closed: copied over the target,
   // a temporary cut short by a full disk would be all that is left of the profile.
-  if (!writeHandle.Close()) return false;
-  return !useTemporary || CopyOverTarget();
+  const bool good = writeHandle.Close() && (!useTemporary || CopyOverTarget());
+  // Not before: another writer would begin the temporary anew while it is copied.
+  writeHandle.Release();
+  if (good && useTemporary) DeleteTemporary();
+  return good;
 }
 
 // The temporary
 
 ByteString TaggedFile::TemporaryPath() const { return path.Concat(".tmp"); }
 
-bool TaggedFile::RestoreFromTemporary() { return FileExists(TemporaryPath()) && CopyOverTarget(); }
+std::unique_ptr<platform::File> TaggedFile::ClaimTemporary() const {
+  return platform::CreateFileA(SeamPath(TemporaryPath()), platform::GENERIC_READ,
+                               platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
+}
 
 bool TaggedFile::CopyOverTarget() {
   const std::string target = SeamPath(path);
-  const std::string temporary = SeamPath(TemporaryPath());
   const std::uint32_t attributes = platform::GetFileAttributesA(target);
   if (attributes != platform::INVALID_FILE_ATTRIBUTES) {
     platform::SetFileAttributesA(target, attributes & ~platform::FILE_ATTRIBUTE_READONLY);
   }
-  if (!platform::CopyFileA(temporary, target, false)) return false;
-  // A temporary that stays does no harm: it is whole, and the next write begins it anew.
-  platform::DeleteFileA(temporary);
-  return true;
+  return platform::CopyFileA(SeamPath(TemporaryPath()), target, false);
+}
+
+void TaggedFile::DeleteTemporary() {
+  // One that stays does no harm: it is whole, and the next write begins it anew. That may be under
+  // way already, and then it isn't deleted.
+  platform::DeleteFileA(SeamPath(TemporaryPath()));
 }
 
 }  // namespace kelvaro

@@ -10,7 +10,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
+#include "app/platform/files.h"
 #include "foundation/binary_file.h"
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
@@ -84,15 +86,15 @@ class TaggedFile {
   // Closes: a file that is being written is finished.
   virtual ~TaggedFile();
 
-  // Opens a file and makes its root the current list. A target that is missing, cut short, or
-  // unreadable at its start, is replaced by its temporary if there is one; without one, a file that
-  // is merely cut short is read as far as it goes. True, with the open file kept, when one is open
-  // already.
+  // Opens a file and makes its root the current list. A target that is missing, or unreadable at
+  // its start, is replaced by its temporary if there is one that nobody is writing; one that is
+  // merely cut short only by a temporary that is whole, and is read as far as it goes otherwise.
+  // True, with the open file kept, when one is open already.
   bool OpenForRead(const ByteString& target);
 
   // Starts the temporary of `target`, after making the missing folders, and makes the root the
   // current list. A file that is open is closed first. False with the target untouched; a temporary
-  // may be left.
+  // may be left. Until Close, another one who wants to write the same target is refused.
   bool OpenForWrite(const ByteString& target);
 
   // Leaves all lists. What was written is put on disk and copied over the target, even when a step
@@ -138,10 +140,17 @@ class TaggedFile {
   LinkedList<OpenList> openLists;  // the root first
   OpenList* current = nullptr;     // the innermost
   ByteString magic = "XFF";        // a derived class sets its own before the first use
+  // Of the file read last: something that it claims to hold couldn't be read.
+  bool isDamaged = false;
 
  private:
-  // The magic, the version and the root.
-  bool ReadStart();
+  // Opens a file in the reader and reads the magic, the version and the root.
+  bool ReadStart(const ByteString& file);
+  bool ReadRoot();
+  // Undoes it. False for convenience.
+  bool ForgetStart();
+  // Notes it; false for convenience.
+  bool Damaged();
   // Whether the file ends before its root does.
   bool IsCutShort();
   bool ReadHead(const ChunkEntry& entry, OpenList* list);
@@ -160,9 +169,13 @@ class TaggedFile {
   bool FinishWriting();
 
   ByteString TemporaryPath() const;
-  bool RestoreFromTemporary();
-  // Copies the temporary over the target, read-only or not, and removes it.
+  // Keeps writers away from it; null where there is none, or a writer is at it.
+  std::unique_ptr<platform::File> ClaimTemporary() const;
+  // Reads its start, in the target's place.
+  bool IsTemporaryWhole();
+  // Copies it over the target, read-only or not.
   bool CopyOverTarget();
+  void DeleteTemporary();
 
   std::uint32_t strayLeft = kStrayLimit;
 };

@@ -27,7 +27,9 @@ constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
 constexpr std::uint32_t FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 
-// One open file; closed when it is destroyed. One thread at a time.
+// One open file; closed when it is destroyed, and only then are those let in whom it shuts out (see
+// CreateFileA): so what was written can be closed, copied and deleted in peace. One thread at a
+// time.
 class File {
  public:
   virtual ~File() = default;
@@ -76,10 +78,14 @@ class Files {
   // '\\' or '/'.
   virtual char PathSeparator() = 0;
 
-  // access: GENERIC_ bits. share: FILE_SHARE_ bits, of no meaning where nobody is shut out.
-  // disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null on failure; a folder is
-  // one, so is whatever else isn't a plain file, and a read-only file that is to be written. Never
-  // waits for somebody at the other end.
+  // access: GENERIC_ bits. disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null
+  // on failure; a folder is one, so is whatever else isn't a plain file, and a read-only file that
+  // is to be written. Never waits for somebody at the other end.
+  //
+  // share: FILE_SHARE_ bits. Of those who leave out FILE_SHARE_WRITE, in any process, a file has
+  // one that writes or any number that read; whoever would be one more fails. Who shares writing,
+  // as a reader of whatever is there, neither shuts out nor is shut out. Nothing of this outlives
+  // the process. A file system without locks shuts nobody out.
   virtual std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
                                             std::uint32_t share, std::uint32_t disposition) = 0;
 
@@ -87,7 +93,7 @@ class Files {
   // content or the new one at every moment in between, a power cut included. An old target keeps
   // its attributes and permissions, a new one gets the source's. A read-only target is a failure.
   virtual bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) = 0;
-  // A read-only file and a folder are failures.
+  // A read-only file and a folder are failures, and so is a file that somebody shuts others out of.
   virtual bool DeleteFileA(const std::string& path) = 0;
 
   // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none. A folder

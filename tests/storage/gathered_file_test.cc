@@ -84,15 +84,28 @@ TEST_F(GatheredFileTest, ACloseThatFailsClosesAllTheSame) {
   EXPECT_FALSE(file.Close());
   EXPECT_FALSE(file.IsOpen());
   EXPECT_TRUE(file.Close());
+  file.Release();
   EXPECT_EQ(Disk().OpenHandles(), 0u);
 }
 
-TEST_F(GatheredFileTest, AnAbandonedFileStaysAsItWasPutDown) {
+TEST_F(GatheredFileTest, AClosedFileIsCreatedByNobodyElseUntilItIsReleased) {
+  GatheredFile other;
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  EXPECT_FALSE(other.Create(kPath));
+  EXPECT_TRUE(file.Close());
+  EXPECT_FALSE(other.Create(kPath));
+  EXPECT_EQ(OnDisk(), "abc");
+  file.Release();
+  EXPECT_TRUE(other.Create(kPath));
+}
+
+TEST_F(GatheredFileTest, AFileReleasedWithoutACloseStaysAsItWasPutDown) {
   ASSERT_TRUE(file.Create(kPath));
   EXPECT_TRUE(Write("abc"));
   EXPECT_TRUE(file.PutDown());
   EXPECT_TRUE(Write("def"));
-  file.Abandon();
+  file.Release();
   EXPECT_EQ(OnDisk(), "abc");
   EXPECT_EQ(Disk().OpenHandles(), 0u);
 }

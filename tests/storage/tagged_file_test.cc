@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/platform/watched_files.h"
 #include "tests/storage/chunks.h"
 
 namespace kelvaro {
@@ -746,6 +748,125 @@ TEST_F(TaggedFileTest, ABrokenTargetAndABrokenTemporaryAreBothLost) {
   EXPECT_EQ(*Disk().FileBytes(kPath), Container({Field("cut short")}).substr(0, 20));
   EXPECT_FALSE(Disk().Exists(kTemporary));
   EXPECT_EQ(Disk().OpenHandles(), 0u);
+}
+
+TEST_F(TaggedFileTest, ACutTargetIsNotRestoredFromATemporaryThatIsCutItself) {
+  const std::string whole =
+      Container({List(1, {Field("a")}), List(2, {Field("b")}), Field(std::string(600, 'c'))});
+  const std::string cut = whole.substr(0, whole.size() - 1);
+  // What a writer puts down first has a root that is complete, and holds nothing.
+  std::vector<std::string> temporaries = {Container({}), "something else entirely"};
+  for (std::size_t n = 0; n < whole.size(); ++n) temporaries.push_back(whole.substr(0, n));
+  for (const std::string& temporary : temporaries) {
+    Put(cut);
+    Disk().PutFile(kTemporary, temporary);
+    ShownFile file;
+    ASSERT_TRUE(file.OpenForRead(kPath)) << temporary.size();
+    ASSERT_TRUE(file.Descend(2)) << temporary.size();
+    EXPECT_EQ(file.Read(0), "b") << temporary.size();
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(Disk().FileBytes(kPath), cut) << temporary.size();
+    EXPECT_EQ(Disk().FileBytes(kTemporary), temporary) << "left alone";
+  }
+}
+
+TEST_F(TaggedFileTest, ACutTargetWhoseRestoreCantBeCopiedIsNotReadInItsPlace) {
+  const std::string whole = Container({List(1, {Field("a")}), List(2, {Field("b")})});
+  for (const std::uint32_t copyStep : {0u, 10u}) {
+    Put(whole.substr(0, whole.size() - 1));
+    Disk().PutFile(kTemporary, whole);
+    Disk().CopyInSteps(copyStep);
+    const WatchedFiles full(sim.Groups(), [this](const std::string& operation, const std::string&) {
+      if (operation == "copy") Disk().FailOperation(1, platform::ERROR_DISK_FULL);
+    });
+    ShownFile file;
+    EXPECT_FALSE(file.OpenForRead(kPath)) << "the next save would begin the temporary anew";
+    EXPECT_EQ(Disk().FileBytes(kTemporary), whole);
+    EXPECT_EQ(Disk().OpenHandles(), 0u);
+  }
+}
+
+// ---- Two writers
+
+void WriteOne(TaggedFile* file, const char* text) {
+  EXPECT_TRUE(file->WriteBytes(text));
+  EXPECT_TRUE(file->Close());
+}
+
+TEST_F(TaggedFileTest, ASecondWriterIsRefusedUntilTheFirstIsDone) {
+  ShownFile first;
+  ShownFile second;
+  ASSERT_TRUE(first.OpenForWrite(kPath));
+  EXPECT_FALSE(second.OpenForWrite(kPath));
+  WriteOne(&first, "first");
+  EXPECT_EQ(Disk().FileBytes(kPath), Container({Field("first")}));
+  ASSERT_TRUE(second.OpenForWrite(kPath)) << "the object of the first is still there";
+  WriteOne(&second, "second");
+  EXPECT_EQ(Disk().FileBytes(kPath), Container({Field("second")}));
+}
+
+TEST_F(TaggedFileTest, ASecondWriterIsRefusedWhileTheFirstCopies) {
+  for (const std::uint32_t copyStep : {0u, 10u}) {
+    Disk().CopyInSteps(copyStep);
+    std::vector<std::string> refusedAt;
+    const WatchedFiles watched(
+        sim.Groups(),
+        [&refusedAt, inside = false](const std::string& operation, const std::string&) mutable {
+          if (inside || operation != "copy") return;
+          inside = true;
+          ShownFile second;
+          if (!second.OpenForWrite(kPath)) refusedAt.push_back(operation);
+          inside = false;
+        });
+    ShownFile first;
+    ASSERT_TRUE(first.OpenForWrite(kPath));
+    WriteOne(&first, "first");
+    EXPECT_EQ(refusedAt, std::vector<std::string>{"copy"});
+    EXPECT_EQ(Disk().FileBytes(kPath), Container({Field("first")}));
+    EXPECT_FALSE(Disk().Exists(kTemporary));
+  }
+}
+
+TEST_F(TaggedFileTest, AWriterThatFailedKeepsNobodyOut) {
+  for (const char* failing : {"write", "copy"}) {
+    bool fails = true;
+    const WatchedFiles watched(sim.Groups(), [&](const std::string& operation, const std::string&) {
+      // The start that is put down behind the opening, or the copy.
+      if (fails && operation == failing) Disk().FailOperation(operation == "write" ? 2 : 1);
+    });
+    ShownFile first;
+    EXPECT_FALSE(first.OpenForWrite(kPath) && first.Close()) << failing;
+    fails = false;
+    ShownFile second;
+    EXPECT_TRUE(second.OpenForWrite(kPath)) << failing;
+  }
+}
+
+TEST_F(TaggedFileTest, AWriterThatIsGoneWithItsMachineKeepsNobodyOut) {
+  ShownFile first;
+  ASSERT_TRUE(first.OpenForWrite(kPath));
+  Disk().StopBefore(1);
+  Disk().Restart();
+  ShownFile second;
+  ASSERT_TRUE(second.OpenForWrite(kPath));
+  WriteOne(&second, "second");
+  EXPECT_EQ(Disk().FileBytes(kPath), Container({Field("second")}));
+}
+
+TEST_F(TaggedFileTest, AReaderTakesNothingFromATemporaryThatIsBeingWritten) {
+  const std::string cut = Container({List(1, {Field("old")}), Field("lost")});
+  for (const std::string& target : {std::string(), cut.substr(0, cut.size() - 1)}) {
+    Disk().Remove(kPath);
+    if (!target.empty()) Put(target);
+    ShownFile writer;
+    ASSERT_TRUE(writer.OpenForWrite(kPath));
+    ShownFile reader;
+    EXPECT_EQ(reader.OpenForRead(kPath), !target.empty());
+    EXPECT_EQ(Disk().FileBytes(kPath).value_or(""), target);
+    EXPECT_TRUE(reader.Close());
+    WriteOne(&writer, "new");
+    EXPECT_EQ(Disk().FileBytes(kPath), Container({Field("new")}));
+  }
 }
 
 // ---- What it costs

@@ -28,6 +28,7 @@ constexpr mode_t kNewFile = 0666;  // less the umask
 constexpr mode_t kNewFolder = 0777;
 constexpr mode_t kPermissions = 07777;
 constexpr int kLongestChainOfLinks = 40;  // the kernel's own limit
+constexpr int kMostDeletions = 100;       // of one file, one after the other, while it is opened
 constexpr char kAccessList[] = "system.posix_acl_access";
 
 template <typename Call>
@@ -75,6 +76,41 @@ int RefusalToWrite(const struct stat& status) {
   return status.st_mode & S_IWUSR ? 0 : EACCES;
 }
 
+// Shuts out who claims the same file by another open, until the last copy of the descriptor is
+// closed, be it by the end of the process.
+bool Claim(const Descriptor& file, bool isWriting) {
+  struct flock whole {};
+  whole.l_type = isWriting ? F_WRLCK : F_RDLCK;
+  whole.l_whence = SEEK_SET;
+  if (fcntl(file.Get(), F_OFD_SETLK, &whole) == 0) return true;
+  // Some file systems have no locks, and have to be taken as they are.
+  return (errno != EAGAIN && errno != EACCES) || Fail(EBUSY);
+}
+
+bool IsAt(const std::string& path, const Descriptor& file) {
+  struct stat there;
+  struct stat opened;
+  return stat(path.c_str(), &there) == 0 && fstat(file.Get(), &opened) == 0 &&
+         there.st_dev == opened.st_dev && there.st_ino == opened.st_ino;
+}
+
+// Opens what stands at the path, with a claim if wanted. None, with the error set, on failure.
+Descriptor Open(const std::string& path, int flags, bool claims, bool isWriting) {
+  // A pipe at this name would otherwise wait for its other end.
+  flags |= O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  for (int i = 0; i < kMostDeletions; ++i) {
+    Descriptor file(Retry([&] { return open(path.c_str(), flags, kNewFile); }));
+    if (!file) Fail();
+    if (!file || !claims) return file;
+    if (!Claim(file, isWriting)) return Descriptor();
+    // Whoever had the claim may have deleted the file when it was open here already: then this
+    // claim is one to nothing.
+    if (IsAt(path, file)) return file;
+  }
+  Fail(EBUSY);
+  return Descriptor();
+}
+
 bool WriteAll(int fd, const char* data, std::size_t size, std::size_t* written) {
   *written = 0;
   while (*written < size) {
@@ -87,8 +123,11 @@ bool WriteAll(int fd, const char* data, std::size_t size, std::size_t* written) 
 
 class LinuxFile final : public File {
  public:
-  LinuxFile(Descriptor file, Descriptor folder, bool isWriting)
-      : file(std::move(file)), folder(std::move(folder)), isWriting(isWriting) {}
+  LinuxFile(Descriptor file, Descriptor claim, Descriptor folder, bool isWriting)
+      : file(std::move(file)),
+        claim(std::move(claim)),
+        folder(std::move(folder)),
+        isWriting(isWriting) {}
 
   // One call: the system gives less than was asked for only at the end of a file, or in front of
   // what it can't read, which the next call then tells.
@@ -135,7 +174,8 @@ class LinuxFile final : public File {
 
  private:
   Descriptor file;
-  Descriptor folder;  // that the file lies in, when it is written
+  const Descriptor claim;  // the same file once more, kept to the end; none where all is shared
+  Descriptor folder;       // that the file lies in, when it is written
   const bool isWriting;
 };
 
@@ -269,19 +309,19 @@ bool Rename(const std::string& from, const std::string& to, bool failIfExists) {
 }  // namespace
 
 std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint32_t access,
-                                              std::uint32_t, std::uint32_t disposition) {
+                                              std::uint32_t share, std::uint32_t disposition) {
   StopHereIfCutOff();
   if (!IsPath(path)) return nullptr;
   const bool makes = disposition == CREATE_ALWAYS;
   const bool isWriting = makes || (access & GENERIC_WRITE);
   int flags = access & GENERIC_WRITE ? (access & GENERIC_READ ? O_RDWR : O_WRONLY) : O_RDONLY;
-  // A pipe at this name would otherwise wait for its other end.
-  flags |= O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
   // What is there already is looked at before it is emptied.
   if (makes) flags |= O_CREAT;
-  Descriptor file(Retry([&] { return open(path.c_str(), flags, kNewFile); }));
+  const bool claims = !(share & FILE_SHARE_WRITE);
+  Descriptor file = Open(path, flags, claims, isWriting);
+  if (!file) return nullptr;
   struct stat status;
-  if (!file || fstat(file.Get(), &status) != 0) {
+  if (fstat(file.Get(), &status) != 0) {
     Fail();
     return nullptr;
   }
@@ -299,9 +339,18 @@ std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint
     Fail();
     return nullptr;
   }
+  Descriptor claim;
+  if (claims) {
+    claim = Descriptor(fcntl(file.Get(), F_DUPFD_CLOEXEC, 0));
+    if (!claim) {
+      Fail();
+      return nullptr;
+    }
+  }
   Descriptor folder;
   if (isWriting) folder = OpenFolder(FolderOfPath(path));
-  return std::make_unique<LinuxFile>(std::move(file), std::move(folder), isWriting);
+  return std::make_unique<LinuxFile>(std::move(file), std::move(claim), std::move(folder),
+                                     isWriting);
 }
 
 bool LinuxFiles::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
@@ -347,10 +396,16 @@ bool LinuxFiles::DeleteFileA(const std::string& path) {
   StopHereIfCutOff();
   if (!IsPath(path)) return false;
   struct stat status;
+  Descriptor claim;
   // A link that leads nowhere has nothing that could hold it.
   if (stat(path.c_str(), &status) == 0) {
     if (S_ISDIR(status.st_mode)) return Fail(EISDIR);
     if (!(status.st_mode & S_IWUSR)) return Fail(EACCES);
+    if (S_ISREG(status.st_mode)) {
+      claim = Open(path, O_RDWR, true, true);
+      // What can't be opened to write, as somebody else's file, isn't written by this program.
+      if (!claim && lastError == EBUSY) return false;
+    }
   }
   return unlink(path.c_str()) == 0 || Fail();
 }

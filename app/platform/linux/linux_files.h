@@ -14,8 +14,8 @@ class LinuxFiles final : public Files {
  public:
   char PathSeparator() override { return '/'; }
 
-  // share has no meaning. What was written is flushed to the disk by CloseHandle, with the folder
-  // that knows the file's name.
+  // Who is shut out gets EBUSY. What was written is flushed to the disk by CloseHandle, with the
+  // folder that knows the file's name.
   std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
                                     std::uint32_t share, std::uint32_t disposition) override;
 

@@ -37,11 +37,13 @@ struct VirtualDisk::Node {
   std::vector<std::shared_ptr<Node>> children;  // in the order of their making
   std::uint64_t created = 0;
   std::uint64_t written = 0;
+  std::vector<const OpenFile*> claims;  // those that don't share writing
 };
 
 class VirtualDisk::OpenFile final : public File {
  public:
-  OpenFile(VirtualDisk& disk, std::shared_ptr<Node> node, std::string path, std::uint32_t access)
+  OpenFile(VirtualDisk& disk, std::shared_ptr<Node> node, std::string path, std::uint32_t access,
+           bool claims)
       : disk(disk),
         openHandles(disk.openHandles),
         node(std::move(node)),
@@ -49,8 +51,17 @@ class VirtualDisk::OpenFile final : public File {
         access(access),
         life(disk.life) {
     ++*openHandles;
+    if (claims) this->node->claims.push_back(this);
   }
-  ~OpenFile() override { --*openHandles; }
+  ~OpenFile() override {
+    --*openHandles;
+    std::erase(node->claims, this);
+  }
+
+  // Whether this keeps out another one that doesn't share writing either.
+  bool KeepsOut(bool isWriting) const {
+    return life == disk.life && (isWriting || (access & GENERIC_WRITE));
+  }
 
   bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
     *read = 0;
@@ -282,8 +293,13 @@ bool VirtualDisk::Fail(std::uint32_t error) {
   return false;
 }
 
+bool VirtualDisk::IsClaimed(const Node& node, bool isWriting) {
+  return std::any_of(node.claims.begin(), node.claims.end(),
+                     [isWriting](const OpenFile* file) { return file->KeepsOut(isWriting); });
+}
+
 std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uint32_t access,
-                                               std::uint32_t, std::uint32_t disposition) {
+                                               std::uint32_t share, std::uint32_t disposition) {
   const bool makes = disposition == CREATE_ALWAYS;
   const bool changes = makes || (access & GENERIC_WRITE);
   const auto refuse = [this](std::uint32_t error) {
@@ -295,6 +311,7 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
   const std::shared_ptr<Node> folder = Parent(path, &name);
   if (!folder) return nullptr;
   std::shared_ptr<Node> node = Child(*folder, name);
+  const bool claims = !(share & FILE_SHARE_WRITE);
   if (!node) {
     if (!makes) return refuse(ERROR_FILE_NOT_FOUND);
     if (IsReadOnly(folder->attributes)) return refuse(ERROR_ACCESS_DENIED);
@@ -303,12 +320,13 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
     if (IsFolder(node->attributes) || (changes && IsReadOnly(node->attributes))) {
       return refuse(ERROR_ACCESS_DENIED);
     }
+    if (claims && IsClaimed(*node, changes)) return refuse(ERROR_SHARING_VIOLATION);
     if (makes) {
       node->bytes.clear();
       node->written = FileTime();
     }
   }
-  return std::make_unique<OpenFile>(*this, node, path, access);
+  return std::make_unique<OpenFile>(*this, node, path, access, claims);
 }
 
 bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
@@ -333,6 +351,7 @@ bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool
     // The old file lives on for those who have it open.
     auto& place = *std::find(folder->children.begin(), folder->children.end(), target);
     target = std::make_shared<Node>(*target);
+    target->claims.clear();
     place = target;
   }
   target->written = source->written;
@@ -362,6 +381,7 @@ bool VirtualDisk::DeleteFileA(const std::string& path) {
       IsReadOnly(Parent(path, &name)->attributes)) {
     return Fail(ERROR_ACCESS_DENIED);
   }
+  if (IsClaimed(*node, true)) return Fail(ERROR_SHARING_VIOLATION);
   Remove(path);
   return true;
 }

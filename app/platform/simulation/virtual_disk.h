@@ -37,6 +37,7 @@ using platform::ERROR_ACCESS_DENIED;
 using platform::ERROR_INVALID_HANDLE;
 constexpr std::uint32_t ERROR_NO_MORE_FILES = 18;
 constexpr std::uint32_t ERROR_NOT_READY = 21;  // of every operation while the machine is stopped
+constexpr std::uint32_t ERROR_SHARING_VIOLATION = 32;
 constexpr std::uint32_t ERROR_FILE_EXISTS = 80;
 using platform::ERROR_DISK_FULL;
 constexpr std::uint32_t ERROR_INVALID_NAME = 123;
@@ -155,6 +156,8 @@ class VirtualDisk final : public Files {
   void Plan(std::uint64_t n, const Fault& fault);
   // Counts and notes an operation.
   Fate Enter(const char* name, const std::string& path, bool changes, std::uint32_t size = 0);
+  // Whether one who doesn't share writing is kept out of a file.
+  static bool IsClaimed(const Node& node, bool isWriting);
   // Sets the last error; false for convenience.
   bool Fail(std::uint32_t error);
 

@@ -13,12 +13,15 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdarg>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "app/platform/linux/linux_platform.h"
@@ -34,6 +37,9 @@ struct Watch {
 
 Watch* watch = nullptr;
 
+// Called once, when a file has been opened and is about to be claimed.
+std::function<void()> beforeClaim;
+
 bool Fails(const char* call) {
   if (!watch) return false;
   watch->calls.emplace_back(call);
@@ -47,6 +53,7 @@ bool Fails(const char* call) {
 extern "C" {
 int __real_fsync(int fd);
 int __real_rename(const char* from, const char* to);
+int __real_fcntl(int fd, int command, ...);
 
 int __wrap_fsync(int fd) {
   struct stat status;
@@ -56,6 +63,15 @@ int __wrap_fsync(int fd) {
 
 int __wrap_rename(const char* from, const char* to) {
   return Fails("rename") ? -1 : __real_rename(from, to);
+}
+
+int __wrap_fcntl(int fd, int command, ...) {
+  va_list rest;
+  va_start(rest, command);
+  void* const argument = va_arg(rest, void*);
+  va_end(rest);
+  if (command == F_OFD_SETLK && beforeClaim) std::exchange(beforeClaim, nullptr)();
+  return __real_fcntl(fd, command, argument);
 }
 }
 
@@ -206,7 +222,7 @@ TEST_F(LinuxFilesTest, WhatIsOpenIsNotHandedToOtherPrograms) {
     ++open;
     EXPECT_EQ(fcntl(number, F_GETFD), FD_CLOEXEC);
   }
-  EXPECT_EQ(open, 4);  // a, b, the folder that b lies in, and the search's
+  EXPECT_EQ(open, 5);  // a, b and the claim to it, the folder that b lies in, and the search's
 }
 
 TEST_F(LinuxFilesTest, OpeningRefusesWhatIsNoPlainFile) {
@@ -312,6 +328,70 @@ TEST_F(LinuxFilesTest, DeletingTakesFilesAndLinksButNoFolders) {
   EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
   EXPECT_FALSE(files.DeleteFileA(In("sub")));
   EXPECT_EQ(List(), Names{"sub"});
+}
+
+TEST_F(LinuxFilesTest, AWriterThatDoesntShareWritingIsTheOnlyOne) {
+  std::unique_ptr<File> first = Create(In("a"));
+  ASSERT_TRUE(first);
+  EXPECT_TRUE(Write(*first, "first"));
+  EXPECT_FALSE(Create(In("a")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EBUSY));
+  EXPECT_EQ(Bytes("a"), "first") << "not emptied";
+  EXPECT_FALSE(files.CreateFileA(In("a"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING));
+  EXPECT_FALSE(files.DeleteFileA(In("a")));
+  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EBUSY));
+  EXPECT_TRUE(OpenToRead(In("a"))) << "who shares writing is let in";
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_TRUE(Create(In("b"))) << "another file";
+  EXPECT_TRUE(first->CloseHandle());
+  EXPECT_FALSE(Create(In("a"))) << "until the object goes";
+  first.reset();
+  EXPECT_TRUE(Create(In("a")));
+  EXPECT_TRUE(files.DeleteFileA(In("a")));
+}
+
+TEST_F(LinuxFilesTest, ReadersThatDontShareWritingKeepWritersOutTogether) {
+  Put("a", "old");
+  const auto open = [this] {
+    return files.CreateFileA(In("a"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+  };
+  std::unique_ptr<File> one = open();
+  std::unique_ptr<File> two = open();
+  ASSERT_TRUE(one && two);
+  EXPECT_FALSE(Create(In("a")));
+  EXPECT_EQ(Bytes("a"), "old");
+  one.reset();
+  EXPECT_FALSE(Create(In("a")));
+  two.reset();
+  EXPECT_TRUE(Create(In("a")));
+}
+
+TEST_F(LinuxFilesTest, AFileDeletedBeforeItCouldBeClaimedIsMadeAnew) {
+  Put("a", "old");
+  beforeClaim = [this] { unlink(In("a").c_str()); };
+  std::unique_ptr<File> file = Create(In("a"));
+  ASSERT_TRUE(file);
+  EXPECT_TRUE(Write(*file, "new"));
+  EXPECT_EQ(Bytes("a"), "new");
+  beforeClaim = [this] { Put("b", "another"), rename(In("b").c_str(), In("a").c_str()); };
+  file = nullptr;
+  file = Create(In("a"));
+  ASSERT_TRUE(file);
+  EXPECT_FALSE(beforeClaim) << "called";
+  EXPECT_TRUE(Write(*file, "newer"));
+  EXPECT_EQ(Bytes("a"), "newer");
+}
+
+TEST_F(LinuxFilesTest, AFileMadeAnewByAnotherIsNotDeleted) {
+  Put("a", "old");
+  std::unique_ptr<File> other;
+  beforeClaim = [&] {
+    unlink(In("a").c_str());
+    other = Create(In("a"));
+  };
+  EXPECT_FALSE(files.DeleteFileA(In("a")));
+  EXPECT_TRUE(other);
+  EXPECT_EQ(List(), Names{"a"});
 }
 
 TEST_F(LinuxFilesTest, ClosingAWrittenFileFlushesItAndItsFolder) {

@@ -35,7 +35,7 @@ Names Found(Files& disk, const std::string& pattern) {
 }
 
 std::unique_ptr<File> OpenToRead(VirtualDisk& disk, const std::string& path) {
-  return disk.CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+  return disk.CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
 }
 
 std::unique_ptr<File> Create(VirtualDisk& disk, const std::string& path) {
@@ -410,6 +410,52 @@ TEST(VirtualDisk, StoppingAnywhereLeavesWhatWasDoneByThen) {
       EXPECT_TRUE(OpenToRead(disk, "/a"));
     }
   }
+}
+
+TEST(VirtualDisk, AWriterThatDoesntShareWritingIsTheOnlyOne) {
+  VirtualDisk disk;
+  std::unique_ptr<File> first = Create(disk, "/a");
+  ASSERT_TRUE(first);
+  EXPECT_TRUE(Write(*first, "first"));
+  EXPECT_FALSE(Create(disk, "/a"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(disk.FileBytes("/a"), "first") << "not emptied";
+  EXPECT_FALSE(disk.CreateFileA("/a", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING));
+  EXPECT_FALSE(disk.DeleteFileA("/a"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_TRUE(OpenToRead(disk, "/a")) << "who shares writing is let in";
+  EXPECT_TRUE(disk.CopyFileA("/a", "/b", false));
+  EXPECT_TRUE(Create(disk, "/b")) << "another file";
+  EXPECT_TRUE(first->CloseHandle());
+  EXPECT_FALSE(Create(disk, "/a")) << "until the object goes";
+  first.reset();
+  EXPECT_TRUE(Create(disk, "/a"));
+  EXPECT_TRUE(disk.DeleteFileA("/a"));
+}
+
+TEST(VirtualDisk, ReadersThatDontShareWritingKeepWritersOutTogether) {
+  VirtualDisk disk;
+  disk.PutFile("/a", "old");
+  const auto open = [&disk] {
+    return disk.CreateFileA("/a", GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+  };
+  std::unique_ptr<File> one = open();
+  std::unique_ptr<File> two = open();
+  ASSERT_TRUE(one && two);
+  EXPECT_FALSE(Create(disk, "/a"));
+  EXPECT_EQ(disk.FileBytes("/a"), "old");
+  one.reset();
+  EXPECT_FALSE(Create(disk, "/a"));
+  two.reset();
+  EXPECT_TRUE(Create(disk, "/a"));
+}
+
+TEST(VirtualDisk, WhatWasOpenAtTheStopKeepsNobodyOut) {
+  VirtualDisk disk;
+  const std::unique_ptr<File> file = Create(disk, "/a");
+  disk.StopBefore(1);
+  disk.Restart();
+  EXPECT_TRUE(Create(disk, "/a"));
 }
 
 TEST(VirtualDisk, WhatWasOpenAtTheStopStaysUnusable) {

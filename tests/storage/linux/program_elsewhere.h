@@ -97,17 +97,17 @@ class ProgramElsewhere {
 
   const std::string& Folder() const { return folder; }
   std::string Profiles() const { return folder + "/Profiles"; }
+  platform::Platform Groups() {
+    platform::Platform groups = machine.Groups();
+    groups.files = &files;
+    return groups;
+  }
 
  private:
   static std::string MakeFolder() {
     std::string pattern = std::filesystem::temp_directory_path() / "kelvaro-XXXXXX";
     if (!mkdtemp(pattern.data())) std::abort();
     return pattern;
-  }
-  platform::Platform Groups() {
-    platform::Platform groups = machine.Groups();
-    groups.files = &files;
-    return groups;
   }
 
   const std::string folder;

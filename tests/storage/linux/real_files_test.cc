@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/platform/watched_files.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/linux/program_elsewhere.h"
 #include "tests/storage/random_profile.h"
@@ -97,6 +98,149 @@ TEST_F(RealFilesTest, ATargetCutShortIsRestoredFromItsTemporary) {
   EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
   ASSERT_TRUE(again.Load(Bytes(PathOf("P.idprof"))));
   ExpectSameProfile(profile, again);
+}
+
+// ---- Two processes that save one profile
+
+// A process of its own, stopped without a chance to tidy up at its end.
+class OtherProcess {
+ public:
+  explicit OtherProcess(const std::function<void()>& run) : id(fork()) {
+    if (id != 0) return;
+    run();
+    _exit(0);
+  }
+  ~OtherProcess() { End(); }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+
+  void End() {
+    if (id <= 0) return;
+    kill(id, SIGKILL);
+    waitpid(id, nullptr, 0);
+    id = -1;
+  }
+  // True when it came to its own end.
+  bool Wait() {
+    int status = 0;
+    const bool good = waitpid(id, &status, 0) == id && WIFEXITED(status);
+    id = -1;
+    return good;
+  }
+
+ private:
+  pid_t id;
+};
+
+// One process tells another that it has come somewhere.
+class Signal {
+ public:
+  Signal() { EXPECT_EQ(pipe(ends), 0); }
+  ~Signal() {
+    close(ends[0]);
+    close(ends[1]);
+  }
+  Signal(const Signal&) = delete;
+  Signal& operator=(const Signal&) = delete;
+  void Tell(char what = '.') const { EXPECT_EQ(write(ends[1], &what, 1), 1); }
+  char Wait() const {
+    char what = 0;
+    EXPECT_EQ(read(ends[0], &what, 1), 1);
+    return what;
+  }
+
+ private:
+  int ends[2];
+};
+
+// Profiles of one name that differ in their Controls.
+void Fill(ProfileFile* profile, std::uint32_t interval) {
+  RandomProfile(interval).Fill(profile);
+  profile->profileName = "P";
+  profile->pollInterval = interval;
+}
+
+TEST_F(RealFilesTest, TwoProcessesThatSaveOneProfileLeaveItWholeAtEveryLook) {
+  ProfileFile mine;
+  Fill(&mine, 1);
+  ASSERT_TRUE(mine.Save());
+  const Signal saved;
+  const auto saveOn = [&saved](std::uint32_t interval) {
+    ProfileFile profile;
+    Fill(&profile, interval);
+    for (;;) {
+      if (profile.Save()) saved.Tell();
+    }
+  };
+  OtherProcess first([&saveOn] { saveOn(2); });
+  OtherProcess second([&saveOn] { saveOn(3); });
+  for (int look = 0; look < 300; ++look) {
+    saved.Wait();
+    ProfileFile found;
+    ASSERT_TRUE(found.Load(Bytes(PathOf("P.idprof")))) << look;
+    ASSERT_TRUE(found.pollInterval == 2 || found.pollInterval == 3) << look;
+    ProfileFile whole;
+    Fill(&whole, found.pollInterval);
+    ExpectSameProfile(found, whole);
+    ASSERT_FALSE(testing::Test::HasFailure()) << look;
+  }
+}
+
+TEST_F(RealFilesTest, ASaveIsRefusedWhileAnotherProcessCopiesItsOwn) {
+  ProfileFile mine;
+  Fill(&mine, 1);
+  ASSERT_TRUE(mine.Save());
+  const Signal copying;
+  const Signal goOn;
+  const Signal result;
+  OtherProcess other([&] {
+    const WatchedFiles watched(program.Groups(),
+                               [&](const std::string& operation, const std::string&) {
+                                 if (operation != "copy") return;
+                                 copying.Tell();
+                                 goOn.Wait();
+                               });
+    ProfileFile theirs;
+    Fill(&theirs, 2);
+    result.Tell(theirs.Save() ? 'y' : 'n');
+  });
+  copying.Wait();
+  EXPECT_FALSE(mine.Save());
+  goOn.Tell();
+  EXPECT_EQ(result.Wait(), 'y');
+  EXPECT_TRUE(other.Wait());
+  ProfileFile found;
+  ASSERT_TRUE(found.Load(Bytes(PathOf("P.idprof"))));
+  EXPECT_EQ(found.pollInterval, 2u);
+  EXPECT_TRUE(mine.Save());
+  EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
+}
+
+TEST_F(RealFilesTest, AProcessKilledInItsSaveKeepsNobodyOut) {
+  for (const char* at : {"write", "copy", "delete"}) {
+    const Signal there;
+    const Signal never;
+    OtherProcess other([&] {
+      const WatchedFiles watched(program.Groups(),
+                                 [&](const std::string& operation, const std::string&) {
+                                   if (operation != at) return;
+                                   there.Tell();
+                                   never.Wait();
+                                 });
+      ProfileFile theirs;
+      Fill(&theirs, 2);
+      theirs.Save();
+    });
+    there.Wait();
+    other.End();
+    ProfileFile mine;
+    Fill(&mine, 1);
+    EXPECT_TRUE(mine.Save()) << at;
+    ProfileFile found;
+    EXPECT_TRUE(found.Load(Bytes(PathOf("P.idprof")))) << at;
+    ExpectSameProfile(found, mine);
+    EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"}) << at;
+  }
 }
 
 // The system calls of `run` in a process of its own, or -1 where none may be watched.
