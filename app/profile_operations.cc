@@ -33,6 +33,9 @@ constexpr char kNoFileNameText[] = "The profile name \"";
 constexpr char kNoFileNameEnd[] =
     "\" is not composed of any valid filename characters.\n"
     "It must contain at least one valid character for creation of the file on disk.";
+constexpr char kTooLongText[] =
+    "The profile name is too long.\nIts file on disk can take at most 244 of its characters.";
+static_assert(ProfileFile::kLongestName == 244);
 constexpr char kFileTakenCaption[] = "Profile File Already Exists";
 constexpr char kFileTakenText[] = "The profile file named \"";
 // Kept: no blank behind the quote.
@@ -161,6 +164,10 @@ bool MainWindow::ValidateNewProfileName(const ByteString& name) {
   const ByteString fileName = ProfileFile::ProfileFileName(name);
   if (fileName.IsEmpty()) {
     Box(Around(kNoFileNameText, name, kNoFileNameEnd), kNoFileNameCaption, platform::MB_OK);
+    return false;
+  }
+  if (ProfileFile::IsTooLong(fileName)) {
+    Box(kTooLongText, kNoFileNameCaption, platform::MB_OK);
     return false;
   }
   ByteString path = ProfileFile::ProfileFolder();

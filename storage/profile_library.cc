@@ -15,6 +15,10 @@ namespace {
 constexpr char kExtension[] = ".idprof";
 constexpr char kPattern[] = "*.idprof";
 constexpr char kForbidden[] = "\\/*?\"<>|:";
+constexpr std::uint32_t kLongestFileName = 255;  // bytes, on file systems in use
+
+static_assert(ProfileLibrary::kLongestName ==
+              kLongestFileName - (sizeof kExtension - 1) - (sizeof ".tmp" - 1));
 
 constexpr char kFolder[] = "Profiles";
 
@@ -59,6 +63,10 @@ ByteString ProfileLibrary::ProfileFileName(const ByteString& name) {
   }
   if (!fileName.IsEmpty()) fileName.Append(kExtension);
   return fileName;
+}
+
+bool ProfileLibrary::IsTooLong(const ByteString& fileName) {
+  return fileName.Length() > kLongestName + (sizeof kExtension - 1);
 }
 
 ByteString ProfileLibrary::ProfileFolder() { return In(DataFolder(), kFolder); }

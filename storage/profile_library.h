@@ -4,6 +4,8 @@
 // Main thread only.
 #pragma once
 
+#include <cstdint>
+
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
 
@@ -11,12 +13,18 @@ namespace kelvaro {
 
 class ProfileLibrary {
  public:
+  // How many characters of a profile's name a file name takes: the 255 bytes of a file system, less
+  // ".idprof" and the ".tmp" of a save.
+  static constexpr std::uint32_t kLongestName = 244;
+
   virtual ~ProfileLibrary() = default;
 
   // The file name for a profile name, without a folder: what of it is printable ASCII and none of
   // \/*?"<>|: and the extension ".idprof". Empty when nothing of the name is left. Different names
   // may give the same file name.
   static ByteString ProfileFileName(const ByteString& name);
+  // Whether such a file name has more of the profile's name than kLongestName: no save would work.
+  static bool IsTooLong(const ByteString& fileName);
 
   // Without a separator at its end. It need not be there; the first save makes it. One of a user's
   // own is made by the first look for profiles, with copies of those that came with the program.

@@ -152,8 +152,11 @@ std::string InvalidText(const std::string& name) {
          "It must contain at least one valid character for creation of the file on disk.";
 }
 
+constexpr char kTooLongText[] =
+    "The profile name is too long.\nIts file on disk can take at most 244 of its characters.";
+
 struct RefusedName {
-  const char* name;
+  std::string name;
   std::string text;
   const char* caption;
 };
@@ -170,6 +173,7 @@ std::vector<RefusedName> RefusedNames() {
        "The profile file named \"Hidden.idprof\"already exists. Please choose another "
        "name.",
        "Profile File Already Exists"},
+      {std::string(245, 'n'), kTooLongText, "Invalid Profile File Name"},
   };
 }
 
@@ -221,6 +225,16 @@ TEST_F(RefusedNameTest, ForACopyAndForARename) {
       ExpectNothingChanged();
     }
   }
+}
+
+TEST_F(RefusedNameTest, TheLongestOneThatIsNotIsSaved) {
+  BeginWithThem();
+  const std::string longest(244, 'n');
+  ClickForName(kRename, longest);
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(OpenName(), longest);
+  ExpectSavedAs(longest + ".idprof");
+  EXPECT_FALSE(Disk().Exists(PathOf("Alpha.idprof")));
 }
 
 TEST_F(RefusedNameTest, ABlankOneIsSentBackToItsDialog) {

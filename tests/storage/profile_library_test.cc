@@ -228,6 +228,20 @@ TEST_F(ProfileLibraryTest, SavingAFileOfAnIrregularNameMakesASecondOne) {
   EXPECT_TRUE(Disk().Exists(PathOf("a.idprof")));
 }
 
+TEST_F(ProfileLibraryTest, TheLongestNameIsTheLongestThatCanBeSaved) {
+  ProfileFile longest;
+  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n'));
+  EXPECT_FALSE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
+  EXPECT_TRUE(longest.Save());
+  longest.profileName.AppendChar('n');
+  EXPECT_TRUE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
+  EXPECT_FALSE(longest.Save());
+  // What doesn't reach the file name doesn't count.
+  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n') + "?\xE4");
+  EXPECT_FALSE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
+  EXPECT_TRUE(longest.Save());
+}
+
 TEST_F(ProfileLibraryTest, ListingReadsEachFileOnceAndLeavesTheLoadedProfileAlone) {
   ASSERT_TRUE(LoadBytes(&profile, SmallProfile("loaded")));
   for (const char* name : {"1", "2", "3"}) Put(std::string(name) + ".idprof", name);

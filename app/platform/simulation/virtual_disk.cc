@@ -14,6 +14,8 @@ namespace {
 // No file grows beyond this: a position far out must fail like a full disk, not use up the memory.
 constexpr std::size_t kLargestFile = std::size_t{1} << 30;
 
+constexpr std::size_t kLongestName = 255;  // bytes of one level of a path
+
 // 2001-01-01 00:00 UTC, where the simulation's time starts, and a millisecond, in units of 100 ns.
 constexpr std::uint64_t kStartOfTime = 126'227'808'000'000'000;
 constexpr std::uint64_t kMillisecond = 10'000;
@@ -503,6 +505,7 @@ std::optional<VirtualDisk::Names> VirtualDisk::Parts(const std::string& path) co
     const std::string name = path.substr(at, end - at);
     at = end + 1;
     if (name.empty() || name == ".") continue;
+    if (name.size() > kLongestName) return std::nullopt;
     if (name == "..") {
       if (parts.size() > 1) parts.pop_back();
     } else {

@@ -201,6 +201,15 @@ TEST(VirtualDisk, ASearchFindsByPatternOrByName) {
   EXPECT_EQ(Found(disk, "c*"), Names{"c.dat"});
 }
 
+TEST(VirtualDisk, ANameHas255BytesAtMost) {
+  VirtualDisk disk;
+  EXPECT_TRUE(Create(disk, "/" + std::string(255, 'a')));
+  EXPECT_FALSE(Create(disk, "/" + std::string(256, 'a')));
+  EXPECT_EQ(disk.GetLastError(), ERROR_INVALID_NAME);
+  EXPECT_FALSE(disk.CreateDirectoryA("/" + std::string(256, 'a')));
+  EXPECT_EQ(disk.GetFileAttributesA("/" + std::string(256, 'a')), INVALID_FILE_ATTRIBUTES);
+}
+
 TEST(VirtualDisk, CaseCountsWithSlashesOnly) {
   VirtualDisk disk;
   disk.PutFile("/t/a", "1");

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QTreeView>
 #include <string>
+#include <vector>
 
 #include "app/main_window.h"
 #include "tests/program/looks/stage.h"
@@ -70,6 +71,25 @@ TEST_F(Use, TheTestButtonIsTheDefaultOnlyWhileItHasTheFocus) {
     Widget(kAlwaysActive)->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(window->DefaultButton(), kEditButton);
   });
+}
+
+TEST_F(Use, ANameThatIsTooLongForAFileIsRefusedBeforeARenameDeletesAnything) {
+  const std::vector<std::string> before = stage.Disk().List("/game/Profiles");
+  bool refused = false;
+  OnMainWindow([&] {
+    stage.WhenUp("Rename Profile", [&](QWidget& dialog) {
+      auto& renaming = dynamic_cast<DialogWindow&>(dialog);
+      QWidget* const edit = renaming.Find(1137)->FocusWidget();
+      edit->setFocus();
+      QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
+      QTest::keyClicks(edit, QString(245, 'n'));
+      stage.WhenUp("Invalid Profile File Name", [&](QWidget&) { refused = true; });
+      QTest::mouseClick(renaming.Find(platform::IDOK)->Widget(), Qt::LeftButton);
+    });
+    QTest::mouseClick(Widget(1100), Qt::LeftButton);
+  });
+  EXPECT_TRUE(refused);
+  EXPECT_EQ(stage.Disk().List("/game/Profiles"), before);
 }
 
 TEST_F(Use, ARefusedIntervalKeepsTheTabAndHasTheFocus) {

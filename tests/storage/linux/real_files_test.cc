@@ -100,6 +100,15 @@ TEST_F(RealFilesTest, ATargetCutShortIsRestoredFromItsTemporary) {
   ExpectSameProfile(profile, again);
 }
 
+TEST_F(RealFilesTest, TheLongestNameIsTheLongestThatCanBeSaved) {
+  ProfileFile longest;
+  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n'));
+  EXPECT_TRUE(longest.Save());
+  longest.profileName.AppendChar('n');
+  EXPECT_FALSE(longest.Save());
+  EXPECT_EQ(Files().size(), 1u);
+}
+
 // ---- Two processes that save one profile
 
 // A process of its own, stopped without a chance to tidy up at its end.
