@@ -279,7 +279,8 @@ void MainWindow::OnRenameProfile() {
     // profile in memory alone. Test: ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone.
     ProfileFile old;
     old.profileName = oldName;
-    static_cast<void>(old.DeleteProfileFile());
+    // With what of it couldn't be read it only goes when that is kept.
+    if (profile.KeepDamagedFile()) static_cast<void>(old.DeleteProfileFile());
     profile.profileName = dialog.name;
     SaveProfile();
   }

@@ -18,6 +18,8 @@ const char* KindName(Finding::Kind kind) {
       return "lacks";
     case Finding::Kind::PassedOver:
       return "passedOver";
+    case Finding::Kind::NotWhole:
+      return "notWhole";
     case Finding::Kind::NeverFires:
       return "neverFires";
   }
@@ -32,6 +34,8 @@ std::string Sentence(const Finding& finding) {
       return finding.where + ": lacks " + finding.what;
     case Finding::Kind::PassedOver:
       return finding.where + ": passed over: " + finding.what;
+    case Finding::Kind::NotWhole:
+      return finding.where + ": not whole: " + finding.what;
     case Finding::Kind::NeverFires:
       return finding.where + " can never fire: " + finding.what;
   }

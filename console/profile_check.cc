@@ -69,8 +69,13 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
     disk.PutFile(kInMemory, bytes);
     const FileMachine memory(disk);
     StoredProfileCheck(&report.findings).Run(kInMemory, bytes.size());
-    if (!report.loads)
+    if (!report.loads) {
       report.fault.message = name + ": doesn't load" + FirstDamage(report.findings);
+    } else if (!profile.DamagedFile().IsEmpty()) {
+      report.findings.push_back({Finding::Kind::NotWhole, "root",
+                                 "the first save over it keeps its bytes in a file whose name ends "
+                                 "in .damaged"});
+    }
   }
   if (report.loads || IsStoredProfile(bytes)) {
     report.profileName = profile.profileName;

@@ -16,6 +16,7 @@ struct Finding {
     Damage,      // keeps the profile from loading
     Lacks,       // missing or short; a reader does without
     PassedOver,  // there, and not read
+    NotWhole,    // not all that the file claims to hold can be read, and it loads all the same
     NeverFires,  // a Control that nothing can make fire
   };
   Kind kind;

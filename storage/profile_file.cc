@@ -26,8 +26,14 @@ ProfileFile::ProfileFile() { magic = "XBF"; }
 
 bool ProfileFile::Load(const ByteString& path) {
   Clear();
+  damagedFile.Empty();
   if (!OpenForRead(path)) return false;
+  const bool good = ReadLists();
+  if (isDamaged) damagedFile = path;
+  return good;
+}
 
+bool ProfileFile::ReadLists() {
   ByteString text;
   bool good = Descend(profile_list::kDocumentType);
   if (good && !ReadField(0, &text)) good = false;
@@ -284,6 +290,7 @@ bool ProfileFile::Save() {
 }
 
 bool ProfileFile::SaveAs(const ByteString& target) {
+  if (damagedFile.Equals(target) && !KeepDamagedFile()) return false;
   if (!OpenForWrite(target)) return false;
 
   bool good = WriteList(profile_list::kDocumentType, documentType);
@@ -294,6 +301,12 @@ bool ProfileFile::SaveAs(const ByteString& target) {
   good &= WriteControls();
   good &= Close();
   return good;
+}
+
+bool ProfileFile::KeepDamagedFile() {
+  if (!damagedFile.IsEmpty() && !KeepCopy(damagedFile)) return false;
+  damagedFile.Empty();
+  return true;
 }
 
 bool ProfileFile::WriteList(std::uint32_t id, const ByteString& onlyField) {

@@ -36,12 +36,20 @@ class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
   // profile then holds what was read until then, nothing when the file is none of a profile.
   bool Load(const ByteString& path);
 
+  // The file of the last Load when not all that it claims to hold could be read, whatever Load
+  // said; empty otherwise, and once its bytes have been kept.
+  const ByteString& DamagedFile() const { return damagedFile; }
+  // Keeps the bytes of that file before it is overwritten or deleted, see ProfileLibrary. True when
+  // there is nothing to be kept.
+  bool KeepDamagedFile();
+
   // Writes this profile to the file named after profileName. False without a name of which a file
   // name can be made, and when a step failed; the file may have the new content all the same. The
   // profile itself is left alone.
   bool Save();
 
-  // Save under any path, for a profile of any name, an empty one too.
+  // Save under any path, for a profile of any name, an empty one too. A damaged file is kept first;
+  // when that fails nothing is written.
   bool SaveAs(const ByteString& target);
 
   // Touches nothing of this profile. Not while a file is open.
@@ -64,6 +72,7 @@ class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
 
   // Each reads or writes what the current list holds; ones that write do so for a list of their
   // own. False when anything failed.
+  bool ReadLists();
   bool ReadDevice();
   bool ReadMouseSettings();
   bool ReadControls();
@@ -82,6 +91,8 @@ class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
   bool WriteControl(const Control& control);
   bool WriteTrigger(const Control& control);
   bool WriteKeyAction(const Control& control, const KeyAction& action);
+
+  ByteString damagedFile;
 };
 
 }  // namespace kelvaro

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "app/platform/files.h"
+#include "foundation/binary_file.h"
 #include "foundation/directory_walker.h"
 #include "foundation/paths.h"
 #include "storage/data_folder.h"
@@ -15,7 +17,9 @@ namespace {
 constexpr char kExtension[] = ".idprof";
 constexpr char kPattern[] = "*.idprof";
 constexpr char kForbidden[] = "\\/*?\"<>|:";
+constexpr char kDamaged[] = ".damaged";
 constexpr std::uint32_t kLongestFileName = 255;  // bytes, on file systems in use
+constexpr int kMostCopies = 1000;
 
 static_assert(ProfileLibrary::kLongestName ==
               kLongestFileName - (sizeof kExtension - 1) - (sizeof ".tmp" - 1));
@@ -53,6 +57,18 @@ void MakeUsersFolder() {
 }
 
 bool FitsFileName(char c) { return c >= 32 && c < 127 && !std::strchr(kForbidden, c); }
+
+bool HaveSameBytes(const ByteString& one, const ByteString& other) {
+  BinaryFile files[] = {BinaryFile(one), BinaryFile(other)};
+  if (!files[0].Open() || !files[1].Open()) return false;
+  ByteString bytes[2];
+  for (std::uint64_t at = 0;; at += BinaryFile::kWindowSize) {
+    const bool more = files[0].ReadBytes(&bytes[0], at, BinaryFile::kWindowSize);
+    files[1].ReadBytes(&bytes[1], at, BinaryFile::kWindowSize);
+    if (!bytes[0].Equals(bytes[1])) return false;
+    if (!more) return true;
+  }
+}
 
 }  // namespace
 
@@ -108,6 +124,23 @@ ByteString ProfileLibrary::FindProfileFile(const ByteString& name) {
     if (ReadProfileName(*node->value).Equals(name)) return *node->value;
   }
   return {};
+}
+
+bool ProfileLibrary::KeepCopy(const ByteString& path) {
+  const ByteString name(FileNameOf(path));
+  for (int number = 1; number <= kMostCopies; ++number) {
+    ByteString ending = kDamaged;
+    if (number > 1) ending.Append(std::to_string(number).c_str());
+    ByteString copy = FolderOf(path, false);
+    copy.Append(name.Left(kLongestFileName - ending.Length()));
+    copy.Append(ending);
+    if (platform::CopyFileA(SeamPath(path), SeamPath(copy), true)) return true;
+    // The copy comes before any look at the file: one that merely seems to be gone must not be
+    // written over.
+    if (!FileExists(copy)) return !FileExists(path);
+    if (HaveSameBytes(path, copy)) return true;
+  }
+  return false;
 }
 
 bool ProfileLibrary::DeleteFileOf(const ByteString& name) {

@@ -52,6 +52,11 @@ class ProfileLibrary {
   // Deletes the file that FindProfileFile gives. False for an empty name, when there is none, and
   // when the system refuses, as for a read-only file.
   bool DeleteFileOf(const ByteString& name);
+
+  // Copies a file to one of its name and ".damaged", which no list shows; where there is one
+  // already that holds something else, to ".damaged2" and so on. A name too long for that loses its
+  // end. True when such a copy is there, and when there is no file.
+  static bool KeepCopy(const ByteString& path);
 };
 
 }  // namespace kelvaro

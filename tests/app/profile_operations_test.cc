@@ -17,7 +17,17 @@ using platform::IDOK;
 using platform::MB_ICONEXCLAMATION;
 using platform::MB_OK;
 
-class ProfileOperationsTest : public ProfileRowTest {};
+class ProfileOperationsTest : public ProfileRowTest {
+ protected:
+  // Cuts a file of one Control so that it loads with none. Its bytes.
+  std::string CutWithinItsControls(const std::string& fileName) {
+    const std::string whole = BytesOf(fileName);
+    const std::string cut = whole.substr(0, whole.find(Big(4, 4) + Big(1, 4)) + 8);
+    EXPECT_LT(cut.size(), whole.size());
+    Disk().PutFile(PathOf(fileName), cut);
+    return cut;
+  }
+};
 
 // ---- New
 
@@ -668,6 +678,46 @@ TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone
   }
   EXPECT_GE(kept, 2u) << "where the old one couldn't be found or deleted";
   EXPECT_GE(lost, 3u) << "where it was, and the new one couldn't be written";
+}
+
+TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesTheNextChange) {
+  StoreWithPad("Alpha", "a");
+  const std::string cut = CutWithinItsControls("Alpha.idprof");
+  Begin();
+  EXPECT_FALSE(screen.BoxUp()) << "it loads";
+  EXPECT_EQ(Descriptions(), Strings());
+  EXPECT_EQ(Files(), Strings({"Alpha.idprof"}));
+  ClickForName(kCopy, "Beta");
+  EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof"})) << "nothing is written over";
+  Choose("Alpha");
+  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.Choose(kDeviceList, kNone);
+  EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof", "Alpha.idprof.damaged"}));
+  EXPECT_EQ(BytesOf("Alpha.idprof.damaged"), cut);
+  EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
+}
+
+TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesARename) {
+  StoreWithPad("Alpha", "a");
+  const std::string cut = CutWithinItsControls("Alpha.idprof");
+  Begin();
+  ASSERT_EQ(OpenName(), "Alpha");
+  ClickForName(kRename, "Beta");
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_EQ(Files(), Strings({"Alpha.idprof.damaged", "Beta.idprof"}));
+  EXPECT_EQ(BytesOf("Alpha.idprof.damaged"), cut);
+  EXPECT_EQ(Profiles(), Strings({"Beta"}));
+}
+
+TEST_F(ProfileOperationsTest, WhatCanNotBeKeptOfTheFileStaysInItThroughARename) {
+  StoreWithPad("Alpha", "a");
+  const std::string cut = CutWithinItsControls("Alpha.idprof");
+  Begin();
+  const WatchedFiles full(sim.Groups(), [this](const std::string& operation, const std::string&) {
+    if (operation == "copy") Disk().FailOperation(1, platform::ERROR_DISK_FULL);
+  });
+  ClickForName(kRename, "Beta");
+  EXPECT_EQ(BytesOf("Alpha.idprof"), cut);
 }
 
 TEST_F(ProfileOperationsTest, AReadOnlyFileStaysBesideItsRenamedProfile) {

@@ -72,6 +72,22 @@ TEST(CheckCommand, PrintsJsonLines) {
           "(profile name) is missing\"}]}\n");
 }
 
+TEST(CheckCommand, SaysThatASaveKeepsTheBytesOfAFileThatIsNotWhole) {
+  const std::string whole = ProfileBytes(
+      {TypeList(), RevisionList(), NameList("P"), List(4, {List(5, {Field("lost")})})});
+  const TestFile cut("cut", whole.substr(0, whole.size() - 20));  // within the head of list 5
+  const Outcome outcome = Kelvaroctl({"check", cut.path});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_TRUE(outcome.out.ends_with(
+      cut.path +
+      ": root: not whole: the first save over it keeps its bytes in a file whose name "
+      "ends in .damaged\n"))
+      << outcome.out;
+  const Outcome json = Kelvaroctl({"check", "--json", cut.path});
+  EXPECT_NE(json.out.find("{\"kind\":\"notWhole\",\"where\":\"root\""), std::string::npos)
+      << json.out;
+}
+
 TEST(CheckCommand, LeavesTheFileAndItsTemporaryAsTheyAre) {
   const TestFile damaged("p.idprof", SmallProfile("P").substr(0, 60));
   const TestFile temporary("p.idprof.tmp", SmallProfile("P"));

@@ -13,7 +13,8 @@ namespace {
 
 // "lacks | root | list 2 ..." for each finding.
 std::vector<std::string> Told(const std::vector<Finding>& findings) {
-  static const char* const kKinds[] = {"damage", "lacks", "passed over", "never fires"};
+  static const char* const kKinds[] = {"damage", "lacks", "passed over", "not whole",
+                                       "never fires"};
   std::vector<std::string> lines;
   for (const Finding& finding : findings) {
     lines.push_back(std::string(kKinds[static_cast<int>(finding.kind)]) + " | " + finding.where +
@@ -21,6 +22,10 @@ std::vector<std::string> Told(const std::vector<Finding>& findings) {
   }
   return lines;
 }
+
+constexpr char kKept[] =
+    "not whole | root | the first save over it keeps its bytes in a file whose name ends in "
+    ".damaged";
 
 std::string DeviceList() {
   return List(11, {Field(""), Field(Big(5, 4)), Field(std::string(16, '\0'))});
@@ -73,6 +78,7 @@ TEST(CheckProfile, FindsNothingInWhatASaveMakes) {
 
 TEST(CheckProfile, SaysWhatAFileThatLoadsLacksOrHolds) {
   const std::string whole = FileWith(2, RevisionList());
+  const std::size_t controls = whole.find(Big(4, 4) + Big(1, 4)) + 8;  // behind the head of list 4
   const struct {
     const char* why;
     std::string bytes;
@@ -146,7 +152,11 @@ TEST(CheckProfile, SaysWhatAFileThatLoadsLacksOrHolds) {
        {"passed over | root | list 2 (format revision), which can't be read"}},
       {"an optional list that can't be read",
        FileWith(12, ListHead(0, 12, 900)),
-       {"passed over | root | list 12 (mouse settings), which can't be read"}},
+       {"passed over | root | list 12 (mouse settings), which can't be read", kKept}},
+      {"a file cut short in the list of Controls",
+       whole.substr(0, controls),
+       {"lacks | root | the last " + std::to_string(whole.size() - controls) + " bytes of the file",
+        "passed over | root | list 4 (Controls), which can't be read", kKept}},
 
       {"no list of a Control among Controls",
        FileWith(4, List(4, {Field("a"), List(6, {}), ControlList(ActionList())})),
@@ -249,9 +259,10 @@ TEST(CheckProfile, SaysWhereAListAndItsSizeDisagree) {
                 "passed over | root | 1 byte behind the root list",
                 "lacks | root | room for its children: its size is 1 byte too small"}));
   bytes.replace(7, 4, Big(size + 2, 4));
-  EXPECT_EQ(Told(CheckProfile(bytes, "f").findings),
-            (std::vector<std::string>{"lacks | root | the last 2 bytes of the file",
-                                      "passed over | root | 2 bytes behind the last child"}));
+  EXPECT_EQ(
+      Told(CheckProfile(bytes, "f").findings),
+      (std::vector<std::string>{"lacks | root | the last 2 bytes of the file",
+                                "passed over | root | 2 bytes behind the last child", kKept}));
 }
 
 TEST(CheckProfile, SaysWhyAFileDoesntLoad) {

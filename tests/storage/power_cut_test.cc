@@ -242,6 +242,46 @@ TEST(FailedOperation, OfASaveIsToldAndLeavesTheOldOrTheNewProfile) {
   }
 }
 
+// ---- A save over a file that was cut
+
+TEST(PowerCut, AtEachOperationOfASaveOverACutFileItsBytesAreStillThere) {
+  for (const std::uint32_t copyStep : {0u, 200u}) {
+    const Setting setting = {"cut", '/', true, false, false, copyStep};
+    const std::string cut = OldBytes().substr(0, OldBytes().size() / 2);
+    std::vector<DiskOperation> operations;
+    const auto save = [&](const std::function<void(VirtualDisk&)>& plan) {
+      Machine machine(setting);
+      machine.Disk().PutFile(machine.Path(), cut);
+      ProfileFile profile;
+      ASSERT_TRUE(profile.Load(Bytes(machine.Path())));
+      machine.Disk().ClearLog();
+      plan(machine.Disk());
+      profile.Save();
+      operations = machine.Disk().Log();
+      machine.Disk().Restart();
+      bool isThere = false;
+      for (const std::string& name : machine.Disk().List("/game/Profiles")) {
+        isThere |= machine.Disk().FileBytes("/game/Profiles/" + name) == cut;
+      }
+      EXPECT_TRUE(isThere);
+    };
+    save([](VirtualDisk&) {});
+    const std::vector<DiskOperation> whole = operations;
+    ASSERT_GE(whole.size(), 10u);
+    for (std::uint64_t n = 1; n <= whole.size(); ++n) {
+      SCOPED_TRACE(testing::Message()
+                   << copyStep << ", operation " << n << " " << whole[n - 1].name);
+      save([n](VirtualDisk& disk) { disk.StopBefore(n); });
+      save([n](VirtualDisk& disk) { disk.FailOperation(n); });
+      for (const std::uint32_t at : PlacesWithin(whole[n - 1].size)) {
+        save([n, at](VirtualDisk& disk) { disk.StopInside(n, at); });
+        save([n, at](VirtualDisk& disk) { disk.FailInside(n, at); });
+      }
+      if (testing::Test::HasFailure()) return;
+    }
+  }
+}
+
 // ---- The restore of a target that a copy in steps left half done
 
 TEST(PowerCut, AtEachOperationOfARestoreTheProfileIsStillFound) {

@@ -109,6 +109,18 @@ TEST_F(RealFilesTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   EXPECT_EQ(Files().size(), 1u);
 }
 
+TEST_F(RealFilesTest, ACutFileIsKeptBeforeTheFirstSaveOverIt) {
+  ProfileFile profile;
+  RandomProfile(7).Fill(&profile);
+  profile.profileName = "P";
+  ASSERT_TRUE(profile.Save());
+  std::filesystem::resize_file(PathOf("P.idprof"), 400);
+  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Save());
+  EXPECT_EQ(Files(), (std::vector<std::string>{"P.idprof", "P.idprof.damaged"}));
+  EXPECT_EQ(std::filesystem::file_size(PathOf("P.idprof.damaged")), 400u);
+}
+
 // ---- Two processes that save one profile
 
 // A process of its own, stopped without a chance to tidy up at its end.
