@@ -223,20 +223,25 @@ TEST_F(DisplayTest, TheCloseBoxEndsTheProgramAndItsPlaceIsRemembered) {
       << Window().width << " x " << Window().height;
 }
 
-// The width of the first column, the second and the third, as the program left them.
-std::vector<std::uint32_t> StoredColumns(const Home& home) {
+// Numbers as the program left them; 0 for one that isn't there.
+std::vector<std::uint32_t> Stored(const Home& home, const char* subkey,
+                                  const std::vector<const char*>& names) {
   platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
-  const std::string path = std::string(kProductKey) + '\\' + kMainWindowSubkey;
+  const std::string path = std::string(kProductKey) + '\\' + subkey;
   platform::HKEY key = 0;
   registry.RegOpenKeyA(platform::HKEY_CURRENT_USER, path, &key);
-  std::vector<std::uint32_t> widths;
-  for (const char* name : {"Col 0 Width", "Col 1 Width", "Col 2 Width"}) {
+  std::vector<std::uint32_t> numbers;
+  for (const char* name : names) {
     std::uint32_t type = 0;
     std::uint32_t size = sizeof(std::uint32_t);
-    registry.RegQueryValueExA(key, name, &type, &widths.emplace_back(), &size);
+    registry.RegQueryValueExA(key, name, &type, &numbers.emplace_back(), &size);
   }
   registry.RegCloseKey(key);
-  return widths;
+  return numbers;
+}
+
+std::vector<std::uint32_t> StoredColumns(const Home& home) {
+  return Stored(home, kMainWindowSubkey, {"Col 0 Width", "Col 1 Width", "Col 2 Width"});
 }
 
 TEST_F(DisplayTest, ColumnsThatNobodyTouchesAreAsWideAfterEachStart) {
@@ -255,6 +260,33 @@ TEST_F(DisplayTest, ColumnsThatNobodyTouchesAreAsWideAfterEachStart) {
     end();
     EXPECT_EQ(StoredColumns(home), first) << "start " << start;
   }
+}
+
+TEST_F(DisplayTest, ADialogThatNobodyMovesIsInTheSamePlaceAtEachOpening) {
+  const auto program = Begin();
+  const auto dialog = [&] { return desktop.Find("Define Control", true); };
+  const auto stored = [&] {
+    return Stored(home, kControlWindowSubkey, {"left", "top", "right", "bottom"});
+  };
+  std::vector<std::uint32_t> first;
+  for (int opening = 1; opening <= 3; ++opening) {
+    ASSERT_TRUE(Eventually([&] {
+      const XWindow window = Window();
+      desktop.Press(window.x + 30, window.y + 59);  // the tab "Control"
+      desktop.Type("Alt_L+w");                      // "New..."
+      return Eventually([&] { return dialog().id != 0 && desktop.Active(dialog().id); }, 2s);
+    }));
+    desktop.Type("Escape");
+    ASSERT_TRUE(Eventually([&] { return dialog().id == 0; }));
+    if (opening > 1) continue;
+    ASSERT_TRUE(Eventually([&] {
+      first = stored();
+      return first.at(3) > 0;
+    }));
+  }
+  desktop.CloseWindow(Window().id);
+  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  EXPECT_EQ(stored(), first);
 }
 
 TEST_F(DisplayTest, AWindowThatWasMovedComesBackFromItsIconWhereItWas) {

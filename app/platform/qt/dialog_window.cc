@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "app/platform/qt/control_maker.h"
@@ -245,6 +246,7 @@ bool DialogWindow::event(QEvent* event) {
     auto* const help = static_cast<QHelpEvent*>(event);
     return ShowTip(help->pos(), help->globalPos());
   }
+  if (event->type() == QEvent::WindowActivate) CorrectPlace();
   const bool handled = QWidget::event(event);
   if (event->type() == QEvent::Show || event->type() == QEvent::Hide ||
       event->type() == QEvent::WindowStateChange)
@@ -372,7 +374,23 @@ void DialogWindow::FirstPlace() {
   place.moveCenter((over ? owner->frameGeometry() : free).center());
   place.moveLeft(std::max(free.left(), std::min(place.left(), free.right() + 1 - width())));
   place.moveTop(std::max(free.top(), std::min(place.top(), free.bottom() + 1 - height())));
-  move(place.topLeft());
+  Put(place.topLeft());
+}
+
+void DialogWindow::Put(const QPoint& corner) {
+  if (!isVisible()) asked = corner;
+  move(corner);
+}
+
+// Some window managers are wrong by the width of their frame with a window that comes up before
+// another: it would creep, since the place is stored.
+void DialogWindow::CorrectPlace() {
+  if (!asked) return;
+  const QPoint wanted = *std::exchange(asked, std::nullopt);
+  const QPoint off = pos() - wanted;
+  const QPoint frame = geometry().topLeft() - pos();
+  const bool byFrame = std::abs(off.x()) <= frame.x() && std::abs(off.y()) <= frame.y();
+  if (!off.isNull() && byFrame) move(wanted);
 }
 
 void DialogWindow::FirstFocus() {
@@ -400,7 +418,7 @@ void DialogWindow::MoveWhole(const Rect& rect) {
   } else {
     setFixedSize(inside);
   }
-  move(rect.left, rect.top);
+  Put({rect.left, rect.top});
   // A window that isn't shown gets no event of it before it is.
   if (!isVisible()) TellSize(SIZE_RESTORED, size());
 }

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -109,6 +110,8 @@ class DialogWindow final : public QWidget, private ControlHost {
   void MakeInside(const DialogTemplate& from);
   void ApplyLimits();
   void FirstPlace();
+  void Put(const QPoint& corner);
+  void CorrectPlace();
   void FirstFocus();
   void TellSize(std::uint32_t type, const QSize& size);
   void Press(Control& button);
@@ -136,13 +139,14 @@ class DialogWindow final : public QWidget, private ControlHost {
   std::map<std::uint32_t, std::unique_ptr<QTimer>> timers;
   std::vector<std::uint32_t> timersDue;
 
-  bool broughtUp = false;    // shown, or hidden by the program before it came to that
-  bool placed = false;       // by the program, or where it was first seen
-  bool iconic = false;       // minimised, shown or not
-  bool zoomed = false;       // maximised, or was so before it was minimised
-  bool shownIconic = false;  // to be shown minimised, unless it is restored at once
-  bool hidden = false;       // by the program
-  bool standsIn = false;     // minimised where it should be hidden
+  bool broughtUp = false;       // shown, or hidden by the program before it came to that
+  bool placed = false;          // by the program, or where it was first seen
+  std::optional<QPoint> asked;  // where it is to come up
+  bool iconic = false;          // minimised, shown or not
+  bool zoomed = false;          // maximised, or was so before it was minimised
+  bool shownIconic = false;     // to be shown minimised, unless it is restored at once
+  bool hidden = false;          // by the program
+  bool standsIn = false;        // minimised where it should be hidden
 };
 
 }  // namespace platform::qt
