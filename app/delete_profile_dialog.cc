@@ -1,5 +1,4 @@
 #include "app/dialogs.h"
-#include "app/quoted_name.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -14,7 +13,7 @@ DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
     : Dialog(resources::kDeleteProfile), name(name) {}
 
 void DeleteProfileDialog::OnInit() {
-  SetText(kNameLabel, QuotedName(name));
+  SetText(kNameLabel, ByteString("\"").Concat(name).Concat("\""));
   // Enter presses the button that has the focus, and "Yes" comes first.
   platform::SetControlFocus(window, platform::IDCANCEL);
 }

@@ -1,5 +1,4 @@
 #include "app/dialogs.h"
-#include "app/quoted_name.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -24,7 +23,7 @@ ProfileNameDialog::ProfileNameDialog(const ByteString& title, const ByteString& 
 
 void ProfileNameDialog::OnInit() {
   platform::SetWindowTextA(window, Bytes(title));
-  SetText(kTopLabel, firstPart.Concat(" ").Concat(QuotedName(oldName)));
+  SetText(kTopLabel, firstPart.Concat(" \"").Concat(oldName).Concat("\""));
   SetText(kNameEdit, oldName);
 }
 

@@ -52,8 +52,8 @@ class Controls {
   virtual bool PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) = 0;
 
   // The text of a label, edit, button or box, as it was set: of a template with its mnemonic mark.
-  // Setting may come from any thread and doesn't wait; what was set last is what is shown. Reading
-  // sees what the user interface's thread has set, and the person.
+  // A set one shows as it is. Setting may come from any thread and doesn't wait; what was set last
+  // is what is shown. Reading sees what the user interface's thread has set, and the person.
   virtual bool SetDlgItemTextA(WindowHandle window, std::uint32_t id, const std::string& text) = 0;
   virtual std::string GetDlgItemTextA(WindowHandle window, std::uint32_t id) = 0;
   // Where typing goes on in an edit: bytes from its start. Removes a selection.

@@ -34,14 +34,14 @@ bool Control::IsEnabled() const { return widget->isEnabledTo(host.Inside()); }
 bool Control::SetText(const std::string& bytes) {
   if (!HasText()) return false;
   text = bytes;
-  ShowText(Shown(bytes));
-  if (labelled && NamesNext()) labelled->SetSpokenName(WithoutMnemonic(Shown(bytes)));
+  const QString shown = Shown(bytes);
+  ShowText(IsContent() ? shown : Marked(shown));
+  if (labelled && NamesNext()) labelled->SetSpokenName(shown);
   return true;
 }
 
 void Control::SetSpokenName(const QString& name) {
-  const bool isContent = kind == ControlKind::Edit || kind == ControlKind::TextArea;
-  const bool saysItself = HasText() && !isContent && !text.empty();
+  const bool saysItself = HasText() && !IsContent() && !text.empty();
   if (!spokenName && !saysItself) FocusWidget()->setAccessibleName(name);
 }
 
@@ -83,7 +83,6 @@ void Control::TakeColours() {
     }
     widget->setPalette(palette);
   }
-  ColoursChanged();
 }
 
 }  // namespace platform::qt

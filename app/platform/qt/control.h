@@ -91,14 +91,17 @@ class Control : public QObject {
  protected:
   // To be called once by a derived class's constructor.
   void Adopt(QWidget* made);
+  // Of a kind that has mnemonics: with its marks.
   virtual void ShowText(const QString&) {}
-  virtual void ColoursChanged() {}
   void Clicked() { host.Notify(id, Notice::Clicked); }
 
   ControlHost& host;
   std::string text;  // as it was set
 
  private:
+  // The text is what the person reads or types, not what says what the control is for.
+  bool IsContent() const { return kind == ControlKind::Edit || kind == ControlKind::TextArea; }
+
   const char* const spokenName;
   QWidget* widget = nullptr;
   Control* labelled = nullptr;

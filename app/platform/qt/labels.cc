@@ -194,7 +194,7 @@ class GroupBoxWidget : public QGroupBox {
 
   void ShowMarked(const QString& text) {
     marked = text;
-    setTitle(WithoutMnemonic(text).replace(u'&', QStringLiteral("&&")));
+    setTitle(Marked(WithoutMnemonic(text)));
     update();
   }
 

@@ -1,7 +1,9 @@
 #include "app/platform/qt/text.h"
 
 #include <QByteArrayView>
+#include <QRegularExpression>
 #include <QStringDecoder>
+#include <QTextBoundaryFinder>
 
 namespace platform::qt {
 namespace {
@@ -35,6 +37,27 @@ QString WithoutMnemonic(const QString& marked) {
     text += marked[i];
   }
   return text;
+}
+
+QString Marked(const QString& plain) { return QString(plain).replace(u'&', QStringLiteral("&&")); }
+
+QString Breakable(const QString& text) {
+  constexpr qsizetype kLongWord = 30;
+  constexpr QChar kBreak(0x200B);  // has no width
+  QString broken;
+  for (const QString& word : text.split(QRegularExpression(QStringLiteral("(?<=\\s)")))) {
+    qsizetype start = 0;
+    QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, word);
+    while (word.size() > kLongWord && letters.toNextBoundary() > 0) {
+      const QStringView letter = QStringView(word).mid(start, letters.position() - start);
+      broken += letter;
+      // A mark belongs to what stands behind it.
+      if (letter != u'&' && letter != u' ') broken += kBreak;
+      start = letters.position();
+    }
+    broken += QStringView(word).mid(start);
+  }
+  return broken;
 }
 
 QString AsRichText(const QString& plain) {

@@ -39,7 +39,7 @@ char Typed(std::uint8_t vk) {
 }
 
 bool HasMnemonic(const VirtualControl& control) {
-  return control.HasText() && control.kind != ControlKind::Edit &&
+  return control.marksMnemonic && control.HasText() && control.kind != ControlKind::Edit &&
          control.kind != ControlKind::TextArea;
 }
 

@@ -168,6 +168,7 @@ bool VirtualControls::SetDlgItemTextA(WindowHandle window, std::uint32_t id,
   VirtualControl* const control = system.Find(window, id);
   if (!control || !control->HasText()) return false;
   control->text = text;
+  control->marksMnemonic = false;
   control->caret = 0;
   control->allSelected = false;
   return true;

@@ -56,7 +56,8 @@ struct VirtualControl {
   std::uint32_t id = 0;
   std::uint32_t style = 0;
   std::string text;
-  Rect place;  // in the window's inside
+  bool marksMnemonic = true;  // by a "&", as long as the text is the template's
+  Rect place;                 // in the window's inside
   bool visible = true;
   bool enabled = true;
   bool checked = false;

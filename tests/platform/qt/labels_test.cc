@@ -1,8 +1,10 @@
 #include "app/platform/qt/labels.h"
 
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QGroupBox>
 #include <QLabel>
+#include <QLineEdit>
 
 #include "qt_test.h"
 
@@ -17,9 +19,34 @@ TEST_F(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
   Run([&] {
     EXPECT_EQ(GetDlgItemTextA(Window(), kNameLabel), "&Name");
     EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("Name"));
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameLabel, "a && b"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameLabel), "a && b");
-    EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("a & b"));
+  });
+}
+
+// What a label of this text paints.
+QImage Painted(QWidget* label) { return label->grab().toImage(); }
+
+TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
+  constexpr char kText[] = "Tom && Jerry & Co";
+  Run([&] {
+    for (const std::uint32_t id : {kNameLabel, kLink}) {
+      EXPECT_TRUE(SetDlgItemTextA(Window(), id, kText));
+      EXPECT_EQ(GetDlgItemTextA(Window(), id), kText);
+      EXPECT_EQ(static_cast<QLabel*>(Widget(id))->text(), QString::fromLatin1(kText));
+    }
+    EXPECT_EQ(Widget(kNameEdit)->accessibleName(), QString::fromLatin1(kText));
+    SetDlgItemTextA(Window(), kNameLabel, "a&b");
+    const QImage one = Painted(Widget(kNameLabel));
+    SetDlgItemTextA(Window(), kNameLabel, "a&&b");
+    EXPECT_NE(one, Painted(Widget(kNameLabel)));
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kGroup, kText));
+    EXPECT_EQ(static_cast<QGroupBox*>(Widget(kGroup))->title(),
+              QStringLiteral("Tom &&&& Jerry && Co"));
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kCheck, kText));
+    EXPECT_EQ(static_cast<QAbstractButton*>(Widget(kCheck))->text(),
+              QStringLiteral("Tom &&&& Jerry && Co"));
+    EXPECT_EQ(GetDlgItemTextA(Window(), kCheck), kText);
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, kText));
+    EXPECT_EQ(static_cast<QLineEdit*>(Widget(kNameEdit))->text(), QString::fromLatin1(kText));
   });
 }
 

@@ -819,13 +819,15 @@ TEST_F(ScreenTest, ABoxBelowADialogWaitsForIt) {
 
 // ---- Controls
 
-TEST_F(ScreenTest, AMnemonicMarkIsNotShownAndIsKept) {
+TEST_F(ScreenTest, AMnemonicMarkOfTheTemplateIsNotShownAndIsKept) {
   Start();
   EXPECT_EQ(screen.Text(10), "Name");
   EXPECT_EQ(screen.Text(20), "More & more");
   EXPECT_EQ(GetDlgItemTextA(main.window, 10), "&Name");
   EXPECT_TRUE(SetDlgItemTextA(main.window, 11, "a && b"));
   EXPECT_EQ(screen.Text(11), "a && b");
+  EXPECT_TRUE(SetDlgItemTextA(main.window, 10, "Tom && Jerry & Co"));
+  EXPECT_EQ(screen.Text(10), "Tom && Jerry & Co");
   EXPECT_FALSE(SetDlgItemTextA(main.window, 30, "no text"));
   EXPECT_EQ(GetDlgItemTextA(main.window, 30), "");
 }
