@@ -58,7 +58,7 @@ struct ControlTemplate {
   std::uint32_t style = 0;
   // What a screen reader says where neither the text nor the label before it does; may be null.
   const char* name = nullptr;
-  std::span<const char* const> rows = {};  // of a drop list, from the start
+  std::span<const char* const> rows = {};  // of a drop list, at first; "== Name ==" is a heading
 };
 
 struct DialogTemplate {

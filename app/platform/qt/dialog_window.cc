@@ -15,6 +15,7 @@
 #include "app/platform/qt/control_maker.h"
 #include "app/platform/qt/dialog_units.h"
 #include "app/platform/qt/edits.h"
+#include "app/platform/qt/list_view.h"
 #include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/tab_control.h"
 #include "app/platform/qt/text.h"
@@ -261,25 +262,30 @@ bool DialogWindow::ShowTip(const QPoint& inside, const QPoint& screen) {
   QRect place;
   for (const auto& control : controls) {
     if (!below || control->Widget() != below || ended) continue;
-    place = below->geometry();
-    const auto* const tabs = dynamic_cast<const TabControl*>(control.get());
-    const std::string* tabText = nullptr;
-    for (std::int32_t tab = 0; tabs && !tabText; ++tab) {
-      Rect rect;
-      if (!tabs->TabRect(tab, &rect)) break;
-      const QRect onWindow = RectOf(rect).translated(below->pos());
-      if (!onWindow.contains(inside)) continue;
-      tabText = tips.TabText(control->id, tab);
-      if (tabText) place = onWindow;
-    }
-    if (tabText) {
-      text = Shown(*tabText);
-    } else if (tips.IsTool(control->id)) {
-      text = Shown(listener.OnToolTip(control->id));
-    }
+    place = below->rect();
+    text = TipAt(*control, inside - below->pos(), &place);
+    place.translate(below->pos());
   }
   tips.Show(text, screen, this, place);
   return true;
+}
+
+// A part of a control that has a text of its own takes it alone as its place.
+QString DialogWindow::TipAt(const Control& control, const QPoint& at, QRect* place) {
+  if (const auto* const tabs = dynamic_cast<const TabControl*>(&control)) {
+    Rect rect;
+    for (std::int32_t tab = 0; tabs->TabRect(tab, &rect); ++tab) {
+      const std::string* const text = tips.TabText(control.id, tab);
+      if (!text || !RectOf(rect).contains(at)) continue;
+      *place = RectOf(rect);
+      return Shown(*text);
+    }
+  }
+  if (const auto* const list = dynamic_cast<const ListView*>(&control)) {
+    const QString whole = list->CutText(at, place);
+    if (!whole.isEmpty()) return whole;
+  }
+  return tips.IsTool(control.id) ? Shown(listener.OnToolTip(control.id)) : QString();
 }
 
 // --- Keys

@@ -118,6 +118,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   void PressEnter();
   void PressEscape();
   bool ShowTip(const QPoint& inside, const QPoint& screen);
+  QString TipAt(const Control& control, const QPoint& at, QRect* place);
   bool IsGrip(const QPoint& screen);
   void Minimise();
   void HideOrMinimise();

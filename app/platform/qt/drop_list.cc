@@ -1,6 +1,7 @@
 #include "app/platform/qt/drop_list.h"
 
 #include <QKeyEvent>
+#include <QProxyStyle>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
@@ -10,6 +11,8 @@
 namespace platform::qt {
 namespace {
 
+constexpr int kRowsInView = 20;
+
 std::string Folded(std::string text) {
   for (char& c : text) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
@@ -17,11 +20,26 @@ std::string Folded(std::string text) {
   return text;
 }
 
+// Some styles unfold a list like a menu, all of its rows at once, over the whole screen.
+class ListStyle : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, data);
+  }
+};
+
+bool IsHeading(const std::string& row) { return row.starts_with("== ") && row.ends_with(" =="); }
+
 }  // namespace
 
 class DropList::Widget : public QComboBox {
  public:
-  using QComboBox::QComboBox;
+  explicit Widget(QWidget* parent) : QComboBox(parent) {
+    auto* const unfolded = new ListStyle;
+    unfolded->setParent(this);
+    setStyle(unfolded);
+  }
 
  protected:
   // It would look for a row that begins with the letter.
@@ -45,8 +63,13 @@ class DropList::Widget : public QComboBox {
 DropList::DropList(ControlHost& host, const ControlTemplate& from)
     : Control(host, from), box(new Widget(host.Inside())) {
   box->setFocusPolicy(Qt::StrongFocus);
-  box->setMaxVisibleItems(20);
-  for (const char* row : from.rows) Add(row);
+  box->setMaxVisibleItems(kRowsInView);
+  QFont bold;
+  bold.setBold(true);
+  for (const char* row : from.rows) {
+    const std::int32_t index = Add(row);
+    if (IsHeading(row)) box->setItemData(index, bold, Qt::FontRole);
+  }
   connect(box, &QComboBox::activated, this, [this](int row) {
     // The same row again, too: what it stood for may have failed.
     selected = row;

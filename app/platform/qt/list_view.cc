@@ -8,6 +8,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QStyleOptionViewItem>
+#include <QStyledItemDelegate>
 #include <algorithm>
 
 #include "app/platform/qt/text.h"
@@ -39,7 +40,6 @@ class ListView::Rows : public QAbstractTableModel {
     return parent.isValid() ? 0 : static_cast<int>(headings.size());
   }
   QVariant data(const QModelIndex& index, int role) const override {
-    if (role == Qt::SizeHintRole) return QSize(0, rowHeight);
     if (role != Qt::DisplayRole || !index.isValid()) return {};
     const Row& row = rows[static_cast<std::size_t>(index.row())];
     return Shown(row.cells[static_cast<std::size_t>(index.column())]);
@@ -50,8 +50,6 @@ class ListView::Rows : public QAbstractTableModel {
     if (role == Qt::TextAlignmentRole) return QVariant(Qt::AlignLeft | Qt::AlignVCenter);
     return {};
   }
-
-  int rowHeight = 0;
 
   void AddColumn(const std::string& heading) {
     beginInsertColumns({}, columnCount(), columnCount());
@@ -85,9 +83,20 @@ class ListView::Rows : public QAbstractTableModel {
   std::vector<Row> rows;
 };
 
+// As wide as its text, for who asks how wide a column has to be.
+class CellDelegate : public QStyledItemDelegate {
+ public:
+  using QStyledItemDelegate::QStyledItemDelegate;
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& cell) const override {
+    return {QStyledItemDelegate::sizeHint(option, cell).width(),
+            option.fontMetrics.height() + kRowMargin};
+  }
+};
+
 class ListView::Widget : public QTreeView {
  public:
   Widget(ControlHost& host, std::uint32_t id) : QTreeView(host.Inside()), host(host), id(id) {
+    setItemDelegate(new CellDelegate(this));
     setRootIsDecorated(false);
     setItemsExpandable(false);
     setIndentation(0);
@@ -95,6 +104,8 @@ class ListView::Widget : public QTreeView {
     setAllColumnsShowFocus(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionBehavior(QAbstractItemView::SelectRows);
+    // Room that is kept for a bar that isn't there looks like one more column.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     QHeaderView* const headers = header();
     headers->setStretchLastSection(false);
@@ -105,8 +116,21 @@ class ListView::Widget : public QTreeView {
     headers->setSectionsClickable(false);
   }
 
+  // The text of the cell at a point of the list, and where it is seen, if it isn't seen whole.
+  QString CutText(const QPoint& at, QRect* place) const {
+    const QModelIndex cell = indexAt(viewport()->mapFrom(this, at));
+    if (!cell.isValid()) return {};
+    const QRect seen = visualRect(cell).intersected(viewport()->rect());
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    if (itemDelegateForIndex(cell)->sizeHint(option, cell).width() <= seen.width()) return {};
+    *place = seen.translated(viewport()->pos());
+    return cell.data().toString();
+  }
+
  protected:
   void keyPressEvent(QKeyEvent* event) override {
+    if (event->key() == Qt::Key_F1) return event->ignore();
     host.Notify(id, Notice::KeyDown, VirtualKey(*event));
     const bool ofTheDialog = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                              event->key() == Qt::Key_Escape;
@@ -167,7 +191,6 @@ ListView::ListView(ControlHost& host, const ControlTemplate& from)
   connect(list->header(), &QHeaderView::sectionResized, this, &ListView::WidthChanged);
   connect(list->header(), &QHeaderView::sectionMoved, this, [this] { ColumnMoved(); });
   Adopt(list);
-  rows->rowHeight = list->fontMetrics().height() + kRowMargin;
 }
 
 bool ListView::IsColumn(std::int32_t column) const {
@@ -227,7 +250,7 @@ void ListView::ColumnMoved() {
   }
 }
 
-// The scroll bar's room stays free while there is none, so that it can come and go.
+// Computed, since the list has no inside before it is first seen.
 std::int32_t ListView::ClientWidth() const {
   const QScrollBar* const bar = list->verticalScrollBar();
   const bool floats = list->style()->styleHint(QStyle::SH_ScrollBar_Transient, nullptr, bar);
@@ -235,6 +258,8 @@ std::int32_t ListView::ClientWidth() const {
       floats ? 0 : list->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, bar);
   return std::max(0, list->width() - 2 * list->frameWidth() - room);
 }
+
+QString ListView::CutText(const QPoint& at, QRect* place) const { return list->CutText(at, place); }
 
 std::int32_t ListView::InsertItem(std::uint32_t data) {
   rows->AddRow(data);

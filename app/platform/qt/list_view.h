@@ -32,6 +32,10 @@ class ListView final : public Control {
   std::int32_t NextSelected(std::int32_t after) const;
   bool EnsureVisible(std::int32_t row);
 
+  // The whole text of the cell at a point of the list where it is cut off, and the place of what is
+  // seen of it, in the list; empty where nothing is cut.
+  QString CutText(const QPoint& at, QRect* place) const;
+
  private:
   class Rows;
   class Widget;

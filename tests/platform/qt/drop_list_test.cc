@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QScrollBar>
 #include <QWheelEvent>
 
 #include "qt_test.h"
@@ -27,6 +28,40 @@ TEST_F(DropListTest, HasTheTemplatesRowsAndNoneChosen) {
     EXPECT_EQ(Rows(kDropList), (std::vector<std::string>{"one", "two", "three"}));
     EXPECT_EQ(ComboGetCurSel(Window(), kDropList), -1);
     EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
+  });
+}
+
+// A long list would lie over what it is to help with.
+TEST_F(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
+  Run([&] {
+    for (int row = 0; row < 132; ++row) {
+      ComboAddString(Window(), kDropList, "row " + std::to_string(row));
+    }
+    QComboBox* const box = Box(kDropList);
+    box->showPopup();
+    Settle();
+    const QAbstractItemView& rows = *box->view();
+    EXPECT_EQ(rows.viewport()->height() / rows.sizeHintForRow(0), 20);
+    EXPECT_TRUE(rows.verticalScrollBar()->isVisible());
+    EXPECT_GT(rows.verticalScrollBar()->maximum(), 0);
+    box->hidePopup();
+  });
+}
+
+constexpr const char* kHeaded[] = {"== Keys ==", "a", "b"};
+constexpr ControlTemplate kHeadedControls[] = {
+    {ControlKind::DropList, kDropList, "", 5, 5, 60, 12, 0, "Keys", kHeaded}};
+constexpr DialogTemplate kHeadedList = {4, "Headed", 100, 40, 0, kHeadedControls};
+
+TEST_F(DropListTest, HeadingsOfTheTemplateAreBold) {
+  const auto isBold = [&](int row) {
+    return qvariant_cast<QFont>(Box(kDropList)->itemData(row, Qt::FontRole)).bold();
+  };
+  Run(kHeadedList, [&] {
+    EXPECT_TRUE(isBold(0));
+    EXPECT_FALSE(isBold(1));
+    EXPECT_EQ(ComboAddString(Window(), kDropList, "== mine =="), 3);
+    EXPECT_FALSE(isBold(3)) << "a name that a person chose";
   });
 }
 

@@ -238,11 +238,30 @@ TEST_F(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
   Run([&] {
     const int width = ListGetClientWidth(Window(), kList);
     EXPECT_LT(width, List()->width());
+    EXPECT_EQ(List()->viewport()->width(), width) << "or a column without a heading stands there";
     AddColumns();
     AddRows(100);
     Settle();
     EXPECT_EQ(ListGetClientWidth(Window(), kList), width) << "whether there is a bar or not";
     EXPECT_LE(width, List()->viewport()->width());
+  });
+}
+
+TEST_F(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
+  Run([&] {
+    AddColumns();
+    AddRows(2);
+    ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
+    QHeaderView* const header = List()->header();
+    const QPoint divider(header->sectionViewportPosition(1) + header->sectionSize(1) - 1,
+                         header->height() / 2);
+    QTest::mouseMove(header->viewport(), divider);
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
+    const int text = List()->fontMetrics().horizontalAdvance(
+        QString::fromStdString(ListGetItemText(Window(), kList, 0, 1)));
+    EXPECT_GE(ListGetColumnWidth(Window(), kList, 1), text);
+    EXPECT_LE(ListGetColumnWidth(Window(), kList, 1), text + 20);
+    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 0), 100);
   });
 }
 

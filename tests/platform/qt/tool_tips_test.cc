@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QToolTip>
+#include <QTreeView>
 
 #include "app/platform/qt/text.h"
 #include "qt_test.h"
@@ -61,6 +62,27 @@ TEST_F(ToolTipsTest, AnEmptyTextIsNoTip) {
   Run([&] {
     EnableToolTips(Window());
     EXPECT_EQ(Hover(kButton), QString());
+  });
+}
+
+TEST_F(ToolTipsTest, ACellThatIsCutShowsItsWholeText) {
+  recorder.tip = [](std::uint32_t) { return std::string("told"); };
+  Run([&] {
+    EnableToolTips(Window());
+    ListInsertColumn(Window(), kList, "Trigger", 100);
+    ListInsertColumn(Window(), kList, "Action", 50);
+    ListInsertItem(Window(), kList, 0);
+    ListSetItemText(Window(), kList, 0, 0, "B1");
+    ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc");
+    auto* const list = static_cast<QTreeView*>(Widget(kList));
+    const auto place = [&](int column) {
+      return list->viewport()->mapToParent(
+          list->visualRect(list->model()->index(0, column)).center());
+    };
+    EXPECT_TRUE(Hover(kList, place(1)).contains(QStringLiteral("&lt;Ctrl&gt;&lt;Shift&gt;abc")));
+    EXPECT_TRUE(Hover(kList, place(0)).contains(QStringLiteral("told")));
+    ListSetColumnWidth(Window(), kList, 1, 200);
+    EXPECT_TRUE(Hover(kList, place(1)).contains(QStringLiteral("told")));
   });
 }
 

@@ -11,6 +11,7 @@
 // The notification icon's menu is the one that Qt draws; a desktop may draw it in its own way.
 #include <QApplication>
 #include <QDir>
+#include <QHeaderView>
 #include <QImageWriter>
 #include <QPainter>
 #include <QProcess>
@@ -74,13 +75,27 @@ void SelectRow(DialogWindow& window, int row) {
   }
 }
 
+// As a person does with a double click on each divider, so that whole texts are seen.
+void FitColumns(DialogWindow& window) {
+  auto* const header = Widget(window, 1003)->findChild<QHeaderView*>();
+  for (const int column : {0, 1}) {
+    const QPoint divider(header->sectionViewportPosition(column) + header->sectionSize(column) - 1,
+                         header->height() / 2);
+    QTest::mouseMove(header->viewport(), divider);
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
+  }
+}
+
 void Tabs(const char* const (&names)[4]) {
   Stage stage;
   stage.Open(102, [&](DialogWindow& window) {
     for (int tab = 0; tab < 4; ++tab) {
       if (!names[tab]) continue;
       ShowTab(window, tab);
-      if (tab == 0) SelectRow(window, 4);
+      if (tab == 0) {
+        FitColumns(window);
+        SelectRow(window, 4);
+      }
       Photograph(window, names[tab]);
     }
   });
@@ -91,6 +106,7 @@ void ManyControls() {
   Stage::AddControls(190);
   stage.Open(102, [](DialogWindow& window) {
     window.resize(window.width() + 120, window.height() + 160);
+    FitColumns(window);
     Photograph(window, "list-of-200");
   });
 }
