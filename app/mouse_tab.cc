@@ -73,6 +73,10 @@ std::uint16_t ButtonOf(const MouseSettings& settings, std::uint32_t field) {
   return settings.rightButton;
 }
 
+std::uint32_t Brightness(platform::Colour colour) {
+  return (colour & 0xFF) + (colour >> 8 & 0xFF) + (colour >> 16 & 0xFF);
+}
+
 platform::Rect Inside(const platform::Rect& rect, std::int32_t by) {
   return {rect.left + by, rect.top + by, rect.right - by, rect.bottom - by};
 }
@@ -209,14 +213,16 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   lamp.top = rect.top + (rect.Height() - kLampHeight) / 2 + moved;
   lamp.right = lamp.left + kLampWidth;
   lamp.bottom = lamp.top + kLampHeight;
+  const platform::Colour ink = platform::GetSysColor(platform::COLOR_BTNTEXT);
+  // The dark green of a lamp that is off needs an edge before a dark face.
+  if (!on && Brightness(ink) > Brightness(face)) canvas.FrameRect(Inside(lamp, -1), ink);
   canvas.FillRect(lamp, on ? kLampOn : kLampOff);
   if (on) canvas.FrameRect(lamp, kLampOnEdge);
 
   const platform::Rect text{rect.left + moved, rect.top + moved,
                             rect.right - kTextFromRight + moved,
                             rect.bottom - kTextFromBottom + moved};
-  canvas.TextInRect(text, "Test", platform::GetSysColor(platform::COLOR_BTNTEXT),
-                    platform::DT_RIGHT | platform::DT_BOTTOM);
+  canvas.TextInRect(text, "Test", ink, platform::DT_RIGHT | platform::DT_BOTTOM);
 
   if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
   // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.

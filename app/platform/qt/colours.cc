@@ -15,14 +15,9 @@ double Luminance(const QColor& colour) {
          0.0722 * Linear(colour.blueF());
 }
 
-double Contrast(const QColor& one, const QColor& other) {
-  const double a = Luminance(one) + 0.05;
-  const double b = Luminance(other) + 0.05;
-  return std::max(a, b) / std::min(a, b);
-}
-
 // What the accessibility guidelines ask of a text.
 constexpr double kEnoughContrast = 4.5;
+constexpr float kStep = 0.02f;  // of lightness, which goes from 0 to 1
 
 }  // namespace
 
@@ -36,15 +31,23 @@ Colour ColourOf(const QColor& colour) {
              static_cast<std::uint8_t>(colour.blue()));
 }
 
+double Contrast(const QColor& one, const QColor& other) {
+  const double a = Luminance(one) + 0.05;
+  const double b = Luminance(other) + 0.05;
+  return std::max(a, b) / std::min(a, b);
+}
+
 QColor Readable(const QColor& ink, const QColor& background) {
-  if (Luminance(background) > 0.18) return ink;
+  const bool dark =
+      Contrast(QColor(Qt::white), background) > Contrast(QColor(Qt::black), background);
   const QColor hsl = ink.toHsl();
-  for (float lightness = hsl.lightnessF(); lightness < 1; lightness += 0.05f) {
-    const QColor tone = QColor::fromHslF(std::max(0.0f, hsl.hslHueF()), hsl.hslSaturationF(),
-                                         std::min(1.0f, lightness));
-    if (Contrast(tone, background) >= kEnoughContrast) return tone;
+  float lightness = hsl.lightnessF();
+  QColor tone = ink;
+  while (Contrast(tone, background) < kEnoughContrast && lightness > 0 && lightness < 1) {
+    lightness = std::clamp(lightness + (dark ? kStep : -kStep), 0.0f, 1.0f);
+    tone = QColor::fromHslF(std::max(0.0f, hsl.hslHueF()), hsl.hslSaturationF(), lightness);
   }
-  return QColor(Qt::white);
+  return tone;
 }
 
 }  // namespace platform::qt

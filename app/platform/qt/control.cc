@@ -21,6 +21,7 @@ void Control::Adopt(QWidget* made) {
   if (HasText()) ShowText(Shown(text));
   if (style & kStyleDisabled) widget->setEnabled(false);
   Show(!(style & kStyleHidden));
+  TakeColours();
 }
 
 void Control::Show(bool show) {
@@ -66,23 +67,24 @@ void Control::SetBackgroundColour(Colour colour) {
 }
 
 void Control::TakeColours() {
-  if (ink || background) {
-    QPalette palette;
-    const QPalette around = host.Inside()->palette();
-    if (background) {
-      palette.setColor(QPalette::Base, ColourOf(*background));
-      palette.setColor(QPalette::Window, ColourOf(*background));
-    }
-    if (ink) {
-      const QColor colour = background
-                                ? ColourOf(*ink)
-                                : Readable(ColourOf(*ink), around.color(widget->backgroundRole()));
-      palette.setColor(QPalette::Text, colour);
-      palette.setColor(QPalette::WindowText, colour);
-      palette.setColor(QPalette::ButtonText, colour);
-    }
-    widget->setPalette(palette);
+  const bool toRead = kind == ControlKind::TextArea || (style & kStyleReadOnly);
+  if (!ink && !background && !toRead) return;
+  QPalette palette;
+  if (background) {
+    palette.setColor(QPalette::Base, ColourOf(*background));
+    palette.setColor(QPalette::Window, ColourOf(*background));
+  } else if (toRead) {
+    // Not the colour of a field that one can type into.
+    palette.setColor(QPalette::Base, host.Inside()->palette().color(QPalette::Window));
   }
+  if (ink) {
+    const QColor colour =
+        background ? ColourOf(*ink) : Readable(ColourOf(*ink), host.Behind(*this));
+    palette.setColor(QPalette::Text, colour);
+    palette.setColor(QPalette::WindowText, colour);
+    palette.setColor(QPalette::ButtonText, colour);
+  }
+  widget->setPalette(palette);
 }
 
 }  // namespace platform::qt

@@ -24,6 +24,8 @@ class ControlHost {
   // The parent of every widget.
   virtual QWidget* Inside() = 0;
   virtual const Icons& AllIcons() const = 0;
+  // The colour that a control stands before.
+  virtual QColor Behind(const Control& control) const = 0;
   // The person did something. Window and controls are still there after the call: a dialog that
   // its handler ends goes later.
   virtual void Notify(std::uint32_t id, Notice notice, std::int32_t value = 0) = 0;
@@ -61,6 +63,10 @@ class Control : public QObject {
   virtual bool HasText() const { return false; }
   bool SetText(const std::string& bytes);
   virtual std::string Text() const { return HasText() ? text : std::string(); }
+
+  // What a label of several lines needs for its text at its present width; 0 for what needs
+  // nothing.
+  virtual int HeightForText() const { return 0; }
 
   // Check boxes and radio buttons.
   virtual bool SetChecked(bool) { return false; }

@@ -108,6 +108,7 @@ std::int32_t DialogWindow::Run() {
   listener.OnInitDialog(handle);
   initialised = true;
   if (!ended) {
+    MakeRoom();
     ApplyLimits();
     // A message may want it hidden, which is then how it is first seen.
     QCoreApplication::sendPostedEvents(this, PostedCall::kType);
@@ -147,6 +148,16 @@ Control* DialogWindow::Focused() const {
     }
   }
   return nullptr;
+}
+
+QColor DialogWindow::Behind(const Control& control) const {
+  for (const auto& other : controls) {
+    const auto* const tabs = dynamic_cast<const TabControl*>(other.get());
+    if (tabs && tabs->Widget()->geometry().contains(control.Widget()->geometry().center())) {
+      return tabs->PageColour(palette());
+    }
+  }
+  return palette().color(control.Widget()->backgroundRole());
 }
 
 void DialogWindow::FocusOn(Control& control) {
@@ -356,6 +367,23 @@ void DialogWindow::mouseMoveEvent(QMouseEvent* event) {
 }
 
 // --- Place and size
+
+// A text of several lines may be longer than the template knows: what stands below makes room.
+void DialogWindow::MakeRoom() {
+  if (style & kWindowResizable) return;
+  for (const auto& control : controls) {
+    QWidget* const widget = control->Widget();
+    const int missing = control->HeightForText() - widget->height();
+    if (missing <= 0) continue;
+    const int bottom = widget->y() + widget->height();
+    for (const auto& other : controls) {
+      QWidget* const below = other->Widget();
+      if (below->y() >= bottom) below->move(below->x(), below->y() + missing);
+    }
+    widget->resize(widget->width(), widget->height() + missing);
+    setFixedSize(width(), height() + missing);
+  }
+}
 
 // Counted without the frame, which isn't there when a window first measures itself.
 void DialogWindow::ApplyLimits() {

@@ -101,6 +101,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   // ControlHost
   QWidget* Inside() override { return this; }
   const Icons& AllIcons() const override { return around.icons; }
+  QColor Behind(const Control& control) const override;
   void Notify(std::uint32_t id, Notice notice, std::int32_t value) override;
   void NotifyInTurn(std::uint32_t id, Notice notice) override;
   bool GoesOn() override;
@@ -109,6 +110,7 @@ class DialogWindow final : public QWidget, private ControlHost {
 
   void MakeInside(const DialogTemplate& from);
   void ApplyLimits();
+  void MakeRoom();
   void FirstPlace();
   void Put(const QPoint& corner);
   void CorrectPlace();

@@ -40,6 +40,7 @@ class TextArea final : public Control {
   TextArea(ControlHost& host, const ControlTemplate& from)
       : Control(host, from), area(new TextAreaWidget(host.Inside())) {
     area->setReadOnly(true);
+    area->setCursorWidth(0);
     area->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     area->setTabChangesFocus(true);
     area->setLineWrapMode(QPlainTextEdit::WidgetWidth);

@@ -49,9 +49,15 @@ class LabelWidget : public QLabel {
   }
 
   void ShowMarked(const QString& text) {
-    marked = text;
+    marked = templateStyle & kStyleWrap ? Breakable(text) : text;
     setText(WithoutMnemonic(text));
     update();
+  }
+
+  int HeightForText() const {
+    return style()
+        ->itemTextRect(fontMetrics(), QRect(0, 0, width(), QWIDGETSIZE_MAX), Flags(), true, marked)
+        .height();
   }
 
   std::function<void()> onPress;
@@ -59,9 +65,7 @@ class LabelWidget : public QLabel {
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    const auto flags = static_cast<int>(Placing()) | Qt::TextShowMnemonic |
-                       (templateStyle & kStyleWrap ? Qt::TextWordWrap : Qt::TextSingleLine);
-    style()->drawItemText(&painter, rect(), flags, palette(), isEnabled(), marked,
+    style()->drawItemText(&painter, rect(), Flags(), palette(), isEnabled(), marked,
                           foregroundRole());
     if (!hasFocus()) return;
     QStyleOptionFocusRect option;
@@ -79,11 +83,12 @@ class LabelWidget : public QLabel {
   }
 
  private:
-  Qt::Alignment Placing() const {
+  int Flags() const {
     const Qt::Alignment across = templateStyle & kStyleRight     ? Qt::AlignRight
                                  : templateStyle & kStyleCentred ? Qt::AlignHCenter
                                                                  : Qt::AlignLeft;
-    return across | Qt::AlignTop;
+    return static_cast<int>(across | Qt::AlignTop) | Qt::TextShowMnemonic |
+           (templateStyle & kStyleWrap ? Qt::TextWordWrap : Qt::TextSingleLine);
   }
 
   const std::uint32_t templateStyle;
@@ -139,6 +144,7 @@ class LabelControl final : public Control {
   }
 
   bool HasText() const override { return true; }
+  int HeightForText() const override { return style & kStyleWrap ? label->HeightForText() : 0; }
 
  private:
   void ShowText(const QString& shown) override {

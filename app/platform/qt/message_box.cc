@@ -24,10 +24,11 @@ std::unique_ptr<QMessageBox> MakeMessageBox(QWidget* owner, const std::string& t
       break;
   }
   auto box = std::make_unique<QMessageBox>(
-      icon, Shown(caption), Shown(text),
+      icon, Shown(caption), Breakable(Shown(text)),
       asks ? QMessageBox::Yes | QMessageBox::No : QMessageBox::StandardButtons(QMessageBox::Ok),
       owner);
   box->setTextFormat(Qt::PlainText);
+  for (QAbstractButton* button : box->buttons()) button->setIcon(QIcon());
   box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
   box->setEscapeButton(asks ? QMessageBox::No : QMessageBox::Ok);
   box->setWindowModality(owner ? Qt::WindowModal : Qt::ApplicationModal);

@@ -1,6 +1,9 @@
 #include "app/platform/qt/tab_control.h"
 
+#include <QImage>
+#include <QPainter>
 #include <QResizeEvent>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QStyleOptionTabWidgetFrame>
 #include <QStylePainter>
@@ -75,6 +78,20 @@ bool TabControl::TabRect(std::int32_t tab, Rect* rect) const {
   if (tab < 0 || tab >= bar->count()) return false;
   *rect = RectOf(bar->tabRect(tab).translated(bar->pos()));
   return true;
+}
+
+QColor TabControl::PageColour(const QPalette& colours) const {
+  constexpr int kSide = 40;  // more than any frame is wide
+  QImage page(kSide, kSide, QImage::Format_RGB32);
+  page.fill(colours.color(QPalette::Window));
+  QPainter painter(&page);
+  QStyleOptionTabWidgetFrame option;
+  option.initFrom(frame);
+  option.palette = colours;
+  option.rect = page.rect();
+  option.shape = QTabBar::RoundedNorth;
+  frame->style()->drawPrimitive(QStyle::PE_FrameTabWidget, &option, &painter, frame);
+  return page.pixelColor(kSide / 2, kSide / 2);
 }
 
 bool TabControl::Select(std::int32_t tab) {

@@ -19,8 +19,13 @@ class TabControl final : public Control {
   bool Select(std::int32_t tab);
   std::int32_t Selected() const { return selected; }
 
+  // What the style paints a page with, on a desktop of these colours.
+  QColor PageColour(const QPalette& colours) const;
+
  private:
   class Frame;
+  void Step(int by);
+
   Frame* const frame;
   QTabBar* const bar;
   std::int32_t selected = -1;

@@ -27,5 +27,21 @@ TEST(Colours, WhatCanBeReadOnADarkBackgroundStays) {
   EXPECT_EQ(Readable(QColor(Qt::white), QColor(Qt::black)), QColor(Qt::white));
 }
 
+TEST(Colours, ContrastIsThatOfTheGuidelines) {
+  EXPECT_DOUBLE_EQ(Contrast(QColor(Qt::white), QColor(Qt::black)), 21);
+  EXPECT_DOUBLE_EQ(Contrast(QColor(Qt::black), QColor(Qt::white)), 21);
+  EXPECT_NEAR(Contrast(QColor(0, 0, 255), QColor(Qt::white)), 8.59, 0.01);
+  EXPECT_DOUBLE_EQ(Contrast(QColor(1, 2, 3), QColor(1, 2, 3)), 1);
+}
+
+TEST(Colours, ALinkCanBeReadBeforeAnyGrey) {
+  for (int grey = 0; grey < 256; ++grey) {
+    for (const QColor& ink : {QColor(0, 0, 255), QColor(128, 0, 128)}) {
+      const QColor background(grey, grey, grey);
+      EXPECT_GE(Contrast(Readable(ink, background), background), 4.5) << grey;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace platform::qt

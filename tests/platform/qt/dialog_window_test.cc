@@ -233,6 +233,38 @@ TEST_F(DialogWindowTest, TheFocusCanBeSetBeforeItIsSeen) {
 
 // --- Places
 
+constexpr ControlTemplate kWordyControls[] = {
+    {ControlKind::Label, kNameLabel, "", 5, 5, 90, 8, kStyleWrap},
+    {ControlKind::Label, 200, "beside", 96, 5, 20, 8},
+    {ControlKind::Button, IDOK, "OK", 25, 20, 50, 14, kStyleDefault},
+};
+constexpr DialogTemplate kWordy = {3, "Wordy", 120, 40, 0, kWordyControls};
+
+// Names have blanks or not.
+TEST_F(DialogWindowTest, ALongTextIsSeenWhole) {
+  for (const std::string& name :
+       {std::string(240, 'w'), std::string("x ") + std::string(20, 'y')}) {
+    QSize size;
+    int button = 0;
+    recorder.onInit = [&](WindowHandle window) {
+      size = Dialog()->size();
+      button = Widget(IDOK)->y();
+      SetDlgItemTextA(window, kNameLabel, name);
+    };
+    Run(kWordy, [&] {
+      const QFontMetrics metrics(Widget(kNameLabel)->font());
+      const int lines =
+          metrics.horizontalAdvance(QString::fromStdString(name)) / Widget(kNameLabel)->width();
+      EXPECT_GE(Widget(kNameLabel)->height(), lines * metrics.height());
+      const int more = Dialog()->height() - size.height();
+      EXPECT_EQ(Widget(IDOK)->y(), button + more);
+      EXPECT_EQ(Dialog()->width(), size.width());
+      EXPECT_EQ(Widget(200)->y(), Widget(kNameLabel)->y());
+      EXPECT_EQ(more > 0, lines > 1) << name;
+    });
+  }
+}
+
 TEST_F(DialogWindowTest, ControlsStandWhereTheyAreSet) {
   Run([&] {
     EXPECT_TRUE(SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));

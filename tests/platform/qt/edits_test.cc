@@ -24,6 +24,38 @@ TEST_F(EditsTest, GiveBackWhatWasSet) {
   });
 }
 
+TEST_F(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
+  Run([&] {
+    const auto inside = [&](std::uint32_t id) {
+      QWidget* const field = Widget(id);
+      return PixelOf(field, field->width() / 2 + 10, field->height() / 2);
+    };
+    const QColor window = Dialog()->palette().color(QPalette::Window);
+    EXPECT_EQ(inside(kReadOnlyEdit), window);
+    EXPECT_EQ(inside(kArea), window);
+    EXPECT_EQ(inside(kNameEdit), Dialog()->palette().color(QPalette::Base));
+    EXPECT_NE(inside(kNameEdit), window);
+  });
+}
+
+TEST_F(EditsTest, ATextToReadHasNoCaret) {
+  const int blinking = QApplication::cursorFlashTime();
+  QApplication::setCursorFlashTime(0);
+  Run([&] {
+    Dialog()->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Dialog()));
+    SetControlFocus(Window(), kArea);
+    auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
+    const QImage atStart = area->grab().toImage();
+    QTest::keyClick(area, Qt::Key_End);
+    QTest::keyClick(area, Qt::Key_Right, Qt::ShiftModifier);  // it can be marked by keyboard
+    EXPECT_TRUE(area->textCursor().hasSelection());
+    QTest::keyClick(area, Qt::Key_Left);
+    EXPECT_EQ(area->grab().toImage(), atStart);
+  });
+  QApplication::setCursorFlashTime(blinking);
+}
+
 TEST_F(EditsTest, TellOfEachChangeByThePerson) {
   Run([&] {
     SetDlgItemTextA(Window(), kNameEdit, "ab");

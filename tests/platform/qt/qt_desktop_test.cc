@@ -1,8 +1,12 @@
 #include "app/platform/qt/qt_desktop.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QLabel>
 #include <QMessageBox>
+#include <QProxyStyle>
 #include <QPushButton>
+#include <QScreen>
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -65,6 +69,36 @@ TEST_F(QtDesktopTest, ABoxGivesTheButtonThatWasPressed) {
     });
     EXPECT_EQ(MessageBoxA(Window(), "!", "Failure", MB_OK | MB_ICONSTOP), IDOK);
   });
+}
+
+// As desktops of long ago want them.
+class PicturesOnButtons : public QProxyStyle {
+ public:
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    return hint == SH_DialogButtonBox_ButtonsHaveIcons
+               ? 1
+               : QProxyStyle::styleHint(hint, option, widget, data);
+  }
+};
+
+TEST_F(QtDesktopTest, ABoxHasNoPicturesOnItsButtonsAndShowsALongNameWhole) {
+  const std::string name(240, 'w');
+  const QString style = QApplication::style()->objectName();
+  QApplication::setStyle(new PicturesOnButtons);
+  Run([&] {
+    WithBox([](QMessageBox& box) {
+      for (const QAbstractButton* button : box.buttons()) EXPECT_TRUE(button->icon().isNull());
+      EXPECT_EQ(box.buttons().size(), 2);
+      const auto* const text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+      EXPECT_NE(text, nullptr);
+      EXPECT_LE(text->minimumSizeHint().width(), text->width());
+      EXPECT_LE(text->heightForWidth(text->width()), text->height());
+      box.reject();
+    });
+    EXPECT_EQ(MessageBoxA(Window(), "Error Deleting Profile " + name, "", MB_YESNO), IDNO);
+  });
+  QApplication::setStyle(style);
 }
 
 TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {

@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/qt/colours.h"
 #include "app/platform/qt/text.h"
 #include "app/resources/resources.h"
 #include "storage/profile_file.h"
@@ -33,6 +34,7 @@ namespace {
 using platform::ControlKind;
 using platform::ControlTemplate;
 using platform::DialogTemplate;
+using platform::qt::Contrast;
 using platform::qt::Control;
 
 constexpr std::uint32_t kTabs = 1000;
@@ -181,20 +183,6 @@ void ExpectAccessible(const DialogTemplate& dialog, DialogWindow& window) {
   }
 }
 
-double Luminance(const QColor& colour) {
-  const auto linear = [](double part) {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-         0.0722 * linear(colour.blueF());
-}
-
-double Contrast(const QColor& one, const QColor& other) {
-  const double a = Luminance(one) + 0.05;
-  const double b = Luminance(other) + 0.05;
-  return std::max(a, b) / std::min(a, b);
-}
-
 void ExpectReadable(const DialogTemplate& dialog, DialogWindow& window) {
   for (const Control* control : Seen(dialog, window)) {
     QWidget& widget = *control->FocusWidget();
@@ -284,8 +272,21 @@ TEST_F(Looks, EveryControlHasANameARoleAndATurnOfTheTabKey) {
   });
 }
 
+// Desktops have buttons, and with them pages, that are lighter or darker than their windows.
+std::vector<QPalette> Palettes() {
+  std::vector<QPalette> palettes = {LightPalette(), DarkPalette()};
+  for (const auto& [button, window] : {std::pair{0x31363B, 0x2A2E32},
+                                       {0x555555, 0x222222},
+                                       {0x000000, 0x000000},
+                                       {0x3A3A3A, 0x1E1E1E},
+                                       {0xD4D0C8, 0xFFFFFF}}) {
+    palettes.emplace_back(QColor(button), QColor(window));
+  }
+  return palettes;
+}
+
 TEST_F(Looks, TextsStandOutInLightAndInDark) {
-  for (const QPalette& palette : {LightPalette(), DarkPalette()}) {
+  for (const QPalette& palette : Palettes()) {
     QApplication::setPalette(palette);
     OpenEach([](const DialogTemplate& dialog, DialogWindow& window) {
       OnEachPage(dialog, window, [&] { ExpectReadable(dialog, window); });
