@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <new>
+#include <string>
 
 #include "app/dialogs.h"
 #include "app/help.h"
@@ -42,7 +43,16 @@ constexpr std::uint32_t kDefaultSpeed = 50;   // ms
 constexpr std::int32_t kTipWidth = 300;   // pixels
 constexpr std::int32_t kTipTime = 10000;  // ms
 
-constexpr char kHelpTopic[] = "Creating and Editing Controls.htm";
+// Where the page tells of a control; of the others it tells at its start.
+constexpr struct {
+  std::uint32_t id;
+  const char* place;
+} kHelpPlaces[] = {
+    {kTriggerField, "#trigger"}, {kDetectBox, "#trigger"},   {kToggleMouseBox, "#mouse"},
+    {kKeysField, "#keys"},       {kSpecialKeyList, "#keys"}, {kHoldAllBox, "#hold"},
+    {kHoldField, "#timings"},    {kPauseField, "#timings"},  {kRepeatBox, "#repeat"},
+    {kDelayField, "#repeat"},    {kSpeedField, "#repeat"},   {kDefaultsButton, "#repeat"},
+};
 
 constexpr char kNoDescriptionText[] = "You must enter a description for this event";
 constexpr char kNoDescriptionTitle[] = "Missing Description";
@@ -210,7 +220,17 @@ void DefineControlDialog::OnDefaults() {
   ShowFields();
 }
 
+void DefineControlDialog::OnHelpKey() {
+  if (!helpAvailable) return;
+  const std::uint32_t focused = platform::GetControlFocus(window);
+  std::string topic = kControlsTopic;
+  for (const auto& row : kHelpPlaces)
+    if (row.id == focused) topic += row.place;
+  ShowHelpTopic(topic.c_str());
+}
+
 void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
+  if (notice == platform::Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
   if (notice != platform::Notice::Clicked) return;
   switch (id) {
     case kPressRadio:
@@ -241,7 +261,7 @@ void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, st
       OnDefaults();
       break;
     case kHelpButton:
-      if (helpAvailable) ShowHelpTopic(kHelpTopic);
+      if (helpAvailable) ShowHelpTopic(kControlsTopic);
       break;
     default:
       ResizableDialog::OnNotice(id, notice, value);
@@ -306,11 +326,12 @@ bool DefineControlDialog::ReadFields() {
 
 bool DefineControlDialog::ReadNumber(std::uint32_t id, std::uint32_t* value) {
   std::uint64_t number = 0;
-  if (ParseNumber(Text(id), &number) && number <= UINT32_MAX) {
+  const bool isNumber = ParseNumber(Text(id), &number);
+  if (isNumber && number <= UINT32_MAX) {
     *value = static_cast<std::uint32_t>(number);
     return true;
   }
-  Box(kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
+  Box(isNumber ? kTooLargeText : kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
   platform::SetControlFocus(window, id);
   return false;
 }

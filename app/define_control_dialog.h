@@ -44,6 +44,7 @@ class DefineControlDialog : public ResizableDialog {
   void EnableFields();
   void OnHoldAllBox();
   void OnDefaults();
+  void OnHelpKey();
 
   void ShowFields();
   // The controls into the members, up to the first number that is none: false then, after a message

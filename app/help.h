@@ -13,7 +13,11 @@ namespace kelvaro {
 std::uintptr_t HtmlHelp(platform::WindowHandle caller, const char* file, std::uint32_t command,
                         std::uintptr_t data);
 
-// Shows a topic of Help\Kelvaro.chm in the program's folder.
+constexpr char kProfilesTopic[] = "Creation Maintenance and Location.htm";
+constexpr char kControlsTopic[] = "Creating and Editing Controls.htm";
+constexpr std::int32_t kF1 = 0x70;  // the virtual key that asks for help
+
+// Shows a topic of Help\Kelvaro.chm in the program's folder: a page, or "PAGE#PLACE".
 void ShowHelpTopic(const char* topic);
 
 // Looks for the system's help anew at the next call: a test's fresh start.

@@ -309,6 +309,7 @@ void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   if (shuttingDown) return;
   if (id == kControlListId && controlList.OnNotice(notice, value)) return;
   if (notice == Notice::KeyDown) {
+    if (id == 0 && value == kF1) return OnHelpKey();
     // Of the keys that the list takes, the window itself takes these two.
     if (id == kControlListId || (id == 0 && (value == 'C' || value == 'V')))
       OnControlListKey(value);
@@ -369,7 +370,20 @@ void MainWindow::ShowTab(Tab tab) {
 }
 
 void MainWindow::OnHelp() {
-  if (helpAvailable) ShowHelpTopic("Creation Maintenance and Location.htm");
+  if (helpAvailable) ShowHelpTopic(kProfilesTopic);
+}
+
+// The row of profiles is there on each page.
+void MainWindow::OnHelpKey() {
+  static constexpr std::uint32_t kProfileRow[] = {kProfileList, 1006, 1099, 1101, 1100, 1146};
+  static constexpr const char* kTabTopics[] = {
+      kControlsTopic, "Mouse Device and Settings.htm#mouse", "Mouse Device and Settings.htm#device",
+      "Mouse Device and Settings.htm#settings"};
+  if (!helpAvailable) return;
+  const std::uint32_t focused = platform::GetControlFocus(window);
+  const bool inRow =
+      std::find(std::begin(kProfileRow), std::end(kProfileRow), focused) != std::end(kProfileRow);
+  ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[currentTab]);
 }
 
 void MainWindow::OnLink(std::uint32_t id) { (id == 1175 ? webLink : mailLink).OnClick(); }

@@ -77,6 +77,7 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void OnTabSelected();
   void ShowTab(Tab tab);  // makes it current, and the page with it
   void OnHelp();
+  void OnHelpKey();
   void OnLink(std::uint32_t id);
 
   // --- app_settings.cc

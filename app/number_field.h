@@ -8,6 +8,7 @@
 namespace kelvaro {
 
 constexpr char kNotANumberText[] = "Please enter a positive integer.";
+constexpr char kTooLargeText[] = "Please enter a number from 0 to 4294967295.";
 constexpr char kNotANumberCaption[] = "Kelvaro";
 
 // Decimal digits, with blanks of any kind around them allowed. A number beyond 32 bits is told as

@@ -119,13 +119,16 @@ void RendlinkDialog::OnSave() {
   if (!platform::ChooseFile(window, "Save Launcher", true, file, &file)) return;
   if (!file.ends_with(kEnding)) file += kEnding;
   std::string refusal;
-  if (!SaveLauncher(ready, file, session, &refusal)) Tell(refusal);
+  if (!SaveLauncher(ready, file, session, &refusal)) return Tell(refusal);
+  Box(TextOf("The launcher was saved as \"" + file + "\"."), kTitle, platform::MB_OK);
 }
 
 void RendlinkDialog::OnStart() {
   Ready ready;
   std::string refusal;
-  if (CheckOrTell(&ready) && !StartNow(ready, &refusal)) Tell(refusal);
+  if (!CheckOrTell(&ready)) return;
+  if (!StartNow(ready, &refusal)) return Tell(refusal);
+  Box("Kelvaro was started. It starts the target.", kTitle, platform::MB_OK);
 }
 
 bool RendlinkDialog::CheckOrTell(Ready* ready) {

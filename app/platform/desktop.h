@@ -113,7 +113,7 @@ enum class Notice : std::uint8_t {
   Changed,             // the text of an edit, by the person
   FocusLost,           // an edit
   Scrolled,            // a slider, by the person; value is the position
-  KeyDown,             // a list, or the window itself as id 0; value is the virtual key
+  KeyDown,             // a list, or the window itself as id 0 (F1 always); value: the virtual key
   HeaderItemChanging,  // a list: a column is about to get another width, by whomever
   HeaderItemChanged,   // a list: it has it
   HeaderDragEnded,     // a list: a header was dropped; its new order counts only after the notice

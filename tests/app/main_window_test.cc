@@ -840,5 +840,40 @@ TEST_F(MainLayoutTest, TheGripIsDrawnInTheCornerAndTakesTheMouse) {
   EXPECT_EQ(screen.HitTest(566, 373), platform::HTBOTTOMRIGHT);
 }
 
+// ---- Keys of the window
+
+TEST_F(MainWindowTest, ControlWithTabOrAPageKeyGoesFromTabToTab) {
+  Begin();
+  const struct {
+    std::uint8_t key;
+    std::int32_t tab;
+  } steps[] = {{0x09, 1}, {0x22, 2}, {0x22, 3}, {0x09, 0}, {0x21, 3}, {0x21, 2}};
+  for (const auto& step : steps) {
+    screen.Press(step.key, true);
+    EXPECT_EQ(screen.Tab(1000), step.tab);
+    EXPECT_EQ(screen.Visible(1003), step.tab == 0);
+    EXPECT_EQ(screen.Visible(1060), step.tab == 2);
+  }
+}
+
+TEST_F(MainWindowTest, F1TellsOfWhatHasTheFocus) {
+  Begin();
+  const auto topic = [&](std::uint32_t id) {
+    screen.FocusOn(id);
+    screen.Press(0x70);
+    return screen.HelpCalls().back().topic;
+  };
+  EXPECT_EQ(topic(1003), "Creating and Editing Controls.htm");
+  EXPECT_EQ(topic(1155), "Creating and Editing Controls.htm");
+  EXPECT_EQ(topic(1001), "Creation Maintenance and Location.htm");
+  screen.ChooseTab(1000, 1);
+  EXPECT_EQ(topic(1056), "Mouse Device and Settings.htm#mouse");
+  EXPECT_EQ(topic(1099), "Creation Maintenance and Location.htm");
+  screen.ChooseTab(1000, 2);
+  EXPECT_EQ(topic(1076), "Mouse Device and Settings.htm#device");
+  screen.ChooseTab(1000, 3);
+  EXPECT_EQ(topic(1187), "Mouse Device and Settings.htm#settings");
+}
+
 }  // namespace
 }  // namespace kelvaro

@@ -32,6 +32,13 @@ class RendlinkDialogTest : public RendlinkTest {
     EXPECT_EQ(screen.Box().type, platform::MB_ICONEXCLAMATION);
     screen.Answer(IDOK);
   }
+  void ExpectSuccess(const std::string& text) {
+    ASSERT_TRUE(screen.BoxUp());
+    EXPECT_EQ(screen.Box().text, text);
+    EXPECT_EQ(screen.Box().caption, "Rendlink");
+    EXPECT_EQ(screen.Box().type, platform::MB_OK);
+    screen.Answer(IDOK);
+  }
   void TearDown() override {
     if (screen.Running()) screen.Close();
     EXPECT_FALSE(screen.Running());
@@ -124,7 +131,7 @@ TEST_F(RendlinkDialogTest, SavesWhereThePersonSays) {
   EXPECT_NE(file->find("\nExec=/game/kelvaro profile=race target=/games/race/race.sh\n"),
             std::string::npos)
       << *file;
-  EXPECT_TRUE(screen.Boxes().empty());
+  ExpectSuccess("The launcher was saved as \"/home/player/Desktop/Race.desktop\".");
   EXPECT_TRUE(screen.Running());
 }
 
@@ -136,6 +143,7 @@ TEST_F(RendlinkDialogTest, TheApplicationsMenuIsMadeWhereItIsMissingAndTheEnding
   screen.Click(kSave);
   EXPECT_EQ(screen.AskedPaths()[0].suggested, "/home/player/applications/race.desktop");
   EXPECT_TRUE(sim.Disk().Exists("/home/player/applications/My Race.desktop"));
+  ExpectSuccess("The launcher was saved as \"/home/player/applications/My Race.desktop\".");
 }
 
 TEST_F(RendlinkDialogTest, NothingIsSavedWhereNoFileIsChosen) {
@@ -173,6 +181,7 @@ TEST_F(RendlinkDialogTest, StartsAndStaysForMore) {
   ASSERT_EQ(sim.Processes().Started().size(), 1u);
   EXPECT_EQ(sim.Processes().Started()[0].commandLine,
             "\"/game/kelvaro\" \"profile=race\" \"target=/games/race/race.sh\"");
+  ExpectSuccess("Kelvaro was started. It starts the target.");
   EXPECT_TRUE(screen.Running());
 }
 
@@ -212,6 +221,7 @@ TEST_F(RendlinkDialogTest, EnterSaves) {
   screen.ChooseNextPath("/home/player/Desktop/a.desktop");
   screen.Press(13);
   EXPECT_TRUE(sim.Disk().Exists("/home/player/Desktop/a.desktop"));
+  ExpectSuccess("The launcher was saved as \"/home/player/Desktop/a.desktop\".");
 }
 
 TEST_F(RendlinkDialogTest, EveryControlToUseHasATip) {

@@ -310,6 +310,9 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Escape:
       PressEscape();
       break;
+    case Qt::Key_F1:
+      Notify(0, Notice::KeyDown, VirtualKey(*event));
+      break;
     default:
       event->ignore();
       if (const Control* const focused = Focused(); !focused || !TakesAllKeys(focused->kind)) {

@@ -105,7 +105,12 @@ class HelpWindow : public QWidget {
     return action;
   }
 
-  void Open(const QString& topic) { pages->setSource(QUrl::fromLocalFile(root + u'/' + topic)); }
+  // "Page.htm", or "Page.htm#place".
+  void Open(const QString& topic) {
+    QUrl url = QUrl::fromLocalFile(root + u'/' + topic.section(u'#', 0, 0));
+    if (topic.contains(u'#')) url.setFragment(topic.section(u'#', 1));
+    pages->setSource(url);
+  }
 
   void Follow(const QUrl& url) {
     const QUrl whole = pages->source().resolved(url);

@@ -63,7 +63,24 @@ TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
     Select(tab);
     this->host.Notify(id, Notice::SelectionChanged, tab);
   });
+  const std::pair<QKeyCombination, int> steps[] = {
+      {Qt::CTRL | Qt::Key_Tab, 1},
+      {Qt::CTRL | Qt::Key_PageDown, 1},
+      {Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, -1},
+      {Qt::CTRL | Qt::Key_PageUp, -1},
+  };
+  for (const auto& [key, by] : steps) {
+    auto* const shortcut = new QShortcut(key, frame);
+    connect(shortcut, &QShortcut::activated, this, [this, by = by] { Step(by); });
+  }
   Adopt(frame);
+}
+
+// As a click on the next tab does, with the focus first.
+void TabControl::Step(int by) {
+  if (bar->count() == 0) return;
+  bar->setFocus(Qt::ShortcutFocusReason);
+  bar->setCurrentIndex((bar->currentIndex() + by + bar->count()) % bar->count());
 }
 
 std::int32_t TabControl::Insert(const std::string& text) {

@@ -29,6 +29,7 @@ constexpr std::uint8_t kUp = 0x26;
 constexpr std::uint8_t kRight = 0x27;
 constexpr std::uint8_t kDown = 0x28;
 constexpr std::uint8_t kDelete = 0x2E;
+constexpr std::uint8_t kF1 = 0x70;
 
 constexpr std::intptr_t kLeftButtonUp = 0x202;
 
@@ -406,10 +407,24 @@ struct Screen::State {
     if (edit.text != before) Notify(window, edit.id, Notice::Changed);
   }
 
+  void StepTab(VirtualWindow& window, std::int32_t by) {
+    for (VirtualControl& control : window.controls) {
+      const auto count = static_cast<std::int32_t>(control.tabs.size());
+      if (control.kind != ControlKind::TabControl || !control.Usable() || count == 0) continue;
+      if (!system.MoveFocus(window, control.id)) return;
+      ChooseRow(window, control, (control.current + by + count) % count);
+      return;
+    }
+  }
+
   void Key(VirtualWindow& window, std::uint8_t vk, bool held) {
     VirtualControl* control = window.Find(window.focus);
     if (control && !control->Usable()) control = nullptr;
-    if (vk == kTab && !held) {
+    if (vk == kF1) {
+      Notify(window, 0, Notice::KeyDown, vk);
+    } else if (held && (vk == kTab || vk == kPageDown || vk == kPageUp)) {
+      StepTab(window, vk == kPageUp ? -1 : 1);
+    } else if (vk == kTab) {
       if (window.controls.empty()) return;
       if (VirtualControl* next = NextFocus(window, PlaceOf(window, control))) {
         FocusIt(window, *next);

@@ -156,7 +156,8 @@ class Screen {
   // A key, to the control that has the focus, with what dialogs make of Enter, Esc, the space bar
   // and mnemonics left to itself: Enter presses the focused button or the default one (a hidden
   // one, too), Esc cancels. A mnemonic needs no Alt where its letter isn't typed. A key that the
-  // control has no use for reaches the window, as control 0.
+  // control has no use for reaches the window, as control 0; so does F1, from any. Ctrl with Tab,
+  // Page Up or Page Down goes from tab to tab.
   void Press(std::uint8_t vk, bool control = false);
   // Replaces what an edit holds, as if typed: an edit for digits takes those alone.
   void Type(std::uint32_t id, const std::string& text);

@@ -213,6 +213,18 @@ TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem
   });
 }
 
+TEST_F(DialogWindowTest, F1IsTheWindowsWhateverHasTheFocus) {
+  Run([&] {
+    for (const std::uint32_t id : {kNameEdit, kReadOnlyEdit, kArea, kButton, kDrawnButton, kCheck,
+                                   kRadioA, kDropList, kList, kTabs, kSlider, kLink}) {
+      EXPECT_TRUE(SetControlFocus(Window(), id));
+      recorder.lines.clear();
+      Key(Qt::Key_F1);
+      EXPECT_EQ(recorder.TakeLines(), (Lines{"0 key down 112"})) << id;
+    }
+  });
+}
+
 TEST_F(DialogWindowTest, AMnemonicPressesItsButton) {
   Run([&] {
     Key(Qt::Key_E, Qt::AltModifier);

@@ -2,7 +2,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScrollBar>
 #include <QTemporaryDir>
+#include <QTextBlock>
 #include <QTextBrowser>
 
 #include "qt_test.h"
@@ -62,6 +64,20 @@ TEST_F(HelpViewerTest, ShowsAPageOfTheFolderBesideItsFile) {
   EXPECT_EQ(Browser()->toPlainText(), QStringLiteral("The first page."));
   EXPECT_NE(help(kNoWindow, nullptr, HH_CLOSE_ALL, 0), 0u);
   EXPECT_EQ(Browser(), nullptr);
+}
+
+TEST_F(HelpViewerTest, ATopicMayBeAPlaceOfAPage) {
+  const std::string lines = "<p>line</p>";
+  std::string text;
+  for (int i = 0; i < 200; ++i) text += lines;
+  Write("Long.htm", "Long", (text + "<h2><a name=\"there\">There</a></h2>" + text).c_str());
+  Show("Long.htm");
+  ASSERT_NE(Browser(), nullptr);
+  EXPECT_EQ(Browser()->verticalScrollBar()->value(), 0);
+  Show("Long.htm#there");
+  EXPECT_GT(Browser()->verticalScrollBar()->value(), 0);
+  const QTextCursor top = Browser()->cursorForPosition(QPoint(5, 10));
+  EXPECT_EQ(top.block().text(), QStringLiteral("There"));
 }
 
 TEST_F(HelpViewerTest, ABackslashInTheFilesPathWillDo) {

@@ -48,6 +48,29 @@ TEST_F(TabControlTest, ArrowKeysChooseTabs) {
   });
 }
 
+TEST_F(TabControlTest, KeysOfTheWindowChooseTabsFromAnywhere) {
+  Run([&] {
+    AddTabs();
+    EXPECT_EQ(TabInsertItem(Window(), kTabs, "Three"), 2);
+    for (const std::uint32_t id : {kNameEdit, kArea, kDropList, kList, kSlider, kTabs}) {
+      const auto press = [&](Qt::Key key, Qt::KeyboardModifiers held) {
+        SetControlFocus(Window(), id);
+        QTest::keyClick(Dialog()->windowHandle(), key, held);
+        EXPECT_EQ(GetControlFocus(Window()), kTabs) << id;
+        return TabGetCurSel(Window(), kTabs);
+      };
+      EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 1) << id;
+      EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), 2) << id;
+      EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 0) << id;
+      EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 2) << id;
+      EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), 1) << id;
+      recorder.lines.clear();
+      EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 0) << id;
+      EXPECT_EQ(recorder.LinesOf(kTabs), (std::vector<std::string>{"117 selection changed"}));
+    }
+  });
+}
+
 TEST_F(TabControlTest, AClickTakesTheFocusFromAnEditFirst) {
   Run([&] {
     AddTabs();

@@ -15,8 +15,9 @@
 #include <QTabBar>
 #include <QTest>
 #include <algorithm>
-#include <cmath>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -292,6 +293,63 @@ TEST_F(Looks, TextsStandOutInLightAndInDark) {
       OnEachPage(dialog, window, [&] { ExpectReadable(dialog, window); });
     });
   }
+}
+
+TEST_F(Looks, TheLampOfTheTestStandsOutInLightAndInDark) {
+  for (const QPalette& palette : Palettes()) {
+    QApplication::setPalette(palette);
+    Stage stage;
+    EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
+      dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(1);
+      Stage::Settle();
+      QWidget* const button = window.Find(1036)->Widget();
+      const QImage image = button->grab().toImage();
+      const QColor face = image.pixelColor(4, 8);
+      double best = 0;
+      for (int x = 5; x < 13; ++x)
+        best = std::max(best, Contrast(image.pixelColor(x, button->height() / 2), face));
+      // What the guidelines ask of what is no text.
+      EXPECT_GE(best, 3) << face.name().toStdString();
+    }));
+  }
+}
+
+// The page is there, and the place in it.
+void ExpectTopic(const std::string& topic) {
+  const std::size_t mark = topic.find('#');
+  std::ifstream page(std::string(KELVARO_HELP "/") + topic.substr(0, mark));
+  const std::string text{std::istreambuf_iterator<char>(page), {}};
+  EXPECT_FALSE(text.empty()) << topic;
+  if (mark == std::string::npos) return;
+  EXPECT_NE(text.find("<a name=\"" + topic.substr(mark + 1) + "\">"), std::string::npos) << topic;
+}
+
+std::set<std::string> TopicsOf(const DialogTemplate& dialog, DialogWindow& window) {
+  std::set<std::string> topics;
+  for (const Control* control : Seen(dialog, window)) {
+    if (!control->TakesFocus() || !control->IsEnabled()) continue;
+    control->FocusWidget()->setFocus();
+    QuietShell::topic.clear();
+    QTest::keyClick(&window, Qt::Key_F1);
+    topics.insert(QuietShell::topic);
+  }
+  return topics;
+}
+
+TEST_F(Looks, F1OpensAPlaceThatTheHelpHasFromEveryControl) {
+  Stage stage;
+  std::set<std::string> topics;
+  EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
+    OnEachPage(resources::kMainWindow, window,
+               [&] { topics.merge(TopicsOf(resources::kMainWindow, window)); });
+    stage.WhenUp("Define Control", [&](QWidget& dialog) {
+      topics.merge(TopicsOf(resources::kDefineControl, dynamic_cast<DialogWindow&>(dialog)));
+    });
+    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(0);
+    QTest::mouseClick(window.Find(1004)->FocusWidget(), Qt::LeftButton);
+  }));
+  for (const std::string& topic : topics) ExpectTopic(topic);
+  EXPECT_EQ(topics.size(), 11u);
 }
 
 std::int32_t StoredSensitivity() {

@@ -26,15 +26,16 @@ using platform::qt::DialogWindow;
 constexpr char kProfile[] = "Platformer";
 constexpr char kSettings[] = "HKCU\\Software\\Marnstone\\Kelvaro";
 
-// No arguments, no sound, and nothing is opened.
+// No arguments, no sound, and nothing is opened; topics of the help are written down.
 class QuietShell final : public platform::Shell {
  public:
   std::intptr_t ShellExecuteA(const std::string&) override { return 0; }
   bool MessageBeep(std::uint32_t) override { return true; }
-  platform::LibraryHandle LoadLibraryA(const std::string&) override { return 0; }
+  platform::LibraryHandle LoadLibraryA(const std::string&) override { return 1; }
   platform::HtmlHelpFunction GetHelpFunction(platform::LibraryHandle, std::uint32_t) override {
-    return nullptr;
+    return &HtmlHelp;
   }
+  static inline std::string topic;  // the last one
   std::string GetCommandLineA() override { return "kelvaro"; }
   bool ChooseFile(platform::WindowHandle, const std::string&, bool, const std::string&,
                   std::string*) override {
@@ -43,6 +44,13 @@ class QuietShell final : public platform::Shell {
   bool ChooseFolder(platform::WindowHandle, const std::string&, const std::string&,
                     std::string*) override {
     return false;
+  }
+
+ private:
+  static std::uintptr_t HtmlHelp(platform::WindowHandle, const char*, std::uint32_t command,
+                                 std::uintptr_t data) {
+    if (command == platform::HH_DISPLAY_TOPIC) topic = reinterpret_cast<const char*>(data);
+    return 1;
   }
 };
 
