@@ -3,7 +3,9 @@
 
 add_library(kelvaro_options INTERFACE)
 target_include_directories(kelvaro_options INTERFACE ${CMAKE_SOURCE_DIR})
-target_compile_options(kelvaro_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
+# The presets make errors of them (CMAKE_COMPILE_WARNING_AS_ERROR); a compiler that warns of more
+# than ours do stops nobody else's build.
+target_compile_options(kelvaro_options INTERFACE -Wall -Wextra -Wpedantic)
 # g++ 12 at -O2 and above sees overlapping copies in the library's own "text" + std::string.
 target_compile_options(kelvaro_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KELVARO_SANITIZE)
@@ -11,15 +13,62 @@ if(KELVARO_SANITIZE)
     -fsanitize=${KELVARO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(kelvaro_options INTERFACE -fsanitize=${KELVARO_SANITIZE})
 endif()
+# What fuzzing looks at: the product's code, and none of the tests'.
+add_library(kelvaro_watched INTERFACE)
 if(KELVARO_FUZZ)
-  target_compile_options(kelvaro_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(kelvaro_watched INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# kelvaro_library(NAME [links...]): target kelvaro_NAME of this folder's *.cc.
+# Headers that many sources begin with are compiled once for all, where KELVARO_SHARED_HEADERS asks
+# for it: in the presets that ./test builds. A build without it tells of an include that is missing.
+if(KELVARO_SHARED_HEADERS)
+  # Qt asks this of whoever uses it, and headers are shared by those that are compiled alike.
+  target_compile_options(kelvaro_options INTERFACE -fPIC)
+  file(WRITE ${CMAKE_BINARY_DIR}/headers.cc "")
+endif()
+
+# kelvaro_headers(NAME HEADERS... [LINKS links...]): what kelvaro_share_headers takes by that name.
+function(kelvaro_headers name)
+  cmake_parse_arguments(arg "" "" "LINKS" ${ARGN})
+  if(KELVARO_SHARED_HEADERS)
+    add_library(${name} OBJECT ${CMAKE_BINARY_DIR}/headers.cc)
+    target_link_libraries(${name} PRIVATE kelvaro_options ${arg_LINKS})
+    target_precompile_headers(${name} PRIVATE ${arg_UNPARSED_ARGUMENTS})
+  endif()
+endfunction()
+
+# kelvaro_share_headers(TARGET NAME)
+function(kelvaro_share_headers target name)
+  if(KELVARO_SHARED_HEADERS)
+    target_precompile_headers(${target} REUSE_FROM ${name})
+  endif()
+endfunction()
+
+kelvaro_headers(kelvaro_headers_standard <algorithm> <cstdint> <cstring> <functional> <map> <memory>
+  <optional> <string> <vector> LINKS kelvaro_watched)
+
+# kelvaro_library(NAME [HEADERS name] [links...]): target kelvaro_NAME of this folder's *.cc. A main.cc
+# stays out: all of a program but main is a library, so that tests link it too.
 function(kelvaro_library name)
+  cmake_parse_arguments(arg "" "HEADERS" "" ${ARGN})
+  if(NOT arg_HEADERS)
+    set(arg_HEADERS kelvaro_headers_standard)
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS *.cc)
+  list(REMOVE_ITEM sources ${CMAKE_CURRENT_SOURCE_DIR}/main.cc)
   add_library(kelvaro_${name} STATIC ${sources})
-  target_link_libraries(kelvaro_${name} PUBLIC kelvaro_options ${ARGN})
+  target_link_libraries(kelvaro_${name} PUBLIC kelvaro_options ${arg_UNPARSED_ARGUMENTS}
+                        PRIVATE kelvaro_watched)
+  kelvaro_share_headers(kelvaro_${name} ${arg_HEADERS})
+endfunction()
+
+# kelvaro_program(NAME LIBRARY): the program NAME of this folder's main.cc, beside the others and
+# installed.
+function(kelvaro_program name library)
+  add_executable(${name} main.cc)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KELVARO_BIN})
+  target_link_libraries(${name} PRIVATE ${library})
+  install(TARGETS ${name} DESTINATION .)
 endfunction()
 
 # kelvaro_test(NAME [THREADS] links...): GoogleTest program test_NAME of this folder's *_test.cc.
@@ -34,7 +83,7 @@ function(kelvaro_test name)
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE
     kelvaro_options ${arg_UNPARSED_ARGUMENTS} GTest::gtest GTest::gtest_main)
-  target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h>)
+  kelvaro_share_headers(test_${name} kelvaro_headers_tests)
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
   if(arg_THREADS)
