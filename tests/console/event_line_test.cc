@@ -1,5 +1,7 @@
 #include "console/event_line.h"
 
+#include <gtest/gtest.h>
+
 #include <sstream>
 
 #include "console/event_printer.h"

@@ -1,5 +1,7 @@
 #include "console/json_reader.h"
 
+#include <gtest/gtest.h>
+
 #include "console/json_text.h"
 
 namespace kelvaro::console {

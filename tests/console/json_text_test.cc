@@ -1,5 +1,7 @@
 #include "console/json_text.h"
 
+#include <gtest/gtest.h>
+
 namespace kelvaro::console {
 namespace {
 

@@ -1,5 +1,7 @@
 #include "console/key_text.h"
 
+#include <gtest/gtest.h>
+
 #include "console/json_text.h"
 
 namespace kelvaro::console {

@@ -1,5 +1,7 @@
 #include "console/profile_json.h"
 
+#include <gtest/gtest.h>
+
 #include "console/json_text.h"
 #include "keys/key_action.h"
 

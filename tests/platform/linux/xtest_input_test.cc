@@ -1,10 +1,12 @@
 #include "app/platform/linux/xtest_input.h"
 
+// Before X11, whose macros hide its names.
+#include <gtest/gtest.h>
+
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <string.h>
 #include <sys/wait.h>
