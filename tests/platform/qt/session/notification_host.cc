@@ -132,10 +132,13 @@ std::vector<NotificationHost::Row> NotificationHost::Rows() {
     const auto entry = child.variant().value<QDBusArgument>();
     entry.beginStructure();
     entry >> id >> properties;
+    entry.endStructure();
     const bool line = properties.value(QStringLiteral("type")) == QLatin1String("separator");
     rows.push_back(
         {id, line ? "-" : properties.value(QStringLiteral("label")).toString().toStdString()});
   }
+  root.endArray();
+  root.endStructure();
   return rows;
 }
 
