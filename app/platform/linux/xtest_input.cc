@@ -3,6 +3,7 @@
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
 #include <linux/input-event-codes.h>
+#include <string.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -48,10 +49,18 @@ std::unique_ptr<XTestInput> XTestInput::Open(const std::string& name, std::strin
     XCloseDisplay(display);
     return fail("the X server has no XTEST extension");
   }
-  return std::unique_ptr<XTestInput>(new XTestInput(display));
+  int errorCode = 0;
+  std::unique_ptr<XTestGuard> guard = XTestGuard::Start(DisplayString(display), &errorCode);
+  if (!guard) {
+    XCloseDisplay(display);
+    return fail(std::string("the process that is to let go of keys can't be started: ") +
+                strerror(errorCode));
+  }
+  return std::unique_ptr<XTestInput>(new XTestInput(display, std::move(guard)));
 }
 
-XTestInput::XTestInput(Display* opened) : display(opened) {
+XTestInput::XTestInput(Display* opened, std::unique_ptr<XTestGuard> guard)
+    : display(opened), guard(std::move(guard)) {
   XDisplayKeycodes(display, &lowestKeycode, &highestKeycode);
   // The library's own answer to a server that went away is to end the process, and it does so in
   // the first of these two; the second, which belongs to one connection, decides once the first
@@ -62,9 +71,7 @@ XTestInput::XTestInput(Display* opened) : display(opened) {
 }
 
 XTestInput::~XTestInput() {
-  if (broken) return;  // a broken connection can't even be closed
-  Release();
-  XCloseDisplay(display);
+  if (!broken) XCloseDisplay(display);  // a broken connection can't even be closed
 }
 
 void XTestInput::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
@@ -126,13 +133,23 @@ bool XTestInput::Alive() {
 void XTestInput::Key(unsigned keycode, bool down) {
   if (static_cast<int>(keycode) < lowestKeycode || static_cast<int>(keycode) > highestKeycode)
     return;
-  keysDown[keycode] = down;
+  std::atomic<bool>& held = guard->Down().keys[keycode];
+  if (down) held = true;
   XTestFakeKeyEvent(display, keycode, down ? True : False, CurrentTime);
+  if (!down) Released(&held);
 }
 
 void XTestInput::Button(unsigned button, bool down) {
-  buttonsDown[button] = down;
+  std::atomic<bool>& held = guard->Down().buttons[button];
+  if (down) held = true;
   XTestFakeButtonEvent(display, button, down ? True : False, CurrentTime);
+  if (!down) Released(&held);
+}
+
+// What isn't with the server yet is still to be let go of by the guard.
+void XTestInput::Released(std::atomic<bool>* held) {
+  XFlush(display);
+  if (!broken) *held = false;
 }
 
 void XTestInput::Flush() {
@@ -140,14 +157,6 @@ void XTestInput::Flush() {
   if (broken || ++sent % kEventsBetweenReads != 0) return;
   XEvent event;
   while (!broken && XPending(display) > 0) XNextEvent(display, &event);
-}
-
-void XTestInput::Release() {
-  for (unsigned keycode = 0; keycode < keysDown.size(); ++keycode)
-    if (keysDown[keycode]) Key(keycode, false);
-  for (unsigned button = 0; button < buttonsDown.size(); ++button)
-    if (buttonsDown[button]) Button(button, false);
-  Flush();
 }
 
 }  // namespace platform

@@ -3,7 +3,7 @@
 // release by a virtual key that doesn't hold its key down. Any thread.
 #pragma once
 
-#include <bitset>
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -11,6 +11,7 @@
 #include "app/platform/linux/key_holders.h"
 #include "app/platform/linux/linux_input.h"
 #include "app/platform/linux/wheel_notches.h"
+#include "app/platform/linux/xtest_guard.h"
 
 struct _XDisplay;  // NOLINT(bugprone-reserved-identifier): Xlib's own
 
@@ -18,10 +19,12 @@ namespace platform {
 
 class XTestInput : public LinuxInput {
  public:
-  // An empty `display` is the one of the environment. Null on failure, with the reason.
+  // An empty `display` is the one of the environment. To be called before other threads use Xlib.
+  // Null on failure, with the reason.
   static std::unique_ptr<XTestInput> Open(const std::string& display, std::string* error);
 
-  // Lets go of what is held: unlike the kernel, the server would keep it down for good.
+  // Lets go of what is held, as the guard does where this process ends without coming here: unlike
+  // the kernel, the server would keep it down for good.
   ~XTestInput() override;
   XTestInput(const XTestInput&) = delete;
   XTestInput& operator=(const XTestInput&) = delete;
@@ -35,17 +38,18 @@ class XTestInput : public LinuxInput {
   const char* Name() const override { return "XTest"; }
 
  private:
-  explicit XTestInput(_XDisplay* display);
+  XTestInput(_XDisplay* display, std::unique_ptr<XTestGuard> guard);
 
   // All with the mutex held.
   bool Alive();
   void Key(unsigned keycode, bool down);
   void Button(unsigned button, bool down);
+  void Released(std::atomic<bool>* held);
   void Flush();
-  void Release();
 
   mutable std::mutex mutex;  // guards all that follows
   _XDisplay* const display;
+  const std::unique_ptr<XTestGuard> guard;
   int lowestKeycode = 0;
   int highestKeycode = 0;
   bool broken = false;  // the connection is gone
@@ -53,8 +57,6 @@ class XTestInput : public LinuxInput {
   std::uint32_t failed = 0;
   KeyHolders holders;
   WheelNotches wheel;
-  std::bitset<256> keysDown;
-  std::bitset<256> buttonsDown;
   std::function<void(const std::string&)> failureListener;
 };
 

@@ -13,6 +13,9 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -60,6 +63,7 @@ class Server {
   }
   ~Server() { Stop(); }
   const std::string& Name() const { return name; }
+  pid_t Id() const { return process; }
 
  private:
   pid_t process = -1;
@@ -128,6 +132,34 @@ class XTestInputTest : public ::testing::Test {
     char keys[32];
     XQueryKeymap(viewer, keys);
     return (keys[keycode / 8] >> (keycode % 8)) & 1;
+  }
+
+  // The child of this process that isn't the server; 0 when there is none.
+  pid_t Guard() {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      std::ifstream status(entry.path() / "status");
+      pid_t parent = 0;
+      for (std::string word; status >> word;)
+        if (word == "PPid:") status >> parent;
+      const pid_t process = std::atoi(entry.path().filename().c_str());
+      if (parent == getpid() && process != server.Id()) return process;
+    }
+    return 0;
+  }
+  static std::string Command(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    std::getline(file, name);
+    return name;
+  }
+  static std::vector<std::string> Descriptors(pid_t process) {
+    std::map<int, std::string> open;
+    for (const auto& entry :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd"))
+      open[std::stoi(entry.path().filename())] = std::filesystem::read_symlink(entry.path());
+    std::vector<std::string> files;
+    for (const auto& [fd, file] : open) files.push_back(file);
+    return files;
   }
 
   Server server;
@@ -235,6 +267,58 @@ TEST_F(XTestInputTest, TheEndOfTheObjectLetsGoOfWhatIsDown) {
   input.reset();
   EXPECT_EQ(Next(), "key 38 up");
   EXPECT_EQ(Next(), "button 1 up");
+}
+
+// SIGKILL, and Ctrl-C, which reaches every process that the terminal sees in front.
+TEST_F(XTestInputTest, AProgramThatIsKilledLeavesNothingDown) {
+  for (const int signal : {SIGKILL, SIGINT}) {
+    const pid_t program = fork();
+    if (program == 0) {
+      setpgid(0, 0);
+      ::signal(SIGINT, SIG_DFL);  // ignored where the tests run in the background
+      const std::unique_ptr<XTestInput> own = XTestInput::Open(server.Name(), nullptr);
+      if (!own) _exit(1);
+      own->keybd_event(0xA0, 0x2A, 0, 0);
+      own->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+      for (;;) pause();
+    }
+    EXPECT_EQ(Next(), "key 50 down");
+    EXPECT_EQ(Next(), "button 1 down");
+    kill(-program, signal);
+    waitpid(program, nullptr, 0);
+    EXPECT_EQ(Next(), "key 50 up");
+    EXPECT_EQ(Next(), "button 1 up");
+  }
+}
+
+TEST_F(XTestInputTest, TheGuardHasASessionOfItsOwnAndOneDescriptor) {
+  const pid_t guard = Guard();
+  ASSERT_GT(guard, 0);
+  EXPECT_EQ(Command(guard), "key-guard");
+  EXPECT_EQ(getsid(guard), guard);
+  const std::vector<std::string> open = Descriptors(guard);
+  ASSERT_EQ(open.size(), 3u);
+  EXPECT_EQ(open[0].rfind("socket:", 0), 0u) << open[0];
+  EXPECT_EQ(open[1], "/dev/null");
+  EXPECT_EQ(open[2], "/dev/null");
+}
+
+TEST_F(XTestInputTest, TheGuardOutlivesWhatEndsThePrograms) {
+  const pid_t guard = Guard();
+  ASSERT_GT(guard, 0);
+  for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) kill(guard, signal);
+  input->keybd_event('A', 0x1E, 0, 0);
+  EXPECT_EQ(Next(), "key 38 down");
+  input.reset();
+  EXPECT_EQ(Next(), "key 38 up");
+}
+
+TEST_F(XTestInputTest, TheGuardEndsWithTheObject) {
+  const pid_t guard = Guard();
+  ASSERT_GT(guard, 0);
+  input.reset();
+  EXPECT_EQ(Guard(), 0);
+  EXPECT_EQ(kill(guard, 0), -1);
 }
 
 TEST_F(XTestInputTest, AServerThatGoesAwayIsCountedAndReportedOnce) {
