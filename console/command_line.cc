@@ -88,8 +88,9 @@ void AddPlay(CLI::App& app, Choice& choice) {
   CLI::App* play = app.add_subcommand("play", "Send a key text's keys, as a Control would");
   play->footer(
       "Without --simulate the keys go to whatever has the focus, after a countdown of three\n"
-      "seconds that Ctrl-C breaks off. With it nothing is sent: time is virtual and each event is\n"
-      "printed with its millisecond.");
+      "seconds. Ctrl-C breaks it off, then or while it sends, and lets go of what is down. With\n"
+      "--simulate nothing is sent: time is virtual and each event is printed with its "
+      "millisecond.");
   play->add_option("TEXT", choice.play.text, "the key text, as `kelvaroctl keys` takes it")
       ->required();
   play->add_flag("--simulate", choice.play.simulate, "send nothing, print the events");

@@ -7,14 +7,18 @@
 #include "console/key_text.h"
 #include "console/real_machine.h"
 #include "console/stop_signals.h"
+#include "console/stoppable_replay.h"
 
 namespace kelvaro::console {
 namespace {
 
 constexpr int kCountdown = 3;  // seconds
 
-void Press(const PlayOptions& options, KeyAction* action) {
+void Play(const PlayOptions& options, KeyAction* action) {
   action->Replay(options.repeat ? 1 : 0, options.holdTime, options.releasePause);
+  if (options.repeat) return;
+  platform::Sleep(options.releaseAfter);
+  action->Release();
 }
 
 int PlaySimulated(const PlayOptions& options, KeyAction* action, Streams streams) {
@@ -22,16 +26,12 @@ int PlaySimulated(const PlayOptions& options, KeyAction* action, Streams streams
   simulation.KeepEvents(false);
   EventPrinter printer(streams.out, options.json);
   simulation.OnEvent([&printer](const SentEvent& event) { printer.Print(event); });
-  Press(options, action);
-  if (!options.repeat) {
-    platform::Sleep(options.releaseAfter);
-    action->Release();
-  }
+  Play(options, action);
   return kDone;
 }
 
-int PlayForReal(const PlayOptions& options, KeyAction* action, Streams streams) {
-  StopSignals signals;
+int PlayForReal(const PlayOptions& options, KeyAction* action, StopSignals* signals,
+                Streams streams) {
   EventPrinter printer(streams.out, true, &StopSignals::Ask);
   RealMachine machine;
   std::string error;
@@ -41,13 +41,21 @@ int PlayForReal(const PlayOptions& options, KeyAction* action, Streams streams) 
   for (int left = kCountdown; left > 0; --left) {
     streams.err << "Sending " << options.text << " in " << left
                 << " s to whatever has the focus; Ctrl-C breaks off." << std::endl;
-    if (signals.Wait(1000)) return Complain(streams.err, "broken off, nothing was sent");
+    if (signals->Wait(1000)) return Complain(streams.err, "broken off, nothing was sent");
   }
   machine.StartOfTime();
-  Press(options, action);
-  if (!options.repeat) {
-    signals.Wait(options.releaseAfter);
-    action->Release();
+
+  platform::Platform groups = machine.Groups();
+  StoppableReplay stoppable(*groups.clock, *groups.input, *signals);
+  groups.clock = &stoppable;
+  groups.input = &stoppable;
+  {
+    const platform::InstalledPlatform installed(groups);
+    Play(options, action);
+  }
+  if (signals->Wait(0)) {
+    stoppable.LetGo();
+    Complain(streams.err, "broken off, what was down is let go");
   }
   return machine.EndOfOutput(streams);
 }
@@ -59,8 +67,12 @@ int PlayCommand(const PlayOptions& options, Streams streams) {
   if (options.holdAll) action.actionFlags = KeyAction::HoldAllKeys;
   const KeyTextResult parsed = ParseKeyText(FromBytes(options.text), &action);
   if (parsed.faulty) return Complain(streams.err, parsed.what, parsed.detail);
-  return options.simulate ? PlaySimulated(options, &action, streams)
-                          : PlayForReal(options, &action, streams);
+  if (options.simulate) return PlaySimulated(options, &action, streams);
+  StopSignals signals;
+  const int status = PlayForReal(options, &action, &signals, streams);
+  // Where the output broke off, that is what there is to say.
+  if (streams.out) signals.EndAsAsked();
+  return status;
 }
 
 }  // namespace kelvaro::console

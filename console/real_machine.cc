@@ -104,6 +104,8 @@ bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {
   return true;
 }
 
+const platform::Platform& RealMachine::Groups() const { return parts->groups; }
+
 void RealMachine::StartOfTime() {
   if (parts->printed) parts->printed->StartOfTime();
 }

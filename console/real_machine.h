@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/platform/linux/device_nodes.h"
+#include "app/platform/platform.h"
 #include "app/platform/simulation/recording.h"
 #include "console/commands.h"
 #include "console/event_printer.h"
@@ -31,6 +32,9 @@ class RealMachine {
   // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with
   // *error saying what is missing and what to do, when there is no way out.
   bool OpenOutput(EventPrinter* printer, std::string* error);
+
+  // What is installed, to put something between.
+  const platform::Platform& Groups() const;
 
   // Times of printed events count from this moment.
   void StartOfTime();

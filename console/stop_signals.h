@@ -18,13 +18,19 @@ class StopSignals {
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
 
-  // Waits `ms`, or for as long as it takes. Whether a signal ended the wait.
+  // Waits `ms`, or for as long as it takes. Whether a signal ended the wait, or had come before; 0
+  // only looks.
   bool Wait(std::optional<std::uint64_t> ms);
+
+  // Ends the program as the signal that came would have done, so that a shell sees it. Returns
+  // where none came.
+  void EndAsAsked() const;
 
   // Does what Ctrl-C does, from any thread, while an object of this lives.
   static void Ask();
 
  private:
+  int came = 0;
   sigset_t stopping;
   sigset_t before;
   struct sigaction pipeBefore;

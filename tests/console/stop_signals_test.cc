@@ -34,6 +34,36 @@ TEST(StopSignals, WithoutOneTheTimePasses) {
   EXPECT_FALSE(signals.Wait(1));
 }
 
+TEST(StopSignals, AWaitOfNoTimeLooks) {
+  StopSignals signals;
+  StopSignals::Ask();
+  EXPECT_TRUE(signals.Wait(0));
+}
+
+TEST(StopSignals, OneThatCameIsToldAgain) {
+  StopSignals signals;
+  StopSignals::Ask();
+  EXPECT_TRUE(signals.Wait(std::nullopt));
+  EXPECT_TRUE(signals.Wait(0));
+  EXPECT_TRUE(signals.Wait(std::nullopt));
+}
+
+TEST(StopSignals, TheProgramEndsByTheSignalThatCame) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    EXPECT_EXIT(
+        {
+          StopSignals signals;
+          raise(signal);
+          signals.Wait(std::nullopt);
+          signals.EndAsAsked();
+          _exit(0);
+        },
+        testing::KilledBySignal(signal), "");
+  }
+  StopSignals signals;
+  signals.EndAsAsked();  // comes back
+}
+
 TEST(StopSignals, AWaitOfAllTimeIsNoneAtAll) {
   StopSignals signals;
   StopSignals::Ask();

@@ -382,6 +382,25 @@ TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {
   EXPECT_EQ(JsonLines(play.Out()).size(), 6U) << play.Out();
 }
 
+TEST(Commands, ASignalBreaksPlayOffAndLetsGo) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    Child play({KelvaroctlPath(), "play", "--hold-all", "<LShift>a<P:60000>b"});
+    std::string keys;
+    ASSERT_TRUE(Eventually(
+        [&] {
+          keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
+          return !keys.empty();
+        },
+        5000))
+        << play.Err();
+    Reader reader(keys);
+    ASSERT_TRUE(reader.WaitFor(2, 8000)) << play.Err();
+    play.Signal(signal);
+    EXPECT_EQ(play.Wait(5000), 128 + signal) << play.Err();
+    EXPECT_TRUE(Sent(reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_LEFTSHIFT up", "KEY_A up"}));
+  }
+}
+
 TEST(Commands, RecordingPlayedForRealComesOutOfTheVirtualKeyboard) {
   const std::string recording = WriteFile(
       "{\"recording\":1,\"device\":\"Any\",\"guid\":\"000102030405060708090a0b0c0d0e0f\","
