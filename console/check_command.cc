@@ -22,6 +22,8 @@ const char* KindName(Finding::Kind kind) {
       return "notWhole";
     case Finding::Kind::NeverFires:
       return "neverFires";
+    case Finding::Kind::UnsureKey:
+      return "unsureKey";
   }
   return "";
 }
@@ -38,6 +40,8 @@ std::string Sentence(const Finding& finding) {
       return finding.where + ": not whole: " + finding.what;
     case Finding::Kind::NeverFires:
       return finding.where + " can never fire: " + finding.what;
+    case Finding::Kind::UnsureKey:
+      return finding.where + ": " + finding.what;
   }
   return "";
 }

@@ -146,10 +146,11 @@ void AddCheck(CLI::App& app, Choice& choice) {
   CLI::App* check =
       app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
   check->footer(
-      "Says of each file whether it loads, what it lacks or holds that a load passes over, and\n"
-      "which Controls can never fire. Exit status 1 when one of the files doesn't load.\n"
+      "Says of each file whether it loads, what it lacks or holds that a load passes over,\n"
+      "which Controls can never fire, and which keys may come out otherwise than written. Exit\n"
+      "status 1 when one of the files doesn't load.\n"
       "With --json: file, loads, error, profileName, controls (how many were read), and findings,\n"
-      "each with its kind (damage, lacks, passedOver, neverFires), where and what.");
+      "each with its kind (damage, lacks, passedOver, neverFires, unsureKey), where and what.");
   check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
   check->add_flag("--json", choice.check.json, kJsonHelp);
   Choose(check, choice, choice.check, &CheckCommand);

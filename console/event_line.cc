@@ -20,17 +20,6 @@ const ModifierName kModifiers[] = {
     {0xA3, "<RCtrl>"}, {0x12, "<Alt>"},    {0xA4, "<LAlt>"},   {0xA5, "<RAlt>"},
 };
 
-std::string KeyName(const SentEvent& event) {
-  for (const ModifierName& modifier : kModifiers) {
-    if (modifier.vk == event.vk) return modifier.name;
-  }
-  KeyAction action;
-  action.steps.AddTail(KeyStep{event.vk, event.scan, 0});
-  const std::string name = Bytes(action.FormatKeys());
-  return name.empty() ? "key " + std::to_string(event.vk) + " scan " + std::to_string(event.scan)
-                      : name;
-}
-
 std::string Signed(std::int32_t value) { return (value > 0 ? "+" : "") + std::to_string(value); }
 
 std::string MouseWords(const SentEvent& event) {
@@ -62,6 +51,16 @@ std::string MouseWords(const SentEvent& event) {
 
 }  // namespace
 
+std::string KeyName(std::uint8_t vk, std::uint8_t scan) {
+  for (const ModifierName& modifier : kModifiers) {
+    if (modifier.vk == vk) return modifier.name;
+  }
+  KeyAction action;
+  action.steps.AddTail(KeyStep{vk, scan, 0});
+  const std::string name = Bytes(action.FormatKeys());
+  return name.empty() ? "key " + std::to_string(vk) + " scan " + std::to_string(scan) : name;
+}
+
 std::string JsonEventLine(const SentEvent& event) {
   char line[160];
   if (event.kind == SentEvent::Kind::Key) {
@@ -82,7 +81,8 @@ std::string TextEventLine(const SentEvent& event) {
   char time[32];
   std::snprintf(time, sizeof time, "%8llu ms  ", static_cast<unsigned long long>(event.t));
   if (event.kind == SentEvent::Kind::Mouse) return time + MouseWords(event);
-  return time + KeyName(event) + (event.flags & platform::KEYEVENTF_KEYUP ? " up" : " down");
+  return time + KeyName(event.vk, event.scan) +
+         (event.flags & platform::KEYEVENTF_KEYUP ? " up" : " down");
 }
 
 }  // namespace kelvaro::console

@@ -1,6 +1,7 @@
 // Sent events as lines: JSON for programs, words for people.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "app/platform/simulation/simulation.h"
@@ -8,6 +9,9 @@
 namespace kelvaro::console {
 
 using platform::simulation::SentEvent;
+
+// The key as the key language writes it, such as "<Ctrl>", or "key 3 scan 32" where it has none.
+std::string KeyName(std::uint8_t vk, std::uint8_t scan);
 
 // {"t":120,"event":"key","vk":65,"scan":30,"flags":0}
 std::string JsonEventLine(const SentEvent& event);

@@ -2,12 +2,16 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
 
+#include "app/platform/linux/key_map.h"
 #include "app/platform/simulation/virtual_disk.h"
+#include "console/event_line.h"
 #include "console/file_machine.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
+#include "keys/key_action.h"
 
 namespace kelvaro::console {
 namespace {
@@ -35,6 +39,17 @@ Inputs InputsOf(const Trigger& trigger) {
   return {trigger.activateOnPress != 0, trigger.buttonMask, items};
 }
 
+// Why the key may come out otherwise than written; "" where it doesn't.
+std::string Doubt(const KeyStep& step) {
+  if ((step.flags & KeyFlagPause) || step.vk == 0) return "";
+  const std::uint16_t code = platform::KernelKeyCode(step.vk, step.scan);
+  const std::string name = KeyName(step.vk, step.scan);
+  if (code == 0) return "Linux has no key for " + name + ", so nothing is sent";
+  if (platform::DependsOnNumLock(code)) return "Num Lock decides what " + name + " types";
+  if (!platform::IsInX(code)) return name + " needs /dev/uinput; by XTest nothing is sent";
+  return "";
+}
+
 // ": list 3 (profile name): field 0 is missing"
 std::string FirstDamage(const std::vector<Finding>& findings) {
   for (const Finding& finding : findings) {
@@ -60,6 +75,21 @@ void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* fin
   }
 }
 
+void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings) {
+  for (auto* node = profile.controls.head; node; node = node->next) {
+    std::set<std::string> told;
+    for (auto* each = node->value->actions.head; each; each = each->next) {
+      const auto* const action = dynamic_cast<const KeyAction*>(*each->value);
+      if (!action) continue;
+      for (auto* step = action->steps.head; step; step = step->next) {
+        const std::string doubt = Doubt(*step->value);
+        if (doubt.empty() || !told.insert(doubt).second) continue;
+        findings->push_back({Finding::Kind::UnsureKey, ControlName(*node->value), doubt});
+      }
+    }
+  }
+}
+
 ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
   ProfileReport report;
   ProfileFile profile;
@@ -81,7 +111,10 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
     report.profileName = profile.profileName;
     report.controls = profile.controls.count;
   }
-  if (report.loads) FindControlsThatNeverFire(profile, &report.findings);
+  if (report.loads) {
+    FindControlsThatNeverFire(profile, &report.findings);
+    FindUnsureKeys(profile, &report.findings);
+  }
   return report;
 }
 

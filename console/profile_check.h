@@ -1,5 +1,6 @@
 // What is wrong with a profile, or odd about it: whether it loads, what it lacks, what it holds
-// that a reader passes over, and which Controls can never fire.
+// that a reader passes over, which Controls can never fire, and which keys may come out otherwise
+// than written.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +19,7 @@ struct Finding {
     PassedOver,  // there, and not read
     NotWhole,    // not all that the file claims to hold can be read, and it loads all the same
     NeverFires,  // a Control that nothing can make fire
+    UnsureKey,   // one that the system may turn into something else, or into nothing
   };
   Kind kind;
   std::string where;  // "list 12 (mouse settings)", "controls[2]"
@@ -40,5 +42,9 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name);
 // inputs, to the same sides, that comes before it and fires at the same moments. `profile` has a
 // DispatchList.
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings);
+
+// Appends the keys of each Control that this system can't send, that only a virtual keyboard can,
+// or that depend on Num Lock, each once.
+void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings);
 
 }  // namespace kelvaro::console

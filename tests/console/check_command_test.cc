@@ -88,6 +88,19 @@ TEST(CheckCommand, SaysThatASaveKeepsTheBytesOfAFileThatIsNotWhole) {
       << json.out;
 }
 
+TEST(CheckCommand, WarnsOfKeysThatDependOnTheDesktop) {
+  const TestFile json("json", R"({"controls":[{"buttonMask":1,"actions":[{"text":"<NP.>"}]}]})");
+  EXPECT_EQ(Kelvaroctl({"check", json.path}).out,
+            json.path + ": loads, '', 1 Control\n" + json.path +
+                ": Control 1: Num Lock decides what <NPDel> types\n");
+  const Outcome outcome = Kelvaroctl({"check", "--json", json.path});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_NE(outcome.out.find("{\"kind\":\"unsureKey\",\"where\":\"Control 1\",\"what\":\"Num Lock "
+                             "decides what <NPDel> types\"}"),
+            std::string::npos)
+      << outcome.out;
+}
+
 TEST(CheckCommand, LeavesTheFileAndItsTemporaryAsTheyAre) {
   const TestFile damaged("p.idprof", SmallProfile("P").substr(0, 60));
   const TestFile temporary("p.idprof.tmp", SmallProfile("P"));

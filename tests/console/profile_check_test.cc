@@ -13,8 +13,8 @@ namespace {
 
 // "lacks | root | list 2 ..." for each finding.
 std::vector<std::string> Told(const std::vector<Finding>& findings) {
-  static const char* const kKinds[] = {"damage", "lacks", "passed over", "not whole",
-                                       "never fires"};
+  static const char* const kKinds[] = {"damage",    "lacks",       "passed over",
+                                       "not whole", "never fires", "unsure"};
   std::vector<std::string> lines;
   for (const Finding& finding : findings) {
     lines.push_back(std::string(kKinds[static_cast<int>(finding.kind)]) + " | " + finding.where +
@@ -372,6 +372,21 @@ TEST(CheckProfile, TellsAThousandFindingsAtMost) {
   EXPECT_TRUE(report.loads);
   EXPECT_EQ(report.findings.size(), 1001U);
   EXPECT_EQ(report.findings.back().what, "more than can be told here");
+}
+
+TEST(FindUnsureKeys, TellsOfEachInAControlOnce) {
+  const ProfileReport report = CheckProfile(
+      R"({"controls":[{"buttonMask":1,"description":"Map","actions":[
+            {"text":"a<NP4><P:800><Ctrl><NP4>"},{"text":"<Attn><NP4><X1Mouse>"}]},
+          {"buttonMask":2,"actions":[{"text":"<Zoom><NP+>4<Left><LMouse>"}]},
+          {"buttonMask":4,"actions":[{"steps":[[3,244,0]]}]}]})",
+      "f");
+  EXPECT_EQ(Told(report.findings),
+            (std::vector<std::string>{
+                "unsure | Control 1 'Map' | Num Lock decides what <NP4> types",
+                "unsure | Control 1 'Map' | Linux has no key for <Attn>, so nothing is sent",
+                "unsure | Control 2 | <Zoom> needs /dev/uinput; by XTest nothing is sent",
+                "unsure | Control 3 | Linux has no key for key 3 scan 244, so nothing is sent"}));
 }
 
 TEST(FindControlsThatNeverFire, KnowsWhichInputsAreTheSame) {

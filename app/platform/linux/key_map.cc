@@ -164,6 +164,12 @@ std::uint16_t KernelKeyCode(std::uint8_t vk, std::uint8_t scan) {
   return scan != 0 ? kByScan[scan] : kByVirtualKey[vk];
 }
 
+bool DependsOnNumLock(std::uint16_t code) {
+  return code >= KEY_KP7 && code <= KEY_KPDOT && code != KEY_KPMINUS && code != KEY_KPPLUS;
+}
+
+bool IsInX(std::uint16_t code) { return code <= 247 || code == BTN_SIDE || code == BTN_EXTRA; }
+
 std::vector<std::uint16_t> KernelKeyboardCodes() {
   std::set<std::uint16_t> codes;
   for (const Table* table : {&kByScan, &kByVirtualKey})

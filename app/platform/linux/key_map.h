@@ -13,6 +13,12 @@ namespace platform {
 // pair is the stray release behind a long pause, not a key. No allocation.
 std::uint16_t KernelKeyCode(std::uint8_t vk, std::uint8_t scan);
 
+// Whether what the key types depends on Num Lock.
+bool DependsOnNumLock(std::uint16_t code);
+
+// Whether XTest can send it: the X protocol has room for the kernel's codes up to 247.
+bool IsInX(std::uint16_t code);
+
 // Every keyboard code that KernelKeyCode can give, in rising order: what a keyboard has to
 // announce.
 std::vector<std::uint16_t> KernelKeyboardCodes();

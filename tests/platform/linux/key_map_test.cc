@@ -197,6 +197,22 @@ TEST(KeyMap, WhatIsNoKeyIsNone) {
   EXPECT_EQ(KernelKeyCode(0x05, 0x14 | 0xE0), 0);
 }
 
+TEST(KeyMap, NumLockRulesTheDigitsAndTheDotOfTheNumberPad) {
+  const std::set<std::string> ruled = {"NP0", "NP1", "NP2", "NP3", "NP4",   "NP5",
+                                       "NP6", "NP7", "NP8", "NP9", "NPDel", "NP."};
+  for (const KeyToken* token = KeyTokenTable; token->name; ++token)
+    EXPECT_EQ(DependsOnNumLock(KernelKeyCode(token->vk, token->scan)),
+              ruled.count(token->name) == 1)
+        << token->name;
+}
+
+TEST(KeyMap, XCannotNameTheHighKeys) {
+  const std::set<std::string> high = {"ErEOF", "Zoom", "OEMClear"};
+  for (const KeyToken* token = KeyTokenTable; token->name; ++token)
+    EXPECT_EQ(IsInX(KernelKeyCode(token->vk, token->scan)), high.count(token->name) == 0)
+        << token->name;
+}
+
 TEST(KeyMap, PowerKeysAreLeftOut) {
   for (const std::uint8_t scan : {0xDE, 0xDF, 0xE3}) EXPECT_EQ(KernelKeyCode(0, scan), 0) << +scan;
   const std::vector<std::uint16_t> codes = KernelKeyboardCodes();
