@@ -19,6 +19,7 @@
 
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/detached_thread.h"
+#include "app/platform/linux/program_file.h"
 
 namespace platform {
 namespace {
@@ -63,11 +64,8 @@ std::string SocketPath(const std::string& folder, std::uint32_t process) {
 }
 
 std::string ProgramOf(const std::string& process) {
-  char path[4096];
-  const ssize_t size = readlink(("/proc/" + process + "/exe").c_str(), path, sizeof path);
-  if (size <= 0) return {};
-  const std::string_view whole(path, static_cast<std::size_t>(size));
-  return std::string(whole.substr(whole.rfind('/') + 1));
+  const std::string path = ProgramFileOf(process);
+  return path.substr(path.rfind('/') + 1);
 }
 
 // The other end belongs to this user and runs this program.

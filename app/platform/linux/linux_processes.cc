@@ -23,6 +23,7 @@
 #include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/find_program.h"
 #include "app/platform/linux/last_error.h"
+#include "app/platform/linux/program_file.h"
 
 namespace platform {
 namespace {
@@ -32,16 +33,6 @@ constexpr unsigned kProcessShift = 32;
 constexpr WindowHandle kNumberMask = 0xFFFFFFFFu;
 
 constexpr char kShell[] = "/bin/sh";
-constexpr char kDeleted[] = " (deleted)";
-
-std::string ProgramFileOf(const std::string& process) {
-  char path[4096];
-  const ssize_t size = readlink(("/proc/" + process + "/exe").c_str(), path, sizeof path);
-  if (size <= 0) return {};
-  std::string_view whole(path, static_cast<std::size_t>(size));
-  if (whole.ends_with(kDeleted)) whole.remove_suffix(sizeof kDeleted - 1);
-  return std::string(whole);
-}
 
 // It has ended, and its parent hasn't looked yet.
 bool HasEnded(const std::string& process) {

@@ -156,22 +156,39 @@ TEST(DISABLED_AnotherProgram, AsksAndIsToldNothing) {
   EXPECT_EQ(AskByHand(path), 0);
 }
 
-TEST_F(InstanceSocketTest, AnotherProgramIsNotListenedTo) {
-  const auto socket = Open();
-  EXPECT_EQ(AskByHand(OwnSocket()), 8 + 3 * 8);  // this one is
-  const std::string path = OwnSocket();
-  const std::string other = folder + "/another-program";
-  fs::copy_file("/proc/self/exe", other);
+// The same program, whose file is replaced while it runs, as an upgrade does.
+TEST(DISABLED_AReplacedProgram, AsksAndIsTold) {
+  const char* const path = std::getenv("KELVARO_TEST_SOCKET");
+  ASSERT_TRUE(path);
+  fs::remove(fs::read_symlink("/proc/self/exe"));
+  EXPECT_EQ(AskByHand(path), 8 + 3 * 8);
+}
+
+// Runs a test of a copy of this program, which has that name; its exit status.
+int RunCopy(const std::string& copy, const char* test, const std::string& socket) {
+  fs::copy_file("/proc/self/exe", copy);
+  const std::string filter = std::string("--gtest_filter=") + test;
   const pid_t child = fork();
   if (child == 0) {
-    setenv("KELVARO_TEST_SOCKET", path.c_str(), 1);
-    execl(other.c_str(), other.c_str(), "--gtest_also_run_disabled_tests",
-          "--gtest_filter=DISABLED_AnotherProgram.*", nullptr);
+    setenv("KELVARO_TEST_SOCKET", socket.c_str(), 1);
+    execl(copy.c_str(), copy.c_str(), "--gtest_also_run_disabled_tests", filter.c_str(), nullptr);
     _exit(127);
   }
   int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+TEST_F(InstanceSocketTest, AnotherProgramIsNotListenedTo) {
+  const auto socket = Open();
+  EXPECT_EQ(AskByHand(OwnSocket()), 8 + 3 * 8);  // this one is
+  EXPECT_EQ(RunCopy(folder + "/another-program", "DISABLED_AnotherProgram.*", OwnSocket()), 0);
+}
+
+TEST_F(InstanceSocketTest, AnInstanceWhoseFileWasReplacedIsListenedTo) {
+  const auto socket = Open();
+  const std::string name = fs::read_symlink("/proc/self/exe").filename();
+  EXPECT_EQ(RunCopy(folder + "/" + name, "DISABLED_AReplacedProgram.*", OwnSocket()), 0);
 }
 
 TEST_F(InstanceSocketTest, AnInstanceThatIsGoneIsNotAskedAndItsSocketIsRemoved) {
