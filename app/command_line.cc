@@ -71,7 +71,8 @@ LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteCha
 void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
 
 void MainWindow::ParseCommandLine() {
-  const LaunchRequest request = ReadCommandLine(TextOf(platform::GetCommandLineA()), quoteChars);
+  const LaunchRequest request =
+      ReadCommandLine(TextOf(platform::GetCommandLineA(quoteChars.quoteSub)), quoteChars);
   extraProfiles = request.profiles;
   launchTarget = request.target;
   launchArgs = request.args;

@@ -559,7 +559,7 @@ HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
   return installed.shell->GetHelpFunction(library, ordinal);
 }
 
-std::string GetCommandLineA() { return installed.shell->GetCommandLineA(); }
+std::string GetCommandLineA(char quoteSub) { return installed.shell->GetCommandLineA(quoteSub); }
 
 bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                 const std::string& suggested, std::string* path) {

@@ -39,8 +39,9 @@ class Shell {
   virtual HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) = 0;
 
   // The process's own command line: the program's path and its arguments in one text, each in
-  // double quotes where it has blanks.
-  virtual std::string GetCommandLineA() = 0;
+  // double quotes where it has blanks and brings no quotes of its own; the caller takes `quoteSub`
+  // for one, too. Where the system keeps the line as it was typed, that line.
+  virtual std::string GetCommandLineA(char quoteSub) = 0;
 
   // Ask modally in front of `owner` for a file to read or to save to (with a question where it is
   // there already), and for a folder, beginning at the path `suggested`, which may be empty. False,
@@ -56,7 +57,7 @@ std::intptr_t ShellExecuteA(const std::string& target);
 bool MessageBeep(std::uint32_t type);
 LibraryHandle LoadLibraryA(const std::string& name);
 HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal);
-std::string GetCommandLineA();
+std::string GetCommandLineA(char quoteSub);
 bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                 const std::string& suggested, std::string* path);
 bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,

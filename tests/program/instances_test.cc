@@ -23,15 +23,17 @@ class InstancesTest : public testing::Test {
     // Named as no other program is here, since a launch closes every instance of its own name.
     fs::create_directories(folder);
     fs::copy_file(Program("kelvaro"), program);
-    for (const char* name : {"One", "Two", "Three"}) {
-      const std::string json = folder + "/profile.json";
-      std::ofstream(json) << R"({"profileName": ")" << name << R"(", "deviceName": "No such pad"})";
-      fs::create_directories(folder + "/Profiles");
-      Child pack({Program("kelvaroctl"), "pack", json, folder + "/Profiles/" + name + ".idprof"},
-                 home.Environment(), home.folder + "/pack");
-      EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
-    }
+    for (const char* name : {"One", "Two", "Three"}) StoreProfile(name);
     EXPECT_TRUE(PresetQuietSettings(home));
+  }
+
+  void StoreProfile(const std::string& name) {
+    const std::string json = folder + "/profile.json";
+    std::ofstream(json) << R"({"profileName": ")" << name << R"(", "deviceName": "No such pad"})";
+    fs::create_directories(folder + "/Profiles");
+    Child pack({Program("kelvaroctl"), "pack", json, folder + "/Profiles/" + name + ".idprof"},
+               home.Environment(), home.folder + "/pack");
+    EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
   }
 
   // A game: writes down its process id, its words and its folder, then waits for its end.
@@ -112,6 +114,37 @@ TEST_F(InstancesTest, ThreeStartTogetherWithAGameAndEndWhenItEnds) {
   EXPECT_EQ(first->WaitForEnd(), 0) << first->Log();
   EXPECT_TRUE(Running().empty());
   EXPECT_EQ(Sockets(), 0u);
+}
+
+// As shells hand them over: a word may bring the characters that stand for quotes.
+TEST_F(InstancesTest, WordsWithBlanksAndWithQuotesOfTheirOwnMeanWhatTheySay) {
+  StoreProfile("My Game");
+  const struct {
+    std::vector<std::string> arguments;  // besides the target
+    const char* profile;                 // that was open at the end
+    const char* words;                   // of the game, "<>" for none
+  } kCases[] = {
+      {{"profile=My Game", "args=|-map [My Level]|"}, "My Game", "<-map><My Level>"},
+      {{"profile=|My Game|", "args=-map [My Level]"}, "My Game", "<-map><My Level>"},
+      {{"|My Game|", "args=-map\t[My Level]"}, "My Game", "<-map><My Level>"},
+      {{"profile=\"My Game\""}, "My Game", "<>"},
+      {{"My Game", "foo", "args=one", "args=two"}, "My Game", "<two>"},
+      {{"foo=bar", "my"}, "My Game", "<>"},
+      {{"PROFILE=t", "ARGS=[] x"}, "Three", "<><x>"},
+      {{"profile=One", "dir="}, "One", "<>"},
+  };
+  for (const auto& row : kCases) {
+    SCOPED_TRACE(row.arguments.front());
+    for (const char* file : {"/game.id", "/game.words"}) fs::remove(folder + file);
+    std::vector<std::string> arguments = row.arguments;
+    arguments.push_back("target=" + Game());
+    const auto program = Run(arguments);
+    const pid_t game = GameId();
+    EXPECT_EQ(Content("game.words"), std::string(row.words) + folder + "\n");
+    kill(game, SIGKILL);
+    EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+    EXPECT_EQ(LastProfile(home), row.profile);
+  }
 }
 
 TEST_F(InstancesTest, ALaunchTakesThePlaceOfWhateverInstanceWasRunning) {

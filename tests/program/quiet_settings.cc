@@ -22,4 +22,17 @@ bool PresetQuietSettings(const Home& home) {
   return written;
 }
 
+std::string LastProfile(const Home& home) {
+  platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
+  platform::HKEY key = 0;
+  if (registry.RegOpenKeyA(platform::HKEY_CURRENT_USER, kProductKey, &key) !=
+      platform::ERROR_SUCCESS)
+    return {};
+  char text[256] = {};
+  std::uint32_t size = sizeof text - 1;
+  registry.RegQueryValueExA(key, "Last Profile", nullptr, text, &size);
+  registry.RegCloseKey(key);
+  return text;
+}
+
 }  // namespace kelvaro::tests

@@ -9,4 +9,7 @@ namespace kelvaro::tests {
 // False when they can't be written.
 bool PresetQuietSettings(const Home& home);
 
+// The profile that was open when the program last ended.
+std::string LastProfile(const Home& home);
+
 }  // namespace kelvaro::tests

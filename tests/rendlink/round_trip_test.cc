@@ -103,8 +103,8 @@ struct ReadBack {
 };
 
 ReadBack ByKelvaro(const Words& words, const QuoteChars& chars) {
-  const std::string line =
-      platform::qt::JoinCommandLine(words.at(0), Words(words.begin() + 1, words.end()));
+  const std::string line = platform::qt::JoinCommandLine(
+      words.at(0), Words(words.begin() + 1, words.end()), chars.quoteSub);
   const LaunchRequest request = ReadCommandLine(TextOf(line), chars);
   ReadBack back;
   for (const auto* node = request.profiles.head; node; node = node->next)

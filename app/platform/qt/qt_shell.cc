@@ -25,9 +25,9 @@ constexpr std::uint32_t kHelpOrdinal = 14;
 
 bool IsBlank(char c) { return static_cast<unsigned char>(c) < 33; }
 
-std::string Quoted(const std::string& argument) {
+std::string Quoted(const std::string& argument, char quoteSub) {
   const auto blank = std::find_if(argument.begin(), argument.end(), IsBlank);
-  const bool quotes = argument.find('"') != std::string::npos;
+  const bool quotes = argument.find_first_of({'"', quoteSub}) != std::string::npos;
   if (argument.empty()) return "\"\"";
   if (blank == argument.end() || quotes) return argument;
   const auto equals = std::find(argument.begin(), blank, '=');
@@ -37,9 +37,10 @@ std::string Quoted(const std::string& argument) {
 
 }  // namespace
 
-std::string JoinCommandLine(const std::string& program, const std::vector<std::string>& arguments) {
-  std::string line = Quoted(program);
-  for (const std::string& argument : arguments) line += ' ' + Quoted(argument);
+std::string JoinCommandLine(const std::string& program, const std::vector<std::string>& arguments,
+                            char quoteSub) {
+  std::string line = Quoted(program, '"');
+  for (const std::string& argument : arguments) line += ' ' + Quoted(argument, quoteSub);
   return line;
 }
 
@@ -67,7 +68,7 @@ HtmlHelpFunction QtShell::GetHelpFunction(LibraryHandle library, std::uint32_t o
   return library == kHelpLibrary && ordinal == kHelpOrdinal ? &HelpViewer::HtmlHelp : nullptr;
 }
 
-std::string QtShell::GetCommandLineA() {
+std::string QtShell::GetCommandLineA(char quoteSub) {
   StopHereIfCutOff();
   std::ifstream file("/proc/self/cmdline", std::ios::binary);
   const std::string bytes((std::istreambuf_iterator<char>(file)), {});
@@ -81,7 +82,7 @@ std::string QtShell::GetCommandLineA() {
   std::string program = std::filesystem::read_symlink("/proc/self/exe", failed).string();
   if (failed && !words.empty()) program = words.front();
   if (!words.empty()) words.erase(words.begin());
-  return JoinCommandLine(program, words);
+  return JoinCommandLine(program, words, quoteSub);
 }
 
 bool QtShell::ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,

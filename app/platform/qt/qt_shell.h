@@ -19,7 +19,7 @@ class QtShell final : public Shell {
   bool MessageBeep(std::uint32_t type) override;
   LibraryHandle LoadLibraryA(const std::string& name) override;
   HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) override;
-  std::string GetCommandLineA() override;
+  std::string GetCommandLineA(char quoteSub) override;
   bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                   const std::string& suggested, std::string* path) override;
   bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
@@ -33,8 +33,9 @@ class QtShell final : public Shell {
 };
 
 // The program's path and its arguments in one text: an argument with blanks is in double quotes,
-// behind its key if it begins with one (profile="My Game"); one that has quotes of its own stays as
-// it is.
-std::string JoinCommandLine(const std::string& program, const std::vector<std::string>& arguments);
+// behind its key if it begins with one (profile="My Game"); one that has quotes of its own, or
+// `quoteSub`, which stands for one, stays as it is.
+std::string JoinCommandLine(const std::string& program, const std::vector<std::string>& arguments,
+                            char quoteSub);
 
 }  // namespace platform::qt

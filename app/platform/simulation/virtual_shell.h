@@ -24,7 +24,7 @@ class VirtualShell final : public Shell {
   bool MessageBeep(std::uint32_t type) override;
   LibraryHandle LoadLibraryA(const std::string& name) override;
   HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) override;
-  std::string GetCommandLineA() override { return commandLine; }
+  std::string GetCommandLineA(char) override { return commandLine; }
   bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                   const std::string& suggested, std::string* path) override;
   bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,

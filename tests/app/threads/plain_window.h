@@ -117,7 +117,7 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
   std::uint32_t SetTimer(WindowHandle, std::uint32_t id, std::uint32_t) override { return id; }
   IconHandle LoadIconA(std::uint32_t id) override { return id; }
   bool Shell_NotifyIconA(std::uint32_t, const NOTIFYICONDATA&) override { return true; }
-  std::string GetCommandLineA() override { return "kelvaro"; }
+  std::string GetCommandLineA(char) override { return "kelvaro"; }
   bool ChooseFile(WindowHandle, const std::string&, bool, const std::string&,
                   std::string*) override {
     return false;

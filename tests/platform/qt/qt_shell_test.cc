@@ -23,20 +23,23 @@ TEST(CommandLine, AnArgumentWithBlanksHasItsValueInQuotes) {
       {"", "\"\""},                                    //
       {"a\tb", "\"a\tb\""},                            // a tab parts arguments as well
       {"profile=\"My Game\"", "profile=\"My Game\""},  // quotes of its own stay
+      {"profile=|My Game|", "profile=|My Game|"},      // and what stands for them
+      {"args=|-map [My Level]|", "args=|-map [My Level]|"},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(JoinCommandLine("/p/kelvaro", {c.argument}), std::string("/p/kelvaro ") + c.written);
+    EXPECT_EQ(JoinCommandLine("/p/kelvaro", {c.argument}, '|'),
+              std::string("/p/kelvaro ") + c.written);
   }
 }
 
 TEST(CommandLine, APathWithBlanksIsInQuotes) {
-  EXPECT_EQ(JoinCommandLine("/my programs/kelvaro", {}), "\"/my programs/kelvaro\"");
+  EXPECT_EQ(JoinCommandLine("/my programs/kelvaro", {}, '|'), "\"/my programs/kelvaro\"");
 }
 
 class ShellTest : public QtTest {};
 
 TEST_F(ShellTest, TheCommandLineBeginsWithTheProgramsPath) {
-  const std::string line = GetCommandLineA();
+  const std::string line = GetCommandLineA('|');
   EXPECT_EQ(line.front(), '/');
   EXPECT_NE(line.find("test_qt"), std::string::npos);
 }

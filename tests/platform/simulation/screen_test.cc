@@ -1519,9 +1519,9 @@ TEST_F(ScreenTest, AddressesBeepsAndTheCommandLineAreKept) {
   EXPECT_EQ(screen.OpenedAddresses().size(), 1u);
   EXPECT_TRUE(MessageBeep(0));
   EXPECT_EQ(screen.Beeps(), 1u);
-  EXPECT_EQ(GetCommandLineA(), "kelvaro");
+  EXPECT_EQ(GetCommandLineA('|'), "kelvaro");
   screen.SetCommandLine("kelvaro profile=x");
-  EXPECT_EQ(GetCommandLineA(), "kelvaro profile=x");
+  EXPECT_EQ(GetCommandLineA('|'), "kelvaro profile=x");
 }
 
 TEST_F(ScreenTest, FilesAndFoldersAreChosenBeforehandAndQuestionsAreKept) {

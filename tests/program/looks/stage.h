@@ -36,7 +36,7 @@ class QuietShell final : public platform::Shell {
     return &HtmlHelp;
   }
   static inline std::string topic;  // the last one
-  std::string GetCommandLineA() override { return "kelvaro"; }
+  std::string GetCommandLineA(char) override { return "kelvaro"; }
   bool ChooseFile(platform::WindowHandle, const std::string&, bool, const std::string&,
                   std::string*) override {
     return false;
