@@ -79,7 +79,12 @@ DBusMessage* RealtimeKit::Ask(DBusMessage* request) {
     dbus_pending_call_unref(pending);
   }
   if (reply && dbus_message_get_type(reply) == DBUS_MESSAGE_TYPE_METHOD_RETURN) return reply;
+  // The service itself refuses for a while, when it was asked for too much; the bus answers for one
+  // that isn't there.
+  const bool refused =
+      reply && !dbus_message_has_sender(reply, DBUS_SERVICE_DBUS) && dbus_message_get_sender(reply);
   if (reply) dbus_message_unref(reply);
+  if (refused) return nullptr;
   givenUp = true;
   dbus_connection_close(connection);
   dbus_connection_unref(connection);
@@ -90,7 +95,6 @@ DBusMessage* RealtimeKit::Ask(DBusMessage* request) {
 std::int64_t RealtimeKit::LongestRunUs() {
   const std::lock_guard<std::mutex> lock(mutex);
   if (longestRunUs >= 0) return longestRunUs;
-  longestRunUs = 0;
   if (!Connect()) return 0;
   DBusMessage* request =
       dbus_message_new_method_call(kService, kPath, DBUS_INTERFACE_PROPERTIES, "Get");
@@ -101,6 +105,7 @@ std::int64_t RealtimeKit::LongestRunUs() {
                              DBUS_TYPE_INVALID);
   DBusMessage* reply = Ask(request);
   if (!reply) return 0;
+  longestRunUs = 0;
   DBusMessageIter outer;
   DBusMessageIter inner;
   if (dbus_message_iter_init(reply, &outer) &&

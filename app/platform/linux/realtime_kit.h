@@ -1,6 +1,6 @@
 // RealtimeKit, the service that lets an ordinary user's process have a few real-time threads, over
-// the system bus. Asked at most until it fails once: a machine without it costs one attempt. No
-// call waits longer than a second. Any thread.
+// the system bus. Asked until it isn't there or doesn't answer once: a machine without it costs one
+// attempt. A refusal is no such failure. No call waits longer than a second. Any thread.
 #pragma once
 
 #include <sys/types.h>
@@ -35,8 +35,8 @@ class RealtimeKit {
 
  private:
   bool Connect();
-  // The reply, to be given back with dbus_message_unref; null on failure, after which nothing is
-  // asked any more. Takes over `request`.
+  // The reply, to be given back with dbus_message_unref; null on failure; after any but a refusal
+  // nothing is asked any more. Takes over `request`.
   DBusMessage* Ask(DBusMessage* request);
 
   const std::string address;
