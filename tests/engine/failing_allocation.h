@@ -1,4 +1,5 @@
-// Lets chosen allocations of lists and their elements (those that ask for a null result) fail.
+// Lets chosen allocations of lists and their elements, or of arrays, fail: those that ask for a
+// null result.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +16,17 @@ class FailingAllocation {
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
   // How many have failed so far.
+  std::uint32_t Failed() const;
+};
+
+// The same for the `nth` array, in programs that lead that form too.
+class FailingArray {
+ public:
+  explicit FailingArray(std::uint32_t nth);
+  ~FailingArray();
+  FailingArray(const FailingArray&) = delete;
+  FailingArray& operator=(const FailingArray&) = delete;
+
   std::uint32_t Failed() const;
 };
 

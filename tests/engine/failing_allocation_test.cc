@@ -9,25 +9,32 @@
 
 namespace {
 
-thread_local std::uint32_t seen = 0;
-thread_local std::uint32_t failAt = 0;  // 0: none
-thread_local bool failOnwards = false;
-thread_local std::uint32_t failed = 0;
+struct Fault {
+  bool StrikesNow() {
+    if (at == 0) return false;
+    ++seen;
+    if (seen != at && !(onwards && seen > at)) return false;
+    ++failed;
+    return true;
+  }
 
-bool FailsNow() {
-  if (failAt == 0) return false;
-  ++seen;
-  if (seen != failAt && !(failOnwards && seen > failAt)) return false;
-  ++failed;
-  return true;
-}
+  std::uint32_t at = 0;  // 0: none
+  bool onwards = false;
+  std::uint32_t seen = 0;
+  std::uint32_t failed = 0;
+};
+
+thread_local Fault ofElements;
+thread_local Fault ofArrays;
 
 }  // namespace
 
-// The linker leads the one form that the lists use here (CMakeLists.txt). What succeeds comes from
-// the plain one, so that it goes with the plain delete.
-extern "C" void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
-  if (FailsNow()) return nullptr;
+// The linker leads the forms that ask for a null result here (CMakeLists.txt). What succeeds comes
+// from the plain ones, so that it goes with the plain deletes.
+extern "C" {
+
+void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
+  if (ofElements.StrikesNow()) return nullptr;
   try {
     return ::operator new(size);
   } catch (const std::bad_alloc&) {
@@ -35,18 +42,28 @@ extern "C" void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow
   }
 }
 
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t&) noexcept {
+  if (ofArrays.StrikesNow()) return nullptr;
+  try {
+    return ::operator new[](size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // extern "C"
+
 namespace kelvaro {
 
 FailingAllocation::FailingAllocation(std::uint32_t nth, bool onwards) {
-  seen = 0;
-  failed = 0;
-  failOnwards = onwards;
-  failAt = nth;
+  ofElements = {nth, onwards};
 }
+FailingAllocation::~FailingAllocation() { ofElements.at = 0; }
+std::uint32_t FailingAllocation::Failed() const { return ofElements.failed; }
 
-FailingAllocation::~FailingAllocation() { failAt = 0; }
-
-std::uint32_t FailingAllocation::Failed() const { return failed; }
+FailingArray::FailingArray(std::uint32_t nth) { ofArrays = {nth}; }
+FailingArray::~FailingArray() { ofArrays.at = 0; }
+std::uint32_t FailingArray::Failed() const { return ofArrays.failed; }
 
 namespace {
 

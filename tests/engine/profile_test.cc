@@ -151,6 +151,26 @@ TEST(RebuildDispatchList, ManyAreInTheOrderOfTheSameSort) {
   }
 }
 
+TEST(RebuildDispatchList, TheOrderIsTheSameWhateverArrayFindsNoMemory) {
+  Profile profile;
+  for (const std::uint32_t weight : {2u, 1u, 2u, 1u, 3u, 3u, 2u, 1u}) {
+    Control* const control = Add(&profile, {'x', weight});
+    control->controlId = static_cast<std::uint32_t>(profile.controls.count);
+  }
+  std::uint32_t nth = 1;
+  for (bool failed = true; failed; ++nth) {
+    FailingArray fault(nth);
+    profile.RebuildDispatchList();
+    ExpectSoundLinks(profile.DispatchList);
+    std::string order;  // by number, as a Control may lose its name
+    for (auto* node = profile.DispatchList.head; node; node = node->next)
+      order += std::to_string(node->value->controlId);
+    EXPECT_EQ(order, "56317248") << "without array " << nth;
+    failed = fault.Failed() == 1;
+  }
+  EXPECT_GT(nth, 2u) << "no array was asked for";
+}
+
 // Its square would take the better part of a minute.
 TEST(RebuildDispatchList, AHundredThousandControlsDontTakeTheSquareOfTheTime) {
   Profile profile;
