@@ -376,6 +376,22 @@ TEST_F(ControlListTest, ANewOrEditedControlRepeatsByItsOwnTimes) {
             "1290 key 41 1e 0\n1290 key 41 1e 2\n");
 }
 
+// The dispatcher may start one just before the dialog is up.
+TEST_F(ControlListTest, AReplayOfTheRepeatIsOverBeforeAnEditTakesTheActionsAway) {
+  StartWith({{.keys = {"a<P:1000>b"}, .repeat = true, .delay = 100, .speed = 50}});
+  CountActions();
+  CountedAction::destroyed = 0;
+  Edit(0);
+  screen.Type(1093, "c");
+  Engine().repeatWorker.Start(OpenProfile().DispatchList.head->value);
+  sim.RunFor(500);
+  ASSERT_EQ(Sent().back(), "key 41 1e 2") << "in the middle of the replay";
+  screen.Click(IDOK);
+  EXPECT_EQ(CountedAction::destroyed, 1u);
+  EXPECT_EQ(Sent().back(), "key 42 30 2");
+  EXPECT_FALSE(Engine().repeatWorker.Repeating());
+}
+
 // --- Smart Check and the reminder, which the window lends the dialog
 
 TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnOk) {
