@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/platform/platform.h"
@@ -58,6 +60,43 @@ class SlowRegistry final : public platform::Registry {
  private:
   platform::Registry& registry;
   const std::uint32_t ms;
+};
+
+// Looks on at each timer that is set.
+class WatchedTimers final : public platform::Timers {
+ public:
+  // Installs itself, for its life, in the place of the timers among these.
+  WatchedTimers(const platform::Platform& groups, std::function<void()> watcher)
+      : timers(*groups.timers), watcher(std::move(watcher)), installed(Replaced(groups)) {}
+
+  std::uint32_t timeGetDevCaps(platform::TIMECAPS* caps) override {
+    return timers.timeGetDevCaps(caps);
+  }
+  std::uint32_t timeBeginPeriod(std::uint32_t periodMs) override {
+    return timers.timeBeginPeriod(periodMs);
+  }
+  std::uint32_t timeEndPeriod(std::uint32_t periodMs) override {
+    return timers.timeEndPeriod(periodMs);
+  }
+  std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
+                             platform::TimerCallback callback, void* user,
+                             std::uint32_t flags) override {
+    watcher();
+    return timers.timeSetEvent(delayMs, resolutionMs, callback, user, flags);
+  }
+  std::uint32_t timeKillEvent(std::uint32_t timerId) override {
+    return timers.timeKillEvent(timerId);
+  }
+
+ private:
+  platform::Platform Replaced(platform::Platform groups) {
+    groups.timers = this;
+    return groups;
+  }
+
+  platform::Timers& timers;
+  const std::function<void()> watcher;
+  const platform::InstalledPlatform installed;
 };
 
 class ProfileLoadingTest : public ProfileRowTest {};
@@ -140,6 +179,19 @@ TEST_F(ProfileLoadingTest, TheOldDeviceIsGivenUpBeforeTheNewOneIsOpened) {
                      "timeKillEvent 1", "Unacquire", "Release", "CreateDevice", "Acquire",
                      "timeBeginPeriod 10", "timeSetEvent 10 1"}));
   EXPECT_EQ(Str(Device()->SelectedName()), "Stick");
+}
+
+TEST_F(ProfileLoadingTest, TheDeviceRunsBeforeTheListShowsTheNewControls) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  Begin();
+  std::vector<Strings> shown;
+  {
+    const WatchedTimers watched(sim.Groups(), [&] { shown.push_back(Descriptions()); });
+    Choose("Beta");
+  }
+  EXPECT_EQ(shown, std::vector<Strings>({{"a"}})) << "when the device's timer was set";
+  EXPECT_EQ(Descriptions(), Strings({"b"}));
 }
 
 TEST_F(ProfileLoadingTest, WhatRepeatsOfTheOldProfileEnds) {
