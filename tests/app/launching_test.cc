@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "app/platform/simulation/virtual_processes.h"
 #include "tests/app/main_window_fixture.h"
 
@@ -144,6 +147,26 @@ TEST_F(Launching, WhenThePersonEndsTheProgramTheFurtherInstancesCloseToo) {
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(processes.Ended(), std::vector<std::uint32_t>{two});
   EXPECT_TRUE(processes.Runs(game));  // nobody ends the game
+}
+
+TEST_F(Launching, WhenTheTargetEndsTheProgramEndsAlsoWhereNoWindowCanBeFound) {
+  sim.FailAlways("EnumWindows");
+  BeginWith("profile=Game target=/games/x/play");
+  processes.End(processes.Started().at(0).id);
+  sim.RunFor(2000);
+  EXPECT_TRUE(processes.Posted().empty());
+  EXPECT_FALSE(screen.Running());
+}
+
+TEST_F(Launching, TheMessageOfTheEndIsForATargetThatHasEndedAlone) {
+  sim.FailAlways("EnumWindows");  // so that no other way leads to the own window
+  BeginWith("profile=Game target=/games/x/play");
+  sim.LogCalls(true);
+  screen.Close();
+  sim.RunFor(2000);
+  EXPECT_FALSE(screen.Running());
+  const std::string message = "PostMessageA " + std::to_string(WM_CLOSE_PROGRAM);
+  EXPECT_EQ(std::count(sim.Calls().begin(), sim.Calls().end(), message), 0);
 }
 
 TEST_F(Launching, AnInstanceThatDoesNotCloseGetsTheSecondMessageAfterHalfASecond) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/simulation/virtual_processes.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/storage/chunks.h"
 
@@ -39,6 +40,15 @@ class WindowLifeTest : public MainWindowTest {
     return calls;
   }
   std::size_t Count(const std::string& operation) { return CallsOf({operation}).size(); }
+
+  void BeginWithLaunch() {
+    platform::simulation::ProcessDescription game;
+    game.path = "/games/play";
+    sim.Processes().Provide(game);
+    screen.SetCommandLine("kelvaro profile=Game target=/games/play");
+    Begin();
+    ASSERT_EQ(sim.Processes().Started().size(), 1u);
+  }
 };
 
 std::string PlaceText(const Rect& rect) {
@@ -237,6 +247,16 @@ TEST_F(WindowLifeTest, TheRepeatThreadHasThePriorityOfTheWindow) {
   EXPECT_EQ(Count("SetCurrentThreadPriority"), 3u) << "window, notification, repeat";
 }
 
+TEST_F(WindowLifeTest, TheThreadOfALaunchHasThePriorityOfTheWindow) {
+  sim.LogCalls(true);
+  BeginWithLaunch();
+  const Strings calls = CallsOf({"CreateThread", "SetCurrentThreadPriority"});
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "CreateThread launcher"), 1);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "SetCurrentThreadPriority 15"),
+            static_cast<std::ptrdiff_t>(Count("SetCurrentThreadPriority")));
+  EXPECT_EQ(Count("SetCurrentThreadPriority"), 4u) << "window, notification, repeat, launch";
+}
+
 // ---- Set-up that fails.
 
 // What a start that failed half way does to the settings: those that it hadn't read yet are
@@ -420,6 +440,22 @@ TEST_F(WindowLifeTest, TheCleanupGoesStepByStep) {
                 "HtmlHelp 29",  // HH_UNINITIALIZE
                 "EndDialog 2",
                 std::string("RegSetValueExA ") + kMainWindowSettings + " left",
+            }));
+}
+
+TEST_F(WindowLifeTest, ALaunchIsStoppedBehindTheRepeatThreadAndBeforeTheSettingsAreStored) {
+  const std::string lastDevice = std::string("RegSetValueExA ") + kSettings + " Last Device";
+  BeginWithLaunch();
+  sim.RunFor(100);
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(CallsOf({"UnhookWindowsHookEx", "SetEvent", lastDevice, "timeKillEvent"}),
+            (Strings{
+                "UnhookWindowsHookEx",
+                "SetEvent 4",  // stops the repeat thread
+                "SetEvent 1",  // and then the launch
+                lastDevice, "timeKillEvent 1",
+                "SetEvent 2",  // and the notification thread, with the manager
             }));
 }
 
