@@ -107,6 +107,7 @@ void DialogWindow::MakeInside(const DialogTemplate& from) {
 std::int32_t DialogWindow::Run() {
   listener.OnInitDialog(handle);
   initialised = true;
+  if (!ended) around.isSetUp();
   if (!ended) {
     MakeRoom();
     ApplyLimits();

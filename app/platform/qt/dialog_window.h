@@ -30,6 +30,9 @@ struct Surroundings {
   std::function<bool(WindowHandle)> lacksItsIcon;
   // Told of a window without an owner that it is up.
   std::function<void(WindowHandle)> isUp;
+  // Called when a window has been set up, before its first message: closes it if the program was
+  // asked to end meanwhile.
+  std::function<void()> isSetUp;
 };
 
 // A call that waits for its turn among the messages of a window.

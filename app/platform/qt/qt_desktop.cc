@@ -91,6 +91,10 @@ void QtDesktop::CloseAll() {
   }
 }
 
+void QtDesktop::CloseIfAsked() {
+  if (closing || (stopLook && stopLook())) CloseAll();
+}
+
 // Once what was in front has gone, and its handler has returned.
 void QtDesktop::GoOnClosing() {
   if (waiting.empty()) closing = false;
@@ -195,12 +199,15 @@ std::int32_t QtDesktop::RunDialog(const DialogTemplate& dialog, WindowHandle own
   DialogWindow* const behind = Window(owner);
   if (owner != kNoWindow && !behind) return -1;
   if (behind) behind->BringUp();
-  const Surroundings around{windows, icons, hooks,
+  const Surroundings around{windows,
+                            icons,
+                            hooks,
                             [this](WindowHandle window) { return area.Lacks(window); },
                             [this](WindowHandle window) {
                               if (firstWindow == kNoWindow) firstWindow = window;
                               TellNow();
-                            }};
+                            },
+                            [this] { CloseIfAsked(); }};
   DialogWindow window(dialog, behind, listener, around);
   DialogWindow* const shown = &window;
   const InFront entry(*this, {window.Handle(), [shown] { shown->End(IDCANCEL); }});

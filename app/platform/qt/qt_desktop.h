@@ -26,6 +26,9 @@ class QtDesktop final : public QObject, public Desktop {
   // Closes what is in front, as by its close box, and all behind it after it. For the end of the
   // session or the program. User interface's thread.
   void CloseAll();
+  // `look` tells whether the program was asked to end since it was last called; for moments at
+  // which no event can tell it. User interface's thread.
+  void SetStopLook(std::function<bool()> look) { stopLook = std::move(look); }
 
   // Runs a dialog of Qt's own as a box is run; its exec()'s result.
   int Exec(QDialog& dialog);
@@ -91,6 +94,7 @@ class QtDesktop final : public QObject, public Desktop {
   std::int32_t AskHere(WindowHandle owner, const std::string& text, const std::string& caption,
                        std::uint32_t type);
   void GoOnClosing();
+  void CloseIfAsked();
   void AwaitFocus(WindowHandle owner);
   // A box for which no loop runs here; it goes by itself.
   QMessageBox* ShowAside(WindowHandle owner, const std::string& text, const std::string& caption,
@@ -108,6 +112,7 @@ class QtDesktop final : public QObject, public Desktop {
   std::vector<std::string> untold;
   WindowHandle firstWindow = kNoWindow;  // that is up
   bool closing = false;
+  std::function<bool()> stopLook;
 };
 
 }  // namespace platform::qt

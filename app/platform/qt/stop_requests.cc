@@ -31,10 +31,9 @@ StopRequests::StopRequests(QtDesktop& desktop) : desktop(desktop) {
   if (pipe2(pipe, O_CLOEXEC | O_NONBLOCK) != 0) return;
   notifier = std::make_unique<QSocketNotifier>(pipe[0], QSocketNotifier::Read);
   connect(notifier.get(), &QSocketNotifier::activated, this, [this] {
-    char bytes[16];
-    while (read(pipe[0], bytes, sizeof bytes) > 0) continue;
-    this->desktop.CloseAll();
+    if (TakeSignals()) this->desktop.CloseAll();
   });
+  desktop.SetStopLook([this] { return TakeSignals(); });
   wakeEnd = pipe[1];
   struct sigaction action = {};
   action.sa_handler = &OnSignal;
@@ -46,9 +45,18 @@ StopRequests::~StopRequests() {
   if (!notifier) return;
   for (int i = 0; i < 3; ++i) sigaction(kSignals[i], &before[i], nullptr);
   wakeEnd = -1;
+  desktop.SetStopLook(nullptr);
   notifier.reset();
   close(pipe[0]);
   close(pipe[1]);
+}
+
+// Whether there were any.
+bool StopRequests::TakeSignals() {
+  char bytes[16];
+  bool any = false;
+  while (read(pipe[0], bytes, sizeof bytes) > 0) any = true;
+  return any;
 }
 
 // The session asks the application to quit.

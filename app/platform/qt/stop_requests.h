@@ -17,6 +17,7 @@ class StopRequests : public QObject {
   ~StopRequests() override;
 
  private:
+  bool TakeSignals();
   bool eventFilter(QObject* object, QEvent* event) override;
 
   QtDesktop& desktop;

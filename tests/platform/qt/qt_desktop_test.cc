@@ -232,6 +232,26 @@ TEST_F(QtDesktopTest, ASignalEndsTheProgramAsItsCloseBoxDoes) {
   }
 }
 
+TEST_F(QtDesktopTest, AStopDuringTheSetUpComesBeforeTheMessagesThatItPosted) {
+  const StopRequests stop(qt.Desktop());
+  Recorder inner;
+  for (const bool inFront : {false, true}) {
+    SCOPED_TRACE(inFront);
+    recorder.lines.clear();
+    recorder.onInit = [&](WindowHandle window) {
+      PostMessageA(window, 0x8001, 0, 0);
+      if (inFront) {
+        inner.onInit = [](WindowHandle) { raise(SIGTERM); };
+        EXPECT_EQ(RunDialog(kOneButton, window, inner), IDCANCEL);
+      } else {
+        raise(SIGTERM);
+      }
+    };
+    EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
+    EXPECT_EQ(recorder.lines, (Lines{"close"}));
+  }
+}
+
 TEST_F(QtDesktopTest, TheSessionsWishToQuitDoesThatToo) {
   const StopRequests stop(qt.Desktop());
   QTimer::singleShot(0, &context, [] {
