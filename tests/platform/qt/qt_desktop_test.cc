@@ -101,6 +101,19 @@ TEST_F(QtDesktopTest, ABoxHasNoPicturesOnItsButtonsAndShowsALongNameWhole) {
   QApplication::setStyle(style);
 }
 
+// Qt shows a sheet without a frame, and so without its title, where windows draw their own frames.
+TEST_F(QtDesktopTest, ABoxBeforeAWindowIsADialogWithATitle) {
+  Run([&] {
+    WithBox([](QMessageBox& box) {
+      EXPECT_EQ(box.windowType(), Qt::Dialog);
+      EXPECT_EQ(box.windowModality(), Qt::WindowModal);
+      EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
+      box.accept();
+    });
+    EXPECT_EQ(MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
+  });
+}
+
 TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
   int ticks = 0;
   recorder.onTimer = [&](std::uint32_t) {
