@@ -210,6 +210,8 @@ void MainWindow::Cleanup() {
     platform::UnhookWindowsHookEx(minimiseHook);
     minimiseHook = 0;
   }
+  // The launcher's own box may be up, and this thread must not wait for the person to read it.
+  platform::DismissBoxesOfOtherThreads();
   if (engine) engine->repeatWorker.Stop();
   WorkerThread::Stop();
   SaveAppSettings();

@@ -165,6 +165,11 @@ class Desktop {
   virtual std::int32_t MessageBoxA(WindowHandle owner, const std::string& text,
                                    const std::string& caption, std::uint32_t type) = 0;
 
+  // Dismisses the boxes that other threads have up, which they then take for closed, and refuses
+  // those that they ask for from then on. For the end of the program, before the user interface's
+  // thread waits for theirs.
+  virtual void DismissBoxesOfOtherThreads() = 0;
+
   // Tells the person, in a box that nothing waits for, once a window without an owner is up. Any
   // thread.
   virtual void Tell(const std::string& text) = 0;
@@ -240,6 +245,7 @@ class Desktop {
 // Of the installed platform.
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);
+void DismissBoxesOfOtherThreads();
 void Tell(const std::string& text);
 std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner, WindowListener& listener);
 bool EndDialog(WindowHandle window, std::int32_t result);

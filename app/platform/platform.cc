@@ -177,6 +177,8 @@ std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std:
   return installed.desktop->MessageBoxA(owner, text, caption, type);
 }
 
+void DismissBoxesOfOtherThreads() { installed.desktop->DismissBoxesOfOtherThreads(); }
+
 void Tell(const std::string& text) { installed.desktop->Tell(text); }
 
 std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner, WindowListener& listener) {

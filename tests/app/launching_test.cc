@@ -41,6 +41,11 @@ class Launching : public MainWindowTest {
     EXPECT_EQ(sim.OpenHandles(), 2u);
   }
 
+  bool AThreadWasEndedByForce() const {
+    return std::any_of(sim.Calls().begin(), sim.Calls().end(),
+                       [](const std::string& call) { return call.starts_with("TerminateThread"); });
+  }
+
   bool handlesStay = false;  // those of an instance, where the target couldn't be started
   std::string own;
   VirtualProcesses& processes = sim.Processes();
@@ -205,6 +210,28 @@ TEST_F(Launching, ATargetThatCannotBeStartedIsToldOfAndEndsTheProgram) {
   EXPECT_EQ(screen.Box().type, platform::MB_ICONSTOP);
   screen.Answer(platform::IDOK);
   EXPECT_FALSE(screen.Running());
+}
+
+TEST_F(Launching, ExitWaitsForNobodyToReadThatTheTargetCannotBeStarted) {
+  BeginWith("profile=Game target=/games/gone");
+  ASSERT_TRUE(screen.BoxUp());
+  const std::uint64_t exit = sim.Now();
+  sim.LogCalls(true);
+  Post(WM_CLOSE_PROGRAM);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_FALSE(screen.BoxUp());
+  EXPECT_LT(sim.Now() - exit, 1000u);  // of virtual time; the pad's thread ends in it, too
+  EXPECT_FALSE(AThreadWasEndedByForce());
+}
+
+TEST_F(Launching, ATargetThatFailsDuringTheCleanupIsNotToldOf) {
+  BeginWith("profile=Game profile=Two target=/games/gone");
+  sim.LogCalls(true);
+  screen.Close();  // in the two seconds for the further instance
+  EXPECT_FALSE(screen.Running());
+  EXPECT_TRUE(screen.Boxes().empty());
+  EXPECT_FALSE(AThreadWasEndedByForce());
+  handlesStay = true;
 }
 
 TEST_F(Launching, AFailedTargetLeavesTheFurtherInstancesRunning) {

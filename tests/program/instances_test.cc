@@ -1,7 +1,10 @@
 // Instances of the program that start one another and a game, and close together.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/ptrace.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -71,6 +74,17 @@ class InstancesTest : public testing::Test {
     std::string words((std::istreambuf_iterator<char>(file)), {});
     std::replace(words.begin(), words.end(), '\0', ' ');
     return words;
+  }
+  // 0 for none.
+  static pid_t ThreadOf(pid_t process, const std::string& name) {
+    std::error_code gone;
+    for (const auto& entry :
+         fs::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
+      std::string called;
+      std::getline(std::ifstream(entry.path() / "comm") >> std::ws, called);
+      if (called == name) return std::stoi(entry.path().filename());
+    }
+    return 0;
   }
   std::string Content(const std::string& file) {
     std::stringstream text;
@@ -183,6 +197,29 @@ TEST_F(InstancesTest, EndingTheProgramLeavesTheGameRunning) {
 TEST_F(InstancesTest, AGameThatEndsAtOnceEndsTheProgram) {
   const auto first = Run({"profile=One", "target=/bin/true"});
   EXPECT_EQ(first->WaitForEnd(), 0) << first->Log();
+}
+
+// A thread that is ended by force stands still until the process ends; one that ends by itself is
+// seen in its own call to exit.
+TEST_F(InstancesTest, ThePersonNeedNotReadThatTheTargetFailedBeforeTheProgramEnds) {
+  const auto failed = Run({"profile=One", "target=" + folder + "/gone"});
+  pid_t launcher = 0;
+  ASSERT_TRUE(Eventually([&] {
+    launcher = ThreadOf(failed->Id(), "launcher");
+    return launcher != 0;
+  })) << failed->Log();
+  if (ptrace(PTRACE_SEIZE, launcher, nullptr, PTRACE_O_TRACEEXIT) != 0)
+    GTEST_SKIP() << "no process may watch another one here";
+  const auto next = Run({"profile=Two", "target=/bin/true"});  // closes whatever runs
+  int event = 0;
+  EXPECT_TRUE(Eventually([&] { return waitpid(launcher, &event, __WALL | WNOHANG) == launcher; }));
+  EXPECT_EQ(event >> 8, SIGTRAP | (PTRACE_EVENT_EXIT << 8));
+  long call = -1;
+  std::ifstream("/proc/" + std::to_string(launcher) + "/syscall") >> call;
+  EXPECT_EQ(call, SYS_exit);
+  ptrace(PTRACE_DETACH, launcher, nullptr, nullptr);
+  EXPECT_EQ(failed->WaitForEnd(), 0) << failed->Log();
+  EXPECT_EQ(next->WaitForEnd(), 0) << next->Log();
 }
 
 // Neither is one who is stopped waited for longer than told: half a second for each, and it stays.

@@ -32,6 +32,10 @@ struct QtDesktop::Waiter {
     answer = button;
     changed.notify_all();
   }
+  bool Answered() {
+    const std::lock_guard<std::mutex> guard(mutex);
+    return answered;
+  }
   std::int32_t Wait() {
     std::unique_lock<std::mutex> lock(mutex);
     changed.wait(lock, [this] { return answered; });
@@ -78,9 +82,7 @@ QtDesktop::~QtDesktop() {
 
 void QtDesktop::CloseAll() {
   closing = true;
-  for (const auto& box : aside) {
-    if (box) box->reject();
-  }
+  CloseAside();
   if (waiting.empty()) return;
   const std::function<void()> close = waiting.back().close;
   const WindowHandle dialog = waiting.back().dialog;
@@ -159,6 +161,22 @@ QMessageBox* QtDesktop::ShowAside(WindowHandle owner, const std::string& text,
   return box;
 }
 
+void QtDesktop::CloseAside() {
+  for (const auto& box : aside) {
+    if (box) box->reject();
+  }
+}
+
+// What a thread has just asked isn't shown yet, and won't be: only the loop would do it.
+void QtDesktop::DismissBoxesOfOtherThreads() {
+  CloseAside();
+  const std::lock_guard<std::mutex> guard(askingMutex);
+  othersRefused = true;
+  for (const auto& asked : asking) {
+    if (const auto waiter = asked.lock()) waiter->Answer(0);
+  }
+}
+
 void QtDesktop::Tell(const std::string& text) {
   QMetaObject::invokeMethod(
       this,
@@ -181,9 +199,16 @@ std::int32_t QtDesktop::MessageBoxA(WindowHandle owner, const std::string& text,
   StopHereIfCutOff();
   if (windows.OnOwnThread()) return AskHere(owner, text, caption, type);
   const auto waiter = std::make_shared<Waiter>();
+  {
+    const std::lock_guard<std::mutex> guard(askingMutex);
+    if (othersRefused) return 0;
+    std::erase_if(asking, [](const auto& other) { return other.expired(); });
+    asking.push_back(waiter);
+  }
   QMetaObject::invokeMethod(
       this,
       [=, this] {
+        if (waiter->Answered()) return;
         QMessageBox* const box = ShowAside(owner, text, caption, type);
         connect(box, &QDialog::finished, box, [=] { waiter->Answer(AnswerOf(*box)); });
         connect(box, &QObject::destroyed, [=] { waiter->Answer(0); });

@@ -7,6 +7,8 @@
 #include <QObject>
 #include <QPointer>
 #include <functional>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include "app/platform/desktop.h"
@@ -37,6 +39,7 @@ class QtDesktop final : public QObject, public Desktop {
 
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
+  void DismissBoxesOfOtherThreads() override;
   void Tell(const std::string& text) override;
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;
@@ -99,6 +102,7 @@ class QtDesktop final : public QObject, public Desktop {
   // A box for which no loop runs here; it goes by itself.
   QMessageBox* ShowAside(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);
+  void CloseAside();
   void TellNow();
   static void Fill(QMenu& menu, std::span<const MenuItem> items);
   void PostCommand(WindowHandle window, const QAction& chosen);
@@ -110,6 +114,9 @@ class QtDesktop final : public QObject, public Desktop {
   std::vector<Waiting> waiting;
   std::vector<QPointer<QMessageBox>> aside;  // boxes
   std::vector<std::string> untold;
+  std::mutex askingMutex;
+  std::vector<std::weak_ptr<Waiter>> asking;  // threads that have asked; guarded, as is the next
+  bool othersRefused = false;
   WindowHandle firstWindow = kNoWindow;  // that is up
   bool closing = false;
   std::function<bool()> stopLook;

@@ -19,6 +19,7 @@ class VirtualDesktop final : public Desktop {
 
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
+  void DismissBoxesOfOtherThreads() override { system.DismissBoxesOfOtherThreads(); }
   void Tell(const std::string& text) override { told.push_back(text); }
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;

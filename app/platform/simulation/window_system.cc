@@ -121,6 +121,7 @@ WindowSystem::WindowSystem(Scheduler& scheduler, Journal& journal)
 void WindowSystem::Start(std::function<std::int32_t()> toRun) {
   program = std::move(toRun);
   running = true;
+  othersRefused = false;
   const auto thread = scheduler.Spawn(Rank::UserInterface, "user interface", [this] {
     result = program();
     running = false;
@@ -260,6 +261,7 @@ std::int32_t WindowSystem::RunDialog(const DialogTemplate& dialog, WindowHandle 
 }
 
 std::int32_t WindowSystem::RunBox(ShownMessageBox box) {
+  if (othersRefused && !OnUserInterface()) return 0;
   boxes.push_back(box);
   ++asked;
   if (!answers.empty()) {
@@ -311,6 +313,14 @@ void WindowSystem::Answer(OpenBox& box, std::int32_t button) {
     box.answered = true;
     box.button = button;
   });
+}
+
+void WindowSystem::DismissBoxesOfOtherThreads() {
+  othersRefused = true;
+  for (OpenBox& box : openBoxes) {
+    if (box.modal || box.answered) continue;
+    Answer(box, (box.shown.type & 0xF) == MB_YESNO ? IDNO : IDOK);
+  }
 }
 
 std::vector<OpenMenu::Entry> OpenMenu::EntriesOf(std::span<const MenuItem> items) {

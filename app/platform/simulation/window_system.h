@@ -180,6 +180,8 @@ class WindowSystem {
   // Whether a box of another thread stands in front of that window.
   bool CoveredByThread(const VirtualWindow& window);
   void Answer(OpenBox& box, std::int32_t button);
+  // Until the next program starts.
+  void DismissBoxesOfOtherThreads();
 
   // Place and state; each tells the listener what it changed.
   void Place(VirtualWindow& window, Rect place, bool limited);
@@ -259,6 +261,7 @@ class WindowSystem {
   std::function<std::int32_t()> program;
   std::int32_t threadId = 0;
   bool idle = false;  // the program waits for the person
+  bool othersRefused = false;
   std::shared_ptr<Event> wake;
   // What is being handled stays in a list of its own, not on a stack that may be dropped.
   std::list<Message> queue;

@@ -114,6 +114,7 @@ class PlainWindow final : public Desktop, public Controls, public Shell {
     boxes.push_back(text);
     return answer;
   }
+  void DismissBoxesOfOtherThreads() override {}  // each is answered at once
   std::uint32_t SetTimer(WindowHandle, std::uint32_t id, std::uint32_t) override { return id; }
   IconHandle LoadIconA(std::uint32_t id) override { return id; }
   bool Shell_NotifyIconA(std::uint32_t, const NOTIFYICONDATA&) override { return true; }

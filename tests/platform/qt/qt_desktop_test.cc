@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 
@@ -160,6 +161,45 @@ TEST_F(QtDesktopTest, ABoxOfAnotherThreadGoesWithItsWindow) {
   });
   other.join();
   EXPECT_EQ(answer, 0);
+}
+
+// Nothing but the dismissal answers: the loop stands still until the thread has ended.
+TEST_F(QtDesktopTest, ABoxOfAnotherThreadIsDismissedBeforeThatThreadIsWaitedFor) {
+  std::int32_t answer = -1;
+  Run([&] {
+    std::thread other([&] { answer = MessageBoxA(Window(), "Launched?", "", MB_YESNO); });
+    EXPECT_TRUE(QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; }));
+    DismissBoxesOfOtherThreads();
+    other.join();
+    EXPECT_EQ(answer, IDNO) << "as if it had been closed";
+    EXPECT_EQ(BoxThatIsUp(), nullptr);
+  });
+}
+
+TEST_F(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
+  std::int32_t answer = -1;
+  Run([&] {
+    std::thread other([&] { answer = MessageBoxA(Window(), "Failed", "", MB_OK); });
+    // Its call is on its way, but the loop doesn't get to show anything.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    DismissBoxesOfOtherThreads();
+    other.join();
+    Settle();
+    EXPECT_EQ(answer, 0);
+    EXPECT_EQ(BoxThatIsUp(), nullptr);
+  });
+}
+
+TEST_F(QtDesktopTest, AfterADismissalOnlyOtherThreadsGetNoBox) {
+  std::int32_t answer = -1;
+  Run([&] {
+    DismissBoxesOfOtherThreads();
+    std::thread other([&] { answer = MessageBoxA(Window(), "Failed", "", MB_OK); });
+    other.join();
+    EXPECT_EQ(answer, 0);
+    WithBox([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
+    EXPECT_EQ(MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
+  });
 }
 
 TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
