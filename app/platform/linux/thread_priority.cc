@@ -11,6 +11,7 @@
 #include <array>
 #include <atomic>
 
+#include "app/platform/linux/program_start.h"
 #include "app/platform/linux/realtime_kit.h"
 #include "app/platform/threads.h"
 
@@ -26,6 +27,9 @@ constexpr int kHighestNice = 19;
 constexpr int kNiceOfHighClass = -10;
 
 constinit thread_local std::int32_t currentPriority = 0;
+
+// Nanoseconds. Asked by the first thread before main, when nobody has changed it.
+const int sessionTimerSlack = prctl(PR_GET_TIMERSLACK, 0UL, 0UL, 0UL, 0UL);
 
 int NiceOfProcess() {
   static const int nice = [] {
@@ -87,6 +91,7 @@ bool LimitRealtimeRun() {
   if (most <= 0) return false;
   rlimit limit{};
   if (getrlimit(RLIMIT_RTTIME, &limit) != 0) return false;
+  KeepLimitsForPrograms();
   limit.rlim_max = std::min(limit.rlim_max, static_cast<rlim_t>(most));
   limit.rlim_cur = std::min(limit.rlim_cur, limit.rlim_max / 2);
   return setrlimit(RLIMIT_RTTIME, &limit) == 0;
@@ -132,8 +137,8 @@ bool SetPriorityOfCurrentThread(std::int32_t priority) {
       sched_setscheduler(0, SCHED_OTHER, &none);
     }
   }
-  // How late a wait may end: as early as possible, or the system's usual 50 microseconds.
-  prctl(PR_SET_TIMERSLACK, timeCritical ? 1UL : 0UL, 0UL, 0UL, 0UL);
+  // How late a wait may end: as early as possible, or the session's usual 50 microseconds.
+  prctl(PR_SET_TIMERSLACK, timeCritical ? 1UL : SessionTimerSlack(), 0UL, 0UL, 0UL);
   currentPriority = priority;
   return true;
 }
@@ -150,7 +155,11 @@ void StartAtNormalPriority() {
   const int nice = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
   if (errno == 0 && nice != NiceOfProcess())
     setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), NiceOfProcess());
-  prctl(PR_SET_TIMERSLACK, 0UL, 0UL, 0UL, 0UL);
+  prctl(PR_SET_TIMERSLACK, SessionTimerSlack(), 0UL, 0UL, 0UL);
+}
+
+unsigned long SessionTimerSlack() {
+  return static_cast<unsigned long>(std::max(sessionTimerSlack, 0));
 }
 
 }  // namespace platform

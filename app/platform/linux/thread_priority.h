@@ -25,4 +25,8 @@ bool SetPriorityClassOfProcess(std::uint32_t priorityClass);
 // For the first lines of a new thread: the priority of its maker does not pass on to it.
 void StartAtNormalPriority();
 
+// How late, in nanoseconds, the session lets a wait end: what this process was started with. The
+// system's own way back leads to the slack of a thread's maker only.
+unsigned long SessionTimerSlack();
+
 }  // namespace platform
