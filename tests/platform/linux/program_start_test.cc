@@ -183,6 +183,21 @@ TEST(ProgramStart, GetsItsWordsAndFolderAndTellsItsStatusFromTheStarterToo) {
   });
 }
 
+TEST(ProgramStart, StaysInAFolderThatCannotBeEnteredAnyMore) {
+  AsNobody([] {
+    GrantedProcess process;
+    const std::string closed = process.folder + "/closed";
+    fs::create_directory(closed);
+    fs::current_path(closed);
+    fs::permissions(closed, fs::perms::none);
+    EXPECT_HOLDS(process.Run({"/bin/true", {"true"}, ""}) == 0);
+    process.InTimeCriticalThread([&] {
+      EXPECT_HOLDS(process.Run({"/bin/true", {"true"}, ""}) == 0);
+    });
+    fs::permissions(closed, fs::perms::owner_all);
+  });
+}
+
 TEST(ProgramStart, TellsTheSystemsErrorFromTheStarterToo) {
   AsNobody([] {
     GrantedProcess process;
