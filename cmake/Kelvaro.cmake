@@ -94,3 +94,12 @@ function(kelvaro_test name)
     add_dependencies(threaded_tests test_${name})
   endif()
 endfunction()
+
+# kelvaro_own_allocator(TARGET): that test program counts allocations and lets them fail
+# (tests/foundation/allocations.h).
+function(kelvaro_own_allocator target)
+  target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/foundation/allocations.cc)
+  foreach(operator _Znwm _Znam _ZnwmRKSt9nothrow_t _ZnamRKSt9nothrow_t)
+    target_link_options(${target} PRIVATE LINKER:--wrap=${operator})
+  endforeach()
+endfunction()

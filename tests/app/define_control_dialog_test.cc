@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "tests/app/control_fixture.h"
-#include "tests/engine/failing_allocation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {

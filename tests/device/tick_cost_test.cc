@@ -1,38 +1,11 @@
-// What a tick costs and what it compares, on a machine whose timer this test turns by hand. The
-// allocation functions of the whole program are replaced here by counting ones.
+// What a tick costs and what it compares, on a machine whose timer this test turns by hand.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 
 #include "device/device_manager.h"
 #include "tests/device/manual_machine.h"
-
-namespace {
-std::atomic<std::uint64_t> allocations{0};
-
-void* Allocate(std::size_t size) noexcept {
-  ++allocations;
-  return std::malloc(size ? size : 1);
-}
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (void* memory = Allocate(size)) return memory;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return Allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
-void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {
@@ -57,29 +30,23 @@ struct TickCost : testing::Test {
   bool selected = false;
 };
 
-TEST_F(TickCost, TheCounterSeesAllocations) {
-  const std::uint64_t before = allocations;
-  delete new int(1);
-  EXPECT_EQ(allocations - before, 1u);
-}
-
 TEST_F(TickCost, AQuietTickAllocatesNothing) {
   ASSERT_TRUE(selected);
-  const std::uint64_t before = allocations;
+  const std::uint64_t before = Allocations();
   for (int i = 0; i < 1000; ++i) machine.Tick();
-  EXPECT_EQ(allocations - before, 0u);
+  EXPECT_EQ(Allocations() - before, 0u);
   EXPECT_EQ(polls, 1000u);
   EXPECT_EQ(machine.eventsSet, 0u);
 }
 
 TEST_F(TickCost, ATickWithAChangeAllocatesNothing) {
   ASSERT_TRUE(selected);
-  const std::uint64_t before = allocations;
+  const std::uint64_t before = Allocations();
   for (int i = 0; i < 1000; ++i) {
     machine.state.lX = i + 1;
     machine.Tick();
   }
-  EXPECT_EQ(allocations - before, 0u);
+  EXPECT_EQ(Allocations() - before, 0u);
   EXPECT_EQ(polls, 1000u);
   EXPECT_EQ(machine.eventsSet, 1000u);
 }

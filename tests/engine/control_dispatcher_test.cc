@@ -5,7 +5,7 @@
 #include <random>
 
 #include "tests/engine/engine_fixture.h"
-#include "tests/engine/failing_allocation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {

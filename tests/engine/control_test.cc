@@ -9,7 +9,7 @@
 #include "app/platform/simulation/simulation.h"
 #include "device/device_manager.h"
 #include "tests/engine/counting_action.h"
-#include "tests/engine/failing_allocation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {

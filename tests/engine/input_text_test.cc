@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/engine/failing_allocation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {

@@ -3,40 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <new>
 
-#include "tests/engine/allocations.h"
 #include "tests/engine/engine_fixture.h"
-
-namespace {
-
-thread_local std::uint64_t allocations = 0;
-
-}  // namespace
-
-// The linker leads the plain forms here (CMakeLists.txt); all others come down to them. Definitions
-// of the operators themselves would clash with those of a sanitizer.
-extern "C" {
-
-void* __real__Znwm(std::size_t size);
-void* __real__Znam(std::size_t size);
-
-void* __wrap__Znwm(std::size_t size) {
-  ++allocations;
-  return __real__Znwm(size);
-}
-
-void* __wrap__Znam(std::size_t size) {
-  ++allocations;
-  return __real__Znam(size);
-}
-
-}  // extern "C"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
-
-std::uint64_t AllocationCount() { return allocations; }
-
 namespace {
 
 // --- Sliders and the curve ----------------------------------------------------------------------
@@ -502,24 +473,12 @@ TEST_F(MousePoll, AllocatesNothing) {
   const DIJOYSTATE2 quiet = WithX(3);
   LockGuard guard(device.deviceLock);
   MouseStep(&device, &quiet, &engine);
-  const std::uint64_t before = AllocationCount();
+  const std::uint64_t before = Allocations();
   for (int poll = 0; poll < 1000; ++poll) MouseStep(&device, &quiet, &engine);
   engine.mouseActive = false;
   for (int poll = 0; poll < 1000; ++poll) MouseStep(&device, &quiet, &engine);
-  EXPECT_EQ(AllocationCount() - before, 0u);
+  EXPECT_EQ(Allocations() - before, 0u);
   EXPECT_TRUE(sim.Events().empty());
-}
-
-// What makes a count of 0 worth something. Plain calls, since a compiler may leave out a new
-// expression that is deleted at once.
-TEST(AllocationCount, SeesEachForm) {
-  const std::uint64_t before = AllocationCount();
-  ::operator delete(::operator new(4));
-  EXPECT_EQ(AllocationCount() - before, 1u);
-  ::operator delete(::operator new(4, std::nothrow));
-  EXPECT_EQ(AllocationCount() - before, 2u);
-  ::operator delete[](::operator new[](4));
-  EXPECT_EQ(AllocationCount() - before, 3u);
 }
 
 // Events go nowhere, so that what is counted is the step's own.
@@ -544,9 +503,9 @@ TEST_F(MousePoll, SendsOneEventAPollAtMostAndAllocatesNothingForIt) {
   DIJOYSTATE2 state = WithX(kLimit);
   state.lY = state.lZ = kLimit;
   LockGuard guard(device.deviceLock);
-  const std::uint64_t before = AllocationCount();
+  const std::uint64_t before = Allocations();
   for (int poll = 0; poll < 1000; ++poll) MouseStep(&device, &state, &engine);
-  EXPECT_EQ(AllocationCount() - before, 0u);
+  EXPECT_EQ(Allocations() - before, 0u);
   EXPECT_EQ(input.events, 1000);
 }
 

@@ -10,7 +10,7 @@
 
 #include "app/platform/simulation/simulation.h"
 #include "tests/engine/counting_action.h"
-#include "tests/engine/failing_allocation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {

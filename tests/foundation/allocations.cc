@@ -1,40 +1,47 @@
 #include "tests/foundation/allocations.h"
 
-#include <atomic>
 #include <cstddef>
 #include <new>
 
 namespace kelvaro {
 namespace {
 
-constexpr std::int32_t kAllGood = -1;
+struct Fault {
+  bool StrikesNow() {
+    ++seen;
+    if (seen != at && !(onwards && seen > at)) return false;
+    ++failed;
+    return true;
+  }
 
-std::atomic<std::uint64_t> allocations{0};
-std::atomic<std::int32_t> goodOnes{kAllGood};
+  bool ofElements = false, ofArrays = false;
+  std::uint32_t at = 0;
+  bool onwards = false;
+  std::uint32_t seen = 0;
+  std::uint32_t failed = 0;
+};
 
-void Count() { allocations.fetch_add(1, std::memory_order_relaxed); }
-
-bool MayAllocate() {
-  const std::int32_t left = goodOnes.load(std::memory_order_relaxed);
-  if (left == 0) return false;
-  if (left > 0) goodOnes.store(left - 1, std::memory_order_relaxed);
-  Count();
-  return true;
-}
+thread_local std::uint64_t allocations = 0;
+thread_local Fault fault;
 
 }  // namespace
 
-std::uint64_t Allocations() { return allocations.load(std::memory_order_relaxed); }
+std::uint64_t Allocations() { return allocations; }
 
-FailingAllocations::FailingAllocations(std::int32_t good) { goodOnes = good; }
-
-FailingAllocations::~FailingAllocations() { goodOnes = kAllGood; }
+FailingAllocations::FailingAllocations(std::int32_t good)
+    : FailingAllocations(true, true, static_cast<std::uint32_t>(good) + 1, true) {}
+FailingAllocations::FailingAllocations(bool elements, bool arrays, std::uint32_t nth,
+                                       bool onwards) {
+  fault = {elements, arrays, nth, onwards};
+}
+FailingAllocations::~FailingAllocations() { fault = {}; }
+std::uint32_t FailingAllocations::Failed() const { return fault.failed; }
 
 }  // namespace kelvaro
 
-// The linker leads every operator new of this program to the wrapped one here (CMakeLists.txt), and
-// the original stays within reach. To define the operators instead wouldn't do under sanitizers,
-// which bring definitions of their own.
+// The linker leads every operator new of the program to the wrapped one here, and the original
+// stays within reach. To define the operators instead wouldn't do under sanitizers, which bring
+// definitions of their own.
 extern "C" {
 
 void* __real__Znwm(std::size_t size);
@@ -43,21 +50,25 @@ void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) no
 void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
 
 void* __wrap__Znwm(std::size_t size) {
-  kelvaro::Count();
+  ++kelvaro::allocations;
   return __real__Znwm(size);
 }
 
 void* __wrap__Znam(std::size_t size) {
-  kelvaro::Count();
+  ++kelvaro::allocations;
   return __real__Znam(size);
 }
 
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
-  return kelvaro::MayAllocate() ? __real__ZnwmRKSt9nothrow_t(size, tag) : nullptr;
+  if (kelvaro::fault.ofElements && kelvaro::fault.StrikesNow()) return nullptr;
+  ++kelvaro::allocations;
+  return __real__ZnwmRKSt9nothrow_t(size, tag);
 }
 
 void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
-  return kelvaro::MayAllocate() ? __real__ZnamRKSt9nothrow_t(size, tag) : nullptr;
+  if (kelvaro::fault.ofArrays && kelvaro::fault.StrikesNow()) return nullptr;
+  ++kelvaro::allocations;
+  return __real__ZnamRKSt9nothrow_t(size, tag);
 }
 
 }  // extern "C"

@@ -1,21 +1,41 @@
-// The allocator of the test program: it counts, and refuses what asks not to be thrown at as long
-// as a test wants it to.
+// The allocator of a test program that asks for it (kelvaro_own_allocator): it counts, and refuses
+// what a test wants refused of those allocations that ask for a null result. Each thread has its
+// own counts and faults.
 #pragma once
 
 #include <cstdint>
 
 namespace kelvaro {
 
-// Allocations of any kind since the program began.
+// Allocations of any kind by this thread since its start.
 std::uint64_t Allocations();
 
-// For its life, every allocation by new (std::nothrow) fails but the first `good`.
+// For its life every allocation by new (std::nothrow) fails but the first `good`. One at a time.
 class FailingAllocations {
  public:
   explicit FailingAllocations(std::int32_t good = 0);
   ~FailingAllocations();
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;
+
+  // How many have failed so far.
+  std::uint32_t Failed() const;
+
+ protected:
+  FailingAllocations(bool elements, bool arrays, std::uint32_t nth, bool onwards);
+};
+
+// The `nth` element, such as a list's node, counted from 1; with `onwards` all that follow, too.
+class FailingAllocation : public FailingAllocations {
+ public:
+  explicit FailingAllocation(std::uint32_t nth, bool onwards = false)
+      : FailingAllocations(true, false, nth, onwards) {}
+};
+
+// The `nth` array.
+class FailingArray : public FailingAllocations {
+ public:
+  explicit FailingArray(std::uint32_t nth) : FailingAllocations(false, true, nth, false) {}
 };
 
 }  // namespace kelvaro

@@ -1,0 +1,50 @@
+#include "tests/foundation/allocations.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+
+#include "foundation/linked_list.h"
+
+namespace kelvaro {
+namespace {
+
+// What makes a count of 0 worth something. Plain calls, since a compiler may leave out a new
+// expression that is deleted at once.
+TEST(Allocations, CountEachForm) {
+  const std::uint64_t before = Allocations();
+  ::operator delete(::operator new(4));
+  EXPECT_EQ(Allocations() - before, 1u);
+  ::operator delete(::operator new(4, std::nothrow));
+  EXPECT_EQ(Allocations() - before, 2u);
+  ::operator delete[](::operator new[](4));
+  EXPECT_EQ(Allocations() - before, 3u);
+  ::operator delete[](::operator new[](4, std::nothrow));
+  EXPECT_EQ(Allocations() - before, 4u);
+}
+
+TEST(FailingAllocation, OnlyTheChosenAllocationFails) {
+  LinkedList<int> list;
+  {
+    FailingAllocation fault(3);  // an element takes two: a node and a copy
+    EXPECT_TRUE(list.AddTail(1));
+    EXPECT_FALSE(list.AddTail(1));
+    EXPECT_TRUE(list.AddTail(1));
+    EXPECT_EQ(fault.Failed(), 1u);
+  }
+  EXPECT_TRUE(list.AddTail(1));
+  EXPECT_EQ(list.count, 3);
+}
+
+TEST(FailingAllocation, AllFollowingOnesFailWhenAskedTo) {
+  LinkedList<int> list;
+  FailingAllocation fault(3, true);
+  EXPECT_TRUE(list.AddTail(1));
+  EXPECT_FALSE(list.AddTail(1));
+  EXPECT_FALSE(list.AddTail(1));
+  EXPECT_EQ(fault.Failed(), 2u);
+  EXPECT_EQ(list.count, 1);
+}
+
+}  // namespace
+}  // namespace kelvaro
