@@ -210,7 +210,7 @@ class OpenDevice final : public DirectInputDevice {
   HRESULT SetDataFormat() override { return directory.Enter("SetDataFormat").value_or(DI_OK); }
 
   HRESULT SetCooperativeLevel(Handle, std::uint32_t flags) override {
-    if (const auto planned = directory.Enter("SetCooperativeLevel", flags)) return *planned;
+    if (const auto planned = directory.Enter("SetCooperativeLevel", {flags})) return *planned;
     const bool oneShare = !(flags & kExclusive) != !(flags & DISCL_NONEXCLUSIVE);
     const bool onePlace = !(flags & kForeground) != !(flags & DISCL_BACKGROUND);
     return oneShare && onePlace ? DI_OK : DIERR_INVALIDPARAM;
@@ -241,7 +241,7 @@ class OpenDevice final : public DirectInputDevice {
 
   HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) override {
     const std::uint32_t axis = AxisOfId(range.diph.dwObj);
-    const auto planned = directory.Enter("SetProperty", axis, range.lMin, range.lMax);
+    const auto planned = directory.Enter("SetProperty", {axis, range.lMin, range.lMax});
     if (planned && *planned < 0) return *planned;
     if (property != DIPROP_RANGE || range.diph.dwSize != sizeof(DIPROPRANGE) ||
         range.diph.dwHeaderSize != sizeof(DIPROPHEADER) || range.diph.dwHow != DIPH_BYID ||
@@ -319,8 +319,8 @@ class OpenDevice final : public DirectInputDevice {
   DIJOYSTATE2 seen = StateAtRest();
 };
 
-DeviceDirectory::DeviceDirectory(std::function<std::uint64_t()> now, Journal* journal)
-    : now(std::move(now)), journal(journal) {}
+DeviceDirectory::DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall)
+    : now(std::move(now)), beforeCall(std::move(beforeCall)) {}
 
 DeviceDirectory::~DeviceDirectory() = default;
 
@@ -379,7 +379,7 @@ HRESULT DeviceDirectory::CreateDevice(const GUID& instance, DirectInputDevice** 
 }
 
 void DeviceDirectory::Release() {
-  Enter("Release", "DirectInput");
+  Enter("Release DirectInput");
   const Lock lock(guard);
   if (openDirectories == 0) Refuse("a DirectInput object is released that was never made");
   --openDirectories;

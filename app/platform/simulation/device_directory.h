@@ -5,14 +5,15 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "app/platform/devices.h"
-#include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/simulated_device.h"
 
 namespace platform::simulation {
@@ -22,9 +23,13 @@ class OpenDevice;
 
 class DeviceDirectory final : public Devices, private DirectInput {
  public:
-  // `now` tells the time in ms, never falling; it is called with the directory locked. `journal`
-  // may be null.
-  DeviceDirectory(std::function<std::uint64_t()> now, Journal* journal);
+  // Hears of each call, with its arguments, before it is carried out. What it gives, if anything,
+  // is the call's result: in place of carrying it out where that is a failure, otherwise after it.
+  using BeforeCall = std::function<std::optional<HRESULT>(std::string_view operation,
+                                                          std::initializer_list<std::int64_t>)>;
+
+  // `now` tells the time in ms, never falling; it is called with the directory locked.
+  explicit DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall = nullptr);
   ~DeviceDirectory() override;
 
   // The device lives as long as this.
@@ -47,13 +52,13 @@ class DeviceDirectory final : public Devices, private DirectInput {
 
   void Forget(OpenDevice* device);
 
-  template <typename... Arguments>
-  std::optional<HRESULT> Enter(std::string_view operation, const Arguments&... arguments) {
-    return journal ? journal->Enter(operation, arguments...) : std::nullopt;
+  std::optional<HRESULT> Enter(std::string_view operation,
+                               std::initializer_list<std::int64_t> arguments = {}) {
+    return beforeCall ? beforeCall(operation, arguments) : std::nullopt;
   }
 
   const std::function<std::uint64_t()> now;
-  Journal* const journal;
+  const BeforeCall beforeCall;
   mutable std::mutex guard;  // of all below, and of the devices
   std::uint32_t openDirectories = 0;
   std::list<ScriptedDevice> devices;

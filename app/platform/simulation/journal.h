@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
@@ -25,7 +26,16 @@ class Journal {
       ((line += ' ', line += Text(arguments)), ...);
       calls.push_back(std::move(line));
     }
-    return plans.empty() ? std::nullopt : Planned(operation);
+    return EnterUnnoted(operation);
+  }
+
+  std::optional<HRESULT> Enter(std::string_view operation,
+                               std::initializer_list<std::int64_t> arguments) {
+    if (logging) {
+      std::string& line = calls.emplace_back(operation);
+      for (const std::int64_t argument : arguments) line += ' ' + std::to_string(argument);
+    }
+    return EnterUnnoted(operation);
   }
 
   // The same for a wait or an event sent, which isn't noted.

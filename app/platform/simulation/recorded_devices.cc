@@ -8,7 +8,7 @@ struct RecordedDevices::Player {
   Player(const Recording& recording, Clock& clock)
       : clock(clock),
         lastTick(clock.GetTickCount()),
-        directory([this] { return Now(); }, nullptr),
+        directory([this] { return Now(); }),
         device(directory.Add(recording.device)) {
     device.Play(recording.changes);
   }

@@ -127,7 +127,10 @@ struct Simulation::Machine {
   VirtualClock clock{scheduler};
   VirtualThreads threads{scheduler, journal};
   VirtualTimers timers{scheduler, journal};
-  DeviceDirectory devices{[this] { return scheduler.Now(); }, &journal};
+  DeviceDirectory devices{[this] { return scheduler.Now(); },
+                          [this](std::string_view operation, const auto& arguments) {
+                            return journal.Enter(operation, arguments);
+                          }};
   KeptInput input{scheduler, journal};
   VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
