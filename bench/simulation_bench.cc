@@ -13,9 +13,9 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::AxisName;
+using platform::AxisName;
+using platform::StateChange;
 using platform::simulation::Simulation;
-using platform::simulation::StateChange;
 
 constexpr std::uint64_t kHour = 60 * 60 * 1000;  // ms
 

@@ -1,6 +1,6 @@
 #include "console/device_choice.h"
 
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/json_text.h"
 
 namespace kelvaro::console {
@@ -42,8 +42,8 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
   if (choice.name || !name.IsEmpty()) {
     *error = "there is no device '" + Bytes(name) + "'" + ListOfDevices(manager);
   } else if (choice.profileGuid != platform::GUID{}) {
-    *error = "there is no device with the guid " +
-             platform::simulation::GuidText(choice.profileGuid) + ListOfDevices(manager);
+    *error = "there is no device with the guid " + platform::GuidText(choice.profileGuid) +
+             ListOfDevices(manager);
   } else if (manager.DeviceCount() == 1) {
     return 0;
   } else if (manager.DeviceCount() == 0) {

@@ -1,7 +1,7 @@
 // kelvaroctl devices: what is plugged in.
 
 #include "app/platform/linux/device_use.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/json_text.h"
@@ -102,7 +102,7 @@ int DevicesCommand(const DevicesOptions& options, Streams streams) {
     Listed device;
     device.index = index++;
     device.name = instance.tszInstanceName;
-    device.guid = platform::simulation::GuidText(instance.guidInstance);
+    device.guid = platform::GuidText(instance.guidInstance);
     const bool known = ReadCapabilities(*directory, instance.guidInstance, &device.caps);
     if (const auto place = machine.PlaceOf(instance.guidInstance)) {
       device.place = *place;

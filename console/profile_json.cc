@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/json_text.h"
 #include "console/key_text.h"
 #include "keys/key_action.h"
@@ -182,8 +182,7 @@ bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault) {
   root.Text("deviceName", &profile->deviceName);
   root.Number("pollInterval", &profile->pollInterval, kMost32);
   if (const Json::Value* guid = root.Find("deviceGuid");
-      guid && (!guid->isString() ||
-               !platform::simulation::ParseGuid(guid->asString(), &profile->deviceGuid))) {
+      guid && (!guid->isString() || !platform::ParseGuid(guid->asString(), &profile->deviceGuid))) {
     document.Fail(*guid, "deviceGuid", "not 32 hex digits");
   }
   ReadMouse(root, profile);

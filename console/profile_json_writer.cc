@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/json_text.h"
 #include "engine/input_text.h"
 #include "keys/key_action.h"
@@ -135,7 +135,7 @@ std::string ProfileJson(const Profile& profile) {
       .Number("nextControlId", profile.nextControlId)
       .Text("deviceName", profile.deviceName)
       .Number("pollInterval", profile.pollInterval)
-      .Raw("deviceGuid", "\"" + platform::simulation::GuidText(profile.deviceGuid) + "\"")
+      .Raw("deviceGuid", "\"" + platform::GuidText(profile.deviceGuid) + "\"")
       .Raw("mouse", MouseJson(profile))
       .Raw("controls", controls.List())
       .Object();

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/terminal_text.h"
 #include "engine/input_text.h"
 #include "keys/key_action.h"
@@ -34,7 +34,7 @@ std::string DeviceText(const Profile& profile) {
   const bool hasGuid = profile.deviceGuid != platform::GUID{};
   std::string text = profile.deviceName.IsEmpty() ? "" : TerminalText(profile.deviceName);
   if (hasGuid) {
-    text += (text.empty() ? "" : ", ") + platform::simulation::GuidText(profile.deviceGuid);
+    text += (text.empty() ? "" : ", ") + platform::GuidText(profile.deviceGuid);
   }
   return text.empty() ? "any" : text;
 }

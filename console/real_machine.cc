@@ -4,7 +4,7 @@
 #include <mutex>
 
 #include "app/platform/linux/linux_platform.h"
-#include "app/platform/simulation/recorded_devices.h"
+#include "app/platform/recording/recorded_devices.h"
 #include "console/console_error.h"
 
 namespace kelvaro::console {
@@ -64,7 +64,7 @@ struct RealMachine::Parts {
   std::mutex refusalMutex;
   std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
   platform::LinuxPlatform system;
-  std::unique_ptr<platform::simulation::RecordedDevices> recorded;
+  std::unique_ptr<platform::RecordedDevices> recorded;
   std::unique_ptr<PrintingInput> printed;
   platform::Platform groups;
   std::unique_ptr<platform::InstalledPlatform> installed;
@@ -77,9 +77,8 @@ RealMachine::RealMachine() : parts(std::make_unique<Parts>()) {
 
 RealMachine::~RealMachine() = default;
 
-void RealMachine::PlayRecording(const platform::simulation::Recording& recording) {
-  parts->recorded =
-      std::make_unique<platform::simulation::RecordedDevices>(recording, *parts->groups.clock);
+void RealMachine::PlayRecording(const platform::Recording& recording) {
+  parts->recorded = std::make_unique<platform::RecordedDevices>(recording, *parts->groups.clock);
   parts->groups.devices = parts->recorded.get();
   parts->Install();
 }

@@ -9,7 +9,7 @@
 
 #include "app/platform/linux/device_nodes.h"
 #include "app/platform/platform.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "console/commands.h"
 #include "console/event_printer.h"
 
@@ -24,7 +24,7 @@ class RealMachine {
   RealMachine& operator=(const RealMachine&) = delete;
 
   // One device that plays a recording in real time, in place of those that are plugged in.
-  void PlayRecording(const platform::simulation::Recording& recording);
+  void PlayRecording(const platform::Recording& recording);
 
   // Where a device that is plugged in is; nothing if it isn't any more.
   std::optional<platform::NodePlace> PlaceOf(const platform::GUID& device);

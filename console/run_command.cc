@@ -17,7 +17,7 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::Recording;
+using platform::Recording;
 using platform::simulation::Simulation;
 
 // More than one has a reason to be: some hours of a busy pad.
@@ -109,7 +109,7 @@ int RunCommand(const RunOptions& options, Streams streams) {
       return Complain(streams.err, *options.replay + ": " + error);
     }
     std::istringstream lines(std::move(text));
-    if (!platform::simulation::ReadRecording(lines, &recording, &error)) {
+    if (!platform::ReadRecording(lines, &recording, &error)) {
       return Complain(streams.err, *options.replay + ":" + error);
     }
   }

@@ -15,10 +15,10 @@
 namespace kelvaro::console {
 namespace {
 
+using platform::AxisField;
+using platform::AxisName;
 using platform::DIJOYSTATE2;
-using platform::simulation::AxisField;
-using platform::simulation::AxisName;
-using platform::simulation::StateChange;
+using platform::StateChange;
 
 constexpr std::uint32_t kPollInterval = 5;  // ms
 
@@ -124,7 +124,7 @@ int RecordCommand(const RecordOptions& options, Streams streams) {
   RealMachine machine;
   std::mutex outMutex;  // the first line is this thread's, the others the notification thread's
   bool headerWritten = false;
-  DIJOYSTATE2 last = platform::simulation::StateAtRest();
+  DIJOYSTATE2 last = platform::StateAtRest();
   std::string pending;
   const auto note = [&](std::uint64_t t, const DIJOYSTATE2& state) {
     StateChange change = Difference(last, state);
@@ -145,15 +145,14 @@ int RecordCommand(const RecordOptions& options, Streams streams) {
   if (!watch.Begin(options.device, note, &error)) return Complain(streams.err, error);
   {
     const DeviceManager& manager = watch.Manager();
-    platform::simulation::DeviceDescription device;
+    platform::DeviceDescription device;
     device.name = Bytes(manager.SelectedName());
     device.guid = manager.SelectedGuid();
     device.buttons = manager.DeviceCaps().dwButtons;
     device.axes = manager.DeviceCaps().dwAxes;
     device.povs = manager.DeviceCaps().dwPOVs;
     const std::lock_guard<std::mutex> whole(outMutex);
-    streams.out << platform::simulation::RecordingHeaderLine(device) << '\n'
-                << pending << std::flush;
+    streams.out << platform::RecordingHeaderLine(device) << '\n' << pending << std::flush;
     headerWritten = true;
   }
   streams.err << "Recording '" << Bytes(watch.Manager().SelectedName()) << "'; Ctrl-C ends it."

@@ -9,12 +9,12 @@
 #include <sstream>
 #include <string>
 
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 
 namespace {
 
-using platform::simulation::Recording;
-using platform::simulation::StateChange;
+using platform::Recording;
+using platform::StateChange;
 
 void Check(bool holds, const char* what, const std::string& text) {
   if (holds) return;
@@ -24,7 +24,7 @@ void Check(bool holds, const char* what, const std::string& text) {
 
 bool Read(const std::string& text, Recording* recording, std::string* error) {
   std::istringstream in(text);
-  return platform::simulation::ReadRecording(in, recording, error);
+  return platform::ReadRecording(in, recording, error);
 }
 
 std::string Written(const Recording& recording) {
@@ -59,7 +59,7 @@ void CheckFault(const std::string& error) {
 
 void CheckLimits(const Recording& recording, const std::string& text) {
   std::uint64_t last = 0;
-  platform::DIJOYSTATE2 state = platform::simulation::StateAtRest();
+  platform::DIJOYSTATE2 state = platform::StateAtRest();
   for (const StateChange& change : recording.changes) {
     Check(change.t >= last, "times fall", text);
     last = change.t;

@@ -94,7 +94,7 @@ class ControlTest : public MainWindowTest {
   }
   void Wait() { sim.RunFor(20); }
   void PressAt(std::uint64_t t, const std::vector<std::uint32_t>& buttons) {
-    platform::simulation::StateChange change;
+    platform::StateChange change;
     change.hasButtons = true;
     change.buttons = buttons;
     pad.ChangeAt(t, change);

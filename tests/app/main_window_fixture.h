@@ -32,8 +32,8 @@ class MainWindowTest : public testing::Test {
  protected:
   using Simulation = platform::simulation::Simulation;
   using Screen = platform::simulation::Screen;
-  using SimulatedDevice = platform::simulation::SimulatedDevice;
-  using DeviceDescription = platform::simulation::DeviceDescription;
+  using SimulatedDevice = platform::SimulatedDevice;
+  using DeviceDescription = platform::DeviceDescription;
 
   static constexpr char kPad[] = "Pad";
   static constexpr char kProfile[] = "Game";

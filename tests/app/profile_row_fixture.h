@@ -90,7 +90,7 @@ class ProfileRowTest : public MainWindowTest {
 
   platform::simulation::VirtualDisk& Disk() { return sim.Disk(); }
 
-  platform::simulation::SimulatedDevice& AddStick() { return sim.AddDevice({"Stick", kStickGuid}); }
+  platform::SimulatedDevice& AddStick() { return sim.AddDevice({"Stick", kStickGuid}); }
 
   // Profiles on disk, written as by another program.
   void Store(const char* name, const std::function<void(ProfileFile*)>& fill = {}) {

@@ -10,7 +10,7 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::DeviceDescription;
+using platform::DeviceDescription;
 using platform::simulation::Simulation;
 
 platform::GUID Guid(std::uint8_t last) { return {1, 2, 3, {4, 5, 6, 7, 8, 9, 10, last}}; }

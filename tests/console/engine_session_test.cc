@@ -11,7 +11,7 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::SimulatedDevice;
+using platform::SimulatedDevice;
 using platform::simulation::Simulation;
 
 struct EngineSessionTest : testing::Test {

@@ -16,7 +16,7 @@
 namespace kelvaro::console {
 namespace {
 
-using platform::simulation::SimulatedDevice;
+using platform::SimulatedDevice;
 using platform::simulation::Simulation;
 
 constexpr std::uint64_t kHour = 60 * 60 * 1000;  // ms
@@ -97,7 +97,7 @@ class Soak {
 
  private:
   void Play() {
-    platform::simulation::StateChange change;
+    platform::StateChange change;
     if (random.OneIn(2)) {
       buttons ^= 1u << random.Below(8);
       change.hasButtons = true;
@@ -106,7 +106,7 @@ class Soak {
       }
     }
     if (random.OneIn(2)) {
-      const platform::simulation::AxisName axis{static_cast<std::uint16_t>(random.Below(8)), 0};
+      const platform::AxisName axis{static_cast<std::uint16_t>(random.Below(8)), 0};
       change.axes.emplace_back(axis, static_cast<std::int32_t>(random.Below(64001)) - 32000);
     }
     if (random.OneIn(4)) {

@@ -14,9 +14,9 @@
 namespace kelvaro {
 namespace {
 
+using platform::DeviceDescription;
 using platform::GUID;
-using platform::simulation::DeviceDescription;
-using platform::simulation::SimulatedDevice;
+using platform::SimulatedDevice;
 using platform::simulation::Simulation;
 using Calls = std::vector<std::string>;
 

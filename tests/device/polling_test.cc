@@ -11,11 +11,11 @@
 namespace kelvaro {
 namespace {
 
+using platform::DeviceDescription;
 using platform::DIJOYSTATE2;
-using platform::simulation::DeviceDescription;
-using platform::simulation::SimulatedDevice;
+using platform::SimulatedDevice;
+using platform::StateChange;
 using platform::simulation::Simulation;
-using platform::simulation::StateChange;
 using Calls = std::vector<std::string>;
 
 DeviceDescription FullPad() {
@@ -129,7 +129,7 @@ TEST_F(Polling, ASingleCountOnAnyAxisIsDeliveredOnce) {
   std::uint32_t tried = 0;
   for (std::uint16_t bank = 0; bank < 4; ++bank) {
     for (std::uint16_t kind = 0; kind < 8; ++kind, ++tried) {
-      const std::string axis = platform::simulation::AxisNameText({kind, bank});
+      const std::string axis = platform::AxisNameText({kind, bank});
       SCOPED_TRACE(axis);
       Forget();
       pad.MoveAxis(axis, 1);

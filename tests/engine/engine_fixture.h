@@ -249,8 +249,8 @@ class EngineTest : public ::testing::Test {
 
   // A pad that is selected and polled, and the repeat worker running. Times are noted from here on,
   // and polls come at multiples of `interval`, the worker's looks at multiples of 10.
-  platform::simulation::SimulatedDevice& Plug(std::uint32_t interval) {
-    platform::simulation::SimulatedDevice& pad = sim.AddDevice({});
+  platform::SimulatedDevice& Plug(std::uint32_t interval) {
+    platform::SimulatedDevice& pad = sim.AddDevice({});
     EXPECT_TRUE(device.EnumerateDevices());
     EXPECT_TRUE(device.SetPollInterval(interval));
     EXPECT_TRUE(device.SelectDevice(0));

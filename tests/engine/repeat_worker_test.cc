@@ -12,7 +12,7 @@ class Repeat : public EngineTest {
  protected:
   Repeat() : pad(&Plug(5)) { RunTo(12); }
 
-  platform::simulation::SimulatedDevice* pad;
+  platform::SimulatedDevice* pad;
 };
 
 TEST_F(Repeat, AHeldControlIsReplayedAtOnceThenAfterItsDelayThenAtItsSpeed) {

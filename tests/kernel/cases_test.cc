@@ -18,7 +18,7 @@
 #include <sstream>
 
 #include "app/platform/input.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 #include "tests/cases/case_file.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
@@ -28,8 +28,8 @@
 namespace kelvaro::kernel {
 namespace {
 
-using platform::simulation::Recording;
-using platform::simulation::StateChange;
+using platform::Recording;
+using platform::StateChange;
 
 struct TimedText {
   std::int64_t ms;
@@ -243,7 +243,7 @@ TEST_P(KernelCase, SendsTheseEvents) {
   ASSERT_TRUE(cases::ReadCase(GetParam(), &wanted, &error)) << error;
   Recording recording;
   std::istringstream lines(wanted.recording);
-  ASSERT_TRUE(platform::simulation::ReadRecording(lines, &recording, &error)) << error;
+  ASSERT_TRUE(platform::ReadRecording(lines, &recording, &error)) << error;
   const Json::Value profile = Parsed(wanted.profile);
   const int interval = profile.get("pollInterval", 5).asInt();
 

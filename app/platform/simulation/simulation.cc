@@ -5,7 +5,7 @@
 #include <map>
 #include <utility>
 
-#include "app/platform/simulation/device_directory.h"
+#include "app/platform/recording/device_directory.h"
 #include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
 #include "app/platform/simulation/virtual_processes.h"

@@ -23,9 +23,9 @@
 #include <vector>
 
 #include "app/platform/platform.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
+#include "app/platform/recording/simulated_device.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_processes.h"
 #include "app/platform/simulation/virtual_registry.h"

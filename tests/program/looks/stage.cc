@@ -20,8 +20,8 @@ namespace {
 
 constexpr int kPatience = 4000;  // ms
 
-platform::simulation::Recording ExamplePad() {
-  platform::simulation::Recording recording;
+platform::Recording ExamplePad() {
+  platform::Recording recording;
   recording.device.name = "Recorded Pad";
   recording.device.buttons = 10;
   return recording;
@@ -53,7 +53,7 @@ void Add(ProfileFile* profile, const Example& example) {
 }
 
 void StoreExamples() {
-  const platform::simulation::DeviceDescription device = ExamplePad().device;
+  const platform::DeviceDescription device = ExamplePad().device;
   for (const char* name : {"Driving", "First Person"}) {
     ProfileFile other;
     other.profileName = name;

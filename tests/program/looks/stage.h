@@ -14,8 +14,8 @@
 #include "app/platform/platform.h"
 #include "app/platform/qt/dialog_window.h"
 #include "app/platform/qt/qt_platform.h"
-#include "app/platform/simulation/recorded_devices.h"
-#include "app/platform/simulation/simulated_device.h"
+#include "app/platform/recording/recorded_devices.h"
+#include "app/platform/recording/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_registry.h"
 
@@ -84,7 +84,7 @@ class Stage {
   platform::qt::QtPlatform& Qt() { return qt; }
   platform::simulation::VirtualDisk& Disk() { return disk; }
   platform::simulation::VirtualRegistry& Registry() { return registry; }
-  platform::simulation::SimulatedDevice& Pad() { return pad.Device(); }
+  platform::SimulatedDevice& Pad() { return pad.Device(); }
   int KeysSent() const { return input.keys; }  // ups and downs
 
   // The newest window that is seen; null for none.
@@ -95,7 +95,7 @@ class Stage {
   platform::LinuxPlatform system;
   platform::simulation::VirtualDisk disk;
   platform::simulation::VirtualRegistry registry;
-  platform::simulation::RecordedDevices pad;
+  platform::RecordedDevices pad;
   platform::qt::QtPlatform qt;
   QuietShell shell;
   CountedInput input;

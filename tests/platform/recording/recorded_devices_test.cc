@@ -1,14 +1,16 @@
-#include "app/platform/simulation/recorded_devices.h"
+#include "app/platform/recording/recorded_devices.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
 
-#include "app/platform/simulation/simulated_device.h"
+#include "app/platform/recording/simulated_device.h"
 #include "app/platform/simulation/simulation.h"
 
-namespace platform::simulation {
+namespace platform {
+
+using simulation::Simulation;
 namespace {
 
 // A clock that a test sets.
@@ -148,4 +150,4 @@ TEST(RecordedDevices, ReplaceTheDevicesOfASimulation) {
 }
 
 }  // namespace
-}  // namespace platform::simulation
+}  // namespace platform

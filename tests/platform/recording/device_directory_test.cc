@@ -1,4 +1,4 @@
-#include "app/platform/simulation/device_directory.h"
+#include "app/platform/recording/device_directory.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,10 @@
 #include "app/platform/simulation/simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
-namespace platform::simulation {
+namespace platform {
+
+using simulation::Bodies;
+using simulation::Simulation;
 namespace {
 
 constexpr GUID kFirst{0x11111111, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}};
@@ -513,4 +516,4 @@ TEST(DeviceDirectoryDeathTest, ScriptsNameOnlyWhatADeviceCanHave) {
 }
 
 }  // namespace
-}  // namespace platform::simulation
+}  // namespace platform

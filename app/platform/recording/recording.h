@@ -11,7 +11,7 @@
 
 #include "app/platform/direct_input.h"
 
-namespace platform::simulation {
+namespace platform {
 
 // Names one axis of DIJOYSTATE2: kind 0 to 7 (X, Y, Z, RX, RY, RZ, SliderA, SliderB), bank 0 to 3.
 struct AxisName {
@@ -68,4 +68,4 @@ std::string RecordingChangeLine(const StateChange& change);
 std::string GuidText(const GUID& guid);
 bool ParseGuid(const std::string& text, GUID* guid);
 
-}  // namespace platform::simulation
+}  // namespace platform

@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "app/platform/devices.h"
-#include "app/platform/simulation/simulated_device.h"
+#include "app/platform/recording/simulated_device.h"
 
-namespace platform::simulation {
+namespace platform {
 
 class ScriptedDevice;
 class OpenDevice;
@@ -65,4 +65,4 @@ class DeviceDirectory final : public Devices, private DirectInput {
   std::vector<std::unique_ptr<OpenDevice>> open;
 };
 
-}  // namespace platform::simulation
+}  // namespace platform

@@ -8,9 +8,9 @@
 
 #include "app/platform/clock.h"
 #include "app/platform/devices.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 
-namespace platform::simulation {
+namespace platform {
 
 class SimulatedDevice;
 
@@ -31,4 +31,4 @@ class RecordedDevices final : public Devices {
   std::unique_ptr<Player> player;
 };
 
-}  // namespace platform::simulation
+}  // namespace platform

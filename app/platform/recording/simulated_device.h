@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "app/platform/direct_input.h"
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 
-namespace platform::simulation {
+namespace platform {
 
 // It stays attached until it is unplugged. While it is lost, or unplugged, polls fail with
 // DIERR_INPUTLOST and Acquire fails; its state changes all the same, and the first poll that it
@@ -48,4 +48,4 @@ class SimulatedDevice {
   virtual Range AxisRange(std::uint32_t axis) const = 0;
 };
 
-}  // namespace platform::simulation
+}  // namespace platform

@@ -1,8 +1,8 @@
-#include "app/platform/simulation/recorded_devices.h"
+#include "app/platform/recording/recorded_devices.h"
 
-#include "app/platform/simulation/device_directory.h"
+#include "app/platform/recording/device_directory.h"
 
-namespace platform::simulation {
+namespace platform {
 
 struct RecordedDevices::Player {
   Player(const Recording& recording, Clock& clock)
@@ -39,4 +39,4 @@ HRESULT RecordedDevices::DirectInput8Create(std::uint32_t version, DirectInput**
 
 SimulatedDevice& RecordedDevices::Device() { return player->device; }
 
-}  // namespace platform::simulation
+}  // namespace platform

@@ -1,4 +1,4 @@
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 
 #include <json/json.h>
 
@@ -13,7 +13,7 @@
 #include <streambuf>
 #include <string_view>
 
-namespace platform::simulation {
+namespace platform {
 namespace {
 
 constexpr std::uint32_t kVersion = 1;
@@ -485,4 +485,4 @@ bool ParseGuid(const std::string& text, GUID* guid) {
   return true;
 }
 
-}  // namespace platform::simulation
+}  // namespace platform

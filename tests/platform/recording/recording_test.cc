@@ -1,10 +1,10 @@
-#include "app/platform/simulation/recording.h"
+#include "app/platform/recording/recording.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-namespace platform::simulation {
+namespace platform {
 namespace {
 
 const std::string kHeader =
@@ -420,4 +420,4 @@ TEST(Recording, GuidsAreWrittenInFileOrder) {
 }
 
 }  // namespace
-}  // namespace platform::simulation
+}  // namespace platform

@@ -1,4 +1,4 @@
-#include "app/platform/simulation/device_directory.h"
+#include "app/platform/recording/device_directory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-namespace platform::simulation {
+namespace platform {
 namespace {
 
 constexpr std::uint32_t kAbsoluteAxis = 2;  // the published DIDFT_ABSAXIS
@@ -395,4 +395,4 @@ std::uint32_t DeviceDirectory::OpenObjects() const {
   return openDirectories + static_cast<std::uint32_t>(open.size());
 }
 
-}  // namespace platform::simulation
+}  // namespace platform
