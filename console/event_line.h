@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/platform/simulation/simulation.h"
+#include "app/platform/simulation/sent_event.h"
 
 namespace kelvaro::console {
 

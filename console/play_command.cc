@@ -1,5 +1,6 @@
 // kelvaroctl play: a key text's keys, once.
 
+#include "app/platform/simulation/simulation.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/event_printer.h"

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <utility>
 
+#include "app/platform/simulation/simulation.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/engine_session.h"

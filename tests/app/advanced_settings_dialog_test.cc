@@ -4,8 +4,8 @@
 #include <string>
 
 #include "app/dialogs.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 
 namespace kelvaro {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 using platform::IDCANCEL;
 using platform::IDOK;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 
 constexpr std::uint32_t kBox = 1199;
 

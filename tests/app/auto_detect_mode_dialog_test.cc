@@ -3,8 +3,8 @@
 #include <string>
 
 #include "app/dialogs.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -12,7 +12,7 @@ namespace {
 
 using platform::IDOK;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 using resources::kDontShowAgain;
 
 class AutoDetectModeDialogTest : public ::testing::Test {

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 
 namespace kelvaro {
 namespace {
 
 using platform::kNoWindow;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 using Strings = std::vector<std::string>;
 
 constexpr char kHelpKey[] = "HKCR\\CLSID\\{ADB880A6-D8FF-11CF-9377-00AA003B7A11}\\InprocServer32";

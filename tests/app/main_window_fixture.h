@@ -22,15 +22,15 @@
 
 #include "app/help.h"
 #include "app/main_window.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro {
 
 class MainWindowTest : public testing::Test {
  protected:
-  using Simulation = platform::simulation::Simulation;
+  using Simulation = platform::simulation::DesktopSimulation;
   using Screen = platform::simulation::Screen;
   using SimulatedDevice = platform::SimulatedDevice;
   using DeviceDescription = platform::DeviceDescription;

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 
 namespace platform {
 
@@ -31,7 +31,7 @@ using platform::IDCANCEL;
 using platform::Rect;
 using platform::simulation::Drawing;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 using platform::simulation::VirtualRegistry;
 using Strings = std::vector<std::string>;
 

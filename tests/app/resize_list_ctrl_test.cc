@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "app/dialog.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 
 namespace kelvaro {
 namespace {
@@ -18,7 +18,7 @@ namespace {
 using platform::ControlKind;
 using platform::Notice;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 using platform::simulation::VirtualRegistry;
 using Numbers = std::vector<std::int32_t>;
 using Strings = std::vector<std::string>;

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/dialog.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -17,7 +17,7 @@ namespace {
 using platform::ControlKind;
 using platform::Notice;
 using platform::simulation::Screen;
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kWithString = 1175;  // a number of the string table

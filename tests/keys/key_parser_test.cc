@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/platform/simulation/simulation.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "keys/key_action.h"
 #include "keys/key_tables.h"
 #include "tests/keys/key_text.h"
@@ -14,7 +14,7 @@
 namespace kelvaro {
 namespace {
 
-using platform::simulation::Simulation;
+using Simulation = platform::simulation::DesktopSimulation;
 
 constexpr platform::WindowHandle kWindow = 7;
 

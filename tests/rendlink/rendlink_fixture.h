@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/dialog.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
-#include "app/platform/simulation/simulation.h"
 #include "rendlink/launcher.h"
 #include "storage/profile_file.h"
 
@@ -66,7 +66,7 @@ class RendlinkTest : public testing::Test {
     return ready;
   }
 
-  platform::simulation::Simulation sim;
+  platform::simulation::DesktopSimulation sim;
   platform::simulation::Screen& screen = sim.Screen();
   TestSession session;
 };

@@ -1,5 +1,12 @@
 // What the simulated operations have in common: the log of calls, and the faults that are planned
 // for them. Operations are known by their published names.
+//
+// A call is a line: the name, then those arguments that tell calls apart, in their order and parted
+// by blanks, such as "timeSetEvent 10 1", "CreateThread repeat", "SetProperty 0 -32000 32000" (the
+// axis by its place in EnumObjects), "RegOpenKeyA HKCU\Software" (the whole path; "?" where the
+// handle isn't open). Numbers are decimal; handles and timers are numbered from 1, each apart. The
+// directory's "Release DirectInput" is told from a device's "Release". Waits and events that are
+// sent, which come by the thousand, have no line.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +24,7 @@ namespace platform::simulation {
 
 class Journal {
  public:
-  // Notes the call, if calls are kept, as the name and the arguments parted by blanks. The result
-  // that is planned for it, if one is.
+  // Notes the call, if calls are kept. The result that is planned for it, if one is.
   template <typename... Arguments>
   std::optional<HRESULT> Enter(std::string_view operation, const Arguments&... arguments) {
     if (logging) {

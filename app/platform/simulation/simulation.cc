@@ -3,12 +3,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "app/platform/recording/device_directory.h"
 #include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
-#include "app/platform/simulation/virtual_processes.h"
 #include "app/platform/simulation/virtual_threads.h"
 #include "app/platform/simulation/virtual_timers.h"
 
@@ -114,16 +114,13 @@ struct Simulation::Machine {
     all.files = &disk;
     all.system = &system;
     all.registry = &registry;
-    all.desktop = &screen.Desktop();
-    all.controls = &screen.Controls();
-    all.shell = &screen.Shell();
     all.processes = &processes;
     return all;
   }
 
   const bool claimed = ClaimTheMachine();
-  Journal journal;
-  Scheduler scheduler;
+  simulation::Journal journal;
+  simulation::Scheduler scheduler;
   VirtualClock clock{scheduler};
   VirtualThreads threads{scheduler, journal};
   VirtualTimers timers{scheduler, journal};
@@ -135,24 +132,28 @@ struct Simulation::Machine {
   VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
   VirtualRegistry registry{&journal};
-  simulation::Screen screen{scheduler, journal};
-  VirtualProcesses processes{scheduler, journal, threads,
-                             [this](std::uint32_t error) { disk.SetLastError(error); }};
-  const platform::Platform groups = Gathered();
-  const InstalledPlatform installed{groups};
+  VirtualProcesses processes{scheduler, journal, threads, disk};
+  platform::Platform groups = Gathered();
+  std::optional<InstalledPlatform> installed{groups};
 };
 
-Simulation::Simulation() : machine(std::make_unique<Machine>()) {
-  machine->processes.SetOwn([this] { return machine->disk.GetModuleFileNameA(); },
-                            [this] { return machine->screen.TopLevelWindows(); },
-                            [this](WindowHandle window, std::uint32_t message) {
-                              return machine->screen.Desktop().PostMessageA(window, message, 0, 0);
-                            });
-}
+Simulation::Simulation() : machine(std::make_unique<Machine>()) {}
 
 Simulation::~Simulation() = default;
 
 const platform::Platform& Simulation::Groups() const { return machine->groups; }
+
+void Simulation::AddGroups(Desktop& desktop, Controls& controls, Shell& shell) {
+  machine->groups.desktop = &desktop;
+  machine->groups.controls = &controls;
+  machine->groups.shell = &shell;
+  machine->installed.reset();
+  machine->installed.emplace(machine->groups);
+}
+
+simulation::Scheduler& Simulation::Scheduler() { return machine->scheduler; }
+
+simulation::Journal& Simulation::Journal() { return machine->journal; }
 
 std::uint64_t Simulation::Now() const { return machine->scheduler.Now(); }
 
@@ -170,8 +171,6 @@ SimulatedDevice& Simulation::AddDevice(const DeviceDescription& description) {
 }
 
 VirtualDisk& Simulation::Disk() { return machine->disk; }
-
-simulation::Screen& Simulation::Screen() { return machine->screen; }
 
 VirtualProcesses& Simulation::Processes() { return machine->processes; }
 
@@ -211,12 +210,6 @@ void Simulation::Mend(const std::string& operation) { machine->journal.Mend(oper
 
 void Simulation::SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs) {
   machine->timers.limits = {minMs, maxMs};
-}
-
-void Simulation::AnswerMessageBox(std::int32_t button) { machine->screen.AnswerNext(button); }
-
-const std::vector<ShownMessageBox>& Simulation::MessageBoxes() const {
-  return machine->screen.Boxes();
 }
 
 void Simulation::SetSystemMessage(std::uint32_t code, const std::string& text) {

@@ -1,8 +1,8 @@
 // The whole machine in memory. Time is virtual and moves only when every thread waits; threads are
 // virtual and run one at a time, each until it waits. Of those due at the same millisecond the
 // timer goes first, then the thread named "notification", then "repeat", then other threads in the
-// order of their making, then the user interface that Screen runs, and last the one that made the
-// Simulation: a test. The same calls give the same run. One Simulation at a time; it installs
+// order of their making, then the user interface, and last the one that made the Simulation: a
+// test. The same calls give the same run. One Simulation at a time; it installs
 // itself for its life.
 //
 // A test presses, waits and looks:
@@ -17,38 +17,21 @@
 
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/platform/platform.h"
-#include "app/platform/recording/recording.h"
 #include "app/platform/recording/simulated_device.h"
-#include "app/platform/simulation/screen.h"
+#include "app/platform/simulation/sent_event.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_processes.h"
 #include "app/platform/simulation/virtual_registry.h"
 
 namespace platform::simulation {
 
-// One event that was sent, as it was given.
-struct SentEvent {
-  enum class Kind { Key, Mouse };
-  std::uint64_t t = 0;  // ms since the start of the Simulation
-  Kind kind = Kind::Key;
-  std::uint32_t flags = 0;
-  std::uint8_t vk = 0;    // keys
-  std::uint8_t scan = 0;  // keys
-  std::int32_t dx = 0;    // mouse
-  std::int32_t dy = 0;
-  std::int32_t data = 0;
-  friend bool operator==(const SentEvent&, const SentEvent&) = default;
-};
-
-// "120 key 41 1e 0" (vk and scan in hexadecimal, flags decimal), "120 mouse 1 4 -1 0" (flags, dx,
-// dy, data, decimal).
-std::string EventText(const SentEvent& event);
+class Journal;
+class Scheduler;
 
 class Simulation {
  public:
@@ -57,8 +40,15 @@ class Simulation {
   Simulation(const Simulation&) = delete;
   Simulation& operator=(const Simulation&) = delete;
 
-  // The groups, to be installed with one of them replaced.
+  // The groups, to be installed with one of them replaced. Those of windows are null until
+  // somebody adds them.
   const platform::Platform& Groups() const;
+  // Borrowed: they stay behind the seam as long as this does.
+  void AddGroups(Desktop& desktop, Controls& controls, Shell& shell);
+
+  // What such groups are built on.
+  simulation::Scheduler& Scheduler();
+  simulation::Journal& Journal();
 
   // Virtual time in ms since the start. GetTickCount is the same plus an offset, 0 at first.
   std::uint64_t Now() const;
@@ -86,35 +76,7 @@ class Simulation {
   // Whether events are kept (they are at first); a long run does without.
   void KeepEvents(bool keep);
 
-  // Operations in the order in which they were called, failed ones included: those of devices, of
-  // timers, of the registry, of the desktop that a test may want in order, and of threads and
-  // events except waits. Kept only after LogCalls(true). Each is its name, followed by what is
-  // listed here for some:
-  //   SetCooperativeLevel FLAGS, SetProperty AXIS MIN MAX (AXIS is its place in EnumObjects),
-  //   Release DirectInput (the directory's; a device's stands alone), timeBeginPeriod MS,
-  //   timeEndPeriod MS, timeSetEvent MS RESOLUTION, timeKillEvent TIMER, CreateThread NAME,
-  //   SetPriorityClass CLASS, GetExitCodeThread HANDLE, TerminateThread HANDLE CODE,
-  //   SetCurrentThreadPriority PRIORITY, CreateEventA manual (or auto), SetEvent HANDLE,
-  //   ResetEvent HANDLE, CloseHandle HANDLE, FormatMessageA CODE, RegOpenKeyA KEY,
-  //   RegCreateKeyA KEY, RegCloseKey KEY, RegQueryValueExA KEY NAME, RegSetValueExA KEY NAME,
-  //   RegDeleteValueA KEY NAME, RegEnumValueA KEY INDEX, RegEnumKeyA KEY INDEX (KEY is the whole
-  //   path, as "HKCU\Software"; "?" where the handle isn't open),
-  //   MessageBoxA CAPTION, RunDialog DIALOG, EndDialog RESULT, ShowWindow COMMAND, SetTimer ID MS,
-  //   KillTimer ID, SetWindowsHookExA, UnhookWindowsHookEx, LoadIconA ID, DestroyIcon,
-  //   LoadBitmapA ID, Shell_NotifyIconA MESSAGE, GetCursorPos, GetDesktopRect, TrackPopupMenu,
-  //   PostMessageA MESSAGE, SetForegroundWindow, SetWindowIcon large (or small), MoveWindow,
-  //   InvalidateRect, UpdateWindow,
-  //   SetControlPos ID FLAGS, BeginDeferWindowPos COUNT, DeferWindowPos ID FLAGS,
-  //   EndDeferWindowPos, InvalidateControl ID, ShowControl ID COMMAND, SetControlFocus ID,
-  //   PostControlMessage ID MESSAGE, ComboAddString ID, ComboDeleteString ID ROW,
-  //   ComboSetCurSel ID ROW, ListGetColumnOrder, ListSetColumnOrder,
-  //   ListSetColumnWidth ID COLUMN, TabSetCurSel ID TAB,
-  //   SetPicture ID, SetHandCursor, CreateToolTip, EnableToolTips, SetToolTipWidth PIXELS,
-  //   SetToolTipTime MS, ActivateToolTip, AddTabTool ID TAB, AddTool ID,
-  //   ShellExecuteA TARGET, ChooseFile TITLE, ChooseFolder TITLE, MessageBeep, LoadLibraryA NAME,
-  //   GetHelpFunction ORDINAL, HtmlHelp COMMAND (and a TOPIC to display), ListProcesses,
-  //   CreateProcessA COMMANDLINE, EnumWindows, PostToWindow MESSAGE
-  // All numbers are decimal. Handles and timers are numbered from 1, each apart.
+  // Operations as the Journal notes them. Kept only after LogCalls(true).
   void LogCalls(bool log);
   const std::vector<std::string>& Calls() const;
   void ClearCalls();
@@ -133,17 +95,8 @@ class Simulation {
 
   void SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs);
 
-  // What the person sees and does, with the program that is run for it. Its log of calls and its
-  // faults are those above.
-  simulation::Screen& Screen();
-
   // Other programs.
   VirtualProcesses& Processes();
-
-  // Short for AnswerNext and Boxes of the Screen: what the next message boxes are answered with, in
-  // order, and all that were shown. Where no program runs, an unforeseen box gets 0.
-  void AnswerMessageBox(std::int32_t button);
-  const std::vector<ShownMessageBox>& MessageBoxes() const;
 
   // FormatMessageA's answer; before any call 2 and 5 have one.
   void SetSystemMessage(std::uint32_t code, const std::string& text);

@@ -5,25 +5,13 @@
 namespace platform::simulation {
 namespace {
 
-// Windows of other processes have numbers that no window of the screen has.
+// Windows of other processes have numbers that no window of the program has.
 constexpr WindowHandle kForeign = WindowHandle{1} << 31;
 
 }  // namespace
 
-VirtualProcesses::VirtualProcesses(Scheduler& scheduler, Journal& journal, Threads& threads,
-                                   std::function<void(std::uint32_t)> tellError)
-    : scheduler(scheduler),
-      journal(journal),
-      threads(threads),
-      tellError(std::move(tellError)),
-      ownPath([] { return std::string(); }),
-      ownWindows([] { return std::vector<TopLevelWindow>(); }),
-      postToOwn([](WindowHandle, std::uint32_t) { return false; }) {}
-
-void VirtualProcesses::SetOwn(std::function<std::string()> path,
-                              std::function<std::vector<TopLevelWindow>()> windows,
-                              std::function<bool(WindowHandle, std::uint32_t)> post) {
-  ownPath = std::move(path);
+void VirtualProcesses::SetOwnWindows(std::function<std::vector<TopLevelWindow>()> windows,
+                                     std::function<bool(WindowHandle, std::uint32_t)> post) {
   ownWindows = std::move(windows);
   postToOwn = std::move(post);
 }
@@ -66,7 +54,7 @@ void VirtualProcesses::EndAfter(std::uint32_t id, std::uint64_t ms) {
 bool VirtualProcesses::ListProcesses(std::vector<RunningProcess>* list) {
   list->clear();
   if (journal.Enter("ListProcesses")) return false;
-  list->push_back({kOwnId, ownPath()});
+  list->push_back({kOwnId, disk.GetModuleFileNameA()});
   for (const auto& [id, process] : processes)
     if (process.running) list->push_back({id, process.description.path});
   return true;
@@ -87,7 +75,7 @@ bool VirtualProcesses::CreateProcessA(const std::string& application,
   const auto program = programs.find(application);
   if (failure || program == programs.end()) {
     started.push_back(std::move(asked));
-    tellError(failure ? static_cast<std::uint32_t>(*failure) : kFileNotFound);
+    disk.SetLastError(failure ? static_cast<std::uint32_t>(*failure) : kFileNotFound);
     return false;
   }
   asked.id = Add(program->second);
@@ -102,7 +90,7 @@ bool VirtualProcesses::CreateProcessA(const std::string& application,
 
 bool VirtualProcesses::EnumWindows(std::vector<TopLevelWindow>* list) {
   if (journal.Enter("EnumWindows")) return false;
-  *list = ownWindows();
+  *list = ownWindows ? ownWindows() : std::vector<TopLevelWindow>();
   for (TopLevelWindow& window : *list) window.processId = kOwnId;
   for (const auto& [id, process] : processes)
     if (process.running && process.description.hasWindow)
@@ -115,7 +103,7 @@ bool VirtualProcesses::PostToWindow(WindowHandle window, std::uint32_t message) 
   const bool foreign = (window & kForeign) != 0;
   const auto id = foreign ? static_cast<std::uint32_t>(window & ~kForeign) : kOwnId;
   posted.push_back({scheduler.Now(), id, message});
-  if (!foreign) return postToOwn(window, message);
+  if (!foreign) return postToOwn && postToOwn(window, message);
   if (!Runs(id)) return false;
   const ProcessDescription& description = processes[id].description;
   EndAfter(id, message == WM_CLOSE ? description.endsAfterClose : description.endsAfterMessage);

@@ -1,6 +1,5 @@
 // The simulated machine's other programs, and the start of new ones. A process is a file, perhaps a
-// window, and a way to answer messages; the simulated program itself is one, too, whose windows are
-// those of the screen.
+// window, and a way to answer messages; the simulated program itself is one, too.
 #pragma once
 
 #include <cstdint>
@@ -12,6 +11,7 @@
 #include "app/platform/processes.h"
 #include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
+#include "app/platform/simulation/virtual_disk.h"
 
 namespace platform::simulation {
 
@@ -52,14 +52,13 @@ class VirtualProcesses final : public Processes {
   static constexpr std::uint32_t kOwnId = 1000;
   static constexpr std::uint32_t kFileNotFound = 2;
 
-  // `tellError` takes what GetLastError is to tell after a failed start.
-  VirtualProcesses(Scheduler& scheduler, Journal& journal, Threads& threads,
-                   std::function<void(std::uint32_t)> tellError);
+  // The disk has the program's own file.
+  VirtualProcesses(Scheduler& scheduler, Journal& journal, Threads& threads, VirtualDisk& disk)
+      : scheduler(scheduler), journal(journal), threads(threads), disk(disk) {}
 
-  // The file and the windows of the program itself.
-  void SetOwn(std::function<std::string()> path,
-              std::function<std::vector<TopLevelWindow>()> windows,
-              std::function<bool(WindowHandle, std::uint32_t)> post);
+  // The windows of the program itself, and the way to post to one of them. None at first.
+  void SetOwnWindows(std::function<std::vector<TopLevelWindow>()> windows,
+                     std::function<bool(WindowHandle, std::uint32_t)> post);
 
   // The id of one that runs from now on, counted up from 1001.
   std::uint32_t Add(const ProcessDescription& description);
@@ -96,8 +95,7 @@ class VirtualProcesses final : public Processes {
   Scheduler& scheduler;
   Journal& journal;
   Threads& threads;
-  std::function<void(std::uint32_t)> tellError;
-  std::function<std::string()> ownPath;
+  VirtualDisk& disk;
   std::function<std::vector<TopLevelWindow>()> ownWindows;
   std::function<bool(WindowHandle, std::uint32_t)> postToOwn;
   std::map<std::uint32_t, Process> processes;

@@ -6,11 +6,13 @@
 #include <stdexcept>
 
 #include "app/platform/platform.h"
-#include "app/platform/simulation/simulation.h"
+#include "app/platform/simulation/desktop_simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
 namespace platform::simulation {
 namespace {
+
+using Simulation = DesktopSimulation;
 
 constexpr const char* const kFruits[] = {"pear", "Apple", "plum"};
 

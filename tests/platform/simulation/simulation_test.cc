@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/platform/simulation/desktop_simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
 namespace platform::simulation {
@@ -69,8 +70,8 @@ TEST(Simulation, LosesEventsAsPlanned) {
   EXPECT_EQ(sim.EventText(), "0 key 3 4 0\n0 mouse 1 2 0 0\n");
 }
 
-TEST(Simulation, AnswersMessageBoxesInOrder) {
-  Simulation sim;
+TEST(DesktopSimulation, AnswersMessageBoxesInOrder) {
+  DesktopSimulation sim;
   sim.AnswerMessageBox(IDYES);
   sim.AnswerMessageBox(IDNO);
   EXPECT_EQ(MessageBoxA(7, "Really?", "Kelvaro", MB_YESNO), IDYES);
