@@ -13,12 +13,12 @@
 #include <thread>
 
 #include "app/main_window.h"
-#include "app/platform/linux/linux_platform.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
 #include "foundation/registry_key.h"
 #include "storage/profile_file.h"
 #include "tests/app/threads/plain_window.h"
 #include "tests/device/one_pad.h"
+#include "tests/storage/linux/program_elsewhere.h"
 
 namespace kelvaro {
 namespace {
@@ -70,48 +70,9 @@ struct NoInput : platform::Input {
                    std::uint32_t) override {}
 };
 
-// The files of Linux, with the program in a folder of the test's own.
-class FilesBelow : public platform::Files {
- public:
-  explicit FilesBelow(const std::string& folder) : folder(folder) {}
-
-  char PathSeparator() override { return files.PathSeparator(); }
-  std::unique_ptr<platform::File> CreateFileA(const std::string& path, std::uint32_t access,
-                                              std::uint32_t share,
-                                              std::uint32_t disposition) override {
-    return files.CreateFileA(path, access, share, disposition);
-  }
-  bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) override {
-    return files.CopyFileA(from, to, failIfExists);
-  }
-  bool DeleteFileA(const std::string& path) override { return files.DeleteFileA(path); }
-  std::uint32_t GetFileAttributesA(const std::string& path) override {
-    return files.GetFileAttributesA(path);
-  }
-  bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) override {
-    return files.SetFileAttributesA(path, attributes);
-  }
-  bool CreateDirectoryA(const std::string& path) override { return files.CreateDirectoryA(path); }
-  std::unique_ptr<platform::FileSearch> FindFirstFileA(const std::string& pattern,
-                                                       platform::FindData* data) override {
-    return files.FindFirstFileA(pattern, data);
-  }
-  std::string GetCurrentDirectoryA() override { return files.GetCurrentDirectoryA(); }
-  bool SetCurrentDirectoryA(const std::string& path) override {
-    return files.SetCurrentDirectoryA(path);
-  }
-  std::string GetModuleFileNameA() override { return folder + "/kelvaro"; }
-  std::uint32_t GetLogicalDrives() override { return files.GetLogicalDrives(); }
-  std::uint32_t GetLastError() override { return files.GetLastError(); }
-
- private:
-  const std::string folder;
-  platform::LinuxFiles files;
-};
-
 struct WindowThreads : testing::Test {
   WindowThreads() : installed(Groups()) {
-    std::filesystem::create_directories(folder + "/Profiles");
+    std::filesystem::create_directories(program.Profiles());
     RegistryKey settings(platform::HKEY_CURRENT_USER, kProductKey, true);
     settings.SetDword(nullptr, "Welcome Display", 1);
     settings.SetDword(nullptr, "Show Auto-Detect Usage", 0);
@@ -125,20 +86,10 @@ struct WindowThreads : testing::Test {
       EXPECT_TRUE(made.Save());
     }
   }
-  ~WindowThreads() override { std::filesystem::remove_all(folder); }
-
-  static std::string Folder() {
-    const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-    const std::string folder = testing::TempDir() + "kelvaro_window_" + name;
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directories(folder);
-    return folder;
-  }
   platform::Platform Groups() {
-    platform::Platform groups = linux.Groups();
+    platform::Platform groups = program.Groups();
     groups.devices = &pad;
     groups.input = &input;
-    groups.files = &files;
     groups.registry = &registry;
     groups.desktop = &screen;
     groups.controls = &screen;
@@ -168,13 +119,12 @@ struct WindowThreads : testing::Test {
     return number;
   }
 
-  const std::string folder = Folder();
-  platform::LinuxPlatform linux;
+  ProgramElsewhere program;
   BusyPad pad;
   NoInput input;
-  FilesBelow files{folder};
-  platform::SqliteRegistry registry{
-      {folder + "/settings.sqlite3", folder + "/machine.sqlite3", folder + "/autostart"}};
+  platform::SqliteRegistry registry{{program.Folder() + "/settings.sqlite3",
+                                     program.Folder() + "/machine.sqlite3",
+                                     program.Folder() + "/autostart"}};
   platform::PlainWindow screen;
   platform::InstalledPlatform installed;
 };

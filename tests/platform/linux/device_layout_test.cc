@@ -100,93 +100,73 @@ TEST(HatDirection, MoreThanHalfOfTheWayCounts) {
 DeviceLayout LayoutOf(const EvdevDescription& described) { return LayOut(described.Facts()); }
 
 TEST(DeviceLayout, ButtonsAreNumberedByTheirCodes) {
-  // A common pad: 0x130, 131, 133, 134, 136, 137, 13A, 13B, 13C, 13D, 13E.
-  EvdevDescription described;
-  described.Keys({BTN_THUMBR, BTN_A, BTN_B, BTN_X, BTN_Y, BTN_TL, BTN_TR, BTN_SELECT, BTN_START,
-                  BTN_MODE, BTN_THUMBL});
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 11u);
-  EXPECT_EQ(layout.buttonSlot[BTN_A], 0);
-  EXPECT_EQ(layout.buttonSlot[BTN_B], 1);
-  EXPECT_EQ(layout.buttonSlot[BTN_C], kNoSlot);
-  EXPECT_EQ(layout.buttonSlot[BTN_X], 2);
-  EXPECT_EQ(layout.buttonSlot[BTN_MODE], 8);
-  EXPECT_EQ(layout.buttonSlot[BTN_THUMBR], 10);
-}
-
-TEST(DeviceLayout, TwentyFourButtons) {
-  EvdevDescription described;
-  described.Keys(BTN_TRIGGER, BTN_DEAD).Keys(BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY8);  // 16 and 8
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 24u);
-  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER], 0);
-  EXPECT_EQ(layout.buttonSlot[BTN_DEAD], 15);
-  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER_HAPPY1], 16);
-  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER_HAPPY8], 23);
-}
-
-TEST(DeviceLayout, FortyButtons) {
-  EvdevDescription described;
-  described.Keys(BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY40);
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 40u);
-  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER_HAPPY40], 39);
-}
-
-TEST(DeviceLayout, AHundredAndTwentyEightButtonsAndNoMore) {
-  EvdevDescription described;
-  // 0x100 to 0x15F are 96, 0x2C0 to 0x2FF are 64 more: 160.
-  described.Keys(0x100, 0x15F).Keys(0x2C0, 0x2FF);
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 128u);
-  EXPECT_EQ(layout.buttonSlot[0x100], 0);
-  EXPECT_EQ(layout.buttonSlot[0x15F], 95);
-  EXPECT_EQ(layout.buttonSlot[0x2C0], 96);
-  EXPECT_EQ(layout.buttonSlot[0x2DF], 127);
-  EXPECT_EQ(layout.buttonSlot[0x2E0], kNoSlot);
-}
-
-TEST(DeviceLayout, DirectionPadsOfButtonsAreButtons) {
-  EvdevDescription described;
-  described.Keys({BTN_A, BTN_START}).Keys(BTN_DPAD_UP, BTN_DPAD_RIGHT);
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 6u);
-  EXPECT_EQ(layout.buttonSlot[BTN_DPAD_UP], 2);
-  EXPECT_EQ(layout.buttonSlot[BTN_DPAD_RIGHT], 5);
-  EXPECT_EQ(layout.hats, 0u);
-}
-
-TEST(DeviceLayout, KeysOfAPadComeBehindItsButtons) {
-  EvdevDescription described;
-  described.Keys({KEY_MENU, KEY_BACK, KEY_RECORD, KEY_HOMEPAGE, BTN_A, BTN_B, BTN_TRIGGER_HAPPY1});
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 7u);
-  EXPECT_EQ(layout.buttonSlot[BTN_A], 0);
-  EXPECT_EQ(layout.buttonSlot[BTN_B], 1);
-  EXPECT_EQ(layout.buttonSlot[BTN_TRIGGER_HAPPY1], 2);
-  EXPECT_EQ(layout.buttonSlot[KEY_MENU], 3);
-  EXPECT_EQ(layout.buttonSlot[KEY_BACK], 4);
-  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], 5);
-  EXPECT_EQ(layout.buttonSlot[KEY_HOMEPAGE], 6);
-}
-
-TEST(DeviceLayout, KeysOfAPadFindNoRoomBehindAHundredAndTwentyEightButtons) {
-  EvdevDescription described;
-  described.Keys({KEY_RECORD}).Keys(0x100, 0x15F).Keys(0x2C0, 0x2DF);  // 96 and 32
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 128u);
-  EXPECT_EQ(layout.buttonSlot[0x2DF], 127);
-  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], kNoSlot);
-}
-
-TEST(DeviceLayout, AWholeKeyboardBesideAPadIsNoneOfItsButtons) {
-  EvdevDescription described;
-  described.Keys(KEY_ESC, KEY_KPDOT).Keys({KEY_RECORD}).Keys(BTN_A, BTN_A + 15);
-  const DeviceLayout layout = LayoutOf(described);
-  EXPECT_EQ(layout.buttons, 16u);
-  EXPECT_EQ(layout.buttonSlot[BTN_A], 0);
-  EXPECT_EQ(layout.buttonSlot[KEY_A], kNoSlot);
-  EXPECT_EQ(layout.buttonSlot[KEY_RECORD], kNoSlot);
+  const struct {
+    const char* what;
+    void (*describe)(EvdevDescription&);
+    std::uint32_t buttons;
+    std::vector<std::pair<unsigned, std::uint8_t>> slots;
+  } rows[] = {
+      // 0x130, 131, 133, 134, 136, 137, 13A, 13B, 13C, 13D, 13E.
+      {"a common pad",
+       [](EvdevDescription& d) {
+         d.Keys({BTN_THUMBR, BTN_A, BTN_B, BTN_X, BTN_Y, BTN_TL, BTN_TR, BTN_SELECT, BTN_START,
+                 BTN_MODE, BTN_THUMBL});
+       },
+       11,
+       {{BTN_A, 0}, {BTN_B, 1}, {BTN_C, kNoSlot}, {BTN_X, 2}, {BTN_MODE, 8}, {BTN_THUMBR, 10}}},
+      {"twenty-four: 16 and 8",
+       [](EvdevDescription& d) {
+         d.Keys(BTN_TRIGGER, BTN_DEAD).Keys(BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY8);
+       },
+       24,
+       {{BTN_TRIGGER, 0}, {BTN_DEAD, 15}, {BTN_TRIGGER_HAPPY1, 16}, {BTN_TRIGGER_HAPPY8, 23}}},
+      {"forty",
+       [](EvdevDescription& d) { d.Keys(BTN_TRIGGER_HAPPY1, BTN_TRIGGER_HAPPY40); },
+       40,
+       {{BTN_TRIGGER_HAPPY40, 39}}},
+      // 0x100 to 0x15F are 96, 0x2C0 to 0x2FF are 64 more: 160.
+      {"a hundred and twenty-eight and no more",
+       [](EvdevDescription& d) { d.Keys(0x100, 0x15F).Keys(0x2C0, 0x2FF); },
+       128,
+       {{0x100, 0}, {0x15F, 95}, {0x2C0, 96}, {0x2DF, 127}, {0x2E0, kNoSlot}}},
+      {"a direction pad of buttons",
+       [](EvdevDescription& d) {
+         d.Keys({BTN_A, BTN_START}).Keys(BTN_DPAD_UP, BTN_DPAD_RIGHT);
+       },
+       6,
+       {{BTN_DPAD_UP, 2}, {BTN_DPAD_RIGHT, 5}}},
+      {"keys of a pad, behind its buttons",
+       [](EvdevDescription& d) {
+         d.Keys({KEY_MENU, KEY_BACK, KEY_RECORD, KEY_HOMEPAGE, BTN_A, BTN_B, BTN_TRIGGER_HAPPY1});
+       },
+       7,
+       {{BTN_A, 0},
+        {BTN_B, 1},
+        {BTN_TRIGGER_HAPPY1, 2},
+        {KEY_MENU, 3},
+        {KEY_BACK, 4},
+        {KEY_RECORD, 5},
+        {KEY_HOMEPAGE, 6}}},
+      {"no room for keys behind 96 and 32 buttons",
+       [](EvdevDescription& d) { d.Keys({KEY_RECORD}).Keys(0x100, 0x15F).Keys(0x2C0, 0x2DF); },
+       128,
+       {{0x2DF, 127}, {KEY_RECORD, kNoSlot}}},
+      {"a whole keyboard beside a pad is none of its buttons",
+       [](EvdevDescription& d) {
+         d.Keys(KEY_ESC, KEY_KPDOT).Keys({KEY_RECORD}).Keys(BTN_A, BTN_A + 15);
+       },
+       16,
+       {{BTN_A, 0}, {KEY_A, kNoSlot}, {KEY_RECORD, kNoSlot}}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    EvdevDescription described;
+    row.describe(described);
+    const DeviceLayout layout = LayoutOf(described);
+    EXPECT_EQ(layout.buttons, row.buttons);
+    for (const auto& [code, slot] : row.slots) EXPECT_EQ(layout.buttonSlot[code], slot) << code;
+    EXPECT_EQ(layout.hats, 0u);
+  }
 }
 
 using Codes = std::array<int, kAxisSlots>;  // X, Y, Z, Rx, Ry, Rz, slider 0, slider 1

@@ -50,9 +50,19 @@ class ReturnSearchTest : public ::testing::Test {
     }
     search = std::make_unique<ReturnSearch>(source, device->place, identity);
   }
+  Plugged PlugForUse(const Make& make) {
+    const Plugged pad = Plug(make);
+    Use(pad);
+    return pad;
+  }
   void Lose(const Plugged& device) {
     machine.Pull(device);
     EXPECT_EQ(search->Look(true), nullptr);
+  }
+  Plugged PlugAndLose(const Make& make) {
+    const Plugged pad = PlugForUse(make);
+    Lose(pad);
+    return pad;
   }
   bool IsBack() { return search->Look(false) != nullptr; }
   // Whatever the news is.
@@ -75,9 +85,7 @@ class ReturnSearchTest : public ::testing::Test {
 
 TEST_F(ReturnSearchTest, ItsOwnIdentityIsBackAtOnce) {
   for (const char* serial : {"", "serial"}) {
-    const Plugged pad = Plug({.serial = serial});
-    Use(pad);
-    Lose(pad);
+    PlugAndLose({.serial = serial});
     EXPECT_FALSE(IsBack());
     const Plugged back = Plug({.serial = serial});
     EXPECT_TRUE(IsBack());
@@ -86,8 +94,7 @@ TEST_F(ReturnSearchTest, ItsOwnIdentityIsBackAtOnce) {
 }
 
 TEST_F(ReturnSearchTest, AReturnBeforeTheLossWasToldIsFoundAtOnce) {
-  const Plugged pad = Plug({});
-  Use(pad);
+  const Plugged pad = PlugForUse({});
   machine.Pull(pad);
   Plug({});
   EXPECT_NE(search->Look(true), nullptr);
@@ -101,8 +108,7 @@ TEST_F(ReturnSearchTest, AnEqualSerialCountsOnAnyBusAndVersionAndUnderAnyName) {
       {.serial = "serial", .port = "", .bus = BUS_USB, .version = 0x8111},
       {.serial = "serial", .port = "port1", .bus = BUS_USB, .version = 1},
   };
-  Plugged pad = Plug(places[0]);
-  Use(pad);
+  Plugged pad = PlugForUse(places[0]);
   for (const Make& place : places) {
     Lose(pad);
     pad = Plug(place);
@@ -111,8 +117,7 @@ TEST_F(ReturnSearchTest, AnEqualSerialCountsOnAnyBusAndVersionAndUnderAnyName) {
 }
 
 TEST_F(ReturnSearchTest, TheCableMayBeInBeforeTheRadioIsOff) {
-  const Plugged radio = Plug({.serial = "serial", .bus = BUS_BLUETOOTH});
-  Use(radio);
+  const Plugged radio = PlugForUse({.serial = "serial", .bus = BUS_BLUETOOTH});
   Plug({.serial = "serial", .bus = BUS_USB});
   EXPECT_FALSE(IsBack());
   machine.Pull(radio);
@@ -120,9 +125,7 @@ TEST_F(ReturnSearchTest, TheCableMayBeInBeforeTheRadioIsOff) {
 }
 
 TEST_F(ReturnSearchTest, AnEqualSerialOfAnotherMakeIsNotIt) {
-  const Plugged pad = Plug({.serial = "serial"});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({.serial = "serial"});
   for (const Make& other : {Make{.serial = "serial", .bus = BUS_BLUETOOTH, .product = 0x5679},
                             Make{.serial = "serial", .bus = BUS_BLUETOOTH, .vendor = 0x1235}}) {
     const Plugged there = Plug(other);
@@ -133,16 +136,13 @@ TEST_F(ReturnSearchTest, AnEqualSerialOfAnotherMakeIsNotIt) {
 }
 
 TEST_F(ReturnSearchTest, NoSerialEqualsNone) {
-  const Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({});
   Plug({.name = "Wireless Pad", .bus = BUS_BLUETOOTH});
   EXPECT_FALSE(ComesBackIn(5000));
 }
 
 TEST_F(ReturnSearchTest, TwoOfItsSerialMeanNone) {
-  const Plugged pad = Plug({.serial = "0001"});
-  Use(pad);
+  const Plugged pad = PlugForUse({.serial = "0001"});
   machine.Pull(pad);
   Plug({.serial = "0001", .version = 2});
   Plug({.serial = "0001", .version = 3});
@@ -169,9 +169,7 @@ TEST_F(ReturnSearchTest, WithoutASerialTheOnlyNewcomerOfItsMakeAndNameIsIt) {
       {.serial = "told here", .port = "port2"},
   };
   for (const Make& place : places) {
-    const Plugged pad = Plug({});
-    Use(pad);
-    Lose(pad);
+    PlugAndLose({});
     const Plugged back = Plug(place);
     EXPECT_FALSE(ComesBackIn(1000)) << "another like it may follow";
     EXPECT_TRUE(IsBack());
@@ -180,9 +178,7 @@ TEST_F(ReturnSearchTest, WithoutASerialTheOnlyNewcomerOfItsMakeAndNameIsIt) {
 }
 
 TEST_F(ReturnSearchTest, ANewcomerOfAnotherMakeNameOrSerialIsNotIt) {
-  const Plugged pad = Plug({.serial = "serial-1"});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({.serial = "serial-1"});
   for (const Make& other :
        {Make{.name = "Other Pad", .port = "port2"}, Make{.port = "port3", .product = 0x5679},
         Make{.port = "port4", .vendor = 0x1235}, Make{.serial = "serial-2", .port = "port5"}}) {
@@ -218,9 +214,7 @@ TEST_F(ReturnSearchTest, ADeviceOfTheSameHubThatIsBackInItsOwnPlaceIsNotIt) {
 }
 
 TEST_F(ReturnSearchTest, TwoNewcomersMeanNone) {
-  const Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({});
   const Plugged one = Plug({.port = "port2"});
   EXPECT_FALSE(ComesBackIn(999));
   Plug({.port = "port3"});
@@ -231,9 +225,7 @@ TEST_F(ReturnSearchTest, TwoNewcomersMeanNone) {
 }
 
 TEST_F(ReturnSearchTest, ItsOwnIdentityComesBeforeTheOnlyNewcomer) {
-  const Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({});
   Plug({.port = "port2"});
   EXPECT_FALSE(ComesBackIn(500));
   const Plugged back = Plug({});
@@ -245,9 +237,7 @@ TEST_F(ReturnSearchTest, ItsOwnIdentityComesBeforeTheOnlyNewcomer) {
 }
 
 TEST_F(ReturnSearchTest, WhereItCameBackItIsKnownAgainAtOnce) {
-  Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  Plugged pad = PlugAndLose({});
   pad = Plug({.port = "port2"});
   ASSERT_TRUE(ComesBackIn(1001));
   LookNow();
@@ -280,9 +270,7 @@ TEST_F(ReturnSearchTest, TheOneThatIsLeftOfTwinsIsItUnderTheOrdinalOfTheOtherToo
 }
 
 TEST_F(ReturnSearchTest, TheMotionSensorOfTheSamePadIsNotIt) {
-  const Plugged pad = Plug({.serial = "serial"});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({.serial = "serial"});
   for (const int bus : {BUS_USB, BUS_BLUETOOTH}) {
     EvdevDescription sensor("Pad");
     sensor.Bus(bus).Ids(0x1234, 0x5678, 1).Unique("serial").Axes({ABS_X, ABS_Y, ABS_Z});
@@ -296,16 +284,14 @@ TEST_F(ReturnSearchTest, TheMotionSensorOfTheSamePadIsNotIt) {
 
 // A reader may fail on a device that is still there.
 TEST_F(ReturnSearchTest, ALostDeviceThatIsStillListedIsOpenedAgain) {
-  const Plugged pad = Plug({});
-  Use(pad);
+  PlugForUse({});
   EXPECT_NE(search->Look(true), nullptr);
 }
 
 // What it costs
 
 TEST_F(ReturnSearchTest, WithoutNewsNothingIsListedOrOpened) {
-  const Plugged pad = Plug({});
-  Use(pad);
+  const Plugged pad = PlugForUse({});
   const int lists = machine.lists;
   EXPECT_FALSE(ComesBackIn(5000));
   EXPECT_EQ(search->WaitMs(), -1);
@@ -318,9 +304,7 @@ TEST_F(ReturnSearchTest, WithoutNewsNothingIsListedOrOpened) {
 }
 
 TEST_F(ReturnSearchTest, NewsOfOtherMakesIsNoReasonToLook) {
-  const Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({});
   const int lists = machine.lists;
   Plug({.product = 0x5679});
   machine.Tell(NodeWatch::Report::Other);
@@ -330,9 +314,7 @@ TEST_F(ReturnSearchTest, NewsOfOtherMakesIsNoReasonToLook) {
 }
 
 TEST_F(ReturnSearchTest, LostNewsIsAReasonToLook) {
-  const Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  PlugAndLose({});
   Plug({});
   machine.reports.clear();
   LookNow();
@@ -340,9 +322,7 @@ TEST_F(ReturnSearchTest, LostNewsIsAReasonToLook) {
 }
 
 TEST_F(ReturnSearchTest, APermissionThatComesLaterIsWaitedForEverLessOften) {
-  Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  Plugged pad = PlugAndLose({});
   machine.nowMs = 1000;
   pad = Plug({});
   pad->openError = EACCES;
@@ -363,9 +343,7 @@ TEST_F(ReturnSearchTest, APermissionThatComesLaterIsWaitedForEverLessOften) {
 }
 
 TEST_F(ReturnSearchTest, AChangeOfPermissionThatIsReportedCountsAtOnce) {
-  Plugged pad = Plug({});
-  Use(pad);
-  Lose(pad);
+  Plugged pad = PlugAndLose({});
   pad = Plug({});
   pad->openError = EACCES;
   EXPECT_FALSE(IsBack());
@@ -376,8 +354,7 @@ TEST_F(ReturnSearchTest, AChangeOfPermissionThatIsReportedCountsAtOnce) {
 
 TEST_F(ReturnSearchTest, WithoutReportsTheLookIsOnceASecond) {
   machine.canWatch = false;
-  const Plugged pad = Plug({});
-  Use(pad);
+  const Plugged pad = PlugForUse({});
   EXPECT_EQ(search->NewsDescriptor(), -1);
   Lose(pad);
   const int lists = machine.lists;

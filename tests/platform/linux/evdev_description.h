@@ -73,6 +73,7 @@ class EvdevDescription {
   }
 
   DeviceFacts Facts() const { return FactsOf(device); }
+  const libevdev* Device() const { return device; }
 
  private:
   libevdev* const device;

@@ -2,53 +2,25 @@
 #pragma once
 
 #include <dbus/dbus.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
+
 namespace platform {
 
-// A message bus of the test's own.
-class Bus {
+// A message bus of the test's own. Its address is empty where it can't be started.
+class Bus : public kelvaro::tests::Server {
  public:
-  bool Start() {
-    int lines[2];
-    if (pipe2(lines, O_CLOEXEC) != 0) return false;
-    const std::string print = "--print-address=" + std::to_string(lines[1]);
-    process = fork();
-    if (process == 0) {
-      prctl(PR_SET_PDEATHSIG, SIGKILL);  // or it would outlive a test that gives up
-      fcntl(lines[1], F_SETFD, 0);
-      dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);  // it grumbles about limits
-      execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--nopidfile", print.c_str(),
-             nullptr);
-      _exit(127);
-    }
-    close(lines[1]);
-    char letter;
-    while (read(lines[0], &letter, 1) == 1 && letter != '\n') address += letter;
-    close(lines[0]);
-    return !address.empty();
-  }
-  ~Bus() {
-    if (process <= 0) return;
-    kill(process, SIGKILL);
-    waitpid(process, nullptr, 0);
-  }
-  const std::string& Address() const { return address; }
-
- private:
-  pid_t process = -1;
-  std::string address;
+  Bus()
+      : Server([](const std::string& pipe) {
+          return std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                          "--print-address=" + pipe};
+        }) {}
 };
 
 // The service, played by the test: grants everything, or refuses everything, and notes it.
@@ -128,10 +100,5 @@ class FakeService {
   std::atomic<bool> stop{false};
   std::thread server;
 };
-
-inline bool BusRequired() {
-  const char* required = std::getenv("KELVARO_REQUIRE");
-  return required && std::strstr(required, "dbus");
-}
 
 }  // namespace platform

@@ -2,42 +2,25 @@
 
 #include <errno.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
-#include <fstream>
+
+#include "tests/host/files.h"
 
 namespace platform {
 namespace {
 
-namespace fs = std::filesystem;
+using namespace kelvaro::tests;
 
-class FindProgramTest : public testing::Test {
+class FindProgramTest : public testing::Test, protected TemporaryFolder {
  protected:
   FindProgramTest() {
-    std::string pattern = "/tmp/find-program-test-XXXXXX";
-    folder = mkdtemp(pattern.data());
-    fs::create_directories(folder + "/bin");
-    fs::create_directory(folder + "/dir");
-    Put("game", fs::perms(0755));
-    Put("data", fs::perms(0644));
-    Put("bin/game", fs::perms(0755));
-    Put("bin/late", fs::perms(0755));
-    const char* const path = getenv("PATH");
-    before = path ? path : "";
-    setenv("PATH", (folder + "/none:" + folder + ":" + folder + "/bin").c_str(), 1);
-  }
-  ~FindProgramTest() override {
-    setenv("PATH", before.c_str(), 1);
-    fs::remove_all(folder);
-  }
-  void Put(const std::string& name, fs::perms mode) {
-    std::ofstream(folder + "/" + name) << "#!/bin/sh\n";
-    fs::permissions(folder + "/" + name, mode);
+    for (const char* name : {"game", "bin/game", "bin/late"}) PutScript(folder + "/" + name, "");
+    Put(folder + "/data", "");
+    std::filesystem::create_directory(folder + "/dir");
   }
 
-  std::string folder;
-  std::string before;
+  const Variable path{"PATH", (folder + "/none:" + folder + ":" + folder + "/bin").c_str()};
 };
 
 TEST_F(FindProgramTest, FindsAProgramAsAShellDoes) {

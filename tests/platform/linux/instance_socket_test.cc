@@ -4,19 +4,21 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <mutex>
+
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace kelvaro::tests;
 
 // A connection as any program can make one.
 int ConnectTo(const std::string& path) {
@@ -39,14 +41,8 @@ ssize_t AskByHand(const std::string& path) {
   return size < 0 ? 0 : size;  // a connection that is closed in one's face is an answer, too
 }
 
-class InstanceSocketTest : public testing::Test {
+class InstanceSocketTest : public testing::Test, protected TemporaryFolder {
  protected:
-  InstanceSocketTest() {
-    char name[] = "/tmp/kelvaro-instances-XXXXXX";
-    folder = mkdtemp(name);
-  }
-  ~InstanceSocketTest() override { fs::remove_all(folder); }
-
   std::unique_ptr<InstanceSocket> Open() {
     return InstanceSocket::Open(
         folder,
@@ -60,12 +56,11 @@ class InstanceSocketTest : public testing::Test {
         });
   }
 
-  std::string OwnSocket() const { return folder + "/" + std::to_string(getpid()) + ".socket"; }
+  std::string OwnSocket() const { return In(std::to_string(getpid()) + ".socket"); }
 
   int Connect() const { return ConnectTo(OwnSocket()); }
 
   const std::uint32_t self = static_cast<std::uint32_t>(getpid());
-  std::string folder;
   std::mutex mutex;
   std::vector<std::pair<WindowHandle, std::uint32_t>> posted;  // guarded by mutex
 };
@@ -103,7 +98,7 @@ TEST_F(InstanceSocketTest, IsForItsOwnerAlone) {
 TEST_F(InstanceSocketTest, GoesWithItsObjectAndCanBeOpenedAgain) {
   Open().reset();
   EXPECT_FALSE(fs::exists(OwnSocket()));
-  std::ofstream(OwnSocket()) << "left behind by a crash";
+  Put(OwnSocket(), "left behind by a crash");
   const auto socket = Open();
   ASSERT_TRUE(socket);
   std::vector<OfferedWindow> windows;
@@ -111,12 +106,9 @@ TEST_F(InstanceSocketTest, GoesWithItsObjectAndCanBeOpenedAgain) {
 }
 
 TEST_F(InstanceSocketTest, CannotBeOpenedWhereThereIsNoFolderOrItsNameIsTooLong) {
-  EXPECT_FALSE(InstanceSocket::Open(
-      "", [] { return std::vector<OfferedWindow>(); }, nullptr));
-  EXPECT_FALSE(InstanceSocket::Open(
-      folder + "/gone", [] { return std::vector<OfferedWindow>(); }, nullptr));
-  EXPECT_FALSE(InstanceSocket::Open(
-      "/tmp/" + std::string(120, 'x'), [] { return std::vector<OfferedWindow>(); }, nullptr));
+  for (const std::string& none : {std::string(), In("gone"), "/tmp/" + std::string(120, 'x')})
+    EXPECT_FALSE(InstanceSocket::Open(
+        none, [] { return std::vector<OfferedWindow>(); }, nullptr));
 }
 
 TEST_F(InstanceSocketTest, GarbageDoesNothing) {
@@ -167,16 +159,9 @@ TEST(DISABLED_AReplacedProgram, AsksAndIsTold) {
 // Runs a test of a copy of this program, which has that name; its exit status.
 int RunCopy(const std::string& copy, const char* test, const std::string& socket) {
   fs::copy_file("/proc/self/exe", copy);
-  const std::string filter = std::string("--gtest_filter=") + test;
-  const pid_t child = fork();
-  if (child == 0) {
-    setenv("KELVARO_TEST_SOCKET", socket.c_str(), 1);
-    execl(copy.c_str(), copy.c_str(), "--gtest_also_run_disabled_tests", filter.c_str(), nullptr);
-    _exit(127);
-  }
-  int status = 0;
-  EXPECT_EQ(waitpid(child, &status, 0), child);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  Child child({copy, "--gtest_also_run_disabled_tests", std::string("--gtest_filter=") + test},
+              {{{"KELVARO_TEST_SOCKET", socket}}});
+  return child.WaitForEnd();
 }
 
 TEST_F(InstanceSocketTest, AnotherProgramIsNotListenedTo) {
@@ -192,33 +177,28 @@ TEST_F(InstanceSocketTest, AnInstanceWhoseFileWasReplacedIsListenedTo) {
 }
 
 TEST_F(InstanceSocketTest, AnInstanceThatIsGoneIsNotAskedAndItsSocketIsRemoved) {
-  const pid_t child = fork();
-  if (child == 0) _exit(0);
-  waitpid(child, nullptr, 0);
-  const std::string left = folder + "/" + std::to_string(child) + ".socket";
-  std::ofstream(left) << "";
-  std::ofstream(folder + "/other file") << "";
+  const pid_t child = Fork([] { return 0; });
+  StatusOf(child);
+  const std::string left = Put(In(std::to_string(child) + ".socket"), "");
+  Put(In("other file"), "");
   const auto socket = Open();
   EXPECT_EQ(Instances(folder), std::vector<std::uint32_t>{self});
   EXPECT_FALSE(fs::exists(left));
-  EXPECT_TRUE(fs::exists(folder + "/other file"));
+  EXPECT_TRUE(fs::exists(In("other file")));
   std::vector<OfferedWindow> windows;
   EXPECT_FALSE(AskWindows(folder, static_cast<std::uint32_t>(child), &windows));
   EXPECT_FALSE(PostToInstance(folder, static_cast<std::uint32_t>(child), 1, 0x10));
 }
 
 TEST(InstanceFolder, IsTheUsersOwnAndInTheRuntimeFolder) {
-  char name[] = "/tmp/kelvaro-runtime-XXXXXX";
-  const std::string runtime = mkdtemp(name);
-  setenv("XDG_RUNTIME_DIR", runtime.c_str(), 1);
-  EXPECT_EQ(InstanceFolder(), runtime + "/kelvaro");
+  const TemporaryFolder runtime;
+  const Variable variable("XDG_RUNTIME_DIR", runtime.folder.c_str());
+  EXPECT_EQ(InstanceFolder(), runtime.In("kelvaro"));
   struct stat status {};
-  ASSERT_EQ(stat((runtime + "/kelvaro").c_str(), &status), 0);
+  ASSERT_EQ(stat(runtime.In("kelvaro").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0700u);
-  chmod((runtime + "/kelvaro").c_str(), 0777);  // anybody could put a socket there
+  chmod(runtime.In("kelvaro").c_str(), 0777);  // anybody could put a socket there
   EXPECT_EQ(InstanceFolder(), "");
-  unsetenv("XDG_RUNTIME_DIR");
-  fs::remove_all(runtime);
 }
 
 }  // namespace

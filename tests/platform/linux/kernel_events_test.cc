@@ -16,13 +16,11 @@ namespace {
 // Sockets that keep the bounds of a write, so that one write is one message.
 class KernelEventsTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK, 0, keyboard), 0);
-    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK, 0, mouse), 0);
-  }
-  void TearDown() override {
-    for (const int fd : {keyboard[0], keyboard[1], mouse[0], mouse[1]}) close(fd);
-  }
+  struct Sockets {
+    Sockets() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK, 0, ends), 0); }
+    ~Sockets() { close(ends[0]), close(ends[1]); }
+    int ends[2];
+  };
 
   // The next write as "type code value" triples parted by ", "; "" when there is none.
   static std::string NextWrite(int fd) {
@@ -40,11 +38,12 @@ class KernelEventsTest : public ::testing::Test {
     }
     return text;
   }
-  std::string Keyboard() { return NextWrite(keyboard[1]); }
-  std::string Mouse() { return NextWrite(mouse[1]); }
+  std::string Keyboard() { return NextWrite(keyboard.ends[1]); }
+  std::string Mouse() { return NextWrite(mouse.ends[1]); }
 
-  int keyboard[2];
-  int mouse[2];
+  Sockets keyboard;
+  Sockets mouse;
+  KernelEvents events{keyboard.ends[0], mouse.ends[0]};
 };
 
 // EV_SYN 0, EV_KEY 1, EV_REL 2; REL_X 0, REL_Y 1, REL_WHEEL 8, REL_WHEEL_HI_RES 11;
@@ -52,7 +51,6 @@ class KernelEventsTest : public ::testing::Test {
 // 276.
 
 TEST_F(KernelEventsTest, AKeyEventIsOneWriteWithItsReport) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event('A', 0x1E, 0, 0);
   events.keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
   EXPECT_EQ(Keyboard(), "1 30 1, 0 0 0");
@@ -62,7 +60,6 @@ TEST_F(KernelEventsTest, AKeyEventIsOneWriteWithItsReport) {
 }
 
 TEST_F(KernelEventsTest, AnExtendedKeyGoesByItsScanCode) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event(0xA3, 0x9D, KEYEVENTF_EXTENDEDKEY, 0);
   events.keybd_event(0xA3, 0x9D, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
   EXPECT_EQ(Keyboard(), "1 97 1, 0 0 0");
@@ -70,7 +67,6 @@ TEST_F(KernelEventsTest, AnExtendedKeyGoesByItsScanCode) {
 }
 
 TEST_F(KernelEventsTest, RepeatedDownsAreSentAsTheyCome) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event('A', 0x1E, 0, 0);
   events.keybd_event('A', 0x1E, 0, 0);
   EXPECT_EQ(Keyboard(), "1 30 1, 0 0 0");
@@ -86,7 +82,6 @@ TEST_F(KernelEventsTest, AReleaseIsSentOnlyWhereItsOwnVirtualKeyPressedThatKey) 
   } rows[] = {{'D', 0x20, 0x03, "1 32 1, 0 0 0", "1 32 0, 0 0 0"},
               {'W', 0x11, 0x01, "1 17 1, 0 0 0", "1 17 0, 0 0 0"},
               {0xA5, 0xB8, 0x0B, "1 100 1, 0 0 0", "1 100 0, 0 0 0"}};  // KEY_RIGHTALT
-  KernelEvents events(keyboard[0], mouse[0]);
   for (const auto& row : rows) {
     events.keybd_event(row.vk, row.scan, KEYEVENTF_KEYUP, 0);
     EXPECT_EQ(Keyboard(), "") << row.down;
@@ -102,7 +97,6 @@ TEST_F(KernelEventsTest, AReleaseIsSentOnlyWhereItsOwnVirtualKeyPressedThatKey) 
 }
 
 TEST_F(KernelEventsTest, EachVirtualKeyThatPressedAKeyMayReleaseIt) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event(0x10, 0x2A, 0, 0);  // <Shift>
   events.keybd_event(0xA0, 0x2A, 0, 0);  // <LShift>
   events.keybd_event(0x10, 0x2A, KEYEVENTF_KEYUP, 0);
@@ -112,7 +106,6 @@ TEST_F(KernelEventsTest, EachVirtualKeyThatPressedAKeyMayReleaseIt) {
 }
 
 TEST_F(KernelEventsTest, AKeyThatTheKernelDoesNotKnowSendsNothing) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event(0xF6, 0, 0, 0);
   events.keybd_event(0x01, 0xF4, KEYEVENTF_KEYUP, 0);
   EXPECT_EQ(Keyboard(), "");
@@ -121,7 +114,6 @@ TEST_F(KernelEventsTest, AKeyThatTheKernelDoesNotKnowSendsNothing) {
 }
 
 TEST_F(KernelEventsTest, TheSideButtonsAreTheMouses) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event(5, 0, 0, 0);
   events.keybd_event(6, 0, 0, 0);
   events.keybd_event(6, 0, KEYEVENTF_KEYUP, 0);
@@ -132,14 +124,12 @@ TEST_F(KernelEventsTest, TheSideButtonsAreTheMouses) {
 }
 
 TEST_F(KernelEventsTest, KeysBehindTheButtonsAreTheKeyboards) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.keybd_event(0xFE, 0, 0, 0);  // KEY_CLEAR, 0x163
   EXPECT_EQ(Keyboard(), "1 355 1, 0 0 0");
   EXPECT_EQ(Mouse(), "");
 }
 
 TEST_F(KernelEventsTest, MotionNamesTheAxesThatMove) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_MOVE, 4, -1, 0, 0);
   events.mouse_event(MOUSEEVENTF_MOVE, 0, 7, 0, 0);
   events.mouse_event(MOUSEEVENTF_MOVE, 0, 0, 0, 0);
@@ -149,7 +139,6 @@ TEST_F(KernelEventsTest, MotionNamesTheAxesThatMove) {
 }
 
 TEST_F(KernelEventsTest, MotionWithoutItsFlagIsNone) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_LEFTDOWN, 4, 4, 0, 0);
   EXPECT_EQ(Mouse(), "1 272 1, 0 0 0");
 }
@@ -160,7 +149,6 @@ TEST_F(KernelEventsTest, EachButtonHasItsEdges) {
     const char* written;
   } rows[] = {{2, "1 272 1, 0 0 0"},  {4, "1 272 0, 0 0 0"},  {8, "1 273 1, 0 0 0"},
               {16, "1 273 0, 0 0 0"}, {32, "1 274 1, 0 0 0"}, {64, "1 274 0, 0 0 0"}};
-  KernelEvents events(keyboard[0], mouse[0]);
   for (const auto& row : rows) {
     events.mouse_event(row.flags, 0, 0, 0, 0);
     EXPECT_EQ(Mouse(), row.written) << row.flags;
@@ -168,21 +156,18 @@ TEST_F(KernelEventsTest, EachButtonHasItsEdges) {
 }
 
 TEST_F(KernelEventsTest, SeveralEdgesOfOneCallAreOneWrite) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_LEFTUP | MOUSEEVENTF_RIGHTDOWN | MOUSEEVENTF_MIDDLEUP, 0, 0, 0, 0);
   EXPECT_EQ(Mouse(), "1 273 1, 1 272 0, 1 274 0, 0 0 0");
   EXPECT_EQ(Mouse(), "");
 }
 
 TEST_F(KernelEventsTest, AClickInOneCallKeepsItsTwoEdgesApart) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
   EXPECT_EQ(Mouse(), "1 272 1, 0 0 0, 1 272 0, 0 0 0");
   EXPECT_EQ(Mouse(), "");
 }
 
 TEST_F(KernelEventsTest, EverythingAtOnceIsOneWrite) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_MOVE | 2 | 4 | 8 | 16 | 32 | 64 | MOUSEEVENTF_WHEEL, 1, 2, 120, 0);
   EXPECT_EQ(Mouse(),
             "2 0 1, 2 1 2, 1 272 1, 1 273 1, 1 274 1, 0 0 0, 1 272 0, 1 273 0, 1 274 0, 2 8 1, "
@@ -191,7 +176,6 @@ TEST_F(KernelEventsTest, EverythingAtOnceIsOneWrite) {
 }
 
 TEST_F(KernelEventsTest, WheelCountsGoOutAlwaysAndNotchesWhenFull) {
-  KernelEvents events(keyboard[0], mouse[0]);
   events.mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 100, 0);
   events.mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 30, 0);
   events.mouse_event(MOUSEEVENTF_WHEEL, 0, 0, -250, 0);
@@ -205,13 +189,13 @@ TEST_F(KernelEventsTest, WheelCountsGoOutAlwaysAndNotchesWhenFull) {
 TEST_F(KernelEventsTest, AFailingWriteIsCountedAndReportedOnce) {
   const int readOnly = open("/dev/null", O_RDONLY | O_CLOEXEC);
   ASSERT_GE(readOnly, 0);
-  KernelEvents events(readOnly, mouse[0]);
+  KernelEvents failing(readOnly, mouse.ends[0]);
   std::vector<std::string> reports;
-  events.OnFailure([&](const std::string& text) { reports.push_back(text); });
-  events.keybd_event('A', 0x1E, 0, 0);
-  events.keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
-  events.mouse_event(MOUSEEVENTF_MOVE, 1, 0, 0, 0);
-  EXPECT_EQ(events.FailedEvents(), 2u);
+  failing.OnFailure([&](const std::string& text) { reports.push_back(text); });
+  failing.keybd_event('A', 0x1E, 0, 0);
+  failing.keybd_event('A', 0x1E, KEYEVENTF_KEYUP, 0);
+  failing.mouse_event(MOUSEEVENTF_MOVE, 1, 0, 0, 0);
+  EXPECT_EQ(failing.FailedEvents(), 2u);
   EXPECT_EQ(reports, std::vector<std::string>{strerror(EBADF)});
   EXPECT_EQ(Mouse(), "2 0 1, 0 0 0");
   close(readOnly);

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/platform/direct_input.h"
 #include "tests/platform/linux/evdev_description.h"
 #include "tests/platform/linux/fake_nodes.h"
 
@@ -47,20 +48,12 @@ class LinuxDevicesTest : public ::testing::Test {
       : devices(std::make_unique<FakeNodes>(machine), [this] { return machine.nowMs.load(); }) {
     EXPECT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
   }
-  ~LinuxDevicesTest() override { directInput->Release(); }
-
-  std::vector<DIDEVICEINSTANCE> List() {
-    std::vector<DIDEVICEINSTANCE> list;
-    EXPECT_EQ(directInput->EnumDevices(
-                  DI8DEVCLASS_GAMECTRL,
-                  [&](const DIDEVICEINSTANCE& instance) {
-                    list.push_back(instance);
-                    return true;
-                  },
-                  DIEDFL_ATTACHEDONLY),
-              DI_OK);
-    return list;
+  ~LinuxDevicesTest() override {
+    device.reset();
+    directInput->Release();
   }
+
+  std::vector<DIDEVICEINSTANCE> List() { return Listed(*directInput); }
   std::vector<std::string> Names() {
     std::vector<std::string> names;
     for (const DIDEVICEINSTANCE& instance : List()) names.push_back(instance.tszInstanceName);
@@ -76,27 +69,9 @@ class LinuxDevicesTest : public ::testing::Test {
     EXPECT_EQ(directInput->CreateDevice(list[index].guidInstance, &device), DI_OK);
     EXPECT_EQ(device->SetDataFormat(), DI_OK);
     EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_BACKGROUND | DISCL_NONEXCLUSIVE), DI_OK);
-    EXPECT_EQ(device->EnumObjects(
-                  [&](std::uint32_t id) {
-                    DIPROPRANGE range;
-                    range.diph.dwObj = id;
-                    range.diph.dwHow = DIPH_BYID;
-                    range.lMin = -32000;
-                    range.lMax = 32000;
-                    EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DI_OK);
-                    return true;
-                  },
-                  DIDFT_AXIS),
-              DI_OK);
+    ScaleAxes(*device);
     EXPECT_EQ(device->Acquire(), DI_OK);
     return Opened(device);
-  }
-
-  static DIJOYSTATE2 Polled(DirectInputDevice& device) {
-    EXPECT_EQ(device.Poll(), DI_OK);
-    DIJOYSTATE2 state;
-    EXPECT_EQ(device.GetDeviceState(sizeof state, &state), DI_OK);
-    return state;
   }
 
   // One tick of whoever polls: true on a good poll.
@@ -123,9 +98,16 @@ class LinuxDevicesTest : public ::testing::Test {
     EXPECT_EQ(device.Poll(), DIERR_INPUTLOST);
   }
 
+  void PlugAndOpen(const DeviceFacts& facts, int number = 1) {
+    pad = machine.Plug(number, facts);
+    device = Open();
+  }
+
   FakeMachine machine;
   LinuxDevices devices;
   DirectInput* directInput = nullptr;
+  std::shared_ptr<FakeMachine::Plugged> pad;
+  Opened device;
 };
 
 DIJOYSTATE2 AtRest() {
@@ -158,8 +140,7 @@ TEST_F(LinuxDevicesTest, GameDevicesAreListedByTheirEventNumber) {
 TEST_F(LinuxDevicesTest, AnAxisThatRestsAtItsLowEndTurnsNoHat) {
   EvdevDescription described("Odd Axis");
   described.Ids(0x1234, 0x5678, 1).Keys({BTN_A}).Axis(ABS_HAT0X, 0, 239).Axis(ABS_HAT0Y, -1, 1);
-  const auto pad = machine.Plug(1, described.Facts());
-  const Opened device = Open();
+  PlugAndOpen(described.Facts());
   EXPECT_EQ(Polled(*device).rgdwPOV[0], kPovCentred);
   EXPECT_EQ(Polled(*device).rglSlider[0], -32000);
   FakeMachine::Say(*pad, EV_ABS, ABS_HAT0X, 239);
@@ -212,8 +193,7 @@ TEST_F(LinuxDevicesTest, AnUnknownIdentityIsNoDevice) {
 }
 
 TEST_F(LinuxDevicesTest, CapabilitiesCountButtonsAxesAndHats) {
-  machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   DIDEVCAPS caps;
   EXPECT_EQ(device->GetCapabilities(&caps), DI_OK);
   EXPECT_EQ(caps.dwSize, 44u);
@@ -227,8 +207,7 @@ TEST_F(LinuxDevicesTest, CapabilitiesCountButtonsAxesAndHats) {
 TEST_F(LinuxDevicesTest, AxesAreNamedByTheirPlaces) {
   EvdevDescription described("a");
   described.Keys({BTN_A}).Axes({ABS_X, ABS_RZ, ABS_THROTTLE});
-  machine.Plug(1, described.Facts());
-  const Opened device = Open();
+  PlugAndOpen(described.Facts());
   std::vector<std::uint32_t> ids;
   device->EnumObjects(
       [&](std::uint32_t id) {
@@ -240,8 +219,7 @@ TEST_F(LinuxDevicesTest, AxesAreNamedByTheirPlaces) {
 }
 
 TEST_F(LinuxDevicesTest, OtherPropertiesAndLevelsAreRefused) {
-  machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   DIPROPRANGE range;
   range.diph.dwHow = DIPH_BYID;
   range.diph.dwObj = 0x002;
@@ -262,8 +240,7 @@ TEST_F(LinuxDevicesTest, TheFirstStateIsWhatTheKernelHolds) {
   described.Keys({BTN_A, BTN_B, BTN_X}).Down(BTN_B);
   described.Axis(ABS_X, -100, 100, 50).Axis(ABS_Y, 0, 200, 200);
   described.Axis(ABS_HAT0X, -1, 1, 1).Axis(ABS_HAT0Y, -1, 1, 0);
-  machine.Plug(1, described.Facts());
-  const Opened device = Open();
+  PlugAndOpen(described.Facts());
   DIJOYSTATE2 expected = AtRest();
   expected.rgbButtons[1] = 0x80;
   expected.lX = 16000;
@@ -273,8 +250,7 @@ TEST_F(LinuxDevicesTest, TheFirstStateIsWhatTheKernelHolds) {
 }
 
 TEST_F(LinuxDevicesTest, EventsChangeTheState) {
-  const auto pad = machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   EXPECT_TRUE(Same(Polled(*device), AtRest()));
   FakeMachine::Say(*pad, EV_KEY, BTN_X, 1);
   FakeMachine::Say(*pad, EV_ABS, ABS_X, -100);
@@ -295,8 +271,7 @@ TEST_F(LinuxDevicesTest, EventsChangeTheState) {
 }
 
 TEST_F(LinuxDevicesTest, EventsOfNoConcernChangeNothing) {
-  const auto pad = machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   FakeMachine::Say(*pad, EV_KEY, KEY_A, 1);
   FakeMachine::Say(*pad, EV_MSC, MSC_SCAN, 0x90001);
   FakeMachine::Say(*pad, EV_ABS, ABS_MISC, 7);
@@ -306,16 +281,14 @@ TEST_F(LinuxDevicesTest, EventsOfNoConcernChangeNothing) {
 }
 
 TEST_F(LinuxDevicesTest, AQuietPollReadsOnce) {
-  const auto pad = machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   const int before = pad->readsDone;
   EXPECT_EQ(device->Poll(), DI_OK);
   EXPECT_EQ(pad->readsDone, before + 1);
 }
 
 TEST_F(LinuxDevicesTest, LostEventsAreCaughtUpWith) {
-  const auto pad = machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
   FakeMachine::Say(*pad, EV_SYN, SYN_DROPPED, 0, LIBEVDEV_READ_STATUS_SYNC);
   FakeMachine::Say(*pad, EV_KEY, BTN_A, 0, LIBEVDEV_READ_STATUS_SYNC);
@@ -328,8 +301,7 @@ TEST_F(LinuxDevicesTest, LostEventsAreCaughtUpWith) {
 }
 
 TEST_F(LinuxDevicesTest, AStateNeedsAcquiringAndItsSize) {
-  machine.Plug(1, Pad("a"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a"));
   DIJOYSTATE2 state;
   EXPECT_EQ(device->GetDeviceState(80, &state), DIERR_INVALIDPARAM);
   EXPECT_EQ(device->Acquire(), DI_NOEFFECT);
@@ -344,8 +316,7 @@ TEST_F(LinuxDevicesTest, AStateNeedsAcquiringAndItsSize) {
 TEST_F(LinuxDevicesTest, APulledPadComesToRestBeforeItIsLost) {
   EvdevDescription described("a");
   described.Keys({BTN_A}).Axis(ABS_X, -100, 100).Axis(ABS_Z, 0, 255).Axis(ABS_HAT0Y, -1, 1);
-  const auto pad = machine.Plug(1, described.Facts());
-  const Opened device = Open();
+  PlugAndOpen(described.Facts());
   FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
   FakeMachine::Say(*pad, EV_ABS, ABS_X, 100);
   FakeMachine::Say(*pad, EV_ABS, ABS_HAT0Y, -1);
@@ -365,8 +336,7 @@ TEST_F(LinuxDevicesTest, APulledPadComesToRestBeforeItIsLost) {
 // What a lost device is known by stands in device_return_test.cc.
 
 TEST_F(LinuxDevicesTest, ALostPadComesBackWithTheStateThatItHasThen) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a", "serial"), 5);
   for (int round = 0; round < 3; ++round) {
     machine.Pull(pad);
     Lose(*device);
@@ -384,8 +354,7 @@ TEST_F(LinuxDevicesTest, ALostPadComesBackWithTheStateThatItHasThen) {
 }
 
 TEST_F(LinuxDevicesTest, AReturnBeforeTheLossWasSeenIsNoLessOne) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a", "serial"), 5);
   machine.Pull(pad);
   machine.Plug(5, Pad("a", "serial"));
   Lose(*device);
@@ -394,8 +363,7 @@ TEST_F(LinuxDevicesTest, AReturnBeforeTheLossWasSeenIsNoLessOne) {
 }
 
 TEST_F(LinuxDevicesTest, APadThatComesBackElsewhereGoesOn) {
-  const auto pad = machine.Plug(5, PadOfPort("port1"));
-  const Opened device = Open();
+  PlugAndOpen(PadOfPort("port1"), 5);
   machine.Pull(pad);
   Lose(*device);
   const auto back = machine.Plug(6, PadOfPort("port2"));
@@ -407,8 +375,7 @@ TEST_F(LinuxDevicesTest, APadThatComesBackElsewhereGoesOn) {
 }
 
 TEST_F(LinuxDevicesTest, TheRangesStayOverALossAndHoldForNewAxes) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a", "serial"), 5);
   machine.Pull(pad);
   Lose(*device);
   // By cable it shows a second stick.
@@ -428,8 +395,7 @@ TEST_F(LinuxDevicesTest, TheRangesStayOverALossAndHoldForNewAxes) {
 
 // The tick of a poll has no time for it.
 TEST_F(LinuxDevicesTest, TheThreadThatPollsNeverListsOpensOrCloses) {
-  auto pad = machine.Plug(5, Pad("a", "serial"));
-  const Opened device = Open();
+  PlugAndOpen(Pad("a", "serial"), 5);
   std::atomic<bool> inOpen{false};
   std::atomic<bool> mayOpen{false};
   machine.whileOpening = [&] {
@@ -453,8 +419,7 @@ TEST_F(LinuxDevicesTest, TheThreadThatPollsNeverListsOpensOrCloses) {
 }
 
 TEST_F(LinuxDevicesTest, TheEndOfALostDeviceWaitsForTheOpenUnderWay) {
-  const auto pad = machine.Plug(5, Pad("a", "serial"));
-  Opened device = Open();
+  PlugAndOpen(Pad("a", "serial"), 5);
   std::atomic<bool> begun{false};
   std::atomic<bool> ended{false};
   machine.whileOpening = [&] {
@@ -490,14 +455,8 @@ TEST(UdevNodes, TheMachinesOwnListCanBeRead) {
   LinuxDevices devices;
   DirectInput* directInput = nullptr;
   ASSERT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
-  EXPECT_EQ(directInput->EnumDevices(
-                DI8DEVCLASS_GAMECTRL,
-                [](const DIDEVICEINSTANCE& instance) {
-                  EXPECT_NE(instance.tszInstanceName[0], '\0');
-                  return true;
-                },
-                DIEDFL_ATTACHEDONLY),
-            DI_OK);
+  for (const DIDEVICEINSTANCE& instance : Listed(*directInput))
+    EXPECT_NE(instance.tszInstanceName[0], '\0');
   directInput->Release();
 }
 

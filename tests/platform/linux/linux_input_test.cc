@@ -4,8 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <string>
+
+#include "tests/host/files.h"
 
 namespace platform {
 namespace {
@@ -28,9 +29,7 @@ TEST(LinuxInput, AMissingModuleIsToldApartFromAMissingPermission) {
 
 TEST(LinuxInput, WhereNothingWorksOneLineTellsBothReasons) {
   if (access("/dev/uinput", F_OK) == 0) GTEST_SKIP() << "this machine has /dev/uinput";
-  const char* display = std::getenv("DISPLAY");
-  const std::string before = display ? display : "";
-  unsetenv("DISPLAY");
+  const kelvaro::tests::Variable none("DISPLAY");
   std::string error;
   EXPECT_EQ(OpenLinuxInput(InputChoice::Auto, &error), nullptr);
   EXPECT_TRUE(Contains(error, "can't send keys: the kernel module uinput is not loaded")) << error;
@@ -41,7 +40,6 @@ TEST(LinuxInput, WhereNothingWorksOneLineTellsBothReasons) {
   EXPECT_FALSE(Contains(error, "X server"));
   EXPECT_EQ(OpenLinuxInput(InputChoice::XTest, &error), nullptr);
   EXPECT_EQ(error, "can't send keys: there is no X server (DISPLAY is not set)");
-  if (display) setenv("DISPLAY", before.c_str(), 1);
 }
 
 }  // namespace

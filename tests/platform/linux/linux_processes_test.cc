@@ -4,38 +4,29 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 
 #include "app/platform/linux/linux_files.h"
 #include "app/platform/linux/linux_threads.h"
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace kelvaro::tests;
 
-class LinuxProcessesTest : public testing::Test {
+class LinuxProcessesTest : public testing::Test, protected TemporaryFolder {
  protected:
-  LinuxProcessesTest() {
-    char name[] = "/tmp/kelvaro-processes-XXXXXX";
-    folder = mkdtemp(name);
-  }
-  ~LinuxProcessesTest() override { fs::remove_all(folder); }
-
-  std::string Script(const std::string& name, const std::string& text) {
-    const std::string path = folder + "/" + name;
-    std::ofstream(path) << text;
-    chmod(path.c_str(), 0755);
-    return path;
+  std::string Script(const std::string& name, const std::string& text) const {
+    return PutScript(folder + "/" + name, text);
   }
 
   // Runs it to its end; its exit status, or -1 when it didn't start.
@@ -52,14 +43,8 @@ class LinuxProcessesTest : public testing::Test {
     return static_cast<std::int32_t>(status);
   }
 
-  std::string Written() {
-    std::ifstream file(folder + "/out");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-  }
+  std::string Written() const { return Content(folder + "/out"); }
 
-  std::string folder;
   LinuxThreads threads;
   LinuxFiles files;
   LinuxProcesses processes{threads, std::string()};
@@ -76,26 +61,25 @@ TEST_F(LinuxProcessesTest, ListsThisProcessWithItsProgramsFile) {
 }
 
 TEST_F(LinuxProcessesTest, DoesNotListAProcessThatHasEndedAndWasNotWaitedFor) {
-  const pid_t child = fork();
-  if (child == 0) _exit(0);
+  const pid_t child = Fork([] { return 0; });
   siginfo_t ended{};
   ASSERT_EQ(waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
   std::vector<RunningProcess> list;
   ASSERT_TRUE(processes.ListProcesses(&list));
   for (const RunningProcess& process : list)
     EXPECT_NE(process.id, static_cast<std::uint32_t>(child));
-  waitpid(child, nullptr, 0);
+  StatusOf(child);
 }
 
 TEST_F(LinuxProcessesTest, GivesTheProgramItsWordsAndTellsItsExitStatus) {
-  const std::string script =
-      Script("words", "#!/bin/sh\nprintf '<%s>' \"$@\" >" + folder + "/out\nexit 7\n");
+  const std::string script = Script("words", "printf '<%s>' \"$@\" >" + folder + "/out\nexit 7\n");
   EXPECT_EQ(Run(script, "-map \"My Level\" '$HOME' \"\""), 7);
   EXPECT_EQ(Written(), "<-map><My Level><'$HOME'><>");
 }
 
 TEST_F(LinuxProcessesTest, RunsAScriptThatNamesNoInterpreterInTheShell) {
-  const std::string script = Script("plain", "printf '%s' \"$1\" >" + folder + "/out\nexit 3\n");
+  const std::string script =
+      Put(folder + "/plain", "printf '%s' \"$1\" >" + folder + "/out\nexit 3\n", 0755);
   EXPECT_EQ(Run(script, "\"one word\""), 3);
   EXPECT_EQ(Written(), "one word");
 }
@@ -106,7 +90,7 @@ TEST_F(LinuxProcessesTest, LooksAProgramWithoutAFolderUpInThePath) {
 }
 
 TEST_F(LinuxProcessesTest, StartsInTheFolderAskedForAndInItsOwnForAnEmptyOne) {
-  const std::string script = Script("where", "#!/bin/sh\npwd >" + folder + "/out\n");
+  const std::string script = Script("where", "pwd >" + folder + "/out\n");
   EXPECT_EQ(Run(script, "", &folder), 0);
   EXPECT_EQ(Written(), folder + "\n");
   const std::string none;
@@ -116,26 +100,29 @@ TEST_F(LinuxProcessesTest, StartsInTheFolderAskedForAndInItsOwnForAnEmptyOne) {
 
 TEST_F(LinuxProcessesTest, TellsTheSystemsErrorOfAProgramThatCannotBeStarted) {
   const std::string nowhere = folder + "/gone";
-  const std::string plain = folder + "/not-executable";
-  std::ofstream(plain) << "text";
+  const std::string plain = Put(folder + "/not-executable", "text");
+  const struct {
+    std::string program, command;
+    const std::string* folder;
+    int error;
+  } rows[] = {{nowhere, nowhere, nullptr, ENOENT},
+              {plain, plain, nullptr, EACCES},
+              {"/bin/true", "true", &nowhere, ENOENT},
+              {"kelvaro-no-such-program", "x", nullptr, ENOENT}};
   PROCESS_INFORMATION process;
-  EXPECT_FALSE(processes.CreateProcessA(nowhere, nowhere, 0, nullptr, &process));
-  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
-  EXPECT_FALSE(processes.CreateProcessA(plain, plain, 0, nullptr, &process));
-  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EACCES));
-  EXPECT_FALSE(processes.CreateProcessA("/bin/true", "true", 0, &nowhere, &process));
-  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
-  EXPECT_FALSE(processes.CreateProcessA("kelvaro-no-such-program", "x", 0, nullptr, &process));
-  EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(ENOENT));
+  for (const auto& row : rows) {
+    EXPECT_FALSE(processes.CreateProcessA(row.program, row.command, 0, row.folder, &process));
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(row.error)) << row.program;
+  }
   EXPECT_FALSE(processes.CreateProcessA("", "x", 0, nullptr, &process));
   EXPECT_EQ(process.hProcess, kInvalidHandle);
 }
 
 TEST_F(LinuxProcessesTest, TheNewProcessHasItsOwnSessionAndNothingOfOurs) {
   const int open = ::open("/dev/null", O_RDONLY);  // without the flag that closes it at exec
-  const std::string script = Script(
-      "look", "#!/bin/sh\n{ ls /proc/self/fd | wc -l; cut -d' ' -f6 /proc/$$/stat; echo $$; } >" +
-                  folder + "/out\n");
+  const std::string script =
+      Script("look", "{ ls /proc/self/fd | wc -l; cut -d' ' -f6 /proc/$$/stat; echo $$; } >" +
+                         folder + "/out\n");
   const int result = Run(script, "");
   close(open);
   ASSERT_EQ(result, 0);
@@ -165,7 +152,7 @@ TEST_F(LinuxProcessesTest, TheNewProcessBlocksAndPassesOverNoSignal) {
 TEST_F(LinuxProcessesTest, TheNewProcessIsNotOfARaisedPriority) {
   const int before = getpriority(PRIO_PROCESS, 0);
   if (setpriority(PRIO_PROCESS, 0, -10) != 0) GTEST_SKIP() << "no right to raise a priority here";
-  const std::string script = Script("nice", "#!/bin/sh\nnice >" + folder + "/out\n");
+  const std::string script = Script("nice", "nice >" + folder + "/out\n");
   EXPECT_EQ(Run(script, ""), 0);
   setpriority(PRIO_PROCESS, 0, before);
   EXPECT_EQ(Written(), "0\n");
@@ -175,13 +162,11 @@ TEST_F(LinuxProcessesTest, NothingIsLeftOfAProcessThatHasEndedWithoutAHandle) {
   PROCESS_INFORMATION process;
   ASSERT_TRUE(processes.CreateProcessA("sleep", "sleep 0.2", 0, nullptr, &process));
   threads.CloseHandle(process.hProcess);
-  for (int i = 0; i < 500 && kill(static_cast<pid_t>(process.dwProcessId), 0) == 0; ++i)
-    usleep(10000);
-  EXPECT_NE(kill(static_cast<pid_t>(process.dwProcessId), 0), 0);
+  EXPECT_TRUE(Eventually([&] { return kill(static_cast<pid_t>(process.dwProcessId), 0) != 0; }));
 }
 
 TEST_F(LinuxProcessesTest, AProcessThatIsKilledTellsTheSignal) {
-  const std::string script = Script("killed", "#!/bin/sh\nkill -9 $$\n");
+  const std::string script = Script("killed", "kill -9 $$\n");
   EXPECT_EQ(Run(script, ""), 128 + SIGKILL);
 }
 

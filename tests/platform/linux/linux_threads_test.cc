@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,22 @@ constexpr std::uint32_t kLong = 10000;  // ms; a test that waits this long has f
 
 // What a test's thread works with.
 struct Shared {
+  Handle Start(std::uint32_t (*entry)(void*), const char* name = "test") {
+    return threads.CreateThread(entry, this, name, nullptr);
+  }
+  void ExpectEnd(Handle thread) {
+    EXPECT_EQ(threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+  }
+  std::uint32_t ExitCode(Handle thread) {
+    std::uint32_t exitCode = 0xBAD;
+    EXPECT_TRUE(threads.GetExitCodeThread(thread, &exitCode));
+    return exitCode;
+  }
+  bool Reaches(int wanted) {
+    for (std::uint32_t waited = 0; waited < kLong && steps < wanted; ++waited) clock.Sleep(1);
+    return steps >= wanted;
+  }
+
   LinuxThreads threads;
   LinuxClock clock;
   Handle event = kInvalidHandle;
@@ -28,6 +45,17 @@ struct Shared {
   std::string name;
 };
 
+// Those that are ended by force are parked and may look at it for ever, so it is never freed.
+class LinuxThreadsTest : public testing::Test {
+ protected:
+  static Shared& NeverFreed() {
+    static auto* const kept = new std::vector<std::unique_ptr<Shared>>;
+    return *kept->emplace_back(new Shared);
+  }
+  Shared& shared = NeverFreed();
+  LinuxThreads& threads = shared.threads;
+};
+
 std::uint32_t WaitForEvent(void* parameter) {
   auto* shared = static_cast<Shared*>(parameter);
   ++shared->steps;
@@ -36,74 +64,62 @@ std::uint32_t WaitForEvent(void* parameter) {
   return 7;
 }
 
-bool Reaches(const std::atomic<int>& steps, int wanted) {
-  for (std::uint32_t waited = 0; waited < kLong && steps < wanted; ++waited) LinuxClock().Sleep(1);
-  return steps >= wanted;
-}
+std::uint32_t End(void*) { return 42; }
 
-TEST(LinuxThreads, ExitCodeIsTheEntrysResult) {
-  Shared shared;
-  const Handle thread = shared.threads.CreateThread([](void*) -> std::uint32_t { return 42; },
-                                                    nullptr, "answer", nullptr);
+TEST_F(LinuxThreadsTest, ExitCodeIsTheEntrysResultAndStaysWhenItIsTerminatedTooLate) {
+  const Handle thread = shared.Start(End);
   ASSERT_NE(thread, kInvalidHandle);
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
-  std::uint32_t exitCode = 0;
-  EXPECT_TRUE(shared.threads.GetExitCodeThread(thread, &exitCode));
-  EXPECT_EQ(exitCode, 42u);
-  EXPECT_TRUE(shared.threads.CloseHandle(thread));
+  shared.ExpectEnd(thread);
+  EXPECT_EQ(shared.ExitCode(thread), 42u);
+  EXPECT_FALSE(threads.TerminateThread(thread, 1000));
+  EXPECT_EQ(shared.ExitCode(thread), 42u);
+  EXPECT_TRUE(threads.CloseHandle(thread));
 }
 
-TEST(LinuxThreads, ExitCodeIsStillActiveWhileTheThreadRuns) {
-  Shared shared;
-  shared.event = shared.threads.CreateEventA(true, false);
-  const Handle thread = shared.threads.CreateThread(WaitForEvent, &shared, "waits", nullptr);
-  std::uint32_t exitCode = 0;
-  EXPECT_TRUE(shared.threads.GetExitCodeThread(thread, &exitCode));
-  EXPECT_EQ(exitCode, STILL_ACTIVE);
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, 20), WAIT_TIMEOUT);
-  EXPECT_TRUE(shared.threads.SetEvent(shared.event));
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+TEST_F(LinuxThreadsTest, ExitCodeIsStillActiveWhileTheThreadRuns) {
+  shared.event = threads.CreateEventA(true, false);
+  const Handle thread = shared.Start(WaitForEvent);
+  EXPECT_EQ(shared.ExitCode(thread), STILL_ACTIVE);
+  EXPECT_EQ(threads.WaitForSingleObject(thread, 20), WAIT_TIMEOUT);
+  EXPECT_TRUE(threads.SetEvent(shared.event));
+  shared.ExpectEnd(thread);
   EXPECT_EQ(shared.result, WAIT_OBJECT_0);
 }
 
-TEST(LinuxThreads, IdIsTheOneThatTheThreadItselfSees) {
-  Shared shared;
+TEST_F(LinuxThreadsTest, IdIsTheOneThatTheThreadItselfSees) {
   std::int32_t id = 0;
-  const Handle thread = shared.threads.CreateThread(
+  const Handle thread = threads.CreateThread(
       [](void* parameter) -> std::uint32_t {
         auto* mine = static_cast<Shared*>(parameter);
         mine->id = mine->threads.GetCurrentThreadId();
         return 0;
       },
       &shared, "id", &id);
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+  shared.ExpectEnd(thread);
   EXPECT_GT(id, 0);
   EXPECT_EQ(shared.id, id);
-  EXPECT_NE(id, shared.threads.GetCurrentThreadId());
-  EXPECT_EQ(shared.threads.GetCurrentThreadId(), static_cast<std::int32_t>(gettid()));
+  EXPECT_NE(id, threads.GetCurrentThreadId());
+  EXPECT_EQ(threads.GetCurrentThreadId(), static_cast<std::int32_t>(gettid()));
 }
 
-TEST(LinuxThreads, NameIsTheThreadsOwnCutAtFifteenBytes) {
-  Shared shared;
-  const Handle thread = shared.threads.CreateThread(
+TEST_F(LinuxThreadsTest, NameIsTheThreadsOwnCutAtFifteenBytes) {
+  const Handle thread = shared.Start(
       [](void* parameter) -> std::uint32_t {
         char name[32] = {};
         pthread_getname_np(pthread_self(), name, sizeof name);
         static_cast<Shared*>(parameter)->name = name;
         return 0;
       },
-      &shared, "notification-thread", nullptr);
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+      "notification-thread");
+  shared.ExpectEnd(thread);
   EXPECT_EQ(shared.name, "notification-th");
 }
 
-TEST(LinuxThreads, NoEntryNoThread) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, NoEntryNoThread) {
   EXPECT_EQ(threads.CreateThread(nullptr, nullptr, "none", nullptr), kInvalidHandle);
 }
 
-TEST(LinuxThreads, AutoResetEventIsResetByTheWaitItEnds) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, AutoResetEventIsResetByTheWaitItEnds) {
   const Handle event = threads.CreateEventA(false, true);
   EXPECT_EQ(threads.WaitForSingleObject(event, 0), WAIT_OBJECT_0);
   EXPECT_EQ(threads.WaitForSingleObject(event, 0), WAIT_TIMEOUT);
@@ -113,8 +129,7 @@ TEST(LinuxThreads, AutoResetEventIsResetByTheWaitItEnds) {
   EXPECT_EQ(threads.WaitForSingleObject(event, 0), WAIT_TIMEOUT);
 }
 
-TEST(LinuxThreads, ManualResetEventStaysUntilItIsReset) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, ManualResetEventStaysUntilItIsReset) {
   const Handle event = threads.CreateEventA(true, false);
   EXPECT_EQ(threads.WaitForSingleObject(event, 0), WAIT_TIMEOUT);
   EXPECT_TRUE(threads.SetEvent(event));
@@ -124,16 +139,14 @@ TEST(LinuxThreads, ManualResetEventStaysUntilItIsReset) {
   EXPECT_EQ(threads.WaitForSingleObject(event, 0), WAIT_TIMEOUT);
 }
 
-TEST(LinuxThreads, ATimeOutLastsAtLeastAsLongAsAsked) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, ATimeOutLastsAtLeastAsLongAsAsked) {
   const Handle event = threads.CreateEventA(false, false);
   const std::int64_t start = MonotonicNow();
   EXPECT_EQ(threads.WaitForSingleObject(event, 20), WAIT_TIMEOUT);
   EXPECT_GE(MonotonicNow() - start, 20 * kNanosecondsPerMillisecond);
 }
 
-TEST(LinuxThreads, OfSeveralSignalledEventsTheLowestIndexWins) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, OfSeveralSignalledEventsTheLowestIndexWins) {
   const Handle events[] = {threads.CreateEventA(false, false), threads.CreateEventA(false, true),
                            threads.CreateEventA(false, true)};
   EXPECT_EQ(threads.WaitForMultipleObjects(3, events, 0), WAIT_OBJECT_0 + 1);
@@ -141,58 +154,46 @@ TEST(LinuxThreads, OfSeveralSignalledEventsTheLowestIndexWins) {
   EXPECT_EQ(threads.WaitForMultipleObjects(3, events, 0), WAIT_TIMEOUT);
 }
 
-TEST(LinuxThreads, AWaitForSeveralEndsWithAnyOfThem) {
-  Shared shared;
-  shared.event = shared.threads.CreateEventA(true, false);
-  shared.second = shared.threads.CreateEventA(false, false);
-  const Handle thread = shared.threads.CreateThread(
-      [](void* parameter) -> std::uint32_t {
-        auto* mine = static_cast<Shared*>(parameter);
-        const Handle events[] = {mine->event, mine->second};
-        ++mine->steps;
-        return mine->threads.WaitForMultipleObjects(2, events, WAIT_FOREVER);
-      },
-      &shared, "several", nullptr);
-  ASSERT_TRUE(Reaches(shared.steps, 1));
-  EXPECT_TRUE(shared.threads.SetEvent(shared.second));
-  EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
-  std::uint32_t exitCode = 0;
-  EXPECT_TRUE(shared.threads.GetExitCodeThread(thread, &exitCode));
-  EXPECT_EQ(exitCode, WAIT_OBJECT_0 + 1);
+TEST_F(LinuxThreadsTest, AWaitForSeveralEndsWithAnyOfThem) {
+  shared.event = threads.CreateEventA(true, false);
+  shared.second = threads.CreateEventA(false, false);
+  const Handle thread = shared.Start([](void* parameter) -> std::uint32_t {
+    auto* mine = static_cast<Shared*>(parameter);
+    const Handle events[] = {mine->event, mine->second};
+    ++mine->steps;
+    return mine->threads.WaitForMultipleObjects(2, events, WAIT_FOREVER);
+  });
+  ASSERT_TRUE(shared.Reaches(1));
+  EXPECT_TRUE(threads.SetEvent(shared.second));
+  shared.ExpectEnd(thread);
+  EXPECT_EQ(shared.ExitCode(thread), WAIT_OBJECT_0 + 1);
 }
 
-TEST(LinuxThreads, AManualResetEventReleasesAllItsWaiters) {
-  Shared shared;
-  shared.event = shared.threads.CreateEventA(true, false);
+TEST_F(LinuxThreadsTest, AManualResetEventReleasesAllItsWaiters) {
+  shared.event = threads.CreateEventA(true, false);
   std::vector<Handle> waiting;
-  for (int i = 0; i < 4; ++i)
-    waiting.push_back(shared.threads.CreateThread(WaitForEvent, &shared, "waits", nullptr));
-  ASSERT_TRUE(Reaches(shared.steps, 4));
-  EXPECT_TRUE(shared.threads.SetEvent(shared.event));
-  for (const Handle thread : waiting)
-    EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+  for (int i = 0; i < 4; ++i) waiting.push_back(shared.Start(WaitForEvent));
+  ASSERT_TRUE(shared.Reaches(4));
+  EXPECT_TRUE(threads.SetEvent(shared.event));
+  for (const Handle thread : waiting) shared.ExpectEnd(thread);
   EXPECT_EQ(shared.steps, 8);
 }
 
-TEST(LinuxThreads, AnAutoResetEventReleasesOneWaiterASignal) {
-  Shared shared;
-  shared.event = shared.threads.CreateEventA(false, false);
+TEST_F(LinuxThreadsTest, AnAutoResetEventReleasesOneWaiterASignal) {
+  shared.event = threads.CreateEventA(false, false);
   std::vector<Handle> waiting;
-  for (int i = 0; i < 3; ++i)
-    waiting.push_back(shared.threads.CreateThread(WaitForEvent, &shared, "waits", nullptr));
+  for (int i = 0; i < 3; ++i) waiting.push_back(shared.Start(WaitForEvent));
   for (int released = 1; released <= 3; ++released) {
-    ASSERT_TRUE(Reaches(shared.steps, 2 + released));
-    EXPECT_TRUE(shared.threads.SetEvent(shared.event));
-    ASSERT_TRUE(Reaches(shared.steps, 3 + released));
+    ASSERT_TRUE(shared.Reaches(2 + released));
+    EXPECT_TRUE(threads.SetEvent(shared.event));
+    ASSERT_TRUE(shared.Reaches(3 + released));
     shared.clock.Sleep(20);
     EXPECT_EQ(shared.steps, 3 + released);
   }
-  for (const Handle thread : waiting)
-    EXPECT_EQ(shared.threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
+  for (const Handle thread : waiting) shared.ExpectEnd(thread);
 }
 
-TEST(LinuxThreads, OperationsOnTheWrongHandleFail) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, OperationsOnTheWrongHandleFail) {
   const Handle event = threads.CreateEventA(true, true);
   std::uint32_t exitCode = 5;
   EXPECT_FALSE(threads.GetExitCodeThread(event, &exitCode));
@@ -209,8 +210,7 @@ TEST(LinuxThreads, OperationsOnTheWrongHandleFail) {
   }
 }
 
-TEST(LinuxThreads, AClosedHandleIsGone) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, AClosedHandleIsGone) {
   const Handle event = threads.CreateEventA(true, true);
   EXPECT_TRUE(threads.CloseHandle(event));
   EXPECT_FALSE(threads.SetEvent(event));
@@ -218,8 +218,7 @@ TEST(LinuxThreads, AClosedHandleIsGone) {
   EXPECT_NE(threads.CreateEventA(true, true), event);
 }
 
-TEST(LinuxThreads, AWaitTakesOneToSixtyFourHandles) {
-  LinuxThreads threads;
+TEST_F(LinuxThreadsTest, AWaitTakesOneToSixtyFourHandles) {
   std::vector<Handle> events(65);
   for (Handle& event : events) event = threads.CreateEventA(true, false);
   EXPECT_EQ(threads.WaitForMultipleObjects(0, events.data(), 0), WAIT_FAILED);
@@ -229,22 +228,13 @@ TEST(LinuxThreads, AWaitTakesOneToSixtyFourHandles) {
   EXPECT_EQ(threads.WaitForMultipleObjects(64, events.data(), 0), WAIT_OBJECT_0 + 63);
 }
 
-TEST(LinuxThreads, AThreadRunsOnWithoutItsHandle) {
-  Shared shared;
-  shared.event = shared.threads.CreateEventA(true, false);
-  const Handle thread = shared.threads.CreateThread(WaitForEvent, &shared, "waits", nullptr);
-  ASSERT_TRUE(Reaches(shared.steps, 1));
-  EXPECT_TRUE(shared.threads.CloseHandle(thread));
-  EXPECT_TRUE(shared.threads.SetEvent(shared.event));
-  EXPECT_TRUE(Reaches(shared.steps, 2));
-  shared.clock.Sleep(20);  // its last lines still use `shared`
-}
-
-// For threads that are ended by force: parked, they may look at it for ever.
-Shared* NeverFreed() {
-  static auto* const kept = new std::vector<Shared*>;
-  kept->push_back(new Shared);
-  return kept->back();
+TEST_F(LinuxThreadsTest, AThreadRunsOnWithoutItsHandle) {
+  shared.event = threads.CreateEventA(true, false);
+  const Handle thread = shared.Start(WaitForEvent);
+  ASSERT_TRUE(shared.Reaches(1));
+  EXPECT_TRUE(threads.CloseHandle(thread));
+  EXPECT_TRUE(threads.SetEvent(shared.event));
+  EXPECT_TRUE(shared.Reaches(2));
 }
 
 // Counts on for as long as its calls through the platform come back.
@@ -256,64 +246,44 @@ std::uint32_t CountForEver(void* parameter) {
   }
 }
 
-TEST(LinuxThreads, ATerminatedThreadNeverReturnsFromItsNextCall) {
-  Shared* const shared = NeverFreed();
-  const Handle thread = shared->threads.CreateThread(CountForEver, shared, "counts", nullptr);
-  ASSERT_TRUE(Reaches(shared->steps, 3));
-  EXPECT_TRUE(shared->threads.TerminateThread(thread, 1000));
-  std::uint32_t exitCode = 0;
-  EXPECT_TRUE(shared->threads.GetExitCodeThread(thread, &exitCode));
-  EXPECT_EQ(exitCode, 1000u);
-  EXPECT_EQ(shared->threads.WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
-  shared->clock.Sleep(20);
-  const int afterwards = shared->steps;
-  shared->clock.Sleep(30);
-  EXPECT_EQ(shared->steps, afterwards);
+TEST_F(LinuxThreadsTest, ATerminatedThreadNeverReturnsFromItsNextCall) {
+  const Handle thread = shared.Start(CountForEver);
+  ASSERT_TRUE(shared.Reaches(3));
+  EXPECT_TRUE(threads.TerminateThread(thread, 1000));
+  EXPECT_EQ(shared.ExitCode(thread), 1000u);
+  EXPECT_EQ(threads.WaitForSingleObject(thread, 0), WAIT_OBJECT_0);
+  shared.clock.Sleep(20);
+  const int afterwards = shared.steps;
+  shared.clock.Sleep(30);
+  EXPECT_EQ(shared.steps, afterwards);
 }
 
-TEST(LinuxThreads, ATerminatedWaiterTakesNoSignalAway) {
-  Shared* const shared = NeverFreed();
-  shared->event = shared->threads.CreateEventA(false, false);
-  const Handle thread = shared->threads.CreateThread(WaitForEvent, shared, "waits", nullptr);
-  ASSERT_TRUE(Reaches(shared->steps, 1));
-  shared->clock.Sleep(20);  // into its wait
-  EXPECT_TRUE(shared->threads.TerminateThread(thread, 9));
-  EXPECT_TRUE(shared->threads.SetEvent(shared->event));
-  shared->clock.Sleep(20);
-  EXPECT_EQ(shared->threads.WaitForSingleObject(shared->event, 0), WAIT_OBJECT_0);
-  EXPECT_EQ(shared->steps, 1);
+TEST_F(LinuxThreadsTest, ATerminatedWaiterTakesNoSignalAway) {
+  shared.event = threads.CreateEventA(false, false);
+  const Handle thread = shared.Start(WaitForEvent);
+  ASSERT_TRUE(shared.Reaches(1));
+  shared.clock.Sleep(20);  // into its wait
+  EXPECT_TRUE(threads.TerminateThread(thread, 9));
+  EXPECT_TRUE(threads.SetEvent(shared.event));
+  shared.clock.Sleep(20);
+  EXPECT_EQ(threads.WaitForSingleObject(shared.event, 0), WAIT_OBJECT_0);
+  EXPECT_EQ(shared.steps, 1);
 }
 
-TEST(LinuxThreads, TerminationWakesWhoeverWaitsForTheThread) {
-  Shared* const shared = NeverFreed();
-  shared->event = shared->threads.CreateEventA(false, false);
-  const Handle victim = shared->threads.CreateThread(WaitForEvent, shared, "victim", nullptr);
-  ASSERT_TRUE(Reaches(shared->steps, 1));
-  shared->second = victim;
-  const Handle watcher = shared->threads.CreateThread(
-      [](void* parameter) -> std::uint32_t {
-        auto* mine = static_cast<Shared*>(parameter);
-        ++mine->steps;
-        return mine->threads.WaitForSingleObject(mine->second, kLong);
-      },
-      shared, "watcher", nullptr);
-  ASSERT_TRUE(Reaches(shared->steps, 2));
-  EXPECT_TRUE(shared->threads.TerminateThread(victim, 9));
-  EXPECT_EQ(shared->threads.WaitForSingleObject(watcher, kLong), WAIT_OBJECT_0);
-  std::uint32_t exitCode = 1;
-  EXPECT_TRUE(shared->threads.GetExitCodeThread(watcher, &exitCode));
-  EXPECT_EQ(exitCode, WAIT_OBJECT_0);
-}
-
-TEST(LinuxThreads, AThreadThatHasEndedKeepsItsExitCode) {
-  LinuxThreads threads;
-  const Handle thread =
-      threads.CreateThread([](void*) -> std::uint32_t { return 3; }, nullptr, "ends", nullptr);
-  EXPECT_EQ(threads.WaitForSingleObject(thread, kLong), WAIT_OBJECT_0);
-  EXPECT_FALSE(threads.TerminateThread(thread, 1000));
-  std::uint32_t exitCode = 0;
-  EXPECT_TRUE(threads.GetExitCodeThread(thread, &exitCode));
-  EXPECT_EQ(exitCode, 3u);
+TEST_F(LinuxThreadsTest, TerminationWakesWhoeverWaitsForTheThread) {
+  shared.event = threads.CreateEventA(false, false);
+  const Handle victim = shared.Start(WaitForEvent);
+  ASSERT_TRUE(shared.Reaches(1));
+  shared.second = victim;
+  const Handle watcher = shared.Start([](void* parameter) -> std::uint32_t {
+    auto* mine = static_cast<Shared*>(parameter);
+    ++mine->steps;
+    return mine->threads.WaitForSingleObject(mine->second, kLong);
+  });
+  ASSERT_TRUE(shared.Reaches(2));
+  EXPECT_TRUE(threads.TerminateThread(victim, 9));
+  shared.ExpectEnd(watcher);
+  EXPECT_EQ(shared.ExitCode(watcher), WAIT_OBJECT_0);
 }
 
 }  // namespace

@@ -37,8 +37,23 @@ bool Reaches(const std::atomic<int>& count, int wanted) {
   return count >= wanted;
 }
 
-TEST(LinuxTimers, LimitsAreOneMillisecondToAMillion) {
+class LinuxTimersTest : public testing::Test {
+ protected:
+  std::uint32_t Start(std::uint32_t period) {
+    return timers.timeSetEvent(period, 1, Tick, &ticks, TIME_PERIODIC);
+  }
+  void End(std::uint32_t id) { EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR); }
+  void ExpectNoFurtherCall() const {
+    const int now = ticks.count;
+    Pause(30);
+    EXPECT_EQ(ticks.count, now);
+  }
+
+  Ticks ticks;
   LinuxTimers timers;
+};
+
+TEST_F(LinuxTimersTest, LimitsAreOneMillisecondToAMillion) {
   TIMECAPS caps;
   EXPECT_EQ(timers.timeGetDevCaps(&caps), TIMERR_NOERROR);
   EXPECT_EQ(caps.wPeriodMin, 1u);
@@ -46,9 +61,7 @@ TEST(LinuxTimers, LimitsAreOneMillisecondToAMillion) {
   EXPECT_NE(timers.timeGetDevCaps(nullptr), TIMERR_NOERROR);
 }
 
-TEST(LinuxTimers, PeriodsOutsideTheLimitsAreRefused) {
-  LinuxTimers timers;
-  Ticks ticks;
+TEST_F(LinuxTimersTest, PeriodsOutsideTheLimitsAreRefused) {
   for (const std::uint32_t bad : {0u, 1000001u, 0xFFFFFFFFu}) {
     EXPECT_NE(timers.timeBeginPeriod(bad), TIMERR_NOERROR);
     EXPECT_NE(timers.timeEndPeriod(bad), TIMERR_NOERROR);
@@ -62,75 +75,61 @@ TEST(LinuxTimers, PeriodsOutsideTheLimitsAreRefused) {
   EXPECT_EQ(timers.timeSetEvent(10, 1, Tick, &ticks, 0), 0u);
 }
 
-TEST(LinuxTimers, CallsComeOnceAPeriodAndFirstAfterOne) {
-  Ticks ticks;
-  LinuxTimers timers;
+TEST_F(LinuxTimersTest, CallsComeOnceAPeriodAndFirstAfterOne) {
   const std::int64_t start = MonotonicNow();
-  const std::uint32_t id = timers.timeSetEvent(10, 1, Tick, &ticks, TIME_PERIODIC);
+  const std::uint32_t id = Start(10);
   ASSERT_NE(id, 0u);
   ASSERT_TRUE(Reaches(ticks.count, 10));
   const std::int64_t took = MonotonicNow() - start;
   EXPECT_GE(took, 100 * kNanosecondsPerMillisecond);
   EXPECT_GE(ticks.firstAt - start, 10 * kNanosecondsPerMillisecond);
   EXPECT_EQ(ticks.id, id);
-  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  End(id);
 }
 
-TEST(LinuxTimers, NoCallStartsAfterTheKill) {
-  Ticks ticks;
-  LinuxTimers timers;
-  const std::uint32_t id = timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC);
+TEST_F(LinuxTimersTest, NoCallStartsAfterTheKill) {
+  const std::uint32_t id = Start(1);
   ASSERT_TRUE(Reaches(ticks.count, 5));
-  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
-  const int afterwards = ticks.count;
-  Pause(30);
-  EXPECT_EQ(ticks.count, afterwards);
+  End(id);
+  ExpectNoFurtherCall();
 }
 
-TEST(LinuxTimers, TheKillWaitsForTheCallUnderWay) {
-  Ticks ticks;
+TEST_F(LinuxTimersTest, TheKillWaitsForTheCallUnderWay) {
   ticks.sleepMs = 200;
   ticks.sleepTicks = 1000;
-  LinuxTimers timers;
   for (int round = 1; round <= 3; ++round) {
-    const std::uint32_t id = timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC);
+    const std::uint32_t id = Start(1);
     ASSERT_TRUE(Reaches(ticks.count, round));
-    EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+    End(id);
     EXPECT_EQ(ticks.inside, 0);
     ticks.count = round;
   }
 }
 
-TEST(LinuxTimers, AnUnknownIdIsRefused) {
-  Ticks ticks;
-  LinuxTimers timers;
+TEST_F(LinuxTimersTest, AnUnknownIdIsRefused) {
   EXPECT_NE(timers.timeKillEvent(0), TIMERR_NOERROR);
-  const std::uint32_t id = timers.timeSetEvent(1000, 1, Tick, &ticks, TIME_PERIODIC);
+  const std::uint32_t id = Start(1000);
   EXPECT_NE(timers.timeKillEvent(id + 1), TIMERR_NOERROR);
-  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  End(id);
   EXPECT_NE(timers.timeKillEvent(id), TIMERR_NOERROR);
 }
 
-TEST(LinuxTimers, PeriodsMissedDuringACallAreNotMadeUpFor) {
-  Ticks ticks;
+TEST_F(LinuxTimersTest, PeriodsMissedDuringACallAreNotMadeUpFor) {
   ticks.sleepMs = 200;
   ticks.sleepTicks = 1;
-  LinuxTimers timers;
   const std::int64_t start = MonotonicNow();
-  const std::uint32_t id = timers.timeSetEvent(20, 1, Tick, &ticks, TIME_PERIODIC);
+  const std::uint32_t id = Start(20);
   // The first call, at 20 ms, runs to 220 ms; grid points 40 to 200 pass meanwhile.
   ASSERT_TRUE(Reaches(ticks.count, 3));
   const std::int64_t took = MonotonicNow() - start;
-  EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+  End(id);
   // The second and third calls stand on the grid behind the first one's end: 240 and 260 ms. Made
   // up for they would come at 220 at once.
   EXPECT_GE(took, 260 * kNanosecondsPerMillisecond);
   EXPECT_FALSE(ticks.overlapped);
 }
 
-TEST(LinuxTimers, ACallbackMayKillItsOwnTimer) {
-  Ticks ticks;
-  LinuxTimers timers;
+TEST_F(LinuxTimersTest, ACallbackMayKillItsOwnTimer) {
   ticks.timers = &timers;
   const std::uint32_t id = timers.timeSetEvent(
       1, 1,
@@ -147,40 +146,35 @@ TEST(LinuxTimers, ACallbackMayKillItsOwnTimer) {
   EXPECT_NE(timers.timeKillEvent(id), TIMERR_NOERROR);
 }
 
-TEST(LinuxTimers, SeveralTimersRunSideBySide) {
-  Ticks fast;
+TEST_F(LinuxTimersTest, SeveralTimersRunSideBySide) {
   Ticks slow;
-  LinuxTimers timers;
-  const std::uint32_t one = timers.timeSetEvent(2, 1, Tick, &fast, TIME_PERIODIC);
+  const std::uint32_t one = Start(2);
   const std::uint32_t other = timers.timeSetEvent(20, 1, Tick, &slow, TIME_PERIODIC);
   EXPECT_NE(one, other);
   EXPECT_TRUE(Reaches(slow.count, 3));
-  EXPECT_GT(fast.count, slow.count);
+  EXPECT_GT(ticks.count, slow.count);
+  End(other);
 }
 
-TEST(LinuxTimers, TheEndOfTheObjectWaitsForTheCallUnderWay) {
-  Ticks ticks;
+TEST_F(LinuxTimersTest, TheEndOfTheObjectWaitsForTheCallUnderWay) {
   ticks.sleepMs = 50;
   ticks.sleepTicks = 1000;
   {
-    LinuxTimers timers;
-    ASSERT_NE(timers.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC), 0u);
+    LinuxTimers ended;
+    ASSERT_NE(ended.timeSetEvent(1, 1, Tick, &ticks, TIME_PERIODIC), 0u);
     ASSERT_TRUE(Reaches(ticks.count, 1));
   }
   EXPECT_EQ(ticks.inside, 0);
-  const int afterwards = ticks.count;
-  Pause(20);
-  EXPECT_EQ(ticks.count, afterwards);
+  ExpectNoFurtherCall();
 }
 
-TEST(LinuxTimers, ALongPeriodEndsAtOnceWhenKilled) {
-  Ticks ticks;
+TEST_F(LinuxTimersTest, ALongPeriodEndsAtOnceWhenKilled) {
   const std::int64_t start = MonotonicNow();
   {
-    LinuxTimers timers;
-    const std::uint32_t id = timers.timeSetEvent(1000000, 1, Tick, &ticks, TIME_PERIODIC);
+    LinuxTimers ended;
+    const std::uint32_t id = ended.timeSetEvent(1000000, 1, Tick, &ticks, TIME_PERIODIC);
     ASSERT_NE(id, 0u);
-    EXPECT_EQ(timers.timeKillEvent(id), TIMERR_NOERROR);
+    EXPECT_EQ(ended.timeKillEvent(id), TIMERR_NOERROR);
   }
   EXPECT_LT(MonotonicNow() - start, 10 * kNanosecondsPerSecond);
   EXPECT_EQ(ticks.count, 0);

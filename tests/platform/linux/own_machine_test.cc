@@ -8,8 +8,6 @@
 #include <stdio.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -18,46 +16,26 @@
 #include "app/platform/linux/linux_clock.h"
 #include "app/platform/linux/linux_devices.h"
 #include "app/platform/linux/uinput_input.h"
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
+#include "tests/platform/direct_input.h"
+#include "tests/platform/linux/evdev_description.h"
 
 namespace platform {
 namespace {
 
-constexpr int kPatience = 10000;  // ms
-
-void Pause() { LinuxClock().Sleep(1); }
-
-// Calls `done` until it says true.
-template <typename Condition>
-bool Comes(Condition done) {
-  for (int waited = 0; waited < kPatience; ++waited) {
-    if (done()) return true;
-    Pause();
-  }
-  return false;
-}
+using namespace kelvaro::tests;
 
 // A pad of the kernel's, there for the life of the object.
 class VirtualPad {
  public:
   explicit VirtualPad(const char* name) {
-    libevdev* description = libevdev_new();
-    libevdev_set_name(description, name);
-    libevdev_set_id_bustype(description, BUS_USB);
-    libevdev_set_id_vendor(description, 0x1234);
-    for (const unsigned code : {BTN_A, BTN_B, BTN_DPAD_UP})
-      libevdev_enable_event_code(description, EV_KEY, code, nullptr);
-    input_absinfo stick{};
-    stick.minimum = -100;
-    stick.maximum = 100;
-    libevdev_enable_event_code(description, EV_ABS, ABS_X, &stick);
-    input_absinfo hat{};
-    hat.minimum = -1;
-    hat.maximum = 1;
-    libevdev_enable_event_code(description, EV_ABS, ABS_HAT0X, &hat);
-    libevdev_enable_event_code(description, EV_ABS, ABS_HAT0Y, &hat);
-    if (libevdev_uinput_create_from_device(description, LIBEVDEV_UINPUT_OPEN_MANAGED, &device) != 0)
+    EvdevDescription described(name);
+    described.Ids(0x1234, 0, 0).Keys({BTN_A, BTN_B, BTN_DPAD_UP}).Axis(ABS_X, -100, 100);
+    described.Axis(ABS_HAT0X, -1, 1).Axis(ABS_HAT0Y, -1, 1);
+    if (libevdev_uinput_create_from_device(described.Device(), LIBEVDEV_UINPUT_OPEN_MANAGED,
+                                           &device) != 0)
       device = nullptr;
-    libevdev_free(description);
   }
   ~VirtualPad() {
     if (device) libevdev_uinput_destroy(device);
@@ -78,8 +56,7 @@ class VirtualPad {
 class OwnMachineTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    const char* required = std::getenv("KELVARO_REQUIRE");
-    if (!required || !std::strstr(required, "uinput"))
+    if (!Required("uinput"))
       GTEST_SKIP() << "types for real: only with KELVARO_REQUIRE=uinput, on a machine of its own";
     ASSERT_EQ(access("/dev/uinput", W_OK), 0);
     ASSERT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directInput), DI_OK);
@@ -91,40 +68,20 @@ class OwnMachineTest : public ::testing::Test {
 
   std::vector<DIDEVICEINSTANCE> Named(const std::string& name) {
     std::vector<DIDEVICEINSTANCE> found;
-    directInput->EnumDevices(
-        DI8DEVCLASS_GAMECTRL,
-        [&](const DIDEVICEINSTANCE& instance) {
-          if (name == instance.tszInstanceName) found.push_back(instance);
-          return true;
-        },
-        DIEDFL_ATTACHEDONLY);
+    for (const DIDEVICEINSTANCE& instance : Listed(*directInput))
+      if (name == instance.tszInstanceName) found.push_back(instance);
     return found;
   }
 
   void Select(const std::string& name) {
-    ASSERT_TRUE(Comes([&] { return !Named(name).empty(); }));
+    ASSERT_TRUE(Eventually([&] { return !Named(name).empty(); }));
     identity = Named(name)[0].guidInstance;
     ASSERT_EQ(directInput->CreateDevice(identity, &device), DI_OK);
-    device->EnumObjects(
-        [&](std::uint32_t id) {
-          DIPROPRANGE range;
-          range.diph.dwObj = id;
-          range.diph.dwHow = DIPH_BYID;
-          range.lMin = -32000;
-          range.lMax = 32000;
-          EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DI_OK);
-          return true;
-        },
-        DIDFT_AXIS);
+    ScaleAxes(*device);
     ASSERT_EQ(device->Acquire(), DI_OK);
   }
 
-  DIJOYSTATE2 Polled() {
-    EXPECT_EQ(device->Poll(), DI_OK);
-    DIJOYSTATE2 state;
-    EXPECT_EQ(device->GetDeviceState(sizeof state, &state), DI_OK);
-    return state;
-  }
+  DIJOYSTATE2 Polled() { return platform::Polled(*device); }
 
   LinuxDevices devices;
   DirectInput* directInput = nullptr;
@@ -216,7 +173,7 @@ TEST_F(OwnMachineTest, APulledPadComesToRestAndComesBackManyTimes) {
     for (int tick = 0; tick < 20; ++tick) EXPECT_EQ(device->Acquire(), DIERR_INPUTLOST);
     pad = std::make_unique<VirtualPad>("Pad of Returns");
     ASSERT_TRUE(pad->Made());
-    ASSERT_TRUE(Comes([&] { return device->Acquire() == DI_OK; })) << "round " << round;
+    ASSERT_TRUE(Eventually([&] { return device->Acquire() == DI_OK; })) << "round " << round;
   }
 }
 
@@ -226,7 +183,7 @@ TEST_F(OwnMachineTest, OfTwoEqualPadsTheOneThatStaysIsLeftAlone) {
   Select("Twin");
   VirtualPad second("Twin");
   ASSERT_TRUE(second.Made());
-  ASSERT_TRUE(Comes([&] { return Named("Twin").size() == 2; }));
+  ASSERT_TRUE(Eventually([&] { return Named("Twin").size() == 2; }));
   const std::vector<DIDEVICEINSTANCE> twins = Named("Twin");
   EXPECT_EQ(twins[0].guidInstance, identity);
   EXPECT_NE(twins[1].guidInstance, identity);
@@ -235,11 +192,11 @@ TEST_F(OwnMachineTest, OfTwoEqualPadsTheOneThatStaysIsLeftAlone) {
   EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
   for (int tick = 0; tick < 50; ++tick) {
     EXPECT_EQ(device->Acquire(), DIERR_INPUTLOST);
-    Pause();
+    LinuxClock().Sleep(1);
   }
   first = std::make_unique<VirtualPad>("Twin");
   ASSERT_TRUE(first->Made());
-  ASSERT_TRUE(Comes([&] { return device->Acquire() == DI_OK; }));
+  ASSERT_TRUE(Eventually([&] { return device->Acquire() == DI_OK; }));
   second.Say(EV_KEY, BTN_B, 1);
   first->Say(EV_KEY, BTN_A, 1);
   const DIJOYSTATE2 state = Polled();
@@ -274,21 +231,34 @@ class NodeReader {
   const int fd;
 };
 
-TEST_F(OwnMachineTest, KeysComeOutOfTheVirtualKeyboard) {
-  int errorCode = 0;
-  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
-  ASSERT_NE(input, nullptr) << errorCode;
-  std::unique_ptr<NodeReader> reader;
-  ASSERT_TRUE(Comes([&] {
-    reader = std::make_unique<NodeReader>(input->KeyboardNode());
-    return reader->IsOpen();
-  }));
-  libevdev* node = nullptr;
-  ASSERT_EQ(libevdev_new_from_fd(reader->Fd(), &node), 0);
-  EXPECT_STREQ(libevdev_get_name(node), "Kelvaro Keyboard");
-  EXPECT_EQ(libevdev_get_id_bustype(node), BUS_USB);
-  libevdev_free(node);
+class OwnInputTest : public OwnMachineTest {
+ protected:
+  void SetUp() override {
+    OwnMachineTest::SetUp();
+    if (IsSkipped()) return;
+    int errorCode = 0;
+    input = UinputInput::Open(&errorCode);
+    ASSERT_NE(input, nullptr) << errorCode;
+  }
+  // Opens the node once it is there. It is of that name, and on the bus of real ones.
+  void Read(const std::string& node, const char* name) {
+    ASSERT_TRUE(Eventually([&] {
+      reader = std::make_unique<NodeReader>(node);
+      return reader->IsOpen();
+    }));
+    libevdev* device = nullptr;
+    ASSERT_EQ(libevdev_new_from_fd(reader->Fd(), &device), 0);
+    EXPECT_STREQ(libevdev_get_name(device), name);
+    EXPECT_EQ(libevdev_get_id_bustype(device), BUS_USB);
+    libevdev_free(device);
+  }
 
+  std::unique_ptr<UinputInput> input;
+  std::unique_ptr<NodeReader> reader;
+};
+
+TEST_F(OwnInputTest, KeysComeOutOfTheVirtualKeyboard) {
+  ASSERT_NO_FATAL_FAILURE(Read(input->KeyboardNode(), "Kelvaro Keyboard"));
   input->keybd_event('A', 0x1E, 0, 0);
   input->keybd_event('A', 0x1E, 0, 0);  // dropped by the kernel
   input->keybd_event('B', 0x30, KEYEVENTF_KEYUP, 0);
@@ -299,21 +269,8 @@ TEST_F(OwnMachineTest, KeysComeOutOfTheVirtualKeyboard) {
   EXPECT_EQ(input->FailedEvents(), 0u);
 }
 
-TEST_F(OwnMachineTest, MotionAndButtonsComeOutOfTheVirtualMouse) {
-  int errorCode = 0;
-  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
-  ASSERT_NE(input, nullptr) << errorCode;
-  std::unique_ptr<NodeReader> reader;
-  ASSERT_TRUE(Comes([&] {
-    reader = std::make_unique<NodeReader>(input->MouseNode());
-    return reader->IsOpen();
-  }));
-  libevdev* node = nullptr;
-  ASSERT_EQ(libevdev_new_from_fd(reader->Fd(), &node), 0);
-  EXPECT_STREQ(libevdev_get_name(node), "Kelvaro Mouse");
-  EXPECT_EQ(libevdev_get_id_bustype(node), BUS_USB);
-  libevdev_free(node);
-
+TEST_F(OwnInputTest, MotionAndButtonsComeOutOfTheVirtualMouse) {
+  ASSERT_NO_FATAL_FAILURE(Read(input->MouseNode(), "Kelvaro Mouse"));
   input->mouse_event(MOUSEEVENTF_MOVE, 3, -4, 0, 0);
   input->mouse_event(MOUSEEVENTF_LEFTDOWN | MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
   input->mouse_event(MOUSEEVENTF_WHEEL, 0, 0, 150, 0);
@@ -331,31 +288,25 @@ TEST_F(OwnMachineTest, UinputIsWhatOpensFirst) {
   EXPECT_STREQ(input->Name(), "uinput");
 }
 
-TEST_F(OwnMachineTest, AMissingPermissionIsTold) {
-  unsetenv("DISPLAY");
+TEST_F(OwnMachineTest, AMissingPermissionOrNodeIsTold) {
+  const Variable none("DISPLAY");
+  const auto refusal = [] {
+    std::string error;
+    EXPECT_EQ(OpenLinuxInput(InputChoice::Auto, &error), nullptr);
+    return error;
+  };
   constexpr uid_t kNobody = 65534;
   ASSERT_EQ(seteuid(kNobody), 0);
-  std::string error;
-  const std::unique_ptr<LinuxInput> input = OpenLinuxInput(InputChoice::Auto, &error);
+  std::string error = refusal();
   ASSERT_EQ(seteuid(0), 0);
-  EXPECT_EQ(input, nullptr);
   EXPECT_EQ(error.find("can't send keys: no permission to open /dev/uinput"), 0u) << error;
-}
-
-TEST_F(OwnMachineTest, AMissingNodeIsTold) {
-  unsetenv("DISPLAY");
   ASSERT_EQ(rename("/dev/uinput", "/dev/uinput.away"), 0);
-  std::string error;
-  const std::unique_ptr<LinuxInput> input = OpenLinuxInput(InputChoice::Auto, &error);
+  error = refusal();
   ASSERT_EQ(rename("/dev/uinput.away", "/dev/uinput"), 0);
-  EXPECT_EQ(input, nullptr);
   EXPECT_EQ(error.find("can't send keys: the kernel module uinput is not loaded"), 0u) << error;
 }
 
-TEST_F(OwnMachineTest, OurOwnDevicesAreNoGameDevices) {
-  int errorCode = 0;
-  const std::unique_ptr<UinputInput> input = UinputInput::Open(&errorCode);
-  ASSERT_NE(input, nullptr) << errorCode;
+TEST_F(OwnInputTest, OurOwnDevicesAreNoGameDevices) {
   EXPECT_TRUE(Named(kKeyboardName).empty());
   EXPECT_TRUE(Named(kMouseName).empty());
 }

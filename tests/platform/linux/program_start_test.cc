@@ -3,59 +3,28 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iostream>
-#include <sstream>
 #include <string>
 #include <thread>
 
 #include "app/platform/linux/thread_priority.h"
 #include "app/platform/threads.h"
 #include "tests/platform/linux/fake_realtime_kit.h"
+#include "tests/platform/linux/new_process.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-// Limits can't be raised again, except by root: each test is a process of its own without rights.
-// Its failures show in its error output.
-#define EXPECT_HOLDS(condition)                      \
-  if (!(condition)) {                                \
-    std::cerr << "not so: " #condition << std::endl; \
-    _exit(1);                                        \
-  }
-
-void BecomeNobody() {
-  const rlimit none{};
-  setrlimit(RLIMIT_NICE, &none);
-  setrlimit(RLIMIT_RTPRIO, &none);
-  if (geteuid() == 0 && setuid(65534) != 0) _exit(2);
-  prctl(PR_SET_DUMPABLE, 1UL, 0UL, 0UL, 0UL);  // /proc shows it to itself again
-}
+using namespace kelvaro::tests;
 
 void AsNobody(const std::function<void()>& look) {
-  if (!Bus().Start()) {
-    if (BusRequired()) FAIL() << "dbus-daemon can't be started";
-    GTEST_SKIP() << "dbus-daemon can't be started";
-  }
-  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a program of its own, not a fork of this one
-  EXPECT_EXIT((BecomeNobody(), look(), _exit(0)), testing::ExitedWithCode(0), "");
-}
-
-std::string TextOf(const std::string& path) {
-  std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
+  SKIP_UNLESS(!Bus().Address().empty(), "dbus", "dbus-daemon can't be started");
+  InANewProcess([&] { BecomeNobody(), look(); });
 }
 
 std::string RealtimeLine(const std::string& limits) {
@@ -63,34 +32,26 @@ std::string RealtimeLine(const std::string& limits) {
   return limits.substr(start, limits.find('\n', start) - start);
 }
 
-std::string OwnRealtimeLine() { return RealtimeLine(TextOf("/proc/self/limits")); }
+std::string OwnRealtimeLine() { return RealtimeLine(Content("/proc/self/limits")); }
 
 bool IsThere(pid_t process) { return kill(process, 0) == 0 || errno == EPERM; }
 
-// The child of `parent` that bears the starter's name, -1 for none.
-pid_t StarterOf(pid_t parent) {
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
-    std::istringstream stat(TextOf(entry.path() / "stat"));
-    pid_t id = 0;
-    pid_t maker = 0;
-    std::string name, state;
-    if (stat >> id >> name >> state >> maker && maker == parent && name == "(starter)") return id;
-  }
+// The child of this process that bears the starter's name, -1 for none.
+pid_t Starter() {
+  for (const auto& [id, name] : ChildrenOf(getpid()))
+    if (name == "starter") return id;
   return -1;
 }
 
 void BecomeTimeCritical() { SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL); }
 
 // A process that RealtimeKit grants real-time scheduling.
-class GrantedProcess {
+class GrantedProcess : public TemporaryFolder {
  public:
   GrantedProcess() {
-    EXPECT_HOLDS(bus.Start());
+    EXPECT_HOLDS(!bus.Address().empty());
     setenv("DBUS_SYSTEM_BUS_ADDRESS", bus.Address().c_str(), 1);
-    char name[] = "/tmp/kelvaro-start-XXXXXX";
-    folder = mkdtemp(name);
   }
-  ~GrantedProcess() { fs::remove_all(folder); }
 
   // From a thread whose limits and slack are no longer the session's.
   void InTimeCriticalThread(const std::function<void()>& look) {
@@ -109,21 +70,19 @@ class GrantedProcess {
   std::string Seen(const std::string& file) {
     const std::string out = folder + "/out";
     EXPECT_HOLDS(Run({"/bin/dd", {"dd", "if=" + file, "of=" + out, "status=none"}, ""}) == 0);
-    return TextOf(out);
+    return Content(out);
   }
 
   // Its exit status; nothing is left of it.
   int Run(const ProgramStart& start) {
     pid_t process = -1;
     EXPECT_HOLDS(StartProgram(start, &process) == 0);
-    int status = 0;
-    EXPECT_HOLDS(waitpid(process, &status, 0) == process);
+    const int status = StatusOf(process);
     EXPECT_HOLDS(!IsThere(process));
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return status;
   }
 
   Bus bus;
-  std::string folder;
 };
 
 TEST(ProgramStart, GetsTheSessionsLimitsThoughRealtimeKitHadOursLowered) {
@@ -160,7 +119,7 @@ TEST(ProgramStart, GetsTheSessionsTimerSlackWithoutAStarterToo) {
       StartAtNormalPriority();
       EXPECT_HOLDS(std::to_string(prctl(PR_GET_TIMERSLACK)) + "\n" == session);
     }).join();
-    EXPECT_HOLDS(StarterOf(getpid()) == -1);
+    EXPECT_HOLDS(Starter() == -1);
   });
 }
 
@@ -169,16 +128,15 @@ TEST(ProgramStart, GetsItsWordsAndFolderAndTellsItsStatusFromTheStarterToo) {
     GrantedProcess process;
     process.InTimeCriticalThread([&] {
       const std::string script = process.folder + "/script";
-      std::ofstream(script) << "printf '<%s>' \"$@\" >out; ps -o ppid= $$ >parent; exit 7\n";
-      fs::permissions(script, fs::perms::owner_all);
+      Put(script, "printf '<%s>' \"$@\" >out; ps -o ppid= $$ >parent; exit 7\n", 0755);
       EXPECT_HOLDS(process.Run({script, {"script", "one word", ""}, process.folder}) == 7);
-      EXPECT_HOLDS(TextOf(process.folder + "/out") == "<one word><>");
-      EXPECT_HOLDS(std::stoi(TextOf(process.folder + "/parent")) == getpid());
+      EXPECT_HOLDS(Content(process.folder + "/out") == "<one word><>");
+      EXPECT_HOLDS(std::stoi(Content(process.folder + "/parent")) == getpid());
       fs::remove(process.folder + "/out");
       // An empty one is this process's own, where that is now.
       fs::current_path(process.folder);
       EXPECT_HOLDS(process.Run({script, {"script"}, ""}) == 7);
-      EXPECT_HOLDS(TextOf(process.folder + "/out") == "<>");
+      EXPECT_HOLDS(Content(process.folder + "/out") == "<>");
     });
   });
 }
@@ -219,12 +177,12 @@ TEST(ProgramStart, WhatEndsTheProgramsTerminalLeavesTheStarter) {
     GrantedProcess process;
     const std::string session = OwnRealtimeLine();
     process.InTimeCriticalThread([&] {
-      const pid_t starter = StarterOf(getpid());
+      const pid_t starter = Starter();
       EXPECT_HOLDS(starter > 0 && getsid(starter) == starter);
       EXPECT_HOLDS(!fs::exists("/proc/" + std::to_string(starter) + "/fd/3"));
       for (const int signal : {SIGINT, SIGHUP, SIGTERM, SIGQUIT, SIGXCPU}) kill(starter, signal);
       EXPECT_HOLDS(RealtimeLine(process.Seen("/proc/self/limits")) == session);
-      EXPECT_HOLDS(StarterOf(getpid()) == starter);
+      EXPECT_HOLDS(Starter() == starter);
     });
   });
 }
@@ -233,7 +191,7 @@ TEST(ProgramStart, GoesWithoutAStarterThatWasKilledAndNothingIsLeftOfThat) {
   AsNobody([] {
     GrantedProcess process;
     process.InTimeCriticalThread([&] {
-      const pid_t starter = StarterOf(getpid());
+      const pid_t starter = Starter();
       EXPECT_HOLDS(starter > 0);
       kill(starter, SIGKILL);
       EXPECT_HOLDS(process.Run({"/bin/true", {"true"}, ""}) == 0);
@@ -249,16 +207,16 @@ void ExpectTheStarterEndsWithAProgramThat(bool isKilled) {
   int go[2];
   int told[2];
   EXPECT_HOLDS(pipe(go) == 0 && pipe(told) == 0);
-  const pid_t program = fork();  // while there is one thread
-  if (program == 0) {
+  // While there is one thread.
+  const pid_t program = Fork([&] {
     char byte;
     EXPECT_HOLDS(read(go[0], &byte, 1) == 1);
     std::thread(BecomeTimeCritical).join();
-    const pid_t starter = StarterOf(getpid());
+    const pid_t starter = Starter();
     EXPECT_HOLDS(write(told[1], &starter, sizeof starter) == sizeof starter);
     EXPECT_HOLDS(read(go[0], &byte, 1) == 1);
-    _exit(0);
-  }
+    return 0;
+  });
   const FakeService service(process.bus.Address(), true);
   EXPECT_HOLDS(write(go[1], "", 1) == 1);
   pid_t starter = -1;
@@ -269,9 +227,8 @@ void ExpectTheStarterEndsWithAProgramThat(bool isKilled) {
   } else {
     EXPECT_HOLDS(write(go[1], "", 1) == 1);
   }
-  int status = -1;
-  EXPECT_HOLDS(waitpid(program, &status, 0) == program && WIFSIGNALED(status) == isKilled);
-  EXPECT_HOLDS(waitpid(starter, &status, 0) == starter && status == 0);
+  EXPECT_HOLDS(StatusOf(program) == (isKilled ? 128 + SIGKILL : 0));
+  EXPECT_HOLDS(StatusOf(starter) == 0);
 }
 
 TEST(ProgramStart, TheStarterEndsWithTheProgram) {

@@ -6,12 +6,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <functional>
-#include <iostream>
 #include <thread>
 
 #include "app/platform/threads.h"
+#include "tests/platform/linux/new_process.h"
 
 namespace platform {
 namespace {
@@ -76,28 +74,6 @@ TEST(ThreadPriority, AChildOfATimeCriticalThreadStartsAsAnOrdinaryOne) {
       EXPECT_EQ(NiceNow(), nice);
     }).join();
   }).join();
-}
-
-// What is said of a process's first thread, and of its class, is true of a process that has done
-// nothing yet: each of these looks at one of its own. Its failures show in its error output.
-#define EXPECT_HOLDS(condition)                      \
-  if (!(condition)) {                                \
-    std::cerr << "not so: " #condition << std::endl; \
-    _exit(1);                                        \
-  }
-
-void InANewProcess(const std::function<void()>& look) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");  // a program of its own, not a fork of this one
-  EXPECT_EXIT((look(), _exit(0)), testing::ExitedWithCode(0), "");
-}
-
-// Takes away every way to a better priority.
-void BecomeNobody() {
-  setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere", 1);
-  const rlimit none{};
-  setrlimit(RLIMIT_NICE, &none);
-  setrlimit(RLIMIT_RTPRIO, &none);
-  if (geteuid() == 0 && setuid(65534) != 0) _exit(2);
 }
 
 TEST(FirstThreadPriority, TimeCriticalIsANiceValueThere) {

@@ -6,20 +6,17 @@
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <fcntl.h>
 #include <signal.h>
 #include <string.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "app/platform/linux/linux_clock.h"
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
 
 // Where a connection breaks and the library's handlers return, it gives its own lock back twice.
 // The connection isn't used again, so nothing comes of it.
@@ -29,64 +26,17 @@ extern "C" const char* __tsan_default_suppressions() { return "mutex:libX11.so\n
 namespace platform {
 namespace {
 
-// An X server without a screen, for the life of the object.
-class Server {
- public:
-  // False where there is no such server on this machine.
-  bool Start() {
-    int numbers[2];
-    if (pipe2(numbers, O_CLOEXEC) != 0) return false;
-    const std::string fd = std::to_string(numbers[1]);
-    process = fork();
-    if (process == 0) {
-      fcntl(numbers[1], F_SETFD, 0);
-      const int nothing = open("/dev/null", O_WRONLY);
-      dup2(nothing, STDOUT_FILENO);
-      dup2(nothing, STDERR_FILENO);
-      execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "640x480x24", "-nolisten",
-             "tcp", "-noreset", nullptr);
-      _exit(127);
-    }
-    close(numbers[1]);
-    std::string number;
-    char digit;
-    while (read(numbers[0], &digit, 1) == 1 && digit != '\n') number += digit;
-    close(numbers[0]);
-    name = ":" + number;
-    return !number.empty();
-  }
-  void Stop() {
-    if (process <= 0) return;
-    kill(process, SIGKILL);
-    waitpid(process, nullptr, 0);
-    process = -1;
-  }
-  ~Server() { Stop(); }
-  const std::string& Name() const { return name; }
-  pid_t Id() const { return process; }
-
- private:
-  pid_t process = -1;
-  std::string name;
-};
-
-bool Required() {
-  const char* required = std::getenv("KELVARO_REQUIRE");
-  return required && std::string(required).find("xvfb") != std::string::npos;
-}
+using namespace kelvaro::tests;
 
 // A server, an input on it, and a second connection that sees what arrives in a window.
 class XTestInputTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!server.Start()) {
-      if (Required()) FAIL() << "Xvfb can't be started";
-      GTEST_SKIP() << "Xvfb can't be started";
-    }
+    SKIP_UNLESS(server.Id() > 0 && !server.Address().empty(), "xvfb", "Xvfb can't be started");
     std::string error;
-    input = XTestInput::Open(server.Name(), &error);
+    input = XTestInput::Open(name, &error);
     ASSERT_NE(input, nullptr) << error;
-    viewer = XOpenDisplay(server.Name().c_str());
+    viewer = XOpenDisplay(name.c_str());
     ASSERT_NE(viewer, nullptr);
     window = XCreateSimpleWindow(viewer, DefaultRootWindow(viewer), 0, 0, 640, 480, 0, 0, 0);
     XSelectInput(viewer, window,
@@ -134,35 +84,14 @@ class XTestInputTest : public ::testing::Test {
     return (keys[keycode / 8] >> (keycode % 8)) & 1;
   }
 
-  // The child of this process that isn't the server; 0 when there is none.
-  pid_t Guard() {
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::ifstream status(entry.path() / "status");
-      pid_t parent = 0;
-      for (std::string word; status >> word;)
-        if (word == "PPid:") status >> parent;
-      const pid_t process = std::atoi(entry.path().filename().c_str());
-      if (parent == getpid() && process != server.Id()) return process;
-    }
+  // 0 when there is none.
+  static pid_t Guard() {
+    for (const auto& [child, name] : ChildrenOf(getpid()))
+      if (name == "key-guard") return child;
     return 0;
   }
-  static std::string Command(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    std::getline(file, name);
-    return name;
-  }
-  static std::vector<std::string> Descriptors(pid_t process) {
-    std::map<int, std::string> open;
-    for (const auto& entry :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd"))
-      open[std::stoi(entry.path().filename())] = std::filesystem::read_symlink(entry.path());
-    std::vector<std::string> files;
-    for (const auto& [fd, file] : open) files.push_back(file);
-    return files;
-  }
-
-  Server server;
+  Server server{[](const std::string& pipe) { return XServerCommand(pipe, "640x480"); }};
+  const std::string name = ":" + server.Address();
   std::unique_ptr<XTestInput> input;
   Display* viewer = nullptr;
   Window window = 0;
@@ -272,20 +201,19 @@ TEST_F(XTestInputTest, TheEndOfTheObjectLetsGoOfWhatIsDown) {
 // SIGKILL, and Ctrl-C, which reaches every process that the terminal sees in front.
 TEST_F(XTestInputTest, AProgramThatIsKilledLeavesNothingDown) {
   for (const int signal : {SIGKILL, SIGINT}) {
-    const pid_t program = fork();
-    if (program == 0) {
+    const pid_t program = Fork([this]() -> int {
       setpgid(0, 0);
       ::signal(SIGINT, SIG_DFL);  // ignored where the tests run in the background
-      const std::unique_ptr<XTestInput> own = XTestInput::Open(server.Name(), nullptr);
-      if (!own) _exit(1);
+      const std::unique_ptr<XTestInput> own = XTestInput::Open(name, nullptr);
+      if (!own) return 1;
       own->keybd_event(0xA0, 0x2A, 0, 0);
       own->mouse_event(MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
       for (;;) pause();
-    }
+    });
     EXPECT_EQ(Next(), "key 50 down");
     EXPECT_EQ(Next(), "button 1 down");
     kill(-program, signal);
-    waitpid(program, nullptr, 0);
+    StatusOf(program);
     EXPECT_EQ(Next(), "key 50 up");
     EXPECT_EQ(Next(), "button 1 up");
   }
@@ -294,13 +222,13 @@ TEST_F(XTestInputTest, AProgramThatIsKilledLeavesNothingDown) {
 TEST_F(XTestInputTest, TheGuardHasASessionOfItsOwnAndOneDescriptor) {
   const pid_t guard = Guard();
   ASSERT_GT(guard, 0);
-  EXPECT_EQ(Command(guard), "key-guard");
   EXPECT_EQ(getsid(guard), guard);
-  const std::vector<std::string> open = Descriptors(guard);
+  const std::map<int, std::string> open = OpenFiles(guard);
   ASSERT_EQ(open.size(), 3u);
-  EXPECT_EQ(open[0].rfind("socket:", 0), 0u) << open[0];
-  EXPECT_EQ(open[1], "/dev/null");
-  EXPECT_EQ(open[2], "/dev/null");
+  auto file = open.begin();
+  EXPECT_EQ(file->second.rfind("socket:", 0), 0u) << file->second;
+  EXPECT_EQ((++file)->second, "/dev/null");
+  EXPECT_EQ((++file)->second, "/dev/null");
 }
 
 TEST_F(XTestInputTest, TheGuardOutlivesWhatEndsThePrograms) {
@@ -335,7 +263,7 @@ TEST_F(XTestInputTest, AServerThatGoesAwayIsCountedAndReportedOnce) {
 }
 
 TEST_F(XTestInputTest, IsWhatOpensWhereItIsAskedForOrAllThereIs) {
-  setenv("DISPLAY", server.Name().c_str(), 1);
+  const Variable display("DISPLAY", name.c_str());
   std::string error;
   std::unique_ptr<LinuxInput> opened = OpenLinuxInput(InputChoice::XTest, &error);
   ASSERT_NE(opened, nullptr) << error;
@@ -347,7 +275,6 @@ TEST_F(XTestInputTest, IsWhatOpensWhereItIsAskedForOrAllThereIs) {
     ASSERT_NE(opened, nullptr) << error;
     EXPECT_STREQ(opened->Name(), "XTest");
   }
-  unsetenv("DISPLAY");
 }
 
 TEST(XTestInput, NoServerIsTold) {

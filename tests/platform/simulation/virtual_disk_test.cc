@@ -3,44 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/platform/files_by_hand.h"
 
 namespace platform::simulation {
 namespace {
-
-using Names = std::vector<std::string>;
-
-bool Write(File& file, const std::string& bytes, std::uint32_t* written = nullptr) {
-  std::uint32_t count = 0;
-  const bool good = file.WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &count);
-  if (written) *written = count;
-  return good;
-}
-
-std::string ReadAll(File& file) {
-  char buffer[256];
-  std::uint32_t read = 0;
-  EXPECT_TRUE(file.ReadFile(buffer, sizeof buffer, &read));
-  return std::string(buffer, read);
-}
-
-Names Found(Files& disk, const std::string& pattern) {
-  Names names;
-  FindData data;
-  if (const std::unique_ptr<FileSearch> search = disk.FindFirstFileA(pattern, &data)) {
-    do {
-      names.push_back(data.name);
-    } while (search->FindNextFileA(&data));
-  }
-  return names;
-}
-
-std::unique_ptr<File> OpenToRead(VirtualDisk& disk, const std::string& path) {
-  return disk.CreateFileA(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
-}
-
-std::unique_ptr<File> Create(VirtualDisk& disk, const std::string& path) {
-  return disk.CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
-}
 
 // Four changing operations: create, two writes, close.
 void Save(VirtualDisk& disk, const std::string& path) {

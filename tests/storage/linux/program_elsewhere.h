@@ -3,7 +3,6 @@
 // of a save costs.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -11,6 +10,8 @@
 
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/platform.h"
+#include "tests/host/files.h"
+#include "tests/platform/forwarded_files.h"
 
 namespace kelvaro {
 
@@ -36,49 +37,29 @@ class UnflushedFile final : public platform::File {
   std::unique_ptr<platform::File> file;
 };
 
-class FilesElsewhere final : public platform::Files {
+class FilesElsewhere final : public ForwardedFiles {
  public:
   FilesElsewhere(platform::Files& files, std::string programPath, bool flush)
-      : files(files), programPath(std::move(programPath)), flush(flush) {}
+      : ForwardedFiles(files), programPath(std::move(programPath)), flush(flush) {}
 
-  char PathSeparator() override { return files.PathSeparator(); }
   std::unique_ptr<platform::File> CreateFileA(const std::string& path, std::uint32_t access,
                                               std::uint32_t share,
                                               std::uint32_t disposition) override {
-    auto file = files.CreateFileA(path, access, share, disposition);
+    auto file = ForwardedFiles::CreateFileA(path, access, share, disposition);
     if (file && !flush) return std::make_unique<UnflushedFile>(std::move(file));
     return file;
   }
   bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) override {
-    if (flush) return files.CopyFileA(from, to, failIfExists);
+    if (flush) return ForwardedFiles::CopyFileA(from, to, failIfExists);
     std::error_code error;
     const std::string beside = to + ".copy";
     std::filesystem::copy_file(from, beside, error);
     if (!error) std::filesystem::rename(beside, to, error);
     return !error;
   }
-  bool DeleteFileA(const std::string& path) override { return files.DeleteFileA(path); }
-  std::uint32_t GetFileAttributesA(const std::string& path) override {
-    return files.GetFileAttributesA(path);
-  }
-  bool SetFileAttributesA(const std::string& path, std::uint32_t attributes) override {
-    return files.SetFileAttributesA(path, attributes);
-  }
-  bool CreateDirectoryA(const std::string& path) override { return files.CreateDirectoryA(path); }
-  std::unique_ptr<platform::FileSearch> FindFirstFileA(const std::string& pattern,
-                                                       platform::FindData* data) override {
-    return files.FindFirstFileA(pattern, data);
-  }
-  std::string GetCurrentDirectoryA() override { return files.GetCurrentDirectoryA(); }
-  bool SetCurrentDirectoryA(const std::string& path) override {
-    return files.SetCurrentDirectoryA(path);
-  }
   std::string GetModuleFileNameA() override { return programPath; }
-  std::uint32_t GetLogicalDrives() override { return files.GetLogicalDrives(); }
-  std::uint32_t GetLastError() override { return files.GetLastError(); }
 
  private:
-  platform::Files& files;
   const std::string programPath;
   const bool flush;
 };
@@ -87,16 +68,10 @@ class FilesElsewhere final : public platform::Files {
 class ProgramElsewhere {
  public:
   explicit ProgramElsewhere(bool flush = true)
-      : folder(MakeFolder()),
-        files(*machine.Groups().files, folder + "/kelvaro", flush),
-        installed(Groups()) {}
-  ~ProgramElsewhere() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
-  }
+      : files(*machine.Groups().files, temporary.In("kelvaro"), flush), installed(Groups()) {}
 
-  const std::string& Folder() const { return folder; }
-  std::string Profiles() const { return folder + "/Profiles"; }
+  const std::string& Folder() const { return temporary.folder; }
+  std::string Profiles() const { return temporary.In("Profiles"); }
   platform::Platform Groups() {
     platform::Platform groups = machine.Groups();
     groups.files = &files;
@@ -104,13 +79,7 @@ class ProgramElsewhere {
   }
 
  private:
-  static std::string MakeFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "kelvaro-XXXXXX";
-    if (!mkdtemp(pattern.data())) std::abort();
-    return pattern;
-  }
-
-  const std::string folder;
+  const tests::TemporaryFolder temporary;
   platform::LinuxPlatform machine;
   FilesElsewhere files;
   platform::InstalledPlatform installed;

@@ -3,24 +3,22 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/platform/linux/home_folders.h"
 #include "app/platform/linux/linux_platform.h"
+#include "tests/host/files.h"
+#include "tests/host/processes.h"
 
 // The database's own calls come here, too: an executable's functions go before those of libraries.
 namespace {
@@ -40,26 +38,15 @@ extern "C" int fdatasync(int file) {
 namespace platform {
 namespace {
 
+using namespace kelvaro::tests;
 using Names = std::vector<std::string>;
 
 constexpr const char* kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const char* kGame = "Software\\Game";
 
 // A temporary folder, and a registry that keeps all in it.
-class SqliteRegistryTest : public ::testing::Test {
+class SqliteRegistryTest : public ::testing::Test, protected TemporaryFolder {
  protected:
-  SqliteRegistryTest() {
-    std::string pattern = ::testing::TempDir() + "kelvaro-registry-XXXXXX";
-    folder = mkdtemp(pattern.data());
-    places = {folder + "/config/kelvaro/settings.sqlite3", folder + "/etc/settings.sqlite3",
-              folder + "/config/autostart"};
-    Start();
-  }
-  ~SqliteRegistryTest() override {
-    registry.reset();
-    std::filesystem::remove_all(folder);
-  }
-
   // As a program that starts.
   void Start() { registry = Another(); }
   std::unique_ptr<SqliteRegistry> Another() {
@@ -129,13 +116,15 @@ class SqliteRegistryTest : public ::testing::Test {
     return names;
   }
 
-  static std::string Bytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
   static void PutFile(const std::string& path, const std::string& bytes) {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
+    kelvaro::tests::Put(path, bytes);
+  }
+  // Of another program's that holds the user's file open; to be closed.
+  sqlite3* Other(const char* statement) const {
+    sqlite3* other = nullptr;
+    EXPECT_EQ(sqlite3_open(places.userFile.c_str(), &other), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(other, statement, nullptr, nullptr, nullptr), SQLITE_OK);
+    return other;
   }
   Names FilesIn(const std::string& path) {
     Names names;
@@ -147,13 +136,13 @@ class SqliteRegistryTest : public ::testing::Test {
     return names;
   }
   std::string Autostart(const std::string& file) {
-    return Bytes(places.autostartFolder + "/" + file);
+    return Content(places.autostartFolder + "/" + file);
   }
 
-  std::string folder;
-  RegistryPlaces places;
-  std::unique_ptr<SqliteRegistry> registry;
+  const RegistryPlaces places = {In("config/kelvaro/settings.sqlite3"), In("etc/settings.sqlite3"),
+                                 In("config/autostart")};
   Names troubles;
+  std::unique_ptr<SqliteRegistry> registry = Another();
 };
 
 TEST_F(SqliteRegistryTest, ReadsMakeNoFile) {
@@ -169,9 +158,9 @@ TEST_F(SqliteRegistryTest, ReadsMakeNoFile) {
 
 TEST_F(SqliteRegistryTest, TheFirstWriteMakesTheFileInAFolderOfTheOwnersOwn) {
   Create(kGame);
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
   struct stat status = {};
-  ASSERT_EQ(stat((folder + "/config/kelvaro").c_str(), &status), 0);
+  ASSERT_EQ(stat(In("config/kelvaro").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0700u);
   EXPECT_EQ(FilesIn(folder), Names{"config"});
 }
@@ -265,7 +254,7 @@ TEST_F(SqliteRegistryTest, TheMachinesHiveIsReadAlone) {
   // A user's file, put in the other place.
   Put(Create(kGame), "n", "of the machine");
   registry.reset();
-  std::filesystem::create_directories(folder + "/etc");
+  std::filesystem::create_directories(In("etc"));
   std::filesystem::rename(places.userFile, places.machineFile);
   Start();
   HKEY key = 0;
@@ -339,7 +328,7 @@ TEST_F(WriteGroupTest, OneWithoutAWriteTouchesNothing) {
               EXPECT_EQ(registry->EndWrites(), ERROR_SUCCESS);
             }),
             0);
-  EXPECT_FALSE(std::filesystem::exists(folder + "/config"));
+  EXPECT_FALSE(std::filesystem::exists(In("config")));
 }
 
 TEST_F(WriteGroupTest, ItIsReadAtOnceHereAndByOthersFromTheOutermostEnd) {
@@ -369,19 +358,15 @@ TEST_F(WriteGroupTest, WhatFailsInsideLosesNothingOfTheRest) {
 TEST_F(WriteGroupTest, AProgramThatIsKilledInsideOfOneLeavesAllOfTheOldValues) {
   PutAll(*registry, Create(kGame), "old");
   registry.reset();
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
+  const pid_t child = Fork([this] {
     SqliteRegistry own(places);
     HKEY key = 0;
     own.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key);
     own.BeginWrites();
     for (int n = 0; n < kValues; ++n) own.RegSetValueExA(key, std::to_string(n), REG_SZ, "new", 4);
-    kill(getpid(), SIGKILL);
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  EXPECT_TRUE(WIFSIGNALED(status));
+    return kill(getpid(), SIGKILL);
+  });
+  EXPECT_EQ(StatusOf(child), 128 + SIGKILL);
   EXPECT_EQ(Texts(), Names{"old"});
   EXPECT_EQ(troubles, Names{});
 }
@@ -391,35 +376,28 @@ TEST_F(SqliteRegistryTest, ManyProgramsWriteAtOnceAndLoseNothing) {
   constexpr int kValues = 10;
   std::vector<pid_t> children;
   for (int program = 0; program < kPrograms; ++program) {
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
+    children.push_back(Fork([&] {
       // All of them make the file, too.
       SqliteRegistry own(places);
       HKEY key = 0;
-      if (own.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key) != ERROR_SUCCESS) _exit(1);
+      if (own.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key) != ERROR_SUCCESS) return 1;
       for (int n = 0; n < kValues; ++n) {
         const std::string name = std::to_string(program) + "-" + std::to_string(n);
-        if (own.RegSetValueExA(key, name, REG_SZ, "x", 2) != ERROR_SUCCESS) _exit(2);
+        if (own.RegSetValueExA(key, name, REG_SZ, "x", 2) != ERROR_SUCCESS) return 2;
       }
-      _exit(0);
-    }
-    children.push_back(child);
+      return 0;
+    }));
   }
-  for (const pid_t child : children) {
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
-  }
+  for (const pid_t child : children) EXPECT_EQ(StatusOf(child), 0);
   EXPECT_EQ(ValueNames(Create(kGame)).size(), static_cast<std::size_t>(kPrograms * kValues));
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
 }
 
 TEST_F(SqliteRegistryTest, AFileThatIsNoneIsSetAsideAndTold) {
   PutFile(places.userFile, std::string(5000, 'x'));
   EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3.damaged"});
-  EXPECT_EQ(Bytes(places.userFile + ".damaged"), std::string(5000, 'x'));
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3.damaged"});
+  EXPECT_EQ(Content(places.userFile + ".damaged"), std::string(5000, 'x'));
   EXPECT_EQ(troubles,
             Names{"The settings file " + places.userFile + " is damaged. It has been renamed to " +
                   places.userFile + ".damaged, and the settings start afresh."});
@@ -432,21 +410,21 @@ TEST_F(SqliteRegistryTest, AnEarlierDamagedFileIsKept) {
   PutFile(places.userFile + ".damaged", "first");
   PutFile(places.userFile, "second");
   EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
-  EXPECT_EQ(Bytes(places.userFile + ".damaged"), "first");
-  EXPECT_EQ(Bytes(places.userFile + ".damaged.2"), "second");
+  EXPECT_EQ(Content(places.userFile + ".damaged"), "first");
+  EXPECT_EQ(Content(places.userFile + ".damaged.2"), "second");
 }
 
 TEST_F(SqliteRegistryTest, AFileWithDamageInsideIsSetAside) {
   HKEY key = Create(kGame);
   for (int n = 0; n < 100; ++n) Put(key, std::to_string(n), std::string(200, 'x'));
   registry.reset();
-  std::string bytes = Bytes(places.userFile);
+  std::string bytes = Content(places.userFile);
   ASSERT_GT(bytes.size(), 5 * 4096u);
   std::fill(bytes.begin() + 4096, bytes.end(), '\xA5');
   PutFile(places.userFile, bytes);
   Start();
   EXPECT_EQ(GetIn(*registry, kGame, "1"), "!2");
-  EXPECT_EQ(Bytes(places.userFile + ".damaged"), bytes);
+  EXPECT_EQ(Content(places.userFile + ".damaged"), bytes);
   EXPECT_EQ(troubles.size(), 1u);
 }
 
@@ -454,7 +432,7 @@ TEST_F(SqliteRegistryTest, ATruncatedFileIsSetAside) {
   HKEY key = Create(kGame);
   for (int n = 0; n < 60; ++n) Put(key, std::to_string(n), std::string(200, 'x'));
   registry.reset();
-  const std::string bytes = Bytes(places.userFile);
+  const std::string bytes = Content(places.userFile);
   // A single byte counts as an empty file.
   for (std::size_t size = 2; size < bytes.size(); size += 1371) {
     SCOPED_TRACE(size);
@@ -464,7 +442,7 @@ TEST_F(SqliteRegistryTest, ATruncatedFileIsSetAside) {
     Start();
     EXPECT_EQ(GetIn(*registry, kGame, "1"), "!2");
     EXPECT_EQ(troubles.size(), 1u);
-    EXPECT_EQ(Bytes(places.userFile + ".damaged").size(), size);
+    EXPECT_EQ(Content(places.userFile + ".damaged").size(), size);
   }
 }
 
@@ -479,8 +457,7 @@ TEST_F(SqliteRegistryTest, OneOfTwoInstancesSetsAsideAndTheOtherFollows) {
   EXPECT_EQ(Get(*second, theirs, "n"), "new");
   EXPECT_EQ(Put(*second, theirs, "m", "too"), ERROR_SUCCESS);
   EXPECT_EQ(Get(*registry, mine, "m"), "too");
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"),
-            (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
   EXPECT_EQ(troubles.size(), 1u);
 }
 
@@ -489,37 +466,29 @@ TEST_F(SqliteRegistryTest, AJournalGoesAsideWithItsFile) {
   // One that is over, by its first byte: SQLite would end any other when it looks at the file.
   PutFile(places.userFile + "-journal", std::string(600, '\0'));
   EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
-  EXPECT_EQ(
-      FilesIn(folder + "/config/kelvaro"),
-      (Names{"settings.sqlite3", "settings.sqlite3.damaged", "settings.sqlite3.damaged-journal"}));
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), (Names{"settings.sqlite3", "settings.sqlite3.damaged",
+                                                  "settings.sqlite3.damaged-journal"}));
   EXPECT_EQ(GetIn(*Another(), kGame, "n"), "1");
 }
 
 TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsSetAside) {
-  std::filesystem::create_directories(folder + "/config/kelvaro");
-  sqlite3* other = nullptr;
-  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &other), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(other, "CREATE TABLE key (x)", nullptr, nullptr, nullptr), SQLITE_OK);
-  sqlite3_close(other);
+  std::filesystem::create_directories(In("config/kelvaro"));
+  sqlite3_close(Other("CREATE TABLE key (x)"));
   EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"),
-            (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
 }
 
 TEST_F(SqliteRegistryTest, ALaterProgramsFileIsNeitherReadNorLost) {
   Put(Create(kGame), "n", "1");
   registry.reset();
-  sqlite3* later = nullptr;
-  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &later), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(later, "PRAGMA user_version = 2", nullptr, nullptr, nullptr), SQLITE_OK);
-  sqlite3_close(later);
-  const std::string bytes = Bytes(places.userFile);
+  sqlite3_close(Other("PRAGMA user_version = 2"));
+  const std::string bytes = Content(places.userFile);
   Start();
   HKEY key = 0;
   EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
   EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Bytes(places.userFile), bytes);
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+  EXPECT_EQ(Content(places.userFile), bytes);
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
 }
 
 TEST_F(SqliteRegistryTest, AnEmptyFileIsFilled) {
@@ -536,7 +505,7 @@ TEST_F(SqliteRegistryTest, TheMachinesDamagedFileStaysAndIsToldOnce) {
   EXPECT_NE(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
   EXPECT_NE(registry->RegOpenKeyA(HKEY_LOCAL_MACHINE, kGame, &key), ERROR_SUCCESS);
   EXPECT_EQ(SubkeyNames(HKEY_LOCAL_MACHINE), Names{});
-  EXPECT_EQ(Bytes(places.machineFile), "damaged");
+  EXPECT_EQ(Content(places.machineFile), "damaged");
   EXPECT_EQ(troubles, Names{"The settings file " + places.machineFile +
                             " is damaged. Its settings are not used."});
 }
@@ -555,7 +524,7 @@ TEST_F(SqliteRegistryTest, TroublesBeforeTheListenerAreToldThen) {
 TEST_F(SqliteRegistryTest, AReadOnlyFileIsReadAndStaysAsItIs) {
   Put(Create(kGame), "n", "1");
   registry.reset();
-  const std::string bytes = Bytes(places.userFile);
+  const std::string bytes = Content(places.userFile);
   ASSERT_EQ(chmod(places.userFile.c_str(), 0400), 0);
   Start();
   HKEY key = 0;
@@ -563,16 +532,14 @@ TEST_F(SqliteRegistryTest, AReadOnlyFileIsReadAndStaysAsItIs) {
   EXPECT_EQ(Get(key, "n"), "1");
   EXPECT_EQ(Put(key, "n", "2"), ERROR_ACCESS_DENIED);
   EXPECT_EQ(registry->RegDeleteValueA(key, "n"), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Bytes(places.userFile), bytes);
+  EXPECT_EQ(Content(places.userFile), bytes);
   EXPECT_EQ(troubles, Names{});
 }
 
 TEST_F(SqliteRegistryTest, ALockedFileIsBusyAndNoDamage) {
   Put(Create(kGame), "n", "1");
   registry.reset();
-  sqlite3* other = nullptr;
-  ASSERT_EQ(sqlite3_open(places.userFile.c_str(), &other), SQLITE_OK);
-  ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  sqlite3* const other = Other("BEGIN EXCLUSIVE");
   Start();
   HKEY key = 0;
   EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
@@ -597,11 +564,11 @@ TEST_F(SqliteRegistryTest, APlaceThatIsNoFileCanNotBeWritten) {
 TEST_F(SqliteRegistryTest, AFileThatIsTakenAwayIsLeftForTheNewOne) {
   const HKEY key = Create(kGame);
   Put(key, "n", "1");
-  std::filesystem::rename(places.userFile, folder + "/elsewhere");
+  std::filesystem::rename(places.userFile, In("elsewhere"));
   EXPECT_EQ(Get(key, "n"), "!2");
   EXPECT_EQ(Put(Create(kGame), "n", "2"), ERROR_SUCCESS);
   EXPECT_EQ(Get(key, "n"), "2");
-  EXPECT_EQ(FilesIn(folder + "/config/kelvaro"), Names{"settings.sqlite3"});
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
 }
 
 TEST_F(SqliteRegistryTest, LaunchAtLoginIsAnAutostartEntry) {
@@ -732,62 +699,47 @@ TEST(AutostartEntry, AnExecWithArgumentsReadsAsItStands) {
   }
 }
 
-// The variables of the environment, as they were afterwards.
-class ConfigFolderTest : public ::testing::Test {
+class ConfigFolderTest : public ::testing::Test, protected TemporaryFolder {
  protected:
-  ConfigFolderTest() {
-    for (const char* name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "HOME"}) {
-      const char* value = getenv(name);
-      before.emplace_back(name, value ? value : "");
-    }
-  }
-  ~ConfigFolderTest() override {
-    for (const auto& [name, value] : before) setenv(name.c_str(), value.c_str(), 1);
-  }
-  std::vector<std::pair<std::string, std::string>> before;
+  const Variable home{"HOME", "/home/player"};
+  const Variable config{"XDG_CONFIG_HOME"};
+  const Variable data{"XDG_DATA_HOME"};
 };
 
 TEST_F(ConfigFolderTest, FollowsTheEnvironment) {
-  setenv("HOME", "/home/player", 1);
-  setenv("XDG_CONFIG_HOME", "/somewhere/config", 1);
+  config.Set("/somewhere/config");
   EXPECT_EQ(ConfigFolder(), "/somewhere/config");
   EXPECT_EQ(UsualRegistryPlaces().userFile, "/somewhere/config/kelvaro/settings.sqlite3");
   EXPECT_EQ(UsualRegistryPlaces().autostartFolder, "/somewhere/config/autostart");
   EXPECT_EQ(UsualRegistryPlaces().machineFile, "/etc/kelvaro/settings.sqlite3");
   for (const char* ignored : {"", "relative/config"}) {
-    setenv("XDG_CONFIG_HOME", ignored, 1);
+    config.Set(ignored);
     EXPECT_EQ(ConfigFolder(), "/home/player/.config");
   }
-  unsetenv("XDG_CONFIG_HOME");
+  config.Set(nullptr);
   EXPECT_EQ(ConfigFolder(), "/home/player/.config");
 }
 
 TEST_F(ConfigFolderTest, SoDoesTheFolderOfAPersonsData) {
-  setenv("HOME", "/home/player", 1);
-  setenv("XDG_DATA_HOME", "/somewhere/data", 1);
+  data.Set("/somewhere/data");
   EXPECT_EQ(LinuxSystem().GetUserDataFolder(), "/somewhere/data");
   for (const char* ignored : {"", "relative/data"}) {
-    setenv("XDG_DATA_HOME", ignored, 1);
+    data.Set(ignored);
     EXPECT_EQ(LinuxSystem().GetUserDataFolder(), "/home/player/.local/share");
   }
 }
 
 TEST_F(ConfigFolderTest, NothingIsTouchedBeforeTheFirstOperation) {
-  std::string pattern = ::testing::TempDir() + "kelvaro-config-XXXXXX";
-  const std::string folder = mkdtemp(pattern.data());
-  setenv("XDG_CONFIG_HOME", (folder + "/config").c_str(), 1);
-  {
-    LinuxPlatform linuxPlatform;
-    SqliteRegistry settings;
-    Platform groups = linuxPlatform.Groups();
-    groups.registry = &settings;
-    const InstalledPlatform installed(groups);
-    EXPECT_FALSE(std::filesystem::exists(folder + "/config"));
-    HKEY key = 0;
-    EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
-    EXPECT_TRUE(std::filesystem::exists(folder + "/config/kelvaro/settings.sqlite3"));
-  }
-  std::filesystem::remove_all(folder);
+  config.Set(In("config").c_str());
+  LinuxPlatform linuxPlatform;
+  SqliteRegistry settings;
+  Platform groups = linuxPlatform.Groups();
+  groups.registry = &settings;
+  const InstalledPlatform installed(groups);
+  EXPECT_FALSE(std::filesystem::exists(In("config")));
+  HKEY key = 0;
+  EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
+  EXPECT_TRUE(std::filesystem::exists(In("config/kelvaro/settings.sqlite3")));
 }
 
 }  // namespace

@@ -1,0 +1,103 @@
+// Processes of the machine on which the tests run: those that a test starts, and what can be seen
+// of any.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kelvaro::tests {
+
+using namespace std::chrono_literals;
+
+// How long what takes a moment may take. To be changed where the clock isn't the real one.
+inline std::chrono::milliseconds patience = 20s;
+
+// True as soon as `holds` is; false if it wasn't within `limit`. Looks once a `step`.
+bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience,
+                std::chrono::milliseconds step = 20ms);
+
+// Whether KELVARO_REQUIRE names a thing, whose absence then is a failure and no skip.
+bool Required(const std::string& thing);
+// Ends a test where that thing doesn't work.
+#define SKIP_UNLESS(works, thing, reason)                  \
+  if (!(works)) {                                          \
+    if (kelvaro::tests::Required(thing)) FAIL() << reason; \
+    GTEST_SKIP() << reason;                                \
+  }
+
+// Waits for the end of a child: its exit status, 128 and the signal for one that was killed, -1
+// where there is no such child.
+int StatusOf(pid_t child);
+// Runs `work` in a process of its own, whose exit status is its result.
+pid_t Fork(const std::function<int()>& work);
+
+struct ChildOptions {
+  // Variables that it gets in place of ours; an empty value takes one away.
+  std::map<std::string, std::string> environment = {};
+  bool asNobody = false;  // without root's rights
+};
+
+// A program that runs in the background; killed with this object.
+class Child {
+ public:
+  // Its output goes to memory, so that it never waits for us.
+  explicit Child(const std::vector<std::string>& command, const ChildOptions& options = {});
+  ~Child();
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+
+  pid_t Id() const { return process; }
+  bool Running() { return WaitForEnd(0ms) == -1; }
+  void Signal(int signal) const;
+  // As StatusOf; -1 when it still runs after `limit`.
+  int WaitForEnd(std::chrono::milliseconds limit = 20s);
+
+  // What it has written so far.
+  std::string Out() const;
+  std::string Err() const;
+  std::string Log() const { return Out() + Err(); }
+
+ private:
+  const int out;
+  const int err;
+  const pid_t process;
+  int status = -1;
+};
+
+// A server that tells where it is by a line of text.
+class Server {
+ public:
+  // Where is the end of a pipe that its command names: "-displayfd", "7".
+  explicit Server(const std::function<std::vector<std::string>(const std::string& pipe)>& command);
+  ~Server() { Stop(); }
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  void Stop();
+  pid_t Id() const { return process; }
+  // What it told; empty where it can't be started.
+  const std::string& Address() const { return address; }
+
+ private:
+  pid_t process = -1;
+  std::string address;
+};
+
+// The words of an X server without a screen, whose line is the display's number.
+std::vector<std::string> XServerCommand(const std::string& pipe, const std::string& size);
+
+// What "/proc" tells of a process or thread: its name, and the files that it holds open by their
+// descriptors.
+std::string NameOf(pid_t process);
+std::map<int, std::string> OpenFiles(pid_t process);
+// Its thread of that name, 0 for none.
+pid_t ThreadOf(pid_t process, const std::string& name);
+// The processes that it has started and that are there, by their names.
+std::map<pid_t, std::string> ChildrenOf(pid_t process);
+
+}  // namespace kelvaro::tests
