@@ -1,13 +1,8 @@
 #include "app/command_line.h"
 
-#include "app/main_window.h"
-#include "app/platform/controls.h"
-#include "app/platform/shell.h"
-
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kProfileList = 1001;
 constexpr std::uint8_t kLastBlank = 32;  // every byte up to it counts as one
 
 bool IsBlank(char c) { return static_cast<std::uint8_t>(c) <= kLastBlank; }
@@ -66,30 +61,6 @@ LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteCha
     }
   }
   return request;
-}
-
-void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
-
-void MainWindow::ParseCommandLine() {
-  const LaunchRequest request =
-      ReadCommandLine(TextOf(platform::GetCommandLineA(quoteChars.quoteSub)), quoteChars);
-  extraProfiles = request.profiles;
-  launchTarget = request.target;
-  launchArgs = request.args;
-  launchDir = request.dir;
-  if (extraProfiles.count == 0) return;
-  const ByteString name = *extraProfiles.head->value;
-  extraProfiles.RemoveNode(extraProfiles.head);
-  const std::int32_t row = platform::ComboFindString(window, kProfileList, Bytes(name));
-  if (row == platform::kNoRow) {
-    Box(ByteString("Profile \"")
-            .Concat(name)
-            .Concat("\" is not in the list of available profiles. Command line selection failed."),
-        "Profile Selection Failure", platform::MB_ICONEXCLAMATION);
-    return;
-  }
-  platform::ComboSetCurSel(window, kProfileList, row);
-  commandLineProfileSelected = true;
 }
 
 }  // namespace kelvaro

@@ -1,17 +1,20 @@
-// Starting a game together with the program, and ending with it: the LauncherThread. It reaches
-// the window by posted messages alone, and reads what the command line asked for, which nobody
-// writes once it runs.
+// What the command line asks of the window, and the LauncherThread, which starts a game together
+// with the program and ends with it. The thread reaches the window by posted messages alone, and
+// reads what the command line asked for, which nobody writes once it runs.
 #include <vector>
 
 #include "app/main_window.h"
 #include "app/platform/clock.h"
+#include "app/platform/controls.h"
 #include "app/platform/processes.h"
+#include "app/platform/shell.h"
 #include "app/process_finder.h"
 #include "foundation/paths.h"
 
 namespace kelvaro {
 namespace {
 
+constexpr std::uint32_t kProfileList = 1001;
 constexpr std::uint32_t kCloseWithin = 500;       // ms; of a window that was asked to close
 constexpr std::uint32_t kInstancesSettle = 2000;  // ms; before the game takes the screen
 constexpr char kLaunchFailure[] = "Launch Failure";
@@ -32,6 +35,30 @@ void CloseInstances(const std::vector<std::uint32_t>& processes) {
 }
 
 }  // namespace
+
+void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
+
+void MainWindow::ParseCommandLine() {
+  const LaunchRequest request =
+      ReadCommandLine(TextOf(platform::GetCommandLineA(quoteChars.quoteSub)), quoteChars);
+  extraProfiles = request.profiles;
+  launchTarget = request.target;
+  launchArgs = request.args;
+  launchDir = request.dir;
+  if (extraProfiles.count == 0) return;
+  const ByteString name = *extraProfiles.head->value;
+  extraProfiles.RemoveNode(extraProfiles.head);
+  const std::int32_t row = platform::ComboFindString(window, kProfileList, Bytes(name));
+  if (row == platform::kNoRow) {
+    Box(ByteString("Profile \"")
+            .Concat(name)
+            .Concat("\" is not in the list of available profiles. Command line selection failed."),
+        "Profile Selection Failure", platform::MB_ICONEXCLAMATION);
+    return;
+  }
+  platform::ComboSetCurSel(window, kProfileList, row);
+  commandLineProfileSelected = true;
+}
 
 void MainWindow::OnStartLaunch() {
   if (commandLineProfileSelected && !launchTarget.IsEmpty()) Start(false, kPriorityOfCaller);

@@ -5,8 +5,8 @@
 // Sources: main_window.cc brings it to life and ends it and hands events on; app_settings.cc what
 // is remembered; notification_area.cc the icon and hiding; tool_tips.cc; profile_operations.cc the
 // row of profiles and the device of a profile; mouse_tab.cc and device_tab.cc those tabs;
-// control_list.cc the Control tab; command_line.cc what a shortcut asks for; launching.cc the game
-// that it starts.
+// control_list.cc the Control tab; launching.cc what a shortcut asks for and the game that it
+// starts.
 #pragma once
 
 #include <atomic>
@@ -173,11 +173,9 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void OnMoveDown();
   bool OnControlListKey(std::int32_t vk);  // true when it was a key of its own
 
-  // --- command_line.cc
+  // --- launching.cc
   void LoadQuoteChars();
   void ParseCommandLine();
-
-  // --- launching.cc
   void OnStartLaunch();
   void CloseOtherInstances();
   std::uint32_t LaunchTarget();
