@@ -54,7 +54,8 @@ void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>
     return;
   }
   // What the mouse has, and what lies within something that is active, neither starts nor ends:
-  // triggerDown stays.
+  // triggerDown stays. Of two with the same inputs the one wins that stands first in the
+  // DispatchList (Profile::RebuildDispatchList).
   if (MouseIsOn() && UsesMouseInput(*control)) return;
   if (IsContainedInAny(*control, *fired)) return;
 

@@ -1,8 +1,6 @@
 #include "engine/profile.h"
 
-#include <cstddef>
-#include <memory>
-#include <new>
+#include <algorithm>
 
 namespace kelvaro {
 
@@ -10,58 +8,25 @@ namespace {
 
 using ControlNode = LinkedList<Control>::Node;
 
+// A selection sort that exchanges nodes: the first of the heaviest changes places with the node
+// that stands in its way, which so may land behind others of its own weight. That is how ties are
+// settled, here and nowhere else. What is moved out of the way is always lighter, so one walk
+// serves all of one weight.
 void SortHeaviestFirst(LinkedList<Control>* list) {
-  for (ControlNode* p = list->head; p; p = p->next) {
-    ControlNode* heaviest = p;
-    for (ControlNode* q = p->next; q; q = q->next) {
-      if (q->value->Weight() > heaviest->value->Weight()) heaviest = q;
+  for (ControlNode* place = list->head; place;) {
+    std::uint32_t heaviest = 0;
+    for (ControlNode* node = place; node; node = node->next) {
+      heaviest = std::max(heaviest, node->value->Weight());
     }
-    list->SwapNodes(p, heaviest);
-    p = heaviest;  // it now stands where p stood
+    for (ControlNode* node = place; node; node = node->next) {
+      if (node->value->Weight() != heaviest) continue;
+      ControlNode* const moved = place;
+      list->SwapNodes(moved, node);
+      place = node->next;
+      node = moved;  // it now stands where node stood
+    }
   }
 }
-
-// The places of a list, paired off in rounds, so that the first place of the heaviest stands at the
-// top and one place that changes costs one pair a round.
-class Tournament {
- public:
-  // False without memory.
-  bool Start(const LinkedList<Control>& list) {
-    const std::size_t count = static_cast<std::size_t>(list.count);
-    while (leaves < count) leaves *= 2;
-    nodes.reset(new (std::nothrow) ControlNode*[leaves]());
-    winners.reset(new (std::nothrow) std::size_t[2 * leaves]);
-    if (!nodes || !winners) return false;
-    std::size_t place = 0;
-    for (ControlNode* node = list.head; node; node = node->next) nodes[place++] = node;
-    for (std::size_t i = 0; i < leaves; ++i) winners[leaves + i] = i;
-    for (std::size_t i = leaves - 1; i > 0; --i) Play(i);
-    return true;
-  }
-
-  std::size_t First() const { return winners[1]; }
-  ControlNode* At(std::size_t place) const { return nodes[place]; }
-  // Null takes the place out.
-  void Set(std::size_t place, ControlNode* node) {
-    nodes[place] = node;
-    for (std::size_t i = (leaves + place) / 2; i > 0; i /= 2) Play(i);
-  }
-
- private:
-  // The left one holds the earlier places and so wins a tie.
-  void Play(std::size_t pair) {
-    const std::size_t left = winners[2 * pair];
-    const std::size_t right = winners[2 * pair + 1];
-    winners[pair] = IsHeavier(nodes[right], nodes[left]) ? right : left;
-  }
-  static bool IsHeavier(const ControlNode* a, const ControlNode* b) {
-    return a && (!b || a->value->Weight() > b->value->Weight());
-  }
-
-  std::size_t leaves = 2;
-  std::unique_ptr<ControlNode*[]> nodes;
-  std::unique_ptr<std::size_t[]> winners;
-};
 
 }  // namespace
 
@@ -86,24 +51,7 @@ void Profile::RebuildDispatchList() {
   for (ControlNode* node = DispatchList.head; node; node = node->next) {
     node->value->actionsBorrowed = 1;
   }
-  if (DispatchList.count < 2) return;
-
-  // The exchanges of a selection sort, which decide the order among equal weights, without its
-  // square of the number: a file may hold as many Controls as it likes.
-  Tournament tournament;
-  if (!tournament.Start(DispatchList)) {
-    SortHeaviestFirst(&DispatchList);
-    return;
-  }
-  const std::size_t count = static_cast<std::size_t>(DispatchList.count);
-  for (std::size_t place = 0; place < count; ++place) {
-    const std::size_t first = tournament.First();
-    ControlNode* const heaviest = tournament.At(first);
-    ControlNode* const moved = tournament.At(place);
-    DispatchList.SwapNodes(moved, heaviest);
-    tournament.Set(place, nullptr);
-    if (first != place) tournament.Set(first, moved);
-  }
+  SortHeaviestFirst(&DispatchList);
 }
 
 }  // namespace kelvaro

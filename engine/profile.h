@@ -20,8 +20,8 @@ class Profile : public MouseSettings {
   void Clear();
 
   // Makes DispatchList a copy of controls, every copy borrowing its actions, heaviest Trigger
-  // first. Among equal weights the user's order is a first preference only: the selection sort
-  // swaps nodes and so isn't stable. Takes no lock.
+  // first. Among equal weights the user's order is a first preference only (SortHeaviestFirst).
+  // Takes no lock. The sort takes no memory, and one walk for each weight that there is.
   void RebuildDispatchList();
 
   LinkedList<Control> controls;      // the master list, in the user's order

@@ -247,29 +247,6 @@ TEST_F(HostileFileTest, KeysOfAMegabyteWithoutScanCodesAreParsedInLinearTime) {
 
 // ---- No memory
 
-TEST_F(HostileFileTest, ADispatchListSortedWithoutMemoryForTheSortHasTheSameOrder) {
-  ProfileFile profile;
-  for (const std::uint64_t mask : {1, 2, 3}) {
-    Control control;
-    control.SetButtonMask(mask);
-    profile.controls.AddTail(control);
-  }
-  const std::uint64_t before = Allocations();
-  profile.RebuildDispatchList();
-  const auto all = static_cast<std::int32_t>(Allocations() - before);
-  // The last two are the sort's own.
-  for (const std::int32_t good : {all - 1, all - 2}) {
-    {
-      FailingAllocations failing(good);
-      profile.RebuildDispatchList();
-    }
-    ASSERT_EQ(profile.DispatchList.count, 3);
-    EXPECT_EQ(profile.DispatchList.At(0)->value->buttonMask, 3u);
-    EXPECT_EQ(profile.DispatchList.At(1)->value->buttonMask, 2u);
-    EXPECT_EQ(profile.DispatchList.At(2)->value->buttonMask, 1u);
-  }
-}
-
 TEST_F(HostileFileTest, ALoadThatRunsOutOfMemoryAnywhereFailsOrLeavesOutAndNothingLeaks) {
   const std::string good = GoodFile();
   Disk().PutFile("/data/p.idprof", good);
