@@ -138,9 +138,7 @@ void MainWindow::OnEditControl() {
     LockGuard guard(profile.profileLock);
     const Control* control = FindSelectedControl();
     if (!control) return;
-    scratch.CopyShared(*control);
-    // From here on, so that the actions stay the Control's even if there can be no dialog.
-    scratch.actionsBorrowed = 1;
+    scratch.Borrow(*control);
   }
   if (RunDefineControlDialog()) {
     LockGuard guard(profile.profileLock);
@@ -189,11 +187,7 @@ void MainWindow::OnCopyControls() {
   copiedControls.Clear();
   for (const auto* id = ids.head; id; id = id->next) {
     const Control* control = FindControl(*id->value);
-    if (!control) continue;
-    Control copy;
-    copy.CopyDeep(*control);
-    copy.actionsBorrowed = 1;
-    copiedControls.AddTail(copy);
+    if (control && copiedControls.AddTail({})) copiedControls.tail->value->CopyDeep(*control);
   }
 }
 
@@ -202,11 +196,10 @@ void MainWindow::OnPasteControls() {
   {
     LockGuard guard(profile.profileLock);
     for (const auto* node = copiedControls.head; node; node = node->next) {
-      Control copy;
-      copy.CopyDeep(*node->value);
-      copy.controlId = profile.nextControlId++;
-      copy.actionsBorrowed = 1;
-      profile.controls.AddTail(copy);
+      if (!profile.controls.AddTail({})) continue;
+      Control& pasted = *profile.controls.tail->value;
+      pasted.CopyDeep(*node->value);
+      pasted.controlId = profile.nextControlId++;
     }
     RebuildDispatchList();
     SaveProfile();

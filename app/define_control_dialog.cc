@@ -105,7 +105,11 @@ void PressExtendedKey(std::uint8_t vk, std::uint8_t scan) {
 
 }  // namespace
 
-DefineControlDialog::DefineControlDialog() : ResizableDialog(resources::kDefineControl) {}
+DefineControlDialog::DefineControlDialog() : ResizableDialog(resources::kDefineControl) {
+  // Whatever ends the dialog, what it edits leaves the actions to the Control that it is a copy of,
+  // and new ones to whoever takes it over.
+  scratch.Borrow({});
+}
 
 void DefineControlDialog::ShowDetectedTrigger(const DeviceManager& device,
                                               const DeviceSnapshot& snapshot) {
@@ -169,8 +173,6 @@ void DefineControlDialog::TakeScratch() {
   TriggerText(scratch, &triggerText);
   SetText(kTriggerField, triggerText);
 
-  // The actions stay those of the Control that scratch is a copy of, whatever ends the dialog.
-  scratch.actionsBorrowed = 1;
   delayValue = scratch.repeatDelay;
   speedValue = scratch.repeatSpeed;
   holdValue = scratch.keyHoldTime;

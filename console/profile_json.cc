@@ -192,11 +192,8 @@ bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault) {
   }
   std::vector<bool> hasId;
   ForEach(root, "controls", [&](const Json::Value& value, const std::string& name) {
-    // The list takes its copy's pointers over, so this one must not delete them.
-    Control control;
-    control.actionsBorrowed = 1;
-    hasId.push_back(ReadControl(document, value, name, &control));
-    profile->controls.AddTail(control);
+    if (!profile->controls.AddTail({})) return;
+    hasId.push_back(ReadControl(document, value, name, profile->controls.tail->value));
   });
   root.RefuseOthers();
   if (document.Failed()) {

@@ -103,6 +103,11 @@ void Control::CopyShared(const Control& source) {
   actionsBorrowed = 0;
 }
 
+void Control::Borrow(const Control& source) {
+  CopyShared(source);
+  actionsBorrowed = 1;
+}
+
 bool Control::EvaluateTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) {
   return EvaluateTrigger(device.axisMax, snapshot);
 }

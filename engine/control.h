@@ -1,5 +1,6 @@
 // One mapping of a profile: a Trigger, and what happens when it fires. The actions of a Control are
-// shared between copies; exactly one Control deletes a given action, told by actionsBorrowed.
+// shared between copies; exactly one Control deletes a given action. A Control owns its actions
+// unless it borrows them (Borrow).
 #pragma once
 
 #include <cstdint>
@@ -67,8 +68,12 @@ class Control : public Trigger {
   // A copy with actions of its own. actionsBorrowed ends at 0; repeatStarted and repeatLastTick
   // stay at their defaults.
   void CopyDeep(const Control& source);
-  // A copy that takes over the pointers of the source's actions. actionsBorrowed ends at 0.
+  // A copy that takes over the source's actions: from here on this Control deletes them, and the
+  // source is to be one that borrows. actionsBorrowed ends at 0.
   void CopyShared(const Control& source);
+  // A copy that leaves the actions to whoever owns them, who is to keep them as long as this has
+  // them. actionsBorrowed ends at 1, as nothing else makes it; Reset keeps it so.
+  void Borrow(const Control& source);
 
   // Whether the Trigger is active in this state (press), or was let go by it (release). Changes
   // triggerArmed and triggerSpoiled. Meant to be called once for each changed state.

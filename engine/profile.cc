@@ -46,10 +46,7 @@ void Profile::Clear() {
 void Profile::RebuildDispatchList() {
   DispatchList.Clear();
   for (ControlNode* node = controls.head; node; node = node->next) {
-    DispatchList.AddTail(*node->value);
-  }
-  for (ControlNode* node = DispatchList.head; node; node = node->next) {
-    node->value->actionsBorrowed = 1;
+    if (DispatchList.AddTail({})) DispatchList.tail->value->Borrow(*node->value);
   }
   SortHeaviestFirst(&DispatchList);
 }

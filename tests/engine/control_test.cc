@@ -964,6 +964,25 @@ TEST_F(ControlCopies, CopySharedIntoABorrowerLeavesTheLentActions) {
   EXPECT_EQ(CountingAction::destroyed, 1);
 }
 
+TEST_F(ControlCopies, BorrowSharesAndLeavesTheActionsToTheirOwner) {
+  CountingAction lent;
+  Control source;
+  FillMembers(&source);
+  source.actions.AddTail(new CountingAction);
+  {
+    Control copy;
+    copy.Borrow({});  // a borrower from here on
+    copy.actions.AddTail(&lent);
+    copy.Borrow(source);
+    ExpectFilledMembers(copy);
+    EXPECT_EQ(copy.repeatLastTick, 123456u);
+    EXPECT_EQ(ActionsOf(copy), ActionsOf(source));
+    EXPECT_EQ(copy.actionsBorrowed, 1);
+    EXPECT_EQ(source.actionsBorrowed, 0);
+  }
+  EXPECT_EQ(CountingAction::destroyed, 0);
+}
+
 TEST_F(ControlCopies, CopyConstructionSharesAndDoesNotBorrow) {
   Control source;
   FillMembers(&source);
@@ -987,8 +1006,7 @@ TEST_F(ControlCopies, CancelledEditLeavesTheRealActions) {
   real.actions.AddTail(new CountingAction(1));
   {
     Control scratch;
-    scratch.CopyShared(real);
-    scratch.actionsBorrowed = 1;
+    scratch.Borrow(real);
     scratch.ClearActions();
   }
   EXPECT_EQ(CountingAction::destroyed, 0);
@@ -1000,8 +1018,7 @@ TEST_F(ControlCopies, AcceptedEditReplacesTheRealActions) {
   real.actions.AddTail(new CountingAction(1));
   {
     Control scratch;
-    scratch.CopyShared(real);
-    scratch.actionsBorrowed = 1;
+    scratch.Borrow(real);
     scratch.ClearActions();
     scratch.actions.AddTail(new CountingAction(2));
     real.CopyShared(scratch);
@@ -1017,12 +1034,8 @@ TEST_F(ControlCopies, PastedControlOwnsItsFreshActions) {
   Control source;
   source.actions.AddTail(new CountingAction(1));
   LinkedList<Control> list;
-  {
-    Control local;
-    local.CopyDeep(source);
-    local.actionsBorrowed = 1;
-    ASSERT_TRUE(list.AddTail(local));
-  }
+  ASSERT_TRUE(list.AddTail({}));
+  list.tail->value->CopyDeep(source);
   EXPECT_EQ(CountingAction::made, 2);
   EXPECT_EQ(CountingAction::destroyed, 0);
   EXPECT_EQ(list.head->value->actionsBorrowed, 0);
