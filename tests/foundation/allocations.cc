@@ -8,14 +8,15 @@ namespace {
 
 struct Fault {
   bool StrikesNow() {
+    if (at == 0) return false;
     ++seen;
     if (seen != at && !(onwards && seen > at)) return false;
     ++failed;
     return true;
   }
 
-  bool ofElements = false, ofArrays = false;
-  std::uint32_t at = 0;
+  bool ofArrays = false;  // besides elements
+  std::uint32_t at = 0;   // 0 for none
   bool onwards = false;
   std::uint32_t seen = 0;
   std::uint32_t failed = 0;
@@ -29,10 +30,9 @@ thread_local Fault fault;
 std::uint64_t Allocations() { return allocations; }
 
 FailingAllocations::FailingAllocations(std::int32_t good)
-    : FailingAllocations(true, true, static_cast<std::uint32_t>(good) + 1, true) {}
-FailingAllocations::FailingAllocations(bool elements, bool arrays, std::uint32_t nth,
-                                       bool onwards) {
-  fault = {elements, arrays, nth, onwards};
+    : FailingAllocations(true, static_cast<std::uint32_t>(good) + 1, true) {}
+FailingAllocations::FailingAllocations(bool arrays, std::uint32_t nth, bool onwards) {
+  fault = {arrays, nth, onwards};
 }
 FailingAllocations::~FailingAllocations() { fault = {}; }
 std::uint32_t FailingAllocations::Failed() const { return fault.failed; }
@@ -60,7 +60,7 @@ void* __wrap__Znam(std::size_t size) {
 }
 
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
-  if (kelvaro::fault.ofElements && kelvaro::fault.StrikesNow()) return nullptr;
+  if (kelvaro::fault.StrikesNow()) return nullptr;
   ++kelvaro::allocations;
   return __real__ZnwmRKSt9nothrow_t(size, tag);
 }

@@ -22,20 +22,14 @@ class FailingAllocations {
   std::uint32_t Failed() const;
 
  protected:
-  FailingAllocations(bool elements, bool arrays, std::uint32_t nth, bool onwards);
+  FailingAllocations(bool arrays, std::uint32_t nth, bool onwards);
 };
 
 // The `nth` element, such as a list's node, counted from 1; with `onwards` all that follow, too.
 class FailingAllocation : public FailingAllocations {
  public:
   explicit FailingAllocation(std::uint32_t nth, bool onwards = false)
-      : FailingAllocations(true, false, nth, onwards) {}
-};
-
-// The `nth` array.
-class FailingArray : public FailingAllocations {
- public:
-  explicit FailingArray(std::uint32_t nth) : FailingAllocations(false, true, nth, false) {}
+      : FailingAllocations(false, nth, onwards) {}
 };
 
 }  // namespace kelvaro
