@@ -56,6 +56,11 @@ constexpr struct {
 
 constexpr char kNoDescriptionText[] = "You must enter a description for this event";
 constexpr char kNoDescriptionTitle[] = "Missing Description";
+constexpr char kSmartCheckText[] =
+    "The keys you have entered match a special key token, but are missing the angle brackets.\n"
+    "Did you mean to type \"";
+constexpr char kSmartCheckEnd[] = "\"?";
+constexpr char kSmartCheckTitle[] = "Smart Check";
 constexpr char kKeyErrorTitle[] = "Key Parsing Error";
 constexpr char kBadKeyText[] =
     "There is an error in the key sequence. The '<' character must\n"
@@ -346,7 +351,7 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
   int result = kNoMemory;
   if (action) {
     if (onPress && Checked(kHoldAllBox)) action->actionFlags |= KeyAction::HoldAllKeys;
-    result = action->ParseKeys(keysText, &duplicateKey, smartCheck, shiftReminder, window);
+    result = action->ParseKeys(KeysMeant(), &duplicateKey, shiftReminder);
   }
   if (result == KeyAction::kParsedRemind) {
     if (!ConfirmUppercase()) return false;
@@ -365,6 +370,13 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
     Box(kNoMemoryText, kNoMemoryTitle, platform::MB_ICONEXCLAMATION);
   }
   return false;
+}
+
+ByteString DefineControlDialog::KeysMeant() const {
+  const ByteString token = smartCheck ? KeyAction::SmartCheck(keysText) : ByteString();
+  if (token.IsEmpty()) return keysText;
+  const ByteString question = ByteString(kSmartCheckText).Concat(token).Concat(kSmartCheckEnd);
+  return Box(question, kSmartCheckTitle, platform::MB_YESNO) == platform::IDYES ? token : keysText;
 }
 
 bool DefineControlDialog::ConfirmUppercase() {

@@ -55,6 +55,8 @@ class DefineControlDialog : public ResizableDialog {
   // Appends to scratch's actions what keysText says, nothing for an empty text. False, after a
   // message or a question, when it isn't to be taken.
   bool TakeKeys(bool onPress);
+  // keysText, or the token that the user says was meant by it.
+  ByteString KeysMeant() const;
   bool ConfirmUppercase();
   void ShowKeyError(bool duplicateKey, std::uint32_t offset);
 

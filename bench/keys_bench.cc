@@ -24,8 +24,7 @@ void ParseText(benchmark::State& state) {
   const ByteString text = KeyText(state.range(0));
   for (auto _ : state) {
     KeyAction action;
-    bool duplicate = false;
-    const int result = action.ParseKeys(text, &duplicate, false, false, platform::kNoWindow);
+    const int result = action.ParseKeys(text);
     if (result != KeyAction::kParsed) state.SkipWithError("the text doesn't parse");
     benchmark::DoNotOptimize(action.steps.count);
   }
@@ -36,9 +35,7 @@ BENCHMARK(ParseText)->RangeMultiplier(10)->Range(1000, 1000000)->Complexity(benc
 
 void FormatText(benchmark::State& state) {
   KeyAction action;
-  bool duplicate = false;
-  if (action.ParseKeys(KeyText(state.range(0)), &duplicate, false, false, platform::kNoWindow) !=
-      KeyAction::kParsed) {
+  if (action.ParseKeys(KeyText(state.range(0))) != KeyAction::kParsed) {
     state.SkipWithError("the text doesn't parse");
   }
   for (auto _ : state) benchmark::DoNotOptimize(action.FormatKeys());

@@ -22,8 +22,7 @@ void FillProfile(ProfileFile* profile, int controls) {
     control.SetButtonMask(std::uint64_t{1} << i % 32 | 1);
     control.triggerItems.AddTail({static_cast<std::uint16_t>(i % 8), 0, 1});
     auto* action = new KeyAction;
-    bool duplicate = false;
-    action->ParseKeys("<Ctrl>c<P:20>hello", &duplicate, false, false, platform::kNoWindow);
+    action->ParseKeys("<Ctrl>c<P:20>hello");
     control.actions.AddTail(action);
     profile->controls.AddTail(control);
   }

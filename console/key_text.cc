@@ -5,10 +5,6 @@
 namespace kelvaro::console {
 namespace {
 
-// The parser gives its reminder only where there is somebody to remind. No box is ever shown in
-// front of this window, since only the Smart Check asks.
-constexpr platform::WindowHandle kConsoleWindow = 1;
-
 // A bad name is quoted up to here.
 constexpr std::size_t kLongestName = 40;
 
@@ -44,7 +40,7 @@ std::string FaultWords(const std::string& rest, bool duplicateKey) {
 
 KeyTextResult ParseKeyText(const ByteString& text, KeyAction* action) {
   KeyTextResult outcome;
-  outcome.result = action->ParseKeys(text, &outcome.duplicateKey, false, true, kConsoleWindow);
+  outcome.result = action->ParseKeys(text, &outcome.duplicateKey, true);
   outcome.faulty = outcome.result >= 0;
   if (outcome.faulty) {
     const std::string bytes = Bytes(text);

@@ -23,14 +23,9 @@ void Check(bool holds, const char* what, const ByteString& text) {
   std::abort();
 }
 
-int Parse(const ByteString& text, KeyAction* action, bool* duplicate) {
-  return action->ParseKeys(text, duplicate, false, false, platform::kNoWindow);
-}
-
 ByteString Reprint(const ByteString& text) {
   KeyAction action;
-  bool duplicate = false;
-  Check(Parse(text, &action, &duplicate) == KeyAction::kParsed, "printed text fails", text);
+  Check(action.ParseKeys(text) == KeyAction::kParsed, "printed text fails", text);
   return action.FormatKeys();
 }
 
@@ -49,8 +44,7 @@ void CheckFault(const ByteString& text, int at, const KeyAction& failed) {
   Check(at >= 0 && static_cast<std::uint32_t>(at) < text.Length(), "offset out of the text", text);
   KeyAction sound;
   sound.actionFlags = failed.actionFlags;
-  bool duplicate = false;
-  Check(Parse(text.Left(at), &sound, &duplicate) == KeyAction::kParsed, "fault comes late", text);
+  Check(sound.ParseKeys(text.Left(at)) == KeyAction::kParsed, "fault comes late", text);
   Check(sound.steps.count >= failed.steps.count, "steps of the fault", text);
 }
 
@@ -64,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   text.AssignBytes(bytes + 1, static_cast<std::uint32_t>(size - 1));
 
   bool duplicate = false;
-  const int result = Parse(text, &action, &duplicate);
+  const int result = action.ParseKeys(text, &duplicate);
   if (result == KeyAction::kParsed) {
     Check(!duplicate, "duplicate without a fault", text);
   } else {

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 
-#include "app/platform/desktop.h"
 #include "engine/control.h"
 #include "foundation/byte_string.h"
 #include "keys/key_step.h"
@@ -35,18 +34,17 @@ class KeyAction : public InputAction {
   virtual void CopyFrom(const KeyAction& other);
 
   // Replaces steps by those of `text`, under HoldAllKeys as actionFlags has it. kParsed;
-  // kParsedRemind when the caller must show the reminder about upper case letters; or the offset in
-  // `text` of the fault, with *duplicateKey telling a key held twice from a text that can't be
-  // read, and the steps before the fault in `steps`. Without a window neither the Smart Check nor
-  // the reminder takes place.
-  int ParseKeys(const ByteString& text, bool* duplicateKey, bool smartCheck, bool shiftReminder,
-                platform::WindowHandle window);
+  // kParsedRemind, with shiftReminder only, for a text with an upper case letter, of which the user
+  // is to be reminded; or the offset in `text` of the fault, with *duplicateKey, where wanted,
+  // telling a key held twice from a text that can't be read, and the steps before the fault in
+  // `steps`.
+  int ParseKeys(const ByteString& text, bool* duplicateKey = nullptr, bool shiftReminder = false);
   // The loop of ParseKeys: appends to steps while it eats *text from the front, and leaves *text at
   // the fault, empty on success. Sets the two flags where they are due, never clears them.
   void ParseSteps(ByteString* text, bool* sawUppercase, bool* duplicateKey);
-  // Offers to put the forgotten brackets around a text that is a token's name, in any case, by a
-  // modal question in front of `window`. The text to parse: `text` itself, or the token.
-  static ByteString SmartCheck(const ByteString& text, platform::WindowHandle window);
+  // The token, brackets and all, that may be meant by a text which is its name, in any case. Empty
+  // for any other text. Whoever has a user asks whether the brackets were forgotten.
+  static ByteString SmartCheck(const ByteString& text);
   // Whether a step has the same vk (not 0), or shares one of the modifiers in flags & 7.
   bool HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const;
 

@@ -1,7 +1,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string>
 
 #include "keys/key_action.h"
 #include "keys/key_tables.h"
@@ -49,10 +48,6 @@ std::uint8_t ModifierBits(std::uint8_t flags) {
   return bits;
 }
 
-void DropFront(ByteString* text, std::size_t n) {
-  text->KeepRight(static_cast<std::int32_t>(text->Length() - n));
-}
-
 // Whether a token's name is that of a pause, "P:" and digits, and its length in ms. The number
 // wraps at 2^32 and only the low 16 bits of it are kept; the limit isn't told to the user.
 bool ReadPause(const char* name, std::size_t length, std::uint16_t* ms) {
@@ -68,111 +63,126 @@ bool ReadPause(const char* name, std::size_t length, std::uint16_t* ms) {
   return true;
 }
 
+// Appends steps while it goes through a text.
+class Parser {
+ public:
+  Parser(KeyAction* action, const ByteString& text)
+      : action(*action), at(text.Text()), end(at + text.Length()) {}
+
+  // How much of the text is left at the fault; 0 on success.
+  std::uint32_t Run() {
+    while (at != end) {
+      if (!Next()) return static_cast<std::uint32_t>(end - at);
+    }
+    pending.FlushTo(&action.steps);
+    return 0;
+  }
+
+  bool sawUppercase = false;
+  bool duplicateKey = false;
+
+ private:
+  // One character or token. False at a fault, with the text as it was.
+  bool Next() {
+    if (*at != '<') return TypedKey();
+    if (at + 1 == end || at[1] == '<') return LiteralBracket();
+    return Token();
+  }
+  bool TypedKey();
+  bool LiteralBracket();
+  bool Token();
+  bool TableToken(const KeyToken& row, std::size_t length);
+
+  bool HoldsAll() const { return (action.actionFlags & KeyAction::HoldAllKeys) != 0; }
+  // A fault: the same key or modifier can't be held twice.
+  bool Clashes(std::uint8_t vk, std::uint8_t flags) {
+    if (HoldsAll() && action.HasKeyOrModifier(vk, flags)) duplicateKey = true;
+    return duplicateKey;
+  }
+  // A step with what has been pending, for `length` bytes of the text.
+  bool Append(KeyStep step, std::size_t length) {
+    step.flags |= pending.Flags();
+    pending.Clear();
+    action.steps.AddTail(step);
+    at += length;
+    return true;
+  }
+
+  KeyAction& action;
+  const char* at;
+  const char* const end;
+  PendingModifiers pending;
+};
+
+bool Parser::TypedKey() {
+  KeyStep step;
+  if (!FindTypedKey(*at, &step)) return false;
+  if (*at >= 'A' && *at <= 'Z') sawUppercase = true;
+  // By vk alone: ',' clashes with '<', and 'a' with 'A'.
+  return !Clashes(step.vk, 0) && Append(step, 1);
+}
+
+bool Parser::LiteralBracket() {
+  pending.FlushTo(&action.steps);
+  return !Clashes(kLessThan.vk, 0) && Append(kLessThan, at + 1 == end ? 1 : 2);
+}
+
+bool Parser::Token() {
+  const char* const name = at + 1;
+  const void* const close = std::memchr(name, '>', static_cast<std::size_t>(end - name));
+  if (!close || close == name) return false;
+  const auto nameLength = static_cast<std::size_t>(static_cast<const char*>(close) - name);
+
+  std::uint16_t ms = 0;
+  if (ReadPause(name, nameLength, &ms)) {
+    pending.FlushTo(&action.steps);
+    return Append(
+        {static_cast<std::uint8_t>(ms >> 8), static_cast<std::uint8_t>(ms & 0xFF), KeyFlagPause},
+        nameLength + 2);
+  }
+  const std::int32_t row = FindToken(name, nameLength);
+  return row >= 0 && TableToken(KeyTokenTable[row], nameLength + 2);
+}
+
+bool Parser::TableToken(const KeyToken& row, std::size_t length) {
+  if (Clashes(row.vk, row.flags)) return false;
+  const bool isMouse = (row.flags & KeyFlagMouse) != 0;
+  if (isMouse) {
+    pending.FlushTo(&action.steps);
+  } else if (ModifierBits(pending.Flags()) & ModifierBits(row.flags)) {
+    duplicateKey = HoldsAll();
+    if (duplicateKey) return false;
+    pending.FlushTo(&action.steps);
+  }
+  if (row.vk != 0 || isMouse) return Append({row.vk, row.scan, row.flags}, length);
+  pending.Add(row.flags);
+  at += length;
+  return true;
+}
+
 }  // namespace
 
-int KeyAction::ParseKeys(const ByteString& text, bool* duplicateKey, bool smartCheck,
-                         bool shiftReminder, platform::WindowHandle window) {
-  const bool hasWindow = window != platform::kNoWindow;
-  ByteString rest = smartCheck && hasWindow ? SmartCheck(text, window) : text;
+int KeyAction::ParseKeys(const ByteString& text, bool* duplicateKey, bool shiftReminder) {
+  ByteString rest = text;
   bool sawUppercase = false;
-  *duplicateKey = false;
+  bool duplicate = false;
   steps.Clear();
-  ParseSteps(&rest, &sawUppercase, duplicateKey);
-  // An offset in the text as the user wrote it; one that the Smart Check lengthened can't fail.
+  ParseSteps(&rest, &sawUppercase, &duplicate);
+  if (duplicateKey) *duplicateKey = duplicate;
   if (!rest.IsEmpty()) return static_cast<int>(text.Length() - rest.Length());
-  return sawUppercase && shiftReminder && hasWindow ? kParsedRemind : kParsed;
+  return sawUppercase && shiftReminder ? kParsedRemind : kParsed;
 }
 
 void KeyAction::ParseSteps(ByteString* text, bool* sawUppercase, bool* duplicateKey) {
-  const bool holdAll = (actionFlags & HoldAllKeys) != 0;
-  PendingModifiers pending;
-
-  while (!text->IsEmpty()) {
-    const char c = (*text)[0];
-
-    if (c != '<') {
-      KeyStep step;
-      if (!FindTypedKey(c, &step.vk, &step.scan, &step.flags)) return;
-      if (c >= 'A' && c <= 'Z') *sawUppercase = true;
-      // By vk alone: ',' clashes with '<', and 'a' with 'A'.
-      if (holdAll && HasKeyOrModifier(step.vk, 0)) {
-        *duplicateKey = true;
-        return;
-      }
-      DropFront(text, 1);
-      step.flags |= pending.Flags();
-      pending.Clear();
-      steps.AddTail(step);
-      continue;
-    }
-
-    const bool lastCharacter = text->Length() == 1;
-    if (lastCharacter || (*text)[1] == '<') {
-      pending.FlushTo(&steps);
-      if (holdAll && HasKeyOrModifier(kLessThan.vk, 0)) {
-        *duplicateKey = true;
-        return;
-      }
-      DropFront(text, lastCharacter ? 1 : 2);
-      steps.AddTail(kLessThan);
-      continue;
-    }
-
-    const char* name = text->Text() + 1;
-    const auto* end = static_cast<const char*>(std::memchr(name, '>', text->Length() - 1));
-    if (!end || end == name) return;
-    const auto nameLength = static_cast<std::size_t>(end - name);
-    const std::size_t tokenLength = nameLength + 2;
-
-    std::uint16_t ms = 0;
-    if (ReadPause(name, nameLength, &ms)) {
-      pending.FlushTo(&steps);
-      DropFront(text, tokenLength);
-      steps.AddTail(
-          {static_cast<std::uint8_t>(ms >> 8), static_cast<std::uint8_t>(ms & 0xFF), KeyFlagPause});
-      continue;
-    }
-
-    const std::int32_t index = FindToken(name, nameLength);
-    if (index < 0) return;
-    const KeyToken& row = KeyTokenTable[index];
-    if (holdAll && HasKeyOrModifier(row.vk, row.flags)) {
-      *duplicateKey = true;
-      return;
-    }
-    if (row.flags & KeyFlagMouse) {
-      pending.FlushTo(&steps);
-    } else if (ModifierBits(pending.Flags()) & ModifierBits(row.flags)) {
-      if (holdAll) {
-        *duplicateKey = true;
-        return;
-      }
-      pending.FlushTo(&steps);
-    }
-    DropFront(text, tokenLength);
-    if (row.vk == 0 && !(row.flags & KeyFlagMouse)) {
-      pending.Add(row.flags);
-      continue;
-    }
-    steps.AddTail({row.vk, row.scan, static_cast<std::uint8_t>(pending.Flags() | row.flags)});
-    pending.Clear();
-  }
-
-  pending.FlushTo(&steps);
+  Parser parser(this, *text);
+  text->KeepRight(static_cast<std::int32_t>(parser.Run()));
+  if (parser.sawUppercase) *sawUppercase = true;
+  if (parser.duplicateKey) *duplicateKey = true;
 }
 
-ByteString KeyAction::SmartCheck(const ByteString& text, platform::WindowHandle window) {
-  if (text.IsEmpty() || text[0] == '<') return text;
-  const std::int32_t index = FindToken(text);
-  if (index < 0) return text;
-  const std::string token = std::string("<") + KeyTokenTable[index].name + ">";
-  const std::int32_t answer = platform::MessageBoxA(
-      window,
-      "The keys you have entered match a special key token, but are missing the angle brackets.\n"
-      "Did you mean to type \"" +
-          token + "\"?",
-      "Smart Check", platform::MB_YESNO);
-  return answer == platform::IDYES ? ByteString(token.c_str()) : text;
+ByteString KeyAction::SmartCheck(const ByteString& text) {
+  const std::int32_t row = FindToken(text);
+  return row < 0 ? ByteString() : ByteString("<").Concat(KeyTokenTable[row].name).Concat(">");
 }
 
 bool KeyAction::HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const {

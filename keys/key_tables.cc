@@ -2,9 +2,11 @@
 
 #include <cstring>
 
-#include "keys/key_step.h"
-
 namespace kelvaro {
+
+namespace {
+constexpr std::uint8_t kNoFlags = 0;
+}
 
 // The order of rows decides how a key is spelled: of two names for one key the first is printed.
 // X1Mouse and X2Mouse are keys by their virtual-key codes, not mouse buttons; LWin is Win but for a
@@ -152,32 +154,21 @@ std::int32_t FindToken(const char* text, std::size_t length) {
 
 std::int32_t FindToken(const ByteString& name) { return FindToken(name.Text(), name.Length()); }
 
-bool FindTypedKey(char character, std::uint8_t* vk, std::uint8_t* scan, std::uint8_t* flags) {
+bool FindTypedKey(char character, KeyStep* key) {
   const auto code = static_cast<std::uint8_t>(character);
-  if (character >= 'a' && character <= 'z') {
-    *vk = FoldUpper(code);
-    *scan = LetterScanTable[character - 'a'];
-    *flags = 0;
+  const std::uint8_t upper = FoldUpper(code);
+  if (upper >= 'A' && upper <= 'Z') {
+    *key = {upper, LetterScanTable[upper - 'A'], code == upper ? KeyFlagImpliedShift : kNoFlags};
     return true;
   }
   if (character >= '0' && character <= '9') {
     // The row of digits starts with 1 and ends with 0.
-    *vk = code;
-    *scan = character == '0' ? 0x0B : static_cast<std::uint8_t>(code - 0x2F);
-    *flags = 0;
-    return true;
-  }
-  if (character >= 'A' && character <= 'Z') {
-    *vk = code;
-    *scan = LetterScanTable[character - 'A'];
-    *flags = KeyFlagImpliedShift;
+    *key = {code, static_cast<std::uint8_t>(character == '0' ? 0x0B : code - 0x2F), kNoFlags};
     return true;
   }
   for (const KeyChar* row = KeyCharTable; row->character; ++row) {
     if (row->character == character) {
-      *vk = row->vk;
-      *scan = row->scan;
-      *flags = row->flags;
+      *key = {row->vk, row->scan, row->flags};
       return true;
     }
   }

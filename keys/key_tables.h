@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "foundation/byte_string.h"
+#include "keys/key_step.h"
 
 namespace kelvaro {
 
@@ -36,8 +37,8 @@ bool CompareNoCase(const char* rowName, const char* text, std::size_t length);
 // Index of the row of that name, in any case; -1 for none.
 std::int32_t FindToken(const ByteString& name);
 std::int32_t FindToken(const char* text, std::size_t length);
-// The key of a typed character, with KeyFlagImpliedShift in *flags where it takes the shift key.
-// False, with nothing written, when no key types it: control characters and all above 0x7E.
-bool FindTypedKey(char character, std::uint8_t* vk, std::uint8_t* scan, std::uint8_t* flags);
+// The key of a typed character, with KeyFlagImpliedShift where it takes the shift key. False, with
+// nothing written, when no key types it: control characters and all above 0x7E.
+bool FindTypedKey(char character, KeyStep* key);
 
 }  // namespace kelvaro

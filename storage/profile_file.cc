@@ -228,8 +228,7 @@ bool ProfileFile::ReadKeyAction(Control* control, OldTimings* old) {
   }
   if (!ReadScanCodes(&action->steps)) {
     // The keys of an old file have no scan codes; the parser knows them.
-    bool duplicateKey = false;
-    action->ParseKeys(action->FormatKeys(), &duplicateKey, false, false, platform::kNoWindow);
+    action->ParseKeys(action->FormatKeys());
   }
   std::uint32_t flags = 0;
   if (ReadNumber(3, &flags)) action->actionFlags |= flags;

@@ -56,12 +56,9 @@ class ControlTest : public MainWindowTest {
     control.keyReleasePause = made.pause;
     for (std::size_t i = 0; i < made.keys.size(); ++i) {
       auto* const action = new KeyAction;
-      bool duplicateKey = false;
       if (made.holdAllFrom >= 0 && i >= static_cast<std::size_t>(made.holdAllFrom))
         action->actionFlags = KeyAction::HoldAllKeys;
-      EXPECT_EQ(
-          action->ParseKeys(TextOf(made.keys[i]), &duplicateKey, false, false, platform::kNoWindow),
-          KeyAction::kParsed);
+      EXPECT_EQ(action->ParseKeys(TextOf(made.keys[i])), KeyAction::kParsed);
       control.actions.AddTail(action);
     }
     profile->controls.AddTail(control);

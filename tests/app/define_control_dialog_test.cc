@@ -920,15 +920,15 @@ TEST_F(DefineControlDialogTest, AControlWithoutATriggerIsAcceptedAndNeverFires) 
 TEST_F(DefineControlDialogTest, SmartCheckOffersTheForgottenBrackets) {
   StartWith({});
   New();
-  TypeControl("esc");
+  TypeControl("eSC");
   screen.Click(IDOK);
   ExpectBox(
       "The keys you have entered match a special key token, but are missing the angle "
       "brackets.\nDid you mean to type \"<Esc>\"?",
       "Smart Check", platform::MB_YESNO);
-  EXPECT_EQ(screen.Text(1093), "esc");
+  EXPECT_EQ(screen.Text(1093), "eSC");
   screen.Answer(IDYES);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), kMainDialog) << "no upper case letter is left to remind of";
   EXPECT_EQ(Keys(TheControl()), "<Esc>");
   Edit(0);
   EXPECT_EQ(screen.Text(1093), "<Esc>");

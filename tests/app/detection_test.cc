@@ -61,9 +61,7 @@ void AddControl(ProfileFile* profile, std::uint64_t buttons, const char* keys) {
   control.controlId = profile->nextControlId++;
   control.SetButtonMask(buttons);
   auto* const action = new KeyAction;
-  bool duplicateKey = false;
-  EXPECT_EQ(action->ParseKeys(keys, &duplicateKey, false, false, platform::kNoWindow),
-            KeyAction::kParsed);
+  EXPECT_EQ(action->ParseKeys(keys), KeyAction::kParsed);
   control.actions.AddTail(action);
   profile->controls.AddTail(control);
 }

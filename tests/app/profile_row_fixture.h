@@ -74,9 +74,7 @@ class ProfileRowTest : public MainWindowTest {
     control.repeatDelay = repeatSpeed;
     control.repeatSpeed = repeatSpeed;
     auto* const action = new KeyAction;
-    bool duplicateKey = false;
-    EXPECT_EQ(action->ParseKeys(keys, &duplicateKey, false, false, platform::kNoWindow),
-              KeyAction::kParsed);
+    EXPECT_EQ(action->ParseKeys(keys), KeyAction::kParsed);
     control.actions.AddTail(action);
     profile->controls.AddTail(control);
   }

@@ -110,9 +110,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       control.repeatDelay = random.Between(10, 200);
       control.repeatSpeed = random.Between(10, 100);
       auto* const action = new KeyAction;
-      bool duplicateKey = false;
-      action->ParseKeys(Bytes(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})),
-                        &duplicateKey, false, false, platform::kNoWindow);
+      action->ParseKeys(Bytes(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})));
       control.actions.AddTail(action);
       profile->controls.AddTail(control);
     }

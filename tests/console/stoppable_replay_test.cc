@@ -81,8 +81,7 @@ TEST_F(StoppableReplayTest, AReplayWithLongPausesComesToItsEnd) {
   groups.input = &replay;
   const platform::InstalledPlatform installed(groups);
   KeyAction action;
-  bool duplicate = false;
-  ASSERT_EQ(action.ParseKeys("a<P:65535>b<P:65535>c", &duplicate, false, false, 0), -1);
+  ASSERT_EQ(action.ParseKeys("a<P:65535>b<P:65535>c"), -1);
   StopSignals::Ask();
   action.Replay(0, 4000000000, 4000000000);
   EXPECT_EQ(machine.Sent(), "");

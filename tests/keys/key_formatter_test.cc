@@ -230,7 +230,7 @@ KeyStep CanonicalStep(RandomKeys* random) {
     do {
       c = static_cast<char>(0x20 + random->Below(0x5F));
     } while (c == '<');
-    FindTypedKey(c, &step.vk, &step.scan, &step.flags);
+    FindTypedKey(c, &step);
   }
   const auto modifiers = static_cast<std::uint8_t>(random->Below(8));
   std::uint8_t sides = 0;

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <vector>
 
-#include "app/platform/simulation/desktop_simulation.h"
 #include "keys/key_action.h"
 #include "keys/key_tables.h"
 #include "tests/keys/key_text.h"
@@ -13,10 +12,6 @@
 
 namespace kelvaro {
 namespace {
-
-using Simulation = platform::simulation::DesktopSimulation;
-
-constexpr platform::WindowHandle kWindow = 7;
 
 struct ParseCase {
   const char* text;
@@ -70,10 +65,10 @@ TEST(ParseKeys, EmptyTextHasNoSteps) { ExpectSteps({{"", ""}}); }
 TEST(ParseKeys, ReplacesTheStepsThatWereThere) {
   KeyAction action = ActionOf({{0x43, 0x2E, 0}});
   bool duplicate = true;
-  EXPECT_EQ(action.ParseKeys("a", &duplicate, false, false, platform::kNoWindow), -1);
+  EXPECT_EQ(action.ParseKeys("a", &duplicate), -1);
   EXPECT_FALSE(duplicate);
   EXPECT_EQ(StepText(action.steps), "41 1e 00");
-  EXPECT_EQ(action.ParseKeys("", &duplicate, false, false, platform::kNoWindow), -1);
+  EXPECT_EQ(action.ParseKeys("", &duplicate), -1);
   EXPECT_EQ(StepText(action.steps), "");
 }
 
@@ -86,7 +81,7 @@ TEST(ParseKeys, ReadsOnlyBitZeroOfTheFlags) {
   KeyAction action;
   action.actionFlags = 0xFFFFFFFE;
   bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("aa", &duplicate, false, false, platform::kNoWindow), -1);
+  EXPECT_EQ(action.ParseKeys("aa", &duplicate), -1);
 }
 
 TEST(ParseKeys, LoneLastBracketIsLiteral) {
@@ -357,122 +352,31 @@ TEST(ParseKeys, UpperCaseLetterIsToBeReminded) {
   const struct {
     const char* text;
     bool shiftReminder;
-    platform::WindowHandle window;
     int result;
   } kCases[] = {
-      {"B", true, kWindow, -2},
-      {"aBc", true, kWindow, -2},
-      {"<Shift>A", true, kWindow, -2},
-      {"B", false, kWindow, -1},
-      {"B", true, platform::kNoWindow, -1},
-      {"b", true, kWindow, -1},
-      {"!?_", true, kWindow, -1},
-      {"<Shift>a", true, kWindow, -1},
-      {"<TAB><Esc>", true, kWindow, -1},
-      {"", true, kWindow, -1},
-      {"B<Nope>", true, kWindow, 1},
+      {"B", true, -2},          {"aBc", true, -2}, {"<Shift>A", true, -2}, {"Esc", true, -2},
+      {"B", false, -1},         {"b", true, -1},   {"!?_", true, -1},      {"<Shift>a", true, -1},
+      {"<TAB><Esc>", true, -1}, {"", true, -1},    {"B<Nope>", true, 1},
   };
   for (const auto& c : kCases) {
-    KeyAction action;
-    bool duplicate = true;
-    // With the Smart Check off: it plays no part in the reminder.
-    EXPECT_EQ(action.ParseKeys(c.text, &duplicate, false, c.shiftReminder, c.window), c.result)
-        << c.text;
-    EXPECT_FALSE(duplicate);
+    EXPECT_EQ(KeyAction().ParseKeys(c.text, nullptr, c.shiftReminder), c.result) << c.text;
   }
 }
 
-TEST(ParseKeys, TokenNameWithTheSmartCheckOffIsLettersWithAReminder) {
-  Simulation sim;
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("Esc", &duplicate, false, true, kWindow), -2);
-  EXPECT_EQ(StepText(action.steps), "45 12 08, 53 1f 00, 43 2e 00");
-  EXPECT_TRUE(sim.MessageBoxes().empty());
-}
-
-TEST(ParseKeys, ReminderIsDueWithTheSmartCheckOnToo) {
-  Simulation sim;
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("aB", &duplicate, true, true, kWindow), -2);
-  EXPECT_TRUE(sim.MessageBoxes().empty());
-}
-
-TEST(ParseKeys, AsksNothingWithoutAWindow) {
-  Simulation sim;
-  sim.AnswerMessageBox(platform::IDYES);
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("Esc", &duplicate, true, true, platform::kNoWindow), -1);
-  EXPECT_EQ(action.steps.count, 3);
-  EXPECT_TRUE(sim.MessageBoxes().empty());
-}
-
-TEST(ParseKeys, YesToTheSmartCheckParsesTheToken) {
-  Simulation sim;
-  sim.AnswerMessageBox(platform::IDYES);
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("esc", &duplicate, true, true, kWindow), -1);
-  EXPECT_EQ(StepText(action.steps), "1b 01 00");
-}
-
-TEST(ParseKeys, YesToTheSmartCheckLeavesNoUpperCaseLetterToRemindOf) {
-  Simulation sim;
-  sim.AnswerMessageBox(platform::IDYES);
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("Backspace", &duplicate, true, true, kWindow), -1);
-  EXPECT_EQ(StepText(action.steps), "08 0e 00");
-}
-
-TEST(ParseKeys, NoToTheSmartCheckParsesTheLetters) {
-  Simulation sim;
-  sim.AnswerMessageBox(platform::IDNO);
-  KeyAction action;
-  bool duplicate = false;
-  EXPECT_EQ(action.ParseKeys("Up", &duplicate, true, true, kWindow), -2);
-  EXPECT_EQ(StepText(action.steps), "55 16 08, 50 19 00");
-}
-
-TEST(SmartCheck, AsksInTheseWords) {
-  Simulation sim;
-  sim.AnswerMessageBox(platform::IDYES);
-  EXPECT_EQ(StdString(KeyAction::SmartCheck("pgdown", kWindow)), "<PgDown>");
-  ASSERT_EQ(sim.MessageBoxes().size(), 1u);
-  const auto& box = sim.MessageBoxes()[0];
-  EXPECT_EQ(box.owner, kWindow);
-  EXPECT_EQ(box.caption, "Smart Check");
-  EXPECT_EQ(box.type, platform::MB_YESNO);
-  EXPECT_EQ(box.text,
-            "The keys you have entered match a special key token, but are missing the angle "
-            "brackets.\nDid you mean to type \"<PgDown>\"?");
-}
-
-TEST(SmartCheck, AnyAnswerButYesKeepsTheText) {
-  for (const std::int32_t answer : {platform::IDNO, platform::IDCANCEL, 0}) {
-    Simulation sim;
-    sim.AnswerMessageBox(answer);
-    EXPECT_EQ(StdString(KeyAction::SmartCheck("eSC", kWindow)), "eSC");
-    EXPECT_EQ(sim.MessageBoxes().size(), 1u);
-  }
-}
-
-TEST(SmartCheck, TakesAnyRowOfTheTable) {
-  for (const char* name : {"Shift", "LMouse", "NP.", "NP*", "X1Mouse", "CR", "StartApp2"}) {
-    Simulation sim;
-    sim.AnswerMessageBox(platform::IDYES);
-    EXPECT_EQ(StdString(KeyAction::SmartCheck(name, kWindow)), std::string("<") + name + ">");
-  }
+TEST(SmartCheck, IsTheTokenOfANameInAnyCase) {
+  const struct {
+    const char* name;
+    const char* token;
+  } kCases[] = {
+      {"pgdown", "<PgDown>"}, {"eSC", "<Esc>"}, {"Shift", "<Shift>"}, {"LMouse", "<LMouse>"},
+      {"NP.", "<NP.>"},       {"NP*", "<NP*>"}, {"CR", "<CR>"},       {"startapp2", "<StartApp2>"}};
+  for (const auto& c : kCases) EXPECT_EQ(StdString(KeyAction::SmartCheck(c.name)), c.token);
 }
 
 TEST(SmartCheck, OnlyTheWholeTextMatches) {
-  Simulation sim;
   for (const char* text : {"", "Escape", "aEsc", "Esc ", "EscEsc", "<Esc", "<Esc>", "<", "P:500"}) {
-    EXPECT_EQ(StdString(KeyAction::SmartCheck(text, kWindow)), text);
+    EXPECT_EQ(StdString(KeyAction::SmartCheck(text)), "") << text;
   }
-  EXPECT_TRUE(sim.MessageBoxes().empty());
 }
 
 TEST(ParseSteps, EatsTheTextAndAppends) {

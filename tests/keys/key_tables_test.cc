@@ -31,7 +31,7 @@ const KeyChar& CharRow(char c) {
 // "41 1e 00", or "none".
 std::string TypedKey(char c) {
   KeyStep step;
-  return FindTypedKey(c, &step.vk, &step.scan, &step.flags) ? StepText(step) : "none";
+  return FindTypedKey(c, &step) ? StepText(step) : "none";
 }
 
 TEST(KeyTokenTable, HasNinetyNineRowsAndASentinel) {
@@ -246,7 +246,7 @@ TEST(KeyCharTable, BothCharactersOfAKeyShareIt) {
 TEST(KeyCharTable, ShiftedDigitsShareTheKeyOfTheDigit) {
   for (const char* pair : {"1!", "2@", "3#", "4$", "5%", "6^", "7&", "8*", "9(", "0)"}) {
     KeyStep digit;
-    ASSERT_TRUE(FindTypedKey(pair[0], &digit.vk, &digit.scan, &digit.flags));
+    ASSERT_TRUE(FindTypedKey(pair[0], &digit));
     const KeyChar& shifted = CharRow(pair[1]);
     EXPECT_EQ(digit.flags, 0) << pair;
     EXPECT_EQ(shifted.flags, KeyFlagImpliedShift) << pair;
@@ -269,7 +269,7 @@ TEST(KeyCharTable, ScanCodesFollowTheRowsOfTheKeyboard) {
     std::uint8_t scan = row.first;
     for (const char* key = row.keys; *key; ++key, ++scan) {
       KeyStep step;
-      ASSERT_TRUE(FindTypedKey(*key, &step.vk, &step.scan, &step.flags)) << *key;
+      ASSERT_TRUE(FindTypedKey(*key, &step)) << *key;
       EXPECT_EQ(step.scan, scan) << *key;
     }
   }
@@ -328,7 +328,7 @@ TEST(FindTypedKey, NoOtherCharacterThanThePrintableOnesOfAsciiIsTyped) {
 
 TEST(FindTypedKey, WritesNothingForACharacterThatNoKeyTypes) {
   KeyStep step{1, 2, 3};
-  EXPECT_FALSE(FindTypedKey('\t', &step.vk, &step.scan, &step.flags));
+  EXPECT_FALSE(FindTypedKey('\t', &step));
   EXPECT_EQ(StepText(step), "01 02 03");
 }
 

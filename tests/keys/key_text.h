@@ -52,12 +52,10 @@ struct Parsed {
   std::string Text() const { return StdString(action.FormatKeys()); }
 };
 
-// Without a window, so that there is neither a question nor a reminder.
 inline Parsed Parse(std::string_view text, bool holdAll = false) {
   Parsed parsed{0, false, {}};
   if (holdAll) parsed.action.actionFlags = KeyAction::HoldAllKeys;
-  parsed.result =
-      parsed.action.ParseKeys(Bytes(text), &parsed.duplicate, false, false, platform::kNoWindow);
+  parsed.result = parsed.action.ParseKeys(Bytes(text), &parsed.duplicate);
   return parsed;
 }
 

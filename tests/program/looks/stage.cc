@@ -43,8 +43,7 @@ void Add(ProfileFile* profile, const Example& example) {
   for (const TriggerItem& item : example.items) control.triggerItems.AddTail(item);
   if (*example.keys) {
     auto action = std::make_unique<KeyAction>();
-    bool duplicateKey = false;
-    action->ParseKeys(example.keys, &duplicateKey, false, false, platform::kNoWindow);
+    action->ParseKeys(example.keys);
     control.actions.AddTail(action.release());
   } else {
     control.toggleMouseControls = 1;
