@@ -257,9 +257,9 @@ void MainWindow::ApplyPollInterval(std::uint32_t interval) {
 // What is remembered for a device. The wheel's sensitivity and damper are not: they are the
 // profile's alone.
 
-bool MainWindow::SaveDeviceSettings() {
+void MainWindow::SaveDeviceSettings() {
   // Also on the notification thread, which may ask the manager for what is used here.
-  if (!deviceManager || !deviceManager->DeviceSelected()) return false;
+  if (!deviceManager || !deviceManager->DeviceSelected()) return;
   const ByteString& deviceName = deviceManager->SelectedName();
 
   const RegistryWrites together;
@@ -291,7 +291,6 @@ bool MainWindow::SaveDeviceSettings() {
   };
   RegistryKey key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), true);
   for (const auto& entry : values) key.SetDword(nullptr, entry.name, entry.value);
-  return true;
 }
 
 bool MainWindow::LoadDeviceSettings() {

@@ -366,7 +366,7 @@ void MainWindow::ShowTab(Tab tab) {
   EndTestMode();
   // A button that is hidden is not drawn any more when it loses the focus.
   platform::SetDefaultButton(window, kEditButton);
-  if (engine->detectCount == 0) return;
+  if (!engine->IsDetecting()) return;
   engine->EndMouseDetection();
   SaveAfterMouseDetection();
 }

@@ -120,7 +120,7 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void ShowDeviceWarning();
   void TellUnlessProfilesCanBeSaved();
   // Where the open profile can't be written it goes on in memory; the person is told, once.
-  bool StoreProfile();
+  bool SaveProfile();
 
   // --- mouse_tab.cc
   void ShowMouseAndDeviceState();
@@ -132,7 +132,6 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   void SetTestMode(bool on);
   void DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas);
   void OnDetectBox(std::uint32_t boxId);
-  void SaveAfterMouseDetection();  // the device's values, then the profile
 
   // --- device_tab.cc
   void FillDeviceList();
@@ -151,6 +150,7 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
                    std::uint32_t type);
   void ApplyPollInterval(std::uint32_t interval);
   bool LoadDeviceSettings();
+  void SaveDeviceSettings();  // nothing where none is selected
 
   // --- control_list.cc
   void FillControlList();
@@ -183,10 +183,9 @@ class MainWindow : public ResizableDialog, private WorkerThread, private EngineH
   // EngineHost
   bool ControlDialogOpen() const override;
   void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) override;
-  void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) override;
-  void MouseDetectionEnded(std::uint32_t fieldId) override;
-  bool SaveDeviceSettings() override;
-  void SaveProfile() override;
+  void ShowDetectedInput(MouseRole role, const ByteString& text) override;
+  void MouseDetectionEnded(MouseRole role) override;
+  void SaveAfterMouseDetection() override;  // the device's values, then the profile
 
   ProfileFile profile;  // the one open profile
   std::unique_ptr<DeviceManager> deviceManager;

@@ -30,18 +30,16 @@ constexpr std::int32_t kSliderTick = 5;
 constexpr std::uint32_t kRateTimesInterval = 1000;
 
 // Each box starts a detection for the field beside it.
-struct Detection {
+constexpr struct {
   std::uint32_t box;
-  std::uint32_t field;
-  bool axis;
-};
-constexpr Detection kDetections[] = {
-    {1027, ControlEngine::kMouseXField, true},
-    {1028, ControlEngine::kMouseYField, true},
-    {1034, ControlEngine::kMouseWheelField, true},
-    {1029, ControlEngine::kLeftButtonField, false},
-    {1030, ControlEngine::kMiddleButtonField, false},
-    {1031, ControlEngine::kRightButtonField, false},
+  MouseRole role;
+} kDetections[] = {
+    {1027, MouseRole::X},
+    {1028, MouseRole::Y},
+    {1034, MouseRole::Wheel},
+    {1029, MouseRole::LeftButton},
+    {1030, MouseRole::MiddleButton},
+    {1031, MouseRole::RightButton},
 };
 
 ByteString OrNone(const ByteString& text) { return text.IsEmpty() ? ByteString("<none>") : text; }
@@ -60,19 +58,6 @@ ByteString ButtonText(std::uint64_t mask) {
 
 ByteString Number(std::uint32_t value) { return ToDecimal(value, false, 1); }
 
-// What `field` shows at present.
-TriggerItem AxisOf(const MouseSettings& settings, std::uint32_t field) {
-  if (field == ControlEngine::kMouseXField) return settings.mouseX;
-  if (field == ControlEngine::kMouseYField) return settings.mouseY;
-  return settings.mouseWheel;
-}
-
-std::uint16_t ButtonOf(const MouseSettings& settings, std::uint32_t field) {
-  if (field == ControlEngine::kLeftButtonField) return settings.leftButton;
-  if (field == ControlEngine::kMiddleButtonField) return settings.middleButton;
-  return settings.rightButton;
-}
-
 std::uint32_t Brightness(platform::Colour colour) {
   return (colour & 0xFF) + (colour >> 8 & 0xFF) + (colour >> 16 & 0xFF);
 }
@@ -87,12 +72,10 @@ void MainWindow::ShowMouseAndDeviceState() {
   if (!deviceManager) return;
   ++initGuard;
 
-  SetText(ControlEngine::kMouseXField, AxisText(profile.mouseX));
-  SetText(ControlEngine::kMouseYField, AxisText(profile.mouseY));
-  SetText(ControlEngine::kMouseWheelField, AxisText(profile.mouseWheel));
-  SetText(ControlEngine::kLeftButtonField, ButtonText(profile.leftMask));
-  SetText(ControlEngine::kMiddleButtonField, ButtonText(profile.middleMask));
-  SetText(ControlEngine::kRightButtonField, ButtonText(profile.rightMask));
+  for (const MouseRoleInput& input : kMouseRoles) {
+    SetText(static_cast<std::uint32_t>(input.role),
+            input.axis ? AxisText(profile.*input.axis) : ButtonText(profile.*input.mask));
+  }
   Check(kAlwaysActiveBox, profile.mouseAlwaysActive);
 
   const struct {
@@ -165,13 +148,12 @@ void MainWindow::OnMouseAlwaysActive() {
 
 // Test mode
 
-void MainWindow::OnTestButton() { SetTestMode(!engine->mouseTestMode); }
+void MainWindow::OnTestButton() { SetTestMode(!engine->TestMode()); }
 
 void MainWindow::EndTestMode() { SetTestMode(false); }
 
 void MainWindow::SetTestMode(bool on) {
-  LockGuard guard(engine->mouseLock);
-  engine->mouseTestMode = on;
+  engine->SetTestMode(on);
   if (currentTab == kMouseTab) platform::InvalidateControl(window, kTestButton);
 }
 
@@ -190,7 +172,7 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   const platform::Colour light = platform::GetSysColor(platform::COLOR_3DHILIGHT);
   const platform::Colour shadow = platform::GetSysColor(platform::COLOR_3DSHADOW);
   const platform::Colour dark = platform::GetSysColor(platform::COLOR_3DDKSHADOW);
-  const bool on = engine->mouseTestMode;
+  const bool on = engine->TestMode();
 
   const platform::Rect& rect = item.rect;
   const platform::Rect inner = Inside(rect, 1);
@@ -234,7 +216,7 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
 void MainWindow::OnDetectBox(std::uint32_t boxId) {
   // Before a detection is ended, which unchecks its box.
   const bool checked = Checked(boxId);
-  if (engine->detectCount != 0) {
+  if (engine->IsDetecting()) {
     engine->EndMouseDetection();
     SaveAfterMouseDetection();
   } else if (showAutoDetectUsage) {
@@ -243,21 +225,8 @@ void MainWindow::OnDetectBox(std::uint32_t boxId) {
     if (usage.dontShowAgain) showAutoDetectUsage = false;
   }
   if (!checked) return;
-
-  for (const Detection& detection : kDetections) {
-    if (detection.box != boxId) continue;
-    engine->detectTargetId = detection.field;
-    engine->detectAxis = detection.axis;
-    TriggerItem present = engine->detectResult;
-    if (detection.axis) {
-      present = AxisOf(profile, detection.field);
-    } else {
-      // Kept: the kind is that of the detection before, so that one in which nothing happens ends
-      // as that one did. Test: AButtonDetectionWithoutAChangeEndsByTheKindOfTheOneBefore.
-      present.index = ButtonOf(profile, detection.field);
-    }
-    engine->detectResult = present;
-    ++engine->detectCount;
+  for (const auto& detection : kDetections) {
+    if (detection.box == boxId) engine->StartMouseDetection(detection.role);
   }
 }
 
@@ -268,13 +237,13 @@ void MainWindow::SaveAfterMouseDetection() {
 }
 
 // Called with deviceLock and mouseLock held: the controls take these from any thread, and at once.
-void MainWindow::ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) {
-  SetText(fieldId, text);
+void MainWindow::ShowDetectedInput(MouseRole role, const ByteString& text) {
+  SetText(static_cast<std::uint32_t>(role), text);
 }
 
-void MainWindow::MouseDetectionEnded(std::uint32_t fieldId) {
-  for (const Detection& detection : kDetections) {
-    if (detection.field == fieldId) Check(detection.box, false);
+void MainWindow::MouseDetectionEnded(MouseRole role) {
+  for (const auto& detection : kDetections) {
+    if (detection.role == role) Check(detection.box, false);
   }
 }
 

@@ -204,7 +204,7 @@ void MainWindow::OnNewProfile() {
       profile.deviceGuid = deviceManager->SelectedGuid();
       profile.pollInterval = deviceManager->PollInterval();
     }
-    saved = StoreProfile();
+    saved = SaveProfile();
   }
   if (saved) {
     ListNewProfile(dialog.name);
@@ -294,10 +294,8 @@ void MainWindow::TellUnlessProfilesCanBeSaved() {
   platform::Tell(Bytes(Around(kCantSaveText, ProfileFile::ProfileFolder(), kCantSaveEnd)));
 }
 
-void MainWindow::SaveProfile() { StoreProfile(); }
-
 // Also on the notification thread, with locks held.
-bool MainWindow::StoreProfile() {
+bool MainWindow::SaveProfile() {
   if (profile.Save()) return true;
   ByteString reason = SystemErrorText(platform::GetLastError());
   reason.Trim(0, 32);

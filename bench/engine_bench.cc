@@ -49,10 +49,9 @@ class NoHost : public EngineHost {
  public:
   bool ControlDialogOpen() const override { return false; }
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override {}
-  void ShowDetectedInput(std::uint32_t, const ByteString&) override {}
-  void MouseDetectionEnded(std::uint32_t) override {}
-  bool SaveDeviceSettings() override { return false; }
-  void SaveProfile() override {}
+  void ShowDetectedInput(MouseRole, const ByteString&) override {}
+  void MouseDetectionEnded(MouseRole) override {}
+  void SaveAfterMouseDetection() override {}
 };
 
 class CountingAction : public InputAction {

@@ -84,7 +84,8 @@ void DeviceManager::tick(std::uint32_t, void* user) {
 void DeviceManager::PollDevice() {
   const platform::HRESULT polled = device->Poll();
   if (polled != platform::DI_OK && polled != platform::DI_NOEFFECT) {
-    // All there is to do about a lost device: each tick tries to get it back.
+    // All there is to do about a lost device: each tick tries to get it back. Nothing of it is held
+    // any more by then: a device that goes is at rest in its last good poll (DirectInputDevice).
     static_cast<void>(device->Acquire());
     return;
   }

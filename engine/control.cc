@@ -140,7 +140,7 @@ bool Control::EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapsh
       satisfied = true;
     } else if (item.kind == input_kind::kPov) {
       // A file may name a hat that no device has; it rests for ever.
-      const std::uint8_t directions = item.index < 4 ? snapshot.povDirections[item.index] : 0;
+      const std::uint8_t directions = item.index < kHats ? snapshot.povDirections[item.index] : 0;
       if (directions == 0 ? triggerArmed != 1 : (directions & wanted) == 0) return false;
       satisfied = true;
     } else {

@@ -34,7 +34,7 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
   } else {
     // Before the Controls: it takes out the buttons that are the mouse's, and may end a detection.
     engine.MouseButtonStep();
-    if (engine.detectCount == 0) {
+    if (!engine.IsDetecting()) {
       LinkedList<const Control*> fired;
       LockGuard guard(engine.profile.profileLock);
       for (auto* node = engine.profile.DispatchList.head; node; node = node->next) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "app/platform/input.h"
 #include "engine/mouse_emulation.h"
 
 namespace kelvaro {
@@ -12,6 +11,22 @@ constexpr std::int32_t kSliderEnd = 50;
 
 // A slider has no position that makes the pointer stand still: the factor starts at 2.
 constexpr std::int32_t kFactorOffset = 2;
+
+constexpr struct {
+  std::uint32_t id;
+  Relaxed<std::int32_t> MouseSettings::*position;
+  Relaxed<std::int32_t> ControlEngine::*derived;
+  bool isDamper;
+} kSliders[] = {
+    {ControlEngine::kMovementDamperSlider, &MouseSettings::movementDamper,
+     &ControlEngine::movementDeadZone, true},
+    {ControlEngine::kMovementSensitivitySlider, &MouseSettings::movementSensitivity,
+     &ControlEngine::movementFactor, false},
+    {ControlEngine::kWheelDamperSlider, &MouseSettings::wheelDamper, &ControlEngine::wheelDeadZone,
+     true},
+    {ControlEngine::kWheelSensitivitySlider, &MouseSettings::wheelSensitivity,
+     &ControlEngine::wheelFactor, false},
+};
 
 }  // namespace
 
@@ -30,37 +45,25 @@ void ControlEngine::Attach() {
 
 void ControlEngine::ApplyMouseSlider(std::uint32_t sliderId, std::int32_t position) {
   position = std::clamp(position, std::int32_t{0}, kSliderEnd);
-  switch (sliderId) {
-    case kMovementSensitivitySlider:
-      profile.movementSensitivity = position;
-      movementFactor = position + kFactorOffset;
-      break;
-    case kMovementDamperSlider:
-      profile.movementDamper = position;
-      movementDeadZone = MouseDeadZone(position, device.axisMax);
-      break;
-    case kWheelDamperSlider:
-      profile.wheelDamper = position;
-      wheelDeadZone = MouseDeadZone(position, device.axisMax);
-      break;
-    case kWheelSensitivitySlider:
-      profile.wheelSensitivity = position;
-      wheelFactor = position + kFactorOffset;
-      break;
-    default:
-      break;
+  for (const auto& slider : kSliders) {
+    if (slider.id != sliderId) continue;
+    profile.*slider.position = position;
+    this->*slider.derived =
+        slider.isDamper ? MouseDeadZone(position, device.axisMax) : position + kFactorOffset;
   }
 }
 
 void ControlEngine::ApplyMouseSettings() {
-  ApplyMouseSlider(kMovementDamperSlider, profile.movementDamper);
-  ApplyMouseSlider(kMovementSensitivitySlider, profile.movementSensitivity);
-  ApplyMouseSlider(kWheelDamperSlider, profile.wheelDamper);
-  ApplyMouseSlider(kWheelSensitivitySlider, profile.wheelSensitivity);
+  for (const auto& slider : kSliders) ApplyMouseSlider(slider.id, profile.*slider.position);
+}
+
+void ControlEngine::SetTestMode(bool on) {
+  LockGuard guard(mouseLock);
+  testMode = on;
 }
 
 bool ControlEngine::MouseIsOn() const {
-  return mouseActive || profile.mouseAlwaysActive || mouseTestMode;
+  return mouseActive || profile.mouseAlwaysActive || testMode;
 }
 
 void ControlEngine::LetGo() {
@@ -81,22 +84,6 @@ void ControlEngine::EndControls() {
   for (auto* node = profile.DispatchList.head; node; node = node->next) {
     if (node->value->triggerDown) EndControl(node->value);
   }
-}
-
-void ControlEngine::LiftMouseButtons() {
-  LockGuard guard(mouseLock);
-  const struct {
-    bool& down;
-    std::uint32_t up;
-  } buttons[] = {{leftDown, platform::MOUSEEVENTF_LEFTUP},
-                 {middleDown, platform::MOUSEEVENTF_MIDDLEUP},
-                 {rightDown, platform::MOUSEEVENTF_RIGHTUP}};
-  std::uint32_t flags = 0;
-  for (const auto& button : buttons) {
-    if (button.down) flags |= button.up;
-    button.down = false;
-  }
-  if (flags != 0) platform::mouse_event(flags, 0, 0, 0, 0);
 }
 
 }  // namespace kelvaro

@@ -28,14 +28,6 @@ class ControlEngine {
   static constexpr std::uint32_t kWheelDamperSlider = 1079;
   static constexpr std::uint32_t kWheelSensitivitySlider = 1080;
 
-  // Fields of the Mouse tab that show what a detection finds, and so what detectTargetId names.
-  static constexpr std::uint32_t kMouseXField = 1159;
-  static constexpr std::uint32_t kMouseYField = 1160;
-  static constexpr std::uint32_t kLeftButtonField = 1161;
-  static constexpr std::uint32_t kMiddleButtonField = 1162;
-  static constexpr std::uint32_t kMouseWheelField = 1163;
-  static constexpr std::uint32_t kRightButtonField = 1164;
-
   // The three must outlive this. The mouse step's factors are set from the profile.
   ControlEngine(Profile& profile, DeviceManager& device, EngineHost& host);
 
@@ -52,6 +44,17 @@ class ControlEngine {
   // Whether any of the three flags that turn the mouse controls on is set. Any thread.
   bool MouseIsOn() const;
 
+  // Test mode turns them on, too. Main thread; takes mouseLock.
+  void SetTestMode(bool on);
+  bool TestMode() const { return testMode; }
+
+  // Begins to detect the input for `role`, while no detection runs. As long as nothing moves its
+  // result is the present input; of a button the index alone, beside the kind that the detection
+  // before left. Main thread.
+  void StartMouseDetection(MouseRole role);
+  // What a running detection is for; None while none runs. Any thread.
+  MouseRole DetectedRole() const { return detectedRole; }
+  bool IsDetecting() const { return DetectedRole() != MouseRole::None; }
   // Ends a running mouse detection, stores its result (nothing detected clears the assignment) and
   // tells the host. Saving is the caller's. Nothing when none runs. Main or notification thread;
   // takes profileLock.
@@ -71,9 +74,7 @@ class ControlEngine {
   DeviceSnapshot snapshot;  // of the notification thread
   RepeatWorker repeatWorker;
 
-  // No lock; a stale read costs one dispatch.
-  Relaxed<bool> mouseActive{false};
-  Relaxed<bool> mouseTestMode{false};
+  Relaxed<bool> mouseActive{false};  // no lock; a stale read costs one dispatch
 
   RecursiveLock mouseLock{LockRank::Mouse};
   Relaxed<std::int32_t> movementFactor{3};
@@ -86,13 +87,6 @@ class ControlEngine {
   double accumulatedX = 0.0;  // counts not yet sent
   double accumulatedY = 0.0;
   double accumulatedWheel = 0.0;
-
-  // Above 0 while a mouse detection runs. Whoever starts one sets the three below first, each of
-  // which the notification thread may still be looking at for a detection that has just ended.
-  std::atomic<std::uint32_t> detectCount{0};
-  Relaxed<std::uint32_t> detectTargetId{0};
-  Relaxed<bool> detectAxis{false};  // else a button
-  Relaxed<TriggerItem> detectResult{TriggerItem{input_kind::kNone, 0, 0}};
 
   Profile& profile;
   DeviceManager& device;
@@ -115,6 +109,10 @@ class ControlEngine {
   bool UsesMouseInput(const Control& control) const;
 
   Relaxed<bool> ended{false};  // by LetGo
+  Relaxed<bool> testMode{false};
+  // The result is set before the role, which the notification thread looks at first.
+  std::atomic<MouseRole> detectedRole{MouseRole::None};
+  Relaxed<TriggerItem> detectResult{TriggerItem{input_kind::kNone, 0, 0}};
 };
 
 // The callbacks of the device manager; `context` is the ControlEngine.

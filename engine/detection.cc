@@ -1,6 +1,7 @@
 #include "engine/detection.h"
 
 #include <bit>
+#include <cstdlib>
 
 #include "engine/control_engine.h"
 #include "engine/input_text.h"
@@ -8,20 +9,10 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint16_t kBanks = 4;
-constexpr std::uint16_t kHats = 4;
-constexpr std::uint32_t kHatCentred = 0xFFFF;
-
 constexpr TriggerItem kNothing{input_kind::kNone, 0, 0};
 
 bool IsSideways(std::uint32_t angle) {
   return (angle >= 7000 && angle <= 11000) || (angle >= 25000 && angle <= 29000);
-}
-
-TriggerItem MouseInput(std::uint16_t kind, std::uint16_t index) {
-  TriggerItem item{kind, index, 0};
-  AxisFieldOffset(&item);
-  return item;
 }
 
 }  // namespace
@@ -31,8 +22,7 @@ bool DetectMouseAxis(std::int32_t axisMax, const DIJOYSTATE2& state, TriggerItem
   std::int64_t best = threshold;
   for (std::uint16_t bank = 0; bank < kBanks; ++bank) {
     for (std::uint16_t kind = input_kind::kAxisX; kind <= input_kind::kSliderB; ++kind) {
-      const std::int64_t value = AxisValue(state, kind, bank);
-      const std::int64_t distance = value < 0 ? -value : value;
+      const std::int64_t distance = std::abs(std::int64_t{AxisValue(state, kind, bank)});
       if (distance <= best) continue;
       best = distance;
       *result = MouseInput(kind, bank);
@@ -41,12 +31,26 @@ bool DetectMouseAxis(std::int32_t axisMax, const DIJOYSTATE2& state, TriggerItem
   if (best == axisMax) return true;
 
   for (std::uint16_t hat = 0; hat < kHats; ++hat) {
+    if (PovDirectionsFromAngle(state.rgdwPOV[hat]) == 0) continue;
     const std::uint32_t angle = state.rgdwPOV[hat] & 0xFFFF;
-    if (angle == kHatCentred) continue;
     *result = MouseInput(IsSideways(angle) ? input_kind::kPov : input_kind::kPovVertical, hat);
     return true;
   }
   return best > threshold;
+}
+
+void ControlEngine::StartMouseDetection(MouseRole role) {
+  const MouseRoleInput& input = InputOf(role);
+  TriggerItem present = detectResult;
+  if (input.axis) {
+    present = profile.*input.axis;
+  } else {
+    // Kept: the kind is that of the detection before, so that one in which nothing happens ends as
+    // that one did. Test: WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore.
+    present.index = profile.*input.button;
+  }
+  detectResult = present;
+  detectedRole = role;
 }
 
 // Runs in the mouse button step, with mouseLock held.
@@ -54,15 +58,14 @@ void ControlEngine::DetectMouseInput() {
   if (CountButtons(snapshot.dispatchButtons) >= 2) {
     // The result is still that of the change before: the first of the two buttons.
     EndMouseDetection();
-    host.SaveDeviceSettings();
-    LockGuard guard(profile.profileLock);
-    host.SaveProfile();
+    host.SaveAfterMouseDetection();
   }
-  if (detectCount == 0) return;
+  const MouseRole role = detectedRole;
+  if (role == MouseRole::None) return;
 
   ByteString text;
   TriggerItem found = kNothing;
-  if (detectAxis) {
+  if (InputOf(role).axis) {
     if (DetectMouseAxis(device.axisMax, snapshot.state, &found)) InputText(found, &text, false);
   } else if (snapshot.dispatchButtons != 0) {
     found = detectResult;
@@ -72,50 +75,30 @@ void ControlEngine::DetectMouseInput() {
   }
   detectResult = found;
   if (text.IsEmpty()) text = "<none>";
-  host.ShowDetectedInput(detectTargetId, text);
+  host.ShowDetectedInput(role, text);
 }
 
 void ControlEngine::EndMouseDetection() {
-  if (detectCount == 0) return;
-  std::uint32_t target = 0;
+  if (!IsDetecting()) return;
+  MouseRole role;
   {
     LockGuard guard(profile.profileLock);
+    role = detectedRole;
     // The other thread may have ended it while this one waited.
-    if (detectCount == 0) return;
+    if (role == MouseRole::None) return;
 
-    target = detectTargetId;
+    const MouseRoleInput& input = InputOf(role);
     const TriggerItem result = detectResult;
-    const bool cleared = result.kind == input_kind::kNone;
-    const std::uint16_t index = cleared ? 0 : result.index;
-    const std::uint64_t mask = cleared ? 0 : MouseButtonMask(index);
-    switch (target) {
-      case kMouseXField:
-        profile.mouseX = result;
-        break;
-      case kMouseYField:
-        profile.mouseY = result;
-        break;
-      case kMouseWheelField:
-        profile.mouseWheel = result;
-        break;
-      case kLeftButtonField:
-        profile.leftButton = index;
-        profile.leftMask = mask;
-        break;
-      case kMiddleButtonField:
-        profile.middleButton = index;
-        profile.middleMask = mask;
-        break;
-      case kRightButtonField:
-        profile.rightButton = index;
-        profile.rightMask = mask;
-        break;
-      default:
-        break;
+    if (input.axis) {
+      profile.*input.axis = result;
+    } else {
+      const bool cleared = result.kind == input_kind::kNone;
+      profile.*input.button = cleared ? std::uint16_t{0} : result.index;
+      profile.*input.mask = cleared ? 0 : MouseButtonMask(result.index);
     }
-    --detectCount;
+    detectedRole = MouseRole::None;
   }
-  host.MouseDetectionEnded(target);
+  host.MouseDetectionEnded(role);
 }
 
 }  // namespace kelvaro

@@ -2,14 +2,11 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
-#include <iterator>
 
 namespace kelvaro {
 namespace {
-
-constexpr std::uint16_t kBanks = 4;
-constexpr std::uint16_t kAxisKinds = input_kind::kSliderB + 1;
 
 // Where the eight axis fields of a bank begin; they stand side by side.
 constexpr std::size_t kBankOffsets[kBanks] = {offsetof(DIJOYSTATE2, lX), offsetof(DIJOYSTATE2, lVX),
@@ -21,7 +18,9 @@ static_assert(offsetof(DIJOYSTATE2, rglVSlider) == kBankOffsets[1] + 24);
 static_assert(offsetof(DIJOYSTATE2, rglASlider) == kBankOffsets[2] + 24);
 static_assert(offsetof(DIJOYSTATE2, rglFSlider) == kBankOffsets[3] + 24);
 
-bool IsAxis(std::uint16_t kind, std::uint16_t index) { return kind < kAxisKinds && index < kBanks; }
+bool IsAxis(std::uint16_t kind, std::uint16_t index) {
+  return kind <= input_kind::kSliderB && index < kBanks;
+}
 
 std::size_t AxisOffset(std::uint16_t kind, std::uint16_t index) {
   return kBankOffsets[index] + sizeof(std::int32_t) * kind;
@@ -33,7 +32,7 @@ void UpdateSnapshot(DeviceSnapshot* snapshot, const DIJOYSTATE2& state) {
   snapshot->state = state;
   snapshot->currentButtons = ButtonMaskFromState(state);
   snapshot->dispatchButtons = snapshot->currentButtons;
-  for (std::size_t hat = 0; hat < std::size(snapshot->povDirections); ++hat) {
+  for (std::size_t hat = 0; hat < kHats; ++hat) {
     snapshot->povDirections[hat] = PovDirectionsFromAngle(state.rgdwPOV[hat]);
   }
 }
@@ -83,7 +82,7 @@ std::int32_t AxisThreshold(std::int32_t axisMax) {
 std::uint8_t AxisState(std::int32_t axisMax, const DIJOYSTATE2& state, std::uint16_t kind,
                        std::uint16_t index) {
   const std::int64_t value = AxisValue(state, kind, index);
-  if ((value < 0 ? -value : value) <= AxisThreshold(axisMax)) return AxisCentre;
+  if (std::abs(value) <= AxisThreshold(axisMax)) return AxisCentre;
   return value < 1 ? AxisNeg : AxisPos;
 }
 
@@ -94,6 +93,12 @@ void AxisFieldOffset(TriggerItem* item) {
     item->value =
         static_cast<std::uint16_t>(offsetof(DIJOYSTATE2, rgdwPOV) + std::size_t{4} * item->index);
   }
+}
+
+TriggerItem MouseInput(std::uint16_t kind, std::uint16_t index) {
+  TriggerItem item{kind, index, 0};
+  AxisFieldOffset(&item);
+  return item;
 }
 
 std::uint32_t CountButtons(std::uint64_t mask) {

@@ -16,6 +16,9 @@ constexpr std::uint8_t PovUp = 2;
 constexpr std::uint8_t PovRight = 4;
 constexpr std::uint8_t PovDown = 8;
 
+constexpr std::uint16_t kBanks = 4;  // of axes
+constexpr std::uint16_t kHats = 4;
+
 // TriggerItem kinds. 0 to 7 are the axis kinds, in the order of the fields of DIJOYSTATE2.
 namespace input_kind {
 constexpr std::uint16_t kAxisX = 0;
@@ -50,8 +53,8 @@ struct DeviceSnapshot {
   std::uint64_t dispatchButtons = 0;  // what the Controls see: the mouse may have taken bits out
   std::uint64_t previousButtons = 0;
   std::uint64_t currentButtons = 0;
-  std::uint8_t povDirections[4] = {};
-  std::uint8_t previousPovDirections[4] = {};
+  std::uint8_t povDirections[kHats] = {};
+  std::uint8_t previousPovDirections[kHats] = {};
   DIJOYSTATE2 state;
   DIJOYSTATE2 previousState;
 };
@@ -79,6 +82,9 @@ std::int32_t AxisThreshold(std::int32_t axisMax);
 // Fills item->value with the byte offset of the item's field in DIJOYSTATE2. Unchanged for kinds
 // above 9, and for an axis with an index above 3. A hat's index isn't checked.
 void AxisFieldOffset(TriggerItem* item);
+
+// The input of the mouse emulation with that kind and index, its offset filled in.
+TriggerItem MouseInput(std::uint16_t kind, std::uint16_t index = 0);
 
 // Number of bits set.
 std::uint32_t CountButtons(std::uint64_t mask);

@@ -4,9 +4,8 @@
 // MouseDetectionEnded also comes on whatever thread ends one, with no lock of the engine.
 #pragma once
 
-#include <cstdint>
-
 #include "engine/device_snapshot.h"
+#include "engine/mouse_settings.h"
 #include "foundation/byte_string.h"
 
 namespace kelvaro {
@@ -23,15 +22,13 @@ class EngineHost {
   // detects.
   virtual void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) = 0;
 
-  // A text for the field `fieldId` (1159 to 1164) of a running mouse detection: what is held now,
-  // or "<none>".
-  virtual void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) = 0;
-  // The detection for that field is over: its box is to be unchecked.
-  virtual void MouseDetectionEnded(std::uint32_t fieldId) = 0;
+  // A text for the field of the running mouse detection's role: what is held now, or "<none>".
+  virtual void ShowDetectedInput(MouseRole role, const ByteString& text) = 0;
+  // The detection for that role is over: its box is to be unchecked.
+  virtual void MouseDetectionEnded(MouseRole role) = 0;
   // The two buttons that end a detection did so: values changed that are kept for the device, and
-  // in the profile (profileLock is held for the second).
-  virtual bool SaveDeviceSettings() = 0;  // false when no device is selected
-  virtual void SaveProfile() = 0;
+  // in the profile.
+  virtual void SaveAfterMouseDetection() = 0;
 };
 
 }  // namespace kelvaro

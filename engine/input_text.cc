@@ -85,7 +85,7 @@ void CaptureTrigger(std::int32_t axisMax, const DeviceSnapshot& snapshot, ByteSt
   // One flag for all hats, so a later hat begins with a "+" unless its first word is "up", as in
   // "POV0(left)+POV2(+down)". Kept. Test: LaterHatBeginsWithAPlus.
   bool wordWritten = false;
-  for (std::uint16_t hat = 0; hat < 4; ++hat) {
+  for (std::uint16_t hat = 0; hat < kHats; ++hat) {
     const std::uint8_t directions = snapshot.povDirections[hat];
     if (directions == 0) continue;
     AppendPlus(!text->IsEmpty(), text);
@@ -97,7 +97,7 @@ void CaptureTrigger(std::int32_t axisMax, const DeviceSnapshot& snapshot, ByteSt
     trigger->triggerItems.AddTail({input_kind::kPov, hat, directions});
   }
 
-  for (std::uint16_t bank = 0; bank < 4; ++bank) {
+  for (std::uint16_t bank = 0; bank < kBanks; ++bank) {
     for (std::uint16_t kind = input_kind::kAxisX; kind <= input_kind::kSliderB; ++kind) {
       const std::uint8_t side = AxisState(axisMax, snapshot.state, kind, bank);
       if (side == AxisCentre) continue;

@@ -32,6 +32,24 @@ double HatUpDown(std::int32_t angle) {
   return 0.0;
 }
 
+constexpr struct {
+  Relaxed<std::uint64_t> MouseSettings::*mask;
+  bool ControlEngine::*isDown;
+  std::uint32_t down;
+  std::uint32_t up;
+} kButtons[] = {
+    {&MouseSettings::leftMask, &ControlEngine::leftDown, platform::MOUSEEVENTF_LEFTDOWN,
+     platform::MOUSEEVENTF_LEFTUP},
+    {&MouseSettings::middleMask, &ControlEngine::middleDown, platform::MOUSEEVENTF_MIDDLEDOWN,
+     platform::MOUSEEVENTF_MIDDLEUP},
+    {&MouseSettings::rightMask, &ControlEngine::rightDown, platform::MOUSEEVENTF_RIGHTDOWN,
+     platform::MOUSEEVENTF_RIGHTUP},
+};
+
+void SendButtons(std::uint32_t flags) {
+  if (flags != 0) platform::mouse_event(flags, 0, 0, 0, 0);
+}
+
 }  // namespace
 
 MouseCurve MakeMouseCurve(std::int32_t axisMax, std::int32_t deadZone, std::int32_t factor) {
@@ -61,7 +79,7 @@ double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const
 
 void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   auto& engine = *static_cast<ControlEngine*>(context);
-  if (engine.detectCount != 0 || engine.ended || engine.host.ControlDialogOpen() ||
+  if (engine.IsDetecting() || engine.ended || engine.host.ControlDialogOpen() ||
       !engine.MouseIsOn()) {
     return;
   }
@@ -108,41 +126,41 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
 }
 
 void ControlEngine::MouseButtonStep() {
-  if (!MouseIsOn() && detectCount == 0) return;
+  if (!MouseIsOn() && !IsDetecting()) return;
   LockGuard guard(mouseLock);
 
-  const struct {
-    std::uint64_t mask;
-    bool& down;
-    std::uint32_t downEvent;
-    std::uint32_t upEvent;
-  } buttons[] = {
-      {profile.leftMask, leftDown, platform::MOUSEEVENTF_LEFTDOWN, platform::MOUSEEVENTF_LEFTUP},
-      {profile.middleMask, middleDown, platform::MOUSEEVENTF_MIDDLEDOWN,
-       platform::MOUSEEVENTF_MIDDLEUP},
-      {profile.rightMask, rightDown, platform::MOUSEEVENTF_RIGHTDOWN,
-       platform::MOUSEEVENTF_RIGHTUP}};
   std::uint32_t flags = 0;
   std::uint32_t owned = 0;
-  for (const auto& button : buttons) {
-    const std::uint64_t held = snapshot.dispatchButtons & button.mask;
+  for (const auto& button : kButtons) {
+    const std::uint64_t mask = profile.*button.mask;
+    const std::uint64_t held = snapshot.dispatchButtons & mask;
     // Against the state before, whole: a button that was held before the mouse controls went on is
     // no edge.
-    if (held != (snapshot.previousButtons & button.mask)) {
-      button.down = held != 0;
-      flags |= button.down ? button.downEvent : button.upEvent;
+    if (held != (snapshot.previousButtons & mask)) {
+      this->*button.isDown = held != 0;
+      flags |= held != 0 ? button.down : button.up;
     }
-    if (held != 0) owned |= static_cast<std::uint32_t>(button.mask);
+    if (held != 0) owned |= static_cast<std::uint32_t>(mask);
   }
 
-  if (detectCount != 0) {
+  if (IsDetecting()) {
     DetectMouseInput();
     return;
   }
   // A held button goes away, so that no Control sees it. Kept: the mask of index 31 fills the upper
   // half, which isn't touched here, and a button up there makes bit 31 change sides.
   snapshot.dispatchButtons ^= owned;
-  if (flags != 0) platform::mouse_event(flags, 0, 0, 0, 0);
+  SendButtons(flags);
+}
+
+void ControlEngine::LiftMouseButtons() {
+  LockGuard guard(mouseLock);
+  std::uint32_t flags = 0;
+  for (const auto& button : kButtons) {
+    if (this->*button.isDown) flags |= button.up;
+    this->*button.isDown = false;
+  }
+  SendButtons(flags);
 }
 
 }  // namespace kelvaro

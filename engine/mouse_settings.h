@@ -1,8 +1,10 @@
 // What a profile says about the mouse emulation.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
+#include <iterator>
 
 #include "engine/device_snapshot.h"
 #include "foundation/relaxed.h"
@@ -55,6 +57,41 @@ struct MouseSettings {
   Relaxed<TriggerItem> mouseWheel{TriggerItem{input_kind::kNone, 0, 0}};
   Relaxed<bool> mouseAlwaysActive{false};
 };
+
+// What an input of the device does as a mouse. The values are the fields of the Mouse tab that show
+// the inputs.
+enum class MouseRole : std::uint32_t {
+  None = 0,
+  X = 1159,
+  Y = 1160,
+  LeftButton = 1161,
+  MiddleButton = 1162,
+  Wheel = 1163,
+  RightButton = 1164,
+};
+
+// Where the input of a role stands in the settings: as an axis, or as a button.
+struct MouseRoleInput {
+  MouseRole role;
+  Relaxed<TriggerItem> MouseSettings::*axis;      // null for a button
+  Relaxed<std::uint16_t> MouseSettings::*button;  // null for an axis, as is the mask
+  Relaxed<std::uint64_t> MouseSettings::*mask;
+};
+
+inline constexpr MouseRoleInput kMouseRoles[] = {
+    {MouseRole::X, &MouseSettings::mouseX, nullptr, nullptr},
+    {MouseRole::Y, &MouseSettings::mouseY, nullptr, nullptr},
+    {MouseRole::Wheel, &MouseSettings::mouseWheel, nullptr, nullptr},
+    {MouseRole::LeftButton, nullptr, &MouseSettings::leftButton, &MouseSettings::leftMask},
+    {MouseRole::MiddleButton, nullptr, &MouseSettings::middleButton, &MouseSettings::middleMask},
+    {MouseRole::RightButton, nullptr, &MouseSettings::rightButton, &MouseSettings::rightMask},
+};
+
+// Of a role other than None.
+constexpr const MouseRoleInput& InputOf(MouseRole role) {
+  return *std::find_if(std::begin(kMouseRoles), std::end(kMouseRoles),
+                       [role](const MouseRoleInput& input) { return input.role == role; });
+}
 
 // The mask of a button by its index: a signed 32-bit one, shifted by index mod 32 and widened with
 // its sign. So index 31 fills the upper half, and 32 and above wrap to the low bits. Kept as it is:

@@ -12,12 +12,6 @@ namespace {
 
 constexpr std::uint32_t kTimingsSize = 17;
 
-TriggerItem MouseInput(std::uint16_t kind, std::uint16_t index) {
-  TriggerItem item{kind, index, 0};
-  AxisFieldOffset(&item);
-  return item;
-}
-
 }  // namespace
 
 ProfileFile::ProfileFile() { magic = "XBF"; }

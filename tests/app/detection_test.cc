@@ -12,6 +12,7 @@
 #include "keys/key_action.h"
 #include "tests/app/held_lock.h"
 #include "tests/app/main_window_fixture.h"
+#include "tests/platform/watched_files.h"
 
 namespace kelvaro {
 namespace {
@@ -42,12 +43,6 @@ constexpr char kPadSettings[] = "HKCU\\Software\\Marnstone\\Kelvaro\\Devices\\Pa
 
 const std::uint32_t kBoxes[] = {kXBox, kYBox, kWheelBox, kLeftBox, kMiddleBox, kRightBox};
 
-TriggerItem Input(std::uint16_t kind, std::uint16_t index) {
-  TriggerItem item{kind, index, 0};
-  AxisFieldOffset(&item);
-  return item;
-}
-
 // "kind index offset".
 std::string Words(const TriggerItem& item) {
   return std::to_string(item.kind) + ' ' + std::to_string(item.index) + ' ' +
@@ -75,9 +70,9 @@ class DetectionTest : public MainWindowTest {
   void StoreFullProfile() {
     StoreProfile(kProfile, [this](ProfileFile& made) {
       UsePad(made);
-      made.mouseX = Input(2, 0);
-      made.mouseY = Input(5, 0);
-      made.mouseWheel = Input(input_kind::kPovVertical, 0);
+      made.mouseX = MouseInput(2, 0);
+      made.mouseY = MouseInput(5, 0);
+      made.mouseWheel = MouseInput(input_kind::kPovVertical, 0);
       made.leftButton = 4;
       made.leftMask = MouseButtonMask(4);
       made.middleButton = 5;
@@ -155,32 +150,20 @@ class DetectionTest : public MainWindowTest {
 
 // Starting one
 
-TEST_F(DetectionTest, EachBoxStartsADetectionForItsFieldFromThePresentInput) {
+TEST_F(DetectionTest, EachBoxStartsADetectionForItsField) {
   const struct {
     std::uint32_t box;
     std::uint32_t field;
-    bool axis;
-    const char* present;
-  } cases[] = {
-      {kXBox, kX, true, "2 0 8"},
-      {kYBox, kY, true, "5 0 20"},
-      {kWheelBox, kWheel, true, "9 0 32"},
-      // A button's own index, beside the kind and offset of the detection before.
-      {kLeftBox, kLeft, false, "9 4 32"},
-      {kMiddleBox, kMiddle, false, "9 5 32"},
-      {kRightBox, kRight, false, "9 6 32"},
-  };
+  } cases[] = {{kXBox, kX},       {kYBox, kY},           {kWheelBox, kWheel},
+               {kLeftBox, kLeft}, {kMiddleBox, kMiddle}, {kRightBox, kRight}};
   StoreFullProfile();
   BeginHere();
   for (const auto& row : cases) {
     screen.Click(row.box);
-    EXPECT_EQ(Engine().detectCount, 1u) << row.box;
-    EXPECT_EQ(Engine().detectTargetId, row.field) << row.box;
-    EXPECT_EQ(Engine().detectAxis, row.axis) << row.box;
-    EXPECT_EQ(Words(Engine().detectResult), row.present) << row.box;
+    EXPECT_EQ(Engine().DetectedRole(), MouseRole{row.field}) << row.box;
     EXPECT_EQ(CheckedBoxes(), std::vector{row.box});
     screen.Click(row.box);
-    EXPECT_EQ(Engine().detectCount, 0u) << row.box;
+    EXPECT_FALSE(Engine().IsDetecting()) << row.box;
     EXPECT_TRUE(CheckedBoxes().empty()) << row.box;
   }
 }
@@ -356,7 +339,7 @@ TEST_F(DetectionTest, TheSpaceBarEndsItWithWhatIsHeld) {
   pad.Press({3});
   Poll();
   screen.Press(kSpaceBar);
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
   EXPECT_EQ(screen.Text(kLeft), "B3");
   EXPECT_EQ(OpenProfile().leftButton, 2);
@@ -400,13 +383,13 @@ TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
   pad.Press({3});
   Poll();
   EXPECT_EQ(screen.Text(kLeft), "B3");
-  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_TRUE(Engine().IsDetecting());
   pad.Press({3, 5});
   sim.RunFor(4);
-  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_TRUE(Engine().IsDetecting());
   EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
   sim.RunFor(1);
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
   EXPECT_EQ(screen.Text(kLeft), "B3");
   EXPECT_EQ(OpenProfile().leftButton, 2);
@@ -422,7 +405,7 @@ TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
   EXPECT_EQ(screen.Text(kY), "Axis_RY0");
   pad.Press({1, 2});
   Poll();
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_EQ(Words(OpenProfile().mouseY), "4 0 16");
   EXPECT_TRUE(CheckedBoxes().empty());
   ExpectAllSaved();
@@ -452,8 +435,8 @@ TEST_F(DetectionTest, AnotherBoxStoresTheOneAndStartsTheOther) {
   screen.Click(kYBox);
   EXPECT_EQ(CheckedBoxes(), std::vector{kYBox});
   EXPECT_EQ(Words(OpenProfile().mouseX), "2 0 8");
-  EXPECT_EQ(Engine().detectCount, 1u);
-  EXPECT_EQ(Engine().detectTargetId, kY);
+  EXPECT_TRUE(Engine().IsDetecting());
+  EXPECT_EQ(Engine().DetectedRole(), MouseRole::Y);
   EXPECT_EQ(screen.Text(kX), "Axis_Z0");
   EXPECT_EQ(screen.Text(kY), "<none>");
   ExpectAllSaved();
@@ -478,7 +461,7 @@ TEST_F(DetectionTest, AnotherTabEndsAndSavesIt) {
     pad.Press({4});
     Poll();
     screen.ChooseTab(kTabs, tab);
-    EXPECT_EQ(Engine().detectCount, 0u) << tab;
+    EXPECT_FALSE(Engine().IsDetecting()) << tab;
     EXPECT_EQ(OpenProfile().middleButton, 3) << tab;
     EXPECT_TRUE(CheckedBoxes().empty()) << tab;
     ExpectAllSaved();
@@ -497,7 +480,7 @@ TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
   pad.Press({4});
   Poll();
   screen.Choose(kProfileList, "Other");
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
   EXPECT_EQ(screen.Text(kLeft), "B9");
   EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
@@ -509,7 +492,7 @@ TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
 TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
   StoreProfile(kProfile, [this](ProfileFile& made) {
     UsePad(made);
-    made.mouseX = Input(0, 0);
+    made.mouseX = MouseInput(0, 0);
     made.mouseAlwaysActive = true;
     AddControl(&made, 0x4, "x");
   });
@@ -539,6 +522,27 @@ TEST_F(DetectionTest, TheEndWaitsForTheProfilesLock) {
   EXPECT_EQ(OpenProfile().leftButton, 2);
 }
 
+TEST_F(DetectionTest, TheProfileIsLockedWhileItIsWrittenWhicheverWayItEnds) {
+  BeginHere();
+  Strings writes;
+  const WatchedFiles watched(sim.Groups(), [&](const std::string& operation, const std::string&) {
+    if (operation == "write" || operation == "copy")
+      writes.push_back(operation + (OpenProfile().profileLock.IsTaken() ? " locked" : " free"));
+  });
+  for (const bool byButtons : {false, true}) {
+    screen.Click(kLeftBox);
+    pad.Press({3});
+    Poll();
+    writes.clear();
+    if (!byButtons) screen.Click(kLeftBox);
+    pad.Press({3, 5});
+    Poll();
+    EXPECT_EQ(writes, (Strings{"write locked", "copy locked"})) << byButtons;
+    pad.Press({});
+    Poll();
+  }
+}
+
 // The end comes on another thread, which must not wait for the person.
 TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
   BeginHere();
@@ -548,7 +552,7 @@ TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
   Poll();
   pad.Press({3, 5});
   Poll();
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   ExpectAllSaved();
   screen.Click(platform::IDCANCEL);
   EXPECT_TRUE(CheckedBoxes().empty());
@@ -570,7 +574,7 @@ TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
       screen.Click(kLeftBox);
     }
     sim.Mend("RegCreateKeyA");
-    EXPECT_EQ(Engine().detectCount, 0u);
+    EXPECT_FALSE(Engine().IsDetecting());
     EXPECT_EQ(OpenProfile().leftButton, 2);
     EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
     pad.Press({});
@@ -586,9 +590,9 @@ TEST_F(DetectionTest, WithoutADeviceTheProfileAloneIsSaved) {
   Begin();
   screen.ChooseTab(kTabs, MainWindow::kMouseTab);
   screen.Click(kLeftBox);
-  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_TRUE(Engine().IsDetecting());
   screen.Click(kLeftBox);
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
   EXPECT_FALSE(sim.Registry().HasKey(kPadSettings));
 }
@@ -605,18 +609,18 @@ TEST_F(DetectionUsageTest, TheUsageIsShownFirstAndTheDetectionStartsWhenItIsClos
   for (const std::int32_t button : {platform::IDOK, 0}) {
     screen.Click(kLeftBox);
     EXPECT_EQ(screen.Front(), kUsageDialog);
-    EXPECT_EQ(Engine().detectCount, 0u);
+    EXPECT_FALSE(Engine().IsDetecting());
     if (button == platform::IDOK) {
       screen.Click(platform::IDOK);
     } else {
       screen.Close();
     }
     EXPECT_EQ(screen.Front(), kMainDialog);
-    EXPECT_EQ(Engine().detectCount, 1u);
+    EXPECT_TRUE(Engine().IsDetecting());
     EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
     screen.Click(kLeftBox);
     EXPECT_EQ(screen.Front(), kMainDialog);  // not when one is ended
-    EXPECT_EQ(Engine().detectCount, 0u);
+    EXPECT_FALSE(Engine().IsDetecting());
   }
   EXPECT_TRUE(ShowAutoDetectUsage());
 }
@@ -627,7 +631,7 @@ TEST_F(DetectionUsageTest, TheUsageIsNotShownWhileAnotherDetectionRuns) {
   screen.Click(platform::IDOK);
   screen.Click(kYBox);
   EXPECT_EQ(screen.Front(), kMainDialog);
-  EXPECT_EQ(Engine().detectTargetId, kY);
+  EXPECT_EQ(Engine().DetectedRole(), MouseRole::Y);
 }
 
 TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
@@ -636,7 +640,7 @@ TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
   screen.Click(resources::kDontShowAgain);
   screen.Click(platform::IDOK);
   EXPECT_FALSE(ShowAutoDetectUsage());
-  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_TRUE(Engine().IsDetecting());
   screen.Click(kXBox);
   screen.Click(kXBox);
   EXPECT_EQ(screen.Front(), kMainDialog);

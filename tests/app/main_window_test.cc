@@ -714,9 +714,9 @@ TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
   for (const std::int32_t other : {0, 2, 3}) {
     screen.ChooseTab(kTabs, 1);
     screen.Click(kTestButton);
-    EXPECT_TRUE(Engine().mouseTestMode);
+    EXPECT_TRUE(Engine().TestMode());
     screen.ChooseTab(kTabs, other);
-    EXPECT_FALSE(Engine().mouseTestMode) << other;
+    EXPECT_FALSE(Engine().TestMode()) << other;
   }
 }
 
@@ -725,11 +725,11 @@ TEST_F(WindowLifeTest, LeavingTheMouseTabEndsADetectionAndSavesWhatItFound) {
   ShowAutoDetectUsage() = false;
   screen.ChooseTab(kTabs, 1);
   screen.Click(1029);
-  EXPECT_EQ(Engine().detectCount, 1u);
+  EXPECT_TRUE(Engine().IsDetecting());
   pad.Press({4});
   sim.RunFor(50);
   screen.ChooseTab(kTabs, 2);
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_FALSE(screen.Checked(1029));
   EXPECT_EQ(Stored(kProfile)->leftButton, 3);
   EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Pad", "Left Mouse Btn"), 3u);

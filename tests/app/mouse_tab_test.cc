@@ -38,13 +38,6 @@ constexpr std::uint32_t kRight = 1164;
 constexpr std::uint32_t kRefresh = 1170;
 constexpr std::uint8_t kEnter = 0x0D;
 
-// An input of the mouse.
-TriggerItem Input(std::uint16_t kind, std::uint16_t index) {
-  TriggerItem item{kind, index, 0};
-  AxisFieldOffset(&item);
-  return item;
-}
-
 class MouseTabTest : public MainWindowTest {
  protected:
   void BeginHere() {
@@ -77,23 +70,23 @@ TEST_F(MouseTabTest, AnAxisFieldNamesItsInputAndShowsAHatsOffsetAsDirections) {
     const char* text;
   } cases[] = {
       {{input_kind::kNone, 0, 0}, "<none>"},
-      {Input(0, 0), "Axis_X0"},
-      {Input(1, 0), "Axis_Y0"},
-      {Input(2, 0), "Axis_Z0"},
-      {Input(3, 1), "Axis_RX1"},
-      {Input(4, 2), "Axis_RY2"},
-      {Input(5, 3), "Axis_RZ3"},
-      {Input(6, 0), "SliderA0"},
-      {Input(7, 3), "SliderB3"},
+      {MouseInput(0, 0), "Axis_X0"},
+      {MouseInput(1, 0), "Axis_Y0"},
+      {MouseInput(2, 0), "Axis_Z0"},
+      {MouseInput(3, 1), "Axis_RX1"},
+      {MouseInput(4, 2), "Axis_RY2"},
+      {MouseInput(5, 3), "Axis_RZ3"},
+      {MouseInput(6, 0), "SliderA0"},
+      {MouseInput(7, 3), "SliderB3"},
       // Offsets 32, 36, 40 and 44: 0, 4, 8 and 12 in the low bits.
-      {Input(input_kind::kPov, 0), "POV0"},
-      {Input(input_kind::kPov, 1), "POV1right"},
-      {Input(input_kind::kPov, 2), "POV2down"},
-      {Input(input_kind::kPov, 3), "POV3down+right"},
-      {Input(input_kind::kPovVertical, 0), "POV0"},
-      {Input(input_kind::kPovVertical, 1), "POV1"},
-      {Input(input_kind::kPovVertical, 2), "POV2"},
-      {Input(input_kind::kPovVertical, 3), "POV3"},
+      {MouseInput(input_kind::kPov, 0), "POV0"},
+      {MouseInput(input_kind::kPov, 1), "POV1right"},
+      {MouseInput(input_kind::kPov, 2), "POV2down"},
+      {MouseInput(input_kind::kPov, 3), "POV3down+right"},
+      {MouseInput(input_kind::kPovVertical, 0), "POV0"},
+      {MouseInput(input_kind::kPovVertical, 1), "POV1"},
+      {MouseInput(input_kind::kPovVertical, 2), "POV2"},
+      {MouseInput(input_kind::kPovVertical, 3), "POV3"},
   };
   BeginHere();
   for (const auto& row : cases) {
@@ -112,9 +105,9 @@ TEST_F(MouseTabTest, AnAxisFieldNamesItsInputAndShowsAHatsOffsetAsDirections) {
 TEST_F(MouseTabTest, EachFieldShowsItsOwnInput) {
   StoreProfile(kProfile, [this](ProfileFile& made) {
     UsePad(made);
-    made.mouseX = Input(2, 0);
-    made.mouseY = Input(5, 0);
-    made.mouseWheel = Input(input_kind::kPovVertical, 0);
+    made.mouseX = MouseInput(2, 0);
+    made.mouseY = MouseInput(5, 0);
+    made.mouseWheel = MouseInput(input_kind::kPovVertical, 0);
     made.leftButton = 0;
     made.leftMask = MouseButtonMask(0);
     made.middleButton = 4;
@@ -310,14 +303,14 @@ TEST_F(MouseTabTest, AlwaysActiveIsOffInANewProfile) {
 
 TEST_F(MouseTabTest, TheTestButtonFlipsTheModeAndIsDrawnAnew) {
   BeginHere();
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
   screen.FocusOn(kTest);  // which draws it, too
   screen.Redraws(kTest);
   screen.Click(kTest);
-  EXPECT_TRUE(Engine().mouseTestMode);
+  EXPECT_TRUE(Engine().TestMode());
   EXPECT_GE(screen.Redraws(kTest), 1u);
   screen.Click(kTest);
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
   EXPECT_GE(screen.Redraws(kTest), 1u);
 }
 
@@ -327,13 +320,13 @@ TEST_F(MouseTabTest, TheTestButtonWaitsForTheMousesLock) {
   const std::uint64_t before = sim.Now();
   screen.Click(kTest);
   EXPECT_EQ(sim.Now() - before, 50u);
-  EXPECT_TRUE(Engine().mouseTestMode);
+  EXPECT_TRUE(Engine().TestMode());
 }
 
 TEST_F(MouseTabTest, InTestModeThePointerMovesWithoutAnythingElseOn) {
   StoreProfile(kProfile, [this](ProfileFile& made) {
     UsePad(made);
-    made.mouseX = Input(0, 0);
+    made.mouseX = MouseInput(0, 0);
   });
   BeginHere();
   pad.MoveAxis("Axis_X0", 32000);
@@ -357,11 +350,11 @@ TEST_F(MouseTabTest, AnotherTabEndsTestModeForGood) {
        {MainWindow::kControlTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
     BeginHere();
     screen.Click(kTest);
-    EXPECT_TRUE(Engine().mouseTestMode);
+    EXPECT_TRUE(Engine().TestMode());
     screen.ChooseTab(kTabs, tab);
-    EXPECT_FALSE(Engine().mouseTestMode) << tab;
+    EXPECT_FALSE(Engine().TestMode()) << tab;
     screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-    EXPECT_FALSE(Engine().mouseTestMode) << tab;
+    EXPECT_FALSE(Engine().TestMode()) << tab;
     CloseAll();
   }
 }
@@ -372,7 +365,7 @@ TEST_F(MouseTabTest, AnotherProfileEndsTestModeAndTheButtonShowsIt) {
   screen.Click(kTest);
   screen.Redraws(kTest);
   screen.Choose(kProfileList, "Other");
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
   EXPECT_GE(screen.Redraws(kTest), 1u);
 }
 
@@ -480,7 +473,7 @@ TEST_F(TestButtonDrawing, EnterPressesItWhileItHasTheFocus) {
   BeginHere();
   screen.FocusOn(kTest);
   screen.Press(kEnter);
-  EXPECT_TRUE(Engine().mouseTestMode);
+  EXPECT_TRUE(Engine().TestMode());
 }
 
 TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
@@ -489,7 +482,7 @@ TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
   // From a control that is no button Enter presses the default one.
   screen.FocusOn(kMovementDamper);
   screen.Press(kEnter);
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
 }
 
 TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
@@ -498,7 +491,7 @@ TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   screen.ChooseTab(kTabs, MainWindow::kControlTab);
   screen.SelectRows(kControlList, {});
   screen.Press(kEnter);
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
   // By itself, as when a profile has no device, the focus stays behind on the hidden button.
   screen.ChooseTab(kTabs, MainWindow::kMouseTab);
   screen.FocusOn(kTest);
@@ -508,7 +501,7 @@ TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   screen.Answer(platform::IDOK);
   ASSERT_EQ(CurrentTab(), MainWindow::kDeviceTab);
   screen.Press(kEnter);
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
 }
 
 }  // namespace

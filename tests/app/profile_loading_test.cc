@@ -264,9 +264,9 @@ TEST_F(ProfileLoadingTest, TestModeEndsWithTheProfile) {
   Begin();
   screen.ChooseTab(kTabs, MainWindow::kMouseTab);
   screen.Click(1036);
-  ASSERT_TRUE(Engine().mouseTestMode);
+  ASSERT_TRUE(Engine().TestMode());
   Choose("Beta");
-  EXPECT_FALSE(Engine().mouseTestMode);
+  EXPECT_FALSE(Engine().TestMode());
 }
 
 TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
@@ -277,12 +277,12 @@ TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
   const std::string before = BytesOf("Alpha.idprof");
   screen.ChooseTab(kTabs, MainWindow::kMouseTab);
   screen.Click(1029);  // the left mouse button
-  ASSERT_EQ(Engine().detectCount, 1u);
+  ASSERT_TRUE(Engine().IsDetecting());
   pad.Press({3});
   sim.RunFor(50);
 
   Choose("Beta");
-  EXPECT_EQ(Engine().detectCount, 0u);
+  EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_FALSE(screen.Checked(1029));
   EXPECT_EQ(BytesOf("Alpha.idprof"), before);
   EXPECT_EQ(OpenProfile().leftButton, 0) << "as Beta has it";
@@ -308,7 +308,7 @@ TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
                              [](const std::string&, const std::string&) { platform::Sleep(100); });
   pad.Press({3, 4});
   sim.RunFor(50);
-  ASSERT_EQ(Engine().detectCount, 0u);
+  ASSERT_FALSE(Engine().IsDetecting());
 
   Choose("Beta");
   EXPECT_FALSE(screen.BoxUp());

@@ -501,12 +501,11 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     EXPECT_EQ(screen.Cells(kControlList).size(),
               static_cast<std::size_t>(OpenProfile().controls.count));
     if (CurrentTab() != MainWindow::kMouseTab) {
-      EXPECT_FALSE(Engine().mouseTestMode);
-      EXPECT_EQ(Engine().detectCount, 0u);
+      EXPECT_FALSE(Engine().TestMode());
+      EXPECT_FALSE(Engine().IsDetecting());
     }
     for (const DetectBox& detect : kDetectBoxes) {
-      EXPECT_EQ(screen.Checked(detect.box),
-                Engine().detectCount != 0 && Engine().detectTargetId == detect.field)
+      EXPECT_EQ(screen.Checked(detect.box), Engine().DetectedRole() == MouseRole{detect.field})
           << detect.box;
     }
     if (mouseShown) {

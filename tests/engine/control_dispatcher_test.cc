@@ -266,7 +266,7 @@ TEST_F(Dispatcher, ASilencedControlSpendsItsArming) {
 TEST_F(Dispatcher, ASilencedControlSilencesNothingItself) {
   // Silenced by the mouse, and so no reason for the part to keep still.
   engine.mouseActive = true;
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "part", .buttons = {1}});
   Add({.name = "whole", .buttons = {1}, .items = {Axis(0, AxisPos)}});
   EXPECT_EQ(Dispatch(WithX(kLimit, {1})), "press part");
@@ -275,7 +275,7 @@ TEST_F(Dispatcher, ASilencedControlSilencesNothingItself) {
 // --- The mouse's inputs -------------------------------------------------------------------------
 
 TEST_F(DispatcherWithMouse, AControlOnAMouseAxisFiresOnlyWhileTheMouseIsOff) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "right", .items = {Axis(0, AxisPos)}});
   EXPECT_EQ(Dispatch(WithX(kLimit)), "press right");
   EXPECT_EQ(Dispatch(WithX(0)), "release right");
@@ -283,10 +283,10 @@ TEST_F(DispatcherWithMouse, AControlOnAMouseAxisFiresOnlyWhileTheMouseIsOff) {
   EXPECT_EQ(Dispatch(WithX(kLimit)), "");
   Dispatch(WithX(0));
   engine.mouseActive = false;
-  engine.mouseTestMode = true;
+  engine.SetTestMode(true);
   EXPECT_EQ(Dispatch(WithX(kLimit)), "");
   Dispatch(WithX(0));
-  engine.mouseTestMode = false;
+  engine.SetTestMode(false);
   profile.mouseAlwaysActive = true;
   EXPECT_EQ(Dispatch(WithX(kLimit)), "");
   Dispatch(WithX(0));
@@ -299,7 +299,7 @@ TEST_F(DispatcherWithMouse, EachOfTheThreeInputsIsKeptFromTheControls) {
   engine.mouseActive = true;
   Add({.name = "a", .items = {Axis(0, AxisPos)}});
   for (Relaxed<TriggerItem>* input : inputs) {
-    *input = MouseOn(0);
+    *input = MouseInput(0);
     EXPECT_EQ(Dispatch(WithX(kLimit)), "");
     Dispatch(WithX(0));
     *input = TriggerItem{input_kind::kNone, 0, 0};
@@ -310,7 +310,7 @@ TEST_F(DispatcherWithMouse, EachOfTheThreeInputsIsKeptFromTheControls) {
 
 TEST_F(DispatcherWithMouse, BothSidesOfAMouseAxisAreKeptFromTheControls) {
   engine.mouseActive = true;
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "left", .items = {Axis(0, AxisNeg)}});
   Add({.name = "right", .items = {Axis(0, AxisPos)}});
   EXPECT_EQ(Dispatch(WithX(kLimit)), "");
@@ -319,7 +319,7 @@ TEST_F(DispatcherWithMouse, BothSidesOfAMouseAxisAreKeptFromTheControls) {
 
 TEST_F(DispatcherWithMouse, OneMouseInputAmongSeveralIsEnough) {
   engine.mouseActive = true;
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "a", .buttons = {1}, .items = {Hat(PovUp), Axis(0, AxisPos)}});
   DIJOYSTATE2 state = WithX(kLimit, {1});
   state.rgdwPOV[0] = 0;
@@ -328,7 +328,7 @@ TEST_F(DispatcherWithMouse, OneMouseInputAmongSeveralIsEnough) {
 
 TEST_F(DispatcherWithMouse, AnAxisOfAnotherBankIsNoMouseInput) {
   engine.mouseActive = true;
-  profile.mouseX = MouseOn(0, 1);
+  profile.mouseX = MouseInput(0, 1);
   Add({.name = "a", .items = {Axis(0, AxisPos)}});
   EXPECT_EQ(Dispatch(WithX(kLimit)), "press a");
 }
@@ -336,16 +336,16 @@ TEST_F(DispatcherWithMouse, AnAxisOfAnotherBankIsNoMouseInput) {
 TEST_F(DispatcherWithMouse, AnUpDownHatOfTheMouseLeavesTheHatToTheControls) {
   // The kinds differ: only a left-right hat is named as a Trigger names it.
   engine.mouseActive = true;
-  profile.mouseX = MouseOn(input_kind::kPovVertical);
+  profile.mouseX = MouseInput(input_kind::kPovVertical);
   Add({.name = "up", .items = {Hat(PovUp)}});
   EXPECT_EQ(Dispatch(WithHat(0)), "press up");
   Dispatch(Pad());
-  profile.mouseX = MouseOn(input_kind::kPov);
+  profile.mouseX = MouseInput(input_kind::kPov);
   EXPECT_EQ(Dispatch(WithHat(0)), "");
 }
 
 TEST_F(DispatcherWithMouse, WhatIsDownWhenTheMouseGoesOnStaysDownUntilItsInputsRest) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Control* right = Add({.name = "right", .items = {Axis(0, AxisPos)}});
   EXPECT_EQ(Dispatch(WithX(kLimit)), "press right");
   engine.mouseActive = true;
@@ -355,7 +355,7 @@ TEST_F(DispatcherWithMouse, WhatIsDownWhenTheMouseGoesOnStaysDownUntilItsInputsR
 }
 
 TEST_F(DispatcherWithMouse, AnExcludedReleaseControlSpendsItsArming) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   engine.mouseActive = true;
   Control* right = Add({.name = "right", .items = {Axis(0, AxisPos)}, .onPress = false});
   Dispatch(WithX(kLimit));
@@ -406,7 +406,7 @@ TEST_F(DispatcherWithMouse, AToggleDoesNotWaitForTheMouseLock) {
 }
 
 TEST_F(DispatcherWithMouse, AToggleCountsForTheControlsBehindItInTheSameDispatch) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "t", .buttons = {1, 2}, .toggles = true});
   Add({.name = "after", .items = {Axis(0, AxisPos)}});
   Add({.name = "button", .buttons = {4}});
@@ -476,8 +476,7 @@ TEST_F(Dispatcher, EachStateGoesToAnOpenDialogWhole) {
 }
 
 TEST_F(Dispatcher, AnOpenDialogComesBeforeARunningDetection) {
-  engine.detectCount = 1;
-  engine.detectTargetId = ControlEngine::kLeftButtonField;
+  engine.StartMouseDetection(MouseRole::LeftButton);
   host.dialogOpen = true;
   Dispatch({1});
   EXPECT_EQ(host.triggersShown.size(), 1u);
@@ -488,8 +487,7 @@ TEST_F(Dispatcher, NoControlIsEvenEvaluatedDuringAMouseDetection) {
   Control* release = Add({.name = "r", .buttons = {1}, .onPress = false});
   Control* down = Add({.name = "d", .buttons = {2}});
   EXPECT_EQ(Dispatch({2}), "press d");
-  engine.detectCount = 1;
-  engine.detectTargetId = ControlEngine::kLeftButtonField;
+  engine.StartMouseDetection(MouseRole::LeftButton);
   EXPECT_EQ(Dispatch({1}), "");
   EXPECT_EQ(Copy(release).triggerArmed, 0);
   EXPECT_EQ(Copy(down).triggerDown, 1);
@@ -562,7 +560,7 @@ class RandomDispatch : public EngineTest, public ::testing::WithParamInterface<u
     profile.RebuildDispatchList();
     profile.leftMask = MouseButtonMask(6);
     profile.rightMask = MouseButtonMask(5);
-    profile.mouseX = MouseOn(0);
+    profile.mouseX = MouseInput(0);
   }
 
   int Roll(int highest) {

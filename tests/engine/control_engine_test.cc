@@ -11,10 +11,9 @@ class Engine : public EngineTest {};
 
 TEST_F(Engine, StartsAtRest) {
   EXPECT_FALSE(engine.mouseActive);
-  EXPECT_FALSE(engine.mouseTestMode);
+  EXPECT_FALSE(engine.TestMode());
   EXPECT_FALSE(engine.MouseIsOn());
-  EXPECT_EQ(engine.detectCount, 0u);
-  EXPECT_EQ(static_cast<TriggerItem>(engine.detectResult).kind, input_kind::kNone);
+  EXPECT_FALSE(engine.IsDetecting());
   EXPECT_FALSE(engine.leftDown || engine.middleDown || engine.rightDown);
   EXPECT_EQ(engine.accumulatedX, 0.0);
   EXPECT_EQ(engine.accumulatedY, 0.0);
@@ -25,7 +24,7 @@ TEST_F(Engine, StartsAtRest) {
 
 TEST_F(Engine, AttachedItIsDrivenByThePad) {
   Add({.name = "a", .buttons = {1}});
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   engine.mouseActive = true;
   auto& pad = Plug(10);
   RunTo(15);
@@ -148,7 +147,7 @@ TEST_F(Engine, LetGoComesToTheMouseAfterTheKeys) {
 
 TEST_F(Engine, AfterLetGoNothingIsPressedAnew) {
   Add({.name = "a", .buttons = {1}});
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   profile.leftMask = MouseButtonMask(4);
   engine.mouseActive = true;
   EXPECT_EQ(Dispatch({1}), "press a");

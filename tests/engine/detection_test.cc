@@ -100,21 +100,6 @@ TEST(DetectMouseAxis, TheFirstHatThatIsPressedCounts) {
 
 class Detection : public EngineTest {
  protected:
-  // As a box of the Mouse tab starts one. For a button only the index of the present input counts.
-  void Begin(std::uint32_t field, TriggerItem present = {input_kind::kNone, 0, 0}) {
-    engine.detectTargetId = field;
-    engine.detectAxis = field == ControlEngine::kMouseXField ||
-                        field == ControlEngine::kMouseYField ||
-                        field == ControlEngine::kMouseWheelField;
-    TriggerItem result = engine.detectResult;
-    if (engine.detectAxis) {
-      result = present;
-    } else {
-      result.index = present.index;
-    }
-    engine.detectResult = result;
-    ++engine.detectCount;
-  }
   std::string Shown() { return host.journal.Take(); }
   static std::string Text(TriggerItem item) {
     return std::to_string(item.kind) + " " + std::to_string(item.index) + " " +
@@ -123,30 +108,30 @@ class Detection : public EngineTest {
 };
 
 TEST_F(Detection, AButtonThatIsHeldAtTheEndIsAssigned) {
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({3});
   EXPECT_EQ(Shown(), "1161=B3");
   engine.EndMouseDetection();
   EXPECT_EQ(Shown(), "ended 1161") << "saving is left to whoever ends it";
   EXPECT_EQ(profile.leftButton, 2);
   EXPECT_EQ(profile.leftMask, 4u);
-  EXPECT_EQ(engine.detectCount, 0u);
+  EXPECT_FALSE(engine.IsDetecting());
 }
 
 TEST_F(Detection, ASecondButtonEndsItWithTheFirst) {
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({3});
   Dispatch({3, 5});
-  EXPECT_EQ(Shown(), "1161=B3, ended 1161, save device, save profile");
+  EXPECT_EQ(Shown(), "1161=B3, ended 1161, save");
   EXPECT_EQ(profile.leftButton, 2);
   EXPECT_EQ(profile.leftMask, 4u);
-  EXPECT_EQ(engine.detectCount, 0u);
+  EXPECT_FALSE(engine.IsDetecting());
 }
 
 TEST_F(Detection, TheDispatchThatEndsItGoesOnToTheControlsWithBothButtons) {
   Add({.name = "a", .buttons = {3, 5}});
   engine.mouseActive = true;
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   EXPECT_EQ(Dispatch({3}), "");
   EXPECT_EQ(Dispatch({3, 5}), "press a") << "button 3 is the mouse's only from the next change on";
   EXPECT_EQ(Dispatch({3}), "release a");
@@ -155,7 +140,7 @@ TEST_F(Detection, TheDispatchThatEndsItGoesOnToTheControlsWithBothButtons) {
 TEST_F(Detection, AllLetGoBeforeTheEndClearsTheAssignment) {
   profile.leftButton = 7;
   profile.leftMask = 128;
-  Begin(ControlEngine::kLeftButtonField, {0, 7, 0});
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({3});
   Dispatch({});
   EXPECT_EQ(Shown(), "1161=B3, 1161=<none>");
@@ -167,7 +152,7 @@ TEST_F(Detection, AllLetGoBeforeTheEndClearsTheAssignment) {
 TEST_F(Detection, AnAxisAndAHatAtOnceTakeTheHatUnlessTheAxisIsAtItsEnd) {
   DIJOYSTATE2 state = WithX(20000);
   state.rgdwPOV[0] = 9000;
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   Dispatch(state);
   state.lX = 32000;
   Dispatch(state);
@@ -178,16 +163,19 @@ TEST_F(Detection, AnAxisAndAHatAtOnceTakeTheHatUnlessTheAxisIsAtItsEnd) {
 
 TEST_F(Detection, EachAxisFieldSetsItsInputWithItsOffset) {
   const struct {
-    std::uint32_t field;
+    MouseRole role;
+    const char* field;
     Relaxed<TriggerItem>* input;
-  } rows[] = {{1159, &profile.mouseX}, {1160, &profile.mouseY}, {1163, &profile.mouseWheel}};
+  } rows[] = {{MouseRole::X, "1159", &profile.mouseX},
+              {MouseRole::Y, "1160", &profile.mouseY},
+              {MouseRole::Wheel, "1163", &profile.mouseWheel}};
   DIJOYSTATE2 state = Pad();
   state.lVRy = -17000;
   for (const auto& row : rows) {
-    Begin(row.field);
+    engine.StartMouseDetection(row.role);
     Dispatch(state);
     engine.EndMouseDetection();
-    EXPECT_EQ(Shown(), std::to_string(row.field) + "=Axis_RY1, ended " + std::to_string(row.field));
+    EXPECT_EQ(Shown(), row.field + std::string("=Axis_RY1, ended ") + row.field);
     EXPECT_EQ(Text(*row.input), "4 1 192");
   }
   EXPECT_EQ(profile.leftMask, 0u);
@@ -195,17 +183,18 @@ TEST_F(Detection, EachAxisFieldSetsItsInputWithItsOffset) {
 
 TEST_F(Detection, EachButtonFieldSetsItsButton) {
   const struct {
-    std::uint32_t field;
+    MouseRole role;
+    const char* field;
     Relaxed<std::uint16_t>* index;
     Relaxed<std::uint64_t>* mask;
-  } rows[] = {{1161, &profile.leftButton, &profile.leftMask},
-              {1162, &profile.middleButton, &profile.middleMask},
-              {1164, &profile.rightButton, &profile.rightMask}};
+  } rows[] = {{MouseRole::LeftButton, "1161", &profile.leftButton, &profile.leftMask},
+              {MouseRole::MiddleButton, "1162", &profile.middleButton, &profile.middleMask},
+              {MouseRole::RightButton, "1164", &profile.rightButton, &profile.rightMask}};
   for (const auto& row : rows) {
-    Begin(row.field);
+    engine.StartMouseDetection(row.role);
     Dispatch({9});
     engine.EndMouseDetection();
-    EXPECT_EQ(Shown(), std::to_string(row.field) + "=B9, ended " + std::to_string(row.field));
+    EXPECT_EQ(Shown(), row.field + std::string("=B9, ended ") + row.field);
     EXPECT_EQ(*row.index, 8);
     EXPECT_EQ(*row.mask, 256u);
     *row.mask = 0;
@@ -215,8 +204,8 @@ TEST_F(Detection, EachButtonFieldSetsItsButton) {
 }
 
 TEST_F(Detection, NothingMovedClearsAnAxis) {
-  profile.mouseY = MouseOn(1);
-  Begin(ControlEngine::kMouseYField, MouseOn(1));
+  profile.mouseY = MouseInput(1);
+  engine.StartMouseDetection(MouseRole::Y);
   Dispatch(WithX(16000));
   EXPECT_EQ(Shown(), "1160=<none>");
   engine.EndMouseDetection();
@@ -224,8 +213,8 @@ TEST_F(Detection, NothingMovedClearsAnAxis) {
 }
 
 TEST_F(Detection, WithoutAnyChangeAnAxisKeepsItsInput) {
-  profile.mouseY = MouseOn(3, 2);
-  Begin(ControlEngine::kMouseYField, MouseOn(3, 2));
+  profile.mouseY = MouseInput(3, 2);
+  engine.StartMouseDetection(MouseRole::Y);
   engine.EndMouseDetection();
   EXPECT_EQ(Text(profile.mouseY), "3 2 220");
 }
@@ -234,30 +223,30 @@ TEST_F(Detection, WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore) {
   // Nothing was detected before: cleared.
   profile.leftButton = 4;
   profile.leftMask = 16;
-  Begin(ControlEngine::kLeftButtonField, {0, 4, 0});
+  engine.StartMouseDetection(MouseRole::LeftButton);
   engine.EndMouseDetection();
   EXPECT_EQ(profile.leftButton, 0);
   EXPECT_EQ(profile.leftMask, 0u);
   // An axis was: the button stays.
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   Dispatch(WithX(kLimit));
   engine.EndMouseDetection();
   profile.leftButton = 4;
   profile.leftMask = 16;
-  Begin(ControlEngine::kLeftButtonField, {0, 4, 0});
+  engine.StartMouseDetection(MouseRole::LeftButton);
   engine.EndMouseDetection();
   EXPECT_EQ(profile.leftButton, 4);
   EXPECT_EQ(profile.leftMask, 16u);
 }
 
 TEST_F(Detection, ButtonsFromThirtyTwoOnGetTheMaskThatTheyGetEverywhere) {
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({33});
   EXPECT_EQ(Shown(), "1161=B33");
   engine.EndMouseDetection();
   EXPECT_EQ(profile.leftButton, 32);
   EXPECT_EQ(profile.leftMask, 1u);
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({32});
   engine.EndMouseDetection();
   EXPECT_EQ(profile.leftButton, 31);
@@ -265,29 +254,29 @@ TEST_F(Detection, ButtonsFromThirtyTwoOnGetTheMaskThatTheyGetEverywhere) {
 }
 
 TEST_F(Detection, TwoButtonsAlsoEndThatOfAnAxis) {
-  Begin(ControlEngine::kMouseWheelField);
+  engine.StartMouseDetection(MouseRole::Wheel);
   Dispatch(WithX(kLimit));
   Dispatch(WithX(0, {1, 64}));
-  EXPECT_EQ(Shown(), "1163=Axis_X0, ended 1163, save device, save profile");
+  EXPECT_EQ(Shown(), "1163=Axis_X0, ended 1163, save");
   EXPECT_EQ(Text(profile.mouseWheel), "0 0 0");
 }
 
 TEST_F(Detection, OneButtonDoesNotEndThatOfAnAxis) {
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   Dispatch(WithX(kLimit, {1}));
   EXPECT_EQ(Shown(), "1159=Axis_X0");
-  EXPECT_EQ(engine.detectCount, 1u);
+  EXPECT_TRUE(engine.IsDetecting());
 }
 
 TEST_F(Detection, ThreeButtonsAtOnceEndItOnce) {
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({1, 2, 3});
-  EXPECT_EQ(Shown(), "ended 1161, save device, save profile");
+  EXPECT_EQ(Shown(), "ended 1161, save");
   EXPECT_EQ(profile.leftMask, 0u) << "no button had been detected";
 }
 
 TEST_F(Detection, ButtonsThatHaveNoBitDoNotCount) {
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({65, 66});
   EXPECT_EQ(Shown(), "1161=<none>");
 }
@@ -296,7 +285,7 @@ TEST_F(Detection, RunsWithTheMouseControlsOnOrOffAndSendsNothing) {
   profile.rightMask = MouseButtonMask(0);
   for (const bool on : {false, true}) {
     engine.mouseActive = on;
-    Begin(ControlEngine::kLeftButtonField);
+    engine.StartMouseDetection(MouseRole::LeftButton);
     Dispatch({1});
     EXPECT_EQ(Shown(), "1161=B1");
     EXPECT_TRUE(engine.rightDown);
@@ -310,33 +299,32 @@ TEST_F(Detection, RunsWithTheMouseControlsOnOrOffAndSendsNothing) {
 TEST_F(Detection, TheMaskThatTheControlsSeeIsLeftWhole) {
   profile.leftMask = MouseButtonMask(0);
   engine.mouseActive = true;
-  Begin(ControlEngine::kRightButtonField);
+  engine.StartMouseDetection(MouseRole::RightButton);
   Dispatch({1});
   EXPECT_EQ(Shown(), "1164=B1") << "though button 1 is the mouse's already";
 }
 
 TEST_F(Detection, EndingNoneDoesNothing) {
   profile.leftMask = 4;
-  engine.detectTargetId = ControlEngine::kLeftButtonField;
   engine.EndMouseDetection();
   EXPECT_EQ(Shown(), "");
   EXPECT_EQ(profile.leftMask, 4u);
-  EXPECT_EQ(engine.detectCount, 0u);
+  EXPECT_FALSE(engine.IsDetecting());
 }
 
 TEST_F(Detection, AfterTheEndControlsFireAgain) {
   Add({.name = "a", .buttons = {1}});
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   EXPECT_EQ(Dispatch({1}), "");
   engine.EndMouseDetection();
   EXPECT_EQ(Dispatch({1, 2}), "press a");
 }
 
 TEST_F(Detection, TheSecondOneStartsWhereTheFirstEnded) {
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   Dispatch(WithX(kLimit));
   engine.EndMouseDetection();
-  Begin(ControlEngine::kMouseYField);
+  engine.StartMouseDetection(MouseRole::Y);
   DIJOYSTATE2 state = Pad();
   state.lY = kLimit;
   Dispatch(state);
@@ -352,17 +340,17 @@ TEST_F(Detection, ItsCallsComeUnderTheLocksThatTheyAreSaidToHold) {
     locks += engine.mouseLock.IsTaken() ? "m" : "-";
     locks += profile.profileLock.IsTaken() ? "p " : "- ";
   };
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   Dispatch({1, 2});
-  EXPECT_EQ(locks, "m- m- mp ");  // ended, device, profile
+  EXPECT_EQ(locks, "m- m- ");  // ended, save
   locks.clear();
-  Begin(ControlEngine::kLeftButtonField);
+  engine.StartMouseDetection(MouseRole::LeftButton);
   engine.EndMouseDetection();
   EXPECT_EQ(locks, "-- ");
 }
 
 TEST_F(Detection, AHatIsShownByTheBitsOfItsOffset) {
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   for (int hat = 0; hat < 4; ++hat) {
     DIJOYSTATE2 state = Pad();
     state.rgdwPOV[hat] = 9000;
@@ -378,7 +366,7 @@ TEST_F(Detection, AHatIsShownByTheBitsOfItsOffset) {
 TEST_F(Detection, EndedOnTheMainThreadWhileThePadIsPolled) {
   auto& pad = Plug(5);
   RunTo(12);
-  Begin(ControlEngine::kMouseXField);
+  engine.StartMouseDetection(MouseRole::X);
   pad.MoveAxis("Axis_Z0", -kLimit);
   RunTo(17);
   EXPECT_EQ(Shown(), "1159=Axis_Z0");

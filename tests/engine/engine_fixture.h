@@ -109,21 +109,19 @@ class RecordingHost : public EngineHost {
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot& snapshot) override {
     triggersShown.push_back(snapshot.dispatchButtons);
   }
-  void ShowDetectedInput(std::uint32_t fieldId, const ByteString& text) override {
-    journal.Note(std::to_string(fieldId) + "=" + text.Text());
+  void ShowDetectedInput(MouseRole role, const ByteString& text) override {
+    journal.Note(Field(role) + "=" + text.Text());
   }
-  void MouseDetectionEnded(std::uint32_t fieldId) override {
-    journal.Note("ended " + std::to_string(fieldId));
+  void MouseDetectionEnded(MouseRole role) override {
+    journal.Note("ended " + Field(role));
     if (onCall) onCall();
   }
-  bool SaveDeviceSettings() override {
-    journal.Note("save device");
+  void SaveAfterMouseDetection() override {
+    journal.Note("save");
     if (onCall) onCall();
-    return true;
   }
-  void SaveProfile() override {
-    journal.Note("save profile");
-    if (onCall) onCall();
+  static std::string Field(MouseRole role) {
+    return std::to_string(static_cast<std::uint32_t>(role));
   }
 
   Relaxed<bool> dialogOpen{false};
@@ -163,12 +161,6 @@ inline TriggerItem Axis(std::uint16_t kind, std::uint16_t direction, std::uint16
 }
 inline TriggerItem Hat(std::uint16_t directions, std::uint16_t hat = 0) {
   return {input_kind::kPov, hat, directions};
-}
-// An input of the mouse emulation.
-inline TriggerItem MouseOn(std::uint16_t kind, std::uint16_t index = 0) {
-  TriggerItem item{kind, index, 0};
-  AxisFieldOffset(&item);
-  return item;
 }
 
 class EngineTest : public ::testing::Test {

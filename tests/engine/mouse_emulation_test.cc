@@ -55,7 +55,7 @@ TEST(NextAccumulated, AnAxisAddsWhatItsDistanceBeyondTheDeadZoneGives) {
       {32000, damped, 0.25, 4.65}, {-32000, damped, 0.25, -4.15}, {1, flat, 0.0, 3.12509765625e-05},
   };
   for (const auto& row : rows) {
-    EXPECT_NEAR(NextAccumulated(MouseOn(0), WithX(row.value), row.curve, row.before), row.after,
+    EXPECT_NEAR(NextAccumulated(MouseInput(0), WithX(row.value), row.curve, row.before), row.after,
                 1e-12)
         << row.value << " on " << row.before;
   }
@@ -64,8 +64,8 @@ TEST(NextAccumulated, AnAxisAddsWhatItsDistanceBeyondTheDeadZoneGives) {
 TEST(NextAccumulated, JustBeyondTheDeadZoneAddsALittleAndKeepsTheRest) {
   const MouseCurve curve = MakeMouseCurve(kLimit, 1599, 2);
   const double r = 1.0 / 30401.0;
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(0), WithX(1600), curve, 0.5), 0.5 + (r + r * r));
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(0), WithX(-1600), curve, 0.5), 0.5 - (r + r * r));
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(0), WithX(1600), curve, 0.5), 0.5 + (r + r * r));
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(0), WithX(-1600), curve, 0.5), 0.5 - (r + r * r));
 }
 
 TEST(NextAccumulated, AHatGivesOneCountWhateverWasWaiting) {
@@ -100,9 +100,9 @@ TEST(NextAccumulated, AHatGivesOneCountWhateverWasWaiting) {
   const MouseCurve steep = MakeMouseCurve(kLimit, 0, 52);
   for (const auto& row : rows) {
     const DIJOYSTATE2 state = WithHat(row.angle);
-    EXPECT_EQ(NextAccumulated(MouseOn(input_kind::kPov), state, steep, 0.9), row.sideways)
+    EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPov), state, steep, 0.9), row.sideways)
         << row.angle;
-    EXPECT_EQ(NextAccumulated(MouseOn(input_kind::kPovVertical), state, steep, 0.9), row.upDown)
+    EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPovVertical), state, steep, 0.9), row.upDown)
         << row.angle;
   }
 }
@@ -113,10 +113,10 @@ TEST(NextAccumulated, ReadsTheFieldThatTheItemNames) {
   state.rglFSlider[1] = 32000;
   state.lVRz = -32000;
   state.rgdwPOV[3] = 9000;
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(7, 3), state, flat, 0.0), 2.0);
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(5, 1), state, flat, 0.0), -2.0);
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(8, 3), state, flat, 0.0), 1.0);
-  EXPECT_DOUBLE_EQ(NextAccumulated(MouseOn(8, 0), state, flat, 0.0), 0.0);
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(7, 3), state, flat, 0.0), 2.0);
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(5, 1), state, flat, 0.0), -2.0);
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(8, 3), state, flat, 0.0), 1.0);
+  EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(8, 0), state, flat, 0.0), 0.0);
 }
 
 TEST(NextAccumulated, NothingAssignedGivesNothing) {
@@ -128,8 +128,8 @@ TEST(NextAccumulated, AnInputOutsideOfTheStateIsAtRest) {
   // As a damaged profile may have it: hats 60 and 16374, of which the second ends at 65532.
   const MouseCurve flat = MakeMouseCurve(kLimit, 0, 2);
   for (const std::uint16_t index : {60, 16374}) {
-    EXPECT_EQ(NextAccumulated(MouseOn(input_kind::kPovVertical, index), Pad(), flat, 0.9), 0.0);
-    EXPECT_EQ(NextAccumulated(MouseOn(input_kind::kPov, index), Pad(), flat, 0.9), 0.0);
+    EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPovVertical, index), Pad(), flat, 0.9), 0.0);
+    EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPov, index), Pad(), flat, 0.9), 0.0);
   }
   EXPECT_EQ(NextAccumulated({0, 0, 269}, Pad(), flat, 0.9), 0.0);
   DIJOYSTATE2 last = Pad();
@@ -217,7 +217,7 @@ class MousePoll : public EngineTest {
 };
 
 TEST_F(MousePoll, AHundredthOfTheWayTakesAHundredPollsToACount) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   for (int poll = 1; poll < 100; ++poll) ASSERT_EQ(Poll(WithX(320)), "") << poll;
   EXPECT_NEAR(engine.accumulatedX, 0.9999, 1e-9);
   EXPECT_EQ(Poll(WithX(320)), "1 1 0 0");
@@ -229,14 +229,14 @@ TEST_F(MousePoll, AHundredthOfTheWayTakesAHundredPollsToACount) {
 TEST_F(MousePoll, AtTheLimitTheDefaultSettingsSendFourCountsAPoll) {
   engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 5);
   engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, 15);
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   for (int poll = 0; poll < 3; ++poll) EXPECT_EQ(Poll(WithX(kLimit)), "1 4 0 0");
   EXPECT_EQ(Poll(WithX(-kLimit)), "1 -4 0 0");
 }
 
 TEST_F(MousePoll, AtTheDeadZoneExactlyTheWaitingFractionIsDropped) {
   engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 5);
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   engine.accumulatedX = 0.9;
   EXPECT_EQ(Poll(WithX(1599)), "");
   EXPECT_EQ(engine.accumulatedX, 0.0);
@@ -246,7 +246,7 @@ TEST_F(MousePoll, AtTheDeadZoneExactlyTheWaitingFractionIsDropped) {
 }
 
 TEST_F(MousePoll, MinusOneExactlyIsSentAndAnythingLessIsNot) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   // Half way adds 0.5 + 0.25.
   engine.accumulatedX = -0.25;
   EXPECT_EQ(Poll(WithX(-16000)), "1 -1 0 0");
@@ -259,15 +259,15 @@ TEST_F(MousePoll, MinusOneExactlyIsSentAndAnythingLessIsNot) {
 }
 
 TEST_F(MousePoll, ASendSpendsAllOfIt) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   engine.accumulatedX = 0.9;
   EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");  // 2.9
   EXPECT_EQ(engine.accumulatedX, 0.0);
 }
 
 TEST_F(MousePoll, AFractionInTheOtherAxisStaysWhenOneSends) {
-  profile.mouseX = MouseOn(0);
-  profile.mouseY = MouseOn(1);
+  profile.mouseX = MouseInput(0);
+  profile.mouseY = MouseInput(1);
   DIJOYSTATE2 state = WithX(kLimit);
   state.lY = 16000;
   EXPECT_EQ(Poll(state), "1 2 0 0");
@@ -278,7 +278,7 @@ TEST_F(MousePoll, AFractionInTheOtherAxisStaysWhenOneSends) {
 }
 
 TEST_F(MousePoll, TheWheelIsNegatedAndRaw) {
-  profile.mouseWheel = MouseOn(2);
+  profile.mouseWheel = MouseInput(2);
   DIJOYSTATE2 state = Pad();
   state.lZ = kLimit;
   EXPECT_EQ(Poll(state), "2049 0 0 -2");
@@ -290,8 +290,8 @@ TEST_F(MousePoll, TheWheelIsNegatedAndRaw) {
 TEST_F(MousePoll, TheWheelHasADeadZoneAndACurveOfItsOwn) {
   engine.ApplyMouseSlider(ControlEngine::kWheelDamperSlider, 50);
   engine.ApplyMouseSlider(ControlEngine::kWheelSensitivitySlider, 50);
-  profile.mouseX = MouseOn(2);
-  profile.mouseWheel = MouseOn(3);
+  profile.mouseX = MouseInput(2);
+  profile.mouseWheel = MouseInput(3);
   DIJOYSTATE2 state = Pad();
   state.lRx = 15999;
   EXPECT_EQ(Poll(state), "");
@@ -301,16 +301,16 @@ TEST_F(MousePoll, TheWheelHasADeadZoneAndACurveOfItsOwn) {
 }
 
 TEST_F(MousePoll, WheelAndPointerMayTravelInOneEvent) {
-  profile.mouseX = MouseOn(0);
-  profile.mouseWheel = MouseOn(2);
+  profile.mouseX = MouseInput(0);
+  profile.mouseWheel = MouseInput(2);
   DIJOYSTATE2 state = WithX(-kLimit);
   state.lZ = kLimit;
   EXPECT_EQ(Poll(state), "2049 -2 0 -2");
 }
 
 TEST_F(MousePoll, AWheelOnTheInputOfYSilencesY) {
-  profile.mouseY = MouseOn(1);
-  profile.mouseWheel = MouseOn(1);
+  profile.mouseY = MouseInput(1);
+  profile.mouseWheel = MouseInput(1);
   DIJOYSTATE2 state = Pad();
   state.lY = kLimit;
   EXPECT_EQ(Poll(state), "2049 0 0 -2");
@@ -318,18 +318,18 @@ TEST_F(MousePoll, AWheelOnTheInputOfYSilencesY) {
 }
 
 TEST_F(MousePoll, AWheelOnTheInputOfYLeavesXAlone) {
-  profile.mouseX = MouseOn(1);
-  profile.mouseY = MouseOn(1);
-  profile.mouseWheel = MouseOn(1);
+  profile.mouseX = MouseInput(1);
+  profile.mouseY = MouseInput(1);
+  profile.mouseWheel = MouseInput(1);
   DIJOYSTATE2 state = Pad();
   state.lY = kLimit;
   EXPECT_EQ(Poll(state), "2049 2 0 -2");
 }
 
 TEST_F(MousePoll, AWheelOnTheInputOfXSilencesX) {
-  profile.mouseX = MouseOn(0);
-  profile.mouseY = MouseOn(1);
-  profile.mouseWheel = MouseOn(0);
+  profile.mouseX = MouseInput(0);
+  profile.mouseY = MouseInput(1);
+  profile.mouseWheel = MouseInput(0);
   DIJOYSTATE2 state = WithX(kLimit);
   state.lY = kLimit;
   EXPECT_EQ(Poll(state), "2049 0 2 -2");
@@ -339,8 +339,8 @@ TEST_F(MousePoll, AWheelOnTheInputOfXSilencesX) {
 TEST_F(MousePoll, ASharedAxisMovesUntilTheWheelFires) {
   // The wheel is damped, so the pointer has the lower half of the axis for itself.
   engine.ApplyMouseSlider(ControlEngine::kWheelDamperSlider, 50);
-  profile.mouseY = MouseOn(1);
-  profile.mouseWheel = MouseOn(1);
+  profile.mouseY = MouseInput(1);
+  profile.mouseWheel = MouseInput(1);
   DIJOYSTATE2 state = Pad();
   state.lY = 15999;  // 0.49996875 + 0.24996875 a poll
   EXPECT_EQ(Poll(state), "");
@@ -354,8 +354,8 @@ TEST_F(MousePoll, ASharedAxisMovesUntilTheWheelFires) {
 }
 
 TEST_F(MousePoll, AnotherBankIsAnotherInput) {
-  profile.mouseY = MouseOn(1, 0);
-  profile.mouseWheel = MouseOn(1, 1);
+  profile.mouseY = MouseInput(1, 0);
+  profile.mouseWheel = MouseInput(1, 1);
   DIJOYSTATE2 state = Pad();
   state.lY = kLimit;
   state.lVY = kLimit;
@@ -374,7 +374,7 @@ TEST_F(MousePoll, NothingAssignedNeverSends) {
 }
 
 TEST_F(MousePoll, ASidewaysHatMovesOneCountAPoll) {
-  profile.mouseX = MouseOn(input_kind::kPov);
+  profile.mouseX = MouseInput(input_kind::kPov);
   engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, 50);
   EXPECT_EQ(Poll(WithHat(9000)), "1 1 0 0");
   EXPECT_EQ(Poll(WithHat(9000)), "1 1 0 0");
@@ -384,38 +384,38 @@ TEST_F(MousePoll, ASidewaysHatMovesOneCountAPoll) {
 }
 
 TEST_F(MousePoll, TheSlotTellsWhichWayAHatMovesThePointer) {
-  profile.mouseY = MouseOn(input_kind::kPov);
+  profile.mouseY = MouseInput(input_kind::kPov);
   EXPECT_EQ(Poll(WithHat(9000)), "1 0 1 0");
   EXPECT_EQ(Poll(WithHat(0)), "");
-  profile.mouseY = MouseOn(input_kind::kPovVertical);
+  profile.mouseY = MouseInput(input_kind::kPovVertical);
   EXPECT_EQ(Poll(WithHat(0)), "1 0 -1 0");
   EXPECT_EQ(Poll(WithHat(18000)), "1 0 1 0");
   EXPECT_EQ(Poll(WithHat(9000)), "");
 }
 
 TEST_F(MousePoll, AHatOnTheWheelTurnsItACountAPoll) {
-  profile.mouseWheel = MouseOn(input_kind::kPovVertical);
+  profile.mouseWheel = MouseInput(input_kind::kPovVertical);
   EXPECT_EQ(Poll(WithHat(0)), "2049 0 0 1");
   EXPECT_EQ(Poll(WithHat(18000)), "2049 0 0 -1");
 }
 
 TEST_F(MousePoll, AnySingleFlagTurnsItOn) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   engine.mouseActive = false;
   EXPECT_EQ(Poll(WithX(kLimit)), "");
   EXPECT_FALSE(engine.MouseIsOn());
   profile.mouseAlwaysActive = true;
   EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
   profile.mouseAlwaysActive = false;
-  engine.mouseTestMode = true;
+  engine.SetTestMode(true);
   EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
-  engine.mouseTestMode = false;
+  engine.SetTestMode(false);
   engine.mouseActive = true;
   EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
 }
 
 TEST_F(MousePoll, AccumulatorsOutlastTheTimeThatItIsOff) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Poll(WithX(16000));
   engine.mouseActive = false;
   EXPECT_EQ(Poll(WithX(0)), "");
@@ -425,7 +425,7 @@ TEST_F(MousePoll, AccumulatorsOutlastTheTimeThatItIsOff) {
 }
 
 TEST_F(MousePoll, WithTheDialogOpenThePointerStandsStill) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   profile.mouseAlwaysActive = true;
   host.dialogOpen = true;
   EXPECT_EQ(Poll(WithX(kLimit)), "");
@@ -435,14 +435,14 @@ TEST_F(MousePoll, WithTheDialogOpenThePointerStandsStill) {
 }
 
 TEST_F(MousePoll, DuringADetectionThePointerStandsStill) {
-  profile.mouseX = MouseOn(0);
-  engine.detectCount = 1;
+  profile.mouseX = MouseInput(0);
+  engine.StartMouseDetection(MouseRole::X);
   EXPECT_EQ(Poll(WithX(kLimit)), "");
   EXPECT_EQ(engine.accumulatedX, 0.0);
 }
 
 TEST_F(MousePoll, APollThatFindsTheLockTakenMovesNothing) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   // Also where it is this thread that holds it, which an acquire would not wait for.
   {
     LockGuard poll(device.deviceLock);
@@ -459,17 +459,17 @@ TEST_F(MousePoll, APollThatFindsTheLockTakenMovesNothing) {
 
 TEST_F(MousePoll, CountsBeyondWhatAnEventHoldsAreCutToIt) {
   // No device that honours its range gets there.
-  profile.mouseX = MouseOn(0);
-  profile.mouseWheel = MouseOn(2);
+  profile.mouseX = MouseInput(0);
+  profile.mouseWheel = MouseInput(2);
   DIJOYSTATE2 state = WithX(std::numeric_limits<std::int32_t>::min());
   state.lZ = std::numeric_limits<std::int32_t>::max();
   EXPECT_EQ(Poll(state), "2049 -2147483648 0 -2147483648");
 }
 
 TEST_F(MousePoll, AllocatesNothing) {
-  profile.mouseX = MouseOn(0);
-  profile.mouseY = MouseOn(input_kind::kPov);
-  profile.mouseWheel = MouseOn(2);
+  profile.mouseX = MouseInput(0);
+  profile.mouseY = MouseInput(input_kind::kPov);
+  profile.mouseWheel = MouseInput(2);
   const DIJOYSTATE2 quiet = WithX(3);
   LockGuard guard(device.deviceLock);
   MouseStep(&device, &quiet, &engine);
@@ -497,9 +497,9 @@ TEST_F(MousePoll, SendsOneEventAPollAtMostAndAllocatesNothingForIt) {
   platform::Platform groups = sim.Groups();
   groups.input = &input;
   platform::InstalledPlatform installed(groups);
-  profile.mouseX = MouseOn(0);
-  profile.mouseY = MouseOn(1);
-  profile.mouseWheel = MouseOn(2);
+  profile.mouseX = MouseInput(0);
+  profile.mouseY = MouseInput(1);
+  profile.mouseWheel = MouseInput(2);
   DIJOYSTATE2 state = WithX(kLimit);
   state.lY = state.lZ = kLimit;
   LockGuard guard(device.deviceLock);
@@ -617,10 +617,10 @@ TEST_F(MouseButtons, AnySingleFlagTurnsThemOn) {
   engine.mouseActive = false;
   EXPECT_EQ(Change({1}), "");
   EXPECT_EQ(Change({}), "");
-  engine.mouseTestMode = true;
+  engine.SetTestMode(true);
   EXPECT_EQ(Change({1}), "2 0 0 0");
   EXPECT_EQ(Change({}), "4 0 0 0");
-  engine.mouseTestMode = false;
+  engine.SetTestMode(false);
   profile.mouseAlwaysActive = true;
   EXPECT_EQ(Change({1}), "2 0 0 0");
   EXPECT_EQ(Change({}), "4 0 0 0");
@@ -629,8 +629,7 @@ TEST_F(MouseButtons, AnySingleFlagTurnsThemOn) {
 TEST_F(MouseButtons, DuringADetectionFlagsFollowButNothingIsSent) {
   Assign(&profile.leftMask, 0);
   engine.mouseActive = false;
-  engine.detectCount = 1;
-  engine.detectTargetId = ControlEngine::kMiddleButtonField;
+  engine.StartMouseDetection(MouseRole::MiddleButton);
   EXPECT_EQ(Change({1}), "");
   EXPECT_TRUE(engine.leftDown);
   EXPECT_EQ(Change({}), "");
@@ -642,7 +641,7 @@ TEST_F(MouseButtons, DuringADetectionFlagsFollowButNothingIsSent) {
 class MouseRun : public MousePoll {};
 
 TEST_F(MouseRun, ThePointerMovesAtEachPollAndNotAtChangesOnly) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   auto& pad = Plug(5);
   pad.MoveAxis("Axis_X0", kLimit);
   RunTo(1000);
@@ -652,7 +651,7 @@ TEST_F(MouseRun, ThePointerMovesAtEachPollAndNotAtChangesOnly) {
 }
 
 TEST_F(MouseRun, APollsMotionComesBeforeItsKeysAndButtons) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   profile.leftMask = MouseButtonMask(0);
   auto& pad = Plug(5);
   RunTo(12);
@@ -663,7 +662,7 @@ TEST_F(MouseRun, APollsMotionComesBeforeItsKeysAndButtons) {
 }
 
 TEST_F(MouseRun, ALongReplayHoldsThePointer) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   Add({.name = "long", .buttons = {1}, .pressMs = 30});
   auto& pad = Plug(5);
   pad.MoveAxis("Axis_X0", kLimit);
@@ -678,7 +677,7 @@ TEST_F(MouseRun, ALongReplayHoldsThePointer) {
 }
 
 TEST_F(MouseRun, ItStandsStillAndDoesNotWaitWhileAnotherThreadHasTheMouseState) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   auto& pad = Plug(5);
   pad.MoveAxis("Axis_X0", kLimit);
   RunTo(12);  // the change has been dealt with, so that only polls meet the lock
@@ -692,7 +691,7 @@ TEST_F(MouseRun, ItStandsStillAndDoesNotWaitWhileAnotherThreadHasTheMouseState) 
 }
 
 TEST_F(MouseRun, ALostDeviceMovesNothingAndKeepsButtonsDown) {
-  profile.mouseX = MouseOn(0);
+  profile.mouseX = MouseInput(0);
   profile.leftMask = MouseButtonMask(0);
   auto& pad = Plug(5);
   pad.MoveAxis("Axis_X0", kLimit);

@@ -110,19 +110,17 @@ class QuietHost : public EngineHost {
  public:
   bool ControlDialogOpen() const override { return dialogOpen; }
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override { ++triggers; }
-  void ShowDetectedInput(std::uint32_t, const ByteString&) override { ++inputs; }
-  void MouseDetectionEnded(std::uint32_t) override { ++ended; }
-  bool SaveDeviceSettings() override {
+  void ShowDetectedInput(MouseRole, const ByteString&) override { ++inputs; }
+  void MouseDetectionEnded(MouseRole) override { ++ended; }
+  void SaveAfterMouseDetection() override {
     // What a real one would do under mouseLock alone.
     saved += settings->movementSensitivity + settings->leftButton;
     saved += static_cast<TriggerItem>(settings->mouseX).kind;
-    return true;
   }
-  void SaveProfile() override { ++profilesSaved; }
 
   Relaxed<bool> dialogOpen{false};
   const MouseSettings* settings = nullptr;
-  std::atomic<int> triggers{0}, inputs{0}, ended{0}, saved{0}, profilesSaved{0};
+  std::atomic<int> triggers{0}, inputs{0}, ended{0}, saved{0};
 };
 
 class RealThreads : public ::testing::Test {
@@ -197,21 +195,17 @@ TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
       }
     }
     {
+      engine.SetTestMode(!engine.TestMode());
       LockGuard guard(engine.mouseLock);
-      engine.mouseTestMode = !engine.mouseTestMode;
       session.profile.leftButton = 1;
       session.profile.leftMask = MouseButtonMask(1);
     }
-    if (round % 2 == 0 && engine.detectCount == 0) {
-      engine.detectTargetId =
-          round % 4 == 0 ? ControlEngine::kMouseXField : ControlEngine::kLeftButtonField;
-      engine.detectAxis = round % 4 == 0;
-      engine.detectResult = static_cast<TriggerItem>(session.profile.mouseX);
-      ++engine.detectCount;
+    if (round % 2 == 0) {
+      engine.StartMouseDetection(round % 4 == 0 ? MouseRole::X : MouseRole::LeftButton);
     }
     platform::Sleep(3);
     engine.EndMouseDetection();
-    ASSERT_EQ(engine.detectCount, 0u) << "ended once, whoever ends it";
+    ASSERT_FALSE(engine.IsDetecting()) << "ended once, whoever ends it";
     platform::Sleep(3);
   }
   engine.LetGo();
