@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <type_traits>
@@ -10,7 +11,7 @@
 #include <vector>
 
 #include "app/platform/platform.h"
-#include "app/platform/simulation/memory_file.h"
+#include "app/platform/simulation/virtual_disk.h"
 #include "tests/foundation/allocations.h"
 
 namespace kelvaro {
@@ -22,7 +23,7 @@ void PrintTo(const ByteString& string, std::ostream* out) {
 
 namespace {
 
-using platform::simulation::MemoryFile;
+using platform::simulation::VirtualDisk;
 
 // A literal with its zero bytes.
 template <std::size_t size>
@@ -1053,53 +1054,78 @@ TEST(ByteString, BackslashesAtTheEnd) {
 
 // ---- files ----
 
+constexpr char kFile[] = "/file";
+
+// On a disk of its own.
+class OpenFile {
+ public:
+  explicit OpenFile(const std::string& bytes = {}) {
+    disk.PutFile(kFile, bytes);
+    file = disk.CreateFileA(kFile, platform::GENERIC_READ | platform::GENERIC_WRITE, 0,
+                            platform::OPEN_EXISTING);
+  }
+
+  platform::File* Get() { return file.get(); }
+
+  std::int64_t Position() {
+    std::int64_t position = -1;
+    file->SetFilePointer(0, platform::FILE_CURRENT, &position);
+    return position;
+  }
+
+  VirtualDisk disk;
+
+ private:
+  std::unique_ptr<platform::File> file;
+};
+
 TEST(ByteString, WriteToWritesTheBytes) {
-  MemoryFile file;
-  EXPECT_EQ(Raw("a\0b").WriteTo(&file), 3);
-  EXPECT_EQ(ByteString().WriteTo(&file), 0);
-  EXPECT_EQ(file.content, std::string("a\0b", 3));
-  file.failing = true;
-  EXPECT_EQ(ByteString("c").WriteTo(&file), -1);
+  OpenFile file;
+  EXPECT_EQ(Raw("a\0b").WriteTo(file.Get()), 3);
+  EXPECT_EQ(ByteString().WriteTo(file.Get()), 0);
+  EXPECT_EQ(file.disk.FileBytes(kFile), std::string("a\0b", 3));
+  file.disk.StopBefore(1);
+  EXPECT_EQ(ByteString("c").WriteTo(file.Get()), -1);
   EXPECT_EQ(ByteString("c").WriteTo(nullptr), -1);
 }
 
 TEST(ByteString, ReadFromReplacesTheText) {
-  MemoryFile file("0123456789");
+  OpenFile file("0123456789");
   ByteString string("an old text that goes");
   string.KeepRight(4);
-  EXPECT_EQ(string.ReadFrom(&file, 4), 4);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 4), 4);
   EXPECT_EQ(TextOf(string), "0123");
-  EXPECT_EQ(string.ReadFrom(&file, 100), 6);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 100), 6);
   EXPECT_EQ(TextOf(string), "456789");
-  EXPECT_EQ(string.ReadFrom(&file, 5), 0);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 5), 0);
   EXPECT_EQ(TextOf(string), "");
 }
 
 TEST(ByteString, ReadFromOfNothingReadsNothing) {
-  MemoryFile file("0123");
+  OpenFile file("0123");
   ByteString string("old");
-  EXPECT_EQ(string.ReadFrom(&file, 0), 0);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 0), 0);
   EXPECT_EQ(TextOf(string), "");
-  EXPECT_EQ(string.ReadFrom(&file, -5), 0);
-  EXPECT_EQ(string.ReadFrom(&file, 4), 4);
+  EXPECT_EQ(string.ReadFrom(file.Get(), -5), 0);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 4), 4);
 }
 
 TEST(ByteString, ReadFromFailsWithTheFile) {
-  MemoryFile file("0123");
-  file.failing = true;
+  OpenFile file("0123");
+  file.disk.StopBefore(1);
   ByteString string("old");
-  EXPECT_EQ(string.ReadFrom(&file, 2), -1);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 2), -1);
   EXPECT_EQ(TextOf(string), "");
   EXPECT_EQ(string.ReadFrom(nullptr, 2), -1);
-  EXPECT_EQ(string.ReadFrom(&file, 2147483647), -1);
+  EXPECT_EQ(string.ReadFrom(file.Get(), 2147483647), -1);
 }
 
 // All lines of `content`, each in brackets.
 std::string Lines(const std::string& content, bool keepEmptyLines) {
-  MemoryFile file(content);
+  OpenFile file(content);
   ByteString line;
   std::string lines;
-  for (int i = 0; i < 20 && line.ReadLine(&file, keepEmptyLines); ++i) {
+  for (int i = 0; i < 20 && line.ReadLine(file.Get(), keepEmptyLines); ++i) {
     lines.append(1, '[').append(TextOf(line)).append(1, ']');
   }
   EXPECT_EQ(TextOf(line), "");  // the end of the stream leaves nothing behind
@@ -1137,25 +1163,25 @@ TEST(ByteString, ReadLineEndsAtALineFeedOrACarriageReturn) {
 }
 
 TEST(ByteString, ReadLineLeavesAFinalCarriageReturnUnread) {
-  MemoryFile file("A\r");
+  OpenFile file("A\r");
   ByteString line;
-  EXPECT_TRUE(line.ReadLine(&file, false));
+  EXPECT_TRUE(line.ReadLine(file.Get(), false));
   EXPECT_EQ(TextOf(line), "A");
-  EXPECT_EQ(file.position, 1u);
+  EXPECT_EQ(file.Position(), 1);
 }
 
 TEST(ByteString, ReadLineReadsNoFurtherThanItsLine) {
-  MemoryFile file("A\r\nB\n");
+  OpenFile file("A\r\nB\n");
   ByteString line;
-  EXPECT_TRUE(line.ReadLine(&file, false));
-  EXPECT_EQ(file.position, 3u);
+  EXPECT_TRUE(line.ReadLine(file.Get(), false));
+  EXPECT_EQ(file.Position(), 3);
 }
 
 TEST(ByteString, ReadLineEndsWhereReadingFails) {
-  MemoryFile file("A\nB\n");
+  OpenFile file("A\nB\n");
   ByteString line("old");
-  file.failing = true;
-  EXPECT_FALSE(line.ReadLine(&file, true));
+  file.disk.StopBefore(1);
+  EXPECT_FALSE(line.ReadLine(file.Get(), true));
   EXPECT_EQ(TextOf(line), "");
   EXPECT_FALSE(line.ReadLine(nullptr, true));
 }
@@ -1341,12 +1367,14 @@ TEST(ByteString, ASearchNeedsNoMemory) {
 }
 
 TEST(ByteString, ReadFromWithoutMemoryChangesNothing) {
-  MemoryFile file(std::string(40, 'f'));
+  OpenFile file(std::string(40, 'f'));
   ByteString string("abc");
-  const FailingAllocations failing;
-  EXPECT_EQ(string.ReadFrom(&file, 40), -1);
+  {
+    const FailingAllocations failing;
+    EXPECT_EQ(string.ReadFrom(file.Get(), 40), -1);
+  }
   EXPECT_EQ(TextOf(string), "abc");
-  EXPECT_EQ(file.position, 0u);
+  EXPECT_EQ(file.Position(), 0);
 }
 
 }  // namespace
