@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "app/platform/byte_text.h"
 #include "console/json_text.h"
 
 namespace kelvaro::console {
@@ -133,7 +134,7 @@ bool ReadText(JsonDocument& document, const Json::Value& value, const std::strin
               ByteString* out) {
   if (value.isString()) {
     const std::string text = value.asString();
-    if (!IsUtf8(text.data(), text.size())) {
+    if (!platform::IsUtf8(text)) {
       document.Fail(value, member,
                     "not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}");
       return false;
@@ -143,7 +144,7 @@ bool ReadText(JsonDocument& document, const Json::Value& value, const std::strin
   }
   std::string bytes;
   if (value.isObject() && value.size() == 1 && value.isMember("bytes") &&
-      value["bytes"].isString() && ParseHexBytes(value["bytes"].asString(), &bytes)) {
+      value["bytes"].isString() && platform::ParseHexBytes(value["bytes"].asString(), &bytes)) {
     *out = FromBytes(bytes);
     return true;
   }

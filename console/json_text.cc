@@ -1,65 +1,6 @@
 #include "console/json_text.h"
 
-#include <json/json.h>
-
 namespace kelvaro::console {
-namespace {
-
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-}  // namespace
-
-std::size_t Utf8Sequence(const char* bytes, std::size_t length) {
-  if (length == 0) return 0;
-  const auto* p = reinterpret_cast<const unsigned char*>(bytes);
-  const unsigned char first = p[0];
-  if (first < 0x80) return 1;
-  std::size_t whole = 0;
-  unsigned char least = 0x80;
-  unsigned char most = 0xBF;
-  if (first >= 0xC2 && first <= 0xDF) {
-    whole = 2;
-  } else if (first >= 0xE0 && first <= 0xEF) {
-    whole = 3;
-    if (first == 0xE0) least = 0xA0;  // shorter forms are not allowed
-    if (first == 0xED) most = 0x9F;   // nor are surrogates
-  } else if (first >= 0xF0 && first <= 0xF4) {
-    whole = 4;
-    if (first == 0xF0) least = 0x90;
-    if (first == 0xF4) most = 0x8F;  // nothing above U+10FFFF
-  } else {
-    return 0;
-  }
-  if (whole > length || p[1] < least || p[1] > most) return 0;
-  for (std::size_t i = 2; i < whole; ++i) {
-    if ((p[i] & 0xC0) != 0x80) return 0;
-  }
-  return whole;
-}
-
-bool IsUtf8(const char* bytes, std::size_t length) {
-  while (length > 0) {
-    const std::size_t step = Utf8Sequence(bytes, length);
-    if (step == 0) return false;
-    bytes += step;
-    length -= step;
-  }
-  return true;
-}
-
-std::string JsonText(const std::string& text) {
-  if (!IsUtf8(text.data(), text.size())) return "{\"bytes\":\"" + HexBytes(text) + "\"}";
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  builder["emitUTF8"] = true;
-  return Json::writeString(builder, Json::Value(text.data(), text.data() + text.size()));
-}
-
 std::string JsonText(const ByteString& text) { return JsonText(Bytes(text)); }
 
 std::string JsonSteps(const KeySequence& steps) {
@@ -81,30 +22,6 @@ ByteString FromBytes(const std::string& bytes) {
   ByteString text;
   text.AssignBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
   return text;
-}
-
-std::string HexBytes(const std::string& bytes) {
-  static const char digits[] = "0123456789abcdef";
-  std::string hex;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    hex += digits[byte >> 4];
-    hex += digits[byte & 15];
-  }
-  return hex;
-}
-
-bool ParseHexBytes(const std::string& hex, std::string* bytes) {
-  if (hex.size() % 2 != 0) return false;
-  std::string parsed;
-  for (std::size_t i = 0; i < hex.size(); i += 2) {
-    const int high = HexDigit(hex[i]);
-    const int low = HexDigit(hex[i + 1]);
-    if (high < 0 || low < 0) return false;
-    parsed += static_cast<char>(high * 16 + low);
-  }
-  *bytes = parsed;
-  return true;
 }
 
 }  // namespace kelvaro::console

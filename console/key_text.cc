@@ -1,5 +1,6 @@
 #include "console/key_text.h"
 
+#include "app/platform/byte_text.h"
 #include "console/json_text.h"
 
 namespace kelvaro::console {
@@ -13,7 +14,7 @@ std::string WithCaret(const std::string& text, std::size_t offset) {
   std::string line = "  ";
   std::string caret = "  ";
   for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = Utf8Sequence(text.data() + i, text.size() - i);
+    const std::size_t length = platform::Utf8Sequence({text.data() + i, text.size() - i});
     const auto byte = static_cast<unsigned char>(text[i]);
     if (length == 0 || byte < 0x20 || byte == 0x7F) {
       line += '?';

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "app/platform/byte_text.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/json_text.h"
@@ -25,7 +26,7 @@ bool ParseSteps(const std::string& text, KeySequence* steps, std::string* what) 
     while (words >> word) {
       std::string byte;
       if (word.size() == 1) word.insert(0, "0");
-      if (!ParseHexBytes(word, &byte) || byte.size() != 1) {
+      if (!platform::ParseHexBytes(word, &byte) || byte.size() != 1) {
         *what = "step " + std::to_string(number) + ": '" + word + "' is not a byte in hexadecimal";
         return false;
       }

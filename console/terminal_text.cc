@@ -1,5 +1,6 @@
 #include "console/terminal_text.h"
 
+#include "app/platform/byte_text.h"
 #include "console/json_text.h"
 
 namespace kelvaro::console {
@@ -17,7 +18,7 @@ bool IsControl(const char* bytes, std::size_t length) {
 std::string TerminalText(const std::string& text) {
   std::string shown;
   for (std::size_t i = 0; i < text.size();) {
-    const std::size_t length = Utf8Sequence(text.data() + i, text.size() - i);
+    const std::size_t length = platform::Utf8Sequence({text.data() + i, text.size() - i});
     if (length == 0 || IsControl(text.data() + i, length)) {
       shown += '?';
     } else {

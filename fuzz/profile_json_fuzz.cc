@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "app/platform/byte_text.h"
 #include "console/json_text.h"
 #include "console/profile_json.h"
 #include "engine/device_snapshot.h"
@@ -36,7 +37,7 @@ void CheckFault(const JsonFault& fault, const std::string& text) {
   if (fault.detail.empty()) return;
   const std::string& detail = fault.detail;
   Check(std::count(detail.begin(), detail.end(), '\n') == 2 && detail.back() == '\n' &&
-            detail[detail.size() - 2] == '^' && IsUtf8(detail.data(), detail.size()),
+            detail[detail.size() - 2] == '^' && platform::IsUtf8(detail),
         "a broken caret", text);
 }
 

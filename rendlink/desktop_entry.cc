@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "app/platform/byte_text.h"
+
 namespace kelvaro::rendlink {
 namespace {
 
@@ -74,7 +76,7 @@ bool CanHold(const char* what, const std::string& text, std::string* refusal) {
     *refusal = std::string(what) + " has a control character in it, which a launcher can't hold.";
     return false;
   }
-  if (IsUtf8(text)) return true;
+  if (platform::IsUtf8(text)) return true;
   *refusal = std::string(what) + " isn't UTF-8 text, and a launcher can't hold other.";
   return false;
 }

@@ -167,26 +167,4 @@ std::string ProcessLine(const Words& words) {
   return line;
 }
 
-bool IsUtf8(std::string_view text) {
-  for (std::size_t i = 0; i < text.size();) {
-    const std::uint8_t first = Byte(text[i]);
-    const std::size_t more = first < 0x80                    ? 0
-                             : first >= 0xC2 && first < 0xE0 ? 1
-                             : first >= 0xE0 && first < 0xF0 ? 2
-                             : first >= 0xF0 && first < 0xF5 ? 3
-                                                             : 4;
-    if (more == 4 || text.size() - i <= more) return false;
-    for (std::size_t k = 1; k <= more; ++k)
-      if ((Byte(text[i + k]) & 0xC0) != 0x80) return false;
-    const std::uint8_t second = more == 0 ? 0 : Byte(text[i + 1]);
-    // Too long a form, half of a pair of surrogates, and beyond the last character.
-    if (first == 0xE0 && second < 0xA0) return false;
-    if (first == 0xED && second >= 0xA0) return false;
-    if (first == 0xF0 && second < 0x90) return false;
-    if (first == 0xF4 && second >= 0x90) return false;
-    i += more + 1;
-  }
-  return true;
-}
-
 }  // namespace kelvaro::rendlink

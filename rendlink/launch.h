@@ -34,6 +34,4 @@ std::string ShellLine(const Words& words);
 // The words as one line for CreateProcessA; none of them may have a double quote.
 std::string ProcessLine(const Words& words);
 
-bool IsUtf8(std::string_view text);
-
 }  // namespace kelvaro::rendlink

@@ -1,6 +1,7 @@
 #include "rendlink/launcher.h"
 
 #include "app/dialog.h"
+#include "app/platform/byte_text.h"
 #include "app/platform/files.h"
 #include "app/platform/processes.h"
 #include "foundation/paths.h"
@@ -69,7 +70,7 @@ bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
   entry.comment = "Starts " + Stem(ready.launch.target) + " with " + InWords(ready.launch.profiles);
   entry.icon = IconOf(ready.launch.target, session.ApplicationsFolders());
   // A picture whose path can't be held is no reason to have no launcher.
-  if (!IsUtf8(entry.icon)) entry.icon = kKelvaroIcon;
+  if (!platform::IsUtf8(entry.icon)) entry.icon = kKelvaroIcon;
   entry.exec = ready.words;
   std::string text;
   if (!DesktopEntryText(entry, &text, refusal)) return false;

@@ -127,31 +127,5 @@ TEST(ProcessLine, PutsEachWordIntoDoubleQuotes) {
   EXPECT_EQ(ProcessLine({"/a b/k", "profile=x", ""}), "\"/a b/k\" \"profile=x\" \"\"");
 }
 
-TEST(IsUtf8, TellsWellFormedText) {
-  struct {
-    const char* text;
-    bool good;
-  } const kRows[] = {
-      {"", true},
-      {"a\tb", true},
-      {"\xC3\xA9", true},
-      {"\xE2\x82\xAC", true},
-      {"\xF0\x9F\x8E\xAE", true},
-      {"\xEF\xBF\xBF", true},
-      {"\xF4\x8F\xBF\xBF", true},
-      {"\xC3", false},              // cut short
-      {"\xE2\x82", false},          //
-      {"\xA9", false},              // begins in the middle
-      {"\xC0\x80", false},          // too long a form
-      {"\xE0\x80\x80", false},      //
-      {"\xF0\x80\x80\x80", false},  //
-      {"\xED\xA0\x80", false},      // half of a pair
-      {"\xF4\x90\x80\x80", false},  // beyond the last
-      {"\xFF", false},
-      {"\xC3\x28", false},
-  };
-  for (const auto& row : kRows) EXPECT_EQ(IsUtf8(row.text), row.good) << row.text;
-}
-
 }  // namespace
 }  // namespace kelvaro::rendlink

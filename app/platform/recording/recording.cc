@@ -13,6 +13,8 @@
 #include <streambuf>
 #include <string_view>
 
+#include "app/platform/byte_text.h"
+
 namespace platform {
 namespace {
 
@@ -26,34 +28,6 @@ constexpr std::uint32_t kCentredWord = 0xFFFF;
 
 const char* const kAxisKinds[] = {"Axis_X",  "Axis_Y",  "Axis_Z",  "Axis_RX",
                                   "Axis_RY", "Axis_RZ", "SliderA", "SliderB"};
-
-bool IsUtf8(const std::string& text) {
-  for (std::size_t at = 0; at < text.size();) {
-    const auto byte = [&](std::size_t offset) {
-      return at + offset < text.size() ? static_cast<unsigned char>(text[at + offset]) : 0u;
-    };
-    const auto follows = [&](std::size_t offset, unsigned low, unsigned high) {
-      return byte(offset) >= low && byte(offset) <= high;
-    };
-    const unsigned first = byte(0);
-    if (first < 0x80) {
-      at += 1;
-    } else if (first >= 0xC2 && first <= 0xDF && follows(1, 0x80, 0xBF)) {
-      at += 2;
-    } else if (first >= 0xE0 && first <= 0xEF &&
-               follows(1, first == 0xE0 ? 0xA0 : 0x80, first == 0xED ? 0x9F : 0xBF) &&
-               follows(2, 0x80, 0xBF)) {
-      at += 3;
-    } else if (first >= 0xF0 && first <= 0xF4 &&
-               follows(1, first == 0xF0 ? 0x90 : 0x80, first == 0xF4 ? 0x8F : 0xBF) &&
-               follows(2, 0x80, 0xBF) && follows(3, 0x80, 0xBF)) {
-      at += 4;
-    } else {
-      return false;
-    }
-  }
-  return true;
-}
 
 // Reads lines of JSON; the first fault ends it and is kept.
 class Reader {
@@ -235,14 +209,7 @@ class Reader {
     if (!bytes.isString()) return Fail(member + ".bytes", "not a text");
     const std::string digits = bytes.asString();
     if (digits.size() % 2 != 0) return Fail(member + ".bytes", "an odd count of digits");
-    text->clear();
-    for (std::size_t at = 0; at < digits.size(); at += 2) {
-      const int high = HexDigit(digits[at]);
-      const int low = HexDigit(digits[at + 1]);
-      if (high < 0 || low < 0) return Fail(member + ".bytes", "not hexadecimal");
-      text->push_back(static_cast<char>(high << 4 | low));
-    }
-    return true;
+    return ParseHexBytes(digits, text) || Fail(member + ".bytes", "not hexadecimal");
   }
 
   bool ReadChange(const Json::Value& value) {
@@ -317,14 +284,6 @@ class Reader {
     return true;
   }
 
- public:
-  static int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-  }
-
  private:
   std::istream& in;
   Recording* const recording;
@@ -333,23 +292,6 @@ class Reader {
   std::uint64_t number = 0;  // of the line
   std::string fault;
 };
-
-std::string HexByte(unsigned value) {
-  const char digits[] = "0123456789abcdef";
-  return {digits[value >> 4 & 15], digits[value & 15]};
-}
-
-std::string TextAsJson(const std::string& text) {
-  if (!IsUtf8(text)) {
-    std::string hex;
-    for (const char c : text) hex += HexByte(static_cast<unsigned char>(c));
-    return "{\"bytes\":\"" + hex + "\"}";
-  }
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  builder["emitUTF8"] = true;
-  return Json::writeString(builder, Json::Value(text));
-}
 
 // Members for a JSON object out of name and value pairs; a later pair of the same name wins.
 template <typename Pairs, typename Name, typename Number>
@@ -424,7 +366,7 @@ bool ReadRecording(std::istream& in, Recording* recording, std::string* error) {
 }
 
 std::string RecordingHeaderLine(const DeviceDescription& device) {
-  return "{\"recording\":" + std::to_string(kVersion) + ",\"device\":" + TextAsJson(device.name) +
+  return "{\"recording\":" + std::to_string(kVersion) + ",\"device\":" + JsonText(device.name) +
          ",\"guid\":\"" + GuidText(device.guid) +
          "\",\"buttons\":" + std::to_string(device.buttons) +
          ",\"axes\":" + std::to_string(device.axes) + ",\"povs\":" + std::to_string(device.povs) +
@@ -459,30 +401,36 @@ std::string RecordingChangeLine(const StateChange& change) {
 }
 
 std::string GuidText(const GUID& guid) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += HexByte(guid.Data1 >> shift & 0xFF);
+  std::string bytes;
+  for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(guid.Data1 >> shift);
   for (const std::uint16_t part : {guid.Data2, guid.Data3}) {
-    text += HexByte(part >> 8) + HexByte(part & 0xFFu);
+    bytes += static_cast<char>(part >> 8);
+    bytes += static_cast<char>(part);
   }
-  for (const std::uint8_t byte : guid.Data4) text += HexByte(byte);
-  return text;
+  return HexBytes(bytes.append(std::begin(guid.Data4), std::end(guid.Data4)));
 }
 
 bool ParseGuid(const std::string& text, GUID* guid) {
-  if (text.size() != 32) return false;
-  std::uint8_t bytes[16];
-  for (std::size_t index = 0; index < std::size(bytes); ++index) {
-    const int high = Reader::HexDigit(text[2 * index]);
-    const int low = Reader::HexDigit(text[2 * index + 1]);
-    if (high < 0 || low < 0) return false;
-    bytes[index] = static_cast<std::uint8_t>(high << 4 | low);
-  }
-  guid->Data1 = std::uint32_t{bytes[0]} << 24 | std::uint32_t{bytes[1]} << 16 |
-                std::uint32_t{bytes[2]} << 8 | bytes[3];
-  guid->Data2 = static_cast<std::uint16_t>(bytes[4] << 8 | bytes[5]);
-  guid->Data3 = static_cast<std::uint16_t>(bytes[6] << 8 | bytes[7]);
-  std::copy(bytes + 8, bytes + 16, guid->Data4);
+  std::string bytes;
+  if (text.size() != 32 || !ParseHexBytes(text, &bytes)) return false;
+  const auto number = [&bytes](std::size_t at, std::size_t size) {
+    std::uint32_t value = 0;
+    for (const char c : bytes.substr(at, size)) value = value << 8 | static_cast<std::uint8_t>(c);
+    return value;
+  };
+  guid->Data1 = number(0, 4);
+  guid->Data2 = static_cast<std::uint16_t>(number(4, 2));
+  guid->Data3 = static_cast<std::uint16_t>(number(6, 2));
+  std::copy(bytes.begin() + 8, bytes.end(), guid->Data4);
   return true;
+}
+
+std::string JsonText(const std::string& text) {
+  if (!IsUtf8(text)) return "{\"bytes\":\"" + HexBytes(text) + "\"}";
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "";
+  builder["emitUTF8"] = true;
+  return Json::writeString(builder, Json::Value(text));
 }
 
 }  // namespace platform

@@ -68,4 +68,7 @@ std::string RecordingChangeLine(const StateChange& change);
 std::string GuidText(const GUID& guid);
 bool ParseGuid(const std::string& text, GUID* guid);
 
+// A JSON string where the bytes are UTF-8, otherwise {"bytes":"<hex>"}.
+std::string JsonText(const std::string& text);
+
 }  // namespace platform

@@ -1,0 +1,17 @@
+// Bytes that may be text, and bytes spelled in hexadecimal.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+// Bytes of the well-formed UTF-8 sequence that `bytes` starts with, 1 to 4; 0 when there is none.
+std::size_t Utf8Sequence(std::string_view bytes);
+bool IsUtf8(std::string_view bytes);
+
+std::string HexBytes(std::string_view bytes);
+// False, with *bytes untouched, unless `hex` is pairs of hex digits.
+bool ParseHexBytes(std::string_view hex, std::string* bytes);
+
+}  // namespace platform
