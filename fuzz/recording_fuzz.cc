@@ -33,23 +33,6 @@ std::string Written(const Recording& recording) {
   return text;
 }
 
-bool Same(const StateChange& a, const StateChange& b) {
-  return a.t == b.t && a.hasButtons == b.hasButtons && a.buttons == b.buttons && a.axes == b.axes &&
-         a.povs == b.povs && a.hasLost == b.hasLost && a.lost == b.lost;
-}
-
-bool Same(const Recording& a, const Recording& b) {
-  if (a.device.name != b.device.name || a.device.guid != b.device.guid ||
-      a.device.buttons != b.device.buttons || a.device.axes != b.device.axes ||
-      a.device.povs != b.device.povs || a.changes.size() != b.changes.size()) {
-    return false;
-  }
-  for (std::size_t i = 0; i < a.changes.size(); ++i) {
-    if (!Same(a.changes[i], b.changes[i])) return false;
-  }
-  return true;
-}
-
 void CheckFault(const std::string& error) {
   std::size_t digits = 0;
   while (digits < error.size() && std::isdigit(static_cast<unsigned char>(error[digits]))) ++digits;
@@ -91,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const std::string written = Written(recording);
   Recording again;
   Check(Read(written, &again, &error), "what is written isn't read", written);
-  Check(Same(recording, again), "read back as another", written);
+  Check(recording == again, "read back as another", written);
   Check(Written(again) == written, "written in another way", written);
   return 0;
 }

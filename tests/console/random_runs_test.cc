@@ -5,6 +5,7 @@
 
 #include <memory>
 
+#include "app/platform/recording/recording.h"
 #include "tests/console/console_run.h"
 #include "tests/console/held_inputs.h"
 #include "tests/console/random_profile.h"
@@ -17,37 +18,28 @@ using platform::simulation::SentEvent;
 constexpr std::uint32_t kRuns = 150;
 
 std::string RandomRecording(Random& random) {
-  std::string text = R"({"recording":1,"device":"Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
-                     R"("buttons":8,"axes":6,"povs":1})"
-                     "\n";
+  std::string text = RecordingHeaderLine(platform::DeviceDescription{"Pad", {}, 8, 6, 1}) + "\n";
   std::uint32_t held = 0;
-  std::uint32_t t = 0;
+  std::uint64_t t = 0;
   for (std::uint32_t count = random.Between(1, 150); count > 0; --count) {
-    t += random.Below(60);
-    text += "{\"t\":" + std::to_string(t);
-    if (random.OneIn(2)) {
-      held ^= 1u << random.Below(8);
-      text += ",\"buttons\":[";
-      const char* separator = "";
-      for (std::uint32_t button = 0; button < 8; ++button) {
-        if (!(held >> button & 1)) continue;
-        text += separator + std::to_string(button + 1);
-        separator = ",";
-      }
-      text += "]";
+    platform::StateChange change;
+    change.t = t += random.Below(60);
+    change.hasButtons = random.OneIn(2);
+    if (change.hasButtons) held ^= 1u << random.Below(8);
+    for (std::uint32_t button = 0; button < 8; ++button) {
+      if (held >> button & 1) change.buttons.push_back(button + 1);
     }
     if (random.OneIn(3)) {
-      const std::string axis =
-          random.OneOf({"Axis_X0", "Axis_Y0", "Axis_Z0", "Axis_RX0", "Axis_RY0", "SliderA0"});
-      text += ",\"axes\":{\"" + axis +
-              "\":" + std::to_string(static_cast<int>(random.Below(64001)) - 32000) + "}";
+      const auto kind = static_cast<std::uint16_t>(random.Below(7));
+      change.axes = {{{kind, 0}, static_cast<std::int32_t>(random.Below(64001)) - 32000}};
     }
     if (random.OneIn(4)) {
-      text += ",\"povs\":{\"POV0\":" + random.OneOf({"-1", "0", "4500", "9000", "18000", "27000"}) +
-              "}";
+      constexpr std::uint32_t kAngles[] = {platform::kPovCentred, 0, 4500, 9000, 18000, 27000};
+      change.povs = {{0, kAngles[random.Below(6)]}};
     }
-    if (random.OneIn(20)) text += ",\"lost\":" + random.OneOf({"true", "false"});
-    text += "}\n";
+    change.hasLost = random.OneIn(20);
+    change.lost = random.OneIn(2);
+    text += RecordingChangeLine(change) + "\n";
   }
   return text;
 }

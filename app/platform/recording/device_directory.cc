@@ -119,12 +119,6 @@ class ScriptedDevice final : public SimulatedDevice {
 
   const DeviceDescription& Description() const override { return description; }
 
-  Range AxisRange(std::uint32_t axis) const override {
-    const Lock lock(directory.guard);
-    if (axis >= std::size(ranges)) Refuse("no axis " + std::to_string(axis));
-    return ranges[axis];
-  }
-
   // The rest is for the directory and its open devices, with the guard held.
 
   // Makes the changes that are due.
@@ -156,7 +150,6 @@ class ScriptedDevice final : public SimulatedDevice {
   DeviceDirectory& directory;
   const DeviceDescription description;
   bool plugged = true;
-  Range ranges[8];
 
  private:
   friend class OpenDevice;
@@ -249,8 +242,6 @@ class OpenDevice final : public DirectInputDevice {
         range.lMin > range.lMax) {
       return DIERR_INVALIDPARAM;
     }
-    const Lock lock(directory.guard);
-    device.ranges[axis] = {range.lMin, range.lMax};
     return planned.value_or(DI_OK);
   }
 

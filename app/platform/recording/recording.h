@@ -32,6 +32,7 @@ struct DeviceDescription {
   std::uint32_t buttons = 11;  // 0 to 128
   std::uint32_t axes = 6;      // 0 to 8
   std::uint32_t povs = 1;      // 0 to 4
+  friend bool operator==(const DeviceDescription&, const DeviceDescription&) = default;
 };
 
 // What changed at one time; what isn't named stays.
@@ -43,6 +44,7 @@ struct StateChange {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> povs;  // hat 0 to 3, its rgdwPOV value
   bool hasLost = false;
   bool lost = false;  // the device doesn't answer from here on
+  friend bool operator==(const StateChange&, const StateChange&) = default;
 };
 
 // Makes the change in *state; `lost` is the caller's business.
@@ -54,6 +56,7 @@ struct Recording {
   DeviceDescription device;
   std::vector<StateChange> changes;  // times rise or are equal
   std::uint64_t Length() const { return changes.empty() ? 0 : changes.back().t; }
+  friend bool operator==(const Recording&, const Recording&) = default;
 };
 
 // Reads a whole recording. False with *error naming line and member, such as

@@ -38,14 +38,6 @@ class SimulatedDevice {
 
   virtual const DIJOYSTATE2& State() const = 0;
   virtual const DeviceDescription& Description() const = 0;
-
-  // What SetProperty has last set for an axis, by its place in EnumObjects; 0 to 65535 before.
-  struct Range {
-    std::int32_t min = 0;
-    std::int32_t max = 65535;
-    friend bool operator==(const Range&, const Range&) = default;
-  };
-  virtual Range AxisRange(std::uint32_t axis) const = 0;
 };
 
 }  // namespace platform

@@ -88,24 +88,6 @@ TEST(RecordedDevices, PlayThroughAWrapOfTheClock) {
   device->Release();
 }
 
-TEST(RecordedDevices, AreOneDeviceWithTheRecordedDescription) {
-  SetClock clock;
-  RecordedDevices devices(TwoPresses(), clock);
-  EXPECT_EQ(devices.Device().Description().name, "Recorded");
-  DirectInput* directory = nullptr;
-  ASSERT_EQ(devices.DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
-  std::string names;
-  directory->EnumDevices(
-      DI8DEVCLASS_GAMECTRL,
-      [&](const DIDEVICEINSTANCE& instance) {
-        names += instance.tszInstanceName;
-        return true;
-      },
-      DIEDFL_ATTACHEDONLY);
-  EXPECT_EQ(names, "Recorded");
-  directory->Release();
-}
-
 TEST(RecordedDevices, MayBePolledOnAnotherThread) {
   SetClock clock;
   const Recording recording = TwoPresses();
@@ -129,24 +111,6 @@ TEST(RecordedDevices, MayBePolledOnAnotherThread) {
   EXPECT_TRUE(rising);
   EXPECT_EQ(HeldButton(device), 2);
   device->Release();
-}
-
-TEST(RecordedDevices, ReplaceTheDevicesOfASimulation) {
-  Simulation sim;
-  const Recording recording = TwoPresses();
-  RecordedDevices devices(recording, *sim.Groups().clock);
-  Platform groups = sim.Groups();
-  groups.devices = &devices;
-  const InstalledPlatform installed(groups);
-  DirectInput* directory = nullptr;
-  ASSERT_EQ(DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
-  DirectInputDevice* device = nullptr;
-  ASSERT_EQ(directory->CreateDevice(recording.device.guid, &device), DI_OK);
-  device->Acquire();
-  sim.RunFor(100);
-  EXPECT_EQ(HeldButton(device), 1);
-  device->Release();
-  directory->Release();
 }
 
 }  // namespace

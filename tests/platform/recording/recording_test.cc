@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace platform {
@@ -243,32 +244,6 @@ TEST(Recording, TellsWhenItCannotBeRead) {
   EXPECT_EQ(error, "1: can't be read: broken");
 }
 
-TEST(Recording, EveryTruncationAndEveryChangedByteIsTakenOrRefused) {
-  const std::string whole = kHeader +
-                            "\n"
-                            R"({"t":120,"buttons":[1,4],"axes":{"Axis_X0":20000},"lost":true})"
-                            "\n"
-                            R"({"t":130,"povs":{"POV0":9000},"lost":false})"
-                            "\n";
-  int refused = 0;
-  for (std::size_t size = 0; size < whole.size(); ++size) {
-    refused += Read(whole.substr(0, size)) != "read";
-  }
-  EXPECT_GT(refused, 100);
-  for (std::size_t at = 0; at < whole.size(); ++at) {
-    for (const char byte : {'\0', '"', '{', '}', '[', '9', '-', '\n', '\x80', '\\'}) {
-      std::string damaged = whole;
-      damaged[at] = byte;
-      Recording recording;
-      if (Read(damaged, &recording) != "read") continue;
-      for (const StateChange& change : recording.changes) {
-        DIJOYSTATE2 state = StateAtRest();
-        ApplyChange(change, &state);
-      }
-    }
-  }
-}
-
 TEST(Recording, WritesTheseLines) {
   DeviceDescription device;
   EXPECT_EQ(RecordingHeaderLine(device),
@@ -350,20 +325,12 @@ TEST(Recording, WhatIsWrittenReadsBackTheSame) {
   Recording recording;
   ASSERT_EQ(Read(RecordingHeaderLine(device) + "\n" + RecordingChangeLine(change), &recording),
             "read");
-  EXPECT_EQ(recording.device.guid, device.guid);
-  EXPECT_EQ(recording.device.buttons, 128u);
-  ASSERT_EQ(recording.changes.size(), 1u);
-  const StateChange& back = recording.changes[0];
-  EXPECT_EQ(back.t, 7u);
-  EXPECT_EQ(back.buttons, change.buttons);
-  EXPECT_EQ(back.povs, change.povs);
-  EXPECT_TRUE(back.hasLost);
-  EXPECT_FALSE(back.lost);
-  DIJOYSTATE2 written = StateAtRest();
-  DIJOYSTATE2 read = StateAtRest();
-  ApplyChange(change, &written);
-  ApplyChange(back, &read);
-  EXPECT_EQ(std::memcmp(&written, &read, sizeof read), 0);
+  EXPECT_EQ(recording.device, device);
+  // A reader has them by name.
+  std::sort(change.axes.begin(), change.axes.end(), [](const auto& a, const auto& b) {
+    return AxisNameText(a.first) < AxisNameText(b.first);
+  });
+  EXPECT_EQ(recording.changes, std::vector<StateChange>{change});
 }
 
 TEST(Recording, NamesEachAxisOfTheFourBanks) {
@@ -395,14 +362,6 @@ TEST(Recording, NamesEachAxisOfTheFourBanks) {
     EXPECT_FALSE(ParseAxisName(bad, &axis)) << bad;
   }
   EXPECT_EQ(axis, (AxisName{9, 9}));
-}
-
-TEST(Recording, AtRestNothingIsPressedAndHatsAreCentred) {
-  const DIJOYSTATE2 state = StateAtRest();
-  for (const std::uint32_t hat : state.rgdwPOV) EXPECT_EQ(hat, 0xFFFFFFFFu);
-  for (const std::uint8_t button : state.rgbButtons) EXPECT_EQ(button, 0);
-  EXPECT_EQ(state.lX, 0);
-  EXPECT_EQ(state.rglFSlider[1], 0);
 }
 
 TEST(Recording, GuidsAreWrittenInFileOrder) {
