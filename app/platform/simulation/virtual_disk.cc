@@ -67,9 +67,7 @@ class VirtualDisk::OpenFile final : public File {
 
   bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
     *read = 0;
-    if (const Fate fate = disk.Enter("ReadFile", path, false); fate.error) {
-      return disk.Fail(fate.error);
-    }
+    if (!disk.Enter("ReadFile", path, false)) return false;
     if (!Usable()) return disk.Fail(ERROR_INVALID_HANDLE);
     if (!(access & GENERIC_READ)) return disk.Fail(ERROR_ACCESS_DENIED);
     if (position >= node->bytes.size()) return true;
@@ -82,12 +80,13 @@ class VirtualDisk::OpenFile final : public File {
 
   bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
     *written = 0;
-    const Fate fate = disk.Enter("WriteFile", path, true, size);
-    if (!Usable()) return disk.Fail(fate.error ? fate.error : ERROR_INVALID_HANDLE);
-    if (!(access & GENERIC_WRITE)) return disk.Fail(fate.error ? fate.error : ERROR_ACCESS_DENIED);
-    if (position > kLargestFile || size > kLargestFile - position) {
-      return disk.Fail(fate.error ? fate.error : ERROR_DISK_FULL);
-    }
+    const Fate fate = disk.Note("WriteFile", path, true, size);
+    const auto refuse = [&](std::uint32_t error) {
+      return disk.Fail(fate.error ? fate.error : error);
+    };
+    if (!Usable()) return refuse(ERROR_INVALID_HANDLE);
+    if (!(access & GENERIC_WRITE)) return refuse(ERROR_ACCESS_DENIED);
+    if (position > kLargestFile || size > kLargestFile - position) return refuse(ERROR_DISK_FULL);
     const std::uint32_t n = fate.error ? std::min(size, fate.bytes) : size;
     if (n > 0) {
       // A gap behind the old end reads as zeros.
@@ -102,9 +101,7 @@ class VirtualDisk::OpenFile final : public File {
 
   bool SetFilePointer(std::int64_t distance, std::uint32_t method,
                       std::int64_t* newPosition) override {
-    if (const Fate fate = disk.Enter("SetFilePointer", path, false); fate.error) {
-      return disk.Fail(fate.error);
-    }
+    if (!disk.Enter("SetFilePointer", path, false)) return false;
     if (!Usable() || method > FILE_END) return disk.Fail(ERROR_INVALID_HANDLE);
     const std::size_t from = method == FILE_BEGIN     ? 0
                              : method == FILE_CURRENT ? position
@@ -119,11 +116,10 @@ class VirtualDisk::OpenFile final : public File {
   }
 
   bool CloseHandle() override {
-    const Fate fate = disk.Enter("CloseHandle", path, (access & GENERIC_WRITE) != 0);
+    const bool works = disk.Enter("CloseHandle", path, (access & GENERIC_WRITE) != 0);
     const bool usable = Usable();
     closed = true;
-    if (fate.error) return disk.Fail(fate.error);
-    return usable || disk.Fail(ERROR_INVALID_HANDLE);
+    return works && (usable || disk.Fail(ERROR_INVALID_HANDLE));
   }
 
  private:
@@ -154,9 +150,7 @@ class VirtualDisk::Search final : public FileSearch {
   ~Search() override { --*openHandles; }
 
   bool FindNextFileA(FindData* data) override {
-    if (const Fate fate = disk.Enter("FindNextFileA", path, false); fate.error) {
-      return disk.Fail(fate.error);
-    }
+    if (!disk.Enter("FindNextFileA", path, false)) return false;
     if (life != disk.life) return disk.Fail(ERROR_INVALID_HANDLE);
     return Step(data);
   }
@@ -279,8 +273,8 @@ std::uint32_t VirtualDisk::Count(std::string_view operation) const {
 
 void VirtualDisk::Plan(std::uint64_t n, const Fault& fault) { faults[operations + n] = fault; }
 
-VirtualDisk::Fate VirtualDisk::Enter(const char* name, const std::string& path, bool changes,
-                                     std::uint32_t size) {
+VirtualDisk::Fate VirtualDisk::Note(const char* name, const std::string& path, bool changes,
+                                    std::uint32_t size) {
   ++operations;
   log.push_back(DiskOperation{name, path, size, changes});
   if (stopped) return Fate{ERROR_NOT_READY, 0};
@@ -288,6 +282,11 @@ VirtualDisk::Fate VirtualDisk::Enter(const char* name, const std::string& path, 
   if (fault == faults.end()) return Fate{};
   stopped = fault->second.stops;
   return fault->second.fate;
+}
+
+bool VirtualDisk::Enter(const char* name, const std::string& path, bool changes) {
+  const Fate fate = Note(name, path, changes);
+  return fate.error == 0 || Fail(fate.error);
 }
 
 bool VirtualDisk::Fail(std::uint32_t error) {
@@ -308,7 +307,7 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
     Fail(error);
     return nullptr;
   };
-  if (const Fate fate = Enter("CreateFileA", path, changes); fate.error) return refuse(fate.error);
+  if (!Enter("CreateFileA", path, changes)) return nullptr;
   std::string name;
   const std::shared_ptr<Node> folder = Parent(path, &name);
   if (!folder) return nullptr;
@@ -332,7 +331,7 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
 }
 
 bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
-  if (const Fate fate = Enter("CopyFileA", to, true); fate.error) return Fail(fate.error);
+  if (!Enter("CopyFileA", to, true)) return false;
   const std::shared_ptr<Node> source = Find(from);
   if (!source) return false;
   std::string name;
@@ -365,7 +364,7 @@ bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool
   for (std::size_t done = 0; done < bytes.size();) {
     const std::uint32_t size =
         static_cast<std::uint32_t>(std::min<std::size_t>(copyStep, bytes.size() - done));
-    const Fate fate = Enter("CopyFileA", to, true, size);
+    const Fate fate = Note("CopyFileA", to, true, size);
     const std::uint32_t n = fate.error ? std::min(size, fate.bytes) : size;
     target->bytes.append(bytes, done, n);
     if (fate.error) return Fail(fate.error);
@@ -375,7 +374,7 @@ bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool
 }
 
 bool VirtualDisk::DeleteFileA(const std::string& path) {
-  if (const Fate fate = Enter("DeleteFileA", path, true); fate.error) return Fail(fate.error);
+  if (!Enter("DeleteFileA", path, true)) return false;
   const std::shared_ptr<Node> node = Find(path);
   if (!node) return false;
   std::string name;
@@ -389,19 +388,13 @@ bool VirtualDisk::DeleteFileA(const std::string& path) {
 }
 
 std::uint32_t VirtualDisk::GetFileAttributesA(const std::string& path) {
-  std::shared_ptr<Node> node;
-  if (const Fate fate = Enter("GetFileAttributesA", path, false); fate.error) {
-    Fail(fate.error);
-  } else {
-    node = Find(path);
-  }
+  if (!Enter("GetFileAttributesA", path, false)) return INVALID_FILE_ATTRIBUTES;
+  const std::shared_ptr<Node> node = Find(path);
   return node ? node->attributes : INVALID_FILE_ATTRIBUTES;
 }
 
 bool VirtualDisk::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
-  if (const Fate fate = Enter("SetFileAttributesA", path, true); fate.error) {
-    return Fail(fate.error);
-  }
+  if (!Enter("SetFileAttributesA", path, true)) return false;
   const std::shared_ptr<Node> node = Find(path);
   if (!node) return false;
   node->attributes = Normalized((node->attributes & ~FILE_ATTRIBUTE_READONLY) |
@@ -410,7 +403,7 @@ bool VirtualDisk::SetFileAttributesA(const std::string& path, std::uint32_t attr
 }
 
 bool VirtualDisk::CreateDirectoryA(const std::string& path) {
-  if (const Fate fate = Enter("CreateDirectoryA", path, true); fate.error) return Fail(fate.error);
+  if (!Enter("CreateDirectoryA", path, true)) return false;
   std::string name;
   const std::shared_ptr<Node> folder = Parent(path, &name);
   if (!folder) return false;
@@ -422,10 +415,7 @@ bool VirtualDisk::CreateDirectoryA(const std::string& path) {
 
 std::unique_ptr<FileSearch> VirtualDisk::FindFirstFileA(const std::string& pattern,
                                                         FindData* data) {
-  if (const Fate fate = Enter("FindFirstFileA", pattern, false); fate.error) {
-    Fail(fate.error);
-    return nullptr;
-  }
+  if (!Enter("FindFirstFileA", pattern, false)) return nullptr;
   const std::size_t last = pattern.rfind(separator);
   const std::size_t start = last == std::string::npos ? 0 : last + 1;
   const std::string wanted = pattern.substr(start);
@@ -458,17 +448,11 @@ std::unique_ptr<FileSearch> VirtualDisk::FindFirstFileA(const std::string& patte
 }
 
 std::string VirtualDisk::GetCurrentDirectoryA() {
-  if (const Fate fate = Enter("GetCurrentDirectoryA", "", false); fate.error) {
-    Fail(fate.error);
-    return {};
-  }
-  return Joined(currentFolder);
+  return Enter("GetCurrentDirectoryA", "", false) ? Joined(currentFolder) : std::string();
 }
 
 bool VirtualDisk::SetCurrentDirectoryA(const std::string& path) {
-  if (const Fate fate = Enter("SetCurrentDirectoryA", path, false); fate.error) {
-    return Fail(fate.error);
-  }
+  if (!Enter("SetCurrentDirectoryA", path, false)) return false;
   const std::shared_ptr<Node> node = Find(path);
   if (!node) return false;
   if (!IsFolder(node->attributes)) return Fail(ERROR_PATH_NOT_FOUND);

@@ -155,7 +155,9 @@ class VirtualDisk final : public Files {
 
   void Plan(std::uint64_t n, const Fault& fault);
   // Counts and notes an operation.
-  Fate Enter(const char* name, const std::string& path, bool changes, std::uint32_t size = 0);
+  Fate Note(const char* name, const std::string& path, bool changes, std::uint32_t size = 0);
+  // The same for one that writes nothing; false, with the last error set, where it is to fail.
+  bool Enter(const char* name, const std::string& path, bool changes);
   // Whether one who doesn't share writing is kept out of a file.
   static bool IsClaimed(const Node& node, bool isWriting);
   // Sets the last error; false for convenience.

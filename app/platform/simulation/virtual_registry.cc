@@ -86,16 +86,9 @@ void VirtualRegistry::PutDword(const std::string& key, const std::string& name,
 }
 
 void VirtualRegistry::RemoveKey(const std::string& key) {
-  std::vector<std::string> names = KeyNames(key);
-  if (names.empty()) return;
-  const std::string name = names.back();
-  Node* node = top.get();
-  names.pop_back();
-  for (const std::string& part : names) {
-    node = Child(*node, part);
-    if (!node) return;
-  }
-  std::erase_if(node->keys, [&](const auto& child) { return SameName(child->name, name); });
+  const Node* const gone = Find(key);
+  Node* const parent = Find(key.substr(0, key.rfind('\\')));
+  if (parent) std::erase_if(parent->keys, [gone](const auto& k) { return k.get() == gone; });
 }
 
 bool VirtualRegistry::HasKey(const std::string& key) const { return Find(key) != nullptr; }
@@ -189,9 +182,16 @@ HKEY VirtualRegistry::Open(const std::string& key) {
 }
 
 std::uint32_t VirtualRegistry::Enter(const char* operation, const std::string& what) {
-  if (!journal) return ERROR_SUCCESS;
-  return static_cast<std::uint32_t>(
-      journal->Enter(operation, what).value_or(static_cast<HRESULT>(ERROR_SUCCESS)));
+  const auto planned = journal ? journal->Enter(operation, what) : std::nullopt;
+  return planned ? static_cast<std::uint32_t>(*planned) : ERROR_SUCCESS;
+}
+
+std::uint32_t VirtualRegistry::Enter(const char* operation, HKEY key, const std::string& what,
+                                     Node** node) {
+  if (const std::uint32_t fault = Enter(operation, PathOf(key) + ' ' + what)) return fault;
+  std::uint32_t error = 0;
+  *node = Of(key, &error);
+  return *node ? ERROR_SUCCESS : error;
 }
 
 std::uint32_t VirtualRegistry::RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) {
@@ -229,10 +229,8 @@ std::uint32_t VirtualRegistry::RegCloseKey(HKEY key) {
 std::uint32_t VirtualRegistry::RegQueryValueExA(HKEY key, const std::string& name,
                                                 std::uint32_t* type, void* data,
                                                 std::uint32_t* size) {
-  if (const std::uint32_t fault = Enter("RegQueryValueExA", PathOf(key) + ' ' + name)) return fault;
-  std::uint32_t error = 0;
-  Node* node = Of(key, &error);
-  if (!node) return error;
+  Node* node = nullptr;
+  if (const std::uint32_t fault = Enter("RegQueryValueExA", key, name, &node)) return fault;
   const auto found = node->FindValue(name);
   if (found == node->values.end()) return ERROR_FILE_NOT_FOUND;
   return GiveValue(*found, type, data, size);
@@ -240,10 +238,8 @@ std::uint32_t VirtualRegistry::RegQueryValueExA(HKEY key, const std::string& nam
 
 std::uint32_t VirtualRegistry::RegSetValueExA(HKEY key, const std::string& name, std::uint32_t type,
                                               const void* data, std::uint32_t size) {
-  if (const std::uint32_t fault = Enter("RegSetValueExA", PathOf(key) + ' ' + name)) return fault;
-  std::uint32_t error = 0;
-  Node* node = Of(key, &error);
-  if (!node) return error;
+  Node* node = nullptr;
+  if (const std::uint32_t fault = Enter("RegSetValueExA", key, name, &node)) return fault;
   if (IsProtected(PathOf(key))) return ERROR_ACCESS_DENIED;
   node->Put(name, type, size == 0 ? "" : std::string(static_cast<const char*>(data), size));
   Written();
@@ -251,10 +247,8 @@ std::uint32_t VirtualRegistry::RegSetValueExA(HKEY key, const std::string& name,
 }
 
 std::uint32_t VirtualRegistry::RegDeleteValueA(HKEY key, const std::string& name) {
-  if (const std::uint32_t fault = Enter("RegDeleteValueA", PathOf(key) + ' ' + name)) return fault;
-  std::uint32_t error = 0;
-  Node* node = Of(key, &error);
-  if (!node) return error;
+  Node* node = nullptr;
+  if (const std::uint32_t fault = Enter("RegDeleteValueA", key, name, &node)) return fault;
   const auto found = node->FindValue(name);
   if (found == node->values.end()) return ERROR_FILE_NOT_FOUND;
   if (IsProtected(PathOf(key))) return ERROR_ACCESS_DENIED;

@@ -86,6 +86,8 @@ class VirtualRegistry final : public Registry {
   HKEY Open(const std::string& key);
   // Logs the call; its planned result, or ERROR_SUCCESS.
   std::uint32_t Enter(const char* operation, const std::string& what);
+  // The same for a call on `key`, whose node it looks up; the reason where there is none.
+  std::uint32_t Enter(const char* operation, HKEY key, const std::string& what, Node** node);
 
   Journal* const journal;
   const std::unique_ptr<Node> top;   // holds the hives
