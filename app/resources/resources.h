@@ -6,14 +6,13 @@
 #include <span>
 
 #include "app/platform/dialog_template.h"
+#include "app/resources/control_ids.h"
 
 namespace kelvaro::resources {
 
-// Dialogs, by their numbers: 102 the main window, 134 "Define Control", 137 "New Profile", 138
-// "Delete Profile", 147 "Rename Profile", 149 "Shift Key Required", 150 "Advanced Settings", 151
-// "Welcome to Kelvaro", 152 "Auto-Detect Mode".
-// In the main window's table the box of a page (1015, 1017, 1045, 1047) stands before the controls
-// of that page, which reach to the next such box; what stands before the first is always seen.
+// The dialogs; control_ids.h has their numbers and those of their controls.
+// In the main window's table the box of a page stands before the controls of that page, which reach
+// to the next such box; what stands before the first is always seen.
 extern const platform::DialogTemplate kMainWindow;
 extern const platform::DialogTemplate kDefineControl;
 extern const platform::DialogTemplate kNewProfile;
@@ -27,17 +26,16 @@ extern const platform::DialogTemplate kAutoDetectMode;
 // All of them.
 std::span<const platform::DialogTemplate* const> Dialogs();
 
-// The menu "Floater", 140, of the notification icon: "Exit" and "Show Kelvaro".
+// The menu "Floater" of the notification icon: "Exit" and "Show Kelvaro".
 std::span<const platform::MenuItem> FloaterMenu();
 
-// The text of the string table with that number, which is the number of the control whose tip it
-// is; null when there is none.
+// The text of the string table with that number, which is the number of the control or a tab_tip
+// whose tip it is; null when there is none.
 const char* String(std::uint32_t id);
 
-// Controls that the code has to know and that have no tip: "Don't show this again" of the dialogs
-// 149 and 152, and the picture of the welcome.
-constexpr std::uint32_t kDontShowAgain = 1390;
-constexpr std::uint32_t kWelcomePicture = 1391;
+// Controls without a tip.
+constexpr std::uint32_t kDontShowAgain = shift_key_required::kDontShowAgain;
+constexpr std::uint32_t kWelcomePicture = welcome::kPicture;
 
 constexpr std::uint32_t kIcon = 128;          // of the program
 constexpr std::uint32_t kUpBitmap = 145;      // an arrow, of the button that moves Controls up

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "app/platform/desktop.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro::resources {
@@ -13,144 +15,155 @@ struct TableString {
   const char* text;
 };
 
-// 1174 and 1177 to 1179 are the tips of the four tabs, whatever controls have those numbers.
 constexpr TableString kStrings[] = {
-    {1, "Save control definition."},
-    {2, "Cancel creation or editing and discard changes."},
-    {1001, "The list of available profiles for selection."},
-    {1003, "The list of all controls defined for the current profile."},
-    {1004, "Create a new control."},
-    {1005, "Edit the selected control."},
-    {1006, "Create a new profile."},
-    {1027, "Detect the input that moves the pointer left and right."},
-    {1028, "Detect the input that moves the pointer up and down."},
-    {1029, "Detect the button that acts as the left mouse button."},
-    {1030, "Detect the button that acts as the middle mouse button."},
-    {1031, "Detect the button that acts as the right mouse button."},
-    {1034, "Detect the input that turns the mouse wheel."},
-    {1036,
-     "Push this button to enter mouse test mode. You can test your mouse control settings this "
-     "way."},
-    {1052, "Determines how much the mouse moves when you move the control."},
-    {1056, "Defines how much axis movement is thrown away to avoid mouse \"drift\"."},
-    {1060, "The input devices that were found. The selected one is used with the current profile."},
-    {1063, "The number of buttons on the selected device."},
-    {1065, "The number of axes on the selected device."},
-    {1067, "The number of POV hats on the selected device."},
-    {1070, "The shortest interval that this system allows, in milliseconds."},
-    {1072, "The longest interval that this system allows, in milliseconds."},
-    {1076, "The time, in milliseconds, from one look at the device to the next, from 1 to 1000."},
-    {1077,
-     "How many times a second the device is looked at. This follows from the interval, and the "
-     "interval from it."},
-    {1078, "Reset the poll rate to the default."},
-    {1079,
-     "Determines how much axis movement is thrown away before a mouse wheel event is generated."},
-    {1080,
-     "Determines how much mouse wheel movement is generated when you move the wheel control."},
-    {1081,
-     "The trigger mechanism(s) (buttons, POV's, axis, etc.) for this control are displayed here."},
-    {1083, "A description for this control. Type in anything you like here."},
-    {1093, "Enter the control event(s) here."},
-    {1095,
-     "The initial delay, in milliseconds, before the control starts to repeat. During this delay "
-     "time the trigger must be held down."},
-    {1096,
-     "The time delay, in milliseconds, between repeated controls. The control will continue to "
-     "repeat as long as the trigger is held down."},
-    {1099, "Delete the current profile."},
-    {1100, "Rename the current profile."},
-    {1101, "Copy the current profile to a new profile with a different name."},
-    {1113, "Reset repeat delay and speed to the default settings."},
-    {1115,
+    // The tabs of the main window.
+    {tab_tip::kControl,
+     "The Control tab deals with the creation and editing of controls for the selected profile."},
+    {tab_tip::kMouse,
+     "The Mouse tab allows you to optionally define mouse controls to simulate mouse movement, "
+     "button presses, etc. from your input device."},
+    {tab_tip::kDevice,
+     "The Device tab is where you select an input device to use with your profile, to reselect the "
+     "proper device after plugging it in, and/or set the speed at which the software polls for "
+     "changes on that device."},
+    {tab_tip::kSettings,
+     "The Settings tab has application settings and information about the program."},
+
+    // The main window; "Define Control" has the same button for help.
+    {main_window::kProfileList, "The list of available profiles for selection."},
+    {main_window::kNewProfile, "Create a new profile."},
+    {main_window::kDeleteProfile, "Delete the current profile."},
+    {main_window::kCopyProfile, "Copy the current profile to a new profile with a different name."},
+    {main_window::kRenameProfile, "Rename the current profile."},
+    {main_window::kHelp, "More in-depth help."},
+    {main_window::kNewControl, "Create a new control."},
+    {main_window::kEditControl, "Edit the selected control."},
+    {main_window::kDeleteControls, "Delete the selected controls."},
+    {main_window::kCopyControls,
      "Copy the selected controls to an internal buffer. While the control list has the input focus "
      "you can also use Ctrl+C to perform the copy."},
-    {1123,
+    {main_window::kPasteControls,
+     "Paste controls into this profile from the internal buffer. Controls must have been "
+     "previously copied into the buffer. While the control list has the input focus you can also "
+     "use Ctrl+V to perform the paste."},
+    {main_window::kMoveUp, "Move the selected controls up in the list order."},
+    {main_window::kMoveDown, "Move the selected controls down in the list order."},
+    {main_window::kControlList, "The list of all controls defined for the current profile."},
+    {main_window::kMouseX, "The input that moves the pointer left and right."},
+    {main_window::kMouseY, "The input that moves the pointer up and down."},
+    {main_window::kMouseWheel, "The input that turns the mouse wheel."},
+    {main_window::kLeftButton, "The button that acts as the left mouse button."},
+    {main_window::kMiddleButton, "The button that acts as the middle mouse button."},
+    {main_window::kRightButton, "The button that acts as the right mouse button."},
+    {main_window::kDetectMouseX, "Detect the input that moves the pointer left and right."},
+    {main_window::kDetectMouseY, "Detect the input that moves the pointer up and down."},
+    {main_window::kDetectMouseWheel, "Detect the input that turns the mouse wheel."},
+    {main_window::kDetectLeftButton, "Detect the button that acts as the left mouse button."},
+    {main_window::kDetectMiddleButton, "Detect the button that acts as the middle mouse button."},
+    {main_window::kDetectRightButton, "Detect the button that acts as the right mouse button."},
+    {main_window::kMouseAlwaysActive,
+     "When checked, the mouse controls of this profile work at all times, without a control that "
+     "activates them."},
+    {main_window::kTestMode,
+     "Push this button to enter mouse test mode. You can test your mouse control settings this "
+     "way."},
+    {main_window::kMovementSensitivity,
+     "Determines how much the mouse moves when you move the control."},
+    {main_window::kMovementDamper,
+     "Defines how much axis movement is thrown away to avoid mouse \"drift\"."},
+    {main_window::kWheelSensitivity,
+     "Determines how much mouse wheel movement is generated when you move the wheel control."},
+    {main_window::kWheelDamper,
+     "Determines how much axis movement is thrown away before a mouse wheel event is generated."},
+    {main_window::kDeviceList,
+     "The input devices that were found. The selected one is used with the current profile."},
+    {main_window::kRefreshDeviceList,
+     "Detect devices added or removed from the system. This will auto-select the proper device for "
+     "the current profile if the device is now plugged in but was not previously."},
+    {main_window::kNumButtons, "The number of buttons on the selected device."},
+    {main_window::kNumAxis, "The number of axes on the selected device."},
+    {main_window::kNumPovs, "The number of POV hats on the selected device."},
+    {main_window::kInterval,
+     "The time, in milliseconds, from one look at the device to the next, from 1 to 1000."},
+    {main_window::kRate,
+     "How many times a second the device is looked at. This follows from the interval, and the "
+     "interval from it."},
+    {main_window::kDefaultRate, "Reset the poll rate to the default."},
+    {main_window::kTimerMin, "The shortest interval that this system allows, in milliseconds."},
+    {main_window::kTimerMax, "The longest interval that this system allows, in milliseconds."},
+    {main_window::kBanner, "The ultimate game control software."},
+    {main_window::kStartMinimized,
+     "When checked, do not show the application window when it starts up, but rather minimized to "
+     "the system tray area as an icon."},
+    {main_window::kLaunchAtStartup,
+     "When checked, launch the application when the computer starts up (if no logon is required), "
+     "or when you log on."},
+    {main_window::kSmartCheck,
+     "Enable or disable the Smart Check key entry checker to check for possible mistakes when you "
+     "enter key controls. This will catch things like forgetting to put angle brackets \"<>\" "
+     "around special key input designations."},
+    {main_window::kAdvanced, "Open the advanced settings dialog window."},
+    {main_window::kWebLink, "Open your browser to " KELVARO_WEB_ADDRESS "."},
+    {main_window::kMailLink, "Start a new email addressed to " KELVARO_SUPPORT_ADDRESS "."},
+
+    // "Define Control".
+    {platform::IDOK, "Save control definition."},
+    {platform::IDCANCEL, "Cancel creation or editing and discard changes."},
+    {define_control::kDescriptionText,
+     "A description for this control. Type in anything you like here."},
+    {define_control::kTriggerText,
+     "The trigger mechanism(s) (buttons, POV's, axis, etc.) for this control are displayed here."},
+    {define_control::kDetectTrigger,
+     "Start/stop control trigger detection mode. When checked, all controller input is trapped and "
+     "displayed in the trigger area to the left.\n\nTip: you can use the space bar to turn off "
+     "detect mode."},
+    {define_control::kToggleMouseCheck,
+     "When checked, the trigger toggles activation/deactivation of the mouse controls (see the "
+     "mouse tab)."},
+    {define_control::kPress, "Activate the control when the trigger is pressed."},
+    {define_control::kRelease,
+     "Activate the control when the trigger is released (after first being pressed)."},
+    {define_control::kKeysText, "Enter the control event(s) here."},
+    {define_control::kHoldAllKeys,
+     "When checked, all keys of this control will remain pressed until the trigger is released. "
+     "Normally, in a multi-key control, each key will be released before the next key in the "
+     "sequence is replayed.\n\nSee the help for a more thorough description with examples."},
+    {define_control::kSpecialKeyList,
+     "A helpful reference of special keys/events. Selection does nothing. Stretch the window to "
+     "the right if some of the text is cut off."},
+    {define_control::kHoldValue,
+     "The amount of time, in milliseconds, that each key in this control is held down before being "
+     "released.\n\nThere are 1000 milliseconds in 1 second."},
+    {define_control::kPauseValue,
+     "This specifies a delay, in milliseconds, to occur after each key in this control is "
+     "released. Note that no delay is replayed for the last key of a sequence. Therefore this "
+     "value is only used in a multi-key control.\n\nThere are 1000 milliseconds in 1 second."},
+    {define_control::kRepeatCheck,
      "When checked, this control will repeat just like the key repeat on your keyboard. While the "
      "trigger is held down, the control will replay once, and then wait for Delay time to elapse. "
      "After that, the control will replay once every Speed milliseconds while the trigger is held "
      "down.\n\nOnly one control will repeat at a time."},
-    {1124, "Activate the control when the trigger is pressed."},
-    {1125, "Activate the control when the trigger is released (after first being pressed)."},
-    {1126,
-     "Start/stop control trigger detection mode. When checked, all controller input is trapped and "
-     "displayed in the trigger area to the left.\n\nTip: you can use the space bar to turn off "
-     "detect mode."},
-    {1136, "Delete the selected controls."},
-    {1139,
-     "When checked, the mouse controls of this profile work at all times, without a control that "
-     "activates them."},
-    {1140,
-     "When checked, the trigger toggles activation/deactivation of the mouse controls (see the "
-     "mouse tab)."},
-    {1143,
-     "A helpful reference of special keys/events. Selection does nothing. Stretch the window to "
-     "the right if some of the text is cut off."},
-    {1146, "More in-depth help."},
-    {1155,
-     "Paste controls into this profile from the internal buffer. Controls must have been "
-     "previously copied into the buffer. While the control list has the input focus you can also "
-     "use Ctrl+V to perform the paste."},
-    {1156, "Move the selected controls up in the list order."},
-    {1157, "Move the selected controls down in the list order."},
-    {1159, "The input that moves the pointer left and right."},
-    {1160, "The input that moves the pointer up and down."},
-    {1161, "The button that acts as the left mouse button."},
-    {1162, "The button that acts as the middle mouse button."},
-    {1163, "The input that turns the mouse wheel."},
-    {1164, "The button that acts as the right mouse button."},
-    {1169,
-     "When checked, all keys of this control will remain pressed until the trigger is released. "
-     "Normally, in a multi-key control, each key will be released before the next key in the "
-     "sequence is replayed.\n\nSee the help for a more thorough description with examples."},
-    {1170,
-     "Detect devices added or removed from the system. This will auto-select the proper device for "
-     "the current profile if the device is now plugged in but was not previously."},
-    {1171,
-     "When checked, do not show the application window when it starts up, but rather minimized to "
-     "the system tray area as an icon."},
-    {1172,
-     "When checked, launch the application when the computer starts up (if no logon is required), "
-     "or when you log on."},
-    {1173, "The ultimate game control software."},
-    {1174,
-     "The Control tab deals with the creation and editing of controls for the selected profile."},
-    {1175, "Open your browser to " KELVARO_WEB_ADDRESS "."},
-    {1176, "Start a new email addressed to " KELVARO_SUPPORT_ADDRESS "."},
-    {1177,
-     "The Mouse tab allows you to optionally define mouse controls to simulate mouse movement, "
-     "button presses, etc. from your input device."},
-    {1178,
-     "The Device tab is where you select an input device to use with your profile, to reselect the "
-     "proper device after plugging it in, and/or set the speed at which the software polls for "
-     "changes on that device."},
-    {1179, "The Settings tab has application settings and information about the program."},
-    {1187,
-     "Enable or disable the Smart Check key entry checker to check for possible mistakes when you "
-     "enter key controls. This will catch things like forgetting to put angle brackets \"<>\" "
-     "around special key input designations."},
-    {1196,
-     "The amount of time, in milliseconds, that each key in this control is held down before being "
-     "released.\n\nThere are 1000 milliseconds in 1 second."},
-    {1197,
-     "This specifies a delay, in milliseconds, to occur after each key in this control is "
-     "released. Note that no delay is replayed for the last key of a sequence. Therefore this "
-     "value is only used in a multi-key control.\n\nThere are 1000 milliseconds in 1 second."},
-    {1198, "Open the advanced settings dialog window."},
-    {1199,
+    {define_control::kDelayValue,
+     "The initial delay, in milliseconds, before the control starts to repeat. During this delay "
+     "time the trigger must be held down."},
+    {define_control::kSpeedValue,
+     "The time delay, in milliseconds, between repeated controls. The control will continue to "
+     "repeat as long as the trigger is held down."},
+    {define_control::kDefaults, "Reset repeat delay and speed to the default settings."},
+
+    // "Advanced Settings".
+    {advanced_settings::kAutodetectDevicePlugin,
      "Checking this option modifies the program behavior as follows:\n\n1) No error message will "
      "be displayed if your device is not detected at startup or after changing profiles.\n\n2) The "
      "device for the current profile will be automatically detected and selected when it is "
      "plugged in. Kelvaro checks for new devices every 5 seconds when this option is turned on."},
 };
 
-static_assert(std::ranges::is_sorted(kStrings, {}, &TableString::id));
-
 }  // namespace
 
 const char* String(std::uint32_t id) {
-  const auto* found = std::ranges::lower_bound(kStrings, id, {}, &TableString::id);
-  return found != std::end(kStrings) && found->id == id ? found->text : nullptr;
+  const auto* found = std::ranges::find(kStrings, id, &TableString::id);
+  return found != std::end(kStrings) ? found->text : nullptr;
 }
 
 }  // namespace kelvaro::resources

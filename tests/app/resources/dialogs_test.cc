@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "tests/app/resources/dialog_tables.h"
 
@@ -45,15 +46,15 @@ TEST(Dialogs, AreNineWithTheirNumbersAndTitles) {
     std::uint32_t id;
     const char* title;
   } kDialogs[] = {
-      {kMainWindow, 102, "Kelvaro"},
-      {kDefineControl, 134, "Define Control"},
-      {kNewProfile, 137, "New Profile"},
-      {kDeleteProfile, 138, "Delete Profile"},
-      {kProfileName, 147, "Rename Profile"},
-      {kShiftKeyRequired, 149, "Shift Key Required"},
-      {kAdvancedSettings, 150, "Advanced Settings"},
-      {kWelcome, 151, "Welcome to Kelvaro"},
-      {kAutoDetectMode, 152, "Auto-Detect Mode"},
+      {kMainWindow, main_window::kDialog, "Kelvaro"},
+      {kDefineControl, define_control::kDialog, "Define Control"},
+      {kNewProfile, new_profile::kDialog, "New Profile"},
+      {kDeleteProfile, delete_profile::kDialog, "Delete Profile"},
+      {kProfileName, profile_name::kDialog, "Rename Profile"},
+      {kShiftKeyRequired, shift_key_required::kDialog, "Shift Key Required"},
+      {kAdvancedSettings, advanced_settings::kDialog, "Advanced Settings"},
+      {kWelcome, welcome::kDialog, "Welcome to Kelvaro"},
+      {kAutoDetectMode, auto_detect_mode::kDialog, "Auto-Detect Mode"},
   };
   ASSERT_EQ(Dialogs().size(), 9u);
   for (std::size_t i = 0; i < 9; ++i) {
@@ -69,67 +70,83 @@ TEST(MainWindow, CanBeResizedMinimisedAndMaximised) {
 }
 
 TEST(MainWindow, HasTheRowOfProfilesAboveTheTabs) {
+  using namespace main_window;
   ExpectControls(kMainWindow, {
-                                  {1002, Label, "Profile"},
-                                  {1001, DropList, "", platform::kStyleSorted},
-                                  {1006, Button, "New..."},
-                                  {1099, Button, "Delete..."},
-                                  {1101, Button, "Copy..."},
-                                  {1100, Button, "Rename..."},
-                                  {1146, Button, "Help..."},
-                                  {1000, TabControl, ""},
+                                  {kProfileLabel, Label, "Profile"},
+                                  {kProfileList, DropList, "", platform::kStyleSorted},
+                                  {main_window::kNewProfile, Button, "New..."},
+                                  {main_window::kDeleteProfile, Button, "Delete..."},
+                                  {kCopyProfile, Button, "Copy..."},
+                                  {kRenameProfile, Button, "Rename..."},
+                                  {kHelp, Button, "Help..."},
+                                  {kTabControl, TabControl, ""},
                               });
 }
 
 TEST(MainWindow, HasOneBoxAPageInTheOrderOfTheTabs) {
+  using namespace main_window;
   std::vector<std::uint32_t> boxes;
   for (const View& page : Pages()) boxes.push_back(page.controls.front().id);
-  EXPECT_EQ(boxes, (std::vector<std::uint32_t>{1015, 1017, 1045, 1047}));
+  EXPECT_EQ(boxes, (std::vector<std::uint32_t>{kControlPageBox, kMousePageBox, kDevicePageBox,
+                                               kSettingsPageBox}));
 }
 
 TEST(MainWindow, HasTheListOfControlsAndItsButtonsOnTheFirstPage) {
+  using namespace main_window;
   ExpectControls(kMainWindow, {
-                                  {1004, Button, "New..."},
-                                  {1005, Button, "Edit...", platform::kStyleDefault},
-                                  {1136, Button, "Delete..."},
-                                  {1115, Button, "Copy"},
-                                  {1155, Button, "Paste"},
-                                  {1156, PictureButton, "Move Up"},
-                                  {1157, PictureButton, "Move Down"},
-                                  {1003, ListView, "", platform::kStyleMultiSelect},
+                                  {kNewControl, Button, "New..."},
+                                  {kEditControl, Button, "Edit...", platform::kStyleDefault},
+                                  {kDeleteControls, Button, "Delete..."},
+                                  {kCopyControls, Button, "Copy"},
+                                  {kPasteControls, Button, "Paste"},
+                                  {kMoveUp, PictureButton, "Move Up"},
+                                  {kMoveDown, PictureButton, "Move Down"},
+                                  {kControlList, ListView, "", platform::kStyleMultiSelect},
                               });
 }
 
 TEST(MainWindow, HasTheMouseControlsOnTheSecondPage) {
+  using namespace main_window;
   std::vector<Wanted> wanted = {
-      {1050, GroupBox, "Movement Sensitivity"},
-      {1055, GroupBox, "Movement Axis Damper"},
-      {1051, GroupBox, "Mouse Wheel Sensitivity"},
-      {1083, GroupBox, "Mouse Wheel Axis Damper"},
-      {1036, DrawnButton, "Test"},
-      {1139, CheckBox, "Mouse Controls Always Active"},
+      {kMovementSensitivityFrame, GroupBox, "Movement Sensitivity"},
+      {kMovementDamperFrame, GroupBox, "Movement Axis Damper"},
+      {kWheelSensitivityFrame, GroupBox, "Mouse Wheel Sensitivity"},
+      {kWheelDamperFrame, GroupBox, "Mouse Wheel Axis Damper"},
+      {kTestMode, DrawnButton, "Test"},
+      {kMouseAlwaysActive, CheckBox, "Mouse Controls Always Active"},
   };
-  for (std::uint32_t field = 1159; field <= 1164; ++field) {
+  for (std::uint32_t field = kMouseX; field <= kRightButton; ++field) {
     wanted.push_back({field, Edit, "", platform::kStyleReadOnly});
   }
-  for (const std::uint32_t box : {1027, 1028, 1029, 1030, 1031, 1034}) {
+  for (const std::uint32_t box : {kDetectMouseX, kDetectMouseY, kDetectLeftButton,
+                                  kDetectMiddleButton, kDetectRightButton, kDetectMouseWheel}) {
     wanted.push_back({box, CheckBox, "Detect"});
   }
-  for (const std::uint32_t slider : {1052, 1056, 1079, 1080})
+  for (const std::uint32_t slider :
+       {kMovementSensitivity, kMovementDamper, kWheelDamper, kWheelSensitivity})
     wanted.push_back({slider, Slider, ""});
   ExpectControls(kMainWindow, wanted);
 }
 
 TEST(MainWindow, PutsEachSliderInTheBoxThatTellsItsPosition) {
-  const std::uint32_t kPairs[][2] = {{1052, 1050}, {1056, 1055}, {1079, 1083}, {1080, 1051}};
+  using namespace main_window;
+  const std::uint32_t kPairs[][2] = {{kMovementSensitivity, kMovementSensitivityFrame},
+                                     {kMovementDamper, kMovementDamperFrame},
+                                     {kWheelDamper, kWheelDamperFrame},
+                                     {kWheelSensitivity, kWheelSensitivityFrame}};
   for (const auto& [slider, box] : kPairs) {
     EXPECT_TRUE(Inside(*Find(kMainWindow, slider), *Find(kMainWindow, box))) << slider;
   }
 }
 
 TEST(MainWindow, PutsEachDetectBoxBesideItsField) {
-  const std::uint32_t kPairs[][2] = {{1027, 1159}, {1028, 1160}, {1034, 1163},
-                                     {1029, 1161}, {1030, 1162}, {1031, 1164}};
+  using namespace main_window;
+  const std::uint32_t kPairs[][2] = {{kDetectMouseX, kMouseX},
+                                     {kDetectMouseY, kMouseY},
+                                     {kDetectMouseWheel, kMouseWheel},
+                                     {kDetectLeftButton, kLeftButton},
+                                     {kDetectMiddleButton, kMiddleButton},
+                                     {kDetectRightButton, kRightButton}};
   for (const auto& [box, field] : kPairs) {
     const ControlTemplate& detect = *Find(kMainWindow, box);
     const ControlTemplate& edit = *Find(kMainWindow, field);
@@ -139,29 +156,31 @@ TEST(MainWindow, PutsEachDetectBoxBesideItsField) {
 }
 
 TEST(MainWindow, HasTheDeviceAndItsPollingOnTheThirdPage) {
+  using namespace main_window;
   ExpectControls(kMainWindow, {
-                                  {1060, DropList, "", platform::kStyleSorted},
-                                  {1170, Button, "Refresh Device List"},
-                                  {1063, Label, ""},
-                                  {1065, Label, ""},
-                                  {1067, Label, ""},
-                                  {1070, Label, ""},
-                                  {1072, Label, ""},
-                                  {1076, Edit, ""},
-                                  {1077, Edit, ""},
-                                  {1078, Button, "Defaults"},
+                                  {kDeviceList, DropList, "", platform::kStyleSorted},
+                                  {kRefreshDeviceList, Button, "Refresh Device List"},
+                                  {kNumButtons, Label, ""},
+                                  {kNumAxis, Label, ""},
+                                  {kNumPovs, Label, ""},
+                                  {kTimerMin, Label, ""},
+                                  {kTimerMax, Label, ""},
+                                  {kInterval, Edit, ""},
+                                  {kRate, Edit, ""},
+                                  {kDefaultRate, Button, "Defaults"},
                               });
 }
 
 TEST(MainWindow, NamesTheValuesOfTheDevice) {
+  using namespace main_window;
   const struct {
     std::uint32_t value;
     const char* label;
-  } kLabels[] = {{1063, "Num Buttons"},
-                 {1065, "Num Axis"},
-                 {1067, "Num POVs"},
-                 {1070, "Min Timer Interval"},
-                 {1072, "Max Timer Interval"}};
+  } kLabels[] = {{kNumButtons, "Num Buttons"},
+                 {kNumAxis, "Num Axis"},
+                 {kNumPovs, "Num POVs"},
+                 {kTimerMin, "Min Timer Interval"},
+                 {kTimerMax, "Max Timer Interval"}};
   for (const auto& [value, label] : kLabels) {
     const ControlTemplate* found = Find(kMainWindow, value);
     EXPECT_EQ(Shown((found - 1)->text), label);
@@ -170,21 +189,22 @@ TEST(MainWindow, NamesTheValuesOfTheDevice) {
 }
 
 TEST(MainWindow, HasTheSettingsAndTheAddressesOnTheFourthPage) {
-  ExpectControls(kMainWindow,
-                 {
-                     {1173, Picture, ""},
-                     {1177, Label, ""},
-                     {1171, CheckBox, "Start minimized"},
-                     {1172, CheckBox, "Launch at startup"},
-                     {1187, CheckBox, "Smart Check key entry checker"},
-                     {1198, Button, "Advanced..."},
-                     {1175, Link, KELVARO_WEB_ADDRESS},
-                     {1176, Link, KELVARO_SUPPORT_ADDRESS},
-                     {1178, Label, "Copyright (c) 2026 the Kelvaro authors"},
-                     {1189, Label, "Free software under the MIT License, without any warranty."},
-                 });
-  EXPECT_EQ(Shown((Find(kMainWindow, 1175) - 1)->text), "web:");
-  EXPECT_EQ(Shown((Find(kMainWindow, 1176) - 1)->text), "email:");
+  using namespace main_window;
+  ExpectControls(kMainWindow, {
+                                  {kBanner, Picture, ""},
+                                  {kVersionText, Label, ""},
+                                  {kStartMinimized, CheckBox, "Start minimized"},
+                                  {kLaunchAtStartup, CheckBox, "Launch at startup"},
+                                  {kSmartCheck, CheckBox, "Smart Check key entry checker"},
+                                  {kAdvanced, Button, "Advanced..."},
+                                  {kWebLink, Link, KELVARO_WEB_ADDRESS},
+                                  {kMailLink, Link, KELVARO_SUPPORT_ADDRESS},
+                                  {kCopyright, Label, "Copyright (c) 2026 the Kelvaro authors"},
+                                  {kLicense, Label,
+                                   "Free software under the MIT License, without any warranty."},
+                              });
+  EXPECT_EQ(Shown((Find(kMainWindow, kWebLink) - 1)->text), "web:");
+  EXPECT_EQ(Shown((Find(kMainWindow, kMailLink) - 1)->text), "email:");
 }
 
 TEST(MainWindow, DrawsARuleBehindTheHeadingsOfTheSettings) {
@@ -203,53 +223,58 @@ TEST(MainWindow, DrawsARuleBehindTheHeadingsOfTheSettings) {
 }
 
 TEST(DefineControl, HasAllItsControls) {
+  using namespace define_control;
   using platform::kStyleDigits;
   using platform::kStyleHidden;
-  ExpectControls(kDefineControl,
-                 {
-                     {1135, Label, "Description"},
-                     {1083, Edit, ""},
-                     {1116, GroupBox, "Trigger"},
-                     {1128, Label, "on", kStyleHidden},
-                     {1124, RadioButton, "Press", kStyleHidden},
-                     {1125, RadioButton, "Release", kStyleHidden},
-                     {1081, Edit, "", platform::kStyleReadOnly},
-                     {1127, Label, "Detect"},
-                     {1126, CheckBox, ""},
-                     {1140, CheckBox, "Activate/Deactivate Mouse Controls"},
-                     {1169, CheckBox, "Hold down all keys of a multi-key event until released"},
-                     {1168, Label, "NOTE: Uppercase letters are preceded by a shift when replayed"},
-                     {1131, Label, "Key(s)"},
-                     {1093, Edit, ""},
-                     {1145, Label, "Help: Special Key List"},
-                     {1143, DropList, ""},
-                     {1196, Edit, ""},
-                     {1197, Edit, ""},
-                     {1122, GroupBox, "Key Repeat (in milliseconds)"},
-                     {1123, CheckBox, "Enable Repeat"},
-                     {1133, Label, "Delay"},
-                     {1095, Edit, "", kStyleDigits},
-                     {1134, Label, "Speed"},
-                     {1096, Edit, "", kStyleDigits},
-                     {1113, Button, "Defaults"},
-                     {1146, Button, "Help..."},
-                     {platform::IDOK, Button, "OK", platform::kStyleDefault},
-                     {platform::IDCANCEL, Button, "Cancel"},
-                 });
+  ExpectControls(
+      kDefineControl,
+      {
+          {kDescriptionLabel, Label, "Description"},
+          {kDescriptionText, Edit, ""},
+          {kTriggerFrame, GroupBox, "Trigger"},
+          {kOnLabel, Label, "on", kStyleHidden},
+          {kPress, RadioButton, "Press", kStyleHidden},
+          {kRelease, RadioButton, "Release", kStyleHidden},
+          {kTriggerText, Edit, "", platform::kStyleReadOnly},
+          {kDetectLabel, Label, "Detect"},
+          {kDetectTrigger, CheckBox, ""},
+          {kToggleMouseCheck, CheckBox, "Activate/Deactivate Mouse Controls"},
+          {kHoldAllKeys, CheckBox, "Hold down all keys of a multi-key event until released"},
+          {kUppercaseNote, Label, "NOTE: Uppercase letters are preceded by a shift when replayed"},
+          {kKeysLabel, Label, "Key(s)"},
+          {kKeysText, Edit, ""},
+          {kSpecialKeyLabel, Label, "Help: Special Key List"},
+          {kSpecialKeyList, DropList, ""},
+          {kHoldValue, Edit, ""},
+          {kPauseValue, Edit, ""},
+          {kRepeatFrame, GroupBox, "Key Repeat (in milliseconds)"},
+          {kRepeatCheck, CheckBox, "Enable Repeat"},
+          {kDelayLabel, Label, "Delay"},
+          {kDelayValue, Edit, "", kStyleDigits},
+          {kSpeedLabel, Label, "Speed"},
+          {kSpeedValue, Edit, "", kStyleDigits},
+          {kDefaults, Button, "Defaults"},
+          {kHelp, Button, "Help..."},
+          {platform::IDOK, Button, "OK", platform::kStyleDefault},
+          {platform::IDCANCEL, Button, "Cancel"},
+      });
   EXPECT_TRUE(Shows(kDefineControl, "Key Timings (in milliseconds)"));
   EXPECT_TRUE(Shows(kDefineControl,
                     "NOTE: Key timings are generally only necessary for applications that do not "
                     "use buffered input."));
-  EXPECT_EQ(Shown((Find(kDefineControl, 1196) - 1)->text), "Key hold time");
-  EXPECT_EQ(Shown((Find(kDefineControl, 1197) - 1)->text), "Key release pause");
+  EXPECT_EQ(Shown((Find(kDefineControl, kHoldValue) - 1)->text), "Key hold time");
+  EXPECT_EQ(Shown((Find(kDefineControl, kPauseValue) - 1)->text), "Key release pause");
 }
 
 TEST(DefineControl, PutsEachControlInTheGroupThatItBelongsTo) {
+  using namespace define_control;
   const struct {
     std::uint32_t group;
     std::vector<std::uint32_t> controls;
-  } kGroups[] = {{1116, {1081, 1127, 1126, 1128, 1124, 1125}},
-                 {1122, {1123, 1133, 1095, 1134, 1096, 1113}}};
+  } kGroups[] = {
+      {kTriggerFrame, {kTriggerText, kDetectLabel, kDetectTrigger, kOnLabel, kPress, kRelease}},
+      {kRepeatFrame,
+       {kRepeatCheck, kDelayLabel, kDelayValue, kSpeedLabel, kSpeedValue, kDefaults}}};
   for (const auto& [group, controls] : kGroups) {
     for (const std::uint32_t id : controls) {
       EXPECT_TRUE(Inside(*Find(kDefineControl, id), *Find(kDefineControl, group))) << id;
@@ -258,13 +283,15 @@ TEST(DefineControl, PutsEachControlInTheGroupThatItBelongsTo) {
 }
 
 TEST(DefineControl, PutsTheTriggerLeftOfItsDetectBox) {
-  const ControlTemplate& trigger = *Find(kDefineControl, 1081);
-  EXPECT_GE(Find(kDefineControl, 1127)->x, trigger.x + trigger.width);
-  EXPECT_GE(Find(kDefineControl, 1126)->x, trigger.x + trigger.width);
+  using namespace define_control;
+  const ControlTemplate& trigger = *Find(kDefineControl, kTriggerText);
+  EXPECT_GE(Find(kDefineControl, kDetectLabel)->x, trigger.x + trigger.width);
+  EXPECT_GE(Find(kDefineControl, kDetectTrigger)->x, trigger.x + trigger.width);
 }
 
 TEST(DefineControl, LeavesNoGapInARowForTheHiddenControls) {
-  for (const std::uint32_t hidden : {1128, 1124, 1125}) {
+  using namespace define_control;
+  for (const std::uint32_t hidden : {kOnLabel, kPress, kRelease}) {
     const ControlTemplate& place = *Find(kDefineControl, hidden);
     for (const ControlTemplate& control : kDefineControl.controls) {
       if (control.kind == GroupBox || control.style & platform::kStyleHidden) continue;
@@ -279,41 +306,44 @@ TEST(SmallDialogs, HaveTheirControls) {
   using platform::IDCANCEL;
   using platform::IDOK;
   using platform::kStyleDefault;
-  ExpectControls(
-      kNewProfile,
-      {{1137, Edit, ""}, {IDOK, Button, "OK", kStyleDefault}, {IDCANCEL, Button, "Cancel"}});
+  ExpectControls(kNewProfile, {{new_profile::kName, Edit, ""},
+                               {IDOK, Button, "OK", kStyleDefault},
+                               {IDCANCEL, Button, "Cancel"}});
   EXPECT_TRUE(Shows(kNewProfile, "Enter New Profile Name"));
 
-  ExpectControls(kDeleteProfile, {{1138, Label, ""},
+  ExpectControls(kDeleteProfile, {{delete_profile::kName, Label, ""},
                                   {IDOK, Button, "Yes, Delete It"},
                                   {IDCANCEL, Button, "No!", kStyleDefault}});
   EXPECT_TRUE(Shows(kDeleteProfile, "Delete Profile:"));
   EXPECT_TRUE(Shows(kDeleteProfile, "Are you sure?"));
 
-  ExpectControls(kProfileName, {{1157, Label, ""},
-                                {1137, Edit, ""},
+  ExpectControls(kProfileName, {{profile_name::kTopLine, Label, ""},
+                                {profile_name::kName, Edit, ""},
                                 {IDOK, Button, "OK", kStyleDefault},
                                 {IDCANCEL, Button, "Cancel"}});
   EXPECT_TRUE(Shows(kProfileName, "Enter a new name for this profile"));
 
-  ExpectControls(kShiftKeyRequired, {{kDontShowAgain, CheckBox, "Don't show this again"},
-                                     {IDOK, Button, "Yes", kStyleDefault},
-                                     {IDCANCEL, Button, "No"}});
+  ExpectControls(kShiftKeyRequired,
+                 {{shift_key_required::kDontShowAgain, CheckBox, "Don't show this again"},
+                  {IDOK, Button, "Yes", kStyleDefault},
+                  {IDCANCEL, Button, "No"}});
   EXPECT_TRUE(Shows(kShiftKeyRequired,
                     "You have entered one or more keys that require a shift key press in order to "
                     "replay properly. Are you sure you want to use an uppercase character in this "
                     "control?"));
 
-  ExpectControls(kAdvancedSettings, {{1199, CheckBox, "Auto-detect device plugin"},
+  ExpectControls(kAdvancedSettings, {{advanced_settings::kAutodetectDevicePlugin, CheckBox,
+                                      "Auto-detect device plugin"},
                                      {IDOK, Button, "OK", kStyleDefault},
                                      {IDCANCEL, Button, "Cancel"}});
 
-  ExpectControls(kWelcome, {{kWelcomePicture, Picture, ""},
-                            {1200, TextArea, ""},
+  ExpectControls(kWelcome, {{welcome::kPicture, Picture, ""},
+                            {welcome::kText, TextArea, ""},
                             {IDOK, Button, "Close", kStyleDefault}});
 
-  ExpectControls(kAutoDetectMode, {{kDontShowAgain, CheckBox, "Don't show this again"},
-                                   {IDOK, Button, "OK", kStyleDefault}});
+  ExpectControls(kAutoDetectMode,
+                 {{auto_detect_mode::kDontShowAgain, CheckBox, "Don't show this again"},
+                  {IDOK, Button, "OK", kStyleDefault}});
   EXPECT_TRUE(Shows(kAutoDetectMode,
                     "This will detect movement or button presses on your input device, and make "
                     "the appropriate assignment. All control input is captured while in this "
@@ -325,7 +355,7 @@ TEST(SmallDialogs, HaveTheirControls) {
 }
 
 TEST(SmallDialogs, PutTheWelcomesPictureOnTop) {
-  const ControlTemplate& picture = *Find(kWelcome, kWelcomePicture);
+  const ControlTemplate& picture = *Find(kWelcome, welcome::kPicture);
   for (const ControlTemplate& control : kWelcome.controls) {
     if (&control != &picture) {
       EXPECT_GE(control.y, picture.y + picture.height) << control.id;

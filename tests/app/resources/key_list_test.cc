@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "keys/key_tables.h"
 #include "tests/app/resources/dialog_tables.h"
@@ -16,7 +17,7 @@ namespace {
 bool IsHeading(const std::string& row) { return row.starts_with("== ") && row.ends_with(" =="); }
 
 TEST(KeyList, HasAHundredAndThirtyTwoRowsInTheDropList) {
-  const auto rows = Find(kDefineControl, 1143)->rows;
+  const auto rows = Find(kDefineControl, define_control::kSpecialKeyList)->rows;
   ASSERT_EQ(rows.size(), 132u);
   for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_STREQ(rows[i], kSpecialKeys[i]) << i;
 }
