@@ -68,6 +68,18 @@ inline bool Operable(ControlKind kind) {
   }
 }
 
+// One number for a table of words that people know and documents quote: whoever changes a word on
+// purpose changes the number in its test, and nobody types the table again.
+inline std::uint64_t Fingerprint(const std::vector<std::string>& words) {
+  std::uint64_t hash = 0xCBF29CE484222325u;  // FNV-1a
+  for (const std::string& word : words) {
+    for (const char c : word + '\0') {
+      hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3u;
+    }
+  }
+  return hash;
+}
+
 // What can be seen at one time: a dialog, or the main window with one of its pages.
 struct View {
   std::string name;

@@ -14,53 +14,43 @@ namespace {
 
 using enum ControlKind;
 
-struct Wanted {
-  std::uint32_t id;
-  ControlKind kind;
-  const char* text;
-  std::uint32_t style = 0;
-};
-
-void ExpectControls(const DialogTemplate& dialog, const std::vector<Wanted>& wanted) {
-  for (const Wanted& control : wanted) {
-    SCOPED_TRACE(control.id);
-    const ControlTemplate* found = Find(dialog, control.id);
-    ASSERT_NE(found, nullptr);
-    EXPECT_EQ(found->kind, control.kind);
-    EXPECT_EQ(Shown(found->text), control.text);
-    EXPECT_EQ(found->style & ~platform::kStyleWrap, control.style);
-  }
-}
-
-// Whether a label, group box or check box shows that text.
-bool Shows(const DialogTemplate& dialog, const std::string& text) {
+// The controls in their order, which is that of the Tab key and puts them on their pages: number,
+// kind, style, and the text as it is shown.
+std::uint64_t FingerprintOf(const DialogTemplate& dialog) {
+  std::vector<std::string> words;
   for (const ControlTemplate& control : dialog.controls) {
-    if (Shown(control.text) == text) return true;
+    const auto kind = static_cast<int>(control.kind);
+    words.insert(words.end(),
+                 {std::to_string(control.id), std::to_string(kind),
+                  std::to_string(control.style & ~platform::kStyleWrap),
+                  control.kind == Link ? "an address of the build's" : Shown(control.text)});
   }
-  return false;
+  return Fingerprint(words);
 }
 
-TEST(Dialogs, AreNineWithTheirNumbersAndTitles) {
+TEST(Dialogs, AreNineWithTheirNumbersTitlesAndControls) {
   const struct {
     const DialogTemplate& dialog;
     std::uint32_t id;
     const char* title;
+    std::uint64_t controls;
   } kDialogs[] = {
-      {kMainWindow, main_window::kDialog, "Kelvaro"},
-      {kDefineControl, define_control::kDialog, "Define Control"},
-      {kNewProfile, new_profile::kDialog, "New Profile"},
-      {kDeleteProfile, delete_profile::kDialog, "Delete Profile"},
-      {kProfileName, profile_name::kDialog, "Rename Profile"},
-      {kShiftKeyRequired, shift_key_required::kDialog, "Shift Key Required"},
-      {kAdvancedSettings, advanced_settings::kDialog, "Advanced Settings"},
-      {kWelcome, welcome::kDialog, "Welcome to Kelvaro"},
-      {kAutoDetectMode, auto_detect_mode::kDialog, "Auto-Detect Mode"},
+      {kMainWindow, 102, "Kelvaro", 0xE342DD64039FC3D4u},
+      {kDefineControl, 134, "Define Control", 0x2CA3D9B8DA00B5A0u},
+      {kNewProfile, 137, "New Profile", 0xAC8A19732D88D1F8u},
+      {kDeleteProfile, 138, "Delete Profile", 0xEC21520775E143EAu},
+      {kProfileName, 147, "Rename Profile", 0xA16B7D08C6E3EC2u},
+      {kShiftKeyRequired, 149, "Shift Key Required", 0xAE1F166608F54001u},
+      {kAdvancedSettings, 150, "Advanced Settings", 0x1B5397154FF7952Cu},
+      {kWelcome, 151, "Welcome to Kelvaro", 0xE3A15170B6BF3126u},
+      {kAutoDetectMode, 152, "Auto-Detect Mode", 0xBD4FBAAA7A1E7979u},
   };
   ASSERT_EQ(Dialogs().size(), 9u);
   for (std::size_t i = 0; i < 9; ++i) {
     EXPECT_EQ(Dialogs()[i], &kDialogs[i].dialog);
     EXPECT_EQ(kDialogs[i].dialog.id, kDialogs[i].id);
     EXPECT_STREQ(kDialogs[i].dialog.title, kDialogs[i].title);
+    EXPECT_EQ(FingerprintOf(kDialogs[i].dialog), kDialogs[i].controls) << kDialogs[i].title;
   }
 }
 
@@ -69,63 +59,12 @@ TEST(MainWindow, CanBeResizedMinimisedAndMaximised) {
                                    platform::kWindowMaximiseBox);
 }
 
-TEST(MainWindow, HasTheRowOfProfilesAboveTheTabs) {
-  using namespace main_window;
-  ExpectControls(kMainWindow, {
-                                  {kProfileLabel, Label, "Profile"},
-                                  {kProfileList, DropList, "", platform::kStyleSorted},
-                                  {main_window::kNewProfile, Button, "New..."},
-                                  {main_window::kDeleteProfile, Button, "Delete..."},
-                                  {kCopyProfile, Button, "Copy..."},
-                                  {kRenameProfile, Button, "Rename..."},
-                                  {kHelp, Button, "Help..."},
-                                  {kTabControl, TabControl, ""},
-                              });
-}
-
 TEST(MainWindow, HasOneBoxAPageInTheOrderOfTheTabs) {
   using namespace main_window;
   std::vector<std::uint32_t> boxes;
   for (const View& page : Pages()) boxes.push_back(page.controls.front().id);
   EXPECT_EQ(boxes, (std::vector<std::uint32_t>{kControlPageBox, kMousePageBox, kDevicePageBox,
                                                kSettingsPageBox}));
-}
-
-TEST(MainWindow, HasTheListOfControlsAndItsButtonsOnTheFirstPage) {
-  using namespace main_window;
-  ExpectControls(kMainWindow, {
-                                  {kNewControl, Button, "New..."},
-                                  {kEditControl, Button, "Edit...", platform::kStyleDefault},
-                                  {kDeleteControls, Button, "Delete..."},
-                                  {kCopyControls, Button, "Copy"},
-                                  {kPasteControls, Button, "Paste"},
-                                  {kMoveUp, PictureButton, "Move Up"},
-                                  {kMoveDown, PictureButton, "Move Down"},
-                                  {kControlList, ListView, "", platform::kStyleMultiSelect},
-                              });
-}
-
-TEST(MainWindow, HasTheMouseControlsOnTheSecondPage) {
-  using namespace main_window;
-  std::vector<Wanted> wanted = {
-      {kMovementSensitivityFrame, GroupBox, "Movement Sensitivity"},
-      {kMovementDamperFrame, GroupBox, "Movement Axis Damper"},
-      {kWheelSensitivityFrame, GroupBox, "Mouse Wheel Sensitivity"},
-      {kWheelDamperFrame, GroupBox, "Mouse Wheel Axis Damper"},
-      {kTestMode, DrawnButton, "Test"},
-      {kMouseAlwaysActive, CheckBox, "Mouse Controls Always Active"},
-  };
-  for (std::uint32_t field = kMouseX; field <= kRightButton; ++field) {
-    wanted.push_back({field, Edit, "", platform::kStyleReadOnly});
-  }
-  for (const std::uint32_t box : {kDetectMouseX, kDetectMouseY, kDetectLeftButton,
-                                  kDetectMiddleButton, kDetectRightButton, kDetectMouseWheel}) {
-    wanted.push_back({box, CheckBox, "Detect"});
-  }
-  for (const std::uint32_t slider :
-       {kMovementSensitivity, kMovementDamper, kWheelDamper, kWheelSensitivity})
-    wanted.push_back({slider, Slider, ""});
-  ExpectControls(kMainWindow, wanted);
 }
 
 TEST(MainWindow, PutsEachSliderInTheBoxThatTellsItsPosition) {
@@ -155,54 +94,19 @@ TEST(MainWindow, PutsEachDetectBoxBesideItsField) {
   }
 }
 
-TEST(MainWindow, HasTheDeviceAndItsPollingOnTheThirdPage) {
+TEST(MainWindow, PutsEachValueOfTheDeviceBehindItsLabel) {
   using namespace main_window;
-  ExpectControls(kMainWindow, {
-                                  {kDeviceList, DropList, "", platform::kStyleSorted},
-                                  {kRefreshDeviceList, Button, "Refresh Device List"},
-                                  {kNumButtons, Label, ""},
-                                  {kNumAxis, Label, ""},
-                                  {kNumPovs, Label, ""},
-                                  {kTimerMin, Label, ""},
-                                  {kTimerMax, Label, ""},
-                                  {kInterval, Edit, ""},
-                                  {kRate, Edit, ""},
-                                  {kDefaultRate, Button, "Defaults"},
-                              });
-}
-
-TEST(MainWindow, NamesTheValuesOfTheDevice) {
-  using namespace main_window;
-  const struct {
-    std::uint32_t value;
-    const char* label;
-  } kLabels[] = {{kNumButtons, "Num Buttons"},
-                 {kNumAxis, "Num Axis"},
-                 {kNumPovs, "Num POVs"},
-                 {kTimerMin, "Min Timer Interval"},
-                 {kTimerMax, "Max Timer Interval"}};
-  for (const auto& [value, label] : kLabels) {
+  for (const std::uint32_t value : {kNumButtons, kNumAxis, kNumPovs, kTimerMin, kTimerMax}) {
     const ControlTemplate* found = Find(kMainWindow, value);
-    EXPECT_EQ(Shown((found - 1)->text), label);
-    EXPECT_EQ((found - 1)->y, found->y) << label;
+    EXPECT_EQ((found - 1)->kind, Label);
+    EXPECT_EQ((found - 1)->y, found->y) << value;
   }
 }
 
-TEST(MainWindow, HasTheSettingsAndTheAddressesOnTheFourthPage) {
+TEST(MainWindow, HasTheAddressesOnTheFourthPage) {
   using namespace main_window;
-  ExpectControls(kMainWindow, {
-                                  {kBanner, Picture, ""},
-                                  {kVersionText, Label, ""},
-                                  {kStartMinimized, CheckBox, "Start minimized"},
-                                  {kLaunchAtStartup, CheckBox, "Launch at startup"},
-                                  {kSmartCheck, CheckBox, "Smart Check key entry checker"},
-                                  {kAdvanced, Button, "Advanced..."},
-                                  {kWebLink, Link, KELVARO_WEB_ADDRESS},
-                                  {kMailLink, Link, KELVARO_SUPPORT_ADDRESS},
-                                  {kCopyright, Label, "Copyright (c) 2026 the Kelvaro authors"},
-                                  {kLicense, Label,
-                                   "Free software under the MIT License, without any warranty."},
-                              });
+  EXPECT_STREQ(Find(kMainWindow, kWebLink)->text, KELVARO_WEB_ADDRESS);
+  EXPECT_STREQ(Find(kMainWindow, kMailLink)->text, KELVARO_SUPPORT_ADDRESS);
   EXPECT_EQ(Shown((Find(kMainWindow, kWebLink) - 1)->text), "web:");
   EXPECT_EQ(Shown((Find(kMainWindow, kMailLink) - 1)->text), "email:");
 }
@@ -220,50 +124,6 @@ TEST(MainWindow, DrawsARuleBehindTheHeadingsOfTheSettings) {
     }
     EXPECT_TRUE(found) << heading;
   }
-}
-
-TEST(DefineControl, HasAllItsControls) {
-  using namespace define_control;
-  using platform::kStyleDigits;
-  using platform::kStyleHidden;
-  ExpectControls(
-      kDefineControl,
-      {
-          {kDescriptionLabel, Label, "Description"},
-          {kDescriptionText, Edit, ""},
-          {kTriggerFrame, GroupBox, "Trigger"},
-          {kOnLabel, Label, "on", kStyleHidden},
-          {kPress, RadioButton, "Press", kStyleHidden},
-          {kRelease, RadioButton, "Release", kStyleHidden},
-          {kTriggerText, Edit, "", platform::kStyleReadOnly},
-          {kDetectLabel, Label, "Detect"},
-          {kDetectTrigger, CheckBox, ""},
-          {kToggleMouseCheck, CheckBox, "Activate/Deactivate Mouse Controls"},
-          {kHoldAllKeys, CheckBox, "Hold down all keys of a multi-key event until released"},
-          {kUppercaseNote, Label, "NOTE: Uppercase letters are preceded by a shift when replayed"},
-          {kKeysLabel, Label, "Key(s)"},
-          {kKeysText, Edit, ""},
-          {kSpecialKeyLabel, Label, "Help: Special Key List"},
-          {kSpecialKeyList, DropList, ""},
-          {kHoldValue, Edit, ""},
-          {kPauseValue, Edit, ""},
-          {kRepeatFrame, GroupBox, "Key Repeat (in milliseconds)"},
-          {kRepeatCheck, CheckBox, "Enable Repeat"},
-          {kDelayLabel, Label, "Delay"},
-          {kDelayValue, Edit, "", kStyleDigits},
-          {kSpeedLabel, Label, "Speed"},
-          {kSpeedValue, Edit, "", kStyleDigits},
-          {kDefaults, Button, "Defaults"},
-          {kHelp, Button, "Help..."},
-          {platform::IDOK, Button, "OK", platform::kStyleDefault},
-          {platform::IDCANCEL, Button, "Cancel"},
-      });
-  EXPECT_TRUE(Shows(kDefineControl, "Key Timings (in milliseconds)"));
-  EXPECT_TRUE(Shows(kDefineControl,
-                    "NOTE: Key timings are generally only necessary for applications that do not "
-                    "use buffered input."));
-  EXPECT_EQ(Shown((Find(kDefineControl, kHoldValue) - 1)->text), "Key hold time");
-  EXPECT_EQ(Shown((Find(kDefineControl, kPauseValue) - 1)->text), "Key release pause");
 }
 
 TEST(DefineControl, PutsEachControlInTheGroupThatItBelongsTo) {
@@ -300,58 +160,6 @@ TEST(DefineControl, LeavesNoGapInARowForTheHiddenControls) {
       EXPECT_FALSE(sameRow && control.x > place.x) << control.id;
     }
   }
-}
-
-TEST(SmallDialogs, HaveTheirControls) {
-  using platform::IDCANCEL;
-  using platform::IDOK;
-  using platform::kStyleDefault;
-  ExpectControls(kNewProfile, {{new_profile::kName, Edit, ""},
-                               {IDOK, Button, "OK", kStyleDefault},
-                               {IDCANCEL, Button, "Cancel"}});
-  EXPECT_TRUE(Shows(kNewProfile, "Enter New Profile Name"));
-
-  ExpectControls(kDeleteProfile, {{delete_profile::kName, Label, ""},
-                                  {IDOK, Button, "Yes, Delete It"},
-                                  {IDCANCEL, Button, "No!", kStyleDefault}});
-  EXPECT_TRUE(Shows(kDeleteProfile, "Delete Profile:"));
-  EXPECT_TRUE(Shows(kDeleteProfile, "Are you sure?"));
-
-  ExpectControls(kProfileName, {{profile_name::kTopLine, Label, ""},
-                                {profile_name::kName, Edit, ""},
-                                {IDOK, Button, "OK", kStyleDefault},
-                                {IDCANCEL, Button, "Cancel"}});
-  EXPECT_TRUE(Shows(kProfileName, "Enter a new name for this profile"));
-
-  ExpectControls(kShiftKeyRequired,
-                 {{shift_key_required::kDontShowAgain, CheckBox, "Don't show this again"},
-                  {IDOK, Button, "Yes", kStyleDefault},
-                  {IDCANCEL, Button, "No"}});
-  EXPECT_TRUE(Shows(kShiftKeyRequired,
-                    "You have entered one or more keys that require a shift key press in order to "
-                    "replay properly. Are you sure you want to use an uppercase character in this "
-                    "control?"));
-
-  ExpectControls(kAdvancedSettings, {{advanced_settings::kAutodetectDevicePlugin, CheckBox,
-                                      "Auto-detect device plugin"},
-                                     {IDOK, Button, "OK", kStyleDefault},
-                                     {IDCANCEL, Button, "Cancel"}});
-
-  ExpectControls(kWelcome, {{welcome::kPicture, Picture, ""},
-                            {welcome::kText, TextArea, ""},
-                            {IDOK, Button, "Close", kStyleDefault}});
-
-  ExpectControls(kAutoDetectMode,
-                 {{auto_detect_mode::kDontShowAgain, CheckBox, "Don't show this again"},
-                  {IDOK, Button, "OK", kStyleDefault}});
-  EXPECT_TRUE(Shows(kAutoDetectMode,
-                    "This will detect movement or button presses on your input device, and make "
-                    "the appropriate assignment. All control input is captured while in this "
-                    "mode."));
-  EXPECT_TRUE(Shows(kAutoDetectMode,
-                    "You can exit auto-detect mode by pressing the spacebar on your keyboard, by "
-                    "pressing any two buttons simultaneously on your controller, or by unchecking "
-                    "the detect box with your mouse."));
 }
 
 TEST(SmallDialogs, PutTheWelcomesPictureOnTop) {
