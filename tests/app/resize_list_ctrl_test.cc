@@ -290,8 +290,8 @@ TEST_F(ResizeListCtrlTest, BeforeTheFirstPaintHeaderNoticesDontCount) {
 }
 
 TEST_F(ResizeListCtrlTest, ADraggedDividerWhoseOrderCantBeReadCountsByNumber) {
-  Open(false);
   sim.FailAlways("ListGetColumnOrder");
+  Open(false);
   screen.DragDivider(kList, 0, 120);
   EXPECT_EQ(Widths(), (Numbers{120, 50, 130}));
 }

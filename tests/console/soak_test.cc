@@ -40,6 +40,7 @@ class Soak {
   ~Soak() {
     Pause([this] { device.StopDevice(); });
     engine.repeatWorker.Stop();
+    for (const char* operation : kReads) simulation.Mend(operation);
   }
 
   std::uint64_t Now() const { return simulation.Now(); }
@@ -60,8 +61,8 @@ class Soak {
         pad.PlugIn();
         break;
       case 5:
-        simulation.FailNext(random.OneOf({"Poll", "GetDeviceState", "Acquire"}),
-                            platform::DIERR_INPUTLOST, random.Between(1, 50));
+        simulation.FailNext(kReads[random.Below(3)], platform::DIERR_INPUTLOST,
+                            random.Between(1, 50));
         break;
       case 6:
         Pause([this] {
@@ -96,6 +97,8 @@ class Soak {
   }
 
  private:
+  static constexpr const char* kReads[] = {"Poll", "GetDeviceState", "Acquire"};
+
   void Play() {
     platform::StateChange change;
     if (random.OneIn(2)) {

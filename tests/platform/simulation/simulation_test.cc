@@ -144,6 +144,7 @@ TEST(Simulation, EachStartsAnew) {
     EXPECT_EQ(CreateEventA(false, false), 1);
     keybd_event(1, 2, 0, 0);
     sim.FailAlways("CreateEventA");
+    EXPECT_EQ(CreateEventA(false, false), kInvalidHandle);
     sim.RunFor(10);
   }
 }
