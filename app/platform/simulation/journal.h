@@ -24,6 +24,11 @@ namespace platform::simulation {
 
 class Journal {
  public:
+  Journal() = default;
+  ~Journal();
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+
   // Notes the call, if calls are kept. The result that is planned for it, if one is.
   template <typename... Arguments>
   std::optional<HRESULT> Enter(std::string_view operation, const Arguments&... arguments) {
@@ -49,7 +54,7 @@ class Journal {
     return plans.empty() ? std::nullopt : Planned(operation);
   }
 
-  // A name that no operation has ends the program: the plan would never come true.
+  // A fault that never comes, and isn't mended, ends the program with the Journal.
   void Plan(const std::string& operation, HRESULT result, std::uint64_t times);
   void Mend(const std::string& operation);
 
@@ -60,6 +65,7 @@ class Journal {
   struct Fault {
     HRESULT result = 0;
     std::uint64_t times = 0;
+    bool came = false;
   };
 
   static std::string Text(std::string_view text) { return std::string(text); }

@@ -4,14 +4,14 @@
 
 #include <thread>
 
-#include "app/platform/simulation/simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
 namespace platform::simulation {
 namespace {
 
-TEST(Scheduler, TimeMovesOnlyWhenEveryoneWaits) {
-  Simulation sim;
+using SchedulerTest = ThreadedTest;
+
+TEST_F(SchedulerTest, TimeMovesOnlyWhenEveryoneWaits) {
   EXPECT_EQ(sim.Now(), 0u);
   sim.RunFor(120);
   EXPECT_EQ(sim.Now(), 120u);
@@ -22,8 +22,7 @@ TEST(Scheduler, TimeMovesOnlyWhenEveryoneWaits) {
   EXPECT_EQ(sim.Now(), 125u) << "time never goes back";
 }
 
-TEST(Scheduler, TickCountHasAnOffsetAndWraps) {
-  Simulation sim;
+TEST_F(SchedulerTest, TickCountHasAnOffsetAndWraps) {
   sim.SetTickOffset(0xFFFFFFF0u);
   EXPECT_EQ(GetTickCount(), 0xFFFFFFF0u);
   sim.RunFor(0x20);
@@ -31,31 +30,21 @@ TEST(Scheduler, TickCountHasAnOffsetAndWraps) {
   EXPECT_EQ(sim.Now(), 0x20u);
 }
 
-TEST(Scheduler, ANewThreadRunsWhenItsMakerWaits) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
-  bodies.Start("worker", [&] {
-    diary.Note("worker");
-    return 0;
-  });
+TEST_F(SchedulerTest, ANewThreadRunsWhenItsMakerWaits) {
+  bodies.Start("worker", [&] { diary.Note("worker"); });
   diary.Note("test");
   sim.RunFor(0);
   diary.Note("test");
   EXPECT_EQ(diary.text, "test@0 worker@0 test@0 ");
 }
 
-TEST(Scheduler, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBeforeOthers) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
+TEST_F(SchedulerTest, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBeforeOthers) {
   const auto everyTen = [&](const char* name) {
-    bodies.Start(name, [&diary, name] {
+    bodies.Start(name, [this, name] {
       for (int round = 0; round < 2; ++round) {
         Sleep(10);
         diary.Note(name);
       }
-      return 0;
     });
   };
   // Made in the reverse order of their ranks.
@@ -63,10 +52,7 @@ TEST(Scheduler, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBeforeOth
   everyTen("second launcher");
   everyTen("repeat");
   everyTen("notification");
-  bodies.Tick(10, [&] {
-    diary.Note("timer");
-    return 0;
-  });
+  bodies.Tick(10, [&] { diary.Note("timer"); });
   Sleep(10);
   diary.Note("test");
   Sleep(10);
@@ -76,103 +62,63 @@ TEST(Scheduler, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBeforeOth
             "timer@20 notification@20 repeat@20 launcher@20 second launcher@20 test@20 ");
 }
 
-TEST(Scheduler, AnEarlierTimeGoesBeforeALowerRank) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
+TEST_F(SchedulerTest, AnEarlierTimeGoesBeforeALowerRank) {
   bodies.Start("notification", [&] {
     Sleep(11);
     diary.Note("notification");
-    return 0;
   });
   bodies.Start("other", [&] {
     Sleep(10);
     diary.Note("other");
-    return 0;
   });
   sim.RunFor(20);
   EXPECT_EQ(diary.text, "other@10 notification@11 ");
 }
 
-TEST(Scheduler, AThreadRunsUntilItWaits) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
+TEST_F(SchedulerTest, AThreadRunsUntilItWaits) {
   const Handle event = CreateEventA(false, false);
   bodies.Start("notification", [&] {
     WaitForSingleObject(event, WAIT_FOREVER);
     diary.Note("notification");
-    return 0;
   });
   bodies.Start("repeat", [&] {
     SetEvent(event);
     diary.Note("repeat goes on");
     Sleep(0);
     diary.Note("repeat again");
-    return 0;
   });
   sim.RunFor(1);
   EXPECT_EQ(diary.text, "repeat goes on@0 notification@0 repeat again@0 ");
 }
 
-TEST(Scheduler, AThreadThatAnEventWakesIsDueAtThatMillisecond) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
-  const Handle event = CreateEventA(false, false);
-  bodies.Start("notification", [&] {
-    WaitForSingleObject(event, WAIT_FOREVER);
-    diary.Note("woken");
-    return 0;
-  });
-  bodies.Tick(7, [&] {
-    diary.Note("tick");
-    if (GetTickCount() == 14) SetEvent(event);
-    return 0;
-  });
-  sim.RunFor(14);
-  EXPECT_EQ(diary.text, "tick@7 tick@14 woken@14 ");
-}
-
-TEST(Scheduler, SleepOfZeroLetsLowerRanksRunWithoutTimeMovingOn) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
+TEST_F(SchedulerTest, SleepOfZeroLetsLowerRanksRunWithoutTimeMovingOn) {
   bodies.Start("notification", [&] {
     diary.Note("a");
     Sleep(0);
     diary.Note("a");
     Sleep(0);
     diary.Note("a");
-    return 0;
   });
   bodies.Start("other", [&] {
     diary.Note("b");
     Sleep(0);
     diary.Note("b");
-    return 0;
   });
   sim.RunFor(0);
   EXPECT_EQ(diary.text, "a@0 b@0 a@0 b@0 a@0 ");
 }
 
-TEST(Scheduler, RunForEndsBehindEverythingThatIsDueAtItsEnd) {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
+TEST_F(SchedulerTest, RunForEndsBehindEverythingThatIsDueAtItsEnd) {
   bodies.Start("other", [&] {
     Sleep(5);
     for (int round = 0; round < 3; ++round) Sleep(0);
     diary.Note("other");
-    return 0;
   });
   sim.RunFor(5);
   EXPECT_EQ(diary.text, "other@5 ");
 }
 
-TEST(Scheduler, ThreadsMayEndWhileOthersWait) {
-  Simulation sim;
-  Bodies bodies;
+TEST_F(SchedulerTest, ThreadsMayEndWhileOthersWait) {
   int ended = 0;
   // More than fit on a few stacks, one after the other and at once.
   for (int batch = 0; batch < 5; ++batch) {
@@ -180,7 +126,6 @@ TEST(Scheduler, ThreadsMayEndWhileOthersWait) {
       CloseHandle(bodies.Start("short", [&ended, thread] {
         Sleep(thread);
         ++ended;
-        return 0;
       }));
     }
     EXPECT_EQ(sim.LivingThreads(), 20u);
@@ -197,107 +142,19 @@ TEST(Scheduler, ASimulationMayEndWithThreadsAlive) {
     Simulation sim;
     bodies.Start("sleeper", [] {
       for (;;) Sleep(1);
-      return 0u;
     });
-    bodies.Start("never begun", [] { return 0; });
+    bodies.Start("never begun", [] {});
     const Handle event = CreateEventA(false, false);
-    bodies.Start("waiter", [event] {
-      WaitForSingleObject(event, WAIT_FOREVER);
-      return 0;
-    });
-    bodies.Tick(3, [] {
-      Sleep(1000);
-      return 0;
-    });
+    bodies.Start("waiter", [event] { WaitForSingleObject(event, WAIT_FOREVER); });
+    bodies.Tick(3, [] { Sleep(1000); });
     sim.RunFor(10);
     EXPECT_EQ(sim.LivingThreads(), 2u);
-    bodies.Start("another", [] { return 0; });
+    bodies.Start("another", [] {});
     EXPECT_EQ(sim.LivingThreads(), 3u);
   }
   Simulation next;
   next.RunFor(10);
   EXPECT_EQ(next.LivingThreads(), 0u);
-}
-
-TEST(Scheduler, ThreadsHaveRoomOnTheirStacks) {
-  Simulation sim;
-  Bodies bodies;
-  std::uint32_t sum = 0;
-  for (int thread = 0; thread < 2; ++thread) {
-    bodies.Start("deep", [&] {
-      volatile std::uint8_t room[128 * 1024];
-      for (std::size_t at = 0; at < sizeof room; at += 1024) room[at] = 1;
-      Sleep(5);
-      for (std::size_t at = 0; at < sizeof room; at += 1024) sum += room[at];
-      return 0;
-    });
-  }
-  sim.RunFor(5);
-  EXPECT_EQ(sum, 256u);
-}
-
-std::string MixedRun() {
-  Simulation sim;
-  Bodies bodies;
-  Diary diary;
-  SimulatedDevice& pad = sim.AddDevice({});
-  const Handle event = CreateEventA(false, false);
-  bodies.Start("repeat", [&] {
-    for (;;) {
-      Sleep(10);
-      keybd_event(65, 30, 0, 0);
-    }
-    return 0u;
-  });
-  bodies.Start("notification", [&] {
-    for (;;) {
-      WaitForSingleObject(event, 17);
-      mouse_event(MOUSEEVENTF_MOVE, 1, 2, 0, 0);
-      Sleep(3);
-    }
-    return 0u;
-  });
-  bodies.Tick(5, [&] {
-    if (pad.State().rgbButtons[0]) SetEvent(event);
-    return 0;
-  });
-  StateChange press;
-  press.hasButtons = true;
-  press.buttons = {1};
-  pad.ChangeAt(40, press);
-  press.buttons = {};
-  pad.ChangeAt(90, press);
-  sim.RunFor(1000);
-  return sim.EventText();
-}
-
-TEST(Scheduler, TheSameCallsGiveTheSameRun) {
-  const std::string first = MixedRun();
-  EXPECT_GT(first.size(), 1000u);
-  EXPECT_EQ(first.substr(0, first.find('\n', first.find('\n') + 1) + 1),
-            "10 key 41 1e 0\n17 mouse 1 1 2 0\n");
-  EXPECT_EQ(MixedRun(), first);
-}
-
-TEST(Scheduler, AnHourOfPlayHasEveryTickAndEveryWake) {
-  Simulation sim;
-  Bodies bodies;
-  std::uint32_t ticks = 0;
-  std::uint32_t wakes = 0;
-  bodies.Tick(5, [&] {
-    ++ticks;
-    return 0;
-  });
-  bodies.Start("repeat", [&] {
-    for (;;) {
-      Sleep(10);
-      ++wakes;
-    }
-    return 0u;
-  });
-  sim.RunFor(3'600'000);
-  EXPECT_EQ(ticks, 720'000u);
-  EXPECT_EQ(wakes, 360'000u);
 }
 
 TEST(SchedulerDeathTest, RefusesAnotherSystemThread) {
@@ -316,10 +173,8 @@ TEST(SchedulerDeathTest, SaysWhoWaitsForWhatWhenNothingIsDueAnyMore) {
         Simulation sim;
         Bodies bodies;
         const Handle event = CreateEventA(true, false);
-        const Handle thread = bodies.Start("repeat", [event] {
-          WaitForSingleObject(event, WAIT_FOREVER);
-          return 0;
-        });
+        const Handle thread =
+            bodies.Start("repeat", [event] { WaitForSingleObject(event, WAIT_FOREVER); });
         WaitForSingleObject(thread, WAIT_FOREVER);
       },
       "at 0 ms nothing is due.*\n"
@@ -334,7 +189,6 @@ TEST(SchedulerDeathTest, FindsOutThreadsThatGoRoundWithoutTimeMovingOn) {
         Bodies bodies;
         bodies.Start("spinning", [] {
           for (;;) Sleep(0);
-          return 0u;
         });
         sim.RunFor(1);
       },
@@ -346,10 +200,7 @@ TEST(SchedulerDeathTest, OnlyTheOutermostThreadLetsTimePass) {
       {
         Simulation sim;
         Bodies bodies;
-        bodies.Start("inner", [&] {
-          sim.RunFor(1);
-          return 0;
-        });
+        bodies.Start("inner", [&] { sim.RunFor(1); });
         sim.RunFor(1);
       },
       "thread 2 \"inner\" runs");

@@ -115,6 +115,98 @@ TEST(Simulation, FaultsComeAsOftenAsPlanned) {
   EXPECT_TRUE(SetEvent(event));
 }
 
+TEST(SimulationDeathTest, AFaultThatNeverComesEndsTheTest) {
+  EXPECT_DEATH(Simulation().FailNext("Aquire"), "the fault of Aquire never came");
+}
+
+using SimulationTest = ThreadedTest;
+
+TEST_F(SimulationTest, OperationsFailAsPlannedAndDoNothing) {
+  const Handle event = CreateEventA(true, true);
+  const Handle thread = bodies.Start("worker", [] { Sleep(1); });
+  const std::uint32_t timer = bodies.Tick(5, [] {});
+  timeBeginPeriod(5);
+  sim.Registry().PutDword("HKCU", "n", 1);
+  sim.Registry().PutKey("HKCU\\sub");
+  TIMECAPS caps;
+  HKEY key = 0;
+  std::uint32_t number = 0;
+  std::uint32_t size = 8;
+  char name[8];
+  DirectInput* directory = nullptr;
+  const struct {
+    const char* name;
+    std::function<bool()> works;
+  } kOperations[] = {
+      {"CreateThread", [&] { return bodies.Start("worker", [] {}) != kInvalidHandle; }},
+      {"GetExitCodeThread", [&] { return GetExitCodeThread(thread, &number); }},
+      {"TerminateThread", [&] { return TerminateThread(thread, 8); }},
+      {"SetCurrentThreadPriority", [] { return SetCurrentThreadPriority(1); }},
+      {"GetCurrentThreadPriority", [] { return GetCurrentThreadPriority() == 1; }},
+      {"SetPriorityClass", [] { return SetPriorityClass(HIGH_PRIORITY_CLASS); }},
+      {"CreateEventA", [] { return CreateEventA(true, true) != kInvalidHandle; }},
+      {"SetEvent", [&] { return SetEvent(event); }},
+      {"ResetEvent", [&] { return ResetEvent(event); }},
+      {"WaitForSingleObject", [&] { return WaitForSingleObject(event, 0) != WAIT_FAILED; }},
+      {"WaitForMultipleObjects",
+       [&] { return WaitForMultipleObjects(1, &event, 0) != WAIT_FAILED; }},
+      {"CloseHandle", [&] { return CloseHandle(event); }},
+      {"timeGetDevCaps", [&] { return timeGetDevCaps(&caps) == TIMERR_NOERROR; }},
+      {"timeBeginPeriod", [] { return timeBeginPeriod(6) == TIMERR_NOERROR; }},
+      {"timeEndPeriod", [] { return timeEndPeriod(5) == TIMERR_NOERROR; }},
+      {"timeSetEvent", [&] { return bodies.Tick(5, [] {}) != 0; }},
+      {"timeKillEvent", [&] { return timeKillEvent(timer) == TIMERR_NOERROR; }},
+      {"RegOpenKeyA", [&] { return RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key) == 0; }},
+      {"RegCreateKeyA", [&] { return RegCreateKeyA(HKEY_CURRENT_USER, "new", &key) == 0; }},
+      {"RegSetValueExA", [&] { return RegSetValueExA(key, "m", REG_NONE, "", 0) == 0; }},
+      {"RegQueryValueExA",
+       [&] { return RegQueryValueExA(key, "m", nullptr, nullptr, nullptr) == 0; }},
+      {"RegEnumValueA",
+       [&] { return RegEnumValueA(key, 0, name, &size, nullptr, nullptr, nullptr) == 0; }},
+      {"RegEnumKeyA", [&] { return RegEnumKeyA(HKEY_CURRENT_USER, 0, name, 8) == 0; }},
+      {"RegDeleteValueA", [&] { return RegDeleteValueA(key, "m") == 0; }},
+      {"RegCloseKey", [&] { return RegCloseKey(key) == 0; }},
+      {"DirectInput8Create", [&] { return DirectInput8Create(0x0800, &directory) == DI_OK; }},
+  };
+  for (const auto& operation : kOperations) {
+    sim.FailNext(operation.name);
+    EXPECT_FALSE(operation.works()) << operation.name;
+    EXPECT_TRUE(operation.works()) << operation.name << ": not carried out before";
+  }
+}
+
+TEST_F(SimulationTest, CallsAreKeptInOrderWithWhatTellsThemApart) {
+  CreateEventA(true, false);
+  EXPECT_TRUE(sim.Calls().empty());
+  sim.LogCalls(true);
+  const Handle event = CreateEventA(false, false);
+  const Handle thread =
+      bodies.Start("notification", [] { SetCurrentThreadPriority(THREAD_PRIORITY_TIME_CRITICAL); });
+  WaitForSingleObject(thread, 5);
+  SetEvent(event);
+  CloseHandle(thread);
+  timeKillEvent(bodies.Tick(5, [] {}));
+  keybd_event(1, 2, 0, 0);
+  HKEY key = 0;
+  RegCreateKeyA(HKEY_CURRENT_USER, "a", &key);
+  RegSetValueExA(key, "the name", REG_SZ, "", 1);
+  RegCloseKey(key);
+  RegDeleteValueA(key, "the name");
+  DirectInput* directory = nullptr;
+  DirectInput8Create(DIRECTINPUT_VERSION_8, &directory);
+  directory->Release();
+  EXPECT_EQ(sim.Calls(),
+            (std::vector<std::string>{
+                "CreateEventA auto", "CreateThread notification", "SetCurrentThreadPriority 15",
+                "SetEvent 2", "CloseHandle 3", "timeSetEvent 5 1", "timeKillEvent 1",
+                "RegCreateKeyA HKCU\\a", "RegSetValueExA HKCU\\a the name", "RegCloseKey HKCU\\a",
+                "RegDeleteValueA ? the name", "DirectInput8Create", "Release DirectInput"}));
+  sim.ClearCalls();
+  sim.LogCalls(false);
+  SetEvent(event);
+  EXPECT_TRUE(sim.Calls().empty());
+}
+
 TEST(Simulation, OneGroupCanBeReplaced) {
   class CountedInput final : public Input {
    public:

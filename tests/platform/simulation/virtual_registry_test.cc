@@ -5,31 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "app/platform/simulation/simulation.h"
-
 namespace platform::simulation {
 namespace {
 
 using Names = std::vector<std::string>;
-
-TEST(VirtualRegistry, IsTheInstalledOneOfASimulation) {
-  Simulation sim;
-  HKEY key = 0;
-  ASSERT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, "Software\\Game", &key), ERROR_SUCCESS);
-  EXPECT_EQ(platform::RegSetValueExA(key, "s", REG_SZ, "ab", 3), ERROR_SUCCESS);
-  EXPECT_EQ(sim.Registry().Text("HKCU\\Software\\Game", "s"), "ab");
-  char data[3] = {};
-  std::uint32_t type = 0;
-  std::uint32_t size = sizeof data;
-  EXPECT_EQ(platform::RegQueryValueExA(key, "s", &type, data, &size), ERROR_SUCCESS);
-  EXPECT_EQ(type, REG_SZ);
-  EXPECT_EQ(size, 3u);
-  EXPECT_STREQ(data, "ab");
-  EXPECT_EQ(platform::RegDeleteValueA(key, "s"), ERROR_SUCCESS);
-  EXPECT_EQ(platform::RegDeleteValueA(key, "s"), ERROR_FILE_NOT_FOUND);
-  EXPECT_EQ(platform::RegCloseKey(key), ERROR_SUCCESS);
-  EXPECT_EQ(sim.Registry().OpenHandles(), 0u);
-}
 
 TEST(VirtualRegistry, NamesAreFoundInEitherCaseAndStayAsTheyWereMade) {
   VirtualRegistry registry;
@@ -96,13 +75,6 @@ TEST(VirtualRegistry, AHandleThatIsNotOpenIsInvalid) {
   EXPECT_EQ(registry.RegEnumValueA(key, 0, name, &nameSize, nullptr, nullptr, nullptr),
             ERROR_NO_MORE_ITEMS);
   EXPECT_EQ(registry.RegEnumKeyA(key, 0, name, sizeof name), ERROR_NO_MORE_ITEMS);
-}
-
-TEST(VirtualRegistry, TheHivesStayOpen) {
-  VirtualRegistry registry;
-  EXPECT_EQ(registry.RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
-  HKEY key = 0;
-  EXPECT_EQ(registry.RegCreateKeyA(HKEY_CURRENT_USER, "a", &key), ERROR_SUCCESS);
 }
 
 TEST(VirtualRegistry, ABufferWithoutRoomIsMoreData) {
@@ -172,45 +144,6 @@ TEST(VirtualRegistry, ARemovedKeyIsGoneForItsHandlesToo) {
   registry.RemoveKey("HKCU\\a");
   EXPECT_EQ(registry.RegSetValueExA(key, "n", REG_SZ, "", 1), ERROR_FILE_NOT_FOUND);
   EXPECT_FALSE(registry.HasKey("HKCU\\a"));
-}
-
-TEST(VirtualRegistry, EachOperationFailsByPlanAndDoesNothing) {
-  Simulation sim;
-  VirtualRegistry& registry = sim.Registry();
-  registry.PutDword("HKCU", "n", 1);
-  registry.PutKey("HKCU\\sub");
-  for (const char* operation :
-       {"RegOpenKeyA", "RegCreateKeyA", "RegCloseKey", "RegQueryValueExA", "RegSetValueExA",
-        "RegDeleteValueA", "RegEnumValueA", "RegEnumKeyA"}) {
-    sim.FailNext(operation, 1016);
-  }
-  HKEY key = 0;
-  char name[8];
-  std::uint32_t size = sizeof name;
-  EXPECT_EQ(platform::RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key), 1016u);
-  EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, "new", &key), 1016u);
-  EXPECT_EQ(platform::RegCloseKey(HKEY_CURRENT_USER), 1016u);
-  EXPECT_EQ(platform::RegQueryValueExA(HKEY_CURRENT_USER, "n", nullptr, nullptr, nullptr), 1016u);
-  EXPECT_EQ(platform::RegSetValueExA(HKEY_CURRENT_USER, "n", REG_NONE, "", 0), 1016u);
-  EXPECT_EQ(platform::RegDeleteValueA(HKEY_CURRENT_USER, "n"), 1016u);
-  EXPECT_EQ(platform::RegEnumValueA(HKEY_CURRENT_USER, 0, name, &size, nullptr, nullptr, nullptr),
-            1016u);
-  EXPECT_EQ(platform::RegEnumKeyA(HKEY_CURRENT_USER, 0, name, sizeof name), 1016u);
-  EXPECT_EQ(registry.Number("HKCU", "n"), 1u);
-  EXPECT_EQ(registry.SubkeyNames("HKCU"), Names{"sub"});
-  EXPECT_EQ(platform::RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key), ERROR_SUCCESS);
-}
-
-TEST(VirtualRegistry, CallsAreLoggedWithTheWholeKey) {
-  Simulation sim;
-  sim.LogCalls(true);
-  HKEY key = 0;
-  platform::RegCreateKeyA(HKEY_CURRENT_USER, "a", &key);
-  platform::RegSetValueExA(key, "the name", REG_SZ, "", 1);
-  platform::RegCloseKey(key);
-  platform::RegDeleteValueA(key, "the name");
-  EXPECT_EQ(sim.Calls(), (Names{"RegCreateKeyA HKCU\\a", "RegSetValueExA HKCU\\a the name",
-                                "RegCloseKey HKCU\\a", "RegDeleteValueA ? the name"}));
 }
 
 }  // namespace

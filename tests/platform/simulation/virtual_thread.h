@@ -1,38 +1,48 @@
 // Lets a test write the body of a virtual thread in place.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <functional>
 #include <list>
 #include <string>
-#include <utility>
+#include <type_traits>
 
-#include "app/platform/platform.h"
+#include "app/platform/simulation/simulation.h"
 
 namespace platform::simulation {
 
+// A body stays where it is as long as this lives, which must be longer than its thread. One that
+// returns nothing ends with 0.
 class Bodies {
  public:
-  // The body stays where it is as long as this lives, which must be longer than the thread.
-  Handle Start(const char* name, std::function<std::uint32_t()> body, std::int32_t* id = nullptr) {
-    bodies.push_back(std::move(body));
-    return CreateThread(
-        [](void* stored) { return (*static_cast<std::function<std::uint32_t()>*>(stored))(); },
-        &bodies.back(), name, id);
+  template <typename Body>
+  Handle Start(const char* name, Body body, std::int32_t* id = nullptr) {
+    return CreateThread([](void* stored) { return (*static_cast<Stored*>(stored))(); }, Keep(body),
+                        name, id);
   }
 
-  std::uint32_t Tick(std::uint32_t ms, std::function<std::uint32_t()> body) {
-    bodies.push_back(std::move(body));
+  template <typename Body>
+  std::uint32_t Tick(std::uint32_t ms, Body body) {
     return timeSetEvent(
-        ms, 1,
-        [](std::uint32_t, void* stored) {
-          (*static_cast<std::function<std::uint32_t()>*>(stored))();
-        },
-        &bodies.back(), TIME_PERIODIC);
+        ms, 1, [](std::uint32_t, void* stored) { (*static_cast<Stored*>(stored))(); }, Keep(body),
+        TIME_PERIODIC);
   }
 
  private:
-  std::list<std::function<std::uint32_t()>> bodies;
+  using Stored = std::function<std::uint32_t()>;
+
+  template <typename Body>
+  Stored* Keep(Body body) {
+    if constexpr (std::is_void_v<decltype(body())>) {
+      return &bodies.emplace_back([body]() -> std::uint32_t { return body(), 0; });
+    } else {
+      return &bodies.emplace_back(body);
+    }
+  }
+
+  std::list<Stored> bodies;
 };
 
 // "a@5 b@5 ": who came by, and when.
@@ -40,6 +50,14 @@ class Diary {
  public:
   void Note(const std::string& who) { text += who + "@" + std::to_string(GetTickCount()) + " "; }
   std::string text;
+};
+
+// A machine with threads of the test's own.
+class ThreadedTest : public testing::Test {
+ protected:
+  Simulation sim;
+  Bodies bodies;
+  Diary diary;
 };
 
 }  // namespace platform::simulation
