@@ -21,26 +21,13 @@ class PrintingInput : public platform::Input {
   void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                    std::uint32_t extra) override {
     target.keybd_event(vk, scan, flags, extra);
-    SentEvent event;
-    event.t = Elapsed();
-    event.kind = SentEvent::Kind::Key;
-    event.flags = flags;
-    event.vk = vk;
-    event.scan = scan;
-    printer.Print(event);
+    printer.Print(platform::simulation::SentKey(Elapsed(), vk, scan, flags));
   }
 
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                    std::uint32_t extra) override {
     target.mouse_event(flags, dx, dy, data, extra);
-    SentEvent event;
-    event.t = Elapsed();
-    event.kind = SentEvent::Kind::Mouse;
-    event.flags = flags;
-    event.dx = dx;
-    event.dy = dy;
-    event.data = data;
-    printer.Print(event);
+    printer.Print(platform::simulation::SentMouse(Elapsed(), flags, dx, dy, data));
   }
 
  private:

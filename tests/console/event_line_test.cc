@@ -9,26 +9,8 @@
 namespace kelvaro::console {
 namespace {
 
-SentEvent Key(std::uint64_t t, std::uint8_t vk, std::uint8_t scan, std::uint32_t flags) {
-  SentEvent event;
-  event.t = t;
-  event.vk = vk;
-  event.scan = scan;
-  event.flags = flags;
-  return event;
-}
-
-SentEvent Mouse(std::uint64_t t, std::uint32_t flags, std::int32_t dx, std::int32_t dy,
-                std::int32_t data) {
-  SentEvent event;
-  event.kind = SentEvent::Kind::Mouse;
-  event.t = t;
-  event.flags = flags;
-  event.dx = dx;
-  event.dy = dy;
-  event.data = data;
-  return event;
-}
+constexpr auto* Key = &platform::simulation::SentKey;
+constexpr auto* Mouse = &platform::simulation::SentMouse;
 
 TEST(JsonEventLine, IsSpelledAsPromised) {
   EXPECT_EQ(JsonEventLine(Key(120, 65, 30, 0)),

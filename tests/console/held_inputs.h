@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "app/platform/input.h"
-#include "app/platform/simulation/simulation.h"
+#include "app/platform/simulation/sent_event.h"
 
 namespace kelvaro {
 

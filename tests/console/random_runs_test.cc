@@ -14,6 +14,8 @@ namespace kelvaro::console {
 namespace {
 
 using platform::simulation::SentEvent;
+using platform::simulation::SentKey;
+using platform::simulation::SentMouse;
 
 constexpr std::uint32_t kRuns = 150;
 
@@ -49,20 +51,14 @@ SentEvent Parse(const std::string& line) {
   std::string errors;
   const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
   EXPECT_TRUE(reader->parse(line.data(), line.data() + line.size(), &value, &errors)) << line;
-  SentEvent event;
-  event.t = value["t"].asUInt64();
-  event.flags = value["flags"].asUInt();
+  const std::uint64_t t = value["t"].asUInt64();
+  const std::uint32_t flags = value["flags"].asUInt();
   if (value["event"] == "key") {
-    event.vk = static_cast<std::uint8_t>(value["vk"].asUInt());
-    event.scan = static_cast<std::uint8_t>(value["scan"].asUInt());
-  } else {
-    EXPECT_EQ(value["event"], "mouse") << line;
-    event.kind = SentEvent::Kind::Mouse;
-    event.dx = value["dx"].asInt();
-    event.dy = value["dy"].asInt();
-    event.data = value["data"].asInt();
+    return SentKey(t, static_cast<std::uint8_t>(value["vk"].asUInt()),
+                   static_cast<std::uint8_t>(value["scan"].asUInt()), flags);
   }
-  return event;
+  EXPECT_EQ(value["event"], "mouse") << line;
+  return SentMouse(t, flags, value["dx"].asInt(), value["dy"].asInt(), value["data"].asInt());
 }
 
 TEST(RandomRuns, AreTheSameTwiceAndLeaveNothingDown) {

@@ -20,6 +20,15 @@ struct SentEvent {
   friend bool operator==(const SentEvent&, const SentEvent&) = default;
 };
 
+inline SentEvent SentKey(std::uint64_t t, std::uint8_t vk, std::uint8_t scan, std::uint32_t flags) {
+  return {.t = t, .kind = SentEvent::Kind::Key, .flags = flags, .vk = vk, .scan = scan};
+}
+
+inline SentEvent SentMouse(std::uint64_t t, std::uint32_t flags, std::int32_t dx, std::int32_t dy,
+                           std::int32_t data) {
+  return {.t = t, .kind = SentEvent::Kind::Mouse, .flags = flags, .dx = dx, .dy = dy, .data = data};
+}
+
 // "120 key 41 1e 0" (vk and scan in hexadecimal, flags decimal), "120 mouse 1 4 -1 0" (flags, dx,
 // dy, data, decimal).
 std::string EventText(const SentEvent& event);

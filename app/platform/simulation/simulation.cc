@@ -32,23 +32,13 @@ class KeptInput final : public Input {
   void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                    std::uint32_t) override {
     if (journal.EnterUnnoted("keybd_event")) return;
-    SentEvent event;
-    event.vk = vk;
-    event.scan = scan;
-    event.flags = flags;
-    Send(event);
+    Send(SentKey(scheduler.Now(), vk, scan, flags));
   }
 
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                    std::uint32_t) override {
     if (journal.EnterUnnoted("mouse_event")) return;
-    SentEvent event;
-    event.kind = SentEvent::Kind::Mouse;
-    event.flags = flags;
-    event.dx = dx;
-    event.dy = dy;
-    event.data = data;
-    Send(event);
+    Send(SentMouse(scheduler.Now(), flags, dx, dy, data));
   }
 
   bool keep = true;
@@ -56,8 +46,7 @@ class KeptInput final : public Input {
   std::function<void(const SentEvent&)> listener;
 
  private:
-  void Send(SentEvent& event) {
-    event.t = scheduler.Now();
+  void Send(const SentEvent& event) {
     if (keep) events.push_back(event);
     if (listener) listener(event);
   }

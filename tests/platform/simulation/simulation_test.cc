@@ -16,11 +16,7 @@ TEST(Simulation, KeepsEventsWithTheirTimes) {
   keybd_event(0xA5, 0xB8, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
   mouse_event(MOUSEEVENTF_MOVE | MOUSEEVENTF_WHEEL, 4, -1, -120, 0);
   ASSERT_EQ(sim.Events().size(), 3u);
-  SentEvent key;
-  key.t = 120;
-  key.vk = 0x41;
-  key.scan = 0x1E;
-  EXPECT_EQ(sim.Events()[0], key);
+  EXPECT_EQ(sim.Events()[0], SentKey(120, 0x41, 0x1E, 0));
   EXPECT_EQ(sim.EventText(),
             "120 key 41 1e 0\n"
             "125 key a5 b8 3\n"
@@ -30,18 +26,10 @@ TEST(Simulation, KeepsEventsWithTheirTimes) {
 }
 
 TEST(Simulation, WritesAnEventAsOneLine) {
-  SentEvent key;
-  key.t = 18446744073709551615u;
-  key.vk = 0xFF;
-  key.scan = 0x07;
-  key.flags = 4294967295u;
-  EXPECT_EQ(EventText(key), "18446744073709551615 key ff 7 4294967295");
-  SentEvent mouse;
-  mouse.kind = SentEvent::Kind::Mouse;
-  mouse.flags = 1;
-  mouse.dx = INT32_MIN;
-  mouse.dy = INT32_MAX;
-  EXPECT_EQ(EventText(mouse), "0 mouse 1 -2147483648 2147483647 0");
+  EXPECT_EQ(EventText(SentKey(UINT64_MAX, 0xFF, 0x07, UINT32_MAX)),
+            "18446744073709551615 key ff 7 4294967295");
+  EXPECT_EQ(EventText(SentMouse(0, 1, INT32_MIN, INT32_MAX, 0)),
+            "0 mouse 1 -2147483648 2147483647 0");
 }
 
 TEST(Simulation, TellsAListenerOfEachEvent) {
