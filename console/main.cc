@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
-#include "console/command_line.h"
+#include "console/kelvaroctl.h"
 
 int main(int argc, char** argv) {
   const std::vector<std::string> words(argv + 1, argv + argc);
-  return kelvaro::console::RunCommandLine(words, {std::cout, std::cerr});
+  return kelvaro::console::RunKelvaroctl(words, {std::cout, std::cerr});
 }

@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "console/command_line.h"
+#include "console/kelvaroctl.h"
 #include "tests/cases/case_file.h"
 
 namespace kelvaro::cases {
@@ -47,12 +47,12 @@ TEST_P(CaseTest, SendsTheseEvents) {
 
   std::ostringstream out;
   std::ostringstream err;
-  EXPECT_EQ(console::RunCommandLine(words, {out, err}), 0) << err.str();
+  EXPECT_EQ(console::RunKelvaroctl(words, {out, err}), 0) << err.str();
   const std::vector<std::string> sent = Lines(out.str());
   EXPECT_TRUE(sent == wanted.events) << SideBySide(wanted.events, sent);
 
   std::ostringstream again;
-  EXPECT_EQ(console::RunCommandLine(words, {again, err}), 0) << err.str();
+  EXPECT_EQ(console::RunKelvaroctl(words, {again, err}), 0) << err.str();
   EXPECT_EQ(out.str(), again.str()) << "the same run twice gave different output";
 }
 

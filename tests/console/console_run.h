@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "console/command_line.h"
+#include "console/kelvaroctl.h"
 
 namespace kelvaro::console {
 
@@ -23,7 +23,7 @@ inline Outcome Kelvaroctl(const std::vector<std::string>& words) {
   std::ostringstream out;
   std::ostringstream err;
   Outcome outcome;
-  outcome.status = RunCommandLine(words, {out, err});
+  outcome.status = RunKelvaroctl(words, {out, err});
   outcome.out = out.str();
   outcome.err = err.str();
   return outcome;

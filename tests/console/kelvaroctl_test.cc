@@ -1,4 +1,4 @@
-#include "console/command_line.h"
+#include "console/kelvaroctl.h"
 
 #include <algorithm>
 
@@ -175,7 +175,7 @@ TEST(CommandLine, OutputThatCantBeWrittenIsAnError) {
            {"keys", "a"}, {"keys", "--json", "a"}, {"play", "--simulate", "a"}}) {
     std::ostream full(&nothingFits);
     std::ostringstream err;
-    EXPECT_EQ(RunCommandLine(words, {full, err}), 1) << words[0];
+    EXPECT_EQ(RunKelvaroctl(words, {full, err}), 1) << words[0];
     EXPECT_EQ(err.str(), "kelvaroctl: the output can't be written\n") << words[0];
   }
 }

@@ -1,4 +1,4 @@
-#include "console/command_line.h"
+#include "console/kelvaroctl.h"
 
 #include <CLI/CLI.hpp>
 #include <charconv>
@@ -206,7 +206,7 @@ void AddRun(CLI::App& app, Choice& choice) {
 
 }  // namespace
 
-int RunCommandLine(const std::vector<std::string>& words, Streams streams) {
+int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   Choice choice;
   CLI::App app(kAbout, "kelvaroctl");
   app.require_subcommand(1);

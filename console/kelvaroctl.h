@@ -9,6 +9,6 @@
 namespace kelvaro::console {
 
 // Runs what the words (without the program's own name) ask for, and gives the exit status.
-int RunCommandLine(const std::vector<std::string>& words, Streams streams);
+int RunKelvaroctl(const std::vector<std::string>& words, Streams streams);
 
 }  // namespace kelvaro::console
