@@ -4,10 +4,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/command_line.h"
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/simulation/simulation.h"
-#include "app/quote_chars.h"
+#include "app/start/command_line.h"
+#include "app/start/quote_chars.h"
 
 using namespace kelvaro;
 

@@ -1,6 +1,6 @@
 #include "rendlink/files.h"
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/files.h"
 #include "foundation/byte_string.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/quote_chars.h"
+#include "app/start/quote_chars.h"
 
 namespace kelvaro::rendlink {
 

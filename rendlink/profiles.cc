@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro::rendlink {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "rendlink/launcher.h"
 
 namespace kelvaro::rendlink {

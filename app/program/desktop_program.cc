@@ -16,7 +16,7 @@
 #include "app/program/display.h"
 #include "app/program/no_input.h"
 #include "app/resources/resources.h"
-#include "app/run_program.h"
+#include "app/window/run_program.h"
 
 namespace kelvaro {
 namespace {

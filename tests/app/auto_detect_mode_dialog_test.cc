@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/dialogs.h"
+#include "app/dialogs/dialogs.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 #include "app/resources/resources.h"

@@ -1,7 +1,7 @@
 // "Define Control" as the person works it: what the fields show and take, which box rules out
 // which, what detection and OK make of the Control, each message word for word, and the keys that
 // place the cursor.
-#include "app/define_control_dialog.h"
+#include "app/dialogs/define_control_dialog.h"
 
 #include <gtest/gtest.h>
 

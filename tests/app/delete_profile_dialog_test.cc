@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/dialogs.h"
+#include "app/dialogs/dialogs.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 

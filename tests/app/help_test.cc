@@ -1,4 +1,4 @@
-#include "app/help.h"
+#include "app/dialogs/help.h"
 
 #include <gtest/gtest.h>
 

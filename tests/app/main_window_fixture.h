@@ -20,10 +20,10 @@
 #include <optional>
 #include <string>
 
-#include "app/help.h"
-#include "app/main_window.h"
+#include "app/dialogs/help.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
+#include "app/window/main_window.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro {

@@ -1,4 +1,4 @@
-#include "app/process_finder.h"
+#include "app/start/process_finder.h"
 
 #include <gtest/gtest.h>
 

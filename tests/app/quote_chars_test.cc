@@ -1,4 +1,4 @@
-#include "app/quote_chars.h"
+#include "app/start/quote_chars.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "app/resizable_dialog.h"
+#include "app/layout/resizable_dialog.h"
 
 #include <gtest/gtest.h>
 

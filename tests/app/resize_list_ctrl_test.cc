@@ -1,4 +1,4 @@
-#include "app/resize_list_ctrl.h"
+#include "app/layout/resize_list_ctrl.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 

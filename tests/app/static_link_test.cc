@@ -1,4 +1,4 @@
-#include "app/static_link.h"
+#include "app/layout/static_link.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 #include "app/resources/resources.h"

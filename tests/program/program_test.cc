@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "app/platform/linux/settings/sqlite_registry.h"
-#include "app/settings_keys.h"
+#include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
 
 namespace kelvaro::tests {

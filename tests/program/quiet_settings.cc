@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "app/platform/linux/settings/sqlite_registry.h"
-#include "app/settings_keys.h"
+#include "app/resources/settings_keys.h"
 
 namespace kelvaro::tests {
 

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <memory>
 
-#include "app/settings_keys.h"
+#include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
 #include "tests/program/quiet_settings.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 #include "rendlink/launcher.h"

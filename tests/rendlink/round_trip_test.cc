@@ -5,9 +5,9 @@
 
 #include <random>
 
-#include "app/command_line.h"
-#include "app/dialog.h"
+#include "app/layout/dialog.h"
 #include "app/platform/qt/qt_shell.h"
+#include "app/start/command_line.h"
 #include "rendlink/desktop_entry.h"
 #include "rendlink/launch.h"
 

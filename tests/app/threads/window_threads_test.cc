@@ -12,8 +12,8 @@
 #include <string>
 #include <thread>
 
-#include "app/main_window.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
+#include "app/window/main_window.h"
 #include "foundation/registry_key.h"
 #include "storage/profile_file.h"
 #include "tests/app/threads/plain_window.h"

@@ -20,7 +20,7 @@
 #include <cstdio>
 #include <functional>
 
-#include "app/main_window.h"
+#include "app/window/main_window.h"
 #include "tests/program/looks/stage.h"
 
 namespace {

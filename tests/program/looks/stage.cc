@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/dialogs.h"
-#include "app/main_window.h"
+#include "app/dialogs/dialogs.h"
+#include "app/window/main_window.h"
 #include "keys/key_action.h"
 #include "storage/profile_file.h"
 

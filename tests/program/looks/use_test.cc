@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/main_window.h"
+#include "app/window/main_window.h"
 #include "tests/program/looks/stage.h"
 
 namespace kelvaro::looks {

@@ -1,0 +1,81 @@
+// The dialog "Define Control", which makes and edits one Control: `scratch`. Whoever opens it fills
+// scratch before and takes it back after IDOK. While dialogOpen is set no Control fires; each
+// changed state of the device comes to ShowDetectedTrigger instead.
+#pragma once
+
+#include <cstdint>
+
+#include "app/layout/resizable_dialog.h"
+#include "device/device_manager.h"
+#include "engine/control.h"
+#include "engine/device_snapshot.h"
+#include "foundation/byte_string.h"
+#include "foundation/recursive_lock.h"
+#include "foundation/relaxed.h"
+
+namespace kelvaro {
+
+class DefineControlDialog : public ResizableDialog {
+ public:
+  DefineControlDialog();
+
+  // Notification thread. Makes scratch's Trigger of what is held and shows it, if detectTrigger is
+  // set and the dialog is still open.
+  void ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot);
+
+  Control scratch;
+  bool helpAvailable = false;
+  bool smartCheck = true;     // set before each opening
+  bool shiftReminder = true;  // set before, read after each opening
+  Relaxed<bool> dialogOpen{false};
+  Relaxed<bool> detectTrigger{false};  // the check box 1126
+
+ protected:
+  void OnInit() override;
+  void OnOK() override;
+  void OnCancel() override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  std::string OnToolTip(std::uint32_t id) override;
+  void OnDestroy() override;
+
+ private:
+  void DeclareLayout();
+  void TakeScratch();  // into the members below and the controls
+  void EnableFields();
+  void OnHoldAllBox();
+  void OnDefaults();
+  void OnHelpKey();
+
+  void ShowFields();
+  // The controls into the members, up to the first number that is none: false then, after a message
+  // and with the focus there.
+  bool ReadFields();
+  bool ReadNumber(std::uint32_t id, std::uint32_t* value);
+
+  // Appends to scratch's actions what keysText says, nothing for an empty text. False, after a
+  // message or a question, when it isn't to be taken.
+  bool TakeKeys(bool onPress);
+  // keysText, or the token that the user says was meant by it.
+  ByteString KeysMeant() const;
+  bool ConfirmUppercase();
+  void ShowKeyError(bool duplicateKey, std::uint32_t offset);
+
+  void SetDialogOpen(bool open);
+
+  ByteString descriptionText;
+  ByteString keysText;
+  bool repeatCheck = false;
+  std::uint32_t delayValue = 0;  // ms, as are the next three
+  std::uint32_t speedValue = 0;
+  bool toggleMouseCheck = false;
+  std::uint32_t holdValue = 0;
+  std::uint32_t pauseValue = 0;
+  ByteString tipText;
+  platform::IconHandle icon = 0;  // while it runs
+
+  // Guards scratch's Trigger while the dialog is open, and the end of that. Inside of deviceLock on
+  // the notification thread; nothing is waited for with it.
+  RecursiveLock triggerLock;
+};
+
+}  // namespace kelvaro

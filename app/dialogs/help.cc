@@ -1,0 +1,60 @@
+#include "app/dialogs/help.h"
+
+#include "app/layout/dialog.h"
+#include "foundation/paths.h"
+#include "foundation/registry_key.h"
+
+namespace kelvaro {
+
+namespace {
+
+// Where the system keeps the path of what shows help, as its default value; a path of this many
+// bytes, its terminator among them, is the longest.
+constexpr char kHelpKey[] = "CLSID\\{ADB880A6-D8FF-11CF-9377-00AA003B7A11}\\InprocServer32";
+constexpr std::uint32_t kPathBufferSize = 260;
+constexpr char kHelpLibrary[] = "hhctrl.ocx";
+constexpr std::uint32_t kHelpOrdinal = 14;
+
+struct Loader {
+  platform::LibraryHandle library = 0;
+  platform::HtmlHelpFunction function = nullptr;
+  bool failed = false;
+};
+
+Loader loader;
+
+platform::LibraryHandle LoadHelpLibrary() {
+  platform::LibraryHandle library = 0;
+  RegistryKey key(platform::HKEY_CLASSES_ROOT, kHelpKey, false);
+  ByteString path;
+  if (key.GetString(nullptr, "", &path) && !path.IsEmpty() && path.Length() < kPathBufferSize) {
+    library = platform::LoadLibraryA(Bytes(path));
+  }
+  return library ? library : platform::LoadLibraryA(kHelpLibrary);
+}
+
+}  // namespace
+
+std::uintptr_t HtmlHelp(platform::WindowHandle caller, const char* file, std::uint32_t command,
+                        std::uintptr_t data) {
+  if (!loader.function && !loader.failed) {
+    loader.library = LoadHelpLibrary();
+    if (loader.library) loader.function = platform::GetHelpFunction(loader.library, kHelpOrdinal);
+    loader.failed = !loader.function;
+  }
+  return loader.function ? loader.function(caller, file, command, data) : 0;
+}
+
+void ShowHelpTopic(const char* topic) {
+  ByteString path = ProgramFolder();
+  EnsureTrailingSeparator(&path);
+  path.Append("Help");
+  EnsureTrailingSeparator(&path);
+  path.Append("Kelvaro.chm");
+  HtmlHelp(platform::kNoWindow, path.Text(), platform::HH_DISPLAY_TOPIC,
+           reinterpret_cast<std::uintptr_t>(topic));
+}
+
+void ForgetHelp() { loader = {}; }
+
+}  // namespace kelvaro

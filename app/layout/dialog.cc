@@ -1,0 +1,45 @@
+#include "app/layout/dialog.h"
+
+namespace kelvaro {
+
+std::int32_t Dialog::DoModal(platform::WindowHandle owner) {
+  const std::int32_t result = platform::RunDialog(resource, owner, *this);
+  window = platform::kNoWindow;
+  return result;
+}
+
+ByteString Dialog::Text(std::uint32_t id) const {
+  return TextOf(platform::GetDlgItemTextA(window, id));
+}
+
+void Dialog::SetText(std::uint32_t id, const ByteString& text) {
+  platform::SetDlgItemTextA(window, id, Bytes(text));
+}
+
+std::int32_t Dialog::Box(const ByteString& text, const ByteString& caption,
+                         std::uint32_t type) const {
+  return platform::MessageBoxA(window, Bytes(text), Bytes(caption), type);
+}
+
+void Dialog::OnInitDialog(platform::WindowHandle handle) {
+  window = handle;
+  OnInit();
+}
+
+void Dialog::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+  if (notice != platform::Notice::Clicked) return;
+  if (id == platform::IDOK) OnOK();
+  if (id == platform::IDCANCEL) OnCancel();
+}
+
+std::string Bytes(const ByteString& text) {
+  return text.IsEmpty() ? std::string() : std::string(text.Text(), text.Length());
+}
+
+ByteString TextOf(const std::string& bytes) {
+  ByteString text;
+  text.AssignBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  return text;
+}
+
+}  // namespace kelvaro

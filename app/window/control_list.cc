@@ -1,0 +1,267 @@
+// The Control tab: each operation changes the profile's Controls, saves the profile at once, its
+// failure unheard, and brings what the dispatcher walks up to date. Only the user interface's
+// thread changes `controls`, so it reads them without the lock.
+#include "app/window/main_window.h"
+#include "engine/input_text.h"
+#include "keys/key_action.h"
+
+namespace kelvaro {
+namespace {
+
+constexpr std::uint32_t kControlList = 1003;
+constexpr std::uint32_t kMouseAlwaysActiveBox = 1139;
+
+constexpr std::int32_t kTriggerColumn = 0;
+constexpr std::int32_t kActionColumn = 1;
+constexpr std::int32_t kDescriptionColumn = 2;
+
+constexpr std::uint8_t kControlKey = 0x11;
+constexpr std::int32_t kDeleteKey = 0x2E;
+constexpr std::uint16_t kKeyIsDown = 0x8000;
+
+constexpr char kNoProfileText[] = "Create or Load a Profile Before Creating Controls";
+constexpr char kNoProfileTitle[] = "No Profile Selected";
+constexpr char kDeleteText[] = "Delete Selected Control(s), Are You Sure?";
+constexpr char kDeleteTitle[] = "Confirm Delete";
+
+ByteString ActionText(const Control& control) {
+  ByteString text;
+  if (control.toggleMouseControls == 1) text = "<mouse ctrl>";
+  for (const auto* node = control.actions.head; node; node = node->next) {
+    if ((*node->value)->actionType != InputAction::kKeyAction) continue;
+    if (!text.IsEmpty()) text.AppendChar('+');
+    text.Append(static_cast<const KeyAction&>(**node->value).FormatKeys());
+  }
+  return text;
+}
+
+}  // namespace
+
+void MainWindow::FillControlList() {
+  platform::ListDeleteAllItems(window, kControlList);
+  const LinkedList<Control>::Node* node = nullptr;
+  {
+    LockGuard guard(profile.profileLock);
+    node = profile.controls.head;
+  }
+  for (; node; node = node->next) {
+    FillControlRow(platform::ListInsertItem(window, kControlList, node->value->controlId),
+                   *node->value);
+  }
+  Check(kMouseAlwaysActiveBox, profile.mouseAlwaysActive);
+}
+
+void MainWindow::FillControlRow(std::int32_t row, const Control& control) {
+  ByteString trigger;
+  TriggerText(control, &trigger);
+  if (rowPrefixes == 1) {
+    trigger = ByteString(control.activateOnPress == 1 ? "p:" : "r:").Concat(trigger);
+  }
+  platform::ListSetItemText(window, kControlList, row, kTriggerColumn, Bytes(trigger));
+  platform::ListSetItemText(window, kControlList, row, kActionColumn, Bytes(ActionText(control)));
+  platform::ListSetItemText(window, kControlList, row, kDescriptionColumn,
+                            Bytes(control.description));
+}
+
+std::uint32_t MainWindow::SelectedControlId() const {
+  const std::int32_t row = SelectedRow();
+  return row == platform::kNoRow ? 0 : platform::ListGetItemData(window, kControlList, row);
+}
+
+std::int32_t MainWindow::SelectedRow() const {
+  return platform::ListGetNextSelected(window, kControlList, -1);
+}
+
+void MainWindow::SelectedRows(LinkedList<std::int32_t>* rows) const {
+  for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
+       row = platform::ListGetNextSelected(window, kControlList, row)) {
+    rows->AddTail(row);
+  }
+}
+
+void MainWindow::SelectedControlIds(LinkedList<std::uint32_t>* ids) const {
+  for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
+       row = platform::ListGetNextSelected(window, kControlList, row)) {
+    ids->AddTail(platform::ListGetItemData(window, kControlList, row));
+  }
+}
+
+Control* MainWindow::FindSelectedControl() {
+  return SelectedRow() == platform::kNoRow ? nullptr : FindControl(SelectedControlId());
+}
+
+Control* MainWindow::FindControl(std::uint32_t controlId) {
+  for (auto* node = profile.controls.head; node; node = node->next) {
+    if (node->value->controlId == controlId) return node->value;
+  }
+  return nullptr;
+}
+
+bool MainWindow::RunDefineControlDialog() {
+  engine->repeatWorker.Clear();
+  defineControl.smartCheck = smartCheck;
+  defineControl.shiftReminder = shiftReminder;
+  return defineControl.DoModal(window) == platform::IDOK;
+}
+
+void MainWindow::BringShiftReminderBack() {
+  if (shiftReminder == defineControl.shiftReminder) return;
+  shiftReminder = defineControl.shiftReminder;
+  SaveAppSettings();
+}
+
+void MainWindow::OnNewControl() {
+  if (profile.profileName.IsEmpty()) {
+    Box(kNoProfileText, kNoProfileTitle, platform::MB_OK);
+    return;
+  }
+  Control& scratch = defineControl.scratch;
+  scratch.Reset();
+  if (RunDefineControlDialog()) {
+    LockGuard guard(profile.profileLock);
+    scratch.controlId = profile.nextControlId++;
+    profile.controls.AddTail(scratch);
+    SaveProfile();
+    const std::int32_t row = platform::ListInsertItem(window, kControlList, scratch.controlId);
+    FillControlRow(row, scratch);
+    platform::ListEnsureVisible(window, kControlList, row);
+    RebuildDispatchList();
+  }
+  BringShiftReminderBack();
+}
+
+void MainWindow::OnEditControl() {
+  // Enter on any tab presses the default button, which is this one.
+  if (currentTab != kControlTab) return;
+  Control& scratch = defineControl.scratch;
+  {
+    LockGuard guard(profile.profileLock);
+    const Control* control = FindSelectedControl();
+    if (!control) return;
+    scratch.Borrow(*control);
+  }
+  if (RunDefineControlDialog()) {
+    LockGuard guard(profile.profileLock);
+    // A Control may have begun to repeat just before the dialog was open.
+    engine->repeatWorker.Clear();
+    // Another look, since the lock was free meanwhile.
+    if (Control* control = FindSelectedControl()) {
+      control->CopyShared(scratch);
+      FillControlRow(SelectedRow(), *control);
+      SaveProfile();
+    }
+    RebuildDispatchList();
+  }
+  BringShiftReminderBack();
+}
+
+void MainWindow::OnDeleteControls() {
+  if (profile.controls.count == 0 || SelectedRow() == platform::kNoRow) return;
+  if (Box(kDeleteText, kDeleteTitle, platform::MB_YESNO | platform::MB_ICONQUESTION) !=
+      platform::IDYES) {
+    return;
+  }
+  LinkedList<std::uint32_t> ids;
+  SelectedControlIds(&ids);
+  {
+    LockGuard guard(profile.profileLock);
+    // Before the actions go, which it may be replaying.
+    engine->repeatWorker.Clear();
+    for (const auto* id = ids.head; id; id = id->next) {
+      for (auto* node = profile.controls.head; node;) {
+        auto* const next = node->next;
+        if (node->value->controlId == *id->value) profile.controls.RemoveNode(node);
+        node = next;
+      }
+    }
+    RebuildDispatchList();
+    SaveProfile();
+  }
+  FillControlList();
+}
+
+void MainWindow::OnCopyControls() {
+  LinkedList<std::uint32_t> ids;
+  SelectedControlIds(&ids);
+  if (ids.count == 0) return;
+  copiedControls.Clear();
+  for (const auto* id = ids.head; id; id = id->next) {
+    const Control* control = FindControl(*id->value);
+    if (control && copiedControls.AddTail({})) copiedControls.tail->value->CopyDeep(*control);
+  }
+}
+
+void MainWindow::OnPasteControls() {
+  if (copiedControls.count == 0) return;
+  {
+    LockGuard guard(profile.profileLock);
+    for (const auto* node = copiedControls.head; node; node = node->next) {
+      if (!profile.controls.AddTail({})) continue;
+      Control& pasted = *profile.controls.tail->value;
+      pasted.CopyDeep(*node->value);
+      pasted.controlId = profile.nextControlId++;
+    }
+    RebuildDispatchList();
+    SaveProfile();
+  }
+  FillControlList();
+  platform::ListEnsureVisible(window, kControlList, profile.controls.count - 1);
+}
+
+void MainWindow::OnMoveUp() {
+  LinkedList<std::int32_t> rows;
+  SelectedRows(&rows);
+  if (rows.count == 0 || *rows.head->value == 0) return;
+  {
+    LockGuard guard(profile.profileLock);
+    for (const auto* row = rows.head; row; row = row->next) profile.controls.MoveUp(*row->value);
+    SaveProfile();
+  }
+  FillControlList();
+  for (const auto* row = rows.head; row; row = row->next) {
+    platform::ListSelectItem(window, kControlList, *row->value - 1, true);
+  }
+}
+
+void MainWindow::OnMoveDown() {
+  LinkedList<std::int32_t> rows;
+  SelectedRows(&rows);
+  const std::int32_t last = platform::ListGetItemCount(window, kControlList) - 1;
+  if (rows.count == 0 || *rows.tail->value == last) return;
+  {
+    LockGuard guard(profile.profileLock);
+    for (const auto* row = rows.tail; row; row = row->prev) profile.controls.MoveDown(*row->value);
+    SaveProfile();
+  }
+  FillControlList();
+  for (const auto* row = rows.head; row; row = row->next) {
+    platform::ListSelectItem(window, kControlList, *row->value + 1, true);
+  }
+}
+
+bool MainWindow::OnControlListKey(std::int32_t vk) {
+  const bool control = (platform::GetKeyState(kControlKey) & kKeyIsDown) != 0;
+  if (vk == kDeleteKey) {
+    OnDeleteControls();
+  } else if (control && vk == 'C') {
+    OnCopyControls();
+  } else if (control && vk == 'V') {
+    OnPasteControls();
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void MainWindow::RebuildDispatchList() {
+  engine->repeatWorker.Clear();
+  profile.RebuildDispatchList();
+}
+
+bool MainWindow::ControlDialogOpen() const { return defineControl.dialogOpen; }
+
+void MainWindow::ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) {
+  defineControl.ShowDetectedTrigger(device, snapshot);
+}
+
+}  // namespace kelvaro

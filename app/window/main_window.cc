@@ -1,0 +1,416 @@
+#include "app/window/main_window.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "app/dialogs/help.h"
+#include "app/platform/controls.h"
+#include "app/platform/shell.h"
+#include "app/platform/threads.h"
+#include "app/resources/resources.h"
+#include "foundation/paths.h"
+#include "foundation/registry_key.h"
+#include "foundation/version.h"
+
+namespace kelvaro {
+namespace {
+
+using platform::Notice;
+
+constexpr std::uint32_t kTimer = 1;
+constexpr std::uint32_t kTimerPeriod = 5000;       // ms
+constexpr std::uint32_t kDefaultPollInterval = 5;  // ms
+constexpr std::int32_t kTabMargin = 10;            // between a page and its tab's frame
+constexpr std::int32_t kTopMarginWithoutTabs = 32;
+
+constexpr std::uint32_t kTabControl = 1000;
+constexpr std::uint32_t kProfileList = 1001;
+constexpr std::uint32_t kControlListId = 1003;
+constexpr std::uint32_t kDeviceList = 1060;
+constexpr std::uint32_t kRefreshButton = 1170;
+constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kEditButton = 1005;
+
+// The invisible box of each page, in the order of the tabs.
+constexpr std::uint32_t kPageBoxes[] = {1015, 1017, 1045, 1047};
+constexpr std::uint16_t kPageCount = std::size(kPageBoxes);
+constexpr const char* kTabNames[] = {"Control", "Mouse", "Device", "Settings"};
+
+constexpr char kDirectInputText[] =
+    "Error Creating a DirectInput Object.\n"
+    "Unable to Continue.\n\n"
+    "Please ensure that you have DirectX v8.0a or later installed on your system,\n"
+    "and that at least one game device is installed (it does not need to be connected).\n\n"
+    "DirectX Error:\n";
+
+// Of the process, as the hook's procedure takes no context.
+platform::HookHandle minimiseHook = 0;
+
+bool IsPageBox(std::uint32_t id) {
+  return std::find(std::begin(kPageBoxes), std::end(kPageBoxes), id) != std::end(kPageBoxes);
+}
+
+std::uint32_t FlagsOnPage(std::uint32_t id) {
+  using namespace layout_flag;
+  if (id == kControlListId)
+    return kGrowAcross | kGrowDown | kAlignLeft | kOfParent | kRightEdge | kBottomEdge;
+  if (id == kRefreshButton) return kMoveAcross;
+  if (id == kDeviceList) return kGrowAcross;
+  return 0;
+}
+
+}  // namespace
+
+MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow), WorkerThread("launcher") {
+  windowIcon = platform::LoadIconA(resources::kIcon);
+  platform::SetPriorityClass(platform::HIGH_PRIORITY_CLASS);
+  platform::SetCurrentThreadPriority(platform::THREAD_PRIORITY_TIME_CRITICAL);
+  currentDeviceGuid = {};
+  MigrateSettings();
+  LoadQuoteChars();
+}
+
+MainWindow::~MainWindow() { Cleanup(); }
+
+// Whatever waits for the person here may also meet the end of the program, after which nothing
+// more is set up.
+void MainWindow::OnInit() {
+  ResizableDialog::OnInit();
+  minimiseHook = platform::SetWindowsHookExA(platform::WH_CBT, &MinimiseHook);
+  platform::SetWindowIcon(window, windowIcon, true);
+  platform::SetWindowIcon(window, windowIcon, false);
+  if (HtmlHelp(platform::kNoWindow, nullptr, platform::HH_INITIALIZE,
+               reinterpret_cast<std::uintptr_t>(&helpCookie)) != 0) {
+    helpAvailable = true;
+    defineControl.helpAvailable = true;
+  }
+  if (!CreateDeviceManager()) return OnCancel();
+  pollInterval = kDefaultPollInterval;
+  deviceManager->SetPollInterval(pollInterval);
+  engine->Attach();
+  platform::GetClientRect(window, &clientRect);
+  programPath = ProgramPath();
+  if (!PrepareControls()) return OnCancel();
+  if (!AddTrayIcon()) return OnCancel();
+  LoadAppSettings();
+  if (welcomeDisplay == 0) ShowWelcome();
+  if (shuttingDown) return;
+  if (startMinimized) Check(1171, true);
+  if (smartCheck) Check(1187, true);
+  FillProfileList();
+  if (shuttingDown) return;
+  engine->repeatWorker.Start(false, WorkerThread::kPriorityOfCaller);
+  webLink.hyperlink.target = resources::kWebAddress;
+  mailLink.hyperlink.target = ByteString("mailto:").Concat(resources::kSupportAddress);
+  webLink.Attach(window, 1175);
+  mailLink.Attach(window, 1176);
+  CreateToolTips();
+  timerId = platform::SetTimer(window, kTimer, kTimerPeriod);
+  if (startMinimized) platform::PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
+  platform::PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
+  platform::PostMessageA(window, WM_START_LAUNCH, 0, 0);
+  initComplete = true;
+  TellUnlessProfilesCanBeSaved();
+  SetText(1177, ByteString("Version ").Concat(VersionNumber()));
+}
+
+bool MainWindow::CreateDeviceManager() {
+  deviceManager = std::make_unique<DeviceManager>(window);
+  EngineHost& host = *this;
+  engine = std::make_unique<ControlEngine>(profile, *deviceManager, host);
+  if (deviceManager->DirectInputCreated()) return true;
+  ByteString reason;
+  deviceManager->PeekError(&reason);
+  Box(ByteString(kDirectInputText).Concat(reason), "Invalid DirectX Object", platform::MB_ICONSTOP);
+  return false;
+}
+
+bool MainWindow::PrepareControls() {
+  ++initGuard;
+  platform::SetPicture(window, 1156, platform::LoadBitmapA(resources::kUpBitmap));
+  platform::SetPicture(window, 1157, platform::LoadBitmapA(resources::kDownBitmap));
+  platform::SetPicture(window, 1173, platform::LoadBitmapA(resources::kBannerBitmap));
+  CreatePages(kPageCount);
+  for (const char* name : kTabNames) platform::TabInsertItem(window, kTabControl, name);
+  platform::Rect firstTab;
+  const std::int32_t topMargin = platform::TabGetItemRect(window, kTabControl, 0, &firstTab)
+                                     ? firstTab.Height() + kTabMargin
+                                     : kTopMarginWithoutTabs;
+  FillDeviceList();
+  SelectDeviceInList({});
+  SetText(1070, ToDecimal(deviceManager->TimerMin(), false, 0));
+  SetText(1072, ToDecimal(deviceManager->TimerMax(), false, 0));
+  if (LaunchesAtStartup()) Check(1172, true);
+  DeclareLayout(topMargin);
+  SelectPage(kControlTab);
+  currentTab = kControlTab;
+  RestorePlacement(kProductKey, kMainWindowSubkey);
+  // Without a stored place nothing has laid out yet, and the columns share the list's final width.
+  Layout(clientRect);
+  controlList.Attach(window, kControlListId);
+  controlList.AddColumn("Trigger", 100);
+  controlList.AddColumn("Action", 50);
+  controlList.AddColumn("Description", 150);
+  controlList.registryKey = ByteString(kProductKey).Concat("\\").Concat(kMainWindowSubkey);
+  controlList.LoadColumns();
+  --initGuard;
+  return true;
+}
+
+void MainWindow::DeclareLayout(std::int32_t topMargin) {
+  using namespace layout_flag;
+  for (std::uint16_t page = 0; page < kPageCount; ++page) {
+    AddNode(page, 1002, 0);
+    AddNode(page, kProfileList, kGrowAcross);
+    for (const std::uint32_t button : {1006, 1099, 1101, 1100, 1146})
+      AddNode(page, button, kMoveAcross);
+    AddNode(page, kTabControl, kGrowAcross | kGrowDown | kAlignLeft | kRightEdge | kBottomEdge,
+            {0, 2, 8, 8});
+    AddChildNode(page, kTabControl, kPageBoxes[page],
+                 kNeverShown | kGrowAcross | kGrowDown | kAlignLeft | kAlignTop | kOfParent |
+                     kRightEdge | kBottomEdge,
+                 {kTabMargin, topMargin, kTabMargin, kTabMargin});
+    bool onPage = false;
+    for (const platform::ControlTemplate& control : resources::kMainWindow.controls) {
+      if (IsPageBox(control.id)) {
+        onPage = control.id == kPageBoxes[page];
+      } else if (onPage) {
+        AddChildNode(page, kPageBoxes[page], control.id, FlagsOnPage(control.id));
+      }
+    }
+  }
+  MeasurePages();
+}
+
+void MainWindow::FillProfileList() {
+  LinkedList<ByteString> names;
+  profile.ListProfileNames(&names);
+  if (!platform::HasControl(window, kProfileList) || names.count == 0) return;
+  for (const auto* node = names.head; node; node = node->next)
+    platform::ComboAddString(window, kProfileList, Bytes(*node->value));
+  ParseCommandLine();
+  if (shuttingDown) return;
+  if (!commandLineProfileSelected) {
+    std::int32_t row = platform::kNoRow;
+    if (!lastProfile.IsEmpty())
+      row = platform::ComboFindStringExact(window, kProfileList, Bytes(lastProfile));
+    platform::ComboSetCurSel(window, kProfileList, row == platform::kNoRow ? 0 : row);
+  }
+  OnProfileSelected();
+}
+
+void MainWindow::Cleanup() {
+  if (shuttingDown) return;
+  shuttingDown = true;
+  if (timerId != 0) {
+    platform::KillTimer(window, timerId);
+    timerId = 0;
+  }
+  if (minimiseHook != 0) {
+    platform::UnhookWindowsHookEx(minimiseHook);
+    minimiseHook = 0;
+  }
+  // The launcher's own box may be up, and this thread must not wait for the person to read it.
+  platform::DismissBoxesOfOtherThreads();
+  if (engine) engine->repeatWorker.Stop();
+  WorkerThread::Stop();
+  SaveAppSettings();
+  // The pointer goes last: until the manager has ended, the notification thread looks at it.
+  delete deviceManager.get();
+  static_cast<void>(deviceManager.release());
+  RemoveTrayIcon();
+  if (helpAvailable) {
+    HtmlHelp(platform::kNoWindow, nullptr, platform::HH_CLOSE_ALL, 0);
+    HtmlHelp(platform::kNoWindow, nullptr, platform::HH_UNINITIALIZE, helpCookie);
+    helpAvailable = false;
+  }
+}
+
+void MainWindow::OnCancel() {
+  Cleanup();
+  EndDialog(platform::IDCANCEL);
+}
+
+void MainWindow::OnDestroy() {
+  const RegistryWrites together;
+  ResizableDialog::OnDestroy();
+  controlList.SaveColumns();
+}
+
+std::intptr_t MainWindow::MinimiseHook(std::int32_t code, std::uintptr_t wParam,
+                                       std::intptr_t lParam) {
+  if (code == platform::HCBT_MINMAX && lParam == platform::SW_MINIMIZE)
+    platform::PostMessageA(wParam, WM_HIDE_TO_TRAY, 0, 0);
+  platform::CallNextHookEx(minimiseHook, code, wParam, lParam);
+  return 0;
+}
+
+// Nothing counts after the cleanup, which a message can bring while a box still waits: what a
+// handler would work on is gone.
+void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
+  struct Handler {
+    std::uint32_t id;
+    Notice notice;
+    void (MainWindow::*handle)();
+  };
+  static constexpr Handler kHandlers[] = {
+      // The row of profiles.
+      {kProfileList, Notice::SelectionChanged, &MainWindow::OnProfileSelected},
+      {1006, Notice::Clicked, &MainWindow::OnNewProfile},
+      {1099, Notice::Clicked, &MainWindow::OnDeleteProfile},
+      {1101, Notice::Clicked, &MainWindow::OnCopyProfile},
+      {1100, Notice::Clicked, &MainWindow::OnRenameProfile},
+      {1146, Notice::Clicked, &MainWindow::OnHelp},
+      {kTabControl, Notice::SelectionChanged, &MainWindow::OnTabSelected},
+      // Control.
+      {kControlListId, Notice::DoubleClicked, &MainWindow::OnEditControl},
+      {1004, Notice::Clicked, &MainWindow::OnNewControl},
+      {kEditButton, Notice::Clicked, &MainWindow::OnEditControl},
+      {1136, Notice::Clicked, &MainWindow::OnDeleteControls},
+      {1115, Notice::Clicked, &MainWindow::OnCopyControls},
+      {1155, Notice::Clicked, &MainWindow::OnPasteControls},
+      {1156, Notice::Clicked, &MainWindow::OnMoveUp},
+      {1157, Notice::Clicked, &MainWindow::OnMoveDown},
+      // Mouse.
+      {1139, Notice::Clicked, &MainWindow::OnMouseAlwaysActive},
+      {kTestButton, Notice::Clicked, &MainWindow::OnTestButton},
+      // Device.
+      {kDeviceList, Notice::SelectionChanged, &MainWindow::OnDeviceSelected},
+      {kRefreshButton, Notice::Clicked, &MainWindow::RefreshDeviceList},
+      {1076, Notice::FocusLost, &MainWindow::OnIntervalLeft},
+      {1077, Notice::FocusLost, &MainWindow::OnRateLeft},
+      {1078, Notice::Clicked, &MainWindow::OnDefaultRate},
+      // Settings.
+      {1171, Notice::Clicked, &MainWindow::OnStartMinimized},
+      {1172, Notice::Clicked, &MainWindow::OnLaunchAtStartup},
+      {1187, Notice::Clicked, &MainWindow::OnSmartCheck},
+      {1198, Notice::Clicked, &MainWindow::OnAdvanced},
+      // The notification icon's menu.
+      {32771, Notice::Clicked, &MainWindow::ShowNormally},
+      {32772, Notice::Clicked, &MainWindow::OnCancel},
+  };
+  struct NumberedHandler {
+    std::uint32_t id;
+    Notice notice;
+    void (MainWindow::*handle)(std::uint32_t id);
+  };
+  static constexpr NumberedHandler kNumberedHandlers[] = {
+      {1052, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {1056, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {1079, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {1080, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {1027, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1028, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1034, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1029, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1030, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1031, Notice::Clicked, &MainWindow::OnDetectBox},
+      {1175, Notice::Clicked, &MainWindow::OnLink},
+      {1176, Notice::Clicked, &MainWindow::OnLink},
+  };
+  if (shuttingDown) return;
+  if (id == kControlListId && controlList.OnNotice(notice, value)) return;
+  if (notice == Notice::KeyDown) {
+    if (id == 0 && value == kF1) return OnHelpKey();
+    // Of the keys that the list takes, the window itself takes these two.
+    if (id == kControlListId || (id == 0 && (value == 'C' || value == 'V')))
+      OnControlListKey(value);
+    return;
+  }
+  for (const Handler& handler : kHandlers)
+    if (handler.id == id && handler.notice == notice) return (this->*handler.handle)();
+  for (const NumberedHandler& handler : kNumberedHandlers)
+    if (handler.id == id && handler.notice == notice) return (this->*handler.handle)(id);
+  ResizableDialog::OnNotice(id, notice, value);
+}
+
+void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
+  if (shuttingDown) return;
+  switch (message) {
+    case WM_TRAY_CALLBACK:
+      return OnTrayCallback(wParam, lParam);
+    case WM_HIDE_TO_TRAY:
+      return HideToTray();
+    case WM_SHOW_FROM_TRAY:
+      return ShowFromTray();
+    case WM_DEVICE_WARNING:
+      return ShowDeviceWarning();
+    case WM_CLOSE_PROGRAM:
+      return OnCancel();
+    case WM_START_LAUNCH:
+      return OnStartLaunch();
+    case WM_SHOW_WELCOME:
+      return ShowWelcome();
+    default:
+      return ResizableDialog::OnMessage(message, wParam, lParam);
+  }
+}
+
+void MainWindow::OnTimer(std::uint32_t) {
+  if (shuttingDown || !autodetectDevicePlugin || deviceManager->DeviceSelected()) return;
+  inPluginPoll = true;
+  RefreshDeviceList();
+  inPluginPoll = false;
+}
+
+void MainWindow::OnTabSelected() {
+  const std::int32_t tab = platform::TabGetCurSel(window, kTabControl);
+  if (tab >= 0) ShowTab(static_cast<Tab>(tab));
+}
+
+void MainWindow::ShowTab(Tab tab) {
+  platform::TabSetCurSel(window, kTabControl, tab);
+  SelectPage(tab);
+  currentTab = tab;
+  if (tab == kMouseTab) return;
+  EndTestMode();
+  // A button that is hidden is not drawn any more when it loses the focus.
+  platform::SetDefaultButton(window, kEditButton);
+  if (!engine->IsDetecting()) return;
+  engine->EndMouseDetection();
+  SaveAfterMouseDetection();
+}
+
+void MainWindow::OnHelp() {
+  if (helpAvailable) ShowHelpTopic(kProfilesTopic);
+}
+
+// The row of profiles is there on each page.
+void MainWindow::OnHelpKey() {
+  static constexpr std::uint32_t kProfileRow[] = {kProfileList, 1006, 1099, 1101, 1100, 1146};
+  static constexpr const char* kTabTopics[] = {
+      kControlsTopic, "Mouse Device and Settings.htm#mouse", "Mouse Device and Settings.htm#device",
+      "Mouse Device and Settings.htm#settings"};
+  if (!helpAvailable) return;
+  const std::uint32_t focused = platform::GetControlFocus(window);
+  const bool inRow =
+      std::find(std::begin(kProfileRow), std::end(kProfileRow), focused) != std::end(kProfileRow);
+  ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[currentTab]);
+}
+
+void MainWindow::OnLink(std::uint32_t id) { (id == 1175 ? webLink : mailLink).OnClick(); }
+
+// The list and its columns must not stick out at any moment.
+void MainWindow::Layout(const platform::Rect& client) {
+  const std::int32_t difference = client.right - clientRect.right;
+  if (difference < 0) controlList.ChangeWidth(difference);
+  ResizableDialog::Layout(client);
+  if (difference > 0) controlList.ChangeWidth(difference);
+  clientRect = client;
+}
+
+void MainWindow::OnPaint(platform::Canvas& canvas) {
+  if (!platform::IsIconic(window)) return ResizableDialog::OnPaint(canvas);
+  platform::Rect client;
+  platform::GetClientRect(window, &client);
+  canvas.EraseBackground(client);
+  canvas.DrawIcon((client.Width() - platform::GetSystemMetrics(platform::SM_CXICON) + 1) / 2,
+                  (client.Height() - platform::GetSystemMetrics(platform::SM_CYICON) + 1) / 2,
+                  windowIcon);
+}
+
+void MainWindow::OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) {
+  if (item.id == kTestButton) DrawTestButton(item, canvas);
+}
+
+}  // namespace kelvaro

@@ -1,0 +1,250 @@
+// The Mouse tab: which inputs move the pointer, turn the wheel and press the mouse's buttons, how
+// strongly, and their detection by moving them. What is shown here and on the Device tab comes from
+// the profile, the engine and the device manager all at once, after anything that changed more than
+// one of them.
+#include "app/dialogs/dialogs.h"
+#include "app/window/main_window.h"
+#include "engine/input_text.h"
+
+namespace kelvaro {
+namespace {
+
+constexpr std::uint32_t kTestButton = 1036;
+constexpr std::uint32_t kEditButton = 1005;
+constexpr std::uint32_t kMovementSensitivityCaption = 1050;
+constexpr std::uint32_t kWheelSensitivityCaption = 1051;
+constexpr std::uint32_t kMovementDamperCaption = 1055;
+constexpr std::uint32_t kWheelDamperCaption = 1083;
+constexpr std::uint32_t kAlwaysActiveBox = 1139;
+
+// Of the Device tab.
+constexpr std::uint32_t kButtonCount = 1063;
+constexpr std::uint32_t kAxisCount = 1065;
+constexpr std::uint32_t kPovCount = 1067;
+constexpr std::uint32_t kIntervalField = 1076;
+constexpr std::uint32_t kRateField = 1077;
+
+constexpr std::int32_t kSliderMost = 50;
+constexpr std::int32_t kSliderTick = 5;
+
+constexpr std::uint32_t kRateTimesInterval = 1000;
+
+// Each box starts a detection for the field beside it.
+constexpr struct {
+  std::uint32_t box;
+  MouseRole role;
+} kDetections[] = {
+    {1027, MouseRole::X},
+    {1028, MouseRole::Y},
+    {1034, MouseRole::Wheel},
+    {1029, MouseRole::LeftButton},
+    {1030, MouseRole::MiddleButton},
+    {1031, MouseRole::RightButton},
+};
+
+ByteString OrNone(const ByteString& text) { return text.IsEmpty() ? ByteString("<none>") : text; }
+
+ByteString AxisText(const TriggerItem& item) {
+  ByteString text;
+  InputText(item, &text, false);
+  return OrNone(text);
+}
+
+ByteString ButtonText(std::uint64_t mask) {
+  ByteString text;
+  ButtonsText(mask, &text);
+  return OrNone(text);
+}
+
+ByteString Number(std::uint32_t value) { return ToDecimal(value, false, 1); }
+
+std::uint32_t Brightness(platform::Colour colour) {
+  return (colour & 0xFF) + (colour >> 8 & 0xFF) + (colour >> 16 & 0xFF);
+}
+
+platform::Rect Inside(const platform::Rect& rect, std::int32_t by) {
+  return {rect.left + by, rect.top + by, rect.right - by, rect.bottom - by};
+}
+
+}  // namespace
+
+void MainWindow::ShowMouseAndDeviceState() {
+  if (!deviceManager) return;
+  ++initGuard;
+
+  for (const MouseRoleInput& input : kMouseRoles) {
+    SetText(static_cast<std::uint32_t>(input.role),
+            input.axis ? AxisText(profile.*input.axis) : ButtonText(profile.*input.mask));
+  }
+  Check(kAlwaysActiveBox, profile.mouseAlwaysActive);
+
+  const struct {
+    std::uint32_t id;
+    std::int32_t position;
+  } sliders[] = {{ControlEngine::kMovementDamperSlider, profile.movementDamper},
+                 {ControlEngine::kMovementSensitivitySlider, profile.movementSensitivity},
+                 {ControlEngine::kWheelDamperSlider, profile.wheelDamper},
+                 {ControlEngine::kWheelSensitivitySlider, profile.wheelSensitivity}};
+  for (const auto& slider : sliders) {
+    platform::SliderSetRange(window, slider.id, 0, kSliderMost);
+    platform::SliderSetTicFreq(window, slider.id, kSliderTick);
+    platform::SliderSetPos(window, slider.id, slider.position);
+    ApplyMouseSlider(slider.id);
+  }
+
+  ShowSelectedDevice();
+  const bool selected = deviceManager->DeviceSelected();
+  const platform::DIDEVCAPS& caps = deviceManager->DeviceCaps();
+  SetText(kButtonCount, Number(selected ? caps.dwButtons : 0));
+  SetText(kAxisCount, Number(selected ? caps.dwAxes : 0));
+  SetText(kPovCount, Number(selected ? caps.dwPOVs : 0));
+
+  intervalField = deviceManager->PollInterval();
+  rateField = intervalField == 0 ? 0 : kRateTimesInterval / intervalField;
+  SetText(kIntervalField, Number(intervalField));
+  SetText(kRateField, Number(rateField));
+
+  --initGuard;
+}
+
+void MainWindow::ApplyMouseSlider(std::uint32_t sliderId) {
+  const std::int32_t position = platform::SliderGetPos(window, sliderId);
+  engine->ApplyMouseSlider(sliderId, position);
+
+  const struct {
+    std::uint32_t id;
+    std::uint32_t caption;
+    const char* text;
+    const char* end;
+  } captions[] = {
+      {ControlEngine::kMovementSensitivitySlider, kMovementSensitivityCaption,
+       "Movement Sensitivity (", ")"},
+      {ControlEngine::kMovementDamperSlider, kMovementDamperCaption, "Movement Axis Damper (",
+       "%)"},
+      {ControlEngine::kWheelDamperSlider, kWheelDamperCaption, "Mouse Wheel Axis Damper (", "%)"},
+      {ControlEngine::kWheelSensitivitySlider, kWheelSensitivityCaption,
+       "Mouse Wheel Sensitivity (", ")"}};
+  for (const auto& caption : captions) {
+    if (caption.id != sliderId) continue;
+    ByteString text(caption.text);
+    text.Append(ToDecimalSigned(position, false, 1));
+    text.Append(caption.end);
+    SetText(caption.caption, text);
+  }
+}
+
+void MainWindow::OnMouseSlider(std::uint32_t sliderId) {
+  if (initGuard != 0) return;
+  LockGuard guard(profile.profileLock);
+  ApplyMouseSlider(sliderId);
+  SaveProfile();
+}
+
+void MainWindow::OnMouseAlwaysActive() {
+  LockGuard guard(profile.profileLock);
+  profile.mouseAlwaysActive = !profile.mouseAlwaysActive;
+  SaveProfile();
+}
+
+// Test mode
+
+void MainWindow::OnTestButton() { SetTestMode(!engine->TestMode()); }
+
+void MainWindow::EndTestMode() { SetTestMode(false); }
+
+void MainWindow::SetTestMode(bool on) {
+  engine->SetTestMode(on);
+  if (currentTab == kMouseTab) platform::InvalidateControl(window, kTestButton);
+}
+
+void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas) {
+  constexpr platform::Colour kLampOn = 0x00FF00;
+  constexpr platform::Colour kLampOnEdge = 0x00AA00;
+  constexpr platform::Colour kLampOff = 0x007700;
+  constexpr std::int32_t kLampLeft = 6;
+  constexpr std::int32_t kLampWidth = 6;
+  constexpr std::int32_t kLampHeight = 4;
+  constexpr std::int32_t kTextFromRight = 12;
+  constexpr std::int32_t kTextFromBottom = 6;
+  constexpr std::int32_t kFocusInside = 3;
+
+  const platform::Colour face = platform::GetSysColor(platform::COLOR_3DFACE);
+  const platform::Colour light = platform::GetSysColor(platform::COLOR_3DHILIGHT);
+  const platform::Colour shadow = platform::GetSysColor(platform::COLOR_3DSHADOW);
+  const platform::Colour dark = platform::GetSysColor(platform::COLOR_3DDKSHADOW);
+  const bool on = engine->TestMode();
+
+  const platform::Rect& rect = item.rect;
+  const platform::Rect inner = Inside(rect, 1);
+  canvas.FillRect(rect, face);
+  std::int32_t moved = 0;
+  if (item.pressed) {
+    moved = 2;
+    canvas.Draw3dRect(rect, dark, light);
+    canvas.Draw3dRect(inner, shadow, face);
+  } else if (on) {
+    moved = 1;
+    canvas.Draw3dRect(rect, dark, light);
+  } else {
+    canvas.Draw3dRect(rect, light, dark);
+    canvas.Draw3dRect(inner, face, shadow);
+  }
+
+  platform::Rect lamp;
+  lamp.left = rect.left + kLampLeft + moved;
+  lamp.top = rect.top + (rect.Height() - kLampHeight) / 2 + moved;
+  lamp.right = lamp.left + kLampWidth;
+  lamp.bottom = lamp.top + kLampHeight;
+  const platform::Colour ink = platform::GetSysColor(platform::COLOR_BTNTEXT);
+  // The dark green of a lamp that is off needs an edge before a dark face.
+  if (!on && Brightness(ink) > Brightness(face)) canvas.FrameRect(Inside(lamp, -1), ink);
+  canvas.FillRect(lamp, on ? kLampOn : kLampOff);
+  if (on) canvas.FrameRect(lamp, kLampOnEdge);
+
+  const platform::Rect text{rect.left + moved, rect.top + moved,
+                            rect.right - kTextFromRight + moved,
+                            rect.bottom - kTextFromBottom + moved};
+  canvas.TextInRect(text, "Test", ink, platform::DT_RIGHT | platform::DT_BOTTOM);
+
+  if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
+  // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
+  if (item.focusAction) platform::SetDefaultButton(window, item.focused ? item.id : kEditButton);
+}
+
+// Detection
+
+void MainWindow::OnDetectBox(std::uint32_t boxId) {
+  // Before a detection is ended, which unchecks its box.
+  const bool checked = Checked(boxId);
+  if (engine->IsDetecting()) {
+    engine->EndMouseDetection();
+    SaveAfterMouseDetection();
+  } else if (showAutoDetectUsage) {
+    AutoDetectModeDialog usage;
+    usage.DoModal(window);
+    if (usage.dontShowAgain) showAutoDetectUsage = false;
+  }
+  if (!checked) return;
+  for (const auto& detection : kDetections) {
+    if (detection.box == boxId) engine->StartMouseDetection(detection.role);
+  }
+}
+
+void MainWindow::SaveAfterMouseDetection() {
+  SaveDeviceSettings();
+  LockGuard guard(profile.profileLock);
+  SaveProfile();
+}
+
+// Called with deviceLock and mouseLock held: the controls take these from any thread, and at once.
+void MainWindow::ShowDetectedInput(MouseRole role, const ByteString& text) {
+  SetText(static_cast<std::uint32_t>(role), text);
+}
+
+void MainWindow::MouseDetectionEnded(MouseRole role) {
+  for (const auto& detection : kDetections) {
+    if (detection.role == role) Check(detection.box, false);
+  }
+}
+
+}  // namespace kelvaro
