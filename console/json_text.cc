@@ -5,9 +5,8 @@ std::string JsonText(const ByteString& text) { return JsonText(Bytes(text)); }
 
 std::string JsonSteps(const KeySequence& steps) {
   std::string out = "[";
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
-    if (node != steps.head) out += ',';
+  for (const KeyStep& step : steps) {
+    if (out.size() > 1) out += ',';
     out += '[' + std::to_string(step.vk) + ',' + std::to_string(step.scan) + ',' +
            std::to_string(step.flags) + ']';
   }

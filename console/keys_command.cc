@@ -43,8 +43,7 @@ bool ParseSteps(const std::string& text, KeySequence* steps, std::string* what) 
 }
 
 void PrintSteps(const KeyAction& action, std::ostream& out) {
-  for (const auto* node = action.steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : action.steps) {
     KeyAction single;
     single.steps.AddTail(step);
     char line[64];

@@ -26,8 +26,7 @@ using Inputs = std::tuple<bool, std::uint64_t, std::vector<Item>>;
 Inputs InputsOf(const Trigger& trigger) {
   std::vector<Item> items;
   bool known = true;
-  for (auto* node = trigger.triggerItems.head; node; node = node->next) {
-    const TriggerItem& item = *node->value;
+  for (const TriggerItem& item : trigger.triggerItems) {
     known &= item.kind <= input_kind::kPov;
     items.emplace_back(item.kind, item.index, item.value & 0xFF);
   }
@@ -62,8 +61,7 @@ std::string FirstDamage(const std::vector<Finding>& findings) {
 
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings) {
   std::map<Inputs, const Control*> before;
-  for (auto* node = profile.DispatchList.head; node; node = node->next) {
-    const Control& control = *node->value;
+  for (const Control& control : profile.DispatchList) {
     if (control.Weight() == 0) {
       findings->push_back({Finding::Kind::NeverFires, ControlName(control), "it has no inputs"});
       continue;
@@ -76,15 +74,15 @@ void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* fin
 }
 
 void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings) {
-  for (auto* node = profile.controls.head; node; node = node->next) {
+  for (const Control& control : profile.controls) {
     std::set<std::string> told;
-    for (auto* each = node->value->actions.head; each; each = each->next) {
-      const auto* const action = dynamic_cast<const KeyAction*>(*each->value);
+    for (const InputAction* each : control.actions) {
+      const auto* const action = dynamic_cast<const KeyAction*>(each);
       if (!action) continue;
-      for (auto* step = action->steps.head; step; step = step->next) {
-        const std::string doubt = Doubt(*step->value);
+      for (const KeyStep& step : action->steps) {
+        const std::string doubt = Doubt(step);
         if (doubt.empty() || !told.insert(doubt).second) continue;
-        findings->push_back({Finding::Kind::UnsureKey, ControlName(*node->value), doubt});
+        findings->push_back({Finding::Kind::UnsureKey, ControlName(control), doubt});
       }
     }
   }

@@ -1,5 +1,6 @@
 #include "console/profile_json.h"
 
+#include <algorithm>
 #include <memory>
 #include <set>
 #include <vector>
@@ -151,17 +152,17 @@ void NumberControls(Profile* profile, const std::vector<bool>& hasId, bool count
   std::set<std::uint32_t> taken;
   std::uint32_t highest = 0;
   std::size_t i = 0;
-  for (auto* node = profile->controls.head; node; node = node->next, ++i) {
-    if (!hasId[i]) continue;
-    taken.insert(node->value->controlId);
-    if (node->value->controlId > highest) highest = node->value->controlId;
+  for (const Control& control : profile->controls) {
+    if (!hasId[i++]) continue;
+    taken.insert(control.controlId);
+    highest = std::max(highest, control.controlId);
   }
   std::uint32_t next = profile->nextControlId;
   i = 0;
-  for (auto* node = profile->controls.head; node; node = node->next, ++i) {
-    if (hasId[i]) continue;
+  for (Control& control : profile->controls) {
+    if (hasId[i++]) continue;
     while (taken.contains(next)) ++next;
-    node->value->controlId = next++;
+    control.controlId = next++;
   }
   if (!counterGiven && highest >= next && highest != UINT32_MAX) next = highest + 1;
   profile->nextControlId = next;

@@ -77,8 +77,7 @@ std::string MouseJson(const MouseSettings& mouse) {
 
 std::string TriggerItemsJson(const Trigger& trigger) {
   JsonList items;
-  for (auto* node = trigger.triggerItems.head; node; node = node->next) {
-    const TriggerItem& item = *node->value;
+  for (const TriggerItem& item : trigger.triggerItems) {
     items.Add(JsonMembers()
                   .Number("kind", item.kind)
                   .Number("index", item.index)
@@ -90,8 +89,8 @@ std::string TriggerItemsJson(const Trigger& trigger) {
 
 std::string ActionsJson(const Control& control) {
   JsonList actions;
-  for (auto* node = control.actions.head; node; node = node->next) {
-    const auto* const action = dynamic_cast<const KeyAction*>(*node->value);
+  for (const InputAction* each : control.actions) {
+    const auto* const action = dynamic_cast<const KeyAction*>(each);
     if (!action) continue;
     actions.Add(JsonMembers()
                     .Number("actionFlags", action->actionFlags)
@@ -127,8 +126,8 @@ std::string ControlJson(const Control& control) {
 
 std::string ProfileJson(const Profile& profile) {
   JsonList controls;
-  for (auto* node = profile.controls.head; node; node = node->next) {
-    controls.Add(ControlJson(*node->value));
+  for (const Control& control : profile.controls) {
+    controls.Add(ControlJson(control));
   }
   return JsonMembers()
       .Text("profileName", profile.profileName)

@@ -71,8 +71,8 @@ std::string StoredNames(const std::string& wanted) {
   ProfileFile().ListProfileNames(&list);
   if (list.count == 0) return "; no profile is stored in " + Bytes(ProfileLibrary::ProfileFolder());
   std::vector<std::pair<std::size_t, std::string>> names;
-  for (auto* node = list.head; node; node = node->next) {
-    const std::string name = Bytes(*node->value);
+  for (const ByteString& each : list) {
+    const std::string name = Bytes(each);
     names.emplace_back(Distance(name, wanted), name);
   }
   std::sort(names.begin(), names.end());

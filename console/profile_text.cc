@@ -53,8 +53,8 @@ std::string MouseText(const MouseSettings& mouse) {
 
 std::string KeysText(const Control& control) {
   std::string text;
-  for (auto* node = control.actions.head; node; node = node->next) {
-    const auto* const action = dynamic_cast<const KeyAction*>(*node->value);
+  for (const InputAction* each : control.actions) {
+    const auto* const action = dynamic_cast<const KeyAction*>(each);
     if (!action) continue;
     if (!text.empty()) text += " then ";
     text += TerminalText(action->FormatKeys());
@@ -99,8 +99,7 @@ struct ControlRow {
 
 std::string ControlLines(const LinkedList<Control>& controls) {
   std::vector<ControlRow> rows;
-  for (auto* node = controls.head; node; node = node->next) {
-    const Control& control = *node->value;
+  for (const Control& control : controls) {
     ByteString trigger;
     TriggerText(control, &trigger);
     rows.push_back({std::to_string(control.controlId),

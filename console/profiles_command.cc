@@ -20,11 +20,11 @@ int ProfilesCommand(const ProfilesOptions& options, Streams streams) {
   // By name, as the file system's order says nothing to a person.
   std::vector<std::pair<std::string, std::string>> profiles;
   std::size_t width = 0;
-  for (auto* node = files.head; node; node = node->next) {
-    const std::string name = Bytes(ProfileFile().ReadProfileName(*node->value));
+  for (const ByteString& file : files) {
+    const std::string name = Bytes(ProfileFile().ReadProfileName(file));
     if (name.empty()) continue;
     width = std::max(width, Characters(TerminalText(name)));
-    profiles.emplace_back(name, Bytes(*node->value));
+    profiles.emplace_back(name, Bytes(file));
   }
   std::sort(profiles.begin(), profiles.end());
   for (const auto& [name, file] : profiles) {

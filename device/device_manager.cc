@@ -152,16 +152,18 @@ bool DeviceManager::ReselectDevice() { return selectedIndex >= 0 && SelectDevice
 
 bool DeviceManager::SelectDeviceByGuid(const platform::GUID& guid) {
   std::int32_t index = 0;
-  for (auto* node = devices.head; node; node = node->next, ++index) {
-    if (node->value->guidInstance == guid) return SelectDevice(index);
+  for (const auto& listed : devices) {
+    if (listed.guidInstance == guid) return SelectDevice(index);
+    ++index;
   }
   return false;
 }
 
 bool DeviceManager::SelectDeviceByName(const ByteString& name) {
   std::int32_t index = 0;
-  for (auto* node = devices.head; node; node = node->next, ++index) {
-    if (name.Equals(ByteString(node->value->tszInstanceName))) return SelectDevice(index);
+  for (const auto& listed : devices) {
+    if (name.Equals(listed.tszInstanceName)) return SelectDevice(index);
+    ++index;
   }
   return false;
 }

@@ -54,7 +54,7 @@ void Control::Reset() {
 
 void Control::ClearActions() {
   if (!actionsBorrowed) {
-    for (auto* node = actions.head; node; node = node->next) delete *node->value;
+    for (InputAction* action : actions) delete action;
   }
   actions.Clear();
 }
@@ -85,8 +85,7 @@ void Control::CopySettings(const Control& source) {
 void Control::CopyDeep(const Control& source) {
   Reset();
   CopySettings(source);
-  for (auto* node = source.actions.head; node; node = node->next) {
-    const InputAction* action = *node->value;
+  for (const InputAction* action : source.actions) {
     if (action->actionType != InputAction::kKeyAction) continue;
     InputAction* copy = action->Clone();
     if (copy && !actions.AddTail(copy)) delete copy;
@@ -131,8 +130,7 @@ bool Control::EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapsh
     }
   }
 
-  for (const auto* node = triggerItems.head; node; node = node->next) {
-    const TriggerItem& item = *node->value;
+  for (const TriggerItem& item : triggerItems) {
     const auto wanted = static_cast<std::uint8_t>(item.value);
     if (item.kind <= input_kind::kSliderB) {
       const std::uint8_t side = AxisState(axisMax, snapshot.state, item.kind, item.index);
@@ -163,8 +161,8 @@ bool Control::EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapsh
 }
 
 bool Control::UsesInput(const TriggerItem& item) const {
-  for (const auto* node = triggerItems.head; node; node = node->next) {
-    if (node->value->SameInput(item)) return true;
+  for (const TriggerItem& own : triggerItems) {
+    if (own.SameInput(item)) return true;
   }
   return false;
 }

@@ -6,15 +6,15 @@ namespace {
 // Whether all inputs of `inner` are among those of `outer`, in whatever direction.
 bool IsContained(const Control& inner, const Control& outer) {
   if ((inner.buttonMask & ~outer.buttonMask) != 0) return false;
-  for (const auto* node = inner.triggerItems.head; node; node = node->next) {
-    if (!outer.UsesInput(*node->value)) return false;
+  for (const TriggerItem& item : inner.triggerItems) {
+    if (!outer.UsesInput(item)) return false;
   }
   return true;
 }
 
 bool IsContainedInAny(const Control& control, const LinkedList<const Control*>& fired) {
-  for (const auto* node = fired.head; node; node = node->next) {
-    if (IsContained(control, **node->value)) return true;
+  for (const Control* other : fired) {
+    if (IsContained(control, *other)) return true;
   }
   return false;
 }
@@ -37,8 +37,8 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
     if (!engine.IsDetecting()) {
       LinkedList<const Control*> fired;
       LockGuard guard(engine.profile.profileLock);
-      for (auto* node = engine.profile.DispatchList.head; node; node = node->next) {
-        engine.DispatchControl(node->value, &fired);
+      for (Control& control : engine.profile.DispatchList) {
+        engine.DispatchControl(&control, &fired);
       }
     }
   }
@@ -70,14 +70,13 @@ void ControlEngine::EndControl(Control* control) {
   control->triggerDown = 0;
   // Each replay of a repeating Control is complete in itself.
   if (control->repeatEnabled) return;
-  for (auto* node = control->actions.head; node; node = node->next) (*node->value)->Release();
+  for (InputAction* action : control->actions) action->Release();
 }
 
 void ControlEngine::FireControl(Control* control) {
   // Fired by a release, it has no later moment at which its keys could be let go.
   const bool releaseAtOnce = !control->activateOnPress && !control->repeatEnabled;
-  for (auto* node = control->actions.head; node; node = node->next) {
-    InputAction* action = *node->value;
+  for (InputAction* action : control->actions) {
     action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
     if (releaseAtOnce) action->Release();
   }

@@ -81,8 +81,8 @@ void ControlEngine::LetGoWithoutDevice() {
 void ControlEngine::EndControls() {
   LockGuard guard(profile.profileLock);
   repeatWorker.Clear();
-  for (auto* node = profile.DispatchList.head; node; node = node->next) {
-    if (node->value->triggerDown) EndControl(node->value);
+  for (Control& control : profile.DispatchList) {
+    if (control.triggerDown) EndControl(&control);
   }
 }
 

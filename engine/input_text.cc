@@ -69,9 +69,9 @@ void InputText(const TriggerItem& item, ByteString* text, bool detailed) {
 void TriggerText(const Trigger& trigger, ByteString* text) {
   text->Empty();
   ButtonsText(trigger.buttonMask, text);
-  for (const auto* node = trigger.triggerItems.head; node; node = node->next) {
+  for (const TriggerItem& item : trigger.triggerItems) {
     AppendPlus(!text->IsEmpty(), text);
-    InputText(*node->value, text, true);
+    InputText(item, text, true);
   }
 }
 

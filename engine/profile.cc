@@ -45,8 +45,8 @@ void Profile::Clear() {
 
 void Profile::RebuildDispatchList() {
   DispatchList.Clear();
-  for (ControlNode* node = controls.head; node; node = node->next) {
-    if (DispatchList.AddTail({})) DispatchList.tail->value->Borrow(*node->value);
+  for (const Control& control : controls) {
+    if (DispatchList.AddTail({})) DispatchList.tail->value->Borrow(control);
   }
   SortHeaviestFirst(&DispatchList);
 }

@@ -41,8 +41,8 @@ void RepeatWorker::RepeatWhenDue() {
   const std::uint32_t elapsed = platform::GetTickCount() - control->repeatLastTick;
   if (elapsed < (control->repeatStarted ? control->repeatSpeed : control->repeatDelay)) return;
 
-  for (auto* node = control->actions.head; node; node = node->next) {
-    (*node->value)->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
+  for (InputAction* action : control->actions) {
+    action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
   }
   // Only now: the time that a slow replay takes isn't part of the interval.
   control->repeatLastTick = platform::GetTickCount();

@@ -3,6 +3,7 @@
 // Nothing throws as long as copying T doesn't; an allocation failure is a false result. No locking.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -20,6 +21,27 @@ class LinkedList {
     std::uint32_t tag;  // the caller's own; only copies of the list hand it on
   };
 
+  // Walks the elements from head to tail. Adding at the end and exchanging values are fine on the
+  // way; who removes or moves nodes walks by `head` and `next`.
+  template <typename Value>
+  class Iterator {
+   public:
+    using value_type = T;
+    using difference_type = std::ptrdiff_t;
+
+    explicit Iterator(Node* node = nullptr) : node(node) {}
+    Value& operator*() const { return *node->value; }
+    Iterator& operator++() {
+      node = node->next;
+      return *this;
+    }
+    Iterator operator++(int) { return Iterator(std::exchange(node, node->next)); }
+    bool operator==(const Iterator& other) const = default;
+
+   private:
+    Node* node;
+  };
+
   LinkedList() = default;
   LinkedList(const LinkedList& other) { Append(other); }
   LinkedList& operator=(const LinkedList& other) {
@@ -30,6 +52,11 @@ class LinkedList {
     return *this;
   }
   virtual ~LinkedList() { Clear(); }
+
+  Iterator<T> begin() { return Iterator<T>(head); }
+  Iterator<T> end() { return Iterator<T>(); }
+  Iterator<const T> begin() const { return Iterator<const T>(head); }
+  Iterator<const T> end() const { return Iterator<const T>(); }
 
   // Copies `element` to a new node at the end. False on allocation failure, with nothing changed.
   bool AddTail(const T& element, std::uint32_t tag = 0) {

@@ -73,8 +73,7 @@ void CheckOrder(const RecursiveLock* lock, LockRank rank, std::int32_t id) {
   if (rank == LockRank::None || lock->Owner() == id) return;
   RankedLocks& ranked = Ranked();
   const std::lock_guard<std::mutex> guard(ranked.mutex);
-  for (auto* node = ranked.locks.head; node; node = node->next) {
-    const RecursiveLock* held = *node->value;
+  for (const RecursiveLock* held : ranked.locks) {
     if (held == lock || held->Owner() != id || held->Rank() < rank) continue;
     std::fprintf(stderr, "Lock order: %s is taken while %s is held\n", NameOf(rank),
                  NameOf(held->Rank()));

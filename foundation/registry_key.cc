@@ -172,8 +172,7 @@ bool RegistryKey::CopyValues(RegistryKey* source) {
   RegistryValueList values;
   if (!source->EnumValues(nullptr, &values)) return false;
   bool all = true;
-  for (const auto* node = values.head; node; node = node->next) {
-    const RegistryValue& value = *node->value;
+  for (const RegistryValue& value : values) {
     const bool written = value.type == REG_SZ ? WriteString(handle, value.name.Text(), value.text)
                                               : WriteDword(handle, value.name.Text(), value.number);
     if (!written) all = false;
@@ -187,9 +186,9 @@ bool RegistryKey::CopyTree(RegistryKey* source) {
   LinkedList<ByteString> names;
   if (!EnumSubkeys(source->handle, &names)) return false;
   bool all = true;
-  for (const auto* node = names.head; node; node = node->next) {
-    RegistryKey from(source->handle, *node->value, false);
-    RegistryKey to(handle, *node->value, true);
+  for (const ByteString& name : names) {
+    RegistryKey from(source->handle, name, false);
+    RegistryKey to(handle, name, true);
     if (!to.CopyTree(&from)) all = false;
   }
   return all;

@@ -25,8 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   LinkedList<ByteString> tokens;
   SplitCommandLine(TextOf(line), &tokens);
   std::size_t bytes = 0;
-  for (const auto* node = tokens.head; node; node = node->next) {
-    const ByteString& token = *node->value;
+  for (const ByteString& token : tokens) {
     std::int32_t at = 0;
     if (token.IsEmpty() || token.FindChar('"', &at)) std::abort();
     bytes += token.Length();

@@ -30,8 +30,7 @@ ByteString Reprint(const ByteString& text) {
 }
 
 bool HasLWin(const KeySequence& steps) {
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : steps) {
     if (step.vk == 0x5B && (step.flags & kelvaro::KeyFlagLeft) &&
         !(step.flags & kelvaro::KeyFlagPause)) {
       return true;

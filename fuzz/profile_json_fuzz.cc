@@ -44,13 +44,12 @@ void CheckFault(const JsonFault& fault, const std::string& text) {
 // All of a profile's Controls as text, in the order of `list`.
 std::string Described(const LinkedList<Control>& list) {
   std::string text;
-  for (auto* node = list.head; node; node = node->next) {
-    const Control& control = *node->value;
+  for (const Control& control : list) {
     text += std::to_string(control.controlId) + " " + JsonText(control.description) + " " +
             std::to_string(control.buttonMask) + " " + std::to_string(control.Weight()) + " " +
             std::to_string(control.repeatDelay) + " " + std::to_string(control.keyHoldTime);
-    for (auto* entry = control.actions.head; entry; entry = entry->next) {
-      const auto& action = static_cast<const KeyAction&>(**entry->value);
+    for (const InputAction* each : control.actions) {
+      const auto& action = static_cast<const KeyAction&>(*each);
       text += " " + JsonSteps(action.steps) + Bytes(action.FormatKeys());
     }
     text += "\n";
@@ -61,21 +60,21 @@ std::string Described(const LinkedList<Control>& list) {
 void CheckDispatchOrder(const Profile& profile, const std::string& text) {
   Check(profile.DispatchList.count == profile.controls.count, "Controls went missing", text);
   std::uint32_t last = UINT32_MAX;
-  for (auto* node = profile.DispatchList.head; node; node = node->next) {
-    Check(node->value->Weight() <= last, "a heavier Control behind a lighter one", text);
-    last = node->value->Weight();
+  for (const Control& control : profile.DispatchList) {
+    Check(control.Weight() <= last, "a heavier Control behind a lighter one", text);
+    last = control.Weight();
   }
 }
 
 // A device's state goes through what the profile says, for the sanitizers to see.
-void Dispatch(const Profile& profile) {
+void Dispatch(Profile& profile) {
   platform::DIJOYSTATE2 state;
   std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), 9000u);
   state.rgbButtons[0] = 0x80;
   DeviceSnapshot snapshot;
   UpdateSnapshot(&snapshot, state);
-  for (auto* node = profile.DispatchList.head; node; node = node->next) {
-    node->value->EvaluateTrigger(32000, snapshot);
+  for (Control& control : profile.DispatchList) {
+    control.EvaluateTrigger(32000, snapshot);
   }
   const MouseCurve curve = MakeMouseCurve(32000, 1600, 17);
   for (const TriggerItem input :

@@ -80,8 +80,7 @@ void AppendKey(std::uint8_t vk, std::uint8_t scan, std::uint8_t flags, ByteStrin
 
 ByteString KeyAction::FormatKeys() const {
   ByteString text;
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : steps) {
     if (step.flags & KeyFlagPause) {
       text.Append("<P:");
       text.Append(ToDecimal(static_cast<std::uint32_t>(step.vk * 256 + step.scan), false, 0));

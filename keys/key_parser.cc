@@ -187,8 +187,7 @@ ByteString KeyAction::SmartCheck(const ByteString& text) {
 
 bool KeyAction::HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const {
   const std::uint8_t modifiers = flags & 7;
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : steps) {
     if (vk != 0 && step.vk == vk) return true;
     if (step.flags & modifiers) return true;
   }

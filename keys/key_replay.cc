@@ -97,11 +97,11 @@ bool KeyAction::Replay(std::uint8_t repeat, std::uint32_t holdTime, std::uint32_
   bool afterPause = false;
   std::uint8_t heldModifiers = 0;
 
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
+  for (const KeyStep& step : steps) {
     // Kept: a pause is let go of like a key, so that one of 256 ms or more is followed by a stray
     // release of the key that its high byte names. Test: LongPauseSendsAStrayRelease.
     if (!holdAll) LetGo(current);
-    current = *node->value;
+    current = step;
 
     if (current.flags & KeyFlagPause) {
       const std::uint32_t ms = current.vk * 256u + current.scan;
@@ -139,8 +139,7 @@ bool KeyAction::Release() {
   }
 
   std::uint8_t released = 0;
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : steps) {
     if (step.flags & KeyFlagPause) continue;
     const std::uint8_t flags = Without(step.flags, released);
     if (flags != 0) {

@@ -22,7 +22,7 @@ std::vector<std::string> StoredProfiles() {
   LinkedList<ByteString> list;
   file.ListProfileNames(&list);
   std::vector<std::string> names;
-  for (const auto* node = list.head; node; node = node->next) names.push_back(Bytes(*node->value));
+  for (const ByteString& name : list) names.push_back(Bytes(name));
   std::stable_sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
     return Folded(a) < Folded(b);
   });

@@ -240,8 +240,9 @@ bool ProfileFile::ReadScanCodes(KeySequence* steps) {
   if (!good) return false;
 
   std::uint32_t i = 0;
-  for (auto* node = steps->head; node && i < scans.Length(); node = node->next, ++i) {
-    node->value->scan = static_cast<std::uint8_t>(scans[i]);
+  for (KeyStep& step : *steps) {
+    if (i == scans.Length()) break;
+    step.scan = static_cast<std::uint8_t>(scans[i++]);
   }
   return true;
 }
@@ -352,7 +353,7 @@ bool ProfileFile::WriteMouseSettings() {
 
 bool ProfileFile::WriteControls() {
   bool good = Descend(profile_list::kControls);
-  for (auto* node = controls.head; node; node = node->next) good &= WriteControl(*node->value);
+  for (const Control& control : controls) good &= WriteControl(control);
   good &= Ascend();
   return good;
 }
@@ -367,8 +368,8 @@ bool ProfileFile::WriteControl(const Control& control) {
   good &= WriteBytes(PackedWriter(4).U32(control.controlId).Field());
   good &= WriteBytes(PackedWriter(1).Flag(control.toggleMouseControls).Field());
   good &= WriteTrigger(control);
-  for (auto* node = control.actions.head; node; node = node->next) {
-    const auto* const action = dynamic_cast<const KeyAction*>(*node->value);
+  for (const InputAction* each : control.actions) {
+    const auto* const action = dynamic_cast<const KeyAction*>(each);
     good &= action && WriteKeyAction(control, *action);
   }
   good &= WriteList(profile_list::kTimings, timings.Field());
@@ -382,8 +383,7 @@ bool ProfileFile::WriteTrigger(const Control& control) {
 
   bool good = Descend(profile_list::kTrigger);
   good &= WriteBytes(field.Field());
-  for (auto* node = control.triggerItems.head; node; node = node->next) {
-    const TriggerItem& item = *node->value;
+  for (const TriggerItem& item : control.triggerItems) {
     good &= WriteBytes(PackedWriter(6).U16(item.kind).U16(item.index).U16(item.value).Field());
   }
   good &= Ascend();
@@ -396,9 +396,9 @@ bool ProfileFile::WriteKeyAction(const Control& control, const KeyAction& action
   timings.U32(control.keyHoldTime);
   PackedWriter keys(action.steps.count * 2);
   PackedWriter scans(action.steps.count);
-  for (auto* node = action.steps.head; node; node = node->next) {
-    keys.U8(node->value->vk).U8(node->value->flags);
-    scans.U8(node->value->scan);
+  for (const KeyStep& step : action.steps) {
+    keys.U8(step.vk).U8(step.flags);
+    scans.U8(step.scan);
   }
 
   bool good = Descend(profile_list::kKeyAction);

@@ -50,9 +50,8 @@ void MakeUsersFolder() {
   if (!CreateFolders(data) || !platform::CreateDirectoryA(SeamPath(folder))) return;
   LinkedList<ByteString> shipped;
   ListFiles(In(program, kFolder), &shipped);
-  for (const auto* node = shipped.head; node; node = node->next) {
-    platform::CopyFileA(SeamPath(*node->value), SeamPath(In(folder, FileNameOf(*node->value))),
-                        true);
+  for (const ByteString& path : shipped) {
+    platform::CopyFileA(SeamPath(path), SeamPath(In(folder, FileNameOf(path))), true);
   }
 }
 
@@ -110,8 +109,8 @@ bool ProfileLibrary::ListProfileNames(LinkedList<ByteString>* list) {
   // which changes the folder.
   LinkedList<ByteString> files;
   ListProfileFiles(&files);
-  for (auto* node = files.head; node; node = node->next) {
-    const ByteString name = ReadProfileName(*node->value);
+  for (const ByteString& file : files) {
+    const ByteString name = ReadProfileName(file);
     if (!name.IsEmpty()) list->AddTail(name);
   }
   return true;
@@ -120,8 +119,8 @@ bool ProfileLibrary::ListProfileNames(LinkedList<ByteString>* list) {
 ByteString ProfileLibrary::FindProfileFile(const ByteString& name) {
   LinkedList<ByteString> files;
   ListProfileFiles(&files);
-  for (auto* node = files.head; node; node = node->next) {
-    if (ReadProfileName(*node->value).Equals(name)) return *node->value;
+  for (const ByteString& file : files) {
+    if (ReadProfileName(file).Equals(name)) return file;
   }
   return {};
 }

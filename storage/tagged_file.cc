@@ -217,8 +217,7 @@ bool TaggedFile::Descend(std::uint32_t id) {
   if (!isOpen || !current) return false;
 
   if (!isWriting) {
-    for (auto* node = current->entries.head; node; node = node->next) {
-      const ChunkEntry& entry = *node->value;
+    for (const ChunkEntry& entry : current->entries) {
       if (entry.type != chunk_type::kList) continue;
       OpenList list;
       if (!ReadHead(entry, &list)) return Damaged();

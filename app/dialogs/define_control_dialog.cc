@@ -186,9 +186,9 @@ void DefineControlDialog::TakeScratch() {
   toggleMouseCheck = scratch.toggleMouseControls != 0;
 
   keysText.Empty();
-  for (const auto* node = scratch.actions.head; node; node = node->next) {
-    if ((*node->value)->actionType != InputAction::kKeyAction) continue;
-    const auto& action = static_cast<const KeyAction&>(**node->value);
+  for (const InputAction* each : scratch.actions) {
+    if (each->actionType != InputAction::kKeyAction) continue;
+    const auto& action = static_cast<const KeyAction&>(*each);
     keysText.Append(action.FormatKeys());
     if ((action.actionFlags & KeyAction::HoldAllKeys) != 0) Check(kHoldAllBox, true);
   }

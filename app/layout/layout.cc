@@ -21,10 +21,10 @@ void Move(LayoutRect* rect, std::int32_t across, std::int32_t down) {
   rect->bottom += down;
 }
 
-void MoveDescendants(const Nodes& nodes, std::int32_t across, std::int32_t down) {
-  for (auto* node = nodes.head; node; node = node->next) {
-    Move(&node->value->rect, across, down);
-    MoveDescendants(node->value->children, across, down);
+void MoveDescendants(Nodes& nodes, std::int32_t across, std::int32_t down) {
+  for (LayoutNode& node : nodes) {
+    Move(&node.rect, across, down);
+    MoveDescendants(node.children, across, down);
   }
 }
 
@@ -103,10 +103,9 @@ void SetEdges(LayoutNode* node, const LayoutRect& parent, const LayoutRect& page
   if (flags & kBottomEdge) node->rect.bottom = reference.bottom - margins.bottom;
 }
 
-void Grow(const Nodes& nodes, std::int32_t across, std::int32_t down) {
+void Grow(Nodes& nodes, std::int32_t across, std::int32_t down) {
   using namespace layout_flag;
-  for (auto* entry = nodes.head; entry; entry = entry->next) {
-    LayoutNode& node = *entry->value;
+  for (LayoutNode& node : nodes) {
     if (node.flags & kMoveAcross) {
       Move(&node.rect, across, 0);
     } else if (node.flags & kGrowAcross) {
@@ -129,14 +128,14 @@ LayoutNode* FindIn(const Nodes& nodes, std::uint32_t control) {
   return nullptr;
 }
 
-void SetStateIn(const Nodes& nodes, std::uint32_t bit, bool set) {
-  for (auto* node = nodes.head; node; node = node->next) {
+void SetStateIn(Nodes& nodes, std::uint32_t bit, bool set) {
+  for (LayoutNode& node : nodes) {
     if (set) {
-      node->value->state |= bit;
+      node.state |= bit;
     } else {
-      node->value->state &= ~bit;
+      node.state &= ~bit;
     }
-    SetStateIn(node->value->children, bit, set);
+    SetStateIn(node.children, bit, set);
   }
 }
 
@@ -159,8 +158,7 @@ void Defer(const Nodes& nodes, platform::WindowHandle window, platform::DeferHan
 }
 
 void MoveNow(const Nodes& nodes, platform::WindowHandle window) {
-  for (auto* entry = nodes.head; entry; entry = entry->next) {
-    const LayoutNode& node = *entry->value;
+  for (const LayoutNode& node : nodes) {
     platform::InvalidateControl(window, node.control);
     platform::SetControlPos(window, node.control, ControlRect(node),
                             MoveFlags(node) | platform::SWP_DEFERERASE);
@@ -171,8 +169,7 @@ void MoveNow(const Nodes& nodes, platform::WindowHandle window) {
 void ShowOrHide(const Nodes& nodes, platform::WindowHandle window, const LayoutPage* later) {
   constexpr std::uint32_t kUnseen =
       layout_state::kHidden | layout_state::kOtherPage | layout_state::kCollapsed;
-  for (auto* entry = nodes.head; entry; entry = entry->next) {
-    const LayoutNode& node = *entry->value;
+  for (const LayoutNode& node : nodes) {
     const bool hide = (node.state & kUnseen) || (node.flags & layout_flag::kNeverShown);
     if (!later || !later->Find(node.control)) {
       platform::ShowControl(window, node.control,
@@ -221,7 +218,7 @@ void LayoutPage::Resize(const LayoutRect& page, const LayoutPage* later) {
   rect = page;
   LayoutNode top;
   top.rect = rect;
-  for (auto* node = nodes.head; node; node = node->next) LayOutTree(node->value, top, rect);
+  for (LayoutNode& node : nodes) LayOutTree(&node, top, rect);
   ApplyPositions();
   ApplyVisibility(later);
 }
@@ -255,9 +252,7 @@ void LayOutTree(LayoutNode* node, const LayoutNode& parent, const LayoutRect& pa
     node->rect.right = node->rect.left - 1;
     node->rect.bottom = node->rect.top - 1;
   }
-  for (auto* child = node->children.head; child; child = child->next) {
-    LayOutTree(child->value, *node, page);
-  }
+  for (LayoutNode& child : node->children) LayOutTree(&child, *node, page);
   node->rect = own;
 }
 

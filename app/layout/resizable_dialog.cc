@@ -68,8 +68,8 @@ bool ResizableDialog::SelectPage(std::uint16_t index) {
   if (!chosen) return false;
   currentPage = chosen;
   currentPageIndex = index;
-  for (auto* page = pages.head; page; page = page->next) {
-    page->value->SetState(layout_state::kOtherPage, page->value != chosen);
+  for (LayoutPage& page : pages) {
+    page.SetState(layout_state::kOtherPage, &page != chosen);
   }
   ApplyCurrentPage();
   return true;
@@ -95,13 +95,13 @@ bool ResizableDialog::HideNode(std::uint16_t page, std::uint32_t control) {
 }
 
 void ResizableDialog::MeasurePages() {
-  for (auto* page = pages.head; page; page = page->next) page->value->Measure();
+  for (LayoutPage& page : pages) page.Measure();
   layoutReady = true;
 }
 
 void ResizableDialog::ApplyCurrentPage() {
-  for (auto* page = pages.head; page; page = page->next) {
-    if (page->value != currentPage) page->value->ApplyVisibility(currentPage);
+  for (LayoutPage& page : pages) {
+    if (&page != currentPage) page.ApplyVisibility(currentPage);
   }
   if (currentPage) currentPage->ApplyVisibility();
 }
@@ -109,8 +109,8 @@ void ResizableDialog::ApplyCurrentPage() {
 void ResizableDialog::Layout(const platform::Rect& client) {
   platform::InvalidateRect(window, gripRect);
   const LayoutRect rect{client.left, client.top, client.right, client.bottom};
-  for (auto* page = pages.head; page; page = page->next) {
-    if (page->value != currentPage) page->value->Resize(rect, currentPage);
+  for (LayoutPage& page : pages) {
+    if (&page != currentPage) page.Resize(rect, currentPage);
   }
   if (currentPage) currentPage->Resize(rect);
   PlaceGrip(client);

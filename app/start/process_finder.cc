@@ -44,8 +44,8 @@ bool EnumerateProcesses(ProcessList* list) {
 bool IsProcessRunning(std::uint32_t processId) {
   ProcessList processes;
   if (!EnumerateProcesses(&processes)) return false;
-  for (const auto* node = processes.head; node; node = node->next)
-    if (node->value->processId == processId) return true;
+  for (const ProcessRecord& process : processes)
+    if (process.processId == processId) return true;
   return false;
 }
 

@@ -27,10 +27,10 @@ constexpr char kDeleteTitle[] = "Confirm Delete";
 ByteString ActionText(const Control& control) {
   ByteString text;
   if (control.toggleMouseControls == 1) text = "<mouse ctrl>";
-  for (const auto* node = control.actions.head; node; node = node->next) {
-    if ((*node->value)->actionType != InputAction::kKeyAction) continue;
+  for (const InputAction* action : control.actions) {
+    if (action->actionType != InputAction::kKeyAction) continue;
     if (!text.IsEmpty()) text.AppendChar('+');
-    text.Append(static_cast<const KeyAction&>(**node->value).FormatKeys());
+    text.Append(static_cast<const KeyAction&>(*action).FormatKeys());
   }
   return text;
 }
@@ -91,8 +91,8 @@ Control* MainWindow::FindSelectedControl() {
 }
 
 Control* MainWindow::FindControl(std::uint32_t controlId) {
-  for (auto* node = profile.controls.head; node; node = node->next) {
-    if (node->value->controlId == controlId) return node->value;
+  for (Control& control : profile.controls) {
+    if (control.controlId == controlId) return &control;
   }
   return nullptr;
 }
@@ -167,10 +167,10 @@ void MainWindow::OnDeleteControls() {
     LockGuard guard(profile.profileLock);
     // Before the actions go, which it may be replaying.
     engine->repeatWorker.Clear();
-    for (const auto* id = ids.head; id; id = id->next) {
+    for (const std::uint32_t id : ids) {
       for (auto* node = profile.controls.head; node;) {
         auto* const next = node->next;
-        if (node->value->controlId == *id->value) profile.controls.RemoveNode(node);
+        if (node->value->controlId == id) profile.controls.RemoveNode(node);
         node = next;
       }
     }
@@ -185,8 +185,8 @@ void MainWindow::OnCopyControls() {
   SelectedControlIds(&ids);
   if (ids.count == 0) return;
   copiedControls.Clear();
-  for (const auto* id = ids.head; id; id = id->next) {
-    const Control* control = FindControl(*id->value);
+  for (const std::uint32_t id : ids) {
+    const Control* control = FindControl(id);
     if (control && copiedControls.AddTail({})) copiedControls.tail->value->CopyDeep(*control);
   }
 }
@@ -195,10 +195,10 @@ void MainWindow::OnPasteControls() {
   if (copiedControls.count == 0) return;
   {
     LockGuard guard(profile.profileLock);
-    for (const auto* node = copiedControls.head; node; node = node->next) {
+    for (const Control& control : copiedControls) {
       if (!profile.controls.AddTail({})) continue;
       Control& pasted = *profile.controls.tail->value;
-      pasted.CopyDeep(*node->value);
+      pasted.CopyDeep(control);
       pasted.controlId = profile.nextControlId++;
     }
     RebuildDispatchList();
@@ -214,12 +214,12 @@ void MainWindow::OnMoveUp() {
   if (rows.count == 0 || *rows.head->value == 0) return;
   {
     LockGuard guard(profile.profileLock);
-    for (const auto* row = rows.head; row; row = row->next) profile.controls.MoveUp(*row->value);
+    for (const std::int32_t row : rows) profile.controls.MoveUp(row);
     SaveProfile();
   }
   FillControlList();
-  for (const auto* row = rows.head; row; row = row->next) {
-    platform::ListSelectItem(window, kControlList, *row->value - 1, true);
+  for (const std::int32_t row : rows) {
+    platform::ListSelectItem(window, kControlList, row - 1, true);
   }
 }
 
@@ -234,8 +234,8 @@ void MainWindow::OnMoveDown() {
     SaveProfile();
   }
   FillControlList();
-  for (const auto* row = rows.head; row; row = row->next) {
-    platform::ListSelectItem(window, kControlList, *row->value + 1, true);
+  for (const std::int32_t row : rows) {
+    platform::ListSelectItem(window, kControlList, row + 1, true);
   }
 }
 

@@ -71,8 +71,7 @@ void MainWindow::CloseOtherInstances() {
   if (!EnumerateProcesses(&processes)) return;
   const ByteString ownName = FileNameOf(programPath);
   const std::uint32_t ownId = platform::GetCurrentProcessId();
-  for (const auto* node = processes.head; node; node = node->next) {
-    const ProcessRecord& process = *node->value;
+  for (const ProcessRecord& process : processes) {
     if (process.processId == ownId || process.fileName.Compare(ownName, true) != 0) continue;
     CloseInstances({process.processId});
   }
@@ -84,10 +83,10 @@ std::uint32_t MainWindow::LaunchTarget() {
   std::vector<platform::Handle> kept;
   std::vector<std::uint32_t> instances;
   const std::string program = SeamPath(programPath);
-  for (const auto* node = extraProfiles.head; node; node = node->next) {
+  for (const ByteString& name : extraProfiles) {
     ByteString line = InQuotes(programPath);
     line.Append(" profile=");
-    line.Append(InQuotes(*node->value));
+    line.Append(InQuotes(name));
     platform::PROCESS_INFORMATION started;
     if (!platform::CreateProcessA(program, Bytes(line), platform::CREATE_NEW_CONSOLE, nullptr,
                                   &started))

@@ -186,8 +186,7 @@ void MainWindow::FillProfileList() {
   LinkedList<ByteString> names;
   profile.ListProfileNames(&names);
   if (!platform::HasControl(window, kProfileList) || names.count == 0) return;
-  for (const auto* node = names.head; node; node = node->next)
-    platform::ComboAddString(window, kProfileList, Bytes(*node->value));
+  for (const ByteString& name : names) platform::ComboAddString(window, kProfileList, Bytes(name));
   ParseCommandLine();
   if (shuttingDown) return;
   if (!commandLineProfileSelected) {

@@ -14,7 +14,7 @@ constexpr std::uint32_t kProfileList = 1001;
 
 Strings All(const LinkedList<ByteString>& list) {
   Strings all;
-  for (const auto* node = list.head; node; node = node->next) all.push_back(Bytes(*node->value));
+  for (const ByteString& name : list) all.push_back(Bytes(name));
   return all;
 }
 

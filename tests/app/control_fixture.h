@@ -114,8 +114,8 @@ class ControlTest : public MainWindowTest {
 
   static std::string Keys(const Control& control) {
     std::string text;
-    for (const auto* node = control.actions.head; node; node = node->next)
-      text += Bytes(static_cast<const KeyAction&>(**node->value).FormatKeys());
+    for (const InputAction* action : control.actions)
+      text += Bytes(static_cast<const KeyAction&>(*action).FormatKeys());
     return text;
   }
   static bool HoldsAll(const Control& control) {

@@ -39,8 +39,7 @@ constexpr std::uint8_t kDeleteKey = 0x2E;
 
 Ids IdsOf(const LinkedList<Control>& controls) {
   Ids ids;
-  for (const auto* node = controls.head; node; node = node->next)
-    ids.push_back(node->value->controlId);
+  for (const Control& control : controls) ids.push_back(control.controlId);
   return ids;
 }
 
@@ -114,11 +113,11 @@ class ControlListTest : public ControlTest {
   // Puts counted actions in the place of all others of the profile. That the dialog's own ones can
   // be deleted here shows whose they are.
   void CountActions() {
-    for (auto* node = OpenProfile().controls.head; node; node = node->next) {
-      for (auto* action = node->value->actions.head; action; action = action->next) {
-        auto* const plain = static_cast<KeyAction*>(*action->value);
+    for (Control& control : OpenProfile().controls) {
+      for (InputAction*& action : control.actions) {
+        auto* const plain = static_cast<KeyAction*>(action);
         if (dynamic_cast<CountedAction*>(plain)) continue;
-        *action->value = new CountedAction(*plain);
+        action = new CountedAction(*plain);
         delete plain;
       }
     }
@@ -573,8 +572,8 @@ TEST_F(ControlListTest, CopyTakesTheSelectedControlsInTheOrderOfTheirRows) {
   Copy({3, 0, 2});
   ASSERT_EQ(CopiedControls().count, 3);
   EXPECT_EQ(IdsOf(CopiedControls()), (Ids{1, 3, 4}));
-  for (const auto* node = CopiedControls().head; node; node = node->next)
-    EXPECT_EQ(node->value->actionsBorrowed, 0) << "the buffer owns its actions";
+  for (const Control& control : CopiedControls())
+    EXPECT_EQ(control.actionsBorrowed, 0) << "the buffer owns its actions";
   EXPECT_EQ(Saves(), 0u);
   Copy({1});
   EXPECT_EQ(IdsOf(CopiedControls()), Ids{2}) << "emptied by the next copy";
@@ -912,8 +911,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
       made.pollInterval = 5;
       UsePad(made);
       made.nextControlId = 1;
-      for (auto* node = made.controls.head; node; node = node->next)
-        node->value->controlId = made.nextControlId++;
+      for (Control& control : made.controls) control.controlId = made.nextControlId++;
     });
     Begin();
     model.rows = screen.Cells(kList);
@@ -1013,9 +1011,9 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
 
   Ids DispatchActions() {
     Ids ids;
-    for (const auto* node = OpenProfile().DispatchList.head; node; node = node->next) {
-      EXPECT_EQ(node->value->actionsBorrowed, 1);
-      ids.push_back(node->value->controlId);
+    for (const Control& control : OpenProfile().DispatchList) {
+      EXPECT_EQ(control.actionsBorrowed, 1);
+      ids.push_back(control.controlId);
     }
     return ids;
   }

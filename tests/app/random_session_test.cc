@@ -308,7 +308,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     listed.clear();
-    for (auto* node = names.head; node; node = node->next) listed.push_back(Str(*node->value));
+    for (const ByteString& name : names) listed.push_back(Str(name));
     const std::string last = SettingText("Last Profile").value_or("");
     Begin();
     std::string first;
@@ -440,7 +440,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     std::set<std::string> held;
-    for (auto* node = names.head; node; node = node->next) held.insert(Str(*node->value));
+    for (const ByteString& name : names) held.insert(Str(name));
     const std::set<std::string> shown(listed.begin(), listed.end());
     std::set<std::string> differing;
     std::set_symmetric_difference(held.begin(), held.end(), shown.begin(), shown.end(),
@@ -481,11 +481,11 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     const Control* const repeating = Engine().repeatWorker.Repeating();
     bool found = repeating == nullptr;
     std::uint32_t weight = UINT32_MAX;
-    for (auto* node = open.DispatchList.head; node; node = node->next) {
-      if (node->value == repeating) found = true;
-      EXPECT_LE(node->value->Weight(), weight);
-      weight = node->value->Weight();
-      EXPECT_EQ(node->value->actionsBorrowed, 1);
+    for (const Control& control : open.DispatchList) {
+      if (&control == repeating) found = true;
+      EXPECT_LE(control.Weight(), weight);
+      weight = control.Weight();
+      EXPECT_EQ(control.actionsBorrowed, 1);
     }
     EXPECT_TRUE(found) << "what repeats is gone";
     if (mouseShown) {

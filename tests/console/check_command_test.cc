@@ -153,8 +153,7 @@ TEST_F(ExampleProfiles, HaveANameAndADescriptionOfEachControl) {
     const std::string name = Bytes(profile.profileName);
     EXPECT_EQ(Bytes(ProfileLibrary::ProfileFileName(profile.profileName)), name + ".idprof");
     EXPECT_GT(profile.controls.count, 10) << name;
-    for (auto* node = profile.controls.head; node; node = node->next) {
-      const Control& control = *node->value;
+    for (const Control& control : profile.controls) {
       EXPECT_FALSE(control.description.IsEmpty()) << name << " " << control.controlId;
       EXPECT_TRUE(control.actions.count > 0 || control.toggleMouseControls)
           << name << " " << control.controlId;
@@ -171,8 +170,8 @@ TEST_F(ExampleProfiles, NoControlNeedsAButtonThatTheMouseHasForGood) {
     ASSERT_TRUE(ReadProfileBytes(FileBytes(file), file, &profile, &fault)) << fault.message;
     if (!profile.mouseAlwaysActive) continue;
     const std::uint64_t taken = profile.leftMask | profile.middleMask | profile.rightMask;
-    for (auto* node = profile.controls.head; node; node = node->next) {
-      EXPECT_EQ(node->value->buttonMask & taken, 0U) << file << " " << node->value->controlId;
+    for (const Control& control : profile.controls) {
+      EXPECT_EQ(control.buttonMask & taken, 0U) << file << " " << control.controlId;
     }
   }
 }

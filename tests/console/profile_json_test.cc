@@ -24,8 +24,8 @@ struct Read {
   const Control& At(int index) const { return *profile.controls.At(index)->value; }
   std::vector<std::uint32_t> Ids() const {
     std::vector<std::uint32_t> ids;
-    for (auto* node = profile.controls.head; node; node = node->next) {
-      ids.push_back(node->value->controlId);
+    for (const Control& control : profile.controls) {
+      ids.push_back(control.controlId);
     }
     return ids;
   }

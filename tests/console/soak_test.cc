@@ -140,9 +140,9 @@ class Soak {
   void Take(const Profile& next) {
     LockGuard guard(profile.profileLock);
     profile.Clear();
-    for (auto* node = next.controls.head; node; node = node->next) {
+    for (const Control& control : next.controls) {
       Control copy;
-      copy.CopyDeep(*node->value);
+      copy.CopyDeep(control);
       copy.actionsBorrowed = 1;  // the list's copy deletes them
       profile.controls.AddTail(copy);
     }

@@ -602,9 +602,9 @@ TEST_P(RandomDispatch, PressAndReleaseAlternateAndRestLeavesNothingDown) {
       Dispatch(Pad());
     }
     std::size_t n = 0;
-    for (auto* node = profile.controls.head; node; node = node->next, ++n) {
-      const Control& control = Copy(node->value);
-      const BalanceAction& action = *actions[n];
+    for (const Control& master : profile.controls) {
+      const Control& control = Copy(&master);
+      const BalanceAction& action = *actions[n++];
       if (control.repeatEnabled) {
         ASSERT_EQ(action.least, 0) << "a repeating Control was released";
         continue;

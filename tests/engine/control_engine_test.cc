@@ -72,8 +72,8 @@ TEST_F(Engine, LetGoReleasesWhatIsDownInTheOrderOfTheList) {
   engine.LetGo();
   EXPECT_EQ(journal.Take(), "release heavy, release more, release light");
   EXPECT_EQ(Copy(idle).triggerDown, 0);
-  for (auto* node = profile.DispatchList.head; node; node = node->next) {
-    EXPECT_EQ(node->value->triggerDown, 0);
+  for (const Control& control : profile.DispatchList) {
+    EXPECT_EQ(control.triggerDown, 0);
   }
   EXPECT_EQ(MouseEvents(), "");
   engine.LetGo();

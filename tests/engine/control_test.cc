@@ -540,16 +540,17 @@ class ControlCopies : public testing::Test {
 void ExpectItems(const Trigger& trigger, const std::vector<TriggerItem>& expected) {
   ASSERT_EQ(trigger.triggerItems.count, static_cast<std::int32_t>(expected.size()));
   std::size_t i = 0;
-  for (auto* node = trigger.triggerItems.head; node; node = node->next, ++i) {
-    EXPECT_EQ(node->value->kind, expected[i].kind) << "item " << i;
-    EXPECT_EQ(node->value->index, expected[i].index) << "item " << i;
-    EXPECT_EQ(node->value->value, expected[i].value) << "item " << i;
+  for (const TriggerItem& item : trigger.triggerItems) {
+    EXPECT_EQ(item.kind, expected[i].kind) << "item " << i;
+    EXPECT_EQ(item.index, expected[i].index) << "item " << i;
+    EXPECT_EQ(item.value, expected[i].value) << "item " << i;
+    ++i;
   }
 }
 
 std::vector<InputAction*> ActionsOf(const Control& control) {
   std::vector<InputAction*> actions;
-  for (auto* node = control.actions.head; node; node = node->next) actions.push_back(*node->value);
+  for (InputAction* action : control.actions) actions.push_back(action);
   return actions;
 }
 

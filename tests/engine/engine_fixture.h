@@ -197,8 +197,8 @@ class EngineTest : public ::testing::Test {
   }
   // The copy that the dispatcher walks.
   Control& Copy(const Control* master) {
-    for (auto* node = profile.DispatchList.head; node; node = node->next) {
-      if (node->value->controlId == master->controlId) return *node->value;
+    for (Control& control : profile.DispatchList) {
+      if (control.controlId == master->controlId) return control;
     }
     ADD_FAILURE() << "no such Control";
     return *profile.DispatchList.head->value;

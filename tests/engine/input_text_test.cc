@@ -170,10 +170,11 @@ std::string CapturedText(const DeviceSnapshot& snapshot) {
 void ExpectItems(const Trigger& trigger, const std::vector<TriggerItem>& expected) {
   ASSERT_EQ(trigger.triggerItems.count, static_cast<std::int32_t>(expected.size()));
   std::size_t i = 0;
-  for (auto* node = trigger.triggerItems.head; node; node = node->next, ++i) {
-    EXPECT_EQ(node->value->kind, expected[i].kind) << "item " << i;
-    EXPECT_EQ(node->value->index, expected[i].index) << "item " << i;
-    EXPECT_EQ(node->value->value, expected[i].value) << "item " << i;
+  for (const TriggerItem& item : trigger.triggerItems) {
+    EXPECT_EQ(item.kind, expected[i].kind) << "item " << i;
+    EXPECT_EQ(item.index, expected[i].index) << "item " << i;
+    EXPECT_EQ(item.value, expected[i].value) << "item " << i;
+    ++i;
   }
 }
 

@@ -37,7 +37,7 @@ Control* Add(Profile* profile, const Row& row) {
 
 std::string Names(const LinkedList<Control>& list) {
   std::string names;
-  for (auto* node = list.head; node; node = node->next) names += Plain(node->value->description);
+  for (const Control& control : list) names += Plain(control.description);
   return names;
 }
 
@@ -273,8 +273,8 @@ TEST_F(ProfileActions, RunningOutOfMemoryInARebuildLeavesTheActionsAlive) {
         }
         EXPECT_EQ(CountingAction::destroyed, 0);
         ExpectSoundLinks(profile.DispatchList);
-        for (auto* node = profile.DispatchList.head; node; node = node->next) {
-          EXPECT_EQ(node->value->actionsBorrowed, 1);
+        for (const Control& control : profile.DispatchList) {
+          EXPECT_EQ(control.actionsBorrowed, 1);
         }
         profile.RebuildDispatchList();
         EXPECT_EQ(Names(profile.DispatchList), "ba") << "with memory again all is well";

@@ -39,7 +39,7 @@ void ExpectChain(const List& list, const std::vector<List::Node*>& expected) {
 
 std::string Values(const List& list) {
   std::string text;
-  for (List::Node* node = list.head; node; node = node->next) text += std::to_string(*node->value);
+  for (const int value : list) text += std::to_string(value);
   return text;
 }
 
@@ -75,6 +75,13 @@ TEST(LinkedList, AddTailCopiesTheElementToANodeAtTheEnd) {
   EXPECT_EQ(list.head->tag, 42u);
   EXPECT_EQ(list.tail->tag, 0u);
   ExpectChain(list, {list.head, list.tail});
+}
+
+TEST(LinkedList, AWalkReachesEachElementAndMayChangeIt) {
+  List list;
+  Fill(&list, 3);
+  for (int& value : list) value *= 2;
+  EXPECT_EQ(Values(list), "024");
 }
 
 TEST(LinkedList, AddTailTakesAnElementOfTheSameList) {

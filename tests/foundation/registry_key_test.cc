@@ -26,8 +26,7 @@ std::string Bytes(const ByteString& text) { return {text.Text(), text.Length()};
 // "name=text" and "name#number".
 Lines Shown(const RegistryValueList& values) {
   Lines lines;
-  for (const auto* node = values.head; node; node = node->next) {
-    const RegistryValue& value = *node->value;
+  for (const RegistryValue& value : values) {
     lines.push_back(Bytes(value.name) + (value.type == REG_SZ
                                              ? "=" + Bytes(value.text)
                                              : "#" + std::to_string(value.number)));
@@ -37,7 +36,7 @@ Lines Shown(const RegistryValueList& values) {
 
 Lines Shown(const LinkedList<ByteString>& names) {
   Lines lines;
-  for (const auto* node = names.head; node; node = node->next) lines.push_back(Bytes(*node->value));
+  for (const ByteString& name : names) lines.push_back(Bytes(name));
   return lines;
 }
 

@@ -448,9 +448,9 @@ TEST(ParseKeys, RandomTextsFailWhereTheSoundPartEnds) {
     const Parsed before = Parse(text.substr(0, static_cast<std::size_t>(parsed.result)), holdAll);
     ASSERT_EQ(before.result, -1) << text;
     const KeySequence::Node* expected = before.action.steps.head;
-    for (const KeySequence::Node* node = parsed.action.steps.head; node; node = node->next) {
+    for (const KeyStep& step : parsed.action.steps) {
       ASSERT_NE(expected, nullptr) << text;
-      ASSERT_EQ(StepText(*node->value), StepText(*expected->value)) << text;
+      ASSERT_EQ(StepText(step), StepText(*expected->value)) << text;
       expected = expected->next;
     }
     for (; expected; expected = expected->next) {

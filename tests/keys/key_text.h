@@ -13,11 +13,11 @@ namespace kelvaro {
 // "41 1e 00, 42 30 08": vk, scan and flags of each step in hexadecimal.
 inline std::string StepText(const KeySequence& steps) {
   std::string text;
-  for (const KeySequence::Node* node = steps.head; node; node = node->next) {
-    char step[16];
-    std::snprintf(step, sizeof step, "%s%02x %02x %02x", text.empty() ? "" : ", ", node->value->vk,
-                  node->value->scan, node->value->flags);
-    text += step;
+  for (const KeyStep& step : steps) {
+    char shown[16];
+    std::snprintf(shown, sizeof shown, "%s%02x %02x %02x", text.empty() ? "" : ", ", step.vk,
+                  step.scan, step.flags);
+    text += shown;
   }
   return text;
 }

@@ -107,8 +107,7 @@ ReadBack ByKelvaro(const Words& words, const QuoteChars& chars) {
       words.at(0), Words(words.begin() + 1, words.end()), chars.quoteSub);
   const LaunchRequest request = ReadCommandLine(TextOf(line), chars);
   ReadBack back;
-  for (const auto* node = request.profiles.head; node; node = node->next)
-    back.profiles.push_back(Bytes(*node->value));
+  for (const ByteString& name : request.profiles) back.profiles.push_back(Bytes(name));
   back.target = Bytes(request.target);
   back.args = Bytes(request.args);
   back.dir = Bytes(request.dir);

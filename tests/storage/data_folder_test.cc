@@ -33,7 +33,7 @@ class DataFolderTest : public testing::Test {
     LinkedList<ByteString> list;
     reader.ListProfileNames(&list);
     Strings names;
-    for (auto* node = list.head; node; node = node->next) names.push_back(node->value->Text());
+    for (const ByteString& name : list) names.push_back(name.Text());
     return names;
   }
   static std::string Folder() { return DataFolder().Text(); }

@@ -196,9 +196,9 @@ TEST_F(HostileFileTest, ManyEmptyControlsAreReadInTimeThatGrowsWithTheirNumber) 
   class Counting : public ProfileFile {
    public:
     bool ReadField(std::uint32_t index, ByteString* out) override {
-      for (auto* node = openLists.head; node; node = node->next) {
-        if (node->value->id == profile_list::kControls) {
-          links = node->value->cursor.LinksFollowed();
+      for (const OpenList& open : openLists) {
+        if (open.id == profile_list::kControls) {
+          links = open.cursor.LinksFollowed();
         }
       }
       return ProfileFile::ReadField(index, out);

@@ -22,8 +22,7 @@ Control& ControlOf(const ProfileFile& profile, std::int32_t index = 0) {
 // "41/1e/00 ..." as vk/scan/flags.
 std::string StepText(const KeyAction& action) {
   std::string text;
-  for (auto* node = action.steps.head; node; node = node->next) {
-    const KeyStep& step = *node->value;
+  for (const KeyStep& step : action.steps) {
     if (!text.empty()) text += ' ';
     for (const std::uint8_t byte : {step.vk, step.scan, step.flags}) {
       text += ToHexText(std::string(1, static_cast<char>(byte))) + "/";

@@ -30,7 +30,7 @@ class ProfileLibraryTest : public ProfileTest {
   std::string Find(const std::string& name) { return Str(profile.FindProfileFile(Bytes(name))); }
   static Strings All(const LinkedList<ByteString>& list) {
     Strings all;
-    for (auto* node = list.head; node; node = node->next) all.push_back(Str(*node->value));
+    for (const ByteString& name : list) all.push_back(Str(name));
     return all;
   }
 

@@ -246,8 +246,8 @@ TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
   EXPECT_GT(rows, 0);
   EXPECT_EQ(stored->controls.count, rows);
   std::uint32_t detected = 0;
-  for (const auto* node = stored->controls.head; node; node = node->next) {
-    if (node->value->Weight() > 0) ++detected;
+  for (const Control& control : stored->controls) {
+    if (control.Weight() > 0) ++detected;
   }
   EXPECT_GT(detected, 0u);
 }

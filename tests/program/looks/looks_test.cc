@@ -408,10 +408,10 @@ TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
   Stage stage;
   ProfileFile profile;
   ASSERT_TRUE(profile.Load(profile.FindProfileFile(kProfile)));
-  for (auto* node = profile.controls.head; node; node = node->next) {
-    node->value->repeatEnabled = 1;
-    node->value->repeatDelay = 20;
-    node->value->repeatSpeed = 20;
+  for (kelvaro::Control& control : profile.controls) {
+    control.repeatEnabled = 1;
+    control.repeatDelay = 20;
+    control.repeatSpeed = 20;
   }
   ASSERT_TRUE(profile.Save());
   EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
