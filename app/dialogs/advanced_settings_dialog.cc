@@ -1,35 +1,31 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 
-namespace {
+using namespace advanced_settings;
 
-constexpr std::uint32_t kAutoDetectBox = 1199;
-constexpr std::int32_t kTipWidth = 400;   // pixels
-constexpr std::int32_t kTipTime = 10000;  // ms
-
-}  // namespace
+namespace {}  // namespace
 
 AdvancedSettingsDialog::AdvancedSettingsDialog(bool autodetectDevicePlugin)
     : Dialog(resources::kAdvancedSettings), autodetectDevicePlugin(autodetectDevicePlugin) {}
 
 void AdvancedSettingsDialog::OnInit() {
-  Check(kAutoDetectBox, autodetectDevicePlugin);
+  Check(kAutodetectDevicePlugin, autodetectDevicePlugin);
   if (!platform::CreateToolTip(window)) return;
-  platform::SetToolTipWidth(window, kTipWidth);
-  platform::SetToolTipTime(window, kTipTime);
+  LimitTips(400);
   platform::ActivateToolTip(window, true);
-  platform::AddTool(window, kAutoDetectBox);
+  platform::AddTool(window, kAutodetectDevicePlugin);
 }
 
 void AdvancedSettingsDialog::OnOK() {
-  autodetectDevicePlugin = Checked(kAutoDetectBox);
+  autodetectDevicePlugin = Checked(kAutodetectDevicePlugin);
   Dialog::OnOK();
 }
 
 std::string AdvancedSettingsDialog::OnToolTip(std::uint32_t id) {
-  const char* const text = id == kAutoDetectBox ? resources::String(id) : nullptr;
+  const char* const text = id == kAutodetectDevicePlugin ? resources::String(id) : nullptr;
   return text ? text : "";
 }
 

@@ -1,4 +1,5 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -6,12 +7,12 @@ namespace kelvaro {
 AutoDetectModeDialog::AutoDetectModeDialog() : Dialog(resources::kAutoDetectMode) {}
 
 void AutoDetectModeDialog::OnOK() {
-  dontShowAgain = Checked(resources::kDontShowAgain);
+  dontShowAgain = Checked(auto_detect_mode::kDontShowAgain);
   Dialog::OnOK();
 }
 
 void AutoDetectModeDialog::OnCancel() {
-  dontShowAgain = Checked(resources::kDontShowAgain);
+  dontShowAgain = Checked(auto_detect_mode::kDontShowAgain);
   Dialog::OnCancel();
 }
 

@@ -8,6 +8,7 @@
 #include "app/dialogs/help.h"
 #include "app/dialogs/number_field.h"
 #include "app/platform/input.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "app/resources/settings_keys.h"
 #include "engine/input_text.h"
@@ -17,41 +18,20 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTriggerField = 1081;
-constexpr std::uint32_t kDescriptionField = 1083;
-constexpr std::uint32_t kKeysField = 1093;
-constexpr std::uint32_t kDelayField = 1095;
-constexpr std::uint32_t kSpeedField = 1096;
-constexpr std::uint32_t kDefaultsButton = 1113;
-constexpr std::uint32_t kTriggerGroup = 1116;
-constexpr std::uint32_t kRepeatBox = 1123;
-constexpr std::uint32_t kPressRadio = 1124;
-constexpr std::uint32_t kReleaseRadio = 1125;
-constexpr std::uint32_t kDetectBox = 1126;
-constexpr std::uint32_t kDetectLabel = 1127;
-constexpr std::uint32_t kOnLabel = 1128;
-constexpr std::uint32_t kToggleMouseBox = 1140;
-constexpr std::uint32_t kSpecialKeyList = 1143;
-constexpr std::uint32_t kHelpButton = 1146;
-constexpr std::uint32_t kHoldAllBox = 1169;
-constexpr std::uint32_t kHoldField = 1196;
-constexpr std::uint32_t kPauseField = 1197;
+using namespace define_control;
 
 constexpr std::uint32_t kDefaultDelay = 500;  // ms
 constexpr std::uint32_t kDefaultSpeed = 50;   // ms
-
-constexpr std::int32_t kTipWidth = 300;   // pixels
-constexpr std::int32_t kTipTime = 10000;  // ms
 
 // Where the page tells of a control; of the others it tells at its start.
 constexpr struct {
   std::uint32_t id;
   const char* place;
 } kHelpPlaces[] = {
-    {kTriggerField, "#trigger"}, {kDetectBox, "#trigger"},   {kToggleMouseBox, "#mouse"},
-    {kKeysField, "#keys"},       {kSpecialKeyList, "#keys"}, {kHoldAllBox, "#hold"},
-    {kHoldField, "#timings"},    {kPauseField, "#timings"},  {kRepeatBox, "#repeat"},
-    {kDelayField, "#repeat"},    {kSpeedField, "#repeat"},   {kDefaultsButton, "#repeat"},
+    {kTriggerText, "#trigger"}, {kDetectTrigger, "#trigger"}, {kToggleMouseCheck, "#mouse"},
+    {kKeysText, "#keys"},       {kSpecialKeyList, "#keys"},   {kHoldAllKeys, "#hold"},
+    {kHoldValue, "#timings"},   {kPauseValue, "#timings"},    {kRepeatCheck, "#repeat"},
+    {kDelayValue, "#repeat"},   {kSpeedValue, "#repeat"},     {kDefaults, "#repeat"},
 };
 
 constexpr char kNoDescriptionText[] = "You must enter a description for this event";
@@ -123,18 +103,18 @@ void DefineControlDialog::ShowDetectedTrigger(const DeviceManager& device,
   if (!dialogOpen || !detectTrigger) return;
   ByteString text;
   CaptureTrigger(device.axisMax, snapshot, &text, &scratch);
-  platform::SetDlgItemTextA(window, kTriggerField, Bytes(text));
+  platform::SetDlgItemTextA(window, kTriggerText, Bytes(text));
 }
 
 void DefineControlDialog::OnInit() {
   ResizableDialog::OnInit();
   detectTrigger = false;
-  Check(scratch.activateOnPress == 1 ? kPressRadio : kReleaseRadio, true);
+  Check(scratch.activateOnPress == 1 ? kPress : kRelease, true);
 
   DeclareLayout();
   RestorePlacement(kProductKey, kControlWindowSubkey);
   if (ReleaseIsOffered()) {
-    for (const std::uint32_t id : {kOnLabel, kPressRadio, kReleaseRadio}) {
+    for (const std::uint32_t id : {kOnLabel, kPress, kRelease}) {
       platform::ShowControl(window, id, platform::SW_SHOW);
     }
   }
@@ -144,8 +124,7 @@ void DefineControlDialog::OnInit() {
 
   SetDialogOpen(true);
   platform::CreateToolTip(window);
-  platform::SetToolTipWidth(window, kTipWidth);
-  platform::SetToolTipTime(window, kTipTime);
+  LimitTips(kTipWidth);
   platform::EnableToolTips(window);
   icon = platform::LoadIconA(resources::kIcon);
   platform::SetWindowIcon(window, icon, false);
@@ -161,14 +140,14 @@ void DefineControlDialog::DeclareLayout() {
   maxTrackHeight = minTrackHeight;
   CreatePages(1);
   for (const std::uint32_t id :
-       {kDescriptionField, kTriggerGroup, kTriggerField, kKeysField, kSpecialKeyList}) {
+       {kDescriptionText, kTriggerFrame, kTriggerText, kKeysText, kSpecialKeyList}) {
     AddNode(0, id, kGrowAcross);
   }
-  AddNode(0, kDetectBox, kMoveAcross);
+  AddNode(0, kDetectTrigger, kMoveAcross);
   AddNode(0, kDetectLabel, kMoveAcross);
   AddNode(0, platform::IDOK, kMoveAcross | kMoveDown);
   AddNode(0, platform::IDCANCEL, kMoveAcross | kMoveDown);
-  AddNode(0, kHelpButton, kMoveDown);
+  AddNode(0, kHelp, kMoveDown);
   MeasurePages();
 }
 
@@ -176,7 +155,7 @@ void DefineControlDialog::TakeScratch() {
   descriptionText = scratch.description;
   ByteString triggerText;
   TriggerText(scratch, &triggerText);
-  SetText(kTriggerField, triggerText);
+  SetText(kTriggerText, triggerText);
 
   delayValue = scratch.repeatDelay;
   speedValue = scratch.repeatSpeed;
@@ -190,34 +169,34 @@ void DefineControlDialog::TakeScratch() {
     if (each->actionType != InputAction::kKeyAction) continue;
     const auto& action = static_cast<const KeyAction&>(*each);
     keysText.Append(action.FormatKeys());
-    if ((action.actionFlags & KeyAction::HoldAllKeys) != 0) Check(kHoldAllBox, true);
+    if ((action.actionFlags & KeyAction::HoldAllKeys) != 0) Check(kHoldAllKeys, true);
   }
   scratch.ClearActions();
   ShowFields();
 }
 
 void DefineControlDialog::EnableFields() {
-  if (!Checked(kPressRadio)) {
-    Enable(kRepeatBox, false);
-    Check(kRepeatBox, false);
-    Enable(kDelayField, false);
-    Enable(kSpeedField, false);
-    Enable(kHoldAllBox, false);
-    Check(kHoldAllBox, false);
+  if (!Checked(kPress)) {
+    Enable(kRepeatCheck, false);
+    Check(kRepeatCheck, false);
+    Enable(kDelayValue, false);
+    Enable(kSpeedValue, false);
+    Enable(kHoldAllKeys, false);
+    Check(kHoldAllKeys, false);
   }
-  const bool repeats = Checked(kRepeatBox);
-  Enable(kHoldAllBox, !repeats);
-  if (repeats) Check(kHoldAllBox, false);
+  const bool repeats = Checked(kRepeatCheck);
+  Enable(kHoldAllKeys, !repeats);
+  if (repeats) Check(kHoldAllKeys, false);
   // Kept: enables repeat again for a Control on release.
   OnHoldAllBox();
 }
 
 void DefineControlDialog::OnHoldAllBox() {
-  const bool holdAll = Checked(kHoldAllBox);
-  for (const std::uint32_t id : {kRepeatBox, kDelayField, kSpeedField, kHoldField, kPauseField}) {
+  const bool holdAll = Checked(kHoldAllKeys);
+  for (const std::uint32_t id : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldValue, kPauseValue}) {
     Enable(id, !holdAll);
   }
-  if (holdAll) Check(kRepeatBox, false);
+  if (holdAll) Check(kRepeatCheck, false);
 }
 
 void DefineControlDialog::OnDefaults() {
@@ -240,34 +219,34 @@ void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, st
   if (notice == platform::Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
   if (notice != platform::Notice::Clicked) return;
   switch (id) {
-    case kPressRadio:
-      if (Checked(kReleaseRadio)) break;
-      for (const std::uint32_t field : {kRepeatBox, kDelayField, kSpeedField, kHoldAllBox}) {
+    case kPress:
+      if (Checked(kRelease)) break;
+      for (const std::uint32_t field : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldAllKeys}) {
         Enable(field, true);
       }
       break;
-    case kReleaseRadio:
-      if (Checked(kPressRadio)) break;
-      for (const std::uint32_t field : {kRepeatBox, kDelayField, kSpeedField, kHoldAllBox}) {
+    case kRelease:
+      if (Checked(kPress)) break;
+      for (const std::uint32_t field : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldAllKeys}) {
         Enable(field, false);
       }
-      Check(kRepeatBox, false);
-      Check(kHoldAllBox, false);
+      Check(kRepeatCheck, false);
+      Check(kHoldAllKeys, false);
       break;
-    case kRepeatBox:
-      Enable(kHoldAllBox, !Checked(kRepeatBox));
-      if (Checked(kRepeatBox)) Check(kHoldAllBox, false);
+    case kRepeatCheck:
+      Enable(kHoldAllKeys, !Checked(kRepeatCheck));
+      if (Checked(kRepeatCheck)) Check(kHoldAllKeys, false);
       break;
-    case kHoldAllBox:
+    case kHoldAllKeys:
       OnHoldAllBox();
       break;
-    case kDetectBox:
-      detectTrigger = Checked(kDetectBox);
+    case kDetectTrigger:
+      detectTrigger = Checked(kDetectTrigger);
       break;
-    case kDefaultsButton:
+    case kDefaults:
       OnDefaults();
       break;
-    case kHelpButton:
+    case kHelp:
       if (helpAvailable) ShowHelpTopic(kControlsTopic);
       break;
     default:
@@ -284,11 +263,11 @@ void DefineControlDialog::OnOK() {
   if (!ReadFields()) return;
   if (descriptionText.IsEmpty()) {
     Box(kNoDescriptionText, kNoDescriptionTitle, platform::MB_OK);
-    platform::SetControlFocus(window, kDescriptionField);
+    platform::SetControlFocus(window, kDescriptionText);
     return;
   }
 
-  const bool onPress = Checked(kPressRadio);
+  const bool onPress = Checked(kPress);
   {
     LockGuard guard(triggerLock);
     scratch.activateOnPress = onPress ? 1 : 0;
@@ -312,23 +291,23 @@ void DefineControlDialog::OnCancel() {
 }
 
 void DefineControlDialog::ShowFields() {
-  SetText(kDescriptionField, descriptionText);
-  SetText(kKeysField, keysText);
-  Check(kRepeatBox, repeatCheck);
-  SetText(kDelayField, ToDecimal(delayValue, false, 0));
-  SetText(kSpeedField, ToDecimal(speedValue, false, 0));
-  Check(kToggleMouseBox, toggleMouseCheck);
-  SetText(kHoldField, ToDecimal(holdValue, false, 0));
-  SetText(kPauseField, ToDecimal(pauseValue, false, 0));
+  SetText(kDescriptionText, descriptionText);
+  SetText(kKeysText, keysText);
+  Check(kRepeatCheck, repeatCheck);
+  SetText(kDelayValue, ToDecimal(delayValue, false, 0));
+  SetText(kSpeedValue, ToDecimal(speedValue, false, 0));
+  Check(kToggleMouseCheck, toggleMouseCheck);
+  SetText(kHoldValue, ToDecimal(holdValue, false, 0));
+  SetText(kPauseValue, ToDecimal(pauseValue, false, 0));
 }
 
 bool DefineControlDialog::ReadFields() {
-  descriptionText = Text(kDescriptionField);
-  keysText = Text(kKeysField);
-  repeatCheck = Checked(kRepeatBox);
-  if (!ReadNumber(kDelayField, &delayValue) || !ReadNumber(kSpeedField, &speedValue)) return false;
-  toggleMouseCheck = Checked(kToggleMouseBox);
-  return ReadNumber(kHoldField, &holdValue) && ReadNumber(kPauseField, &pauseValue);
+  descriptionText = Text(kDescriptionText);
+  keysText = Text(kKeysText);
+  repeatCheck = Checked(kRepeatCheck);
+  if (!ReadNumber(kDelayValue, &delayValue) || !ReadNumber(kSpeedValue, &speedValue)) return false;
+  toggleMouseCheck = Checked(kToggleMouseCheck);
+  return ReadNumber(kHoldValue, &holdValue) && ReadNumber(kPauseValue, &pauseValue);
 }
 
 bool DefineControlDialog::ReadNumber(std::uint32_t id, std::uint32_t* value) {
@@ -350,7 +329,7 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
   bool duplicateKey = false;
   int result = kNoMemory;
   if (action) {
-    if (onPress && Checked(kHoldAllBox)) action->actionFlags |= KeyAction::HoldAllKeys;
+    if (onPress && Checked(kHoldAllKeys)) action->actionFlags |= KeyAction::HoldAllKeys;
     result = action->ParseKeys(KeysMeant(), &duplicateKey, shiftReminder);
   }
   if (result == KeyAction::kParsedRemind) {
@@ -388,10 +367,10 @@ bool DefineControlDialog::ConfirmUppercase() {
 
 void DefineControlDialog::ShowKeyError(bool duplicateKey, std::uint32_t offset) {
   Box(duplicateKey ? kDuplicateKeyText : kBadKeyText, kKeyErrorTitle, platform::MB_OK);
-  platform::SetControlFocus(window, kKeysField);
+  platform::SetControlFocus(window, kKeysText);
   // The keys go to whatever has the focus of the system, which need not be this field; where they
   // arrive here they end at the same place.
-  platform::SetCaret(window, kKeysField, offset);
+  platform::SetCaret(window, kKeysText, offset);
   PressExtendedKey(kHomeKey, kHomeScan);
   for (std::uint32_t i = 0; i < offset; ++i) PressExtendedKey(kRightKey, kRightScan);
 }

@@ -28,7 +28,7 @@ class DefineControlDialog : public ResizableDialog {
   bool smartCheck = true;     // set before each opening
   bool shiftReminder = true;  // set before, read after each opening
   Relaxed<bool> dialogOpen{false};
-  Relaxed<bool> detectTrigger{false};  // the check box 1126
+  Relaxed<bool> detectTrigger{false};  // the check box of that name
 
  protected:
   void OnInit() override;

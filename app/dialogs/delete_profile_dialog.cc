@@ -1,19 +1,16 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 
-namespace {
-
-constexpr std::uint32_t kNameLabel = 1138;
-
-}  // namespace
+using namespace delete_profile;
 
 DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
     : Dialog(resources::kDeleteProfile), name(name) {}
 
 void DeleteProfileDialog::OnInit() {
-  SetText(kNameLabel, ByteString("\"").Concat(name).Concat("\""));
+  SetText(kName, ByteString("\"").Concat(name).Concat("\""));
   // Enter presses the button that has the focus, and "Yes" comes first.
   platform::SetControlFocus(window, platform::IDCANCEL);
 }

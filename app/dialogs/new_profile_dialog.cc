@@ -1,18 +1,15 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 
-namespace {
-
-constexpr std::uint32_t kNameEdit = 1137;
-
-}  // namespace
+using namespace new_profile;
 
 NewProfileDialog::NewProfileDialog() : Dialog(resources::kNewProfile) {}
 
 void NewProfileDialog::OnOK() {
-  name = Text(kNameEdit);
+  name = Text(kName);
   Dialog::OnOK();
 }
 

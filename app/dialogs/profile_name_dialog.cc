@@ -1,12 +1,12 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 
-namespace {
+using namespace profile_name;
 
-constexpr std::uint32_t kNameEdit = 1137;
-constexpr std::uint32_t kTopLabel = 1157;
+namespace {
 
 constexpr char kBlankNameText[] = "Profile name cannot be blank";
 constexpr char kBlankNameTitle[] = "Missing Profile Name";
@@ -23,15 +23,15 @@ ProfileNameDialog::ProfileNameDialog(const ByteString& title, const ByteString& 
 
 void ProfileNameDialog::OnInit() {
   platform::SetWindowTextA(window, Bytes(title));
-  SetText(kTopLabel, firstPart.Concat(" \"").Concat(oldName).Concat("\""));
-  SetText(kNameEdit, oldName);
+  SetText(kTopLine, firstPart.Concat(" \"").Concat(oldName).Concat("\""));
+  SetText(kName, oldName);
 }
 
 void ProfileNameDialog::OnOK() {
-  const ByteString entered = Text(kNameEdit);
+  const ByteString entered = Text(kName);
   if (entered.IsEmpty()) {
     Box(kBlankNameText, kBlankNameTitle, platform::MB_OK);
-    platform::SetControlFocus(window, kNameEdit);
+    platform::SetControlFocus(window, kName);
     return;
   }
   name = entered;

@@ -1,4 +1,5 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
@@ -6,12 +7,12 @@ namespace kelvaro {
 ShiftKeyRequiredDialog::ShiftKeyRequiredDialog() : Dialog(resources::kShiftKeyRequired) {}
 
 void ShiftKeyRequiredDialog::OnOK() {
-  dontShowAgain = Checked(resources::kDontShowAgain);
+  dontShowAgain = Checked(shift_key_required::kDontShowAgain);
   Dialog::OnOK();
 }
 
 void ShiftKeyRequiredDialog::OnCancel() {
-  dontShowAgain = Checked(resources::kDontShowAgain);
+  dontShowAgain = Checked(shift_key_required::kDontShowAgain);
   Dialog::OnCancel();
 }
 

@@ -1,11 +1,13 @@
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 
+using namespace welcome;
+
 namespace {
 
-constexpr std::uint32_t kTextEdit = 1200;
 constexpr platform::Colour kTextColour = platform::Rgb(0, 0, 64);
 constexpr platform::Colour kWhite = platform::Rgb(255, 255, 255);
 constexpr std::int32_t kTextHeight = 14;
@@ -34,12 +36,11 @@ ByteString WelcomeDialog::Text() {
 }
 
 void WelcomeDialog::OnInit() {
-  platform::SetPicture(window, resources::kWelcomePicture,
-                       platform::LoadBitmapA(resources::kBannerBitmap));
-  platform::SetControlFont(window, kTextEdit, "Arial", kTextHeight, kTextWeight, false);
-  platform::SetTextColour(window, kTextEdit, kTextColour);
-  platform::SetBackgroundColour(window, kTextEdit, kWhite);
-  SetText(kTextEdit, Text());
+  platform::SetPicture(window, welcome::kPicture, platform::LoadBitmapA(resources::kBannerBitmap));
+  platform::SetControlFont(window, kText, "Arial", kTextHeight, kTextWeight, false);
+  platform::SetTextColour(window, kText, kTextColour);
+  platform::SetBackgroundColour(window, kText, kWhite);
+  SetText(kText, Text());
 }
 
 }  // namespace kelvaro

@@ -16,6 +16,11 @@ void Dialog::SetText(std::uint32_t id, const ByteString& text) {
   platform::SetDlgItemTextA(window, id, Bytes(text));
 }
 
+void Dialog::LimitTips(std::int32_t width) const {
+  platform::SetToolTipWidth(window, width);
+  platform::SetToolTipTime(window, 10000);
+}
+
 std::int32_t Dialog::Box(const ByteString& text, const ByteString& caption,
                          std::uint32_t type) const {
   return platform::MessageBoxA(window, Bytes(text), Bytes(caption), type);

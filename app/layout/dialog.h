@@ -37,6 +37,9 @@ class Dialog : public platform::WindowListener {
   bool Checked(std::uint32_t id) const { return platform::IsDlgButtonChecked(window, id); }
   void Check(std::uint32_t id, bool checked) { platform::CheckDlgButton(window, id, checked); }
   void Enable(std::uint32_t id, bool enable) { platform::EnableControl(window, id, enable); }
+  static constexpr std::int32_t kTipWidth = 300;  // pixels
+  // The widest that a tip of this window gets, in pixels, and for ten seconds.
+  void LimitTips(std::int32_t width) const;
   // The box in front of this window.
   std::int32_t Box(const ByteString& text, const ByteString& caption, std::uint32_t type) const;
 

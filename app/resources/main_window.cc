@@ -38,6 +38,7 @@ constexpr ControlTemplate kShared[] = {
 constexpr ControlTemplate kControlPage[] = {
     {Box, kControlPageBox, "", 6, 46, 366, 175},
     {Button, kNewControl, "Ne&w...", 6, 46, 44, 14},
+    // Enter presses it wherever no other button has the focus, so in the list it edits a Control.
     {Button, kEditControl, "&Edit...", 54, 46, 44, 14, kStyleDefault},
     {Button, kDeleteControls, "De&lete...", 102, 46, 44, 14},
     {Button, kCopyControls, "&Copy", 156, 46, 44, 14},

@@ -6,7 +6,6 @@
 #include <span>
 
 #include "app/platform/dialog_template.h"
-#include "app/resources/control_ids.h"
 
 namespace kelvaro::resources {
 
@@ -32,10 +31,6 @@ std::span<const platform::MenuItem> FloaterMenu();
 // The text of the string table with that number, which is the number of the control or a tab_tip
 // whose tip it is; null when there is none.
 const char* String(std::uint32_t id);
-
-// Controls without a tip.
-constexpr std::uint32_t kDontShowAgain = shift_key_required::kDontShowAgain;
-constexpr std::uint32_t kWelcomePicture = welcome::kPicture;
 
 constexpr std::uint32_t kIcon = 128;          // of the program
 constexpr std::uint32_t kUpBitmap = 145;      // an arrow, of the button that moves Controls up

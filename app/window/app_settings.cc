@@ -1,5 +1,6 @@
 #include "app/dialogs/dialogs.h"
 #include "app/platform/registry.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "foundation/paths.h"
 #include "foundation/registry_key.h"
@@ -10,7 +11,6 @@ namespace {
 using platform::HKEY_CURRENT_USER;
 using platform::HKEY_LOCAL_MACHINE;
 
-constexpr char kLastDevice[] = "Last Device";
 constexpr char kShowAutoDetectUsage[] = "Show Auto-Detect Usage";
 constexpr char kStartMinimized[] = "Start Minimized";
 constexpr char kSmartCheck[] = "Smart Check";
@@ -98,7 +98,7 @@ bool MainWindow::LaunchesAtStartup() {
 }
 
 void MainWindow::OnLaunchAtStartup() {
-  if (Checked(1172)) {
+  if (Checked(main_window::kLaunchAtStartup)) {
     RegistryKey(HiveOfRun(), kRunKey, true).SetString(nullptr, kRunValue, programPath);
   } else {
     RegistryKey(HiveOfRun(), kRunKey, false).DeleteValue(nullptr, kRunValue);
@@ -106,12 +106,12 @@ void MainWindow::OnLaunchAtStartup() {
 }
 
 void MainWindow::OnStartMinimized() {
-  startMinimized = Checked(1171);
+  startMinimized = Checked(main_window::kStartMinimized);
   SaveAppSettings();
 }
 
 void MainWindow::OnSmartCheck() {
-  smartCheck = Checked(1187);
+  smartCheck = Checked(main_window::kSmartCheck);
   SaveAppSettings();
 }
 

@@ -1,6 +1,7 @@
 // The Control tab: each operation changes the profile's Controls, saves the profile at once, its
 // failure unheard, and brings what the dispatcher walks up to date. Only the user interface's
 // thread changes `controls`, so it reads them without the lock.
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "engine/input_text.h"
 #include "keys/key_action.h"
@@ -8,8 +9,7 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kMouseAlwaysActiveBox = 1139;
+using namespace main_window;
 
 constexpr std::int32_t kTriggerColumn = 0;
 constexpr std::int32_t kActionColumn = 1;
@@ -48,7 +48,7 @@ void MainWindow::FillControlList() {
     FillControlRow(platform::ListInsertItem(window, kControlList, node->value->controlId),
                    *node->value);
   }
-  Check(kMouseAlwaysActiveBox, profile.mouseAlwaysActive);
+  Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
 }
 
 void MainWindow::FillControlRow(std::int32_t row, const Control& control) {
@@ -239,6 +239,8 @@ void MainWindow::OnMoveDown() {
   }
 }
 
+// Enter in the list isn't among them: it presses the default button, which the table of the window
+// (resources/main_window.cc, kStyleDefault) makes the one that edits a Control.
 bool MainWindow::OnControlListKey(std::int32_t vk) {
   const bool control = (platform::GetKeyState(kControlKey) & kKeyIsDown) != 0;
   if (vk == kDeleteKey) {

@@ -3,15 +3,14 @@
 #include <algorithm>
 
 #include "app/dialogs/number_field.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "foundation/registry_key.h"
 
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kIntervalField = 1076;
-constexpr std::uint32_t kRateField = 1077;
+using namespace main_window;
 
 // Item data of the row that stands for no device; the others have their device's index.
 constexpr std::int32_t kNoDevice = -2;
@@ -28,8 +27,6 @@ constexpr char kPollRateCaption[] = "Internal Error";
 constexpr char kPollRateText[] = "Error Setting Poll Rate";
 constexpr char kSelectCaption[] = "Unknown Error";
 constexpr char kSelectText[] = "Error selecting device. Please try again.";
-
-constexpr char kLastDevice[] = "Last Device";
 
 ByteString DeviceKey(const ByteString& deviceName) {
   ByteString path(kProductKey);
@@ -180,7 +177,7 @@ void MainWindow::OnIntervalLeft() {
   if (!PollFieldsCount() || !ReadPollFields()) return;
   if (intervalField == deviceManager->PollInterval()) return;
   if (intervalField < 1 || intervalField > kIntervalMost) {
-    RefuseField(kIntervalField, kIntervalRangeText, kOutOfRangeCaption, platform::MB_OK);
+    RefuseField(kInterval, kIntervalRangeText, kOutOfRangeCaption, platform::MB_OK);
     return;
   }
   ApplyPollInterval(intervalField);
@@ -195,7 +192,7 @@ void MainWindow::OnRateLeft() {
     text.Append(ToDecimal(rateField, false, 1));
     text.Append(kRateRangeEnd);
     text.Append(ToDecimal(interval, false, 1));
-    RefuseField(kRateField, text, kOutOfRangeCaption, platform::MB_OK);
+    RefuseField(kRate, text, kOutOfRangeCaption, platform::MB_OK);
     return;
   }
   ApplyPollInterval(interval);
@@ -215,7 +212,7 @@ bool MainWindow::ReadPollFields() {
   const struct {
     std::uint32_t id;
     std::uint32_t* number;
-  } fields[] = {{kIntervalField, &intervalField}, {kRateField, &rateField}};
+  } fields[] = {{kInterval, &intervalField}, {kRate, &rateField}};
   for (const auto& field : fields) {
     std::uint64_t number = 0;
     if (ParseNumber(Text(field.id), &number)) {

@@ -7,6 +7,7 @@
 #include "app/platform/controls.h"
 #include "app/platform/processes.h"
 #include "app/platform/shell.h"
+#include "app/resources/control_ids.h"
 #include "app/start/process_finder.h"
 #include "app/window/main_window.h"
 #include "foundation/paths.h"
@@ -14,7 +15,8 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kProfileList = 1001;
+using namespace main_window;
+
 constexpr std::uint32_t kCloseWithin = 500;       // ms; of a window that was asked to close
 constexpr std::uint32_t kInstancesSettle = 2000;  // ms; before the game takes the screen
 constexpr char kLaunchFailure[] = "Launch Failure";

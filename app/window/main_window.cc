@@ -7,6 +7,7 @@
 #include "app/platform/controls.h"
 #include "app/platform/shell.h"
 #include "app/platform/threads.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "foundation/paths.h"
 #include "foundation/registry_key.h"
@@ -14,6 +15,8 @@
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::Notice;
 
@@ -23,16 +26,9 @@ constexpr std::uint32_t kDefaultPollInterval = 5;  // ms
 constexpr std::int32_t kTabMargin = 10;            // between a page and its tab's frame
 constexpr std::int32_t kTopMarginWithoutTabs = 32;
 
-constexpr std::uint32_t kTabControl = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kControlListId = 1003;
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kRefreshButton = 1170;
-constexpr std::uint32_t kTestButton = 1036;
-constexpr std::uint32_t kEditButton = 1005;
-
 // The invisible box of each page, in the order of the tabs.
-constexpr std::uint32_t kPageBoxes[] = {1015, 1017, 1045, 1047};
+constexpr std::uint32_t kPageBoxes[] = {kControlPageBox, kMousePageBox, kDevicePageBox,
+                                        kSettingsPageBox};
 constexpr std::uint16_t kPageCount = std::size(kPageBoxes);
 constexpr const char* kTabNames[] = {"Control", "Mouse", "Device", "Settings"};
 
@@ -52,9 +48,9 @@ bool IsPageBox(std::uint32_t id) {
 
 std::uint32_t FlagsOnPage(std::uint32_t id) {
   using namespace layout_flag;
-  if (id == kControlListId)
+  if (id == kControlList)
     return kGrowAcross | kGrowDown | kAlignLeft | kOfParent | kRightEdge | kBottomEdge;
-  if (id == kRefreshButton) return kMoveAcross;
+  if (id == kRefreshDeviceList) return kMoveAcross;
   if (id == kDeviceList) return kGrowAcross;
   return 0;
 }
@@ -95,15 +91,15 @@ void MainWindow::OnInit() {
   LoadAppSettings();
   if (welcomeDisplay == 0) ShowWelcome();
   if (shuttingDown) return;
-  if (startMinimized) Check(1171, true);
-  if (smartCheck) Check(1187, true);
+  if (startMinimized) Check(kStartMinimized, true);
+  if (smartCheck) Check(kSmartCheck, true);
   FillProfileList();
   if (shuttingDown) return;
   engine->repeatWorker.Start(false, WorkerThread::kPriorityOfCaller);
   webLink.hyperlink.target = resources::kWebAddress;
   mailLink.hyperlink.target = ByteString("mailto:").Concat(resources::kSupportAddress);
-  webLink.Attach(window, 1175);
-  mailLink.Attach(window, 1176);
+  webLink.Attach(window, kWebLink);
+  mailLink.Attach(window, kMailLink);
   CreateToolTips();
   timerId = platform::SetTimer(window, kTimer, kTimerPeriod);
   if (startMinimized) platform::PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
@@ -111,7 +107,7 @@ void MainWindow::OnInit() {
   platform::PostMessageA(window, WM_START_LAUNCH, 0, 0);
   initComplete = true;
   TellUnlessProfilesCanBeSaved();
-  SetText(1177, ByteString("Version ").Concat(VersionNumber()));
+  SetText(kVersionText, ByteString("Version ").Concat(VersionNumber()));
 }
 
 bool MainWindow::CreateDeviceManager() {
@@ -127,9 +123,9 @@ bool MainWindow::CreateDeviceManager() {
 
 bool MainWindow::PrepareControls() {
   ++initGuard;
-  platform::SetPicture(window, 1156, platform::LoadBitmapA(resources::kUpBitmap));
-  platform::SetPicture(window, 1157, platform::LoadBitmapA(resources::kDownBitmap));
-  platform::SetPicture(window, 1173, platform::LoadBitmapA(resources::kBannerBitmap));
+  platform::SetPicture(window, kMoveUp, platform::LoadBitmapA(resources::kUpBitmap));
+  platform::SetPicture(window, kMoveDown, platform::LoadBitmapA(resources::kDownBitmap));
+  platform::SetPicture(window, kBanner, platform::LoadBitmapA(resources::kBannerBitmap));
   CreatePages(kPageCount);
   for (const char* name : kTabNames) platform::TabInsertItem(window, kTabControl, name);
   platform::Rect firstTab;
@@ -138,16 +134,16 @@ bool MainWindow::PrepareControls() {
                                      : kTopMarginWithoutTabs;
   FillDeviceList();
   SelectDeviceInList({});
-  SetText(1070, ToDecimal(deviceManager->TimerMin(), false, 0));
-  SetText(1072, ToDecimal(deviceManager->TimerMax(), false, 0));
-  if (LaunchesAtStartup()) Check(1172, true);
+  SetText(kTimerMin, ToDecimal(deviceManager->TimerMin(), false, 0));
+  SetText(kTimerMax, ToDecimal(deviceManager->TimerMax(), false, 0));
+  if (LaunchesAtStartup()) Check(kLaunchAtStartup, true);
   DeclareLayout(topMargin);
   SelectPage(kControlTab);
   currentTab = kControlTab;
   RestorePlacement(kProductKey, kMainWindowSubkey);
   // Without a stored place nothing has laid out yet, and the columns share the list's final width.
   Layout(clientRect);
-  controlList.Attach(window, kControlListId);
+  controlList.Attach(window, kControlList);
   controlList.AddColumn("Trigger", 100);
   controlList.AddColumn("Action", 50);
   controlList.AddColumn("Description", 150);
@@ -160,9 +156,10 @@ bool MainWindow::PrepareControls() {
 void MainWindow::DeclareLayout(std::int32_t topMargin) {
   using namespace layout_flag;
   for (std::uint16_t page = 0; page < kPageCount; ++page) {
-    AddNode(page, 1002, 0);
+    AddNode(page, kProfileLabel, 0);
     AddNode(page, kProfileList, kGrowAcross);
-    for (const std::uint32_t button : {1006, 1099, 1101, 1100, 1146})
+    for (const std::uint32_t button :
+         {kNewProfile, kDeleteProfile, kCopyProfile, kRenameProfile, kHelp})
       AddNode(page, button, kMoveAcross);
     AddNode(page, kTabControl, kGrowAcross | kGrowDown | kAlignLeft | kRightEdge | kBottomEdge,
             {0, 2, 8, 8});
@@ -255,38 +252,38 @@ void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   static constexpr Handler kHandlers[] = {
       // The row of profiles.
       {kProfileList, Notice::SelectionChanged, &MainWindow::OnProfileSelected},
-      {1006, Notice::Clicked, &MainWindow::OnNewProfile},
-      {1099, Notice::Clicked, &MainWindow::OnDeleteProfile},
-      {1101, Notice::Clicked, &MainWindow::OnCopyProfile},
-      {1100, Notice::Clicked, &MainWindow::OnRenameProfile},
-      {1146, Notice::Clicked, &MainWindow::OnHelp},
+      {kNewProfile, Notice::Clicked, &MainWindow::OnNewProfile},
+      {kDeleteProfile, Notice::Clicked, &MainWindow::OnDeleteProfile},
+      {kCopyProfile, Notice::Clicked, &MainWindow::OnCopyProfile},
+      {kRenameProfile, Notice::Clicked, &MainWindow::OnRenameProfile},
+      {kHelp, Notice::Clicked, &MainWindow::OnHelp},
       {kTabControl, Notice::SelectionChanged, &MainWindow::OnTabSelected},
       // Control.
-      {kControlListId, Notice::DoubleClicked, &MainWindow::OnEditControl},
-      {1004, Notice::Clicked, &MainWindow::OnNewControl},
-      {kEditButton, Notice::Clicked, &MainWindow::OnEditControl},
-      {1136, Notice::Clicked, &MainWindow::OnDeleteControls},
-      {1115, Notice::Clicked, &MainWindow::OnCopyControls},
-      {1155, Notice::Clicked, &MainWindow::OnPasteControls},
-      {1156, Notice::Clicked, &MainWindow::OnMoveUp},
-      {1157, Notice::Clicked, &MainWindow::OnMoveDown},
+      {kControlList, Notice::DoubleClicked, &MainWindow::OnEditControl},
+      {kNewControl, Notice::Clicked, &MainWindow::OnNewControl},
+      {kEditControl, Notice::Clicked, &MainWindow::OnEditControl},
+      {kDeleteControls, Notice::Clicked, &MainWindow::OnDeleteControls},
+      {kCopyControls, Notice::Clicked, &MainWindow::OnCopyControls},
+      {kPasteControls, Notice::Clicked, &MainWindow::OnPasteControls},
+      {kMoveUp, Notice::Clicked, &MainWindow::OnMoveUp},
+      {kMoveDown, Notice::Clicked, &MainWindow::OnMoveDown},
       // Mouse.
-      {1139, Notice::Clicked, &MainWindow::OnMouseAlwaysActive},
-      {kTestButton, Notice::Clicked, &MainWindow::OnTestButton},
+      {kMouseAlwaysActive, Notice::Clicked, &MainWindow::OnMouseAlwaysActive},
+      {kTestMode, Notice::Clicked, &MainWindow::OnTestButton},
       // Device.
       {kDeviceList, Notice::SelectionChanged, &MainWindow::OnDeviceSelected},
-      {kRefreshButton, Notice::Clicked, &MainWindow::RefreshDeviceList},
-      {1076, Notice::FocusLost, &MainWindow::OnIntervalLeft},
-      {1077, Notice::FocusLost, &MainWindow::OnRateLeft},
-      {1078, Notice::Clicked, &MainWindow::OnDefaultRate},
+      {kRefreshDeviceList, Notice::Clicked, &MainWindow::RefreshDeviceList},
+      {kInterval, Notice::FocusLost, &MainWindow::OnIntervalLeft},
+      {kRate, Notice::FocusLost, &MainWindow::OnRateLeft},
+      {kDefaultRate, Notice::Clicked, &MainWindow::OnDefaultRate},
       // Settings.
-      {1171, Notice::Clicked, &MainWindow::OnStartMinimized},
-      {1172, Notice::Clicked, &MainWindow::OnLaunchAtStartup},
-      {1187, Notice::Clicked, &MainWindow::OnSmartCheck},
-      {1198, Notice::Clicked, &MainWindow::OnAdvanced},
+      {kStartMinimized, Notice::Clicked, &MainWindow::OnStartMinimized},
+      {kLaunchAtStartup, Notice::Clicked, &MainWindow::OnLaunchAtStartup},
+      {kSmartCheck, Notice::Clicked, &MainWindow::OnSmartCheck},
+      {kAdvanced, Notice::Clicked, &MainWindow::OnAdvanced},
       // The notification icon's menu.
-      {32771, Notice::Clicked, &MainWindow::ShowNormally},
-      {32772, Notice::Clicked, &MainWindow::OnCancel},
+      {floater_menu::kShowKelvaro, Notice::Clicked, &MainWindow::ShowNormally},
+      {floater_menu::kExit, Notice::Clicked, &MainWindow::OnCancel},
   };
   struct NumberedHandler {
     std::uint32_t id;
@@ -294,26 +291,25 @@ void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
     void (MainWindow::*handle)(std::uint32_t id);
   };
   static constexpr NumberedHandler kNumberedHandlers[] = {
-      {1052, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {1056, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {1079, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {1080, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {1027, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1028, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1034, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1029, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1030, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1031, Notice::Clicked, &MainWindow::OnDetectBox},
-      {1175, Notice::Clicked, &MainWindow::OnLink},
-      {1176, Notice::Clicked, &MainWindow::OnLink},
+      {kMovementSensitivity, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {kMovementDamper, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {kWheelDamper, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {kWheelSensitivity, Notice::Scrolled, &MainWindow::OnMouseSlider},
+      {kDetectMouseX, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kDetectMouseY, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kDetectMouseWheel, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kDetectLeftButton, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kDetectMiddleButton, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kDetectRightButton, Notice::Clicked, &MainWindow::OnDetectBox},
+      {kWebLink, Notice::Clicked, &MainWindow::OnLink},
+      {kMailLink, Notice::Clicked, &MainWindow::OnLink},
   };
   if (shuttingDown) return;
-  if (id == kControlListId && controlList.OnNotice(notice, value)) return;
+  if (id == kControlList && controlList.OnNotice(notice, value)) return;
   if (notice == Notice::KeyDown) {
     if (id == 0 && value == kF1) return OnHelpKey();
     // Of the keys that the list takes, the window itself takes these two.
-    if (id == kControlListId || (id == 0 && (value == 'C' || value == 'V')))
-      OnControlListKey(value);
+    if (id == kControlList || (id == 0 && (value == 'C' || value == 'V'))) OnControlListKey(value);
     return;
   }
   for (const Handler& handler : kHandlers)
@@ -364,7 +360,7 @@ void MainWindow::ShowTab(Tab tab) {
   if (tab == kMouseTab) return;
   EndTestMode();
   // A button that is hidden is not drawn any more when it loses the focus.
-  platform::SetDefaultButton(window, kEditButton);
+  platform::SetDefaultButton(window, kEditControl);
   if (!engine->IsDetecting()) return;
   engine->EndMouseDetection();
   SaveAfterMouseDetection();
@@ -376,7 +372,8 @@ void MainWindow::OnHelp() {
 
 // The row of profiles is there on each page.
 void MainWindow::OnHelpKey() {
-  static constexpr std::uint32_t kProfileRow[] = {kProfileList, 1006, 1099, 1101, 1100, 1146};
+  static constexpr std::uint32_t kProfileRow[] = {kProfileList, kNewProfile,    kDeleteProfile,
+                                                  kCopyProfile, kRenameProfile, kHelp};
   static constexpr const char* kTabTopics[] = {
       kControlsTopic, "Mouse Device and Settings.htm#mouse", "Mouse Device and Settings.htm#device",
       "Mouse Device and Settings.htm#settings"};
@@ -387,7 +384,7 @@ void MainWindow::OnHelpKey() {
   ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[currentTab]);
 }
 
-void MainWindow::OnLink(std::uint32_t id) { (id == 1175 ? webLink : mailLink).OnClick(); }
+void MainWindow::OnLink(std::uint32_t id) { (id == kWebLink ? webLink : mailLink).OnClick(); }
 
 // The list and its columns must not stick out at any moment.
 void MainWindow::Layout(const platform::Rect& client) {
@@ -409,7 +406,7 @@ void MainWindow::OnPaint(platform::Canvas& canvas) {
 }
 
 void MainWindow::OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) {
-  if (item.id == kTestButton) DrawTestButton(item, canvas);
+  if (item.id == kTestMode) DrawTestButton(item, canvas);
 }
 
 }  // namespace kelvaro

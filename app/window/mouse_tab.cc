@@ -3,26 +3,14 @@
 // the profile, the engine and the device manager all at once, after anything that changed more than
 // one of them.
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "engine/input_text.h"
 
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTestButton = 1036;
-constexpr std::uint32_t kEditButton = 1005;
-constexpr std::uint32_t kMovementSensitivityCaption = 1050;
-constexpr std::uint32_t kWheelSensitivityCaption = 1051;
-constexpr std::uint32_t kMovementDamperCaption = 1055;
-constexpr std::uint32_t kWheelDamperCaption = 1083;
-constexpr std::uint32_t kAlwaysActiveBox = 1139;
-
-// Of the Device tab.
-constexpr std::uint32_t kButtonCount = 1063;
-constexpr std::uint32_t kAxisCount = 1065;
-constexpr std::uint32_t kPovCount = 1067;
-constexpr std::uint32_t kIntervalField = 1076;
-constexpr std::uint32_t kRateField = 1077;
+using namespace main_window;
 
 constexpr std::int32_t kSliderMost = 50;
 constexpr std::int32_t kSliderTick = 5;
@@ -34,13 +22,25 @@ constexpr struct {
   std::uint32_t box;
   MouseRole role;
 } kDetections[] = {
-    {1027, MouseRole::X},
-    {1028, MouseRole::Y},
-    {1034, MouseRole::Wheel},
-    {1029, MouseRole::LeftButton},
-    {1030, MouseRole::MiddleButton},
-    {1031, MouseRole::RightButton},
+    {kDetectMouseX, MouseRole::X},
+    {kDetectMouseY, MouseRole::Y},
+    {kDetectMouseWheel, MouseRole::Wheel},
+    {kDetectLeftButton, MouseRole::LeftButton},
+    {kDetectMiddleButton, MouseRole::MiddleButton},
+    {kDetectRightButton, MouseRole::RightButton},
 };
+
+// The engine knows no window, and names these by the same numbers.
+static_assert(static_cast<std::uint32_t>(MouseRole::X) == kMouseX);
+static_assert(static_cast<std::uint32_t>(MouseRole::Y) == kMouseY);
+static_assert(static_cast<std::uint32_t>(MouseRole::Wheel) == kMouseWheel);
+static_assert(static_cast<std::uint32_t>(MouseRole::LeftButton) == kLeftButton);
+static_assert(static_cast<std::uint32_t>(MouseRole::MiddleButton) == kMiddleButton);
+static_assert(static_cast<std::uint32_t>(MouseRole::RightButton) == kRightButton);
+static_assert(ControlEngine::kMovementSensitivitySlider == kMovementSensitivity);
+static_assert(ControlEngine::kMovementDamperSlider == kMovementDamper);
+static_assert(ControlEngine::kWheelSensitivitySlider == kWheelSensitivity);
+static_assert(ControlEngine::kWheelDamperSlider == kWheelDamper);
 
 ByteString OrNone(const ByteString& text) { return text.IsEmpty() ? ByteString("<none>") : text; }
 
@@ -76,7 +76,7 @@ void MainWindow::ShowMouseAndDeviceState() {
     SetText(static_cast<std::uint32_t>(input.role),
             input.axis ? AxisText(profile.*input.axis) : ButtonText(profile.*input.mask));
   }
-  Check(kAlwaysActiveBox, profile.mouseAlwaysActive);
+  Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
 
   const struct {
     std::uint32_t id;
@@ -95,14 +95,14 @@ void MainWindow::ShowMouseAndDeviceState() {
   ShowSelectedDevice();
   const bool selected = deviceManager->DeviceSelected();
   const platform::DIDEVCAPS& caps = deviceManager->DeviceCaps();
-  SetText(kButtonCount, Number(selected ? caps.dwButtons : 0));
-  SetText(kAxisCount, Number(selected ? caps.dwAxes : 0));
-  SetText(kPovCount, Number(selected ? caps.dwPOVs : 0));
+  SetText(kNumButtons, Number(selected ? caps.dwButtons : 0));
+  SetText(kNumAxis, Number(selected ? caps.dwAxes : 0));
+  SetText(kNumPovs, Number(selected ? caps.dwPOVs : 0));
 
   intervalField = deviceManager->PollInterval();
   rateField = intervalField == 0 ? 0 : kRateTimesInterval / intervalField;
-  SetText(kIntervalField, Number(intervalField));
-  SetText(kRateField, Number(rateField));
+  SetText(kInterval, Number(intervalField));
+  SetText(kRate, Number(rateField));
 
   --initGuard;
 }
@@ -117,13 +117,12 @@ void MainWindow::ApplyMouseSlider(std::uint32_t sliderId) {
     const char* text;
     const char* end;
   } captions[] = {
-      {ControlEngine::kMovementSensitivitySlider, kMovementSensitivityCaption,
+      {ControlEngine::kMovementSensitivitySlider, kMovementSensitivityFrame,
        "Movement Sensitivity (", ")"},
-      {ControlEngine::kMovementDamperSlider, kMovementDamperCaption, "Movement Axis Damper (",
-       "%)"},
-      {ControlEngine::kWheelDamperSlider, kWheelDamperCaption, "Mouse Wheel Axis Damper (", "%)"},
-      {ControlEngine::kWheelSensitivitySlider, kWheelSensitivityCaption,
-       "Mouse Wheel Sensitivity (", ")"}};
+      {ControlEngine::kMovementDamperSlider, kMovementDamperFrame, "Movement Axis Damper (", "%)"},
+      {ControlEngine::kWheelDamperSlider, kWheelDamperFrame, "Mouse Wheel Axis Damper (", "%)"},
+      {ControlEngine::kWheelSensitivitySlider, kWheelSensitivityFrame, "Mouse Wheel Sensitivity (",
+       ")"}};
   for (const auto& caption : captions) {
     if (caption.id != sliderId) continue;
     ByteString text(caption.text);
@@ -154,7 +153,7 @@ void MainWindow::EndTestMode() { SetTestMode(false); }
 
 void MainWindow::SetTestMode(bool on) {
   engine->SetTestMode(on);
-  if (currentTab == kMouseTab) platform::InvalidateControl(window, kTestButton);
+  if (currentTab == kMouseTab) platform::InvalidateControl(window, kTestMode);
 }
 
 void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas) {
@@ -208,7 +207,7 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
 
   if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
   // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
-  if (item.focusAction) platform::SetDefaultButton(window, item.focused ? item.id : kEditButton);
+  if (item.focusAction) platform::SetDefaultButton(window, item.focused ? item.id : kEditControl);
 }
 
 // Detection

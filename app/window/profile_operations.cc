@@ -2,14 +2,15 @@
 // folder: an entry whose file can't be read is taken out of it, the file stays.
 #include "app/dialogs/dialogs.h"
 #include "app/platform/files.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "foundation/paths.h"
 
 namespace kelvaro {
 
-namespace {
+using namespace main_window;
 
-constexpr std::uint32_t kProfileList = 1001;
+namespace {
 
 constexpr char kMissingProfileCaption[] = "Missing Profile Error";
 constexpr char kMissingProfileText[] = "Error reading profile \"";

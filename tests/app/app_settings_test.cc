@@ -4,24 +4,19 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
+#include "tests/app/calls.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
+using namespace main_window;
+
 using platform::REG_BINARY;
 using platform::REG_EXPAND_SZ;
-using Strings = std::vector<std::string>;
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kDeviceList = 1060;
 constexpr std::uint32_t kSettingsTab = 3;
-constexpr std::uint32_t kStartMinimizedBox = 1171;
-constexpr std::uint32_t kLaunchBox = 1172;
-constexpr std::uint32_t kSmartCheckBox = 1187;
-constexpr std::uint32_t kAdvancedButton = 1198;
-constexpr std::uint32_t kAutoDetectBox = 1199;  // of the dialog 150
 
 constexpr char kMachineSettings[] = "HKLM\\Software\\Marnstone\\Kelvaro";
 constexpr char kFormer[] = "HKCU\\Software\\Marnstone\\Vendrix";
@@ -33,7 +28,7 @@ class AppSettingsTest : public MainWindowTest {
  protected:
   void BeginOnSettings() {
     Begin();
-    screen.ChooseTab(kTabs, kSettingsTab);
+    screen.ChooseTab(kTabControl, kSettingsTab);
   }
   // What was written below a key since the last ClearCalls, by name.
   Strings Written(const std::string& key) {
@@ -42,11 +37,6 @@ class AppSettingsTest : public MainWindowTest {
     for (const std::string& line : sim.Calls())
       if (line.starts_with(call)) names.push_back(line.substr(call.size()));
     return names;
-  }
-  std::uint32_t Calls(const std::string& operation) {
-    return static_cast<std::uint32_t>(
-        std::count_if(sim.Calls().begin(), sim.Calls().end(),
-                      [&](const std::string& call) { return call.starts_with(operation); }));
   }
   // All of a device's values, of which LoadDeviceSettings needs each.
   void PresetDevice(const std::string& name) {
@@ -63,7 +53,7 @@ class AppSettingsTest : public MainWindowTest {
 TEST_F(AppSettingsTest, WithNothingStoredTheStartValuesHold) {
   FirstStart();
   Begin();
-  ASSERT_EQ(screen.Front(), 151u) << "the welcome";
+  ASSERT_EQ(screen.Front(), welcome::kDialog) << "the welcome";
   EXPECT_TRUE(ShowAutoDetectUsage());
   EXPECT_FALSE(StartMinimized());
   EXPECT_TRUE(SmartCheck());
@@ -117,13 +107,13 @@ TEST_F(AppSettingsTest, AValueOfTheOtherKindIsMissing) {
   EXPECT_TRUE(ShiftReminder());
   EXPECT_FALSE(NoDeviceErrorMsg());
   EXPECT_FALSE(AutodetectDevicePlugin());
-  EXPECT_EQ(screen.Chosen(1001), kProfile) << "no last profile: the first";
+  EXPECT_EQ(screen.Chosen(kProfileList), kProfile) << "no last profile: the first";
 }
 
 TEST_F(AppSettingsTest, AWelcomeThatIsATextIsMissingAndSoComesAgain) {
   PresetText("Welcome Display", "1");
   Begin();
-  EXPECT_EQ(screen.Front(), 151u);
+  EXPECT_EQ(screen.Front(), welcome::kDialog);
 }
 
 TEST_F(AppSettingsTest, AllAreWrittenAtTheEndInTheirOrder) {
@@ -175,7 +165,7 @@ TEST_F(AppSettingsTest, TheKeyIsMadeAgainByWhateverIsStoredNext) {
     EXPECT_EQ(Number("Smart Check"), std::nullopt);
   };
   takeAway();
-  screen.Click(kStartMinimizedBox);
+  screen.Click(kStartMinimized);
   EXPECT_EQ(Number("Start Minimized"), 1u);
   takeAway();
   screen.Choose(kProfileList, "Other");
@@ -198,7 +188,7 @@ TEST_F(AppSettingsTest, TheWelcomeIsWrittenAsThePlainNumber) {
 TEST_F(AppSettingsTest, AKeyThatCannotBeWrittenLosesThemInSilence) {
   sim.Registry().Protect("HKCU");
   BeginOnSettings();
-  screen.Click(kSmartCheckBox);
+  screen.Click(kSmartCheck);
   EXPECT_FALSE(SmartCheck());
   screen.Close();
   EXPECT_FALSE(screen.Running());
@@ -258,22 +248,22 @@ TEST_F(AppSettingsTest, LoadingIsCompleteUnlessADeviceOrTheUsageHintIsMissing) {
 
 TEST_F(AppSettingsTest, StartMinimizedIsSavedAtOnce) {
   BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kStartMinimizedBox));
-  screen.Click(kStartMinimizedBox);
+  EXPECT_FALSE(screen.Checked(kStartMinimized));
+  screen.Click(kStartMinimized);
   EXPECT_TRUE(StartMinimized());
   EXPECT_EQ(Number("Start Minimized"), 1u);
-  screen.Click(kStartMinimizedBox);
+  screen.Click(kStartMinimized);
   EXPECT_FALSE(StartMinimized());
   EXPECT_EQ(Number("Start Minimized"), 0u);
 }
 
 TEST_F(AppSettingsTest, SmartCheckIsSavedAtOnce) {
   BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kSmartCheckBox));
-  screen.Click(kSmartCheckBox);
+  EXPECT_TRUE(screen.Checked(kSmartCheck));
+  screen.Click(kSmartCheck);
   EXPECT_FALSE(SmartCheck());
   EXPECT_EQ(Number("Smart Check"), 0u);
-  screen.Click(kSmartCheckBox);
+  screen.Click(kSmartCheck);
   EXPECT_TRUE(SmartCheck());
   EXPECT_EQ(Number("Smart Check"), 1u);
 }
@@ -283,17 +273,17 @@ TEST_F(AppSettingsTest, TheBoxesShowWhatIsStored) {
   Preset("Smart Check", 0);
   Begin();
   screen.IconDoubleClick();
-  screen.ChooseTab(kTabs, kSettingsTab);
-  EXPECT_TRUE(screen.Checked(kStartMinimizedBox));
-  EXPECT_FALSE(screen.Checked(kSmartCheckBox));
+  screen.ChooseTab(kTabControl, kSettingsTab);
+  EXPECT_TRUE(screen.Checked(kStartMinimized));
+  EXPECT_FALSE(screen.Checked(kSmartCheck));
 }
 
 TEST_F(AppSettingsTest, TheAdvancedSettingGoesIntoBothValues) {
   BeginOnSettings();
-  screen.Click(kAdvancedButton);
-  ASSERT_EQ(screen.Front(), 150u);
-  EXPECT_FALSE(screen.Checked(kAutoDetectBox));
-  screen.Click(kAutoDetectBox);
+  screen.Click(kAdvanced);
+  ASSERT_EQ(screen.Front(), advanced_settings::kDialog);
+  EXPECT_FALSE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
+  screen.Click(advanced_settings::kAutodetectDevicePlugin);
   screen.Click(platform::IDOK);
   EXPECT_TRUE(AutodetectDevicePlugin());
   EXPECT_TRUE(NoDeviceErrorMsg());
@@ -305,8 +295,8 @@ TEST_F(AppSettingsTest, TheTwoValuesOfTheAdvancedSettingAreReadEachByItself) {
   Preset("No Device Error Msg", 1);
   BeginOnSettings();
   EXPECT_TRUE(NoDeviceErrorMsg());
-  screen.Click(kAdvancedButton);
-  EXPECT_FALSE(screen.Checked(kAutoDetectBox));
+  screen.Click(kAdvanced);
+  EXPECT_FALSE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
   screen.Click(platform::IDOK);
   EXPECT_FALSE(NoDeviceErrorMsg());
 }
@@ -315,9 +305,9 @@ TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
   Preset("Autodetect Device Plugin", 1);
   BeginOnSettings();
   sim.LogCalls(true);
-  screen.Click(kAdvancedButton);
-  EXPECT_TRUE(screen.Checked(kAutoDetectBox));
-  screen.Click(kAutoDetectBox);
+  screen.Click(kAdvanced);
+  EXPECT_TRUE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
+  screen.Click(advanced_settings::kAutodetectDevicePlugin);
   screen.Click(platform::IDCANCEL);
   EXPECT_TRUE(AutodetectDevicePlugin());
   EXPECT_FALSE(NoDeviceErrorMsg());
@@ -329,55 +319,55 @@ TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
 TEST_F(AppSettingsTest, TheBoxIsCheckedWhenTheValueIsAStringWhateverItSays) {
   sim.Registry().PutString(kUserRun, "Kelvaro", "elsewhere");
   BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kLaunchBox));
+  EXPECT_TRUE(screen.Checked(kLaunchAtStartup));
 }
 
 TEST_F(AppSettingsTest, AValueThatIsNoStringDoesNotCheckIt) {
   sim.Registry().PutDword(kUserRun, "Kelvaro", 1);
   BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kLaunchBox));
+  EXPECT_FALSE(screen.Checked(kLaunchAtStartup));
 }
 
 TEST_F(AppSettingsTest, WithoutTheUsersKeyTheMachinesIsRead) {
   sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
   BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kLaunchBox));
+  EXPECT_TRUE(screen.Checked(kLaunchAtStartup));
 }
 
 TEST_F(AppSettingsTest, TheMachinesValueDoesNotCountBesideTheUsersKey) {
   sim.Registry().PutKey(kUserRun);
   sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
   BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kLaunchBox));
+  EXPECT_FALSE(screen.Checked(kLaunchAtStartup));
 }
 
 TEST_F(AppSettingsTest, CheckingWritesTheProgramsPathAndUncheckingDeletesIt) {
   sim.Registry().PutKey(kUserRun);
   BeginOnSettings();
-  screen.Click(kLaunchBox);
+  screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Text(kUserRun, "Kelvaro"), "/game/kelvaro");
   EXPECT_FALSE(sim.Registry().HasKey(kMachineRun));
-  screen.Click(kLaunchBox);
+  screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Value(kUserRun, "Kelvaro"), std::nullopt);
 }
 
 TEST_F(AppSettingsTest, WithoutTheUsersKeyCheckingMakesTheMachines) {
   BeginOnSettings();
-  screen.Click(kLaunchBox);
+  screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Text(kMachineRun, "Kelvaro"), "/game/kelvaro");
   EXPECT_FALSE(sim.Registry().HasKey(kUserRun));
-  screen.Click(kLaunchBox);
+  screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Value(kMachineRun, "Kelvaro"), std::nullopt);
 }
 
 TEST_F(AppSettingsTest, AKeyThatRefusesLeavesTheBoxAsClicked) {
   sim.Registry().Protect("HKLM");
   BeginOnSettings();
-  screen.Click(kLaunchBox);
-  EXPECT_TRUE(screen.Checked(kLaunchBox));
+  screen.Click(kLaunchAtStartup);
+  EXPECT_TRUE(screen.Checked(kLaunchAtStartup));
   EXPECT_FALSE(sim.Registry().HasKey(kMachineRun));
-  screen.Click(kLaunchBox);
-  EXPECT_FALSE(screen.Checked(kLaunchBox));
+  screen.Click(kLaunchAtStartup);
+  EXPECT_FALSE(screen.Checked(kLaunchAtStartup));
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
@@ -390,7 +380,7 @@ TEST_F(AppSettingsTest, TheWholeTreeOfTheFormerProductIsTakenOver) {
   sim.Registry().PutString(kFormer, "Last Profile", kProfile);
   sim.Registry().PutDword(std::string(kFormer) + "\\Devices\\Old", "Sensitivity", 33);
   Begin();
-  EXPECT_EQ(screen.Front(), 102u) << "the welcome was seen before";
+  EXPECT_EQ(screen.Front(), main_window::kDialog) << "the welcome was seen before";
   EXPECT_FALSE(SmartCheck());
   EXPECT_EQ(LastProfile(), kProfile);
   EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Old", "Sensitivity"), 33u);
@@ -438,23 +428,20 @@ TEST_F(AppSettingsTest, WithoutTheRightToMakeTheMachinesKeyItIsTriedAtEachStart)
   sim.Registry().Protect("HKLM");
   sim.LogCalls(true);
   Begin();
-  EXPECT_EQ(Calls("RegCreateKeyA HKLM\\"), 1u);
+  EXPECT_EQ(CountCalls(sim, "RegCreateKeyA HKLM\\"), 1u);
   EXPECT_TRUE(screen.Boxes().empty());
   CloseAll();
   sim.ClearCalls();
   Begin();
-  EXPECT_EQ(Calls("RegCreateKeyA HKLM\\"), 1u);
+  EXPECT_EQ(CountCalls(sim, "RegCreateKeyA HKLM\\"), 1u);
 }
 
 TEST_F(AppSettingsTest, TheMachinesPassComesFirst) {
   FirstStart();
   sim.LogCalls(true);
   Begin();
-  Strings calls;
-  for (const std::string& call : sim.Calls()) {
-    if (call.starts_with("RegOpenKeyA") || call.starts_with("RegCreateKeyA")) calls.push_back(call);
-    if (calls.size() == 6) break;
-  }
+  Strings calls = CallsOf(sim, {"RegOpenKeyA", "RegCreateKeyA"});
+  calls.resize(6);
   EXPECT_EQ(calls, (Strings{"RegOpenKeyA HKLM\\Software\\Marnstone\\Kelvaro",
                             "RegCreateKeyA HKLM\\Software\\Marnstone\\Kelvaro",
                             "RegOpenKeyA HKLM\\Software\\Marnstone\\Vendrix",

@@ -3,14 +3,15 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
-using Strings = std::vector<std::string>;
+using namespace main_window;
 
-constexpr std::uint32_t kProfileList = 1001;
+using Strings = std::vector<std::string>;
 
 Strings All(const LinkedList<ByteString>& list) {
   Strings all;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "keys/key_action.h"
 #include "tests/app/main_window_fixture.h"
@@ -32,13 +33,6 @@ struct MadeControl {
 
 class ControlTest : public MainWindowTest {
  protected:
-  static constexpr std::uint32_t kMainDialog = 102;
-  static constexpr std::uint32_t kDefineDialog = 134;
-  static constexpr std::uint32_t kShiftDialog = 149;
-  static constexpr std::uint32_t kList = 1003;
-  static constexpr std::uint32_t kNewButton = 1004;
-  static constexpr std::uint32_t kEditButton = 1005;
-
   static void AddControl(ProfileFile* profile, const MadeControl& made) {
     Control control;
     control.actionsBorrowed = 1;  // the one in the list owns the actions
@@ -74,14 +68,14 @@ class ControlTest : public MainWindowTest {
     Begin();
   }
 
-  void New() { screen.Click(kNewButton); }
+  void New() { screen.Click(main_window::kNewControl); }
   void Edit(std::int32_t row) {
-    screen.SelectRows(kList, {row});
-    screen.Click(kEditButton);
+    screen.SelectRows(main_window::kControlList, {row});
+    screen.Click(main_window::kEditControl);
   }
   void TypeControl(const std::string& keys) {
-    screen.Type(1083, "it");
-    screen.Type(1093, keys);
+    screen.Type(define_control::kDescriptionText, "it");
+    screen.Type(define_control::kKeysText, keys);
   }
 
   // What is held from now on, until the program has seen it.

@@ -10,11 +10,14 @@
 #include <utility>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/control_fixture.h"
 #include "tests/storage/random_profile.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::IDCANCEL;
 using platform::IDNO;
@@ -25,14 +28,6 @@ using Cells = std::vector<std::vector<std::string>>;
 using Ids = std::vector<std::uint32_t>;
 using Rows = std::vector<std::int32_t>;
 using Strings = std::vector<std::string>;
-
-constexpr std::uint32_t kDeleteButton = 1136;
-constexpr std::uint32_t kCopyButton = 1115;
-constexpr std::uint32_t kPasteButton = 1155;
-constexpr std::uint32_t kUpButton = 1156;
-constexpr std::uint32_t kDownButton = 1157;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kTabs = 1000;
 
 constexpr std::uint8_t kEnter = 0x0D;
 constexpr std::uint8_t kDeleteKey = 0x2E;
@@ -87,7 +82,7 @@ class ControlListTest : public ControlTest {
   // The texts of a column, one letter each as a rule.
   std::string Column(std::size_t column) {
     std::string text;
-    for (const auto& row : screen.Cells(kList)) text += row[column];
+    for (const auto& row : screen.Cells(kControlList)) text += row[column];
     return text;
   }
   std::string Descriptions() { return Column(2); }
@@ -98,17 +93,17 @@ class ControlListTest : public ControlTest {
 
   std::uint32_t Saves() { return sim.Disk().Count("CopyFileA"); }
 
-  void Select(const Rows& rows) { screen.SelectRows(kList, rows); }
+  void Select(const Rows& rows) { screen.SelectRows(kControlList, rows); }
   void Delete(const Rows& rows) {
     Select(rows);
     screen.AnswerNext(IDYES);
-    screen.Click(kDeleteButton);
+    screen.Click(kDeleteControls);
   }
   void Copy(const Rows& rows) {
     Select(rows);
-    screen.Click(kCopyButton);
+    screen.Click(kCopyControls);
   }
-  void Paste() { screen.Click(kPasteButton); }
+  void Paste() { screen.Click(kPasteControls); }
 
   // Puts counted actions in the place of all others of the profile. That the dialog's own ones can
   // be deleted here shows whose they are.
@@ -135,13 +130,13 @@ TEST_F(ControlListTest, ARowShowsTriggerActionAndDescription) {
       {.description = "several", .keys = {"a", "+", "c"}},
       {.description = "nothing"},
   });
-  EXPECT_EQ(screen.Cells(kList), (Cells{
-                                     {"B1+B3+POV0(up+right)", "<Ctrl>c", "jump"},
-                                     {"Axis_Z0(pos)", "<mouse ctrl>", "mouse"},
-                                     {"", "<mouse ctrl>+a+<P:1>b", "both"},
-                                     {"", "a+++c", "several"},
-                                     {"", "", "nothing"},
-                                 }));
+  EXPECT_EQ(screen.Cells(kControlList), (Cells{
+                                            {"B1+B3+POV0(up+right)", "<Ctrl>c", "jump"},
+                                            {"Axis_Z0(pos)", "<mouse ctrl>", "mouse"},
+                                            {"", "<mouse ctrl>+a+<P:1>b", "both"},
+                                            {"", "a+++c", "several"},
+                                            {"", "", "nothing"},
+                                        }));
 }
 
 TEST_F(ControlListTest, RowsTellPressFromReleaseOnlyWithThePrefixFlag) {
@@ -168,14 +163,14 @@ TEST_F(ControlListTest, TheFirstSelectedRowNamesTheControl) {
 
 TEST_F(ControlListTest, FillingTheListShowsWhetherTheMouseControlsAreAlwaysActive) {
   StartWithLetters(2);
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  EXPECT_FALSE(screen.Checked(1139));
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  EXPECT_FALSE(screen.Checked(kMouseAlwaysActive));
   OpenProfile().mouseAlwaysActive = true;
-  screen.ChooseTab(kTabs, MainWindow::kControlTab);
+  screen.ChooseTab(kTabControl, MainWindow::kControlTab);
   Select({1});
-  screen.Click(kUpButton);
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  EXPECT_TRUE(screen.Checked(1139));
+  screen.Click(kMoveUp);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  EXPECT_TRUE(screen.Checked(kMouseAlwaysActive));
 }
 
 // --- New
@@ -185,7 +180,7 @@ TEST_F(ControlListTest, NewWithoutAProfileIsToldAndOpensNoDialog) {
   Begin();
   screen.AnswerNext(IDOK);
   New();
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   ASSERT_EQ(screen.Boxes().size(), 1u);
   EXPECT_EQ(LastBox().text, "Create or Load a Profile Before Creating Controls");
   EXPECT_EQ(LastBox().caption, "No Profile Selected");
@@ -197,23 +192,23 @@ TEST_F(ControlListTest, ANewControlGoesToTheEndAndIsSavedAtOnce) {
   StartWithLetters(2);
   Select({0});
   New();
-  screen.Type(1083, "new");
-  screen.Type(1093, "xy");
-  screen.Click(1126);
+  screen.Type(define_control::kDescriptionText, "new");
+  screen.Type(define_control::kKeysText, "xy");
+  screen.Click(define_control::kDetectTrigger);
   Press({3, 4});
-  screen.Click(1126);
+  screen.Click(define_control::kDetectTrigger);
   Press({});
   EXPECT_EQ(Saves(), 0u);
   screen.Click(IDOK);
   EXPECT_EQ(Saves(), 1u);
-  EXPECT_EQ(screen.Cells(kList).back(), (Strings{"B3+B4", "xy", "new"}));
+  EXPECT_EQ(screen.Cells(kControlList).back(), (Strings{"B3+B4", "xy", "new"}));
   EXPECT_EQ(ControlIds(), (Ids{1, 2, 3}));
   EXPECT_EQ(OpenProfile().nextControlId, 4u);
   EXPECT_EQ(StoredIds(), (Ids{1, 2, 3}));
   EXPECT_EQ(Stored(kProfile)->nextControlId, 4u);
   EXPECT_EQ(DispatchIds(), (Ids{3, 2, 1})) << "the heaviest first";
   EXPECT_EQ(ControlAt(2).actionsBorrowed, 0);
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{0});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{0});
 }
 
 TEST_F(ControlListTest, ANewControlThatIsCancelledLeavesNothing) {
@@ -237,12 +232,12 @@ TEST_F(ControlListTest, NewShowsNothingOfTheControlThatWasEditedBefore) {
   Edit(0);
   screen.Click(IDOK);
   New();
-  EXPECT_EQ(screen.Text(1083), "");
-  EXPECT_EQ(screen.Text(1081), "");
-  EXPECT_EQ(screen.Text(1093), "");
-  EXPECT_EQ(screen.Text(1196), "0");
-  EXPECT_FALSE(screen.Checked(1140));
-  EXPECT_TRUE(screen.Checked(1124));
+  EXPECT_EQ(screen.Text(define_control::kDescriptionText), "");
+  EXPECT_EQ(screen.Text(define_control::kTriggerText), "");
+  EXPECT_EQ(screen.Text(define_control::kKeysText), "");
+  EXPECT_EQ(screen.Text(define_control::kHoldValue), "0");
+  EXPECT_FALSE(screen.Checked(define_control::kToggleMouseCheck));
+  EXPECT_TRUE(screen.Checked(define_control::kPress));
   screen.Click(IDCANCEL);
   EXPECT_EQ(Keys(ControlAt(0)), "a");
 }
@@ -251,67 +246,67 @@ TEST_F(ControlListTest, NewShowsNothingOfTheControlThatWasEditedBefore) {
 
 TEST_F(ControlListTest, ADoubleClickTheButtonAndEnterEditTheSelectedControl) {
   StartWithLetters(3);
-  screen.DoubleClickRow(kList, 2);
-  ASSERT_EQ(screen.Front(), kDefineDialog);
-  EXPECT_EQ(screen.Text(1083), "c");
+  screen.DoubleClickRow(kControlList, 2);
+  ASSERT_EQ(screen.Front(), define_control::kDialog);
+  EXPECT_EQ(screen.Text(define_control::kDescriptionText), "c");
   screen.Click(IDCANCEL);
 
   Edit(1);
-  EXPECT_EQ(screen.Text(1083), "b");
+  EXPECT_EQ(screen.Text(define_control::kDescriptionText), "b");
   screen.Click(IDCANCEL);
 
   Select({0});
-  screen.FocusOn(kList);
+  screen.FocusOn(kControlList);
   screen.Press(kEnter);
-  ASSERT_EQ(screen.Front(), kDefineDialog);
-  EXPECT_EQ(screen.Text(1083), "a");
+  ASSERT_EQ(screen.Front(), define_control::kDialog);
+  EXPECT_EQ(screen.Text(define_control::kDescriptionText), "a");
   screen.Click(IDCANCEL);
-  EXPECT_EQ(screen.Front(), kMainDialog) << "it was opened once";
+  EXPECT_EQ(screen.Front(), main_window::kDialog) << "it was opened once";
 }
 
 TEST_F(ControlListTest, ADoubleClickBelowTheRowsWithNoneSelectedDoesNothing) {
   StartWithLetters(2);
   Select({});
-  screen.DoubleClickRow(kList, -1);
-  EXPECT_EQ(screen.Front(), kMainDialog);
-  screen.Click(kEditButton);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  screen.DoubleClickRow(kControlList, -1);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
+  screen.Click(kEditControl);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(ControlListTest, EnterOnAnotherTabEditsNothing) {
   StartWithLetters(2);
   Select({0});
   for (const auto tab : {MainWindow::kMouseTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
-    screen.ChooseTab(kTabs, tab);
-    screen.FocusOn(kTabs);
+    screen.ChooseTab(kTabControl, tab);
+    screen.FocusOn(kTabControl);
     screen.Press(kEnter);
-    EXPECT_EQ(screen.Front(), kMainDialog) << tab;
+    EXPECT_EQ(screen.Front(), main_window::kDialog) << tab;
   }
 }
 
 TEST_F(ControlListTest, OfSeveralSelectedControlsTheFirstIsEdited) {
   StartWithLetters(3);
   Select({1, 2});
-  screen.Click(kEditButton);
-  EXPECT_EQ(screen.Text(1083), "b");
-  screen.Type(1083, "B");
+  screen.Click(kEditControl);
+  EXPECT_EQ(screen.Text(define_control::kDescriptionText), "b");
+  screen.Type(define_control::kDescriptionText, "B");
   screen.Click(IDOK);
   EXPECT_EQ(Descriptions(), "aBc");
-  EXPECT_EQ(screen.SelectedRows(kList), (Rows{1, 2}));
+  EXPECT_EQ(screen.SelectedRows(kControlList), (Rows{1, 2}));
 }
 
 TEST_F(ControlListTest, AnEditedControlIsShownAnewAndSavedAtOnce) {
   StartWithLetters(3);
   Edit(1);
-  screen.Type(1083, "new");
-  screen.Type(1093, "xy");
-  screen.Click(1126);
+  screen.Type(define_control::kDescriptionText, "new");
+  screen.Type(define_control::kKeysText, "xy");
+  screen.Click(define_control::kDetectTrigger);
   Press({3, 4});
-  screen.Click(1126);
+  screen.Click(define_control::kDetectTrigger);
   Press({});
   screen.Click(IDOK);
   EXPECT_EQ(Saves(), 1u);
-  EXPECT_EQ(screen.Cells(kList)[1], (Strings{"B3+B4", "xy", "new"}));
+  EXPECT_EQ(screen.Cells(kControlList)[1], (Strings{"B3+B4", "xy", "new"}));
   EXPECT_EQ(ControlIds(), (Ids{1, 2, 3}));
   EXPECT_EQ(OpenProfile().nextControlId, 4u);
   const auto stored = Stored(kProfile);
@@ -319,7 +314,7 @@ TEST_F(ControlListTest, AnEditedControlIsShownAnewAndSavedAtOnce) {
   EXPECT_EQ(stored->controls.At(1)->value->buttonMask, 0b1100u);
   EXPECT_EQ(DispatchIds()[0], 2u) << "it is the heaviest now";
   EXPECT_EQ(ControlAt(1).actionsBorrowed, 0);
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{1});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{1});
 }
 
 TEST_F(ControlListTest, AnEditThatIsCancelledLeavesTheControlAndItsActions) {
@@ -328,10 +323,10 @@ TEST_F(ControlListTest, AnEditThatIsCancelledLeavesTheControlAndItsActions) {
   const auto file = sim.Disk().FileBytes("/game/Profiles/Game.idprof");
   Edit(0);
   TypeControl("x");
-  screen.Click(1126);
+  screen.Click(define_control::kDetectTrigger);
   Press({5});
   screen.Click(IDCANCEL);
-  EXPECT_EQ(screen.Cells(kList), (Cells{{"B1", "a", "a"}}));
+  EXPECT_EQ(screen.Cells(kControlList), (Cells{{"B1", "a", "a"}}));
   EXPECT_EQ(ControlAt(0).buttonMask, 1u);
   EXPECT_EQ(*ControlAt(0).actions.head->value, action);
   EXPECT_EQ(Saves(), 0u);
@@ -359,9 +354,9 @@ TEST_F(ControlListTest, ARunningRepeatStopsWhenTheDialogOpensEvenIfItIsCancelled
 TEST_F(ControlListTest, ANewOrEditedControlRepeatsByItsOwnTimes) {
   StartWithLetters(1);
   Edit(0);
-  screen.Click(1123);
-  screen.Type(1095, "200");
-  screen.Type(1096, "30");
+  screen.Click(define_control::kRepeatCheck);
+  screen.Type(define_control::kDelayValue, "200");
+  screen.Type(define_control::kSpeedValue, "30");
   screen.Click(IDOK);
   PressAt(1000, {1});
   PressAt(1300, {});
@@ -381,7 +376,7 @@ TEST_F(ControlListTest, AReplayOfTheRepeatIsOverBeforeAnEditTakesTheActionsAway)
   CountActions();
   CountedAction::destroyed = 0;
   Edit(0);
-  screen.Type(1093, "c");
+  screen.Type(define_control::kKeysText, "c");
   Engine().repeatWorker.Start(OpenProfile().DispatchList.head->value);
   sim.RunFor(500);
   ASSERT_EQ(Sent().back(), "key 41 1e 2") << "in the middle of the replay";
@@ -398,15 +393,15 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnOk) {
   New();
   TypeControl("A");
   screen.Click(IDOK);
-  screen.Click(resources::kDontShowAgain);
+  screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_FALSE(ShiftReminder());
   EXPECT_EQ(Number("Shift Reminder"), 0u);
   Edit(0);
   TypeControl("B");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnCancelToo) {
@@ -414,7 +409,7 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnCancelToo) {
   Edit(0);
   TypeControl("A");
   screen.Click(IDOK);
-  screen.Click(resources::kDontShowAgain);
+  screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDCANCEL);
   EXPECT_TRUE(ShiftReminder()) << "not while the dialog is open";
   screen.Click(IDCANCEL);
@@ -428,7 +423,7 @@ TEST_F(ControlListTest, AReminderThatIsOffAsksNothing) {
   New();
   TypeControl("A");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Keys(ControlAt(1)), "A");
 }
 
@@ -453,11 +448,11 @@ TEST_F(ControlListTest, WithoutAWindowForTheDialogNothingIsEdited) {
   const InputAction* action = *ControlAt(0).actions.head->value;
   sim.FailNext("RunDialog");
   Edit(0);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   sim.FailNext("RunDialog");
   New();
-  EXPECT_EQ(screen.Front(), kMainDialog);
-  EXPECT_EQ(screen.Cells(kList), (Cells{{"B1", "a", "a"}}));
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
+  EXPECT_EQ(screen.Cells(kControlList), (Cells{{"B1", "a", "a"}}));
   EXPECT_EQ(*ControlAt(0).actions.head->value, action);
   EXPECT_EQ(Keys(ControlAt(0)), "a");
   EXPECT_EQ(DefineControl().scratch.actionsBorrowed, 1) << "they are still the Control's";
@@ -468,7 +463,7 @@ TEST_F(ControlListTest, WithoutAWindowForTheDialogNothingIsEdited) {
 TEST_F(ControlListTest, DeletingAsksAndNoKeepsEverything) {
   StartWithLetters(3);
   Select({1});
-  screen.Click(kDeleteButton);
+  screen.Click(kDeleteControls);
   ASSERT_TRUE(screen.BoxUp());
   EXPECT_EQ(screen.Box().text, "Delete Selected Control(s), Are You Sure?");
   EXPECT_EQ(screen.Box().caption, "Confirm Delete");
@@ -476,7 +471,7 @@ TEST_F(ControlListTest, DeletingAsksAndNoKeepsEverything) {
   EXPECT_EQ(screen.Box().owner, Handle());
   screen.Answer(IDNO);
   EXPECT_EQ(Descriptions(), "abc");
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{1});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{1});
   EXPECT_EQ(Saves(), 0u);
 }
 
@@ -489,7 +484,7 @@ TEST_F(ControlListTest, YesDeletesTheSelectedControlsWithOneSave) {
   EXPECT_EQ(DispatchIds(), (Ids{2, 4}));
   EXPECT_EQ(OpenProfile().nextControlId, 6u) << "it never falls";
   EXPECT_EQ(Saves(), 1u);
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{});
   Delete({0, 1});
   EXPECT_EQ(Descriptions(), "");
   EXPECT_EQ(StoredIds(), Ids{});
@@ -498,10 +493,10 @@ TEST_F(ControlListTest, YesDeletesTheSelectedControlsWithOneSave) {
 TEST_F(ControlListTest, TheDeleteKeyDeletesInTheListAlone) {
   StartWithLetters(2);
   Select({0});
-  screen.FocusOn(kUpButton);
+  screen.FocusOn(kMoveUp);
   screen.Press(kDeleteKey);
   EXPECT_TRUE(screen.Boxes().empty());
-  screen.FocusOn(kList);
+  screen.FocusOn(kControlList);
   screen.AnswerNext(IDYES);
   screen.Press(kDeleteKey);
   EXPECT_EQ(Descriptions(), "b");
@@ -510,10 +505,10 @@ TEST_F(ControlListTest, TheDeleteKeyDeletesInTheListAlone) {
 TEST_F(ControlListTest, NothingIsAskedWithNothingToDelete) {
   StartWithLetters(2);
   Select({});
-  screen.Click(kDeleteButton);
+  screen.Click(kDeleteControls);
   EXPECT_TRUE(screen.Boxes().empty());
   StartWith({});
-  screen.Click(kDeleteButton);
+  screen.Click(kDeleteControls);
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
@@ -583,7 +578,7 @@ TEST_F(ControlListTest, CopyWithNoSelectionLeavesTheBuffer) {
   StartWithLetters(2);
   Copy({1});
   Copy({});
-  screen.FocusOn(kList);
+  screen.FocusOn(kControlList);
   screen.Press('C', true);
   EXPECT_EQ(IdsOf(CopiedControls()), Ids{2});
 }
@@ -592,12 +587,12 @@ TEST_F(ControlListTest, LaterEditsDontReachTheBuffer) {
   StartWithLetters(1);
   Copy({0});
   Edit(0);
-  screen.Type(1083, "x");
-  screen.Type(1093, "x");
+  screen.Type(define_control::kDescriptionText, "x");
+  screen.Type(define_control::kKeysText, "x");
   screen.Click(IDOK);
   Delete({0});
   Paste();
-  EXPECT_EQ(screen.Cells(kList), (Cells{{"B1", "a", "a"}}));
+  EXPECT_EQ(screen.Cells(kControlList), (Cells{{"B1", "a", "a"}}));
 }
 
 TEST_F(ControlListTest, PasteFromAnEmptyBufferDoesNothing) {
@@ -605,7 +600,7 @@ TEST_F(ControlListTest, PasteFromAnEmptyBufferDoesNothing) {
   Select({1});
   Paste();
   EXPECT_EQ(Descriptions(), "ab");
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{1});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{1});
   EXPECT_EQ(Saves(), 0u);
 }
 
@@ -620,7 +615,7 @@ TEST_F(ControlListTest, PastedControlsGoToTheEndWithIdsOfTheirOwn) {
   EXPECT_EQ(StoredIds(), ControlIds());
   EXPECT_EQ(DispatchIds(), ControlIds());
   EXPECT_EQ(Saves(), 1u) << "one for all of them";
-  EXPECT_EQ(screen.SelectedRows(kList), Rows{});
+  EXPECT_EQ(screen.SelectedRows(kControlList), Rows{});
 }
 
 TEST_F(ControlListTest, EveryMemberOfAControlIsPasted) {
@@ -678,7 +673,7 @@ TEST_F(ControlListTest, TheBufferSurvivesAChangeOfProfile) {
 TEST_F(ControlListTest, ControlCAndControlVCopyAndPaste) {
   StartWithLetters(2);
   Select({1});
-  screen.FocusOn(kList);
+  screen.FocusOn(kControlList);
   screen.Press('C');
   screen.Press('V');
   EXPECT_EQ(Descriptions(), "ab") << "not without the control key";
@@ -694,7 +689,7 @@ TEST_F(ControlListTest, ControlCAndControlVCopyAndPaste) {
 TEST_F(ControlListTest, TheWindowItselfTakesControlCAndControlVToo) {
   StartWithLetters(2);
   Select({0});
-  screen.FocusOn(kUpButton);  // which has no use for them
+  screen.FocusOn(kMoveUp);  // which has no use for them
   screen.Press('C', true);
   screen.Press('V', true);
   EXPECT_EQ(Descriptions(), "aba");
@@ -710,18 +705,18 @@ TEST_F(ControlListTest, AMoveTakesTheWholeSelectionOrNothing) {
     Rows selectedAfter;
   };
   const Row rows[] = {
-      {kDownButton, {}, "abcde", {}},
-      {kUpButton, {}, "abcde", {}},
-      {kDownButton, {0}, "bacde", {1}},
-      {kUpButton, {4}, "abced", {3}},
-      {kUpButton, {0, 2}, "abcde", {0, 2}},    // the first can't
-      {kDownButton, {0, 2}, "badce", {1, 3}},  // the gap stays
-      {kUpButton, {1, 3}, "badce", {0, 2}},
-      {kDownButton, {1, 4}, "abcde", {1, 4}},  // the last can't
-      {kDownButton, {1, 2, 3}, "aebcd", {2, 3, 4}},
-      {kUpButton, {1, 2, 3}, "bcdae", {0, 1, 2}},
-      {kUpButton, {0, 1, 2, 3, 4}, "abcde", {0, 1, 2, 3, 4}},
-      {kDownButton, {0, 1, 2, 3, 4}, "abcde", {0, 1, 2, 3, 4}},
+      {kMoveDown, {}, "abcde", {}},
+      {kMoveUp, {}, "abcde", {}},
+      {kMoveDown, {0}, "bacde", {1}},
+      {kMoveUp, {4}, "abced", {3}},
+      {kMoveUp, {0, 2}, "abcde", {0, 2}},    // the first can't
+      {kMoveDown, {0, 2}, "badce", {1, 3}},  // the gap stays
+      {kMoveUp, {1, 3}, "badce", {0, 2}},
+      {kMoveDown, {1, 4}, "abcde", {1, 4}},  // the last can't
+      {kMoveDown, {1, 2, 3}, "aebcd", {2, 3, 4}},
+      {kMoveUp, {1, 2, 3}, "bcdae", {0, 1, 2}},
+      {kMoveUp, {0, 1, 2, 3, 4}, "abcde", {0, 1, 2, 3, 4}},
+      {kMoveDown, {0, 1, 2, 3, 4}, "abcde", {0, 1, 2, 3, 4}},
   };
   for (const Row& row : rows) {
     StartWithLetters(5);
@@ -731,7 +726,7 @@ TEST_F(ControlListTest, AMoveTakesTheWholeSelectionOrNothing) {
     const std::string name =
         std::to_string(row.button) + " of " + testing::PrintToString(row.selected);
     EXPECT_EQ(Descriptions(), row.after) << name;
-    EXPECT_EQ(screen.SelectedRows(kList), row.selectedAfter) << name;
+    EXPECT_EQ(screen.SelectedRows(kControlList), row.selectedAfter) << name;
     EXPECT_EQ(Saves(), row.after == std::string("abcde") ? 0u : 1u) << name;
     EXPECT_EQ(StoredIds(), ControlIds()) << name;
   }
@@ -741,7 +736,7 @@ TEST_F(ControlListTest, AMoveCountsForTheDispatcherOnlyFromTheNextRebuild) {
   StartWith({{.description = "a", .buttons = 1, .keys = {"a"}},
              {.description = "b", .buttons = 1, .keys = {"b"}}});
   Select({1});
-  screen.Click(kUpButton);
+  screen.Click(kMoveUp);
   EXPECT_EQ(ControlIds(), (Ids{2, 1}));
   EXPECT_EQ(DispatchIds(), (Ids{1, 2}));
   Press({1});
@@ -762,7 +757,7 @@ TEST_F(ControlListTest, AMoveLeavesARepeatRunning) {
              {.buttons = 2, .keys = {"b"}}});
   Press({1});
   Select({0});
-  screen.Click(kDownButton);
+  screen.Click(kMoveDown);
   EXPECT_TRUE(Engine().repeatWorker.Repeating());
   sim.ClearEvents();
   sim.RunFor(500);
@@ -785,7 +780,7 @@ TEST_F(ControlListTest, ASaveThatFailsIsNotToldAndTheEditStays) {
   EXPECT_EQ(Descriptions(), "bcb");
   fail();
   Select({0});
-  screen.Click(kDownButton);
+  screen.Click(kMoveDown);
   EXPECT_EQ(Descriptions(), "cbb");
   fail();
   New();
@@ -825,7 +820,7 @@ TEST_F(ControlListTest, EachActionIsDeletedByOneControl) {
     screen.Click(IDCANCEL);
   }
   Edit(1);
-  screen.Type(1093, "<fault");
+  screen.Type(define_control::kKeysText, "<fault");
   screen.Click(IDOK);
   screen.Answer(IDOK);
   screen.Click(IDCANCEL);
@@ -857,7 +852,7 @@ TEST_F(ControlListTest, EachActionIsDeletedByOneControl) {
   Delete({0, 4});
   EXPECT_EQ(living(), 7u);
   Select({0});
-  screen.Click(kDownButton);
+  screen.Click(kMoveDown);
   EXPECT_EQ(destroyed(), 6u);
 
   screen.Choose(kProfileList, "Other");
@@ -875,7 +870,7 @@ TEST_F(ControlListTest, TheProgramCanEndWhileTheDialogIsOpen) {
   Post(WM_CLOSE_PROGRAM);
   ASSERT_TRUE(screen.Running());
   screen.Click(IDOK);
-  screen.Click(resources::kDontShowAgain);
+  screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDOK);
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(StoredIds(), (Ids{1, 2})) << "what was confirmed is kept";
@@ -885,7 +880,7 @@ TEST_F(ControlListTest, TheProgramCanEndWhileTheDialogIsOpen) {
 TEST_F(ControlListTest, TheProgramCanEndWhileTheQuestionIsUp) {
   StartWithLetters(2);
   Select({0});
-  screen.Click(kDeleteButton);
+  screen.Click(kDeleteControls);
   Post(WM_CLOSE_PROGRAM);
   screen.Answer(IDYES);
   EXPECT_FALSE(screen.Running());
@@ -914,7 +909,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
       for (Control& control : made.controls) control.controlId = made.nextControlId++;
     });
     Begin();
-    model.rows = screen.Cells(kList);
+    model.rows = screen.Cells(kControlList);
   }
 
   Rows SomeRows() {
@@ -929,21 +924,21 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
   bool Define(Strings* row) {
     const std::string name = "made " + std::to_string(random.Below(1000));
     const std::string letter(1, static_cast<char>('a' + random.Below(26)));
-    screen.Type(1083, name);
-    screen.Type(1093, letter);
+    screen.Type(define_control::kDescriptionText, name);
+    screen.Type(define_control::kKeysText, letter);
     const std::uint32_t button = 1 + random.Below(11);
     const bool detect = random.OneIn(2);
     if (detect) {
-      screen.Click(1126);
+      screen.Click(define_control::kDetectTrigger);
       Press({button});
-      screen.Click(1126);
+      screen.Click(define_control::kDetectTrigger);
       Press({});
     }
     if (random.OneIn(4)) {
       screen.Click(IDCANCEL);
       return false;
     }
-    const bool toggle = screen.Checked(1140);
+    const bool toggle = screen.Checked(define_control::kToggleMouseCheck);
     screen.Click(IDOK);
     if (detect) (*row)[0] = "B" + std::to_string(button);
     (*row)[1] = toggle ? "<mouse ctrl>+" + letter : letter;
@@ -962,7 +957,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
   bool EditOne() {
     model.selected = SomeRows();
     Select(model.selected);
-    screen.Click(kEditButton);
+    screen.Click(kEditControl);
     if (model.selected.empty()) return false;
     return Define(&model.rows[model.selected.front()]);
   }
@@ -971,7 +966,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
     Select(model.selected);
     const bool yes = !random.OneIn(4);
     if (!model.selected.empty()) screen.AnswerNext(yes ? IDYES : IDNO);
-    screen.Click(kDeleteButton);
+    screen.Click(kDeleteControls);
     if (model.selected.empty() || !yes) return false;
     for (auto row = model.selected.rbegin(); row != model.selected.rend(); ++row)
       model.rows.erase(model.rows.begin() + *row);
@@ -997,7 +992,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
     const bool up = random.OneIn(2);
     model.selected = SomeRows();
     Select(model.selected);
-    screen.Click(up ? kUpButton : kDownButton);
+    screen.Click(up ? kMoveUp : kMoveDown);
     const std::int32_t end = up ? 0 : static_cast<std::int32_t>(model.rows.size()) - 1;
     if (std::find(model.selected.begin(), model.selected.end(), end) != model.selected.end())
       return false;
@@ -1019,8 +1014,8 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
   }
 
   void ExpectAgreement(bool rebuilt, const Ids& dispatchBefore) {
-    EXPECT_EQ(screen.Cells(kList), model.rows);
-    EXPECT_EQ(screen.SelectedRows(kList), model.selected);
+    EXPECT_EQ(screen.Cells(kControlList), model.rows);
+    EXPECT_EQ(screen.SelectedRows(kControlList), model.selected);
     const auto stored = Stored(kProfile);
     ASSERT_TRUE(stored);
     ExpectSameControls(stored->controls, OpenProfile().controls);

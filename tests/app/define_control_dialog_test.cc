@@ -14,11 +14,14 @@
 #include <utility>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/control_fixture.h"
 #include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace define_control;
 
 using platform::IDCANCEL;
 using platform::IDNO;
@@ -42,12 +45,15 @@ constexpr char kDuplicateText[] =
 
 class DefineControlDialogTest : public ControlTest {
  protected:
-  // "1123 on, 1095 off, ..." of the six that rule one another out; a tick is a "*".
+  // The six that rule one another out; a tick is a "*", what is disabled has a "-".
   std::string Boxes() {
+    const std::pair<std::uint32_t, const char*> boxes[] = {
+        {kRepeatCheck, "repeat"}, {kDelayValue, "delay"}, {kSpeedValue, "speed"},
+        {kHoldAllKeys, "all"},    {kHoldValue, "hold"},   {kPauseValue, "pause"}};
     std::string text;
-    for (const std::uint32_t id : {1123, 1095, 1096, 1169, 1196, 1197}) {
+    for (const auto& [id, name] : boxes) {
       if (!text.empty()) text += ' ';
-      text += std::to_string(id);
+      text += name;
       if (screen.Checked(id)) text += '*';
       if (!screen.Enabled(id)) text += '-';
     }
@@ -68,7 +74,7 @@ class DefineControlDialogTest : public ControlTest {
     EXPECT_EQ(box.text, text);
     EXPECT_EQ(box.caption, caption);
     EXPECT_EQ(box.type, type);
-    EXPECT_EQ(box.owner, screen.WindowOf(kDefineDialog));
+    EXPECT_EQ(box.owner, screen.WindowOf(define_control::kDialog));
   }
 
   // A program on a machine that offers the choice between press and release.
@@ -81,18 +87,18 @@ TEST_F(DefineControlDialogTest, ANewControlShowsTheDefaults) {
   StartWith({});
   New();
   EXPECT_EQ(screen.Title(), "Define Control");
-  EXPECT_EQ(screen.Text(1083), "");
-  EXPECT_EQ(screen.Text(1081), "");
-  EXPECT_EQ(screen.Text(1093), "");
-  EXPECT_EQ(screen.Text(1095), "500");
-  EXPECT_EQ(screen.Text(1096), "50");
-  EXPECT_EQ(screen.Text(1196), "0");
-  EXPECT_EQ(screen.Text(1197), "0");
-  EXPECT_TRUE(screen.Checked(1124));
-  EXPECT_FALSE(screen.Checked(1125));
-  EXPECT_FALSE(screen.Checked(1126));
-  EXPECT_FALSE(screen.Checked(1140));
-  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+  EXPECT_EQ(screen.Text(kDescriptionText), "");
+  EXPECT_EQ(screen.Text(kTriggerText), "");
+  EXPECT_EQ(screen.Text(kKeysText), "");
+  EXPECT_EQ(screen.Text(kDelayValue), "500");
+  EXPECT_EQ(screen.Text(kSpeedValue), "50");
+  EXPECT_EQ(screen.Text(kHoldValue), "0");
+  EXPECT_EQ(screen.Text(kPauseValue), "0");
+  EXPECT_TRUE(screen.Checked(kPress));
+  EXPECT_FALSE(screen.Checked(kRelease));
+  EXPECT_FALSE(screen.Checked(kDetectTrigger));
+  EXPECT_FALSE(screen.Checked(kToggleMouseCheck));
+  EXPECT_EQ(Boxes(), "repeat delay speed all hold pause");
 }
 
 TEST_F(DefineControlDialogTest, EveryMemberOfAControlIsShown) {
@@ -108,24 +114,24 @@ TEST_F(DefineControlDialogTest, EveryMemberOfAControlIsShown) {
   control.hold = 1000000;
   control.pause = 7;
   OpenEdit(control);
-  EXPECT_EQ(screen.Text(1083), "jump");
-  EXPECT_EQ(screen.Text(1081), "B1+B3+POV1(left)+SliderB2(pos)");
-  EXPECT_EQ(screen.Text(1093), "<Ctrl>c");
-  EXPECT_TRUE(screen.Checked(1140));
-  EXPECT_TRUE(screen.Checked(1123));
-  EXPECT_EQ(screen.Text(1095), "4294967295");
-  EXPECT_EQ(screen.Text(1096), "0");
-  EXPECT_EQ(screen.Text(1196), "1000000");
-  EXPECT_EQ(screen.Text(1197), "7");
+  EXPECT_EQ(screen.Text(kDescriptionText), "jump");
+  EXPECT_EQ(screen.Text(kTriggerText), "B1+B3+POV1(left)+SliderB2(pos)");
+  EXPECT_EQ(screen.Text(kKeysText), "<Ctrl>c");
+  EXPECT_TRUE(screen.Checked(kToggleMouseCheck));
+  EXPECT_TRUE(screen.Checked(kRepeatCheck));
+  EXPECT_EQ(screen.Text(kDelayValue), "4294967295");
+  EXPECT_EQ(screen.Text(kSpeedValue), "0");
+  EXPECT_EQ(screen.Text(kHoldValue), "1000000");
+  EXPECT_EQ(screen.Text(kPauseValue), "7");
 }
 
 TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOkMakesThemOne) {
   MadeControl control;
   control.keys = {"ab", "<P:5>", "C"};
   OpenEdit(control);
-  EXPECT_EQ(screen.Text(1093), "ab<P:5>C");
+  EXPECT_EQ(screen.Text(kKeysText), "ab<P:5>C");
   screen.Click(IDOK);
-  ASSERT_EQ(screen.Front(), kShiftDialog);
+  ASSERT_EQ(screen.Front(), shift_key_required::kDialog);
   screen.Click(IDOK);
   ASSERT_EQ(TheControl().actions.count, 1);
   EXPECT_EQ(Keys(TheControl()), "ab<P:5>C");
@@ -136,7 +142,7 @@ TEST_F(DefineControlDialogTest, HoldAllIsTickedIfAnyActionHoldsAll) {
   control.keys = {"ab", "cd"};
   control.holdAllFrom = 1;  // the second alone
   OpenEdit(control);
-  EXPECT_TRUE(screen.Checked(1169));
+  EXPECT_TRUE(screen.Checked(kHoldAllKeys));
 }
 
 TEST_F(DefineControlDialogTest, WhatIsEnabledAtFirstFollowsTheControl) {
@@ -145,15 +151,15 @@ TEST_F(DefineControlDialogTest, WhatIsEnabledAtFirstFollowsTheControl) {
     const char* boxes;
   };
   const Row rows[] = {
-      {true, false, false, "1123 1095 1096 1169 1196 1197"},
-      {true, true, false, "1123* 1095 1096 1169- 1196 1197"},
-      {true, false, true, "1123- 1095- 1096- 1169* 1196- 1197-"},
-      {true, true, true, "1123* 1095 1096 1169- 1196 1197"},
+      {true, false, false, "repeat delay speed all hold pause"},
+      {true, true, false, "repeat* delay speed all- hold pause"},
+      {true, false, true, "repeat- delay- speed- all* hold- pause-"},
+      {true, true, true, "repeat* delay speed all- hold pause"},
       // Wanted: the last step enables again what the first one has disabled.
-      {false, false, false, "1123 1095 1096 1169 1196 1197"},
-      {false, true, false, "1123 1095 1096 1169 1196 1197"},
-      {false, false, true, "1123 1095 1096 1169 1196 1197"},
-      {false, true, true, "1123 1095 1096 1169 1196 1197"},
+      {false, false, false, "repeat delay speed all hold pause"},
+      {false, true, false, "repeat delay speed all hold pause"},
+      {false, false, true, "repeat delay speed all hold pause"},
+      {false, true, true, "repeat delay speed all hold pause"},
   };
   std::vector<MadeControl> controls;
   for (const Row& row : rows) {
@@ -168,8 +174,8 @@ TEST_F(DefineControlDialogTest, WhatIsEnabledAtFirstFollowsTheControl) {
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     Edit(static_cast<std::int32_t>(i));
     EXPECT_EQ(Boxes(), rows[i].boxes) << i;
-    EXPECT_EQ(screen.Checked(1124), rows[i].press) << i;
-    EXPECT_EQ(screen.Checked(1125), !rows[i].press) << i;
+    EXPECT_EQ(screen.Checked(kPress), rows[i].press) << i;
+    EXPECT_EQ(screen.Checked(kRelease), !rows[i].press) << i;
     screen.Click(IDCANCEL);
   }
 }
@@ -194,7 +200,7 @@ TEST_F(DefineControlDialogTest, PressAndReleaseAreHiddenUnlessTheMachineOffersTh
     row.set(sim.Registry());
     StartWith({});
     New();
-    for (const std::uint32_t id : {1128, 1124, 1125})
+    for (const std::uint32_t id : {kOnLabel, kPress, kRelease})
       EXPECT_EQ(screen.Visible(id), row.shown) << row.why << ' ' << id;
   }
 }
@@ -203,7 +209,7 @@ TEST_F(DefineControlDialogTest, TheUsersOwnValueOffersNothing) {
   sim.Registry().PutDword("HKCU\\Software\\Marnstone\\Kelvaro", kReleaseValue, 1);
   StartWith({});
   New();
-  EXPECT_FALSE(screen.Visible(1124));
+  EXPECT_FALSE(screen.Visible(kPress));
 }
 
 TEST_F(DefineControlDialogTest, TheSmallIconIsTheProgramsOwn) {
@@ -229,10 +235,14 @@ TEST_F(DefineControlDialogTest, TheSmallIconIsTheProgramsOwn) {
 TEST_F(DefineControlDialogTest, TheWindowGrowsAcrossAndTheControlsGoWithIt) {
   StartWith({});
   New();
-  const std::vector<std::uint32_t> stretching = {1083, 1116, 1081, 1093, 1143};
-  const std::vector<std::uint32_t> following = {1126, 1127, 1, 2};
-  const std::vector<std::uint32_t> staying = {1135, 1140, 1169, 1168, 1131, 1145, 1196, 1197,
-                                              1122, 1123, 1133, 1095, 1134, 1096, 1113, 1146};
+  const std::vector<std::uint32_t> stretching = {kDescriptionText, kTriggerFrame, kTriggerText,
+                                                 kKeysText, kSpecialKeyList};
+  const std::vector<std::uint32_t> following = {kDetectTrigger, kDetectLabel, 1, 2};
+  const std::vector<std::uint32_t> staying = {
+      kDescriptionLabel, kToggleMouseCheck, kHoldAllKeys, kUppercaseNote,
+      kKeysLabel,        kSpecialKeyLabel,  kHoldValue,   kPauseValue,
+      kRepeatFrame,      kRepeatCheck,      kDelayLabel,  kDelayValue,
+      kSpeedLabel,       kSpeedValue,       kDefaults,    kHelp};
   std::map<std::uint32_t, Rect> before;
   for (const auto* group : {&stretching, &following, &staying})
     for (const std::uint32_t id : *group) before[id] = screen.ControlPlace(id);
@@ -277,62 +287,15 @@ TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
 
 // --- Tips, help and the list of special keys
 
-TEST_F(DefineControlDialogTest, EachControlHasItsTip) {
-  const std::pair<std::uint32_t, const char*> tips[] = {
-      {1, "Save control definition."},
-      {2, "Cancel creation or editing and discard changes."},
-      {1081,
-       "The trigger mechanism(s) (buttons, POV's, axis, etc.) for this control are displayed "
-       "here."},
-      {1083, "A description for this control. Type in anything you like here."},
-      {1093, "Enter the control event(s) here."},
-      {1095,
-       "The initial delay, in milliseconds, before the control starts to repeat. During this delay "
-       "time the trigger must be held down."},
-      {1096,
-       "The time delay, in milliseconds, between repeated controls. The control will continue to "
-       "repeat as long as the trigger is held down."},
-      {1113, "Reset repeat delay and speed to the default settings."},
-      {1123,
-       "When checked, this control will repeat just like the key repeat on your keyboard. While "
-       "the trigger is held down, the control will replay once, and then wait for Delay time to "
-       "elapse. After that, the control will replay once every Speed milliseconds while the "
-       "trigger is held down.\n\nOnly one control will repeat at a time."},
-      {1124, "Activate the control when the trigger is pressed."},
-      {1125, "Activate the control when the trigger is released (after first being pressed)."},
-      {1126,
-       "Start/stop control trigger detection mode. When checked, all controller input is trapped "
-       "and displayed in the trigger area to the left.\n\nTip: you can use the space bar to turn "
-       "off detect mode."},
-      {1140,
-       "When checked, the trigger toggles activation/deactivation of the mouse controls (see the "
-       "mouse tab)."},
-      {1143,
-       "A helpful reference of special keys/events. Selection does nothing. Stretch the window to "
-       "the right if some of the text is cut off."},
-      {1146, "More in-depth help."},
-      {1169,
-       "When checked, all keys of this control will remain pressed until the trigger is released. "
-       "Normally, in a multi-key control, each key will be released before the next key in the "
-       "sequence is replayed.\n\nSee the help for a more thorough description with examples."},
-      {1196,
-       "The amount of time, in milliseconds, that each key in this control is held down before "
-       "being released.\n\nThere are 1000 milliseconds in 1 second."},
-      {1197,
-       "This specifies a delay, in milliseconds, to occur after each key in this control is "
-       "released. Note that no delay is replayed for the last key of a sequence. Therefore this "
-       "value is only used in a multi-key control.\n\nThere are 1000 milliseconds in 1 second."},
-  };
+TEST_F(DefineControlDialogTest, EachControlHasTheTipOfItsNumber) {
   OfferRelease();
   StartWith({});
   New();
   EXPECT_EQ(screen.ToolTipWidth(), 300);
   EXPECT_EQ(screen.ToolTipTime(), 10000);
-  for (const auto& [id, text] : tips) EXPECT_EQ(screen.Hover(id), text) << id;
   for (const platform::ControlTemplate& control : resources::kDefineControl.controls) {
-    const bool hasTip = std::any_of(std::begin(tips), std::end(tips),
-                                    [&](const auto& tip) { return tip.first == control.id; });
-    EXPECT_EQ(screen.Hover(control.id).empty(), !hasTip) << control.id;
+    const char* const text = resources::String(control.id);
+    EXPECT_EQ(screen.Hover(control.id), text ? text : "") << control.id;
   }
 }
 
@@ -340,26 +303,26 @@ TEST_F(DefineControlDialogTest, HelpOpensItsTopic) {
   StartWith({});
   New();
   const std::size_t before = screen.HelpCalls().size();
-  screen.Click(1146);
+  screen.Click(kHelp);
   ASSERT_EQ(screen.HelpCalls().size(), before + 1);
   EXPECT_EQ(screen.HelpCalls().back().command, platform::HH_DISPLAY_TOPIC);
   EXPECT_EQ(screen.HelpCalls().back().topic, "Creating and Editing Controls.htm");
-  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, F1TellsOfWhatHasTheFocus) {
   StartWith({});
   New();
   for (const auto& [id, place] :
-       std::vector<std::pair<std::uint32_t, std::string>>{{1083, ""},
-                                                          {1126, "#trigger"},
-                                                          {1140, "#mouse"},
-                                                          {1093, "#keys"},
-                                                          {1143, "#keys"},
-                                                          {1169, "#hold"},
-                                                          {1197, "#timings"},
-                                                          {1095, "#repeat"},
-                                                          {1123, "#repeat"},
+       std::vector<std::pair<std::uint32_t, std::string>>{{kDescriptionText, ""},
+                                                          {kDetectTrigger, "#trigger"},
+                                                          {kToggleMouseCheck, "#mouse"},
+                                                          {kKeysText, "#keys"},
+                                                          {kSpecialKeyList, "#keys"},
+                                                          {kHoldAllKeys, "#hold"},
+                                                          {kPauseValue, "#timings"},
+                                                          {kDelayValue, "#repeat"},
+                                                          {kRepeatCheck, "#repeat"},
                                                           {2, ""}}) {
     screen.FocusOn(id);
     screen.Press(0x70);
@@ -371,10 +334,10 @@ TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
   StartWith({});
   New();
-  screen.Click(1146);
+  screen.Click(kHelp);
   screen.Press(0x70);
   EXPECT_TRUE(screen.HelpCalls().empty());
-  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
@@ -382,7 +345,7 @@ TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
   DefineControl().helpAvailable = false;
   New();
   const std::size_t before = screen.HelpCalls().size();
-  screen.Click(1146);
+  screen.Click(kHelp);
   EXPECT_EQ(screen.HelpCalls().size(), before);
 }
 
@@ -390,10 +353,10 @@ TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
   StartWith({});
   New();
   TypeControl("a");
-  const auto rows = screen.Rows(1143);
+  const auto rows = screen.Rows(kSpecialKeyList);
   ASSERT_EQ(rows.size(), 132u);
-  screen.Choose(1143, "<ALT>");
-  EXPECT_EQ(screen.Text(1093), "a");
+  screen.Choose(kSpecialKeyList, "<ALT>");
+  EXPECT_EQ(screen.Text(kKeysText), "a");
   screen.Click(IDOK);
   EXPECT_EQ(Keys(TheControl()), "a");
 }
@@ -403,14 +366,14 @@ TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
 TEST_F(DefineControlDialogTest, RepeatAndHoldAllRuleEachOtherOut) {
   StartWith({});
   New();
-  screen.Click(1123);
-  EXPECT_EQ(Boxes(), "1123* 1095 1096 1169- 1196 1197");
-  screen.Click(1123);
-  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
-  screen.Click(1169);
-  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
-  screen.Click(1169);
-  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+  screen.Click(kRepeatCheck);
+  EXPECT_EQ(Boxes(), "repeat* delay speed all- hold pause");
+  screen.Click(kRepeatCheck);
+  EXPECT_EQ(Boxes(), "repeat delay speed all hold pause");
+  screen.Click(kHoldAllKeys);
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all* hold- pause-");
+  screen.Click(kHoldAllKeys);
+  EXPECT_EQ(Boxes(), "repeat delay speed all hold pause");
 }
 
 TEST_F(DefineControlDialogTest, HoldAllKeepsTheTimingsOfTheControl) {
@@ -421,9 +384,9 @@ TEST_F(DefineControlDialogTest, HoldAllKeepsTheTimingsOfTheControl) {
   control.hold = 12;
   control.pause = 34;
   OpenEdit(control);
-  screen.Click(1169);
-  EXPECT_EQ(screen.Text(1196), "12");
-  EXPECT_EQ(screen.Text(1197), "34");
+  screen.Click(kHoldAllKeys);
+  EXPECT_EQ(screen.Text(kHoldValue), "12");
+  EXPECT_EQ(screen.Text(kPauseValue), "34");
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().keyHoldTime, 12u);
   EXPECT_EQ(TheControl().keyReleasePause, 34u);
@@ -431,9 +394,9 @@ TEST_F(DefineControlDialogTest, HoldAllKeepsTheTimingsOfTheControl) {
   EXPECT_TRUE(HoldsAll(TheControl()));
 
   Edit(0);
-  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
-  screen.Click(1169);
-  EXPECT_EQ(screen.Text(1196), "12");
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all* hold- pause-");
+  screen.Click(kHoldAllKeys);
+  EXPECT_EQ(screen.Text(kHoldValue), "12");
   screen.Click(IDOK);
   EXPECT_FALSE(HoldsAll(TheControl()));
   EXPECT_EQ(TheControl().keyHoldTime, 12u);
@@ -443,29 +406,29 @@ TEST_F(DefineControlDialogTest, PressAndReleaseEnableAndDisableRepeatAndHoldAll)
   OfferRelease();
   StartWith({});
   New();
-  screen.Click(1123);
-  screen.Click(1125);
-  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169- 1196 1197");
-  screen.Click(1124);
-  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196 1197");
+  screen.Click(kRepeatCheck);
+  screen.Click(kRelease);
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all- hold pause");
+  screen.Click(kPress);
+  EXPECT_EQ(Boxes(), "repeat delay speed all hold pause");
 
   // The timings stay as hold all has left them.
-  screen.Click(1169);
-  screen.Click(1125);
-  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169- 1196- 1197-");
-  screen.Click(1124);
-  EXPECT_EQ(Boxes(), "1123 1095 1096 1169 1196- 1197-");
+  screen.Click(kHoldAllKeys);
+  screen.Click(kRelease);
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all- hold- pause-");
+  screen.Click(kPress);
+  EXPECT_EQ(Boxes(), "repeat delay speed all hold- pause-");
 }
 
 TEST_F(DefineControlDialogTest, PressThatIsClickedOnceMoreEnablesHoldAllBesideRepeat) {
   OfferRelease();
   StartWith({});
   New();
-  screen.Click(1123);
-  screen.Click(1124);
-  EXPECT_EQ(Boxes(), "1123* 1095 1096 1169 1196 1197");
-  screen.Click(1169);
-  EXPECT_EQ(Boxes(), "1123- 1095- 1096- 1169* 1196- 1197-");
+  screen.Click(kRepeatCheck);
+  screen.Click(kPress);
+  EXPECT_EQ(Boxes(), "repeat* delay speed all hold pause");
+  screen.Click(kHoldAllKeys);
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all* hold- pause-");
 }
 
 TEST_F(DefineControlDialogTest, TheRadioButtonDecidesWhenTheControlFires) {
@@ -474,13 +437,13 @@ TEST_F(DefineControlDialogTest, TheRadioButtonDecidesWhenTheControlFires) {
   control.press = false;
   control.triggerOption = false;
   OpenEdit(control);
-  screen.Click(1124);
+  screen.Click(kPress);
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().activateOnPress, 1);
   EXPECT_EQ(TheControl().triggerOption, 0) << "nothing here changes it";
   Edit(0);
-  EXPECT_TRUE(screen.Checked(1124));
-  screen.Click(1125);
+  EXPECT_TRUE(screen.Checked(kPress));
+  screen.Click(kRelease);
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().activateOnPress, 0);
 }
@@ -503,18 +466,18 @@ TEST_F(DefineControlDialogTest, DefaultsChangeDelayAndSpeedAlone) {
   control.hold = 3;
   control.pause = 4;
   OpenEdit(control);
-  screen.Type(1083, "other");
-  screen.Type(1093, "<broken");
-  screen.Click(1140);
-  screen.Type(1196, "33");
-  screen.Click(1113);
-  EXPECT_EQ(screen.Text(1095), "500");
-  EXPECT_EQ(screen.Text(1096), "50");
-  EXPECT_EQ(screen.Text(1083), "other");
-  EXPECT_EQ(screen.Text(1093), "<broken");
-  EXPECT_TRUE(screen.Checked(1140));
-  EXPECT_EQ(screen.Text(1196), "33");
-  EXPECT_EQ(screen.Text(1197), "4");
+  screen.Type(kDescriptionText, "other");
+  screen.Type(kKeysText, "<broken");
+  screen.Click(kToggleMouseCheck);
+  screen.Type(kHoldValue, "33");
+  screen.Click(kDefaults);
+  EXPECT_EQ(screen.Text(kDelayValue), "500");
+  EXPECT_EQ(screen.Text(kSpeedValue), "50");
+  EXPECT_EQ(screen.Text(kDescriptionText), "other");
+  EXPECT_EQ(screen.Text(kKeysText), "<broken");
+  EXPECT_TRUE(screen.Checked(kToggleMouseCheck));
+  EXPECT_EQ(screen.Text(kHoldValue), "33");
+  EXPECT_EQ(screen.Text(kPauseValue), "4");
   EXPECT_FALSE(screen.BoxUp());
 }
 
@@ -525,60 +488,60 @@ TEST_F(DefineControlDialogTest, DefaultsWorkOnDisabledFields) {
   control.delay = 1;
   control.speed = 2;
   OpenEdit(control);
-  ASSERT_FALSE(screen.Enabled(1095));
-  screen.Click(1113);
-  EXPECT_EQ(screen.Text(1095), "500");
-  EXPECT_EQ(screen.Text(1096), "50");
-  EXPECT_TRUE(screen.Checked(1169));
-  EXPECT_FALSE(screen.Enabled(1095));
+  ASSERT_FALSE(screen.Enabled(kDelayValue));
+  screen.Click(kDefaults);
+  EXPECT_EQ(screen.Text(kDelayValue), "500");
+  EXPECT_EQ(screen.Text(kSpeedValue), "50");
+  EXPECT_TRUE(screen.Checked(kHoldAllKeys));
+  EXPECT_FALSE(screen.Enabled(kDelayValue));
 }
 
 TEST_F(DefineControlDialogTest, DefaultsRefuseWhatIsNoNumber) {
   OpenEdit({});
-  screen.Type(1095, "7");
-  screen.Type(1197, "soon");
-  screen.Click(1113);
+  screen.Type(kDelayValue, "7");
+  screen.Type(kPauseValue, "soon");
+  screen.Click(kDefaults);
   ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
   screen.Answer(IDOK);
-  EXPECT_EQ(screen.Text(1095), "7");
-  EXPECT_EQ(screen.Text(1197), "soon");
-  EXPECT_EQ(screen.Focus(), 1197u);
+  EXPECT_EQ(screen.Text(kDelayValue), "7");
+  EXPECT_EQ(screen.Text(kPauseValue), "soon");
+  EXPECT_EQ(screen.Focus(), kPauseValue);
 }
 
 // --- Detection
 
 TEST_F(DefineControlDialogTest, DetectionShowsWhatIsHeldAtEachChange) {
   OpenEdit({.buttons = 0b1000});
-  EXPECT_EQ(screen.Text(1081), "B4");
+  EXPECT_EQ(screen.Text(kTriggerText), "B4");
   Press({1});
-  EXPECT_EQ(screen.Text(1081), "B4") << "it isn't on yet";
-  screen.Click(1126);
-  EXPECT_EQ(screen.Text(1081), "B4") << "nothing has changed yet";
+  EXPECT_EQ(screen.Text(kTriggerText), "B4") << "it isn't on yet";
+  screen.Click(kDetectTrigger);
+  EXPECT_EQ(screen.Text(kTriggerText), "B4") << "nothing has changed yet";
   Press({1, 2});
-  EXPECT_EQ(screen.Text(1081), "B1+B2") << "two buttons don't end it";
+  EXPECT_EQ(screen.Text(kTriggerText), "B1+B2") << "two buttons don't end it";
   pad.MoveAxis("Axis_Z0", -20000);
   Wait();
-  EXPECT_EQ(screen.Text(1081), "B1+B2+Axis_Z0(neg)");
+  EXPECT_EQ(screen.Text(kTriggerText), "B1+B2+Axis_Z0(neg)");
   Press({});
-  EXPECT_EQ(screen.Text(1081), "Axis_Z0(neg)");
+  EXPECT_EQ(screen.Text(kTriggerText), "Axis_Z0(neg)");
   pad.MoveAxis("Axis_Z0", 0);
   Wait();
-  EXPECT_EQ(screen.Text(1081), "") << "all let go";
+  EXPECT_EQ(screen.Text(kTriggerText), "") << "all let go";
   pad.PointHat(0, 27000);
   Wait();
-  EXPECT_EQ(screen.Text(1081), "POV0(left)");
+  EXPECT_EQ(screen.Text(kTriggerText), "POV0(left)");
 }
 
 TEST_F(DefineControlDialogTest, TheSpaceBarEndsDetectionWithWhatIsHeld) {
   StartWith({});
   New();
   TypeControl("a");
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   Press({1, 2});
   screen.Press(' ');
-  EXPECT_FALSE(screen.Checked(1126));
+  EXPECT_FALSE(screen.Checked(kDetectTrigger));
   Press({});
-  EXPECT_EQ(screen.Text(1081), "B1+B2");
+  EXPECT_EQ(screen.Text(kTriggerText), "B1+B2");
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().buttonMask, 0b11u);
   EXPECT_EQ(TheControl().buttonCount, 2u);
@@ -586,7 +549,7 @@ TEST_F(DefineControlDialogTest, TheSpaceBarEndsDetectionWithWhatIsHeld) {
 
 TEST_F(DefineControlDialogTest, OkTakesWhatIsHeldWhileDetectionRuns) {
   OpenEdit({.buttons = 0b1000, .items = {{0, 0, 2}}});
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   Press({3});
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().buttonMask, 0b100u);
@@ -598,7 +561,7 @@ TEST_F(DefineControlDialogTest, OkTakesWhatIsHeldWhileDetectionRuns) {
 
 TEST_F(DefineControlDialogTest, AStateThatComesAsItClosesIsTooLate) {
   OpenEdit({.buttons = 0b1000});
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   screen.Click(IDOK);
   DeviceSnapshot snapshot;
   snapshot.dispatchButtons = 1;
@@ -609,12 +572,12 @@ TEST_F(DefineControlDialogTest, AStateThatComesAsItClosesIsTooLate) {
 
 TEST_F(DefineControlDialogTest, DetectionIsOffAtEachOpening) {
   OpenEdit({.buttons = 0b1000});
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   screen.Click(IDCANCEL);
   Edit(0);
-  EXPECT_FALSE(screen.Checked(1126));
+  EXPECT_FALSE(screen.Checked(kDetectTrigger));
   Press({1});
-  EXPECT_EQ(screen.Text(1081), "B4");
+  EXPECT_EQ(screen.Text(kTriggerText), "B4");
 }
 
 TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOkEvenOnRelease) {
@@ -622,8 +585,8 @@ TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOkEvenOnRelease) {
   StartWith({});
   New();
   TypeControl("a");
-  screen.Click(1125);
-  screen.Click(1126);
+  screen.Click(kRelease);
+  screen.Click(kDetectTrigger);
   Press({2});
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().buttonMask, 0b10u);
@@ -637,9 +600,9 @@ TEST_F(DefineControlDialogTest, NoControlFiresWhileItIsOpenAndAMadeOneDoesAfterw
   Press({});
   EXPECT_EQ(sim.EventText(), "") << "detection off";
   TypeControl("b");
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   Press({2});
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   Press({});
   Press({1});
   EXPECT_EQ(sim.EventText(), "");
@@ -677,16 +640,16 @@ TEST_F(DefineControlDialogTest, AControlThatIsDownStaysDownUntilTheDialogHasClos
 TEST_F(DefineControlDialogTest, OkTakesEveryField) {
   StartWith({});
   New();
-  screen.Type(1083, "all of it");
-  screen.Type(1093, "x<Esc>");
-  screen.Click(1140);
-  screen.Click(1123);
-  screen.Type(1095, "0");
-  screen.Type(1096, "4294967295");
-  screen.Type(1196, " 42\t");  // blanks around a number are no fault
-  screen.Type(1197, "007");
+  screen.Type(kDescriptionText, "all of it");
+  screen.Type(kKeysText, "x<Esc>");
+  screen.Click(kToggleMouseCheck);
+  screen.Click(kRepeatCheck);
+  screen.Type(kDelayValue, "0");
+  screen.Type(kSpeedValue, "4294967295");
+  screen.Type(kHoldValue, " 42\t");  // blanks around a number are no fault
+  screen.Type(kPauseValue, "007");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_FALSE(DefineControl().dialogOpen);
   const Control& made = TheControl();
   EXPECT_EQ(Bytes(made.description), "all of it");
@@ -703,13 +666,13 @@ TEST_F(DefineControlDialogTest, OkTakesEveryField) {
 TEST_F(DefineControlDialogTest, AMissingDescriptionIsToldBeforeTheKeysAreLookedAt) {
   StartWith({});
   New();
-  screen.Type(1093, "<broken");
+  screen.Type(kKeysText, "<broken");
   screen.Click(IDOK);
   ExpectBox("You must enter a description for this event", "Missing Description", platform::MB_OK);
   screen.Answer(IDOK);
-  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
   EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(screen.Focus(), 1083u);
+  EXPECT_EQ(screen.Focus(), kDescriptionText);
   EXPECT_EQ(screen.Boxes().size(), 1u);
   EXPECT_TRUE(DefineControl().dialogOpen);
 }
@@ -718,14 +681,14 @@ TEST_F(DefineControlDialogTest, WhatIsNoNumberIsToldBeforeAnythingElse) {
   StartWith({});
   New();  // without a description
   for (const char* text : {"", " ", "-1", "+1", "1.5", "0x10", "12a", "1 2"}) {
-    for (const std::uint32_t id : {1196, 1197}) {
+    for (const std::uint32_t id : {kHoldValue, kPauseValue}) {
       screen.Type(id, text);
       screen.Click(IDOK);
       ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
       screen.Answer(IDOK);
       EXPECT_EQ(screen.Focus(), id) << text;
       EXPECT_EQ(screen.Text(id), text);
-      EXPECT_EQ(screen.Front(), kDefineDialog);
+      EXPECT_EQ(screen.Front(), define_control::kDialog);
       screen.Type(id, "0");
     }
   }
@@ -735,7 +698,7 @@ TEST_F(DefineControlDialogTest, ANumberThatIsTooLargeIsToldTheRange) {
   StartWith({});
   New();
   for (const char* text : {"4294967296", "99999999999", "99999999999999999999999"}) {
-    for (const std::uint32_t id : {1095, 1096, 1196, 1197}) {
+    for (const std::uint32_t id : {kDelayValue, kSpeedValue, kHoldValue, kPauseValue}) {
       screen.Type(id, text);
       screen.Click(IDOK);
       ExpectBox("Please enter a number from 0 to 4294967295.", "Kelvaro",
@@ -750,7 +713,7 @@ TEST_F(DefineControlDialogTest, ANumberThatIsTooLargeIsToldTheRange) {
 TEST_F(DefineControlDialogTest, DelayAndSpeedTakeDigitsAloneAndMayStillBeNoNumber) {
   StartWith({});
   New();
-  for (const std::uint32_t id : {1095, 1096}) {
+  for (const std::uint32_t id : {kDelayValue, kSpeedValue}) {
     screen.Type(id, "1a2-");
     EXPECT_EQ(screen.Text(id), "12");
     screen.Type(id, "");
@@ -766,9 +729,9 @@ TEST_F(DefineControlDialogTest, ReadingStopsAtTheFirstFieldThatIsNoNumber) {
   StartWith({});
   New();
   TypeControl("a");
-  for (const std::uint32_t id : {1095, 1096}) screen.Type(id, "");
-  for (const std::uint32_t id : {1196, 1197}) screen.Type(id, "x");
-  for (const std::uint32_t id : {1095, 1096, 1196, 1197}) {
+  for (const std::uint32_t id : {kDelayValue, kSpeedValue}) screen.Type(id, "");
+  for (const std::uint32_t id : {kHoldValue, kPauseValue}) screen.Type(id, "x");
+  for (const std::uint32_t id : {kDelayValue, kSpeedValue, kHoldValue, kPauseValue}) {
     const std::size_t boxes = screen.Boxes().size();
     screen.Click(IDOK);
     screen.Answer(IDOK);
@@ -778,7 +741,7 @@ TEST_F(DefineControlDialogTest, ReadingStopsAtTheFirstFieldThatIsNoNumber) {
   }
   EXPECT_TRUE(DefineControl().scratch.description.IsEmpty()) << "OK took nothing";
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault) {
@@ -799,17 +762,17 @@ TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault)
   New();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.keys);
-    if (screen.Checked(1169) != row.holdAll) screen.Click(1169);
+    if (screen.Checked(kHoldAllKeys) != row.holdAll) screen.Click(kHoldAllKeys);
     TypeControl(row.keys);
     sim.ClearEvents();
     screen.Click(IDOK);
     ExpectBox(row.message, "Key Parsing Error", platform::MB_OK);
     EXPECT_EQ(Sent(), Strings{}) << "not before the message is answered";
     screen.Answer(IDOK);
-    EXPECT_EQ(screen.Front(), kDefineDialog);
-    EXPECT_EQ(screen.Focus(), 1093u);
-    EXPECT_EQ(screen.Caret(1093), row.offset);
-    EXPECT_EQ(screen.Text(1093), row.keys);
+    EXPECT_EQ(screen.Front(), define_control::kDialog);
+    EXPECT_EQ(screen.Focus(), kKeysText);
+    EXPECT_EQ(screen.Caret(kKeysText), row.offset);
+    EXPECT_EQ(screen.Text(kKeysText), row.keys);
 
     Strings expected = {"key 24 c7 1", "key 24 c7 3"};
     for (std::uint32_t i = 0; i < row.offset; ++i) {
@@ -825,23 +788,23 @@ TEST_F(DefineControlDialogTest, AVeryLongTextTakesAsManyKeysAsItsOffset) {
   StartWith({});
   New();
   TypeControl(std::string(3000, 'a') + "<");
-  screen.Type(1093, std::string(3000, 'a') + "<x");
+  screen.Type(kKeysText, std::string(3000, 'a') + "<x");
   sim.ClearEvents();
   screen.Click(IDOK);
   screen.Answer(IDOK);
   EXPECT_EQ(Sent().size(), 2u + 2u * 3000u);
-  EXPECT_EQ(screen.Caret(1093), 3000u);
+  EXPECT_EQ(screen.Caret(kKeysText), 3000u);
 }
 
 TEST_F(DefineControlDialogTest, AFailedKeyTextLeavesDescriptionAndModeInTheScratchAlone) {
   OfferRelease();
   OpenEdit({.description = "old", .buttons = 1, .keys = {"a"}, .hold = 5});
   const InputAction* action = *TheControl().actions.head->value;
-  screen.Type(1083, "new");
-  screen.Type(1093, "<bad");
-  screen.Type(1196, "99");
-  screen.Click(1140);
-  screen.Click(1125);
+  screen.Type(kDescriptionText, "new");
+  screen.Type(kKeysText, "<bad");
+  screen.Type(kHoldValue, "99");
+  screen.Click(kToggleMouseCheck);
+  screen.Click(kRelease);
   screen.Click(IDOK);
   screen.Answer(IDOK);
   EXPECT_EQ(Bytes(DefineControl().scratch.description), "new");
@@ -855,20 +818,20 @@ TEST_F(DefineControlDialogTest, AFailedKeyTextLeavesDescriptionAndModeInTheScrat
 
   // The next try overwrites it.
   Edit(0);
-  EXPECT_EQ(screen.Text(1083), "old");
-  EXPECT_TRUE(screen.Checked(1124));
+  EXPECT_EQ(screen.Text(kDescriptionText), "old");
+  EXPECT_TRUE(screen.Checked(kPress));
 }
 
 TEST_F(DefineControlDialogTest, ATextThatWasRepairedIsTaken) {
   StartWith({});
   New();
   TypeControl("a<");
-  screen.Type(1093, "a<x");
+  screen.Type(kKeysText, "a<x");
   screen.Click(IDOK);
   screen.Answer(IDOK);
-  screen.Type(1093, "a<<x");
+  screen.Type(kKeysText, "a<<x");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   ASSERT_EQ(TheControl().actions.count, 1);
   EXPECT_EQ(Keys(TheControl()), "a<<x");
 }
@@ -877,7 +840,7 @@ TEST_F(DefineControlDialogTest, HoldAllCountsOnlyForAControlOnPress) {
   OfferRelease();
   StartWith({});
   New();
-  screen.Click(1169);
+  screen.Click(kHoldAllKeys);
   TypeControl("ab");
   screen.Click(IDOK);
   EXPECT_TRUE(HoldsAll(TheControl()));
@@ -885,18 +848,18 @@ TEST_F(DefineControlDialogTest, HoldAllCountsOnlyForAControlOnPress) {
   // A Control on release can tick it after opening; the same key twice is no fault then.
   StartWith({{.press = false}});
   Edit(0);
-  screen.Click(1169);
-  ASSERT_TRUE(screen.Checked(1169));
+  screen.Click(kHoldAllKeys);
+  ASSERT_TRUE(screen.Checked(kHoldAllKeys));
   TypeControl("aa");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_FALSE(HoldsAll(TheControl()));
 }
 
 TEST_F(DefineControlDialogTest, AControlMayHaveNoKeys) {
   OpenEdit({.keys = {"a"}});
-  screen.Type(1093, "");
-  screen.Click(1140);
+  screen.Type(kKeysText, "");
+  screen.Click(kToggleMouseCheck);
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().actions.count, 0);
   EXPECT_EQ(TheControl().toggleMouseControls, 1);
@@ -907,7 +870,7 @@ TEST_F(DefineControlDialogTest, AControlWithoutATriggerIsAcceptedAndNeverFires) 
   New();
   TypeControl("a");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   ASSERT_EQ(OpenProfile().controls.count, 1);
   EXPECT_EQ(TheControl().Weight(), 0u);
   Press({1});
@@ -926,12 +889,12 @@ TEST_F(DefineControlDialogTest, SmartCheckOffersTheForgottenBrackets) {
       "The keys you have entered match a special key token, but are missing the angle "
       "brackets.\nDid you mean to type \"<Esc>\"?",
       "Smart Check", platform::MB_YESNO);
-  EXPECT_EQ(screen.Text(1093), "eSC");
+  EXPECT_EQ(screen.Text(kKeysText), "eSC");
   screen.Answer(IDYES);
-  EXPECT_EQ(screen.Front(), kMainDialog) << "no upper case letter is left to remind of";
+  EXPECT_EQ(screen.Front(), main_window::kDialog) << "no upper case letter is left to remind of";
   EXPECT_EQ(Keys(TheControl()), "<Esc>");
   Edit(0);
-  EXPECT_EQ(screen.Text(1093), "<Esc>");
+  EXPECT_EQ(screen.Text(kKeysText), "<Esc>");
 }
 
 TEST_F(DefineControlDialogTest, SmartCheckLeavesTheFieldAsItWasTyped) {
@@ -940,21 +903,22 @@ TEST_F(DefineControlDialogTest, SmartCheckLeavesTheFieldAsItWasTyped) {
   TypeControl("Esc");
   screen.Click(IDOK);
   screen.Answer(IDNO);
-  ASSERT_EQ(screen.Front(), kShiftDialog) << "three letters now, one of them upper case";
+  ASSERT_EQ(screen.Front(), shift_key_required::kDialog)
+      << "three letters now, one of them upper case";
   screen.Click(IDCANCEL);
-  EXPECT_EQ(screen.Front(), kDefineDialog);
-  EXPECT_EQ(screen.Text(1093), "Esc");
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
+  EXPECT_EQ(screen.Text(kKeysText), "Esc");
 }
 
 TEST_F(DefineControlDialogTest, SmartCheckAsksOnlyWhileItIsOn) {
   StartWith({});
-  screen.ChooseTab(1000, MainWindow::kSettingsTab);
-  screen.Click(1187);
-  screen.ChooseTab(1000, MainWindow::kControlTab);
+  screen.ChooseTab(main_window::kTabControl, MainWindow::kSettingsTab);
+  screen.Click(main_window::kSmartCheck);
+  screen.ChooseTab(main_window::kTabControl, MainWindow::kControlTab);
   New();
   TypeControl("esc");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_TRUE(screen.Boxes().empty());
   EXPECT_EQ(Keys(TheControl()), "esc");
 }
@@ -964,17 +928,17 @@ TEST_F(DefineControlDialogTest, AnUppercaseLetterAsksForTheShiftKey) {
   New();
   TypeControl("aB!");
   screen.Click(IDOK);
-  ASSERT_EQ(screen.Front(), kShiftDialog);
+  ASSERT_EQ(screen.Front(), shift_key_required::kDialog);
   EXPECT_EQ(screen.Title(), "Shift Key Required");
   EXPECT_TRUE(DefineControl().dialogOpen);
   screen.Click(IDCANCEL);
-  EXPECT_EQ(screen.Front(), kDefineDialog);
-  EXPECT_EQ(screen.Text(1093), "aB!");
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
+  EXPECT_EQ(screen.Text(kKeysText), "aB!");
   EXPECT_EQ(DefineControl().scratch.actions.count, 0);
   screen.Click(IDOK);
-  ASSERT_EQ(screen.Front(), kShiftDialog) << "it asks again";
+  ASSERT_EQ(screen.Front(), shift_key_required::kDialog) << "it asks again";
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Keys(TheControl()), "aB!");
 }
 
@@ -983,7 +947,7 @@ TEST_F(DefineControlDialogTest, AShiftedPunctuationCharacterAsksNothing) {
   New();
   TypeControl("!");
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
@@ -991,11 +955,11 @@ TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
   New();
   TypeControl("A");
   screen.Click(IDOK);
-  screen.Click(resources::kDontShowAgain);
+  screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDCANCEL);
-  ASSERT_EQ(screen.Front(), kDefineDialog) << "No, whatever the box says";
+  ASSERT_EQ(screen.Front(), define_control::kDialog) << "No, whatever the box says";
   screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Keys(TheControl()), "A");
 }
 
@@ -1004,10 +968,10 @@ TEST_F(DefineControlDialogTest, AStateThatComesDuringTheReminderStillCounts) {
   StartWith({});
   New();
   TypeControl("A");
-  screen.Click(1126);
+  screen.Click(kDetectTrigger);
   Press({1});
   screen.Click(IDOK);
-  ASSERT_EQ(screen.Front(), kShiftDialog);
+  ASSERT_EQ(screen.Front(), shift_key_required::kDialog);
   Press({1, 2});
   screen.Click(IDOK);
   EXPECT_EQ(TheControl().buttonMask, 0b11u);
@@ -1024,7 +988,7 @@ TEST_F(DefineControlDialogTest, WithoutMemoryTheDialogStaysOpen) {
   }
   ExpectBox("Out of Memory", "Critical Error", platform::MB_ICONEXCLAMATION);
   screen.Answer(IDOK);
-  EXPECT_EQ(screen.Front(), kDefineDialog);
+  EXPECT_EQ(screen.Front(), define_control::kDialog);
   screen.Click(IDOK);
   EXPECT_EQ(Keys(TheControl()), "a");
 }
@@ -1042,7 +1006,7 @@ TEST_F(DefineControlDialogTest, CancelEscAndTheCloseBoxDiscard) {
     EXPECT_TRUE(DefineControl().dialogOpen);
     TypeControl("b");
     end();
-    EXPECT_EQ(screen.Front(), kMainDialog);
+    EXPECT_EQ(screen.Front(), main_window::kDialog);
     EXPECT_FALSE(DefineControl().dialogOpen);
     EXPECT_EQ(Bytes(TheControl().description), "old");
     EXPECT_EQ(*TheControl().actions.head->value, action);

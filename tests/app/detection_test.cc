@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "engine/device_snapshot.h"
 #include "keys/key_action.h"
@@ -17,31 +18,17 @@
 namespace kelvaro {
 namespace {
 
-using Strings = std::vector<std::string>;
+using namespace main_window;
 
-constexpr std::uint32_t kMainDialog = 102;
-constexpr std::uint32_t kUsageDialog = 152;
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kXBox = 1027;
-constexpr std::uint32_t kYBox = 1028;
-constexpr std::uint32_t kWheelBox = 1034;
-constexpr std::uint32_t kLeftBox = 1029;
-constexpr std::uint32_t kMiddleBox = 1030;
-constexpr std::uint32_t kRightBox = 1031;
-constexpr std::uint32_t kX = 1159;
-constexpr std::uint32_t kY = 1160;
-constexpr std::uint32_t kWheel = 1163;
-constexpr std::uint32_t kLeft = 1161;
-constexpr std::uint32_t kMiddle = 1162;
-constexpr std::uint32_t kRight = 1164;
+using Strings = std::vector<std::string>;
 
 constexpr std::uint8_t kSpaceBar = 0x20;
 constexpr std::uint32_t kPeriod = 5;  // ms from poll to poll
 
 constexpr char kPadSettings[] = "HKCU\\Software\\Marnstone\\Kelvaro\\Devices\\Pad";
 
-const std::uint32_t kBoxes[] = {kXBox, kYBox, kWheelBox, kLeftBox, kMiddleBox, kRightBox};
+const std::uint32_t kBoxes[] = {kDetectMouseX,     kDetectMouseY,       kDetectMouseWheel,
+                                kDetectLeftButton, kDetectMiddleButton, kDetectRightButton};
 
 // "kind index offset".
 std::string Words(const TriggerItem& item) {
@@ -85,7 +72,7 @@ class DetectionTest : public MainWindowTest {
   // On the Mouse tab, at the millisecond of a poll. What is changed now is seen one period later.
   void BeginHere() {
     Begin();
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
     sim.RunFor(100);  // the pad at rest is seen, too
     sim.LogCalls(true);
     for (int i = 0; i < 100 && sim.Calls().empty(); ++i) sim.RunFor(1);
@@ -154,8 +141,12 @@ TEST_F(DetectionTest, EachBoxStartsADetectionForItsField) {
   const struct {
     std::uint32_t box;
     std::uint32_t field;
-  } cases[] = {{kXBox, kX},       {kYBox, kY},           {kWheelBox, kWheel},
-               {kLeftBox, kLeft}, {kMiddleBox, kMiddle}, {kRightBox, kRight}};
+  } cases[] = {{kDetectMouseX, kMouseX},
+               {kDetectMouseY, kMouseY},
+               {kDetectMouseWheel, kMouseWheel},
+               {kDetectLeftButton, kLeftButton},
+               {kDetectMiddleButton, kMiddleButton},
+               {kDetectRightButton, kRightButton}};
   StoreFullProfile();
   BeginHere();
   for (const auto& row : cases) {
@@ -185,213 +176,67 @@ TEST_F(DetectionTest, ADetectionInWhichNothingHappensLeavesTheInputsAsTheyWere) 
   ExpectAllSaved();
 }
 
-TEST_F(DetectionTest, AButtonDetectionWithoutAChangeEndsByTheKindOfTheOneBefore) {
-  StoreFullProfile();
-  BeginHere();
-  // None before: kind 11 clears.
-  screen.Click(kLeftBox);
-  screen.Click(kLeftBox);
-  EXPECT_EQ(OpenProfile().leftButton, 0);
-  EXPECT_EQ(OpenProfile().leftMask, 0u);
-
-  // A button before: the present index counts, even that of a button that isn't assigned.
-  screen.Click(kMiddleBox);
-  pad.Press({2});
-  Poll();
-  screen.Click(kMiddleBox);
-  pad.Press({});
-  Poll();
-  EXPECT_EQ(OpenProfile().middleMask, 0x2u);
-  screen.Click(kLeftBox);
-  screen.Click(kLeftBox);
-  EXPECT_EQ(OpenProfile().leftButton, 0);
-  EXPECT_EQ(OpenProfile().leftMask, 0x1u);
-}
-
 // What is shown
 
 TEST_F(DetectionTest, TheFieldFollowsTheButtonsFromPollToPoll) {
   BeginHere();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   pad.Press({3});
-  EXPECT_EQ(TextsOf(kLeft, 12), Strings{"5 B3"});
+  EXPECT_EQ(TextsOf(kLeftButton, 12), Strings{"5 B3"});
   pad.Press({});
-  EXPECT_EQ(TextsOf(kLeft, 8), Strings{"3 <none>"});
+  EXPECT_EQ(TextsOf(kLeftButton, 8), Strings{"3 <none>"});
   pad.Press({8});
-  EXPECT_EQ(TextsOf(kLeft, 5), Strings{"5 B8"});
-  EXPECT_EQ(screen.Text(kMiddle), "<none>");
-  EXPECT_EQ(screen.Text(kRight), "<none>");
-}
-
-TEST_F(DetectionTest, TheFieldFollowsTheStrongestAxisFromPollToPoll) {
-  BeginHere();
-  screen.Click(kXBox);
-  pad.MoveAxis("Axis_X0", 16000);  // half is not enough
-  EXPECT_EQ(TextsOf(kX, 5), Strings{});
-  pad.MoveAxis("Axis_X0", 16001);
-  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 Axis_X0"});
-  pad.MoveAxis("Axis_Y0", -16002);
-  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 Axis_Y0"});
-  pad.MoveAxis("Axis_RZ0", 16002);  // the first of two equals stays
-  EXPECT_EQ(TextsOf(kX, 5), Strings{});
-  pad.MoveAxis("SliderA3", 20000);
-  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 SliderA3"});
-  pad.MoveAxis("SliderA3", 0);
-  pad.MoveAxis("Axis_Y0", 0);
-  pad.MoveAxis("Axis_RZ0", 0);
-  pad.MoveAxis("Axis_X0", 0);
-  EXPECT_EQ(TextsOf(kX, 5), Strings{"5 <none>"});
-  EXPECT_EQ(screen.Text(kY), "<none>");
-}
-
-TEST_F(DetectionTest, AHatIsTakenBeforeAnAxisThatIsNotAtItsEnd) {
-  BeginHere();
-  screen.Click(kXBox);
-  pad.MoveAxis("Axis_X0", 20000);
-  pad.PointHat(1, 9000);
-  Poll();
-  EXPECT_EQ(screen.Text(kX), "POV1right");  // the bits of the offset 36
-  screen.Click(kXBox);
-  EXPECT_EQ(Words(OpenProfile().mouseX), "8 1 36");
-  ExpectAllSaved();
-}
-
-TEST_F(DetectionTest, AnAxisAtItsVeryEndIsTakenBeforeAHat) {
-  for (const std::int32_t end : {32000, -32000}) {
-    pad.MoveAxis("Axis_X0", 0);
-    pad.PointHat(1, platform::kPovCentred);
-    BeginHere();
-    screen.Click(kYBox);
-    pad.MoveAxis("Axis_X0", end);
-    pad.PointHat(1, 9000);
-    Poll();
-    EXPECT_EQ(screen.Text(kY), "Axis_X0");
-    screen.Click(kYBox);
-    EXPECT_EQ(Words(OpenProfile().mouseY), "0 0 0");
-    CloseAll();
-  }
-}
-
-TEST_F(DetectionTest, AHatIsSidewaysWithin20DegreesAndUpDownOtherwise) {
-  const struct {
-    std::uint32_t angle;
-    const char* text;
-    const char* item;
-  } cases[] = {
-      {0, "POV2", "9 2 40"},         {6999, "POV2", "9 2 40"},
-      {7000, "POV2down", "8 2 40"},  // the bits of the offset 40
-      {11000, "POV2down", "8 2 40"}, {11001, "POV2", "9 2 40"},
-      {24999, "POV2", "9 2 40"},     {25000, "POV2down", "8 2 40"},
-      {29000, "POV2down", "8 2 40"}, {29001, "POV2", "9 2 40"},
-      {35999, "POV2", "9 2 40"},
-  };
-  BeginHere();
-  for (const auto& row : cases) {
-    screen.Click(kWheelBox);
-    pad.PointHat(2, row.angle);
-    Poll();
-    EXPECT_EQ(screen.Text(kWheel), row.text) << row.angle;
-    screen.Click(kWheelBox);
-    EXPECT_EQ(Words(OpenProfile().mouseWheel), row.item) << row.angle;
-    pad.PointHat(2, platform::kPovCentred);
-    Poll();
-  }
+  EXPECT_EQ(TextsOf(kLeftButton, 5), Strings{"5 B8"});
+  EXPECT_EQ(screen.Text(kMiddleButton), "<none>");
+  EXPECT_EQ(screen.Text(kRightButton), "<none>");
 }
 
 TEST_F(DetectionTest, ButtonsDoNotCountForAnAxisNorAxesForAButton) {
   BeginHere();
-  screen.Click(kXBox);
+  screen.Click(kDetectMouseX);
   pad.Press({3});
   Poll();
-  EXPECT_EQ(screen.Text(kX), "<none>");
+  EXPECT_EQ(screen.Text(kMouseX), "<none>");
   pad.Press({});
   Poll();
-  screen.Click(kXBox);
-  screen.Click(kRightBox);
+  screen.Click(kDetectMouseX);
+  screen.Click(kDetectRightButton);
   pad.MoveAxis("Axis_X0", 32000);
   Poll();
-  EXPECT_EQ(screen.Text(kRight), "<none>");
-}
-
-// A mouse button's mask wraps, so that the field says another button once it is shown anew.
-TEST_F(DetectionTest, AButtonAbove32IsShownAndStoredByItsIndexAlone) {
-  StoreProfile("Game 2", [this](ProfileFile& made) { UsePad(made); });
-  BeginHere();
-  screen.Click(kRightBox);
-  pad.Press({33});
-  Poll();
-  EXPECT_EQ(screen.Text(kRight), "B33");
-  screen.Click(kRightBox);
-  EXPECT_EQ(screen.Text(kRight), "B33");
-  EXPECT_EQ(OpenProfile().rightButton, 32);
-  EXPECT_EQ(OpenProfile().rightMask, 0x1u);
-  ExpectAllSaved();
-  screen.Choose(kProfileList, "Game 2");
-  screen.Choose(kProfileList, kProfile);
-  EXPECT_EQ(screen.Text(kRight), "B1");
+  EXPECT_EQ(screen.Text(kRightButton), "<none>");
 }
 
 // The three ways out
 
 TEST_F(DetectionTest, TheSpaceBarEndsItWithWhatIsHeld) {
   BeginHere();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   pad.Press({3});
   Poll();
   screen.Press(kSpaceBar);
   EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(screen.Text(kLeftButton), "B3");
   EXPECT_EQ(OpenProfile().leftButton, 2);
   EXPECT_EQ(OpenProfile().leftMask, 0x4u);
   ExpectAllSaved();
 }
 
-TEST_F(DetectionTest, WithEverythingLetGoItClearsTheInput) {
-  StoreFullProfile();
-  BeginHere();
-  const struct {
-    std::uint32_t box;
-    std::uint32_t field;
-  } targets[] = {{kXBox, kX},       {kYBox, kY},           {kWheelBox, kWheel},
-                 {kLeftBox, kLeft}, {kMiddleBox, kMiddle}, {kRightBox, kRight}};
-  for (const auto& target : targets) {
-    screen.Click(target.box);
-    pad.MoveAxis("Axis_X0", 30000);
-    pad.Press({3});
-    Poll();
-    EXPECT_NE(screen.Text(target.field), "<none>");
-    pad.MoveAxis("Axis_X0", 0);
-    pad.Press({});
-    Poll();
-    EXPECT_EQ(screen.Text(target.field), "<none>");
-    screen.Press(kSpaceBar);
-    EXPECT_EQ(screen.Text(target.field), "<none>");
-  }
-  EXPECT_EQ(Words(OpenProfile().mouseX), "11 0 0");
-  EXPECT_EQ(Words(OpenProfile().mouseY), "11 0 0");
-  EXPECT_EQ(Words(OpenProfile().mouseWheel), "11 0 0");
-  EXPECT_EQ(OpenProfile().leftMask, 0u);
-  EXPECT_EQ(OpenProfile().middleMask, 0u);
-  EXPECT_EQ(OpenProfile().rightMask, 0u);
-  ExpectAllSaved();
-}
-
 TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
   BeginHere();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   pad.Press({3});
   Poll();
-  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(screen.Text(kLeftButton), "B3");
   EXPECT_TRUE(Engine().IsDetecting());
   pad.Press({3, 5});
   sim.RunFor(4);
   EXPECT_TRUE(Engine().IsDetecting());
-  EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
+  EXPECT_EQ(CheckedBoxes(), std::vector{kDetectLeftButton});
   sim.RunFor(1);
   EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(screen.Text(kLeftButton), "B3");
   EXPECT_EQ(OpenProfile().leftButton, 2);
   EXPECT_EQ(OpenProfile().leftMask, 0x4u);
   ExpectAllSaved();
@@ -399,10 +244,10 @@ TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
 
 TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
   BeginHere();
-  screen.Click(kYBox);
+  screen.Click(kDetectMouseY);
   pad.MoveAxis("Axis_RY0", -25000);
   Poll();
-  EXPECT_EQ(screen.Text(kY), "Axis_RY0");
+  EXPECT_EQ(screen.Text(kMouseY), "Axis_RY0");
   pad.Press({1, 2});
   Poll();
   EXPECT_FALSE(Engine().IsDetecting());
@@ -411,42 +256,26 @@ TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
   ExpectAllSaved();
 }
 
-TEST_F(DetectionTest, TheTwoButtonsThatEndItGoOnToTheControls) {
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    AddControl(&made, 0x14, "x");  // B3+B5
-  });
-  BeginHere();
-  screen.Click(kLeftBox);
-  pad.Press({3});
-  Poll();
-  EXPECT_EQ(sim.EventText(), "");
-  pad.Press({3, 5});
-  Poll();
-  ASSERT_FALSE(sim.Events().empty());
-  EXPECT_EQ(sim.Events().front().vk, 'X');
-}
-
 TEST_F(DetectionTest, AnotherBoxStoresTheOneAndStartsTheOther) {
   BeginHere();
-  screen.Click(kXBox);
+  screen.Click(kDetectMouseX);
   pad.MoveAxis("Axis_Z0", 18000);
   Poll();
-  screen.Click(kYBox);
-  EXPECT_EQ(CheckedBoxes(), std::vector{kYBox});
+  screen.Click(kDetectMouseY);
+  EXPECT_EQ(CheckedBoxes(), std::vector{kDetectMouseY});
   EXPECT_EQ(Words(OpenProfile().mouseX), "2 0 8");
   EXPECT_TRUE(Engine().IsDetecting());
   EXPECT_EQ(Engine().DetectedRole(), MouseRole::Y);
-  EXPECT_EQ(screen.Text(kX), "Axis_Z0");
-  EXPECT_EQ(screen.Text(kY), "<none>");
+  EXPECT_EQ(screen.Text(kMouseX), "Axis_Z0");
+  EXPECT_EQ(screen.Text(kMouseY), "<none>");
   ExpectAllSaved();
 
   pad.MoveAxis("Axis_RX0", 19000);
   Poll();
-  EXPECT_EQ(screen.Text(kX), "Axis_Z0");
-  EXPECT_EQ(screen.Text(kY), "Axis_RX0");
-  screen.Click(kLeftBox);
-  EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
+  EXPECT_EQ(screen.Text(kMouseX), "Axis_Z0");
+  EXPECT_EQ(screen.Text(kMouseY), "Axis_RX0");
+  screen.Click(kDetectLeftButton);
+  EXPECT_EQ(CheckedBoxes(), std::vector{kDetectLeftButton});
   EXPECT_EQ(Words(OpenProfile().mouseY), "3 0 12");
   ExpectAllSaved();
 }
@@ -457,10 +286,10 @@ TEST_F(DetectionTest, AnotherTabEndsAndSavesIt) {
     pad.Press({});
     StoreProfile(kProfile, [this](ProfileFile& made) { UsePad(made); });
     BeginHere();
-    screen.Click(kMiddleBox);
+    screen.Click(kDetectMiddleButton);
     pad.Press({4});
     Poll();
-    screen.ChooseTab(kTabs, tab);
+    screen.ChooseTab(kTabControl, tab);
     EXPECT_FALSE(Engine().IsDetecting()) << tab;
     EXPECT_EQ(OpenProfile().middleButton, 3) << tab;
     EXPECT_TRUE(CheckedBoxes().empty()) << tab;
@@ -476,13 +305,13 @@ TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
     made.leftMask = MouseButtonMask(8);
   });
   BeginHere();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   pad.Press({4});
   Poll();
   screen.Choose(kProfileList, "Other");
   EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeft), "B9");
+  EXPECT_EQ(screen.Text(kLeftButton), "B9");
   EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
   EXPECT_EQ(Stored("Other")->leftMask, 0x100u);
 }
@@ -497,14 +326,14 @@ TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
     AddControl(&made, 0x4, "x");
   });
   BeginHere();
-  screen.Click(kRightBox);
+  screen.Click(kDetectRightButton);
   pad.Press({3});
   pad.MoveAxis("Axis_X0", 32000);
   sim.RunFor(100);
   EXPECT_EQ(sim.EventText(), "");
   pad.Press({});
   Poll();
-  screen.Click(kRightBox);
+  screen.Click(kDetectRightButton);
   pad.Press({3});
   sim.RunFor(20);
   EXPECT_NE(sim.EventText(), "");
@@ -512,12 +341,12 @@ TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
 
 TEST_F(DetectionTest, TheEndWaitsForTheProfilesLock) {
   BeginHere();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   pad.Press({3});
   Poll();
   const HeldLock held(sim, OpenProfile().profileLock, 50);
   const std::uint64_t before = sim.Now();
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   EXPECT_EQ(sim.Now() - before, 50u);
   EXPECT_EQ(OpenProfile().leftButton, 2);
 }
@@ -530,11 +359,11 @@ TEST_F(DetectionTest, TheProfileIsLockedWhileItIsWrittenWhicheverWayItEnds) {
       writes.push_back(operation + (OpenProfile().profileLock.IsTaken() ? " locked" : " free"));
   });
   for (const bool byButtons : {false, true}) {
-    screen.Click(kLeftBox);
+    screen.Click(kDetectLeftButton);
     pad.Press({3});
     Poll();
     writes.clear();
-    if (!byButtons) screen.Click(kLeftBox);
+    if (!byButtons) screen.Click(kDetectLeftButton);
     pad.Press({3, 5});
     Poll();
     EXPECT_EQ(writes, (Strings{"write locked", "copy locked"})) << byButtons;
@@ -546,8 +375,8 @@ TEST_F(DetectionTest, TheProfileIsLockedWhileItIsWrittenWhicheverWayItEnds) {
 // The end comes on another thread, which must not wait for the person.
 TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
   BeginHere();
-  screen.Click(kLeftBox);
-  screen.Click(1006);
+  screen.Click(kDetectLeftButton);
+  screen.Click(kNewProfile);
   pad.Press({3});
   Poll();
   pad.Press({3, 5});
@@ -556,13 +385,13 @@ TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
   ExpectAllSaved();
   screen.Click(platform::IDCANCEL);
   EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeft), "B3");
+  EXPECT_EQ(screen.Text(kLeftButton), "B3");
 }
 
 TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
   BeginHere();
   for (const bool byButtons : {false, true}) {
-    screen.Click(kLeftBox);
+    screen.Click(kDetectLeftButton);
     pad.Press({3});
     Poll();
     sim.FailAlways("RegCreateKeyA");
@@ -571,7 +400,7 @@ TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
       pad.Press({3, 5});
       Poll();
     } else {
-      screen.Click(kLeftBox);
+      screen.Click(kDetectLeftButton);
     }
     sim.Mend("RegCreateKeyA");
     EXPECT_FALSE(Engine().IsDetecting());
@@ -588,10 +417,10 @@ TEST_F(DetectionTest, WithoutADeviceTheProfileAloneIsSaved) {
   Preset("No Device Error Msg", 1);
   StoreFullProfile();
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  screen.Click(kLeftBox);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  screen.Click(kDetectLeftButton);
   EXPECT_TRUE(Engine().IsDetecting());
-  screen.Click(kLeftBox);
+  screen.Click(kDetectLeftButton);
   EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_EQ(Stored(kProfile)->leftMask, 0u);
   EXPECT_FALSE(sim.Registry().HasKey(kPadSettings));
@@ -607,19 +436,19 @@ class DetectionUsageTest : public DetectionTest {
 TEST_F(DetectionUsageTest, TheUsageIsShownFirstAndTheDetectionStartsWhenItIsClosed) {
   BeginHere();
   for (const std::int32_t button : {platform::IDOK, 0}) {
-    screen.Click(kLeftBox);
-    EXPECT_EQ(screen.Front(), kUsageDialog);
+    screen.Click(kDetectLeftButton);
+    EXPECT_EQ(screen.Front(), auto_detect_mode::kDialog);
     EXPECT_FALSE(Engine().IsDetecting());
     if (button == platform::IDOK) {
       screen.Click(platform::IDOK);
     } else {
       screen.Close();
     }
-    EXPECT_EQ(screen.Front(), kMainDialog);
+    EXPECT_EQ(screen.Front(), main_window::kDialog);
     EXPECT_TRUE(Engine().IsDetecting());
-    EXPECT_EQ(CheckedBoxes(), std::vector{kLeftBox});
-    screen.Click(kLeftBox);
-    EXPECT_EQ(screen.Front(), kMainDialog);  // not when one is ended
+    EXPECT_EQ(CheckedBoxes(), std::vector{kDetectLeftButton});
+    screen.Click(kDetectLeftButton);
+    EXPECT_EQ(screen.Front(), main_window::kDialog);  // not when one is ended
     EXPECT_FALSE(Engine().IsDetecting());
   }
   EXPECT_TRUE(ShowAutoDetectUsage());
@@ -627,31 +456,31 @@ TEST_F(DetectionUsageTest, TheUsageIsShownFirstAndTheDetectionStartsWhenItIsClos
 
 TEST_F(DetectionUsageTest, TheUsageIsNotShownWhileAnotherDetectionRuns) {
   BeginHere();
-  screen.Click(kXBox);
+  screen.Click(kDetectMouseX);
   screen.Click(platform::IDOK);
-  screen.Click(kYBox);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  screen.Click(kDetectMouseY);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Engine().DetectedRole(), MouseRole::Y);
 }
 
 TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
   BeginHere();
-  screen.Click(kXBox);
-  screen.Click(resources::kDontShowAgain);
+  screen.Click(kDetectMouseX);
+  screen.Click(auto_detect_mode::kDontShowAgain);
   screen.Click(platform::IDOK);
   EXPECT_FALSE(ShowAutoDetectUsage());
   EXPECT_TRUE(Engine().IsDetecting());
-  screen.Click(kXBox);
-  screen.Click(kXBox);
-  EXPECT_EQ(screen.Front(), kMainDialog);
+  screen.Click(kDetectMouseX);
+  screen.Click(kDetectMouseX);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   CloseAll();
   EXPECT_EQ(Number("Show Auto-Detect Usage"), 0u);
 }
 
 TEST_F(DetectionUsageTest, TheProgramMayBeToldToEndWhileTheUsageIsShown) {
   BeginHere();
-  screen.Click(kXBox);
-  EXPECT_EQ(screen.Front(), kUsageDialog);
+  screen.Click(kDetectMouseX);
+  EXPECT_EQ(screen.Front(), auto_detect_mode::kDialog);
   Post(WM_CLOSE_PROGRAM);
   CloseAll();
   EXPECT_FALSE(screen.Running());

@@ -11,24 +11,16 @@
 #include <vector>
 
 #include "app/platform/platform.h"
+#include "app/resources/control_ids.h"
 #include "engine/device_snapshot.h"
+#include "tests/app/calls.h"
 #include "tests/app/held_lock.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
-using Strings = std::vector<std::string>;
-
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kNumButtons = 1063;
-constexpr std::uint32_t kNumAxis = 1065;
-constexpr std::uint32_t kNumPovs = 1067;
-constexpr std::uint32_t kInterval = 1076;
-constexpr std::uint32_t kRate = 1077;
-constexpr std::uint32_t kDefaults = 1078;
-constexpr std::uint32_t kRefresh = 1170;
+using namespace main_window;
 
 constexpr char kNone[] = "-- None --";
 constexpr char kPadSettings[] = "HKCU\\Software\\Marnstone\\Kelvaro\\Devices\\Pad";
@@ -78,7 +70,7 @@ class DeviceTabTest : public MainWindowTest {
  protected:
   void BeginHere() {
     Begin();
-    screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+    screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   }
 
   // With a profile of no device, of which the window warns on this tab.
@@ -102,7 +94,7 @@ class DeviceTabTest : public MainWindowTest {
   // Types into a field and leaves it.
   void Enter(std::uint32_t field, const std::string& text) {
     screen.Type(field, text);
-    screen.FocusOn(kDefaults);
+    screen.FocusOn(kDefaultRate);
   }
 
   void ExpectBox(const std::string& text, const std::string& caption, std::uint32_t type) {
@@ -137,15 +129,6 @@ class DeviceTabTest : public MainWindowTest {
     EXPECT_EQ(OpenProfile().pollInterval, interval);
     EXPECT_EQ(Stored(kProfile)->pollInterval, interval);
     EXPECT_EQ(sim.Registry().Number(kPadSettings, "Poll Interval"), interval);
-  }
-
-  // Calls of that operation since LogCalls, as they were logged.
-  Strings Calls(const std::string& operation) const {
-    Strings found;
-    for (const std::string& call : sim.Calls()) {
-      if (call.compare(0, operation.size(), operation) == 0) found.push_back(call);
-    }
-    return found;
   }
 
   const platform::GUID kStickGuid{0xA1, 0xB2, 0xC3, {1, 1, 2, 3, 5, 8, 13, 21}};
@@ -224,7 +207,7 @@ TEST_F(DeviceTabTest, ADeviceThatTheListHasNoMoreIsShownByItsName) {
   AddPad("Arcade");
   BeginHere();
   sim.FailNext("EnumDevices");
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(Device()->DeviceCount(), 0);
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
@@ -248,7 +231,7 @@ TEST_F(DeviceTabTest, NoneStopsTheDeviceAndIsSavedInTheProfile) {
   EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
   EXPECT_TRUE(screen.Boxes().empty());
   // With no device there is none to keep values for.
-  EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
   EXPECT_EQ(SettingText("Last Device"), "Pad");
 }
 
@@ -300,8 +283,8 @@ TEST_F(DeviceTabTest, TheSameDeviceAgainDoesNothing) {
   sim.LogCalls(true);
   sim.Disk().ClearLog();
   screen.Choose(kDeviceList, "Pad");
-  EXPECT_EQ(Calls("timeKillEvent"), Strings{});
-  EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"timeKillEvent"}), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
   EXPECT_TRUE(sim.Disk().Log().empty());
   EXPECT_TRUE(Device()->DeviceSelected());
 }
@@ -317,7 +300,7 @@ TEST_F(DeviceTabTest, ADeviceThatCannotBeOpenedIsSaidAndNothingElseHappens) {
   screen.Answer(platform::IDOK);
   EXPECT_EQ(CurrentDeviceName(), "Pad");
   EXPECT_EQ(Bytes(OpenProfile().deviceName), "Pad");
-  EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
   EXPECT_TRUE(sim.Disk().Log().empty());
   EXPECT_EQ(screen.Chosen(kDeviceList), "Stick");
   EXPECT_EQ(screen.Text(kNumButtons), "11");
@@ -393,7 +376,7 @@ TEST_F(DeviceTabTest, AnotherIntervalIsInUseAtOnceAndSavedEverywhere) {
     sim.ClearCalls();
     Enter(kInterval, row.text);
     ExpectInterval(row.interval, row.rate);
-    EXPECT_EQ(Calls("timeSetEvent"),
+    EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}),
               Strings{"timeSetEvent " + std::to_string(row.interval) + " 1"});
   }
   EXPECT_EQ(SettingText("Last Device"), "Pad");
@@ -406,8 +389,8 @@ TEST_F(DeviceTabTest, TheIntervalThatIsInUseDoesNothing) {
   sim.Disk().ClearLog();
   Enter(kInterval, "5");
   Enter(kInterval, "05");
-  EXPECT_EQ(Calls("timeSetEvent"), Strings{});
-  EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
   EXPECT_TRUE(sim.Disk().Log().empty());
   EXPECT_TRUE(screen.Boxes().empty());
 }
@@ -427,9 +410,9 @@ TEST_F(DeviceTabTest, AnIntervalOutside1To1000IsRefused) {
 TEST_F(DeviceTabTest, AFieldThatIsRefusedKeepsTheTab) {
   BeginHere();
   screen.Type(kInterval, "0");
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
   ExpectRefused(kInterval, kIntervalRange, kRangeCaption, platform::MB_OK);
-  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+  EXPECT_EQ(screen.Tab(kTabControl), MainWindow::kDeviceTab);
   EXPECT_EQ(CurrentTab(), MainWindow::kDeviceTab);
 }
 
@@ -459,7 +442,7 @@ TEST_F(DeviceTabTest, TheFieldThatIsNoNumberIsNamedAndNotTheOneThatIsLeft) {
   screen.Type(kInterval, "slow");
   screen.FocusOn(kRate);
   --InitGuard();
-  screen.FocusOn(kDefaults);
+  screen.FocusOn(kDefaultRate);
   ExpectRefused(kInterval, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 }
 
@@ -512,11 +495,11 @@ TEST_F(DeviceTabTest, AnIntervalBeyondTheTimersLimitsIsRefusedByTheTimer) {
     sim.Disk().ClearLog();
     Enter(kInterval, text);
     ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
-    EXPECT_EQ(Calls("timeKillEvent"), Strings{});  // not before the answer
+    EXPECT_EQ(CallsOf(sim, {"timeKillEvent"}), Strings{});  // not before the answer
     screen.Answer(platform::IDOK);
     EXPECT_FALSE(screen.BoxUp());
-    EXPECT_EQ(Calls("timeSetEvent"), Strings{"timeSetEvent 20 1"});
-    EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+    EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}), Strings{"timeSetEvent 20 1"});
+    EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
     EXPECT_TRUE(sim.Disk().Log().empty());
     EXPECT_TRUE(Device()->DeviceSelected());
     EXPECT_EQ(OpenProfile().pollInterval, 20u);
@@ -543,7 +526,7 @@ TEST_F(DeviceTabTest, AnotherIntervalWaitsForTheProfilesLock) {
   screen.Type(kInterval, "20");
   const HeldLock held(sim, OpenProfile().profileLock, 500);
   const std::uint64_t before = sim.Now();
-  screen.FocusOn(kDefaults);
+  screen.FocusOn(kDefaultRate);
   EXPECT_EQ(sim.Now() - before, 500u);
 }
 
@@ -568,7 +551,7 @@ TEST_F(DeviceTabTest, ARateOfTheIntervalThatIsInUseStaysAsItWasTyped) {
   sim.LogCalls(true);
   Enter(kRate, "199");  // 1000 / 199 is 5
   EXPECT_EQ(screen.Text(kRate), "199");
-  EXPECT_EQ(Calls("timeSetEvent"), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}), Strings{});
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
@@ -634,22 +617,22 @@ TEST_F(DeviceTabTest, DefaultsGoesBackToTheDefaultInterval) {
     made.pollInterval = 20;
   });
   BeginHere();
-  screen.Click(kDefaults);
+  screen.Click(kDefaultRate);
   ExpectInterval(5, "200");
 }
 
 TEST_F(DeviceTabTest, DefaultsWithTheDefaultInUseDoesNothing) {
   BeginHere();
   sim.LogCalls(true);
-  screen.Click(kDefaults);
-  EXPECT_EQ(Calls("timeSetEvent"), Strings{});
-  EXPECT_EQ(Calls("RegSetValueExA"), Strings{});
+  screen.Click(kDefaultRate);
+  EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), Strings{});
 }
 
 TEST_F(DeviceTabTest, DefaultsWithoutADeviceDoesNothing) {
   BeginWithoutDevice();
   ASSERT_TRUE(Device()->SetPollInterval(20));
-  screen.Click(kDefaults);
+  screen.Click(kDefaultRate);
   EXPECT_EQ(Device()->PollInterval(), 20u);
   EXPECT_EQ(screen.Boxes().size(), 1u);  // the one that no device is selected
 }
@@ -661,7 +644,7 @@ TEST_F(DeviceTabTest, DefaultsBeyondTheTimersLimitsAreRefusedByTheTimer) {
     made.pollInterval = 20;
   });
   BeginHere();
-  screen.Click(kDefaults);
+  screen.Click(kDefaultRate);
   ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
   screen.Answer(platform::IDOK);
   EXPECT_EQ(Device()->PollInterval(), 20u);
@@ -696,7 +679,7 @@ TEST_F(DeviceTabTest, AllValuesOfADeviceAreWrittenAsNumbersInTheirOrder) {
     EXPECT_EQ(sim.Registry().Number(kPadSettings, kValues[i]), numbers[i]) << kValues[i];
     calls.push_back(std::string("RegSetValueExA ") + kPadSettings + ' ' + kValues[i]);
   }
-  EXPECT_EQ(Calls("RegSetValueExA"), calls);
+  EXPECT_EQ(CallsOf(sim, {"RegSetValueExA"}), calls);
   EXPECT_EQ(SettingText("Last Device"), "Pad");
   // Neither of the wheel's two.
   EXPECT_EQ(sim.Registry().ValueNames(kPadSettings).size(), std::size(kValues));
@@ -761,9 +744,9 @@ TEST_F(DeviceSettingsTest, AllValuesAreTakenOver) {
   EXPECT_EQ(Device()->PollInterval(), 20u);
   EXPECT_EQ(screen.Text(kInterval), "20");
   EXPECT_EQ(screen.Text(kRate), "50");
-  EXPECT_EQ(screen.Text(1159), "Axis_X3");
-  EXPECT_EQ(screen.Text(1161), "B2");
-  EXPECT_EQ(screen.Text(1050), "Movement Sensitivity (21)");
+  EXPECT_EQ(screen.Text(kMouseX), "Axis_X3");
+  EXPECT_EQ(screen.Text(kLeftButton), "B2");
+  EXPECT_EQ(screen.Text(kMovementSensitivityFrame), "Movement Sensitivity (21)");
   EXPECT_EQ(Engine().movementFactor, 23);
   EXPECT_FALSE(ShowAutoDetectUsage());
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
@@ -808,7 +791,8 @@ TEST_F(DeviceSettingsTest, FromTheFirstMissingValueOnNothingIsTakenOverThoughAll
     BeginHere();
     EXPECT_EQ(MouseWords(OpenProfile()), row.mouse) << row.missing;
     EXPECT_EQ(Device()->PollInterval(), 5u) << row.missing;
-    EXPECT_EQ(Calls(std::string("RegQueryValueExA ") + kPadSettings), reads) << row.missing;
+    EXPECT_EQ(CallsOf(sim, {std::string("RegQueryValueExA ") + kPadSettings}), reads)
+        << row.missing;
     // The result is false, which that one setting shows; and the tabs are up to date all the same.
     EXPECT_TRUE(ShowAutoDetectUsage()) << row.missing;
     EXPECT_EQ(screen.Text(kInterval), "5") << row.missing;
@@ -861,7 +845,7 @@ TEST_F(DeviceSettingsTest, AlwaysActiveIsOnForAnyNumberButZero) {
     sim.Registry().PutDword(kPadSettings, "Mouse Always Active", number);
     BeginHere();
     EXPECT_EQ(OpenProfile().mouseAlwaysActive, number != 0) << number;
-    EXPECT_EQ(screen.Checked(1139), number != 0) << number;
+    EXPECT_EQ(screen.Checked(kMouseAlwaysActive), number != 0) << number;
     CloseAll();
   }
 }
@@ -894,7 +878,7 @@ TEST_F(DeviceSettingsTest, TheDeviceIsOpenedAnewForAnotherIntervalThatTheTimerTa
     sim.ClearCalls();
     BeginHere();
     EXPECT_EQ(Device()->PollInterval(), row.used);
-    EXPECT_EQ(Calls("timeSetEvent"), row.timers);
+    EXPECT_EQ(CallsOf(sim, {"timeSetEvent"}), row.timers);
     EXPECT_TRUE(Device()->DeviceSelected());
     CloseAll();
   }

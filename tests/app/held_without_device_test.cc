@@ -5,18 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/control_fixture.h"
 
 namespace kelvaro {
 namespace {
 
+using namespace main_window;
+
 using Strings = std::vector<std::string>;
 
 constexpr char kNone[] = "-- None --";
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kInterval = 1076;
-constexpr std::uint32_t kDefaults = 1078;
-constexpr std::uint32_t kRefresh = 1170;
 
 // Button 1 repeats "a", button 2 holds "b", button 3 is the left mouse button.
 class HeldWithoutDeviceTest : public ControlTest {
@@ -24,7 +23,7 @@ class HeldWithoutDeviceTest : public ControlTest {
   void BeginAndHoldAll() {
     StartWith({{.buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50},
                {.buttons = 2, .keys = {"b"}}});
-    screen.ChooseTab(1000, MainWindow::kDeviceTab);
+    screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
     OpenProfile().leftMask = MouseButtonMask(2);
     Engine().mouseActive = true;
     Press({1, 2, 3});
@@ -76,7 +75,7 @@ TEST_F(HeldWithoutDeviceTest, ADeviceThatCannotBeSelectedLetsGoBeforeItsBox) {
 TEST_F(HeldWithoutDeviceTest, ARefreshThatFindsNoDeviceLetsGo) {
   BeginAndHoldAll();
   pad.Unplug();
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_FALSE(Device()->DeviceSelected());
   ExpectAllLetGo();
 }
@@ -85,7 +84,7 @@ TEST_F(HeldWithoutDeviceTest, AnIntervalUnderWhichTheDeviceIsLostLetsGo) {
   BeginAndHoldAll();
   sim.FailNext("CreateDevice");
   screen.Type(kInterval, "20");
-  screen.FocusOn(kDefaults);
+  screen.FocusOn(kDefaultRate);
   EXPECT_FALSE(Device()->DeviceSelected());
   ExpectAllLetGo();
 }
@@ -102,7 +101,7 @@ TEST_F(HeldWithoutDeviceTest, AMouseButtonStaysDownWhereTheMouseControlsWentOffM
 TEST_F(HeldWithoutDeviceTest, ADeviceThatIsSelectedAgainGoesOnHolding) {
   BeginAndHoldAll();
   screen.Type(kInterval, "20");
-  screen.FocusOn(kDefaults);
+  screen.FocusOn(kDefaultRate);
   ASSERT_TRUE(Device()->DeviceSelected());
   sim.RunFor(200);
   EXPECT_TRUE(Engine().repeatWorker.Repeating());

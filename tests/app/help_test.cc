@@ -8,6 +8,7 @@
 
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
+#include "tests/app/calls.h"
 
 namespace kelvaro {
 namespace {
@@ -15,7 +16,6 @@ namespace {
 using platform::kNoWindow;
 using platform::simulation::Screen;
 using Simulation = platform::simulation::DesktopSimulation;
-using Strings = std::vector<std::string>;
 
 constexpr char kHelpKey[] = "HKCR\\CLSID\\{ADB880A6-D8FF-11CF-9377-00AA003B7A11}\\InprocServer32";
 constexpr char kTopic[] = "Some Topic.htm";
@@ -80,13 +80,8 @@ TEST_F(HelpTest, LibraryAndFunctionAreFetchedOnce) {
   sim.LogCalls(true);
   ShowTopic();
   ShowTopic();
-  Strings fetched;
-  for (const std::string& call : sim.Calls()) {
-    if (call.starts_with("LoadLibraryA") || call.starts_with("GetHelpFunction")) {
-      fetched.push_back(call);
-    }
-  }
-  EXPECT_EQ(fetched, (Strings{"LoadLibraryA hhctrl.ocx", "GetHelpFunction 14"}));
+  EXPECT_EQ(CallsOf(sim, {"LoadLibraryA", "GetHelpFunction"}),
+            (Strings{"LoadLibraryA hhctrl.ocx", "GetHelpFunction 14"}));
   EXPECT_EQ(screen.HelpCalls().size(), 2u);
 }
 

@@ -8,22 +8,18 @@
 #include <vector>
 
 #include "app/platform/simulation/virtual_processes.h"
+#include "app/resources/control_ids.h"
+#include "tests/app/calls.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/storage/chunks.h"
 
 namespace kelvaro {
 namespace {
 
+using namespace main_window;
+
 using platform::IDOK;
 using platform::Rect;
-using Strings = std::vector<std::string>;
-
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kTestButton = 1036;
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kVersion = 1177;
 
 class WindowLifeTest : public MainWindowTest {
  public:
@@ -31,16 +27,6 @@ class WindowLifeTest : public MainWindowTest {
   using MainWindowTest::screen;
 
  protected:
-  // Of the operations named, those that were called, in their order.
-  Strings CallsOf(const Strings& operations) {
-    Strings calls;
-    for (const std::string& call : sim.Calls())
-      for (const std::string& operation : operations)
-        if (call == operation || call.starts_with(operation + " ")) calls.push_back(call);
-    return calls;
-  }
-  std::size_t Count(const std::string& operation) { return CallsOf({operation}).size(); }
-
   void BeginWithLaunch() {
     platform::simulation::ProcessDescription game;
     game.path = "/games/play";
@@ -61,8 +47,8 @@ std::string PlaceText(const Rect& rect) {
 TEST_F(WindowLifeTest, TheObjectTakesItsIconThenThePriorityThenOldSettings) {
   sim.LogCalls(true);
   MainWindow made;
-  EXPECT_EQ(CallsOf({"LoadIconA", "SetPriorityClass", "SetCurrentThreadPriority", "RegOpenKeyA",
-                     "RunDialog"}),
+  EXPECT_EQ(CallsOf(sim, {"LoadIconA", "SetPriorityClass", "SetCurrentThreadPriority",
+                          "RegOpenKeyA", "RunDialog"}),
             (Strings{"LoadIconA 128", "SetPriorityClass 128", "SetCurrentThreadPriority 15",
                      "RegOpenKeyA HKLM\\Software\\Marnstone\\Kelvaro",
                      "RegOpenKeyA HKLM\\Software\\Marnstone\\Vendrix",
@@ -73,7 +59,7 @@ TEST_F(WindowLifeTest, PrioritiesThatAreRefusedChangeNothing) {
   sim.FailNext("SetPriorityClass");
   sim.FailNext("SetCurrentThreadPriority");
   Begin();
-  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 // ---- Set-up.
@@ -89,33 +75,33 @@ TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
   sim.Registry().PutKey(place);
   sim.LogCalls(true);
   Begin();
-  ASSERT_EQ(screen.Front(), 151u);
+  ASSERT_EQ(screen.Front(), welcome::kDialog);
   screen.Close();
-  EXPECT_EQ(CallsOf({"RunDialog",
-                     "SetWindowsHookExA",
-                     "SetWindowIcon",
-                     "HtmlHelp",
-                     "DirectInput8Create",
-                     "LoadBitmapA",
-                     "SetPicture",
-                     "ComboAddString",
-                     "ComboSetCurSel",
-                     "RegQueryValueExA " + run,
-                     "RegQueryValueExA " + place + " left",
-                     "RegQueryValueExA " + place + " Col 0 Width",
-                     "LoadIconA",
-                     "Shell_NotifyIconA",
-                     "RegQueryValueExA " + settings + " Last Device",
-                     "CreateDevice",
-                     "RegQueryValueExA " + settings + " Welcome Display",
-                     "RegSetValueExA " + settings + " Last Profile",
-                     "CreateThread",
-                     "SetHandCursor",
-                     "CreateToolTip",
-                     "EnableToolTips",
-                     "SetTimer",
-                     "PostMessageA",
-                     "ShowWindow"}),
+  EXPECT_EQ(CallsOf(sim, {"RunDialog",
+                          "SetWindowsHookExA",
+                          "SetWindowIcon",
+                          "HtmlHelp",
+                          "DirectInput8Create",
+                          "LoadBitmapA",
+                          "SetPicture",
+                          "ComboAddString",
+                          "ComboSetCurSel",
+                          "RegQueryValueExA " + run,
+                          "RegQueryValueExA " + place + " left",
+                          "RegQueryValueExA " + place + " Col 0 Width",
+                          "LoadIconA",
+                          "Shell_NotifyIconA",
+                          "RegQueryValueExA " + settings + " Last Device",
+                          "CreateDevice",
+                          "RegQueryValueExA " + settings + " Welcome Display",
+                          "RegSetValueExA " + settings + " Last Profile",
+                          "CreateThread",
+                          "SetHandCursor",
+                          "CreateToolTip",
+                          "EnableToolTips",
+                          "SetTimer",
+                          "PostMessageA",
+                          "ShowWindow"}),
             (Strings{
                 "LoadIconA 128",        // by the constructor
                 "RunDialog 102",        // 1
@@ -168,14 +154,14 @@ TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
 
 TEST_F(WindowLifeTest, AfterTheSetUpTheWindowIsReady) {
   Begin();
-  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(screen.Title(), "Kelvaro");
   EXPECT_TRUE(screen.Shown());
   EXPECT_EQ(screen.Icon(true), 128u);
   EXPECT_EQ(screen.Icon(false), 128u);
   EXPECT_TRUE(InitComplete());
-  EXPECT_EQ(screen.Tabs(kTabs), (Strings{"Control", "Mouse", "Device", "Settings"}));
-  EXPECT_EQ(screen.Tab(kTabs), 0);
+  EXPECT_EQ(screen.Tabs(kTabControl), (Strings{"Control", "Mouse", "Device", "Settings"}));
+  EXPECT_EQ(screen.Tab(kTabControl), 0);
   EXPECT_EQ(CurrentTab(), 0u);
   EXPECT_EQ(InitGuard(), 0u);
   EXPECT_EQ(DefaultInterval(), 5u);
@@ -184,19 +170,19 @@ TEST_F(WindowLifeTest, AfterTheSetUpTheWindowIsReady) {
   EXPECT_EQ(screen.Chosen(kProfileList), kProfile);
   EXPECT_EQ(screen.Chosen(kDeviceList), kPad);
   EXPECT_EQ(CurrentDeviceName(), kPad);
-  EXPECT_EQ(screen.Text(kVersion), "Version 3.5");
-  EXPECT_EQ(screen.Picture(1156), 145u);
-  EXPECT_EQ(screen.Picture(1157), 146u);
-  EXPECT_EQ(screen.Picture(1173), 148u);
+  EXPECT_EQ(screen.Text(kVersionText), "Version 3.5");
+  EXPECT_EQ(screen.Picture(kMoveUp), 145u);
+  EXPECT_EQ(screen.Picture(kMoveDown), 146u);
+  EXPECT_EQ(screen.Picture(kBanner), 148u);
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
 TEST_F(WindowLifeTest, TheLimitsOfTheTimerAreShown) {
   sim.SetTimerLimits(2, 777777);
   Begin();
-  screen.ChooseTab(kTabs, 2);
-  EXPECT_EQ(screen.Text(1070), "2");
-  EXPECT_EQ(screen.Text(1072), "777777");
+  screen.ChooseTab(kTabControl, 2);
+  EXPECT_EQ(screen.Text(kTimerMin), "2");
+  EXPECT_EQ(screen.Text(kTimerMax), "777777");
 }
 
 TEST_F(WindowLifeTest, AnIntervalThatTheTimerRefusesLeavesTheManagersOwn) {
@@ -228,7 +214,7 @@ TEST_F(WindowLifeTest, WithoutAnyProfileNothingIsChosen) {
   WithoutProfiles();
   PresetText("Last Profile", "Old");
   Begin();
-  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(screen.Rows(kProfileList), Strings{});
   EXPECT_EQ(screen.ChosenRow(kProfileList), platform::kNoRow);
   EXPECT_EQ(LastProfile(), "Old");
@@ -240,21 +226,22 @@ TEST_F(WindowLifeTest, WithoutAnyProfileNothingIsChosen) {
 TEST_F(WindowLifeTest, TheRepeatThreadHasThePriorityOfTheWindow) {
   sim.LogCalls(true);
   Begin();
-  const Strings calls = CallsOf({"CreateThread", "SetCurrentThreadPriority"});
+  const Strings calls = CallsOf(sim, {"CreateThread", "SetCurrentThreadPriority"});
   EXPECT_NE(std::find(calls.begin(), calls.end(), "CreateThread repeat"), calls.end());
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "SetCurrentThreadPriority 15"),
-            static_cast<std::ptrdiff_t>(Count("SetCurrentThreadPriority")));
-  EXPECT_EQ(Count("SetCurrentThreadPriority"), 3u) << "window, notification, repeat";
+            static_cast<std::ptrdiff_t>(CountCalls(sim, "SetCurrentThreadPriority")));
+  EXPECT_EQ(CountCalls(sim, "SetCurrentThreadPriority"), 3u) << "window, notification, repeat";
 }
 
 TEST_F(WindowLifeTest, TheThreadOfALaunchHasThePriorityOfTheWindow) {
   sim.LogCalls(true);
   BeginWithLaunch();
-  const Strings calls = CallsOf({"CreateThread", "SetCurrentThreadPriority"});
+  const Strings calls = CallsOf(sim, {"CreateThread", "SetCurrentThreadPriority"});
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "CreateThread launcher"), 1);
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "SetCurrentThreadPriority 15"),
-            static_cast<std::ptrdiff_t>(Count("SetCurrentThreadPriority")));
-  EXPECT_EQ(Count("SetCurrentThreadPriority"), 4u) << "window, notification, repeat, launch";
+            static_cast<std::ptrdiff_t>(CountCalls(sim, "SetCurrentThreadPriority")));
+  EXPECT_EQ(CountCalls(sim, "SetCurrentThreadPriority"), 4u)
+      << "window, notification, repeat, launch";
 }
 
 // ---- Set-up that fails.
@@ -285,11 +272,11 @@ class FailedStartTest : public WindowLifeTest {
     EXPECT_EQ(Number("Welcome Display"), 0u);
   }
   void ExpectNothingWasSetUpBehindIt() {
-    EXPECT_EQ(Count("CreateThread"), 0u);
-    EXPECT_EQ(Count("SetTimer"), 0u);
-    EXPECT_EQ(Count("PostMessageA"), 0u);
-    EXPECT_EQ(Count("CreateToolTip"), 0u);
-    EXPECT_EQ(Count("ShowWindow"), 0u);
+    EXPECT_EQ(CountCalls(sim, "CreateThread"), 0u);
+    EXPECT_EQ(CountCalls(sim, "SetTimer"), 0u);
+    EXPECT_EQ(CountCalls(sim, "PostMessageA"), 0u);
+    EXPECT_EQ(CountCalls(sim, "CreateToolTip"), 0u);
+    EXPECT_EQ(CountCalls(sim, "ShowWindow"), 0u);
   }
 };
 
@@ -309,10 +296,10 @@ TEST_F(FailedStartTest, WithoutDirectInputTheReasonIsToldAndTheProgramEnds) {
   screen.Answer(IDOK);
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Boxes().size(), 1u);
-  EXPECT_EQ(Count("LoadBitmapA"), 0u) << "the controls weren't prepared";
-  EXPECT_EQ(Count("Shell_NotifyIconA"), 0u);
-  EXPECT_EQ(Count("UnhookWindowsHookEx"), 1u);
-  EXPECT_EQ(Count("HtmlHelp"), 3u);
+  EXPECT_EQ(CountCalls(sim, "LoadBitmapA"), 0u) << "the controls weren't prepared";
+  EXPECT_EQ(CountCalls(sim, "Shell_NotifyIconA"), 0u);
+  EXPECT_EQ(CountCalls(sim, "UnhookWindowsHookEx"), 1u);
+  EXPECT_EQ(CountCalls(sim, "HtmlHelp"), 3u);
   ExpectNothingWasSetUpBehindIt();
   ExpectTheStartValuesWritten();
   EXPECT_FALSE(sim.Registry().HasKey(kMainWindowSettings)) << "no place was ever restored";
@@ -323,7 +310,7 @@ TEST_F(FailedStartTest, AnIconThatIsNotAddedEndsTheProgramInSilence) {
   Begin();
   EXPECT_FALSE(screen.Running());
   EXPECT_TRUE(screen.Boxes().empty());
-  EXPECT_EQ(Count("Shell_NotifyIconA"), 1u);
+  EXPECT_EQ(CountCalls(sim, "Shell_NotifyIconA"), 1u);
   ExpectNothingWasSetUpBehindIt();
   ExpectTheStartValuesWritten();
 }
@@ -333,8 +320,8 @@ TEST_F(FailedStartTest, AnIconThatIsNotLoadedEndsTheProgramInSilence) {
   Begin();
   EXPECT_FALSE(screen.Running());
   EXPECT_TRUE(screen.Boxes().empty());
-  EXPECT_EQ(Count("Shell_NotifyIconA"), 0u);
-  EXPECT_EQ(Count("DestroyIcon"), 0u);
+  EXPECT_EQ(CountCalls(sim, "Shell_NotifyIconA"), 0u);
+  EXPECT_EQ(CountCalls(sim, "DestroyIcon"), 0u);
   ExpectNothingWasSetUpBehindIt();
   ExpectTheStartValuesWritten();
 }
@@ -355,7 +342,7 @@ TEST_F(WindowLifeTest, WithoutTheHookAMinimisedWindowStaysMinimised) {
   EXPECT_TRUE(screen.Shown());
   EXPECT_TRUE(screen.Minimised());
   CloseAll();
-  EXPECT_EQ(Count("UnhookWindowsHookEx"), 0u);
+  EXPECT_EQ(CountCalls(sim, "UnhookWindowsHookEx"), 0u);
 }
 
 TEST_F(WindowLifeTest, ARepeatThreadThatCannotBeMadeIsMissedInSilence) {
@@ -373,13 +360,13 @@ TEST_F(WindowLifeTest, AnEndDuringTheWelcomeIsTheEndOfTheSetUp) {
   FirstStart();
   sim.LogCalls(true);
   Begin();
-  ASSERT_EQ(screen.Front(), 151u);
+  ASSERT_EQ(screen.Front(), welcome::kDialog);
   Post(WM_CLOSE_PROGRAM);
   EXPECT_TRUE(ShuttingDown());
   screen.Close();
   EXPECT_FALSE(screen.Running());
-  EXPECT_EQ(Count("SetTimer"), 0u);
-  EXPECT_EQ(Count("ComboAddString 1001"), 0u) << "the list of profiles";
+  EXPECT_EQ(CountCalls(sim, "SetTimer"), 0u);
+  EXPECT_EQ(CountCalls(sim, "ComboAddString 1001"), 0u) << "the list of profiles";
   EXPECT_EQ(Number("Welcome Display"), 1u);
 }
 
@@ -391,8 +378,8 @@ TEST_F(WindowLifeTest, AnEndDuringABoxOfTheCommandLineIsTheEndOfTheSetUp) {
   Post(WM_CLOSE_PROGRAM);
   screen.Answer(IDOK);
   EXPECT_FALSE(screen.Running());
-  EXPECT_EQ(Count("SetTimer"), 0u);
-  EXPECT_EQ(Count("CreateThread"), 0u);
+  EXPECT_EQ(CountCalls(sim, "SetTimer"), 0u);
+  EXPECT_EQ(CountCalls(sim, "CreateThread"), 0u);
 }
 
 TEST_F(WindowLifeTest, AnEndDuringABoxOfTheFirstProfileIsTheEndOfTheSetUp) {
@@ -407,7 +394,7 @@ TEST_F(WindowLifeTest, AnEndDuringABoxOfTheFirstProfileIsTheEndOfTheSetUp) {
   Post(WM_CLOSE_PROGRAM);
   screen.Answer(IDOK);
   EXPECT_FALSE(screen.Running());
-  EXPECT_EQ(Count("SetTimer"), 0u);
+  EXPECT_EQ(CountCalls(sim, "SetTimer"), 0u);
 }
 
 // ---- The end.
@@ -418,29 +405,30 @@ TEST_F(WindowLifeTest, TheCleanupGoesStepByStep) {
   sim.RunFor(100);  // the first state of the pad has been handed on
   sim.LogCalls(true);
   screen.Close();
-  EXPECT_EQ(CallsOf({"KillTimer", "UnhookWindowsHookEx", "SetEvent",
-                     "RegSetValueExA " + settings + " Last Device",
-                     "RegSetValueExA " + settings + " Welcome Display", "timeKillEvent",
-                     "Unacquire", "Release", "Shell_NotifyIconA", "DestroyIcon", "HtmlHelp",
-                     "EndDialog", std::string("RegSetValueExA ") + kMainWindowSettings + " left"}),
-            (Strings{
-                "KillTimer 1",
-                "UnhookWindowsHookEx",
-                "SetEvent 4",  // stops the repeat thread
-                "RegSetValueExA " + settings + " Last Device",
-                "RegSetValueExA " + settings + " Welcome Display",
-                "timeKillEvent 1",
-                "SetEvent 2",  // and the notification thread, with the manager
-                "Unacquire",
-                "Release",
-                "Release DirectInput",
-                "Shell_NotifyIconA 2",
-                "DestroyIcon",
-                "HtmlHelp 18",  // HH_CLOSE_ALL
-                "HtmlHelp 29",  // HH_UNINITIALIZE
-                "EndDialog 2",
-                std::string("RegSetValueExA ") + kMainWindowSettings + " left",
-            }));
+  EXPECT_EQ(
+      CallsOf(sim, {"KillTimer", "UnhookWindowsHookEx", "SetEvent",
+                    "RegSetValueExA " + settings + " Last Device",
+                    "RegSetValueExA " + settings + " Welcome Display", "timeKillEvent", "Unacquire",
+                    "Release", "Shell_NotifyIconA", "DestroyIcon", "HtmlHelp", "EndDialog",
+                    std::string("RegSetValueExA ") + kMainWindowSettings + " left"}),
+      (Strings{
+          "KillTimer 1",
+          "UnhookWindowsHookEx",
+          "SetEvent 4",  // stops the repeat thread
+          "RegSetValueExA " + settings + " Last Device",
+          "RegSetValueExA " + settings + " Welcome Display",
+          "timeKillEvent 1",
+          "SetEvent 2",  // and the notification thread, with the manager
+          "Unacquire",
+          "Release",
+          "Release DirectInput",
+          "Shell_NotifyIconA 2",
+          "DestroyIcon",
+          "HtmlHelp 18",  // HH_CLOSE_ALL
+          "HtmlHelp 29",  // HH_UNINITIALIZE
+          "EndDialog 2",
+          std::string("RegSetValueExA ") + kMainWindowSettings + " left",
+      }));
 }
 
 TEST_F(WindowLifeTest, ALaunchIsStoppedBehindTheRepeatThreadAndBeforeTheSettingsAreStored) {
@@ -449,7 +437,7 @@ TEST_F(WindowLifeTest, ALaunchIsStoppedBehindTheRepeatThreadAndBeforeTheSettings
   sim.RunFor(100);
   sim.LogCalls(true);
   screen.Close();
-  EXPECT_EQ(CallsOf({"UnhookWindowsHookEx", "SetEvent", lastDevice, "timeKillEvent"}),
+  EXPECT_EQ(CallsOf(sim, {"UnhookWindowsHookEx", "SetEvent", lastDevice, "timeKillEvent"}),
             (Strings{
                 "UnhookWindowsHookEx",
                 "SetEvent 4",  // stops the repeat thread
@@ -485,8 +473,8 @@ TEST_F(WindowLifeTest, EachWayOutCleansUpOnce) {
        }},
       {"message during a dialog",
        [](WindowLifeTest& test) {
-         test.screen.ChooseTab(kTabs, 3);
-         test.screen.Click(1198);
+         test.screen.ChooseTab(kTabControl, 3);
+         test.screen.Click(kAdvanced);
          test.Post(0x8007);
          test.screen.Close();
        }},
@@ -498,12 +486,12 @@ TEST_F(WindowLifeTest, EachWayOutCleansUpOnce) {
     way.leave(*this);
     EXPECT_FALSE(screen.Running()) << way.name;
     EXPECT_EQ(screen.Result(), platform::IDCANCEL) << way.name;
-    EXPECT_EQ(Count("KillTimer"), 1u) << way.name;
-    EXPECT_EQ(Count("UnhookWindowsHookEx"), 1u) << way.name;
-    EXPECT_EQ(Count("Shell_NotifyIconA"), 1u) << way.name;
-    EXPECT_EQ(Count("DestroyIcon"), 1u) << way.name;
-    EXPECT_EQ(Count("HtmlHelp"), 2u) << way.name;
-    EXPECT_EQ(Count("RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Smart Check"), 1u)
+    EXPECT_EQ(CountCalls(sim, "KillTimer"), 1u) << way.name;
+    EXPECT_EQ(CountCalls(sim, "UnhookWindowsHookEx"), 1u) << way.name;
+    EXPECT_EQ(CountCalls(sim, "Shell_NotifyIconA"), 1u) << way.name;
+    EXPECT_EQ(CountCalls(sim, "DestroyIcon"), 1u) << way.name;
+    EXPECT_EQ(CountCalls(sim, "HtmlHelp"), 2u) << way.name;
+    EXPECT_EQ(CountCalls(sim, "RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Smart Check"), 1u)
         << way.name;
     ExpectNothingLeft();
   }
@@ -523,7 +511,7 @@ TEST_F(WindowLifeTest, ThePlaceAndThenTheColumnsAreStoredWhenTheWindowGoes) {
   screen.MoveTo(30, 40);
   sim.LogCalls(true);
   screen.Close();
-  EXPECT_EQ(CallsOf({"EndDialog", std::string("RegSetValueExA ") + kMainWindowSettings}),
+  EXPECT_EQ(CallsOf(sim, {"EndDialog", std::string("RegSetValueExA ") + kMainWindowSettings}),
             (Strings{"EndDialog 2", std::string("RegSetValueExA ") + kMainWindowSettings + " left",
                      std::string("RegSetValueExA ") + kMainWindowSettings + " top",
                      std::string("RegSetValueExA ") + kMainWindowSettings + " right",
@@ -568,21 +556,21 @@ TEST_F(WindowLifeTest, MessagesOfTheStartAndUnknownOnesDoNothing) {
     Post(message);
     EXPECT_TRUE(screen.Running()) << message;
   }
-  EXPECT_EQ(Count("PostMessageA"), sim.Calls().size()) << "nothing but the test's own";
+  EXPECT_EQ(CountCalls(sim, "PostMessageA"), sim.Calls().size()) << "nothing but the test's own";
 }
 
 TEST_F(WindowLifeTest, NothingCountsAfterTheCleanup) {
   Begin();
-  screen.ChooseTab(kTabs, 3);
-  screen.Click(1198);  // a dialog that the end of the window waits for
+  screen.ChooseTab(kTabControl, 3);
+  screen.Click(kAdvanced);  // a dialog that the end of the window waits for
   Post(WM_CLOSE_PROGRAM);
   sim.LogCalls(true);
   Post(WM_SHOW_FROM_TRAY);
   Post(WM_DEVICE_WARNING);
   Post(WM_SHOW_WELCOME);
   sim.RunFor(20000);
-  EXPECT_EQ(Count("ShowWindow"), 0u);
-  EXPECT_EQ(screen.Front(), 150u);
+  EXPECT_EQ(CountCalls(sim, "ShowWindow"), 0u);
+  EXPECT_EQ(screen.Front(), advanced_settings::kDialog);
 }
 
 // ---- The hook.
@@ -598,7 +586,7 @@ TEST_F(WindowLifeTest, TheHookHidesWhatIsMinimisedAndNothingElse) {
     sim.LogCalls(true);
     sim.ClearCalls();
     EXPECT_EQ(MinimiseHook(row.code, Handle(), row.lParam), 0);
-    EXPECT_EQ(Count("PostMessageA 32769"), row.posts) << row.code << " " << row.lParam;
+    EXPECT_EQ(CountCalls(sim, "PostMessageA 32769"), row.posts) << row.code << " " << row.lParam;
   }
   screen.Settle();
   EXPECT_FALSE(screen.Shown());
@@ -650,12 +638,12 @@ TEST_F(PluginTest, ItIsLookedForEachFiveSecondsUntilItIsThere) {
   Begin();
   sim.LogCalls(true);
   sim.RunFor(26000);
-  EXPECT_EQ(Count("EnumDevices"), 5u);
+  EXPECT_EQ(CountCalls(sim, "EnumDevices"), 5u);
   pad.PlugIn();
   sim.RunFor(5500);
-  EXPECT_EQ(Count("EnumDevices"), 6u);
+  EXPECT_EQ(CountCalls(sim, "EnumDevices"), 6u);
   sim.RunFor(30000);
-  EXPECT_EQ(Count("EnumDevices"), 6u) << "nothing more while it is in use";
+  EXPECT_EQ(CountCalls(sim, "EnumDevices"), 6u) << "nothing more while it is in use";
 }
 
 TEST_F(PluginTest, WithoutTheSettingNothingIsLookedFor) {
@@ -683,28 +671,35 @@ TEST_F(PluginTest, WithoutATimerNothingIsLookedFor) {
   EXPECT_FALSE(Device()->DeviceSelected());
   sim.LogCalls(true);
   screen.Close();
-  EXPECT_EQ(Count("KillTimer"), 0u);
+  EXPECT_EQ(CountCalls(sim, "KillTimer"), 0u);
 }
 
 // ---- Tabs.
 
 TEST_F(WindowLifeTest, EachTabShowsItsPageAndTheRowOfProfiles) {
   const std::vector<std::vector<std::uint32_t>> pages = {
-      {1003, 1004, 1005, 1136, 1115, 1155, 1156, 1157},
-      {1159, 1027, 1036, 1139, 1050, 1052, 1055, 1056, 1051, 1080, 1083, 1079},
-      {1060, 1170, 1063, 1065, 1067, 1070, 1072, 1076, 1077, 1078},
-      {1171, 1172, 1173, 1175, 1176, 1177, 1178, 1187, 1189, 1198}};
+      {kControlList, kNewControl, kEditControl, kDeleteControls, kCopyControls, kPasteControls,
+       kMoveUp, kMoveDown},
+      {kMouseX, kDetectMouseX, kTestMode, kMouseAlwaysActive, kMovementSensitivityFrame,
+       kMovementSensitivity, kMovementDamperFrame, kMovementDamper, kWheelSensitivityFrame,
+       kWheelSensitivity, kWheelDamperFrame, kWheelDamper},
+      {kDeviceList, kRefreshDeviceList, kNumButtons, kNumAxis, kNumPovs, kTimerMin, kTimerMax,
+       kInterval, kRate, kDefaultRate},
+      {kStartMinimized, kLaunchAtStartup, kBanner, kWebLink, kMailLink, kVersionText, kCopyright,
+       kSmartCheck, kLicense, kAdvanced}};
   Begin();
   for (std::int32_t tab : {1, 2, 3, 0}) {
-    screen.ChooseTab(kTabs, tab);
+    screen.ChooseTab(kTabControl, tab);
     EXPECT_EQ(CurrentTab(), tab);
     for (std::int32_t page = 0; page < 4; ++page) {
       for (const std::uint32_t id : pages[static_cast<std::size_t>(page)])
         EXPECT_EQ(screen.Visible(id), page == tab) << id << " on tab " << tab;
     }
-    for (const std::uint32_t id : {1000u, 1001u, 1002u, 1006u, 1099u, 1100u, 1101u, 1146u})
+    for (const std::uint32_t id : {1000u, kProfileList, kProfileLabel, kNewProfile, kDeleteProfile,
+                                   kRenameProfile, kCopyProfile, kHelp})
       EXPECT_TRUE(screen.Visible(id)) << id;
-    for (const std::uint32_t id : {1015u, 1017u, 1045u, 1047u})
+    for (const std::uint32_t id :
+         {kControlPageBox, kMousePageBox, kDevicePageBox, kSettingsPageBox})
       EXPECT_FALSE(screen.Visible(id)) << id;
   }
 }
@@ -712,10 +707,10 @@ TEST_F(WindowLifeTest, EachTabShowsItsPageAndTheRowOfProfiles) {
 TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
   Begin();
   for (const std::int32_t other : {0, 2, 3}) {
-    screen.ChooseTab(kTabs, 1);
-    screen.Click(kTestButton);
+    screen.ChooseTab(kTabControl, 1);
+    screen.Click(kTestMode);
     EXPECT_TRUE(Engine().TestMode());
-    screen.ChooseTab(kTabs, other);
+    screen.ChooseTab(kTabControl, other);
     EXPECT_FALSE(Engine().TestMode()) << other;
   }
 }
@@ -723,26 +718,26 @@ TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
 TEST_F(WindowLifeTest, LeavingTheMouseTabEndsADetectionAndSavesWhatItFound) {
   Begin();
   ShowAutoDetectUsage() = false;
-  screen.ChooseTab(kTabs, 1);
-  screen.Click(1029);
+  screen.ChooseTab(kTabControl, 1);
+  screen.Click(kDetectLeftButton);
   EXPECT_TRUE(Engine().IsDetecting());
   pad.Press({4});
   sim.RunFor(50);
-  screen.ChooseTab(kTabs, 2);
+  screen.ChooseTab(kTabControl, 2);
   EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_FALSE(screen.Checked(1029));
+  EXPECT_FALSE(screen.Checked(kDetectLeftButton));
   EXPECT_EQ(Stored(kProfile)->leftButton, 3);
   EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Pad", "Left Mouse Btn"), 3u);
 }
 
 TEST_F(WindowLifeTest, AChangeOfTabWithoutADetectionSavesNothing) {
   Begin();
-  screen.ChooseTab(kTabs, 1);
+  screen.ChooseTab(kTabControl, 1);
   sim.Disk().ClearLog();
   sim.LogCalls(true);
-  screen.ChooseTab(kTabs, 0);
+  screen.ChooseTab(kTabControl, 0);
   EXPECT_EQ(sim.Disk().Count("WriteFile"), 0u);
-  EXPECT_EQ(Count("RegSetValueExA"), 0u);
+  EXPECT_EQ(CountCalls(sim, "RegSetValueExA"), 0u);
 }
 
 // ---- Keys that reach the window itself.
@@ -756,12 +751,12 @@ TEST_F(WindowLifeTest, CopyAndPasteWorkFromTheWindowAndDeleteDoesNot) {
   });
   Begin();
   screen.SelectRows(kControlList, {0});
-  screen.FocusOn(1004);
+  screen.FocusOn(kNewControl);
   screen.Press('C', true);
   screen.Press('V', true);
   EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
   screen.SelectRows(kControlList, {0});
-  screen.FocusOn(1004);
+  screen.FocusOn(kNewControl);
   screen.Press(0x2E);
   EXPECT_TRUE(screen.Boxes().empty()) << "nobody asks whether to delete";
   EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
@@ -788,38 +783,38 @@ class MainLayoutTest : public WindowLifeTest {
 TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   Begin();
   ASSERT_EQ(PlaceText(screen.Place()), "223,180 to 801,588");
-  ExpectPlaces("as made", {{1002, {9, 16, 54, 31}},
-                           {1001, {57, 11, 199, 33}},
-                           {1006, {209, 11, 275, 34}},
-                           {1146, {497, 11, 563, 34}},
-                           {1000, {0, 42, 563, 370}},
-                           {1004, {10, 72, 76, 95}},
-                           {1003, {10, 101, 553, 360}},
+  ExpectPlaces("as made", {{kProfileLabel, {9, 16, 54, 31}},
+                           {kProfileList, {57, 11, 199, 33}},
+                           {kNewProfile, {209, 11, 275, 34}},
+                           {kHelp, {497, 11, 563, 34}},
+                           {kTabControl, {0, 42, 563, 370}},
+                           {kNewControl, {10, 72, 76, 95}},
+                           {kControlList, {10, 101, 553, 360}},
                            {1300, {10, 72, 295, 186}},
-                           {1060, {61, 72, 398, 94}},
-                           {1170, {408, 72, 552, 95}}});
+                           {kDeviceList, {61, 72, 398, 94}},
+                           {kRefreshDeviceList, {408, 72, 552, 95}}});
   screen.Resize(678, 488);
-  ExpectPlaces("100 wider and 80 higher", {{1002, {9, 16, 54, 31}},
-                                           {1001, {57, 11, 299, 33}},
-                                           {1006, {309, 11, 375, 34}},
-                                           {1146, {597, 11, 663, 34}},
-                                           {1000, {0, 42, 663, 450}},
-                                           {1004, {10, 72, 76, 95}},
-                                           {1003, {10, 101, 653, 440}},
+  ExpectPlaces("100 wider and 80 higher", {{kProfileLabel, {9, 16, 54, 31}},
+                                           {kProfileList, {57, 11, 299, 33}},
+                                           {kNewProfile, {309, 11, 375, 34}},
+                                           {kHelp, {597, 11, 663, 34}},
+                                           {kTabControl, {0, 42, 663, 450}},
+                                           {kNewControl, {10, 72, 76, 95}},
+                                           {kControlList, {10, 101, 653, 440}},
                                            {1300, {10, 72, 295, 186}},
-                                           {1060, {61, 72, 498, 94}},
-                                           {1170, {508, 72, 652, 95}}});
+                                           {kDeviceList, {61, 72, 498, 94}},
+                                           {kRefreshDeviceList, {508, 72, 652, 95}}});
   screen.Resize(618, 408);
-  ExpectPlaces("40 wider", {{1002, {9, 16, 54, 31}},
-                            {1001, {57, 11, 239, 33}},
-                            {1006, {249, 11, 315, 34}},
-                            {1146, {537, 11, 603, 34}},
-                            {1000, {0, 42, 603, 370}},
-                            {1004, {10, 72, 76, 95}},
-                            {1003, {10, 101, 593, 360}},
+  ExpectPlaces("40 wider", {{kProfileLabel, {9, 16, 54, 31}},
+                            {kProfileList, {57, 11, 239, 33}},
+                            {kNewProfile, {249, 11, 315, 34}},
+                            {kHelp, {537, 11, 603, 34}},
+                            {kTabControl, {0, 42, 603, 370}},
+                            {kNewControl, {10, 72, 76, 95}},
+                            {kControlList, {10, 101, 593, 360}},
                             {1300, {10, 72, 295, 186}},
-                            {1060, {61, 72, 438, 94}},
-                            {1170, {448, 72, 592, 95}}});
+                            {kDeviceList, {61, 72, 438, 94}},
+                            {kRefreshDeviceList, {448, 72, 592, 95}}});
   EXPECT_EQ(PlaceText(ClientRect()), "0,0 to 610,377");
 }
 
@@ -845,10 +840,10 @@ TEST_F(MainLayoutTest, TheListGrowsBeforeItsColumnsAndShrinksAfterThem) {
   Begin();
   sim.LogCalls(true);
   screen.Resize(678, 408);
-  const Strings growing = CallsOf({"EndDeferWindowPos", "ListSetColumnWidth"});
+  const Strings growing = CallsOf(sim, {"EndDeferWindowPos", "ListSetColumnWidth"});
   sim.ClearCalls();
   screen.Resize(618, 408);
-  const Strings shrinking = CallsOf({"EndDeferWindowPos", "ListSetColumnWidth"});
+  const Strings shrinking = CallsOf(sim, {"EndDeferWindowPos", "ListSetColumnWidth"});
   ASSERT_EQ(growing.size(), 7u) << "four pages and three columns";
   EXPECT_TRUE(growing.front().starts_with("EndDefer"));
   EXPECT_TRUE(growing.back().starts_with("ListSet"));
@@ -867,7 +862,8 @@ TEST_F(MainLayoutTest, TheStoredPlaceIsTakenBeforeTheWindowIsSeen) {
   Begin();
   EXPECT_EQ(PlaceText(screen.Place()), "50,60 to 750,560");
   // 122 wider and 92 higher than as made.
-  ExpectPlaces("as stored", {{1000, {0, 42, 685, 462}}, {1003, {10, 101, 675, 452}}});
+  ExpectPlaces("as stored",
+               {{kTabControl, {0, 42, 685, 462}}, {kControlList, {10, 101, 675, 452}}});
 }
 
 TEST_F(MainLayoutTest, TheGripIsDrawnInTheCornerAndTakesTheMouse) {
@@ -886,9 +882,9 @@ TEST_F(MainWindowTest, ControlWithTabOrAPageKeyGoesFromTabToTab) {
   } steps[] = {{0x09, 1}, {0x22, 2}, {0x22, 3}, {0x09, 0}, {0x21, 3}, {0x21, 2}};
   for (const auto& step : steps) {
     screen.Press(step.key, true);
-    EXPECT_EQ(screen.Tab(1000), step.tab);
-    EXPECT_EQ(screen.Visible(1003), step.tab == 0);
-    EXPECT_EQ(screen.Visible(1060), step.tab == 2);
+    EXPECT_EQ(screen.Tab(kTabControl), step.tab);
+    EXPECT_EQ(screen.Visible(kControlList), step.tab == 0);
+    EXPECT_EQ(screen.Visible(kDeviceList), step.tab == 2);
   }
 }
 
@@ -899,16 +895,16 @@ TEST_F(MainWindowTest, F1TellsOfWhatHasTheFocus) {
     screen.Press(0x70);
     return screen.HelpCalls().back().topic;
   };
-  EXPECT_EQ(topic(1003), "Creating and Editing Controls.htm");
-  EXPECT_EQ(topic(1155), "Creating and Editing Controls.htm");
-  EXPECT_EQ(topic(1001), "Creation Maintenance and Location.htm");
-  screen.ChooseTab(1000, 1);
-  EXPECT_EQ(topic(1056), "Mouse Device and Settings.htm#mouse");
-  EXPECT_EQ(topic(1099), "Creation Maintenance and Location.htm");
-  screen.ChooseTab(1000, 2);
-  EXPECT_EQ(topic(1076), "Mouse Device and Settings.htm#device");
-  screen.ChooseTab(1000, 3);
-  EXPECT_EQ(topic(1187), "Mouse Device and Settings.htm#settings");
+  EXPECT_EQ(topic(kControlList), "Creating and Editing Controls.htm");
+  EXPECT_EQ(topic(kPasteControls), "Creating and Editing Controls.htm");
+  EXPECT_EQ(topic(kProfileList), "Creation Maintenance and Location.htm");
+  screen.ChooseTab(kTabControl, 1);
+  EXPECT_EQ(topic(kMovementDamper), "Mouse Device and Settings.htm#mouse");
+  EXPECT_EQ(topic(kDeleteProfile), "Creation Maintenance and Location.htm");
+  screen.ChooseTab(kTabControl, 2);
+  EXPECT_EQ(topic(kInterval), "Mouse Device and Settings.htm#device");
+  screen.ChooseTab(kTabControl, 3);
+  EXPECT_EQ(topic(kSmartCheck), "Mouse Device and Settings.htm#settings");
 }
 
 }  // namespace

@@ -7,58 +7,31 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/resources/control_ids.h"
 #include "engine/device_snapshot.h"
+#include "tests/app/calls.h"
 #include "tests/app/held_lock.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
-using Strings = std::vector<std::string>;
+using namespace main_window;
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kTest = 1036;
-constexpr std::uint32_t kMovementSensitivity = 1052;
-constexpr std::uint32_t kMovementDamper = 1056;
-constexpr std::uint32_t kWheelDamper = 1079;
-constexpr std::uint32_t kWheelSensitivity = 1080;
-constexpr std::uint32_t kMovementSensitivityCaption = 1050;
-constexpr std::uint32_t kMovementDamperCaption = 1055;
-constexpr std::uint32_t kWheelDamperCaption = 1083;
-constexpr std::uint32_t kWheelSensitivityCaption = 1051;
-constexpr std::uint32_t kAlwaysActive = 1139;
-constexpr std::uint32_t kMouseX = 1159;
-constexpr std::uint32_t kMouseY = 1160;
-constexpr std::uint32_t kLeft = 1161;
-constexpr std::uint32_t kMiddle = 1162;
-constexpr std::uint32_t kWheel = 1163;
-constexpr std::uint32_t kRight = 1164;
-constexpr std::uint32_t kRefresh = 1170;
 constexpr std::uint8_t kEnter = 0x0D;
 
 class MouseTabTest : public MainWindowTest {
  protected:
   void BeginHere() {
     Begin();
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
   }
 
   // Brings both tabs up to date.
   void ShowAgain() {
-    screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
-    screen.Click(kRefresh);
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  }
-
-  // Calls of that operation since ClearCalls.
-  std::size_t Calls(const std::string& operation) const {
-    std::size_t count = 0;
-    for (const std::string& call : sim.Calls()) {
-      if (call.compare(0, operation.size(), operation) == 0) ++count;
-    }
-    return count;
+    screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
+    screen.Click(kRefreshDeviceList);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
   }
 };
 
@@ -95,7 +68,7 @@ TEST_F(MouseTabTest, AnAxisFieldNamesItsInputAndShowsAHatsOffsetAsDirections) {
       Relaxed<TriggerItem>* input;
     } inputs[] = {{kMouseX, &OpenProfile().mouseX},
                   {kMouseY, &OpenProfile().mouseY},
-                  {kWheel, &OpenProfile().mouseWheel}};
+                  {kMouseWheel, &OpenProfile().mouseWheel}};
     for (const auto& one : inputs) *one.input = row.item;
     ShowAgain();
     for (const auto& one : inputs) EXPECT_EQ(screen.Text(one.field), row.text) << one.field;
@@ -118,29 +91,29 @@ TEST_F(MouseTabTest, EachFieldShowsItsOwnInput) {
   BeginHere();
   EXPECT_EQ(screen.Text(kMouseX), "Axis_Z0");
   EXPECT_EQ(screen.Text(kMouseY), "Axis_RZ0");
-  EXPECT_EQ(screen.Text(kWheel), "POV0");
-  EXPECT_EQ(screen.Text(kLeft), "B1");
-  EXPECT_EQ(screen.Text(kMiddle), "B5");
-  EXPECT_EQ(screen.Text(kRight), "B10");
+  EXPECT_EQ(screen.Text(kMouseWheel), "POV0");
+  EXPECT_EQ(screen.Text(kLeftButton), "B1");
+  EXPECT_EQ(screen.Text(kMiddleButton), "B5");
+  EXPECT_EQ(screen.Text(kRightButton), "B10");
 }
 
 TEST_F(MouseTabTest, AButtonFieldShowsTheMaskNotTheIndex) {
   BeginHere();
-  EXPECT_EQ(screen.Text(kLeft), "<none>");
-  EXPECT_EQ(screen.Text(kMiddle), "<none>");
-  EXPECT_EQ(screen.Text(kRight), "<none>");
+  EXPECT_EQ(screen.Text(kLeftButton), "<none>");
+  EXPECT_EQ(screen.Text(kMiddleButton), "<none>");
+  EXPECT_EQ(screen.Text(kRightButton), "<none>");
 
   OpenProfile().leftMask = MouseButtonMask(2);
   OpenProfile().middleMask = MouseButtonMask(32);  // wraps to that of index 0
   OpenProfile().rightMask = MouseButtonMask(31);   // fills the upper half
   ShowAgain();
-  EXPECT_EQ(screen.Text(kLeft), "B3");
-  EXPECT_EQ(screen.Text(kMiddle), "B1");
+  EXPECT_EQ(screen.Text(kLeftButton), "B3");
+  EXPECT_EQ(screen.Text(kMiddleButton), "B1");
   std::string upper;
   for (int button = 32; button <= 64; ++button) {
     upper += (upper.empty() ? "B" : "+B") + std::to_string(button);
   }
-  EXPECT_EQ(screen.Text(kRight), upper);
+  EXPECT_EQ(screen.Text(kRightButton), upper);
 }
 
 // The sliders
@@ -162,10 +135,10 @@ TEST_F(MouseTabTest, SlidersGoFrom0To50WithATickEach5AndStandAsTheProfileSays) {
   EXPECT_EQ(screen.Slider(kMovementSensitivity), 20);
   EXPECT_EQ(screen.Slider(kWheelDamper), 30);
   EXPECT_EQ(screen.Slider(kWheelSensitivity), 40);
-  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (10%)");
-  EXPECT_EQ(screen.Text(kMovementSensitivityCaption), "Movement Sensitivity (20)");
-  EXPECT_EQ(screen.Text(kWheelDamperCaption), "Mouse Wheel Axis Damper (30%)");
-  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (40)");
+  EXPECT_EQ(screen.Text(kMovementDamperFrame), "Movement Axis Damper (10%)");
+  EXPECT_EQ(screen.Text(kMovementSensitivityFrame), "Movement Sensitivity (20)");
+  EXPECT_EQ(screen.Text(kWheelDamperFrame), "Mouse Wheel Axis Damper (30%)");
+  EXPECT_EQ(screen.Text(kWheelSensitivityFrame), "Mouse Wheel Sensitivity (40)");
   EXPECT_EQ(Engine().movementDeadZone, 3199);  // 10 of the single-precision 0.01 of 32000
   EXPECT_EQ(Engine().movementFactor, 22);
   EXPECT_EQ(Engine().wheelDeadZone, 9599);
@@ -190,8 +163,8 @@ TEST_F(MouseTabTest, AStoredPositionBeyondAnEndBecomesTheEnd) {
   EXPECT_EQ(OpenProfile().movementSensitivity, 0);
   EXPECT_EQ(OpenProfile().wheelDamper, 50);
   EXPECT_EQ(OpenProfile().wheelSensitivity, 0);
-  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (50%)");
-  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (0)");
+  EXPECT_EQ(screen.Text(kMovementDamperFrame), "Movement Axis Damper (50%)");
+  EXPECT_EQ(screen.Text(kWheelSensitivityFrame), "Mouse Wheel Sensitivity (0)");
 }
 
 TEST_F(MouseTabTest, AMovedSliderChangesItsCaptionItsDerivedValueAndTheFile) {
@@ -199,22 +172,22 @@ TEST_F(MouseTabTest, AMovedSliderChangesItsCaptionItsDerivedValueAndTheFile) {
   sim.LogCalls(true);
 
   screen.MoveSlider(kMovementSensitivity, 0);
-  EXPECT_EQ(screen.Text(kMovementSensitivityCaption), "Movement Sensitivity (0)");
+  EXPECT_EQ(screen.Text(kMovementSensitivityFrame), "Movement Sensitivity (0)");
   EXPECT_EQ(Engine().movementFactor, 2);
   EXPECT_EQ(Stored(kProfile)->movementSensitivity, 0);
 
   screen.MoveSlider(kMovementDamper, 50);
-  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (50%)");
+  EXPECT_EQ(screen.Text(kMovementDamperFrame), "Movement Axis Damper (50%)");
   EXPECT_EQ(Engine().movementDeadZone, 15999);
   EXPECT_EQ(Stored(kProfile)->movementDamper, 50);
 
   screen.MoveSlider(kWheelDamper, 10);
-  EXPECT_EQ(screen.Text(kWheelDamperCaption), "Mouse Wheel Axis Damper (10%)");
+  EXPECT_EQ(screen.Text(kWheelDamperFrame), "Mouse Wheel Axis Damper (10%)");
   EXPECT_EQ(Engine().wheelDeadZone, 3199);
   EXPECT_EQ(Stored(kProfile)->wheelDamper, 10);
 
   screen.MoveSlider(kWheelSensitivity, 33);
-  EXPECT_EQ(screen.Text(kWheelSensitivityCaption), "Mouse Wheel Sensitivity (33)");
+  EXPECT_EQ(screen.Text(kWheelSensitivityFrame), "Mouse Wheel Sensitivity (33)");
   EXPECT_EQ(Engine().wheelFactor, 35);
   EXPECT_EQ(Stored(kProfile)->wheelSensitivity, 33);
 
@@ -222,7 +195,7 @@ TEST_F(MouseTabTest, AMovedSliderChangesItsCaptionItsDerivedValueAndTheFile) {
   EXPECT_EQ(Stored(kProfile)->movementSensitivity, 0);
   EXPECT_EQ(Stored(kProfile)->movementDamper, 50);
   EXPECT_EQ(Stored(kProfile)->wheelDamper, 10);
-  EXPECT_EQ(Calls("RegSetValueExA"), 0u);
+  EXPECT_EQ(CountCalls(sim, "RegSetValueExA"), 0u);
 }
 
 TEST_F(MouseTabTest, AMovedSliderWaitsForTheProfilesLock) {
@@ -239,7 +212,7 @@ TEST_F(MouseTabTest, ASliderDoesNotCountWhileControlsAreFilled) {
   ++InitGuard();
   screen.MoveSlider(kMovementDamper, 44);
   EXPECT_EQ(OpenProfile().movementDamper, 5);
-  EXPECT_EQ(screen.Text(kMovementDamperCaption), "Movement Axis Damper (5%)");
+  EXPECT_EQ(screen.Text(kMovementDamperFrame), "Movement Axis Damper (5%)");
   --InitGuard();
 }
 
@@ -256,13 +229,13 @@ TEST_F(MouseTabTest, ASliderThatCannotBeSavedCountsAllTheSameAndSaysNothing) {
 
 TEST_F(MouseTabTest, AlwaysActiveFlipsInMemoryAndInTheFile) {
   BeginHere();
-  EXPECT_FALSE(screen.Checked(kAlwaysActive));
-  screen.Click(kAlwaysActive);
-  EXPECT_TRUE(screen.Checked(kAlwaysActive));
+  EXPECT_FALSE(screen.Checked(kMouseAlwaysActive));
+  screen.Click(kMouseAlwaysActive);
+  EXPECT_TRUE(screen.Checked(kMouseAlwaysActive));
   EXPECT_TRUE(OpenProfile().mouseAlwaysActive);
   EXPECT_TRUE(Stored(kProfile)->mouseAlwaysActive);
-  screen.Click(kAlwaysActive);
-  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+  screen.Click(kMouseAlwaysActive);
+  EXPECT_FALSE(screen.Checked(kMouseAlwaysActive));
   EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
   EXPECT_FALSE(Stored(kProfile)->mouseAlwaysActive);
 }
@@ -274,28 +247,28 @@ TEST_F(MouseTabTest, AlwaysActiveShowsTheProfilesValue) {
   });
   PresetText("Last Profile", "Active");
   BeginHere();
-  EXPECT_TRUE(screen.Checked(kAlwaysActive));
+  EXPECT_TRUE(screen.Checked(kMouseAlwaysActive));
   screen.Choose(kProfileList, kProfile);
-  EXPECT_FALSE(screen.Checked(kAlwaysActive));
+  EXPECT_FALSE(screen.Checked(kMouseAlwaysActive));
 }
 
 TEST_F(MouseTabTest, AlwaysActiveWaitsForTheProfilesLock) {
   BeginHere();
   const HeldLock held(sim, OpenProfile().profileLock, 50);
   const std::uint64_t before = sim.Now();
-  screen.Click(kAlwaysActive);
+  screen.Click(kMouseAlwaysActive);
   EXPECT_EQ(sim.Now() - before, 50u);
 }
 
 TEST_F(MouseTabTest, AlwaysActiveIsOffInANewProfile) {
   BeginHere();
-  screen.Click(kAlwaysActive);
-  screen.Click(1006);
-  screen.Type(1137, "Fresh");
+  screen.Click(kMouseAlwaysActive);
+  screen.Click(kNewProfile);
+  screen.Type(new_profile::kName, "Fresh");
   screen.Click(platform::IDOK);
   EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
-  EXPECT_FALSE(screen.Checked(kAlwaysActive));
-  screen.Click(kAlwaysActive);
+  EXPECT_FALSE(screen.Checked(kMouseAlwaysActive));
+  screen.Click(kMouseAlwaysActive);
   EXPECT_TRUE(Stored("Fresh")->mouseAlwaysActive);
 }
 
@@ -304,21 +277,21 @@ TEST_F(MouseTabTest, AlwaysActiveIsOffInANewProfile) {
 TEST_F(MouseTabTest, TheTestButtonFlipsTheModeAndIsDrawnAnew) {
   BeginHere();
   EXPECT_FALSE(Engine().TestMode());
-  screen.FocusOn(kTest);  // which draws it, too
-  screen.Redraws(kTest);
-  screen.Click(kTest);
+  screen.FocusOn(kTestMode);  // which draws it, too
+  screen.Redraws(kTestMode);
+  screen.Click(kTestMode);
   EXPECT_TRUE(Engine().TestMode());
-  EXPECT_GE(screen.Redraws(kTest), 1u);
-  screen.Click(kTest);
+  EXPECT_GE(screen.Redraws(kTestMode), 1u);
+  screen.Click(kTestMode);
   EXPECT_FALSE(Engine().TestMode());
-  EXPECT_GE(screen.Redraws(kTest), 1u);
+  EXPECT_GE(screen.Redraws(kTestMode), 1u);
 }
 
 TEST_F(MouseTabTest, TheTestButtonWaitsForTheMousesLock) {
   BeginHere();
   const HeldLock held(sim, Engine().mouseLock, 50);
   const std::uint64_t before = sim.Now();
-  screen.Click(kTest);
+  screen.Click(kTestMode);
   EXPECT_EQ(sim.Now() - before, 50u);
   EXPECT_TRUE(Engine().TestMode());
 }
@@ -333,13 +306,13 @@ TEST_F(MouseTabTest, InTestModeThePointerMovesWithoutAnythingElseOn) {
   sim.RunFor(20);
   EXPECT_EQ(sim.EventText(), "");
 
-  screen.Click(kTest);
+  screen.Click(kTestMode);
   sim.RunFor(20);
   // 4 polls at the limit with a sensitivity of 15: 1 + 3.4 counts each.
   ASSERT_EQ(sim.Events().size(), 4u);
   for (const auto& event : sim.Events()) EXPECT_EQ(event.dx, 4);
 
-  screen.Click(kTest);
+  screen.Click(kTestMode);
   sim.ClearEvents();
   sim.RunFor(20);
   EXPECT_EQ(sim.EventText(), "");
@@ -349,11 +322,11 @@ TEST_F(MouseTabTest, AnotherTabEndsTestModeForGood) {
   for (const std::int32_t tab :
        {MainWindow::kControlTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
     BeginHere();
-    screen.Click(kTest);
+    screen.Click(kTestMode);
     EXPECT_TRUE(Engine().TestMode());
-    screen.ChooseTab(kTabs, tab);
+    screen.ChooseTab(kTabControl, tab);
     EXPECT_FALSE(Engine().TestMode()) << tab;
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
     EXPECT_FALSE(Engine().TestMode()) << tab;
     CloseAll();
   }
@@ -362,20 +335,20 @@ TEST_F(MouseTabTest, AnotherTabEndsTestModeForGood) {
 TEST_F(MouseTabTest, AnotherProfileEndsTestModeAndTheButtonShowsIt) {
   StoreProfile("Other", [this](ProfileFile& made) { UsePad(made); });
   BeginHere();
-  screen.Click(kTest);
-  screen.Redraws(kTest);
+  screen.Click(kTestMode);
+  screen.Redraws(kTestMode);
   screen.Choose(kProfileList, "Other");
   EXPECT_FALSE(Engine().TestMode());
-  EXPECT_GE(screen.Redraws(kTest), 1u);
+  EXPECT_GE(screen.Redraws(kTestMode), 1u);
 }
 
 TEST_F(MouseTabTest, OnAnotherTabTheTestButtonIsNotDrawn) {
   StoreProfile("Other", [this](ProfileFile& made) { UsePad(made); });
   BeginHere();
-  screen.ChooseTab(kTabs, MainWindow::kSettingsTab);
-  screen.Redraws(kTest);
+  screen.ChooseTab(kTabControl, MainWindow::kSettingsTab);
+  screen.Redraws(kTestMode);
   screen.Choose(kProfileList, "Other");
-  EXPECT_EQ(screen.Redraws(kTest), 0u);
+  EXPECT_EQ(screen.Redraws(kTestMode), 0u);
 }
 
 // How the Test button is drawn
@@ -384,10 +357,10 @@ class TestButtonDrawing : public MouseTabTest {
  protected:
   void BeginHere() {
     MouseTabTest::BeginHere();
-    const platform::Rect place = screen.ControlPlace(kTest);
+    const platform::Rect place = screen.ControlPlace(kTestMode);
     width = place.Width();
     height = place.Height();
-    screen.FocusOn(kAlwaysActive);
+    screen.FocusOn(kMouseAlwaysActive);
   }
 
   // The rectangle `inside` pixels from each edge.
@@ -438,47 +411,47 @@ class TestButtonDrawing : public MouseTabTest {
 
 TEST_F(TestButtonDrawing, OffItIsRaisedWithADarkGreenLamp) {
   BeginHere();
-  EXPECT_EQ(screen.PaintButton(kTest),
+  EXPECT_EQ(screen.PaintButton(kTestMode),
             (Strings{Face(), Raised(), RaisedInner(), "fill " + Lamp(0) + " 007700", Words(0)}));
 }
 
 TEST_F(TestButtonDrawing, OnItIsSunkenByOnePixelWithABrightGreenLampAndItsOutline) {
   BeginHere();
-  screen.Click(kTest);
-  screen.FocusOn(kAlwaysActive);
-  EXPECT_EQ(screen.PaintButton(kTest), (Strings{Face(), Sunken(), "fill " + Lamp(1) + " 00ff00",
-                                                "frame " + Lamp(1) + " 00aa00", Words(1)}));
+  screen.Click(kTestMode);
+  screen.FocusOn(kMouseAlwaysActive);
+  EXPECT_EQ(screen.PaintButton(kTestMode), (Strings{Face(), Sunken(), "fill " + Lamp(1) + " 00ff00",
+                                                    "frame " + Lamp(1) + " 00aa00", Words(1)}));
 }
 
 TEST_F(TestButtonDrawing, PressedItIsSunkenByTwoPixelsWithAnInnerLine) {
   BeginHere();
-  EXPECT_EQ(screen.PaintButton(kTest, true),
+  EXPECT_EQ(screen.PaintButton(kTestMode, true),
             (Strings{Face(), Sunken(), SunkenInner(), "fill " + Lamp(2) + " 007700", Words(2)}));
-  screen.Click(kTest);
-  screen.FocusOn(kAlwaysActive);
-  EXPECT_EQ(screen.PaintButton(kTest, true),
+  screen.Click(kTestMode);
+  screen.FocusOn(kMouseAlwaysActive);
+  EXPECT_EQ(screen.PaintButton(kTestMode, true),
             (Strings{Face(), Sunken(), SunkenInner(), "fill " + Lamp(2) + " 00ff00",
                      "frame " + Lamp(2) + " 00aa00", Words(2)}));
 }
 
 TEST_F(TestButtonDrawing, WithTheFocusADottedRectangleIsThreePixelsInside) {
   BeginHere();
-  screen.FocusOn(kTest);
-  const Strings lines = screen.PaintButton(kTest);
+  screen.FocusOn(kTestMode);
+  const Strings lines = screen.PaintButton(kTestMode);
   ASSERT_FALSE(lines.empty());
   EXPECT_EQ(lines.back(), "focus " + At(3));
 }
 
 TEST_F(TestButtonDrawing, EnterPressesItWhileItHasTheFocus) {
   BeginHere();
-  screen.FocusOn(kTest);
+  screen.FocusOn(kTestMode);
   screen.Press(kEnter);
   EXPECT_TRUE(Engine().TestMode());
 }
 
 TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
   BeginHere();
-  screen.FocusOn(kTest);
+  screen.FocusOn(kTestMode);
   // From a control that is no button Enter presses the default one.
   screen.FocusOn(kMovementDamper);
   screen.Press(kEnter);
@@ -487,14 +460,14 @@ TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
 
 TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   BeginHere();
-  screen.FocusOn(kTest);
-  screen.ChooseTab(kTabs, MainWindow::kControlTab);
+  screen.FocusOn(kTestMode);
+  screen.ChooseTab(kTabControl, MainWindow::kControlTab);
   screen.SelectRows(kControlList, {});
   screen.Press(kEnter);
   EXPECT_FALSE(Engine().TestMode());
   // By itself, as when a profile has no device, the focus stays behind on the hidden button.
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  screen.FocusOn(kTest);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  screen.FocusOn(kTestMode);
   pad.Unplug();
   Device()->StopDevice();
   Post(WM_DEVICE_WARNING);

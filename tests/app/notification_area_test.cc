@@ -5,29 +5,18 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
+#include "tests/app/calls.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
-using Strings = std::vector<std::string>;
-
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kWebLink = 1175;
-constexpr std::uint32_t kMailLink = 1176;
-constexpr std::uint32_t kHelpButton = 1146;
+using namespace main_window;
 
 class NotificationAreaTest : public MainWindowTest {
  protected:
-  // Of the operations named, in their order.
-  Strings CallsOf(const Strings& operations) {
-    Strings calls;
-    for (const std::string& call : sim.Calls())
-      for (const std::string& operation : operations)
-        if (call == operation || call.starts_with(operation + " ")) calls.push_back(call);
-    return calls;
-  }
 };
 
 // ---- The icon.
@@ -50,7 +39,7 @@ TEST_F(NotificationAreaTest, TheIconGoesWithTheProgramAndIsGivenBack) {
   sim.LogCalls(true);
   screen.Close();
   EXPECT_FALSE(screen.IconShown());
-  EXPECT_EQ(CallsOf({"Shell_NotifyIconA", "DestroyIcon"}),
+  EXPECT_EQ(CallsOf(sim, {"Shell_NotifyIconA", "DestroyIcon"}),
             (Strings{"Shell_NotifyIconA 2", "DestroyIcon"}));
 }
 
@@ -59,7 +48,7 @@ TEST_F(NotificationAreaTest, AnIconThatCannotBeAddedIsGivenBackAndNotRemoved) {
   sim.LogCalls(true);
   Begin();
   EXPECT_FALSE(screen.Running());
-  EXPECT_EQ(CallsOf({"Shell_NotifyIconA", "DestroyIcon"}),
+  EXPECT_EQ(CallsOf(sim, {"Shell_NotifyIconA", "DestroyIcon"}),
             (Strings{"Shell_NotifyIconA 0", "DestroyIcon"}));
 }
 
@@ -81,7 +70,7 @@ TEST_F(NotificationAreaTest, ADoubleClickBringsItBackAndNotToTheFront) {
   screen.IconDoubleClick();
   EXPECT_TRUE(screen.Shown());
   EXPECT_FALSE(screen.Minimised());
-  EXPECT_EQ(CallsOf({"ShowWindow", "SetForegroundWindow"}),
+  EXPECT_EQ(CallsOf(sim, {"ShowWindow", "SetForegroundWindow"}),
             (Strings{"ShowWindow 5", "ShowWindow 9"}));
 }
 
@@ -98,7 +87,7 @@ TEST_F(NotificationAreaTest, TheMessageToShowDoesAsTheDoubleClick) {
   sim.LogCalls(true);
   Post(0x8002);
   EXPECT_TRUE(screen.Shown());
-  EXPECT_EQ(CallsOf({"ShowWindow"}), (Strings{"ShowWindow 5", "ShowWindow 9"}));
+  EXPECT_EQ(CallsOf(sim, {"ShowWindow"}), (Strings{"ShowWindow 5", "ShowWindow 9"}));
 }
 
 TEST_F(NotificationAreaTest, AMaximisedWindowComesBackMaximised) {
@@ -187,8 +176,9 @@ TEST_F(NotificationAreaTest, TheWindowComesInFrontBeforeTheMenuAndIsTouchedAfter
   sim.LogCalls(true);
   screen.IconRightClick();
   screen.DismissMenu();
-  EXPECT_EQ(CallsOf({"SetForegroundWindow", "GetCursorPos", "TrackPopupMenu", "PostMessageA 0"}),
-            (Strings{"SetForegroundWindow", "GetCursorPos", "TrackPopupMenu", "PostMessageA 0"}));
+  EXPECT_EQ(
+      CallsOf(sim, {"SetForegroundWindow", "GetCursorPos", "TrackPopupMenu", "PostMessageA 0"}),
+      (Strings{"SetForegroundWindow", "GetCursorPos", "TrackPopupMenu", "PostMessageA 0"}));
 }
 
 TEST_F(NotificationAreaTest, WithoutAPlaceForItThereIsNoMenu) {
@@ -197,7 +187,7 @@ TEST_F(NotificationAreaTest, WithoutAPlaceForItThereIsNoMenu) {
   sim.LogCalls(true);
   screen.IconRightClick();
   EXPECT_FALSE(screen.MenuUp());
-  EXPECT_EQ(CallsOf({"TrackPopupMenu", "PostMessageA 0"}), Strings{});
+  EXPECT_EQ(CallsOf(sim, {"TrackPopupMenu", "PostMessageA 0"}), Strings{});
   screen.IconRightClick();
   EXPECT_TRUE(screen.MenuUp()) << "only that once";
 }
@@ -237,7 +227,7 @@ TEST_F(NotificationAreaTest, ShowKelvaroShowsTheWindowInItsNormalState) {
   EXPECT_TRUE(screen.Shown());
   EXPECT_FALSE(screen.Minimised());
   EXPECT_FALSE(screen.Maximised());
-  EXPECT_EQ(CallsOf({"ShowWindow"}), Strings{"ShowWindow 1"});
+  EXPECT_EQ(CallsOf(sim, {"ShowWindow"}), Strings{"ShowWindow 1"});
 }
 
 // Where menus are shown by whoever shows the icons.
@@ -269,30 +259,30 @@ TEST_F(NotificationAreaTest, AMinimisedWindowShowsTheIconInItsMiddle) {
 TEST_F(NotificationAreaTest, TheWelcomeComesBeforeTheWindowIsSeenAndOnce) {
   FirstStart();
   Begin();
-  ASSERT_EQ(screen.Front(), 151u);
+  ASSERT_EQ(screen.Front(), welcome::kDialog);
   EXPECT_EQ(screen.Title(), "Welcome to Kelvaro");
   EXPECT_FALSE(platform::IsWindowVisible(Handle()));
   EXPECT_EQ(WelcomeDisplay(), 1u) << "before it is shown";
   screen.Close();
-  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_TRUE(screen.Shown());
   screen.Close();
   EXPECT_EQ(Number("Welcome Display"), 1u);
   Begin();
-  EXPECT_EQ(screen.Front(), 102u);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(NotificationAreaTest, TheMessageForTheWelcomeShowsItAtAnyTime) {
   Begin();
   Post(0x8009);
-  EXPECT_EQ(screen.Front(), 151u);
+  EXPECT_EQ(screen.Front(), welcome::kDialog);
 }
 
 // ---- The links.
 
 TEST_F(NotificationAreaTest, TheLinksOpenTheMakersAddresses) {
   Begin();
-  screen.ChooseTab(kTabs, 3);
+  screen.ChooseTab(kTabControl, 3);
   EXPECT_EQ(screen.Text(kWebLink), resources::kWebAddress);
   EXPECT_EQ(screen.Text(kMailLink), resources::kSupportAddress);
   screen.Click(kWebLink);
@@ -301,30 +291,11 @@ TEST_F(NotificationAreaTest, TheLinksOpenTheMakersAddresses) {
             (Strings{resources::kWebAddress, "mailto:" + std::string(resources::kSupportAddress)}));
 }
 
-TEST_F(NotificationAreaTest, ALinkThatWasOpenedIsPurple) {
-  Begin();
-  screen.ChooseTab(kTabs, 3);
-  EXPECT_EQ(screen.TextColour(kWebLink), platform::Rgb(0, 0, 255));
-  EXPECT_TRUE(screen.HandCursor(kWebLink));
-  screen.Click(kWebLink);
-  EXPECT_EQ(screen.TextColour(kWebLink), platform::Rgb(128, 0, 128));
-  EXPECT_EQ(screen.TextColour(kMailLink), platform::Rgb(0, 0, 255));
-}
-
-TEST_F(NotificationAreaTest, ALinkThatCannotBeOpenedBeepsAndStaysBlue) {
-  Begin();
-  screen.ChooseTab(kTabs, 3);
-  sim.FailNext("ShellExecuteA", 32);
-  screen.Click(kMailLink);
-  EXPECT_EQ(screen.Beeps(), 1u);
-  EXPECT_EQ(screen.TextColour(kMailLink), platform::Rgb(0, 0, 255));
-}
-
 // ---- Help.
 
 TEST_F(NotificationAreaTest, TheHelpButtonShowsItsTopic) {
   Begin();
-  screen.Click(kHelpButton);
+  screen.Click(kHelp);
   ASSERT_EQ(screen.HelpCalls().size(), 2u);
   EXPECT_EQ(screen.HelpCalls()[1].command, platform::HH_DISPLAY_TOPIC);
   EXPECT_EQ(screen.HelpCalls()[1].file, "/game/Help/Kelvaro.chm");
@@ -336,7 +307,7 @@ TEST_F(NotificationAreaTest, WithoutHelpTheButtonDoesNothingAndNothingIsToldAtTh
   Begin();
   EXPECT_FALSE(HelpAvailable());
   EXPECT_FALSE(DefineControl().helpAvailable);
-  screen.Click(kHelpButton);
+  screen.Click(kHelp);
   screen.Close();
   EXPECT_TRUE(screen.HelpCalls().empty());
   EXPECT_EQ(screen.LoadedLibraries(), Strings{"hhctrl.ocx"}) << "looked for once";
@@ -346,7 +317,7 @@ TEST_F(NotificationAreaTest, HelpThatDoesNotStartIsNone) {
   sim.FailNext("HtmlHelp");
   Begin();
   EXPECT_FALSE(HelpAvailable());
-  screen.Click(kHelpButton);
+  screen.Click(kHelp);
   EXPECT_TRUE(screen.HelpCalls().empty());
 }
 

@@ -6,10 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/profile_row_fixture.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::MB_OK;
 
@@ -51,7 +54,7 @@ TEST_F(ProfileDeviceTest, NoDeviceRunsForAProfileWhoseDeviceIsNotThere) {
   EXPECT_EQ(CurrentDeviceName(), "");
   EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
   EXPECT_EQ(OpenName(), "Beta");
-  EXPECT_EQ(CallsAmong({"timeKillEvent", "Unacquire", "Release", "CreateDevice"}),
+  EXPECT_EQ(CallsOf(sim, {"timeKillEvent", "Unacquire", "Release", "CreateDevice"}),
             Strings({"timeKillEvent 1", "Unacquire", "Release"}));
 }
 
@@ -86,7 +89,7 @@ TEST_F(ProfileDeviceTest, ADeviceThatFailsByItsGuidIsTriedByItsName) {
   sim.FailNext("CreateDevice");
   Choose("Beta");
   EXPECT_TRUE(Device()->DeviceSelected());
-  EXPECT_EQ(CallsAmong({"CreateDevice"}), Strings({"CreateDevice", "CreateDevice"}));
+  EXPECT_EQ(CallsOf(sim, {"CreateDevice"}), Strings({"CreateDevice", "CreateDevice"}));
   EXPECT_FALSE(screen.BoxUp());
 }
 
@@ -97,10 +100,10 @@ TEST_F(ProfileDeviceTest, AProfileWithoutADeviceBringsTheDeviceTabUpEachTimeItIs
   Store("Beta");
   Begin();
   for (int round = 0; round < 2; ++round) {
-    screen.ChooseTab(kTabs, MainWindow::kControlTab);
+    screen.ChooseTab(kTabControl, MainWindow::kControlTab);
     Choose("Beta");
     ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
-    EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+    EXPECT_EQ(screen.Tab(kTabControl), MainWindow::kDeviceTab);
     EXPECT_EQ(CurrentTab(), MainWindow::kDeviceTab);
     EXPECT_TRUE(screen.Visible(kDeviceList));
     EXPECT_FALSE(screen.Visible(kControlList));
@@ -113,16 +116,16 @@ TEST_F(ProfileDeviceTest, TheWarningBringsAHiddenWindowBack) {
   Store("Alpha");
   Begin();
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
-  screen.ChooseTab(kTabs, MainWindow::kControlTab);
+  screen.ChooseTab(kTabControl, MainWindow::kControlTab);
   screen.Minimise();
   ASSERT_FALSE(screen.Shown());
 
-  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_DEVICE_WARNING, 0, 0);
+  platform::PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
   screen.Settle();
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
   EXPECT_TRUE(screen.Shown());
   EXPECT_FALSE(screen.Minimised());
-  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+  EXPECT_EQ(screen.Tab(kTabControl), MainWindow::kDeviceTab);
 }
 
 TEST_F(ProfileDeviceTest, WithoutTheErrorMessageTheWindowStillComesUpOnTheDeviceTab) {
@@ -135,7 +138,7 @@ TEST_F(ProfileDeviceTest, WithoutTheErrorMessageTheWindowStillComesUpOnTheDevice
   Begin();
   Choose("Beta");
   EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(screen.Tab(kTabs), MainWindow::kDeviceTab);
+  EXPECT_EQ(screen.Tab(kTabControl), MainWindow::kDeviceTab);
 
   Choose("Gamma");
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
@@ -145,7 +148,7 @@ TEST_F(ProfileDeviceTest, WithADeviceThereIsNoWarning) {
   StoreWithPad("Alpha");
   Begin();
   screen.Minimise();
-  platform::PostMessageA(screen.WindowOf(kMainWindow), WM_DEVICE_WARNING, 0, 0);
+  platform::PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
   screen.Settle();
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_FALSE(screen.Shown());
@@ -164,7 +167,7 @@ TEST_F(ProfileDeviceTest, ADevicePluggedInLateIsFoundByTheRefreshButton) {
   pad.PlugIn();
   sim.RunFor(20000);
   EXPECT_FALSE(Device()->DeviceSelected()) << "nobody looks for it";
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Pad"}));
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
@@ -197,7 +200,7 @@ TEST_F(ProfileDeviceTest, ADevicePluggedInLateComesIntoUseWithinFiveSeconds) {
   sim.LogCalls(true);
   pad.Unplug();
   sim.RunFor(20000);
-  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings());
+  EXPECT_EQ(CallsOf(sim, {"EnumDevices"}), Strings());
   EXPECT_TRUE(Device()->DeviceSelected());
   pad.PlugIn();
   sim.RunFor(100);
@@ -211,8 +214,8 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
   Begin();
   ASSERT_TRUE(Device()->DeviceSelected());
   pad.Unplug();
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
-  screen.Click(kRefresh);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
+  screen.Click(kRefreshDeviceList);
   EXPECT_FALSE(Device()->DeviceSelected());
   EXPECT_EQ(CurrentDeviceName(), "");
   EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
@@ -223,7 +226,7 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
   EXPECT_EQ(Str(OpenProfile().deviceName), "Pad") << "the profile keeps it";
 
   pad.PlugIn();
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
 }
@@ -231,9 +234,9 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
 TEST_F(ProfileDeviceTest, ARefreshReselectsTheDeviceThatIsThere) {
   StoreWithPad("Alpha");
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   sim.LogCalls(true);
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_EQ(DeviceCalls(),
             Strings({"EnumDevices", "timeKillEvent 1", "Unacquire", "Release", "CreateDevice",
                      "Acquire", "timeBeginPeriod 5", "timeSetEvent 5 1"}));
@@ -242,10 +245,10 @@ TEST_F(ProfileDeviceTest, ARefreshReselectsTheDeviceThatIsThere) {
 TEST_F(ProfileDeviceTest, AnEnumerationThatFailsLeavesTheDeviceRunning) {
   StoreWithPad("Alpha");
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   sim.LogCalls(true);
   sim.FailNext("EnumDevices");
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_EQ(DeviceCalls(), Strings({"EnumDevices"}));
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_FALSE(screen.BoxUp());
@@ -259,7 +262,7 @@ TEST_F(ProfileDeviceTest, AProfileWithoutADeviceIsLookedAtByThePluginPollAllTheS
   ASSERT_EQ(CurrentDeviceName(), "");
   sim.LogCalls(true);
   sim.RunFor(10500);
-  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings({"EnumDevices", "EnumDevices"}));
+  EXPECT_EQ(CallsOf(sim, {"EnumDevices"}), Strings({"EnumDevices", "EnumDevices"}));
   EXPECT_FALSE(Device()->DeviceSelected());
 }
 
@@ -268,9 +271,9 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutADeviceShowsNoneWhereverItStands) {
   AddPad("(USB) Stick");
   StoreWithPad("Alpha");
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   screen.Choose(kDeviceList, kNone);
-  screen.Click(kRefresh);
+  screen.Click(kRefreshDeviceList);
   EXPECT_EQ(screen.Rows(kDeviceList), Strings({"(USB) Stick", kNone, "Pad"}));
   EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
 }
@@ -279,17 +282,17 @@ TEST_F(ProfileDeviceTest, AProfileSetToNoDeviceIsLeftAloneByThePluginPoll) {
   Preset("Autodetect Device Plugin", 1);
   StoreWithPad("Alpha");
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   screen.Choose(kDeviceList, kNone);
   ASSERT_EQ(CurrentDeviceName(), kNone);
   sim.LogCalls(true);
   sim.RunFor(20000);
-  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings());
+  EXPECT_EQ(CallsOf(sim, {"EnumDevices"}), Strings());
 
   // The person's own wish fills the list, and selects nothing.
   AddStick();
-  screen.Click(kRefresh);
-  EXPECT_EQ(CallsAmong({"EnumDevices"}), Strings({"EnumDevices"}));
+  screen.Click(kRefreshDeviceList);
+  EXPECT_EQ(CallsOf(sim, {"EnumDevices"}), Strings({"EnumDevices"}));
   EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Pad", "Stick"}));
   EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
   EXPECT_FALSE(Device()->DeviceSelected());

@@ -9,11 +9,14 @@
 #include <vector>
 
 #include "app/platform/platform.h"
+#include "app/resources/control_ids.h"
 #include "tests/app/profile_row_fixture.h"
 #include "tests/platform/watched_files.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::IDOK;
 using platform::MB_ICONEXCLAMATION;
@@ -262,8 +265,8 @@ TEST_F(ProfileLoadingTest, TestModeEndsWithTheProfile) {
   StoreWithPad("Alpha");
   StoreWithPad("Beta");
   Begin();
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  screen.Click(1036);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  screen.Click(kTestMode);
   ASSERT_TRUE(Engine().TestMode());
   Choose("Beta");
   EXPECT_FALSE(Engine().TestMode());
@@ -275,15 +278,15 @@ TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
   Preset("Show Auto-Detect Usage", 0);
   Begin();
   const std::string before = BytesOf("Alpha.idprof");
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  screen.Click(1029);  // the left mouse button
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  screen.Click(kDetectLeftButton);  // the left mouse button
   ASSERT_TRUE(Engine().IsDetecting());
   pad.Press({3});
   sim.RunFor(50);
 
   Choose("Beta");
   EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_FALSE(screen.Checked(1029));
+  EXPECT_FALSE(screen.Checked(kDetectLeftButton));
   EXPECT_EQ(BytesOf("Alpha.idprof"), before);
   EXPECT_EQ(OpenProfile().leftButton, 0) << "as Beta has it";
   EXPECT_EQ(OpenProfile().leftMask, 0u);
@@ -297,8 +300,8 @@ TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
   Preset("Show Auto-Detect Usage", 0);
   Begin();
   const std::string beta = BytesOf("Beta.idprof");
-  screen.ChooseTab(kTabs, MainWindow::kMouseTab);
-  screen.Click(1029);
+  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
+  screen.Click(kDetectLeftButton);
   pad.Press({3});
   sim.RunFor(50);
   platform::Platform groups = sim.Groups();
@@ -414,9 +417,9 @@ TEST_F(ProfileLoadingTest, AListThatRunsEmptyLeavesNoProfileOpen) {
   ExpectNoProfile();
 
   // Nothing can be asked of no profile.
-  for (const std::uint32_t button : {kDelete, kCopy, kRename}) {
+  for (const std::uint32_t button : {kDeleteProfile, kCopyProfile, kRenameProfile}) {
     screen.Click(button);
-    EXPECT_EQ(screen.Front(), kMainWindow) << button;
+    EXPECT_EQ(screen.Front(), main_window::kDialog) << button;
   }
   // The person begins anew, and the folder comes back with it.
   ClickNew("Again");

@@ -6,11 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "tests/app/profile_row_fixture.h"
 #include "tests/platform/watched_files.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::IDCANCEL;
 using platform::IDOK;
@@ -41,7 +44,7 @@ TEST_F(ProfileOperationsTest, ANewProfileStartsWithTheDeviceInUseAndNothingElse)
   Begin();
   sim.LogCalls(true);
   ClickNew("Alpha");
-  EXPECT_EQ(screen.Front(), kMainWindow);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"})) << "in order";
   EXPECT_EQ(Chosen(), "Alpha");
   EXPECT_EQ(Remembered(), "Alpha");
@@ -90,10 +93,10 @@ TEST_F(ProfileOperationsTest, CancelOfANewProfileDoesNothing) {
   Begin();
   sim.LogCalls(true);
   Disk().ClearLog();
-  screen.Click(kNew);
-  screen.Type(kNameEdit, "Beta");
+  screen.Click(kNewProfile);
+  screen.Type(new_profile::kName, "Beta");
   screen.Click(IDCANCEL);
-  EXPECT_EQ(screen.Front(), kMainWindow);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(OpenName(), "Alpha");
   EXPECT_TRUE(Disk().Log().empty());
   EXPECT_EQ(DeviceCalls(), Strings());
@@ -137,13 +140,13 @@ TEST_F(ProfileOperationsTest, TheProfileIsLockedWhileItIsWrittenAndFreeBeforeAny
   EXPECT_FALSE(AnyLockTaken());
 
   writes.clear();
-  ClickForName(kCopy, "Gamma");
+  ClickForName(kCopyProfile, "Gamma");
   ASSERT_GE(writes.size(), 2u);
   EXPECT_EQ(writes[0], "write /game/Profiles/Gamma.idprof.tmp locked");
   EXPECT_EQ(writes[1], "copy /game/Profiles/Gamma.idprof locked");
 
   writes.clear();
-  ClickForName(kRename, "Delta");
+  ClickForName(kRenameProfile, "Delta");
   ASSERT_GE(writes.size(), 3u);
   EXPECT_EQ(writes[0].substr(0, writes[0].rfind(' ')), "delete /game/Profiles/Gamma.idprof");
   EXPECT_EQ(writes[1], "write /game/Profiles/Delta.idprof.tmp locked");
@@ -199,7 +202,7 @@ class RefusedNameTest : public ProfileOperationsTest {
     alpha = BytesOf("Alpha.idprof");
   }
   void ExpectNothingChanged() {
-    EXPECT_EQ(screen.Front(), kMainWindow) << "the dialog isn't shown again";
+    EXPECT_EQ(screen.Front(), main_window::kDialog) << "the dialog isn't shown again";
     EXPECT_EQ(Profiles(), Strings({"AB", "Alpha"}));
     EXPECT_EQ(Chosen(), "Alpha");
     EXPECT_EQ(OpenName(), "Alpha");
@@ -227,7 +230,7 @@ TEST_F(RefusedNameTest, ForANewProfile) {
 
 TEST_F(RefusedNameTest, ForACopyAndForARename) {
   BeginWithThem();
-  for (const std::uint32_t button : {kCopy, kRename}) {
+  for (const std::uint32_t button : {kCopyProfile, kRenameProfile}) {
     for (const RefusedName& refused : RefusedNames()) {
       SCOPED_TRACE(testing::Message() << button << " " << refused.name);
       ClickForName(button, refused.name);
@@ -240,7 +243,7 @@ TEST_F(RefusedNameTest, ForACopyAndForARename) {
 TEST_F(RefusedNameTest, TheLongestOneThatIsNotIsSaved) {
   BeginWithThem();
   const std::string longest(244, 'n');
-  ClickForName(kRename, longest);
+  ClickForName(kRenameProfile, longest);
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(OpenName(), longest);
   ExpectSavedAs(longest + ".idprof");
@@ -249,15 +252,15 @@ TEST_F(RefusedNameTest, TheLongestOneThatIsNotIsSaved) {
 
 TEST_F(RefusedNameTest, ABlankOneIsSentBackToItsDialog) {
   BeginWithThem();
-  for (const std::uint32_t button : {kCopy, kRename}) {
+  for (const std::uint32_t button : {kCopyProfile, kRenameProfile}) {
     screen.Click(button);
-    screen.Type(kNameEdit, "");
+    screen.Type(profile_name::kName, "");
     screen.Click(IDOK);
     ASSERT_TRUE(screen.BoxUp());
     EXPECT_EQ(screen.Box().text, "Profile name cannot be blank");
     EXPECT_EQ(screen.Box().caption, "Missing Profile Name");
     screen.Answer(IDOK);
-    EXPECT_EQ(screen.Front(), kProfileNameDialog);
+    EXPECT_EQ(screen.Front(), profile_name::kDialog);
     screen.Click(IDCANCEL);
     ExpectNothingChanged();
   }
@@ -352,14 +355,14 @@ TEST_F(ProfileOperationsTest, WithoutAFolderTheFailureOfANewProfileEndsWithAnEmp
 
 TEST_F(ProfileOperationsTest, ADialogThatOutlivesTheProgramChangesNothing) {
   StoreWithPad("Alpha", "a");
-  for (const std::uint32_t button : {kNew, kCopy, kRename, kDelete}) {
+  for (const std::uint32_t button : {kNewProfile, kCopyProfile, kRenameProfile, kDeleteProfile}) {
     SCOPED_TRACE(button);
     Begin();
     const std::string alpha = BytesOf("Alpha.idprof");
     screen.Click(button);
     const std::uint32_t dialog = screen.Front();
-    ASSERT_NE(dialog, kMainWindow);
-    if (button != kDelete) screen.Type(kNameEdit, "Beta");
+    ASSERT_NE(dialog, main_window::kDialog);
+    if (button != kDeleteProfile) screen.Type(profile_name::kName, "Beta");  // or new_profile's
     Post(WM_CLOSE_PROGRAM);
     ASSERT_EQ(screen.Front(), dialog);
     screen.Click(platform::IDOK);
@@ -392,10 +395,10 @@ TEST_F(ProfileOperationsTest, ADeletedProfileIsFollowedByTheFirstOfTheList) {
   StoreWithPad("Gamma", "c");
   PresetText("Last Profile", "Gamma");
   Begin();
-  screen.Click(kDelete);
-  ASSERT_EQ(screen.Front(), kDeleteProfileDialog);
+  screen.Click(kDeleteProfile);
+  ASSERT_EQ(screen.Front(), delete_profile::kDialog);
   EXPECT_EQ(screen.Title(), "Delete Profile");
-  EXPECT_EQ(screen.Text(kDeleteName), "\"Gamma\"");
+  EXPECT_EQ(screen.Text(delete_profile::kName), "\"Gamma\"");
   screen.Click(IDOK);
   EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof"}));
   EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
@@ -410,9 +413,9 @@ TEST_F(ProfileOperationsTest, NoMeansNo) {
   StoreWithPad("Alpha", "a");
   Begin();
   Disk().ClearLog();
-  screen.Click(kDelete);
+  screen.Click(kDeleteProfile);
   screen.Press(0x0D);  // Enter: "No!" is what it presses
-  EXPECT_EQ(screen.Front(), kMainWindow);
+  EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_TRUE(Disk().Log().empty());
   EXPECT_EQ(OpenName(), "Alpha");
   EXPECT_EQ(Profiles(), Strings({"Alpha"}));
@@ -486,12 +489,12 @@ TEST_F(ProfileOperationsTest, ACopyIsWhatIsInMemoryUnderAnotherName) {
   const std::string beta = BytesOf("Beta.idprof");
   OpenProfile().movementSensitivity = 21;  // not saved so far
   sim.LogCalls(true);
-  screen.Click(kCopy);
-  ASSERT_EQ(screen.Front(), kProfileNameDialog);
+  screen.Click(kCopyProfile);
+  ASSERT_EQ(screen.Front(), profile_name::kDialog);
   EXPECT_EQ(screen.Title(), "Copy Profile");
-  EXPECT_EQ(screen.Text(kNameLine), "Copy profile \"Beta\"");
-  EXPECT_EQ(screen.Text(kNameEdit), "Beta");
-  screen.Type(kNameEdit, "Alpha");
+  EXPECT_EQ(screen.Text(profile_name::kTopLine), "Copy profile \"Beta\"");
+  EXPECT_EQ(screen.Text(profile_name::kName), "Beta");
+  screen.Type(profile_name::kName, "Alpha");
   screen.Click(IDOK);
 
   EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
@@ -513,11 +516,11 @@ TEST_F(ProfileOperationsTest, CancelOfACopyOrARenameDoesNothing) {
   StoreWithPad("Alpha", "a");
   Begin();
   Disk().ClearLog();
-  for (const std::uint32_t button : {kCopy, kRename}) {
+  for (const std::uint32_t button : {kCopyProfile, kRenameProfile}) {
     screen.Click(button);
-    screen.Type(kNameEdit, "Beta");
+    screen.Type(profile_name::kName, "Beta");
     screen.Click(IDCANCEL);
-    EXPECT_EQ(screen.Front(), kMainWindow);
+    EXPECT_EQ(screen.Front(), main_window::kDialog);
     EXPECT_EQ(OpenName(), "Alpha");
     EXPECT_EQ(Profiles(), Strings({"Alpha"}));
   }
@@ -533,11 +536,11 @@ TEST_F(ProfileOperationsTest, WhatRepeatsGoesOnThroughACopyAndARename) {
   sim.RunFor(50);
   pad.Press({1});
   sim.RunFor(50);
-  ClickForName(kCopy, "Beta");
+  ClickForName(kCopyProfile, "Beta");
   KeysPressed();
   sim.RunFor(1000);
   EXPECT_GE(KeysPressed().size(), 8u);
-  ClickForName(kRename, "Gamma");
+  ClickForName(kRenameProfile, "Gamma");
   KeysPressed();
   sim.RunFor(1000);
   EXPECT_GE(KeysPressed().size(), 8u);
@@ -548,7 +551,7 @@ TEST_F(ProfileOperationsTest, ACopyThatCannotBeWrittenSaysNothingAndLivesInMemor
   Begin();
   const std::string alpha = BytesOf("Alpha.idprof");
   Disk().ClearLog();
-  ClickForName(kCopy, "Beta");
+  ClickForName(kCopyProfile, "Beta");
   const std::size_t operations = Disk().Log().size();
   ASSERT_GE(operations, 6u);
   ClickDelete();
@@ -558,7 +561,7 @@ TEST_F(ProfileOperationsTest, ACopyThatCannotBeWrittenSaysNothingAndLivesInMemor
     SCOPED_TRACE(n);
     ASSERT_EQ(OpenName(), "Alpha");
     Disk().FailOperation(n, platform::ERROR_DISK_FULL);
-    ClickForName(kCopy, "Beta");
+    ClickForName(kCopyProfile, "Beta");
     Disk().Restart();
     EXPECT_FALSE(screen.BoxUp());
     EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
@@ -592,12 +595,12 @@ TEST_F(ProfileOperationsTest, ARenamedProfileHasANewFileAndNoOldOne) {
   PresetText("Last Profile", "Beta");
   Begin();
   sim.LogCalls(true);
-  screen.Click(kRename);
-  ASSERT_EQ(screen.Front(), kProfileNameDialog);
+  screen.Click(kRenameProfile);
+  ASSERT_EQ(screen.Front(), profile_name::kDialog);
   EXPECT_EQ(screen.Title(), "Rename Profile");
-  EXPECT_EQ(screen.Text(kNameLine), "Rename profile \"Beta\"");
-  EXPECT_EQ(screen.Text(kNameEdit), "Beta");
-  screen.Type(kNameEdit, "Aardvark");
+  EXPECT_EQ(screen.Text(profile_name::kTopLine), "Rename profile \"Beta\"");
+  EXPECT_EQ(screen.Text(profile_name::kName), "Beta");
+  screen.Type(profile_name::kName, "Aardvark");
   Disk().ClearLog();
   screen.Click(IDOK);
 
@@ -620,7 +623,7 @@ TEST_F(ProfileOperationsTest, TheOldFileGoesBeforeTheNewOneIsBegun) {
                              [&](const std::string& operation, const std::string& path) {
                                if (operation != "read") seen.push_back(operation + " " + path);
                              });
-  ClickForName(kRename, "Beta");
+  ClickForName(kRenameProfile, "Beta");
   EXPECT_EQ(seen,
             Strings({"delete /game/Profiles/Alpha.idprof", "write /game/Profiles/Beta.idprof.tmp",
                      "copy /game/Profiles/Beta.idprof", "delete /game/Profiles/Beta.idprof.tmp"}));
@@ -630,7 +633,7 @@ TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone
   StoreWithPad("Alpha", "a");
   Begin();
   Disk().ClearLog();
-  ClickForName(kRename, "Beta");
+  ClickForName(kRenameProfile, "Beta");
   const std::size_t operations = Disk().Log().size();
   ASSERT_GE(operations, 8u);
 
@@ -647,7 +650,7 @@ TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone
     const std::string old = BytesOf(oldFile);
 
     Disk().FailOperation(n, platform::ERROR_DISK_FULL);
-    ClickForName(kRename, to);
+    ClickForName(kRenameProfile, to);
     Disk().Restart();
     EXPECT_FALSE(screen.BoxUp()) << "nothing is said";
     EXPECT_EQ(Profiles(), Strings({to}));
@@ -687,10 +690,10 @@ TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesTheNextChange) 
   EXPECT_FALSE(screen.BoxUp()) << "it loads";
   EXPECT_EQ(Descriptions(), Strings());
   EXPECT_EQ(Files(), Strings({"Alpha.idprof"}));
-  ClickForName(kCopy, "Beta");
+  ClickForName(kCopyProfile, "Beta");
   EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof"})) << "nothing is written over";
   Choose("Alpha");
-  screen.ChooseTab(kTabs, MainWindow::kDeviceTab);
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   screen.Choose(kDeviceList, kNone);
   EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof", "Alpha.idprof.damaged"}));
   EXPECT_EQ(BytesOf("Alpha.idprof.damaged"), cut);
@@ -702,7 +705,7 @@ TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesARename) {
   const std::string cut = CutWithinItsControls("Alpha.idprof");
   Begin();
   ASSERT_EQ(OpenName(), "Alpha");
-  ClickForName(kRename, "Beta");
+  ClickForName(kRenameProfile, "Beta");
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Files(), Strings({"Alpha.idprof.damaged", "Beta.idprof"}));
   EXPECT_EQ(BytesOf("Alpha.idprof.damaged"), cut);
@@ -716,7 +719,7 @@ TEST_F(ProfileOperationsTest, WhatCanNotBeKeptOfTheFileStaysInItThroughARename) 
   const WatchedFiles full(sim.Groups(), [this](const std::string& operation, const std::string&) {
     if (operation == "copy") Disk().FailOperation(1, platform::ERROR_DISK_FULL);
   });
-  ClickForName(kRename, "Beta");
+  ClickForName(kRenameProfile, "Beta");
   EXPECT_EQ(BytesOf("Alpha.idprof"), cut);
 }
 
@@ -725,7 +728,7 @@ TEST_F(ProfileOperationsTest, AReadOnlyFileStaysBesideItsRenamedProfile) {
   Disk().PutFile(PathOf("Alpha.idprof"), BytesOf("Alpha.idprof"),
                  platform::FILE_ATTRIBUTE_READONLY);
   Begin();
-  ClickForName(kRename, "Beta");
+  ClickForName(kRenameProfile, "Beta");
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Profiles(), Strings({"Beta"})) << "until the next start";
   EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof"}));

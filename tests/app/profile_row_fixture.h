@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "keys/key_action.h"
+#include "tests/app/calls.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/random_profile.h"
@@ -18,26 +20,7 @@ namespace kelvaro {
 
 class ProfileRowTest : public MainWindowTest {
  protected:
-  using Strings = std::vector<std::string>;
-
   // Dialogs and controls.
-  static constexpr std::uint32_t kMainWindow = 102;
-  static constexpr std::uint32_t kNewProfileDialog = 137;
-  static constexpr std::uint32_t kDeleteProfileDialog = 138;
-  static constexpr std::uint32_t kProfileNameDialog = 147;
-  static constexpr std::uint32_t kTabs = 1000;
-  static constexpr std::uint32_t kProfileList = 1001;
-  static constexpr std::uint32_t kControlList = 1003;
-  static constexpr std::uint32_t kNew = 1006;
-  static constexpr std::uint32_t kDelete = 1099;
-  static constexpr std::uint32_t kRename = 1100;
-  static constexpr std::uint32_t kCopy = 1101;
-  static constexpr std::uint32_t kNameEdit = 1137;
-  static constexpr std::uint32_t kDeleteName = 1138;
-  static constexpr std::uint32_t kNameLine = 1157;
-  static constexpr std::uint32_t kDeviceList = 1060;
-  static constexpr std::uint32_t kNumButtons = 1063;
-  static constexpr std::uint32_t kRefresh = 1170;
 
   static constexpr char kNone[] = "-- None --";
 
@@ -117,11 +100,11 @@ class ProfileRowTest : public MainWindowTest {
   }
 
   std::string Remembered() { return SettingText("Last Profile").value_or("(nothing)"); }
-  Strings Profiles() { return screen.Rows(kProfileList); }
-  std::string Chosen() { return screen.Chosen(kProfileList); }
+  Strings Profiles() { return screen.Rows(main_window::kProfileList); }
+  std::string Chosen() { return screen.Chosen(main_window::kProfileList); }
   Strings Descriptions() {
     Strings texts;
-    for (const Strings& row : screen.Cells(kControlList)) texts.push_back(row.at(2));
+    for (const Strings& row : screen.Cells(main_window::kControlList)) texts.push_back(row.at(2));
     return texts;
   }
   std::string OpenName() { return Str(OpenProfile().profileName); }
@@ -135,7 +118,7 @@ class ProfileRowTest : public MainWindowTest {
     EXPECT_EQ(screen.Box().text, text);
     EXPECT_EQ(screen.Box().caption, caption);
     EXPECT_EQ(screen.Box().type, type);
-    EXPECT_EQ(screen.Box().owner, screen.WindowOf(kMainWindow));
+    EXPECT_EQ(screen.Box().owner, screen.WindowOf(main_window::kDialog));
     EXPECT_FALSE(AnyLockTaken()) << "while the program waits for an answer";
   }
   void ExpectBoxAndAnswer(const std::string& text, const std::string& caption, std::uint32_t type) {
@@ -156,23 +139,23 @@ class ProfileRowTest : public MainWindowTest {
     ExpectSameProfile(file, OpenProfile());
   }
 
-  void Choose(const char* name) { screen.Choose(kProfileList, name); }
+  void Choose(const char* name) { screen.Choose(main_window::kProfileList, name); }
   void ClickNew(const std::string& name) {
-    screen.Click(kNew);
-    ASSERT_EQ(screen.Front(), kNewProfileDialog);
-    screen.Type(kNameEdit, name);
+    screen.Click(main_window::kNewProfile);
+    ASSERT_EQ(screen.Front(), new_profile::kDialog);
+    screen.Type(new_profile::kName, name);
     screen.Click(platform::IDOK);
   }
   // Copy or rename.
   void ClickForName(std::uint32_t button, const std::string& name) {
     screen.Click(button);
-    ASSERT_EQ(screen.Front(), kProfileNameDialog);
-    screen.Type(kNameEdit, name);
+    ASSERT_EQ(screen.Front(), profile_name::kDialog);
+    screen.Type(profile_name::kName, name);
     screen.Click(platform::IDOK);
   }
   void ClickDelete() {
-    screen.Click(kDelete);
-    ASSERT_EQ(screen.Front(), kDeleteProfileDialog);
+    screen.Click(main_window::kDeleteProfile);
+    ASSERT_EQ(screen.Front(), delete_profile::kDialog);
     screen.Click(platform::IDOK);
   }
 
@@ -186,24 +169,11 @@ class ProfileRowTest : public MainWindowTest {
     sim.ClearEvents();
     return keys;
   }
-  // Those of the calls since they were last cleared, in order.
-  Strings CallsAmong(const std::vector<std::string>& beginnings) {
-    Strings found;
-    for (const std::string& call : sim.Calls()) {
-      for (const std::string& beginning : beginnings) {
-        if (call.compare(0, beginning.size(), beginning) == 0) {
-          found.push_back(call);
-          break;
-        }
-      }
-    }
-    return found;
-  }
   // Of the device, but for its polls, and what is remembered of the profile.
   Strings DeviceCalls() {
-    return CallsAmong({"RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Last Profile",
-                       "EnumDevices", "timeKillEvent", "Unacquire", "Release", "CreateDevice",
-                       "Acquire", "timeBeginPeriod", "timeSetEvent"});
+    return CallsOf(sim, {"RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Last Profile",
+                         "EnumDevices", "timeKillEvent", "Unacquire", "Release", "CreateDevice",
+                         "Acquire", "timeBeginPeriod", "timeSetEvent"});
   }
 };
 

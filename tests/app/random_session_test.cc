@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "keys/key_action.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/console/random.h"
@@ -23,37 +24,23 @@
 namespace kelvaro {
 namespace {
 
+using namespace main_window;
+
 using platform::IDCANCEL;
 using platform::IDOK;
 
 using Strings = std::vector<std::string>;
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kNew = 1006;
-constexpr std::uint32_t kDelete = 1099;
-constexpr std::uint32_t kRename = 1100;
-constexpr std::uint32_t kCopy = 1101;
-constexpr std::uint32_t kNameEdit = 1137;
-constexpr std::uint32_t kTest = 1036;
-constexpr std::uint32_t kAlwaysActive = 1139;
-constexpr std::uint32_t kRefresh = 1170;
-constexpr std::uint32_t kAdvanced = 1198;
-constexpr std::uint32_t kAutodetect = 1199;
-constexpr std::uint32_t kDeleteControls = 1136;
-constexpr std::uint32_t kCopyControls = 1115;
-constexpr std::uint32_t kPasteControls = 1155;
-constexpr std::uint32_t kMoveUp = 1156;
-constexpr std::uint32_t kMoveDown = 1157;
-
 struct DetectBox {
   std::uint32_t box;
   std::uint32_t field;
 };
-constexpr DetectBox kDetectBoxes[] = {{1027, 1159}, {1028, 1160}, {1034, 1163},
-                                      {1029, 1161}, {1030, 1162}, {1031, 1164}};
+constexpr DetectBox kDetectBoxes[] = {{kDetectMouseX, kMouseX},
+                                      {kDetectMouseY, kMouseY},
+                                      {kDetectMouseWheel, kMouseWheel},
+                                      {kDetectLeftButton, kLeftButton},
+                                      {kDetectMiddleButton, kMiddleButton},
+                                      {kDetectRightButton, kRightButton}};
 
 // Two of them give the same file name, the last ones none.
 const std::initializer_list<const char*> kNames = {"Alpha", "Bravo", "Charlie", "Delta", "Echo 1",
@@ -179,7 +166,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   }
 
   void ToTab(MainWindow::Tab tab) {
-    if (screen.Tab(kTabs) != tab) screen.ChooseTab(kTabs, tab);
+    if (screen.Tab(kTabControl) != tab) screen.ChooseTab(kTabControl, tab);
   }
 
   // What became of the profiles' list by a choice of `name`, from its boxes.
@@ -209,9 +196,9 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   void NewProfile() {
     const std::string before = screen.Chosen(kProfileList);
     const std::string name = random.OneOf(kNames);
-    screen.Click(kNew);
+    screen.Click(kNewProfile);
     if (random.OneIn(4)) sim.RunFor(random.Below(6000));
-    screen.Type(kNameEdit, name);
+    screen.Type(new_profile::kName, name);
     if (random.OneIn(6)) return screen.Click(IDCANCEL);
     screen.Click(IDOK);
     const Strings captions = AnswerBoxes();
@@ -222,7 +209,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   void DeleteProfile() {
     if (listed.empty()) return;
     const std::string before = screen.Chosen(kProfileList);
-    screen.Click(kDelete);
+    screen.Click(kDeleteProfile);
     if (random.OneIn(3)) return screen.Click(IDCANCEL);
     screen.Click(IDOK);
     const Strings captions = AnswerBoxes();
@@ -236,23 +223,23 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     const std::string before = screen.Chosen(kProfileList);
     const std::string name = random.OneOf(kNames);
     screen.Click(button);
-    screen.Type(kNameEdit, name);
+    screen.Type(profile_name::kName, name);
     if (random.OneIn(6)) return screen.Click(IDCANCEL);
     screen.Click(IDOK);
     if (IsRefused(AnswerBoxes())) {
       if (name.empty()) screen.Click(IDCANCEL);
       return;
     }
-    if (button == kRename) listed.erase(std::find(listed.begin(), listed.end(), before));
+    if (button == kRenameProfile) listed.erase(std::find(listed.begin(), listed.end(), before));
     listed.push_back(name);
   }
   void WorkTheMouseTab() {
     ToTab(MainWindow::kMouseTab);
     switch (random.Below(4)) {
       case 0:
-        return screen.Click(kTest);
+        return screen.Click(kTestMode);
       case 1:
-        return screen.Click(kAlwaysActive);
+        return screen.Click(kMouseAlwaysActive);
       case 2:
         return screen.MoveSlider(ControlEngine::kMovementSensitivitySlider,
                                  static_cast<std::int32_t>(random.Below(51)));
@@ -262,7 +249,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   }
   void WorkTheDeviceTab() {
     ToTab(MainWindow::kDeviceTab);
-    if (random.OneIn(2)) return screen.Click(kRefresh);
+    if (random.OneIn(2)) return screen.Click(kRefreshDeviceList);
     const Strings rows = screen.Rows(kDeviceList);
     screen.Choose(kDeviceList, rows[random.Below(static_cast<std::uint32_t>(rows.size()))]);
     AnswerBoxes();
@@ -285,7 +272,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   void WorkTheSettingsTab() {
     ToTab(MainWindow::kSettingsTab);
     screen.Click(kAdvanced);
-    if (random.OneIn(2)) screen.Click(kAutodetect);
+    if (random.OneIn(2)) screen.Click(advanced_settings::kAutodetectDevicePlugin);
     screen.Click(random.OneIn(3) ? IDCANCEL : IDOK);
   }
   void HideAndShow() {
@@ -334,10 +321,10 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
         return DeleteProfile();
       case 6:
       case 7:
-        return CopyOrRename(kCopy);
+        return CopyOrRename(kCopyProfile);
       case 8:
       case 9:
-        return CopyOrRename(kRename);
+        return CopyOrRename(kRenameProfile);
       case 10:
       case 11:
       case 12:
@@ -409,7 +396,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
 
   void Check(bool faulty, const std::string& nameBefore, const std::string& before) {
     EXPECT_FALSE(screen.BoxUp());
-    EXPECT_EQ(screen.Front(), 102u);
+    EXPECT_EQ(screen.Front(), main_window::kDialog);
     EXPECT_EQ(sim.Disk().OpenHandles(), 0u);
     EXPECT_EQ(sim.Registry().OpenHandles(), 0u);
     ExpectNoLock();
@@ -497,7 +484,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   }
 
   void CheckScreen() {
-    EXPECT_EQ(screen.Tab(kTabs), CurrentTab());
+    EXPECT_EQ(screen.Tab(kTabControl), CurrentTab());
     EXPECT_EQ(screen.Cells(kControlList).size(),
               static_cast<std::size_t>(OpenProfile().controls.count));
     if (CurrentTab() != MainWindow::kMouseTab) {

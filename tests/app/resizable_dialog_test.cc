@@ -10,6 +10,7 @@
 
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
+#include "tests/app/calls.h"
 
 namespace platform {
 
@@ -33,7 +34,6 @@ using platform::simulation::Drawing;
 using platform::simulation::Screen;
 using Simulation = platform::simulation::DesktopSimulation;
 using platform::simulation::VirtualRegistry;
-using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kDo = 2000;  // runs what the test wants done on the window's own thread
 constexpr std::uint32_t kFirst = 2001;
@@ -138,22 +138,8 @@ class ResizableDialogTest : public ::testing::Test {
   }
   // Calls for controls, with their numbers and flags.
   Strings Steps() const {
-    Strings steps;
-    for (const std::string& call : sim.Calls()) {
-      const std::string name = call.substr(0, call.find(' '));
-      if (name.ends_with("DeferWindowPos") || name == "SetControlPos" ||
-          name == "InvalidateControl" || name == "ShowControl") {
-        steps.push_back(call);
-      }
-    }
-    return steps;
-  }
-  Strings Shown() const {
-    Strings shown;
-    for (const std::string& call : sim.Calls()) {
-      if (call.starts_with("ShowControl ")) shown.push_back(call);
-    }
-    return shown;
+    return CallsOf(sim, {"BeginDeferWindowPos", "DeferWindowPos", "EndDeferWindowPos",
+                         "SetControlPos", "InvalidateControl", "ShowControl"});
   }
   Rect Place(std::uint32_t id) const {
     Rect rect;
@@ -517,10 +503,12 @@ TEST_F(PagesTest, AControlOfTwoPagesEndsWhereTheCurrentOnePutsIt) {
 TEST_F(PagesTest, AControlOfTwoPagesIsntHiddenOnTheWayFromOneToTheOther) {
   sim.LogCalls(true);
   Do([&] { dialog.SelectPage(1); });
-  EXPECT_EQ(Shown(), (Strings{"ShowControl 2001 0", "ShowControl 2003 4", "ShowControl 2002 4"}));
+  EXPECT_EQ(CallsOf(sim, {"ShowControl"}),
+            (Strings{"ShowControl 2001 0", "ShowControl 2003 4", "ShowControl 2002 4"}));
   sim.ClearCalls();
   Grow(40, 30);
-  EXPECT_EQ(Shown(), (Strings{"ShowControl 2001 0", "ShowControl 2003 4", "ShowControl 2002 4"}));
+  EXPECT_EQ(CallsOf(sim, {"ShowControl"}),
+            (Strings{"ShowControl 2001 0", "ShowControl 2003 4", "ShowControl 2002 4"}));
 }
 
 TEST_F(PagesTest, AHiddenNodeStaysHiddenOnItsPageAlone) {
@@ -613,13 +601,8 @@ TEST_F(ResizableDialogTest, ALayoutDrawsTheGripsOldAndNewPlaceAnewAndPaintsAtOnc
   Open([&] { dialog.MeasurePages(); });
   sim.LogCalls(true);
   Grow(40, 30);
-  Strings calls;
-  for (const std::string& call : sim.Calls()) {
-    const std::string name = call.substr(0, call.find(' '));
-    if (name == "InvalidateRect" || name == "UpdateWindow" || name == "BeginDeferWindowPos") {
-      calls.push_back(name);
-    }
-  }
+  Strings calls = CallsOf(sim, {"InvalidateRect", "UpdateWindow", "BeginDeferWindowPos"});
+  for (std::string& call : calls) call.resize(std::min(call.find(' '), call.size()));
   EXPECT_EQ(calls,
             (Strings{"InvalidateRect", "BeginDeferWindowPos", "InvalidateRect", "UpdateWindow"}));
 }
@@ -710,9 +693,8 @@ TEST_F(PlacementTest, EdgesAreReadInTheirOrderAndTheFirstMissEndsIt) {
   sim.LogCalls(true);
   Open();
   Strings read;
-  for (const std::string& call : sim.Calls()) {
-    if (call.starts_with("RegQueryValueExA")) read.push_back(call.substr(call.rfind(' ') + 1));
-  }
+  for (const std::string& call : CallsOf(sim, {"RegQueryValueExA"}))
+    read.push_back(call.substr(call.rfind(' ') + 1));
   EXPECT_EQ(read, (Strings{"left", "top"}));
 }
 

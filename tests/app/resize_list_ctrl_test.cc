@@ -11,6 +11,7 @@
 #include "app/layout/dialog.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
+#include "tests/app/calls.h"
 
 namespace kelvaro {
 namespace {
@@ -21,7 +22,6 @@ using platform::simulation::Screen;
 using Simulation = platform::simulation::DesktopSimulation;
 using platform::simulation::VirtualRegistry;
 using Numbers = std::vector<std::int32_t>;
-using Strings = std::vector<std::string>;
 
 constexpr std::uint32_t kDo = 2000;  // runs what the test wants done on the window's own thread
 constexpr std::uint32_t kList = 2001;
@@ -268,13 +268,8 @@ TEST_F(ResizeListCtrlTest, TheOrderIsReadOnlyBehindTheNoticeOfTheDrag) {
   Open();
   sim.LogCalls(true);
   Do([&] { EXPECT_TRUE(list.OnNotice(Notice::HeaderDragEnded, 0)); });
-  Strings calls;
-  for (const std::string& call : sim.Calls()) {
-    if (call.starts_with("PostControlMessage") || call == "ListGetColumnOrder") {
-      calls.push_back(call);
-    }
-  }
-  EXPECT_EQ(calls, (Strings{"PostControlMessage 2001 32768", "ListGetColumnOrder"}));
+  EXPECT_EQ(CallsOf(sim, {"PostControlMessage", "ListGetColumnOrder"}),
+            (Strings{"PostControlMessage 2001 32768", "ListGetColumnOrder"}));
 }
 
 TEST_F(ResizeListCtrlTest, BeforeTheFirstPaintHeaderNoticesDontCount) {

@@ -1,13 +1,13 @@
 // What the person is told where profiles can't be stored: beside what the operations themselves
 // say.
+#include "app/resources/control_ids.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kMouseAlwaysActive = 1139;
+using namespace main_window;
+
 constexpr std::uint32_t kClosed =
     platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_READONLY;
 
@@ -17,7 +17,7 @@ class SavingTest : public MainWindowTest {
   void Open() { sim.Disk().PutFolder("/game/Profiles"); }
   // An edit, which is stored at once.
   void Edit() {
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
     screen.Click(kMouseAlwaysActive);
   }
   bool Says(std::size_t told, const std::string& text) {

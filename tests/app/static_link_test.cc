@@ -9,10 +9,13 @@
 #include "app/layout/dialog.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 
 namespace kelvaro {
 namespace {
+
+using namespace main_window;
 
 using platform::ControlKind;
 using platform::Notice;
@@ -20,12 +23,11 @@ using platform::simulation::Screen;
 using Simulation = platform::simulation::DesktopSimulation;
 using Strings = std::vector<std::string>;
 
-constexpr std::uint32_t kWithString = 1175;  // a number of the string table
 constexpr std::uint32_t kWithout = 2999;
 constexpr std::uint32_t kEmpty = 2998;
 
 constexpr platform::ControlTemplate kControls[] = {
-    {ControlKind::Link, kWithString, "caption of 1175", 4, 4, 80, 10},
+    {ControlKind::Link, kWebLink, "caption of 1175", 4, 4, 80, 10},
     {ControlKind::Link, kWithout, "https://caption.example/", 4, 20, 80, 10},
     {ControlKind::Link, kEmpty, "", 4, 36, 80, 10},
 };
@@ -77,7 +79,7 @@ TEST_F(StaticLinkTest, AClickOpensTheTargetAndLeavesItsMark) {
   EXPECT_EQ(without.colour, CStaticLink::kVisitedColour);
   EXPECT_GE(screen.Redraws(kWithout), 1u);
   EXPECT_EQ(screen.Beeps(), 0u);
-  EXPECT_EQ(screen.TextColour(kWithString), platform::Rgb(0, 0, 255));
+  EXPECT_EQ(screen.TextColour(kWebLink), platform::Rgb(0, 0, 255));
 }
 
 TEST_F(StaticLinkTest, AnOpenedLinkOpensAgain) {
@@ -89,10 +91,10 @@ TEST_F(StaticLinkTest, AnOpenedLinkOpensAgain) {
 }
 
 TEST_F(StaticLinkTest, WithoutATargetTheStringOfItsNumberIsIt) {
-  ASSERT_NE(resources::String(kWithString), nullptr);
-  screen.Click(kWithString);
-  EXPECT_EQ(screen.OpenedAddresses(), Strings{resources::String(kWithString)});
-  EXPECT_EQ(Bytes(withString.hyperlink.target), resources::String(kWithString));
+  ASSERT_NE(resources::String(kWebLink), nullptr);
+  screen.Click(kWebLink);
+  EXPECT_EQ(screen.OpenedAddresses(), Strings{resources::String(kWebLink)});
+  EXPECT_EQ(Bytes(withString.hyperlink.target), resources::String(kWebLink));
 }
 
 TEST_F(StaticLinkTest, WithoutATargetAndAStringItsTextIsIt) {

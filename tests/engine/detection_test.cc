@@ -237,6 +237,16 @@ TEST_F(Detection, WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore) {
   engine.EndMouseDetection();
   EXPECT_EQ(profile.leftButton, 4);
   EXPECT_EQ(profile.leftMask, 16u);
+  // A button was: the index that is there counts, even that of a button that wasn't assigned.
+  engine.StartMouseDetection(MouseRole::MiddleButton);
+  Dispatch({2});
+  engine.EndMouseDetection();
+  profile.leftButton = 0;
+  profile.leftMask = 0;
+  engine.StartMouseDetection(MouseRole::LeftButton);
+  engine.EndMouseDetection();
+  EXPECT_EQ(profile.leftButton, 0);
+  EXPECT_EQ(profile.leftMask, 1u);
 }
 
 TEST_F(Detection, ButtonsFromThirtyTwoOnGetTheMaskThatTheyGetEverywhere) {

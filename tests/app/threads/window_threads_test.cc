@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "app/platform/linux/settings/sqlite_registry.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "foundation/registry_key.h"
 #include "storage/profile_file.h"
@@ -23,26 +24,15 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kProfileList = 1001;
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kNew = 1004;
-constexpr std::uint32_t kEdit = 1005;
-constexpr std::uint32_t kTest = 1036;
-constexpr std::uint32_t kDeviceList = 1060;
-constexpr std::uint32_t kInterval = 1076;
-constexpr std::uint32_t kRate = 1077;
-constexpr std::uint32_t kDefaults = 1078;
-constexpr std::uint32_t kCopy = 1115;
-constexpr std::uint32_t kDelete = 1136;
-constexpr std::uint32_t kAlwaysActive = 1139;
-constexpr std::uint32_t kPaste = 1155;
-constexpr std::uint32_t kDown = 1157;
-constexpr std::uint32_t kRefresh = 1170;
+using namespace main_window;
+
 constexpr platform::WindowHandle kWindow = 1;
-constexpr platform::WindowHandle kDialog = 2;
-constexpr std::uint32_t kDetectBoxes[] = {1027, 1028, 1034, 1029, 1030, 1031};
-constexpr std::uint32_t kSliders[] = {1052, 1056, 1079, 1080};
+constexpr platform::WindowHandle kDialogHandle = 2;
+constexpr std::uint32_t kDetectBoxes[] = {kDetectMouseX,       kDetectMouseY,
+                                          kDetectMouseWheel,   kDetectLeftButton,
+                                          kDetectMiddleButton, kDetectRightButton};
+constexpr std::uint32_t kSliders[] = {kMovementSensitivity, kMovementDamper, kWheelDamper,
+                                      kWheelSensitivity};
 
 // One pad. Every 64 polls: at rest, button 3, buttons 3 and 5, an axis at its end.
 struct BusyPad : test::OnePad {
@@ -132,14 +122,14 @@ struct WindowThreads : testing::Test {
 TEST_F(WindowThreads, ADetectionEndsOnTheOtherThreadWhileThePersonEditsTheTab) {
   std::uint32_t endedByButtons = 0;
   Run([&] {
-    screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+    screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
     for (std::uint32_t i = 0; i < 36; ++i) {
       const std::uint32_t box = kDetectBoxes[i % 6];
       screen.Click(box);
       Pass(3);
       screen.MoveSlider(kSliders[i % 4], static_cast<std::int32_t>(i % 51));
-      screen.Click(kAlwaysActive);
-      screen.Click(kTest);
+      screen.Click(kMouseAlwaysActive);
+      screen.Click(kTestMode);
       Pass(static_cast<int>(i * 7 % 40));
       if (screen.IsDlgButtonChecked(1, box)) {
         screen.Click(box);
@@ -169,19 +159,19 @@ TEST_F(WindowThreads, ADetectionEndsWhileTheDeviceTheIntervalOrTheProfileChanges
   const std::function<void()> changes[] = {
       [this] { screen.Choose(kProfileList, "Other"); },
       [this] { screen.Choose(kProfileList, "Game"); },
-      [this] { screen.Click(kRefresh); },
+      [this] { screen.Click(kRefreshDeviceList); },
       [this] { screen.TypeAndLeave(kInterval, "2"); },
       [this] { screen.TypeAndLeave(kRate, "999"); },
-      [this] { screen.Click(kDefaults); },
+      [this] { screen.Click(kDefaultRate); },
       [this] { screen.Choose(kDeviceList, "-- None --"); },
       [this] { screen.Choose(kDeviceList, "Pad"); },
-      [this] { screen.ChooseTab(kTabs, MainWindow::kControlTab); },
+      [this] { screen.ChooseTab(kTabControl, MainWindow::kControlTab); },
   };
   Run([&] {
     std::uint32_t i = 0;
     for (int round = 0; round < 2; ++round) {
       for (const auto& change : changes) {
-        screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+        screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
         const std::uint32_t box = kDetectBoxes[i % 6];
         screen.Click(box);
         Pass(static_cast<int>(i * 5 % 50));
@@ -202,7 +192,7 @@ TEST_F(WindowThreads, ADetectionEndsWhileTheDeviceTheIntervalOrTheProfileChanges
 TEST_F(WindowThreads, TheProgramEndsInTheMiddleOfADetection) {
   for (int i = 0; i < 4; ++i) {
     Run([&] {
-      screen.ChooseTab(kTabs, MainWindow::kMouseTab);
+      screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
       screen.Click(kDetectBoxes[3]);
       Pass(i * 11);
     });
@@ -216,12 +206,13 @@ TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
   std::uint32_t i = 0;
   screen.answer = platform::IDYES;
   screen.personInDialog = [&](platform::WindowListener& dialog) {
-    screen.SetDlgItemTextA(kDialog, 1083, "one");
-    screen.SetDlgItemTextA(kDialog, 1093, i % 2 == 0 ? "ab" : "a<P:3>b");
-    for (const std::uint32_t field : {1095, 1096}) screen.SetDlgItemTextA(kDialog, field, "10");
-    screen.CheckDlgButton(kDialog, 1123, i % 3 == 0);
-    screen.CheckDlgButton(kDialog, 1126, true);
-    dialog.OnNotice(1126, platform::Notice::Clicked, 0);
+    screen.SetDlgItemTextA(kDialogHandle, define_control::kDescriptionText, "one");
+    screen.SetDlgItemTextA(kDialogHandle, define_control::kKeysText, i % 2 == 0 ? "ab" : "a<P:3>b");
+    for (const std::uint32_t field : {define_control::kDelayValue, define_control::kSpeedValue})
+      screen.SetDlgItemTextA(kDialogHandle, field, "10");
+    screen.CheckDlgButton(kDialogHandle, define_control::kRepeatCheck, i % 3 == 0);
+    screen.CheckDlgButton(kDialogHandle, define_control::kDetectTrigger, true);
+    dialog.OnNotice(define_control::kDetectTrigger, platform::Notice::Clicked, 0);
     Pass(static_cast<int>(i * 7 % 50));
     dialog.OnNotice(i % 5 == 4 ? platform::IDCANCEL : platform::IDOK, platform::Notice::Clicked, 0);
   };
@@ -230,13 +221,13 @@ TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
     for (; i < 60; ++i) {
       rows = screen.ListGetItemCount(kWindow, kControlList);
       if (rows > 0) screen.ListSelectItem(kWindow, kControlList, 0, true);
-      screen.Click(i % 2 == 0 ? kNew : kEdit);
-      if (rows > 1) screen.Click(kDown);
+      screen.Click(i % 2 == 0 ? kNewControl : kEditControl);
+      if (rows > 1) screen.Click(kMoveDown);
       if (i % 4 == 1) {
-        screen.Click(kCopy);
-        screen.Click(kPaste);
+        screen.Click(kCopyControls);
+        screen.Click(kPasteControls);
       }
-      if (i % 4 == 3) screen.Click(kDelete);
+      if (i % 4 == 3) screen.Click(kDeleteControls);
       Pass(static_cast<int>(i * 11 % 30));
     }
     rows = screen.ListGetItemCount(kWindow, kControlList);

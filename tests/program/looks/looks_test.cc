@@ -25,6 +25,7 @@
 
 #include "app/platform/qt/colours.h"
 #include "app/platform/qt/text.h"
+#include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
 #include "storage/profile_file.h"
 #include "tests/program/looks/stage.h"
@@ -32,13 +33,14 @@
 namespace kelvaro::looks {
 namespace {
 
+using namespace main_window;
+
 using platform::ControlKind;
 using platform::ControlTemplate;
 using platform::DialogTemplate;
 using platform::qt::Contrast;
 using platform::qt::Control;
 
-constexpr std::uint32_t kTabs = 1000;
 constexpr int kPatience = 30000;  // ms
 
 bool IsFrame(ControlKind kind) {
@@ -218,9 +220,9 @@ void ExpectReadable(const DialogTemplate& dialog, DialogWindow& window) {
 // Each tab, for a dialog that has some.
 void OnEachPage(const DialogTemplate& dialog, DialogWindow& window,
                 const std::function<void()>& look) {
-  if (dialog.id != 102) return look();
+  if (dialog.id != main_window::kDialog) return look();
   for (int tab = 0; tab < 4; ++tab) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(tab);
+    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(tab);
     Stage::Settle(20);
     look();
   }
@@ -299,10 +301,10 @@ TEST_F(Looks, TheLampOfTheTestStandsOutInLightAndInDark) {
   for (const QPalette& palette : Palettes()) {
     QApplication::setPalette(palette);
     Stage stage;
-    EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
-      dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(1);
+    EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
+      dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(1);
       Stage::Settle();
-      QWidget* const button = window.Find(1036)->Widget();
+      QWidget* const button = window.Find(kTestMode)->Widget();
       const QImage image = button->grab().toImage();
       const QColor face = image.pixelColor(4, 8);
       double best = 0;
@@ -339,14 +341,14 @@ std::set<std::string> TopicsOf(const DialogTemplate& dialog, DialogWindow& windo
 TEST_F(Looks, F1OpensAPlaceThatTheHelpHasFromEveryControl) {
   Stage stage;
   std::set<std::string> topics;
-  EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
+  EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
     OnEachPage(resources::kMainWindow, window,
                [&] { topics.merge(TopicsOf(resources::kMainWindow, window)); });
     stage.WhenUp("Define Control", [&](QWidget& dialog) {
       topics.merge(TopicsOf(resources::kDefineControl, dynamic_cast<DialogWindow&>(dialog)));
     });
-    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(0);
-    QTest::mouseClick(window.Find(1004)->FocusWidget(), Qt::LeftButton);
+    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(0);
+    QTest::mouseClick(window.Find(kNewControl)->FocusWidget(), Qt::LeftButton);
   }));
   for (const std::string& topic : topics) ExpectTopic(topic);
   EXPECT_EQ(topics.size(), 11u);
@@ -361,9 +363,9 @@ std::int32_t StoredSensitivity() {
 TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
   Stage stage;
   ASSERT_EQ(StoredSensitivity(), 10);
-  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(1);
-    QWidget* const slider = window.Find(1052)->FocusWidget();
+  EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(1);
+    QWidget* const slider = window.Find(kMovementSensitivity)->FocusWidget();
     QStyleOptionSlider option;
     option.initFrom(slider);
     option.minimum = 0;
@@ -382,22 +384,22 @@ TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
                      {});
     QApplication::sendEvent(slider, &move);
     QTest::mouseRelease(slider, Qt::LeftButton, {}, end);
-    EXPECT_EQ(window.Find(1050)->Text(), "Movement Sensitivity (50)");
+    EXPECT_EQ(window.Find(kMovementSensitivityFrame)->Text(), "Movement Sensitivity (50)");
   }));
   EXPECT_EQ(StoredSensitivity(), 50);
 }
 
 TEST_F(Looks, AnIntervalThatIsTypedIsSavedInTheProfileWhenTheFieldIsLeft) {
   Stage stage;
-  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(2);
-    QWidget* const field = window.Find(1076)->FocusWidget();
+  EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(2);
+    QWidget* const field = window.Find(kInterval)->FocusWidget();
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
     QTest::keyClicks(field, QStringLiteral("20"));
     QTest::keyClick(field, Qt::Key_Tab);
     Stage::Settle();
-    EXPECT_EQ(window.Find(1077)->Text(), "50");  // a second has 50 of 20 ms
+    EXPECT_EQ(window.Find(kRate)->Text(), "50");  // a second has 50 of 20 ms
   }));
   ProfileFile stored;
   ASSERT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
@@ -414,13 +416,13 @@ TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
     control.repeatSpeed = 20;
   }
   ASSERT_TRUE(profile.Save());
-  EXPECT_TRUE(stage.Open(102, [&](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabs)->FocusWidget()).setCurrentIndex(2);
+  EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
+    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(2);
     stage.Pad().Press({3});
     ASSERT_TRUE(QTest::qWaitFor([&] { return stage.KeysSent() >= 6; }, kPatience))
         << "it doesn't repeat";
-    QTest::keyClick(window.Find(1060)->FocusWidget(), Qt::Key_Home);  // "-- None --"
-    EXPECT_EQ(window.Find(1063)->Text(), "0");
+    QTest::keyClick(window.Find(kDeviceList)->FocusWidget(), Qt::Key_Home);  // "-- None --"
+    EXPECT_EQ(window.Find(kNumButtons)->Text(), "0");
     const int sent = stage.KeysSent();
     Stage::Settle(500);
     EXPECT_EQ(stage.KeysSent(), sent);
@@ -447,11 +449,11 @@ TEST_F(Looks, ProfilesThatCannotBeStoredAreToldAtTheStartAndAtTheFirstSaveThatFa
   Stage stage;
   stage.Disk().PutFolder("/game/Profiles",
                          platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_READONLY);
-  EXPECT_TRUE(stage.Open(102, [](DialogWindow& window) {
+  EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
     const std::string start = CloseBoxAside();
     EXPECT_NE(start.find("can't be stored in the folder\n/game/Profiles"), std::string::npos)
         << start;
-    auto& box = dynamic_cast<QAbstractButton&>(*window.Find(1139)->FocusWidget());
+    auto& box = dynamic_cast<QAbstractButton&>(*window.Find(kMouseAlwaysActive)->FocusWidget());
     box.click();
     const std::string save = CloseBoxAside();
     EXPECT_NE(save.find("couldn't be stored in the folder\n/game/Profiles"), std::string::npos)

@@ -20,10 +20,13 @@
 #include <cstdio>
 #include <functional>
 
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "tests/program/looks/stage.h"
 
 namespace {
+
+using namespace kelvaro::main_window;
 
 using namespace kelvaro::looks;
 
@@ -64,20 +67,20 @@ void Type(QWidget& window, std::uint32_t id, const char* text) {
 
 void ShowTab(DialogWindow& window, int tab) {
   platform::Rect rect;
-  platform::TabGetItemRect(window.Handle(), 1000, tab, &rect);
-  QTest::mouseClick(Widget(window, 1000), Qt::LeftButton, {},
+  platform::TabGetItemRect(window.Handle(), kTabControl, tab, &rect);
+  QTest::mouseClick(Widget(window, kTabControl), Qt::LeftButton, {},
                     QPoint((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2));
 }
 
 void SelectRow(DialogWindow& window, int row) {
-  for (int other = 0; other < platform::ListGetItemCount(window.Handle(), 1003); ++other) {
-    platform::ListSelectItem(window.Handle(), 1003, other, other == row);
+  for (int other = 0; other < platform::ListGetItemCount(window.Handle(), kControlList); ++other) {
+    platform::ListSelectItem(window.Handle(), kControlList, other, other == row);
   }
 }
 
 // As a person does with a double click on each divider, so that whole texts are seen.
 void FitColumns(DialogWindow& window) {
-  auto* const header = Widget(window, 1003)->findChild<QHeaderView*>();
+  auto* const header = Widget(window, kControlList)->findChild<QHeaderView*>();
   for (const int column : {0, 1}) {
     const QPoint divider(header->sectionViewportPosition(column) + header->sectionSize(column) - 1,
                          header->height() / 2);
@@ -88,7 +91,7 @@ void FitColumns(DialogWindow& window) {
 
 void Tabs(const char* const (&names)[4]) {
   Stage stage;
-  stage.Open(102, [&](DialogWindow& window) {
+  stage.Open(kelvaro::main_window::kDialog, [&](DialogWindow& window) {
     for (int tab = 0; tab < 4; ++tab) {
       if (!names[tab]) continue;
       ShowTab(window, tab);
@@ -104,7 +107,7 @@ void Tabs(const char* const (&names)[4]) {
 void ManyControls() {
   Stage stage;
   Stage::AddControls(190);
-  stage.Open(102, [](DialogWindow& window) {
+  stage.Open(kelvaro::main_window::kDialog, [](DialogWindow& window) {
     window.resize(window.width() + 120, window.height() + 160);
     FitColumns(window);
     Photograph(window, "list-of-200");
@@ -113,23 +116,23 @@ void ManyControls() {
 
 void DefineControl() {
   Stage stage;
-  stage.Open(102, [&](DialogWindow& window) {
+  stage.Open(kelvaro::main_window::kDialog, [&](DialogWindow& window) {
     const auto edit = [&](int row, const std::function<void(QWidget&)>& act) {
       SelectRow(window, row);
       stage.WhenUp("Define Control", act);
-      Click(window, 1005);
+      Click(window, kEditControl);
     };
     edit(6, [](QWidget& dialog) { Photograph(dialog, "define-control"); });
     edit(7, [](QWidget& dialog) {
-      Click(dialog, 1123);
+      Click(dialog, kelvaro::define_control::kRepeatCheck);
       Photograph(dialog, "define-control-repeat");
     });
     edit(6, [](QWidget& dialog) {
-      Click(dialog, 1169);
+      Click(dialog, kelvaro::define_control::kHoldAllKeys);
       Photograph(dialog, "define-control-hold-all");
     });
     edit(4, [&](QWidget& dialog) {
-      Click(dialog, 1126);
+      Click(dialog, kelvaro::define_control::kDetectTrigger);
       stage.Pad().MoveAxis("Axis_Y0", -32000);
       stage.Pad().Press({1, 3});
       Stage::Settle(200);
@@ -139,14 +142,14 @@ void DefineControl() {
       Stage::Settle(200);
     });
     edit(8, [&](QWidget& dialog) {
-      Type(dialog, 1093, "<F5><Paus:200>y");
+      Type(dialog, kelvaro::define_control::kKeysText, "<F5><Paus:200>y");
       stage.WhenUp("Key Parsing Error", [](QWidget& box) { Photograph(box, "key-parsing-error"); });
       Click(dialog, 1);
       dialog.activateWindow();
       Photograph(dialog, "define-control-after-error");
     });
     edit(4, [&](QWidget& dialog) {
-      Type(dialog, 1093, "Hello");
+      Type(dialog, kelvaro::define_control::kKeysText, "Hello");
       stage.WhenUp("Shift Key Required",
                    [](QWidget& question) { Photograph(question, "shift-key-required"); });
       Click(dialog, 1);
@@ -156,31 +159,32 @@ void DefineControl() {
 
 void SmallDialogs() {
   Stage stage;
-  stage.Open(151, [](DialogWindow& window) { Photograph(window, "welcome"); });
-  stage.Open(102, [&](DialogWindow& window) {
+  stage.Open(kelvaro::welcome::kDialog,
+             [](DialogWindow& window) { Photograph(window, "welcome"); });
+  stage.Open(kelvaro::main_window::kDialog, [&](DialogWindow& window) {
     stage.WhenUp("New Profile", [](QWidget& dialog) {
-      Type(dialog, 1137, "Space Trader");
+      Type(dialog, kelvaro::profile_name::kName, "Space Trader");
       Photograph(dialog, "new-profile");
     });
-    Click(window, 1006);
+    Click(window, kNewProfile);
     stage.WhenUp("Delete Profile", [](QWidget& dialog) { Photograph(dialog, "delete-profile"); });
-    Click(window, 1099);
+    Click(window, kDeleteProfile);
     stage.WhenUp("Rename Profile", [](QWidget& dialog) { Photograph(dialog, "rename-profile"); });
-    Click(window, 1100);
+    Click(window, kRenameProfile);
     ShowTab(window, 3);
     stage.WhenUp("Advanced Settings",
                  [](QWidget& dialog) { Photograph(dialog, "advanced-settings"); });
-    Click(window, 1198);
+    Click(window, kAdvanced);
     ShowTab(window, 1);
     stage.WhenUp("Auto-Detect Mode",
                  [](QWidget& dialog) { Photograph(dialog, "auto-detect-mode"); });
-    Click(window, 1027);
+    Click(window, kDetectMouseX);
   });
 }
 
 void NotificationMenu() {
   Stage stage;
-  stage.Open(102, [](DialogWindow& window) {
+  stage.Open(kelvaro::main_window::kDialog, [](DialogWindow& window) {
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, &look, [&look] {
       QWidget* const menu = QApplication::activePopupWidget();

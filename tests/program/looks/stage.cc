@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/dialogs/dialogs.h"
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "keys/key_action.h"
 #include "storage/profile_file.h"
@@ -134,37 +135,37 @@ bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>&
   });
   look.start(10);
   switch (dialog) {
-    case 102: {
+    case main_window::kDialog: {
       MainWindow window;
       window.DoModal(platform::kNoWindow);
       break;
     }
-    case 134: {
+    case define_control::kDialog: {
       DefineControlDialog window;
       window.scratch.description = "Jump";
       window.scratch.SetButtonMask(1);
       window.DoModal(platform::kNoWindow);
       break;
     }
-    case 137:
+    case new_profile::kDialog:
       NewProfileDialog().DoModal(platform::kNoWindow);
       break;
-    case 138:
+    case delete_profile::kDialog:
       DeleteProfileDialog(kProfile).DoModal(platform::kNoWindow);
       break;
-    case 147:
+    case profile_name::kDialog:
       ProfileNameDialog("Rename Profile", "Rename", kProfile).DoModal(platform::kNoWindow);
       break;
-    case 149:
+    case shift_key_required::kDialog:
       ShiftKeyRequiredDialog().DoModal(platform::kNoWindow);
       break;
-    case 150:
+    case advanced_settings::kDialog:
       AdvancedSettingsDialog(false).DoModal(platform::kNoWindow);
       break;
-    case 151:
+    case welcome::kDialog:
       WelcomeDialog().DoModal(platform::kNoWindow);
       break;
-    case 152:
+    case auto_detect_mode::kDialog:
       AutoDetectModeDialog().DoModal(platform::kNoWindow);
       break;
     default:

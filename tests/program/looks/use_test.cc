@@ -8,30 +8,25 @@
 #include <string>
 #include <vector>
 
+#include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "tests/program/looks/stage.h"
 
 namespace kelvaro::looks {
 namespace {
 
-constexpr std::uint32_t kTabs = 1000;
-constexpr std::uint32_t kControlList = 1003;
-constexpr std::uint32_t kEditButton = 1005;
-constexpr std::uint32_t kTestButton = 1036;
-constexpr std::uint32_t kInterval = 1076;
-constexpr std::uint32_t kAlwaysActive = 1139;
-constexpr std::uint32_t kRefresh = 1170;
+using namespace main_window;
 
 class Use : public testing::Test {
  protected:
   void OnMainWindow(const std::function<void()>& script) {
-    EXPECT_TRUE(stage.Open(102, [&](DialogWindow& opened) {
+    EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& opened) {
       window = &opened;
       script();
     }));
   }
   QWidget* Widget(std::uint32_t id) { return window->Find(id)->FocusWidget(); }
-  QTabBar& Tabs() { return dynamic_cast<QTabBar&>(*Widget(kTabs)); }
+  QTabBar& Tabs() { return dynamic_cast<QTabBar&>(*Widget(kTabControl)); }
   QTreeView& List() { return dynamic_cast<QTreeView&>(*Widget(kControlList)); }
   int Rows() { return List().model()->rowCount(); }
   void Click(QWidget* widget, const QPoint& at) {
@@ -52,10 +47,10 @@ TEST_F(Use, EnterInTheListEditsAfterTheTestButtonHadTheFocus) {
   bool edited = false;
   OnMainWindow([&] {
     ClickTab(MainWindow::kMouseTab);
-    Widget(kTestButton)->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(window->DefaultButton(), kTestButton);
+    Widget(kTestMode)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kTestMode);
     ClickTab(MainWindow::kControlTab);
-    EXPECT_EQ(window->DefaultButton(), kEditButton);
+    EXPECT_EQ(window->DefaultButton(), kEditControl);
     Click(List().viewport(), List().visualRect(List().model()->index(0, 0)).center());
     stage.WhenUp("Define Control", [&](QWidget&) { edited = true; });
     Key(Qt::Key_Return);
@@ -66,10 +61,10 @@ TEST_F(Use, EnterInTheListEditsAfterTheTestButtonHadTheFocus) {
 TEST_F(Use, TheTestButtonIsTheDefaultOnlyWhileItHasTheFocus) {
   OnMainWindow([&] {
     ClickTab(MainWindow::kMouseTab);
-    Widget(kTestButton)->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(window->DefaultButton(), kTestButton);
-    Widget(kAlwaysActive)->setFocus(Qt::TabFocusReason);
-    EXPECT_EQ(window->DefaultButton(), kEditButton);
+    Widget(kTestMode)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kTestMode);
+    Widget(kMouseAlwaysActive)->setFocus(Qt::TabFocusReason);
+    EXPECT_EQ(window->DefaultButton(), kEditControl);
   });
 }
 
@@ -79,14 +74,14 @@ TEST_F(Use, ANameThatIsTooLongForAFileIsRefusedBeforeARenameDeletesAnything) {
   OnMainWindow([&] {
     stage.WhenUp("Rename Profile", [&](QWidget& dialog) {
       auto& renaming = dynamic_cast<DialogWindow&>(dialog);
-      QWidget* const edit = renaming.Find(1137)->FocusWidget();
+      QWidget* const edit = renaming.Find(profile_name::kName)->FocusWidget();
       edit->setFocus();
       QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
       QTest::keyClicks(edit, QString(245, 'n'));
       stage.WhenUp("Invalid Profile File Name", [&](QWidget&) { refused = true; });
       QTest::mouseClick(renaming.Find(platform::IDOK)->Widget(), Qt::LeftButton);
     });
-    QTest::mouseClick(Widget(1100), Qt::LeftButton);
+    QTest::mouseClick(Widget(kRenameProfile), Qt::LeftButton);
   });
   EXPECT_TRUE(refused);
   EXPECT_EQ(stage.Disk().List("/game/Profiles"), before);
@@ -119,11 +114,11 @@ TEST_F(Use, ControlsAreCopiedAndPastedByTheirKeysWhateverButAFieldHasTheFocus) {
   OnMainWindow([&] {
     const int before = Rows();
     Click(List().viewport(), List().visualRect(List().model()->index(0, 0)).center());
-    Widget(kRefresh)->setFocus();  // on a tab that isn't shown: the list keeps it
+    Widget(kRefreshDeviceList)->setFocus();  // on a tab that isn't shown: the list keeps it
     Key(Qt::Key_C, Qt::ControlModifier);
     Key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(Rows(), before + 1) << "in the list, and once";
-    for (const std::uint32_t id : {kTabs, kEditButton, 1001u, 1146u}) {
+    for (const std::uint32_t id : {kTabControl, kEditControl, kProfileList, kHelp}) {
       const int rows = Rows();
       Widget(id)->setFocus(Qt::TabFocusReason);
       ASSERT_TRUE(Widget(id)->hasFocus()) << id;
@@ -169,10 +164,11 @@ TEST_F(Use, ANewControlIsScrolledIntoViewUnselected) {
     const int before = Rows();
     stage.WhenUp("Define Control", [](QWidget& dialog) {
       auto& define = dynamic_cast<DialogWindow&>(dialog);
-      QTest::keyClicks(define.Find(1083)->FocusWidget(), QStringLiteral("new"));
+      QTest::keyClicks(define.Find(define_control::kDescriptionText)->FocusWidget(),
+                       QStringLiteral("new"));
       define.SendNotice(platform::IDOK, platform::Notice::Clicked, 0);
     });
-    window->SendNotice(1004, platform::Notice::Clicked, 0);
+    window->SendNotice(kNewControl, platform::Notice::Clicked, 0);
     ASSERT_EQ(Rows(), before + 1);
     const QRect last = List().visualRect(List().model()->index(Rows() - 1, 0));
     EXPECT_TRUE(List().viewport()->rect().contains(last.center()));
@@ -181,9 +177,9 @@ TEST_F(Use, ANewControlIsScrolledIntoViewUnselected) {
 }
 
 TEST_F(Use, TypingInRenameTakesThePlaceOfTheOldName) {
-  EXPECT_TRUE(stage.Open(147, [&](DialogWindow& dialog) {
+  EXPECT_TRUE(stage.Open(profile_name::kDialog, [&](DialogWindow& dialog) {
     QTest::keyClick(dialog.windowHandle(), Qt::Key_Z);
-    EXPECT_EQ(dialog.Find(1137)->Text(), "z");
+    EXPECT_EQ(dialog.Find(profile_name::kName)->Text(), "z");
   }));
 }
 
