@@ -346,6 +346,30 @@ void ApplyChange(const StateChange& change, DIJOYSTATE2* state) {
   for (const auto& [hat, angle] : change.povs) state->rgdwPOV[hat] = angle;
 }
 
+StateChange ChangeBetween(const DIJOYSTATE2& before, const DIJOYSTATE2& after) {
+  StateChange change;
+  for (std::uint32_t i = 0; i < std::size(after.rgbButtons); ++i) {
+    change.hasButtons |= (before.rgbButtons[i] != 0) != (after.rgbButtons[i] != 0);
+    if (after.rgbButtons[i] != 0) change.buttons.push_back(i + 1);
+  }
+  if (!change.hasButtons) change.buttons.clear();
+  DIJOYSTATE2 old = before;
+  DIJOYSTATE2 now = after;
+  for (std::uint16_t bank = 0; bank < 4; ++bank) {
+    for (std::uint16_t kind = 0; kind < std::size(kAxisKinds); ++kind) {
+      const AxisName axis{kind, bank};
+      const std::int32_t value = *AxisField(&now, axis);
+      if (value != *AxisField(&old, axis)) change.axes.emplace_back(axis, value);
+    }
+  }
+  for (std::uint32_t hat = 0; hat < std::size(after.rgdwPOV); ++hat) {
+    if (before.rgdwPOV[hat] != after.rgdwPOV[hat]) {
+      change.povs.emplace_back(hat, after.rgdwPOV[hat]);
+    }
+  }
+  return change;
+}
+
 DIJOYSTATE2 StateAtRest() {
   DIJOYSTATE2 state;
   std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), kPovCentred);

@@ -49,6 +49,8 @@ struct StateChange {
 
 // Makes the change in *state; `lost` is the caller's business.
 void ApplyChange(const StateChange& change, DIJOYSTATE2* state);
+// What turns `before` into `after`, at time 0; it names no button where all are as they were.
+StateChange ChangeBetween(const DIJOYSTATE2& before, const DIJOYSTATE2& after);
 // Everything at rest: buttons up, axes 0, hats centred.
 DIJOYSTATE2 StateAtRest();
 

@@ -333,6 +333,24 @@ TEST(Recording, WhatIsWrittenReadsBackTheSame) {
   EXPECT_EQ(recording.changes, std::vector<StateChange>{change});
 }
 
+TEST(Recording, AChangeHasWhatIsDifferent) {
+  DIJOYSTATE2 before = StateAtRest();
+  before.rgbButtons[3] = 0x80;
+  EXPECT_EQ(ChangeBetween(before, before), StateChange());
+  DIJOYSTATE2 after = before;
+  after.lX = 5;
+  after.rglFSlider[1] = -1;
+  after.rgdwPOV[3] = 0;
+  StateChange change;
+  change.axes = {{{0, 0}, 5}, {{7, 3}, -1}};
+  change.povs = {{3, 0}};
+  EXPECT_EQ(ChangeBetween(before, after), change);
+  after.rgbButtons[127] = 0x80;
+  change.hasButtons = true;
+  change.buttons = {4, 128};
+  EXPECT_EQ(ChangeBetween(before, after), change);
+}
+
 TEST(Recording, NamesEachAxisOfTheFourBanks) {
   struct Case {
     const char* name;
