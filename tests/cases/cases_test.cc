@@ -6,25 +6,13 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
-#include "console/kelvaroctl.h"
 #include "tests/cases/case_file.h"
+#include "tests/console/console_run.h"
 
 namespace kelvaro::cases {
 namespace {
-
-class TemporaryFile {
- public:
-  TemporaryFile(const std::string& name, const std::string& content)
-      : path(testing::TempDir() + "kelvaro_case_" + name) {
-    std::ofstream(path, std::ios::binary) << content;
-  }
-  ~TemporaryFile() { std::filesystem::remove(path); }
-
-  const std::string path;
-};
 
 std::vector<std::string> Lines(const std::string& text) {
   std::istringstream in(text);
@@ -39,21 +27,17 @@ TEST_P(CaseTest, SendsTheseEvents) {
   Case wanted;
   std::string error;
   ASSERT_TRUE(ReadCase(GetParam(), &wanted, &error)) << error;
-  const TemporaryFile profile(wanted.name + ".json", wanted.profile);
-  const TemporaryFile recording(wanted.name + ".recording", wanted.recording);
+  const console::TestFile profile("profile.json", wanted.profile);
+  const console::TestFile recording("recording", wanted.recording);
   std::vector<std::string> words = {"run",      "--simulate",   "--json",
                                     "--replay", recording.path, profile.path};
   words.insert(words.end(), wanted.options.begin(), wanted.options.end());
 
-  std::ostringstream out;
-  std::ostringstream err;
-  EXPECT_EQ(console::RunKelvaroctl(words, {out, err}), 0) << err.str();
-  const std::vector<std::string> sent = Lines(out.str());
+  const console::Outcome run = console::Kelvaroctl(words);
+  EXPECT_EQ(run.status, 0) << run.err;
+  const std::vector<std::string> sent = Lines(run.out);
   EXPECT_TRUE(sent == wanted.events) << SideBySide(wanted.events, sent);
-
-  std::ostringstream again;
-  EXPECT_EQ(console::RunKelvaroctl(words, {again, err}), 0) << err.str();
-  EXPECT_EQ(out.str(), again.str()) << "the same run twice gave different output";
+  EXPECT_EQ(console::Kelvaroctl(words).out, run.out) << "the same run twice gave different output";
 }
 
 std::string NameOf(const testing::TestParamInfo<std::string>& info) {

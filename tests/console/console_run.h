@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -33,8 +34,7 @@ inline Outcome Kelvaroctl(const std::vector<std::string>& words) {
 class TestFile {
  public:
   TestFile(const std::string& name, const std::string& content)
-      : path(testing::TempDir() + "kelvaro_" +
-             testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + name) {
+      : path(testing::TempDir() + "kelvaro_" + Test() + "_" + name) {
     std::ofstream(path, std::ios::binary) << content;
   }
   ~TestFile() { std::filesystem::remove(path); }
@@ -42,6 +42,13 @@ class TestFile {
   TestFile& operator=(const TestFile&) = delete;
 
   const std::string path;
+
+ private:
+  static std::string Test() {
+    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::replace(name.begin(), name.end(), '/', '_');
+    return name;
+  }
 };
 
 }  // namespace kelvaro::console

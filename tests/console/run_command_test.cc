@@ -75,48 +75,6 @@ TEST(RunCommand, EndsAtUntil) {
   EXPECT_EQ(Simulate(kJump, held, {"--until", "0"}).out, "");
 }
 
-TEST(RunCommand, FinishesAReplayThatIsUnderWay) {
-  EXPECT_EQ(
-      Simulate(R"({"controls":[{"buttonMask":1,"keyHoldTime":50,"actions":[{"text":"ab"}]}]})",
-               "{\"t\":5,\"buttons\":[1]}\n", {"--until", "20"})
-          .out,
-      "       5 ms  a down\n"
-      "      55 ms  a up\n"
-      "      55 ms  b down\n"
-      "     105 ms  b up\n");
-}
-
-TEST(RunCommand, LetsGoInTheDispatchersOrderThenTheMouse) {
-  // The heavier Control comes first; the mouse buttons go up in one event.
-  EXPECT_EQ(Simulate(R"({"mouse":{"leftMask":8,"rightMask":16,"mouseAlwaysActive":true},"controls":[
-      {"buttonMask":1,"actions":[{"text":"a"}]},{"buttonMask":6,"actions":[{"text":"b"}]}]})",
-                     "{\"t\":5,\"buttons\":[1,2,3,4,5]}\n", {"--until", "10"})
-                .out,
-            "       5 ms  left mouse button down, right mouse button down\n"
-            "       5 ms  b down\n"
-            "       5 ms  a down\n"
-            "      10 ms  b up\n"
-            "      10 ms  a up\n"
-            "      10 ms  left mouse button up, right mouse button up\n");
-}
-
-TEST(RunCommand, ARepeatingControlGetsNoRelease) {
-  EXPECT_EQ(Simulate(R"({"controls":[{"buttonMask":1,"repeatEnabled":true,"repeatDelay":100,
-      "actions":[{"text":"a"}]}]})",
-                     "{\"t\":5,\"buttons\":[1]}\n", {"--until", "50"})
-                .out,
-            "       5 ms  a down\n       5 ms  a up\n");
-}
-
-TEST(RunCommand, MayStartWithTheMouseOn) {
-  const char* const look = R"({"mouse":{"mouseX":{"kind":8,"index":0}}})";
-  const char* const right =
-      "{\"t\":8,\"povs\":{\"POV0\":9000}}\n{\"t\":17,\"povs\":{\"POV0\":-1}}\n";
-  EXPECT_EQ(Simulate(look, right).out, "");
-  EXPECT_EQ(Simulate(look, right, {"--mouse-active"}).out,
-            "      10 ms  pointer +1 0\n      15 ms  pointer +1 0\n");
-}
-
 TEST(RunCommand, TheRecordingIsTheDeviceWhateverTheProfileSays) {
   EXPECT_EQ(Simulate(R"({"deviceName":"Another","deviceGuid":"ffffffffffffffffffffffffffffffff",
       "controls":[{"buttonMask":1,"actions":[{"text":"a"}]}]})",
@@ -182,17 +140,6 @@ TEST(RunCommand, AFaultyFileIsNamedWithLineAndMember) {
             "kelvaroctl: " + badRecording.path + ":3: povs.POV1: no such hat\n");
   const TestFile huge("huge", std::string((8 << 20) + 1, ' '));
   EXPECT_EQ(run(pad.path, huge.path), "kelvaroctl: " + huge.path + ": larger than 8 MiB\n");
-}
-
-TEST(RunCommand, GivesTheSameOutputEveryTime) {
-  const char* const changes =
-      "{\"t\":3,\"buttons\":[1]}\n{\"t\":700,\"buttons\":[]}\n{\"t\":720,\"povs\":{\"POV0\":0}}\n";
-  const char* const profile = R"({"controls":[{"buttonMask":1,"repeatEnabled":true,"repeatDelay":40,
-      "repeatSpeed":20,"keyHoldTime":3,"actions":[{"text":"ab"}]},{"triggerItems":[{"kind":8,
-      "value":2}],"actions":[{"text":"<Up>"}]}]})";
-  const std::string first = Simulate(profile, changes, {"--json"}).out;
-  EXPECT_FALSE(first.empty());
-  EXPECT_EQ(Simulate(profile, changes, {"--json"}).out, first);
 }
 
 TEST(RunCommand, TakesADeviceNameLongerThanTheSystemKnows) {
