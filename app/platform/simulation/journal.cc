@@ -2,26 +2,21 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
 namespace platform::simulation {
 
 Journal::~Journal() {
   for (const auto& [operation, fault] : plans) {
-    if (fault.came) continue;
+    if (fault.came || std::uncaught_exceptions() > 0) continue;
     std::fprintf(stderr, "simulation: the fault of %s never came\n", operation.c_str());
     std::abort();
   }
 }
 
-void Journal::Plan(const std::string& operation, HRESULT result, std::uint64_t times) {
-  if (times == 0) {
-    plans.erase(operation);
-  } else {
-    plans[operation] = Fault{result, times};
-  }
+void Journal::FailNext(const std::string& operation, HRESULT result, std::uint64_t times) {
+  plans[operation] = Fault{result, times};
 }
-
-void Journal::Mend(const std::string& operation) { plans.erase(operation); }
 
 std::optional<HRESULT> Journal::Planned(std::string_view operation) {
   const auto plan = plans.find(operation);

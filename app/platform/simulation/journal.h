@@ -54,12 +54,24 @@ class Journal {
     return plans.empty() ? std::nullopt : Planned(operation);
   }
 
-  // A fault that never comes, and isn't mended, ends the program with the Journal.
-  void Plan(const std::string& operation, HRESULT result, std::uint64_t times);
-  void Mend(const std::string& operation);
+  // Whether calls are noted, which they aren't at first.
+  void LogCalls(bool log) { logging = log; }
+  // In their order, those that failed included.
+  const std::vector<std::string>& Calls() const { return calls; }
+  void ClearCalls() { calls.clear(); }
 
-  bool logging = false;
-  std::vector<std::string> calls;
+  // The next `times` calls of that operation ("CreateThread", "GetDeviceState", ...) fail and do
+  // nothing; an operation with a result code gives `result`. A device operation for which that is a
+  // success (DI_OK, DI_NOEFFECT) is carried out and then gives it. Sleep, GetTickCount,
+  // GetCurrentThreadId and Release can't fail. A fault that never comes, and isn't mended, ends the
+  // program with the Journal.
+  void FailNext(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM,
+                std::uint64_t times = 1);
+  // So does every call from then on, until Mend.
+  void FailAlways(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM) {
+    FailNext(operation, result, UINT64_MAX);
+  }
+  void Mend(const std::string& operation) { plans.erase(operation); }
 
  private:
   struct Fault {
@@ -72,6 +84,8 @@ class Journal {
   static std::string Text(std::int64_t number) { return std::to_string(number); }
   std::optional<HRESULT> Planned(std::string_view operation);
 
+  bool logging = false;
+  std::vector<std::string> calls;
   std::map<std::string, Fault, std::less<>> plans;
 };
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "app/platform/recording/device_directory.h"
-#include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/scheduler.h"
 #include "app/platform/simulation/virtual_threads.h"
 #include "app/platform/simulation/virtual_timers.h"
@@ -91,6 +90,7 @@ std::string EventText(const SentEvent& event) {
 }
 
 struct Simulation::Machine {
+  explicit Machine(simulation::Journal& journal) : journal(journal) {}
   ~Machine() { alive = false; }
 
   platform::Platform Gathered() {
@@ -108,7 +108,7 @@ struct Simulation::Machine {
   }
 
   const bool claimed = ClaimTheMachine();
-  simulation::Journal journal;
+  simulation::Journal& journal;
   simulation::Scheduler scheduler;
   VirtualClock clock{scheduler};
   VirtualThreads threads{scheduler, journal};
@@ -126,7 +126,7 @@ struct Simulation::Machine {
   std::optional<InstalledPlatform> installed{groups};
 };
 
-Simulation::Simulation() : machine(std::make_unique<Machine>()) {}
+Simulation::Simulation() : machine(std::make_unique<Machine>(*this)) {}
 
 Simulation::~Simulation() = default;
 
@@ -141,8 +141,6 @@ void Simulation::AddGroups(Desktop& desktop, Controls& controls, Shell& shell) {
 }
 
 simulation::Scheduler& Simulation::Scheduler() { return machine->scheduler; }
-
-simulation::Journal& Simulation::Journal() { return machine->journal; }
 
 std::uint64_t Simulation::Now() const { return machine->scheduler.Now(); }
 
@@ -180,22 +178,6 @@ void Simulation::OnEvent(std::function<void(const SentEvent&)> listener) {
 }
 
 void Simulation::KeepEvents(bool keep) { machine->input.keep = keep; }
-
-void Simulation::LogCalls(bool log) { machine->journal.logging = log; }
-
-const std::vector<std::string>& Simulation::Calls() const { return machine->journal.calls; }
-
-void Simulation::ClearCalls() { machine->journal.calls.clear(); }
-
-void Simulation::FailNext(const std::string& operation, HRESULT result, std::uint32_t times) {
-  machine->journal.Plan(operation, result, times);
-}
-
-void Simulation::FailAlways(const std::string& operation, HRESULT result) {
-  machine->journal.Plan(operation, result, UINT64_MAX);
-}
-
-void Simulation::Mend(const std::string& operation) { machine->journal.Mend(operation); }
 
 void Simulation::SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs) {
   machine->timers.limits = {minMs, maxMs};

@@ -23,6 +23,7 @@
 
 #include "app/platform/platform.h"
 #include "app/platform/recording/simulated_device.h"
+#include "app/platform/simulation/journal.h"
 #include "app/platform/simulation/sent_event.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_processes.h"
@@ -30,10 +31,11 @@
 
 namespace platform::simulation {
 
-class Journal;
 class Scheduler;
 
-class Simulation {
+// The log of calls and the planned faults are those of all operations but files, whose disk has its
+// own.
+class Simulation : public Journal {
  public:
   Simulation();
   ~Simulation();
@@ -48,7 +50,7 @@ class Simulation {
 
   // What such groups are built on.
   simulation::Scheduler& Scheduler();
-  simulation::Journal& Journal();
+  simulation::Journal& Journal() { return *this; }
 
   // Virtual time in ms since the start. GetTickCount is the same plus an offset, 0 at first.
   std::uint64_t Now() const;
@@ -61,10 +63,8 @@ class Simulation {
 
   SimulatedDevice& AddDevice(const DeviceDescription& description);
 
-  // The files, with their own log of calls and plan of faults.
   VirtualDisk& Disk();
-
-  // The registry, empty at first. Its log of calls and its faults are those below.
+  // Empty at first.
   VirtualRegistry& Registry();
 
   // Everything sent so far, and the same as lines of EventText, each ended by a line feed.
@@ -75,23 +75,6 @@ class Simulation {
   void OnEvent(std::function<void(const SentEvent&)> listener);
   // Whether events are kept (they are at first); a long run does without.
   void KeepEvents(bool keep);
-
-  // Operations as the Journal notes them. Kept only after LogCalls(true).
-  void LogCalls(bool log);
-  const std::vector<std::string>& Calls() const;
-  void ClearCalls();
-
-  // The next `times` calls of that operation ("CreateThread", "timeSetEvent", "SetDataFormat",
-  // "GetDeviceState", ...) fail; an operation with a result code gives `result`. A device operation
-  // for which that is a success (DI_OK, DI_NOEFFECT) is carried out and then gives it. An event
-  // that is sent by a failing keybd_event or mouse_event is lost; a window operation that fails
-  // does nothing, and ShellExecuteA gives `result`. Sleep, GetTickCount, GetCurrentThreadId and
-  // Release can't fail: an unknown name ends the program.
-  void FailNext(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM,
-                std::uint32_t times = 1);
-  // So does every call from then on, until Mend.
-  void FailAlways(const std::string& operation, HRESULT result = DIERR_INVALIDPARAM);
-  void Mend(const std::string& operation);
 
   void SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs);
 

@@ -1,7 +1,8 @@
 // A disk in memory, with faults by plan and the moment at which the machine stops. Names are found
 // in the order in which they were made. With slashes, at first, there is one root and case counts;
 // with backslashes there are drives and shares and it doesn't. No links. Not for several system
-// threads; the last error is the last of any virtual one.
+// threads; the last error is the last of any virtual one. Its many methods are the seam's, and a
+// test's set-up and look at each thing that a disk holds.
 //
 // A test that cuts a save short at each of its operations in turn:
 //
