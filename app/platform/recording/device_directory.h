@@ -21,7 +21,7 @@ namespace platform {
 class ScriptedDevice;
 class OpenDevice;
 
-class DeviceDirectory final : public Devices, private DirectInput {
+class DeviceDirectory : public Devices, private DirectInput {
  public:
   // Hears of each call, with its arguments, before it is carried out. What it gives, if anything,
   // is the call's result: in place of carrying it out where that is a failure, otherwise after it.

@@ -4,31 +4,29 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "app/platform/clock.h"
-#include "app/platform/devices.h"
+#include "app/platform/recording/device_directory.h"
 #include "app/platform/recording/recording.h"
 
 namespace platform {
 
-class SimulatedDevice;
-
-class RecordedDevices final : public Devices {
+class RecordedDevices final : public DeviceDirectory {
  public:
   // `clock` outlives this. It is asked for GetTickCount on whatever thread uses the device; its
   // wrap does no harm if the device is polled at least once in 49 days.
   RecordedDevices(const Recording& recording, Clock& clock);
-  ~RecordedDevices() override;
-
-  HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) override;
 
   // The device itself, to be changed beside what it plays.
-  SimulatedDevice& Device();
+  SimulatedDevice& Device() { return device; }
 
  private:
-  struct Player;
-  std::unique_ptr<Player> player;
+  std::uint64_t Now();
+
+  Clock& clock;
+  std::uint32_t lastTick;
+  std::uint64_t elapsed = 0;
+  SimulatedDevice& device;
 };
 
 }  // namespace platform
