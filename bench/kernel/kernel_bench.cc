@@ -244,7 +244,7 @@ class Program {
       : child({KelvaroctlPath(), "run", "--device", kPadName, WriteFile(profile)}) {
     keyboard = std::make_unique<Reader>(WaitForInput(kKeyboardName));
     mouse = std::make_unique<Reader>(WaitForInput(kMouseName));
-    if (!Eventually([&] { return DescriptorOf(child.Pid(), pad.Node()) >= 0; }, 20000)) {
+    if (!Eventually([&] { return DescriptorOf(child.Id(), pad.Node()) >= 0; }, 20000)) {
       Fail("kelvaroctl doesn't start: " + child.Err());
     }
     WaitMs(500);
@@ -252,7 +252,7 @@ class Program {
 
   ~Program() {
     child.Signal(SIGTERM);
-    if (child.Wait(5000) != 0) {
+    if (child.WaitForEnd(5s) != 0) {
       Fail("kelvaroctl doesn't end: " + child.Err());
     }
   }
@@ -262,10 +262,10 @@ class Program {
   Reader& Keyboard() { return *keyboard; }
   Reader& Mouse() { return *mouse; }
 
-  pid_t Pid() const { return child.Pid(); }
-  double ProcessorNs() const { return ProcessorNsOf(child.Pid()); }
+  pid_t Id() const { return child.Id(); }
+  double ProcessorNs() const { return ProcessorNsOf(child.Id()); }
 
-  long MemoryKb() const { return MemoryKbOf(child.Pid(), "Pss:"); }
+  long MemoryKb() const { return MemoryKbOf(child.Id(), "Pss:"); }
 
  private:
   Child child;
@@ -342,7 +342,7 @@ void MeasureStillPad(int interval) {
   UinputPad pad(BenchPad());
   Program program(pad, Profile(interval, ""));
   PrintStillShare("pad still, " + std::to_string(1000 / interval) + " polls a second",
-                  program.Pid());
+                  program.Id());
 }
 
 // kelvaro, off-screen, with a still pad.
@@ -355,17 +355,17 @@ void MeasureWindow(bool hidden) {
   window.Set("Start Minimized", hidden ? 1 : 0);
   const std::unique_ptr<Child> child = window.Start();
   // Also while its files are fetched from the host and the clock runs ahead.
-  if (!Eventually([&] { return DescriptorOf(child->Pid(), pad.Node()) >= 0; }, 600000)) {
+  if (!Eventually([&] { return DescriptorOf(child->Id(), pad.Node()) >= 0; }, 600000)) {
     Fail("kelvaro doesn't start: " + child->Err());
   }
   WaitMs(3000);
   const std::string what = hidden ? "window hidden" : "window open";
-  PrintStillShare(what + ", pad still, 5 ms", child->Pid());
+  PrintStillShare(what + ", pad still, 5 ms", child->Id());
   std::printf("%-44s %9ld KB, %ld KB\n", (what + ", memory: resident, proportional").c_str(),
-              MemoryKbOf(child->Pid(), "Rss:"), MemoryKbOf(child->Pid(), "Pss:"));
+              MemoryKbOf(child->Id(), "Rss:"), MemoryKbOf(child->Id(), "Pss:"));
   std::fflush(stdout);
   child->Signal(SIGTERM);
-  if (child->Wait(10000) != 0) {
+  if (child->WaitForEnd(10s) != 0) {
     Fail("kelvaro doesn't end: " + child->Err());
   }
 }

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "tests/program/machine.h"
-#include "tests/program/quiet_settings.h"
+#include "tests/program/stored_settings.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ class Installed {
     fs::copy_file(Program("kelvaro"), folder + "/kelvaro");
     Pack("Bench", kControls);
     Pack("Large", 2 * kControls);
-    if (!PresetQuietSettings(home)) {
+    if (!StoredSettings(home).SetQuiet()) {
       std::fprintf(stderr, "the settings can't be written\n");
       std::exit(1);
     }
@@ -60,7 +60,7 @@ class Installed {
     json.close();
     Child pack({Program("kelvaroctl"), "pack", folder + "/profile.json",
                 folder + "/Profiles/" + name + ".idprof"},
-               home.Environment(), home.folder + "/pack");
+               {home.Environment()});
     if (pack.WaitForEnd() != 0) {
       std::fprintf(stderr, "%s", pack.Log().c_str());
       std::exit(1);
@@ -99,7 +99,7 @@ int main() {
   environment["DISPLAY"] = desktop.Name();
   const auto start = [&] {
     return std::make_unique<Child>(std::vector<std::string>{installed.folder + "/kelvaro"},
-                                   environment, installed.home.folder + "/log");
+                                   ChildOptions{environment});
   };
   const auto untilPainted = [&] {
     const auto begin = Clock::now();

@@ -36,16 +36,6 @@ struct TimedText {
   std::string text;
 };
 
-Json::Value Parsed(const std::string& text) {
-  Json::Value value;
-  std::istringstream in(text);
-  std::string errors;
-  if (!Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors)) {
-    ADD_FAILURE() << text << ": " << errors;
-  }
-  return value;
-}
-
 // The kernel numbers the keys of the main block as the keyboard does; the extended keys that cases
 // use stand in a list.
 unsigned int KeyCodeOf(unsigned int scan, bool press) {
@@ -264,7 +254,7 @@ TEST_P(KernelCase, SendsTheseEvents) {
   // Time 0 is the moment of a poll. A change is sent half an interval before the poll that is to
   // see it, so that it is clear which one does.
   const std::int64_t step = static_cast<std::int64_t>(interval) * 1000;
-  std::int64_t begin = PollMoment(run.Process().Pid(), pad.Node(), interval);
+  std::int64_t begin = PollMoment(run.Process().Id(), pad.Node(), interval);
   while (begin < NowUs() + 50000) {
     begin += step;
   }
@@ -280,7 +270,7 @@ TEST_P(KernelCase, SendsTheseEvents) {
   }
   WaitUntilUs(begin + end * 1000);
   run.Process().Signal(SIGINT);
-  EXPECT_EQ(run.Process().Wait(5000), 0) << run.Process().Err();
+  EXPECT_EQ(run.Process().WaitForEnd(5s), 0) << run.Process().Err();
 
   // Keyboard and mouse are two devices; their times put their events in one row.
   std::vector<KernelEvent> events = run.Keyboard().Events();

@@ -2,49 +2,23 @@
 // commands that look at a pad.
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 #include <linux/input.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <fstream>
-#include <sstream>
 
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
-#include "tests/kernel/trace.h"
 #include "tests/kernel/wait.h"
 
 namespace kelvaro::kernel {
 namespace {
 
-PadShape Named(const std::string& name, const std::string& port = "test/port0") {
-  PadShape shape;
-  shape.name = name;
-  shape.phys = port;
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}};
-  shape.hats = 1;
-  return shape;
-}
-
-std::vector<Json::Value> JsonLines(const std::string& text) {
-  std::vector<Json::Value> values;
-  for (const std::string& line : Lines(text)) {
-    Json::Value value;
-    std::istringstream in(line);
-    std::string errors;
-    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors)) << line;
-    values.push_back(value);
-  }
-  return values;
-}
-
 class EndedBy : public ::testing::TestWithParam<int> {};
 
 TEST_P(EndedBy, ASignalLetsGoOfEverything) {
-  UinputPad pad(Named("Signal Pad"));
+  UinputPad pad(OrdinaryPad("Signal Pad"));
   ProfileRun run(
       ProfileOf({ButtonControl(0, "<Ctrl>a"), ButtonControl(1, "b")},
                 "\"mouse\":{\"leftButton\":2,\"leftMask\":\"0x4\",\"mouseAlwaysActive\":true}"),
@@ -58,7 +32,7 @@ TEST_P(EndedBy, ASignalLetsGoOfEverything) {
   EXPECT_TRUE(Sent(run.Mouse(), {"BTN_LEFT down"}));
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down", "KEY_B down"}));
   run.Process().Signal(GetParam());
-  EXPECT_EQ(run.Process().Wait(5000), 0) << run.Process().Err();
+  EXPECT_EQ(run.Process().WaitForEnd(5s), 0) << run.Process().Err();
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down", "KEY_B down",
                                     "KEY_LEFTCTRL up", "KEY_A up", "KEY_B up"}));
   EXPECT_TRUE(Sent(run.Mouse(), {"BTN_LEFT down", "BTN_LEFT up"}));
@@ -72,8 +46,8 @@ INSTANTIATE_TEST_SUITE_P(Signals, EndedBy, ::testing::Values(SIGINT, SIGTERM),
                          });
 
 TEST(Runs, TwoAtOnceDontDisturbOneAnother) {
-  UinputPad first(Named("First Pad", "test/port1"));
-  UinputPad second(Named("Second Pad", "test/port2"));
+  UinputPad first(OrdinaryPad("First Pad", "test/port1"));
+  UinputPad second(OrdinaryPad("Second Pad", "test/port2"));
   ProfileRun a(ProfileOf({ButtonControl(0, "a")}), "First Pad", first.Node());
   ASSERT_TRUE(a.Started());
   ProfileRun b(ProfileOf({ButtonControl(0, "b")}), "Second Pad", second.Node());
@@ -83,14 +57,14 @@ TEST(Runs, TwoAtOnceDontDisturbOneAnother) {
   EXPECT_TRUE(Sent(a.Keyboard(), {"KEY_A down"}));
   EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down"}));
   b.Process().Signal(SIGTERM);
-  EXPECT_EQ(b.Process().Wait(5000), 0);
+  EXPECT_EQ(b.Process().WaitForEnd(5s), 0);
   EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down", "KEY_B up"}));
   first.Release(0);
   EXPECT_TRUE(Sent(a.Keyboard(), {"KEY_A down", "KEY_A up"}));
 }
 
 TEST(Runs, TwoOnOnePadBothGetIt) {
-  UinputPad pad(Named("Shared Pad"));
+  UinputPad pad(OrdinaryPad("Shared Pad"));
   ProfileRun a(ProfileOf({ButtonControl(0, "a")}), "Shared Pad", pad.Node());
   ASSERT_TRUE(a.Started());
   ProfileRun b(ProfileOf({ButtonControl(0, "b")}), "Shared Pad", pad.Node());
@@ -100,108 +74,96 @@ TEST(Runs, TwoOnOnePadBothGetIt) {
   EXPECT_TRUE(Sent(b.Keyboard(), {"KEY_B down"}));
 }
 
-TEST(Runs, UnknownDeviceNameListsThoseThatAreThere) {
-  UinputPad first(Named("First Pad", "test/port1"));
-  UinputPad second(Named("Second Pad", "test/port2"));
-  const Finished run =
-      RunToEnd({KelvaroctlPath(), "run", "--device", "No Such Pad", WriteFile(ProfileOf({}))});
-  EXPECT_EQ(run.status, 1);
+// A run that fails at its start, and says all of that.
+void ExpectRefused(const std::vector<std::string>& arguments, const std::vector<std::string>& said,
+                   bool asNobody = false) {
+  std::vector<std::string> command = {KelvaroctlPath(), "run"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  const Finished run = RunToEnd(command, {.asNobody = asNobody});
+  EXPECT_EQ(run.status, 1) << run.out;
   EXPECT_EQ(run.err.rfind("kelvaroctl: ", 0), 0U) << run.err;
-  for (const char* name : {"No Such Pad", "First Pad", "Second Pad"}) {
-    EXPECT_NE(run.err.find(name), std::string::npos) << run.err;
-  }
+  for (const std::string& text : said) EXPECT_NE(run.err.find(text), std::string::npos) << run.err;
+}
+
+std::vector<std::string> OnDevice(const char* name) {
+  return {"--device", name, WriteFile(ProfileOf({}))};
+}
+
+TEST(Runs, UnknownDeviceNameListsThoseThatAreThere) {
+  UinputPad first(OrdinaryPad("First Pad", "test/port1"));
+  UinputPad second(OrdinaryPad("Second Pad", "test/port2"));
+  ExpectRefused(OnDevice("No Such Pad"), {"No Such Pad", "First Pad", "Second Pad"});
 }
 
 TEST(Runs, NoPadAtAllIsSaid) {
-  const Finished run = RunToEnd({KelvaroctlPath(), "run", WriteFile(ProfileOf({}))});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.err.find("no game pad is plugged in"), std::string::npos) << run.err;
+  ExpectRefused({WriteFile(ProfileOf({}))}, {"no game pad is plugged in"});
 }
 
 // Without the right to write to it, though the pad may be read.
 TEST(Runs, ForbiddenUinputIsSaidWithWhatToDo) {
-  UinputPad pad(Named("Open Pad"));
+  UinputPad pad(OrdinaryPad("Open Pad"));
   ASSERT_EQ(chmod(pad.Node().c_str(), 0666), 0);
-  const Finished run =
-      RunToEnd({KelvaroctlPath(), "run", "--device", "Open Pad", WriteFile(ProfileOf({}))},
-               {.asNobody = true});
-  EXPECT_EQ(run.status, 1) << run.out;
-  EXPECT_NE(run.err.find("/dev/uinput"), std::string::npos) << run.err;
-  EXPECT_NE(run.err.find("60-kelvaro.rules"), std::string::npos) << run.err;
+  ExpectRefused(OnDevice("Open Pad"), {"/dev/uinput", "60-kelvaro.rules"}, true);
 }
 
 TEST(Runs, MissingUinputIsSaidWithWhatToDo) {
-  UinputPad pad(Named("Open Pad"));
-  const std::string away = "/dev/uinput.away";
-  ASSERT_EQ(rename("/dev/uinput", away.c_str()), 0);
-  const Finished run =
-      RunToEnd({KelvaroctlPath(), "run", "--device", "Open Pad", WriteFile(ProfileOf({}))});
-  ASSERT_EQ(rename(away.c_str(), "/dev/uinput"), 0);
-  EXPECT_EQ(run.status, 1) << run.out;
-  EXPECT_NE(run.err.find("uinput is not loaded"), std::string::npos) << run.err;
-  EXPECT_NE(run.err.find("modprobe uinput"), std::string::npos) << run.err;
+  UinputPad pad(OrdinaryPad("Open Pad"));
+  ASSERT_EQ(rename("/dev/uinput", "/dev/uinput.away"), 0);
+  ExpectRefused(OnDevice("Open Pad"), {"uinput is not loaded", "modprobe uinput"});
+  ASSERT_EQ(rename("/dev/uinput.away", "/dev/uinput"), 0);
 }
 
 TEST(Runs, UnreadablePadIsSaid) {
-  UinputPad pad(Named("Closed Pad"));
+  UinputPad pad(OrdinaryPad("Closed Pad"));
   ASSERT_EQ(chmod(pad.Node().c_str(), 0600), 0);
   ASSERT_EQ(chmod("/dev/uinput", 0666), 0);
-  const Finished run =
-      RunToEnd({KelvaroctlPath(), "run", "--device", "Closed Pad", WriteFile(ProfileOf({}))},
-               {.asNobody = true});
+  ExpectRefused(OnDevice("Closed Pad"), {"Closed Pad"}, true);
   ASSERT_EQ(chmod("/dev/uinput", 0600), 0);
-  EXPECT_EQ(run.status, 1) << run.out;
-  EXPECT_NE(run.err.find("Closed Pad"), std::string::npos) << run.err;
 }
 
 TEST(Runs, MalformedProfileNamesFileLineAndMember) {
-  UinputPad pad(Named("Open Pad"));
+  UinputPad pad(OrdinaryPad("Open Pad"));
   const std::string path =
       WriteFile("{\"controls\":[\n  {\"buttonMask\":\"0x1\"},\n  {\"buttonMask\":true}]}\n");
-  const Finished run = RunToEnd({KelvaroctlPath(), "run", path});
-  EXPECT_EQ(run.status, 1);
-  EXPECT_NE(run.err.find(path + ":3"), std::string::npos) << run.err;
-  EXPECT_NE(run.err.find("controls[1].buttonMask"), std::string::npos) << run.err;
+  ExpectRefused({path}, {path + ":3", "controls[1].buttonMask"});
 }
 
 TEST(Commands, DevicesListsNamesCountsAndIdentities) {
-  PadShape box = Named("Second Pad", "test/port2");
+  PadShape box = OrdinaryPad("Second Pad", "test/port2");
   box.buttons = ManyButtons(24);
-  box.axes.push_back({ABS_Z});
+  box.axes.push_back({ABS_THROTTLE});
   box.hats = 0;
-  UinputPad first(Named("First Pad", "test/port1"));
+  UinputPad first(OrdinaryPad("First Pad", "test/port1"));
   UinputPad second(box);
-  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
-  EXPECT_EQ(devices.status, 0) << devices.err;
-  const std::vector<Json::Value> list = JsonLines(devices.out);
-  ASSERT_EQ(list.size(), 2U) << devices.out;
-  EXPECT_EQ(list[0]["index"].asInt(), 0);
-  EXPECT_EQ(list[0]["name"].asString(), "First Pad");
-  EXPECT_EQ(list[0]["buttons"].asInt(), 11);
-  EXPECT_EQ(list[0]["axes"].asInt(), 2);
-  EXPECT_EQ(list[0]["povs"].asInt(), 1);
-  EXPECT_EQ(list[0]["guid"].asString().size(), 32U);
-  EXPECT_EQ(list[1]["index"].asInt(), 1);
-  EXPECT_EQ(list[1]["name"].asString(), "Second Pad");
-  EXPECT_EQ(list[1]["buttons"].asInt(), 24);
-  EXPECT_EQ(list[1]["axes"].asInt(), 3);
-  EXPECT_EQ(list[1]["povs"].asInt(), 0);
+  const std::vector<Json::Value> list = Devices();
+  ASSERT_EQ(list.size(), 2U);
+  const struct {
+    const char* name;
+    int buttons, axes, povs;
+  } rows[] = {{"First Pad", 11, 6, 1}, {"Second Pad", 24, 7, 0}};
+  for (int i = 0; i < 2; ++i) {
+    const Json::Value& device = list[static_cast<std::size_t>(i)];
+    EXPECT_EQ(device["index"].asInt(), i);
+    EXPECT_EQ(device["name"].asString(), rows[i].name);
+    EXPECT_EQ(device["buttons"].asInt(), rows[i].buttons);
+    EXPECT_EQ(device["axes"].asInt(), rows[i].axes);
+    EXPECT_EQ(device["povs"].asInt(), rows[i].povs);
+    EXPECT_EQ(device["guid"].asString().size(), 32U);
+  }
   EXPECT_NE(list[0]["guid"], list[1]["guid"]);
 }
 
-Json::Value DeviceAt(const std::string& node, ChildOptions options = {}) {
-  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"}, options);
-  EXPECT_EQ(devices.status, 0) << devices.err;
-  for (const Json::Value& device : JsonLines(devices.out)) {
+Json::Value DeviceAt(const std::string& node, const ChildOptions& options = {}) {
+  for (const Json::Value& device : Devices(options)) {
     if (device["node"].asString() == node) return device;
   }
-  ADD_FAILURE() << node << " isn't in " << devices.out;
+  ADD_FAILURE() << node << " isn't listed";
   return {};
 }
 
 TEST(Commands, DevicesTellsTwoEqualPadsApart) {
-  UinputPad first(Named("Twin Pad", "test/port1"));
-  UinputPad second(Named("Twin Pad", "test/port2"));
+  UinputPad first(OrdinaryPad("Twin Pad", "test/port1"));
+  UinputPad second(OrdinaryPad("Twin Pad", "test/port2"));
   ASSERT_NE(first.Node(), second.Node());
   EXPECT_EQ(DeviceAt(first.Node())["port"].asString(), "test/port1");
   EXPECT_EQ(DeviceAt(second.Node())["port"].asString(), "test/port2");
@@ -218,12 +180,12 @@ TEST(Commands, DevicesTellsTheSerialNumber) {
 }
 
 TEST(Commands, DevicesMarksMirrors) {
-  UinputPad pad(Named("Held Pad", "test/port1"));
-  PadShape launchers = Named("Shown Pad", "test/port2");
+  UinputPad pad(OrdinaryPad("Held Pad", "test/port1"));
+  PadShape launchers = OrdinaryPad("Shown Pad", "test/port2");
   launchers.vendor = 0x28de;
   launchers.product = 0x11ff;
   UinputPad mirror(launchers);
-  PadShape programs = Named("Made Pad", "test/port3");
+  PadShape programs = OrdinaryPad("Made Pad", "test/port3");
   programs.bus = BUS_VIRTUAL;
   UinputPad made(programs);
   EXPECT_FALSE(DeviceAt(pad.Node())["mirror"].asBool());
@@ -236,21 +198,19 @@ TEST(Commands, DevicesMarksMirrors) {
 }
 
 TEST(Commands, DevicesTellsWhoHasAPadOpen) {
-  UinputPad pad(Named("Shared Pad"));
+  UinputPad pad(OrdinaryPad("Shared Pad"));
   EXPECT_EQ(DeviceAt(pad.Node())["openIn"].size(), 0U);
   ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "Shared Pad", pad.Node());
   ASSERT_TRUE(run.Started());
   const Json::Value device = DeviceAt(pad.Node());
   EXPECT_FALSE(device["grabbed"].asBool());
   ASSERT_EQ(device["openIn"].size(), 1U);
-  EXPECT_EQ(device["openIn"][0]["pid"].asInt(), run.Process().Pid());
-  std::string name;  // that of the copy which runs here
-  std::getline(std::ifstream("/proc/" + std::to_string(run.Process().Pid()) + "/comm"), name);
+  EXPECT_EQ(device["openIn"][0]["pid"].asInt(), run.Process().Id());
+  const std::string name = tests::NameOf(run.Process().Id());  // that of the copy which runs here
   EXPECT_EQ(device["openIn"][0]["program"].asString(), name);
   const std::string text = RunToEnd({KelvaroctlPath(), "devices"}).out;
-  EXPECT_NE(
-      text.find("  also open in " + name + " (" + std::to_string(run.Process().Pid()) + ")\n"),
-      std::string::npos)
+  EXPECT_NE(text.find("  also open in " + name + " (" + std::to_string(run.Process().Id()) + ")\n"),
+            std::string::npos)
       << text;
   // Whoever reads the pad still gets what it says.
   pad.Press(0);
@@ -258,7 +218,7 @@ TEST(Commands, DevicesTellsWhoHasAPadOpen) {
 }
 
 TEST(Commands, DevicesTellsOfAGrabAndOfWhoMayHaveDoneIt) {
-  UinputPad pad(Named("Taken Pad"));
+  UinputPad pad(OrdinaryPad("Taken Pad"));
   ASSERT_EQ(chmod(pad.Node().c_str(), 0666), 0);
   const Reader grabs(pad.Node());
   const Json::Value device = DeviceAt(pad.Node());
@@ -280,19 +240,16 @@ TEST(Commands, DevicesTellsOfAGrabAndOfWhoMayHaveDoneIt) {
 
 // The virtual devices of a run are no game pads, and neither is anything else of the machine.
 TEST(Commands, DevicesListsGamePadsOnly) {
-  UinputPad pad(Named("Only Pad"));
+  UinputPad pad(OrdinaryPad("Only Pad"));
   ProfileRun run(ProfileOf({}), "Only Pad", pad.Node());
   ASSERT_TRUE(run.Started());
-  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
-  EXPECT_EQ(JsonLines(devices.out).size(), 1U) << devices.out;
+  EXPECT_EQ(Devices().size(), 1U);
 }
 
 TEST(Commands, WatchPrintsWhatIsHeld) {
-  UinputPad pad(Named("Watched Pad"));
+  UinputPad pad(OrdinaryPad("Watched Pad"));
   Child watch({KelvaroctlPath(), "watch", "--json", "Watched Pad"});
-  ASSERT_TRUE(Eventually([&] { return DescriptorOf(watch.Pid(), pad.Node()) >= 0; }, 10000))
-      << watch.Err();
-  WaitMs(300);
+  ASSERT_TRUE(Polls(watch, pad.Node()));
   pad.Press(0);
   WaitMs(50);
   pad.Press(3);
@@ -304,7 +261,7 @@ TEST(Commands, WatchPrintsWhatIsHeld) {
   pad.Release(0);
   WaitMs(50);
   watch.Signal(SIGINT);
-  EXPECT_EQ(watch.Wait(5000), 0) << watch.Err();
+  EXPECT_EQ(watch.WaitForEnd(5s), 0) << watch.Err();
   std::vector<std::string> texts;
   for (const Json::Value& line : JsonLines(watch.Out())) {
     texts.push_back(line["text"].asString());
@@ -315,11 +272,9 @@ TEST(Commands, WatchPrintsWhatIsHeld) {
 }
 
 TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
-  UinputPad pad(Named("Recorded Pad"));
+  UinputPad pad(OrdinaryPad("Recorded Pad"));
   Child record({KelvaroctlPath(), "record", "Recorded Pad"});
-  ASSERT_TRUE(Eventually([&] { return DescriptorOf(record.Pid(), pad.Node()) >= 0; }, 10000))
-      << record.Err();
-  WaitMs(300);
+  ASSERT_TRUE(Polls(record, pad.Node()));
   pad.Press(0);
   WaitMs(100);
   pad.Press(3);
@@ -331,13 +286,13 @@ TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
   pad.Release(0);
   WaitMs(50);
   record.Signal(SIGINT);
-  EXPECT_EQ(record.Wait(5000), 0) << record.Err();
+  EXPECT_EQ(record.WaitForEnd(5s), 0) << record.Err();
   const std::vector<Json::Value> lines = JsonLines(record.Out());
   ASSERT_EQ(lines.size(), 6U) << record.Out();
   EXPECT_EQ(lines[0]["recording"].asInt(), 1);
   EXPECT_EQ(lines[0]["device"].asString(), "Recorded Pad");
   EXPECT_EQ(lines[0]["buttons"].asInt(), 11);
-  EXPECT_EQ(lines[0]["axes"].asInt(), 2);
+  EXPECT_EQ(lines[0]["axes"].asInt(), 6);
   EXPECT_EQ(lines[0]["povs"].asInt(), 1);
   Json::Value buttons(Json::arrayValue);
   buttons.append(1);
@@ -364,19 +319,12 @@ TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
 TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {
   const std::int64_t begin = NowUs();
   Child play({KelvaroctlPath(), "play", "--json", "--release-after", "100", "<Shift>a<VolUp>"});
-  std::string keys;
-  ASSERT_TRUE(Eventually(
-      [&] {
-        keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
-        return !keys.empty();
-      },
-      5000))
-      << play.Err();
-  Reader reader(keys);
-  EXPECT_EQ(play.Wait(8000), 0) << play.Err();
-  ASSERT_TRUE(Sent(reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_A up", "KEY_LEFTSHIFT up",
-                            "KEY_VOLUMEUP down", "KEY_VOLUMEUP up"}));
-  const std::vector<KernelEvent> events = reader.Events();
+  const auto reader = KeyboardOf(play);
+  ASSERT_NE(reader, nullptr);
+  EXPECT_EQ(play.WaitForEnd(8s), 0) << play.Err();
+  ASSERT_TRUE(Sent(*reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_A up", "KEY_LEFTSHIFT up",
+                             "KEY_VOLUMEUP down", "KEY_VOLUMEUP up"}));
+  const std::vector<KernelEvent> events = reader->Events();
   EXPECT_GE(events[0].us - begin, 3000000);
   EXPECT_NEAR(static_cast<double>(events[5].us - events[4].us), 100000, 10000);
   EXPECT_EQ(JsonLines(play.Out()).size(), 6U) << play.Out();
@@ -385,19 +333,13 @@ TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {
 TEST(Commands, ASignalBreaksPlayOffAndLetsGo) {
   for (const int signal : {SIGINT, SIGTERM}) {
     Child play({KelvaroctlPath(), "play", "--hold-all", "<LShift>a<P:60000>b"});
-    std::string keys;
-    ASSERT_TRUE(Eventually(
-        [&] {
-          keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
-          return !keys.empty();
-        },
-        5000))
-        << play.Err();
-    Reader reader(keys);
-    ASSERT_TRUE(reader.WaitFor(2, 8000)) << play.Err();
+    const auto reader = KeyboardOf(play);
+    ASSERT_NE(reader, nullptr);
+    ASSERT_TRUE(reader->WaitFor(2, 8000)) << play.Err();
     play.Signal(signal);
-    EXPECT_EQ(play.Wait(5000), 128 + signal) << play.Err();
-    EXPECT_TRUE(Sent(reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_LEFTSHIFT up", "KEY_A up"}));
+    EXPECT_EQ(play.WaitForEnd(5s), 128 + signal) << play.Err();
+    EXPECT_TRUE(
+        Sent(*reader, {"KEY_LEFTSHIFT down", "KEY_A down", "KEY_LEFTSHIFT up", "KEY_A up"}));
   }
 }
 
@@ -408,18 +350,11 @@ TEST(Commands, RecordingPlayedForRealComesOutOfTheVirtualKeyboard) {
       "{\"t\":400,\"buttons\":[1]}\n{\"t\":500,\"buttons\":[]}\n");
   Child run({KelvaroctlPath(), "run", "--replay", recording,
              WriteFile(ProfileOf({ButtonControl(0, "a")}))});
-  std::string keys;
-  ASSERT_TRUE(Eventually(
-      [&] {
-        keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
-        return !keys.empty();
-      },
-      5000))
-      << run.Err();
-  Reader reader(keys);
-  EXPECT_EQ(run.Wait(5000), 0) << run.Err();
-  ASSERT_TRUE(Sent(reader, {"KEY_A down", "KEY_A up"}));
-  const std::vector<KernelEvent> events = reader.Events();
+  const auto reader = KeyboardOf(run);
+  ASSERT_NE(reader, nullptr);
+  EXPECT_EQ(run.WaitForEnd(5s), 0) << run.Err();
+  ASSERT_TRUE(Sent(*reader, {"KEY_A down", "KEY_A up"}));
+  const std::vector<KernelEvent> events = reader->Events();
   EXPECT_NEAR(static_cast<double>(events[1].us - events[0].us), 100000, 10000);
 }
 

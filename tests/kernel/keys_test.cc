@@ -10,15 +10,6 @@
 namespace kelvaro::kernel {
 namespace {
 
-PadShape OrdinaryPad() {
-  PadShape shape;
-  shape.name = "Ordinary Pad";
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_Z}, {ABS_RX}, {ABS_RY}, {ABS_RZ}};
-  shape.hats = 1;
-  return shape;
-}
-
 class Keys : public ::testing::Test {
  protected:
   // Two lines of every test: the pad is there, the program polls it.
@@ -27,14 +18,7 @@ class Keys : public ::testing::Test {
     ASSERT_TRUE(run->Started());
   }
 
-  void Tap(std::size_t button, int ms = 50) {
-    pad.Press(button);
-    WaitMs(ms);
-    pad.Release(button);
-    WaitMs(50);
-  }
-
-  UinputPad pad{OrdinaryPad()};
+  UinputPad pad{OrdinaryPad("Ordinary Pad")};
   std::unique_ptr<ProfileRun> run;
 };
 
@@ -66,7 +50,7 @@ TEST_F(Keys, EveryPressOfManyComesThrough) {
   Start({ButtonControl(0, "a")});
   std::vector<std::string> expected;
   for (int i = 0; i < 100; ++i) {
-    Tap(0, 20);
+    pad.Tap(0, 20);
     expected.insert(expected.end(), {"KEY_A down", "KEY_A up"});
   }
   EXPECT_TRUE(Sent(run->Keyboard(), expected));
@@ -74,14 +58,14 @@ TEST_F(Keys, EveryPressOfManyComesThrough) {
 
 TEST_F(Keys, ModifierGoesDownBeforeItsKeyAndUpBeforeItOnRelease) {
   Start({ButtonControl(0, "<Ctrl>c")});
-  Tap(0);
+  pad.Tap(0);
   EXPECT_TRUE(
       Sent(run->Keyboard(), {"KEY_LEFTCTRL down", "KEY_C down", "KEY_LEFTCTRL up", "KEY_C up"}));
 }
 
 TEST_F(Keys, RightModifiersAreTheRightKeys) {
   Start({ButtonControl(0, "<RCtrl><Alt><Shift>x")});
-  Tap(0);
+  pad.Tap(0);
   EXPECT_TRUE(Sent(run->Keyboard(),
                    {"KEY_RIGHTSHIFT down", "KEY_RIGHTCTRL down", "KEY_RIGHTALT down", "KEY_X down",
                     "KEY_RIGHTSHIFT up", "KEY_RIGHTCTRL up", "KEY_RIGHTALT up", "KEY_X up"}));
@@ -101,7 +85,7 @@ TEST_F(Keys, HoldAllKeepsEveryKeyDownUntilTheRelease) {
 
 TEST_F(Keys, HoldTimeAndReleasePauseAreKept) {
   Start({ButtonControl(0, "ab", "\"keyHoldTime\":40,\"keyReleasePause\":30")});
-  Tap(0, 300);
+  pad.Tap(0, 300);
   ASSERT_TRUE(Sent(run->Keyboard(), {"KEY_A down", "KEY_A up", "KEY_B down", "KEY_B up"}));
   const std::vector<KernelEvent> events = run->Keyboard().Events();
   EXPECT_NEAR(static_cast<double>(events[1].us - events[0].us), 40000, 4000);
@@ -110,7 +94,7 @@ TEST_F(Keys, HoldTimeAndReleasePauseAreKept) {
 
 TEST_F(Keys, RepeatingControlTapsAtOnceAfterItsDelayAndThenAtItsSpeed) {
   Start({ButtonControl(0, "a", "\"repeatEnabled\":true,\"repeatDelay\":300,\"repeatSpeed\":100")});
-  Tap(0, 745);
+  pad.Tap(0, 745);
   // 0, 300, then every 100 to 110: 400, 500, 600, 700 at the earliest, 410, 520, 630, 740 at the
   // latest, and the first after the delay may be 10 late itself.
   const std::vector<KernelEvent> events = run->Keyboard().Events();
@@ -155,10 +139,7 @@ TEST_F(Keys, HatIsATriggerInEachOfItsDirections) {
   Start({ItemControl(8, 0, 1, "<Left>"), ItemControl(8, 0, 2, "<Up>"),
          ItemControl(8, 0, 4, "<Right>"), ItemControl(8, 0, 8, "<Down>")});
   for (const int angle : {0, 9000, 18000, 27000}) {
-    pad.TurnHat(0, angle);
-    WaitMs(50);
-    pad.TurnHat(0, -1);
-    WaitMs(50);
+    pad.NudgeHat(0, angle);
   }
   EXPECT_TRUE(
       Sent(run->Keyboard(), {"KEY_UP down", "KEY_UP up", "KEY_RIGHT down", "KEY_RIGHT up",
@@ -169,7 +150,7 @@ TEST_F(Keys, KeysWithoutAScanCodeReachTheKernelToo) {
   Start({ButtonControl(0, "<VolUp>"), ButtonControl(1, "<MediaPP>"), ButtonControl(2, "<RMenu>"),
          ButtonControl(3, "<NPEnter>"), ButtonControl(4, "<Win>"), ButtonControl(5, "<Menu>")});
   for (std::size_t button = 0; button < 6; ++button) {
-    Tap(button);
+    pad.Tap(button);
   }
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_VOLUMEUP down", "KEY_VOLUMEUP up", "KEY_PLAYPAUSE down",
                                      "KEY_PLAYPAUSE up", "KEY_RIGHTALT down", "KEY_RIGHTALT up",
@@ -180,7 +161,7 @@ TEST_F(Keys, KeysWithoutAScanCodeReachTheKernelToo) {
 TEST_F(Keys, MouseTokensComeFromTheMouse) {
   Start({ButtonControl(0, "<LMouse>"), ButtonControl(1, "<MMouse>"), ButtonControl(2, "<RMouse>")});
   for (std::size_t button = 0; button < 3; ++button) {
-    Tap(button);
+    pad.Tap(button);
   }
   EXPECT_TRUE(Sent(run->Mouse(), {"BTN_LEFT down", "BTN_LEFT up", "BTN_MIDDLE down",
                                   "BTN_MIDDLE up", "BTN_RIGHT down", "BTN_RIGHT up"}));
@@ -189,8 +170,8 @@ TEST_F(Keys, MouseTokensComeFromTheMouse) {
 
 TEST_F(Keys, FourthAndFifthMouseButtonAreSideButtons) {
   Start({ButtonControl(0, "<X1Mouse>"), ButtonControl(1, "<X2Mouse>")});
-  Tap(0);
-  Tap(1);
+  pad.Tap(0);
+  pad.Tap(1);
   EXPECT_TRUE(
       Sent(run->Mouse(), {"BTN_SIDE down", "BTN_SIDE up", "BTN_EXTRA down", "BTN_EXTRA up"}));
 }

@@ -12,15 +12,6 @@
 namespace kelvaro::kernel {
 namespace {
 
-PadShape MousePad() {
-  PadShape shape;
-  shape.name = "Mouse Pad";
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_Z}, {ABS_RX}, {ABS_RY}, {ABS_RZ}};
-  shape.hats = 1;
-  return shape;
-}
-
 // At the default sensitivity of 15 an axis at its limit is 1 + 3.4 counts a poll, of which the
 // whole ones are sent: 4.
 constexpr char kPointer[] =
@@ -43,7 +34,7 @@ class Mouse : public ::testing::Test {
     return run->Mouse().Events();
   }
 
-  UinputPad pad{MousePad()};
+  UinputPad pad{OrdinaryPad("Mouse Pad")};
   std::unique_ptr<ProfileRun> run;
 };
 
@@ -85,10 +76,7 @@ TEST_F(Mouse, PointerStaysUntilAControlTurnsItOn) {
   Start("\"mouse\":{\"mouseX\":{\"kind\":0,\"index\":0}}",
         {"{\"buttonMask\":\"0x1\",\"toggleMouseControls\":true}"});
   EXPECT_TRUE(Hold(ABS_X, 32000, 100).empty());
-  pad.Press(0);
-  WaitMs(50);
-  pad.Release(0);
-  WaitMs(50);
+  pad.Tap(0);
   EXPECT_NEAR(static_cast<double>(Hold(ABS_X, 32000, 100).size()), 20, 1);
 }
 
@@ -97,10 +85,7 @@ TEST_F(Mouse, ButtonsAreLeftMiddleAndRight) {
       "\"mouse\":{\"leftButton\":0,\"leftMask\":\"0x1\",\"middleButton\":1,\"middleMask\":\"0x2\","
       "\"rightButton\":2,\"rightMask\":\"0x4\",\"mouseAlwaysActive\":true}");
   for (std::size_t button = 0; button < 3; ++button) {
-    pad.Press(button);
-    WaitMs(50);
-    pad.Release(button);
-    WaitMs(50);
+    pad.Tap(button);
   }
   EXPECT_TRUE(Sent(run->Mouse(), {"BTN_LEFT down", "BTN_LEFT up", "BTN_MIDDLE down",
                                   "BTN_MIDDLE up", "BTN_RIGHT down", "BTN_RIGHT up"}));
@@ -131,10 +116,7 @@ TEST_F(Mouse, WheelSendsFractionsAndAWholeNotchForEach120) {
 
 TEST_F(Mouse, HatMovesOneCountAPoll) {
   Start("\"mouse\":{\"mouseX\":{\"kind\":8,\"index\":0},\"mouseAlwaysActive\":true}");
-  pad.TurnHat(0, 27000);
-  WaitMs(100);
-  pad.TurnHat(0, -1);
-  WaitMs(50);
+  pad.NudgeHat(0, 27000, 100);
   const std::vector<KernelEvent> events = run->Mouse().Events();
   EXPECT_NEAR(static_cast<double>(events.size()), 20, 1);
   for (const KernelEvent& event : events) {

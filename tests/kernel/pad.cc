@@ -89,6 +89,16 @@ void WaitForUdev(const std::string& node) {
 
 }  // namespace
 
+PadShape OrdinaryPad(const std::string& name, const std::string& port) {
+  PadShape shape;
+  shape.name = name;
+  shape.phys = port;
+  shape.buttons = GamePadButtons(11);
+  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_Z}, {ABS_RX}, {ABS_RY}, {ABS_RZ}};
+  shape.hats = 1;
+  return shape;
+}
+
 std::vector<unsigned int> GamePadButtons(std::size_t count) {
   std::vector<unsigned int> codes = {BTN_SOUTH, BTN_EAST,   BTN_NORTH,  BTN_WEST,
                                      BTN_TL,    BTN_TR,     BTN_SELECT, BTN_START,
@@ -179,6 +189,13 @@ void UinputPad::Release(std::size_t button) {
   Sync();
 }
 
+void UinputPad::Tap(std::size_t button, int ms) {
+  Press(button);
+  WaitMs(ms);
+  Release(button);
+  WaitMs(std::min(ms, 50));
+}
+
 void UinputPad::Move(unsigned int axis, int value) {
   Put(EV_ABS, axis, value);
   Sync();
@@ -199,6 +216,20 @@ void UinputPad::PutHat(int hat, int angle) {
 void UinputPad::TurnHat(int hat, int angle) {
   PutHat(hat, angle);
   Sync();
+}
+
+void UinputPad::Nudge(unsigned int axis, int value, int ms) {
+  Move(axis, value);
+  WaitMs(ms);
+  Move(axis, 0);
+  WaitMs(ms);
+}
+
+void UinputPad::NudgeHat(int hat, int angle, int ms) {
+  TurnHat(hat, angle);
+  WaitMs(ms);
+  TurnHat(hat, -1);
+  WaitMs(ms);
 }
 
 UhidPad::UhidPad(const std::string& name, const std::string& serial, std::uint16_t bus) {

@@ -32,6 +32,9 @@ struct PadShape {
   int hats = 0;  // 0 to 4
 };
 
+// An ordinary pad: 11 buttons, two sticks and their triggers, a hat.
+PadShape OrdinaryPad(const std::string& name, const std::string& port = "test/port0");
+
 // The button codes of an ordinary pad of `count` (up to 11) buttons, in ascending order.
 std::vector<unsigned int> GamePadButtons(std::size_t count);
 
@@ -54,8 +57,13 @@ class UinputPad {
   // is in hundredths of a degree, one of the eight that a hat has, or -1 for centred.
   void Press(std::size_t button);
   void Release(std::size_t button);
+  // Down for so long, then up for 50 ms, or for as long where that is less.
+  void Tap(std::size_t button, int ms = 50);
   void Move(unsigned int axis, int value);
   void TurnHat(int hat, int angle);
+  // There for so long, and as long back in the middle.
+  void Nudge(unsigned int axis, int value, int ms = 30);
+  void NudgeHat(int hat, int angle, int ms = 30);
 
   // As TurnHat, without the sync.
   void PutHat(int hat, int angle);

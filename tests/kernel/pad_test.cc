@@ -12,11 +12,7 @@ namespace kelvaro::kernel {
 namespace {
 
 TEST(VirtualPad, SendsItsButtonsAxesAndHats) {
-  PadShape shape;
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}};
-  shape.hats = 1;
-  UinputPad pad(shape);
+  UinputPad pad(OrdinaryPad("Test Pad"));
   Reader reader(pad.Node());
   pad.Press(0);
   pad.Move(ABS_X, 20000);

@@ -1,10 +1,9 @@
 // Pads that come and go, and equal pads that must not be taken for one another.
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 #include <linux/input.h>
 
-#include <sstream>
+#include <memory>
 
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
@@ -13,28 +12,13 @@
 namespace kelvaro::kernel {
 namespace {
 
-PadShape PlugPad(const std::string& port) {
-  PadShape shape;
-  shape.name = "Plug Pad";
-  shape.phys = port;
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}};
-  return shape;
-}
+PadShape PlugPad(const std::string& port) { return OrdinaryPad("Plug Pad", port); }
 
 // The identities of all devices called `name`, in the order of the list.
 std::vector<std::string> Guids(const std::string& name) {
-  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
-  EXPECT_EQ(devices.status, 0) << devices.err;
   std::vector<std::string> guids;
-  for (const std::string& line : Lines(devices.out)) {
-    Json::Value device;
-    std::istringstream text(line);
-    std::string errors;
-    EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), text, &device, &errors)) << line;
-    if (device["name"] == name) {
-      guids.push_back(device["guid"].asString());
-    }
+  for (const Json::Value& device : Devices()) {
+    if (device["name"] == name) guids.push_back(device["guid"].asString());
   }
   return guids;
 }
@@ -56,9 +40,7 @@ TEST(Plug, PulledPadLetsGoAndWorksAgainEachTimeItIsBack) {
     WaitMs(200);
     pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
     WaitMs(200);
-    pad->Press(1);
-    WaitMs(50);
-    pad->Release(1);
+    pad->Tap(1);
     expected.insert(expected.end(), {"KEY_B down", "KEY_B up"});
     ASSERT_TRUE(Sent(run.Keyboard(), expected));
   }
@@ -130,9 +112,7 @@ TEST(Plug, PadWithoutASerialNumberWorksAgainWhereverItIsPluggedIn) {
     there.version = place.version;
     pad = std::make_unique<UinputPad>(there);
     WaitMs(2000);  // another like it might have followed
-    pad->Press(1);
-    WaitMs(50);
-    pad->Release(1);
+    pad->Tap(1);
     expected.insert(expected.end(), {"KEY_B down", "KEY_B up"});
     ASSERT_TRUE(Sent(run.Keyboard(), expected));
   }
@@ -175,31 +155,31 @@ TEST(Plug, ASerialNumberIsKnownAgainByCableAndByRadio) {
   }
 }
 
-TEST(Plug, EqualPadsKeepTheirIdentitiesByTheirSerialNumbers) {
-  auto first = std::make_unique<UhidPad>("Descriptor Pad", "serial-1");
-  auto second = std::make_unique<UhidPad>("Descriptor Pad", "serial-2");
-  const std::vector<std::string> before = Guids("Descriptor Pad");
+// Plugs two equal pads in, and again the other way round: the list follows the kernel's numbers.
+template <typename Plug>
+void ExpectIdentitiesOfTheirOwn(const std::string& name, Plug plug) {
+  auto first = plug(1);
+  auto second = plug(2);
+  const std::vector<std::string> before = Guids(name);
   ASSERT_EQ(before.size(), 2U);
   EXPECT_NE(before[0], before[1]);
   first.reset();
   second.reset();
-  // The list follows the kernel's numbers, so it is turned round now.
-  second = std::make_unique<UhidPad>("Descriptor Pad", "serial-2");
-  first = std::make_unique<UhidPad>("Descriptor Pad", "serial-1");
-  EXPECT_EQ(Guids("Descriptor Pad"), (std::vector<std::string>{before[1], before[0]}));
+  second = plug(2);
+  first = plug(1);
+  EXPECT_EQ(Guids(name), (std::vector<std::string>{before[1], before[0]}));
+}
+
+TEST(Plug, EqualPadsKeepTheirIdentitiesByTheirSerialNumbers) {
+  ExpectIdentitiesOfTheirOwn("Descriptor Pad", [](int number) {
+    return std::make_unique<UhidPad>("Descriptor Pad", "serial-" + std::to_string(number));
+  });
 }
 
 TEST(Plug, EqualPadsWithoutSerialNumbersKeepTheirIdentitiesByTheirPorts) {
-  auto first = std::make_unique<UinputPad>(PlugPad("test/port1"));
-  auto second = std::make_unique<UinputPad>(PlugPad("test/port2"));
-  const std::vector<std::string> before = Guids("Plug Pad");
-  ASSERT_EQ(before.size(), 2U);
-  EXPECT_NE(before[0], before[1]);
-  first.reset();
-  second.reset();
-  second = std::make_unique<UinputPad>(PlugPad("test/port2"));
-  first = std::make_unique<UinputPad>(PlugPad("test/port1"));
-  EXPECT_EQ(Guids("Plug Pad"), (std::vector<std::string>{before[1], before[0]}));
+  ExpectIdentitiesOfTheirOwn("Plug Pad", [](int number) {
+    return std::make_unique<UinputPad>(PlugPad("test/port" + std::to_string(number)));
+  });
 }
 
 TEST(Plug, ProfileFindsItsOwnOfTwoEqualPadsAfterARestart) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <set>
+#include <sstream>
 
 #include "tests/cases/case_file.h"
 #include "tests/kernel/trace.h"
@@ -53,6 +54,52 @@ std::string ProfileOf(const std::vector<std::string>& controls, const std::strin
   return "{\"controls\":[" + Joined(controls) + "]" + With(more) + "}\n";
 }
 
+Json::Value Parsed(const std::string& text) {
+  Json::Value value;
+  std::istringstream in(text);
+  std::string errors;
+  EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors))
+      << text << ": " << errors;
+  return value;
+}
+
+std::vector<Json::Value> JsonLines(const std::string& text) {
+  std::vector<Json::Value> values;
+  for (const std::string& line : Lines(text)) values.push_back(Parsed(line));
+  return values;
+}
+
+std::vector<Json::Value> Devices(const ChildOptions& options) {
+  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"}, options);
+  EXPECT_EQ(devices.status, 0) << devices.err;
+  return JsonLines(devices.out);
+}
+
+Json::Value OnlyDevice() {
+  const std::vector<Json::Value> devices = Devices();
+  EXPECT_EQ(devices.size(), 1U);
+  return devices.empty() ? Json::Value() : devices[0];
+}
+
+bool Polls(const Child& child, const std::string& node) {
+  const bool polls = Eventually([&] { return DescriptorOf(child.Id(), node) >= 0; }, 10000);
+  EXPECT_TRUE(polls) << child.Err();
+  WaitMs(300);  // its first polls
+  return polls;
+}
+
+std::unique_ptr<Reader> KeyboardOf(const Child& child) {
+  std::string keys;
+  Eventually(
+      [&] {
+        keys = FindInput([](const InputNode& node) { return node.name == kKeyboardName; });
+        return !keys.empty();
+      },
+      5000);
+  EXPECT_FALSE(keys.empty()) << child.Err();
+  return keys.empty() ? nullptr : std::make_unique<Reader>(keys);
+}
+
 ProfileRun::ProfileRun(const std::string& profile, const std::string& device,
                        const std::string& node, const std::vector<std::string>& options) {
   std::set<std::string> before;
@@ -77,12 +124,12 @@ ProfileRun::ProfileRun(const std::string& profile, const std::string& device,
         keys = fresh(kKeyboardName);
         pointer = fresh(kMouseName);
         return !child->Running() ||
-               (!keys.empty() && !pointer.empty() && DescriptorOf(child->Pid(), node) >= 0);
+               (!keys.empty() && !pointer.empty() && DescriptorOf(child->Id(), node) >= 0);
       },
       20000);
   if (!ready || !child->Running()) {
     ADD_FAILURE() << "kelvaroctl run didn't start: keyboard '" << keys << "', mouse '" << pointer
-                  << "', pad " << (DescriptorOf(child->Pid(), node) >= 0 ? "open" : "not open")
+                  << "', pad " << (DescriptorOf(child->Id(), node) >= 0 ? "open" : "not open")
                   << "\n"
                   << child->Err() << child->Out();
     return;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <json/json.h>
 
 #include <memory>
 #include <string>
@@ -18,6 +19,18 @@ std::string ButtonControl(std::size_t button, const std::string& text,
                           const std::string& more = "");  // button from 0
 std::string ItemControl(int kind, int index, int value, const std::string& text);
 std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more = "");
+
+// One value of JSON, and one a line. What is none is a failure of the test.
+Json::Value Parsed(const std::string& text);
+std::vector<Json::Value> JsonLines(const std::string& text);
+// What `kelvaroctl devices` tells, a device an entry.
+std::vector<Json::Value> Devices(const ChildOptions& options = {});
+Json::Value OnlyDevice();
+
+// Comes back once `child` has the node open. False, and a failure, if it doesn't.
+bool Polls(const Child& child, const std::string& node);
+// Reads the virtual keyboard of that run as soon as it is there; null, and a failure, without one.
+std::unique_ptr<Reader> KeyboardOf(const Child& child);
 
 class ProfileRun {
  public:

@@ -2,13 +2,11 @@
 // and what looks like a pad and is none.
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 #include <linux/input.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <sstream>
 
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
@@ -45,17 +43,6 @@ std::vector<NamedKey> SixtyFourKeys() {
   return keys;
 }
 
-Json::Value OnlyDevice() {
-  const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"});
-  EXPECT_EQ(devices.status, 0) << devices.err;
-  Json::Value device;
-  std::istringstream text(devices.out);
-  std::string errors;
-  EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), text, &device, &errors))
-      << devices.out << errors;
-  return device;
-}
-
 class ManyButtonsTest : public ::testing::TestWithParam<std::size_t> {};
 
 TEST_P(ManyButtonsTest, EveryButtonUpTo64IsItsOwnTrigger) {
@@ -75,10 +62,7 @@ TEST_P(ManyButtonsTest, EveryButtonUpTo64IsItsOwnTrigger) {
   ASSERT_TRUE(run.Started());
   std::vector<std::string> expected;
   for (std::size_t button = 0; button < GetParam(); ++button) {
-    pad.Press(button);
-    WaitMs(15);
-    pad.Release(button);
-    WaitMs(15);
+    pad.Tap(button, 15);
     if (button < 64) {
       expected.push_back(keys[button].name + " down");
       expected.push_back(keys[button].name + " up");
@@ -126,13 +110,7 @@ TEST(OddPad, DirectionPadOfButtonsIsFourButtons) {
                             ButtonControl(6, "<Left>"), ButtonControl(7, "<Right>")}),
                  "Button Direction Pad", pad.Node());
   ASSERT_TRUE(run.Started());
-  std::vector<std::string> expected;
-  for (std::size_t button = 4; button < 8; ++button) {
-    pad.Press(button);
-    WaitMs(30);
-    pad.Release(button);
-    WaitMs(30);
-  }
+  for (std::size_t button = 4; button < 8; ++button) pad.Tap(button, 30);
   EXPECT_TRUE(
       Sent(run.Keyboard(), {"KEY_UP down", "KEY_UP up", "KEY_DOWN down", "KEY_DOWN up",
                             "KEY_LEFT down", "KEY_LEFT up", "KEY_RIGHT down", "KEY_RIGHT up"}));
@@ -157,10 +135,7 @@ TEST(OddPad, FourHatsAreFourHats) {
   ASSERT_TRUE(run.Started());
   for (int hat = 0; hat < 4; ++hat) {
     for (const int angle : {27000, 0, 9000, 18000}) {  // left, up, right, down
-      pad.TurnHat(hat, angle);
-      WaitMs(30);
-      pad.TurnHat(hat, -1);
-      WaitMs(30);
+      pad.NudgeHat(hat, angle);
     }
   }
   std::vector<std::string> expected;
@@ -207,10 +182,7 @@ TEST(OddPad, ThrottleAndRudderAreTheSliders) {
       "Flight Stick", pad.Node());
   ASSERT_TRUE(run.Started());
   for (const unsigned int axis : {ABS_THROTTLE, ABS_RUDDER}) {
-    pad.Move(axis, 32000);
-    WaitMs(30);
-    pad.Move(axis, 0);
-    WaitMs(30);
+    pad.Nudge(axis, 32000);
   }
   pad.Press(1);
   EXPECT_TRUE(
@@ -228,10 +200,7 @@ TEST(OddPad, AKeyOfThePadIsItsLastButton) {
                  pad.Node());
   ASSERT_TRUE(run.Started());
   for (const std::size_t button : {11, 0}) {
-    pad.Press(button);
-    WaitMs(30);
-    pad.Release(button);
-    WaitMs(30);
+    pad.Tap(button, 30);
   }
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_S down", "KEY_S up", "KEY_A down", "KEY_A up"}));
 }
@@ -263,23 +232,12 @@ TEST(OddPad, OneThatTypesTooIsPlayedWithAndItsKeysAreNoButtons) {
                             ItemControl(8, 0, 2, "u"), ButtonControl(16, "x")}),
                  shape.name, pad.Node());
   ASSERT_TRUE(run.Started());
-  pad.Press(15);
-  WaitMs(30);
-  pad.Release(15);
-  WaitMs(30);
+  pad.Tap(15, 30);
   for (std::size_t key = 16; key < shape.buttons.size(); ++key) {
-    pad.Press(key);
-    WaitMs(10);
-    pad.Release(key);
-    WaitMs(10);
+    pad.Tap(key, 10);
   }
-  pad.Move(ABS_Z, 1023);
-  WaitMs(30);
-  pad.Move(ABS_Z, 0);
-  WaitMs(30);
-  pad.TurnHat(0, 0);
-  WaitMs(30);
-  pad.TurnHat(0, -1);
+  pad.Nudge(ABS_Z, 1023);
+  pad.NudgeHat(0, 0);
   EXPECT_TRUE(Sent(run.Keyboard(),
                    {"KEY_P down", "KEY_P up", "KEY_T down", "KEY_T up", "KEY_U down", "KEY_U up"}));
 }
@@ -297,13 +255,8 @@ TEST(OddPad, AnAxisInAHatsPlaceTurnsNoHatAtRest) {
                             ItemControl(6, 0, 2, "s"), ButtonControl(0, "b")}),
                  "Odd Axis", pad.Node());
   ASSERT_TRUE(run.Started());
-  pad.Press(0);
-  WaitMs(30);
-  pad.Release(0);
-  WaitMs(30);
-  pad.Move(ABS_HAT0X, 239);
-  WaitMs(30);
-  pad.Move(ABS_HAT0X, 0);
+  pad.Tap(0, 30);
+  pad.Nudge(ABS_HAT0X, 239);
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_B down", "KEY_B up", "KEY_S down", "KEY_S up"}));
 }
 

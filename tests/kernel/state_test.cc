@@ -15,17 +15,17 @@
 namespace kelvaro::kernel {
 namespace {
 
-PadShape StatePad() {
-  PadShape shape;
-  shape.name = "State Pad";
-  shape.buttons = GamePadButtons(11);
-  shape.axes = {{ABS_X}, {ABS_Y}};
-  shape.hats = 1;
-  return shape;
-}
+class State : public ::testing::Test {
+ protected:
+  // Far more than the kernel keeps for a reader that stands still.
+  void Flood() {
+    for (int i = 0; i < 5000; ++i) pad.Move(ABS_Y, i % 2 == 0 ? 1000 : -1000);
+  }
 
-TEST(State, ButtonHeldWhenTheProgramStartsCounts) {
-  UinputPad pad(StatePad());
+  UinputPad pad{OrdinaryPad("State Pad")};
+};
+
+TEST_F(State, ButtonHeldWhenTheProgramStartsCounts) {
   pad.Press(0);
   ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "State Pad", pad.Node());
   ASSERT_TRUE(run.Started());
@@ -35,8 +35,7 @@ TEST(State, ButtonHeldWhenTheProgramStartsCounts) {
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A up"}));
 }
 
-TEST(State, EventsThatTheKernelDroppedAreMadeUpFor) {
-  UinputPad pad(StatePad());
+TEST_F(State, EventsThatTheKernelDroppedAreMadeUpFor) {
   ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(1, "b"), ItemControl(0, 0, 2, "x"),
                             ItemControl(8, 0, 2, "h")}),
                  "State Pad", pad.Node());
@@ -48,9 +47,7 @@ TEST(State, EventsThatTheKernelDroppedAreMadeUpFor) {
   pad.Press(1);
   pad.Move(ABS_X, 32000);
   pad.TurnHat(0, 0);
-  for (int i = 0; i < 5000; ++i) {
-    pad.Move(ABS_Y, i % 2 == 0 ? 1000 : -1000);
-  }
+  Flood();
   run.Process().Signal(SIGCONT);
   // In one change: what is held now goes down and what isn't goes up, in the order of the Controls.
   EXPECT_TRUE(
@@ -59,28 +56,23 @@ TEST(State, EventsThatTheKernelDroppedAreMadeUpFor) {
   pad.Release(1);
   pad.Move(ABS_X, 0);
   pad.TurnHat(0, -1);
-  for (int i = 0; i < 5000; ++i) {
-    pad.Move(ABS_Y, i % 2 == 0 ? 1000 : -1000);
-  }
+  Flood();
   run.Process().Signal(SIGCONT);
   WaitMs(100);
   EXPECT_FALSE(run.Keyboard().AnyDown());
   // From here on events are taken one by one again.
   run.Keyboard().Clear();
-  pad.Press(0);
-  WaitMs(30);
-  pad.Release(0);
+  pad.Tap(0, 30);
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down", "KEY_A up"}));
 }
 
-TEST(State, QuietPollIsOneReadBesideTheTimersWait) {
-  UinputPad pad(StatePad());
+TEST_F(State, QuietPollIsOneReadBesideTheTimersWait) {
   ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "State Pad", pad.Node());
   ASSERT_TRUE(run.Started());
   WaitMs(200);
-  const int descriptor = DescriptorOf(run.Process().Pid(), pad.Node());
+  const int descriptor = DescriptorOf(run.Process().Id(), pad.Node());
   ASSERT_GE(descriptor, 0);
-  const std::vector<SystemCall> calls = TraceCalls(run.Process().Pid(), 1000);
+  const std::vector<SystemCall> calls = TraceCalls(run.Process().Id(), 1000);
   pid_t polling = 0;
   for (const SystemCall& call : calls) {
     if (call.number == SYS_read && static_cast<int>(call.first) == descriptor) {

@@ -69,13 +69,8 @@ std::vector<SystemCall> TraceCalls(pid_t process, int ms) {
 }
 
 int DescriptorOf(pid_t process, const std::string& path) {
-  std::error_code error;
-  for (const auto& entry :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd", error)) {
-    if (std::filesystem::read_symlink(entry.path(), error) == path) {
-      return std::atoi(entry.path().filename().c_str());
-    }
-  }
+  for (const auto& [descriptor, file] : tests::OpenFiles(process))
+    if (file == path) return descriptor;
   return -1;
 }
 

@@ -21,15 +21,4 @@ void WaitUntilUs(std::int64_t us) {
 
 void WaitMs(int ms) { WaitUntilUs(NowUs() + static_cast<std::int64_t>(ms) * 1000); }
 
-bool Eventually(const std::function<bool()>& done, int ms) {
-  const std::int64_t end = NowUs() + static_cast<std::int64_t>(ms) * 1000;
-  while (!done()) {
-    if (NowUs() >= end) {
-      return false;
-    }
-    WaitMs(2);
-  }
-  return true;
-}
-
 }  // namespace kelvaro::kernel

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "tests/host/processes.h"
+
 namespace kelvaro::kernel {
 
 // Microseconds of the monotonic clock, the one that the readers' events carry too.
@@ -16,6 +18,8 @@ void WaitMs(int ms);
 void WaitUntilUs(std::int64_t us);
 
 // Looks every 2 ms until `done` is true; false when it isn't after `ms`.
-bool Eventually(const std::function<bool()>& done, int ms);
+inline bool Eventually(const std::function<bool()>& done, int ms) {
+  return tests::Eventually(done, std::chrono::milliseconds(ms), std::chrono::milliseconds(2));
+}
 
 }  // namespace kelvaro::kernel

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "tests/host/home.h"
 #include "tests/kernel/child.h"
 
 namespace kelvaro::kernel {
@@ -15,7 +16,6 @@ class WindowProgram {
  public:
   // Without a profile, and with the welcome of the first start seen.
   WindowProgram();
-  ~WindowProgram();
   WindowProgram(const WindowProgram&) = delete;
   WindowProgram& operator=(const WindowProgram&) = delete;
 
@@ -34,7 +34,7 @@ class WindowProgram {
   std::unique_ptr<Child> Start(const std::string& display = "", bool asNobody = false) const;
 
  private:
-  const std::string folder;
+  const tests::Home home{"/dev/shm"};
 };
 
 }  // namespace kelvaro::kernel

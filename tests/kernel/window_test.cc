@@ -6,8 +6,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <memory>
 
@@ -65,21 +63,10 @@ class Window : public ::testing::Test {
     }
     keyboard = std::make_unique<Reader>(keys);
     // The start's last thread, which comes to life after the profile's device has been looked for.
-    return InTime([&] { return HasThread("repeat") || !child->Running(); });
+    return InTime([&] { return tests::ThreadOf(child->Id(), "repeat") != 0 || !child->Running(); });
   }
 
-  bool HasThread(const std::string& name) const {
-    std::error_code ended;
-    const std::string threads = "/proc/" + std::to_string(child->Pid()) + "/task";
-    for (const auto& thread : std::filesystem::directory_iterator(threads, ended)) {
-      std::string comm;
-      std::getline(std::ifstream(thread.path() / "comm"), comm);
-      if (comm == name) return true;
-    }
-    return false;
-  }
-
-  bool Polls(const UhidPad& pad) const { return DescriptorOf(child->Pid(), pad.Node()) >= 0; }
+  bool Polls(const UhidPad& pad) const { return DescriptorOf(child->Id(), pad.Node()) >= 0; }
 
   // That it polls the pad from its start on.
   bool Begins(const UhidPad& pad) {
@@ -90,7 +77,7 @@ class Window : public ::testing::Test {
 
   void EndsInOrder() {
     child->Signal(SIGTERM);
-    EXPECT_EQ(child->Wait(10000), 0) << child->Err();
+    EXPECT_EQ(child->WaitForEnd(10s), 0) << child->Err();
   }
 
   WindowProgram program;
@@ -163,11 +150,7 @@ TEST_F(Window, WithoutTheSettingAPadThatComesAfterTheStartIsLeftAlone) {
 class WindowOnScreen : public Window {
  protected:
   static void SetUpTestSuite() { tests::patience = kPatience; }
-  void SetUp() override {
-    if (desktop.Works()) return;
-    if (tests::Required("xvfb")) FAIL() << "Xvfb and icewm can't be started";
-    GTEST_SKIP() << "Xvfb and icewm can't be started";
-  }
+  void SetUp() override { SKIP_UNLESS(desktop.Works(), "xvfb", "Xvfb and icewm can't be started"); }
 
   bool HasKeyboard(const std::string& title, bool transient) {
     return InTime([&] {

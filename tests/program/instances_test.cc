@@ -2,17 +2,15 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/ptrace.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "tests/program/machine.h"
-#include "tests/program/quiet_settings.h"
+#include "tests/program/stored_settings.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -27,27 +25,25 @@ class InstancesTest : public testing::Test {
     fs::create_directories(folder);
     fs::copy_file(Program("kelvaro"), program);
     for (const char* name : {"One", "Two", "Three"}) StoreProfile(name);
-    EXPECT_TRUE(PresetQuietSettings(home));
+    EXPECT_TRUE(StoredSettings(home).SetQuiet());
   }
 
   void StoreProfile(const std::string& name) {
-    const std::string json = folder + "/profile.json";
-    std::ofstream(json) << R"({"profileName": ")" << name << R"(", "deviceName": "No such pad"})";
+    const std::string json =
+        Put(folder + "/profile.json",
+            R"({"profileName": ")" + name + R"(", "deviceName": "No such pad"})");
     fs::create_directories(folder + "/Profiles");
     Child pack({Program("kelvaroctl"), "pack", json, folder + "/Profiles/" + name + ".idprof"},
-               home.Environment(), home.folder + "/pack");
+               {home.Environment()});
     EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
   }
 
   // A game: writes down its process id, its words and its folder, then waits for its end.
   std::string Game() {
-    const std::string path = folder + "/game";
-    std::ofstream(path) << "#!/bin/sh\necho $$ >" << folder
-                        << "/game.id.part\n{ printf '<%s>' \"$@\"; pwd; } >" << folder
-                        << "/game.words\nmv " << folder << "/game.id.part " << folder
-                        << "/game.id\nexec sleep 60\n";
-    chmod(path.c_str(), 0755);
-    return path;
+    const std::string file = folder + "/game";
+    return PutScript(file, "echo $$ >" + file + ".id.part\n{ printf '<%s>' \"$@\"; pwd; } >" +
+                               file + ".words\nmv " + file + ".id.part " + file +
+                               ".id\nexec sleep 60\n");
   }
 
   std::unique_ptr<Child> Run(const std::vector<std::string>& arguments) {
@@ -55,7 +51,7 @@ class InstancesTest : public testing::Test {
     environment["QT_QPA_PLATFORM"] = "offscreen";
     std::vector<std::string> command = {program};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return std::make_unique<Child>(command, environment, home.folder + "/log");
+    return std::make_unique<Child>(command, ChildOptions{environment});
   }
 
   // Living processes of the program, oldest first; one that nobody has waited for isn't one.
@@ -70,27 +66,11 @@ class InstancesTest : public testing::Test {
     return running;
   }
   std::string Words(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/cmdline");
-    std::string words((std::istreambuf_iterator<char>(file)), {});
+    std::string words = tests::Content("/proc/" + std::to_string(process) + "/cmdline");
     std::replace(words.begin(), words.end(), '\0', ' ');
     return words;
   }
-  // 0 for none.
-  static pid_t ThreadOf(pid_t process, const std::string& name) {
-    std::error_code gone;
-    for (const auto& entry :
-         fs::directory_iterator("/proc/" + std::to_string(process) + "/task", gone)) {
-      std::string called;
-      std::getline(std::ifstream(entry.path() / "comm") >> std::ws, called);
-      if (called == name) return std::stoi(entry.path().filename());
-    }
-    return 0;
-  }
-  std::string Content(const std::string& file) {
-    std::stringstream text;
-    text << std::ifstream(folder + "/" + file).rdbuf();
-    return text.str();
-  }
+  std::string Content(const std::string& file) { return tests::Content(folder + "/" + file); }
   pid_t GameId() {
     EXPECT_TRUE(Eventually([&] { return fs::exists(folder + "/game.id"); }));
     return std::stoi(Content("game.id"));
@@ -157,7 +137,7 @@ TEST_F(InstancesTest, WordsWithBlanksAndWithQuotesOfTheirOwnMeanWhatTheySay) {
     EXPECT_EQ(Content("game.words"), std::string(row.words) + folder + "\n");
     kill(game, SIGKILL);
     EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
-    EXPECT_EQ(LastProfile(home), row.profile);
+    EXPECT_EQ(StoredSettings(home).Text("Last Profile"), row.profile);
   }
 }
 

@@ -4,101 +4,54 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <thread>
 
 namespace kelvaro::tests {
 namespace {
 
-namespace fs = std::filesystem;
-
-std::string FreshFolder(const char* name) {
-  std::string pattern = "/tmp/kelvaro-" + std::string(name) + "-XXXXXX";
-  return mkdtemp(pattern.data());
-}
-
-pid_t Spawn(const std::vector<std::string>& command,
-            const std::map<std::string, std::string>& environment, const std::string& log) {
-  const pid_t process = fork();
-  if (process != 0) return process;
-  for (const auto& [variable, value] : environment) {
-    if (value.empty()) {
-      unsetenv(variable.c_str());
-    } else {
-      setenv(variable.c_str(), value.c_str(), 1);
-    }
-  }
-  const int out = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
-  dup2(out, STDOUT_FILENO);
-  dup2(out, STDERR_FILENO);
-  std::vector<char*> words;
-  for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
-  words.push_back(nullptr);
-  execvp(words[0], words.data());
-  _exit(127);
-}
-
-void End(pid_t* process) {
-  if (*process <= 0) return;
-  kill(*process, SIGKILL);
-  waitpid(*process, nullptr, 0);
-  *process = -1;
-}
-
 // Windows go at any moment; what is asked of one that is gone has no answer.
 int IgnoreError(Display*, XErrorEvent*) { return 0; }
 
-std::vector<unsigned long> WindowProperty(Display* display, Window window, const char* name) {
+// Empty for one that isn't there, or has another format.
+template <typename T>
+std::vector<T> WindowProperty(Display* display, Window window, const char* name) {
   Atom type = 0;
   int format = 0;
   unsigned long count = 0, left = 0;
   unsigned char* data = nullptr;
-  std::vector<unsigned long> values;
+  std::vector<T> values;
   if (XGetWindowProperty(display, window, XInternAtom(display, name, False), 0, 4096, False,
                          AnyPropertyType, &type, &format, &count, &left, &data) == Success &&
-      data && format == 32) {
-    const auto* first = reinterpret_cast<unsigned long*>(data);
+      data && format == (sizeof(T) == 1 ? 8 : 32)) {
+    const auto* first = reinterpret_cast<T*>(data);
     values.assign(first, first + count);
   }
   if (data) XFree(data);
   return values;
 }
 
-std::string Title(Display* display, Window window) {
-  Atom type = 0;
-  int format = 0;
-  unsigned long count = 0, left = 0;
-  unsigned char* data = nullptr;
-  std::string title;
-  if (XGetWindowProperty(display, window, XInternAtom(display, "_NET_WM_NAME", False), 0, 256,
-                         False, AnyPropertyType, &type, &format, &count, &left, &data) == Success &&
-      data && format == 8)
-    title.assign(reinterpret_cast<char*>(data), count);
-  if (data) XFree(data);
-  return title;
+std::vector<unsigned long> Numbers(Display* display, Window window, const char* name) {
+  return WindowProperty<unsigned long>(display, window, name);
 }
 
 bool Describe(Display* display, Window window, XWindow* out) {
   XWindowAttributes attributes{};
   if (!XGetWindowAttributes(display, window, &attributes)) return false;
   out->id = window;
-  out->title = Title(display, window);
+  const std::vector<char> title = WindowProperty<char>(display, window, "_NET_WM_NAME");
+  out->title.assign(title.begin(), title.end());
   Window child = 0;
   XTranslateCoordinates(display, window, attributes.root, 0, 0, &out->x, &out->y, &child);
   out->width = attributes.width;
   out->height = attributes.height;
   out->viewable = attributes.map_state == IsViewable;
-  out->transient = !WindowProperty(display, window, "WM_TRANSIENT_FOR").empty();
+  out->transient = !Numbers(display, window, "WM_TRANSIENT_FOR").empty();
   return true;
 }
 
@@ -111,127 +64,24 @@ void Walk(Display* display, Window window, const std::function<void(Window)>& vi
   if (children) XFree(children);
 }
 
-void SendToRoot(Display* display, Window window, const char* type, long first) {
-  XEvent event{};
-  event.xclient.type = ClientMessage;
-  event.xclient.window = window;
-  event.xclient.message_type = XInternAtom(display, type, False);
-  event.xclient.format = 32;
-  event.xclient.data.l[0] = first;
-  XSendEvent(display, DefaultRootWindow(display), False,
-             SubstructureRedirectMask | SubstructureNotifyMask, &event);
-  XSync(display, False);
-}
-
 }  // namespace
 
-bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit) {
-  const auto end = std::chrono::steady_clock::now() + limit;
-  for (;;) {
-    if (holds()) return true;
-    if (std::chrono::steady_clock::now() >= end) return false;
-    std::this_thread::sleep_for(20ms);
-  }
-}
-
-bool Required(const std::string& thing) {
-  const char* const list = std::getenv("KELVARO_REQUIRE");
-  return list && ("," + std::string(list) + ",").find("," + thing + ",") != std::string::npos;
-}
-
-Child::Child(const std::vector<std::string>& command,
-             const std::map<std::string, std::string>& environment, const std::string& log)
-    : process(Spawn(command, environment, log)), log(log) {}
-
-Child::~Child() {
-  if (!ended) End(&process);
-}
-
-bool Child::Running() { return WaitForEnd(0ms) == -1; }
-
-void Child::Signal(int signal) {
-  if (!ended) kill(process, signal);
-}
-
-int Child::WaitForEnd(std::chrono::milliseconds limit) {
-  Eventually(
-      [this] {
-        int value = 0;
-        if (!ended && waitpid(process, &value, WNOHANG) == process) {
-          ended = true;
-          status = WIFEXITED(value) ? WEXITSTATUS(value) : 128 + WTERMSIG(value);
-        }
-        return ended;
-      },
-      limit);
-  return ended ? status : -1;
-}
-
-std::string Child::Log() const {
-  std::stringstream text;
-  text << std::ifstream(log).rdbuf();
-  return text.str();
-}
-
-Home::Home() : folder(FreshFolder("home")) {
-  for (const char* name : {"config", "runtime", "cache", "data"})
-    fs::create_directory(folder + "/" + name);
-  fs::permissions(folder + "/runtime", fs::perms::owner_all);
-}
-
-Home::~Home() {
-  std::error_code ignored;  // a program that is still ending may hold something
-  fs::remove_all(folder, ignored);
-}
-
-std::map<std::string, std::string> Home::Environment() const {
-  return {{"HOME", folder},
-          {"XDG_CONFIG_HOME", folder + "/config"},
-          {"XDG_RUNTIME_DIR", folder + "/runtime"},
-          {"XDG_CACHE_HOME", folder + "/cache"},
-          {"XDG_DATA_HOME", folder + "/data"},
-          {"LANG", "C.UTF-8"},
-          {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder + "/runtime/none"},
-          {"DISPLAY", ""},
-          {"WAYLAND_DISPLAY", ""},
-          {"QT_QPA_PLATFORM", ""}};
-}
-
-XDesktop::XDesktop(bool withNotificationArea) : folder(FreshFolder("x")) {
-  int numbers[2];
-  if (pipe2(numbers, O_CLOEXEC) != 0) return;
-  const std::string fd = std::to_string(numbers[1]);
-  server = fork();
-  if (server == 0) {
-    fcntl(numbers[1], F_SETFD, 0);
-    const int nothing = open("/dev/null", O_RDWR);
-    dup2(nothing, STDOUT_FILENO);
-    dup2(nothing, STDERR_FILENO);
-    execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1280x900x24", "-nolisten",
-           "tcp", "-noreset", nullptr);
-    _exit(127);
-  }
-  close(numbers[1]);
-  char digit;
-  std::string number;
-  while (read(numbers[0], &digit, 1) == 1 && digit != '\n') number += digit;
-  close(numbers[0]);
-  if (number.empty()) return;
-  name = ":" + number;
-  display = XOpenDisplay(name.c_str());
+XDesktop::XDesktop(bool withNotificationArea) {
+  if (server.Address().empty()) return;
+  display = XOpenDisplay(Name().c_str());
   XSetErrorHandler(IgnoreError);
   if (!display) return;
-  fs::create_directory(folder + "/.icewm");
-  if (!withNotificationArea) std::ofstream(folder + "/.icewm/preferences") << "ShowTaskBar=0\n";
-  manager = Spawn({"icewm"},
-                  {{"DISPLAY", name}, {"HOME", folder}, {"XDG_CONFIG_HOME", folder + "/config"}},
-                  folder + "/icewm.log");
+  std::filesystem::create_directory(folder.In(".icewm"));
+  if (!withNotificationArea) Put(folder.In(".icewm/preferences"), "ShowTaskBar=0\n");
+  manager = std::make_unique<Child>(std::vector<std::string>{"icewm"},
+                                    ChildOptions{{{"DISPLAY", Name()},
+                                                  {"HOME", folder.folder},
+                                                  {"XDG_CONFIG_HOME", folder.In("config")}}});
   const Atom tray = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
   const auto ready = [&] {
     return withNotificationArea
                ? XGetSelectionOwner(display, tray) != None
-               : !WindowProperty(display, DefaultRootWindow(display), "_NET_SUPPORTING_WM_CHECK")
-                      .empty();
+               : !Numbers(display, DefaultRootWindow(display), "_NET_SUPPORTING_WM_CHECK").empty();
   };
   if (!Eventually(ready)) {
     XCloseDisplay(display);
@@ -241,10 +91,18 @@ XDesktop::XDesktop(bool withNotificationArea) : folder(FreshFolder("x")) {
 
 XDesktop::~XDesktop() {
   if (display) XCloseDisplay(display);
-  End(&manager);
-  End(&server);
-  std::error_code ignored;
-  fs::remove_all(folder, ignored);
+}
+
+void XDesktop::SendToRoot(unsigned long window, const char* type, long mask,
+                          const std::vector<long>& data) {
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window;
+  event.xclient.message_type = XInternAtom(display, type, False);
+  event.xclient.format = 32;
+  std::copy(data.begin(), data.end(), event.xclient.data.l);
+  XSendEvent(display, DefaultRootWindow(display), False, mask, &event);
+  XSync(display, False);
 }
 
 std::vector<XWindow> XDesktop::Windows() {
@@ -252,7 +110,7 @@ std::vector<XWindow> XDesktop::Windows() {
   Walk(display, DefaultRootWindow(display), [&](Window window) {
     XWindow found;
     // Only the program's own windows have it, not the manager's frames around them.
-    if (!WindowProperty(display, window, "WM_STATE").empty() && Describe(display, window, &found) &&
+    if (!Numbers(display, window, "WM_STATE").empty() && Describe(display, window, &found) &&
         !found.title.empty())
       windows.push_back(found);
   });
@@ -266,19 +124,19 @@ XWindow XDesktop::Find(const std::string& title, bool transient) {
 }
 
 bool XDesktop::Iconic(unsigned long window) {
-  const auto state = WindowProperty(display, window, "WM_STATE");
+  const auto state = Numbers(display, window, "WM_STATE");
   return !state.empty() && state[0] == IconicState;
 }
 
 bool XDesktop::Listed(unsigned long window) {
   for (const unsigned long listed :
-       WindowProperty(display, DefaultRootWindow(display), "_NET_CLIENT_LIST"))
+       Numbers(display, DefaultRootWindow(display), "_NET_CLIENT_LIST"))
     if (listed == window) return true;
   return false;
 }
 
 bool XDesktop::Active(unsigned long window) {
-  const auto active = WindowProperty(display, DefaultRootWindow(display), "_NET_ACTIVE_WINDOW");
+  const auto active = Numbers(display, DefaultRootWindow(display), "_NET_ACTIVE_WINDOW");
   return !active.empty() && active[0] == window;
 }
 
@@ -287,8 +145,8 @@ std::vector<XWindow> XDesktop::Icons() {
   Walk(display, DefaultRootWindow(display), [&](Window window) {
     XWindow found;
     // Any window may be willing to be docked; the window manager knows those that aren't.
-    if (!WindowProperty(display, window, "_XEMBED_INFO").empty() &&
-        WindowProperty(display, window, "WM_STATE").empty() && Describe(display, window, &found) &&
+    if (!Numbers(display, window, "_XEMBED_INFO").empty() &&
+        Numbers(display, window, "WM_STATE").empty() && Describe(display, window, &found) &&
         found.viewable)
       icons.push_back(found);
   });
@@ -300,15 +158,8 @@ void XDesktop::BeginArea() {
   const Atom selection = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
   area = XCreateSimpleWindow(display, root, 0, 0, 1, 1, 0, 0, 0);
   XSetSelectionOwner(display, selection, area, CurrentTime);
-  XEvent event{};
-  event.xclient.type = ClientMessage;
-  event.xclient.window = root;
-  event.xclient.message_type = XInternAtom(display, "MANAGER", False);
-  event.xclient.format = 32;
-  event.xclient.data.l[1] = static_cast<long>(selection);
-  event.xclient.data.l[2] = static_cast<long>(area);
-  XSendEvent(display, root, False, StructureNotifyMask, &event);
-  XSync(display, False);
+  SendToRoot(root, "MANAGER", StructureNotifyMask,
+             {CurrentTime, static_cast<long>(selection), static_cast<long>(area)});
 }
 
 void XDesktop::EndArea() {
@@ -325,7 +176,7 @@ std::vector<XWindow> XDesktop::Popups() {
   for (unsigned i = 0; i < count; ++i) {
     XWindowAttributes attributes{};
     XWindow found;
-    const auto type = WindowProperty(display, children[i], "_NET_WM_WINDOW_TYPE");
+    const auto type = Numbers(display, children[i], "_NET_WM_WINDOW_TYPE");
     if (XGetWindowAttributes(display, children[i], &attributes) && attributes.override_redirect &&
         !type.empty() && Describe(display, children[i], &found) && found.viewable)
       popups.push_back(found);
@@ -367,7 +218,8 @@ void XDesktop::Minimise(unsigned long window) {
 }
 
 void XDesktop::CloseWindow(unsigned long window) {
-  SendToRoot(display, window, "_NET_CLOSE_WINDOW", CurrentTime);
+  SendToRoot(window, "_NET_CLOSE_WINDOW", SubstructureRedirectMask | SubstructureNotifyMask,
+             {CurrentTime});
 }
 
 void XDesktop::Resize(unsigned long window, int width, int height) {
@@ -432,10 +284,13 @@ void XDesktop::Type(const std::string& keys) {
 
 void XDesktop::Photograph(const std::string& file) {
   // Nothing of a test depends on it.
-  const std::string command = "import -display " + name + " -window root " + file + " 2>/dev/null";
+  const std::string command =
+      "import -display " + Name() + " -window root " + file + " 2>/dev/null";
   if (std::system(command.c_str()) != 0) std::fprintf(stderr, "no picture: %s\n", file.c_str());
 }
 
-std::string Program(const std::string& file) { return fs::path(KELVARO_TEST_BIN) / file; }
+std::string Program(const std::string& file) {
+  return std::filesystem::path(KELVARO_TEST_BIN) / file;
+}
 
 }  // namespace kelvaro::tests

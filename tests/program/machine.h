@@ -2,70 +2,17 @@
 // window manager with a notification area, a home folder that is empty at first, and hands.
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
-#include <cstdint>
-#include <functional>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
+
+#include "tests/host/home.h"
+#include "tests/host/processes.h"
 
 struct _XDisplay;
 
 namespace kelvaro::tests {
-
-using namespace std::chrono_literals;
-
-// How long what takes a moment may take. To be changed where the clock isn't the real one.
-inline std::chrono::milliseconds patience = 20s;
-
-// True as soon as `holds` is; false if it wasn't within `limit`.
-bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience);
-
-// Whether KELVARO_REQUIRE names a thing, whose absence then is a failure and no skip.
-bool Required(const std::string& thing);
-
-// A program that runs in the background; ended with this object.
-class Child {
- public:
-  // `environment` replaces variables; an empty value takes one away. Standard output and error go
-  // to the file `log`.
-  Child(const std::vector<std::string>& command,
-        const std::map<std::string, std::string>& environment, const std::string& log);
-  ~Child();
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-
-  pid_t Id() const { return process; }
-  bool Running();
-  void Signal(int signal);
-  // Its exit status, 128 and the signal for one that was killed, -1 when it still runs after
-  // `limit`.
-  int WaitForEnd(std::chrono::milliseconds limit = 20s);
-  std::string Log() const;
-
- private:
-  pid_t process = -1;
-  int status = -1;
-  bool ended = false;
-  const std::string log;
-};
-
-// A home folder of its own under /tmp, removed at the end.
-class Home {
- public:
-  Home();
-  ~Home();
-  Home(const Home&) = delete;
-  Home& operator=(const Home&) = delete;
-
-  // HOME, XDG_CONFIG_HOME, XDG_RUNTIME_DIR and the rest that a program looks at.
-  std::map<std::string, std::string> Environment() const;
-  std::string SettingsFile() const { return folder + "/config/kelvaro/settings.sqlite3"; }
-
-  const std::string folder;
-};
 
 // A window on the X server.
 struct XWindow {
@@ -85,7 +32,7 @@ class XDesktop {
   XDesktop& operator=(const XDesktop&) = delete;
 
   bool Works() const { return display != nullptr; }
-  const std::string& Name() const { return name; }  // ":1"
+  std::string Name() const { return ":" + server.Address(); }
 
   // Top-level windows with a title, at any depth below the window manager's frames.
   std::vector<XWindow> Windows();
@@ -124,10 +71,12 @@ class XDesktop {
   void Photograph(const std::string& file);
 
  private:
-  const std::string folder;
-  std::string name;
-  pid_t server = -1;
-  pid_t manager = -1;
+  // What asks the window manager for something.
+  void SendToRoot(unsigned long window, const char* type, long mask, const std::vector<long>& data);
+
+  const TemporaryFolder folder;
+  Server server{[](const std::string& pipe) { return XServerCommand(pipe, "1280x900"); }};
+  std::unique_ptr<Child> manager;
   _XDisplay* display = nullptr;
   unsigned long area = 0;
 };

@@ -5,7 +5,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -21,10 +20,7 @@ class PlayTest : public testing::Test {
  protected:
   void SetUp() override {
     if (access("/dev/uinput", R_OK | W_OK) == 0) GTEST_SKIP() << "keys go out by uinput here";
-    if (!desktop.Works()) {
-      if (Required("xvfb")) FAIL() << "no X server";
-      GTEST_SKIP() << "no X server";
-    }
+    SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
     viewer = XOpenDisplay(desktop.Name().c_str());
     ASSERT_NE(viewer, nullptr);
   }
@@ -38,7 +34,7 @@ class PlayTest : public testing::Test {
     environment["DISPLAY"] = desktop.Name();
     return std::make_unique<Child>(std::vector<std::string>{Program("kelvaroctl"), "play", "--json",
                                                             "--hold-all", "<LShift>a<P:65535>b"},
-                                   environment, home.folder + "/log");
+                                   ChildOptions{environment});
   }
 
   bool IsDown(unsigned keycode) {
@@ -65,7 +61,6 @@ TEST_F(PlayTest, ASignalEndsItAtOnceWithNothingDown) {
     for (const char* released :
          {R"("vk":160,"scan":42,"flags":2})", R"("vk":65,"scan":30,"flags":2})"})
       EXPECT_NE(play->Log().find(released), std::string::npos) << play->Log();
-    std::filesystem::remove(home.folder + "/log");
   }
 }
 

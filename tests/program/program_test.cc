@@ -9,9 +9,9 @@
 #include <fstream>
 #include <memory>
 
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
+#include "tests/program/stored_settings.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -30,7 +30,12 @@ class ProgramTest : public testing::Test {
                              const std::vector<std::string>& arguments = {}) {
     std::vector<std::string> command = {Program("kelvaro")};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    return std::make_unique<Child>(command, With(more), home.folder + "/log");
+    return std::make_unique<Child>(command, ChildOptions{With(more)});
+  }
+
+  static void ExpectEndsInOrder(Child& program, int signal = SIGTERM) {
+    program.Signal(signal);
+    EXPECT_EQ(program.WaitForEnd(), 0) << program.Log();
   }
 
   Home home;
@@ -43,7 +48,7 @@ TEST_F(ProgramTest, AllProgramsTellTheSameVersionWithoutADisplay) {
                                                     {"rendlink", "Rendlink, Version 3.5\n"},
                                                     {"kelvaroctl", "kelvaroctl 3.5\n"}};
   for (const auto& [name, line] : kSaid) {
-    Child program({Program(name), "--version"}, home.Environment(), home.folder + "/" + name);
+    Child program({Program(name), "--version"}, {home.Environment()});
     EXPECT_EQ(program.WaitForEnd(), 0) << name;
     EXPECT_EQ(program.Log(), line);
   }
@@ -58,7 +63,6 @@ TEST_F(ProgramTest, TellsHowItIsCalledWithoutADisplay) {
 
 TEST_F(ProgramTest, WithoutADisplayItSaysSoInOneSentenceAndNamesTheConsole) {
   for (const Variables& none : {Variables{}, Variables{{"DISPLAY", ":4711"}}}) {
-    fs::remove(home.folder + "/log");
     const auto program = Run(none);
     EXPECT_EQ(program->WaitForEnd(), 1);
     const std::string text = program->Log();
@@ -72,8 +76,7 @@ TEST_F(ProgramTest, StartsOffScreenAndEndsInOrderWhenItIsAskedTo) {
     const auto program = Run(kOffScreen);
     ASSERT_TRUE(Eventually([&] { return fs::exists(home.SettingsFile()); })) << program->Log();
     ASSERT_EQ(program->WaitForEnd(300ms), -1) << program->Log();
-    program->Signal(signal);
-    EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+    ExpectEndsInOrder(*program, signal);
   }
 }
 
@@ -83,8 +86,7 @@ TEST_F(ProgramTest, TwoInstancesRunSideBySide) {
   EXPECT_EQ(first->WaitForEnd(1s), -1) << first->Log();
   EXPECT_EQ(second->WaitForEnd(1s), -1) << second->Log();
   for (const auto* program : {&first, &second}) {
-    (*program)->Signal(SIGTERM);
-    EXPECT_EQ((*program)->WaitForEnd(), 0);
+    ExpectEndsInOrder(**program);
   }
 }
 
@@ -95,32 +97,28 @@ TEST_F(ProgramTest, StartsWithSettingsThatAreDamagedOrReadOnly) {
   const auto damaged = Run(kOffScreen);
   ASSERT_TRUE(Eventually([&] { return fs::exists(home.SettingsFile() + ".damaged"); }));
   EXPECT_EQ(damaged->WaitForEnd(500ms), -1) << damaged->Log();
-  damaged->Signal(SIGTERM);
-  EXPECT_EQ(damaged->WaitForEnd(), 0) << damaged->Log();
+  ExpectEndsInOrder(*damaged);
   fs::permissions(home.SettingsFile(), fs::perms::owner_read);
   fs::permissions(fs::path(home.SettingsFile()).parent_path(),
                   fs::perms::owner_read | fs::perms::owner_exec);
   const auto readOnly = Run(kOffScreen);
   EXPECT_EQ(readOnly->WaitForEnd(1s), -1) << readOnly->Log();
-  readOnly->Signal(SIGTERM);
-  EXPECT_EQ(readOnly->WaitForEnd(), 0) << readOnly->Log();
+  ExpectEndsInOrder(*readOnly);
   fs::permissions(fs::path(home.SettingsFile()).parent_path(), fs::perms::owner_all);
 }
 
 TEST_F(ProgramTest, TheConsoleTakesTheUsersProfilesWhereEachUserHasAFolder) {
-  const std::string installed = home.folder + "/installed";
+  const std::string installed = home.In("installed");
   fs::create_directory(installed);
   for (const char* name : {"kelvaroctl", "Profiles"})
     fs::copy(Program(name), installed + "/" + name, fs::copy_options::recursive);
   std::ofstream(installed + "/PerUser").flush();
   const auto list = [&] {
-    const std::string log = home.folder + "/list";
-    fs::remove(log);
-    Child console({installed + "/kelvaroctl", "profiles"}, home.Environment(), log);
+    Child console({installed + "/kelvaroctl", "profiles"}, {home.Environment()});
     EXPECT_EQ(console.WaitForEnd(), 0);
     return console.Log();
   };
-  const std::string own = home.folder + "/data/kelvaro/Profiles";
+  const std::string own = home.In("data/kelvaro/Profiles");
   const std::string first = list();
   EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 5) << first;
   EXPECT_NE(first.find(own + "/Platformer.idprof"), std::string::npos) << first;
@@ -132,11 +130,7 @@ TEST_F(ProgramTest, TheConsoleTakesTheUsersProfilesWhereEachUserHasAFolder) {
 class DisplayTest : public ProgramTest {
  protected:
   explicit DisplayTest(bool withNotificationArea = true) : desktop(withNotificationArea) {}
-  void SetUp() override {
-    if (desktop.Works()) return;
-    if (Required("xvfb")) FAIL() << "Xvfb and icewm can't be started";
-    GTEST_SKIP() << "Xvfb and icewm can't be started";
-  }
+  void SetUp() override { SKIP_UNLESS(desktop.Works(), "xvfb", "Xvfb and icewm can't be started"); }
   void TearDown() override {
     if (HasFailure() && desktop.Works()) desktop.Photograph("/tmp/kelvaro-failed-test.png");
   }
@@ -169,8 +163,7 @@ class DisplayTest : public ProgramTest {
 
 TEST_F(DisplayTest, TheFirstStartWelcomesAndTheSecondDoesNot) {
   const auto first = Begin();
-  first->Signal(SIGTERM);
-  ASSERT_EQ(first->WaitForEnd(), 0) << first->Log();
+  ExpectEndsInOrder(*first);
   const auto second = Run({{"DISPLAY", desktop.Name()}});
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << second->Log();
   EXPECT_EQ(Welcome().id, 0u);
@@ -226,17 +219,9 @@ TEST_F(DisplayTest, TheCloseBoxEndsTheProgramAndItsPlaceIsRemembered) {
 // Numbers as the program left them; 0 for one that isn't there.
 std::vector<std::uint32_t> Stored(const Home& home, const char* subkey,
                                   const std::vector<const char*>& names) {
-  platform::SqliteRegistry registry({home.SettingsFile(), "", ""});
-  const std::string path = std::string(kProductKey) + '\\' + subkey;
-  platform::HKEY key = 0;
-  registry.RegOpenKeyA(platform::HKEY_CURRENT_USER, path, &key);
+  StoredSettings settings(home, subkey);
   std::vector<std::uint32_t> numbers;
-  for (const char* name : names) {
-    std::uint32_t type = 0;
-    std::uint32_t size = sizeof(std::uint32_t);
-    registry.RegQueryValueExA(key, name, &type, &numbers.emplace_back(), &size);
-  }
-  registry.RegCloseKey(key);
+  for (const char* name : names) numbers.push_back(settings.Number(name));
   return numbers;
 }
 
@@ -348,13 +333,10 @@ class AnotherUserTest : public DisplayTest {
   }
   std::unique_ptr<Child> RunAsNobody() {
     // What the server lets root do it lets anybody do who has the way to it.
-    const std::string id = std::to_string(kNobody);
-    return std::make_unique<Child>(
-        std::vector<std::string>{"setpriv", "--reuid", id, "--regid", id, "--clear-groups",
-                                 installed + "/kelvaro"},
-        With({{"DISPLAY", desktop.Name()}}), home.folder + "/log");
+    return std::make_unique<Child>(std::vector<std::string>{installed + "/kelvaro"},
+                                   ChildOptions{With({{"DISPLAY", desktop.Name()}}), true});
   }
-  const std::string installed = home.folder + "/installed";
+  const std::string installed = home.In("installed");
 };
 
 TEST_F(AnotherUserTest, IsToldThatNothingIsKeptUnlessEachUserHasAFolder) {
@@ -368,20 +350,18 @@ TEST_F(AnotherUserTest, IsToldThatNothingIsKeptUnlessEachUserHasAFolder) {
       desktop.CloseWindow(noDevice);
       return Eventually([&] { return Box().id != 0 && Box().id != noDevice; }, 500ms);
     })) << program->Log();
-    EXPECT_FALSE(fs::exists(home.folder + "/data/kelvaro"));
-    program->Signal(SIGTERM);
-    EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+    EXPECT_FALSE(fs::exists(home.In("data/kelvaro")));
+    ExpectEndsInOrder(*program);
   }
   std::ofstream(installed + "/PerUser").flush();
   const auto program = RunAsNobody();
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
   struct stat status {};
-  ASSERT_EQ(stat((home.folder + "/data/kelvaro/Profiles/Desktop.idprof").c_str(), &status), 0);
+  ASSERT_EQ(stat(home.In("data/kelvaro/Profiles/Desktop.idprof").c_str(), &status), 0);
   EXPECT_EQ(status.st_uid, kNobody);
   CloseBox();
   EXPECT_FALSE(Eventually([&] { return Box().id != 0; }, 1s));
-  program->Signal(SIGTERM);
-  EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
+  ExpectEndsInOrder(*program);
 }
 
 // Without a notification area nothing could bring a hidden window back.
@@ -413,14 +393,11 @@ TEST_F(NoNotificationAreaTest, AnAreaThatComesTakesTheWindowAndGivesItBackWhenIt
 
 TEST_F(ProgramTest, RunsOnAWaylandCompositor) {
   const std::string socket = "kelvaro-test";
-  auto environment = With({{"XDG_RUNTIME_DIR", home.folder + "/runtime"}});
   Child compositor({"weston", "--backend=headless-backend.so", "--socket=" + socket,
                     "--idle-time=0", "--no-config"},
-                   environment, home.folder + "/weston");
-  if (!Eventually([&] { return fs::exists(home.folder + "/runtime/" + socket); })) {
-    if (Required("wayland")) FAIL() << "weston can't be started: " << compositor.Log();
-    GTEST_SKIP() << "weston can't be started: " << compositor.Log();
-  }
+                   {home.Environment()});
+  SKIP_UNLESS(Eventually([&] { return fs::exists(home.In("runtime/" + socket)); }), "wayland",
+              "weston can't be started: " << compositor.Log());
   // The display's client library keeps a few bytes until the process is gone, which a build that
   // looks for leaks would tell of.
   const auto program = Run({{"WAYLAND_DISPLAY", socket},
@@ -433,8 +410,7 @@ TEST_F(ProgramTest, RunsOnAWaylandCompositor) {
   EXPECT_TRUE(
       Eventually([&] { return program->Log().find(".attach(wl_buffer") != std::string::npos; }));
   EXPECT_EQ(program->WaitForEnd(500ms), -1);
-  program->Signal(SIGTERM);
-  EXPECT_EQ(program->WaitForEnd(), 0);
+  ExpectEndsInOrder(*program);
 }
 
 }  // namespace

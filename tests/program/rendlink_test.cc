@@ -1,18 +1,14 @@
 // The program `rendlink` itself, with the real Kelvaro off the screen.
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
-#include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
-#include "tests/program/quiet_settings.h"
+#include "tests/program/stored_settings.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -22,7 +18,7 @@ using Words = std::vector<std::string>;
 
 class RendlinkProgramTest : public testing::Test {
  protected:
-  RendlinkProgramTest() { EXPECT_TRUE(PresetQuietSettings(home)); }
+  RendlinkProgramTest() { EXPECT_TRUE(StoredSettings(home).SetQuiet()); }
   void TearDown() override {
     EXPECT_EQ(Left(), Words{});
     EXPECT_EQ(Profiles(), before);
@@ -32,24 +28,20 @@ class RendlinkProgramTest : public testing::Test {
   Words Left() const {
     Words left;
     std::error_code missing;
-    for (const auto& entry : fs::directory_iterator(home.folder + "/runtime/kelvaro", missing))
+    for (const auto& entry : fs::directory_iterator(home.In("runtime/kelvaro"), missing))
       left.push_back(entry.path().filename().string());
     return left;
   }
   static std::map<std::string, std::string> Profiles() {
     std::map<std::string, std::string> all;
     for (const auto& entry : fs::directory_iterator(Program("Profiles")))
-      all[entry.path().filename().string()] = Bytes(entry.path().string());
+      all[entry.path().filename().string()] = Content(entry.path().string());
     return all;
-  }
-  static std::string Bytes(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
   }
   // Texts of a file, each with a zero byte behind it.
   static Words Texts(const std::string& file) {
     Words texts;
-    const std::string bytes = Bytes(file);
+    const std::string bytes = Content(file);
     for (std::size_t at = 0; at < bytes.size();) {
       const std::size_t end = bytes.find('\0', at);
       texts.push_back(bytes.substr(at, end - at));
@@ -59,10 +51,7 @@ class RendlinkProgramTest : public testing::Test {
   }
   // A program of the shell.
   std::string Script(const std::string& text, const std::string& name = "game.sh") {
-    const std::string path = home.folder + "/" + name;
-    std::ofstream(path) << "#!/bin/sh\n" << text << "\n";
-    chmod(path.c_str(), 0755);
-    return path;
+    return PutScript(home.In(name), text + "\n");
   }
   std::unique_ptr<Child> Run(const Words& arguments,
                              const std::map<std::string, std::string>& more = kOffScreen,
@@ -71,8 +60,7 @@ class RendlinkProgramTest : public testing::Test {
     command.insert(command.end(), arguments.begin(), arguments.end());
     auto variables = home.Environment();
     for (const auto& [name, value] : more) variables[name] = value;
-    fs::remove(home.folder + "/log");
-    return std::make_unique<Child>(command, variables, home.folder + "/log");
+    return std::make_unique<Child>(command, ChildOptions{variables});
   }
   std::unique_ptr<Child> Play(const Words& game,
                               const std::map<std::string, std::string>& more = kOffScreen) {
@@ -99,7 +87,7 @@ const std::map<std::string, std::string> RendlinkProgramTest::kOffScreen = {
     {"QT_QPA_PLATFORM", "offscreen"}};
 
 TEST_F(RendlinkProgramTest, EveryByteOfTheArgumentsReachesTheGameAndItsStatusComesBack) {
-  const std::string out = home.folder + "/out";
+  const std::string out = home.In("out");
   std::string all;
   for (int byte = 1; byte < 256; ++byte) all += static_cast<char>(byte);
   const Words arguments = {all,     "",     "a b", "\"q\"", "[x]",         "p|q", "%f",
@@ -119,11 +107,11 @@ TEST_F(RendlinkProgramTest, EveryByteOfTheArgumentsReachesTheGameAndItsStatusCom
 }
 
 TEST_F(RendlinkProgramTest, TheGameStartsInTheFolderThatIsTold) {
-  const std::string out = home.folder + "/out";
+  const std::string out = home.In("out");
   const std::string script = Script("printf '%s\\0' \"$PWD\" >" + out);
-  const auto child = Run({"--profile", "desk", "--dir", home.folder + "/data", "--", script});
+  const auto child = Run({"--profile", "desk", "--dir", home.In("data"), "--", script});
   EXPECT_EQ(child->WaitForEnd(), 0) << child->Log();
-  EXPECT_EQ(Texts(out), Words{home.folder + "/data"});
+  EXPECT_EQ(Texts(out), Words{home.In("data")});
 }
 
 TEST_F(RendlinkProgramTest, AGameThatASignalEndsHas128AndItsNumber) {
@@ -147,7 +135,7 @@ TEST_F(RendlinkProgramTest, SignalsGoToTheGame) {
 }
 
 TEST_F(RendlinkProgramTest, TheGameGoesOnWhenKelvaroIsGone) {
-  const std::string flag = home.folder + "/flag";
+  const std::string flag = home.In("flag");
   const auto child =
       Play({Script("echo ready\nwhile [ ! -e " + flag + " ]; do sleep 0.05; done\nexit 4")});
   ASSERT_TRUE(Eventually([&] { return Says(*child, "ready\n"); })) << child->Log();
@@ -156,7 +144,7 @@ TEST_F(RendlinkProgramTest, TheGameGoesOnWhenKelvaroIsGone) {
   kill(kelvaro, SIGTERM);
   ASSERT_TRUE(Eventually([&] { return KelvaroId() == 0; }));
   EXPECT_EQ(child->WaitForEnd(300ms), -1) << child->Log();
-  std::ofstream(flag) << "end";
+  Put(flag, "end");
   EXPECT_EQ(child->WaitForEnd(), 4) << child->Log();
 }
 
@@ -167,17 +155,19 @@ TEST_F(RendlinkProgramTest, AnUnknownProfileIsToldBeforeAnythingIsStarted) {
 }
 
 TEST_F(RendlinkProgramTest, AGameThatCantBeRunIsToldAsAShellDoes) {
-  const auto missing = Play({"no-such-game"});
-  EXPECT_EQ(missing->WaitForEnd(), 127);
-  EXPECT_EQ(missing->Log(), "rendlink: no-such-game: No such file or directory\n");
-  const std::string data = home.folder + "/data-file";
-  std::ofstream(data) << "text";
-  const auto refused = Play({data});
-  EXPECT_EQ(refused->WaitForEnd(), 126);
-  EXPECT_EQ(refused->Log(), "rendlink: " + data + ": Permission denied\n");
-  const auto folder = Play({home.folder});
-  EXPECT_EQ(folder->WaitForEnd(), 126);
-  EXPECT_EQ(folder->Log(), "rendlink: " + home.folder + ": Is a directory\n");
+  const std::string data = Put(home.In("data-file"), "text");
+  const struct {
+    std::string game;
+    int status;
+    const char* reason;
+  } kRows[] = {{"no-such-game", 127, "No such file or directory"},
+               {data, 126, "Permission denied"},
+               {home.folder, 126, "Is a directory"}};
+  for (const auto& row : kRows) {
+    const auto child = Play({row.game});
+    EXPECT_EQ(child->WaitForEnd(), row.status);
+    EXPECT_EQ(child->Log(), "rendlink: " + row.game + ": " + row.reason + "\n");
+  }
 }
 
 TEST_F(RendlinkProgramTest, WhereKelvaroEndsBeforeTheGameBeganThereIsNoStatus) {
@@ -200,7 +190,7 @@ TEST_F(RendlinkProgramTest, ASignalBeforeTheGameBeganEndsKelvaro) {
 }
 
 TEST_F(RendlinkProgramTest, WithoutKelvaroBesideItNothingCanBeDone) {
-  const std::string alone = home.folder + "/rendlink";
+  const std::string alone = home.In("rendlink");
   fs::copy_file(Program("rendlink"), alone);
   const Words kRows[] = {{"--profile", "Desktop", "--target", "/bin/true"},
                          {"--profile", "Desktop", "--", "/bin/true"}};
@@ -213,18 +203,18 @@ TEST_F(RendlinkProgramTest, WithoutKelvaroBesideItNothingCanBeDone) {
 }
 
 TEST_F(RendlinkProgramTest, TheCommandThatIsPrintedStartsTheGameInAShell) {
-  const std::string out = home.folder + "/out";
+  const std::string out = home.In("out");
   const std::string script = Script("printf '%s\\0' \"$PWD\" \"$@\" >" + out, "my 'game' $x.sh");
   const auto printed = Run({"--profile", "Desktop", "--target", script, "--args",
-                            "-map \"My  Level\" $HOME 'x'", "--dir", home.folder + "/data"});
+                            "-map \"My  Level\" $HOME 'x'", "--dir", home.In("data")});
   ASSERT_EQ(printed->WaitForEnd(), 0) << printed->Log();
   const auto shell = Run({"-c", printed->Log()}, kOffScreen, "/bin/sh");
   EXPECT_EQ(shell->WaitForEnd(), 0) << shell->Log();
-  EXPECT_EQ(Texts(out), (Words{home.folder + "/data", "-map", "My  Level", "$HOME", "'x'"}));
+  EXPECT_EQ(Texts(out), (Words{home.In("data"), "-map", "My  Level", "$HOME", "'x'"}));
 }
 
 TEST_F(RendlinkProgramTest, StartsAndIsDone) {
-  const std::string out = home.folder + "/out";
+  const std::string out = home.In("out");
   const std::string script = Script("printf '%s\\0' \"$@\" >" + out);
   const auto child =
       Run({"--profile", "Desktop", "--target", script, "--args", "\"a b\" c", "--start"});
@@ -234,14 +224,14 @@ TEST_F(RendlinkProgramTest, StartsAndIsDone) {
 }
 
 TEST_F(RendlinkProgramTest, SavesALauncherThatItsOwnerMayStart) {
-  const std::string file = home.folder + "/My Game.desktop";
+  const std::string file = home.In("My Game.desktop");
   const std::string script = Script("exit 0");
-  std::ofstream(home.folder + "/game.png") << "picture";
+  Put(home.In("game.png"), "picture");
   const auto child =
       Run({"--profile", "desk", "--target", script, "--args", "100% \"x\"", "--save", file});
   EXPECT_EQ(child->WaitForEnd(), 0) << child->Log();
   EXPECT_EQ(child->Log(), "");
-  EXPECT_EQ(Bytes(file),
+  EXPECT_EQ(Content(file),
             "[Desktop Entry]\nType=Application\nName=My Game\n"
             "Comment=Starts game with the profile Desktop\nExec=" +
                 Program("kelvaro") + " profile=Desktop target=" + script +
@@ -267,10 +257,10 @@ TEST_F(RendlinkProgramTest, TheWindowComesUpAndEndsWhenItIsAskedTo) {
 }
 
 TEST_F(RendlinkProgramTest, CarryingIsForItsOwnUse) {
-  const auto child = Run({"--carry", home.folder + "/none"});
+  const auto child = Run({"--carry", home.In("none")});
   EXPECT_EQ(child->WaitForEnd(), 1);
   EXPECT_EQ(child->Log(), "rendlink: --carry is for Rendlink's own use, and nobody waits at " +
-                              home.folder + "/none\n");
+                              home.In("none\n"));
 }
 
 }  // namespace
