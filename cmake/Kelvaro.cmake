@@ -71,11 +71,14 @@ function(kelvaro_program name library)
   install(TARGETS ${name} DESTINATION .)
 endfunction()
 
-# kelvaro_test(NAME [THREADS] links...): GoogleTest program test_NAME of this folder's *_test.cc.
-# THREADS says that it runs real threads, which puts it before the thread sanitizer too (target
-# threaded_tests, label threads).
+# kelvaro_test(NAME [THREADS] [HEADERS name] links...): GoogleTest program test_NAME of this folder's
+# *_test.cc, which may bring a main of their own. THREADS says that it runs real threads, which puts
+# it before the thread sanitizer too (target threaded_tests, label threads).
 function(kelvaro_test name)
-  cmake_parse_arguments(arg "THREADS" "" "" ${ARGN})
+  cmake_parse_arguments(arg "THREADS" "HEADERS" "" ${ARGN})
+  if(NOT arg_HEADERS)
+    set(arg_HEADERS kelvaro_headers_tests)
+  endif()
   file(GLOB sources CONFIGURE_DEPENDS *_test.cc)
   if(NOT sources)
     return()
@@ -83,7 +86,7 @@ function(kelvaro_test name)
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE
     kelvaro_options ${arg_UNPARSED_ARGUMENTS} GTest::gtest GTest::gtest_main)
-  kelvaro_share_headers(test_${name} kelvaro_headers_tests)
+  kelvaro_share_headers(test_${name} ${arg_HEADERS})
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 300)
   if(arg_THREADS)
