@@ -11,72 +11,60 @@ using Lines = std::vector<std::string>;
 
 class ButtonsTest : public QtTest {};
 
-TEST_F(ButtonsTest, AClickIsTold) {
-  Run([&] {
-    SetControlFocus(Window(), kSlider);
-    QTest::mouseClick(Widget(kButton), Qt::LeftButton);
-    QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
-    QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "106 clicked", "107 clicked"}));
-  });
+WINDOW_TEST(ButtonsTest, AClickIsTold) {
+  SetControlFocus(Window(), kSlider);
+  QTest::mouseClick(Widget(kButton), Qt::LeftButton);
+  QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
+  QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "106 clicked", "107 clicked"}));
 }
 
-TEST_F(ButtonsTest, ADisabledOneIsDead) {
-  Run([&] {
-    EXPECT_TRUE(EnableControl(Window(), kButton, false));
-    EXPECT_FALSE(IsControlEnabled(Window(), kButton));
-    QTest::mouseClick(Widget(kButton), Qt::LeftButton);
-    EXPECT_TRUE(recorder.lines.empty());
-    EXPECT_TRUE(EnableControl(Window(), kButton, true));
-    EXPECT_TRUE(IsControlEnabled(Window(), kButton));
-  });
+WINDOW_TEST(ButtonsTest, ADisabledOneIsDead) {
+  EXPECT_TRUE(EnableControl(Window(), kButton, false));
+  EXPECT_FALSE(IsControlEnabled(Window(), kButton));
+  QTest::mouseClick(Widget(kButton), Qt::LeftButton);
+  EXPECT_TRUE(recorder.lines.empty());
+  EXPECT_TRUE(EnableControl(Window(), kButton, true));
+  EXPECT_TRUE(IsControlEnabled(Window(), kButton));
 }
 
-TEST_F(ButtonsTest, ACheckBoxFlipsByItself) {
-  Run([&] {
-    QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
-    QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"108 clicked", "108 clicked"}));
-  });
+WINDOW_TEST(ButtonsTest, ACheckBoxFlipsByItself) {
+  QTest::keyClick(Widget(kCheck), Qt::Key_Space);
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  QTest::keyClick(Widget(kCheck), Qt::Key_Space);
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"108 clicked", "108 clicked"}));
 }
 
-TEST_F(ButtonsTest, CheckingByTheProgramIsNoNews) {
-  Run([&] {
-    EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
-    EXPECT_TRUE(recorder.lines.empty());
-    EXPECT_FALSE(CheckDlgButton(Window(), kButton, true));
-    EXPECT_FALSE(CheckDlgButton(Window(), 999, true));
-  });
+WINDOW_TEST(ButtonsTest, CheckingByTheProgramIsNoNews) {
+  EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_TRUE(recorder.lines.empty());
+  EXPECT_FALSE(CheckDlgButton(Window(), kButton, true));
+  EXPECT_FALSE(CheckDlgButton(Window(), 999, true));
 }
 
-TEST_F(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
-  Run([&] {
-    SetControlFocus(Window(), kSlider);
-    CheckDlgButton(Window(), kRadioA, true);
-    CheckDlgButton(Window(), kRadioC, true);
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioA)) << "another run";
-    CheckDlgButton(Window(), kRadioB, true);
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioB));
-    QTest::mouseClick(Widget(kRadioD), Qt::LeftButton, {}, QPoint(5, 5));
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioC));
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioD));
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
-  });
+WINDOW_TEST(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
+  SetControlFocus(Window(), kSlider);
+  CheckDlgButton(Window(), kRadioA, true);
+  CheckDlgButton(Window(), kRadioC, true);
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioA)) << "another run";
+  CheckDlgButton(Window(), kRadioB, true);
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioB));
+  QTest::mouseClick(Widget(kRadioD), Qt::LeftButton, {}, QPoint(5, 5));
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioC));
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioD));
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
 }
 
-TEST_F(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
-  Run([&] {
-    CheckDlgButton(Window(), kRadioA, true);
-    EXPECT_TRUE(CheckDlgButton(Window(), kRadioA, false));
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
-    CheckDlgButton(Window(), kRadioA, true);
-    CheckDlgButton(Window(), kRadioB, true);
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
-  });
+WINDOW_TEST(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
+  CheckDlgButton(Window(), kRadioA, true);
+  EXPECT_TRUE(CheckDlgButton(Window(), kRadioA, false));
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
+  CheckDlgButton(Window(), kRadioA, true);
+  CheckDlgButton(Window(), kRadioB, true);
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
 }
 
 TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
@@ -110,13 +98,11 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
   });
 }
 
-TEST_F(ButtonsTest, APictureButtonShowsItsBitmap) {
-  Run([&] {
-    const QImage bare = Widget(kPictureButton)->grab().toImage();
-    EXPECT_TRUE(SetPicture(Window(), kPictureButton, LoadBitmapA(145)));
-    EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);
-    EXPECT_FALSE(SetPicture(Window(), kButton, LoadBitmapA(145)));
-  });
+WINDOW_TEST(ButtonsTest, APictureButtonShowsItsBitmap) {
+  const QImage bare = Widget(kPictureButton)->grab().toImage();
+  EXPECT_TRUE(SetPicture(Window(), kPictureButton, LoadBitmapA(145)));
+  EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);
+  EXPECT_FALSE(SetPicture(Window(), kButton, LoadBitmapA(145)));
 }
 
 TEST_F(ButtonsTest, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {

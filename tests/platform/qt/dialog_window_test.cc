@@ -15,6 +15,9 @@ class DialogWindowTest : public QtTest {
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(Dialog()->windowHandle(), key, modifiers);
   }
+  static std::string SizeLine(const Rect& inside) {
+    return "size 0 " + std::to_string(inside.Width()) + 'x' + std::to_string(inside.Height());
+  }
 };
 
 // --- Its life
@@ -89,84 +92,72 @@ TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
 
 // --- Keys
 
-TEST_F(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
-  Run([&] {
-    std::vector<std::uint32_t> order;
-    for (int i = 0; i < 10; ++i) {
-      order.push_back(GetControlFocus(Window()));
-      Key(Qt::Key_Tab);
-    }
-    // A run of radio buttons is one stop.
-    EXPECT_EQ(order,
-              (std::vector<std::uint32_t>{kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kButton,
-                                          kPictureButton, kDrawnButton, kCheck, kRadioA, kRadioC}));
-  });
-}
-
-TEST_F(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    EnableControl(Window(), kDigitsEdit, false);
-    ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
+WINDOW_TEST(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
+  std::vector<std::uint32_t> order;
+  for (int i = 0; i < 10; ++i) {
+    order.push_back(GetControlFocus(Window()));
     Key(Qt::Key_Tab);
-    EXPECT_EQ(GetControlFocus(Window()), kArea);
-    Key(Qt::Key_Backtab);
-    EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
-  });
+  }
+  // A run of radio buttons is one stop.
+  EXPECT_EQ(order,
+            (std::vector<std::uint32_t>{kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kButton,
+                                        kPictureButton, kDrawnButton, kCheck, kRadioA, kRadioC}));
 }
 
-TEST_F(DialogWindowTest, EnterPressesTheDefaultButton) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    Key(Qt::Key_Return);
-    Key(Qt::Key_Enter);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "105 clicked"}));
-    EXPECT_TRUE(SetDefaultButton(Window(), kDrawnButton));
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
-    EXPECT_FALSE(SetDefaultButton(Window(), kCheck));
-    EXPECT_FALSE(SetDefaultButton(Window(), 999));
-  });
+WINDOW_TEST(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
+  SetControlFocus(Window(), kNameEdit);
+  EnableControl(Window(), kDigitsEdit, false);
+  ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
+  Key(Qt::Key_Tab);
+  EXPECT_EQ(GetControlFocus(Window()), kArea);
+  Key(Qt::Key_Backtab);
+  EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
 }
 
-TEST_F(DialogWindowTest, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    ShowControl(Window(), kButton, SW_HIDE);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
-    EnableControl(Window(), kButton, false);
-    Key(Qt::Key_Return);
-    EXPECT_TRUE(recorder.lines.empty());
-  });
+WINDOW_TEST(DialogWindowTest, EnterPressesTheDefaultButton) {
+  SetControlFocus(Window(), kNameEdit);
+  Key(Qt::Key_Return);
+  Key(Qt::Key_Enter);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "105 clicked"}));
+  EXPECT_TRUE(SetDefaultButton(Window(), kDrawnButton));
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
+  EXPECT_FALSE(SetDefaultButton(Window(), kCheck));
+  EXPECT_FALSE(SetDefaultButton(Window(), 999));
 }
 
-TEST_F(DialogWindowTest, EnterPressesTheButtonThatHasTheFocus) {
-  Run([&] {
-    SetControlFocus(Window(), IDCANCEL);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-    SetControlFocus(Window(), kPictureButton);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"106 clicked"}));
-    SetControlFocus(Window(), kButton);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "once, though it is the default";
-    SetControlFocus(Window(), kCheck);
-    Key(Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "a check box is no push button";
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
-  });
+WINDOW_TEST(DialogWindowTest, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {
+  SetControlFocus(Window(), kNameEdit);
+  ShowControl(Window(), kButton, SW_HIDE);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
+  EnableControl(Window(), kButton, false);
+  Key(Qt::Key_Return);
+  EXPECT_TRUE(recorder.lines.empty());
 }
 
-TEST_F(DialogWindowTest, EscIsCancel) {
-  Run([&] {
-    Key(Qt::Key_Escape);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-    EnableControl(Window(), IDCANCEL, false);
-    Key(Qt::Key_Escape);
-    EXPECT_TRUE(recorder.lines.empty());
-  });
+WINDOW_TEST(DialogWindowTest, EnterPressesTheButtonThatHasTheFocus) {
+  SetControlFocus(Window(), IDCANCEL);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
+  SetControlFocus(Window(), kPictureButton);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"106 clicked"}));
+  SetControlFocus(Window(), kButton);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "once, though it is the default";
+  SetControlFocus(Window(), kCheck);
+  Key(Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "a check box is no push button";
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+}
+
+WINDOW_TEST(DialogWindowTest, EscIsCancel) {
+  Key(Qt::Key_Escape);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
+  EnableControl(Window(), IDCANCEL, false);
+  Key(Qt::Key_Escape);
+  EXPECT_TRUE(recorder.lines.empty());
 }
 
 TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
@@ -185,52 +176,46 @@ TEST_F(DialogWindowTest, ATypedTextTakesThePlaceOfThatOfTheFirstEdit) {
   });
 }
 
-TEST_F(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
-  Run([&] {
-    QWidget* const focused = Dialog()->focusWidget();
-    if (focused) focused->clearFocus();
-    EXPECT_EQ(GetControlFocus(Window()), 0u);
+WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
+  QWidget* const focused = Dialog()->focusWidget();
+  if (focused) focused->clearFocus();
+  EXPECT_EQ(GetControlFocus(Window()), 0u);
+  recorder.lines.clear();
+  Key(Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"}));
+  TabInsertItem(Window(), kTabs, "One");
+  for (const std::uint32_t id :
+       {kButton, kPictureButton, kDrawnButton, kCheck, kRadioA, kDropList, kTabs, kSlider, kLink}) {
+    ASSERT_TRUE(SetControlFocus(Window(), id));
     recorder.lines.clear();
     Key(Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"}));
-    TabInsertItem(Window(), kTabs, "One");
-    for (const std::uint32_t id : {kButton, kPictureButton, kDrawnButton, kCheck, kRadioA,
-                                   kDropList, kTabs, kSlider, kLink}) {
-      ASSERT_TRUE(SetControlFocus(Window(), id));
-      recorder.lines.clear();
-      Key(Qt::Key_C, Qt::ControlModifier);
-      EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"})) << id;
-      Key(Qt::Key_V, Qt::ControlModifier);
-      EXPECT_EQ(recorder.LinesOf(0).size(), 4u) << id << ", the V too";
-    }
-    for (const std::uint32_t id : {kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kList}) {
-      ASSERT_TRUE(SetControlFocus(Window(), id));
-      recorder.lines.clear();
-      for (const Qt::Key key : {Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_F5, Qt::Key_Up})
-        Key(key, Qt::ControlModifier);
-      EXPECT_TRUE(recorder.LinesOf(0).empty()) << id;
-    }
-  });
+    EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"})) << id;
+    Key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(recorder.LinesOf(0).size(), 4u) << id << ", the V too";
+  }
+  for (const std::uint32_t id : {kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kList}) {
+    ASSERT_TRUE(SetControlFocus(Window(), id));
+    recorder.lines.clear();
+    for (const Qt::Key key : {Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_F5, Qt::Key_Up})
+      Key(key, Qt::ControlModifier);
+    EXPECT_TRUE(recorder.LinesOf(0).empty()) << id;
+  }
 }
 
-TEST_F(DialogWindowTest, F1IsTheWindowsWhateverHasTheFocus) {
-  Run([&] {
-    for (const std::uint32_t id : {kNameEdit, kReadOnlyEdit, kArea, kButton, kDrawnButton, kCheck,
-                                   kRadioA, kDropList, kList, kTabs, kSlider, kLink}) {
-      EXPECT_TRUE(SetControlFocus(Window(), id));
-      recorder.lines.clear();
-      Key(Qt::Key_F1);
-      EXPECT_EQ(recorder.TakeLines(), (Lines{"0 key down 112"})) << id;
-    }
-  });
+WINDOW_TEST(DialogWindowTest, F1IsTheWindowsWhateverHasTheFocus) {
+  for (const std::uint32_t id : {kNameEdit, kReadOnlyEdit, kArea, kButton, kDrawnButton, kCheck,
+                                 kRadioA, kDropList, kList, kTabs, kSlider, kLink}) {
+    EXPECT_TRUE(SetControlFocus(Window(), id));
+    recorder.lines.clear();
+    Key(Qt::Key_F1);
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"0 key down 112"})) << id;
+  }
 }
 
-TEST_F(DialogWindowTest, AMnemonicPressesItsButton) {
-  Run([&] {
-    Key(Qt::Key_E, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.LinesOf(kButton).empty(); }));
-    EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
-  });
+WINDOW_TEST(DialogWindowTest, AMnemonicPressesItsButton) {
+  Key(Qt::Key_E, Qt::AltModifier);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.LinesOf(kButton).empty(); }));
+  EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
 }
 
 TEST_F(DialogWindowTest, TheFocusCanBeSetBeforeItIsSeen) {
@@ -277,57 +262,50 @@ TEST_F(DialogWindowTest, ALongTextIsSeenWhole) {
   }
 }
 
-TEST_F(DialogWindowTest, ControlsStandWhereTheyAreSet) {
-  Run([&] {
-    EXPECT_TRUE(SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
-    Rect rect;
-    EXPECT_TRUE(GetControlRect(Window(), kButton, &rect));
-    EXPECT_EQ(rect, (Rect{10, 20, 17, 23})) << "smaller than it would like";
-    EXPECT_TRUE(SetControlPos(Window(), kButton, {1, 2, 99, 99}, SWP_NOSIZE));
-    GetControlRect(Window(), kButton, &rect);
-    EXPECT_EQ(rect, (Rect{1, 2, 8, 5}));
-    EXPECT_FALSE(SetControlPos(Window(), 999, {}, 0));
-    EXPECT_FALSE(GetControlRect(Window(), 999, &rect));
-  });
+WINDOW_TEST(DialogWindowTest, ControlsStandWhereTheyAreSet) {
+  EXPECT_TRUE(SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
+  Rect rect;
+  EXPECT_TRUE(GetControlRect(Window(), kButton, &rect));
+  EXPECT_EQ(rect, (Rect{10, 20, 17, 23})) << "smaller than it would like";
+  EXPECT_TRUE(SetControlPos(Window(), kButton, {1, 2, 99, 99}, SWP_NOSIZE));
+  GetControlRect(Window(), kButton, &rect);
+  EXPECT_EQ(rect, (Rect{1, 2, 8, 5}));
+  EXPECT_FALSE(SetControlPos(Window(), 999, {}, 0));
+  EXPECT_FALSE(GetControlRect(Window(), 999, &rect));
 }
 
-TEST_F(DialogWindowTest, SeveralMoveAtOnce) {
-  Run([&] {
-    Rect before;
-    GetControlRect(Window(), kButton, &before);
-    const DeferHandle defer = BeginDeferWindowPos(2);
-    ASSERT_NE(defer, 0u);
-    EXPECT_EQ(DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
-    EXPECT_EQ(DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
-    Rect rect;
-    GetControlRect(Window(), kButton, &rect);
-    EXPECT_EQ(rect, before);
-    EXPECT_TRUE(EndDeferWindowPos(defer));
-    GetControlRect(Window(), kButton, &rect);
-    EXPECT_EQ(rect, (Rect{1, 2, 11, 12}));
-    EXPECT_FALSE(EndDeferWindowPos(defer));
-    EXPECT_EQ(BeginDeferWindowPos(-1), 0u);
-  });
+WINDOW_TEST(DialogWindowTest, SeveralMoveAtOnce) {
+  Rect before;
+  GetControlRect(Window(), kButton, &before);
+  const DeferHandle defer = BeginDeferWindowPos(2);
+  ASSERT_NE(defer, 0u);
+  EXPECT_EQ(DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
+  EXPECT_EQ(DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
+  Rect rect;
+  GetControlRect(Window(), kButton, &rect);
+  EXPECT_EQ(rect, before);
+  EXPECT_TRUE(EndDeferWindowPos(defer));
+  GetControlRect(Window(), kButton, &rect);
+  EXPECT_EQ(rect, (Rect{1, 2, 11, 12}));
+  EXPECT_FALSE(EndDeferWindowPos(defer));
+  EXPECT_EQ(BeginDeferWindowPos(-1), 0u);
 }
 
-TEST_F(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
-  Run([&] {
-    EXPECT_TRUE(MoveWindow(Window(), {40, 50, 740, 550}));
-    Rect rect;
-    EXPECT_TRUE(GetWindowRect(Window(), &rect));
-    EXPECT_EQ(rect, (Rect{40, 50, 740, 550}));
-    Rect client;
-    EXPECT_TRUE(GetClientRect(Window(), &client));
-    EXPECT_EQ(recorder.lines.back(),
-              "size 0 " + std::to_string(client.Width()) + 'x' + std::to_string(client.Height()));
-    const QPoint inside = Dialog()->mapToGlobal(QPoint(0, 0));
-    EXPECT_EQ(recorder.place, (Point{inside.x(), inside.y()}));
-    EXPECT_TRUE(InvalidateRect(Window(), client));
-    EXPECT_TRUE(UpdateWindow(Window()));
-    EXPECT_TRUE(SetWindowTextA(Window(), "Title"));
-    EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Title"));
-    EXPECT_TRUE(SetForegroundWindow(Window()));
-  });
+WINDOW_TEST(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
+  EXPECT_TRUE(MoveWindow(Window(), {40, 50, 740, 550}));
+  Rect rect;
+  EXPECT_TRUE(GetWindowRect(Window(), &rect));
+  EXPECT_EQ(rect, (Rect{40, 50, 740, 550}));
+  Rect client;
+  EXPECT_TRUE(GetClientRect(Window(), &client));
+  EXPECT_EQ(recorder.lines.back(), SizeLine(client));
+  const QPoint inside = Dialog()->mapToGlobal(QPoint(0, 0));
+  EXPECT_EQ(recorder.place, (Point{inside.x(), inside.y()}));
+  EXPECT_TRUE(InvalidateRect(Window(), client));
+  EXPECT_TRUE(UpdateWindow(Window()));
+  EXPECT_TRUE(SetWindowTextA(Window(), "Title"));
+  EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Title"));
+  EXPECT_TRUE(SetForegroundWindow(Window()));
 }
 
 TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
@@ -335,8 +313,7 @@ TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
     EXPECT_TRUE(MoveWindow(window, {30, 40, 830, 640}));
     Rect client;
     GetClientRect(window, &client);
-    EXPECT_EQ(recorder.lines.back(),
-              "size 0 " + std::to_string(client.Width()) + 'x' + std::to_string(client.Height()));
+    EXPECT_EQ(recorder.lines.back(), SizeLine(client));
   };
   Run([&] {
     Rect rect;
@@ -361,16 +338,14 @@ TEST_F(DialogWindowTest, TheFrameThatItGetsLeavesItsInsideAsItIs) {
   });
 }
 
-TEST_F(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
-  Run([&] {
-    Dialog()->move(17, 23);
-    ShowWindow(Window(), SW_HIDE);
-    ShowWindow(Window(), SW_SHOW);
-    ShowWindow(Window(), SW_RESTORE);
-    EXPECT_EQ(Dialog()->pos(), QPoint(17, 23));
-    ShowWindow(Window(), SW_SHOWNORMAL);
-    EXPECT_EQ(Dialog()->pos(), QPoint(17, 23)) << "seen all the time";
-  });
+WINDOW_TEST(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
+  Dialog()->move(17, 23);
+  ShowWindow(Window(), SW_HIDE);
+  ShowWindow(Window(), SW_SHOW);
+  ShowWindow(Window(), SW_RESTORE);
+  EXPECT_EQ(Dialog()->pos(), QPoint(17, 23));
+  ShowWindow(Window(), SW_SHOWNORMAL);
+  EXPECT_EQ(Dialog()->pos(), QPoint(17, 23)) << "seen all the time";
 }
 
 TEST_F(DialogWindowTest, KeepsToItsLimits) {
@@ -392,15 +367,12 @@ TEST_F(DialogWindowTest, AFixedOneCantBeSized) {
   Run(kOneButton, [&] { EXPECT_EQ(Dialog()->minimumSize(), Dialog()->maximumSize()); });
 }
 
-TEST_F(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
-  Run([&] {
-    const QPoint inGroup = Widget(kRadioC)->geometry().center();
-    EXPECT_EQ(Dialog()->childAt(inGroup), Widget(kRadioC));
-    EXPECT_EQ(Dialog()->childAt(Widget(kSlider)->geometry().center()), Widget(kSlider));
-    SetControlPos(Window(), kButton, RectOf(Dialog()->Find(kTabs)->Widget()->geometry()),
-                  SWP_NOSIZE);
-    EXPECT_EQ(Dialog()->childAt(Widget(kButton)->geometry().center()), Widget(kButton));
-  });
+WINDOW_TEST(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
+  const QPoint inGroup = Widget(kRadioC)->geometry().center();
+  EXPECT_EQ(Dialog()->childAt(inGroup), Widget(kRadioC));
+  EXPECT_EQ(Dialog()->childAt(Widget(kSlider)->geometry().center()), Widget(kSlider));
+  SetControlPos(Window(), kButton, RectOf(Dialog()->Find(kTabs)->Widget()->geometry()), SWP_NOSIZE);
+  EXPECT_EQ(Dialog()->childAt(Widget(kButton)->geometry().center()), Widget(kButton));
 }
 
 TEST_F(DialogWindowTest, VisibleIsWhatTheProgramSetWhetherTheWindowIsSeenOrNot) {
@@ -438,14 +410,12 @@ std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr
   return 0;
 }
 
-TEST_F(DialogWindowTest, IsHiddenAndComesBack) {
-  Run([&] {
-    EXPECT_TRUE(ShowWindow(Window(), SW_HIDE));
-    EXPECT_FALSE(IsWindowVisible(Window()));
-    EXPECT_TRUE(ShowWindow(Window(), SW_SHOW));
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_FALSE(ShowWindow(99, SW_SHOW));
-  });
+WINDOW_TEST(DialogWindowTest, IsHiddenAndComesBack) {
+  EXPECT_TRUE(ShowWindow(Window(), SW_HIDE));
+  EXPECT_FALSE(IsWindowVisible(Window()));
+  EXPECT_TRUE(ShowWindow(Window(), SW_SHOW));
+  EXPECT_TRUE(IsWindowVisible(Window()));
+  EXPECT_FALSE(ShowWindow(99, SW_SHOW));
 }
 
 TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
@@ -475,59 +445,51 @@ TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
   });
 }
 
-TEST_F(DialogWindowTest, AMinimisedOneThatWasHiddenComesBackInItsNormalState) {
-  Run([&] {
-    Dialog()->showMinimized();
-    Settle();
-    ShowWindow(Window(), SW_HIDE);
-    Settle();
-    EXPECT_FALSE(IsWindowVisible(Window()));
-    EXPECT_TRUE(IsIconic(Window()));
-    ShowWindow(Window(), SW_SHOW);
-    ShowWindow(Window(), SW_RESTORE);
-    Settle();
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_FALSE(IsIconic(Window()));
-    EXPECT_FALSE(Dialog()->isMinimized());
-  });
+WINDOW_TEST(DialogWindowTest, AMinimisedOneThatWasHiddenComesBackInItsNormalState) {
+  Dialog()->showMinimized();
+  Settle();
+  ShowWindow(Window(), SW_HIDE);
+  Settle();
+  EXPECT_FALSE(IsWindowVisible(Window()));
+  EXPECT_TRUE(IsIconic(Window()));
+  ShowWindow(Window(), SW_SHOW);
+  ShowWindow(Window(), SW_RESTORE);
+  Settle();
+  EXPECT_TRUE(IsWindowVisible(Window()));
+  EXPECT_FALSE(IsIconic(Window()));
+  EXPECT_FALSE(Dialog()->isMinimized());
 }
 
-TEST_F(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {
-  Run([&] {
-    ShowWindow(Window(), SW_MINIMIZE);
-    ShowWindow(Window(), SW_HIDE);
-    ShowWindow(Window(), SW_SHOW);
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    Settle();
-    EXPECT_TRUE(IsIconic(Window()));
-    EXPECT_TRUE(Dialog()->isMinimized());
-  });
+WINDOW_TEST(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {
+  ShowWindow(Window(), SW_MINIMIZE);
+  ShowWindow(Window(), SW_HIDE);
+  ShowWindow(Window(), SW_SHOW);
+  EXPECT_TRUE(IsWindowVisible(Window()));
+  Settle();
+  EXPECT_TRUE(IsIconic(Window()));
+  EXPECT_TRUE(Dialog()->isMinimized());
 }
 
-TEST_F(DialogWindowTest, AMaximisedOneComesBackMaximised) {
-  Run([&] {
-    Dialog()->showMaximized();
-    Settle();
-    EXPECT_TRUE(IsZoomed(Window()));
-    EXPECT_EQ(recorder.TakeLines().back().substr(0, 6), "size 2");
-    ShowWindow(Window(), SW_MINIMIZE);
-    EXPECT_FALSE(IsZoomed(Window()));
-    ShowWindow(Window(), SW_RESTORE);
-    Settle();
-    EXPECT_TRUE(IsZoomed(Window()));
-    ShowWindow(Window(), SW_RESTORE);
-    Settle();
-    EXPECT_FALSE(IsZoomed(Window()));
-  });
+WINDOW_TEST(DialogWindowTest, AMaximisedOneComesBackMaximised) {
+  Dialog()->showMaximized();
+  Settle();
+  EXPECT_TRUE(IsZoomed(Window()));
+  EXPECT_EQ(recorder.TakeLines().back().substr(0, 6), "size 2");
+  ShowWindow(Window(), SW_MINIMIZE);
+  EXPECT_FALSE(IsZoomed(Window()));
+  ShowWindow(Window(), SW_RESTORE);
+  Settle();
+  EXPECT_TRUE(IsZoomed(Window()));
+  ShowWindow(Window(), SW_RESTORE);
+  Settle();
+  EXPECT_FALSE(IsZoomed(Window()));
 }
 
-TEST_F(DialogWindowTest, HasTheIconThatItIsGiven) {
-  Run([&] {
-    const IconHandle icon = LoadIconA(128);
-    EXPECT_TRUE(SetWindowIcon(Window(), icon, true));
-    EXPECT_FALSE(Dialog()->windowIcon().isNull());
-    EXPECT_FALSE(SetWindowIcon(99, icon, true));
-  });
+WINDOW_TEST(DialogWindowTest, HasTheIconThatItIsGiven) {
+  const IconHandle icon = LoadIconA(128);
+  EXPECT_TRUE(SetWindowIcon(Window(), icon, true));
+  EXPECT_FALSE(Dialog()->windowIcon().isNull());
+  EXPECT_FALSE(SetWindowIcon(99, icon, true));
 }
 
 }  // namespace

@@ -23,29 +23,25 @@ class DropListTest : public QtTest {
   }
 };
 
-TEST_F(DropListTest, HasTheTemplatesRowsAndNoneChosen) {
-  Run([&] {
-    EXPECT_EQ(Rows(kDropList), (std::vector<std::string>{"one", "two", "three"}));
-    EXPECT_EQ(ComboGetCurSel(Window(), kDropList), -1);
-    EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
-  });
+WINDOW_TEST(DropListTest, HasTheTemplatesRowsAndNoneChosen) {
+  EXPECT_EQ(Rows(kDropList), (std::vector<std::string>{"one", "two", "three"}));
+  EXPECT_EQ(ComboGetCurSel(Window(), kDropList), -1);
+  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
 }
 
 // A long list would lie over what it is to help with.
-TEST_F(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
-  Run([&] {
-    for (int row = 0; row < 132; ++row) {
-      ComboAddString(Window(), kDropList, "row " + std::to_string(row));
-    }
-    QComboBox* const box = Box(kDropList);
-    box->showPopup();
-    Settle();
-    const QAbstractItemView& rows = *box->view();
-    EXPECT_EQ(rows.viewport()->height() / rows.sizeHintForRow(0), 20);
-    EXPECT_TRUE(rows.verticalScrollBar()->isVisible());
-    EXPECT_GT(rows.verticalScrollBar()->maximum(), 0);
-    box->hidePopup();
-  });
+WINDOW_TEST(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
+  for (int row = 0; row < 132; ++row) {
+    ComboAddString(Window(), kDropList, "row " + std::to_string(row));
+  }
+  QComboBox* const box = Box(kDropList);
+  box->showPopup();
+  Settle();
+  const QAbstractItemView& rows = *box->view();
+  EXPECT_EQ(rows.viewport()->height() / rows.sizeHintForRow(0), 20);
+  EXPECT_TRUE(rows.verticalScrollBar()->isVisible());
+  EXPECT_GT(rows.verticalScrollBar()->maximum(), 0);
+  box->hidePopup();
 }
 
 constexpr const char* kHeaded[] = {"== Keys ==", "a", "b"};
@@ -65,118 +61,98 @@ TEST_F(DropListTest, HeadingsOfTheTemplateAreBold) {
   });
 }
 
-TEST_F(DropListTest, RowsOfASortedListStandInOrderWhateverTheCase) {
-  Run([&] {
-    EXPECT_EQ(ComboAddString(Window(), kSortedList, "b"), 0);
-    EXPECT_EQ(ComboAddString(Window(), kSortedList, "A"), 0);
-    EXPECT_EQ(ComboAddString(Window(), kSortedList, "C"), 2);
-    EXPECT_EQ(ComboAddString(Window(), kSortedList, "B"), 2);  // behind its equal
-    EXPECT_EQ(Rows(kSortedList), (std::vector<std::string>{"A", "b", "B", "C"}));
-    EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), -1);
-  });
+WINDOW_TEST(DropListTest, RowsOfASortedListStandInOrderWhateverTheCase) {
+  EXPECT_EQ(ComboAddString(Window(), kSortedList, "b"), 0);
+  EXPECT_EQ(ComboAddString(Window(), kSortedList, "A"), 0);
+  EXPECT_EQ(ComboAddString(Window(), kSortedList, "C"), 2);
+  EXPECT_EQ(ComboAddString(Window(), kSortedList, "B"), 2);  // behind its equal
+  EXPECT_EQ(Rows(kSortedList), (std::vector<std::string>{"A", "b", "B", "C"}));
+  EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), -1);
 }
 
-TEST_F(DropListTest, TheChoiceStaysWithItsRow) {
-  Run([&] {
-    ComboAddString(Window(), kSortedList, "m");
-    EXPECT_TRUE(ComboSetCurSel(Window(), kSortedList, 0));
-    ComboAddString(Window(), kSortedList, "a");
-    EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), 1);
-    EXPECT_EQ(Box(kSortedList)->currentText(), QStringLiteral("m"));
-    EXPECT_TRUE(ComboDeleteString(Window(), kSortedList, 0));
-    EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), 0);
-    EXPECT_TRUE(ComboDeleteString(Window(), kSortedList, 0));
-    EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), -1);
-    EXPECT_FALSE(ComboDeleteString(Window(), kSortedList, 0));
-  });
+WINDOW_TEST(DropListTest, TheChoiceStaysWithItsRow) {
+  ComboAddString(Window(), kSortedList, "m");
+  EXPECT_TRUE(ComboSetCurSel(Window(), kSortedList, 0));
+  ComboAddString(Window(), kSortedList, "a");
+  EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), 1);
+  EXPECT_EQ(Box(kSortedList)->currentText(), QStringLiteral("m"));
+  EXPECT_TRUE(ComboDeleteString(Window(), kSortedList, 0));
+  EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), 0);
+  EXPECT_TRUE(ComboDeleteString(Window(), kSortedList, 0));
+  EXPECT_EQ(ComboGetCurSel(Window(), kSortedList), -1);
+  EXPECT_FALSE(ComboDeleteString(Window(), kSortedList, 0));
 }
 
-TEST_F(DropListTest, DeletingTheChosenRowChoosesNoOther) {
-  Run([&] {
-    ComboSetCurSel(Window(), kDropList, 1);
-    ComboDeleteString(Window(), kDropList, 1);
-    EXPECT_EQ(ComboGetCurSel(Window(), kDropList), -1);
-    EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
-  });
+WINDOW_TEST(DropListTest, DeletingTheChosenRowChoosesNoOther) {
+  ComboSetCurSel(Window(), kDropList, 1);
+  ComboDeleteString(Window(), kDropList, 1);
+  EXPECT_EQ(ComboGetCurSel(Window(), kDropList), -1);
+  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
 }
 
-TEST_F(DropListTest, SearchesFoldTheCaseOfAsciiLetters) {
-  Run([&] {
-    EXPECT_EQ(ComboFindString(Window(), kDropList, "T"), 1);
-    EXPECT_EQ(ComboFindString(Window(), kDropList, "THR"), 2);
-    EXPECT_EQ(ComboFindString(Window(), kDropList, "x"), -1);
-    EXPECT_EQ(ComboFindStringExact(Window(), kDropList, "TWO"), 1);
-    EXPECT_EQ(ComboFindStringExact(Window(), kDropList, "tw"), -1);
-  });
+WINDOW_TEST(DropListTest, SearchesFoldTheCaseOfAsciiLetters) {
+  EXPECT_EQ(ComboFindString(Window(), kDropList, "T"), 1);
+  EXPECT_EQ(ComboFindString(Window(), kDropList, "THR"), 2);
+  EXPECT_EQ(ComboFindString(Window(), kDropList, "x"), -1);
+  EXPECT_EQ(ComboFindStringExact(Window(), kDropList, "TWO"), 1);
+  EXPECT_EQ(ComboFindStringExact(Window(), kDropList, "tw"), -1);
 }
 
-TEST_F(DropListTest, EachRowCarriesANumber) {
-  Run([&] {
-    EXPECT_EQ(ComboGetItemData(Window(), kDropList, 1), 0);
-    EXPECT_TRUE(ComboSetItemData(Window(), kDropList, 1, -2));
-    EXPECT_EQ(ComboGetItemData(Window(), kDropList, 1), -2);
-    EXPECT_FALSE(ComboSetItemData(Window(), kDropList, 3, 1));
-    EXPECT_EQ(ComboGetItemData(Window(), kDropList, 3), 0);
-  });
+WINDOW_TEST(DropListTest, EachRowCarriesANumber) {
+  EXPECT_EQ(ComboGetItemData(Window(), kDropList, 1), 0);
+  EXPECT_TRUE(ComboSetItemData(Window(), kDropList, 1, -2));
+  EXPECT_EQ(ComboGetItemData(Window(), kDropList, 1), -2);
+  EXPECT_FALSE(ComboSetItemData(Window(), kDropList, 3, 1));
+  EXPECT_EQ(ComboGetItemData(Window(), kDropList, 3), 0);
 }
 
-TEST_F(DropListTest, TheChosenRowChosenAgainIsNews) {
-  Run([&] {
-    ComboSetCurSel(Window(), kDropList, 1);
-    SetControlFocus(Window(), kDropList);
-    Box(kDropList)->showPopup();
-    QTest::keyClick(Box(kDropList)->view(), Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 1"}));
-    Box(kDropList)->showPopup();
-    QTest::keyClick(Box(kDropList)->view(), Qt::Key_Escape);
-    EXPECT_TRUE(recorder.lines.empty()) << "nothing was chosen";
-  });
+WINDOW_TEST(DropListTest, TheChosenRowChosenAgainIsNews) {
+  ComboSetCurSel(Window(), kDropList, 1);
+  SetControlFocus(Window(), kDropList);
+  Box(kDropList)->showPopup();
+  QTest::keyClick(Box(kDropList)->view(), Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 1"}));
+  Box(kDropList)->showPopup();
+  QTest::keyClick(Box(kDropList)->view(), Qt::Key_Escape);
+  EXPECT_TRUE(recorder.lines.empty()) << "nothing was chosen";
 }
 
-TEST_F(DropListTest, OnlyAChoiceOfThePersonIsNews) {
-  Run([&] {
-    EXPECT_TRUE(ComboSetCurSel(Window(), kDropList, 1));
-    EXPECT_FALSE(ComboSetCurSel(Window(), kDropList, 3));
-    EXPECT_TRUE(recorder.lines.empty());
-    SetControlFocus(Window(), kDropList);
-    QTest::keyClick(Widget(kDropList), Qt::Key_Down);
-    EXPECT_EQ(ComboGetCurSel(Window(), kDropList), 2);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 2"}));
-    QTest::keyClick(Widget(kDropList), Qt::Key_Down);
-    EXPECT_TRUE(recorder.lines.empty()) << "it was the last one";
-  });
+WINDOW_TEST(DropListTest, OnlyAChoiceOfThePersonIsNews) {
+  EXPECT_TRUE(ComboSetCurSel(Window(), kDropList, 1));
+  EXPECT_FALSE(ComboSetCurSel(Window(), kDropList, 3));
+  EXPECT_TRUE(recorder.lines.empty());
+  SetControlFocus(Window(), kDropList);
+  QTest::keyClick(Widget(kDropList), Qt::Key_Down);
+  EXPECT_EQ(ComboGetCurSel(Window(), kDropList), 2);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 2"}));
+  QTest::keyClick(Widget(kDropList), Qt::Key_Down);
+  EXPECT_TRUE(recorder.lines.empty()) << "it was the last one";
 }
 
-TEST_F(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
-  Run([&] {
-    ComboSetCurSel(Window(), kDropList, 0);
-    SetControlFocus(Window(), kNameEdit);
-    QWheelEvent wheel({5, 5}, Widget(kDropList)->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(Widget(kDropList), &wheel);
-    EXPECT_EQ(ComboGetCurSel(Window(), kDropList), 0);
-  });
+WINDOW_TEST(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
+  ComboSetCurSel(Window(), kDropList, 0);
+  SetControlFocus(Window(), kNameEdit);
+  QWheelEvent wheel({5, 5}, Widget(kDropList)->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
+                    Qt::NoScrollPhase, false);
+  QApplication::sendEvent(Widget(kDropList), &wheel);
+  EXPECT_EQ(ComboGetCurSel(Window(), kDropList), 0);
 }
 
-TEST_F(DropListTest, ResettingEmptiesIt) {
-  Run([&] {
-    EXPECT_TRUE(ComboResetContent(Window(), kDropList));
-    EXPECT_EQ(ComboGetCount(Window(), kDropList), 0);
-    EXPECT_EQ(ComboGetLBText(Window(), kDropList, 0), "");
-  });
+WINDOW_TEST(DropListTest, ResettingEmptiesIt) {
+  EXPECT_TRUE(ComboResetContent(Window(), kDropList));
+  EXPECT_EQ(ComboGetCount(Window(), kDropList), 0);
+  EXPECT_EQ(ComboGetLBText(Window(), kDropList, 0), "");
 }
 
-TEST_F(DropListTest, AnotherKindIsNoDropList) {
-  Run([&] {
-    EXPECT_EQ(ComboAddString(Window(), kList, "x"), -1);
-    EXPECT_EQ(ComboGetCount(Window(), kList), -1);
-    EXPECT_EQ(ComboGetCurSel(Window(), kList), -1);
-    EXPECT_FALSE(ComboSetCurSel(Window(), kList, 0));
-    EXPECT_EQ(ComboFindString(Window(), kList, ""), -1);
-    EXPECT_FALSE(ComboResetContent(Window(), kList));
-    EXPECT_FALSE(SetDlgItemTextA(Window(), kDropList, "x"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kDropList), "");
-  });
+WINDOW_TEST(DropListTest, AnotherKindIsNoDropList) {
+  EXPECT_EQ(ComboAddString(Window(), kList, "x"), -1);
+  EXPECT_EQ(ComboGetCount(Window(), kList), -1);
+  EXPECT_EQ(ComboGetCurSel(Window(), kList), -1);
+  EXPECT_FALSE(ComboSetCurSel(Window(), kList, 0));
+  EXPECT_EQ(ComboFindString(Window(), kList, ""), -1);
+  EXPECT_FALSE(ComboResetContent(Window(), kList));
+  EXPECT_FALSE(SetDlgItemTextA(Window(), kDropList, "x"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kDropList), "");
 }
 
 }  // namespace

@@ -14,28 +14,24 @@ class EditsTest : public QtTest {
   QLineEdit* Line(std::uint32_t id) const { return static_cast<QLineEdit*>(Widget(id)); }
 };
 
-TEST_F(EditsTest, GiveBackWhatWasSet) {
-  Run([&] {
-    for (const char* text : {"", "plain", "\xC3\xBC", "\xFC", "two  blanks "}) {
-      EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, text));
-      EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), text);
-    }
-    EXPECT_TRUE(recorder.LinesOf(kNameEdit).empty()) << "the program's doing is no news";
-  });
+WINDOW_TEST(EditsTest, GiveBackWhatWasSet) {
+  for (const char* text : {"", "plain", "\xC3\xBC", "\xFC", "two  blanks "}) {
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, text));
+    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), text);
+  }
+  EXPECT_TRUE(recorder.LinesOf(kNameEdit).empty()) << "the program's doing is no news";
 }
 
-TEST_F(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
-  Run([&] {
-    const auto inside = [&](std::uint32_t id) {
-      QWidget* const field = Widget(id);
-      return PixelOf(field, field->width() / 2 + 10, field->height() / 2);
-    };
-    const QColor window = Dialog()->palette().color(QPalette::Window);
-    EXPECT_EQ(inside(kReadOnlyEdit), window);
-    EXPECT_EQ(inside(kArea), window);
-    EXPECT_EQ(inside(kNameEdit), Dialog()->palette().color(QPalette::Base));
-    EXPECT_NE(inside(kNameEdit), window);
-  });
+WINDOW_TEST(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
+  const auto inside = [&](std::uint32_t id) {
+    QWidget* const field = Widget(id);
+    return PixelOf(field, field->width() / 2 + 10, field->height() / 2);
+  };
+  const QColor window = Dialog()->palette().color(QPalette::Window);
+  EXPECT_EQ(inside(kReadOnlyEdit), window);
+  EXPECT_EQ(inside(kArea), window);
+  EXPECT_EQ(inside(kNameEdit), Dialog()->palette().color(QPalette::Base));
+  EXPECT_NE(inside(kNameEdit), window);
 }
 
 TEST_F(EditsTest, ATextToReadHasNoCaret) {
@@ -56,117 +52,97 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
   QApplication::setCursorFlashTime(blinking);
 }
 
-TEST_F(EditsTest, TellOfEachChangeByThePerson) {
-  Run([&] {
-    SetDlgItemTextA(Window(), kNameEdit, "ab");
-    QTest::keyClicks(Line(kNameEdit), QStringLiteral("cd"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "abcd");
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 changed", "101 changed"}));
-  });
+WINDOW_TEST(EditsTest, TellOfEachChangeByThePerson) {
+  SetDlgItemTextA(Window(), kNameEdit, "ab");
+  QTest::keyClicks(Line(kNameEdit), QStringLiteral("cd"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "abcd");
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 changed", "101 changed"}));
 }
 
-TEST_F(EditsTest, TypedTextIsUtf8) {
-  Run([&] {
-    Line(kNameEdit)->insert(QStringLiteral("ü"));
-    QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
-  });
+WINDOW_TEST(EditsTest, TypedTextIsUtf8) {
+  Line(kNameEdit)->insert(QStringLiteral("ü"));
+  QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
 }
 
-TEST_F(EditsTest, TypingAfterBytesThatArentUtf8KeepsThem) {
-  Run([&] {
-    SetDlgItemTextA(Window(), kNameEdit, "\xFC");
-    QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xFCx");
-  });
+WINDOW_TEST(EditsTest, TypingAfterBytesThatArentUtf8KeepsThem) {
+  SetDlgItemTextA(Window(), kNameEdit, "\xFC");
+  QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xFCx");
 }
 
-TEST_F(EditsTest, AnEditForDigitsTakesThemAlone) {
-  Run([&] {
-    QTest::keyClicks(Line(kDigitsEdit), QStringLiteral("1a2-3"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "123");
-  });
+WINDOW_TEST(EditsTest, AnEditForDigitsTakesThemAlone) {
+  QTest::keyClicks(Line(kDigitsEdit), QStringLiteral("1a2-3"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "123");
 }
 
-TEST_F(EditsTest, AReadOnlyOneCanBeReachedAndNotChanged) {
-  Run([&] {
-    EXPECT_TRUE(SetControlFocus(Window(), kReadOnlyEdit));
-    QTest::keyClicks(Line(kReadOnlyEdit), QStringLiteral("x"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kReadOnlyEdit, "other"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "other");
-  });
+WINDOW_TEST(EditsTest, AReadOnlyOneCanBeReachedAndNotChanged) {
+  EXPECT_TRUE(SetControlFocus(Window(), kReadOnlyEdit));
+  QTest::keyClicks(Line(kReadOnlyEdit), QStringLiteral("x"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");
+  EXPECT_TRUE(SetDlgItemTextA(Window(), kReadOnlyEdit, "other"));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "other");
 }
 
-TEST_F(EditsTest, TheCaretStandsBehindThatManyBytes) {
-  Run([&] {
-    SetDlgItemTextA(Window(), kNameEdit,
-                    "a\xC3\xBC"
-                    "bc");
-    Line(kNameEdit)->selectAll();
-    EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
-    EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 2);
-    EXPECT_FALSE(Line(kNameEdit)->hasSelectedText());
-    SetDlgItemTextA(Window(), kNameEdit,
-                    "a\xFC"
-                    "bc");
-    EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
-    EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 3);
-    EXPECT_TRUE(SetCaret(Window(), kNameEdit, 99));
-    EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 4);
-    EXPECT_FALSE(SetCaret(Window(), kButton, 0));
-  });
+WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
+  SetDlgItemTextA(Window(), kNameEdit,
+                  "a\xC3\xBC"
+                  "bc");
+  Line(kNameEdit)->selectAll();
+  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
+  EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 2);
+  EXPECT_FALSE(Line(kNameEdit)->hasSelectedText());
+  SetDlgItemTextA(Window(), kNameEdit,
+                  "a\xFC"
+                  "bc");
+  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
+  EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 3);
+  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 99));
+  EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 4);
+  EXPECT_FALSE(SetCaret(Window(), kButton, 0));
 }
 
-TEST_F(EditsTest, LosingTheFocusToThePersonIsToldInItsTurn) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    QTest::keyClick(Line(kNameEdit), Qt::Key_Tab);
-    EXPECT_TRUE(recorder.lines.empty()) << "not in the middle of the change";
-    Settle();
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));
-  });
+WINDOW_TEST(EditsTest, LosingTheFocusToThePersonIsToldInItsTurn) {
+  SetControlFocus(Window(), kNameEdit);
+  QTest::keyClick(Line(kNameEdit), Qt::Key_Tab);
+  EXPECT_TRUE(recorder.lines.empty()) << "not in the middle of the change";
+  Settle();
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));
 }
 
-TEST_F(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    QTest::mouseClick(Widget(kCheck), Qt::LeftButton, {}, QPoint(5, 5));
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
-    Widget(kNameEdit)->setFocus(Qt::TabFocusReason);
-    recorder.lines.clear();
-    Widget(kCheck)->setFocus(Qt::MouseFocusReason);
-    QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost", "108 clicked"}));
-    Settle();
-    EXPECT_TRUE(recorder.lines.empty()) << "told once";
-  });
+WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
+  SetControlFocus(Window(), kNameEdit);
+  QTest::mouseClick(Widget(kCheck), Qt::LeftButton, {}, QPoint(5, 5));
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  Widget(kNameEdit)->setFocus(Qt::TabFocusReason);
+  recorder.lines.clear();
+  Widget(kCheck)->setFocus(Qt::MouseFocusReason);
+  QTest::keyClick(Widget(kCheck), Qt::Key_Space);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost", "108 clicked"}));
+  Settle();
+  EXPECT_TRUE(recorder.lines.empty()) << "told once";
 }
 
-TEST_F(EditsTest, LosingTheFocusToTheProgramIsNoNews) {
-  Run([&] {
-    SetControlFocus(Window(), kNameEdit);
-    SetControlFocus(Window(), kDigitsEdit);
-    EnableControl(Window(), kDigitsEdit, false);
-    SetControlFocus(Window(), kNameEdit);
-    ShowControl(Window(), kNameEdit, SW_HIDE);
-    Settle();
-    EXPECT_TRUE(recorder.lines.empty());
-  });
+WINDOW_TEST(EditsTest, LosingTheFocusToTheProgramIsNoNews) {
+  SetControlFocus(Window(), kNameEdit);
+  SetControlFocus(Window(), kDigitsEdit);
+  EnableControl(Window(), kDigitsEdit, false);
+  SetControlFocus(Window(), kNameEdit);
+  ShowControl(Window(), kNameEdit, SW_HIDE);
+  Settle();
+  EXPECT_TRUE(recorder.lines.empty());
 }
 
-TEST_F(EditsTest, AnAreaShowsItsLinesAndLeavesTabEnterAndEscToTheDialog) {
-  Run([&] {
-    auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
-    EXPECT_EQ(area->document()->blockCount(), 2);
-    EXPECT_EQ(GetDlgItemTextA(Window(), kArea), "first\r\nsecond");
-    SetControlFocus(Window(), kArea);
-    QTest::keyClick(area, Qt::Key_Return);
-    QTest::keyClick(area, Qt::Key_Escape);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"105 clicked", "2 clicked"}));
-    QTest::keyClick(area, Qt::Key_Tab);
-    EXPECT_EQ(GetControlFocus(Window()), kButton);
-  });
+WINDOW_TEST(EditsTest, AnAreaShowsItsLinesAndLeavesTabEnterAndEscToTheDialog) {
+  auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
+  EXPECT_EQ(area->document()->blockCount(), 2);
+  EXPECT_EQ(GetDlgItemTextA(Window(), kArea), "first\r\nsecond");
+  SetControlFocus(Window(), kArea);
+  QTest::keyClick(area, Qt::Key_Return);
+  QTest::keyClick(area, Qt::Key_Escape);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"105 clicked", "2 clicked"}));
+  QTest::keyClick(area, Qt::Key_Tab);
+  EXPECT_EQ(GetControlFocus(Window()), kButton);
 }
 
 }  // namespace

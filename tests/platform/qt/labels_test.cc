@@ -15,11 +15,9 @@ using Lines = std::vector<std::string>;
 
 class LabelsTest : public QtTest {};
 
-TEST_F(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
-  Run([&] {
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameLabel), "&Name");
-    EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("Name"));
-  });
+WINDOW_TEST(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameLabel), "&Name");
+  EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("Name"));
 }
 
 // What a label of this text paints.
@@ -50,82 +48,70 @@ TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
   });
 }
 
-TEST_F(LabelsTest, AMnemonicGoesToTheNextControlThatTakesTheFocus) {
-  Run([&] {
-    SetControlFocus(Window(), kCheck);
-    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-    EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
-    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_G, Qt::AltModifier);
-    EXPECT_EQ(GetControlFocus(Window()), kRadioC);
-  });
+WINDOW_TEST(LabelsTest, AMnemonicGoesToTheNextControlThatTakesTheFocus) {
+  SetControlFocus(Window(), kCheck);
+  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
+  EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
+  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_G, Qt::AltModifier);
+  EXPECT_EQ(GetControlFocus(Window()), kRadioC);
 }
 
-TEST_F(LabelsTest, AHiddenLabelsMnemonicIsDead) {
-  Run([&] {
-    SetControlFocus(Window(), kCheck);
-    ShowControl(Window(), kNameLabel, SW_HIDE);
-    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-    EXPECT_EQ(GetControlFocus(Window()), kCheck);
-  });
+WINDOW_TEST(LabelsTest, AHiddenLabelsMnemonicIsDead) {
+  SetControlFocus(Window(), kCheck);
+  ShowControl(Window(), kNameLabel, SW_HIDE);
+  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
+  EXPECT_EQ(GetControlFocus(Window()), kCheck);
 }
 
-TEST_F(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
-  Run([&] {
-    QTest::mousePress(Widget(kNameLabel), Qt::LeftButton);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"100 clicked"}));
-    QTest::mouseRelease(Widget(kNameLabel), Qt::LeftButton);
-    QTest::mouseClick(Widget(kNameLabel), Qt::RightButton);
-    EXPECT_TRUE(recorder.lines.empty());
-  });
+WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
+  QTest::mousePress(Widget(kNameLabel), Qt::LeftButton);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"100 clicked"}));
+  QTest::mouseRelease(Widget(kNameLabel), Qt::LeftButton);
+  QTest::mouseClick(Widget(kNameLabel), Qt::RightButton);
+  EXPECT_TRUE(recorder.lines.empty());
 }
 
-TEST_F(LabelsTest, ALinkIsReachedAndPressedByKeyboard) {
-  Run([&] {
-    SetControlFocus(Window(), kSlider);
-    QTest::keyClick(Widget(kSlider), Qt::Key_Tab);
-    EXPECT_EQ(GetControlFocus(Window()), kLink);
-    recorder.lines.clear();
-    QTest::keyClick(Widget(kLink), Qt::Key_Space);
-    QTest::keyClick(Widget(kLink), Qt::Key_Return);
-    QTest::mouseClick(Widget(kLink), Qt::LeftButton);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked", "120 clicked", "120 clicked"}));
-  });
+WINDOW_TEST(LabelsTest, ALinkIsReachedAndPressedByKeyboard) {
+  SetControlFocus(Window(), kSlider);
+  QTest::keyClick(Widget(kSlider), Qt::Key_Tab);
+  EXPECT_EQ(GetControlFocus(Window()), kLink);
+  recorder.lines.clear();
+  QTest::keyClick(Widget(kLink), Qt::Key_Space);
+  QTest::keyClick(Widget(kLink), Qt::Key_Return);
+  QTest::mouseClick(Widget(kLink), Qt::LeftButton);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked", "120 clicked", "120 clicked"}));
 }
 
-TEST_F(LabelsTest, ALinkIsOneForAScreenReader) {
-  Run([&] {
-    QAccessibleInterface* const link = QAccessible::queryAccessibleInterface(Widget(kLink));
-    ASSERT_NE(link, nullptr);
-    EXPECT_EQ(link->role(), QAccessible::Link);
-    EXPECT_EQ(link->text(QAccessible::Name), QStringLiteral("the web"));
-    recorder.lines.clear();
-    ASSERT_NE(link->actionInterface(), nullptr);
-    link->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked"}));
-  });
+WINDOW_TEST(LabelsTest, ALinkIsOneForAScreenReader) {
+  QAccessibleInterface* const link = QAccessible::queryAccessibleInterface(Widget(kLink));
+  ASSERT_NE(link, nullptr);
+  EXPECT_EQ(link->role(), QAccessible::Link);
+  EXPECT_EQ(link->text(QAccessible::Name), QStringLiteral("the web"));
+  recorder.lines.clear();
+  ASSERT_NE(link->actionInterface(), nullptr);
+  link->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked"}));
 }
 
-TEST_F(LabelsTest, TheLooksThatTheProgramGives) {
-  Run([&] {
-    EXPECT_TRUE(SetControlFont(Window(), kLink, "Arial", 14, 700, true));
-    EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
-    EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
-    EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
-    EXPECT_TRUE(Widget(kLink)->font().underline());
-    EXPECT_TRUE(SetControlFont(Window(), kLink, "", 0, 0, false));
-    EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
-    EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
-    EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
-    EXPECT_FALSE(Widget(kLink)->font().underline());
+WINDOW_TEST(LabelsTest, TheLooksThatTheProgramGives) {
+  EXPECT_TRUE(SetControlFont(Window(), kLink, "Arial", 14, 700, true));
+  EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
+  EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
+  EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
+  EXPECT_TRUE(Widget(kLink)->font().underline());
+  EXPECT_TRUE(SetControlFont(Window(), kLink, "", 0, 0, false));
+  EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
+  EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
+  EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
+  EXPECT_FALSE(Widget(kLink)->font().underline());
 
-    EXPECT_TRUE(SetTextColour(Window(), kLink, Rgb(0, 0, 255)));
-    EXPECT_EQ(Widget(kLink)->palette().color(QPalette::WindowText), QColor(0, 0, 255));
-    EXPECT_TRUE(SetHandCursor(Window(), kLink));
-    EXPECT_EQ(Widget(kLink)->cursor().shape(), Qt::PointingHandCursor);
-    EXPECT_FALSE(SetTextColour(Window(), 999, 0));
-    EXPECT_FALSE(SetHandCursor(Window(), 999));
-    EXPECT_FALSE(SetControlFont(Window(), 999, "", 0, 0, false));
-  });
+  EXPECT_TRUE(SetTextColour(Window(), kLink, Rgb(0, 0, 255)));
+  EXPECT_EQ(Widget(kLink)->palette().color(QPalette::WindowText), QColor(0, 0, 255));
+  EXPECT_TRUE(SetHandCursor(Window(), kLink));
+  EXPECT_EQ(Widget(kLink)->cursor().shape(), Qt::PointingHandCursor);
+  EXPECT_FALSE(SetTextColour(Window(), 999, 0));
+  EXPECT_FALSE(SetHandCursor(Window(), 999));
+  EXPECT_FALSE(SetControlFont(Window(), 999, "", 0, 0, false));
 }
 
 TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
@@ -147,64 +133,56 @@ TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
   QApplication::setPalette(before);
 }
 
-TEST_F(LabelsTest, APictureShowsItsBitmap) {
-  Run([&] {
-    const QImage bare = Widget(kPicture)->grab().toImage();
-    EXPECT_TRUE(SetPicture(Window(), kPicture, LoadBitmapA(148)));
-    EXPECT_NE(Widget(kPicture)->grab().toImage(), bare);
-    EXPECT_FALSE(SetPicture(Window(), kLink, LoadBitmapA(148)));
-  });
+WINDOW_TEST(LabelsTest, APictureShowsItsBitmap) {
+  const QImage bare = Widget(kPicture)->grab().toImage();
+  EXPECT_TRUE(SetPicture(Window(), kPicture, LoadBitmapA(148)));
+  EXPECT_NE(Widget(kPicture)->grab().toImage(), bare);
+  EXPECT_FALSE(SetPicture(Window(), kLink, LoadBitmapA(148)));
 }
 
-TEST_F(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
-  Run([&] {
-    EXPECT_TRUE(HasControl(Window(), kBox));
-    EXPECT_TRUE(IsControlVisible(Window(), kBox));
-    EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
-    EXPECT_TRUE(ShowControl(Window(), kBox, SW_SHOW));
-    EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
-    EXPECT_TRUE(SetControlPos(Window(), kBox, {1, 2, 33, 44}, 0));
-    Rect rect;
-    EXPECT_TRUE(GetControlRect(Window(), kBox, &rect));
-    EXPECT_EQ(rect, (Rect{1, 2, 33, 44}));
-  });
+WINDOW_TEST(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
+  EXPECT_TRUE(HasControl(Window(), kBox));
+  EXPECT_TRUE(IsControlVisible(Window(), kBox));
+  EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
+  EXPECT_TRUE(ShowControl(Window(), kBox, SW_SHOW));
+  EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
+  EXPECT_TRUE(SetControlPos(Window(), kBox, {1, 2, 33, 44}, 0));
+  Rect rect;
+  EXPECT_TRUE(GetControlRect(Window(), kBox, &rect));
+  EXPECT_EQ(rect, (Rect{1, 2, 33, 44}));
 }
 
-TEST_F(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
-  Run([&] {
-    struct Case {
-      std::uint32_t id;
-      const char* name;
-    };
-    const Case cases[] = {
-        {kNameEdit, "Name"},          // of the label before it
-        {kDigitsEdit, "Digits"},      // of the template
-        {kArea, "Area"},              //
-        {kButton, "Edit"},            // its own text
-        {kPictureButton, "Move up"},  // its own text, which isn't seen
-        {kDrawnButton, "Test"},       //
-        {kCheck, "Check"},            //
-        {kRadioC, "C"},               // not of the group
-        {kDropList, "Plain list"},    //
-        {kList, "List"},              //
-        {kSlider, "Speed (0)"},       // of the group box before it
-        {kLink, "the web"},           //
-    };
-    for (const Case& c : cases) {
-      QAccessibleInterface* const made = QAccessible::queryAccessibleInterface(Widget(c.id));
-      ASSERT_NE(made, nullptr);
-      EXPECT_EQ(made->text(QAccessible::Name).toStdString(), c.name) << c.id;
-    }
-  });
+WINDOW_TEST(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
+  struct Case {
+    std::uint32_t id;
+    const char* name;
+  };
+  const Case cases[] = {
+      {kNameEdit, "Name"},          // of the label before it
+      {kDigitsEdit, "Digits"},      // of the template
+      {kArea, "Area"},              //
+      {kButton, "Edit"},            // its own text
+      {kPictureButton, "Move up"},  // its own text, which isn't seen
+      {kDrawnButton, "Test"},       //
+      {kCheck, "Check"},            //
+      {kRadioC, "C"},               // not of the group
+      {kDropList, "Plain list"},    //
+      {kList, "List"},              //
+      {kSlider, "Speed (0)"},       // of the group box before it
+      {kLink, "the web"},           //
+  };
+  for (const Case& c : cases) {
+    QAccessibleInterface* const made = QAccessible::queryAccessibleInterface(Widget(c.id));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->text(QAccessible::Name).toStdString(), c.name) << c.id;
+  }
 }
 
-TEST_F(LabelsTest, ANameFollowsTheLabel) {
-  Run([&] {
-    SetDlgItemTextA(Window(), kSliderGroup, "Speed (25)");
-    EXPECT_EQ(static_cast<QGroupBox*>(Widget(kSliderGroup))->title(), QStringLiteral("Speed (25)"));
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(kSlider))->text(QAccessible::Name),
-              QStringLiteral("Speed (25)"));
-  });
+WINDOW_TEST(LabelsTest, ANameFollowsTheLabel) {
+  SetDlgItemTextA(Window(), kSliderGroup, "Speed (25)");
+  EXPECT_EQ(static_cast<QGroupBox*>(Widget(kSliderGroup))->title(), QStringLiteral("Speed (25)"));
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(kSlider))->text(QAccessible::Name),
+            QStringLiteral("Speed (25)"));
 }
 
 }  // namespace

@@ -37,105 +37,90 @@ class ListViewTest : public QtTest {
   }
 };
 
-TEST_F(ListViewTest, HoldsRowsOfTexts) {
-  Run([&] {
-    AddColumns();
-    AddRows(2);
-    EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "");
-    EXPECT_TRUE(ListSetItemText(Window(), kList, 1, 2, "jump \xFC"));
-    EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "jump \xFC");
-    EXPECT_EQ(List()->model()->index(1, 2).data().toString(), QStringLiteral("jump ü"));
-    EXPECT_EQ(ListGetItemData(Window(), kList, 1), 1001u);
-    EXPECT_EQ(ListGetItemCount(Window(), kList), 2);
-    EXPECT_TRUE(ListDeleteAllItems(Window(), kList));
-    EXPECT_EQ(ListGetItemCount(Window(), kList), 0);
-  });
+WINDOW_TEST(ListViewTest, HoldsRowsOfTexts) {
+  AddColumns();
+  AddRows(2);
+  EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "");
+  EXPECT_TRUE(ListSetItemText(Window(), kList, 1, 2, "jump \xFC"));
+  EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "jump \xFC");
+  EXPECT_EQ(List()->model()->index(1, 2).data().toString(), QStringLiteral("jump ü"));
+  EXPECT_EQ(ListGetItemData(Window(), kList, 1), 1001u);
+  EXPECT_EQ(ListGetItemCount(Window(), kList), 2);
+  EXPECT_TRUE(ListDeleteAllItems(Window(), kList));
+  EXPECT_EQ(ListGetItemCount(Window(), kList), 0);
 }
 
-TEST_F(ListViewTest, WhatIsBeyondItsEndsIsRefused) {
-  Run([&] {
-    AddColumns();
-    AddRows(1);
-    EXPECT_FALSE(ListSetItemText(Window(), kList, 1, 0, "x"));
-    EXPECT_FALSE(ListSetItemText(Window(), kList, 0, 3, "x"));
-    EXPECT_EQ(ListGetItemText(Window(), kList, -1, 0), "");
-    EXPECT_EQ(ListGetItemData(Window(), kList, 1), 0u);
-    EXPECT_FALSE(ListSelectItem(Window(), kList, 1, true));
-    EXPECT_FALSE(ListEnsureVisible(Window(), kList, 1));
-    EXPECT_FALSE(ListSetColumnWidth(Window(), kList, 3, 10));
-    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 3), 0);
-    EXPECT_EQ(ListInsertColumn(Window(), kDropList, "x", 1), -1);
-    EXPECT_EQ(ListGetItemCount(Window(), kDropList), -1);
-  });
+WINDOW_TEST(ListViewTest, WhatIsBeyondItsEndsIsRefused) {
+  AddColumns();
+  AddRows(1);
+  EXPECT_FALSE(ListSetItemText(Window(), kList, 1, 0, "x"));
+  EXPECT_FALSE(ListSetItemText(Window(), kList, 0, 3, "x"));
+  EXPECT_EQ(ListGetItemText(Window(), kList, -1, 0), "");
+  EXPECT_EQ(ListGetItemData(Window(), kList, 1), 0u);
+  EXPECT_FALSE(ListSelectItem(Window(), kList, 1, true));
+  EXPECT_FALSE(ListEnsureVisible(Window(), kList, 1));
+  EXPECT_FALSE(ListSetColumnWidth(Window(), kList, 3, 10));
+  EXPECT_EQ(ListGetColumnWidth(Window(), kList, 3), 0);
+  EXPECT_EQ(ListInsertColumn(Window(), kDropList, "x", 1), -1);
+  EXPECT_EQ(ListGetItemCount(Window(), kDropList), -1);
 }
 
-TEST_F(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
-  Run([&] {
-    AddColumns();
-    AddRows(4);
-    EXPECT_TRUE(ListSelectItem(Window(), kList, 1, true));
-    EXPECT_TRUE(ListSelectItem(Window(), kList, 3, true));
-    EXPECT_EQ(Selected(), (Numbers{1, 3}));
-    EXPECT_TRUE(ListSelectItem(Window(), kList, 1, false));
-    EXPECT_EQ(Selected(), (Numbers{3}));
+WINDOW_TEST(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
+  AddColumns();
+  AddRows(4);
+  EXPECT_TRUE(ListSelectItem(Window(), kList, 1, true));
+  EXPECT_TRUE(ListSelectItem(Window(), kList, 3, true));
+  EXPECT_EQ(Selected(), (Numbers{1, 3}));
+  EXPECT_TRUE(ListSelectItem(Window(), kList, 1, false));
+  EXPECT_EQ(Selected(), (Numbers{3}));
 
-    AddColumns(kSingleList);
-    AddRows(4, kSingleList);
-    ListSelectItem(Window(), kSingleList, 1, true);
-    ListSelectItem(Window(), kSingleList, 3, true);
-    EXPECT_EQ(Selected(kSingleList), (Numbers{3}));
-    EXPECT_TRUE(recorder.lines.empty() ||
-                recorder.lines.front().find("selection") == std::string::npos);
-  });
+  AddColumns(kSingleList);
+  AddRows(4, kSingleList);
+  ListSelectItem(Window(), kSingleList, 1, true);
+  ListSelectItem(Window(), kSingleList, 3, true);
+  EXPECT_EQ(Selected(kSingleList), (Numbers{3}));
+  EXPECT_TRUE(recorder.lines.empty() ||
+              recorder.lines.front().find("selection") == std::string::npos);
 }
 
-TEST_F(ListViewTest, APersonSelectsWholeRows) {
-  Run([&] {
-    AddColumns();
-    AddRows(4);
-    QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
-    QTest::mouseClick(List()->viewport(), Qt::LeftButton, Qt::ControlModifier, RowPoint(3));
-    EXPECT_EQ(Selected(), (Numbers{1, 3}));
-  });
+WINDOW_TEST(ListViewTest, APersonSelectsWholeRows) {
+  AddColumns();
+  AddRows(4);
+  QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
+  QTest::mouseClick(List()->viewport(), Qt::LeftButton, Qt::ControlModifier, RowPoint(3));
+  EXPECT_EQ(Selected(), (Numbers{1, 3}));
 }
 
-TEST_F(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
-  Run([&] {
-    AddColumns();
-    AddRows(4);
-    ListSelectItem(Window(), kList, 1, true);
-    SetControlFocus(Window(), kList);
-    QTest::keyClick(List(), Qt::Key_Down);
-    EXPECT_EQ(Selected(), (Numbers{2}));
-    EXPECT_EQ(recorder.LinesOf(kList).back(), "116 key down 40");
-  });
+WINDOW_TEST(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
+  AddColumns();
+  AddRows(4);
+  ListSelectItem(Window(), kList, 1, true);
+  SetControlFocus(Window(), kList);
+  QTest::keyClick(List(), Qt::Key_Down);
+  EXPECT_EQ(Selected(), (Numbers{2}));
+  EXPECT_EQ(recorder.LinesOf(kList).back(), "116 key down 40");
 }
 
-TEST_F(ListViewTest, ADoubleClickTellsTheRowBelowThePointer) {
-  Run([&] {
-    AddColumns();
-    AddRows(2);
-    recorder.lines.clear();
-    QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
-    QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {},
-                       QPoint(10, List()->viewport()->height() - 2));
-    EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 double clicked 1", "116 double clicked -1"}));
-  });
+WINDOW_TEST(ListViewTest, ADoubleClickTellsTheRowBelowThePointer) {
+  AddColumns();
+  AddRows(2);
+  recorder.lines.clear();
+  QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
+  QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {},
+                     QPoint(10, List()->viewport()->height() - 2));
+  EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 double clicked 1", "116 double clicked -1"}));
 }
 
-TEST_F(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
-  Run([&] {
-    AddColumns();
-    AddRows(2);
-    SetControlFocus(Window(), kList);
-    recorder.lines.clear();
-    QTest::keyClick(List(), Qt::Key_Delete);
-    QTest::keyClick(List(), Qt::Key_C, Qt::ControlModifier);
-    QTest::keyClick(List(), Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(recorder.LinesOf(kList),
-              (Lines{"116 key down 46", "116 key down 17", "116 key down 67", "116 key down 17",
-                     "116 key down 86"}));
-  });
+WINDOW_TEST(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
+  AddColumns();
+  AddRows(2);
+  SetControlFocus(Window(), kList);
+  recorder.lines.clear();
+  QTest::keyClick(List(), Qt::Key_Delete);
+  QTest::keyClick(List(), Qt::Key_C, Qt::ControlModifier);
+  QTest::keyClick(List(), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 key down 46", "116 key down 17", "116 key down 67",
+                                            "116 key down 17", "116 key down 86"}));
 }
 
 TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
@@ -152,14 +137,12 @@ TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
   });
 }
 
-TEST_F(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
-  Run([&] {
-    SetControlFocus(Window(), kList);
-    QTest::keyClick(List(), Qt::Key_Return);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 13", "105 clicked"}));
-    QTest::keyClick(List(), Qt::Key_Escape);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 27", "2 clicked"}));
-  });
+WINDOW_TEST(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
+  SetControlFocus(Window(), kList);
+  QTest::keyClick(List(), Qt::Key_Return);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 13", "105 clicked"}));
+  QTest::keyClick(List(), Qt::Key_Escape);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 27", "2 clicked"}));
 }
 
 TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterByWhomeverItIsSet) {
@@ -183,23 +166,21 @@ TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterByWhomeverItIsSet) {
   });
 }
 
-TEST_F(ListViewTest, TheOrderOfColumnsIsAPermutation) {
-  Run([&] {
-    AddColumns();
-    Numbers order;
-    EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
-    EXPECT_EQ(order, (Numbers{0, 1, 2}));
-    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1}));
-    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1, 1}));
-    EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {1, 2, 3}));
-    recorder.lines.clear();
-    EXPECT_TRUE(ListSetColumnOrder(Window(), kList, {2, 0, 1}));
-    EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
-    EXPECT_EQ(order, (Numbers{2, 0, 1}));
-    EXPECT_EQ(List()->header()->logicalIndex(0), 2);
-    EXPECT_EQ(List()->header()->logicalIndex(2), 1);
-    EXPECT_TRUE(recorder.LinesOf(kList).empty());
-  });
+WINDOW_TEST(ListViewTest, TheOrderOfColumnsIsAPermutation) {
+  AddColumns();
+  Numbers order;
+  EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+  EXPECT_EQ(order, (Numbers{0, 1, 2}));
+  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1}));
+  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1, 1}));
+  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {1, 2, 3}));
+  recorder.lines.clear();
+  EXPECT_TRUE(ListSetColumnOrder(Window(), kList, {2, 0, 1}));
+  EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+  EXPECT_EQ(order, (Numbers{2, 0, 1}));
+  EXPECT_EQ(List()->header()->logicalIndex(0), 2);
+  EXPECT_EQ(List()->header()->logicalIndex(2), 1);
+  EXPECT_TRUE(recorder.LinesOf(kList).empty());
 }
 
 TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
@@ -219,59 +200,51 @@ TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
   });
 }
 
-TEST_F(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
-  Run([&] {
-    AddColumns();
-    QHeaderView* const header = List()->header();
-    QWidget* const area = header->viewport();
-    const int y = header->height() / 2;
-    QTest::mousePress(area, Qt::LeftButton, {}, QPoint(20, y));
-    for (int x = 20; x <= 145; x += 5) QTest::mouseMove(area, QPoint(x, y));
-    QTest::mouseRelease(area, Qt::LeftButton, {}, QPoint(145, y));
-    Numbers order;
-    ListGetColumnOrder(Window(), kList, &order);
-    EXPECT_EQ(order, (Numbers{1, 0, 2}));
-  });
+WINDOW_TEST(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
+  AddColumns();
+  QHeaderView* const header = List()->header();
+  QWidget* const area = header->viewport();
+  const int y = header->height() / 2;
+  QTest::mousePress(area, Qt::LeftButton, {}, QPoint(20, y));
+  for (int x = 20; x <= 145; x += 5) QTest::mouseMove(area, QPoint(x, y));
+  QTest::mouseRelease(area, Qt::LeftButton, {}, QPoint(145, y));
+  Numbers order;
+  ListGetColumnOrder(Window(), kList, &order);
+  EXPECT_EQ(order, (Numbers{1, 0, 2}));
 }
 
-TEST_F(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
-  Run([&] {
-    const int width = ListGetClientWidth(Window(), kList);
-    EXPECT_LT(width, List()->width());
-    EXPECT_EQ(List()->viewport()->width(), width) << "or a column without a heading stands there";
-    AddColumns();
-    AddRows(100);
-    Settle();
-    EXPECT_EQ(ListGetClientWidth(Window(), kList), width) << "whether there is a bar or not";
-    EXPECT_LE(width, List()->viewport()->width());
-  });
+WINDOW_TEST(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
+  const int width = ListGetClientWidth(Window(), kList);
+  EXPECT_LT(width, List()->width());
+  EXPECT_EQ(List()->viewport()->width(), width) << "or a column without a heading stands there";
+  AddColumns();
+  AddRows(100);
+  Settle();
+  EXPECT_EQ(ListGetClientWidth(Window(), kList), width) << "whether there is a bar or not";
+  EXPECT_LE(width, List()->viewport()->width());
 }
 
-TEST_F(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
-  Run([&] {
-    AddColumns();
-    AddRows(2);
-    ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
-    QHeaderView* const header = List()->header();
-    const QPoint divider(header->sectionViewportPosition(1) + header->sectionSize(1) - 1,
-                         header->height() / 2);
-    QTest::mouseMove(header->viewport(), divider);
-    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
-    const int text = List()->fontMetrics().horizontalAdvance(
-        QString::fromStdString(ListGetItemText(Window(), kList, 0, 1)));
-    EXPECT_GE(ListGetColumnWidth(Window(), kList, 1), text);
-    EXPECT_LE(ListGetColumnWidth(Window(), kList, 1), text + 20);
-    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 0), 100);
-  });
+WINDOW_TEST(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
+  AddColumns();
+  AddRows(2);
+  ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
+  QHeaderView* const header = List()->header();
+  const QPoint divider(header->sectionViewportPosition(1) + header->sectionSize(1) - 1,
+                       header->height() / 2);
+  QTest::mouseMove(header->viewport(), divider);
+  QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
+  const int text = List()->fontMetrics().horizontalAdvance(
+      QString::fromStdString(ListGetItemText(Window(), kList, 0, 1)));
+  EXPECT_GE(ListGetColumnWidth(Window(), kList, 1), text);
+  EXPECT_LE(ListGetColumnWidth(Window(), kList, 1), text + 20);
+  EXPECT_EQ(ListGetColumnWidth(Window(), kList, 0), 100);
 }
 
-TEST_F(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
-  Run([&] {
-    AddColumns();
-    AddRows(100);
-    EXPECT_TRUE(ListEnsureVisible(Window(), kList, 80));
-    EXPECT_TRUE(List()->viewport()->rect().contains(RowPoint(80)));
-  });
+WINDOW_TEST(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
+  AddColumns();
+  AddRows(100);
+  EXPECT_TRUE(ListEnsureVisible(Window(), kList, 80));
+  EXPECT_TRUE(List()->viewport()->rect().contains(RowPoint(80)));
 }
 
 TEST_F(ListViewTest, PaintingIsTold) {
@@ -288,27 +261,23 @@ TEST_F(ListViewTest, PaintingIsTold) {
   });
 }
 
-TEST_F(ListViewTest, LinesStandBetweenTheCells) {
-  Run([&] {
-    AddColumns();
-    AddRows(2);
-    Settle();
-    const QImage image = List()->viewport()->grab().toImage();
-    const QColor paper = image.pixelColor(95, image.height() - 2);
-    EXPECT_NE(image.pixelColor(99, RowPoint(0).y()), paper) << "behind the first column";
-    const int bottom = List()->visualRect(List()->model()->index(0, 0)).bottom();
-    EXPECT_NE(image.pixelColor(60, bottom), paper) << "below the first row";
-  });
+WINDOW_TEST(ListViewTest, LinesStandBetweenTheCells) {
+  AddColumns();
+  AddRows(2);
+  Settle();
+  const QImage image = List()->viewport()->grab().toImage();
+  const QColor paper = image.pixelColor(95, image.height() - 2);
+  EXPECT_NE(image.pixelColor(99, RowPoint(0).y()), paper) << "behind the first column";
+  const int bottom = List()->visualRect(List()->model()->index(0, 0)).bottom();
+  EXPECT_NE(image.pixelColor(60, bottom), paper) << "below the first row";
 }
 
-TEST_F(ListViewTest, AMessageToItselfComesAsANoticeInItsTurn) {
-  Run([&] {
-    EXPECT_TRUE(PostControlMessage(Window(), kList, 0x8001));
-    EXPECT_FALSE(PostControlMessage(Window(), 999, 0x8001));
-    EXPECT_TRUE(recorder.lines.empty());
-    Settle();
-    EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 message 32769"}));
-  });
+WINDOW_TEST(ListViewTest, AMessageToItselfComesAsANoticeInItsTurn) {
+  EXPECT_TRUE(PostControlMessage(Window(), kList, 0x8001));
+  EXPECT_FALSE(PostControlMessage(Window(), 999, 0x8001));
+  EXPECT_TRUE(recorder.lines.empty());
+  Settle();
+  EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 message 32769"}));
 }
 
 }  // namespace

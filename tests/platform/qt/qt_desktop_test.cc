@@ -45,31 +45,38 @@ class QtDesktopTest : public QtTest {
     return nullptr;
   }
 
+  static bool ABoxComesUp() {
+    return QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; });
+  }
+  // Another thread asks, and waits for the answer.
+  std::thread Ask(std::uint32_t type) {
+    return std::thread([this, type] { answer = MessageBoxA(Window(), "Launched?", "", type); });
+  }
+
   QObject context;
+  std::atomic<std::int32_t> answer{-1};
 };
 
 // --- Boxes
 
-TEST_F(QtDesktopTest, ABoxGivesTheButtonThatWasPressed) {
-  Run([&] {
-    WithBox([](QMessageBox& box) {
-      EXPECT_EQ(box.text(), QStringLiteral("Delete <it>?"));
-      EXPECT_EQ(box.textFormat(), Qt::PlainText);
-      EXPECT_EQ(box.windowTitle(), QStringLiteral("Question"));
-      EXPECT_EQ(box.icon(), QMessageBox::Question);
-      box.button(QMessageBox::Yes)->click();
-    });
-    EXPECT_EQ(MessageBoxA(Window(), "Delete <it>?", "Question", MB_YESNO | MB_ICONQUESTION), IDYES);
-    WithBox([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
-    EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
-    WithBox([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-    EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
-    WithBox([](QMessageBox& box) {
-      EXPECT_EQ(box.icon(), QMessageBox::Critical);
-      QTest::keyClick(&box, Qt::Key_Return);
-    });
-    EXPECT_EQ(MessageBoxA(Window(), "!", "Failure", MB_OK | MB_ICONSTOP), IDOK);
+WINDOW_TEST(QtDesktopTest, ABoxGivesTheButtonThatWasPressed) {
+  WithBox([](QMessageBox& box) {
+    EXPECT_EQ(box.text(), QStringLiteral("Delete <it>?"));
+    EXPECT_EQ(box.textFormat(), Qt::PlainText);
+    EXPECT_EQ(box.windowTitle(), QStringLiteral("Question"));
+    EXPECT_EQ(box.icon(), QMessageBox::Question);
+    box.button(QMessageBox::Yes)->click();
   });
+  EXPECT_EQ(MessageBoxA(Window(), "Delete <it>?", "Question", MB_YESNO | MB_ICONQUESTION), IDYES);
+  WithBox([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
+  EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
+  WithBox([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+  EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
+  WithBox([](QMessageBox& box) {
+    EXPECT_EQ(box.icon(), QMessageBox::Critical);
+    QTest::keyClick(&box, Qt::Key_Return);
+  });
+  EXPECT_EQ(MessageBoxA(Window(), "!", "Failure", MB_OK | MB_ICONSTOP), IDOK);
 }
 
 // As desktops of long ago want them.
@@ -103,16 +110,14 @@ TEST_F(QtDesktopTest, ABoxHasNoPicturesOnItsButtonsAndShowsALongNameWhole) {
 }
 
 // Qt shows a sheet without a frame, and so without its title, where windows draw their own frames.
-TEST_F(QtDesktopTest, ABoxBeforeAWindowIsADialogWithATitle) {
-  Run([&] {
-    WithBox([](QMessageBox& box) {
-      EXPECT_EQ(box.windowType(), Qt::Dialog);
-      EXPECT_EQ(box.windowModality(), Qt::WindowModal);
-      EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
-      box.accept();
-    });
-    EXPECT_EQ(MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
+WINDOW_TEST(QtDesktopTest, ABoxBeforeAWindowIsADialogWithATitle) {
+  WithBox([](QMessageBox& box) {
+    EXPECT_EQ(box.windowType(), Qt::Dialog);
+    EXPECT_EQ(box.windowModality(), Qt::WindowModal);
+    EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
+    box.accept();
   });
+  EXPECT_EQ(MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
 }
 
 TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
@@ -136,14 +141,13 @@ TEST_F(QtDesktopTest, ABoxWorksWithoutAWindow) {
 }
 
 TEST_F(QtDesktopTest, ABoxOfAnotherThreadBlocksThatThreadAlone) {
-  std::atomic<std::int32_t> answer{-1};
   int ticks = 0;
   recorder.onTimer = [&](std::uint32_t) { ++ticks; };
   std::thread other;
   Run([&] {
     SetTimer(Window(), 1, 5);
-    other = std::thread([&] { answer = MessageBoxA(Window(), "Launched?", "", MB_YESNO); });
-    ASSERT_TRUE(QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; }));
+    other = Ask(MB_YESNO);
+    ASSERT_TRUE(ABoxComesUp());
     EXPECT_EQ(answer, -1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ticks > 2; })) << "the window goes on";
     BoxThatIsUp()->button(QMessageBox::Yes)->click();
@@ -153,59 +157,49 @@ TEST_F(QtDesktopTest, ABoxOfAnotherThreadBlocksThatThreadAlone) {
 }
 
 TEST_F(QtDesktopTest, ABoxOfAnotherThreadGoesWithItsWindow) {
-  std::atomic<std::int32_t> answer{-1};
   std::thread other;
   Run([&] {
-    other = std::thread([&] { answer = MessageBoxA(Window(), "Failed", "", MB_OK); });
-    ASSERT_TRUE(QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; }));
+    other = Ask(MB_OK);
+    ASSERT_TRUE(ABoxComesUp());
   });
   other.join();
   EXPECT_EQ(answer, 0);
 }
 
 // Nothing but the dismissal answers: the loop stands still until the thread has ended.
-TEST_F(QtDesktopTest, ABoxOfAnotherThreadIsDismissedBeforeThatThreadIsWaitedFor) {
-  std::int32_t answer = -1;
-  Run([&] {
-    std::thread other([&] { answer = MessageBoxA(Window(), "Launched?", "", MB_YESNO); });
-    EXPECT_TRUE(QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; }));
-    DismissBoxesOfOtherThreads();
-    other.join();
-    EXPECT_EQ(answer, IDNO) << "as if it had been closed";
-    EXPECT_EQ(BoxThatIsUp(), nullptr);
-  });
+WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadIsDismissedBeforeThatThreadIsWaitedFor) {
+  std::thread other = Ask(MB_YESNO);
+  EXPECT_TRUE(ABoxComesUp());
+  DismissBoxesOfOtherThreads();
+  other.join();
+  EXPECT_EQ(answer, IDNO) << "as if it had been closed";
+  EXPECT_EQ(BoxThatIsUp(), nullptr);
 }
 
-TEST_F(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
-  std::int32_t answer = -1;
-  Run([&] {
-    std::thread other([&] { answer = MessageBoxA(Window(), "Failed", "", MB_OK); });
-    // Its call is on its way, but the loop doesn't get to show anything.
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    DismissBoxesOfOtherThreads();
-    other.join();
-    Settle();
-    EXPECT_EQ(answer, 0);
-    EXPECT_EQ(BoxThatIsUp(), nullptr);
-  });
+WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
+  std::thread other = Ask(MB_OK);
+  // Its call is on its way, but the loop doesn't get to show anything.
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  DismissBoxesOfOtherThreads();
+  other.join();
+  Settle();
+  EXPECT_EQ(answer, 0);
+  EXPECT_EQ(BoxThatIsUp(), nullptr);
 }
 
-TEST_F(QtDesktopTest, AfterADismissalOnlyOtherThreadsGetNoBox) {
-  std::int32_t answer = -1;
-  Run([&] {
-    DismissBoxesOfOtherThreads();
-    std::thread other([&] { answer = MessageBoxA(Window(), "Failed", "", MB_OK); });
-    other.join();
-    EXPECT_EQ(answer, 0);
-    WithBox([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
-    EXPECT_EQ(MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
-  });
+WINDOW_TEST(QtDesktopTest, AfterADismissalOnlyOtherThreadsGetNoBox) {
+  DismissBoxesOfOtherThreads();
+  std::thread other = Ask(MB_OK);
+  other.join();
+  EXPECT_EQ(answer, 0);
+  WithBox([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
+  EXPECT_EQ(MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
 }
 
 TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
   qt.Desktop().Tell("The settings were damaged.");
   Run([&] {
-    ASSERT_TRUE(QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; }));
+    ASSERT_TRUE(ABoxComesUp());
     EXPECT_EQ(BoxThatIsUp()->text(), QStringLiteral("The settings were damaged."));
     BoxThatIsUp()->accept();
   });
@@ -213,29 +207,27 @@ TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
 
 // --- Dialogs in front of one another
 
-TEST_F(QtDesktopTest, ADialogInFrontOfAnotherTakesItsInput) {
-  Run([&] {
-    const WindowHandle behind = Window();
-    DialogWindow* const owner = Dialog();
-    Recorder inner;
-    QTimer::singleShot(0, &context, [&] {
-      EXPECT_EQ(QApplication::activeModalWidget(), qt.Desktop().Windows().Find(inner.window));
-      // To the windowing system's side, which knows what is blocked.
-      QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
-                        owner->Find(kButton)->Widget()->geometry().center());
-      EXPECT_TRUE(recorder.LinesOf(kButton).empty());
-      EXPECT_TRUE(PostMessageA(behind, 0x8001, 0, 0));
-      Settle();
-      EXPECT_EQ(recorder.lines.back(), "message 32769 0 0");
-      EndDialog(inner.window, 7);
-    });
-    EXPECT_EQ(RunDialog(kOneButton, behind, inner), 7);
-    EXPECT_TRUE(inner.destroyed);
-    EXPECT_TRUE(IsWindowVisible(behind));
+WINDOW_TEST(QtDesktopTest, ADialogInFrontOfAnotherTakesItsInput) {
+  const WindowHandle behind = Window();
+  DialogWindow* const owner = Dialog();
+  Recorder inner;
+  QTimer::singleShot(0, &context, [&] {
+    EXPECT_EQ(QApplication::activeModalWidget(), qt.Desktop().Windows().Find(inner.window));
+    // To the windowing system's side, which knows what is blocked.
     QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
                       owner->Find(kButton)->Widget()->geometry().center());
-    EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
+    EXPECT_TRUE(recorder.LinesOf(kButton).empty());
+    EXPECT_TRUE(PostMessageA(behind, 0x8001, 0, 0));
+    Settle();
+    EXPECT_EQ(recorder.lines.back(), "message 32769 0 0");
+    EndDialog(inner.window, 7);
   });
+  EXPECT_EQ(RunDialog(kOneButton, behind, inner), 7);
+  EXPECT_TRUE(inner.destroyed);
+  EXPECT_TRUE(IsWindowVisible(behind));
+  QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
+                    owner->Find(kButton)->Widget()->geometry().center());
+  EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
 }
 
 TEST_F(QtDesktopTest, EndingADialogEndsWhatIsInFrontOfIt) {
@@ -358,42 +350,38 @@ TEST_F(QtDesktopTest, PeriodsThatPassDuringAHandlerFoldIntoOne) {
   });
 }
 
-TEST_F(QtDesktopTest, TextOfAnotherThreadIsShownWithoutItsWaiting) {
-  Run([&] {
-    // The user interface's thread is busy here until the other one has ended.
-    std::thread other([&] {
-      EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "first"));
-      EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "second"));
-      EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
-      EXPECT_TRUE(InvalidateControl(Window(), kNameEdit));
-      EXPECT_FALSE(SetDlgItemTextA(Window(), 999, "x"));
-      EXPECT_FALSE(SetDlgItemTextA(99, kNameEdit, "x"));
-      EXPECT_TRUE(PostMessageA(Window(), 0x8001, 0, 0));
-    });
-    other.join();
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "");
-    Settle();
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "second");
-    EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
-    EXPECT_EQ(recorder.lines, (Lines{"message 32769 0 0"}));
+WINDOW_TEST(QtDesktopTest, TextOfAnotherThreadIsShownWithoutItsWaiting) {
+  // The user interface's thread is busy here until the other one has ended.
+  std::thread other([&] {
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "first"));
+    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "second"));
+    EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
+    EXPECT_TRUE(InvalidateControl(Window(), kNameEdit));
+    EXPECT_FALSE(SetDlgItemTextA(Window(), 999, "x"));
+    EXPECT_FALSE(SetDlgItemTextA(99, kNameEdit, "x"));
+    EXPECT_TRUE(PostMessageA(Window(), 0x8001, 0, 0));
   });
+  other.join();
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "");
+  Settle();
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "second");
+  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_EQ(recorder.lines, (Lines{"message 32769 0 0"}));
 }
 
-TEST_F(QtDesktopTest, WhatWasSetLastIsWhatIsShown) {
-  Run([&] {
-    std::thread other([&] {
-      SetDlgItemTextA(Window(), kNameEdit, "older");
-      CheckDlgButton(Window(), kCheck, true);
-      SetDlgItemTextA(Window(), kDigitsEdit, "1");
-    });
-    other.join();
-    SetDlgItemTextA(Window(), kNameEdit, "newer");
-    CheckDlgButton(Window(), kCheck, false);
-    Settle();
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "newer");
-    EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "1");
+WINDOW_TEST(QtDesktopTest, WhatWasSetLastIsWhatIsShown) {
+  std::thread other([&] {
+    SetDlgItemTextA(Window(), kNameEdit, "older");
+    CheckDlgButton(Window(), kCheck, true);
+    SetDlgItemTextA(Window(), kDigitsEdit, "1");
   });
+  other.join();
+  SetDlgItemTextA(Window(), kNameEdit, "newer");
+  CheckDlgButton(Window(), kCheck, false);
+  Settle();
+  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "newer");
+  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "1");
 }
 
 TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileIsNoMatterToAnotherThread) {
@@ -477,18 +465,16 @@ TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
 
 // --- The notification area, of which there is none here
 
-TEST_F(QtDesktopTest, WithoutAnAreaAnIconCountsAsAdded) {
-  Run([&] {
-    NOTIFYICONDATA data;
-    data.hWnd = Window();
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, data));
-    EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data)) << "it is there";
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, data));
-    EXPECT_FALSE(Shell_NotifyIconA(NIM_DELETE, data));
-    data.hWnd = 99;
-    EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data));
-    EXPECT_FALSE(Shell_NotifyIconA(77, data));
-  });
+WINDOW_TEST(QtDesktopTest, WithoutAnAreaAnIconCountsAsAdded) {
+  NOTIFYICONDATA data;
+  data.hWnd = Window();
+  EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data)) << "it is there";
+  EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_FALSE(Shell_NotifyIconA(NIM_DELETE, data));
+  data.hWnd = 99;
+  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(Shell_NotifyIconA(77, data));
 }
 
 TEST_F(QtDesktopTest, WithoutAnAreaAWindowWithAnIconIsMinimisedInsteadOfHidden) {

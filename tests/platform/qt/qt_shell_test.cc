@@ -123,22 +123,18 @@ TEST_F(ShellTest, AFolderIsChosen) {
   });
 }
 
-TEST_F(ShellTest, WhereNoneIsChosenThePathStays) {
-  Run([&] {
-    std::string path = "before";
-    AtFileDialog([](QFileDialog& dialog) { dialog.reject(); });
-    EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
-    EXPECT_EQ(path, "before");
-  });
+WINDOW_TEST(ShellTest, WhereNoneIsChosenThePathStays) {
+  std::string path = "before";
+  AtFileDialog([](QFileDialog& dialog) { dialog.reject(); });
+  EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+  EXPECT_EQ(path, "before");
 }
 
-TEST_F(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
-  Run([&] {
-    std::string path = "before";
-    AtFileDialog([&](QFileDialog&) { qt.Desktop().CloseAll(); });
-    EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
-    EXPECT_EQ(path, "before");
-  });
+WINDOW_TEST(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
+  std::string path = "before";
+  AtFileDialog([&](QFileDialog&) { qt.Desktop().CloseAll(); });
+  EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+  EXPECT_EQ(path, "before");
 }
 
 }  // namespace

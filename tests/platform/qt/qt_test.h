@@ -106,6 +106,19 @@ class QtTest : public ::testing::Test {
   Recorder recorder;
 };
 
+// A test whose body runs inside of the loop of kAllKinds.
+#define WINDOW_TEST(Fixture, Name)                                                 \
+  class Fixture##Name : public Fixture {                                           \
+    void TestBody() override {                                                     \
+      Run([this] { Body(); });                                                     \
+    }                                                                              \
+    void Body();                                                                   \
+  };                                                                               \
+  [[maybe_unused]] const auto* const registered##Fixture##Name =                   \
+      testing::RegisterTest(#Fixture, #Name, nullptr, nullptr, __FILE__, __LINE__, \
+                            []() -> Fixture* { return new Fixture##Name; });       \
+  void Fixture##Name::Body()
+
 // What is seen at a pixel.
 QColor PixelOf(QWidget* widget, int x, int y);
 

@@ -7,39 +7,33 @@ namespace {
 
 class SliderTest : public QtTest {};
 
-TEST_F(SliderTest, APositionBeyondAnEndBecomesTheEnd) {
-  Run([&] {
-    EXPECT_TRUE(SliderSetRange(Window(), kSlider, 0, 50));
-    EXPECT_TRUE(SliderSetTicFreq(Window(), kSlider, 5));
-    EXPECT_TRUE(SliderSetPos(Window(), kSlider, 25));
-    EXPECT_EQ(SliderGetPos(Window(), kSlider), 25);
-    SliderSetPos(Window(), kSlider, 51);
-    EXPECT_EQ(SliderGetPos(Window(), kSlider), 50);
-    SliderSetPos(Window(), kSlider, -1);
-    EXPECT_EQ(SliderGetPos(Window(), kSlider), 0);
-    EXPECT_TRUE(recorder.lines.empty());
-  });
+WINDOW_TEST(SliderTest, APositionBeyondAnEndBecomesTheEnd) {
+  EXPECT_TRUE(SliderSetRange(Window(), kSlider, 0, 50));
+  EXPECT_TRUE(SliderSetTicFreq(Window(), kSlider, 5));
+  EXPECT_TRUE(SliderSetPos(Window(), kSlider, 25));
+  EXPECT_EQ(SliderGetPos(Window(), kSlider), 25);
+  SliderSetPos(Window(), kSlider, 51);
+  EXPECT_EQ(SliderGetPos(Window(), kSlider), 50);
+  SliderSetPos(Window(), kSlider, -1);
+  EXPECT_EQ(SliderGetPos(Window(), kSlider), 0);
+  EXPECT_TRUE(recorder.lines.empty());
 }
 
-TEST_F(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
-  Run([&] {
-    SliderSetRange(Window(), kSlider, 0, 50);
-    SliderSetPos(Window(), kSlider, 25);
-    QTest::keyClick(Widget(kSlider), Qt::Key_Right);
-    QTest::keyClick(Widget(kSlider), Qt::Key_Left);
-    QTest::keyClick(Widget(kSlider), Qt::Key_PageUp);
-    EXPECT_EQ(recorder.TakeLines(),
-              (std::vector<std::string>{"119 scrolled 26", "119 scrolled 25", "119 scrolled 35"}));
-  });
+WINDOW_TEST(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
+  SliderSetRange(Window(), kSlider, 0, 50);
+  SliderSetPos(Window(), kSlider, 25);
+  QTest::keyClick(Widget(kSlider), Qt::Key_Right);
+  QTest::keyClick(Widget(kSlider), Qt::Key_Left);
+  QTest::keyClick(Widget(kSlider), Qt::Key_PageUp);
+  EXPECT_EQ(recorder.TakeLines(),
+            (std::vector<std::string>{"119 scrolled 26", "119 scrolled 25", "119 scrolled 35"}));
 }
 
-TEST_F(SliderTest, AnotherKindIsNoSlider) {
-  Run([&] {
-    EXPECT_FALSE(SliderSetRange(Window(), kButton, 0, 1));
-    EXPECT_FALSE(SliderSetTicFreq(Window(), kButton, 1));
-    EXPECT_FALSE(SliderSetPos(Window(), kButton, 1));
-    EXPECT_EQ(SliderGetPos(Window(), kButton), 0);
-  });
+WINDOW_TEST(SliderTest, AnotherKindIsNoSlider) {
+  EXPECT_FALSE(SliderSetRange(Window(), kButton, 0, 1));
+  EXPECT_FALSE(SliderSetTicFreq(Window(), kButton, 1));
+  EXPECT_FALSE(SliderSetPos(Window(), kButton, 1));
+  EXPECT_EQ(SliderGetPos(Window(), kButton), 0);
 }
 
 }  // namespace

@@ -13,75 +13,67 @@ class TabControlTest : public QtTest {
     EXPECT_EQ(TabInsertItem(Window(), kTabs, "One"), 0);
     EXPECT_EQ(TabInsertItem(Window(), kTabs, "Two"), 1);
   }
-};
-
-TEST_F(TabControlTest, ShowsTheFirstTabUntilAnotherIsSet) {
-  Run([&] {
-    AddTabs();
-    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0);
-    EXPECT_TRUE(TabSetCurSel(Window(), kTabs, 1));
-    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
-    EXPECT_FALSE(TabSetCurSel(Window(), kTabs, 2));
-    EXPECT_TRUE(recorder.lines.empty());
-  });
-}
-
-TEST_F(TabControlTest, AClickOfThePersonIsNews) {
-  Run([&] {
-    AddTabs();
-    SetControlFocus(Window(), kCheck);
+  // On its title, with the focus elsewhere before.
+  void ClickTheSecondTab(std::uint32_t focus) {
+    SetControlFocus(Window(), focus);
     Rect rect;
     ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &rect));
-    QTest::mouseClick(Widget(kTabs), Qt::LeftButton, {}, QPoint(rect.left + 4, rect.top + 4));
-    EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
-  });
-}
-
-TEST_F(TabControlTest, ArrowKeysChooseTabs) {
-  Run([&] {
-    AddTabs();
-    SetControlFocus(Window(), kTabs);
-    EXPECT_EQ(GetControlFocus(Window()), kTabs);
-    QTest::keyClick(Widget(kTabs), Qt::Key_Right);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
-  });
-}
-
-TEST_F(TabControlTest, KeysOfTheWindowChooseTabsFromAnywhere) {
-  Run([&] {
-    AddTabs();
-    EXPECT_EQ(TabInsertItem(Window(), kTabs, "Three"), 2);
-    for (const std::uint32_t id : {kNameEdit, kArea, kDropList, kList, kSlider, kTabs}) {
-      const auto press = [&](Qt::Key key, Qt::KeyboardModifiers held) {
-        SetControlFocus(Window(), id);
-        QTest::keyClick(Dialog()->windowHandle(), key, held);
-        EXPECT_EQ(GetControlFocus(Window()), kTabs) << id;
-        return TabGetCurSel(Window(), kTabs);
-      };
-      EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 1) << id;
-      EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), 2) << id;
-      EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 0) << id;
-      EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 2) << id;
-      EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), 1) << id;
-      recorder.lines.clear();
-      EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 0) << id;
-      EXPECT_EQ(recorder.LinesOf(kTabs), (std::vector<std::string>{"117 selection changed"}));
-    }
-  });
-}
-
-TEST_F(TabControlTest, AClickTakesTheFocusFromAnEditFirst) {
-  Run([&] {
-    AddTabs();
-    SetControlFocus(Window(), kNameEdit);
-    Rect rect;
-    TabGetItemRect(Window(), kTabs, 1, &rect);
     const QPoint point = Widget(kTabs)->mapTo(Dialog(), QPoint(rect.left + 4, rect.top + 4));
     QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
-    EXPECT_EQ(recorder.TakeLines(),
-              (std::vector<std::string>{"101 focus lost", "117 selection changed 1"}));
-  });
+  }
+  int Shown() const { return static_cast<QTabBar*>(Widget(kTabs))->currentIndex(); }
+};
+
+WINDOW_TEST(TabControlTest, ShowsTheFirstTabUntilAnotherIsSet) {
+  AddTabs();
+  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0);
+  EXPECT_TRUE(TabSetCurSel(Window(), kTabs, 1));
+  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
+  EXPECT_FALSE(TabSetCurSel(Window(), kTabs, 2));
+  EXPECT_TRUE(recorder.lines.empty());
+}
+
+WINDOW_TEST(TabControlTest, AClickOfThePersonIsNews) {
+  AddTabs();
+  ClickTheSecondTab(kCheck);
+  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
+}
+
+WINDOW_TEST(TabControlTest, ArrowKeysChooseTabs) {
+  AddTabs();
+  SetControlFocus(Window(), kTabs);
+  EXPECT_EQ(GetControlFocus(Window()), kTabs);
+  QTest::keyClick(Widget(kTabs), Qt::Key_Right);
+  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
+}
+
+WINDOW_TEST(TabControlTest, KeysOfTheWindowChooseTabsFromAnywhere) {
+  AddTabs();
+  EXPECT_EQ(TabInsertItem(Window(), kTabs, "Three"), 2);
+  for (const std::uint32_t id : {kNameEdit, kArea, kDropList, kList, kSlider, kTabs}) {
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers held) {
+      SetControlFocus(Window(), id);
+      QTest::keyClick(Dialog()->windowHandle(), key, held);
+      EXPECT_EQ(GetControlFocus(Window()), kTabs) << id;
+      return TabGetCurSel(Window(), kTabs);
+    };
+    EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 1) << id;
+    EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), 2) << id;
+    EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 0) << id;
+    EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 2) << id;
+    EXPECT_EQ(press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier), 1) << id;
+    recorder.lines.clear();
+    EXPECT_EQ(press(Qt::Key_PageUp, Qt::ControlModifier), 0) << id;
+    EXPECT_EQ(recorder.LinesOf(kTabs), (std::vector<std::string>{"117 selection changed"}));
+  }
+}
+
+WINDOW_TEST(TabControlTest, AClickTakesTheFocusFromAnEditFirst) {
+  AddTabs();
+  ClickTheSecondTab(kNameEdit);
+  EXPECT_EQ(recorder.TakeLines(),
+            (std::vector<std::string>{"101 focus lost", "117 selection changed 1"}));
 }
 
 // Whoever leaves the edit is held back, by a box or by the focus alone.
@@ -89,7 +81,7 @@ TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
   for (const bool box : {true, false}) {
     recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
       if (notice != Notice::FocusLost) return;
-      EXPECT_EQ(static_cast<QTabBar*>(Widget(kTabs))->currentIndex(), 0) << "already";
+      EXPECT_EQ(Shown(), 0) << "already";
       if (box) {
         QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
         MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
@@ -99,34 +91,28 @@ TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
     };
     Run([&] {
       AddTabs();
-      SetControlFocus(Window(), kNameEdit);
-      Rect rect;
-      TabGetItemRect(Window(), kTabs, 1, &rect);
-      const QPoint point = Widget(kTabs)->mapTo(Dialog(), QPoint(rect.left + 4, rect.top + 4));
-      QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
+      ClickTheSecondTab(kNameEdit);
       EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"})) << box;
       EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0) << box;
-      EXPECT_EQ(static_cast<QTabBar*>(Widget(kTabs))->currentIndex(), 0) << box;
+      EXPECT_EQ(Shown(), 0) << box;
       recorder.onNotice = nullptr;
     });
   }
 }
 
-TEST_F(TabControlTest, TabsStandBesideOneAnother) {
-  Run([&] {
-    AddTabs();
-    Rect first;
-    Rect second;
-    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 0, &first));
-    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
-    EXPECT_GT(first.Height(), 8);
-    EXPECT_EQ(first.top, second.top);
-    EXPECT_EQ(first.right, second.left);
-    EXPECT_FALSE(TabGetItemRect(Window(), kTabs, 2, &second));
-    EXPECT_FALSE(TabGetItemRect(Window(), kButton, 0, &second));
-    EXPECT_EQ(TabGetCurSel(Window(), kButton), -1);
-    EXPECT_EQ(TabInsertItem(Window(), kButton, "x"), -1);
-  });
+WINDOW_TEST(TabControlTest, TabsStandBesideOneAnother) {
+  AddTabs();
+  Rect first;
+  Rect second;
+  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 0, &first));
+  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+  EXPECT_GT(first.Height(), 8);
+  EXPECT_EQ(first.top, second.top);
+  EXPECT_EQ(first.right, second.left);
+  EXPECT_FALSE(TabGetItemRect(Window(), kTabs, 2, &second));
+  EXPECT_FALSE(TabGetItemRect(Window(), kButton, 0, &second));
+  EXPECT_EQ(TabGetCurSel(Window(), kButton), -1);
+  EXPECT_EQ(TabInsertItem(Window(), kButton, "x"), -1);
 }
 
 TEST_F(TabControlTest, ATabHasItsRectangleBeforeTheWindowIsSeen) {

@@ -58,11 +58,9 @@ TEST_F(ToolTipsTest, AToolShowsTheTextThatTheProgramGives) {
   });
 }
 
-TEST_F(ToolTipsTest, AnEmptyTextIsNoTip) {
-  Run([&] {
-    EnableToolTips(Window());
-    EXPECT_EQ(Hover(kButton), QString());
-  });
+WINDOW_TEST(ToolTipsTest, AnEmptyTextIsNoTip) {
+  EnableToolTips(Window());
+  EXPECT_EQ(Hover(kButton), QString());
 }
 
 TEST_F(ToolTipsTest, ACellThatIsCutShowsItsWholeText) {
@@ -97,20 +95,18 @@ TEST_F(ToolTipsTest, AnInactiveOneShowsNothing) {
   });
 }
 
-TEST_F(ToolTipsTest, EachTabHasATextOfItsOwn) {
-  Run([&] {
-    TabInsertItem(Window(), kTabs, "One");
-    TabInsertItem(Window(), kTabs, "Two");
-    EXPECT_TRUE(AddTabTool(Window(), kTabs, 0, "the first"));
-    EXPECT_TRUE(AddTabTool(Window(), kTabs, 1, "the second"));
-    EXPECT_FALSE(AddTabTool(Window(), kTabs, 2, "none"));
-    EXPECT_FALSE(AddTabTool(Window(), kButton, 0, "no tabs"));
-    Rect second;
-    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
-    EXPECT_TRUE(Hover(kTabs, {3, 3}).contains(QStringLiteral("the first")));
-    EXPECT_TRUE(Hover(kTabs, {second.left + 3, 3}).contains(QStringLiteral("the second")));
-    EXPECT_EQ(Hover(kTabs), QString()) << "the page";
-  });
+WINDOW_TEST(ToolTipsTest, EachTabHasATextOfItsOwn) {
+  TabInsertItem(Window(), kTabs, "One");
+  TabInsertItem(Window(), kTabs, "Two");
+  EXPECT_TRUE(AddTabTool(Window(), kTabs, 0, "the first"));
+  EXPECT_TRUE(AddTabTool(Window(), kTabs, 1, "the second"));
+  EXPECT_FALSE(AddTabTool(Window(), kTabs, 2, "none"));
+  EXPECT_FALSE(AddTabTool(Window(), kButton, 0, "no tabs"));
+  Rect second;
+  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+  EXPECT_TRUE(Hover(kTabs, {3, 3}).contains(QStringLiteral("the first")));
+  EXPECT_TRUE(Hover(kTabs, {second.left + 3, 3}).contains(QStringLiteral("the second")));
+  EXPECT_EQ(Hover(kTabs), QString()) << "the page";
 }
 
 TEST_F(ToolTipsTest, AngleBracketsAreShownAsTheyStand) {
