@@ -1,4 +1,4 @@
-// A pad's axes and buttons become motion, buttons and wheel of the virtual mouse.
+// What the case files don't show of the virtual mouse.
 
 #include <gtest/gtest.h>
 #include <linux/input.h>
@@ -72,14 +72,6 @@ TEST_F(Mouse, StickWithinItsDeadZoneMovesNothing) {
   EXPECT_TRUE(Hold(ABS_X, 1599, 200).empty());
 }
 
-TEST_F(Mouse, PointerStaysUntilAControlTurnsItOn) {
-  Start("\"mouse\":{\"mouseX\":{\"kind\":0,\"index\":0}}",
-        {"{\"buttonMask\":\"0x1\",\"toggleMouseControls\":true}"});
-  EXPECT_TRUE(Hold(ABS_X, 32000, 100).empty());
-  pad.Tap(0);
-  EXPECT_NEAR(static_cast<double>(Hold(ABS_X, 32000, 100).size()), 20, 1);
-}
-
 TEST_F(Mouse, ButtonsAreLeftMiddleAndRight) {
   Start(
       "\"mouse\":{\"leftButton\":0,\"leftMask\":\"0x1\",\"middleButton\":1,\"middleMask\":\"0x2\","
@@ -112,16 +104,6 @@ TEST_F(Mouse, WheelSendsFractionsAndAWholeNotchForEach120) {
   }
   EXPECT_NEAR(fine, -800, 4);
   EXPECT_EQ(notches, -6);
-}
-
-TEST_F(Mouse, HatMovesOneCountAPoll) {
-  Start("\"mouse\":{\"mouseX\":{\"kind\":8,\"index\":0},\"mouseAlwaysActive\":true}");
-  pad.NudgeHat(0, 27000, 100);
-  const std::vector<KernelEvent> events = run->Mouse().Events();
-  EXPECT_NEAR(static_cast<double>(events.size()), 20, 1);
-  for (const KernelEvent& event : events) {
-    EXPECT_EQ(EventText(event), "REL_X -1");
-  }
 }
 
 }  // namespace
