@@ -26,9 +26,9 @@ struct PadShape {
   std::uint16_t vendor = 0x1209;
   std::uint16_t product = 0x0001;
   std::uint16_t version = 1;
-  std::uint16_t bus = 0x03;           // BUS_USB
-  std::vector<unsigned int> buttons;  // codes of the kernel
-  std::vector<PadAxis> axes;
+  std::uint16_t bus = 0x03;                // BUS_USB
+  std::vector<unsigned int> buttons = {};  // codes of the kernel
+  std::vector<PadAxis> axes = {};
   int hats = 0;  // 0 to 4
 };
 

@@ -15,7 +15,7 @@
 namespace kelvaro::kernel {
 namespace {
 
-// Key texts of 64 different keys with the names that the kernel has for them.
+// Key texts of 64 different keys with the names that the kernel has for them behind "KEY_".
 struct NamedKey {
   std::string text;
   std::string name;
@@ -24,185 +24,147 @@ struct NamedKey {
 std::vector<NamedKey> SixtyFourKeys() {
   std::vector<NamedKey> keys;
   for (char c = 'a'; c <= 'z'; ++c) {
-    keys.push_back({std::string(1, c), std::string("KEY_") + static_cast<char>(c - 'a' + 'A')});
+    keys.push_back({std::string(1, c), std::string(1, static_cast<char>(c - 'a' + 'A'))});
   }
   for (char c = '0'; c <= '9'; ++c) {
-    keys.push_back({std::string(1, c), std::string("KEY_") + c});
-    keys.push_back({std::string("<NP") + c + ">", std::string("KEY_KP") + c});
+    keys.push_back({std::string(1, c), std::string(1, c)});
+    keys.push_back({std::string("<NP") + c + ">", std::string("KP") + c});
   }
   for (int i = 1; i <= 12; ++i) {
     const std::string name = "F" + std::to_string(i);
-    keys.push_back({"<" + name + ">", "KEY_" + name});
+    keys.push_back({"<" + name + ">", name});
   }
-  keys.insert(keys.end(), {{"-", "KEY_MINUS"},
-                           {"=", "KEY_EQUAL"},
-                           {";", "KEY_SEMICOLON"},
-                           {",", "KEY_COMMA"},
-                           {".", "KEY_DOT"},
-                           {"/", "KEY_SLASH"}});
+  keys.insert(keys.end(), {{"-", "MINUS"},
+                           {"=", "EQUAL"},
+                           {";", "SEMICOLON"},
+                           {",", "COMMA"},
+                           {".", "DOT"},
+                           {"/", "SLASH"}});
   return keys;
 }
 
-class ManyButtonsTest : public ::testing::TestWithParam<std::size_t> {};
+class OddPad : public ::testing::Test {
+ protected:
+  // Plugs it in, compares what the list of devices counts, and starts a profile on it.
+  void Start(const PadShape& shape, std::size_t buttons, unsigned int axes, unsigned int povs,
+             const std::vector<std::string>& controls) {
+    pad = std::make_unique<UinputPad>(shape);
+    const Json::Value device = OnlyDevice();
+    EXPECT_EQ(device["buttons"].asUInt(), buttons);
+    EXPECT_EQ(device["axes"].asUInt(), axes);
+    EXPECT_EQ(device["povs"].asUInt(), povs);
+    run = std::make_unique<ProfileRun>(ProfileOf(controls), shape.name, pad->Node());
+    ASSERT_TRUE(run->Started());
+  }
+  // Each of these keys went down and up, one behind the other.
+  void ExpectTaps(const std::vector<std::string>& keys) {
+    std::vector<std::string> expected;
+    for (const std::string& key : keys) {
+      expected.insert(expected.end(), {"KEY_" + key + " down", "KEY_" + key + " up"});
+    }
+    EXPECT_TRUE(Sent(run->Keyboard(), expected));
+  }
+
+  std::unique_ptr<UinputPad> pad;
+  std::unique_ptr<ProfileRun> run;
+};
+
+class ManyButtonsTest : public OddPad, public ::testing::WithParamInterface<std::size_t> {};
 
 TEST_P(ManyButtonsTest, EveryButtonUpTo64IsItsOwnTrigger) {
-  PadShape shape;
-  shape.name = "Button Box";
-  shape.buttons = ManyButtons(GetParam());
-  UinputPad pad(shape);
-  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), GetParam());
-
   const std::vector<NamedKey> keys = SixtyFourKeys();
   ASSERT_EQ(keys.size(), 64U);
   std::vector<std::string> controls;
+  std::vector<std::string> expected;
   for (std::size_t button = 0; button < std::min<std::size_t>(64, GetParam()); ++button) {
     controls.push_back(ButtonControl(button, keys[button].text));
+    expected.push_back(keys[button].name);
   }
-  ProfileRun run(ProfileOf(controls), "Button Box", pad.Node());
-  ASSERT_TRUE(run.Started());
-  std::vector<std::string> expected;
-  for (std::size_t button = 0; button < GetParam(); ++button) {
-    pad.Tap(button, 15);
-    if (button < 64) {
-      expected.push_back(keys[button].name + " down");
-      expected.push_back(keys[button].name + " up");
-    }
-  }
-  EXPECT_TRUE(Sent(run.Keyboard(), expected));
+  ASSERT_NO_FATAL_FAILURE(Start({.name = "Button Box", .buttons = ManyButtons(GetParam())},
+                                GetParam(), 0, 0, controls));
+  for (std::size_t button = 0; button < GetParam(); ++button) pad->Tap(button, 15);
+  ExpectTaps(expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Counts, ManyButtonsTest, ::testing::Values(24, 40, 128));
 
-TEST(OddPad, DirectionPadOfAxesIsAHat) {
-  PadShape shape;
-  shape.name = "Hat Pad";
-  shape.buttons = GamePadButtons(4);
-  shape.hats = 1;
-  UinputPad pad(shape);
-  const Json::Value device = OnlyDevice();
-  EXPECT_EQ(device["povs"].asUInt(), 1U);
-  EXPECT_EQ(device["axes"].asUInt(), 0U);
-  ProfileRun run(ProfileOf({ItemControl(8, 0, 4, "r"), ItemControl(8, 0, 8, "d")}), "Hat Pad",
-                 pad.Node());
-  ASSERT_TRUE(run.Started());
-  pad.TurnHat(0, 9000);
-  WaitMs(50);
-  pad.TurnHat(0, 13500);
-  WaitMs(50);
-  pad.TurnHat(0, 18000);
-  WaitMs(50);
-  pad.TurnHat(0, -1);
+TEST_F(OddPad, DirectionPadOfAxesIsAHat) {
+  ASSERT_NO_FATAL_FAILURE(Start({.name = "Hat Pad", .buttons = GamePadButtons(4), .hats = 1}, 4, 0,
+                                1, {ItemControl(8, 0, 4, "r"), ItemControl(8, 0, 8, "d")}));
+  for (const int angle : {9000, 13500, 18000, -1}) {
+    pad->TurnHat(0, angle);
+    WaitMs(50);
+  }
   // On the diagonal both are active, and the first, which uses the same hat, keeps the second from
   // firing.
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_R down", "KEY_R up", "KEY_D down", "KEY_D up"}));
+  ExpectTaps({"R", "D"});
 }
 
-TEST(OddPad, DirectionPadOfButtonsIsFourButtons) {
-  PadShape shape;
-  shape.name = "Button Direction Pad";
-  shape.buttons = GamePadButtons(4);
-  for (const unsigned int code : {BTN_DPAD_UP, BTN_DPAD_DOWN, BTN_DPAD_LEFT, BTN_DPAD_RIGHT}) {
-    shape.buttons.push_back(code);
-  }
-  UinputPad pad(shape);
-  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), 8U);
-  ProfileRun run(ProfileOf({ButtonControl(4, "<Up>"), ButtonControl(5, "<Down>"),
-                            ButtonControl(6, "<Left>"), ButtonControl(7, "<Right>")}),
-                 "Button Direction Pad", pad.Node());
-  ASSERT_TRUE(run.Started());
-  for (std::size_t button = 4; button < 8; ++button) pad.Tap(button, 30);
-  EXPECT_TRUE(
-      Sent(run.Keyboard(), {"KEY_UP down", "KEY_UP up", "KEY_DOWN down", "KEY_DOWN up",
-                            "KEY_LEFT down", "KEY_LEFT up", "KEY_RIGHT down", "KEY_RIGHT up"}));
+TEST_F(OddPad, DirectionPadOfButtonsIsFourButtons) {
+  PadShape shape{.name = "Button Direction Pad", .buttons = GamePadButtons(4)};
+  shape.buttons.insert(shape.buttons.end(),
+                       {BTN_DPAD_UP, BTN_DPAD_DOWN, BTN_DPAD_LEFT, BTN_DPAD_RIGHT});
+  ASSERT_NO_FATAL_FAILURE(Start(shape, 8, 0, 0,
+                                {ButtonControl(4, "<Up>"), ButtonControl(5, "<Down>"),
+                                 ButtonControl(6, "<Left>"), ButtonControl(7, "<Right>")}));
+  for (std::size_t button = 4; button < 8; ++button) pad->Tap(button, 30);
+  ExpectTaps({"UP", "DOWN", "LEFT", "RIGHT"});
 }
 
-TEST(OddPad, FourHatsAreFourHats) {
-  PadShape shape;
-  shape.name = "Four Hats";
-  shape.buttons = GamePadButtons(4);
-  shape.hats = 4;
-  UinputPad pad(shape);
-  EXPECT_EQ(OnlyDevice()["povs"].asUInt(), 4U);
+TEST_F(OddPad, FourHatsAreFourHats) {
   std::vector<std::string> controls;
-  const char* names = "abcdefghijklmnop";
-  for (int hat = 0; hat < 4; ++hat) {
-    for (int direction = 0; direction < 4; ++direction) {
-      controls.push_back(
-          ItemControl(8, hat, 1 << direction, std::string(1, names[4 * hat + direction])));
-    }
-  }
-  ProfileRun run(ProfileOf(controls), "Four Hats", pad.Node());
-  ASSERT_TRUE(run.Started());
-  for (int hat = 0; hat < 4; ++hat) {
-    for (const int angle : {27000, 0, 9000, 18000}) {  // left, up, right, down
-      pad.NudgeHat(hat, angle);
-    }
-  }
   std::vector<std::string> expected;
   for (int i = 0; i < 16; ++i) {
-    const std::string key = std::string("KEY_") + static_cast<char>(names[i] - 'a' + 'A');
-    expected.push_back(key + " down");
-    expected.push_back(key + " up");
+    const char letter = static_cast<char>('a' + i);
+    controls.push_back(ItemControl(8, i / 4, 1 << i % 4, std::string(1, letter)));
+    expected.push_back(std::string(1, static_cast<char>(letter - 'a' + 'A')));
   }
-  EXPECT_TRUE(Sent(run.Keyboard(), expected));
+  ASSERT_NO_FATAL_FAILURE(
+      Start({.name = "Four Hats", .buttons = GamePadButtons(4), .hats = 4}, 4, 0, 4, controls));
+  for (int hat = 0; hat < 4; ++hat) {
+    for (const int angle : {27000, 0, 9000, 18000}) {  // left, up, right, down
+      pad->NudgeHat(hat, angle);
+    }
+  }
+  ExpectTaps(expected);
 }
 
-TEST(OddPad, AxisRangeOfTheDeviceIsScaled) {
-  PadShape shape;
-  shape.name = "Byte Axes";
-  shape.buttons = GamePadButtons(2);
-  shape.axes = {{ABS_X, 0, 255, 128}, {ABS_Y, -1, 1, 0}};
-  UinputPad pad(shape);
-  ProfileRun run(ProfileOf({ItemControl(0, 0, 2, "d"), ItemControl(0, 0, 1, "a"),
-                            ItemControl(1, 0, 1, "w"), ItemControl(1, 0, 2, "s")}),
-                 "Byte Axes", pad.Node());
-  ASSERT_TRUE(run.Started());
+TEST_F(OddPad, AxisRangeOfTheDeviceIsScaled) {
+  ASSERT_NO_FATAL_FAILURE(Start({.name = "Byte Axes",
+                                 .buttons = GamePadButtons(2),
+                                 .axes = {{ABS_X, 0, 255, 128}, {ABS_Y, -1, 1, 0}}},
+                                2, 2, 0,
+                                {ItemControl(0, 0, 2, "d"), ItemControl(0, 0, 1, "a"),
+                                 ItemControl(1, 0, 1, "w"), ItemControl(1, 0, 2, "s")}));
   // 64000 / 255 = 250.98 a step: beyond 16000 from 192 on (16188) and up to 63 (-16188).
   for (const int value : {191, 192, 128, 64, 63, 128}) {
-    pad.Move(ABS_X, value);
+    pad->Move(ABS_X, value);
     WaitMs(30);
   }
   for (const int value : {-1, 0, 1, 0}) {
-    pad.Move(ABS_Y, value);
+    pad->Move(ABS_Y, value);
     WaitMs(30);
   }
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_D down", "KEY_D up", "KEY_A down", "KEY_A up",
-                                    "KEY_W down", "KEY_W up", "KEY_S down", "KEY_S up"}));
+  ExpectTaps({"D", "A", "W", "S"});
 }
 
-TEST(OddPad, ThrottleAndRudderAreTheSliders) {
-  PadShape shape;
-  shape.name = "Flight Stick";
-  shape.buttons = {BTN_TRIGGER, BTN_THUMB};
-  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_THROTTLE}, {ABS_RUDDER}};
-  UinputPad pad(shape);
-  EXPECT_EQ(OnlyDevice()["axes"].asUInt(), 4U);
-  ProfileRun run(
-      ProfileOf({ItemControl(6, 0, 2, "t"), ItemControl(7, 0, 2, "r"), ButtonControl(1, "b")}),
-      "Flight Stick", pad.Node());
-  ASSERT_TRUE(run.Started());
-  for (const unsigned int axis : {ABS_THROTTLE, ABS_RUDDER}) {
-    pad.Nudge(axis, 32000);
-  }
-  pad.Press(1);
-  EXPECT_TRUE(
-      Sent(run.Keyboard(), {"KEY_T down", "KEY_T up", "KEY_R down", "KEY_R up", "KEY_B down"}));
+TEST_F(OddPad, ThrottleAndRudderAreTheSliders) {
+  ASSERT_NO_FATAL_FAILURE(Start(
+      {.name = "Flight Stick",
+       .buttons = {BTN_TRIGGER, BTN_THUMB},
+       .axes = {{ABS_X}, {ABS_Y}, {ABS_THROTTLE}, {ABS_RUDDER}}},
+      2, 4, 0, {ItemControl(6, 0, 2, "t"), ItemControl(7, 0, 2, "r"), ButtonControl(1, "b")}));
+  for (const unsigned int axis : {ABS_THROTTLE, ABS_RUDDER}) pad->Nudge(axis, 32000);
+  pad->Tap(1);
+  ExpectTaps({"T", "R", "B"});
 }
 
-TEST(OddPad, AKeyOfThePadIsItsLastButton) {
-  PadShape shape;
-  shape.name = "Pad With Share";
-  shape.buttons = GamePadButtons(11);
+TEST_F(OddPad, AKeyOfThePadIsItsLastButton) {
+  PadShape shape{.name = "Pad With Share", .buttons = GamePadButtons(11)};
   shape.buttons.push_back(KEY_RECORD);
-  UinputPad pad(shape);
-  EXPECT_EQ(OnlyDevice()["buttons"].asUInt(), 12U);
-  ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(11, "s")}), "Pad With Share",
-                 pad.Node());
-  ASSERT_TRUE(run.Started());
-  for (const std::size_t button : {11, 0}) {
-    pad.Tap(button, 30);
-  }
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_S down", "KEY_S up", "KEY_A down", "KEY_A up"}));
+  ASSERT_NO_FATAL_FAILURE(Start(shape, 12, 0, 0, {ButtonControl(0, "a"), ButtonControl(11, "s")}));
+  for (const std::size_t button : {11, 0}) pad->Tap(button, 30);
+  ExpectTaps({"S", "A"});
 }
 
 // The pad, and in the same node the keyboard that its paddles can type on.
@@ -221,58 +183,38 @@ PadShape EliteOverBluetooth() {
   return shape;
 }
 
-TEST(OddPad, OneThatTypesTooIsPlayedWithAndItsKeysAreNoButtons) {
+TEST_F(OddPad, OneThatTypesTooIsPlayedWithAndItsKeysAreNoButtons) {
   const PadShape shape = EliteOverBluetooth();
-  UinputPad pad(shape);
-  const Json::Value device = OnlyDevice();
-  EXPECT_EQ(device["buttons"].asUInt(), 16U);
-  EXPECT_EQ(device["axes"].asUInt(), 6U);
-  EXPECT_EQ(device["povs"].asUInt(), 1U);
-  ProfileRun run(ProfileOf({ButtonControl(15, "p"), ItemControl(2, 0, 2, "t"),
-                            ItemControl(8, 0, 2, "u"), ButtonControl(16, "x")}),
-                 shape.name, pad.Node());
-  ASSERT_TRUE(run.Started());
-  pad.Tap(15, 30);
-  for (std::size_t key = 16; key < shape.buttons.size(); ++key) {
-    pad.Tap(key, 10);
-  }
-  pad.Nudge(ABS_Z, 1023);
-  pad.NudgeHat(0, 0);
-  EXPECT_TRUE(Sent(run.Keyboard(),
-                   {"KEY_P down", "KEY_P up", "KEY_T down", "KEY_T up", "KEY_U down", "KEY_U up"}));
+  ASSERT_NO_FATAL_FAILURE(Start(shape, 16, 6, 1,
+                                {ButtonControl(15, "p"), ItemControl(2, 0, 2, "t"),
+                                 ItemControl(8, 0, 2, "u"), ButtonControl(16, "x")}));
+  pad->Tap(15, 30);
+  for (std::size_t key = 16; key < shape.buttons.size(); ++key) pad->Tap(key, 10);
+  pad->Nudge(ABS_Z, 1023);
+  pad->NudgeHat(0, 0);
+  ExpectTaps({"P", "T", "U"});
 }
 
-TEST(OddPad, AnAxisInAHatsPlaceTurnsNoHatAtRest) {
-  PadShape shape;
-  shape.name = "Odd Axis";
-  shape.buttons = GamePadButtons(2);
-  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_HAT0X, 0, 239, 0}};
-  UinputPad pad(shape);
-  const Json::Value device = OnlyDevice();
-  EXPECT_EQ(device["povs"].asUInt(), 0U);
-  EXPECT_EQ(device["axes"].asUInt(), 3U);
-  ProfileRun run(ProfileOf({ItemControl(8, 0, 1, "l"), ItemControl(8, 0, 4, "r"),
-                            ItemControl(6, 0, 2, "s"), ButtonControl(0, "b")}),
-                 "Odd Axis", pad.Node());
-  ASSERT_TRUE(run.Started());
-  pad.Tap(0, 30);
-  pad.Nudge(ABS_HAT0X, 239);
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_B down", "KEY_B up", "KEY_S down", "KEY_S up"}));
+TEST_F(OddPad, AnAxisInAHatsPlaceTurnsNoHatAtRest) {
+  ASSERT_NO_FATAL_FAILURE(Start({.name = "Odd Axis",
+                                 .buttons = GamePadButtons(2),
+                                 .axes = {{ABS_X}, {ABS_Y}, {ABS_HAT0X, 0, 239, 0}}},
+                                2, 3, 0,
+                                {ItemControl(8, 0, 1, "l"), ItemControl(8, 0, 4, "r"),
+                                 ItemControl(6, 0, 2, "s"), ButtonControl(0, "b")}));
+  pad->Tap(0, 30);
+  pad->Nudge(ABS_HAT0X, 239);
+  ExpectTaps({"B", "S"});
 }
 
 TEST(NoPad, SystemControlOfAKeyboard) {
-  PadShape shape;
-  shape.name = "Keyboard System Control";
-  shape.phys = "test/port1";
-  shape.vendor = 0x342d;
-  shape.product = 0xe483;
-  shape.buttons = {KEY_POWER, KEY_HELP, KEY_MENU, KEY_SLEEP, KEY_WAKEUP, KEY_SELECT};
-  shape.hats = 1;
-  UinputPad control(shape);
-  PadShape other;
-  other.name = "Real Pad";
-  other.buttons = GamePadButtons(4);
-  UinputPad pad(other);
+  UinputPad control({.name = "Keyboard System Control",
+                     .phys = "test/port1",
+                     .vendor = 0x342d,
+                     .product = 0xe483,
+                     .buttons = {KEY_POWER, KEY_HELP, KEY_MENU, KEY_SLEEP, KEY_WAKEUP, KEY_SELECT},
+                     .hats = 1});
+  UinputPad pad({.name = "Real Pad", .buttons = GamePadButtons(4)});
   EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
 }
 
@@ -302,15 +244,8 @@ class UdevRules {
 TEST(NoPad, WhatARuleOfUdevsSaysIsNoJoystick) {
   const UdevRules rules("70-no-joystick.rules",
                         WriteFile("ATTRS{name}==\"Lamp\", ENV{ID_INPUT_JOYSTICK}=\"0\"\n"));
-  PadShape shape;
-  shape.name = "Lamp";
-  shape.phys = "test/port1";
-  shape.buttons = GamePadButtons(6);
-  shape.axes = {{ABS_X}, {ABS_Y}};
-  UinputPad lamp(shape);
-  shape.name = "Real Pad";
-  shape.phys = "test/port2";
-  UinputPad pad(shape);
+  UinputPad lamp(OrdinaryPad("Lamp", "test/port1"));
+  UinputPad pad(OrdinaryPad("Real Pad", "test/port2"));
   EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
 }
 
