@@ -139,6 +139,16 @@ class LinuxFilesTest : public ::testing::Test, protected TemporaryFolder {
   const std::filesystem::path before = std::filesystem::current_path();
 };
 
+// Two files, and nothing else in the end.
+class LinuxCopyTest : public LinuxFilesTest {
+ protected:
+  LinuxCopyTest() {
+    Put("a", "new");
+    Put("b", "old");
+  }
+  ~LinuxCopyTest() override { EXPECT_EQ(List(), (Names{"a", "b"})); }
+};
+
 TEST_F(LinuxFilesTest, WritesReadsAndSeeks) {
   const std::unique_ptr<File> file = Create(In("a"));
   ASSERT_TRUE(file);
@@ -394,36 +404,27 @@ TEST_F(LinuxFilesTest, ANewFolderIsFlushedIntoItsParent) {
   EXPECT_FALSE(files.CreateDirectoryA(In("none/sub")));
 }
 
-TEST_F(LinuxFilesTest, ACopyIsWholeOnTheDiskBeforeItTakesTheTargetsPlace) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyIsWholeOnTheDiskBeforeItTakesTheTargetsPlace) {
   Watching watching;
   EXPECT_TRUE(Copy("a", "b"));
   EXPECT_EQ(watching.Calls(), (Names{"fsync file", "rename", "fsync folder"}));
   EXPECT_EQ(Bytes("b"), "new");
   EXPECT_EQ(Bytes("a"), "new");
-  EXPECT_EQ(List(), (Names{"a", "b"}));
 }
 
-TEST_F(LinuxFilesTest, ACopyThatFailsLeavesTheTargetAndNothingBeside) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyThatFailsLeavesTheTargetAndNothingBeside) {
   for (const std::size_t failAt : {1, 2}) {
     Watching watching(failAt);
     EXPECT_FALSE(Copy("a", "b"));
     EXPECT_EQ(Error(), EIO);
     EXPECT_EQ(Bytes("b"), "old");
-    EXPECT_EQ(List(), (Names{"a", "b"}));
   }
 }
 
-TEST_F(LinuxFilesTest, ACopyWhoseNameIsNotLastingYetCountsAsFailed) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyWhoseNameIsNotLastingYetCountsAsFailed) {
   Watching watching(3);
   EXPECT_FALSE(Copy("a", "b"));
   EXPECT_EQ(Bytes("b"), "new");
-  EXPECT_EQ(List(), (Names{"a", "b"}));
 }
 
 TEST_F(LinuxFilesTest, ACopyThatFindsNoRoomLeavesTheTargetAndNothingBeside) {
@@ -475,9 +476,7 @@ TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsPermissions) {
   }
 }
 
-TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsOwnerWhereThatIsAllowed) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyKeepsTheTargetsOwnerWhereThatIsAllowed) {
   struct stat mine;
   ASSERT_EQ(stat(In("b").c_str(), &mine), 0);
   // Another owner can be had by root only; for everyone else it stays their own.
@@ -515,9 +514,7 @@ bool SetAccessList(const std::string& path, const char* kind, const std::string&
 
 constexpr char kNoLists[] = "the temporary folder's file system has no access lists";
 
-TEST_F(LinuxFilesTest, ACopyKeepsTheTargetsListOfFurtherUsers) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyKeepsTheTargetsListOfFurtherUsers) {
   const std::string list = AccessList(6);
   SKIP_UNLESS(SetAccessList(In("b"), "system.posix_acl_access", list), "acl", kNoLists);
   EXPECT_TRUE(Copy("a", "b"));
@@ -545,13 +542,10 @@ TEST_F(LinuxFilesTest, ANewCopyTakesTheSourcesPermissions) {
   EXPECT_EQ(Bytes("b"), "1");
 }
 
-TEST_F(LinuxFilesTest, ACopyIsRefusedOverAFileThatMustNotBeThere) {
-  Put("a", "new");
-  Put("b", "old");
+TEST_F(LinuxCopyTest, ACopyIsRefusedOverAFileThatMustNotBeThere) {
   EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), true));
   EXPECT_EQ(Error(), EEXIST);
   EXPECT_EQ(Bytes("b"), "old");
-  EXPECT_EQ(List(), (Names{"a", "b"}));
 }
 
 TEST_F(LinuxFilesTest, ACopyNeedsAFileOnBothSides) {

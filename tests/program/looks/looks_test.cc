@@ -135,33 +135,24 @@ void ExpectNoOverlap(const DialogTemplate& dialog, const DialogWindow& window) {
 }
 
 QAccessible::Role RoleOf(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::Link:
-      return QAccessible::Link;
-    case ControlKind::Edit:
-    case ControlKind::TextArea:
-      return QAccessible::EditableText;
-    case ControlKind::CheckBox:
-      return QAccessible::CheckBox;
-    case ControlKind::RadioButton:
-      return QAccessible::RadioButton;
-    case ControlKind::DropList:
-      return QAccessible::ComboBox;
-    case ControlKind::ListView:
-      return QAccessible::Tree;
-    case ControlKind::TabControl:
-      return QAccessible::PageTabList;
-    case ControlKind::Slider:
-      return QAccessible::Slider;
-    case ControlKind::GroupBox:
-      return QAccessible::Grouping;
-    case ControlKind::Button:
-    case ControlKind::PictureButton:
-    case ControlKind::DrawnButton:
-      return QAccessible::Button;
-    default:
-      return QAccessible::StaticText;
-  }
+  using enum ControlKind;
+  static const std::map<ControlKind, QAccessible::Role> roles = {
+      {Link, QAccessible::Link},
+      {Edit, QAccessible::EditableText},
+      {TextArea, QAccessible::EditableText},
+      {CheckBox, QAccessible::CheckBox},
+      {RadioButton, QAccessible::RadioButton},
+      {DropList, QAccessible::ComboBox},
+      {ListView, QAccessible::Tree},
+      {TabControl, QAccessible::PageTabList},
+      {Slider, QAccessible::Slider},
+      {GroupBox, QAccessible::Grouping},
+      {Button, QAccessible::Button},
+      {PictureButton, QAccessible::Button},
+      {DrawnButton, QAccessible::Button},
+  };
+  const auto found = roles.find(kind);
+  return found == roles.end() ? QAccessible::StaticText : found->second;
 }
 
 void ExpectAccessible(const DialogTemplate& dialog, DialogWindow& window) {
