@@ -208,12 +208,16 @@ void ExpectReadable(const DialogTemplate& dialog, DialogWindow& window) {
   }
 }
 
+void ShowTab(const DialogWindow& window, int tab) {
+  dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(tab);
+}
+
 // Each tab, for a dialog that has some.
 void OnEachPage(const DialogTemplate& dialog, DialogWindow& window,
                 const std::function<void()>& look) {
   if (dialog.id != main_window::kDialog) return look();
   for (int tab = 0; tab < 4; ++tab) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(tab);
+    ShowTab(window, tab);
     Stage::Settle(20);
     look();
   }
@@ -293,7 +297,7 @@ TEST_F(Looks, TheLampOfTheTestStandsOutInLightAndInDark) {
     QApplication::setPalette(palette);
     Stage stage;
     EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
-      dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(1);
+      ShowTab(window, 1);
       Stage::Settle();
       QWidget* const button = window.Find(kTestMode)->Widget();
       const QImage image = button->grab().toImage();
@@ -338,7 +342,7 @@ TEST_F(Looks, F1OpensAPlaceThatTheHelpHasFromEveryControl) {
     stage.WhenUp("Define Control", [&](QWidget& dialog) {
       topics.merge(TopicsOf(resources::kDefineControl, dynamic_cast<DialogWindow&>(dialog)));
     });
-    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(0);
+    ShowTab(window, 0);
     QTest::mouseClick(window.Find(kNewControl)->FocusWidget(), Qt::LeftButton);
   }));
   for (const std::string& topic : topics) ExpectTopic(topic);
@@ -355,7 +359,7 @@ TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
   Stage stage;
   ASSERT_EQ(StoredSensitivity(), 10);
   EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(1);
+    ShowTab(window, 1);
     QWidget* const slider = window.Find(kMovementSensitivity)->FocusWidget();
     QStyleOptionSlider option;
     option.initFrom(slider);
@@ -383,7 +387,7 @@ TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
 TEST_F(Looks, AnIntervalThatIsTypedIsSavedInTheProfileWhenTheFieldIsLeft) {
   Stage stage;
   EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(2);
+    ShowTab(window, 2);
     QWidget* const field = window.Find(kInterval)->FocusWidget();
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
@@ -408,7 +412,7 @@ TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
   }
   ASSERT_TRUE(profile.Save());
   EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
-    dynamic_cast<QTabBar&>(*window.Find(kTabControl)->FocusWidget()).setCurrentIndex(2);
+    ShowTab(window, 2);
     stage.Pad().Press({3});
     ASSERT_TRUE(QTest::qWaitFor([&] { return stage.KeysSent() >= 6; }, kPatience))
         << "it doesn't repeat";

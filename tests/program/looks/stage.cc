@@ -6,6 +6,7 @@
 #include <QPalette>
 #include <QTimer>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -134,43 +135,28 @@ bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>&
     window->Close();
   });
   look.start(10);
-  switch (dialog) {
-    case main_window::kDialog: {
-      MainWindow window;
-      window.DoModal(platform::kNoWindow);
-      break;
-    }
-    case define_control::kDialog: {
-      DefineControlDialog window;
-      window.scratch.description = "Jump";
-      window.scratch.SetButtonMask(1);
-      window.DoModal(platform::kNoWindow);
-      break;
-    }
-    case new_profile::kDialog:
-      NewProfileDialog().DoModal(platform::kNoWindow);
-      break;
-    case delete_profile::kDialog:
-      DeleteProfileDialog(kProfile).DoModal(platform::kNoWindow);
-      break;
-    case profile_name::kDialog:
-      ProfileNameDialog("Rename Profile", "Rename", kProfile).DoModal(platform::kNoWindow);
-      break;
-    case shift_key_required::kDialog:
-      ShiftKeyRequiredDialog().DoModal(platform::kNoWindow);
-      break;
-    case advanced_settings::kDialog:
-      AdvancedSettingsDialog(false).DoModal(platform::kNoWindow);
-      break;
-    case welcome::kDialog:
-      WelcomeDialog().DoModal(platform::kNoWindow);
-      break;
-    case auto_detect_mode::kDialog:
-      AutoDetectModeDialog().DoModal(platform::kNoWindow);
-      break;
-    default:
-      break;
-  }
+  const std::map<std::uint32_t, std::function<void()>> dialogs = {
+      {main_window::kDialog, [] { MainWindow().DoModal(platform::kNoWindow); }},
+      {define_control::kDialog,
+       [] {
+         DefineControlDialog window;
+         window.scratch.description = "Jump";
+         window.scratch.SetButtonMask(1);
+         window.DoModal(platform::kNoWindow);
+       }},
+      {new_profile::kDialog, [] { NewProfileDialog().DoModal(platform::kNoWindow); }},
+      {delete_profile::kDialog, [] { DeleteProfileDialog(kProfile).DoModal(platform::kNoWindow); }},
+      {profile_name::kDialog,
+       [] {
+         ProfileNameDialog("Rename Profile", "Rename", kProfile).DoModal(platform::kNoWindow);
+       }},
+      {shift_key_required::kDialog, [] { ShiftKeyRequiredDialog().DoModal(platform::kNoWindow); }},
+      {advanced_settings::kDialog,
+       [] { AdvancedSettingsDialog(false).DoModal(platform::kNoWindow); }},
+      {welcome::kDialog, [] { WelcomeDialog().DoModal(platform::kNoWindow); }},
+      {auto_detect_mode::kDialog, [] { AutoDetectModeDialog().DoModal(platform::kNoWindow); }},
+  };
+  if (const auto found = dialogs.find(dialog); found != dialogs.end()) found->second();
   return cameUp;
 }
 
