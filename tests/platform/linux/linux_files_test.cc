@@ -78,6 +78,7 @@ namespace {
 
 using kelvaro::tests::Content;
 using kelvaro::tests::Fork;
+using kelvaro::tests::OpenFiles;
 using kelvaro::tests::StatusOf;
 using kelvaro::tests::TemporaryFolder;
 
@@ -191,12 +192,8 @@ TEST_F(LinuxFilesTest, WhatIsOpenIsNotHandedToOtherPrograms) {
   FindData data;
   const std::unique_ptr<FileSearch> search = files.FindFirstFileA(In("*"), &data);
   int open = 0;
-  for (int number = 0; number < 1'000; ++number) {
-    char path[4096];
-    const std::string link = "/proc/self/fd/" + std::to_string(number);
-    const ssize_t length = readlink(link.c_str(), path, sizeof path);
-    if (length < 0) continue;
-    if (!std::string(path, static_cast<std::size_t>(length)).starts_with(folder)) continue;
+  for (const auto& [number, path] : OpenFiles(getpid())) {
+    if (!path.starts_with(folder)) continue;
     ++open;
     EXPECT_EQ(fcntl(number, F_GETFD), FD_CLOEXEC);
   }
