@@ -58,7 +58,7 @@ std::string KeysText(const Control& control) {
     if (!action) continue;
     if (!text.empty()) text += " then ";
     text += TerminalText(action->FormatKeys());
-    if (action->actionFlags & KeyAction::HoldAllKeys) text += " (all held)";
+    if (action->HoldsAllKeys()) text += " (all held)";
   }
   return text.empty() ? "-" : text;
 }

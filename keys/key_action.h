@@ -53,6 +53,8 @@ class KeyAction : public InputAction {
   // out.
   ByteString FormatKeys() const;
 
+  bool HoldsAllKeys() const { return (actionFlags & HoldAllKeys) != 0; }
+
   std::uint32_t actionFlags = 0;
   KeySequence steps;
 };

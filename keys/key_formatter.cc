@@ -7,15 +7,13 @@ namespace kelvaro {
 
 namespace {
 
-struct ModifierNames {
+// In the order of printing.
+constexpr struct {
   std::uint8_t flag;
   const char* left;
   const char* right;
   const char* neither;
-};
-
-// In the order of printing.
-constexpr ModifierNames kModifierNames[] = {
+} kModifierNames[] = {
     {KeyFlagShift, "LShift", "RShift", "Shift"},
     {KeyFlagCtrl, "LCtrl", "RCtrl", "Ctrl"},
     {KeyFlagMouse, "LMouse", "RMouse", "MMouse"},
@@ -32,19 +30,11 @@ void AppendToken(const char* name, ByteString* text) {
 // right bit for all modifiers of a step; the first to print takes the left one, the next the right
 // one, whichever way they were typed.
 std::uint8_t AppendModifiers(std::uint8_t flags, ByteString* text) {
-  for (const ModifierNames& names : kModifierNames) {
+  for (const auto& names : kModifierNames) {
     if (!(flags & names.flag)) continue;
-    std::uint8_t used = names.flag;
-    if (flags & KeyFlagLeft) {
-      AppendToken(names.left, text);
-      used |= KeyFlagLeft;
-    } else if (flags & KeyFlagRight) {
-      AppendToken(names.right, text);
-      used |= KeyFlagRight;
-    } else {
-      AppendToken(names.neither, text);
-    }
-    flags = static_cast<std::uint8_t>(flags & ~used);
+    const int side = flags & KeyFlagLeft ? KeyFlagLeft : flags & KeyFlagRight;
+    AppendToken(side == KeyFlagLeft ? names.left : side != 0 ? names.right : names.neither, text);
+    flags = static_cast<std::uint8_t>(flags & ~(names.flag | side));
   }
   return flags;
 }

@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 #include "keys/key_action.h"
 #include "keys/key_tables.h"
@@ -12,34 +14,6 @@ namespace {
 // What a literal '<' types. Its row in KeyCharTable serves the formatter alone, since a '<' in the
 // text is looked at before that table is.
 constexpr KeyStep kLessThan = {0xBC, 0x33, KeyFlagImpliedShift};
-
-// The modifiers read since the last key: merged, as they would go into the key's step, and each as
-// its token had it, for the case that they can't be merged and become steps of their own.
-class PendingModifiers {
- public:
-  std::uint8_t Flags() const { return flags; }
-
-  void Add(std::uint8_t tokenFlags) {
-    tokens[count++] = tokenFlags;
-    flags |= tokenFlags;
-  }
-
-  void FlushTo(KeySequence* steps) {
-    for (std::size_t i = 0; i < count; ++i) steps->AddTail({0, 0, tokens[i]});
-    Clear();
-  }
-
-  void Clear() {
-    count = 0;
-    flags = 0;
-  }
-
- private:
-  // Shift, ctrl and alt, each at most once: a second one flushes the first.
-  std::uint8_t tokens[3] = {};
-  std::size_t count = 0;
-  std::uint8_t flags = 0;
-};
 
 // The four low bits, in which the shift of a typed character is a shift like any other.
 std::uint8_t ModifierBits(std::uint8_t flags) {
@@ -74,7 +48,7 @@ class Parser {
     while (at != end) {
       if (!Next()) return static_cast<std::uint32_t>(end - at);
     }
-    pending.FlushTo(&action.steps);
+    Flush();
     return 0;
   }
 
@@ -93,25 +67,35 @@ class Parser {
   bool Token();
   bool TableToken(const KeyToken& row, std::size_t length);
 
-  bool HoldsAll() const { return (action.actionFlags & KeyAction::HoldAllKeys) != 0; }
   // A fault: the same key or modifier can't be held twice.
   bool Clashes(std::uint8_t vk, std::uint8_t flags) {
-    if (HoldsAll() && action.HasKeyOrModifier(vk, flags)) duplicateKey = true;
+    if (action.HoldsAllKeys() && action.HasKeyOrModifier(vk, flags)) duplicateKey = true;
     return duplicateKey;
   }
-  // A step with what has been pending, for `length` bytes of the text.
+  // What is pending, merged as it would go into the next key's step.
+  std::uint8_t PendingFlags() const { return pending[0] | pending[1] | pending[2]; }
+  // A step with what is pending, for `length` bytes of the text.
   bool Append(KeyStep step, std::size_t length) {
-    step.flags |= pending.Flags();
-    pending.Clear();
+    step.flags |= PendingFlags();
+    std::fill(std::begin(pending), std::end(pending), std::uint8_t{0});
     action.steps.AddTail(step);
     at += length;
     return true;
+  }
+  // What is pending can't be merged with what comes: each token becomes a step of its own.
+  void Flush() {
+    for (std::uint8_t& flags : pending) {
+      if (flags != 0) action.steps.AddTail({0, 0, flags});
+      flags = 0;
+    }
   }
 
   KeyAction& action;
   const char* at;
   const char* const end;
-  PendingModifiers pending;
+  // The modifiers read since the last key, as their tokens had them, and zeros: shift, ctrl and
+  // alt, each at most once, since a second one flushes the first.
+  std::uint8_t pending[3] = {};
 };
 
 bool Parser::TypedKey() {
@@ -123,7 +107,7 @@ bool Parser::TypedKey() {
 }
 
 bool Parser::LiteralBracket() {
-  pending.FlushTo(&action.steps);
+  Flush();
   return !Clashes(kLessThan.vk, 0) && Append(kLessThan, at + 1 == end ? 1 : 2);
 }
 
@@ -135,7 +119,7 @@ bool Parser::Token() {
 
   std::uint16_t ms = 0;
   if (ReadPause(name, nameLength, &ms)) {
-    pending.FlushTo(&action.steps);
+    Flush();
     return Append(
         {static_cast<std::uint8_t>(ms >> 8), static_cast<std::uint8_t>(ms & 0xFF), KeyFlagPause},
         nameLength + 2);
@@ -148,14 +132,14 @@ bool Parser::TableToken(const KeyToken& row, std::size_t length) {
   if (Clashes(row.vk, row.flags)) return false;
   const bool isMouse = (row.flags & KeyFlagMouse) != 0;
   if (isMouse) {
-    pending.FlushTo(&action.steps);
-  } else if (ModifierBits(pending.Flags()) & ModifierBits(row.flags)) {
-    duplicateKey = HoldsAll();
+    Flush();
+  } else if (ModifierBits(PendingFlags()) & ModifierBits(row.flags)) {
+    duplicateKey = action.HoldsAllKeys();
     if (duplicateKey) return false;
-    pending.FlushTo(&action.steps);
+    Flush();
   }
   if (row.vk != 0 || isMouse) return Append({row.vk, row.scan, row.flags}, length);
-  pending.Add(row.flags);
+  *std::find(std::begin(pending), std::end(pending), 0) = row.flags;
   at += length;
   return true;
 }

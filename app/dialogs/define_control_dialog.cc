@@ -169,7 +169,7 @@ void DefineControlDialog::TakeScratch() {
     if (each->actionType != InputAction::kKeyAction) continue;
     const auto& action = static_cast<const KeyAction&>(*each);
     keysText.Append(action.FormatKeys());
-    if ((action.actionFlags & KeyAction::HoldAllKeys) != 0) Check(kHoldAllKeys, true);
+    if (action.HoldsAllKeys()) Check(kHoldAllKeys, true);
   }
   scratch.ClearActions();
   ShowFields();

@@ -379,38 +379,29 @@ TEST(SmartCheck, OnlyTheWholeTextMatches) {
   }
 }
 
-TEST(ParseSteps, EatsTheTextAndAppends) {
-  KeyAction action = ActionOf({{0x43, 0x2E, 0}});
-  ByteString text("a<Esc>");
-  bool sawUppercase = false;
-  bool duplicate = false;
-  action.ParseSteps(&text, &sawUppercase, &duplicate);
-  EXPECT_TRUE(text.IsEmpty());
-  EXPECT_EQ(StepText(action.steps), "43 2e 00, 41 1e 00, 1b 01 00");
-  EXPECT_FALSE(sawUppercase);
-  EXPECT_FALSE(duplicate);
-}
-
-TEST(ParseSteps, LeavesTheTextAtTheFault) {
-  KeyAction action;
-  ByteString text("Ab<Nope>c");
-  bool sawUppercase = false;
-  bool duplicate = false;
-  action.ParseSteps(&text, &sawUppercase, &duplicate);
-  EXPECT_EQ(StdString(text), "<Nope>c");
-  EXPECT_TRUE(sawUppercase);
-  EXPECT_FALSE(duplicate);
-  EXPECT_EQ(StepText(action.steps), "41 1e 08, 42 30 00");
-}
-
-TEST(ParseSteps, LeavesTheTextAtTheDuplicate) {
-  KeyAction action = ActionOf({}, true);
-  ByteString text("a<Ctrl>A");
-  bool sawUppercase = false;
-  bool duplicate = false;
-  action.ParseSteps(&text, &sawUppercase, &duplicate);
-  EXPECT_EQ(StdString(text), "A");
-  EXPECT_TRUE(duplicate);
+TEST(ParseSteps, EatsTheTextUpToTheFaultAndAppends) {
+  const struct {
+    const char* text;
+    bool holdAll;
+    const char* rest;
+    const char* steps;
+    bool sawUppercase, duplicate;
+  } kCases[] = {
+      {"a<Esc>", false, "", "43 2e 00, 41 1e 00, 1b 01 00", false, false},
+      {"Ab<Nope>c", false, "<Nope>c", "43 2e 00, 41 1e 08, 42 30 00", true, false},
+      {"a<Ctrl>A", true, "A", "43 2e 00, 41 1e 00", true, true},
+  };
+  for (const auto& c : kCases) {
+    KeyAction action = ActionOf({{0x43, 0x2E, 0}}, c.holdAll);
+    ByteString text(c.text);
+    bool sawUppercase = false;
+    bool duplicate = false;
+    action.ParseSteps(&text, &sawUppercase, &duplicate);
+    EXPECT_EQ(StdString(text), c.rest);
+    EXPECT_EQ(StepText(action.steps), c.steps);
+    EXPECT_EQ(sawUppercase, c.sawUppercase);
+    EXPECT_EQ(duplicate, c.duplicate);
+  }
 }
 
 TEST(HasKeyOrModifier, ComparesKeysAndTheThreeLowFlags) {

@@ -43,16 +43,22 @@ Played Play(KeyAction action, Timing timing = {}) {
   return played;
 }
 
-Played PlayText(const char* text, Timing timing = {}) {
-  const Parsed parsed = Parse(text);
+Played PlayText(const char* text, Timing timing = {}, bool holdAll = false) {
+  const Parsed parsed = Parse(text, holdAll);
   EXPECT_EQ(parsed.result, -1) << text;
   return Play(parsed.action, timing);
 }
 
-Played PlayHoldingAll(const char* text, Timing timing = {}) {
-  const Parsed parsed = ParseHoldingAll(text);
-  EXPECT_EQ(parsed.result, -1) << text;
-  return Play(parsed.action, timing);
+Played PlayHoldingAll(const char* text, Timing timing = {}) { return PlayText(text, timing, true); }
+
+// `released` null where Release is no matter.
+void ExpectPlayed(const Played& played, const char* pressed, std::uint64_t end,
+                  const char* released = nullptr) {
+  EXPECT_EQ(played.pressed, pressed);
+  EXPECT_EQ(played.end, end);
+  if (released) {
+    EXPECT_EQ(played.released, released);
+  }
 }
 
 std::string SentBy(void (*send)(std::uint8_t), int flags) {
@@ -105,12 +111,8 @@ TEST(Replay, Examples) {
        "100 key 41 1e 2\n100 key 42 30 2\n100 key 43 2e 2\n"},
   };
   for (const Example& e : kExamples) {
-    const Played played = e.holdAll ? PlayHoldingAll(e.text, e.timing) : PlayText(e.text, e.timing);
-    EXPECT_EQ(played.pressed, e.pressed) << e.text;
-    EXPECT_EQ(played.end, e.end) << e.text;
-    if (e.released) {
-      EXPECT_EQ(played.released, e.released) << e.text;
-    }
+    SCOPED_TRACE(e.text);
+    ExpectPlayed(PlayText(e.text, e.timing, e.holdAll), e.pressed, e.end, e.released);
   }
 }
 
@@ -153,34 +155,28 @@ TEST(Replay, SleepsNeverForNothing) {
 }
 
 TEST(Replay, WithoutTimesSendsAllAtOnce) {
-  const Played played = PlayText("ab", kAtOnce);
-  EXPECT_EQ(played.pressed, "0 key 41 1e 0\n0 key 41 1e 2\n0 key 42 30 0\n");
-  EXPECT_EQ(played.end, 0u);
+  ExpectPlayed(PlayText("ab", kAtOnce), "0 key 41 1e 0\n0 key 41 1e 2\n0 key 42 30 0\n", 0);
 }
 
 TEST(Replay, ReleasePauseStandsBeforeEachKeyButTheFirst) {
-  const Played played = PlayText("abc", {0, 0, kPause});
-  EXPECT_EQ(played.pressed,
-            "0 key 41 1e 0\n0 key 41 1e 2\n20 key 42 30 0\n20 key 42 30 2\n40 key 43 2e 0\n");
-  EXPECT_EQ(played.end, 40u);
+  ExpectPlayed(PlayText("abc", {0, 0, kPause}),
+               "0 key 41 1e 0\n0 key 41 1e 2\n20 key 42 30 0\n20 key 42 30 2\n40 key 43 2e 0\n",
+               40);
 }
 
 TEST(Replay, PauseOfZeroWaitsForNothingButTakesThePlaceOfTheReleasePause) {
-  const Played played = PlayText("a<P:0>b", {0, 0, kPause});
-  EXPECT_EQ(played.pressed, "0 key 41 1e 0\n0 key 41 1e 2\n0 key 42 30 0\n");
-  EXPECT_EQ(played.end, 0u);
+  ExpectPlayed(PlayText("a<P:0>b", {0, 0, kPause}), "0 key 41 1e 0\n0 key 41 1e 2\n0 key 42 30 0\n",
+               0);
 }
 
 TEST(Replay, PauseTakesThePlaceOfOneReleasePauseOnly) {
-  const Played played = PlayText("a<P:50>bc", {0, 0, kPause});
-  EXPECT_EQ(played.pressed,
-            "0 key 41 1e 0\n0 key 41 1e 2\n50 key 42 30 0\n50 key 42 30 2\n70 key 43 2e 0\n");
+  ExpectPlayed(PlayText("a<P:50>bc", {0, 0, kPause}),
+               "0 key 41 1e 0\n0 key 41 1e 2\n50 key 42 30 0\n50 key 42 30 2\n70 key 43 2e 0\n",
+               70);
 }
 
 TEST(Replay, KeyAfterALeadingPauseHasNoReleasePause) {
-  const Played played = PlayText("<P:50>ab");
-  EXPECT_EQ(played.pressed, "50 key 41 1e 0\n80 key 41 1e 2\n100 key 42 30 0\n");
-  EXPECT_EQ(played.end, 130u);
+  ExpectPlayed(PlayText("<P:50>ab"), "50 key 41 1e 0\n80 key 41 1e 2\n100 key 42 30 0\n", 130);
 }
 
 TEST(Replay, PauseIsNotHeld) {
@@ -195,9 +191,7 @@ TEST(Replay, LongPauseSendsAStrayRelease) {
 }
 
 TEST(Replay, TwoPausesWaitForBothWithAStrayReleaseBetween) {
-  const Played played = PlayText("<P:300><P:100>a");
-  EXPECT_EQ(played.pressed, "300 key 1 2c 2\n400 key 41 1e 0\n");
-  EXPECT_EQ(played.end, 430u);
+  ExpectPlayed(PlayText("<P:300><P:100>a"), "300 key 1 2c 2\n400 key 41 1e 0\n", 430);
 }
 
 TEST(Replay, PauseHoldingAllSendsNoStrayRelease) {
@@ -205,10 +199,8 @@ TEST(Replay, PauseHoldingAllSendsNoStrayRelease) {
 }
 
 TEST(Replay, LastPauseLetsTheKeyBeforeItGo) {
-  const Played played = PlayText("<Ctrl>a<P:300>");
-  EXPECT_EQ(played.pressed, "0 key 11 1d 0\n0 key 41 1e 0\n30 key 41 1e 2\n30 key 11 1d 2\n");
-  EXPECT_EQ(played.end, 330u);
-  EXPECT_EQ(played.released, "");
+  ExpectPlayed(PlayText("<Ctrl>a<P:300>"),
+               "0 key 11 1d 0\n0 key 41 1e 0\n30 key 41 1e 2\n30 key 11 1d 2\n", 330, "");
 }
 
 TEST(Replay, RepeatingSequenceThatEndsInALongPauseSendsAStrayRelease) {
@@ -218,27 +210,22 @@ TEST(Replay, RepeatingSequenceThatEndsInALongPauseSendsAStrayRelease) {
 }
 
 TEST(Replay, ModifierAloneIsPressedAndLetGoBeforeTheNextStep) {
-  const Played played = PlayText("<Ctrl><LMouse>");
-  EXPECT_EQ(played.pressed, "0 key 11 1d 0\n30 key 11 1d 2\n50 mouse 2 0 0 0\n");
-  EXPECT_EQ(played.released, "80 mouse 4 0 0 0\n");
+  ExpectPlayed(PlayText("<Ctrl><LMouse>"), "0 key 11 1d 0\n30 key 11 1d 2\n50 mouse 2 0 0 0\n", 80,
+               "80 mouse 4 0 0 0\n");
 }
 
 TEST(Replay, LoneModifierIsLetGoByRelease) {
-  const Played played = PlayText("<RShift>");
-  EXPECT_EQ(played.pressed, "0 key a1 36 0\n");
-  EXPECT_EQ(played.released, "30 key a1 36 2\n");
+  ExpectPlayed(PlayText("<RShift>"), "0 key a1 36 0\n", 30, "30 key a1 36 2\n");
 }
 
 TEST(Replay, LoneModifiersAreTappedOneAfterTheOther) {
-  const Played played = PlayText("<Ctrl><Alt>");
-  EXPECT_EQ(played.pressed, "0 key 11 1d 0\n30 key 11 1d 2\n50 key 12 38 0\n");
-  EXPECT_EQ(played.released, "80 key 12 38 2\n");
+  ExpectPlayed(PlayText("<Ctrl><Alt>"), "0 key 11 1d 0\n30 key 11 1d 2\n50 key 12 38 0\n", 80,
+               "80 key 12 38 2\n");
 }
 
 TEST(Replay, LoneModifiersHoldingAllAreAChord) {
-  const Played played = PlayHoldingAll("<Ctrl><Alt>");
-  EXPECT_EQ(played.pressed, "0 key 11 1d 0\n0 key 12 38 0\n");
-  EXPECT_EQ(played.released, "0 key 11 1d 2\n0 key 12 38 2\n");
+  ExpectPlayed(PlayHoldingAll("<Ctrl><Alt>"), "0 key 11 1d 0\n0 key 12 38 0\n", 0,
+               "0 key 11 1d 2\n0 key 12 38 2\n");
 }
 
 TEST(Replay, KeyGoesUpBeforeItsModifiersInTheMiddleToo) {
@@ -253,9 +240,8 @@ TEST(Replay, ExtraMouseButtonsAreKeys) {
 }
 
 TEST(Replay, ExtendedKeysGoOutAsSuchWithTheirScanCodeAsStored) {
-  const Played played = PlayText("<RCtrl><Left>");
-  EXPECT_EQ(played.pressed, "0 key a3 9d 1\n0 key 25 cb 1\n");
-  EXPECT_EQ(played.released, "30 key a3 9d 3\n30 key 25 cb 3\n");
+  ExpectPlayed(PlayText("<RCtrl><Left>"), "0 key a3 9d 1\n0 key 25 cb 1\n", 30,
+               "30 key a3 9d 3\n30 key 25 cb 3\n");
 }
 
 TEST(Replay, AnyRepeatByteButZeroRepeats) {
@@ -264,46 +250,42 @@ TEST(Replay, AnyRepeatByteButZeroRepeats) {
 }
 
 TEST(Replay, HoldingAllWithRepeatKeepsItsTimesAndLetsGoOfTheLastStepAlone) {
-  const Played played = PlayHoldingAll("<Ctrl>a<Shift>b", kRepeating);
-  EXPECT_EQ(played.pressed,
-            "0 key 11 1d 0\n0 key 41 1e 0\n50 key 10 2a 0\n50 key 42 30 0\n"
-            "80 key 42 30 2\n80 key 10 2a 2\n");
-  EXPECT_EQ(played.end, 80u);
+  ExpectPlayed(PlayHoldingAll("<Ctrl>a<Shift>b", kRepeating),
+               "0 key 11 1d 0\n0 key 41 1e 0\n50 key 10 2a 0\n50 key 42 30 0\n"
+               "80 key 42 30 2\n80 key 10 2a 2\n",
+               80);
 }
 
 TEST(Replay, HoldingAllWithRepeatKeepsAModifierThatAnEarlierStepHolds) {
-  const Played played = Play(ActionOf({{0x41, 0x1E, 0x02}, {0x42, 0x30, 0x02}}, true), {1, 0, 0});
-  EXPECT_EQ(played.pressed, "0 key 11 1d 0\n0 key 41 1e 0\n0 key 42 30 0\n0 key 42 30 2\n");
+  ExpectPlayed(Play(ActionOf({{0x41, 0x1E, 0x02}, {0x42, 0x30, 0x02}}, true), {1, 0, 0}),
+               "0 key 11 1d 0\n0 key 41 1e 0\n0 key 42 30 0\n0 key 42 30 2\n", 0);
 }
 
 TEST(Replay, HoldingAllPressesShiftASecondTimeForAnUpperCaseLetter) {
-  const Played played = PlayHoldingAll("<Shift>aB");
-  EXPECT_EQ(played.pressed, "0 key 10 2a 0\n0 key 41 1e 0\n0 key 10 2a 0\n0 key 42 30 0\n");
-  EXPECT_EQ(played.released, "0 key 10 2a 2\n0 key 41 1e 2\n0 key 10 2a 2\n0 key 42 30 2\n");
+  ExpectPlayed(PlayHoldingAll("<Shift>aB"),
+               "0 key 10 2a 0\n0 key 41 1e 0\n0 key 10 2a 0\n0 key 42 30 0\n", 0,
+               "0 key 10 2a 2\n0 key 41 1e 2\n0 key 10 2a 2\n0 key 42 30 2\n");
 }
 
 TEST(Replay, HoldingAllPressesAndReleasesEachModifierOnce) {
-  const Played played = PlayHoldingAll("AB");
-  EXPECT_EQ(played.pressed, "0 key 10 2a 0\n0 key 41 1e 0\n0 key 42 30 0\n");
-  EXPECT_EQ(played.released, "0 key 10 2a 2\n0 key 41 1e 2\n0 key 42 30 2\n");
+  ExpectPlayed(PlayHoldingAll("AB"), "0 key 10 2a 0\n0 key 41 1e 0\n0 key 42 30 0\n", 0,
+               "0 key 10 2a 2\n0 key 41 1e 2\n0 key 42 30 2\n");
 }
 
 // The side bits are no modifiers, and stay for those of the step that are new.
 TEST(Replay, HoldingAllTakesOnlyTheModifiersOutThatAreHeld) {
-  const Played played =
-      Play(ActionOf({{0x41, 0x1E, 0x22}, {0x42, 0x30, 0x27}, {0x43, 0x2E, 0x46}}, true));
-  EXPECT_EQ(played.pressed,
-            "0 key a2 1d 0\n0 key 41 1e 0\n0 key a0 2a 0\n0 key a4 38 0\n0 key 42 30 0\n"
-            "0 key 43 2e 0\n");
-  EXPECT_EQ(played.released,
-            "0 key a2 1d 2\n0 key 41 1e 2\n0 key a0 2a 2\n0 key a4 38 2\n0 key 42 30 2\n"
-            "0 key 43 2e 2\n");
+  ExpectPlayed(Play(ActionOf({{0x41, 0x1E, 0x22}, {0x42, 0x30, 0x27}, {0x43, 0x2E, 0x46}}, true)),
+               "0 key a2 1d 0\n0 key 41 1e 0\n0 key a0 2a 0\n0 key a4 38 0\n0 key 42 30 0\n"
+               "0 key 43 2e 0\n",
+               0,
+               "0 key a2 1d 2\n0 key 41 1e 2\n0 key a0 2a 2\n0 key a4 38 2\n0 key 42 30 2\n"
+               "0 key 43 2e 2\n");
 }
 
 TEST(Replay, HoldingAllPressesAMouseButtonEachTime) {
-  const Played played = PlayHoldingAll("<LMouse><LMouse><RMouse>");
-  EXPECT_EQ(played.pressed, "0 mouse 2 0 0 0\n0 mouse 2 0 0 0\n0 mouse 8 0 0 0\n");
-  EXPECT_EQ(played.released, "0 mouse 4 0 0 0\n0 mouse 4 0 0 0\n0 mouse 16 0 0 0\n");
+  ExpectPlayed(PlayHoldingAll("<LMouse><LMouse><RMouse>"),
+               "0 mouse 2 0 0 0\n0 mouse 2 0 0 0\n0 mouse 8 0 0 0\n", 0,
+               "0 mouse 4 0 0 0\n0 mouse 4 0 0 0\n0 mouse 16 0 0 0\n");
 }
 
 TEST(Replay, TwiceIsTheSameTwice) {
