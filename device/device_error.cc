@@ -1,5 +1,7 @@
 #include "device/device_error.h"
 
+#include <algorithm>
+
 namespace kelvaro {
 
 namespace {
@@ -10,10 +12,7 @@ DeviceErrorObject::DeviceErrorObject() : errorText(kNoError) {}
 
 DeviceErrorObject::~DeviceErrorObject() = default;
 
-void DeviceErrorObject::ClearError() {
-  errorNumber = 0;
-  errorText = kNoError;
-}
+void DeviceErrorObject::ClearError() { SetErrorText(0, kNoError); }
 
 void DeviceErrorObject::SetErrorTable(const ErrorTableEntry* table, std::uint32_t count) {
   errorTable = table;
@@ -25,10 +24,7 @@ const ErrorTableEntry* DeviceErrorObject::GetErrorTable(std::uint32_t* count) co
   return errorTable;
 }
 
-std::int32_t DeviceErrorObject::GetError(ByteString& text) const {
-  text = errorText;
-  return errorNumber;
-}
+std::int32_t DeviceErrorObject::GetError(ByteString& text) const { return PeekError(&text); }
 
 std::int32_t DeviceErrorObject::PeekError(ByteString* text) const {
   if (text) *text = errorText;
@@ -37,32 +33,16 @@ std::int32_t DeviceErrorObject::PeekError(ByteString* text) const {
 
 void DeviceErrorObject::SetTableError(std::int32_t number, const ByteString& extra,
                                       std::int32_t how) {
-  ByteString text;
-  for (std::uint32_t i = 0; i < errorTableCount; ++i) {
-    if (errorTable[i].number == number) {
-      text = errorTable[i].text;
-      break;
-    }
-  }
-  switch (how) {
-    case kExtraQuoted:
-      text.Append(", \"");
-      text.Append(extra);
-      text.Append("\"");
-      break;
-    case kExtraAfterLf:
-      text.Append("\n");
-      text.Append(extra);
-      break;
-    case kExtraAfterCrLf:
-      text.Append("\r\n");
-      text.Append(extra);
-      break;
-    default:
-      text.Append(extra);
-  }
-  errorNumber = number;
-  errorText = text;
+  const ErrorTableEntry* const end = errorTable + errorTableCount;
+  const ErrorTableEntry* const entry = std::find_if(
+      errorTable, end, [number](const ErrorTableEntry& e) { return e.number == number; });
+  ByteString text(entry == end ? "" : entry->text);
+  if (how == kExtraQuoted) text.Append(", \"");
+  if (how == kExtraAfterLf) text.Append("\n");
+  if (how == kExtraAfterCrLf) text.Append("\r\n");
+  text.Append(extra);
+  if (how == kExtraQuoted) text.Append("\"");
+  SetErrorText(number, text);
 }
 
 void DeviceErrorObject::SetTableError(std::int32_t number, const char* extra, std::int32_t how) {
@@ -75,8 +55,7 @@ void DeviceErrorObject::SetErrorText(std::int32_t number, const ByteString& text
 }
 
 void DeviceErrorObject::SetErrorText(std::int32_t number, const char* text) {
-  errorNumber = number;
-  errorText = text;
+  SetErrorText(number, ByteString(text));
 }
 
 }  // namespace kelvaro

@@ -37,16 +37,11 @@ ByteString ResultText(const char* operation, platform::HRESULT result,
   return text;
 }
 
-bool Succeeded(platform::HRESULT result) {
-  return result == platform::DI_OK || result == platform::DI_NOEFFECT;
-}
-
 }  // namespace
 
 DeviceManager::DeviceManager(platform::WindowHandle window)
     : WorkerThread("notification"), windowHandle(window) {
-  directInputCreated = CreateDirectInput();
-  if (!directInputCreated) {
+  if (!CreateDirectInput()) {
     StopDevice();
     if (directInput) {
       directInput->Release();
@@ -90,26 +85,30 @@ bool DeviceManager::FillDeviceList() {
   return true;
 }
 
-bool DeviceManager::EnumerateDevices() { return directInputCreated && FillDeviceList(); }
+bool DeviceManager::EnumerateDevices() { return directInput && FillDeviceList(); }
+
+const platform::DIDEVICEINSTANCE* DeviceManager::Entry(std::int32_t index) const {
+  return index < 0 || index >= devices.count ? nullptr : devices.At(index)->value;
+}
 
 ByteString DeviceManager::DeviceName(std::int32_t index) const {
-  if (index < 0 || index >= devices.count) return {};
-  return devices.At(index)->value->tszInstanceName;
+  const auto* const entry = Entry(index);
+  return entry ? ByteString(entry->tszInstanceName) : ByteString();
 }
 
 platform::GUID DeviceManager::DeviceGuid(std::int32_t index) const {
-  if (index < 0 || index >= devices.count) return {};
-  return devices.At(index)->value->guidInstance;
+  const auto* const entry = Entry(index);
+  return entry ? entry->guidInstance : platform::GUID{};
 }
 
 platform::GUID DeviceManager::SelectedGuid() const { return DeviceGuid(selectedIndex); }
 
 bool DeviceManager::SelectDevice(std::int32_t index) {
-  if (index < 0 || index >= devices.count) return false;
+  const auto* const entry = Entry(index);
+  if (!entry) return false;
   StopDevice();
-  const platform::DIDEVICEINSTANCE& entry = *devices.At(index)->value;
   // A list that was cut off by a failed enumeration has no DirectInput behind it any more.
-  if (!directInput || directInput->CreateDevice(entry.guidInstance, &device) != platform::DI_OK) {
+  if (!directInput || directInput->CreateDevice(entry->guidInstance, &device) != platform::DI_OK) {
     device = nullptr;
     return false;
   }
@@ -118,9 +117,8 @@ bool DeviceManager::SelectDevice(std::int32_t index) {
     return false;
   }
   // Before the threads that may ask for it.
-  deviceSelected = true;
   selectedIndex = index;
-  selectedName = entry.tszInstanceName;
+  selectedName = entry->tszInstanceName;
   StartPolling();
   return true;
 }
@@ -150,22 +148,22 @@ bool DeviceManager::PrepareDevice() {
 
 bool DeviceManager::ReselectDevice() { return selectedIndex >= 0 && SelectDevice(selectedIndex); }
 
-bool DeviceManager::SelectDeviceByGuid(const platform::GUID& guid) {
+template <typename Matches>
+bool DeviceManager::SelectFirst(Matches matches) {
   std::int32_t index = 0;
-  for (const auto& listed : devices) {
-    if (listed.guidInstance == guid) return SelectDevice(index);
+  for (const platform::DIDEVICEINSTANCE& entry : devices) {
+    if (matches(entry)) return SelectDevice(index);
     ++index;
   }
   return false;
 }
 
+bool DeviceManager::SelectDeviceByGuid(const platform::GUID& guid) {
+  return SelectFirst([&](const auto& entry) { return entry.guidInstance == guid; });
+}
+
 bool DeviceManager::SelectDeviceByName(const ByteString& name) {
-  std::int32_t index = 0;
-  for (const auto& listed : devices) {
-    if (name.Equals(listed.tszInstanceName)) return SelectDevice(index);
-    ++index;
-  }
-  return false;
+  return SelectFirst([&](const auto& entry) { return name.Equals(entry.tszInstanceName); });
 }
 
 }  // namespace kelvaro

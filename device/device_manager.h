@@ -34,11 +34,11 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   static constexpr std::int32_t axisMin = -32000;
   static constexpr std::int32_t axisMax = 32000;
 
-  // directInputCreated tells whether it worked; the error text then says why not.
+  // DirectInputCreated tells whether it worked; the error text then says why not.
   explicit DeviceManager(platform::WindowHandle windowHandle);
   ~DeviceManager() override;
 
-  bool DirectInputCreated() const { return directInputCreated; }
+  bool DirectInputCreated() const { return directInput != nullptr; }
 
   // Lists the attached devices anew. False without DirectInput, with nothing changed, or when the
   // enumeration fails (the error text says why). The selected device runs on, and SelectedIndex()
@@ -63,7 +63,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // (the latter stopTimeout at most). Not to be called from a callback.
   void StopDevice();
 
-  bool DeviceSelected() const { return deviceSelected; }
+  bool DeviceSelected() const { return selectedIndex >= 0; }
   std::int32_t SelectedIndex() const { return selectedIndex; }  // -1 for none
   platform::GUID SelectedGuid() const;  // that of the list at SelectedIndex(); all zero for none
   const ByteString& SelectedName() const { return selectedName; }
@@ -91,8 +91,15 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::uint32_t Run() override;  // the notification thread
 
  private:
+  // Of Poll and Acquire.
+  static bool Succeeded(platform::HRESULT result) {
+    return result == platform::DI_OK || result == platform::DI_NOEFFECT;
+  }
   bool CreateDirectInput();
   bool FillDeviceList();
+  const platform::DIDEVICEINSTANCE* Entry(std::int32_t index) const;  // null outside the list
+  template <typename Matches>
+  bool SelectFirst(Matches matches);
   bool PrepareDevice();  // all that a created device needs before it is polled
   void ReadTimerLimits();
   void StartPolling();
@@ -100,18 +107,16 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   static void tick(std::uint32_t timerId, void* user);
   void PollDevice();
 
-  // Of the thread that made the object. The three of the selection stay as they are while the
+  // Of the thread that made the object. The two of the selection stay as they are while the
   // notification thread runs, which therefore may look at them.
   const platform::WindowHandle windowHandle;
-  bool directInputCreated = false;
-  bool deviceSelected = false;
   std::int32_t selectedIndex = -1;
   ByteString selectedName;
   LinkedList<platform::DIDEVICEINSTANCE> devices;  // in enumeration order
-  platform::DirectInput* directInput = nullptr;
+  platform::DirectInput* directInput = nullptr;    // null once its devices couldn't be listed
   platform::DIDEVCAPS deviceCaps;
   Relaxed<std::uint32_t> pollInterval{33};
-  std::uint32_t timerMin = 33;
+  std::uint32_t timerMin = 33;  // both where the timer doesn't tell
   std::uint32_t timerMax = 33;
   std::uint32_t activePeriod = 0;  // as passed to timeBeginPeriod, 0 when none is active
   std::uint32_t timerId = 0;       // 0 when none is active

@@ -9,7 +9,6 @@ namespace {
 // Kept: behind the end of the timer, which has waited for its last tick by then.
 constexpr std::uint32_t kLastTickMs = 100;
 constexpr std::uint32_t kTimerResolutionMs = 1;
-constexpr std::uint32_t kFallbackTimerLimitMs = 33;
 
 // Exit codes of the notification thread.
 constexpr std::uint32_t kStopped = 0;
@@ -22,9 +21,6 @@ void DeviceManager::ReadTimerLimits() {
   if (platform::timeGetDevCaps(&caps) == platform::TIMERR_NOERROR) {
     timerMin = caps.wPeriodMin;
     timerMax = caps.wPeriodMax;
-  } else {
-    timerMin = kFallbackTimerLimitMs;
-    timerMax = kFallbackTimerLimitMs;
   }
   if (pollInterval < timerMin) pollInterval = timerMin;
   if (pollInterval > timerMax) pollInterval = timerMax;
@@ -82,10 +78,9 @@ void DeviceManager::tick(std::uint32_t, void* user) {
 }
 
 void DeviceManager::PollDevice() {
-  const platform::HRESULT polled = device->Poll();
-  if (polled != platform::DI_OK && polled != platform::DI_NOEFFECT) {
-    // All there is to do about a lost device: each tick tries to get it back. Nothing of it is held
-    // any more by then: a device that goes is at rest in its last good poll (DirectInputDevice).
+  if (!Succeeded(device->Poll())) {
+    // All there is to do about a lost device: each tick tries to get it back. What is held by then
+    // is the device's to say: one that is pulled is put to rest by a good poll before (devices.h).
     static_cast<void>(device->Acquire());
     return;
   }
@@ -136,7 +131,6 @@ void DeviceManager::StopDevice() {
     device = nullptr;
   }
   if (locked) deviceLock.Release();
-  deviceSelected = false;
   selectedIndex = -1;
   selectedName.Empty();
 }

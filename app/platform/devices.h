@@ -34,9 +34,9 @@ class DirectInputDevice {
   virtual HRESULT Unacquire() = 0;
 
   // Takes in what the device has reported since the last call; never blocks. DI_OK, DI_NOEFFECT,
-  // or a failure (DIERR_INPUTLOST) when the device doesn't answer. A device that is pulled is at
-  // rest first: one good poll with its buttons up and its axes and hats in the middle, so that
-  // nothing stays stuck, and then the failures.
+  // or a failure (DIERR_INPUTLOST) when the device doesn't answer. What it held until then stays
+  // held, unless the implementation puts a device that is gone to rest first, as that of Linux
+  // does: one more good poll, buttons up and axes and hats in the middle, and then the failures.
   virtual HRESULT Poll() = 0;
 
   // The state as of the last Poll. `size` is 272.

@@ -10,17 +10,19 @@ namespace {
 constexpr ErrorTableEntry kTable[] = {
     {7, "Seven"}, {-3, "Minus three"}, {7, "Seven again"}, {9, nullptr}};
 
-std::string TextOf(const DeviceErrorObject& object) {
-  ByteString text;
-  object.GetError(text);
-  return std::string(text.Text(), text.Length());
+// "7 Seven": number and text, by each of the ways to look, of which none changes them.
+std::string ErrorOf(const DeviceErrorObject& object) {
+  ByteString text("old"), peeked("old");
+  const std::int32_t number = object.GetError(text);
+  EXPECT_EQ(object.PeekError(nullptr), number);
+  EXPECT_EQ(object.PeekError(&peeked), number);
+  EXPECT_TRUE(peeked.Equals(text));
+  return std::to_string(number) + " " + std::string(text.Text(), text.Length());
 }
 
 TEST(DeviceErrorObject, StartsWithNoError) {
   DeviceErrorObject object;
-  ByteString text("old");
-  EXPECT_EQ(object.GetError(text), 0);
-  EXPECT_STREQ(text.Text(), "No Error");
+  EXPECT_EQ(ErrorOf(object), "0 No Error");
   std::uint32_t count = 5;
   EXPECT_EQ(object.GetErrorTable(&count), nullptr);
   EXPECT_EQ(count, 0u);
@@ -31,31 +33,16 @@ TEST(DeviceErrorObject, ClearErrorGoesBackToNoErrorAndKeepsTheTable) {
   object.SetErrorTable(kTable, 4);
   object.SetErrorText(12, "Broken");
   object.ClearError();
-  EXPECT_EQ(object.PeekError(nullptr), 0);
-  EXPECT_EQ(TextOf(object), "No Error");
+  EXPECT_EQ(ErrorOf(object), "0 No Error");
   EXPECT_EQ(object.GetErrorTable(nullptr), kTable);
-}
-
-TEST(DeviceErrorObject, LookingDoesNotChangeTheError) {
-  DeviceErrorObject object;
-  object.SetErrorText(12, "Broken");
-  ByteString text;
-  EXPECT_EQ(object.GetError(text), 12);
-  EXPECT_STREQ(text.Text(), "Broken");
-  EXPECT_EQ(object.PeekError(nullptr), 12);
-  ByteString peeked;
-  EXPECT_EQ(object.PeekError(&peeked), 12);
-  EXPECT_STREQ(peeked.Text(), "Broken");
 }
 
 TEST(DeviceErrorObject, SetErrorTextTakesBothKindsOfText) {
   DeviceErrorObject object;
   object.SetErrorText(-4, ByteString("bytes"));
-  EXPECT_EQ(object.PeekError(nullptr), -4);
-  EXPECT_EQ(TextOf(object), "bytes");
+  EXPECT_EQ(ErrorOf(object), "-4 bytes");
   object.SetErrorText(5, "plain");
-  EXPECT_EQ(object.PeekError(nullptr), 5);
-  EXPECT_EQ(TextOf(object), "plain");
+  EXPECT_EQ(ErrorOf(object), "5 plain");
 }
 
 TEST(DeviceErrorObject, GetErrorTableGivesWhatWasSet) {
@@ -70,64 +57,41 @@ TEST(DeviceErrorObject, GetErrorTableGivesWhatWasSet) {
 }
 
 TEST(DeviceErrorObject, SetTableErrorJoinsTheExtraText) {
-  struct Case {
+  const struct {
     const char* name;
+    std::uint32_t table;  // entries of it
     std::int32_t number;
     const char* extra;
     std::int32_t how;
-    const char* text;
+    const char* error;
+  } cases[] = {
+      {"0 joins directly", 4, 7, "more", 0, "7 Sevenmore"},
+      {"1 quotes behind a comma", 4, 7, "more", 1, "7 Seven, \"more\""},
+      {"2 puts it on a new line", 4, 7, "more", 2, "7 Seven\nmore"},
+      {"3 puts it on a new line with a carriage return", 4, 7, "more", 3, "7 Seven\r\nmore"},
+      {"4 joins directly", 4, 7, "more", 4, "7 Sevenmore"},
+      {"a negative way joins directly", 4, 7, "more", -1, "7 Sevenmore"},
+      {"a negative number is looked up too", 4, -3, "x", 1, "-3 Minus three, \"x\""},
+      {"an unknown number has no text of its own", 4, 8, "more", 0, "8 more"},
+      {"an unknown number still gets its quotes", 4, 8, "more", 1, "8 , \"more\""},
+      {"an entry without a text counts as empty", 4, 9, "more", 2, "9 \nmore"},
+      {"no extra text, directly", 4, 7, "", 0, "7 Seven"},
+      {"no extra text, quoted", 4, 7, "", 1, "7 Seven, \"\""},
+      {"no extra text, new line", 4, 7, "", 3, "7 Seven\r\n"},
+      {"a null extra text counts as empty", 4, 7, nullptr, 1, "7 Seven, \"\""},
+      {"the table ends at its count", 1, -3, "only this", 0, "-3 only this"},
+      {"without a table only the extra text is there", 0, 7, "only this", 0, "7 only this"},
   };
-  const Case cases[] = {
-      {"0 joins directly", 7, "more", 0, "Sevenmore"},
-      {"1 quotes behind a comma", 7, "more", 1, "Seven, \"more\""},
-      {"2 puts it on a new line", 7, "more", 2, "Seven\nmore"},
-      {"3 puts it on a new line with a carriage return", 7, "more", 3, "Seven\r\nmore"},
-      {"4 joins directly", 7, "more", 4, "Sevenmore"},
-      {"a negative way joins directly", 7, "more", -1, "Sevenmore"},
-      {"a negative number is looked up too", -3, "x", 1, "Minus three, \"x\""},
-      {"an unknown number has no text of its own", 8, "more", 0, "more"},
-      {"an unknown number still gets its quotes", 8, "more", 1, ", \"more\""},
-      {"an entry without a text counts as empty", 9, "more", 2, "\nmore"},
-      {"no extra text, directly", 7, "", 0, "Seven"},
-      {"no extra text, quoted", 7, "", 1, "Seven, \"\""},
-      {"no extra text, new line", 7, "", 3, "Seven\r\n"},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    DeviceErrorObject plain;
-    plain.SetErrorTable(kTable, 4);
-    plain.SetTableError(c.number, c.extra, c.how);
-    EXPECT_EQ(plain.PeekError(nullptr), c.number);
-    EXPECT_EQ(TextOf(plain), c.text);
-
-    DeviceErrorObject bytes;
-    bytes.SetErrorTable(kTable, 4);
-    bytes.SetTableError(c.number, ByteString(c.extra), c.how);
-    EXPECT_EQ(bytes.PeekError(nullptr), c.number);
-    EXPECT_EQ(TextOf(bytes), c.text);
+    DeviceErrorObject object;
+    object.SetErrorTable(kTable, c.table);
+    object.SetTableError(c.number, c.extra, c.how);
+    EXPECT_EQ(ErrorOf(object), c.error);
+    object.ClearError();
+    object.SetTableError(c.number, ByteString(c.extra), c.how);
+    EXPECT_EQ(ErrorOf(object), c.error);
   }
-}
-
-TEST(DeviceErrorObject, TheTableEndsAtItsCount) {
-  DeviceErrorObject object;
-  object.SetErrorTable(kTable, 1);
-  object.SetTableError(-3, "only this", 0);
-  EXPECT_EQ(object.PeekError(nullptr), -3);
-  EXPECT_EQ(TextOf(object), "only this");
-}
-
-TEST(DeviceErrorObject, WithoutATableOnlyTheExtraTextIsThere) {
-  DeviceErrorObject object;
-  object.SetTableError(7, "only this", 0);
-  EXPECT_EQ(object.PeekError(nullptr), 7);
-  EXPECT_EQ(TextOf(object), "only this");
-}
-
-TEST(DeviceErrorObject, ANullExtraTextCountsAsEmpty) {
-  DeviceErrorObject object;
-  object.SetErrorTable(kTable, 4);
-  object.SetTableError(7, static_cast<const char*>(nullptr), 1);
-  EXPECT_EQ(TextOf(object), "Seven, \"\"");
 }
 
 }  // namespace

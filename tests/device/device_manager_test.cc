@@ -83,7 +83,26 @@ struct Machine {
     watched.calls.clear();
     return *manager;
   }
+  DeviceManager& MakeWithPad() {
+    simulation.AddDevice(Pad("Pad", 1));
+    return Make();
+  }
+  // Its only device is selected, and its threads have begun.
+  DeviceManager& MakePolling() {
+    MakeWithPad();
+    EXPECT_TRUE(manager->SelectDevice(0));
+    simulation.RunFor(5);
+    watched.calls.clear();
+    return *manager;
+  }
 };
+
+struct OnAMachine : testing::Test, Machine {};
+using DeviceManagerConstruction = OnAMachine;
+using DeviceManagerDestruction = OnAMachine;
+using DeviceList = OnAMachine;
+using DeviceSelection = OnAMachine;
+using StopDevice = OnAMachine;
 
 void ExpectNothingSelected(const DeviceManager& manager) {
   EXPECT_FALSE(manager.DeviceSelected());
@@ -94,14 +113,12 @@ void ExpectNothingSelected(const DeviceManager& manager) {
 
 // Construction and destruction.
 
-TEST(DeviceManagerConstruction, ListsTheDevicesThenReadsTheTimerThenMakesTheEvent) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Left", 1));
-  machine.simulation.AddDevice(Pad("Right", 2));
+TEST_F(DeviceManagerConstruction, ListsTheDevicesThenReadsTheTimerThenMakesTheEvent) {
+  simulation.AddDevice(Pad("Left", 1));
+  simulation.AddDevice(Pad("Right", 2));
   DeviceManager manager(kWindow);
-  EXPECT_EQ(machine.watched.calls,
-            (Calls{"CreateEventA manual", "DirectInput8Create 2048", "EnumDevices 4 1",
-                   "timeGetDevCaps", "CreateEventA auto"}));
+  EXPECT_EQ(watched.calls, (Calls{"CreateEventA manual", "DirectInput8Create 2048",
+                                  "EnumDevices 4 1", "timeGetDevCaps", "CreateEventA auto"}));
   EXPECT_TRUE(manager.DirectInputCreated());
   EXPECT_EQ(manager.DeviceCount(), 2);
   EXPECT_STREQ(manager.DeviceName(0).Text(), "Left");
@@ -115,9 +132,8 @@ TEST(DeviceManagerConstruction, ListsTheDevicesThenReadsTheTimerThenMakesTheEven
   ExpectNothingSelected(manager);
 }
 
-TEST(DeviceManagerConstruction, SucceedsWithoutAnyDevice) {
-  Machine machine;
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceManagerConstruction, SucceedsWithoutAnyDevice) {
+  DeviceManager& manager = Make();
   EXPECT_TRUE(manager.DirectInputCreated());
   EXPECT_EQ(manager.DeviceCount(), 0);
   EXPECT_FALSE(manager.SelectDeviceByGuid(Identity(1)));
@@ -126,132 +142,95 @@ TEST(DeviceManagerConstruction, SucceedsWithoutAnyDevice) {
   EXPECT_FALSE(manager.SelectDeviceByName(""));
   EXPECT_FALSE(manager.SelectDevice(0));
   EXPECT_FALSE(manager.ReselectDevice());
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
   ExpectNothingSelected(manager);
 }
 
-TEST(DeviceManagerConstruction, TellsWhyDirectInputCouldNotBeCreated) {
-  struct Case {
+TEST(DeviceManagerErrors, TellWhyTheDevicesCouldNotBeListed) {
+  constexpr char kCreate[] = "DirectInput8Create";
+  constexpr char kList[] = "EnumDevices";
+  const struct {
+    const char* operation;
     std::uint32_t result;
     const char* text;
+  } cases[] = {
+      {kCreate, 0x8007047Eu, "-2147023746 (0x8007047e) [DIERR_OLDDIRECTINPUTVERSION]"},
+      {kCreate, 0x80070481u, "-2147023743 (0x80070481) [DIERR_BETADIRECTINPUTVERSION]"},
+      {kCreate, 0x8007000Eu, "-2147024882 (0x8007000e) [DIERR_OUTOFMEMORY]"},
+      {kCreate, 0x80070057u, "-2147024809 (0x80070057) [DIERR_INVALIDPARAM]"},
+      // Known to the other operation, without a name here.
+      {kCreate, 0x80070015u, "-2147024875 (0x80070015)"},
+      {kCreate, 0x80004005u, "-2147467259 (0x80004005)"},
+      {kCreate, 5u, "5 (0x00000005)"},
+      {kList, 0x80070015u, "-2147024875 (0x80070015) [DIERR_NOTINITIALIZED]"},
+      {kList, 0x80070057u, "-2147024809 (0x80070057) [DIERR_INVALIDPARAM]"},
+      {kList, 0x8007000Eu, "-2147024882 (0x8007000e)"},
+      {kList, 0x80004005u, "-2147467259 (0x80004005)"},
   };
-  const Case cases[] = {
-      {0x8007047Eu,
-       "DirectInput8Create() failed with return code: -2147023746 (0x8007047e)"
-       " [DIERR_OLDDIRECTINPUTVERSION]"},
-      {0x80070481u,
-       "DirectInput8Create() failed with return code: -2147023743 (0x80070481)"
-       " [DIERR_BETADIRECTINPUTVERSION]"},
-      {0x8007000Eu,
-       "DirectInput8Create() failed with return code: -2147024882 (0x8007000e)"
-       " [DIERR_OUTOFMEMORY]"},
-      {0x80070057u,
-       "DirectInput8Create() failed with return code: -2147024809 (0x80070057)"
-       " [DIERR_INVALIDPARAM]"},
-      // Known elsewhere, without a name here.
-      {0x80070015u, "DirectInput8Create() failed with return code: -2147024875 (0x80070015)"},
-      {0x80004005u, "DirectInput8Create() failed with return code: -2147467259 (0x80004005)"},
-      {5u, "DirectInput8Create() failed with return code: 5 (0x00000005)"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.operation + std::string(" ") + c.text);
     Machine machine;
-    machine.simulation.AddDevice(Pad("Pad", 1));
-    machine.simulation.FailNext("DirectInput8Create", platform::ResultCode(c.result));
+    machine.simulation.FailNext(c.operation, platform::ResultCode(c.result));
     DeviceManager manager(kWindow);
     EXPECT_FALSE(manager.DirectInputCreated());
-    EXPECT_EQ(manager.PeekError(nullptr), 1);
-    EXPECT_EQ(ErrorTextOf(manager), c.text);
+    EXPECT_EQ(manager.PeekError(nullptr), c.operation == kCreate ? 1 : 2);
+    EXPECT_EQ(ErrorTextOf(manager),
+              c.operation + std::string("() failed with return code: ") + c.text);
     EXPECT_EQ(manager.DeviceCount(), 0);
   }
 }
 
-TEST(DeviceManagerConstruction, GoesOnToTimerAndEventWithoutDirectInput) {
-  Machine machine;
-  machine.simulation.FailNext("DirectInput8Create");
+TEST_F(DeviceManagerConstruction, GoesOnToTimerAndEventWithoutDirectInput) {
+  simulation.FailNext("DirectInput8Create");
   DeviceManager manager(kWindow);
-  EXPECT_EQ(machine.watched.calls, (Calls{"CreateEventA manual", "DirectInput8Create 2048",
-                                          "Sleep 100", "timeGetDevCaps", "CreateEventA auto"}));
-  machine.watched.calls.clear();
+  EXPECT_EQ(watched.calls, (Calls{"CreateEventA manual", "DirectInput8Create 2048", "Sleep 100",
+                                  "timeGetDevCaps", "CreateEventA auto"}));
+  watched.calls.clear();
   EXPECT_FALSE(manager.EnumerateDevices());
   EXPECT_FALSE(manager.SelectDevice(0));
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
 }
 
-TEST(DeviceManagerConstruction, TellsWhyTheDevicesCouldNotBeListed) {
-  struct Case {
-    std::uint32_t result;
-    const char* text;
-  };
-  const Case cases[] = {
-      {0x80070015u,
-       "EnumDevices() failed with return code: -2147024875 (0x80070015) [DIERR_NOTINITIALIZED]"},
-      {0x80070057u,
-       "EnumDevices() failed with return code: -2147024809 (0x80070057) [DIERR_INVALIDPARAM]"},
-      // Known elsewhere, without a name here.
-      {0x8007000Eu, "EnumDevices() failed with return code: -2147024882 (0x8007000e)"},
-      {0x80004005u, "EnumDevices() failed with return code: -2147467259 (0x80004005)"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    Machine machine;
-    machine.simulation.FailNext("EnumDevices", platform::ResultCode(c.result));
-    DeviceManager manager(kWindow);
-    EXPECT_FALSE(manager.DirectInputCreated());
-    EXPECT_EQ(manager.PeekError(nullptr), 2);
-    EXPECT_EQ(ErrorTextOf(manager), c.text);
-  }
-}
-
-TEST(DeviceManagerConstruction, ReleasesDirectInputWhenTheDevicesCannotBeListed) {
-  Machine machine;
-  machine.simulation.FailNext("EnumDevices");
+TEST_F(DeviceManagerConstruction, ReleasesDirectInputWhenTheDevicesCannotBeListed) {
+  simulation.FailNext("EnumDevices");
   DeviceManager manager(kWindow);
-  EXPECT_EQ(machine.watched.calls,
+  EXPECT_EQ(watched.calls,
             (Calls{"CreateEventA manual", "DirectInput8Create 2048", "EnumDevices 4 1", "Sleep 100",
                    "DirectInput Release", "timeGetDevCaps", "CreateEventA auto"}));
-  machine.watched.calls.clear();
+  watched.calls.clear();
   EXPECT_FALSE(manager.EnumerateDevices());
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
 }
 
-TEST(DeviceManagerDestruction, StopsTheDeviceAndThenReleasesDirectInput) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  ASSERT_TRUE(machine.Make().SelectDevice(0));
-  machine.simulation.RunFor(5);
-  machine.watched.calls.clear();
-  machine.manager.reset();
-  EXPECT_EQ(machine.watched.calls, kStop + Calls{"DirectInput Release"});
-  EXPECT_EQ(machine.simulation.LivingThreads(), 0u);
+TEST_F(DeviceManagerDestruction, StopsTheDeviceAndThenReleasesDirectInput) {
+  MakePolling();
+  manager.reset();
+  EXPECT_EQ(watched.calls, kStop + Calls{"DirectInput Release"});
+  EXPECT_EQ(simulation.LivingThreads(), 0u);
 }
 
-TEST(DeviceManagerDestruction, ReleasesNothingTwice) {
-  Machine machine;
-  machine.simulation.FailNext("EnumDevices");
-  machine.Make();
-  machine.manager.reset();
-  EXPECT_EQ(machine.watched.calls, Calls{"Sleep 100"});
+TEST_F(DeviceManagerDestruction, ReleasesNothingTwice) {
+  simulation.FailNext("EnumDevices");
+  Make();
+  manager.reset();
+  EXPECT_EQ(watched.calls, Calls{"Sleep 100"});
 }
 
 // The list.
 
-TEST(DeviceList, HasNeitherNameNorIdentityOutsideOfIt) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceList, HasNeitherNameNorIdentityOutsideOfIt) {
+  DeviceManager& manager = MakeWithPad();
   for (const std::int32_t index : {-1, 1, 2, -2147483647 - 1, 2147483647}) {
     EXPECT_TRUE(manager.DeviceName(index).IsEmpty()) << index;
     EXPECT_EQ(manager.DeviceGuid(index), GUID()) << index;
   }
 }
 
-TEST(DeviceList, IsMadeAnewByEnumerateDevices) {
-  Machine machine;
-  SimulatedDevice& left = machine.simulation.AddDevice(Pad("Left", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceList, IsMadeAnewByEnumerateDevices) {
+  SimulatedDevice& left = simulation.AddDevice(Pad("Left", 1));
+  DeviceManager& manager = Make();
   left.Unplug();
-  machine.simulation.AddDevice(Pad("Right", 2));
+  simulation.AddDevice(Pad("Right", 2));
   EXPECT_STREQ(manager.DeviceName(0).Text(), "Left");
   EXPECT_TRUE(manager.EnumerateDevices());
   ASSERT_EQ(manager.DeviceCount(), 1);
@@ -259,11 +238,9 @@ TEST(DeviceList, IsMadeAnewByEnumerateDevices) {
   EXPECT_EQ(manager.DeviceGuid(0), Identity(2));
 }
 
-TEST(DeviceList, AFailedEnumerationTellsWhyAndKeepsDirectInput) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  machine.simulation.FailNext("EnumDevices", platform::DIERR_NOTINITIALIZED);
+TEST_F(DeviceList, AFailedEnumerationTellsWhyAndKeepsDirectInput) {
+  DeviceManager& manager = MakeWithPad();
+  simulation.FailNext("EnumDevices", platform::DIERR_NOTINITIALIZED);
   EXPECT_FALSE(manager.EnumerateDevices());
   EXPECT_EQ(manager.PeekError(nullptr), 2);
   EXPECT_EQ(ErrorTextOf(manager),
@@ -274,16 +251,15 @@ TEST(DeviceList, AFailedEnumerationTellsWhyAndKeepsDirectInput) {
   EXPECT_EQ(manager.DeviceCount(), 1);
 }
 
-TEST(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
-  Machine machine;
-  SimulatedDevice& left = machine.simulation.AddDevice(Pad("Left", 1));
-  machine.simulation.AddDevice(Pad("Right", 2));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
+  SimulatedDevice& left = simulation.AddDevice(Pad("Left", 1));
+  simulation.AddDevice(Pad("Right", 2));
+  DeviceManager& manager = Make();
   ASSERT_TRUE(manager.SelectDevice(1));
   left.Unplug();
-  machine.watched.calls.clear();
+  watched.calls.clear();
   ASSERT_TRUE(manager.EnumerateDevices());
-  EXPECT_EQ(machine.watched.calls, Calls{"EnumDevices 4 1"});
+  EXPECT_EQ(watched.calls, Calls{"EnumDevices 4 1"});
   ASSERT_EQ(manager.DeviceCount(), 1);
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 1);
@@ -291,19 +267,17 @@ TEST(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
   // The place is past the end of the new list.
   EXPECT_EQ(manager.SelectedGuid(), GUID());
   EXPECT_FALSE(manager.ReselectDevice());
-  machine.watched.calls.clear();
-  machine.simulation.RunFor(60);
-  EXPECT_EQ(machine.watched.Count("Poll"), 3);
+  watched.calls.clear();
+  simulation.RunFor(60);
+  EXPECT_EQ(watched.Count("Poll"), 3);
 }
 
 // Selection.
 
-TEST(DeviceSelection, TakesItsNineStepsInOrder) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, TakesItsNineStepsInOrder) {
+  DeviceManager& manager = MakeWithPad();
   EXPECT_TRUE(manager.SelectDevice(0));
-  EXPECT_EQ(machine.watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
+  EXPECT_EQ(watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 0);
   EXPECT_STREQ(manager.SelectedName().Text(), "Pad");
@@ -314,51 +288,39 @@ TEST(DeviceSelection, TakesItsNineStepsInOrder) {
   EXPECT_EQ(manager.DeviceCaps().dwPOVs, 1u);
 }
 
-TEST(DeviceSelection, StopsTheOldDeviceFirst) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  ASSERT_TRUE(manager.SelectDevice(0));
-  machine.simulation.RunFor(5);
-  machine.watched.calls.clear();
+TEST_F(DeviceSelection, StopsTheOldDeviceFirst) {
+  DeviceManager& manager = MakePolling();
   EXPECT_TRUE(manager.ReselectDevice());
-  EXPECT_EQ(machine.watched.calls, kStop + kSelection + kPollingBegins);
-  EXPECT_EQ(machine.simulation.LivingThreads(), 1u);
+  EXPECT_EQ(watched.calls, kStop + kSelection + kPollingBegins);
+  EXPECT_EQ(simulation.LivingThreads(), 1u);
 }
 
-TEST(DeviceSelection, AnIndexOutsideTheListChangesNothing) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, AnIndexOutsideTheListChangesNothing) {
+  DeviceManager& manager = MakeWithPad();
   ASSERT_TRUE(manager.SelectDevice(0));
-  machine.watched.calls.clear();
+  watched.calls.clear();
   for (const std::int32_t index : {1, 2, -1, 2147483647}) {
     EXPECT_FALSE(manager.SelectDevice(index)) << index;
   }
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 0);
   EXPECT_STREQ(manager.SelectedName().Text(), "Pad");
-  machine.simulation.RunFor(100);
-  EXPECT_EQ(machine.watched.Count("Poll"), 5);
+  simulation.RunFor(100);
+  EXPECT_EQ(watched.Count("Poll"), 5);
 }
 
-TEST(DeviceSelection, AFailedCreateDeviceLeavesNoDeviceRunning) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  ASSERT_TRUE(manager.SelectDevice(0));
-  machine.simulation.RunFor(5);
-  machine.watched.calls.clear();
-  machine.simulation.FailNext("CreateDevice", platform::DIERR_DEVICENOTREG);
+TEST_F(DeviceSelection, AFailedCreateDeviceLeavesNoDeviceRunning) {
+  DeviceManager& manager = MakePolling();
+  simulation.FailNext("CreateDevice", platform::DIERR_DEVICENOTREG);
   EXPECT_FALSE(manager.SelectDevice(0));
   // Stopped once, and there was nothing to stop again.
-  EXPECT_EQ(machine.watched.calls, kStop + Calls{"CreateDevice 1"});
+  EXPECT_EQ(watched.calls, kStop + Calls{"CreateDevice 1"});
   ExpectNothingSelected(manager);
-  EXPECT_EQ(machine.simulation.LivingThreads(), 0u);
-  machine.watched.calls.clear();
-  machine.simulation.RunFor(200);
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_EQ(simulation.LivingThreads(), 0u);
+  watched.calls.clear();
+  simulation.RunFor(200);
+  EXPECT_TRUE(watched.calls.empty());
   EXPECT_TRUE(manager.SelectDevice(0));
 }
 
@@ -377,7 +339,7 @@ struct NobodysPad final : test::OnePad {
   int calls = 0;
 };
 
-TEST(DeviceSelection, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
+TEST(DeviceSelectionFailures, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
   NobodysPad nobodys;
   {
     Machine machine;
@@ -394,7 +356,7 @@ TEST(DeviceSelection, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
   EXPECT_EQ(nobodys.calls, 0);
 }
 
-TEST(DeviceSelection, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
+TEST(DeviceSelectionFailures, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
   struct Case {
     const char* operation;
     std::size_t done;  // how much of kSelection was asked for, the failing operation included
@@ -426,48 +388,39 @@ TEST(DeviceSelection, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
   }
 }
 
-TEST(DeviceSelection, AnAxisThatRefusesItsRangeIsNoFailure) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  machine.simulation.FailAlways("SetProperty");
+TEST_F(DeviceSelection, AnAxisThatRefusesItsRangeIsNoFailure) {
+  DeviceManager& manager = MakeWithPad();
+  simulation.FailAlways("SetProperty");
   EXPECT_TRUE(manager.SelectDevice(0));
-  EXPECT_EQ(machine.watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
+  EXPECT_EQ(watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
 }
 
-TEST(DeviceSelection, AcquireWithoutEffectIsSuccess) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  machine.simulation.FailNext("Acquire", platform::DI_NOEFFECT);
+TEST_F(DeviceSelection, AcquireWithoutEffectIsSuccess) {
+  DeviceManager& manager = MakeWithPad();
+  simulation.FailNext("Acquire", platform::DI_NOEFFECT);
   EXPECT_TRUE(manager.SelectDevice(0));
 }
 
-TEST(DeviceSelection, AnyOtherResultOfAcquireIsFailure) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  machine.simulation.FailNext("Acquire", 2);
+TEST_F(DeviceSelection, AnyOtherResultOfAcquireIsFailure) {
+  DeviceManager& manager = MakeWithPad();
+  simulation.FailNext("Acquire", 2);
   EXPECT_FALSE(manager.SelectDevice(0));
 }
 
-TEST(DeviceSelection, ReselectNeedsASelection) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, ReselectNeedsASelection) {
+  DeviceManager& manager = MakeWithPad();
   EXPECT_FALSE(manager.ReselectDevice());
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
   ASSERT_TRUE(manager.SelectDevice(0));
   manager.StopDevice();
   EXPECT_FALSE(manager.ReselectDevice());
 }
 
-TEST(DeviceSelection, ByGuidTakesTheFirstThatIsEqualInAllParts) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("First", 1));
-  machine.simulation.AddDevice(Pad("Second", 2));
-  machine.simulation.AddDevice(Pad("Third", 2));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, ByGuidTakesTheFirstThatIsEqualInAllParts) {
+  simulation.AddDevice(Pad("First", 1));
+  simulation.AddDevice(Pad("Second", 2));
+  simulation.AddDevice(Pad("Third", 2));
+  DeviceManager& manager = Make();
   EXPECT_TRUE(manager.SelectDeviceByGuid(Identity(2)));
   EXPECT_EQ(manager.SelectedIndex(), 1);
   EXPECT_STREQ(manager.SelectedName().Text(), "Second");
@@ -485,46 +438,42 @@ TEST(DeviceSelection, ByGuidTakesTheFirstThatIsEqualInAllParts) {
     part ^= 1;
     strangers.push_back(other);
   }
-  machine.watched.calls.clear();
+  watched.calls.clear();
   for (const GUID& stranger : strangers) EXPECT_FALSE(manager.SelectDeviceByGuid(stranger));
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
   EXPECT_EQ(manager.SelectedIndex(), 1);
 }
 
-TEST(DeviceSelection, ByNameTakesTheFirstThatIsEqualByteForByte) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Game Pad", 1));
-  machine.simulation.AddDevice(Pad("Pad", 2));
-  machine.simulation.AddDevice(Pad("Pad", 3));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, ByNameTakesTheFirstThatIsEqualByteForByte) {
+  simulation.AddDevice(Pad("Game Pad", 1));
+  simulation.AddDevice(Pad("Pad", 2));
+  simulation.AddDevice(Pad("Pad", 3));
+  DeviceManager& manager = Make();
   EXPECT_TRUE(manager.SelectDeviceByName("Pad"));
   EXPECT_EQ(manager.SelectedIndex(), 1);
   EXPECT_EQ(manager.SelectedGuid(), Identity(2));
 
-  machine.watched.calls.clear();
+  watched.calls.clear();
   for (const char* stranger : {"pad", "PAD", "Pa", "Pad ", " Pad", "Game", ""}) {
     EXPECT_FALSE(manager.SelectDeviceByName(stranger)) << '"' << stranger << '"';
   }
   ByteString longer("Pad");
   longer.Append("\0x", 2);
   EXPECT_FALSE(manager.SelectDeviceByName(longer));
-  EXPECT_TRUE(machine.watched.calls.empty());
+  EXPECT_TRUE(watched.calls.empty());
   EXPECT_EQ(manager.SelectedIndex(), 1);
 }
 
-TEST(DeviceSelection, ByTheNameOfTheSelectedDeviceSelectsItAgain) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, ByTheNameOfTheSelectedDeviceSelectsItAgain) {
+  DeviceManager& manager = MakeWithPad();
   ASSERT_TRUE(manager.SelectDevice(0));
   EXPECT_TRUE(manager.SelectDeviceByName(manager.SelectedName()));
   EXPECT_STREQ(manager.SelectedName().Text(), "Pad");
 }
 
-TEST(DeviceSelection, FailsForADeviceThatIsGone) {
-  Machine machine;
-  SimulatedDevice& pad = machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(DeviceSelection, FailsForADeviceThatIsGone) {
+  SimulatedDevice& pad = simulation.AddDevice(Pad("Pad", 1));
+  DeviceManager& manager = Make();
   pad.Unplug();
   EXPECT_FALSE(manager.SelectDevice(0));
   ExpectNothingSelected(manager);
@@ -535,43 +484,35 @@ TEST(DeviceSelection, FailsForADeviceThatIsGone) {
 
 // Stopping.
 
-TEST(StopDevice, TakesItsStepsInOrder) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
-  ASSERT_TRUE(manager.SelectDevice(0));
-  machine.simulation.RunFor(5);
-  machine.watched.calls.clear();
-  const std::uint64_t before = machine.simulation.Now();
+TEST_F(StopDevice, TakesItsStepsInOrder) {
+  DeviceManager& manager = MakePolling();
+  const std::uint64_t before = simulation.Now();
   manager.StopDevice();
-  EXPECT_EQ(machine.watched.calls, kStop);
-  EXPECT_EQ(machine.simulation.Now() - before, 100u);
+  EXPECT_EQ(watched.calls, kStop);
+  EXPECT_EQ(simulation.Now() - before, 100u);
   ExpectNothingSelected(manager);
 }
 
-TEST(StopDevice, WaitsItsHundredMillisecondsEvenWhenNothingRuns) {
-  Machine machine;
-  DeviceManager& manager = machine.Make();
+TEST_F(StopDevice, WaitsItsHundredMillisecondsEvenWhenNothingRuns) {
+  DeviceManager& manager = Make();
   for (int i = 0; i < 2; ++i) {
-    machine.watched.calls.clear();
-    const std::uint64_t before = machine.simulation.Now();
+    watched.calls.clear();
+    const std::uint64_t before = simulation.Now();
     manager.StopDevice();
-    EXPECT_EQ(machine.watched.calls, Calls{"Sleep 100"});
-    EXPECT_EQ(machine.simulation.Now() - before, 100u);
+    EXPECT_EQ(watched.calls, Calls{"Sleep 100"});
+    EXPECT_EQ(simulation.Now() - before, 100u);
   }
 }
 
-TEST(StopDevice, NothingIsPolledAfterIt) {
-  Machine machine;
-  machine.simulation.AddDevice(Pad("Pad", 1));
-  DeviceManager& manager = machine.Make();
+TEST_F(StopDevice, NothingIsPolledAfterIt) {
+  DeviceManager& manager = MakeWithPad();
   ASSERT_TRUE(manager.SelectDevice(0));
-  machine.simulation.RunFor(100);
-  EXPECT_EQ(machine.watched.Count("Poll"), 5);
+  simulation.RunFor(100);
+  EXPECT_EQ(watched.Count("Poll"), 5);
   manager.StopDevice();
-  machine.watched.calls.clear();
-  machine.simulation.RunFor(1000);
-  EXPECT_TRUE(machine.watched.calls.empty());
+  watched.calls.clear();
+  simulation.RunFor(1000);
+  EXPECT_TRUE(watched.calls.empty());
 }
 
 }  // namespace

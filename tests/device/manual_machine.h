@@ -4,23 +4,21 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <functional>
 
 #include "app/platform/platform.h"
+#include "tests/device/one_pad.h"
 
 namespace kelvaro::test {
 
 class ManualMachine : public platform::Clock,
                       public platform::Threads,
                       public platform::Timers,
-                      public platform::Devices {
+                      public OnePad {
  public:
-  ManualMachine() : installed(Groups()) {
-    for (std::uint32_t& pov : state.rgdwPOV) pov = platform::kPovCentred;
-  }
+  ManualMachine() : installed(Groups()) {}
 
-  platform::DIJOYSTATE2 state;                            // what the device gives
+  platform::DIJOYSTATE2 state = AtRest();                 // what the device gives
   std::uint32_t eventsSet = 0;                            // calls of SetEvent
   platform::HRESULT enumDevicesResult = platform::DI_OK;  // after the device has been listed
 
@@ -76,61 +74,21 @@ class ManualMachine : public platform::Clock,
   }
   std::uint32_t timeKillEvent(std::uint32_t) override { return platform::TIMERR_NOERROR; }
 
-  platform::HRESULT DirectInput8Create(std::uint32_t,
-                                       platform::DirectInput** directInput) override {
-    *directInput = &directory;
+  platform::HRESULT EnumDevices(std::uint32_t deviceClass,
+                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
+                                std::uint32_t flags) override {
+    OnePad::EnumDevices(deviceClass, visit, flags);
+    return enumDevicesResult;
+  }
+  platform::HRESULT GetDeviceState(std::uint32_t size, platform::DIJOYSTATE2* out) override {
+    if (size != sizeof state) return platform::DIERR_INVALIDPARAM;
+    *out = state;
     return platform::DI_OK;
   }
 
  private:
   static constexpr std::uint32_t kTimerId = 1;
   static constexpr platform::Handle kThread = 1000;
-
-  struct Device final : platform::DirectInputDevice {
-    explicit Device(const platform::DIJOYSTATE2& state) : state(state) {}
-    platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
-    platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
-      return platform::DI_OK;
-    }
-    platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
-    platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&,
-                                  std::uint32_t) override {
-      return platform::DI_OK;
-    }
-    platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
-      return platform::DI_OK;
-    }
-    platform::HRESULT Acquire() override { return platform::DI_OK; }
-    platform::HRESULT Unacquire() override { return platform::DI_OK; }
-    platform::HRESULT Poll() override { return platform::DI_OK; }
-    platform::HRESULT GetDeviceState(std::uint32_t size, platform::DIJOYSTATE2* out) override {
-      if (size != sizeof state) return platform::DIERR_INVALIDPARAM;
-      *out = state;
-      return platform::DI_OK;
-    }
-    void Release() override {}
-    const platform::DIJOYSTATE2& state;
-  };
-
-  struct Directory final : platform::DirectInput {
-    explicit Directory(ManualMachine& owner) : owner(owner) {}
-    platform::HRESULT EnumDevices(
-        std::uint32_t, const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
-        std::uint32_t) override {
-      platform::DIDEVICEINSTANCE instance;
-      instance.guidInstance.Data1 = 1;
-      std::strcpy(instance.tszInstanceName, "Pad");
-      visit(instance);
-      return owner.enumDevicesResult;
-    }
-    platform::HRESULT CreateDevice(const platform::GUID&,
-                                   platform::DirectInputDevice** device) override {
-      *device = &owner.device;
-      return platform::DI_OK;
-    }
-    void Release() override {}
-    ManualMachine& owner;
-  };
 
   platform::Platform Groups() {
     platform::Platform groups;
@@ -141,8 +99,6 @@ class ManualMachine : public platform::Clock,
     return groups;
   }
 
-  Device device{state};
-  Directory directory{*this};
   bool threadLives = false;
   platform::Handle lastEvent = 0;
   platform::TimerCallback callback = nullptr;

@@ -1,5 +1,5 @@
-// One device named "Pad" that agrees to everything, for tests on real threads, which the simulated
-// machine isn't made for. A test derives from it and says what a poll finds.
+// One device named "Pad" that agrees to everything, for tests that the simulated machine isn't made
+// for, such as those on real threads. A test derives from it and says what a poll finds.
 #pragma once
 
 #include <cstdint>
@@ -43,6 +43,15 @@ struct OnePad : platform::Devices, platform::DirectInput, platform::DirectInputD
   }
   platform::HRESULT Acquire() override { return platform::DI_OK; }
   platform::HRESULT Unacquire() override { return platform::DI_OK; }
+  platform::HRESULT Poll() override { return platform::DI_OK; }
+  void Release() override {}  // of the device and of the directory
 };
+
+// The state of a pad at rest.
+inline platform::DIJOYSTATE2 AtRest() {
+  platform::DIJOYSTATE2 state;
+  for (std::uint32_t& hat : state.rgdwPOV) hat = platform::kPovCentred;
+  return state;
+}
 
 }  // namespace kelvaro::test

@@ -51,6 +51,12 @@ struct Polling : testing::Test {
     manager.EnableChangeCallback();
     Select();
   }
+  // The same, and what came until then is no matter.
+  void BeginAndForget(std::uint64_t t) {
+    Begin();
+    RunTo(t);
+    Forget();
+  }
   void Select() {
     ASSERT_TRUE(manager.SelectDevice(0));
     start = simulation.Now();
@@ -166,9 +172,7 @@ TEST_F(Polling, EachButtonAndEachHatIsDeliveredOnce) {
 }
 
 TEST_F(Polling, AChangeThatIsUndoneBetweenTwoPollsIsNotSeen) {
-  Begin();
-  RunTo(10);
-  Forget();
+  BeginAndForget(10);
   pad.ChangeAt(start + 12, Buttons({1}));
   pad.ChangeAt(start + 18, Buttons({}));
   RunTo(100);
@@ -209,9 +213,7 @@ TEST_F(Polling, AFailedReadKeepsTheLastGoodStateForTheNextComparison) {
 }
 
 TEST_F(Polling, AChangeBehindAFailedReadIsDelivered) {
-  Begin();
-  RunTo(20);
-  Forget();
+  BeginAndForget(20);
   pad.Press({3});
   simulation.FailNext("GetDeviceState");
   RunTo(50);
@@ -220,9 +222,7 @@ TEST_F(Polling, AChangeBehindAFailedReadIsDelivered) {
 }
 
 TEST_F(Polling, WhileAnyoneHoldsTheLockPeriodsAreLost) {
-  Begin();
-  RunTo(10);
-  Forget();
+  BeginAndForget(10);
   {
     LockGuard guard(manager.deviceLock);
     RunTo(55);
@@ -235,9 +235,7 @@ TEST_F(Polling, WhileAnyoneHoldsTheLockPeriodsAreLost) {
 }
 
 TEST_F(Polling, ACallbackOfOneSecondCostsTheTicksOfThatSecond) {
-  Begin();
-  RunTo(15);
-  Forget();
+  BeginAndForget(15);
   changeTakes = 1000;
   pad.Press({1});
   // Between the two the button goes up and another comes down, and both go back in time.
@@ -256,9 +254,7 @@ TEST_F(Polling, ACallbackOfOneSecondCostsTheTicksOfThatSecond) {
 }
 
 TEST_F(Polling, TwoChangesDuringALongCallbackFoldIntoTheLatest) {
-  Begin();
-  RunTo(15);
-  Forget();
+  BeginAndForget(15);
   changeTakes = 1000;
   pad.Press({1});
   pad.ChangeAt(start + 300, Buttons({2}));
@@ -278,9 +274,7 @@ TEST_F(Polling, TwoChangesDuringALongCallbackFoldIntoTheLatest) {
 // A lost device.
 
 TEST_F(Polling, ALostDeviceIsAcquiredAtEachTickUntilItIsBack) {
-  Begin();
-  RunTo(10);
-  Forget();
+  BeginAndForget(10);
   pad.Lose();
   pad.Press({1});
   RunTo(60);
@@ -300,9 +294,7 @@ TEST_F(Polling, ALostDeviceIsAcquiredAtEachTickUntilItIsBack) {
 }
 
 TEST_F(Polling, ADeviceThatComesBackUnchangedDeliversNothing) {
-  Begin();
-  RunTo(10);
-  Forget();
+  BeginAndForget(10);
   pad.Lose();
   RunTo(60);
   pad.Return();
@@ -330,9 +322,7 @@ TEST_F(Polling, ThePullOfAPadIsSurvivedSeveralTimes) {
 }
 
 TEST_F(Polling, TheResultOfAcquireIsIgnored) {
-  Begin();
-  RunTo(10);
-  Forget();
+  BeginAndForget(10);
   simulation.FailNext("Poll", platform::DIERR_INPUTLOST);
   simulation.FailNext("Acquire", platform::DIERR_UNPLUGGED);
   RunTo(20);
@@ -447,30 +437,25 @@ TEST(PollInterval, IsOnly33WhereTheTimerDoesNotTellItsLimits) {
 }
 
 TEST(PollInterval, IsRefusedOutsideTheLimits) {
-  Simulation simulation;
-  simulation.SetTimerLimits(2, 500);
-  DeviceManager manager(0);
-  for (const std::uint32_t bad : {0u, 1u, 501u, 0xFFFFFFFFu}) {
-    EXPECT_FALSE(manager.SetPollInterval(bad)) << bad;
-    EXPECT_EQ(manager.PollInterval(), 33u);
-  }
-  for (const std::uint32_t good : {2u, 499u, 500u}) {
-    EXPECT_TRUE(manager.SetPollInterval(good)) << good;
-    EXPECT_EQ(manager.PollInterval(), good);
-  }
-}
-
-TEST(PollInterval, OfZeroIsRefusedFromAShortestPeriodOfOneUp) {
-  for (const std::uint32_t min : {1u, 2u, 10u}) {
+  const struct {
+    std::uint32_t min, max;
+    std::vector<std::uint32_t> bad, good;
+  } cases[] = {{2, 500, {0, 1, 501, 0xFFFFFFFF}, {2, 499, 500}},
+               {1, 1000, {0, 1001}, {1, 1000}},
+               {0, 1000, {1001}, {0, 1000}}};
+  for (const auto& c : cases) {
     Simulation simulation;
-    simulation.SetTimerLimits(min, 1000);
+    simulation.SetTimerLimits(c.min, c.max);
     DeviceManager manager(0);
-    EXPECT_FALSE(manager.SetPollInterval(0));
+    for (const std::uint32_t bad : c.bad) {
+      EXPECT_FALSE(manager.SetPollInterval(bad)) << bad;
+      EXPECT_EQ(manager.PollInterval(), 33u);
+    }
+    for (const std::uint32_t good : c.good) {
+      EXPECT_TRUE(manager.SetPollInterval(good)) << good;
+      EXPECT_EQ(manager.PollInterval(), good);
+    }
   }
-  Simulation simulation;
-  simulation.SetTimerLimits(0, 1000);
-  DeviceManager manager(0);
-  EXPECT_TRUE(manager.SetPollInterval(0));
 }
 
 TEST_F(Polling, ANewIntervalCountsFromTheNextSelection) {

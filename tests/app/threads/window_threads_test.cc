@@ -43,15 +43,13 @@ struct BusyPad : test::OnePad {
     return platform::DI_OK;
   }
   platform::HRESULT GetDeviceState(std::uint32_t, platform::DIJOYSTATE2* state) override {
-    *state = {};
-    for (std::uint32_t& hat : state->rgdwPOV) hat = platform::kPovCentred;
+    *state = test::AtRest();
     const std::uint32_t phase = polls / 16 % 4;
     if (phase == 1 || phase == 2) state->rgbButtons[2] = 128;
     if (phase == 2) state->rgbButtons[4] = 128;
     if (phase == 3) state->lY = 32000;
     return platform::DI_OK;
   }
-  void Release() override {}
 };
 
 struct NoInput : platform::Input {
