@@ -1,10 +1,9 @@
-#include "engine/detection.h"
-
 #include <bit>
 #include <cstdlib>
 
 #include "engine/control_engine.h"
 #include "engine/input_text.h"
+#include "engine/mouse_emulation.h"
 
 namespace kelvaro {
 namespace {

@@ -14,25 +14,33 @@ constexpr struct {
   const char* word;
 } kDirections[] = {{PovUp, "up"}, {PovDown, "down"}, {PovLeft, "left"}, {PovRight, "right"}};
 
-const char* SideText(std::uint16_t side) { return side == AxisNeg ? "neg" : "pos"; }
-
 void AppendNumber(std::uint32_t value, ByteString* text) {
   text->Append(ToDecimal(value, true, 0));
 }
 
-// *wordWritten tells whether a word is to be parted from one before it, and is set by each word.
-void AppendDirections(std::uint8_t directions, bool* wordWritten, ByteString* text) {
-  for (const auto& direction : kDirections) {
-    if ((directions & direction.bit) == 0) continue;
-    // "up" is never parted: it is the first word wherever it stands.
-    if (*wordWritten && direction.bit != PovUp) text->Append("+");
-    text->Append(direction.word);
-    *wordWritten = true;
-  }
+void AppendPlus(ByteString* text) {
+  if (!text->IsEmpty()) text->Append("+");
 }
 
-void AppendPlus(bool needed, ByteString* text) {
-  if (needed) text->Append("+");
+// *wordWritten tells whether a direction is to be parted from one before it; each one sets it.
+void AppendInput(const TriggerItem& item, bool detailed, bool* wordWritten, ByteString* text) {
+  text->Append(InputName(item.kind));
+  AppendNumber(item.index, text);
+  if (detailed) text->Append("(");
+  if (item.kind == input_kind::kPov) {
+    // Also without `detailed`. On the Mouse tab the value is a field offset, so that its bits come
+    // out as directions, "POV1right" for one. Kept. Test: MouseTabHatsShowTheBitsOfTheirOffset.
+    for (const auto& direction : kDirections) {
+      if ((item.value & direction.bit) == 0) continue;
+      // "up" is never parted: it is the first word wherever it stands.
+      if (*wordWritten && direction.bit != PovUp) text->Append("+");
+      text->Append(direction.word);
+      *wordWritten = true;
+    }
+  } else if (detailed) {
+    text->Append(item.value == AxisNeg ? "neg" : "pos");
+  }
+  if (detailed) text->Append(")");
 }
 
 }  // namespace
@@ -44,33 +52,22 @@ ByteString InputName(std::uint16_t kind) {
 void ButtonsText(std::uint64_t mask, ByteString* text) {
   for (std::uint32_t n = 0; n < 64; ++n) {
     if ((mask >> n & 1) == 0) continue;
-    AppendPlus(!text->IsEmpty(), text);
+    AppendPlus(text);
     text->Append("B");
     AppendNumber(n + 1, text);
   }
 }
 
 void InputText(const TriggerItem& item, ByteString* text, bool detailed) {
-  if (item.kind == input_kind::kNone) return;
-  text->Append(InputName(item.kind));
-  AppendNumber(item.index, text);
-  if (detailed) text->Append("(");
-  if (item.kind == input_kind::kPov) {
-    // Also without `detailed`. On the Mouse tab the value is a field offset, so that its bits come
-    // out as directions, "POV1right" for one. Kept. Test: MouseTabHatsShowTheBitsOfTheirOffset.
-    bool wordWritten = false;
-    AppendDirections(static_cast<std::uint8_t>(item.value), &wordWritten, text);
-  } else if (detailed) {
-    text->Append(SideText(item.value));
-  }
-  if (detailed) text->Append(")");
+  bool wordWritten = false;
+  if (item.kind != input_kind::kNone) AppendInput(item, detailed, &wordWritten, text);
 }
 
 void TriggerText(const Trigger& trigger, ByteString* text) {
   text->Empty();
   ButtonsText(trigger.buttonMask, text);
   for (const TriggerItem& item : trigger.triggerItems) {
-    AppendPlus(!text->IsEmpty(), text);
+    AppendPlus(text);
     InputText(item, text, true);
   }
 }
@@ -85,26 +82,19 @@ void CaptureTrigger(std::int32_t axisMax, const DeviceSnapshot& snapshot, ByteSt
   // One flag for all hats, so a later hat begins with a "+" unless its first word is "up", as in
   // "POV0(left)+POV2(+down)". Kept. Test: LaterHatBeginsWithAPlus.
   bool wordWritten = false;
+  const auto add = [&](std::uint16_t kind, std::uint16_t index, std::uint8_t value) {
+    if (value == 0) return;  // centred
+    const TriggerItem item{kind, index, value};
+    AppendPlus(text);
+    AppendInput(item, true, &wordWritten, text);
+    trigger->triggerItems.AddTail(item);
+  };
   for (std::uint16_t hat = 0; hat < kHats; ++hat) {
-    const std::uint8_t directions = snapshot.povDirections[hat];
-    if (directions == 0) continue;
-    AppendPlus(!text->IsEmpty(), text);
-    text->Append(InputName(input_kind::kPov));
-    AppendNumber(hat, text);
-    text->Append("(");
-    AppendDirections(directions, &wordWritten, text);
-    text->Append(")");
-    trigger->triggerItems.AddTail({input_kind::kPov, hat, directions});
+    add(input_kind::kPov, hat, snapshot.povDirections[hat]);
   }
-
   for (std::uint16_t bank = 0; bank < kBanks; ++bank) {
     for (std::uint16_t kind = input_kind::kAxisX; kind <= input_kind::kSliderB; ++kind) {
-      const std::uint8_t side = AxisState(axisMax, snapshot.state, kind, bank);
-      if (side == AxisCentre) continue;
-      const TriggerItem item{kind, bank, side};
-      AppendPlus(!text->IsEmpty(), text);
-      InputText(item, text, true);
-      trigger->triggerItems.AddTail(item);
+      add(kind, bank, AxisState(axisMax, snapshot.state, kind, bank));
     }
   }
 }

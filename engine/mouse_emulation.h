@@ -1,5 +1,5 @@
 // The arithmetic of the mouse emulation, apart from its state: how far from rest an input starts to
-// count, and what one poll adds to an accumulator.
+// count, what one poll adds to an accumulator, and which input a detection finds.
 #pragma once
 
 #include <cstdint>
@@ -27,5 +27,12 @@ std::int32_t MouseDeadZone(std::int32_t position, std::int32_t axisMax);
 // input outside of the state is at rest.
 double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const MouseCurve& curve,
                        double accumulated);
+
+// Finds the one input that the user moves. True, with *result naming the input and its field
+// offset, when one is moved: an axis at its very end, else a hat, else the axis that is pushed
+// furthest, the first among equals. An axis counts from more than half of axisMax. A hat pushed
+// left or right is kind 8, any other way, the diagonals included, kind 9. False, with *result
+// untouched, when all is at rest.
+bool DetectMouseAxis(std::int32_t axisMax, const DIJOYSTATE2& state, TriggerItem* result);
 
 }  // namespace kelvaro

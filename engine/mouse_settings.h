@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
 #include <iterator>
 
@@ -10,32 +9,6 @@
 #include "foundation/relaxed.h"
 
 namespace kelvaro {
-
-// One word instead of three, so that a reader never sees the kind of one input with the offset of
-// another. Read it whole and write it whole.
-template <>
-class Relaxed<TriggerItem> {
- public:
-  Relaxed(TriggerItem initial = {}) : packed(Pack(initial)) {}  // NOLINT: stands in for a plain one
-  Relaxed(const Relaxed& other) : Relaxed(static_cast<TriggerItem>(other)) {}
-  Relaxed& operator=(const Relaxed& other) { return *this = static_cast<TriggerItem>(other); }
-  Relaxed& operator=(TriggerItem next) {
-    packed.store(Pack(next), std::memory_order_relaxed);
-    return *this;
-  }
-  operator TriggerItem() const {  // NOLINT
-    const std::uint64_t bits = packed.load(std::memory_order_relaxed);
-    return {static_cast<std::uint16_t>(bits), static_cast<std::uint16_t>(bits >> 16),
-            static_cast<std::uint16_t>(bits >> 32)};
-  }
-
- private:
-  static std::uint64_t Pack(TriggerItem item) {
-    return item.kind | std::uint64_t{item.index} << 16 | std::uint64_t{item.value} << 32;
-  }
-
-  std::atomic<std::uint64_t> packed;
-};
 
 // Changed under profileLock or mouseLock, whichever the changing side holds, and read by the timer
 // and notification threads under the other: hence no plain members.
@@ -96,6 +69,9 @@ constexpr const MouseRoleInput& InputOf(MouseRole role) {
 // The mask of a button by its index: a signed 32-bit one, shifted by index mod 32 and widened with
 // its sign. So index 31 fills the upper half, and 32 and above wrap to the low bits. Kept as it is:
 // buttons from 33 on serve in Triggers but not as mouse buttons.
-std::uint64_t MouseButtonMask(std::uint16_t index);
+constexpr std::uint64_t MouseButtonMask(std::uint16_t index) {
+  const auto mask = static_cast<std::int32_t>(std::uint32_t{1} << (index % 32));
+  return static_cast<std::uint64_t>(std::int64_t{mask});
+}
 
 }  // namespace kelvaro

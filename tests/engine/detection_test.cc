@@ -1,8 +1,8 @@
-#include "engine/detection.h"
-
 #include <gtest/gtest.h>
 
+#include "engine/mouse_emulation.h"
 #include "tests/engine/engine_fixture.h"
+#include "tests/engine/item_text.h"
 
 namespace kelvaro {
 namespace {
@@ -16,8 +16,7 @@ std::string Detect(const DIJOYSTATE2& state) {
     EXPECT_EQ(found.kind, 77) << "nothing found, but something written";
     return "none";
   }
-  return std::to_string(found.kind) + " " + std::to_string(found.index) + " " +
-         std::to_string(found.value);
+  return ItemText(found);
 }
 
 TEST(DetectMouseAxis, AnAxisCountsFromMoreThanHalf) {
@@ -101,10 +100,6 @@ TEST(DetectMouseAxis, TheFirstHatThatIsPressedCounts) {
 class Detection : public EngineTest {
  protected:
   std::string Shown() { return host.journal.Take(); }
-  static std::string Text(TriggerItem item) {
-    return std::to_string(item.kind) + " " + std::to_string(item.index) + " " +
-           std::to_string(item.value);
-  }
 };
 
 TEST_F(Detection, AButtonThatIsHeldAtTheEndIsAssigned) {
@@ -158,7 +153,7 @@ TEST_F(Detection, AnAxisAndAHatAtOnceTakeTheHatUnlessTheAxisIsAtItsEnd) {
   Dispatch(state);
   EXPECT_EQ(Shown(), "1159=POV0, 1159=Axis_X0");
   engine.EndMouseDetection();
-  EXPECT_EQ(Text(profile.mouseX), "0 0 0");
+  EXPECT_EQ(ItemText(profile.mouseX), "0 0 0");
 }
 
 TEST_F(Detection, EachAxisFieldSetsItsInputWithItsOffset) {
@@ -169,14 +164,13 @@ TEST_F(Detection, EachAxisFieldSetsItsInputWithItsOffset) {
   } rows[] = {{MouseRole::X, "1159", &profile.mouseX},
               {MouseRole::Y, "1160", &profile.mouseY},
               {MouseRole::Wheel, "1163", &profile.mouseWheel}};
-  DIJOYSTATE2 state = Pad();
-  state.lVRy = -17000;
+  DIJOYSTATE2 state = With(&DIJOYSTATE2::lVRy, -17000);
   for (const auto& row : rows) {
     engine.StartMouseDetection(row.role);
     Dispatch(state);
     engine.EndMouseDetection();
     EXPECT_EQ(Shown(), row.field + std::string("=Axis_RY1, ended ") + row.field);
-    EXPECT_EQ(Text(*row.input), "4 1 192");
+    EXPECT_EQ(ItemText(*row.input), "4 1 192");
   }
   EXPECT_EQ(profile.leftMask, 0u);
 }
@@ -200,7 +194,7 @@ TEST_F(Detection, EachButtonFieldSetsItsButton) {
     *row.mask = 0;
     *row.index = 0;
   }
-  EXPECT_EQ(Text(profile.mouseX), "11 0 0");
+  EXPECT_EQ(ItemText(profile.mouseX), "11 0 0");
 }
 
 TEST_F(Detection, NothingMovedClearsAnAxis) {
@@ -209,14 +203,14 @@ TEST_F(Detection, NothingMovedClearsAnAxis) {
   Dispatch(WithX(16000));
   EXPECT_EQ(Shown(), "1160=<none>");
   engine.EndMouseDetection();
-  EXPECT_EQ(Text(profile.mouseY), "11 0 0");
+  EXPECT_EQ(ItemText(profile.mouseY), "11 0 0");
 }
 
 TEST_F(Detection, WithoutAnyChangeAnAxisKeepsItsInput) {
   profile.mouseY = MouseInput(3, 2);
   engine.StartMouseDetection(MouseRole::Y);
   engine.EndMouseDetection();
-  EXPECT_EQ(Text(profile.mouseY), "3 2 220");
+  EXPECT_EQ(ItemText(profile.mouseY), "3 2 220");
 }
 
 TEST_F(Detection, WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore) {
@@ -268,7 +262,7 @@ TEST_F(Detection, TwoButtonsAlsoEndThatOfAnAxis) {
   Dispatch(WithX(kLimit));
   Dispatch(WithX(0, {1, 64}));
   EXPECT_EQ(Shown(), "1163=Axis_X0, ended 1163, save");
-  EXPECT_EQ(Text(profile.mouseWheel), "0 0 0");
+  EXPECT_EQ(ItemText(profile.mouseWheel), "0 0 0");
 }
 
 TEST_F(Detection, OneButtonDoesNotEndThatOfAnAxis) {
@@ -335,13 +329,12 @@ TEST_F(Detection, TheSecondOneStartsWhereTheFirstEnded) {
   Dispatch(WithX(kLimit));
   engine.EndMouseDetection();
   engine.StartMouseDetection(MouseRole::Y);
-  DIJOYSTATE2 state = Pad();
-  state.lY = kLimit;
+  DIJOYSTATE2 state = With(&DIJOYSTATE2::lY, kLimit);
   Dispatch(state);
   engine.EndMouseDetection();
   EXPECT_EQ(Shown(), "1159=Axis_X0, ended 1159, 1160=Axis_Y0, ended 1160");
-  EXPECT_EQ(Text(profile.mouseX), "0 0 0");
-  EXPECT_EQ(Text(profile.mouseY), "1 0 4");
+  EXPECT_EQ(ItemText(profile.mouseX), "0 0 0");
+  EXPECT_EQ(ItemText(profile.mouseY), "1 0 4");
 }
 
 TEST_F(Detection, ItsCallsComeUnderTheLocksThatTheyAreSaidToHold) {

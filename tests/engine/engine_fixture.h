@@ -16,6 +16,7 @@
 #include "app/platform/simulation/simulation.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
+#include "tests/device/one_pad.h"
 
 namespace kelvaro {
 
@@ -72,11 +73,13 @@ class RecordingAction : public InputAction {
   }
   bool Release() override {
     journal->Note("release " + name);
+    if (onRelease) onRelease();
     if (releaseMs != 0) platform::Sleep(releaseMs);
     return true;
   }
 
   std::vector<Arguments> replays;
+  std::function<void()> onRelease;
 
  private:
   const std::string name;
@@ -138,16 +141,20 @@ inline std::uint64_t MaskOf(const std::vector<std::uint32_t>& buttons) {
 
 // A state with these buttons down (from 1), axes 0 and hats centred.
 inline DIJOYSTATE2 Pad(const std::vector<std::uint32_t>& buttons = {}) {
-  DIJOYSTATE2 state;
-  for (std::uint32_t& hat : state.rgdwPOV) hat = platform::kPovCentred;
+  DIJOYSTATE2 state = test::AtRest();
   for (const std::uint32_t button : buttons) state.rgbButtons[button - 1] = 128;
   return state;
 }
 
-inline DIJOYSTATE2 WithX(std::int32_t x, const std::vector<std::uint32_t>& buttons = {}) {
+inline DIJOYSTATE2 With(std::int32_t DIJOYSTATE2::*axis, std::int32_t value,
+                        const std::vector<std::uint32_t>& buttons = {}) {
   DIJOYSTATE2 state = Pad(buttons);
-  state.lX = x;
+  state.*axis = value;
   return state;
+}
+
+inline DIJOYSTATE2 WithX(std::int32_t x, const std::vector<std::uint32_t>& buttons = {}) {
+  return With(&DIJOYSTATE2::lX, x, buttons);
 }
 
 inline DIJOYSTATE2 WithHat(std::uint32_t angle) {
@@ -173,7 +180,8 @@ class EngineTest : public ::testing::Test {
 
   // Adds to the master list; the DispatchList is rebuilt.
   Control* Add(const Mapping& mapping) {
-    Control made;
+    EXPECT_TRUE(profile.controls.AddTail({}));
+    Control& made = *profile.controls.tail->value;
     made.activateOnPress = mapping.onPress;
     made.toggleMouseControls = mapping.toggles;
     made.repeatEnabled = mapping.repeats;
@@ -189,11 +197,8 @@ class EngineTest : public ::testing::Test {
       made.actions.AddTail(new RecordingAction(name, &journal, mapping.pressMs, mapping.releaseMs));
     }
     made.controlId = profile.nextControlId++;
-    // The copy in the list owns the actions.
-    made.actionsBorrowed = 1;
-    profile.controls.AddTail(made);
     profile.RebuildDispatchList();
-    return profile.controls.tail->value;
+    return &made;
   }
   // The copy that the dispatcher walks.
   Control& Copy(const Control* master) {
@@ -242,17 +247,23 @@ class EngineTest : public ::testing::Test {
   // A pad that is selected and polled, and the repeat worker running. Times are noted from here on,
   // and polls come at multiples of `interval`, the worker's looks at multiples of 10.
   platform::SimulatedDevice& Plug(std::uint32_t interval) {
-    platform::SimulatedDevice& pad = sim.AddDevice({});
+    pad = &sim.AddDevice({});
     EXPECT_TRUE(device.EnumerateDevices());
     EXPECT_TRUE(device.SetPollInterval(interval));
     EXPECT_TRUE(device.SelectDevice(0));
     EXPECT_TRUE(engine.repeatWorker.Start(false, WorkerThread::kPriorityOfCaller));
     start = sim.Now();
     journal.CountFrom(sim, start);
-    return pad;
+    return *pad;
   }
   // Time since Plug.
   void RunTo(std::uint64_t t) { sim.RunUntil(start + t); }
+  // From `at` on these buttons of the pad and no others; plays until `until`.
+  void Hold(std::uint64_t at, std::initializer_list<std::uint32_t> buttons, std::uint64_t until) {
+    RunTo(at);
+    pad->Press(buttons);
+    RunTo(until);
+  }
 
   platform::simulation::Simulation sim;
   Journal journal;
@@ -261,6 +272,7 @@ class EngineTest : public ::testing::Test {
   DeviceManager device{platform::kNoWindow};
   ControlEngine engine{profile, device, host};
   std::uint64_t start = 0;
+  platform::SimulatedDevice* pad = nullptr;  // after Plug
 };
 
 }  // namespace kelvaro
