@@ -169,72 +169,45 @@ TEST_F(Dispatcher, AHeldLongTriggerGoesOnSilencingItsParts) {
   EXPECT_EQ(Dispatch({1, 2}), "");
 }
 
-struct Containment {
-  const char* why;
-  Mapping outer;  // comes first, by its weight or by its place
-  Mapping inner;
-  DIJOYSTATE2 state;  // both are active
-  bool silenced;
+// The outer comes first, by its weight or by its place; both are active in `state`.
+class DispatcherContainment : public Dispatcher {
+ protected:
+  void ExpectSilenced(const char* why, bool silenced, const DIJOYSTATE2& state, Mapping outer,
+                      Mapping inner) {
+    profile.Clear();
+    outer.name = "outer";
+    inner.name = "inner";
+    Add(outer);
+    Add(inner);
+    EXPECT_EQ(Dispatch(state), silenced ? "press outer" : "press outer, press inner") << why;
+  }
 };
 
-TEST_F(Dispatcher, IsSilencedOnlyWhenEveryInputIsInTheOther) {
-  DIJOYSTATE2 upRight = WithHat(5000);
+TEST_F(DispatcherContainment, IsSilencedOnlyWhenEveryInputIsInTheOther) {
+  const DIJOYSTATE2 upRight = WithHat(5000);
   DIJOYSTATE2 upRightB1 = upRight;
   upRightB1.rgbButtons[0] = 1;
   DIJOYSTATE2 twoAxes = WithX(kLimit, {1, 2});
   twoAxes.lY = -kLimit;
   DIJOYSTATE2 banks = WithX(kLimit);
   banks.lVX = kLimit;
-  const Containment rows[] = {
-      {"a button of two", {.buttons = {1, 2}}, {.buttons = {2}}, Pad({1, 2}), true},
-      {"overlap alone doesn't", {.buttons = {1, 2}}, {.buttons = {2, 3}}, Pad({1, 2, 3}), false},
-      {"an axis of a button and an axis",
-       {.buttons = {1}, .items = {Axis(0, AxisPos)}},
-       {.items = {Axis(0, AxisPos)}},
-       twoAxes,
-       true},
-      {"the button of a button and an axis",
-       {.buttons = {1}, .items = {Axis(0, AxisPos)}},
-       {.buttons = {1}},
-       twoAxes,
-       true},
-      {"the axis is another",
-       {.buttons = {1}, .items = {Axis(0, AxisPos)}},
-       {.buttons = {1}, .items = {Axis(1, AxisNeg)}},
-       twoAxes,
-       false},
-      {"the button is another",
-       {.buttons = {1}, .items = {Axis(0, AxisPos)}},
-       {.buttons = {2}, .items = {Axis(0, AxisPos)}},
-       twoAxes,
-       false},
-      {"the bank is another",
-       {.items = {Axis(0, AxisPos, 0)}},
-       {.items = {Axis(0, AxisPos, 1)}},
-       banks,
-       false},
-      {"the direction of a hat isn't compared",
-       {.items = {Hat(PovRight)}},
-       {.items = {Hat(PovUp)}},
-       upRight,
-       true},
-      {"nor with a button beside it",
-       {.buttons = {1}, .items = {Hat(PovRight)}},
-       {.items = {Hat(PovUp)}},
-       upRightB1,
-       true},
-  };
-  for (const Containment& row : rows) {
-    profile.Clear();
-    Mapping outer = row.outer;
-    Mapping inner = row.inner;
-    outer.name = "outer";
-    inner.name = "inner";
-    Add(outer);
-    Add(inner);
-    EXPECT_EQ(Dispatch(row.state), row.silenced ? "press outer" : "press outer, press inner")
-        << row.why;
-  }
+  const TriggerItem x = Axis(0, AxisPos);
+  const Mapping b1AndX{.buttons = {1}, .items = {x}};
+
+  ExpectSilenced("a button of two", true, Pad({1, 2}), {.buttons = {1, 2}}, {.buttons = {2}});
+  ExpectSilenced("overlap alone doesn't", false, Pad({1, 2, 3}), {.buttons = {1, 2}},
+                 {.buttons = {2, 3}});
+  ExpectSilenced("an axis of a button and an axis", true, twoAxes, b1AndX, {.items = {x}});
+  ExpectSilenced("the button of a button and an axis", true, twoAxes, b1AndX, {.buttons = {1}});
+  ExpectSilenced("the axis is another", false, twoAxes, b1AndX,
+                 {.buttons = {1}, .items = {Axis(1, AxisNeg)}});
+  ExpectSilenced("the button is another", false, twoAxes, b1AndX, {.buttons = {2}, .items = {x}});
+  ExpectSilenced("the bank is another", false, banks, {.items = {x}},
+                 {.items = {Axis(0, AxisPos, 1)}});
+  ExpectSilenced("the direction of a hat isn't compared", true, upRight, {.items = {Hat(PovRight)}},
+                 {.items = {Hat(PovUp)}});
+  ExpectSilenced("nor with a button beside it", true, upRightB1,
+                 {.buttons = {1}, .items = {Hat(PovRight)}}, {.items = {Hat(PovUp)}});
 }
 
 TEST_F(Dispatcher, BeingInsideAHeavierOneDoesNotReleaseWhatIsDown) {

@@ -30,9 +30,7 @@ TEST_F(Engine, AttachedItIsDrivenByThePad) {
   RunTo(15);
   pad.Press({1});
   pad.MoveAxis("Axis_X0", kLimit);
-  RunTo(35);
-  pad.Press({});
-  RunTo(45);
+  Hold(35, {}, 45);
   EXPECT_EQ(journal.Take(), "20 press a, 40 release a");
   EXPECT_EQ(MouseEvents(), "1 4 0 0, 1 4 0 0, 1 4 0 0");  // at 20, 30 and 40
 }
@@ -42,13 +40,9 @@ TEST_F(Engine, ChangesDuringALongReplayFoldIntoOne) {
   Add({.name = "b", .buttons = {2}});
   Add({.name = "c", .buttons = {3}});
   auto& pad = Plug(10);
-  RunTo(15);
-  pad.Press({1});
-  RunTo(45);
+  Hold(15, {1}, 45);
   pad.Press({1, 2});  // never seen
-  RunTo(75);
-  pad.Press({1, 3});
-  RunTo(200);
+  Hold(75, {1, 3}, 200);
   // The replay runs from 20 to 120. The tick at 120 still finds the device locked.
   EXPECT_EQ(journal.Take(), "20 press long, 130 press c");
 }
@@ -56,9 +50,7 @@ TEST_F(Engine, ChangesDuringALongReplayFoldIntoOne) {
 TEST_F(Engine, AnyChangeOfTheStateIsADispatchForAnArmedControl) {
   Add({.name = "r", .buttons = {1}, .onPress = false});
   auto& pad = Plug(10);
-  RunTo(15);
-  pad.Press({1});
-  RunTo(35);
+  Hold(15, {1}, 35);
   pad.MoveAxis("Axis_Z0", 1);
   RunTo(100);
   EXPECT_EQ(journal.Take(), "40 press r, 40 release r");
@@ -123,18 +115,10 @@ TEST_F(Engine, LetGoLiftsMouseButtonsAlsoWhenTheMouseControlsWentOff) {
 
 TEST_F(Engine, LetGoComesToTheMouseAfterTheKeys) {
   // The action sends an event of its own, so that the two can be put in order.
-  class Sending : public InputAction {
-   public:
-    Sending() { actionType = kKeyAction; }
-    bool Release() override {
-      platform::keybd_event(0x41, 0x1e, platform::KEYEVENTF_KEYUP, 0);
-      return true;
-    }
-  };
   Control* a = Add({.name = "a", .buttons = {2}});
-  delete *a->actions.head->value;
-  *a->actions.head->value = new Sending;
-  profile.RebuildDispatchList();
+  FirstAction(*a).onRelease = [] {
+    platform::keybd_event(0x41, 0x1e, platform::KEYEVENTF_KEYUP, 0);
+  };
   profile.leftMask = MouseButtonMask(0);
   engine.mouseActive = true;
   Dispatch({1, 2});
@@ -163,10 +147,8 @@ TEST_F(Engine, AfterLetGoNothingIsPressedAnew) {
 
 TEST_F(Engine, LetGoWaitsForAReplayUnderWay) {
   Add({.name = "a", .buttons = {1}, .pressMs = 30});
-  auto& pad = Plug(5);
-  RunTo(18);
-  pad.Press({1});
-  RunTo(25);
+  Plug(5);
+  Hold(18, {1}, 25);
   engine.LetGo();
   EXPECT_EQ(sim.Now() - start, 50u);
   EXPECT_EQ(journal.Take(), "20 press a, 50 release a");
@@ -176,10 +158,8 @@ TEST_F(Engine, LetGoWaitsForAReplayUnderWay) {
 
 TEST_F(Engine, LetGoWaitsForAReplayOfTheRepeatWorker) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .pressMs = 30});
-  auto& pad = Plug(5);
-  RunTo(18);
-  pad.Press({1});
-  RunTo(560);
+  Plug(5);
+  Hold(18, {1}, 560);
   EXPECT_EQ(journal.Take(), "20 press a, 550 press a");
   engine.LetGo();
   EXPECT_EQ(sim.Now() - start, 580u);
@@ -190,10 +170,8 @@ TEST_F(Engine, LetGoWaitsForAReplayOfTheRepeatWorker) {
 TEST_F(Engine, NothingRepeatsWhileLetGoReleasesTheOthers) {
   Add({.name = "slow", .buttons = {1, 2}, .releaseMs = 100});
   Add({.name = "r", .buttons = {3}, .repeats = true, .delay = 0, .speed = 0});
-  auto& pad = Plug(5);
-  RunTo(18);
-  pad.Press({1, 2, 3});
-  RunTo(22);
+  Plug(5);
+  Hold(18, {1, 2, 3}, 22);
   EXPECT_EQ(journal.Take(), "20 press slow, 20 press r, 20 press r");
   engine.LetGo();
   EXPECT_EQ(sim.Now() - start, 122u);
@@ -202,28 +180,16 @@ TEST_F(Engine, NothingRepeatsWhileLetGoReleasesTheOthers) {
 
 // Were it not held, a dispatch that has begun could fire after the Controls have been let go.
 TEST_F(Engine, LetGoHoldsTheDeviceThroughout) {
-  class Looking : public InputAction {
-   public:
-    explicit Looking(const RecursiveLock* lock) : lock(lock) { actionType = kKeyAction; }
-    bool Release() override {
-      taken = lock->IsTaken();
-      return true;
-    }
-    const RecursiveLock* const lock;
-    bool taken = false;
-  };
   Control* a = Add({.name = "a", .buttons = {1}});
-  auto* looking = new Looking(&device.deviceLock);
-  delete *a->actions.head->value;
-  *a->actions.head->value = looking;
-  profile.RebuildDispatchList();
+  bool takenAtTheKeys = false;
+  FirstAction(*a).onRelease = [&] { takenAtTheKeys = device.deviceLock.IsTaken(); };
   profile.leftMask = MouseButtonMask(1);
   engine.mouseActive = true;
   Dispatch({1, 2});
   bool takenAtTheMouse = false;
   sim.OnEvent([&](const auto&) { takenAtTheMouse = device.deviceLock.IsTaken(); });
   engine.LetGo();
-  EXPECT_TRUE(looking->taken);
+  EXPECT_TRUE(takenAtTheKeys);
   EXPECT_TRUE(takenAtTheMouse);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/engine/item_text.h"
 #include "tests/foundation/allocations.h"
 
 namespace kelvaro {
@@ -160,23 +161,16 @@ DeviceSnapshot SnapshotOf(const Held& held) {
   return snapshot;
 }
 
-std::string CapturedText(const DeviceSnapshot& snapshot) {
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
-  return Plain(text);
-}
-
-void ExpectItems(const Trigger& trigger, const std::vector<TriggerItem>& expected) {
-  ASSERT_EQ(trigger.triggerItems.count, static_cast<std::int32_t>(expected.size()));
-  std::size_t i = 0;
-  for (const TriggerItem& item : trigger.triggerItems) {
-    EXPECT_EQ(item.kind, expected[i].kind) << "item " << i;
-    EXPECT_EQ(item.index, expected[i].index) << "item " << i;
-    EXPECT_EQ(item.value, expected[i].value) << "item " << i;
-    ++i;
+struct Captured {
+  explicit Captured(const DeviceSnapshot& snapshot, std::int32_t axisMax = kAxisMax) {
+    ByteString bytes;
+    CaptureTrigger(axisMax, snapshot, &bytes, &trigger);
+    text = Plain(bytes);
   }
-}
+
+  std::string text;
+  Trigger trigger;
+};
 
 TEST(CaptureTrigger, OfNothingEmptiesTextAndTrigger) {
   Trigger trigger;
@@ -195,7 +189,7 @@ TEST(CaptureTrigger, OfNothingEmptiesTextAndTrigger) {
   EXPECT_EQ(trigger.buttonCount, 0u);
   EXPECT_EQ(trigger.triggerArmed, 0);
   EXPECT_EQ(trigger.triggerSpoiled, 0);
-  ExpectItems(trigger, {});
+  EXPECT_EQ(ItemsText(trigger), "");
 }
 
 TEST(CaptureTrigger, LeavesTheRestOfAControlAlone) {
@@ -214,26 +208,22 @@ TEST(CaptureTrigger, TakesTheButtonsThatTheControlsSee) {
   DeviceSnapshot snapshot;
   snapshot.currentButtons = 0xFF;
   snapshot.dispatchButtons = 0x8000000000000005u;
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "B1+B3+B64");
-  EXPECT_EQ(trigger.buttonMask, 0x8000000000000005u);
-  EXPECT_EQ(trigger.buttonCount, 3u);
-  ExpectItems(trigger, {});
+  const Captured captured(snapshot);
+  EXPECT_EQ(captured.text, "B1+B3+B64");
+  EXPECT_EQ(captured.trigger.buttonMask, 0x8000000000000005u);
+  EXPECT_EQ(captured.trigger.buttonCount, 3u);
+  EXPECT_EQ(ItemsText(captured.trigger), "");
 }
 
 TEST(CaptureTrigger, EveryHatThatIsPushedBecomesAnItem) {
   const DeviceSnapshot snapshot = SnapshotOf({2, {PovLeft, 0, PovUp | PovRight, 0}});
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "B2+POV0(left)+POV2(up+right)");
-  ExpectItems(trigger, {{8, 0, PovLeft}, {8, 2, PovUp | PovRight}});
+  const Captured captured(snapshot);
+  EXPECT_EQ(captured.text, "B2+POV0(left)+POV2(up+right)");
+  EXPECT_EQ(ItemsText(captured.trigger), "8 0 1, 8 2 6");
 }
 
 TEST(CaptureTrigger, LaterHatBeginsWithAPlus) {
-  EXPECT_EQ(CapturedText(SnapshotOf({0, {PovLeft, 0, PovDown, 0}})), "POV0(left)+POV2(+down)");
+  EXPECT_EQ(Captured(SnapshotOf({0, {PovLeft, 0, PovDown, 0}})).text, "POV0(left)+POV2(+down)");
 }
 
 TEST(CaptureTrigger, PlusesOfSeveralHats) {
@@ -250,7 +240,7 @@ TEST(CaptureTrigger, PlusesOfSeveralHats) {
       {{1, {PovLeft, 0, 0, 0}}, "B1+POV0(left)"},
       {{1, {0, PovDown, PovRight, 0}}, "B1+POV1(down)+POV2(+right)"},
   };
-  for (const auto& row : rows) EXPECT_EQ(CapturedText(SnapshotOf(row.held)), row.text);
+  for (const auto& row : rows) EXPECT_EQ(Captured(SnapshotOf(row.held)).text, row.text);
 }
 
 TEST(CaptureTrigger, AxesComeBankByBankAndKindByKind) {
@@ -261,33 +251,25 @@ TEST(CaptureTrigger, AxesComeBankByBankAndKindByKind) {
   snapshot.state.rglSlider[0] = -20000;  // bank 0
   snapshot.state.lZ = 16001;             // bank 0
   snapshot.state.lRx = 16000;            // at rest still
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "Axis_Z0(pos)+SliderA0(neg)+Axis_X1(neg)+Axis_Y2(pos)+SliderB3(pos)");
-  ExpectItems(trigger, {{2, 0, 2}, {6, 0, 1}, {0, 1, 1}, {1, 2, 2}, {7, 3, 2}});
+  const Captured captured(snapshot);
+  EXPECT_EQ(captured.text, "Axis_Z0(pos)+SliderA0(neg)+Axis_X1(neg)+Axis_Y2(pos)+SliderB3(pos)");
+  EXPECT_EQ(ItemsText(captured.trigger), "2 0 2, 6 0 1, 0 1 1, 1 2 2, 7 3 2");
 }
 
 TEST(CaptureTrigger, ButtonsThenHatsThenAxes) {
   DeviceSnapshot snapshot = SnapshotOf({9, {0, PovDown, 0, 0}});
   snapshot.state.lX = -32000;
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "B1+B4+POV1(down)+Axis_X0(neg)");
-  ExpectItems(trigger, {{8, 1, PovDown}, {0, 0, 1}});
-  EXPECT_EQ(trigger.buttonCount, 2u);
+  const Captured captured(snapshot);
+  EXPECT_EQ(captured.text, "B1+B4+POV1(down)+Axis_X0(neg)");
+  EXPECT_EQ(ItemsText(captured.trigger), "8 1 8, 0 0 1");
+  EXPECT_EQ(captured.trigger.buttonCount, 2u);
 }
 
 TEST(CaptureTrigger, FollowsTheAxisLimit) {
   DeviceSnapshot snapshot;
   snapshot.state.lX = 51;
-  Trigger trigger;
-  ByteString text;
-  CaptureTrigger(100, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "Axis_X0(pos)");
-  CaptureTrigger(200, snapshot, &text, &trigger);
-  EXPECT_EQ(Plain(text), "");
+  EXPECT_EQ(Captured(snapshot, 100).text, "Axis_X0(pos)");
+  EXPECT_EQ(Captured(snapshot, 200).text, "");
 }
 
 TEST(CaptureTrigger, GoesOnWhenAnItemFindsNoMemory) {
@@ -300,7 +282,7 @@ TEST(CaptureTrigger, GoesOnWhenAnItemFindsNoMemory) {
     EXPECT_EQ(fault.Failed(), 1u);
   }
   EXPECT_EQ(Plain(text), "B1+POV0(up)+POV1(+left)");
-  ExpectItems(trigger, {{8, 1, PovLeft}});
+  EXPECT_EQ(ItemsText(trigger), "8 1 1");
 }
 
 }  // namespace

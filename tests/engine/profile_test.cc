@@ -208,39 +208,29 @@ TEST_F(ProfileActions, SecondRebuildReplacesTheCopiesAndKeepsTheActions) {
   EXPECT_EQ(CountingAction::destroyed, 0);
 }
 
+// Armed, spoiled, down, repeating, and since when.
+std::vector<std::uint32_t> RunTime(const Control& control) {
+  return {control.triggerArmed, control.triggerSpoiled, control.triggerDown, control.repeatStarted,
+          control.repeatLastTick};
+}
+
+void Play(Control* control, std::uint32_t tick) {
+  control->triggerArmed = control->triggerSpoiled = control->triggerDown = 1;
+  control->repeatStarted = 1;
+  control->repeatLastTick = tick;
+}
+
 TEST_F(ProfileActions, RunTimeFlagsStartAsOnTheMasterList) {
   Profile profile;
   Add(&profile, {'a', 1});
-  Control* b = Add(&profile, {'b', 1});
-  b->triggerArmed = 1;
-  b->triggerSpoiled = 1;
-  b->triggerDown = 1;
-  b->repeatStarted = 1;
-  b->repeatLastTick = 77;
+  Play(Add(&profile, {'b', 1}), 77);
   profile.RebuildDispatchList();
-
-  // What play makes of the copies...
-  Control* copyOfA = profile.DispatchList.head->value;
-  copyOfA->triggerArmed = 1;
-  copyOfA->triggerSpoiled = 1;
-  copyOfA->triggerDown = 1;
-  copyOfA->repeatStarted = 1;
-  copyOfA->repeatLastTick = 5;
-  // ...is forgotten.
+  Play(profile.DispatchList.head->value, 5);
   profile.RebuildDispatchList();
-
-  copyOfA = profile.DispatchList.head->value;
-  const Control* copyOfB = profile.DispatchList.tail->value;
-  EXPECT_EQ(copyOfA->triggerArmed, 0);
-  EXPECT_EQ(copyOfA->triggerSpoiled, 0);
-  EXPECT_EQ(copyOfA->triggerDown, 0);
-  EXPECT_EQ(copyOfA->repeatStarted, 0);
-  EXPECT_EQ(copyOfA->repeatLastTick, 0u);
-  EXPECT_EQ(copyOfB->triggerArmed, 1);
-  EXPECT_EQ(copyOfB->triggerSpoiled, 1);
-  EXPECT_EQ(copyOfB->triggerDown, 1);
-  EXPECT_EQ(copyOfB->repeatStarted, 1);
-  EXPECT_EQ(copyOfB->repeatLastTick, 77u);
+  EXPECT_EQ(RunTime(*profile.DispatchList.head->value),
+            (std::vector<std::uint32_t>{0, 0, 0, 0, 0}));
+  EXPECT_EQ(RunTime(*profile.DispatchList.tail->value),
+            (std::vector<std::uint32_t>{1, 1, 1, 1, 77}));
 }
 
 TEST_F(ProfileActions, EvaluatingACopyLeavesTheMasterAtRest) {
@@ -326,6 +316,21 @@ TEST(Profile, ClearEmptiesNameDeviceAndLists) {
   EXPECT_EQ(profile.DispatchList.count, 0);
 }
 
+// All but mouseAlwaysActive.
+std::vector<std::int64_t> Numbers(const MouseSettings& settings) {
+  std::vector<std::int64_t> numbers{settings.acceleration, settings.movementDamper,
+                                    settings.movementSensitivity, settings.wheelDamper,
+                                    settings.wheelSensitivity};
+  for (const MouseRoleInput& input : kMouseRoles) {
+    const TriggerItem item = input.axis ? TriggerItem(settings.*input.axis) : TriggerItem{};
+    numbers.insert(numbers.end(), {item.kind, item.index, item.value});
+    if (input.axis) continue;
+    numbers.push_back(settings.*input.button);
+    numbers.push_back(static_cast<std::int64_t>(settings.*input.mask));
+  }
+  return numbers;
+}
+
 TEST(Profile, ClearLeavesTheOtherMouseSettings) {
   platform::simulation::Simulation sim;
   Profile profile;
@@ -343,28 +348,10 @@ TEST(Profile, ClearLeavesTheOtherMouseSettings) {
   profile.mouseX = TriggerItem{0, 1, 176};
   profile.mouseY = TriggerItem{9, 1, 36};
   profile.mouseWheel = TriggerItem{7, 0, 28};
+  const std::vector<std::int64_t> before = Numbers(profile);
+  EXPECT_NE(before, Numbers(Profile()));
   profile.Clear();
-  EXPECT_EQ(profile.acceleration, 1);
-  EXPECT_EQ(profile.movementDamper, 2);
-  EXPECT_EQ(profile.movementSensitivity, 3);
-  EXPECT_EQ(profile.wheelDamper, 4);
-  EXPECT_EQ(profile.wheelSensitivity, 6);
-  EXPECT_EQ(profile.leftButton, 7);
-  EXPECT_EQ(profile.middleButton, 8);
-  EXPECT_EQ(profile.rightButton, 9);
-  EXPECT_EQ(profile.leftMask, 0x80u);
-  EXPECT_EQ(profile.middleMask, 0x100u);
-  EXPECT_EQ(profile.rightMask, 0x200u);
-  const TriggerItem x = profile.mouseX, y = profile.mouseY, wheel = profile.mouseWheel;
-  EXPECT_EQ(x.kind, 0);
-  EXPECT_EQ(x.index, 1);
-  EXPECT_EQ(x.value, 176);
-  EXPECT_EQ(y.kind, 9);
-  EXPECT_EQ(y.index, 1);
-  EXPECT_EQ(y.value, 36);
-  EXPECT_EQ(wheel.kind, 7);
-  EXPECT_EQ(wheel.index, 0);
-  EXPECT_EQ(wheel.value, 28);
+  EXPECT_EQ(Numbers(profile), before);
 }
 
 TEST_F(ProfileActions, ClearDropsTheCopiesFirstAndHoldsTheLock) {

@@ -10,16 +10,15 @@ namespace {
 // The pad is polled every 5 ms, the worker looks every 10, both counted from the same moment.
 class Repeat : public EngineTest {
  protected:
-  Repeat() : pad(&Plug(5)) { RunTo(12); }
-
-  platform::SimulatedDevice* pad;
+  Repeat() {
+    Plug(5);
+    RunTo(12);
+  }
 };
 
 TEST_F(Repeat, AHeldControlIsReplayedAtOnceThenAfterItsDelayThenAtItsSpeed) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(680);
+  Hold(18, {1}, 680);
   EXPECT_EQ(journal.Take(), "20 press a, 520 press a, 570 press a, 620 press a, 670 press a");
   pad->Press({});
   RunTo(3000);
@@ -28,35 +27,27 @@ TEST_F(Repeat, AHeldControlIsReplayedAtOnceThenAfterItsDelayThenAtItsSpeed) {
 
 TEST_F(Repeat, IntervalsAreRoundedUpToTheLooks) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 493, .speed = 45});
-  RunTo(22);
-  pad->Press({1});
-  RunTo(630);
+  Hold(22, {1}, 630);
   // Due at 518, then 565 and 615, each counted from the look before.
   EXPECT_EQ(journal.Take(), "25 press a, 520 press a, 570 press a, 620 press a");
 }
 
 TEST_F(Repeat, ADelayThatIsAMillisecondShortWaitsForTheNextLook) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(22);
-  pad->Press({1});
-  RunTo(590);
+  Hold(22, {1}, 590);
   EXPECT_EQ(journal.Take(), "25 press a, 530 press a, 580 press a");
 }
 
 TEST_F(Repeat, WithoutDelayAndSpeedEachLookReplays) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 0, .speed = 0});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(40);
+  Hold(18, {1}, 40);
   EXPECT_EQ(journal.Take(), "20 press a, 20 press a, 30 press a, 40 press a");
 }
 
 TEST_F(Repeat, ALaterControlTakesTheSlotAndKeepsItWhenTheEarlierIsLetGo) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
   Add({.name = "b", .buttons = {2}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(538);
+  Hold(18, {1}, 538);
   EXPECT_EQ(journal.Take(), "20 press a, 520 press a");
   pad->Press({1, 2});
   RunTo(1098);
@@ -69,34 +60,24 @@ TEST_F(Repeat, ALaterControlTakesTheSlotAndKeepsItWhenTheEarlierIsLetGo) {
 TEST_F(Repeat, LettingGoOfTheLaterEndsAllThoughTheEarlierIsStillHeld) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
   Add({.name = "b", .buttons = {2}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(38);
+  Hold(18, {1}, 38);
   pad->Press({1, 2});
-  RunTo(98);
-  pad->Press({1});
-  RunTo(3000);
+  Hold(98, {1}, 3000);
   EXPECT_EQ(journal.Take(), "20 press a, 40 press b");
 }
 
 TEST_F(Repeat, PressedAnewItWaitsForItsDelayAgain) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(598);
+  Hold(18, {1}, 598);
   pad->Press({});
-  RunTo(608);
-  pad->Press({1});
-  RunTo(1170);
+  Hold(608, {1}, 1170);
   EXPECT_EQ(journal.Take(),
             "20 press a, 520 press a, 570 press a, 610 press a, 1110 press a, 1160 press a");
 }
 
 TEST_F(Repeat, TheTimeOfASlowReplayIsNotPartOfTheInterval) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .pressMs = 30});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(740);
+  Hold(18, {1}, 740);
   // 20 to 50, 550 to 580, 630 to 660, 710 to 740.
   EXPECT_EQ(journal.Take(), "20 press a, 550 press a, 630 press a, 710 press a");
 }
@@ -104,22 +85,16 @@ TEST_F(Repeat, TheTimeOfASlowReplayIsNotPartOfTheInterval) {
 TEST_F(Repeat, ADispatchThatEndsTheRepeatingControlWaitsForItsReplay) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .pressMs = 30});
   Add({.name = "b", .buttons = {2}});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(552);
-  pad->Press({});  // polled at 555, in the replay from 550 to 580
-  RunTo(558);
-  pad->Press({2});  // the polls at 560 to 580 find the device locked
-  RunTo(1000);
+  Hold(18, {1}, 552);
+  pad->Press({});        // polled at 555, in the replay from 550 to 580
+  Hold(558, {2}, 1000);  // the polls at 560 to 580 find the device locked
   EXPECT_EQ(journal.Take(), "20 press a, 550 press a, 585 press b");
 }
 
 TEST_F(Repeat, AWrapOfTheTickCounterDoesNoHarm) {
   sim.SetTickOffset(0u - static_cast<std::uint32_t>(start + 300));  // the counter is 0 at 300
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(299);
+  Hold(18, {1}, 299);
   EXPECT_EQ(platform::GetTickCount(), 0xFFFFFFFFu);
   RunTo(580);
   EXPECT_EQ(journal.Take(), "20 press a, 520 press a, 570 press a");
@@ -128,9 +103,7 @@ TEST_F(Repeat, AWrapOfTheTickCounterDoesNoHarm) {
 TEST_F(Repeat, EachReplayRunsAllActionsAndTellsThemThatItRepeats) {
   Control* a =
       Add({.name = "a", .buttons = {1}, .repeats = true, .hold = 3, .pause = 4, .more = {"b"}});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(560);
+  Hold(18, {1}, 560);
   EXPECT_EQ(journal.Take(), "20 press a, 20 press b, 520 press a, 520 press b");
   const std::vector<RecordingAction::Arguments> expected(2, {1, 3, 4});
   EXPECT_EQ(FirstAction(*a).replays, expected);
@@ -138,9 +111,7 @@ TEST_F(Repeat, EachReplayRunsAllActionsAndTellsThemThatItRepeats) {
 
 TEST_F(Repeat, AControlThatDoesNotRepeatAnyMoreIsLeftAlone) {
   Control* a = Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(100);
+  Hold(18, {1}, 100);
   Copy(a).repeatEnabled = 0;
   RunTo(1000);
   EXPECT_EQ(journal.Take(), "20 press a");
@@ -149,9 +120,7 @@ TEST_F(Repeat, AControlThatDoesNotRepeatAnyMoreIsLeftAlone) {
 
 TEST_F(Repeat, ClearEndsItBeforeTheListIsRebuilt) {
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(100);
+  Hold(18, {1}, 100);
   engine.repeatWorker.Clear();
   profile.RebuildDispatchList();
   RunTo(1000);
@@ -173,9 +142,7 @@ TEST_F(Repeat, StartMarksTheControlAsWaitingFromNow) {
 
 TEST_F(Repeat, TheFirstReplayOfTheWorkerTurnsDelayIntoSpeed) {
   Control* a = Add({.name = "a", .buttons = {1}, .repeats = true});
-  RunTo(18);
-  pad->Press({1});
-  RunTo(515);
+  Hold(18, {1}, 515);
   EXPECT_EQ(Copy(a).repeatStarted, 0);
   RunTo(525);
   EXPECT_EQ(Copy(a).repeatStarted, 1);

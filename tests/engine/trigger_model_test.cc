@@ -47,14 +47,6 @@ std::uint16_t Bits(const std::set<std::string>& directions) {
   return bits;
 }
 
-TEST(HatModel, AgreesOnRandomAngles) {
-  std::mt19937 random(7);
-  for (int i = 0; i < 200000; ++i) {
-    const std::uint32_t angle = static_cast<std::uint32_t>(random());
-    ASSERT_EQ(PovDirectionsFromAngle(angle), Bits(ModelDirections(angle))) << angle;
-  }
-}
-
 // ---- Triggers ----
 
 struct ModelTrigger {

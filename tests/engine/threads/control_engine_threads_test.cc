@@ -5,71 +5,33 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 
 #include "app/platform/clock.h"
 #include "app/platform/linux/linux_platform.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
+#include "tests/device/one_pad.h"
 
 namespace kelvaro {
 namespace {
 
 // Holds another set of buttons and axes at each poll. Touched by the timer's thread only.
-class RestlessPad : public platform::DirectInputDevice {
+class RestlessPad : public test::OnePad {
  public:
-  platform::HRESULT SetDataFormat() override { return platform::DI_OK; }
-  platform::HRESULT SetCooperativeLevel(platform::Handle, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT GetCapabilities(platform::DIDEVCAPS*) override { return platform::DI_OK; }
-  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>&, std::uint32_t) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE&) override {
-    return platform::DI_OK;
-  }
-  platform::HRESULT Acquire() override { return platform::DI_OK; }
-  platform::HRESULT Unacquire() override { return platform::DI_OK; }
   platform::HRESULT Poll() override {
     seed = seed * 1664525u + 1013904223u;
     return platform::DI_OK;
   }
   platform::HRESULT GetDeviceState(std::uint32_t, DIJOYSTATE2* state) override {
-    *state = {};
-    for (auto& hat : state->rgdwPOV) hat = platform::kPovCentred;
+    *state = test::AtRest();
     state->lX = static_cast<std::int32_t>(seed >> 8) % 32000;
     state->lY = static_cast<std::int32_t>(seed >> 12) % 32000;
     for (int n = 0; n < 4; ++n) state->rgbButtons[n] = (seed >> (20 + n) & 1) != 0 ? 0x80 : 0;
     return platform::DI_OK;
   }
-  void Release() override {}
 
  private:
   std::uint32_t seed = 1;
-};
-
-class OnePad : public platform::Devices, public platform::DirectInput {
- public:
-  platform::HRESULT DirectInput8Create(std::uint32_t, platform::DirectInput** out) override {
-    *out = this;
-    return platform::DI_OK;
-  }
-  platform::HRESULT EnumDevices(std::uint32_t,
-                                const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
-                                std::uint32_t) override {
-    visit({});
-    return platform::DI_OK;
-  }
-  platform::HRESULT CreateDevice(const platform::GUID&,
-                                 platform::DirectInputDevice** out) override {
-    *out = &pad;
-    return platform::DI_OK;
-  }
-  void Release() override {}
-
- private:
-  RestlessPad pad;
 };
 
 // How often each mouse button went down and up.
@@ -125,20 +87,17 @@ class QuietHost : public EngineHost {
 
 class RealThreads : public ::testing::Test {
  protected:
-  RealThreads() : groups(Groups(machine.Groups(), &pad, &input)), installed(groups) {}
-
-  static platform::Platform Groups(platform::Platform groups, platform::Devices* devices,
-                                   platform::Input* input) {
-    groups.devices = devices;
-    groups.input = input;
+  platform::Platform Groups() {
+    platform::Platform groups = machine.Groups();
+    groups.devices = &pad;
+    groups.input = &input;
     return groups;
   }
 
   platform::LinuxPlatform machine;
-  OnePad pad;
+  RestlessPad pad;
   CountingInput input;
-  platform::Platform groups;
-  platform::InstalledPlatform installed;
+  platform::InstalledPlatform installed{Groups()};
 };
 
 // What owns what, and in which order it goes.
@@ -146,15 +105,14 @@ struct Session {
   Session() {
     host.settings = &profile;
     for (int n = 0; n < 4; ++n) {
-      Control made;
+      profile.controls.AddTail({});
+      Control& made = *profile.controls.tail->value;
       made.SetButtonMask(std::uint64_t{1} << n);
       made.repeatEnabled = n == 3;
       made.repeatDelay = 1;
       made.repeatSpeed = 1;
       actions[n] = new CountingAction(n == 2 ? 2 : 0);
       made.actions.AddTail(actions[n]);
-      made.actionsBorrowed = 1;
-      profile.controls.AddTail(made);
     }
     profile.RebuildDispatchList();
     profile.mouseX = TriggerItem{0, 0, 0};
