@@ -29,10 +29,10 @@ class DeviceErrorObject {
 
   // Borrows `count` entries, which must outlive this; null or a count of 0 for no table.
   virtual void SetErrorTable(const ErrorTableEntry* table, std::uint32_t count);
-  // The table, null for none; *count, where wanted, takes the number of its entries.
+  // The table, null for none; *count, unless null, gets the number of its entries.
   virtual const ErrorTableEntry* GetErrorTable(std::uint32_t* count) const;
 
-  // The number, 0 for none; *text takes the text. Neither changes the error.
+  // The number, 0 for none; *text gets the text. Neither changes the error.
   virtual std::int32_t GetError(ByteString& text) const;
   virtual std::int32_t PeekError(ByteString* text) const;  // text may be null
 

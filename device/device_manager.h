@@ -3,9 +3,9 @@
 // on the timer's thread; a state that differs from the last one in any byte goes to the change
 // callback on the notification thread. Both run with deviceLock held, and a period that finds it
 // taken is lost: the timer's thread never waits, and several changes during a long callback come
-// out as one, the latest. A device that stops answering is silent until it answers again; nothing
-// is delivered meanwhile. The list and the selection belong to the thread that made the object; a
-// change callback may ask for the selected name and whether there is one, and for the interval.
+// out as one, the latest. While the device doesn't answer, nothing is delivered and nobody is told.
+// The list and the selection belong to the thread that made the object; a change callback may ask
+// for the selected name and whether there is one, and for the interval.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ namespace kelvaro {
 
 class DeviceManager;
 
-// `state` is good for the call only.
+// `state` is valid during the call only.
 using DeviceCallback = void (*)(DeviceManager* device, const platform::DIJOYSTATE2* state,
                                 void* context);
 
@@ -41,8 +41,9 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   bool DirectInputCreated() const { return directInput != nullptr; }
 
   // Lists the attached devices anew. False without DirectInput, with nothing changed, or when the
-  // enumeration fails (the error text says why). The selected device runs on, and SelectedIndex()
-  // keeps its value even where the new list has another device, or none, at that place.
+  // enumeration fails (the error text says why). The selected device keeps running, and
+  // SelectedIndex() keeps its value even if the new list has another device, or none, at that
+  // place.
   bool EnumerateDevices();
   std::int32_t DeviceCount() const { return devices.count; }
   ByteString DeviceName(std::int32_t index) const;      // empty outside the list
@@ -52,9 +53,9 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // runs. False for an index outside the list, with nothing changed, and for any later failure; no
   // device runs then. Takes 100 ms and more (StopDevice). Selection failures leave no error text.
   bool SelectDevice(std::int32_t index);
-  // SelectDevice of the selected one; false when there is none.
+  // Selects the selected device again; false when there is none.
   bool ReselectDevice();
-  // SelectDevice of the first in the list that matches; false, with nothing changed, without one.
+  // Select the first in the list that matches; false, with nothing changed, if none does.
   bool SelectDeviceByGuid(const platform::GUID& guid);
   bool SelectDeviceByName(const ByteString& name);  // byte for byte
 
@@ -70,8 +71,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // Of the device that was opened last.
   const platform::DIDEVCAPS& DeviceCaps() const { return deviceCaps; }
 
-  // False, with no change, outside TimerMin() to TimerMax(). A running timer goes on as it is: the
-  // new interval (ms) counts from the next selection.
+  // False, with no change, outside TimerMin() to TimerMax(). A running timer keeps its interval:
+  // the new one (ms) counts from the next selection.
   bool SetPollInterval(std::uint32_t ms);
   std::uint32_t PollInterval() const { return pollInterval; }
   std::uint32_t TimerMin() const { return timerMin; }

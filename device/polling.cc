@@ -6,7 +6,7 @@
 namespace kelvaro {
 
 namespace {
-// Kept: behind the end of the timer, which has waited for its last tick by then.
+// Kept, though the end of the timer has waited for its last tick by then.
 constexpr std::uint32_t kLastTickMs = 100;
 constexpr std::uint32_t kTimerResolutionMs = 1;
 
@@ -70,7 +70,8 @@ void DeviceManager::StartPolling() {
 
 void DeviceManager::tick(std::uint32_t, void* user) {
   DeviceManager* self = static_cast<DeviceManager*>(user);
-  // Taken by anyone, this thread included, costs this period; and so does losing the race for it.
+  // Whoever holds it, this thread included, this period is lost; so it is if another thread is
+  // quicker.
   if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
   // Null for a timer that couldn't be ended.
   if (self->device) self->PollDevice();
@@ -122,8 +123,8 @@ void DeviceManager::StopDevice() {
   }
   Stop();
   platform::Sleep(kLastTickMs);
-  // Only tried: a callback that was ended by force holds the lock for ever. Where it is free, it
-  // brings everything that the last tick wrote over to this thread.
+  // Only tried: a callback that was ended by force holds the lock for ever. With it, this thread
+  // sees all that the last tick wrote.
   const bool locked = deviceLock.TryAcquire();
   if (device) {
     device->Unacquire();

@@ -48,19 +48,19 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
 }
 
 void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>* fired) {
-  // Always evaluated, since that advances its arming, also where the result goes unheard.
+  // Evaluated in any case, since that advances its arming, even if the result isn't used.
   if (!control->EvaluateTrigger(device, snapshot)) {
     if (control->triggerDown) EndControl(control);
     return;
   }
   // What the mouse has, and what lies within something that is active, neither starts nor ends:
-  // triggerDown stays. Of two with the same inputs the one wins that stands first in the
-  // DispatchList (Profile::RebuildDispatchList).
+  // triggerDown stays. Of two Controls with the same inputs the first in the DispatchList wins:
+  // Profile::RebuildDispatchList settles which one that is.
   if (MouseIsOn() && UsesMouseInput(*control)) return;
   if (IsContainedInAny(*control, *fired)) return;
 
-  // One that is already down goes on silencing its parts. Without memory for the note it fires all
-  // the same.
+  // Also if it is down already, since it keeps silencing its parts. Without memory for the note it
+  // fires anyway.
   static_cast<void>(fired->AddTail(control));
   if (!control->triggerDown) FireControl(control);
 }

@@ -48,9 +48,9 @@ class ControlEngine {
   void SetTestMode(bool on);
   bool TestMode() const { return testMode; }
 
-  // Begins to detect the input for `role`, while no detection runs. As long as nothing moves its
-  // result is the present input; of a button the index alone, beside the kind that the detection
-  // before left. Main thread.
+  // Begins to detect the input for `role`, while no detection runs. Until something moves, the
+  // result is the present input; of a button only the index is taken, and the kind stays as the
+  // last detection left it. Main thread.
   void StartMouseDetection(MouseRole role);
   // What a running detection is for; None while none runs. Any thread.
   MouseRole DetectedRole() const { return detectedRole; }
@@ -96,8 +96,8 @@ class ControlEngine {
   friend void MouseStep(DeviceManager*, const DIJOYSTATE2*, void*);
   friend void ControlDispatcher(DeviceManager*, const DIJOYSTATE2*, void*);
 
-  // Sends the mouse buttons' edges and takes the buttons that are theirs, and held, out of
-  // dispatchButtons; during a detection, detects instead.
+  // Sends the mouse buttons' edges and takes the held buttons of the mouse out of dispatchButtons.
+  // During a detection it detects instead.
   void MouseButtonStep();
   void DetectMouseInput();
   // One Control of the DispatchList; `fired` holds the active ones before it.
@@ -110,7 +110,7 @@ class ControlEngine {
 
   Relaxed<bool> ended{false};  // by LetGo
   Relaxed<bool> testMode{false};
-  // The result is set before the role, which the notification thread looks at first.
+  // Set after the result, since the notification thread looks at the role first.
   std::atomic<MouseRole> detectedRole{MouseRole::None};
   Relaxed<TriggerItem> detectResult{TriggerItem{input_kind::kNone, 0, 0}};
 };

@@ -1,7 +1,7 @@
-// What the engine reaches of whatever lies above it: a window, or a console. Calls come on the
-// notification thread with deviceLock held (ControlDialogOpen on the timer's thread too) and must
-// not wait for a user interface. Those of a mouse detection come with mouseLock held as well;
-// MouseDetectionEnded also comes on whatever thread ends one, with no lock of the engine.
+// What the engine asks of the window or the console above it. Calls come on the notification thread
+// with deviceLock held (ControlDialogOpen on the timer's thread too) and must not wait for a user
+// interface. Those of a mouse detection come with mouseLock held as well; MouseDetectionEnded also
+// comes on any other thread that ends one, with no lock of the engine.
 #pragma once
 
 #include "engine/device_snapshot.h"

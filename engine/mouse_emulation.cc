@@ -83,8 +83,8 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
       !engine.MouseIsOn()) {
     return;
   }
-  // The look first: the lock may be this thread's own. Then a try, since another thread may have
-  // been quicker, and the poll must not wait for it.
+  // First a look, since the lock may be this thread's own. Then a try, since another thread may be
+  // quicker and the poll must not wait for it.
   if (engine.mouseLock.IsTaken() || !engine.mouseLock.TryAcquire()) return;
 
   const TriggerItem inputX = engine.profile.mouseX;

@@ -9,9 +9,8 @@ namespace {
 using ControlNode = LinkedList<Control>::Node;
 
 // A selection sort that exchanges nodes: the first of the heaviest changes places with the node
-// that stands in its way, which so may land behind others of its own weight. That is how ties are
-// settled, here and nowhere else. What is moved out of the way is always lighter, so one walk
-// serves all of one weight.
+// that stands in its way, which may so land behind others of its own weight. This alone settles
+// ties. What is moved out of the way is always lighter, so one walk serves all of one weight.
 void SortHeaviestFirst(LinkedList<Control>* list) {
   for (ControlNode* place = list->head; place;) {
     std::uint32_t heaviest = 0;

@@ -21,7 +21,7 @@ class Profile : public MouseSettings {
 
   // Makes DispatchList a copy of controls, every copy borrowing its actions, heaviest Trigger
   // first. Among equal weights the user's order is a first preference only (SortHeaviestFirst).
-  // Takes no lock. The sort takes no memory, and one walk for each weight that there is.
+  // Takes no lock. Sorting takes no memory, and one walk for each different weight.
   void RebuildDispatchList();
 
   LinkedList<Control> controls;      // the master list, in the user's order

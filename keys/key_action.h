@@ -21,9 +21,9 @@ class KeyAction : public InputAction {
   static constexpr int kParsedRemind = -2;
 
   KeyAction();
-  // Press the steps in turn, each but the last let go of before the next; with repeat the last one
-  // too. Under HoldAllKeys nothing is let go, but for the last step with repeat, and without repeat
-  // the two times, in ms, count as 0. Blocks for as long as the sequence takes; always true.
+  // Presses the steps in turn and lets go of each before the next; of the last one with repeat
+  // only. Under HoldAllKeys it lets go of nothing but, with repeat, the last step, and without
+  // repeat the two times, in ms, count as 0. Blocks as long as the sequence takes. Always true.
   bool Replay(std::uint8_t repeat, std::uint32_t holdTime, std::uint32_t releasePause) override;
   // Lets go of what Replay without repeat left down: the last step, or all under HoldAllKeys, each
   // with its modifiers before its key. Always true.
@@ -33,17 +33,17 @@ class KeyAction : public InputAction {
   // Makes this action a copy of the other: type, steps and flags.
   virtual void CopyFrom(const KeyAction& other);
 
-  // Replaces steps by those of `text`, under HoldAllKeys as actionFlags has it. kParsed;
-  // kParsedRemind, with shiftReminder only, for a text with an upper case letter, of which the user
-  // is to be reminded; or the offset in `text` of the fault, with *duplicateKey, where wanted,
-  // telling a key held twice from a text that can't be read, and the steps before the fault in
-  // `steps`.
+  // Replaces steps by those of `text`; actionFlags tells whether all keys are held. The result is
+  // kParsed, or the offset of a fault in `text`: then *duplicateKey, unless null, tells a key held
+  // twice from a text that can't be read, and steps has what stands before the fault. With
+  // shiftReminder it is kParsedRemind for a text with an upper case letter, of which the user is to
+  // be reminded.
   int ParseKeys(const ByteString& text, bool* duplicateKey = nullptr, bool shiftReminder = false);
   // The loop of ParseKeys: appends to steps while it eats *text from the front, and leaves *text at
   // the fault, empty on success. Sets the two flags where they are due, never clears them.
   void ParseSteps(ByteString* text, bool* sawUppercase, bool* duplicateKey);
   // The token, brackets and all, that may be meant by a text which is its name, in any case. Empty
-  // for any other text. Whoever has a user asks whether the brackets were forgotten.
+  // for any other text. The caller asks the user whether the brackets were forgotten.
   static ByteString SmartCheck(const ByteString& text);
   // Whether a step has the same vk (not 0), or shares one of the modifiers in flags & 7.
   bool HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const;

@@ -93,8 +93,8 @@ class Parser {
   KeyAction& action;
   const char* at;
   const char* const end;
-  // The modifiers read since the last key, as their tokens had them, and zeros: shift, ctrl and
-  // alt, each at most once, since a second one flushes the first.
+  // The modifiers read since the last key, each as its token had it, then zeros. Shift, ctrl and
+  // alt come at most once each, since a second one flushes the first.
   std::uint8_t pending[3] = {};
 };
 
