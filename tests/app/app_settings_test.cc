@@ -38,6 +38,14 @@ class AppSettingsTest : public MainWindowTest {
       if (line.starts_with(call)) names.push_back(line.substr(call.size()));
     return names;
   }
+  void ExpectStartValues() {
+    EXPECT_TRUE(ShowAutoDetectUsage());
+    EXPECT_FALSE(StartMinimized());
+    EXPECT_TRUE(SmartCheck());
+    EXPECT_TRUE(ShiftReminder());
+    EXPECT_FALSE(NoDeviceErrorMsg());
+    EXPECT_FALSE(AutodetectDevicePlugin());
+  }
   // All of a device's values, of which LoadDeviceSettings needs each.
   void PresetDevice(const std::string& name) {
     for (const char* value :
@@ -54,13 +62,8 @@ TEST_F(AppSettingsTest, WithNothingStoredTheStartValuesHold) {
   FirstStart();
   Begin();
   ASSERT_EQ(screen.Front(), welcome::kDialog) << "the welcome";
-  EXPECT_TRUE(ShowAutoDetectUsage());
-  EXPECT_FALSE(StartMinimized());
-  EXPECT_TRUE(SmartCheck());
-  EXPECT_TRUE(ShiftReminder());
   EXPECT_EQ(LastProfile(), "");
-  EXPECT_FALSE(NoDeviceErrorMsg());
-  EXPECT_FALSE(AutodetectDevicePlugin());
+  ExpectStartValues();
 }
 
 TEST_F(AppSettingsTest, EachStoredValueIsTaken) {
@@ -101,12 +104,7 @@ TEST_F(AppSettingsTest, AValueOfTheOtherKindIsMissing) {
   Preset("Last Profile", 1);
   Preset("Last Device", 1);
   Begin();
-  EXPECT_TRUE(ShowAutoDetectUsage());
-  EXPECT_FALSE(StartMinimized());
-  EXPECT_TRUE(SmartCheck());
-  EXPECT_TRUE(ShiftReminder());
-  EXPECT_FALSE(NoDeviceErrorMsg());
-  EXPECT_FALSE(AutodetectDevicePlugin());
+  ExpectStartValues();
   EXPECT_EQ(screen.Chosen(kProfileList), kProfile) << "no last profile: the first";
 }
 
@@ -316,29 +314,20 @@ TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
 
 // ---- Launch at startup.
 
-TEST_F(AppSettingsTest, TheBoxIsCheckedWhenTheValueIsAStringWhateverItSays) {
-  sim.Registry().PutString(kUserRun, "Kelvaro", "elsewhere");
-  BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kLaunchAtStartup));
-}
-
-TEST_F(AppSettingsTest, AValueThatIsNoStringDoesNotCheckIt) {
-  sim.Registry().PutDword(kUserRun, "Kelvaro", 1);
-  BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kLaunchAtStartup));
-}
-
-TEST_F(AppSettingsTest, WithoutTheUsersKeyTheMachinesIsRead) {
+TEST_F(AppSettingsTest, TheBoxIsCheckedByAStringOfTheUsersKeyOrElseOfTheMachines) {
+  const auto check = [this](const char* why, bool checked) {
+    BeginOnSettings();
+    EXPECT_EQ(screen.Checked(kLaunchAtStartup), checked) << why;
+    CloseAll();
+  };
   sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
-  BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kLaunchAtStartup));
-}
-
-TEST_F(AppSettingsTest, TheMachinesValueDoesNotCountBesideTheUsersKey) {
+  check("without the user's key, whatever it says", true);
   sim.Registry().PutKey(kUserRun);
-  sim.Registry().PutString(kMachineRun, "Kelvaro", "elsewhere");
-  BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kLaunchAtStartup));
+  check("the machine's doesn't count beside the user's key", false);
+  sim.Registry().PutDword(kUserRun, "Kelvaro", 1);
+  check("no string", false);
+  sim.Registry().PutString(kUserRun, "Kelvaro", "elsewhere");
+  check("the user's", true);
 }
 
 TEST_F(AppSettingsTest, CheckingWritesTheProgramsPathAndUncheckingDeletesIt) {

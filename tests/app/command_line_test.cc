@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/resources/control_ids.h"
+#include "app/start/command_line.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {
@@ -61,6 +62,49 @@ TEST(SplitCommandLine, AddsToWhatTheListHas) {
   EXPECT_EQ(All(list), (Strings{"before", "a", "b"}));
 }
 
+TEST(ReadCommandLine, TakesProfilesAndWhatToStartWithThem) {
+  struct {
+    const char* arguments;
+    Strings profiles;
+    const char* target;
+    const char* args;
+    const char* dir;
+    const char* why;
+  } const kRows[] = {
+      {"", {}, "", "", "", "no arguments"},
+      {"Beta", {"Beta"}, "", "", "", "a bare token is a profile"},
+      {"|My Game|", {"My Game"}, "", "", "", "bars stand for quotes"},
+      {"profile=B profile=Two profile=\"No 3\"", {"B", "Two", "No 3"}, "", "", "", "several"},
+      {"PROFILE=B target=/a Target=\"/b c\" ARGS=1 args=2 dir=/x DIR=\"/y z\" taRGet=\"/the end\"",
+       {"B"},
+       "/the end",
+       "2",
+       "/y z",
+       "in any letter case, and the last one counts"},
+      {"profile=B args=|-map [My Level]|",
+       {"B"},
+       "",
+       "-map \"My Level\"",
+       "",
+       "brackets are quotes"},
+      {"profile=B target=/[a] dir=/[b]", {"B"}, "/[a]", "", "/[b]", "elsewhere they are not"},
+      {"profile=B target=/a args=1 dir=/d dir= args=", {"B"}, "/a", "", "", "an empty value"},
+      {"foo=bar Beta", {"Beta"}, "", "", "", "an unknown key is ignored"},
+      {"profile=Beta Alpha", {"Beta"}, "", "", "", "so is a bare token behind a profile"},
+      {"Beta profile=Alpha", {"Beta", "Alpha"}, "", "", "", "before a key it is the first"},
+  };
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.why);
+    const LaunchRequest request =
+        ReadCommandLine(TextOf(std::string("\"/game/kelvaro\" ") + row.arguments), {});
+    EXPECT_EQ(All(request.profiles), row.profiles);
+    EXPECT_EQ(Bytes(request.target), row.target);
+    EXPECT_EQ(Bytes(request.args), row.args);
+    EXPECT_EQ(Bytes(request.dir), row.dir);
+  }
+  EXPECT_EQ(ReadCommandLine("", {}).profiles.count, 0) << "without even the program";
+}
+
 class CommandLineTest : public MainWindowTest {
  protected:
   // The profile list then is Alpha, Beta, Game.
@@ -74,7 +118,6 @@ class CommandLineTest : public MainWindowTest {
     Begin();
   }
   Strings Extra() const { return All(ExtraProfiles()); }
-  void PutQuoteChars(const std::string& text) { sim.Disk().PutFile("/game/QuoteChars.txt", text); }
 };
 
 TEST_F(CommandLineTest, WithoutArgumentsTheLastProfileIsOpened) {
@@ -84,69 +127,10 @@ TEST_F(CommandLineTest, WithoutArgumentsTheLastProfileIsOpened) {
   EXPECT_EQ(Extra(), Strings{});
 }
 
-TEST_F(CommandLineTest, ABareTokenIsAProfile) {
-  BeginWith("Beta");
-  EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
-  EXPECT_EQ(Bytes(OpenProfile().profileName), "Beta");
-  EXPECT_TRUE(CommandLineProfileSelected());
-}
-
-TEST_F(CommandLineTest, BarsStandForQuotes) {
-  StoreProfile("My Game", [this](ProfileFile& made) { UsePad(made); });
-  BeginWith("|My Game|");
-  EXPECT_EQ(screen.Chosen(kProfileList), "My Game");
-}
-
 TEST_F(CommandLineTest, TheFirstOfSeveralProfilesIsItsOwnAndTheOthersAreKept) {
   BeginWith("profile=Beta profile=Two profile=\"Number 3\"");
   EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
   EXPECT_EQ(Extra(), (Strings{"Two", "Number 3"}));
-}
-
-TEST_F(CommandLineTest, KeysAreFoundInAnyCaseAndTheLastOneCounts) {
-  BeginWith(
-      "PROFILE=Beta target=/a Target=\"/b c\" ARGS=1 args=2 dir=/x DIR=\"/y z\" taRGet=\"/the "
-      "end\"");
-  EXPECT_TRUE(CommandLineProfileSelected());
-  EXPECT_EQ(LaunchTarget(), "/the end");
-  EXPECT_EQ(LaunchArgs(), "2");
-  EXPECT_EQ(LaunchDir(), "/y z");
-}
-
-TEST_F(CommandLineTest, BracketsInTheArgumentsAreQuotes) {
-  BeginWith("profile=Beta args=|-map [My Level]|");
-  EXPECT_EQ(LaunchArgs(), "-map \"My Level\"");
-}
-
-TEST_F(CommandLineTest, BracketsElsewhereStayAsTheyAre) {
-  BeginWith("profile=Beta target=/[a] dir=/[b]");
-  EXPECT_EQ(LaunchTarget(), "/[a]");
-  EXPECT_EQ(LaunchDir(), "/[b]");
-}
-
-TEST_F(CommandLineTest, NothingBehindAKeyIsAnEmptyValue) {
-  BeginWith("profile=Beta target=/a args=1 dir=/d dir= args=");
-  EXPECT_EQ(LaunchTarget(), "/a");
-  EXPECT_EQ(LaunchArgs(), "");
-  EXPECT_EQ(LaunchDir(), "");
-}
-
-TEST_F(CommandLineTest, AnUnknownKeyBeforeAnyProfileIsIgnored) {
-  BeginWith("foo=bar Beta");
-  EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
-  EXPECT_EQ(Extra(), Strings{});
-}
-
-TEST_F(CommandLineTest, ABareTokenBehindAProfileIsIgnored) {
-  BeginWith("profile=Beta Alpha");
-  EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
-  EXPECT_EQ(Extra(), Strings{});
-}
-
-TEST_F(CommandLineTest, ABareTokenBeforeAKeyIsTheFirstProfile) {
-  BeginWith("Beta profile=Alpha");
-  EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
-  EXPECT_EQ(Extra(), Strings{"Alpha"});
 }
 
 TEST_F(CommandLineTest, TheBeginningOfANameSelectsTheFirstThatHasIt) {
@@ -171,8 +155,11 @@ TEST_F(CommandLineTest, AnUnknownProfileIsToldAndTheLastOneTaken) {
   EXPECT_EQ(Extra(), Strings{"Beta"});
 }
 
-TEST_F(CommandLineTest, AProfileOfTheCommandLineIsRememberedAsTheLastOne) {
+TEST_F(CommandLineTest, AProfileOfTheCommandLineIsOpenedAndRememberedAsTheLastOne) {
   BeginWith("Beta");
+  EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
+  EXPECT_EQ(Bytes(OpenProfile().profileName), "Beta");
+  EXPECT_TRUE(CommandLineProfileSelected());
   EXPECT_EQ(SettingText("Last Profile"), "Beta");
 }
 
@@ -184,51 +171,8 @@ TEST_F(CommandLineTest, WithoutAnyProfileItIsNotRead) {
   EXPECT_EQ(Extra(), Strings{});
 }
 
-TEST_F(CommandLineTest, OneWithoutEvenTheProgramIsEmpty) {
-  screen.SetCommandLine("");
-  Begin();
-  EXPECT_EQ(screen.Chosen(kProfileList), "Game");
-}
-
-TEST_F(CommandLineTest, WithoutAFileTheCharactersAreTheOrdinaryOnes) {
-  BeginWith("");
-  EXPECT_EQ(QuoteChars(), "|[]");
-}
-
-TEST_F(CommandLineTest, TheFileGivesOtherCharacters) {
-  struct {
-    const char* file;
-    const char* characters;
-    const char* why;
-  } const kRows[] = {
-      {"QuoteSub=~\nLeftArgQuote={\nRightArgQuote=}\n", "~{}", "all three"},
-      {"QuoteSub=~\r\nLeftArgQuote={\r\n\r\nRightArgQuote=}", "~{}", "other line ends, and none"},
-      {"quotesub=~\nLEFTARGQUOTE={", "~{]", "any letter case"},
-      {" \t QuoteSub=~ \n", "~[]", "trimmed at both ends"},
-      {"QuoteSub=~^%\n", "~[]", "the first character counts"},
-      {"QuoteSub=\nLeftArgQuote= \n", "|[]", "nothing behind the sign"},
-      {"QuoteSub =~\nxQuoteSub=~\n# text\n", "|[]", "other lines"},
-      {"QuoteSub=~\nQuoteSub=^\n", "^[]", "a later line wins"},
-      {"QuoteSub=~\nQuoteSub=\n", "~[]", "unless it has nothing"},
-      {"", "|[]", "an empty file"},
-  };
-  for (const auto& row : kRows) {
-    PutQuoteChars(row.file);
-    BeginWith("");
-    EXPECT_EQ(QuoteChars(), row.characters) << row.why;
-    CloseAll();
-  }
-}
-
-TEST_F(CommandLineTest, AFileThatCannotBeOpenedChangesNothing) {
-  sim.Disk().PutFolder("/game/QuoteChars.txt");
-  BeginWith("");
-  EXPECT_EQ(QuoteChars(), "|[]");
-  EXPECT_TRUE(screen.Boxes().empty());
-}
-
 TEST_F(CommandLineTest, TheCharactersOfTheFileAreThoseOfTheCommandLine) {
-  PutQuoteChars("QuoteSub=~\nLeftArgQuote={\nRightArgQuote=}\n");
+  sim.Disk().PutFile("/game/QuoteChars.txt", "QuoteSub=~\nLeftArgQuote={\nRightArgQuote=}\n");
   BeginWith("~profile=Beta~ args=~-map {My Level} [x] |~");
   EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
   EXPECT_EQ(LaunchArgs(), "-map \"My Level\" [x] |");

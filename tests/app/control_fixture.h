@@ -84,6 +84,13 @@ class ControlTest : public MainWindowTest {
     Wait();
   }
   void Wait() { sim.RunFor(20); }
+  // The Trigger of the dialog that is open becomes these, which are then let go.
+  void DetectTrigger(std::initializer_list<std::uint32_t> buttons) {
+    screen.Click(define_control::kDetectTrigger);
+    Press(buttons);
+    screen.Click(define_control::kDetectTrigger);
+    Press({});
+  }
   void PressAt(std::uint64_t t, const std::vector<std::uint32_t>& buttons) {
     platform::StateChange change;
     change.hasButtons = true;

@@ -66,8 +66,24 @@ class CountedAction final : public KeyAction {
   int replays = 0;  // under way
 };
 
+const MadeControl kRepeating = {
+    .buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50};
+
 class ControlListTest : public ControlTest {
  protected:
+  void Repeat() {
+    Press({1});
+    sim.RunFor(300);
+    ASSERT_TRUE(Engine().repeatWorker.Repeating());
+  }
+  // That the button is still held presses nothing.
+  void ExpectNoRepeat() {
+    EXPECT_FALSE(Engine().repeatWorker.Repeating());
+    sim.ClearEvents();
+    sim.RunFor(1000);
+    EXPECT_EQ(sim.EventText(), "");
+  }
+
   // Controls "a", "b", ... on the buttons 1, 2, ..., each typing its own name.
   void StartWithLetters(std::uint32_t n) {
     std::vector<MadeControl> controls;
@@ -194,10 +210,7 @@ TEST_F(ControlListTest, ANewControlGoesToTheEndAndIsSavedAtOnce) {
   New();
   screen.Type(define_control::kDescriptionText, "new");
   screen.Type(define_control::kKeysText, "xy");
-  screen.Click(define_control::kDetectTrigger);
-  Press({3, 4});
-  screen.Click(define_control::kDetectTrigger);
-  Press({});
+  DetectTrigger({3, 4});
   EXPECT_EQ(Saves(), 0u);
   screen.Click(IDOK);
   EXPECT_EQ(Saves(), 1u);
@@ -300,10 +313,7 @@ TEST_F(ControlListTest, AnEditedControlIsShownAnewAndSavedAtOnce) {
   Edit(1);
   screen.Type(define_control::kDescriptionText, "new");
   screen.Type(define_control::kKeysText, "xy");
-  screen.Click(define_control::kDetectTrigger);
-  Press({3, 4});
-  screen.Click(define_control::kDetectTrigger);
-  Press({});
+  DetectTrigger({3, 4});
   screen.Click(IDOK);
   EXPECT_EQ(Saves(), 1u);
   EXPECT_EQ(screen.Cells(kControlList)[1], (Strings{"B3+B4", "xy", "new"}));
@@ -336,17 +346,12 @@ TEST_F(ControlListTest, AnEditThatIsCancelledLeavesTheControlAndItsActions) {
 TEST_F(ControlListTest, ARunningRepeatStopsWhenTheDialogOpensEvenIfItIsCancelled) {
   const std::vector<std::function<void()>> opens = {[this] { New(); }, [this] { Edit(0); }};
   for (const auto& open : opens) {
-    StartWith({{.buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50}});
-    Press({1});
-    sim.RunFor(300);
-    ASSERT_TRUE(Engine().repeatWorker.Repeating());
+    StartWith({kRepeating});
+    Repeat();
     open();
-    EXPECT_FALSE(Engine().repeatWorker.Repeating());
-    sim.ClearEvents();
-    sim.RunFor(1000);
+    ExpectNoRepeat();
     screen.Click(IDCANCEL);
-    sim.RunFor(1000);
-    EXPECT_EQ(sim.EventText(), "");
+    ExpectNoRepeat();
     Press({});
   }
 }
@@ -521,15 +526,10 @@ TEST_F(ControlListTest, ControlsThatShareAnIdGoTogether) {
 }
 
 TEST_F(ControlListTest, ARepeatingControlThatIsDeletedRepeatsNoMore) {
-  StartWith({{.buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50},
-             {.buttons = 2, .keys = {"b"}}});
-  Press({1});
-  sim.RunFor(200);
-  ASSERT_TRUE(Engine().repeatWorker.Repeating());
+  StartWith({kRepeating, {.buttons = 2, .keys = {"b"}}});
+  Repeat();
   Delete({0});
-  EXPECT_FALSE(Engine().repeatWorker.Repeating());
-  sim.ClearEvents();
-  sim.RunFor(1000);
+  ExpectNoRepeat();
   Press({});
   EXPECT_EQ(sim.EventText(), "");
 }
@@ -548,16 +548,11 @@ TEST_F(ControlListTest, AReplayOfTheRepeatIsOverBeforeItsControlGoes) {
 }
 
 TEST_F(ControlListTest, PastingStopsARepeatWhoseControlIsReplaced) {
-  StartWith({{.buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50}});
+  StartWith({kRepeating});
   Copy({0});
-  Press({1});
-  sim.RunFor(200);
-  ASSERT_TRUE(Engine().repeatWorker.Repeating());
+  Repeat();
   Paste();
-  EXPECT_FALSE(Engine().repeatWorker.Repeating());
-  sim.ClearEvents();
-  sim.RunFor(1000);
-  EXPECT_EQ(sim.EventText(), "");
+  ExpectNoRepeat();
 }
 
 // --- Copy and Paste
@@ -753,8 +748,7 @@ TEST_F(ControlListTest, AMoveCountsForTheDispatcherOnlyFromTheNextRebuild) {
 }
 
 TEST_F(ControlListTest, AMoveLeavesARepeatRunning) {
-  StartWith({{.buttons = 1, .keys = {"a"}, .repeat = true, .delay = 100, .speed = 50},
-             {.buttons = 2, .keys = {"b"}}});
+  StartWith({kRepeating, {.buttons = 2, .keys = {"b"}}});
   Press({1});
   Select({0});
   screen.Click(kMoveDown);
@@ -928,12 +922,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
     screen.Type(define_control::kKeysText, letter);
     const std::uint32_t button = 1 + random.Below(11);
     const bool detect = random.OneIn(2);
-    if (detect) {
-      screen.Click(define_control::kDetectTrigger);
-      Press({button});
-      screen.Click(define_control::kDetectTrigger);
-      Press({});
-    }
+    if (detect) DetectTrigger({button});
     if (random.OneIn(4)) {
       screen.Click(IDCANCEL);
       return false;

@@ -63,6 +63,10 @@ class DefineControlDialogTest : public ControlTest {
   // The one Control of the open profile.
   Control& TheControl() { return ControlAt(0); }
 
+  void OpenNew() {
+    StartWith({});
+    New();
+  }
   void OpenEdit(const MadeControl& control) {
     StartWith({control});
     Edit(0);
@@ -77,6 +81,14 @@ class DefineControlDialogTest : public ControlTest {
     EXPECT_EQ(box.owner, screen.WindowOf(define_control::kDialog));
   }
 
+  // The box of a field whose text OK refuses; the focus comes back to it.
+  void ExpectRefused(std::uint32_t field, const std::string& text) {
+    screen.Click(IDOK);
+    ExpectBox(text, "Kelvaro", platform::MB_ICONEXCLAMATION);
+    screen.Answer(IDOK);
+    EXPECT_EQ(screen.Focus(), field);
+  }
+
   // A program on a machine that offers the choice between press and release.
   void OfferRelease() { sim.Registry().PutDword(kMachineKey, kReleaseValue, 1); }
 };
@@ -84,8 +96,7 @@ class DefineControlDialogTest : public ControlTest {
 // --- Opening
 
 TEST_F(DefineControlDialogTest, ANewControlShowsTheDefaults) {
-  StartWith({});
-  New();
+  OpenNew();
   EXPECT_EQ(screen.Title(), "Define Control");
   EXPECT_EQ(screen.Text(kDescriptionText), "");
   EXPECT_EQ(screen.Text(kTriggerText), "");
@@ -207,8 +218,7 @@ TEST_F(DefineControlDialogTest, PressAndReleaseAreHiddenUnlessTheMachineOffersTh
 
 TEST_F(DefineControlDialogTest, TheUsersOwnValueOffersNothing) {
   sim.Registry().PutDword("HKCU\\Software\\Marnstone\\Kelvaro", kReleaseValue, 1);
-  StartWith({});
-  New();
+  OpenNew();
   EXPECT_FALSE(screen.Visible(kPress));
 }
 
@@ -233,8 +243,7 @@ TEST_F(DefineControlDialogTest, TheSmallIconIsTheProgramsOwn) {
 // --- Place
 
 TEST_F(DefineControlDialogTest, TheWindowGrowsAcrossAndTheControlsGoWithIt) {
-  StartWith({});
-  New();
+  OpenNew();
   const std::vector<std::uint32_t> stretching = {kDescriptionText, kTriggerFrame, kTriggerText,
                                                  kKeysText, kSpecialKeyList};
   const std::vector<std::uint32_t> following = {kDetectTrigger, kDetectLabel, 1, 2};
@@ -270,8 +279,7 @@ TEST_F(DefineControlDialogTest, TheWindowGrowsAcrossAndTheControlsGoWithIt) {
 }
 
 TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
-  StartWith({});
-  New();
+  OpenNew();
   const Rect first = screen.Place();
   screen.MoveTo(40, 30);
   screen.Resize(first.Width() + 60, first.Height());
@@ -289,8 +297,7 @@ TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
 
 TEST_F(DefineControlDialogTest, EachControlHasTheTipOfItsNumber) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   EXPECT_EQ(screen.ToolTipWidth(), 300);
   EXPECT_EQ(screen.ToolTipTime(), 10000);
   for (const platform::ControlTemplate& control : resources::kDefineControl.controls) {
@@ -300,8 +307,7 @@ TEST_F(DefineControlDialogTest, EachControlHasTheTipOfItsNumber) {
 }
 
 TEST_F(DefineControlDialogTest, HelpOpensItsTopic) {
-  StartWith({});
-  New();
+  OpenNew();
   const std::size_t before = screen.HelpCalls().size();
   screen.Click(kHelp);
   ASSERT_EQ(screen.HelpCalls().size(), before + 1);
@@ -311,8 +317,7 @@ TEST_F(DefineControlDialogTest, HelpOpensItsTopic) {
 }
 
 TEST_F(DefineControlDialogTest, F1TellsOfWhatHasTheFocus) {
-  StartWith({});
-  New();
+  OpenNew();
   for (const auto& [id, place] :
        std::vector<std::pair<std::uint32_t, std::string>>{{kDescriptionText, ""},
                                                           {kDetectTrigger, "#trigger"},
@@ -332,8 +337,7 @@ TEST_F(DefineControlDialogTest, F1TellsOfWhatHasTheFocus) {
 
 TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
-  StartWith({});
-  New();
+  OpenNew();
   screen.Click(kHelp);
   screen.Press(0x70);
   EXPECT_TRUE(screen.HelpCalls().empty());
@@ -350,8 +354,7 @@ TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
 }
 
 TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   const auto rows = screen.Rows(kSpecialKeyList);
   ASSERT_EQ(rows.size(), 132u);
@@ -364,8 +367,7 @@ TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
 // --- Boxes that rule one another out
 
 TEST_F(DefineControlDialogTest, RepeatAndHoldAllRuleEachOtherOut) {
-  StartWith({});
-  New();
+  OpenNew();
   screen.Click(kRepeatCheck);
   EXPECT_EQ(Boxes(), "repeat* delay speed all- hold pause");
   screen.Click(kRepeatCheck);
@@ -404,8 +406,7 @@ TEST_F(DefineControlDialogTest, HoldAllKeepsTheTimingsOfTheControl) {
 
 TEST_F(DefineControlDialogTest, PressAndReleaseEnableAndDisableRepeatAndHoldAll) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   screen.Click(kRepeatCheck);
   screen.Click(kRelease);
   EXPECT_EQ(Boxes(), "repeat- delay- speed- all- hold pause");
@@ -422,8 +423,7 @@ TEST_F(DefineControlDialogTest, PressAndReleaseEnableAndDisableRepeatAndHoldAll)
 
 TEST_F(DefineControlDialogTest, PressThatIsClickedOnceMoreEnablesHoldAllBesideRepeat) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   screen.Click(kRepeatCheck);
   screen.Click(kPress);
   EXPECT_EQ(Boxes(), "repeat* delay speed all hold pause");
@@ -533,8 +533,7 @@ TEST_F(DefineControlDialogTest, DetectionShowsWhatIsHeldAtEachChange) {
 }
 
 TEST_F(DefineControlDialogTest, TheSpaceBarEndsDetectionWithWhatIsHeld) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   screen.Click(kDetectTrigger);
   Press({1, 2});
@@ -582,8 +581,7 @@ TEST_F(DefineControlDialogTest, DetectionIsOffAtEachOpening) {
 
 TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOkEvenOnRelease) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   screen.Click(kRelease);
   screen.Click(kDetectTrigger);
@@ -638,8 +636,7 @@ TEST_F(DefineControlDialogTest, AControlThatIsDownStaysDownUntilTheDialogHasClos
 // --- OK
 
 TEST_F(DefineControlDialogTest, OkTakesEveryField) {
-  StartWith({});
-  New();
+  OpenNew();
   screen.Type(kDescriptionText, "all of it");
   screen.Type(kKeysText, "x<Esc>");
   screen.Click(kToggleMouseCheck);
@@ -664,8 +661,7 @@ TEST_F(DefineControlDialogTest, OkTakesEveryField) {
 }
 
 TEST_F(DefineControlDialogTest, AMissingDescriptionIsToldBeforeTheKeysAreLookedAt) {
-  StartWith({});
-  New();
+  OpenNew();
   screen.Type(kKeysText, "<broken");
   screen.Click(IDOK);
   ExpectBox("You must enter a description for this event", "Missing Description", platform::MB_OK);
@@ -683,10 +679,7 @@ TEST_F(DefineControlDialogTest, WhatIsNoNumberIsToldBeforeAnythingElse) {
   for (const char* text : {"", " ", "-1", "+1", "1.5", "0x10", "12a", "1 2"}) {
     for (const std::uint32_t id : {kHoldValue, kPauseValue}) {
       screen.Type(id, text);
-      screen.Click(IDOK);
-      ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
-      screen.Answer(IDOK);
-      EXPECT_EQ(screen.Focus(), id) << text;
+      ExpectRefused(id, "Please enter a positive integer.");
       EXPECT_EQ(screen.Text(id), text);
       EXPECT_EQ(screen.Front(), define_control::kDialog);
       screen.Type(id, "0");
@@ -695,39 +688,29 @@ TEST_F(DefineControlDialogTest, WhatIsNoNumberIsToldBeforeAnythingElse) {
 }
 
 TEST_F(DefineControlDialogTest, ANumberThatIsTooLargeIsToldTheRange) {
-  StartWith({});
-  New();
+  OpenNew();
   for (const char* text : {"4294967296", "99999999999", "99999999999999999999999"}) {
     for (const std::uint32_t id : {kDelayValue, kSpeedValue, kHoldValue, kPauseValue}) {
       screen.Type(id, text);
-      screen.Click(IDOK);
-      ExpectBox("Please enter a number from 0 to 4294967295.", "Kelvaro",
-                platform::MB_ICONEXCLAMATION);
-      screen.Answer(IDOK);
-      EXPECT_EQ(screen.Focus(), id) << text;
+      ExpectRefused(id, "Please enter a number from 0 to 4294967295.");
       screen.Type(id, "4294967295");
     }
   }
 }
 
 TEST_F(DefineControlDialogTest, DelayAndSpeedTakeDigitsAloneAndMayStillBeNoNumber) {
-  StartWith({});
-  New();
+  OpenNew();
   for (const std::uint32_t id : {kDelayValue, kSpeedValue}) {
     screen.Type(id, "1a2-");
     EXPECT_EQ(screen.Text(id), "12");
     screen.Type(id, "");
-    screen.Click(IDOK);
-    ExpectBox("Please enter a positive integer.", "Kelvaro", platform::MB_ICONEXCLAMATION);
-    screen.Answer(IDOK);
-    EXPECT_EQ(screen.Focus(), id);
+    ExpectRefused(id, "Please enter a positive integer.");
     screen.Type(id, "1");
   }
 }
 
 TEST_F(DefineControlDialogTest, ReadingStopsAtTheFirstFieldThatIsNoNumber) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   for (const std::uint32_t id : {kDelayValue, kSpeedValue}) screen.Type(id, "");
   for (const std::uint32_t id : {kHoldValue, kPauseValue}) screen.Type(id, "x");
@@ -758,8 +741,7 @@ TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault)
       {"<Up><Up>", true, kDuplicateText, 4}, {"<Ctrl><Ctrl>", true, kDuplicateText, 6},
       {",<<", true, kDuplicateText, 1},
   };
-  StartWith({});
-  New();
+  OpenNew();
   for (const Row& row : rows) {
     SCOPED_TRACE(row.keys);
     if (screen.Checked(kHoldAllKeys) != row.holdAll) screen.Click(kHoldAllKeys);
@@ -785,8 +767,7 @@ TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault)
 }
 
 TEST_F(DefineControlDialogTest, AVeryLongTextTakesAsManyKeysAsItsOffset) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl(std::string(3000, 'a') + "<");
   screen.Type(kKeysText, std::string(3000, 'a') + "<x");
   sim.ClearEvents();
@@ -823,8 +804,7 @@ TEST_F(DefineControlDialogTest, AFailedKeyTextLeavesDescriptionAndModeInTheScrat
 }
 
 TEST_F(DefineControlDialogTest, ATextThatWasRepairedIsTaken) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a<");
   screen.Type(kKeysText, "a<x");
   screen.Click(IDOK);
@@ -838,8 +818,7 @@ TEST_F(DefineControlDialogTest, ATextThatWasRepairedIsTaken) {
 
 TEST_F(DefineControlDialogTest, HoldAllCountsOnlyForAControlOnPress) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   screen.Click(kHoldAllKeys);
   TypeControl("ab");
   screen.Click(IDOK);
@@ -866,8 +845,7 @@ TEST_F(DefineControlDialogTest, AControlMayHaveNoKeys) {
 }
 
 TEST_F(DefineControlDialogTest, AControlWithoutATriggerIsAcceptedAndNeverFires) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   screen.Click(IDOK);
   EXPECT_EQ(screen.Front(), main_window::kDialog);
@@ -881,8 +859,7 @@ TEST_F(DefineControlDialogTest, AControlWithoutATriggerIsAcceptedAndNeverFires) 
 // --- Smart Check and the reminder
 
 TEST_F(DefineControlDialogTest, SmartCheckOffersTheForgottenBrackets) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("eSC");
   screen.Click(IDOK);
   ExpectBox(
@@ -898,8 +875,7 @@ TEST_F(DefineControlDialogTest, SmartCheckOffersTheForgottenBrackets) {
 }
 
 TEST_F(DefineControlDialogTest, SmartCheckLeavesTheFieldAsItWasTyped) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("Esc");
   screen.Click(IDOK);
   screen.Answer(IDNO);
@@ -924,8 +900,7 @@ TEST_F(DefineControlDialogTest, SmartCheckAsksOnlyWhileItIsOn) {
 }
 
 TEST_F(DefineControlDialogTest, AnUppercaseLetterAsksForTheShiftKey) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("aB!");
   screen.Click(IDOK);
   ASSERT_EQ(screen.Front(), shift_key_required::kDialog);
@@ -943,16 +918,14 @@ TEST_F(DefineControlDialogTest, AnUppercaseLetterAsksForTheShiftKey) {
 }
 
 TEST_F(DefineControlDialogTest, AShiftedPunctuationCharacterAsksNothing) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("!");
   screen.Click(IDOK);
   EXPECT_EQ(screen.Front(), main_window::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("A");
   screen.Click(IDOK);
   screen.Click(shift_key_required::kDontShowAgain);
@@ -965,8 +938,7 @@ TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
 
 TEST_F(DefineControlDialogTest, AStateThatComesDuringTheReminderStillCounts) {
   OfferRelease();
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("A");
   screen.Click(kDetectTrigger);
   Press({1});
@@ -978,8 +950,7 @@ TEST_F(DefineControlDialogTest, AStateThatComesDuringTheReminderStillCounts) {
 }
 
 TEST_F(DefineControlDialogTest, WithoutMemoryTheDialogStaysOpen) {
-  StartWith({});
-  New();
+  OpenNew();
   TypeControl("a");
   {
     FailingAllocation fault(1);

@@ -82,6 +82,20 @@ class DetectionTest : public MainWindowTest {
     sim.ClearCalls();
   }
   void Poll() { sim.RunFor(kPeriod); }
+  // Starts a detection, and holds these until they are seen.
+  void Detect(std::uint32_t box, std::initializer_list<std::uint32_t> buttons) {
+    screen.Click(box);
+    pad.Press(buttons);
+    Poll();
+  }
+  void ExpectEndedWithLeftAsB3() {
+    EXPECT_FALSE(Engine().IsDetecting());
+    EXPECT_TRUE(CheckedBoxes().empty());
+    EXPECT_EQ(screen.Text(kLeftButton), "B3");
+    EXPECT_EQ(OpenProfile().leftButton, 2);
+    EXPECT_EQ(OpenProfile().leftMask, 0x4u);
+    ExpectAllSaved();
+  }
 
   // Each change of the field's text within the next milliseconds, as "5 B3", counted from now.
   Strings TextsOf(std::uint32_t field, std::uint32_t ms) {
@@ -114,24 +128,22 @@ class DetectionTest : public MainWindowTest {
     const auto stored = Stored(kProfile);
     ASSERT_TRUE(stored);
     const ProfileFile& open = OpenProfile();
-    EXPECT_EQ(Words(stored->mouseX), Words(open.mouseX));
-    EXPECT_EQ(Words(stored->mouseY), Words(open.mouseY));
-    EXPECT_EQ(Words(stored->mouseWheel), Words(open.mouseWheel));
-    EXPECT_EQ(stored->leftButton, open.leftButton);
-    EXPECT_EQ(stored->middleButton, open.middleButton);
-    EXPECT_EQ(stored->rightButton, open.rightButton);
-    EXPECT_EQ(stored->leftMask, open.leftMask);
-    EXPECT_EQ(stored->middleMask, open.middleMask);
-    EXPECT_EQ(stored->rightMask, open.rightMask);
-    EXPECT_EQ(Kept("MouseX Type"), TriggerItem(open.mouseX).kind);
-    EXPECT_EQ(Kept("MouseX Bank"), TriggerItem(open.mouseX).index);
-    EXPECT_EQ(Kept("MouseY Type"), TriggerItem(open.mouseY).kind);
-    EXPECT_EQ(Kept("MouseY Bank"), TriggerItem(open.mouseY).index);
-    EXPECT_EQ(Kept("Mouse Wheel Type"), TriggerItem(open.mouseWheel).kind);
-    EXPECT_EQ(Kept("Mouse Wheel Bank"), TriggerItem(open.mouseWheel).index);
-    EXPECT_EQ(Kept("Left Mouse Btn"), std::uint16_t{open.leftButton});
-    EXPECT_EQ(Kept("Middle Mouse Btn"), std::uint16_t{open.middleButton});
-    EXPECT_EQ(Kept("Right Mouse Btn"), std::uint16_t{open.rightButton});
+    const char* const names[] = {"MouseX",         "MouseY",           "Mouse Wheel",
+                                 "Left Mouse Btn", "Middle Mouse Btn", "Right Mouse Btn"};
+    for (std::size_t i = 0; i < std::size(names); ++i) {
+      const auto& [role, axis, button, mask] = kMouseRoles[i];
+      const std::string name = names[i];
+      if (axis) {
+        const TriggerItem item = open.*axis;
+        EXPECT_EQ(Words((*stored).*axis), Words(item));
+        EXPECT_EQ(Kept(name + " Type"), item.kind);
+        EXPECT_EQ(Kept(name + " Bank"), item.index);
+      } else {
+        EXPECT_EQ((*stored).*button, open.*button);
+        EXPECT_EQ((*stored).*mask, open.*mask);
+        EXPECT_EQ(Kept(name), std::uint16_t{open.*button});
+      }
+    }
   }
 };
 
@@ -193,9 +205,7 @@ TEST_F(DetectionTest, TheFieldFollowsTheButtonsFromPollToPoll) {
 
 TEST_F(DetectionTest, ButtonsDoNotCountForAnAxisNorAxesForAButton) {
   BeginHere();
-  screen.Click(kDetectMouseX);
-  pad.Press({3});
-  Poll();
+  Detect(kDetectMouseX, {3});
   EXPECT_EQ(screen.Text(kMouseX), "<none>");
   pad.Press({});
   Poll();
@@ -210,23 +220,14 @@ TEST_F(DetectionTest, ButtonsDoNotCountForAnAxisNorAxesForAButton) {
 
 TEST_F(DetectionTest, TheSpaceBarEndsItWithWhatIsHeld) {
   BeginHere();
-  screen.Click(kDetectLeftButton);
-  pad.Press({3});
-  Poll();
+  Detect(kDetectLeftButton, {3});
   screen.Press(kSpaceBar);
-  EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeftButton), "B3");
-  EXPECT_EQ(OpenProfile().leftButton, 2);
-  EXPECT_EQ(OpenProfile().leftMask, 0x4u);
-  ExpectAllSaved();
+  ExpectEndedWithLeftAsB3();
 }
 
 TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
   BeginHere();
-  screen.Click(kDetectLeftButton);
-  pad.Press({3});
-  Poll();
+  Detect(kDetectLeftButton, {3});
   EXPECT_EQ(screen.Text(kLeftButton), "B3");
   EXPECT_TRUE(Engine().IsDetecting());
   pad.Press({3, 5});
@@ -234,12 +235,7 @@ TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
   EXPECT_TRUE(Engine().IsDetecting());
   EXPECT_EQ(CheckedBoxes(), std::vector{kDetectLeftButton});
   sim.RunFor(1);
-  EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_TRUE(CheckedBoxes().empty());
-  EXPECT_EQ(screen.Text(kLeftButton), "B3");
-  EXPECT_EQ(OpenProfile().leftButton, 2);
-  EXPECT_EQ(OpenProfile().leftMask, 0x4u);
-  ExpectAllSaved();
+  ExpectEndedWithLeftAsB3();
 }
 
 TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
@@ -286,9 +282,7 @@ TEST_F(DetectionTest, AnotherTabEndsAndSavesIt) {
     pad.Press({});
     StoreProfile(kProfile, [this](ProfileFile& made) { UsePad(made); });
     BeginHere();
-    screen.Click(kDetectMiddleButton);
-    pad.Press({4});
-    Poll();
+    Detect(kDetectMiddleButton, {4});
     screen.ChooseTab(kTabControl, tab);
     EXPECT_FALSE(Engine().IsDetecting()) << tab;
     EXPECT_EQ(OpenProfile().middleButton, 3) << tab;
@@ -305,9 +299,7 @@ TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
     made.leftMask = MouseButtonMask(8);
   });
   BeginHere();
-  screen.Click(kDetectLeftButton);
-  pad.Press({4});
-  Poll();
+  Detect(kDetectLeftButton, {4});
   screen.Choose(kProfileList, "Other");
   EXPECT_FALSE(Engine().IsDetecting());
   EXPECT_TRUE(CheckedBoxes().empty());
@@ -341,9 +333,7 @@ TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
 
 TEST_F(DetectionTest, TheEndWaitsForTheProfilesLock) {
   BeginHere();
-  screen.Click(kDetectLeftButton);
-  pad.Press({3});
-  Poll();
+  Detect(kDetectLeftButton, {3});
   const HeldLock held(sim, OpenProfile().profileLock, 50);
   const std::uint64_t before = sim.Now();
   screen.Click(kDetectLeftButton);
@@ -359,9 +349,7 @@ TEST_F(DetectionTest, TheProfileIsLockedWhileItIsWrittenWhicheverWayItEnds) {
       writes.push_back(operation + (OpenProfile().profileLock.IsTaken() ? " locked" : " free"));
   });
   for (const bool byButtons : {false, true}) {
-    screen.Click(kDetectLeftButton);
-    pad.Press({3});
-    Poll();
+    Detect(kDetectLeftButton, {3});
     writes.clear();
     if (!byButtons) screen.Click(kDetectLeftButton);
     pad.Press({3, 5});
@@ -391,9 +379,7 @@ TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
 TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
   BeginHere();
   for (const bool byButtons : {false, true}) {
-    screen.Click(kDetectLeftButton);
-    pad.Press({3});
-    Poll();
+    Detect(kDetectLeftButton, {3});
     sim.FailAlways("RegCreateKeyA");
     sim.Disk().FailOperation(2);  // the look at the first folder
     if (byButtons) {

@@ -16,6 +16,7 @@
 #include "tests/app/calls.h"
 #include "tests/app/held_lock.h"
 #include "tests/app/main_window_fixture.h"
+#include "tests/platform/forwarded_registry.h"
 
 namespace kelvaro {
 namespace {
@@ -78,6 +79,13 @@ class DeviceTabTest : public MainWindowTest {
     StoreProfile(kProfile);
     Begin();
     screen.Answer(platform::IDOK);
+  }
+
+  void StoreWithInterval(std::uint32_t interval) {
+    StoreProfile(kProfile, [&](ProfileFile& made) {
+      UsePad(made);
+      made.pollInterval = interval;
+    });
   }
 
   // Another device beside the pad, of 4 buttons, 2 axes and 2 hats.
@@ -246,10 +254,7 @@ TEST_F(DeviceTabTest, AllValuesOfADeviceThatIsChosenAreOneCommit) {
 
 TEST_F(DeviceTabTest, AnotherDeviceIsOpenedAndSavedEverywhere) {
   AddStick();
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 8;
-  });
+  StoreWithInterval(8);
   BeginHere();
   screen.Choose(kDeviceList, "Stick");
   EXPECT_EQ(Bytes(Device()->SelectedName()), "Stick");
@@ -349,10 +354,7 @@ TEST_F(DeviceTabTest, TheFieldsShowTheIntervalAndHowManyFitIntoASecond) {
   } cases[] = {{1, "1000"}, {3, "333"}, {5, "200"}, {6, "166"}, {7, "142"},
                {16, "62"},  {333, "3"}, {501, "1"}, {1000, "1"}};
   for (const auto& row : cases) {
-    StoreProfile(kProfile, [&](ProfileFile& made) {
-      UsePad(made);
-      made.pollInterval = row.interval;
-    });
+    StoreWithInterval(row.interval);
     BeginHere();
     EXPECT_EQ(screen.Text(kInterval), std::to_string(row.interval));
     EXPECT_EQ(screen.Text(kRate), row.rate) << row.interval;
@@ -484,10 +486,7 @@ TEST_F(DeviceTabTest, SoDoesARefusalByTheTimer) {
 
 TEST_F(DeviceTabTest, AnIntervalBeyondTheTimersLimitsIsRefusedByTheTimer) {
   sim.SetTimerLimits(10, 500);
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 20;
-  });
+  StoreWithInterval(20);
   BeginHere();
   for (const char* text : {"9", "501"}) {
     sim.LogCalls(true);
@@ -509,10 +508,7 @@ TEST_F(DeviceTabTest, AnIntervalBeyondTheTimersLimitsIsRefusedByTheTimer) {
 
 TEST_F(DeviceTabTest, ARefusalByTheTimerOutlivesTheEndOfTheProgram) {
   sim.SetTimerLimits(10, 500);
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 20;
-  });
+  StoreWithInterval(20);
   BeginHere();
   Enter(kInterval, "9");
   ASSERT_TRUE(screen.BoxUp());
@@ -568,10 +564,7 @@ TEST_F(DeviceTabTest, ARateWithoutAnIntervalIsRefusedInItsOwnSpelling) {
 
 TEST_F(DeviceTabTest, ARateBeyondTheTimersLimitsIsRefusedByTheTimer) {
   sim.SetTimerLimits(10, 500);
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 20;
-  });
+  StoreWithInterval(20);
   BeginHere();
   Enter(kRate, "200");
   ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
@@ -612,10 +605,7 @@ TEST_F(DeviceTabTest, WhileTheProgramEndsTheFieldsDoNotCount) {
 // Defaults
 
 TEST_F(DeviceTabTest, DefaultsGoesBackToTheDefaultInterval) {
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 20;
-  });
+  StoreWithInterval(20);
   BeginHere();
   screen.Click(kDefaultRate);
   ExpectInterval(5, "200");
@@ -639,10 +629,7 @@ TEST_F(DeviceTabTest, DefaultsWithoutADeviceDoesNothing) {
 
 TEST_F(DeviceTabTest, DefaultsBeyondTheTimersLimitsAreRefusedByTheTimer) {
   sim.SetTimerLimits(10, 500);
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.pollInterval = 20;
-  });
+  StoreWithInterval(20);
   BeginHere();
   screen.Click(kDefaultRate);
   ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
@@ -885,64 +872,27 @@ TEST_F(DeviceSettingsTest, TheDeviceIsOpenedAnewForAnotherIntervalThatTheTimerTa
 }
 
 // Asks at each value that is read whether the lock is held.
-class WatchedRegistry final : public platform::Registry {
+class WatchedRegistry final : public ForwardedRegistry {
  public:
-  WatchedRegistry(platform::simulation::Simulation& sim, std::function<bool()> lockIsHeld)
-      : registry(*sim.Groups().registry),
-        lockIsHeld(std::move(lockIsHeld)),
-        installed(Groups(sim)) {}
+  WatchedRegistry(const platform::Platform& groups, std::function<bool()> lockIsHeld)
+      : ForwardedRegistry(groups), lockIsHeld(std::move(lockIsHeld)) {}
 
-  // Of values below a device's key: the name, and "held" or "free".
+  // The name, and "held" or "free".
   Strings reads;
 
   std::uint32_t RegQueryValueExA(platform::HKEY key, const std::string& name, std::uint32_t* type,
                                  void* data, std::uint32_t* size) override {
     reads.push_back(name + (lockIsHeld() ? " held" : " free"));
-    return registry.RegQueryValueExA(key, name, type, data, size);
+    return ForwardedRegistry::RegQueryValueExA(key, name, type, data, size);
   }
-  std::uint32_t RegOpenKeyA(platform::HKEY key, const std::string& path,
-                            platform::HKEY* opened) override {
-    return registry.RegOpenKeyA(key, path, opened);
-  }
-  std::uint32_t RegCreateKeyA(platform::HKEY key, const std::string& path,
-                              platform::HKEY* opened) override {
-    return registry.RegCreateKeyA(key, path, opened);
-  }
-  std::uint32_t RegCloseKey(platform::HKEY key) override { return registry.RegCloseKey(key); }
-  std::uint32_t RegSetValueExA(platform::HKEY key, const std::string& name, std::uint32_t type,
-                               const void* data, std::uint32_t size) override {
-    return registry.RegSetValueExA(key, name, type, data, size);
-  }
-  std::uint32_t RegDeleteValueA(platform::HKEY key, const std::string& name) override {
-    return registry.RegDeleteValueA(key, name);
-  }
-  std::uint32_t RegEnumValueA(platform::HKEY key, std::uint32_t index, char* name,
-                              std::uint32_t* nameSize, std::uint32_t* type, void* data,
-                              std::uint32_t* size) override {
-    return registry.RegEnumValueA(key, index, name, nameSize, type, data, size);
-  }
-  std::uint32_t RegEnumKeyA(platform::HKEY key, std::uint32_t index, char* name,
-                            std::uint32_t nameSize) override {
-    return registry.RegEnumKeyA(key, index, name, nameSize);
-  }
-  void BeginWrites() override { registry.BeginWrites(); }
-  std::uint32_t EndWrites() override { return registry.EndWrites(); }
 
  private:
-  platform::Platform Groups(platform::simulation::Simulation& sim) {
-    platform::Platform groups = sim.Groups();
-    groups.registry = this;
-    return groups;
-  }
-
-  platform::Registry& registry;
   const std::function<bool()> lockIsHeld;
-  const platform::InstalledPlatform installed;
 };
 
 TEST_F(DeviceSettingsTest, TheMousesLockIsHeldForAllButThePollInterval) {
   Keep();
-  WatchedRegistry watched(sim,
+  WatchedRegistry watched(sim.Groups(),
                           [this] { return Window() && Device() && Engine().mouseLock.IsTaken(); });
   BeginHere();
   for (const Value& value : kLoaded) {

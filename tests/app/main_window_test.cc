@@ -764,18 +764,7 @@ TEST_F(WindowLifeTest, CopyAndPasteWorkFromTheWindowAndDeleteDoesNot) {
 
 // ---- Layout.
 
-class MainLayoutTest : public WindowLifeTest {
- protected:
-  struct Wanted {
-    std::uint32_t id;
-    Rect place;
-  };
-  void ExpectPlaces(const char* size, const std::vector<Wanted>& places) {
-    for (const Wanted& wanted : places)
-      EXPECT_EQ(PlaceText(screen.ControlPlace(wanted.id)), PlaceText(wanted.place))
-          << wanted.id << " " << size;
-  }
-};
+using MainLayoutTest = WindowLifeTest;
 
 // The inside is 570 by 377, a tab 20 high. Sized controls lose a pixel across and down; the page's
 // box is 10 inside of the tab control and 30 below its upper edge, and its controls go with it by 1
@@ -783,38 +772,33 @@ class MainLayoutTest : public WindowLifeTest {
 TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   Begin();
   ASSERT_EQ(PlaceText(screen.Place()), "223,180 to 801,588");
-  ExpectPlaces("as made", {{kProfileLabel, {9, 16, 54, 31}},
-                           {kProfileList, {57, 11, 199, 33}},
-                           {kNewProfile, {209, 11, 275, 34}},
-                           {kHelp, {497, 11, 563, 34}},
-                           {kTabControl, {0, 42, 563, 370}},
-                           {kNewControl, {10, 72, 76, 95}},
-                           {kControlList, {10, 101, 553, 360}},
-                           {1300, {10, 72, 295, 186}},
-                           {kDeviceList, {61, 72, 398, 94}},
-                           {kRefreshDeviceList, {408, 72, 552, 95}}});
+  // The place as made, and which edges go with the window's: left, right, bottom.
+  const struct {
+    std::uint32_t id;
+    Rect made;
+    std::int32_t left, right, bottom;
+  } kPlaces[] = {{kProfileLabel, {9, 16, 54, 31}, 0, 0, 0},
+                 {kProfileList, {57, 11, 199, 33}, 0, 1, 0},
+                 {kNewProfile, {209, 11, 275, 34}, 1, 1, 0},
+                 {kHelp, {497, 11, 563, 34}, 1, 1, 0},
+                 {kTabControl, {0, 42, 563, 370}, 0, 1, 1},
+                 {kNewControl, {10, 72, 76, 95}, 0, 0, 0},
+                 {kControlList, {10, 101, 553, 360}, 0, 1, 1},
+                 {kUnnamed, {10, 72, 295, 186}, 0, 0, 0},
+                 {kDeviceList, {61, 72, 398, 94}, 0, 1, 0},
+                 {kRefreshDeviceList, {408, 72, 552, 95}, 1, 1, 0}};
+  const auto expectPlaces = [&](std::int32_t across, std::int32_t down) {
+    for (const auto& [id, made, left, right, bottom] : kPlaces) {
+      const Rect place{made.left + left * across, made.top, made.right + right * across,
+                       made.bottom + bottom * down};
+      EXPECT_EQ(PlaceText(screen.ControlPlace(id)), PlaceText(place)) << id << " " << across;
+    }
+  };
+  expectPlaces(0, 0);
   screen.Resize(678, 488);
-  ExpectPlaces("100 wider and 80 higher", {{kProfileLabel, {9, 16, 54, 31}},
-                                           {kProfileList, {57, 11, 299, 33}},
-                                           {kNewProfile, {309, 11, 375, 34}},
-                                           {kHelp, {597, 11, 663, 34}},
-                                           {kTabControl, {0, 42, 663, 450}},
-                                           {kNewControl, {10, 72, 76, 95}},
-                                           {kControlList, {10, 101, 653, 440}},
-                                           {1300, {10, 72, 295, 186}},
-                                           {kDeviceList, {61, 72, 498, 94}},
-                                           {kRefreshDeviceList, {508, 72, 652, 95}}});
+  expectPlaces(100, 80);
   screen.Resize(618, 408);
-  ExpectPlaces("40 wider", {{kProfileLabel, {9, 16, 54, 31}},
-                            {kProfileList, {57, 11, 239, 33}},
-                            {kNewProfile, {249, 11, 315, 34}},
-                            {kHelp, {537, 11, 603, 34}},
-                            {kTabControl, {0, 42, 603, 370}},
-                            {kNewControl, {10, 72, 76, 95}},
-                            {kControlList, {10, 101, 593, 360}},
-                            {1300, {10, 72, 295, 186}},
-                            {kDeviceList, {61, 72, 438, 94}},
-                            {kRefreshDeviceList, {448, 72, 592, 95}}});
+  expectPlaces(40, 0);
   EXPECT_EQ(PlaceText(ClientRect()), "0,0 to 610,377");
 }
 
@@ -862,8 +846,8 @@ TEST_F(MainLayoutTest, TheStoredPlaceIsTakenBeforeTheWindowIsSeen) {
   Begin();
   EXPECT_EQ(PlaceText(screen.Place()), "50,60 to 750,560");
   // 122 wider and 92 higher than as made.
-  ExpectPlaces("as stored",
-               {{kTabControl, {0, 42, 685, 462}}, {kControlList, {10, 101, 675, 452}}});
+  EXPECT_EQ(PlaceText(screen.ControlPlace(kTabControl)), "0,42 to 685,462");
+  EXPECT_EQ(PlaceText(screen.ControlPlace(kControlList)), "10,101 to 675,452");
 }
 
 TEST_F(MainLayoutTest, TheGripIsDrawnInTheCornerAndTakesTheMouse) {

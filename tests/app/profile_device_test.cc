@@ -16,7 +16,7 @@ using namespace main_window;
 
 using platform::MB_OK;
 
-class ProfileDeviceTest : public ProfileRowTest {};
+using ProfileDeviceTest = ProfileRowTest;
 
 // ---- The device of a profile
 
@@ -50,9 +50,7 @@ TEST_F(ProfileDeviceTest, NoDeviceRunsForAProfileWhoseDeviceIsNotThere) {
   sim.LogCalls(true);
   Choose("Beta");
   ExpectBoxAndAnswer(PadMissingText("Pad"), "Kelvaro", MB_OK);
-  EXPECT_FALSE(Device()->DeviceSelected());
-  EXPECT_EQ(CurrentDeviceName(), "");
-  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  ExpectNoDevice();
   EXPECT_EQ(OpenName(), "Beta");
   EXPECT_EQ(CallsOf(sim, {"timeKillEvent", "Unacquire", "Release", "CreateDevice"}),
             Strings({"timeKillEvent 1", "Unacquire", "Release"}));
@@ -64,9 +62,7 @@ TEST_F(ProfileDeviceTest, WithoutANameTheGuidCountsForNothing) {
   Begin();
   Choose("Beta");
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
-  EXPECT_FALSE(Device()->DeviceSelected());
-  EXPECT_EQ(CurrentDeviceName(), "");
-  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  ExpectNoDevice();
 }
 
 TEST_F(ProfileDeviceTest, AnIntervalThatIsRefusedLeavesNoDevice) {
@@ -75,9 +71,7 @@ TEST_F(ProfileDeviceTest, AnIntervalThatIsRefusedLeavesNoDevice) {
   Begin();
   Choose("Beta");
   ExpectBoxAndAnswer(PadMissingText("Pad"), "Kelvaro", MB_OK);
-  EXPECT_FALSE(Device()->DeviceSelected());
-  EXPECT_EQ(CurrentDeviceName(), "");
-  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  ExpectNoDevice();
   EXPECT_EQ(Device()->PollInterval(), 5u);
 }
 
@@ -216,9 +210,7 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
   pad.Unplug();
   screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
   screen.Click(kRefreshDeviceList);
-  EXPECT_FALSE(Device()->DeviceSelected());
-  EXPECT_EQ(CurrentDeviceName(), "");
-  EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
+  ExpectNoDevice();
   EXPECT_EQ(screen.Rows(kDeviceList), Strings({kNone, "Stick"}));
   EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
   EXPECT_EQ(screen.Text(kNumButtons), "0");

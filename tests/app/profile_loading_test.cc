@@ -11,6 +11,7 @@
 #include "app/platform/platform.h"
 #include "app/resources/control_ids.h"
 #include "tests/app/profile_row_fixture.h"
+#include "tests/platform/forwarded_registry.h"
 #include "tests/platform/watched_files.h"
 
 namespace kelvaro {
@@ -23,45 +24,18 @@ using platform::MB_ICONEXCLAMATION;
 using platform::MB_OK;
 
 // Takes its time over each value that is written.
-class SlowRegistry final : public platform::Registry {
+class SlowRegistry final : public ForwardedRegistry {
  public:
-  SlowRegistry(platform::Registry& registry, std::uint32_t ms) : registry(registry), ms(ms) {}
+  SlowRegistry(const platform::Platform& groups, std::uint32_t ms)
+      : ForwardedRegistry(groups), ms(ms) {}
 
-  std::uint32_t RegOpenKeyA(platform::HKEY key, const std::string& path,
-                            platform::HKEY* opened) override {
-    return registry.RegOpenKeyA(key, path, opened);
-  }
-  std::uint32_t RegCreateKeyA(platform::HKEY key, const std::string& path,
-                              platform::HKEY* opened) override {
-    return registry.RegCreateKeyA(key, path, opened);
-  }
-  std::uint32_t RegCloseKey(platform::HKEY key) override { return registry.RegCloseKey(key); }
-  std::uint32_t RegQueryValueExA(platform::HKEY key, const std::string& name, std::uint32_t* type,
-                                 void* data, std::uint32_t* size) override {
-    return registry.RegQueryValueExA(key, name, type, data, size);
-  }
   std::uint32_t RegSetValueExA(platform::HKEY key, const std::string& name, std::uint32_t type,
                                const void* data, std::uint32_t size) override {
     platform::Sleep(ms);
-    return registry.RegSetValueExA(key, name, type, data, size);
+    return ForwardedRegistry::RegSetValueExA(key, name, type, data, size);
   }
-  std::uint32_t RegDeleteValueA(platform::HKEY key, const std::string& name) override {
-    return registry.RegDeleteValueA(key, name);
-  }
-  std::uint32_t RegEnumValueA(platform::HKEY key, std::uint32_t index, char* name,
-                              std::uint32_t* nameSize, std::uint32_t* type, void* data,
-                              std::uint32_t* size) override {
-    return registry.RegEnumValueA(key, index, name, nameSize, type, data, size);
-  }
-  std::uint32_t RegEnumKeyA(platform::HKEY key, std::uint32_t index, char* name,
-                            std::uint32_t nameSize) override {
-    return registry.RegEnumKeyA(key, index, name, nameSize);
-  }
-  void BeginWrites() override { registry.BeginWrites(); }
-  std::uint32_t EndWrites() override { return registry.EndWrites(); }
 
  private:
-  platform::Registry& registry;
   const std::uint32_t ms;
 };
 
@@ -102,7 +76,7 @@ class WatchedTimers final : public platform::Timers {
   const platform::InstalledPlatform installed;
 };
 
-class ProfileLoadingTest : public ProfileRowTest {};
+using ProfileLoadingTest = ProfileRowTest;
 
 // ---- Choosing
 
@@ -198,18 +172,9 @@ TEST_F(ProfileLoadingTest, TheDeviceRunsBeforeTheListShowsTheNewControls) {
 }
 
 TEST_F(ProfileLoadingTest, WhatRepeatsOfTheOldProfileEnds) {
-  Store("Alpha", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    AddControl(file, 1, "a", 100);
-  });
+  StoreWithPad("Alpha", "a", 100);
   StoreWithPad("Beta");
-  Begin();
-  sim.RunFor(50);
-  pad.Press({1});
-  sim.RunFor(500);
-  EXPECT_GE(KeysPressed().size(), 4u);
-  ASSERT_NE(Engine().repeatWorker.Repeating(), nullptr);
-
+  BeginRepeating();
   Choose("Beta");
   EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
   KeysPressed();
@@ -261,37 +226,6 @@ TEST_F(ProfileLoadingTest, TheMouseControlsStartOff) {
   EXPECT_FALSE(Engine().mouseActive);
 }
 
-TEST_F(ProfileLoadingTest, TestModeEndsWithTheProfile) {
-  StoreWithPad("Alpha");
-  StoreWithPad("Beta");
-  Begin();
-  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
-  screen.Click(kTestMode);
-  ASSERT_TRUE(Engine().TestMode());
-  Choose("Beta");
-  EXPECT_FALSE(Engine().TestMode());
-}
-
-TEST_F(ProfileLoadingTest, ADetectionEndsWithTheProfileAndIsNotSavedInIt) {
-  StoreWithPad("Alpha");
-  StoreWithPad("Beta");
-  Preset("Show Auto-Detect Usage", 0);
-  Begin();
-  const std::string before = BytesOf("Alpha.idprof");
-  screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
-  screen.Click(kDetectLeftButton);  // the left mouse button
-  ASSERT_TRUE(Engine().IsDetecting());
-  pad.Press({3});
-  sim.RunFor(50);
-
-  Choose("Beta");
-  EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_FALSE(screen.Checked(kDetectLeftButton));
-  EXPECT_EQ(BytesOf("Alpha.idprof"), before);
-  EXPECT_EQ(OpenProfile().leftButton, 0) << "as Beta has it";
-  EXPECT_EQ(OpenProfile().leftMask, 0u);
-}
-
 // Two buttons end it on the notification thread, which is slow to save what it found: the device's
 // values, and then the profile by the same object that reads the next one.
 TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
@@ -304,8 +238,8 @@ TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
   screen.Click(kDetectLeftButton);
   pad.Press({3});
   sim.RunFor(50);
+  SlowRegistry slow(sim.Groups(), 20);
   platform::Platform groups = sim.Groups();
-  SlowRegistry slow(*groups.registry, 20);
   groups.registry = &slow;
   const WatchedFiles watched(groups,
                              [](const std::string&, const std::string&) { platform::Sleep(100); });
@@ -367,10 +301,7 @@ TEST_F(ProfileLoadingTest, AFileThatIsDamagedIsToldWithItsPathAndStays) {
   Disk().PutFile(PathOf("other name.idprof"), DamagedProfile("Beta"));
   Begin();
   Choose("Beta");
-  ExpectBox(
-      "Error reading file \"/game/Profiles/other name.idprof\". The file may be missing or "
-      "corrupt.",
-      "File Read Error", MB_ICONEXCLAMATION);
+  ExpectUnreadable("other name.idprof");
   ExpectNoProfile();
   screen.Answer(IDOK);
   EXPECT_EQ(Profiles(), Strings({"Alpha"}));
@@ -389,11 +320,9 @@ TEST_F(ProfileLoadingTest, EachOfSeveralBadFilesCostsOneBox) {
   Disk().Remove(PathOf("Beta.idprof"));
 
   Choose("Beta");
-  ExpectBoxAndAnswer("Error reading profile \"Beta\". The file is missing.",
-                     "Missing Profile Error", MB_ICONEXCLAMATION);
-  ExpectBoxAndAnswer(
-      "Error reading file \"/game/Profiles/Alpha.idprof\". The file may be missing or corrupt.",
-      "File Read Error", MB_ICONEXCLAMATION);
+  ExpectMissingAndAnswer("Beta");
+  ExpectUnreadable("Alpha.idprof");
+  screen.Answer(IDOK);
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Profiles(), Strings({"Gamma", "Zulu"}));
   EXPECT_EQ(OpenName(), "Gamma");
@@ -406,10 +335,8 @@ TEST_F(ProfileLoadingTest, AListThatRunsEmptyLeavesNoProfileOpen) {
   Begin();
   Disk().Remove("/game/Profiles");
   Choose("Beta");
-  ExpectBoxAndAnswer("Error reading profile \"Beta\". The file is missing.",
-                     "Missing Profile Error", MB_ICONEXCLAMATION);
-  ExpectBoxAndAnswer("Error reading profile \"Alpha\". The file is missing.",
-                     "Missing Profile Error", MB_ICONEXCLAMATION);
+  ExpectMissingAndAnswer("Beta");
+  ExpectMissingAndAnswer("Alpha");
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Profiles(), Strings());
   EXPECT_EQ(Chosen(), "");
@@ -431,9 +358,8 @@ TEST_F(ProfileLoadingTest, ABadFileAtTheStartIsToldBeforeTheWindowIsUsed) {
   Disk().PutFile(PathOf("Alpha.idprof"), DamagedProfile("Alpha"));
   StoreWithPad("Beta", "b");
   Begin();
-  ExpectBoxAndAnswer(
-      "Error reading file \"/game/Profiles/Alpha.idprof\". The file may be missing or corrupt.",
-      "File Read Error", MB_ICONEXCLAMATION);
+  ExpectUnreadable("Alpha.idprof");
+  screen.Answer(IDOK);
   EXPECT_EQ(OpenName(), "Beta");
   EXPECT_EQ(Profiles(), Strings({"Beta"}));
 }

@@ -103,15 +103,8 @@ TEST_F(ProfileOperationsTest, CancelOfANewProfileDoesNothing) {
 }
 
 TEST_F(ProfileOperationsTest, WhatRepeatsEndsWithANewProfileAndTheOldControlsAreGone) {
-  Store("Alpha", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    AddControl(file, 1, "a", 100);
-  });
-  Begin();
-  sim.RunFor(50);
-  pad.Press({1});
-  sim.RunFor(300);
-  ASSERT_NE(Engine().repeatWorker.Repeating(), nullptr);
+  StoreWithPad("Alpha", "a", 100);
+  BeginRepeating();
   ClickNew("Beta");
   EXPECT_EQ(Engine().repeatWorker.Repeating(), nullptr);
   KeysPressed();
@@ -267,14 +260,8 @@ TEST_F(RefusedNameTest, ABlankOneIsSentBackToItsDialog) {
 }
 
 TEST_F(RefusedNameTest, NothingRepeatingEndsForIt) {
-  Store("Alpha", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    AddControl(file, 1, "a", 100);
-  });
-  Begin();
-  sim.RunFor(50);
-  pad.Press({1});
-  sim.RunFor(50);
+  StoreWithPad("Alpha", "a", 100);
+  BeginRepeating();
   ClickNew("Alpha");
   screen.Answer(IDOK);
   EXPECT_NE(Engine().repeatWorker.Repeating(), nullptr);
@@ -339,8 +326,7 @@ TEST_F(ProfileOperationsTest, WithoutAFolderTheFailureOfANewProfileEndsWithAnEmp
   ClickNew("Beta");
   ExpectBoxAndAnswer("Error Creating Profile \"Beta\"", "Profile Creation Error",
                      MB_ICONEXCLAMATION);
-  ExpectBoxAndAnswer("Error reading profile \"Alpha\". The file is missing.",
-                     "Missing Profile Error", MB_ICONEXCLAMATION);
+  ExpectMissingAndAnswer("Alpha");
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Profiles(), Strings());
   ExpectNoProfile();
@@ -445,18 +431,10 @@ TEST_F(ProfileOperationsTest, TheFileThatGoesIsTheOneThatHoldsTheName) {
 
 TEST_F(ProfileOperationsTest, AFileThatCannotBeDeletedKeepsTheProfileOpen) {
   StoreWithPad("Alpha");
-  Store("Beta", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    AddControl(file, 1, "b", 100);
-  });
+  StoreWithPad("Beta", "b", 100);
   PresetText("Last Profile", "Beta");
-  Begin();
+  BeginRepeating();
   Disk().PutFile(PathOf("Beta.idprof"), BytesOf("Beta.idprof"), platform::FILE_ATTRIBUTE_READONLY);
-  sim.RunFor(50);
-  pad.Press({1});
-  sim.RunFor(300);
-  ASSERT_NE(Engine().repeatWorker.Repeating(), nullptr);
-
   ClickDelete();
   ExpectBox("Error Deleting Profile Beta\"", "Profile Deletion Error", MB_ICONEXCLAMATION);
   screen.Answer(IDOK);
@@ -528,14 +506,8 @@ TEST_F(ProfileOperationsTest, CancelOfACopyOrARenameDoesNothing) {
 }
 
 TEST_F(ProfileOperationsTest, WhatRepeatsGoesOnThroughACopyAndARename) {
-  Store("Alpha", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    AddControl(file, 1, "a", 100);
-  });
-  Begin();
-  sim.RunFor(50);
-  pad.Press({1});
-  sim.RunFor(50);
+  StoreWithPad("Alpha", "a", 100);
+  BeginRepeating();
   ClickForName(kCopyProfile, "Beta");
   KeysPressed();
   sim.RunFor(1000);

@@ -80,11 +80,19 @@ class ProfileRowTest : public MainWindowTest {
     if (fill) fill(&file);
     ASSERT_TRUE(file.Save()) << name;
   }
-  void StoreWithPad(const char* name, const char* keys = nullptr) {
-    Store(name, [keys](ProfileFile* file) {
+  void StoreWithPad(const char* name, const char* keys = nullptr, std::uint32_t repeatSpeed = 0) {
+    Store(name, [=](ProfileFile* file) {
       SetDevice(file, "Pad", kPadGuid);
-      if (keys) AddControl(file, 1, keys);
+      if (keys) AddControl(file, 1, keys, repeatSpeed);
     });
+  }
+  // With the button of its Control held, which repeats.
+  void BeginRepeating() {
+    Begin();
+    sim.RunFor(50);
+    pad.Press({1});
+    sim.RunFor(300);
+    ASSERT_NE(Engine().repeatWorker.Repeating(), nullptr);
   }
   // A file with a name that can be read and a Control that can't: its timings are cut short.
   static std::string DamagedProfile(const std::string& name) {
@@ -124,6 +132,20 @@ class ProfileRowTest : public MainWindowTest {
   void ExpectBoxAndAnswer(const std::string& text, const std::string& caption, std::uint32_t type) {
     ExpectBox(text, caption, type);
     if (screen.BoxUp()) screen.Answer(platform::IDOK);
+  }
+  void ExpectMissingAndAnswer(const std::string& name) {
+    ExpectBoxAndAnswer("Error reading profile \"" + name + "\". The file is missing.",
+                       "Missing Profile Error", platform::MB_ICONEXCLAMATION);
+  }
+  void ExpectUnreadable(const std::string& fileName) {
+    ExpectBox(
+        "Error reading file \"" + PathOf(fileName) + "\". The file may be missing or corrupt.",
+        "File Read Error", platform::MB_ICONEXCLAMATION);
+  }
+  void ExpectNoDevice() {
+    EXPECT_FALSE(Device()->DeviceSelected());
+    EXPECT_EQ(CurrentDeviceName(), "");
+    EXPECT_EQ(CurrentDeviceGuid(), kNoGuid);
   }
   void ExpectNoProfile() {
     EXPECT_EQ(OpenName(), "");

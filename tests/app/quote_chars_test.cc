@@ -20,6 +20,7 @@ TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
       {" \t QuoteSub=!! \n", "![]"},
       {"QuoteSub=\nLeftArgQuote= \n", "|[]"},
       {"QuoteSub=a\nQuoteSub=b\n", "b[]"},
+      {"QuoteSub=a\nQuoteSub=\n", "a[]"},
       {"QuoteSub =a\nXQuoteSub=a\nother\n", "|[]"},
       {"QuoteSub= a\n", " []"},
   };
@@ -32,10 +33,13 @@ TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
   }
 }
 
-TEST(LoadQuoteChars, WithoutTheFileTheUsualOnesHold) {
+TEST(LoadQuoteChars, WithoutAFileThatCanBeReadTheUsualOnesHold) {
   platform::simulation::Simulation sim;
-  const QuoteChars chars = LoadQuoteChars();
-  EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), "|[]");
+  for (const bool folder : {false, true}) {
+    if (folder) sim.Disk().PutFolder("/game/QuoteChars.txt");
+    const QuoteChars chars = LoadQuoteChars();
+    EXPECT_EQ((std::string{chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote}), "|[]");
+  }
 }
 
 TEST(LoadQuoteChars, AUsersOwnFileComesFirstWhereEachUserHasAFolder) {

@@ -80,6 +80,17 @@ class ResizeListCtrlTest : public ::testing::Test {
     };
     screen.Start([this] { return dialog.DoModal(platform::kNoWindow); });
   }
+  // Another list of three columns, with what is stored.
+  void OpenFresh(ListDialog& fresh, std::int32_t clientWidth) {
+    fresh.prepare = [&fresh, clientWidth] {
+      fresh.list.Attach(fresh.window, kList);
+      fresh.list.clientWidth = clientWidth;
+      for (int i = 0; i < 3; ++i) fresh.list.AddColumn("Column", 50);
+      fresh.list.registryKey = kKey;
+      fresh.list.LoadColumns();
+    };
+    screen.Start([&fresh] { return fresh.DoModal(platform::kNoWindow); });
+  }
   void AddColumns(const Numbers& widths) {
     for (const std::int32_t width : widths) EXPECT_TRUE(list.AddColumn("Column", width));
   }
@@ -317,14 +328,7 @@ TEST_F(ResizeListCtrlTest, WithAMissingOrderTheWidthsLoadAndTheOrderStays) {
     StoreOrder(2, 0, 1);
     registry.PutString(kStored, missing, "0");
     ListDialog fresh;
-    fresh.prepare = [&] {
-      fresh.list.Attach(fresh.window, kList);
-      fresh.list.clientWidth = 310;
-      for (int i = 0; i < 3; ++i) fresh.list.AddColumn("Column", 50);
-      fresh.list.registryKey = kKey;
-      fresh.list.LoadColumns();
-    };
-    screen.Start([&] { return fresh.DoModal(platform::kNoWindow); });
+    OpenFresh(fresh, 310);
     EXPECT_EQ(Widths(), (Numbers{40, 160, 110})) << missing;  // column 2 stands last
     EXPECT_EQ(Order(), (Numbers{0, 1, 2})) << missing;
     screen.Close();
@@ -473,14 +477,7 @@ TEST_F(ResizeListCtrlTest, WhatWasStoredComesBackAtTheNextStart) {
   const Numbers widths = Widths();
   screen.Close();
   ListDialog next;
-  next.prepare = [&] {
-    next.list.Attach(next.window, kList);
-    next.list.clientWidth = 300;
-    for (int i = 0; i < 3; ++i) next.list.AddColumn("Column", 50);
-    next.list.registryKey = kKey;
-    next.list.LoadColumns();
-  };
-  screen.Start([&] { return next.DoModal(platform::kNoWindow); });
+  OpenFresh(next, 300);
   EXPECT_EQ(Widths(), widths);
   EXPECT_EQ(Order(), (Numbers{1, 2, 0}));
 }

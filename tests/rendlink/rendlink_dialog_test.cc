@@ -25,20 +25,14 @@ class RendlinkDialogTest : public RendlinkTest {
     screen.SelectRows(kProfiles, {1});
     screen.Type(kTarget_, kTarget);
   }
-  void ExpectBox(const std::string& text) {
+  void ExpectBox(const std::string& text, std::uint32_t type = platform::MB_ICONEXCLAMATION) {
     ASSERT_TRUE(screen.BoxUp());
     EXPECT_EQ(screen.Box().text, text);
     EXPECT_EQ(screen.Box().caption, "Rendlink");
-    EXPECT_EQ(screen.Box().type, platform::MB_ICONEXCLAMATION);
+    EXPECT_EQ(screen.Box().type, type);
     screen.Answer(IDOK);
   }
-  void ExpectSuccess(const std::string& text) {
-    ASSERT_TRUE(screen.BoxUp());
-    EXPECT_EQ(screen.Box().text, text);
-    EXPECT_EQ(screen.Box().caption, "Rendlink");
-    EXPECT_EQ(screen.Box().type, platform::MB_OK);
-    screen.Answer(IDOK);
-  }
+  void ExpectSuccess(const std::string& text) { ExpectBox(text, platform::MB_OK); }
   void TearDown() override {
     if (screen.Running()) screen.Close();
     EXPECT_FALSE(screen.Running());
