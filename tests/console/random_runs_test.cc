@@ -5,9 +5,9 @@
 
 #include <memory>
 
-#include "app/platform/recording/recording.h"
 #include "tests/console/console_run.h"
 #include "tests/console/held_inputs.h"
+#include "tests/console/random_change.h"
 #include "tests/console/random_profile.h"
 
 namespace kelvaro::console {
@@ -24,21 +24,8 @@ std::string RandomRecording(Random& random) {
   std::uint32_t held = 0;
   std::uint64_t t = 0;
   for (std::uint32_t count = random.Between(1, 150); count > 0; --count) {
-    platform::StateChange change;
+    platform::StateChange change = RandomChange(random, &held);
     change.t = t += random.Below(60);
-    change.hasButtons = random.OneIn(2);
-    if (change.hasButtons) held ^= 1u << random.Below(8);
-    for (std::uint32_t button = 0; button < 8; ++button) {
-      if (held >> button & 1) change.buttons.push_back(button + 1);
-    }
-    if (random.OneIn(3)) {
-      const auto kind = static_cast<std::uint16_t>(random.Below(7));
-      change.axes = {{{kind, 0}, static_cast<std::int32_t>(random.Below(64001)) - 32000}};
-    }
-    if (random.OneIn(4)) {
-      constexpr std::uint32_t kAngles[] = {platform::kPovCentred, 0, 4500, 9000, 18000, 27000};
-      change.povs = {{0, kAngles[random.Below(6)]}};
-    }
     change.hasLost = random.OneIn(20);
     change.lost = random.OneIn(2);
     text += RecordingChangeLine(change) + "\n";

@@ -11,6 +11,7 @@
 #include "console/engine_session.h"
 #include "console/profile_json.h"
 #include "tests/console/held_inputs.h"
+#include "tests/console/random_change.h"
 #include "tests/console/random_profile.h"
 
 namespace kelvaro::console {
@@ -77,7 +78,7 @@ class Soak {
         Edit();
         break;
       default:
-        Play();
+        pad.Change(RandomChange(random, &buttons));
         break;
     }
     simulation.RunFor(random.OneIn(50) ? random.Below(20'000) : random.Below(400));
@@ -98,25 +99,6 @@ class Soak {
 
  private:
   static constexpr const char* kReads[] = {"Poll", "GetDeviceState", "Acquire"};
-
-  void Play() {
-    platform::StateChange change;
-    if (random.OneIn(2)) {
-      buttons ^= 1u << random.Below(8);
-      change.hasButtons = true;
-      for (std::uint32_t button = 0; button < 8; ++button) {
-        if (buttons >> button & 1) change.buttons.push_back(button + 1);
-      }
-    }
-    if (random.OneIn(2)) {
-      const platform::AxisName axis{static_cast<std::uint16_t>(random.Below(8)), 0};
-      change.axes.emplace_back(axis, static_cast<std::int32_t>(random.Below(64001)) - 32000);
-    }
-    if (random.OneIn(4)) {
-      change.povs.emplace_back(0, random.OneIn(3) ? platform::kPovCentred : random.Below(8) * 4500);
-    }
-    pad.Change(change);
-  }
 
   // As after a device list that was refreshed, with one operation failing once.
   void Reselect(const std::string& failing) {
