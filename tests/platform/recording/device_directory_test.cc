@@ -102,6 +102,16 @@ TEST(DeviceDirectory, ListsAttachedDevicesInTheOrderOfAdding) {
   EXPECT_EQ(AttachedNames(), (std::vector<std::string>{"Wheel", "Pad"}));
 }
 
+TEST_F(OpenPad, VisitsNoDeviceOnceTheVisitorHasEnoughAndNoneOfAnotherClass) {
+  sim.AddDevice(Described("Wheel", kSecond));
+  int visits = 0;
+  const auto once = [&](const DIDEVICEINSTANCE&) { return ++visits < 1; };
+  EXPECT_EQ(directory->EnumDevices(DI8DEVCLASS_GAMECTRL, once, DIEDFL_ATTACHEDONLY), DI_OK);
+  constexpr std::uint32_t kKeyboards = 3;
+  EXPECT_EQ(directory->EnumDevices(kKeyboards, once, DIEDFL_ATTACHEDONLY), DI_OK);
+  EXPECT_EQ(visits, 1);
+}
+
 TEST(DeviceDirectory, CutsALongName) {
   Simulation sim;
   sim.AddDevice(Described(std::string(300, 'n'), kFirst));

@@ -35,6 +35,10 @@ TEST(VirtualDisk, WritesReadsAndSeeks) {
   EXPECT_TRUE(Write(*file, "!"));
   EXPECT_FALSE(file->SetFilePointer(-1, FILE_BEGIN, &position));
   EXPECT_EQ(disk.GetLastError(), ERROR_NEGATIVE_SEEK);
+  EXPECT_TRUE(file->SetFilePointer(INT64_MAX, FILE_BEGIN, nullptr));
+  EXPECT_FALSE(file->SetFilePointer(INT64_MAX, FILE_CURRENT, nullptr));
+  EXPECT_FALSE(Write(*file, "far out"));
+  EXPECT_EQ(disk.GetLastError(), ERROR_DISK_FULL);
   EXPECT_TRUE(file->CloseHandle());
   EXPECT_EQ(disk.FileBytes("/a"), std::string("Jello world\0\0!", 14));
 }
@@ -166,6 +170,21 @@ TEST(VirtualDisk, PathsAreResolved) {
   EXPECT_EQ(disk.GetCurrentDirectoryA(), "/t/a");
   EXPECT_TRUE(disk.SetCurrentDirectoryA("/"));
   EXPECT_EQ(disk.GetCurrentDirectoryA(), "/");
+}
+
+TEST(VirtualDisk, DrivesAndSharesAreRoots) {
+  VirtualDisk disk;
+  disk.Format('\\');
+  EXPECT_FALSE(disk.CreateDirectoryA("D:\\a"));
+  EXPECT_FALSE(disk.CreateDirectoryA("C:\\"));
+  disk.PutFile("\\\\srv\\share\\a", "1");
+  EXPECT_TRUE(disk.Exists("\\\\SRV\\share\\A"));
+  EXPECT_FALSE(disk.Exists("\\\\srv\\other\\a"));
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("\\\\srv\\share"));
+  EXPECT_EQ(disk.GetFileAttributesA("a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(disk.GetFileAttributesA("\\a"), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_TRUE(disk.SetCurrentDirectoryA("C:\\"));
+  EXPECT_EQ(disk.GetCurrentDirectoryA(), "C:\\");
 }
 
 TEST(VirtualDisk, ACopyKeepsTheTargetsAttributesAndGivesItsOwnToANewOne) {
