@@ -85,6 +85,10 @@ std::vector<std::string> CaseFiles(const std::string& folder) {
   return files;
 }
 
+std::string CaseName(const std::string& path) {
+  return std::filesystem::path(path).stem().string();
+}
+
 std::string SideBySide(const std::vector<std::string>& expected,
                        const std::vector<std::string>& received) {
   std::size_t width = 8;

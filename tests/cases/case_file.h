@@ -22,6 +22,9 @@ bool ReadCase(const std::string& path, Case* out, std::string* error);
 // The case files of a folder, sorted by name.
 std::vector<std::string> CaseFiles(const std::string& folder);
 
+// Of a case's test: the file's name without its ending.
+std::string CaseName(const std::string& path);
+
 // Expected and received lines side by side, those that differ marked, for a failure to print.
 std::string SideBySide(const std::vector<std::string>& expected,
                        const std::vector<std::string>& received);

@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <sstream>
 
 #include "tests/cases/case_file.h"
@@ -40,15 +37,8 @@ TEST_P(CaseTest, SendsTheseEvents) {
   EXPECT_EQ(console::Kelvaroctl(words).out, run.out) << "the same run twice gave different output";
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& info) {
-  std::string name = std::filesystem::path(info.param).stem().string();
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
-      '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, CaseTest, testing::ValuesIn(CaseFiles(KELVARO_CASES)), NameOf);
+INSTANTIATE_TEST_SUITE_P(Cases, CaseTest, testing::ValuesIn(CaseFiles(KELVARO_CASES)),
+                         [](const auto& info) { return CaseName(info.param); });
 
 }  // namespace
 }  // namespace kelvaro::cases

@@ -9,10 +9,8 @@
 #include <sys/syscall.h>
 
 #include <algorithm>
-#include <cctype>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <set>
 #include <sstream>
@@ -316,15 +314,8 @@ std::vector<std::string> RealCases() {
   return paths;
 }
 
-std::string NameOf(const testing::TestParamInfo<std::string>& info) {
-  std::string name = std::filesystem::path(info.param).stem().string();
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); },
-      '_');
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, KernelCase, testing::ValuesIn(RealCases()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Cases, KernelCase, testing::ValuesIn(RealCases()),
+                         [](const auto& info) { return cases::CaseName(info.param); });
 
 }  // namespace
 }  // namespace kelvaro::kernel
