@@ -14,14 +14,7 @@ void InputAction::Clear() {}
 
 InputAction* InputAction::Clone() const { return nullptr; }
 
-void Trigger::ResetTrigger() {
-  activateOnPress = 1;
-  triggerOption = 1;
-  SetButtonMask(0);
-  triggerItems.Clear();
-  triggerArmed = 0;
-  triggerSpoiled = 0;
-}
+void Trigger::ResetTrigger() { *this = Trigger(); }
 
 void Trigger::SetButtonMask(std::uint64_t mask) {
   buttonMask = mask;
@@ -32,24 +25,14 @@ std::uint32_t Trigger::Weight() const {
   return buttonCount + static_cast<std::uint32_t>(triggerItems.count);
 }
 
-Control::Control(const Control& source) : Trigger() { CopyShared(source); }
+Control::Control(const Control& source) : ControlSettings(source), actions(source.actions) {}
 
 Control::~Control() { ClearActions(); }
 
 void Control::Reset() {
+  static const ControlSettings kDefaults;
   ClearActions();
-  ResetTrigger();
-  description.Empty();
-  controlId = 0;
-  triggerDown = 0;
-  toggleMouseControls = 0;
-  repeatEnabled = 0;
-  repeatStarted = 0;
-  repeatDelay = 500;
-  repeatSpeed = 50;
-  repeatLastTick = 0;
-  keyHoldTime = 0;
-  keyReleasePause = 0;
+  ControlSettings::operator=(kDefaults);
 }
 
 void Control::ClearActions() {
@@ -59,32 +42,11 @@ void Control::ClearActions() {
   actions.Clear();
 }
 
-void Control::CopyTrigger(const Control& source) {
-  activateOnPress = source.activateOnPress;
-  triggerOption = source.triggerOption;
-  buttonMask = source.buttonMask;
-  buttonCount = source.buttonCount;
-  triggerItems = source.triggerItems;
-  triggerArmed = source.triggerArmed;
-  triggerSpoiled = source.triggerSpoiled;
-}
-
-void Control::CopySettings(const Control& source) {
-  CopyTrigger(source);
-  description = source.description;
-  controlId = source.controlId;
-  triggerDown = source.triggerDown;
-  toggleMouseControls = source.toggleMouseControls;
-  repeatEnabled = source.repeatEnabled;
-  repeatDelay = source.repeatDelay;
-  repeatSpeed = source.repeatSpeed;
-  keyHoldTime = source.keyHoldTime;
-  keyReleasePause = source.keyReleasePause;
-}
-
 void Control::CopyDeep(const Control& source) {
-  Reset();
-  CopySettings(source);
+  ClearActions();
+  ControlSettings::operator=(source);
+  repeatStarted = 0;
+  repeatLastTick = 0;
   for (const InputAction* action : source.actions) {
     if (action->actionType != InputAction::kKeyAction) continue;
     InputAction* copy = action->Clone();
@@ -95,9 +57,7 @@ void Control::CopyDeep(const Control& source) {
 
 void Control::CopyShared(const Control& source) {
   ClearActions();
-  CopySettings(source);
-  repeatStarted = source.repeatStarted;
-  repeatLastTick = source.repeatLastTick;
+  ControlSettings::operator=(source);
   actions = source.actions;
   actionsBorrowed = 0;
 }

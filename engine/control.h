@@ -49,7 +49,26 @@ struct Trigger {
   std::uint32_t Weight() const;
 };
 
-class Control : public Trigger {
+// When the keys come; times in ms.
+struct KeyTimings {
+  std::uint8_t repeatEnabled = 0;
+  std::uint32_t repeatDelay = 500;
+  std::uint32_t repeatSpeed = 50;
+  std::uint32_t keyHoldTime = 0;
+  std::uint32_t keyReleasePause = 0;
+};
+
+// All of a Control but its actions: plain values, which are copied and reset as a whole.
+struct ControlSettings : Trigger, KeyTimings {
+  ByteString description;
+  std::uint32_t controlId = 0;   // unique within the profile
+  std::uint8_t triggerDown = 0;  // run-time: fired on press and not yet inactive
+  std::uint8_t toggleMouseControls = 0;
+  std::uint8_t repeatStarted = 0;    // run-time: 0 in repeatDelay, 1 at repeatSpeed
+  std::uint32_t repeatLastTick = 0;  // run-time
+};
+
+class Control : public ControlSettings {
  public:
   Control() = default;
   // Shares the actions of `source`; actionsBorrowed is 0, so the caller makes sure that only one
@@ -62,7 +81,7 @@ class Control : public Trigger {
   void Reset();
   // Destroys the actions unless they are borrowed; the list ends empty either way.
   void ClearActions();
-  void CopyTrigger(const Control& source);
+  void CopyTrigger(const Control& source) { Trigger::operator=(source); }
   // Both full copies drop this Control's actions first, so `source` is to be another one; an
   // action for which memory runs out is left out.
   // A copy with actions of its own. actionsBorrowed ends at 0; repeatStarted and repeatLastTick
@@ -84,23 +103,8 @@ class Control : public Trigger {
   // Whether an item names the same input, in any direction.
   bool UsesInput(const TriggerItem& item) const;
 
-  ByteString description;
-  std::uint32_t controlId = 0;   // unique within the profile
-  std::uint8_t triggerDown = 0;  // run-time: fired on press and not yet inactive
-  std::uint8_t toggleMouseControls = 0;
-  std::uint8_t repeatEnabled = 0;
-  std::uint8_t repeatStarted = 0;     // run-time: 0 in repeatDelay, 1 at repeatSpeed
-  std::uint32_t repeatDelay = 500;    // ms
-  std::uint32_t repeatSpeed = 50;     // ms
-  std::uint32_t repeatLastTick = 0;   // run-time
-  std::uint32_t keyHoldTime = 0;      // ms
-  std::uint32_t keyReleasePause = 0;  // ms
   LinkedList<InputAction*> actions;
   std::uint8_t actionsBorrowed = 0;
-
- private:
-  // What both kinds of copy carry over, the actions not among it.
-  void CopySettings(const Control& source);
 };
 
 }  // namespace kelvaro
