@@ -2,8 +2,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <memory>
-#include <utility>
 
 #include "app/platform/byte_text.h"
 #include "console/json_text.h"
@@ -55,6 +55,17 @@ std::size_t FindTooDeep(const std::string& text) {
     }
   }
   return std::string::npos;
+}
+
+// A whole number from 0 to the most that the target holds.
+template <typename T>
+void ReadWhole(const JsonElement& element, T* out) {
+  constexpr std::uint64_t most = std::numeric_limits<T>::max();
+  if (!element.value.isNumeric()) return element.Fail("not a number");
+  if (!element.value.isUInt64() || element.value.asUInt64() > most) {
+    return element.Fail("not a whole number from 0 to " + std::to_string(most));
+  }
+  *out = static_cast<T>(element.value.asUInt64());
 }
 
 // Turns the parser's "* Line 3, Column 5\n  Syntax error: ...\n" into its parts.
@@ -112,15 +123,14 @@ bool JsonDocument::Parse(const std::string& text) {
     fault.what = problem.what();
     return false;
   }
-  if (!root.isObject()) Fail(root, {}, "not an object");
+  if (!root.isObject()) Root().Fail("not an object");
   return !failed;
 }
 
-void JsonDocument::Fail(const Json::Value& value, const std::string& member,
-                        const std::string& what, const std::string& detail) {
-  if (failed) return;
-  FailAt(static_cast<std::size_t>(value.getOffsetStart()), member, what);
-  fault.detail = detail;
+void JsonElement::Fail(const std::string& what, const std::string& detail) const {
+  if (document.failed) return;
+  document.FailAt(static_cast<std::size_t>(value.getOffsetStart()), name, what);
+  document.fault.detail = detail;
 }
 
 void JsonDocument::FailAt(std::size_t offset, const std::string& member, const std::string& what) {
@@ -130,115 +140,73 @@ void JsonDocument::FailAt(std::size_t offset, const std::string& member, const s
   fault.what = what;
 }
 
-bool ReadText(JsonDocument& document, const Json::Value& value, const std::string& member,
-              ByteString* out) {
-  if (value.isString()) {
-    const std::string text = value.asString();
-    if (!platform::IsUtf8(text)) {
-      document.Fail(value, member,
-                    "not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}");
-      return false;
-    }
-    *out = FromBytes(text);
-    return true;
-  }
-  std::string bytes;
-  if (value.isObject() && value.size() == 1 && value.isMember("bytes") &&
-      value["bytes"].isString() && platform::ParseHexBytes(value["bytes"].asString(), &bytes)) {
-    *out = FromBytes(bytes);
-    return true;
-  }
-  document.Fail(value, member, "not a text");
-  return false;
+void Read(const JsonElement& element, bool& flag) {
+  if (!element.value.isBool()) return element.Fail("neither true nor false");
+  flag = element.value.asBool();
 }
 
-bool ReadWholeNumber(JsonDocument& document, const Json::Value& value, const std::string& member,
-                     std::uint64_t most, std::uint64_t* out) {
-  if (!value.isNumeric()) {
-    document.Fail(value, member, "not a number");
-    return false;
-  }
-  if (!value.isUInt64() || value.asUInt64() > most) {
-    document.Fail(value, member, "not a whole number from 0 to " + std::to_string(most));
-    return false;
-  }
-  *out = value.asUInt64();
-  return true;
+void Read(const JsonElement& element, std::uint8_t& flag) {
+  bool truth = flag != 0;
+  Read(element, truth);
+  flag = truth;
 }
 
-JsonObject::JsonObject(JsonDocument& document, const Json::Value& value, std::string member)
-    : document(document), value(value), path(std::move(member)) {
-  if (!value.isObject()) document.Fail(value, path, "not an object");
+void Read(const JsonElement& element, std::uint16_t& number) { ReadWhole(element, &number); }
+
+void Read(const JsonElement& element, std::uint32_t& number) { ReadWhole(element, &number); }
+
+void Read(const JsonElement& element, std::int32_t& number) {
+  if (!element.value.isNumeric()) return element.Fail("not a number");
+  if (!element.value.isInt()) return element.Fail("not a whole number of 32 bits");
+  number = element.value.asInt();
 }
 
-const Json::Value* JsonObject::Find(const char* name) {
-  known.insert(name);
-  if (!value.isObject() || !value.isMember(name)) return nullptr;
-  return &value[name];
-}
-
-std::string JsonObject::MemberName(const std::string& name) const {
-  return (path.empty() ? "" : path + ".") + Shortened(name);
-}
-
-bool JsonObject::ReadNumber(const char* name, std::uint64_t most, std::uint64_t* out) {
-  const Json::Value* member = Find(name);
-  return member && ReadWholeNumber(document, *member, MemberName(name), most, out);
-}
-
-bool JsonObject::ReadSigned(const char* name, std::int32_t* out) {
-  const Json::Value* member = Find(name);
-  if (!member) return false;
-  if (!member->isNumeric()) {
-    document.Fail(*member, MemberName(name), "not a number");
-    return false;
-  }
-  if (!member->isInt()) {
-    document.Fail(*member, MemberName(name), "not a whole number of 32 bits");
-    return false;
-  }
-  *out = member->asInt();
-  return true;
-}
-
-bool JsonObject::ReadFlag(const char* name, bool* out) {
-  const Json::Value* member = Find(name);
-  if (!member) return false;
-  if (!member->isBool()) {
-    document.Fail(*member, MemberName(name), "neither true nor false");
-    return false;
-  }
-  *out = member->asBool();
-  return true;
-}
-
-void JsonObject::Text(const char* name, ByteString* out) {
-  const Json::Value* member = Find(name);
-  if (member) ReadText(document, *member, MemberName(name), out);
-}
-
-bool JsonObject::ReadMask(const char* name, std::uint64_t* out) {
-  const Json::Value* member = Find(name);
-  if (!member) return false;
-  if (!member->isString()) return ReadNumber(name, UINT64_MAX, out);
-  const std::string text = member->asString();
+void Read(const JsonElement& element, std::uint64_t& mask) {
+  if (!element.value.isString()) return ReadWhole(element, &mask);
+  const std::string text = element.value.asString();
   const bool hex = text.size() > 2 && text.size() <= 18 && text[0] == '0' && text[1] == 'x' &&
                    text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string::npos;
-  if (!hex) {
-    document.Fail(*member, MemberName(name), "not a mask such as \"0x5\"");
-    return false;
+  if (!hex) return element.Fail("not a mask such as \"0x5\"");
+  mask = std::strtoull(text.c_str(), nullptr, 16);
+}
+
+void Read(const JsonElement& element, ByteString& text) {
+  const Json::Value& value = element.value;
+  std::string bytes;
+  if (value.isString()) {
+    bytes = value.asString();
+    if (!platform::IsUtf8(bytes)) {
+      return element.Fail("not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}");
+    }
+  } else if (!value.isObject() || value.size() != 1 || !value["bytes"].isString() ||
+             !platform::ParseHexBytes(value["bytes"].asString(), &bytes)) {
+    return element.Fail("not a text");
   }
-  *out = std::strtoull(text.c_str(), nullptr, 16);
-  return true;
+  text = FromBytes(bytes);
+}
+
+void ReadByte(const JsonElement& element, std::uint8_t* byte) { ReadWhole(element, byte); }
+
+JsonObject::JsonObject(const JsonElement& element) : element(element) {
+  if (!element.value.isObject()) element.Fail("not an object");
+}
+
+std::optional<JsonElement> JsonObject::Find(const char* name) {
+  known.insert(name);
+  if (!element.value.isObject() || !element.value.isMember(name)) return std::nullopt;
+  return MemberOf(name);
 }
 
 void JsonObject::RefuseOthers() {
-  if (!value.isObject()) return;
-  for (const std::string& name : value.getMemberNames()) {
-    if (!known.contains(name)) {
-      document.Fail(value[name], MemberName(name), "unknown member");
-    }
+  if (!element.value.isObject()) return;
+  for (const std::string& name : element.value.getMemberNames()) {
+    if (!known.contains(name)) MemberOf(name).Fail("unknown member");
   }
+}
+
+JsonElement JsonObject::MemberOf(const std::string& name) const {
+  const std::string path = element.name.empty() ? "" : element.name + ".";
+  return {element.document, element.value[name], path + Shortened(name)};
 }
 
 }  // namespace kelvaro::console

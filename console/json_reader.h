@@ -4,6 +4,7 @@
 #include <json/json.h>
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -22,6 +23,18 @@ struct JsonFault {
   std::string Text(const std::string& file) const;
 };
 
+class JsonDocument;
+
+// A value of a document, and how a message calls it: "controls[2].buttonMask", "" for the whole.
+struct JsonElement {
+  JsonDocument& document;
+  const Json::Value& value;
+  std::string name;
+
+  // Notes a fault here; the first one of a document stands.
+  void Fail(const std::string& what, const std::string& detail = {}) const;
+};
+
 // A parsed text with the first fault found in it. Depth is bounded; the size is the caller's to
 // bound, as a byte of text can cost fifty of memory.
 class JsonDocument {
@@ -29,15 +42,12 @@ class JsonDocument {
   // False, with fault set, when the text isn't one JSON object.
   bool Parse(const std::string& text);
 
-  const Json::Value& Root() const { return root; }
+  JsonElement Root() { return {*this, root, {}}; }
   bool Failed() const { return failed; }
   const JsonFault& Fault() const { return fault; }
 
-  // Notes a fault at `value`; the first one stands.
-  void Fail(const Json::Value& value, const std::string& member, const std::string& what,
-            const std::string& detail = {});
-
  private:
+  friend JsonElement;
   void FailAt(std::size_t offset, const std::string& member, const std::string& what);
 
   std::string source;
@@ -46,65 +56,48 @@ class JsonDocument {
   JsonFault fault;
 };
 
-// One object of a document, taken apart member by member. A member that isn't there leaves its
-// target alone; one of a wrong type or range is a fault of the document.
+// Each reads a value of the kind that belongs to the type of its target. One of another type or
+// range is a fault of the document and leaves the target alone.
+void Read(const JsonElement& element, bool& flag);
+void Read(const JsonElement& element, std::uint8_t& flag);
+void Read(const JsonElement& element, std::uint16_t& number);
+void Read(const JsonElement& element, std::uint32_t& number);
+void Read(const JsonElement& element, std::int32_t& number);
+// A number, or a string such as "0x8000000000000001".
+void Read(const JsonElement& element, std::uint64_t& mask);
+// A string, or {"bytes":"<hex>"}.
+void Read(const JsonElement& element, ByteString& text);
+// A whole number from 0 to 255.
+void ReadByte(const JsonElement& element, std::uint8_t* byte);
+
+// Calls read(element) for each element of a list, up to the first fault.
+template <typename Read>
+void ForEach(const JsonElement& list, Read read) {
+  if (!list.value.isArray()) list.Fail("not a list");
+  for (Json::ArrayIndex i = 0; i < list.value.size() && !list.document.Failed(); ++i) {
+    read(JsonElement{list.document, list.value[i], list.name + "[" + std::to_string(i) + "]"});
+  }
+}
+
+// An object of a document, taken apart member by member.
 class JsonObject {
  public:
-  // `member` names the object itself, empty for the root.
-  JsonObject(JsonDocument& document, const Json::Value& value, std::string member);
+  explicit JsonObject(const JsonElement& element);
 
-  // The member, or null.
-  const Json::Value* Find(const char* name);
-  // With the path to it; a long name is cut.
-  std::string MemberName(const std::string& name) const;
-
+  std::optional<JsonElement> Find(const char* name);
+  // One that isn't there leaves its target alone.
   template <typename T>
-  void Number(const char* name, T* out, std::uint64_t most) {
-    std::uint64_t number = 0;
-    if (ReadNumber(name, most, &number)) *out = static_cast<T>(number);
+  void Member(const char* name, T& target) {
+    if (const auto member = Find(name)) Read(*member, target);
   }
-  // Any whole number of 32 bits.
-  template <typename T>
-  void Signed(const char* name, T* out) {
-    std::int32_t number = 0;
-    if (ReadSigned(name, &number)) *out = number;
-  }
-  template <typename T>
-  void Flag(const char* name, T* out) {
-    bool flag = false;
-    if (ReadFlag(name, &flag)) *out = flag;
-  }
-  // A string, or {"bytes":"<hex>"}.
-  void Text(const char* name, ByteString* out);
-  // A number, or a string such as "0x8000000000000001".
-  template <typename T>
-  void Mask(const char* name, T* out) {
-    std::uint64_t mask = 0;
-    if (ReadMask(name, &mask)) *out = mask;
-  }
-
   // Every member that nothing asked for is a fault.
   void RefuseOthers();
 
-  JsonDocument& Document() { return document; }
-
  private:
-  bool ReadNumber(const char* name, std::uint64_t most, std::uint64_t* out);
-  bool ReadSigned(const char* name, std::int32_t* out);
-  bool ReadFlag(const char* name, bool* out);
-  bool ReadMask(const char* name, std::uint64_t* out);
+  JsonElement MemberOf(const std::string& name) const;
 
-  JsonDocument& document;
-  const Json::Value& value;
-  const std::string path;
+  const JsonElement element;
   std::set<std::string> known;
 };
-
-// The bytes of a JSON text value; false, with the fault noted, for anything else.
-bool ReadText(JsonDocument& document, const Json::Value& value, const std::string& member,
-              ByteString* out);
-// A whole number from 0 to `most`; false, with the fault noted, for anything else.
-bool ReadWholeNumber(JsonDocument& document, const Json::Value& value, const std::string& member,
-                     std::uint64_t most, std::uint64_t* out);
 
 }  // namespace kelvaro::console

@@ -1,4 +1,4 @@
-// The JSON form of a profile.
+// The JSON form of a profile, with the members that engine/members.h lists.
 #pragma once
 
 #include <string>
@@ -12,5 +12,9 @@ namespace kelvaro::console {
 // controlId takes the next free number. False, with *fault set, for a text that isn't a profile;
 // *profile is then of no use.
 bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault);
+
+// Every member as ReadProfile takes it: one object on one line, without a line feed. The Controls
+// are those of the master list; an action of another kind than keys is left out.
+std::string ProfileJson(const Profile& profile);
 
 }  // namespace kelvaro::console

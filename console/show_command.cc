@@ -3,7 +3,7 @@
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/file_machine.h"
-#include "console/profile_json_writer.h"
+#include "console/profile_json.h"
 #include "console/profile_source.h"
 #include "console/profile_text.h"
 

@@ -9,7 +9,6 @@
 
 #include "console/profile_check.h"
 #include "console/profile_json.h"
-#include "console/profile_json_writer.h"
 #include "console/profile_text.h"
 
 namespace {

@@ -631,7 +631,7 @@ TEST_F(ControlListTest, EveryMemberOfAControlIsPasted) {
   Paste();
   const std::uint32_t id = ControlAt(1).controlId;
   ControlAt(1).controlId = ControlAt(0).controlId;
-  ExpectSameControl(ControlAt(0), ControlAt(1));
+  ExpectSame(ControlAt(0), ControlAt(1));
   ControlAt(1).controlId = id;
 }
 
@@ -1007,7 +1007,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
     EXPECT_EQ(screen.SelectedRows(kControlList), model.selected);
     const auto stored = Stored(kProfile);
     ASSERT_TRUE(stored);
-    ExpectSameControls(stored->controls, OpenProfile().controls);
+    ExpectSame(stored->controls, OpenProfile().controls);
     EXPECT_EQ(stored->nextControlId, OpenProfile().nextControlId);
     EXPECT_EQ(static_cast<std::size_t>(OpenProfile().controls.count), model.rows.size());
     const Ids ids = ControlIds();
@@ -1015,7 +1015,7 @@ class RandomEdits : public ControlListTest, public testing::WithParamInterface<s
     for (const std::uint32_t id : ids) EXPECT_LT(id, OpenProfile().nextControlId);
     // A file's own order of dispatch is that of a rebuild.
     EXPECT_EQ(DispatchActions(), rebuilt ? IdsOf(stored->DispatchList) : dispatchBefore);
-    if (rebuilt) ExpectSameControls(stored->DispatchList, OpenProfile().DispatchList);
+    if (rebuilt) ExpectSame(stored->DispatchList, OpenProfile().DispatchList);
   }
 
   RandomKeys random{GetParam() + 1};

@@ -15,6 +15,10 @@ std::string ParseFault(const std::string& text) {
   return good ? "" : document.Fault().Text("f");
 }
 
+JsonElement At(JsonDocument& document, const char* name) {
+  return *JsonObject(document.Root()).Find(name);
+}
+
 std::string Nested(int depth) {
   return "{\"a\":" + std::string(static_cast<std::size_t>(depth - 1), '[') +
          std::string(static_cast<std::size_t>(depth - 1), ']') + "}";
@@ -53,7 +57,7 @@ TEST(JsonDocument, CountsLinesOfEveryKind) {
   for (const char* text : {"{\n\n\"a\":1}", "{\r\n\r\n\"a\":1}", "{\r\r\"a\":1}"}) {
     JsonDocument document;
     ASSERT_TRUE(document.Parse(text));
-    document.Fail(document.Root()["a"], "a", "wrong");
+    At(document, "a").Fail("wrong");
     EXPECT_EQ(document.Fault().Text("f"), "f:3: a: wrong") << text;
   }
 }
@@ -76,8 +80,8 @@ TEST(JsonDocument, StopsAtTooManyLevels) {
 TEST(JsonDocument, KeepsTheFirstFault) {
   JsonDocument document;
   ASSERT_TRUE(document.Parse("{\"a\":1,\n\"b\":2}"));
-  document.Fail(document.Root()["b"], "b", "first", "detail\n");
-  document.Fail(document.Root()["a"], "a", "second");
+  At(document, "b").Fail("first", "detail\n");
+  At(document, "a").Fail("second");
   EXPECT_TRUE(document.Failed());
   EXPECT_EQ(document.Fault().Text("walk.json"), "walk.json:2: b: first");
   EXPECT_EQ(document.Fault().detail, "detail\n");
@@ -93,86 +97,77 @@ TEST(JsonFault, LeavesOutTheLineThatItHasNot) {
   EXPECT_EQ(fault.Text("f"), "f:3: a.b: broken");
 }
 
-// One member "m" of an object, read in one way.
+// One member "m" of an object.
 struct MemberTest : testing::Test {
   // The fault, empty when there is none.
   template <typename Read>
   std::string Try(const std::string& json, Read read) {
     JsonDocument document;
     EXPECT_TRUE(document.Parse("{\"m\":" + json + "}")) << json;
-    JsonObject object(document, document.Root(), {});
+    JsonObject object(document.Root());
     read(object);
     object.RefuseOthers();
     return document.Failed() ? document.Fault().Text("f") : "";
   }
+
+  template <typename T>
+  struct Case {
+    const char* json;
+    T value;  // `before` where there is a fault
+    const char* fault;
+  };
+  template <typename T>
+  void Expect(T before, const std::vector<Case<T>>& cases) {
+    for (const Case<T>& c : cases) {
+      T value = before;
+      EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Member("m", value); }), c.fault)
+          << c.json;
+      EXPECT_EQ(value, c.value) << c.json;
+    }
+  }
 };
 
-TEST_F(MemberTest, NumberIsWholeAndInItsRange) {
-  struct {
-    const char* json;
-    std::uint32_t value;
-    const char* fault;
-  } const kCases[] = {
-      {"0", 0, ""},
-      {"-0", 0, ""},
-      {"1.0", 1, ""},
-      {"2e2", 200, ""},
-      {"65535", 65535, ""},
-      {"65536", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"-1", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"0.5", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"1e300", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"18446744073709551615", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"18446744073709551616", 77, "f:1: m: not a whole number from 0 to 65535"},
-      {"\"5\"", 77, "f:1: m: not a number"},
-      {"true", 77, "f:1: m: not a number"},
-      {"null", 77, "f:1: m: not a number"},
-      {"[5]", 77, "f:1: m: not a number"},
-      {"{}", 77, "f:1: m: not a number"},
-  };
-  for (const auto& c : kCases) {
-    std::uint32_t value = 77;
-    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Number("m", &value, 65535); }), c.fault)
-        << c.json;
-    EXPECT_EQ(value, c.value) << c.json;
-  }
-}
-
-TEST_F(MemberTest, SignedIsWholeAndOf32Bits) {
-  struct {
-    const char* json;
-    std::int32_t value;
-    const char* fault;
-  } const kCases[] = {
-      {"-2147483648", INT32_MIN, ""},
-      {"2147483647", INT32_MAX, ""},
-      {"-0.0", 0, ""},
-      {"-2147483649", 77, "f:1: m: not a whole number of 32 bits"},
-      {"2147483648", 77, "f:1: m: not a whole number of 32 bits"},
-      {"1.5", 77, "f:1: m: not a whole number of 32 bits"},
-      {"false", 77, "f:1: m: not a number"},
-  };
-  for (const auto& c : kCases) {
-    std::int32_t value = 77;
-    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Signed("m", &value); }), c.fault)
-        << c.json;
-    EXPECT_EQ(value, c.value) << c.json;
-  }
+TEST_F(MemberTest, NumberIsWholeAndInTheRangeOfItsType) {
+  const char* const notInRange = "f:1: m: not a whole number from 0 to 65535";
+  Expect<std::uint16_t>(77, {
+                                {"0", 0, ""},
+                                {"-0", 0, ""},
+                                {"1.0", 1, ""},
+                                {"2e2", 200, ""},
+                                {"65535", 65535, ""},
+                                {"65536", 77, notInRange},
+                                {"-1", 77, notInRange},
+                                {"0.5", 77, notInRange},
+                                {"1e300", 77, notInRange},
+                                {"18446744073709551615", 77, notInRange},
+                                {"18446744073709551616", 77, notInRange},
+                                {"\"5\"", 77, "f:1: m: not a number"},
+                                {"true", 77, "f:1: m: not a number"},
+                                {"null", 77, "f:1: m: not a number"},
+                                {"[5]", 77, "f:1: m: not a number"},
+                                {"{}", 77, "f:1: m: not a number"},
+                            });
+  Expect<std::uint32_t>(77,
+                        {{"4294967295", UINT32_MAX, ""},
+                         {"4294967296", 77, "f:1: m: not a whole number from 0 to 4294967295"}});
+  Expect<std::int32_t>(77, {
+                               {"-2147483648", INT32_MIN, ""},
+                               {"2147483647", INT32_MAX, ""},
+                               {"-0.0", 0, ""},
+                               {"-2147483649", 77, "f:1: m: not a whole number of 32 bits"},
+                               {"2147483648", 77, "f:1: m: not a whole number of 32 bits"},
+                               {"1.5", 77, "f:1: m: not a whole number of 32 bits"},
+                               {"false", 77, "f:1: m: not a number"},
+                           });
 }
 
 TEST_F(MemberTest, FlagIsTrueOrFalse) {
   for (const char* json : {"0", "1", "null", "\"true\"", "[]"}) {
-    bool value = true;
-    EXPECT_EQ(Try(json, [&](JsonObject& object) { object.Flag("m", &value); }),
-              "f:1: m: neither true nor false")
-        << json;
-    EXPECT_TRUE(value) << json;
+    Expect<bool>(true, {{json, true, "f:1: m: neither true nor false"}});
+    Expect<std::uint8_t>(1, {{json, 1, "f:1: m: neither true nor false"}});
   }
-  bool value = false;
-  EXPECT_EQ(Try("true", [&](JsonObject& object) { object.Flag("m", &value); }), "");
-  EXPECT_TRUE(value);
-  EXPECT_EQ(Try("false", [&](JsonObject& object) { object.Flag("m", &value); }), "");
-  EXPECT_FALSE(value);
+  Expect<bool>(false, {{"true", true, ""}});
+  Expect<std::uint8_t>(1, {{"false", 0, ""}});
 }
 
 TEST_F(MemberTest, TextIsAStringOrBytes) {
@@ -203,7 +198,7 @@ TEST_F(MemberTest, TextIsAStringOrBytes) {
   };
   for (const auto& c : kCases) {
     ByteString value("old");
-    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Text("m", &value); }), c.fault)
+    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Member("m", value); }), c.fault)
         << c.json;
     EXPECT_EQ(Bytes(value), c.value) << c.json;
   }
@@ -212,40 +207,30 @@ TEST_F(MemberTest, TextIsAStringOrBytes) {
 TEST_F(MemberTest, MaskIsAHexStringOrANumber) {
   const char* const notMask = "f:1: m: not a mask such as \"0x5\"";
   const char* const notNumber = "f:1: m: not a whole number from 0 to 18446744073709551615";
-  struct {
-    const char* json;
-    std::uint64_t value;
-    const char* fault;
-  } const kCases[] = {
-      {"\"0x0\"", 0, ""},
-      {"\"0x8000000000000001\"", 0x8000000000000001, ""},
-      {"\"0xFfFfFfFfFfFfFfFf\"", UINT64_MAX, ""},
-      {"\"0x0000000000000005\"", 5, ""},
-      {"5", 5, ""},
-      {"18446744073709551615", UINT64_MAX, ""},
-      {"18446744073709551616", 77, notNumber},
-      {"-1", 77, notNumber},
-      {"0.5", 77, notNumber},
-      {"\"0x00000000000000005\"", 77, notMask},  // 17 digits
-      {"\"0x10000000000000000\"", 77, notMask},
-      {"\"0x\"", 77, notMask},
-      {"\"\"", 77, notMask},
-      {"\"5\"", 77, notMask},
-      {"\"0X5\"", 77, notMask},
-      {"\"0x5 \"", 77, notMask},
-      {"\" 0x5\"", 77, notMask},
-      {"\"-0x5\"", 77, notMask},
-      {"\"0x-5\"", 77, notMask},
-      {"\"0xg\"", 77, notMask},
-      {"true", 77, "f:1: m: not a number"},
-      {"[1]", 77, "f:1: m: not a number"},
-  };
-  for (const auto& c : kCases) {
-    std::uint64_t value = 77;
-    EXPECT_EQ(Try(c.json, [&](JsonObject& object) { object.Mask("m", &value); }), c.fault)
-        << c.json;
-    EXPECT_EQ(value, c.value) << c.json;
-  }
+  Expect<std::uint64_t>(77, {
+                                {"\"0x0\"", 0, ""},
+                                {"\"0x8000000000000001\"", 0x8000000000000001, ""},
+                                {"\"0xFfFfFfFfFfFfFfFf\"", UINT64_MAX, ""},
+                                {"\"0x0000000000000005\"", 5, ""},
+                                {"5", 5, ""},
+                                {"18446744073709551615", UINT64_MAX, ""},
+                                {"18446744073709551616", 77, notNumber},
+                                {"-1", 77, notNumber},
+                                {"0.5", 77, notNumber},
+                                {"\"0x00000000000000005\"", 77, notMask},  // 17 digits
+                                {"\"0x10000000000000000\"", 77, notMask},
+                                {"\"0x\"", 77, notMask},
+                                {"\"\"", 77, notMask},
+                                {"\"5\"", 77, notMask},
+                                {"\"0X5\"", 77, notMask},
+                                {"\"0x5 \"", 77, notMask},
+                                {"\" 0x5\"", 77, notMask},
+                                {"\"-0x5\"", 77, notMask},
+                                {"\"0x-5\"", 77, notMask},
+                                {"\"0xg\"", 77, notMask},
+                                {"true", 77, "f:1: m: not a number"},
+                                {"[1]", 77, "f:1: m: not a number"},
+                            });
 }
 
 TEST_F(MemberTest, OneThatIsNotThereLeavesItsTargetAlone) {
@@ -257,11 +242,11 @@ TEST_F(MemberTest, OneThatIsNotThereLeavesItsTargetAlone) {
   EXPECT_EQ(Try("null",
                 [&](JsonObject& object) {
                   object.Find("m");
-                  object.Number("number", &number, 9);
-                  object.Signed("negative", &negative);
-                  object.Flag("flag", &flag);
-                  object.Text("text", &text);
-                  object.Mask("mask", &mask);
+                  object.Member("number", number);
+                  object.Member("negative", negative);
+                  object.Member("flag", flag);
+                  object.Member("text", text);
+                  object.Member("mask", mask);
                 }),
             "");
   EXPECT_EQ(number, 1U);
@@ -287,31 +272,41 @@ TEST_F(MemberTest, ANameThatGoesOnBehindAZeroIsAnotherName) {
 TEST(JsonObject, OfAnotherTypeIsAFaultAndHasNoMembers) {
   JsonDocument document;
   ASSERT_TRUE(document.Parse("{\"a\":\n[1]}"));
-  JsonObject object(document, document.Root()["a"], "a");
-  EXPECT_EQ(object.Find("x"), nullptr);
-  std::uint32_t number = 7;
-  object.Number("x", &number, 9);
+  JsonObject object(At(document, "a"));
+  EXPECT_FALSE(object.Find("x"));
   object.RefuseOthers();
-  EXPECT_EQ(number, 7U);
   EXPECT_EQ(document.Fault().Text("f"), "f:2: a: not an object");
 }
 
 TEST(JsonObject, NamesItsMembersWithThePathToIt) {
   JsonDocument document;
-  ASSERT_TRUE(document.Parse("{\"a\":{}}"));
-  EXPECT_EQ(JsonObject(document, document.Root(), {}).MemberName("b"), "b");
-  EXPECT_EQ(JsonObject(document, document.Root()["a"], "a[2]").MemberName("b"), "a[2].b");
+  ASSERT_TRUE(document.Parse("{\"a\":[{},{\"b\":2}]}"));
+  EXPECT_EQ(At(document, "a").name, "a");
+  std::vector<std::string> names;
+  ForEach(At(document, "a"), [&names](const JsonElement& each) {
+    const auto b = JsonObject(each).Find("b");
+    names.push_back(b ? b->name : each.name);
+  });
+  EXPECT_EQ(names, (std::vector<std::string>{"a[0]", "a[1].b"}));
 }
 
-TEST(ReadWholeNumber, HasItsOwnMost) {
+TEST(ForEach, WantsAListAndEndsAtTheFirstFault) {
   JsonDocument document;
-  ASSERT_TRUE(document.Parse("{\"a\":255,\"b\":256}"));
-  std::uint64_t number = 0;
-  EXPECT_TRUE(ReadWholeNumber(document, document.Root()["a"], "a", 255, &number));
-  EXPECT_EQ(number, 255U);
-  EXPECT_FALSE(ReadWholeNumber(document, document.Root()["b"], "b", 255, &number));
-  EXPECT_EQ(number, 255U);
-  EXPECT_EQ(document.Fault().Text("f"), "f:1: b: not a whole number from 0 to 255");
+  ASSERT_TRUE(document.Parse("{\"a\":[0,256,300],\"b\":{\"c\":1}}"));
+  int read = 0;
+  std::uint8_t byte = 7;
+  ForEach(At(document, "a"), [&](const JsonElement& each) {
+    ReadByte(each, &byte);
+    ++read;
+  });
+  EXPECT_EQ(read, 2);
+  EXPECT_EQ(byte, 0);
+  EXPECT_EQ(document.Fault().Text("f"), "f:1: a[1]: not a whole number from 0 to 255");
+
+  JsonDocument other;
+  ASSERT_TRUE(other.Parse("{\"b\":{\"c\":1}}"));
+  ForEach(At(other, "b"), [](const JsonElement&) { FAIL(); });
+  EXPECT_EQ(other.Fault().Text("f"), "f:1: b: not a list");
 }
 
 }  // namespace
