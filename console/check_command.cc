@@ -10,47 +10,15 @@
 namespace kelvaro::console {
 namespace {
 
-const char* KindName(Finding::Kind kind) {
-  switch (kind) {
-    case Finding::Kind::Damage:
-      return "damage";
-    case Finding::Kind::Lacks:
-      return "lacks";
-    case Finding::Kind::PassedOver:
-      return "passedOver";
-    case Finding::Kind::NotWhole:
-      return "notWhole";
-    case Finding::Kind::NeverFires:
-      return "neverFires";
-    case Finding::Kind::UnsureKey:
-      return "unsureKey";
-  }
-  return "";
-}
-
-std::string Sentence(const Finding& finding) {
-  switch (finding.kind) {
-    case Finding::Kind::Damage:
-      return finding.where + ": damaged: " + finding.what;
-    case Finding::Kind::Lacks:
-      return finding.where + ": lacks " + finding.what;
-    case Finding::Kind::PassedOver:
-      return finding.where + ": passed over: " + finding.what;
-    case Finding::Kind::NotWhole:
-      return finding.where + ": not whole: " + finding.what;
-    case Finding::Kind::NeverFires:
-      return finding.where + " can never fire: " + finding.what;
-    case Finding::Kind::UnsureKey:
-      return finding.where + ": " + finding.what;
-  }
-  return "";
+const FindingKind& KindOf(const Finding& finding) {
+  return kFindingKinds[static_cast<std::size_t>(finding.kind)];
 }
 
 std::string JsonReport(const std::string& file, const ProfileReport& report) {
   std::string findings;
   for (const Finding& finding : report.findings) {
     if (!findings.empty()) findings += ',';
-    findings.append("{\"kind\":\"").append(KindName(finding.kind));
+    findings.append("{\"kind\":\"").append(KindOf(finding).name);
     findings.append("\",\"where\":").append(JsonText(finding.where));
     findings.append(",\"what\":").append(JsonText(finding.what)).append("}");
   }
@@ -70,7 +38,7 @@ void PrintReport(const std::string& file, const ProfileReport& report, std::ostr
   for (const Finding& finding : report.findings) {
     // The error says it.
     if (finding.kind == Finding::Kind::Damage) continue;
-    out << shown << ": " << Sentence(finding) << '\n';
+    out << shown << ": " << finding.where << KindOf(finding).between << finding.what << '\n';
   }
   out << std::flush;
 }

@@ -6,17 +6,13 @@
 #include <tuple>
 
 #include "app/platform/linux/key_map.h"
-#include "app/platform/simulation/virtual_disk.h"
 #include "console/event_line.h"
-#include "console/file_machine.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
 #include "keys/key_action.h"
 
 namespace kelvaro::console {
 namespace {
-
-constexpr char kInMemory[] = "/profile";
 
 using Item = std::tuple<std::uint16_t, std::uint16_t, std::uint16_t>;
 
@@ -30,7 +26,7 @@ Inputs InputsOf(const Trigger& trigger) {
     known &= item.kind <= input_kind::kPov;
     items.emplace_back(item.kind, item.index, item.value & 0xFF);
   }
-  // Their order is no matter, unless there are kinds among them that spoil what stands before them.
+  // Their order doesn't matter, unless a kind among them spoils what stands before it.
   if (known) {
     std::sort(items.begin(), items.end());
     items.erase(std::unique(items.begin(), items.end()), items.end());
@@ -90,20 +86,18 @@ void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings) {
 
 ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
   ProfileReport report;
-  ProfileFile profile;
+  StoredProfileCheck profile(bytes.size(), &report.findings);
   report.loads = ReadProfileBytes(bytes, name, &profile, &report.fault);
-  if (IsStoredProfile(bytes)) {
-    platform::simulation::VirtualDisk disk;
-    disk.PutFile(kInMemory, bytes);
-    const FileMachine memory(disk);
-    StoredProfileCheck(&report.findings).Run(kInMemory, bytes.size());
-    if (!report.loads) {
-      report.fault.message = name + ": doesn't load" + FirstDamage(report.findings);
-    } else if (!profile.DamagedFile().IsEmpty()) {
-      report.findings.push_back({Finding::Kind::NotWhole, "root",
-                                 "the first save over it keeps its bytes in a file whose name ends "
-                                 "in .damaged"});
+  if (!report.loads && IsStoredProfile(bytes)) {
+    if (report.findings.empty()) {
+      report.findings.push_back({Finding::Kind::Damage, "root", "no list can be read"});
     }
+    report.fault.message = name + ": doesn't load" + FirstDamage(report.findings);
+  }
+  if (report.loads && !profile.DamagedFile().IsEmpty()) {
+    report.findings.push_back({Finding::Kind::NotWhole, "root",
+                               "the first save over it keeps its bytes in a file whose name ends "
+                               "in .damaged"});
   }
   if (report.loads || IsStoredProfile(bytes)) {
     report.profileName = profile.profileName;

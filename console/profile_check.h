@@ -26,6 +26,17 @@ struct Finding {
   std::string what;
 };
 
+// In the order of Finding::Kind.
+struct FindingKind {
+  const char* name;     // in JSON
+  const char* between;  // the words between where and what, for people
+};
+inline constexpr FindingKind kFindingKinds[] = {
+    {"damage", ": damaged: "},           {"lacks", ": lacks "},
+    {"passedOver", ": passed over: "},   {"notWhole", ": not whole: "},
+    {"neverFires", " can never fire: "}, {"unsureKey", ": "},
+};
+
 struct ProfileReport {
   bool loads = false;
   ProfileFault fault;  // when it doesn't load

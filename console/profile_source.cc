@@ -65,7 +65,7 @@ std::size_t Distance(std::string a, std::string b) {
   return row.back();
 }
 
-// "; the stored ones are 'Walk', 'Race'", the likest names first.
+// "; the stored ones are 'Walk', 'Race'", the most similar names first.
 std::string StoredNames(const std::string& wanted) {
   LinkedList<ByteString> list;
   ProfileFile().ListProfileNames(&list);

@@ -1,7 +1,6 @@
 #include "console/stored_profile_check.h"
 
-#include "console/profile_source.h"
-#include "storage/profile_file.h"
+#include <set>
 
 namespace kelvaro::console {
 namespace {
@@ -9,309 +8,158 @@ namespace {
 // A file may be made so that every few bytes are a finding.
 constexpr std::size_t kMostFindings = 1000;
 
-constexpr char kRoot[] = "root";
+constexpr char kRootPlace[] = "root";
 
-constexpr std::uint32_t kActionFlagsIndex = 3;
-constexpr std::uint32_t kOldTimingsSize = 13;
-constexpr std::uint32_t kTimingsSize = 17;
+// How many lists are open in the root, in the list of Controls, in a Control and in an action.
+constexpr std::int32_t kInRoot = 2;
+constexpr std::int32_t kInControls = 3;
+constexpr std::int32_t kInControl = 4;
 
 std::string ListName(std::uint32_t id) {
-  const char* name = nullptr;
-  switch (id) {
-    case profile_list::kDocumentType:
-      name = "document type";
-      break;
-    case profile_list::kFormatRevision:
-      name = "format revision";
-      break;
-    case profile_list::kProfileName:
-      name = "profile name";
-      break;
-    case profile_list::kControls:
-      name = "Controls";
-      break;
-    case profile_list::kControl:
-      name = "Control";
-      break;
-    case profile_list::kTrigger:
-      name = "Trigger";
-      break;
-    case profile_list::kKeyAction:
-      name = "keys";
-      break;
-    case profile_list::kDevice:
-      name = "device";
-      break;
-    case profile_list::kMouseSettings:
-      name = "mouse settings";
-      break;
-    case profile_list::kScanCodes:
-      name = "scan codes";
-      break;
-    case profile_list::kTimings:
-      name = "timings";
-      break;
-    default:
-      break;
-  }
-  return "list " + std::to_string(id) + (name ? std::string(" (") + name + ")" : "");
+  const ProfileList* const known = FindProfileList(id);
+  return "list " + std::to_string(id) + (known ? std::string(" (") + known->name + ")" : "");
+}
+
+// As what a profile lacks.
+std::string LackedList(std::uint32_t id) {
+  const std::string without = FindProfileList(id)->without;
+  return ListName(id) + (without.empty() ? "" : "; " + without);
 }
 
 std::string BytesText(std::uint64_t count) {
   return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
-std::string ActionName(const std::string& control, std::uint32_t index) {
-  return control + ".actions[" + std::to_string(index) + "]";
-}
-
 std::string FieldName(std::uint32_t index) { return "field " + std::to_string(index); }
 
 }  // namespace
 
-StoredProfileCheck::StoredProfileCheck(std::vector<Finding>* findings) : findings(findings) {
-  magic = kStoredMagic;
-}
+// The steps of a load
 
-void StoredProfileCheck::Run(const ByteString& file, std::uint64_t fileSize) {
-  where = kRoot;
-  if (!OpenForRead(file)) {
-    Damage("no list can be read");
-    return;
+bool StoredProfileCheck::Enter(std::uint32_t id) {
+  const bool isThere = HasList(id);
+  if (ProfileFile::Enter(id)) return true;
+  if (!FindProfileList(id)->without) {
+    Damage(Place(), ListName(id) + (isThere ? " can't be read" : " is missing"));
+  } else if (isThere) {
+    PassedOver(ListName(id) + ", which can't be read");
+  } else {
+    Lacks(LackedList(id));
   }
-  CheckHead(fileSize);
-  CheckRoot();
-  Close();
+  return false;
 }
 
-void StoredProfileCheck::Note(Finding::Kind kind, const std::string& what) {
+bool StoredProfileCheck::EnterAt(std::uint32_t index) {
+  if (ProfileFile::EnterAt(index)) return true;
+  if (Id() == profile_list::kControls) {
+    Damage(ControlPlace(), "it can't be read");
+  } else {
+    Damage(Place(), "child " + std::to_string(index) + ", a list, can't be read");
+  }
+  return false;
+}
+
+bool StoredProfileCheck::Take(std::uint32_t index, std::uint32_t size, bool needed,
+                              ByteString* out) {
+  const bool read = ProfileFile::Take(index, size, needed, out);
+  if (!read) {
+    FieldMissing(index, needed);
+    return false;
+  }
+  CheckField(index, size == kAnySize ? out->Length() : size, *out);
+  const char* refusal = nullptr;
+  switch (Id()) {
+    case profile_list::kDocumentType:
+      if (!out->Equals(documentType)) refusal = "it is not the type of a profile";
+      break;
+    case profile_list::kProfileName:
+      if (index == 0 && out->IsEmpty()) Lacks("a name; without one it isn't listed");
+      break;
+    case profile_list::kKeyAction:
+      if (index == 0) {
+        actionTimings.push_back(*out);
+        actionTimingsSize = size;
+      } else if (out->Length() % 2 != 0) {
+        PassedOver("the odd last byte of its steps");
+      }
+      break;
+    case profile_list::kTimings:
+      timings = *out;
+      if (out->Length() < size) refusal = "field 0 is shorter than a load takes it";
+      break;
+    default:
+      break;
+  }
+  if (refusal && !damaged) {
+    findings->push_back({Finding::Kind::Damage, Place(), refusal});
+    CheckOthers(index + 1);
+    damaged = true;
+  }
+  return true;
+}
+
+void StoredProfileCheck::FieldsTaken(std::uint32_t count) {
+  if (Id() == profile_list::kRoot) CheckHead();
+  if (Id() == profile_list::kKeyAction) CheckActionFlags();
+  CheckOthers(count);
+  if (Id() != profile_list::kControl) return;
+  for (const std::uint32_t id : {profile_list::kTrigger, profile_list::kTimings}) {
+    if (!HasList(id)) Lacks(LackedList(id));
+  }
+}
+
+bool StoredProfileCheck::Leave() {
+  if (openLists.count < kInRoot) {
+    CheckRevision();
+  } else if (openLists.count == kInControls && Id() == profile_list::kControl) {
+    CheckOldTimings();
+    actionTimings.clear();
+    timings.Empty();
+    action = 0;
+    ++control;
+  } else if (openLists.count == kInControl && Id() == profile_list::kKeyAction) {
+    ++action;
+  }
+  return ProfileFile::Leave();
+}
+
+// Findings
+
+void StoredProfileCheck::Note(Finding::Kind kind, const std::string& where,
+                              const std::string& what) {
+  if (damaged) return;
   if (findings->size() < kMostFindings) {
     findings->push_back({kind, where, what});
   } else if (findings->size() == kMostFindings) {
-    findings->push_back({Finding::Kind::PassedOver, kRoot, "more than can be told here"});
+    findings->push_back({Finding::Kind::PassedOver, kRootPlace, "more than can be told here"});
   }
 }
 
-void StoredProfileCheck::Damage(const std::string& what) {
+void StoredProfileCheck::Damage(const std::string& where, const std::string& what) {
   if (damaged) return;
   damaged = true;
   findings->push_back({Finding::Kind::Damage, where, what});
 }
 
-void StoredProfileCheck::CheckHead(std::uint64_t fileSize) {
-  if (version != 1) PassedOver("version " + std::to_string(version) + " instead of 1");
-  if (current->id != 0) PassedOver("id " + std::to_string(current->id) + " instead of 0");
-  const std::uint64_t end = current->offset + current->size;
-  if (end < fileSize) PassedOver(BytesText(fileSize - end) + " behind the root list");
-  if (end > fileSize) Lacks("the last " + BytesText(end - fileSize) + " of the file");
+std::string StoredProfileCheck::Place() {
+  if (openLists.count < kInRoot) return kRootPlace;
+  if (openLists.count == kInRoot) return ListName(ListId());
+  if (openLists.count == kInControls) return ControlPlace();
+  const bool isAction = openLists.At(kInControl - 1)->value->id == profile_list::kKeyAction;
+  std::string place = isAction ? ActionPlace(action) : ControlPlace();
+  if (!isAction || openLists.count > kInControl) place += " " + ListName(ListId());
+  return place;
 }
 
-void StoredProfileCheck::CheckRoot() {
-  CheckOthers(
-      0, {profile_list::kDocumentType, profile_list::kFormatRevision, profile_list::kProfileName,
-          profile_list::kDevice, profile_list::kMouseSettings, profile_list::kControls});
-  const struct {
-    std::uint32_t id;
-    bool needed;
-    const char* without;  // what happens without an optional one
-    void (StoredProfileCheck::*check)();
-  } kLists[] = {
-      {profile_list::kDocumentType, true, "", &StoredProfileCheck::CheckDocumentType},
-      {profile_list::kProfileName, true, "", &StoredProfileCheck::CheckProfileName},
-      {profile_list::kDevice, false, "; any device will do", &StoredProfileCheck::CheckDevice},
-      {profile_list::kMouseSettings, false, "; those in force stay",
-       &StoredProfileCheck::CheckMouseSettings},
-      {profile_list::kControls, false, "; there are no Controls",
-       &StoredProfileCheck::CheckControls},
-      // Last, as a load doesn't open it: where it is cut off nothing more can be read.
-      {profile_list::kFormatRevision, false, "; nothing reads it",
-       &StoredProfileCheck::CheckFormatRevision},
-  };
-  for (const auto& list : kLists) {
-    where = kRoot;
-    if (!HasList(list.id)) {
-      if (list.needed) {
-        Damage(ListName(list.id) + " is missing");
-      } else {
-        Lacks(ListName(list.id) + list.without);
-      }
-    } else if (!Descend(list.id)) {
-      if (list.needed) {
-        Damage(ListName(list.id) + " can't be read");
-      } else {
-        PassedOver(ListName(list.id) + ", which can't be read");
-      }
-    } else {
-      where = ListName(list.id);
-      (this->*list.check)();
-      Ascend();
-    }
-    if (damaged) return;
-  }
+std::string StoredProfileCheck::ControlPlace() const {
+  return "controls[" + std::to_string(control) + "]";
 }
 
-void StoredProfileCheck::CheckDocumentType() {
-  ByteString text;
-  if (!NeedField(0, 0, &text)) return;
-  if (!text.Equals(ProfileFile().documentType)) Damage("it is not the type of a profile");
-  CheckOthers(1, {});
+std::string StoredProfileCheck::ActionPlace(std::size_t index) const {
+  return ControlPlace() + ".actions[" + std::to_string(index) + "]";
 }
 
-void StoredProfileCheck::CheckFormatRevision() {
-  ByteString field;
-  if (!ReadField(0, &field) || field.Length() != 1 || field[0] != 1) {
-    PassedOver("it is not 1");
-  }
-  CheckOthers(1, {});
-}
-
-void StoredProfileCheck::CheckProfileName() {
-  ByteString field;
-  if (!NeedField(0, 0, &field)) return;
-  if (field.IsEmpty()) Lacks("a name; without one it isn't listed");
-  if (!NeedField(1, 4, &field)) return;
-  CheckOthers(2, {});
-}
-
-void StoredProfileCheck::CheckDevice() {
-  ByteString field;
-  if (!NeedField(0, 0, &field) || !NeedField(1, 4, &field) || !NeedField(2, 16, &field)) return;
-  CheckOthers(3, {});
-}
-
-void StoredProfileCheck::CheckMouseSettings() {
-  ByteString field;
-  if (!NeedField(0, 63, &field)) return;
-  CheckOthers(1, {});
-}
-
-void StoredProfileCheck::CheckControls() {
-  CheckOthers(0, {profile_list::kControl}, profile_list::kControl);
-  const std::uint32_t count = ChildCount();
-  std::uint32_t control = 0;
-  for (std::uint32_t i = 0; i < count && !damaged; ++i) {
-    if (!IsList(i)) continue;
-    where = "controls[" + std::to_string(control) + "]";
-    if (!DescendAt(static_cast<std::int32_t>(i))) {
-      Damage("it can't be read");
-      return;
-    }
-    if (ListId() == profile_list::kControl) {
-      CheckControl();
-      ++control;
-    }
-    Ascend();
-  }
-}
-
-void StoredProfileCheck::CheckControl() {
-  ByteString field;
-  if (!NeedField(0, 0, &field) || !NeedField(1, 4, &field)) return;
-  if (ReadField(2, &field)) {
-    CheckField(2, 1, field);
-  } else {
-    Lacks(FieldName(2) + ", whether it turns the mouse controls on and off");
-  }
-  CheckOthers(3, {profile_list::kTrigger, profile_list::kKeyAction, profile_list::kTimings},
-              profile_list::kKeyAction);
-  if (!HasList(profile_list::kTrigger)) Lacks(ListName(profile_list::kTrigger));
-  if (!HasList(profile_list::kTimings)) {
-    Lacks(ListName(profile_list::kTimings) + "; those of its last action count");
-  }
-
-  const std::string control = where;
-  const std::uint32_t count = ChildCount();
-  std::uint32_t action = 0;
-  ByteString timings;
-  std::vector<ByteString> actionTimings;
-  for (std::uint32_t i = 2; i < count && !damaged; ++i) {
-    if (!IsList(i)) continue;
-    where = control;
-    if (!DescendAt(static_cast<std::int32_t>(i))) {
-      Damage("child " + std::to_string(i) + ", a list, can't be read");
-      return;
-    }
-    where = control + " " + ListName(ListId());
-    if (ListId() == profile_list::kTrigger) {
-      CheckTrigger();
-    } else if (ListId() == profile_list::kKeyAction) {
-      where = ActionName(control, action++);
-      actionTimings.push_back(CheckKeyAction());
-    } else if (ListId() == profile_list::kTimings) {
-      timings = CheckTimings();
-    }
-    Ascend();
-  }
-  for (std::uint32_t i = 0; i < actionTimings.size() && !damaged && !timings.IsEmpty(); ++i) {
-    where = ActionName(control, i);
-    if (!actionTimings[i].Equals(timings.Left(kOldTimingsSize))) {
-      PassedOver("its timings; those of " + ListName(profile_list::kTimings) + " count");
-    }
-  }
-}
-
-void StoredProfileCheck::CheckTrigger() {
-  ByteString field;
-  if (!NeedField(0, 10, &field)) return;
-  const std::uint32_t count = ChildCount();
-  for (std::uint32_t i = 1; i < count; ++i) {
-    if (ReadField(i, &field)) {
-      CheckField(i, 6, field);
-    } else {
-      PassedOver(FieldName(i) + " can't be read");
-    }
-  }
-  CheckEnd();
-}
-
-ByteString StoredProfileCheck::CheckKeyAction() {
-  ByteString timings;
-  ByteString steps;
-  if (!NeedField(0, kOldTimingsSize, &timings) || !NeedField(1, 0, &steps)) return {};
-  if (steps.Length() % 2 != 0) PassedOver("the odd last byte of its steps");
-
-  const std::uint32_t count = ChildCount();
-  std::uint32_t flags = 0;
-  if (ReadNumber(kActionFlagsIndex, &flags) && count > kActionFlagsIndex) {
-    CheckSize(kActionFlagsIndex, 4, Entry(kActionFlagsIndex).size);
-  } else {
-    Lacks("its actionFlags, a number in " + FieldName(kActionFlagsIndex));
-  }
-  CheckOthers(2, {profile_list::kScanCodes});
-
-  if (!HasList(profile_list::kScanCodes)) {
-    Lacks(ListName(profile_list::kScanCodes) + "; they are made afresh");
-  } else if (Descend(profile_list::kScanCodes)) {
-    CheckScanCodes(steps.Length() / 2);
-    Ascend();
-  } else {
-    PassedOver(ListName(profile_list::kScanCodes) + ", which can't be read");
-  }
-  return timings;
-}
-
-void StoredProfileCheck::CheckScanCodes(std::uint32_t steps) {
-  const std::string action = where;
-  where += " " + ListName(profile_list::kScanCodes);
-  ByteString scans;
-  if (ReadField(0, &scans)) {
-    CheckField(0, steps, scans);
-  } else {
-    Lacks(FieldName(0) + "; the scan codes are made afresh");
-  }
-  CheckOthers(1, {});
-  where = action;
-}
-
-ByteString StoredProfileCheck::CheckTimings() {
-  ByteString field;
-  if (!NeedField(0, kTimingsSize, &field)) return {};
-  if (field.Length() < kTimingsSize) Damage(FieldName(0) + " is shorter than a load takes it");
-  CheckOthers(1, {});
-  return field;
-}
-
-// The children of a list
+// The current list
 
 const ChunkEntry& StoredProfileCheck::Entry(std::uint32_t index) {
   return *current->cursor.At(current->entries, index);
@@ -326,17 +174,17 @@ bool StoredProfileCheck::HasList(std::uint32_t id) {
   return false;
 }
 
-bool StoredProfileCheck::NeedField(std::uint32_t index, std::uint32_t size, ByteString* out) {
-  if (index >= ChildCount()) {
-    Damage(FieldName(index) + " is missing");
-    return false;
+void StoredProfileCheck::FieldMissing(std::uint32_t index, bool needed) {
+  const std::string field = FieldName(index);
+  if (needed) {
+    Damage(Place(), field + (index < ChildCount() ? " can't be read whole" : " is missing"));
+  } else if (Id() == profile_list::kControl) {
+    Lacks(field + ", whether it turns the mouse controls on and off");
+  } else if (Id() == profile_list::kScanCodes) {
+    Lacks(field + "; the scan codes are made afresh");
+  } else {
+    PassedOver(field + " can't be read");
   }
-  if (!ReadField(index, out)) {
-    Damage(FieldName(index) + " can't be read whole");
-    return false;
-  }
-  CheckField(index, size == 0 ? out->Length() : size, *out);
-  return true;
 }
 
 void StoredProfileCheck::CheckField(std::uint32_t index, std::uint32_t size,
@@ -355,24 +203,65 @@ void StoredProfileCheck::CheckSize(std::uint32_t index, std::uint32_t size, std:
   if (found > size) PassedOver(counts);
 }
 
-void StoredProfileCheck::CheckOthers(std::uint32_t fields, const std::set<std::uint32_t>& lists,
-                                     std::uint32_t repeated) {
+void StoredProfileCheck::CheckHead() {
+  if (version != 1) PassedOver("version " + std::to_string(version) + " instead of 1");
+  if (ListId() != 0) PassedOver("id " + std::to_string(ListId()) + " instead of 0");
+  const std::uint64_t end = current->offset + current->size;
+  if (end < fileSize) PassedOver(BytesText(fileSize - end) + " behind the root list");
+  if (end > fileSize) Lacks("the last " + BytesText(end - fileSize) + " of the file");
+}
+
+void StoredProfileCheck::CheckRevision() {
+  // A load doesn't open it, so that it can't be what makes a file one that isn't whole.
+  const bool wasDamaged = isDamaged;
+  reader.Open();  // again, where a list that is cut off has closed it
+  if (Enter(profile_list::kFormatRevision)) {
+    ByteString field;
+    if (!ReadField(0, &field) || field.Length() != 1 || field[0] != 1) PassedOver("it is not 1");
+    CheckOthers(1);
+    Leave();
+  }
+  isDamaged = wasDamaged;
+}
+
+void StoredProfileCheck::CheckActionFlags() {
+  ByteString last;
+  if (ChildCount() > kActionFlagsIndex) {
+    const ChunkEntry& entry = Entry(kActionFlagsIndex);
+    if (entry.type == chunk_type::kNumber && entry.size > 0 &&
+        reader.ReadBytes(&last, entry.offset + entry.size - 1, 1)) {
+      CheckSize(kActionFlagsIndex, 4, entry.size);
+      return;
+    }
+  }
+  Lacks("its actionFlags, a number in " + FieldName(kActionFlagsIndex));
+}
+
+void StoredProfileCheck::CheckOldTimings() {
+  if (timings.IsEmpty()) return;
+  const ByteString old = timings.Left(static_cast<std::int32_t>(actionTimingsSize));
+  for (std::size_t i = 0; i < actionTimings.size(); ++i) {
+    if (actionTimings[i].Equals(old)) continue;
+    Note(Finding::Kind::PassedOver, ActionPlace(i),
+         "its timings; those of " + ListName(profile_list::kTimings) + " count");
+  }
+}
+
+void StoredProfileCheck::CheckOthers(std::uint32_t fields) {
   std::set<std::uint32_t> seen;
   const std::uint32_t count = ChildCount();
   for (std::uint32_t i = fields; i < count; ++i) {
     const ChunkEntry& entry = Entry(i);
+    std::uint32_t id = 0;
     if (entry.type != chunk_type::kList) {
-      const bool isFlags = ListId() == profile_list::kKeyAction && i == kActionFlagsIndex &&
+      const bool isFlags = Id() == profile_list::kKeyAction && i == kActionFlagsIndex &&
                            entry.type == chunk_type::kNumber;
       if (!isFlags) PassedOver(FieldName(i) + ", of type " + std::to_string(entry.type));
-      continue;
-    }
-    std::uint32_t id = 0;
-    if (!reader.ReadU32(&id, entry.offset)) {
+    } else if (!reader.ReadU32(&id, entry.offset)) {
       PassedOver("child " + std::to_string(i) + ", a list, can't be read");
-    } else if (!lists.contains(id)) {
+    } else if (const ProfileList* list = FindProfileList(id); !list || list->parent != Id()) {
       PassedOver(ListName(id) + ", which doesn't belong here");
-    } else if (!seen.insert(id).second && id != repeated) {
+    } else if (!seen.insert(id).second && !list->repeats) {
       PassedOver(ListName(id) + " more than once");
     }
   }

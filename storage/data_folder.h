@@ -7,8 +7,8 @@ namespace kelvaro {
 
 // The program's own folder, without a separator at its end. Where a package for all users of a
 // machine has put a file `PerUser` beside the program, "kelvaro" in the folder of the user's data
-// instead; it need not be there. The file alone decides: a program's folder that can't be written
-// is no reason, and the two are never mixed. Any thread.
+// instead; it need not be there. The file alone decides, not whether the program's folder can be
+// written, and the two are never mixed. Any thread.
 ByteString DataFolder();
 
 }  // namespace kelvaro

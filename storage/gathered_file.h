@@ -15,8 +15,8 @@ namespace kelvaro {
 
 class GatheredFile {
  public:
-  // Makes the file afresh, an old content goes. False, with nothing open, on failure; another one
-  // who has created it and not released it is one.
+  // Makes the file afresh; what it held is gone. False, with nothing open, on failure, also while
+  // somebody else has created it and not yet released it.
   bool Create(const ByteString& path);
   bool IsOpen() const { return handle && !isClosed; }
 

@@ -1,5 +1,7 @@
 #include "storage/profile_file.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <new>
 
@@ -8,124 +10,159 @@
 
 namespace kelvaro {
 
+// The fields of each list by their indexes, for reading into the members and for writing them.
 namespace {
 
-constexpr std::uint32_t kTimingsSize = 17;
+// Whether a load fails without a field: yes, no, and yes, also where the field is too short.
+enum Presence { Needed, Optional, Whole };
+
+constexpr auto kTextField = [](auto& fields, auto& text) { fields.Text(text); };
+
+constexpr auto kNameFields = [](auto& fields, auto& profile) {
+  fields.Text(profile.profileName);
+  fields.Packed(Needed, profile.nextControlId);
+};
+
+constexpr auto kDeviceFields = [](auto& fields, auto& profile) {
+  auto& guid = profile.deviceGuid;
+  fields.Text(profile.deviceName);
+  fields.Packed(Needed, profile.pollInterval);
+  fields.Packed(Needed, guid.Data1, guid.Data2, guid.Data3, guid.Data4);
+};
+
+constexpr auto kMouseFields = [](auto& fields, auto& mouse) {
+  fields.Packed(Needed, mouse.acceleration, mouse.movementSensitivity, mouse.movementDamper,
+                mouse.leftButton, mouse.middleButton, mouse.rightButton, mouse.leftMask,
+                mouse.middleMask, mouse.rightMask, mouse.mouseX, mouse.mouseY, mouse.mouseWheel,
+                mouse.mouseAlwaysActive, mouse.wheelSensitivity, mouse.wheelDamper);
+};
+
+constexpr auto kControlFields = [](auto& fields, auto& control) {
+  fields.Text(control.description);
+  fields.Packed(Needed, control.controlId);
+  fields.Packed(Optional, control.toggleMouseControls);
+};
+
+constexpr auto kTriggerFields = [](auto& fields, auto& trigger) {
+  fields.Packed(Needed, trigger.activateOnPress, trigger.buttonMask,
+                IfThere(trigger.triggerOption));
+};
+
+constexpr auto kTriggerItemField = [](auto& fields, auto& item) {
+  return fields.Packed(Optional, item.kind, item.index, item.value);
+};
+
+constexpr auto kTriggerWithItems = [](auto& fields, auto& trigger) {
+  kTriggerFields(fields, trigger);
+  for (auto& item : trigger.triggerItems) kTriggerItemField(fields, item);
+};
+
+// A load takes these timings only where the Control has no list of its own for them.
+constexpr auto kActionFields = [](auto& fields, auto& timings, auto& keys) {
+  fields.Packed(Needed, timings.repeatEnabled, timings.repeatDelay, timings.repeatSpeed,
+                timings.keyHoldTime);
+  fields.Text(keys);
+};
+
+constexpr auto kTimingsFields = [](auto& fields, auto& timings) {
+  fields.Packed(Whole, timings.repeatEnabled, timings.repeatDelay, timings.repeatSpeed,
+                timings.keyHoldTime, timings.keyReleasePause);
+};
 
 }  // namespace
+
+const ProfileList* FindProfileList(std::uint32_t id) {
+  const auto* const found = std::find_if(std::begin(kProfileLists), std::end(kProfileLists),
+                                         [id](const ProfileList& list) { return list.id == id; });
+  return found == std::end(kProfileLists) ? nullptr : found;
+}
 
 ProfileFile::ProfileFile() { magic = "XBF"; }
 
 // Reading
 
+class ProfileFile::FieldReader {
+ public:
+  explicit FieldReader(ProfileFile& file) : file(file) {}
+
+  void Text(ByteString& text) { good &= file.Take(index++, kAnySize, true, &text); }
+  template <typename... T>
+  bool Packed(Presence presence, T&&... members) {
+    const std::uint32_t size = PackedSize(members...);
+    const bool isThere = file.Take(index++, size, presence != Optional, &field) &&
+                         (presence != Whole || field.Length() >= size);
+    if (isThere) PackedReader(field).Read(members...);
+    good &= isThere || presence == Optional;
+    return isThere;
+  }
+
+  bool good = true;  // nothing that is needed is missing
+  std::uint32_t index = 0;
+
+ private:
+  ProfileFile& file;
+  ByteString field;
+};
+
+template <typename Read>
+bool ProfileFile::ReadList(std::uint32_t id, Read read) {
+  if (!Enter(id)) return FindProfileList(id)->without != nullptr;
+  const bool good = read();
+  return Leave() && good;
+}
+
+template <typename Read>
+bool ProfileFile::ReadEachList(std::uint32_t firstIndex, Read read) {
+  const std::uint32_t count = ChildCount();
+  for (std::uint32_t i = firstIndex; i < count; ++i) {
+    if (!IsList(i)) continue;
+    if (!EnterAt(i)) return false;
+    const bool good = read();
+    if (!Leave() || !good) return false;
+  }
+  return true;
+}
+
+template <typename Layout, typename... Targets>
+bool ProfileFile::ReadFields(Layout layout, Targets&... targets) {
+  FieldReader fields(*this);
+  layout(fields, targets...);
+  if (fields.good) FieldsTaken(fields.index);
+  return fields.good;
+}
+
 bool ProfileFile::Load(const ByteString& path) {
   Clear();
   damagedFile.Empty();
   if (!OpenForRead(path)) return false;
-  const bool good = ReadLists();
+  const bool good = ReadProfile();
   if (isDamaged) damagedFile = path;
   return good;
 }
 
-bool ProfileFile::ReadLists() {
-  ByteString text;
-  bool good = Descend(profile_list::kDocumentType);
-  if (good && !ReadField(0, &text)) good = false;
-  if (!text.Equals(documentType)) {
+bool ProfileFile::ReadProfile() {
+  FieldsTaken(0);
+  ByteString type;
+  bool good = ReadList(profile_list::kDocumentType, [&] { return ReadFields(kTextField, type); });
+  if (!type.Equals(documentType)) {
     Close();
     return false;
   }
-  if (!Ascend()) good = false;
-
-  if (Descend(profile_list::kProfileName)) {
-    ByteString counter;
-    if (!ReadField(0, &profileName)) good = false;
-    if (ReadField(1, &counter)) {
-      nextControlId = PackedReader(counter).U32();
-    } else {
-      good = false;
-    }
-    if (!Ascend()) good = false;
-  } else {
-    good = false;
-  }
-  if (Descend(profile_list::kDevice)) {
-    if (!ReadDevice()) good = false;
-    if (!Ascend()) good = false;
-  }
-  if (Descend(profile_list::kMouseSettings)) {
-    if (!ReadMouseSettings()) good = false;
-    if (!Ascend()) good = false;
-  }
-  if (Descend(profile_list::kControls)) {
+  good &= ReadList(profile_list::kProfileName, [this] { return ReadFields(kNameFields, *this); });
+  good &= ReadList(profile_list::kDevice, [this] { return ReadFields(kDeviceFields, *this); });
+  good &=
+      ReadList(profile_list::kMouseSettings, [this] { return ReadFields(kMouseFields, *this); });
+  good &= ReadList(profile_list::kControls, [this, good] {
+    FieldsTaken(0);
     // Controls are only read as long as all was well.
-    if (good) good = ReadControls();
-    if (!Ascend()) good = false;
-  }
-  if (!Close()) good = false;
+    return good &&
+           ReadEachList(0, [this] { return ListId() != profile_list::kControl || ReadControl(); });
+  });
+  good &= Leave();
 
   LockGuard guard(profileLock);
   RebuildDispatchList();
   return good;
-}
-
-bool ProfileFile::ReadDevice() {
-  bool good = ReadField(0, &deviceName);
-  ByteString field;
-  if (ReadField(1, &field)) {
-    pollInterval = PackedReader(field).U32();
-  } else {
-    good = false;
-  }
-  if (ReadField(2, &field)) {
-    PackedReader reader(field);
-    deviceGuid.Data1 = reader.U32();
-    deviceGuid.Data2 = reader.U16();
-    deviceGuid.Data3 = reader.U16();
-    for (std::uint8_t& byte : deviceGuid.Data4) byte = reader.U8();
-  } else {
-    good = false;
-  }
-  return good;
-}
-
-bool ProfileFile::ReadMouseSettings() {
-  ByteString field;
-  if (!ReadField(0, &field)) return false;
-  PackedReader reader(field);
-  const auto input = [&reader] {
-    const std::uint16_t kind = reader.U16();
-    return MouseInput(kind, reader.U16());
-  };
-  const auto number = [&reader] { return static_cast<std::int32_t>(reader.U32()); };
-  acceleration = number();
-  movementSensitivity = number();
-  movementDamper = number();
-  leftButton = reader.U16();
-  middleButton = reader.U16();
-  rightButton = reader.U16();
-  leftMask = reader.U64();
-  middleMask = reader.U64();
-  rightMask = reader.U64();
-  mouseX = input();
-  mouseY = input();
-  mouseWheel = input();
-  mouseAlwaysActive = reader.Flag();
-  wheelSensitivity = number();
-  wheelDamper = number();
-  return true;
-}
-
-bool ProfileFile::ReadControls() {
-  const std::uint32_t count = ChildCount();
-  for (std::uint32_t i = 0; i < count; ++i) {
-    if (!IsList(i)) continue;
-    if (!DescendAt(static_cast<std::int32_t>(i))) return false;
-    bool good = ListId() != profile_list::kControl || ReadControl();
-    if (!Ascend()) good = false;
-    if (!good) return false;
-  }
-  return true;
 }
 
 bool ProfileFile::ReadControl() {
@@ -133,86 +170,54 @@ bool ProfileFile::ReadControl() {
   // even when the rest of it is lost, and no copy leaves out what memory runs out for.
   if (!controls.AddTail(Control())) return false;
   Control& control = *controls.tail->value;
-  ByteString field;
 
-  bool good = ReadField(0, &control.description);
-  if (ReadField(1, &field)) {
-    control.controlId = PackedReader(field).U32();
-  } else {
-    good = false;
-  }
-  if (ReadField(2, &field)) control.toggleMouseControls = PackedReader(field).Flag();
-
-  OldTimings old;
+  // The values that files had in each action before Controls had a list of timings.
+  KeyTimings old;
   bool sawTimings = false;
-  const std::uint32_t count = ChildCount();
-  for (std::uint32_t i = 2; i < count && good; ++i) {
-    if (!IsList(i)) continue;
-    if (!DescendAt(static_cast<std::int32_t>(i))) {
-      good = false;
-      break;
+  const auto readList = [&] {
+    switch (ListId()) {
+      case profile_list::kTrigger:
+        return ReadTrigger(&control);
+      case profile_list::kKeyAction:
+        return ReadKeyAction(&control, &old);
+      case profile_list::kTimings:
+        sawTimings = true;
+        return ReadFields(kTimingsFields, control);
+      default:
+        return true;
     }
-    good = ReadControlList(&control, &old, &sawTimings);
-    if (!Ascend()) good = false;
-  }
+  };
+  const bool good = ReadFields(kControlFields, control) && ReadEachList(2, readList);
 
   if (!sawTimings) {
-    control.repeatEnabled = old.repeat;
-    control.repeatDelay = old.delay;
-    control.repeatSpeed = old.speed;
-    if (old.repeat) control.keyHoldTime = old.hold;
+    if (!old.repeatEnabled) old.keyHoldTime = 0;
+    static_cast<KeyTimings&>(control) = old;
   }
   return good;
 }
 
-bool ProfileFile::ReadControlList(Control* control, OldTimings* old, bool* sawTimings) {
-  switch (ListId()) {
-    case profile_list::kTrigger:
-      return ReadTrigger(control);
-    case profile_list::kKeyAction:
-      return ReadKeyAction(control, old);
-    case profile_list::kTimings:
-      *sawTimings = true;
-      return ReadTimings(control);
-    default:
-      return true;
-  }
-}
-
 bool ProfileFile::ReadTrigger(Control* control) {
   control->ResetTrigger();
-  ByteString field;
-  if (!ReadField(0, &field)) return false;
-  PackedReader reader(field);
-  control->activateOnPress = reader.Flag();
-  control->SetButtonMask(reader.U64());
-  if (!reader.AtEnd()) control->triggerOption = reader.Flag();
+  FieldReader fields(*this);
+  kTriggerFields(fields, *control);
+  if (!fields.good) return false;
+  control->SetButtonMask(control->buttonMask);
 
-  const std::uint32_t count = ChildCount();
-  for (std::uint32_t i = 1; i < count; ++i) {
-    if (!ReadField(i, &field)) continue;
-    PackedReader words(field);
+  while (fields.index < ChildCount()) {
     TriggerItem item;
-    item.kind = words.U16();
-    item.index = words.U16();
-    item.value = words.U16();
-    control->triggerItems.AddTail(item);
+    if (kTriggerItemField(fields, item)) control->triggerItems.AddTail(item);
   }
+  FieldsTaken(fields.index);
   return true;
 }
 
-bool ProfileFile::ReadKeyAction(Control* control, OldTimings* old) {
-  ByteString timings;
+bool ProfileFile::ReadKeyAction(Control* control, KeyTimings* old) {
+  KeyTimings timings;
   ByteString keys;
-  if (!ReadField(0, &timings) || !ReadField(1, &keys)) return false;
+  if (!ReadFields(kActionFields, timings, keys)) return false;
   std::unique_ptr<KeyAction> action(new (std::nothrow) KeyAction);
   if (!action) return false;
-
-  PackedReader reader(timings);
-  old->repeat = reader.Flag();
-  old->delay = reader.U32();
-  old->speed = reader.U32();
-  old->hold = reader.U32();
+  *old = timings;
 
   for (std::uint32_t i = 0; i + 1 < keys.Length(); i += 2) {
     KeyStep step;
@@ -225,7 +230,7 @@ bool ProfileFile::ReadKeyAction(Control* control, OldTimings* old) {
     action->ParseKeys(action->FormatKeys());
   }
   std::uint32_t flags = 0;
-  if (ReadNumber(3, &flags)) action->actionFlags |= flags;
+  if (ReadNumber(kActionFlagsIndex, &flags)) action->actionFlags |= flags;
 
   if (!control->actions.AddTail(action.get())) return false;
   static_cast<void>(action.release());
@@ -233,29 +238,17 @@ bool ProfileFile::ReadKeyAction(Control* control, OldTimings* old) {
 }
 
 bool ProfileFile::ReadScanCodes(KeySequence* steps) {
-  if (!Descend(profile_list::kScanCodes)) return false;
+  if (!Enter(profile_list::kScanCodes)) return false;
   ByteString scans;
-  bool good = ReadField(0, &scans);
-  if (!Ascend()) good = false;
+  bool good = Take(0, static_cast<std::uint32_t>(steps->count), false, &scans);
+  FieldsTaken(1);
+  good &= Leave();
   if (!good) return false;
 
   std::uint32_t i = 0;
   for (KeyStep& step : *steps) {
-    if (i == scans.Length()) break;
-    step.scan = static_cast<std::uint8_t>(scans[i++]);
+    if (i < scans.Length()) step.scan = static_cast<std::uint8_t>(scans[i++]);
   }
-  return true;
-}
-
-bool ProfileFile::ReadTimings(Control* control) {
-  ByteString field;
-  if (!ReadField(0, &field) || field.Length() < kTimingsSize) return false;
-  PackedReader reader(field);
-  control->repeatEnabled = reader.Flag();
-  control->repeatDelay = reader.U32();
-  control->repeatSpeed = reader.U32();
-  control->keyHoldTime = reader.U32();
-  control->keyReleasePause = reader.U32();
   return true;
 }
 
@@ -273,6 +266,40 @@ ByteString ProfileFile::ReadProfileName(const ByteString& path) {
 
 // Writing. A failed step doesn't stop the next one; all of them are run, and the results gathered.
 
+class ProfileFile::FieldWriter {
+ public:
+  explicit FieldWriter(ProfileFile& file) : file(file) {}
+
+  bool Text(const ByteString& text) { return good &= file.WriteBytes(text); }
+  template <typename... T>
+  bool Packed(Presence, const T&... members) {
+    return Text(PackedWriter(members...).Field());
+  }
+
+  bool good = true;
+
+ private:
+  ProfileFile& file;
+};
+
+template <typename Layout, typename Lists, typename... Sources>
+bool ProfileFile::WriteList(std::uint32_t id, Layout layout, Lists lists,
+                            const Sources&... sources) {
+  bool good = Descend(id);
+  FieldWriter fields(*this);
+  layout(fields, sources...);
+  good &= fields.good;
+  good &= lists();
+  good &= Ascend();
+  return good;
+}
+
+template <typename Layout, typename... Sources>
+bool ProfileFile::WriteFields(std::uint32_t id, Layout layout, const Sources&... sources) {
+  return WriteList(
+      id, layout, [] { return true; }, sources...);
+}
+
 bool ProfileFile::Save() {
   if (profileName.IsEmpty()) return false;
   const ByteString fileName = ProfileFileName(profileName);
@@ -287,12 +314,19 @@ bool ProfileFile::SaveAs(const ByteString& target) {
   if (damagedFile.Equals(target) && !KeepDamagedFile()) return false;
   if (!OpenForWrite(target)) return false;
 
-  bool good = WriteList(profile_list::kDocumentType, documentType);
-  good &= WriteList(profile_list::kFormatRevision, PackedWriter(1).U8(formatRevision).Field());
-  good &= WriteProfileName();
-  good &= WriteDevice();
-  good &= WriteMouseSettings();
-  good &= WriteControls();
+  const ByteString revision(static_cast<char>(formatRevision));
+  bool good = WriteFields(profile_list::kDocumentType, kTextField, documentType);
+  good &= WriteFields(profile_list::kFormatRevision, kTextField, revision);
+  good &= WriteFields(profile_list::kProfileName, kNameFields, *this);
+  good &= WriteFields(profile_list::kDevice, kDeviceFields, *this);
+  good &= WriteFields(profile_list::kMouseSettings, kMouseFields, *this);
+  good &= WriteList(
+      profile_list::kControls, [](auto&) {},
+      [this] {
+        bool written = true;
+        for (const Control& control : controls) written &= WriteControl(control);
+        return written;
+      });
   good &= Close();
   return good;
 }
@@ -303,112 +337,34 @@ bool ProfileFile::KeepDamagedFile() {
   return true;
 }
 
-bool ProfileFile::WriteList(std::uint32_t id, const ByteString& onlyField) {
-  bool good = Descend(id);
-  good &= WriteBytes(onlyField);
-  good &= Ascend();
-  return good;
-}
-
-bool ProfileFile::WriteProfileName() {
-  bool good = Descend(profile_list::kProfileName);
-  good &= WriteBytes(profileName);
-  good &= WriteBytes(PackedWriter(4).U32(nextControlId).Field());
-  good &= Ascend();
-  return good;
-}
-
-bool ProfileFile::WriteDevice() {
-  PackedWriter guid(16);
-  guid.U32(deviceGuid.Data1).U16(deviceGuid.Data2).U16(deviceGuid.Data3);
-  for (const std::uint8_t byte : deviceGuid.Data4) guid.U8(byte);
-
-  bool good = Descend(profile_list::kDevice);
-  good &= WriteBytes(deviceName);
-  good &= WriteBytes(PackedWriter(4).U32(pollInterval).Field());
-  good &= WriteBytes(guid.Field());
-  good &= Ascend();
-  return good;
-}
-
-bool ProfileFile::WriteMouseSettings() {
-  PackedWriter field(63);
-  const auto number = [&field](std::int32_t value) {
-    field.U32(static_cast<std::uint32_t>(value));
-  };
-  const auto input = [&field](TriggerItem item) { field.U16(item.kind).U16(item.index); };
-  number(acceleration);
-  number(movementSensitivity);
-  number(movementDamper);
-  field.U16(leftButton).U16(middleButton).U16(rightButton);
-  field.U64(leftMask).U64(middleMask).U64(rightMask);
-  input(mouseX);
-  input(mouseY);
-  input(mouseWheel);
-  field.Flag(mouseAlwaysActive);
-  number(wheelSensitivity);
-  number(wheelDamper);
-  return WriteList(profile_list::kMouseSettings, field.Field());
-}
-
-bool ProfileFile::WriteControls() {
-  bool good = Descend(profile_list::kControls);
-  for (const Control& control : controls) good &= WriteControl(control);
-  good &= Ascend();
-  return good;
-}
-
 bool ProfileFile::WriteControl(const Control& control) {
-  PackedWriter timings(17);
-  timings.Flag(control.repeatEnabled).U32(control.repeatDelay).U32(control.repeatSpeed);
-  timings.U32(control.keyHoldTime).U32(control.keyReleasePause);
-
-  bool good = Descend(profile_list::kControl);
-  good &= WriteBytes(control.description);
-  good &= WriteBytes(PackedWriter(4).U32(control.controlId).Field());
-  good &= WriteBytes(PackedWriter(1).Flag(control.toggleMouseControls).Field());
-  good &= WriteTrigger(control);
-  for (const InputAction* each : control.actions) {
-    const auto* const action = dynamic_cast<const KeyAction*>(each);
-    good &= action && WriteKeyAction(control, *action);
-  }
-  good &= WriteList(profile_list::kTimings, timings.Field());
-  good &= Ascend();
-  return good;
-}
-
-bool ProfileFile::WriteTrigger(const Control& control) {
-  PackedWriter field(10);
-  field.Flag(control.activateOnPress).U64(control.buttonMask).Flag(control.triggerOption);
-
-  bool good = Descend(profile_list::kTrigger);
-  good &= WriteBytes(field.Field());
-  for (const TriggerItem& item : control.triggerItems) {
-    good &= WriteBytes(PackedWriter(6).U16(item.kind).U16(item.index).U16(item.value).Field());
-  }
-  good &= Ascend();
-  return good;
+  const auto writeLists = [&] {
+    bool good = WriteFields(profile_list::kTrigger, kTriggerWithItems, control);
+    for (const InputAction* each : control.actions) {
+      const auto* const action = dynamic_cast<const KeyAction*>(each);
+      good &= action && WriteKeyAction(control, *action);
+    }
+    good &= WriteFields(profile_list::kTimings, kTimingsFields, control);
+    return good;
+  };
+  return WriteList(profile_list::kControl, kControlFields, writeLists, control);
 }
 
 bool ProfileFile::WriteKeyAction(const Control& control, const KeyAction& action) {
-  PackedWriter timings(13);
-  timings.Flag(control.repeatEnabled).U32(control.repeatDelay).U32(control.repeatSpeed);
-  timings.U32(control.keyHoldTime);
-  PackedWriter keys(action.steps.count * 2);
-  PackedWriter scans(action.steps.count);
+  ByteString keys(action.steps.count * 2);
+  ByteString scans(action.steps.count);
   for (const KeyStep& step : action.steps) {
-    keys.U8(step.vk).U8(step.flags);
-    scans.U8(step.scan);
+    keys.AppendChar(static_cast<char>(step.vk));
+    keys.AppendChar(static_cast<char>(step.flags));
+    scans.AppendChar(static_cast<char>(step.scan));
   }
-
-  bool good = Descend(profile_list::kKeyAction);
-  good &= WriteBytes(timings.Field());
-  good &= WriteBytes(keys.Field());
-  good &= WriteList(profile_list::kScanCodes, scans.Field());
-  // A reader looks for it as the fourth child, so it stands behind the scan codes.
-  good &= WriteField(chunk_type::kNumber, PackedWriter(4).U32(action.actionFlags).Field());
-  good &= Ascend();
-  return good;
+  const auto writeRest = [&] {
+    bool good = WriteFields(profile_list::kScanCodes, kTextField, scans);
+    // Behind the scan codes, as a reader looks for it at kActionFlagsIndex.
+    good &= WriteField(chunk_type::kNumber, PackedWriter(action.actionFlags).Field());
+    return good;
+  };
+  return WriteList(profile_list::kKeyAction, kActionFields, writeRest, control, keys);
 }
 
 }  // namespace kelvaro

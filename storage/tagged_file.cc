@@ -278,6 +278,16 @@ bool TaggedFile::Close() {
 
 // Writing
 
+template <typename T>
+bool TaggedFile::WriteNumber(T value) {
+  std::uint8_t bytes[sizeof value];
+  for (std::uint8_t& byte : bytes) {
+    byte = static_cast<std::uint8_t>(value >> (sizeof value - 1) * 8);
+    value = static_cast<T>(value << 8);
+  }
+  return writeHandle.Write(bytes, sizeof bytes);
+}
+
 bool TaggedFile::OpenForWrite(const ByteString& target) {
   Close();
   path = target;
@@ -287,8 +297,8 @@ bool TaggedFile::OpenForWrite(const ByteString& target) {
 
   OpenList root;
   // At once, so that a disk that takes nothing is found out before anything is built on it.
-  if (!writeHandle.Write(magic.Text(), magic.Length()) || !WriteU16(1) || !WriteHeader(&root) ||
-      !writeHandle.PutDown()) {
+  if (!writeHandle.Write(magic.Text(), magic.Length()) || !WriteNumber(std::uint16_t{1}) ||
+      !WriteHeader(&root) || !writeHandle.PutDown()) {
     writeHandle.Release();
     return false;
   }
@@ -305,32 +315,19 @@ bool TaggedFile::OpenForWrite(const ByteString& target) {
 }
 
 bool TaggedFile::WriteHeader(OpenList* list) {
-  if (!WriteU16(list->type) || !WriteU32(list->size) || !WriteU32(list->id) ||
-      !WriteU32(list->count)) {
+  if (!WriteNumber(list->type) || !WriteNumber(list->size) || !WriteNumber(list->id) ||
+      !WriteNumber(list->count)) {
     return false;
   }
   if (list->offset == 0) list->offset = writeHandle.Position();
   return true;
 }
 
-bool TaggedFile::WriteU16(std::uint16_t value) {
-  const std::uint8_t bytes[] = {static_cast<std::uint8_t>(value >> 8),
-                                static_cast<std::uint8_t>(value)};
-  return writeHandle.Write(bytes, sizeof bytes);
-}
-
-bool TaggedFile::WriteU32(std::uint32_t value) {
-  const std::uint8_t bytes[] = {
-      static_cast<std::uint8_t>(value >> 24), static_cast<std::uint8_t>(value >> 16),
-      static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value)};
-  return writeHandle.Write(bytes, sizeof bytes);
-}
-
 bool TaggedFile::WriteField(std::uint16_t type, const ByteString& data) {
   if (!current || !isWriting) return false;
-  if (!WriteU16(type)) return false;
+  if (!WriteNumber(type)) return false;
   current->size += sizeof type;
-  if (!WriteU32(data.Length())) return false;
+  if (!WriteNumber(data.Length())) return false;
   current->size += sizeof data.Length();
   if (!writeHandle.Write(data.Text(), data.Length())) return false;
   current->size += data.Length();

@@ -164,8 +164,8 @@ class TaggedFile {
   bool FollowStray(std::uint64_t bytes);
 
   bool WriteHeader(OpenList* list);
-  bool WriteU16(std::uint16_t value);
-  bool WriteU32(std::uint32_t value);
+  template <typename T>
+  bool WriteNumber(T value);
   bool FinishWriting();
 
   ByteString TemporaryPath() const;

@@ -127,7 +127,7 @@ TEST_F(ShowCommand, AFileWinsOverAName) {
   fs::remove_all(here);
 }
 
-TEST_F(ShowCommand, AWrongNameIsAnsweredWithTheStoredOnesTheLikestFirst) {
+TEST_F(ShowCommand, AWrongNameIsAnsweredWithTheStoredOnesTheMostSimilarFirst) {
   EXPECT_EQ(Kelvaroctl({"show", "Walk"}).err,
             "kelvaroctl: there is no file and no stored profile 'Walk'; no profile is stored in " +
                 folder.string() + "\n");

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "foundation/byte_string.h"
 
@@ -56,27 +56,26 @@ inline std::string ListHead(std::uint32_t size, std::uint32_t id, std::uint32_t 
   return Big(1, 2) + Big(size, 4) + Big(id, 4) + Big(count, 4);
 }
 
-inline std::string Join(std::initializer_list<std::string> parts) {
-  std::string all;
-  for (const std::string& part : parts) all += part;
-  return all;
+using Chunks = std::vector<std::string>;
+
+inline Chunks Join(Chunks first, const Chunks& more) {
+  first.insert(first.end(), more.begin(), more.end());
+  return first;
 }
 
-inline std::string List(std::uint32_t id, std::initializer_list<std::string> children) {
-  const std::string content = Join(children);
+inline std::string List(std::uint32_t id, const Chunks& children) {
+  std::string content;
+  for (const std::string& child : children) content += child;
   return ListHead(static_cast<std::uint32_t>(content.size()), id,
                   static_cast<std::uint32_t>(children.size())) +
          content;
 }
 
 // A whole file around the children of the root.
-inline std::string Container(std::initializer_list<std::string> children,
-                             const std::string& magic = "XFF") {
+inline std::string Container(const Chunks& children, const std::string& magic = "XFF") {
   return magic + Big(1, 2) + List(0, children);
 }
-inline std::string ProfileBytes(std::initializer_list<std::string> children) {
-  return Container(children, "XBF");
-}
+inline std::string ProfileBytes(const Chunks& children) { return Container(children, "XBF"); }
 
 inline std::string Str(const ByteString& text) { return std::string(text.Text(), text.Length()); }
 inline ByteString Bytes(const std::string& text) {

@@ -18,10 +18,7 @@ class DamagedFileTest : public ProfileTest {
  protected:
   void SetUp() override {
     ProfileFile profile;
-    RandomProfile random(7);
-    random.Fill(&profile, 0);
-    profile.profileName = "P";
-    for (int i = 0; i < 3; ++i) random.AddControl(&profile);
+    RandomProfile(7).Fill(&profile, "P", 3);
     ASSERT_TRUE(profile.Save());
     whole = On("P.idprof");
     cut = whole.substr(0, whole.size() * 4 / 10);

@@ -21,7 +21,15 @@ std::string Liar(std::uint32_t size, std::uint32_t id, std::uint32_t count,
 }
 std::string File(const std::string& root) { return "XBF" + Big(1, 2) + root; }
 // A root that tells the truth around lists that may not.
-std::string Around(std::initializer_list<std::string> lists) { return ProfileBytes(lists); }
+std::string Around(const Chunks& lists) { return ProfileBytes(lists); }
+// The usual lists, and one of Controls that holds these.
+std::string WithControls(const Chunks& controls) {
+  return Around({TypeList(), NameList("A"), List(4, controls)});
+}
+// A Control of the usual fields and one list.
+std::string ControlWith(const std::string& list) {
+  return List(5, {Field("c"), Field(Big(1, 4)), Field("\x01"), list});
+}
 
 class HostileFileTest : public ProfileTest {
  protected:
@@ -50,10 +58,7 @@ class HostileFileTest : public ProfileTest {
   // The file of a random profile with everything in it.
   std::string GoodFile() {
     ProfileFile profile;
-    RandomProfile random(2);
-    random.Fill(&profile, 0);
-    profile.profileName = "good";
-    for (int i = 0; i < 3; ++i) random.AddControl(&profile);
+    RandomProfile(2).Fill(&profile, "good", 3);
     EXPECT_TRUE(profile.Save());
     return *Disk().FileBytes(PathOf("good.idprof"));
   }
@@ -88,12 +93,9 @@ TEST_F(HostileFileTest, ListsThatClaimFourBillionChildrenEndWithTheFile) {
   // A list of Controls whose children can't be told apart is none.
   EXPECT_TRUE(Survive(Around({TypeList(), NameList("A"), Liar(0, 4, kMax)})));
   EXPECT_TRUE(Survive(Around({TypeList(), NameList("A"), Liar(kMax, 4, kMax)})));
-  EXPECT_FALSE(Survive(Around({TypeList(), NameList("A"), List(4, {Liar(0, 5, kMax)})})));
-  const std::string head = Field("c") + Field(Big(1, 4)) + Field("\x01");
+  EXPECT_FALSE(Survive(WithControls({Liar(0, 5, kMax)})));
   for (const std::uint32_t id : {6u, 7u, 14u}) {
-    const std::string control =
-        ListHead(static_cast<std::uint32_t>(head.size() + 14), 5, 4) + head + Liar(0, id, kMax);
-    EXPECT_FALSE(Survive(Around({TypeList(), NameList("A"), List(4, {control})}))) << id;
+    EXPECT_FALSE(Survive(WithControls({ControlWith(Liar(0, id, kMax))}))) << id;
   }
 }
 
@@ -116,63 +118,46 @@ TEST_F(HostileFileTest, ListsWithinListsAreEnteredNoDeeperThanAProfileGoes) {
   // Each within the Control around it, all of them with id 5.
   nested.clear();
   for (std::uint32_t i = 0; i < 20000; ++i) nested += ListHead((20000 - i - 1) * 14, 5, 1);
-  EXPECT_FALSE(Survive(Around({TypeList(), NameList("A"), List(4, {nested})})));
+  EXPECT_FALSE(Survive(WithControls({nested})));
 }
 
 // n lists of Controls' ids with nothing in them by their size, but a count that takes in all those
 // behind it: what is read for one is read again for the next.
 TEST_F(HostileFileTest, ChildrenOutsideOfTheirListAreFollowedUpToALimitOnly) {
   constexpr std::uint32_t kControls = 30000;
-  std::string controls;
+  Chunks controls;
   for (std::uint32_t i = 0; i < kControls; ++i) {
-    controls += ListHead(0, 99, kControls - i - 1);
+    controls.push_back(ListHead(0, 99, kControls - i - 1));
   }
-  const std::string file =
-      Around({TypeList(), NameList("A"),
-              ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls});
   // Walked in full these were 450 million heads.
-  EXPECT_FALSE(Survive(file));
+  EXPECT_FALSE(Survive(WithControls(controls)));
 }
 
 // A Trigger at the end of each Control that claims to be as long as all the Controls behind it.
 TEST_F(HostileFileTest, AListLongerThanTheOneAroundItIsFollowedUpToALimitOnly) {
   constexpr std::uint32_t kControls = 4000;
-  const std::string head = Field("c") + Field(Big(1, 4)) + Field("\x01");
-  const auto length = static_cast<std::uint32_t>(head.size() + 14);
-  std::string controls;
+  const auto length = static_cast<std::uint32_t>(ControlWith(ListHead(0, 6, 0)).size());
+  Chunks controls;
   for (std::uint32_t i = 0; i < kControls; ++i) {
     const std::uint32_t behind = kControls - i - 1;
-    controls += ListHead(length, 5, 4) + head + ListHead(behind * (length + 14), 6, behind);
+    controls.push_back(ControlWith(ListHead(behind * length, 6, behind)));
   }
   // Followed in full these were 8 million heads.
-  EXPECT_FALSE(Survive(
-      Around({TypeList(), NameList("A"),
-              ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls})));
+  EXPECT_FALSE(Survive(WithControls(controls)));
 }
 
 TEST_F(HostileFileTest, FieldsThatReachOutOfTheirListAreReadUpToALimitOnly) {
   constexpr std::uint32_t kControls = 2000;
   // The toggle, which may be unreadable, reaches 1 MB out of each.
-  const std::string inside = Field("") + Field("") + Big(2, 2) + Big(1000000, 4);
-  const std::string one = ListHead(static_cast<std::uint32_t>(inside.size()), 5, 3) + inside;
-  std::string controls;
-  for (std::uint32_t i = 0; i < kControls; ++i) controls += one;
+  const std::string far = Big(2, 2) + Big(1000000, 4);
+  const std::string one = List(5, {Field(""), Field(""), far});
   // Read in full these were 2 GB.
-  EXPECT_TRUE(Survive(
-      Around({TypeList(), NameList("A"),
-              ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls}) +
-      std::string(1000000, 'x')));
+  EXPECT_TRUE(Survive(WithControls(Chunks(kControls, one)) + std::string(1000000, 'x')));
   // The same out of the items of one Trigger, where a failed read is passed over.
-  std::string items = Field(TriggerField(1, 1, 1));
-  for (std::uint32_t i = 0; i < kControls; ++i) items += Big(5, 2) + Big(0, 4);
-  const std::string lastItem = Big(2, 2) + Big(1000000, 4);
-  const std::string trigger =
-      ListHead(static_cast<std::uint32_t>(items.size() + 6), 6, kControls + 2) + items + lastItem;
-  const std::string head = Field("c") + Field(Big(1, 4)) + Field("\x01");
-  const std::string control =
-      ListHead(static_cast<std::uint32_t>(head.size() + trigger.size()), 5, 4) + head + trigger;
-  EXPECT_TRUE(
-      Survive(Around({TypeList(), NameList("A"), List(4, {control})}) + std::string(1000000, 'x')));
+  Chunks items(kControls + 1, Big(5, 2) + Big(0, 4));
+  items[0] = Field(TriggerField(1, 1, 1));
+  items.push_back(far);
+  EXPECT_TRUE(Survive(WithControls({ControlWith(List(6, items))}) + std::string(1000000, 'x')));
 }
 
 TEST_F(HostileFileTest, SizesThatAreTooSmallAreForgiven) {
@@ -190,8 +175,6 @@ TEST_F(HostileFileTest, SizesThatAreTooSmallAreForgiven) {
 TEST_F(HostileFileTest, ManyEmptyControlsAreReadInTimeThatGrowsWithTheirNumber) {
   constexpr std::uint32_t kControls = 100000;
   const std::string control = List(5, {Field(""), Field("")});
-  std::string controls;
-  for (std::uint32_t i = 0; i < kControls; ++i) controls += control;
   // The walk over the indexes is counted by the reader itself, at each Control that it enters.
   class Counting : public ProfileFile {
    public:
@@ -207,10 +190,7 @@ TEST_F(HostileFileTest, ManyEmptyControlsAreReadInTimeThatGrowsWithTheirNumber) 
   };
   Counting profile;
   Disk().ClearLog();
-  ASSERT_TRUE(LoadBytes(
-      &profile,
-      Around({TypeList(), NameList("A"),
-              ListHead(static_cast<std::uint32_t>(controls.size()), 4, kControls) + controls})));
+  ASSERT_TRUE(LoadBytes(&profile, WithControls(Chunks(kControls, control))));
   EXPECT_EQ(profile.controls.count, static_cast<std::int32_t>(kControls));
   EXPECT_GE(profile.links, kControls - 2u);
   EXPECT_LE(profile.links, kControls);
@@ -221,7 +201,8 @@ TEST_F(HostileFileTest, ManyEmptyControlsAreReadInTimeThatGrowsWithTheirNumber) 
 TEST_F(HostileFileTest, NamesWithPathPartsAndZeroBytesStayInTheFolder) {
   for (const std::string& name :
        {std::string("../../outside"), std::string("/outside"), std::string("a\0/../../b", 11),
-        std::string("C:\\outside"), std::string(244, '.'), std::string("..\\..")}) {
+        std::string("C:\\outside"), std::string(244, '.'), std::string("..\\.."), std::string(".."),
+        std::string("a/../../out"), std::string("\\\\host\\out")}) {
     ProfileFile profile;
     ASSERT_TRUE(LoadBytes(&profile, SmallProfile(name)));
     EXPECT_TRUE(profile.Save());
@@ -238,9 +219,8 @@ TEST_F(HostileFileTest, KeysOfAMegabyteWithoutScanCodesAreParsedInLinearTime) {
   std::string keys;
   for (int i = 0; i < 250000; ++i) keys += std::string("A\0\x0D\x01", 4);
   const std::string action = List(7, {Field(OldTimings(0, 0, 0, 0)), Field(keys)});
-  const std::string control = List(5, {Field("c"), Field(Big(1, 4)), Field("\x01"), action});
   ProfileFile profile;
-  ASSERT_TRUE(LoadBytes(&profile, Around({TypeList(), NameList("A"), List(4, {control})})));
+  ASSERT_TRUE(LoadBytes(&profile, WithControls({ControlWith(action)})));
   const auto& read = *dynamic_cast<KeyAction*>(*profile.controls.head->value->actions.head->value);
   EXPECT_EQ(read.steps.count, 500000);
 }

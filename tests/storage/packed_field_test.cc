@@ -7,44 +7,73 @@
 namespace kelvaro {
 namespace {
 
-TEST(PackedReader, TakesNumbersFromTheFrontMostSignificantByteFirst) {
-  PackedReader reader(Bytes(FromHex("01 0203 04050607 08090A0B0C0D0E0F 00 02")));
-  EXPECT_EQ(reader.U8(), 0x01);
-  EXPECT_EQ(reader.U16(), 0x0203);
-  EXPECT_EQ(reader.U32(), 0x04050607u);
-  EXPECT_EQ(reader.U64(), 0x08090A0B0C0D0E0Fu);
-  EXPECT_FALSE(reader.Flag());
-  EXPECT_FALSE(reader.AtEnd());
-  EXPECT_TRUE(reader.Flag());
-  EXPECT_TRUE(reader.AtEnd());
+struct Members {
+  bool truth = true;
+  std::uint8_t flag = 7;
+  std::uint16_t word = 0x0203;
+  std::uint32_t number = 0x04050607;
+  std::int32_t negative = -2;
+  std::uint64_t mask = 0x08090A0B0C0D0E0F;
+  std::uint8_t bytes[3] = {0x11, 0x12, 0x13};
+  Relaxed<std::uint16_t> relaxed{0x2122};
+  Relaxed<TriggerItem> input{TriggerItem{8, 2, 0xAAAA}};
+};
+
+constexpr char kBytes[] = "01 01 0203 04050607 FFFFFFFE 08090A0B0C0D0E0F 111213 2122 0008 0002";
+
+std::string Written(const Members& m) {
+  return Str(PackedWriter(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes, m.relaxed,
+                          m.input)
+                 .Field());
 }
 
-TEST(PackedReader, ANumberCutShortIsASmallerOneAndTheFieldThenExhausted) {
-  EXPECT_EQ(PackedReader(Bytes(FromHex("FE"))).U16(), 0xFEu);
-  EXPECT_EQ(PackedReader(Bytes(FromHex("010203"))).U32(), 0x010203u);
-  PackedReader reader(Bytes(FromHex("F1F2F3F4F5F6F7")));
-  EXPECT_EQ(reader.U64(), 0xF1F2F3F4F5F6F7u);
-  EXPECT_TRUE(reader.AtEnd());
-  EXPECT_EQ(reader.U8(), 0);
-  EXPECT_EQ(reader.U16(), 0);
-  EXPECT_EQ(reader.U32(), 0u);
-  EXPECT_EQ(reader.U64(), 0u);
-  EXPECT_FALSE(reader.Flag());
+Members ReadFrom(const std::string& bytes) {
+  Members m;
+  const ByteString field = Bytes(bytes);
+  PackedReader(field).Read(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes,
+                           m.relaxed, m.input);
+  return m;
 }
 
-TEST(PackedReader, LeavesTheFieldItselfAlone) {
-  const ByteString field = Bytes(FromHex("0102"));
-  PackedReader(field).U16();
-  EXPECT_EQ(field.Length(), 2u);
+TEST(PackedWriter, PutsMembersInTheWidthOfTheirTypeMostSignificantByteFirst) {
+  EXPECT_EQ(ToHexText(Written({})), ToHexText(FromHex(kBytes)));
 }
 
-TEST(PackedWriter, PutsNumbersInTheirExactWidthMostSignificantByteFirst) {
-  PackedWriter writer;
-  writer.U8(0x01).U16(0x0203).U32(0x04050607).U64(0x08090A0B0C0D0E0F).Flag(true).Flag(false);
-  EXPECT_EQ(ToHexText(Str(writer.Field())),
-            ToHexText(FromHex("0102030405060708090A0B0C0D0E0F 0100")));
-  EXPECT_EQ(Str(PackedWriter(4).U32(0xFFFFFFFF).Field()), "\xFF\xFF\xFF\xFF");
-  EXPECT_TRUE(PackedWriter(9).Field().IsEmpty());
+TEST(PackedReader, TakesWhatAWriterPut) {
+  const Members m = ReadFrom(FromHex(kBytes));
+  EXPECT_EQ(m.flag, 1) << "a flag is 0 or 1";
+  EXPECT_EQ(static_cast<TriggerItem>(m.input).value, offsetof(platform::DIJOYSTATE2, rgdwPOV) + 8);
+  EXPECT_EQ(ToHexText(Written(m)), ToHexText(FromHex(kBytes)));
+}
+
+TEST(PackedReader, ANumberCutShortIsASmallerOneAndTheRestIsZero) {
+  const Members m = ReadFrom(FromHex("02 00 0203 0405"));
+  EXPECT_TRUE(m.truth) << "anything but 0";
+  EXPECT_EQ(m.flag, 0);
+  EXPECT_EQ(m.word, 0x0203);
+  EXPECT_EQ(m.number, 0x0405u);
+  EXPECT_EQ(m.negative, 0);
+  EXPECT_EQ(m.mask, 0u);
+  EXPECT_EQ(m.bytes[0], 0);
+  EXPECT_EQ(m.relaxed, 0);
+  EXPECT_EQ(static_cast<TriggerItem>(m.input).kind, 0);
+}
+
+TEST(PackedReader, AMemberThatNeedNotBeThereKeepsItsValue) {
+  std::uint8_t first = 1;
+  std::uint8_t last = 1;
+  PackedReader(Bytes(FromHex("00"))).Read(first, IfThere(last));
+  EXPECT_EQ(first, 0);
+  EXPECT_EQ(last, 1);
+  PackedReader(Bytes(FromHex("0000"))).Read(first, IfThere(last));
+  EXPECT_EQ(last, 0);
+}
+
+TEST(PackedSize, IsThatOfTheFieldThatIsWritten) {
+  const Members m;
+  EXPECT_EQ(PackedSize(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes, m.relaxed,
+                       m.input, IfThere(m.flag)),
+            FromHex(kBytes).size() + 1);
 }
 
 }  // namespace

@@ -48,11 +48,7 @@ const Setting kSettings[] = {
 };
 
 void Fill(ProfileFile* profile, std::uint32_t seed) {
-  RandomProfile random(seed);
-  random.Fill(profile, 0);
-  profile->profileName = "P";  // both have it, and so the same file
-  for (int i = 0; i < 2; ++i) random.AddControl(profile);
-  profile->RebuildDispatchList();
+  RandomProfile(seed).Fill(profile, "P", 2);  // the old and the new one have the same file
 }
 
 // The bytes that a profile is saved to where nothing disturbs.
@@ -131,6 +127,9 @@ std::vector<DiskOperation> OperationsOfASave(const Setting& setting) {
   return machine.Disk().Log();
 }
 
+using Plan = std::function<void(VirtualDisk&)>;
+using Plans = std::vector<Plan>;
+
 // Places within a write: all of them for a short one.
 std::vector<std::uint32_t> PlacesWithin(std::uint32_t size) {
   std::vector<std::uint32_t> places;
@@ -138,8 +137,46 @@ std::vector<std::uint32_t> PlacesWithin(std::uint32_t size) {
   return places;
 }
 
+// The ways in which the machine stops at its n-th operation, one of `size` bytes.
+Plans Stops(std::uint64_t n, std::uint32_t size) {
+  Plans plans = {[n](VirtualDisk& disk) { disk.StopBefore(n); },
+                 [n](VirtualDisk& disk) { disk.StopAfter(n); }};
+  for (const std::uint32_t at : PlacesWithin(size)) {
+    plans.push_back([n, at](VirtualDisk& disk) { disk.StopInside(n, at); });
+  }
+  return plans;
+}
+
+// The ways in which that operation fails.
+Plans Failures(std::uint64_t n, std::uint32_t size) {
+  Plans plans = {[n](VirtualDisk& disk) { disk.FailOperation(n); }};
+  for (const std::uint32_t at : PlacesWithin(size)) {
+    plans.push_back([n, at](VirtualDisk& disk) { disk.FailInside(n, at); });
+  }
+  return plans;
+}
+
+Plans StopsAndFailures(std::uint64_t n, std::uint32_t size) {
+  Plans plans = Stops(n, size);
+  for (Plan& plan : Failures(n, size)) plans.push_back(plan);
+  return plans;
+}
+
+// run(plan, operation) with each plan for each operation, up to the first that goes wrong.
+template <typename Run>
+void AtEach(const std::vector<DiskOperation>& operations, const std::string& setting,
+            Plans (*plansOf)(std::uint64_t n, std::uint32_t size), Run run) {
+  for (std::uint64_t n = 1; n <= operations.size(); ++n) {
+    const DiskOperation& operation = operations[n - 1];
+    SCOPED_TRACE(testing::Message() << setting << ", operation " << n << ", " << operation.name
+                                    << " " << operation.path);
+    for (const Plan& plan : plansOf(n, operation.size)) run(plan, operation);
+    if (testing::Test::HasFailure()) return;
+  }
+}
+
 // Saves the new profile under a fault; the restart is the caller's.
-void SaveUnder(Machine* machine, const std::function<void(VirtualDisk&)>& plan) {
+void SaveUnder(Machine* machine, const Plan& plan) {
   ProfileFile profile;
   Fill(&profile, kNewSeed);
   plan(machine->Disk());
@@ -150,23 +187,13 @@ TEST(PowerCut, AtEachOperationOfASaveTheOldOrTheNewProfileIsFound) {
   for (const Setting& setting : kSettings) {
     const std::vector<DiskOperation> operations = OperationsOfASave(setting);
     ASSERT_GE(operations.size(), 8u) << setting.name;
-    for (std::uint64_t n = 1; n <= operations.size(); ++n) {
-      SCOPED_TRACE(testing::Message()
-                   << setting.name << ", at operation " << n << ", " << operations[n - 1].name);
-      const auto stop = [&](const std::function<void(VirtualDisk&)>& plan) {
-        Machine machine(setting);
-        SaveUnder(&machine, plan);
-        EXPECT_TRUE(machine.Disk().IsStopped());
-        machine.Disk().Restart();
-        machine.ExpectOldOrNew();
-      };
-      stop([n](VirtualDisk& disk) { disk.StopBefore(n); });
-      stop([n](VirtualDisk& disk) { disk.StopAfter(n); });
-      for (const std::uint32_t at : PlacesWithin(operations[n - 1].size)) {
-        stop([n, at](VirtualDisk& disk) { disk.StopInside(n, at); });
-      }
-      if (testing::Test::HasFailure()) return;
-    }
+    AtEach(operations, setting.name, Stops, [&](const Plan& plan, const DiskOperation&) {
+      Machine machine(setting);
+      SaveUnder(&machine, plan);
+      EXPECT_TRUE(machine.Disk().IsStopped());
+      machine.Disk().Restart();
+      machine.ExpectOldOrNew();
+    });
   }
 }
 
@@ -201,44 +228,34 @@ bool IsToldWhenItFails(const DiskOperation& operation, const Setting& setting,
 
 TEST(FailedOperation, OfASaveIsToldAndLeavesTheOldOrTheNewProfile) {
   for (const Setting& setting : kSettings) {
-    const std::vector<DiskOperation> operations = OperationsOfASave(setting);
-    for (std::uint64_t n = 1; n <= operations.size(); ++n) {
-      const DiskOperation& operation = operations[n - 1];
-      SCOPED_TRACE(testing::Message() << setting.name << ", operation " << n << ", "
-                                      << operation.name << " " << operation.path);
-      const auto fail = [&](const std::function<void(VirtualDisk&)>& plan) {
-        Machine machine(setting);
-        ProfileFile profile;
-        Fill(&profile, kNewSeed);
-        plan(machine.Disk());
-        const bool saved = profile.Save();
-        // A folder that isn't there yet may as well be looked at in vain.
-        const bool isLookAtFolder = operation.name == "GetFileAttributesA" && !setting.hasOld;
-        if (!isLookAtFolder) {
-          EXPECT_EQ(saved, !IsToldWhenItFails(operation, setting, machine.Path()));
-        }
-        EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
-
-        ProfileFile twin;
-        Fill(&twin, kNewSeed);
-        ExpectSameProfile(profile, twin);
-
-        machine.Disk().Restart();
-        const std::string found = machine.WhatIsFound();
-        if (saved) {
-          EXPECT_EQ(found, "new");
-        } else {
-          EXPECT_TRUE(found == "new" || found == (setting.hasOld ? "old" : "nothing")) << found;
-        }
-        machine.Disk().Restart();
-        EXPECT_TRUE(profile.Save()) << "the next one works";
-      };
-      fail([n](VirtualDisk& disk) { disk.FailOperation(n); });
-      for (const std::uint32_t at : PlacesWithin(operation.size)) {
-        fail([n, at](VirtualDisk& disk) { disk.FailInside(n, at); });
+    const auto fail = [&](const Plan& plan, const DiskOperation& operation) {
+      Machine machine(setting);
+      ProfileFile profile;
+      Fill(&profile, kNewSeed);
+      plan(machine.Disk());
+      const bool saved = profile.Save();
+      // A folder that isn't there yet may as well be looked at in vain.
+      const bool isLookAtFolder = operation.name == "GetFileAttributesA" && !setting.hasOld;
+      if (!isLookAtFolder) {
+        EXPECT_EQ(saved, !IsToldWhenItFails(operation, setting, machine.Path()));
       }
-      if (testing::Test::HasFailure()) return;
-    }
+      EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
+
+      ProfileFile twin;
+      Fill(&twin, kNewSeed);
+      ExpectSameProfile(profile, twin);
+
+      machine.Disk().Restart();
+      const std::string found = machine.WhatIsFound();
+      if (saved) {
+        EXPECT_EQ(found, "new");
+      } else {
+        EXPECT_TRUE(found == "new" || found == (setting.hasOld ? "old" : "nothing")) << found;
+      }
+      machine.Disk().Restart();
+      EXPECT_TRUE(profile.Save()) << "the next one works";
+    };
+    AtEach(OperationsOfASave(setting), setting.name, Failures, fail);
   }
 }
 
@@ -249,7 +266,7 @@ TEST(PowerCut, AtEachOperationOfASaveOverACutFileItsBytesAreStillThere) {
     const Setting setting = {"cut", '/', true, false, false, copyStep};
     const std::string cut = OldBytes().substr(0, OldBytes().size() / 2);
     std::vector<DiskOperation> operations;
-    const auto save = [&](const std::function<void(VirtualDisk&)>& plan) {
+    const auto save = [&](const Plan& plan, const DiskOperation&) {
       Machine machine(setting);
       machine.Disk().PutFile(machine.Path(), cut);
       ProfileFile profile;
@@ -265,20 +282,10 @@ TEST(PowerCut, AtEachOperationOfASaveOverACutFileItsBytesAreStillThere) {
       }
       EXPECT_TRUE(isThere);
     };
-    save([](VirtualDisk&) {});
+    save([](VirtualDisk&) {}, {});
     const std::vector<DiskOperation> whole = operations;
     ASSERT_GE(whole.size(), 10u);
-    for (std::uint64_t n = 1; n <= whole.size(); ++n) {
-      SCOPED_TRACE(testing::Message()
-                   << copyStep << ", operation " << n << " " << whole[n - 1].name);
-      save([n](VirtualDisk& disk) { disk.StopBefore(n); });
-      save([n](VirtualDisk& disk) { disk.FailOperation(n); });
-      for (const std::uint32_t at : PlacesWithin(whole[n - 1].size)) {
-        save([n, at](VirtualDisk& disk) { disk.StopInside(n, at); });
-        save([n, at](VirtualDisk& disk) { disk.FailInside(n, at); });
-      }
-      if (testing::Test::HasFailure()) return;
-    }
+    AtEach(whole, "steps of " + std::to_string(copyStep), StopsAndFailures, save);
   }
 }
 
@@ -301,30 +308,19 @@ TEST(PowerCut, AtEachOperationOfARestoreTheProfileIsStillFound) {
       ASSERT_TRUE(profile.Load(Bytes(machine.Path()))) << kept;
       operations = machine.Disk().Log();
     }
-    for (std::uint64_t n = 1; n <= operations.size(); ++n) {
-      SCOPED_TRACE(testing::Message()
-                   << kept << " bytes left, at operation " << n << ", " << operations[n - 1].name);
-      const auto disturb = [&](const std::function<void(VirtualDisk&)>& plan) {
-        Machine machine(setting);
-        breakTarget(&machine, kept);
-        plan(machine.Disk());
-        {
-          ProfileFile profile;
-          profile.Load(Bytes(machine.Path()));
-        }
-        EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
-        machine.Disk().Restart();
-        EXPECT_EQ(machine.WhatIsFound(), "new");
-      };
-      disturb([n](VirtualDisk& disk) { disk.StopBefore(n); });
-      disturb([n](VirtualDisk& disk) { disk.StopAfter(n); });
-      disturb([n](VirtualDisk& disk) { disk.FailOperation(n); });
-      for (const std::uint32_t at : PlacesWithin(operations[n - 1].size)) {
-        disturb([n, at](VirtualDisk& disk) { disk.StopInside(n, at); });
-        disturb([n, at](VirtualDisk& disk) { disk.FailInside(n, at); });
+    const auto disturb = [&](const Plan& plan, const DiskOperation&) {
+      Machine machine(setting);
+      breakTarget(&machine, kept);
+      plan(machine.Disk());
+      {
+        ProfileFile profile;
+        profile.Load(Bytes(machine.Path()));
       }
-      if (testing::Test::HasFailure()) return;
-    }
+      EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
+      machine.Disk().Restart();
+      EXPECT_EQ(machine.WhatIsFound(), "new");
+    };
+    AtEach(operations, std::to_string(kept) + " bytes left", StopsAndFailures, disturb);
   }
 }
 

@@ -55,7 +55,7 @@ class ProfileTest : public testing::Test {
     return profile->Load("/data/p.idprof");
   }
   // A profile of name "P" and counter 9 with these children of list 4.
-  bool LoadControls(ProfileFile* profile, std::initializer_list<std::string> children) {
+  bool LoadControls(ProfileFile* profile, const Chunks& children) {
     return LoadBytes(
         profile, ProfileBytes({TypeList(), RevisionList(), NameList("P", 9), List(4, children)}));
   }

@@ -7,6 +7,7 @@
 
 #include "keys/key_action.h"
 #include "tests/storage/profile_bytes.h"
+#include "tests/storage/random_profile.h"
 
 namespace kelvaro {
 namespace {
@@ -33,13 +34,10 @@ std::string StepText(const KeyAction& action) {
 }
 
 // A Control with what the format asks for, and further lists.
-std::string ControlList(std::uint32_t id, std::initializer_list<std::string> lists) {
-  const std::string head =
-      Field("does it") + Field(Big(id, 4)) + Field(std::string(1, '\0')) + TriggerList(1);
-  const std::string content = head + Join(lists);
-  return ListHead(static_cast<std::uint32_t>(content.size()), 5,
-                  4 + static_cast<std::uint32_t>(lists.size())) +
-         content;
+std::string ControlList(std::uint32_t id, const Chunks& lists) {
+  const Chunks head = {Field("does it"), Field(Big(id, 4)), Field(std::string(1, '\0')),
+                       TriggerList(1)};
+  return List(5, Join(head, lists));
 }
 
 std::string ActionList(const std::string& oldTimings, const std::string& keys,
@@ -195,63 +193,18 @@ TEST_F(ProfileFileTest, WritesEveryListByteForByte) {
 }
 
 TEST_F(ProfileFileTest, ReadsEveryListMemberByMember) {
+  ProfileFile expected;
+  FillEverything(&expected);
+  // Where the input lies in a state isn't stored.
+  expected.mouseX = MouseInput(input_kind::kAxisX, 2);
+  expected.mouseY = MouseInput(input_kind::kPovVertical, 3);
+  expected.mouseWheel = MouseInput(input_kind::kSliderB, 1);
+  expected.RebuildDispatchList();
   ProfileFile profile;
   ASSERT_TRUE(LoadBytes(&profile, FromHex(kEverything)));
-  EXPECT_EQ(Str(profile.profileName), "Every list");
-  EXPECT_EQ(profile.nextControlId, 0x01020304u);
-  EXPECT_EQ(Str(profile.deviceName), "Pad \xE9");
-  EXPECT_EQ(profile.pollInterval, 0x11121314u);
-  EXPECT_EQ(profile.deviceGuid.Data1, 0x21222324u);
-  EXPECT_EQ(profile.deviceGuid.Data2, 0x3132);
-  EXPECT_EQ(profile.deviceGuid.Data3, 0x4142);
-  for (int i = 0; i < 8; ++i) EXPECT_EQ(profile.deviceGuid.Data4[i], 0x51 + i);
-  EXPECT_EQ(profile.acceleration, 0x61626364);
-  EXPECT_EQ(profile.movementSensitivity, 33);
-  EXPECT_EQ(profile.movementDamper, -2);
-  EXPECT_EQ(profile.leftButton, 0x0102);
-  EXPECT_EQ(profile.middleButton, 0x0304);
-  EXPECT_EQ(profile.rightButton, 0x0506);
-  EXPECT_EQ(profile.leftMask, 0x0102030405060708u);
-  EXPECT_EQ(profile.middleMask, 0x1112131415161718u);
-  EXPECT_EQ(profile.rightMask, 0x2122232425262728u);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseX).kind, input_kind::kAxisX);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseX).index, 2);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseY).kind, input_kind::kPovVertical);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseY).index, 3);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseWheel).kind, input_kind::kSliderB);
-  EXPECT_EQ(static_cast<TriggerItem>(profile.mouseWheel).index, 1);
-  EXPECT_TRUE(profile.mouseAlwaysActive);
-  EXPECT_EQ(profile.wheelSensitivity, 44);
-  EXPECT_EQ(profile.wheelDamper, 55);
-
-  ASSERT_EQ(profile.controls.count, 1);
+  ExpectSameProfile(profile, expected);
   const Control& control = ControlOf(profile);
-  EXPECT_EQ(control.actionsBorrowed, 0);
-  EXPECT_EQ(Str(control.description), "jump");
-  EXPECT_EQ(control.controlId, 0x0A0B0C0Du);
-  EXPECT_EQ(control.toggleMouseControls, 1);
-  EXPECT_EQ(control.activateOnPress, 0);
-  EXPECT_EQ(control.buttonMask, 0x8000000000000005u);
-  EXPECT_EQ(control.buttonCount, 3u);
-  EXPECT_EQ(control.triggerOption, 0);
-  ASSERT_EQ(control.triggerItems.count, 2);
-  EXPECT_EQ(control.triggerItems.At(0)->value->kind, 1);
-  EXPECT_EQ(control.triggerItems.At(0)->value->index, 2);
-  EXPECT_EQ(control.triggerItems.At(0)->value->value, 3);
-  EXPECT_EQ(control.triggerItems.At(1)->value->kind, 0x0405);
-  EXPECT_EQ(control.triggerItems.At(1)->value->index, 0x0607);
-  EXPECT_EQ(control.triggerItems.At(1)->value->value, 0x0809);
-  EXPECT_EQ(control.repeatEnabled, 1);
-  EXPECT_EQ(control.repeatDelay, 0x21222324u);
-  EXPECT_EQ(control.repeatSpeed, 0x31323334u);
-  EXPECT_EQ(control.keyHoldTime, 0x41424344u);
-  EXPECT_EQ(control.keyReleasePause, 0x51525354u);
-  ASSERT_EQ(control.actions.count, 2);
   EXPECT_EQ(ActionOf(control).actionType, 1u);
-  EXPECT_EQ(ActionOf(control).actionFlags, 0x80000001u);
-  EXPECT_EQ(StepText(ActionOf(control)), "41/1E/01 42/30/80");
-  EXPECT_EQ(StepText(ActionOf(control, 1)), "");
-  EXPECT_EQ(ActionOf(control, 1).actionFlags, 0u);
   // Run-time members are never stored.
   EXPECT_EQ(control.triggerArmed, 0);
   EXPECT_EQ(control.triggerSpoiled, 0);
@@ -339,92 +292,48 @@ TEST_F(ProfileFileTest, AnEmptyDescriptionComesBackEmpty) {
 
 // ---- Timings
 
-std::string OldControl(std::initializer_list<std::string> lists) {
-  const std::string content = Field("old") + Field(Big(1, 4)) + Field("\x01") + Join(lists);
-  return ListHead(static_cast<std::uint32_t>(content.size()), 5,
-                  3 + static_cast<std::uint32_t>(lists.size())) +
-         content;
+std::string OldControl(const Chunks& lists) {
+  return List(5, Join({Field("old"), Field(Big(1, 4)), Field("\x01")}, lists));
 }
 
-TEST_F(ProfileFileTest, WithoutAListOfTimingsThoseOfTheActionCount) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({ActionList(OldTimings(1, 700, 40, 9), "", "")})}));
-  const Control& control = ControlOf(profile);
-  EXPECT_EQ(control.repeatEnabled, 1);
-  EXPECT_EQ(control.repeatDelay, 700u);
-  EXPECT_EQ(control.repeatSpeed, 40u);
-  EXPECT_EQ(control.keyHoldTime, 9u);
-  EXPECT_EQ(control.keyReleasePause, 0u);
-}
-
-TEST_F(ProfileFileTest, TheHoldTimeOfAnActionCountsWithRepeatOnly) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({ActionList(OldTimings(0, 700, 40, 9), "", "")})}));
-  const Control& control = ControlOf(profile);
-  EXPECT_EQ(control.repeatEnabled, 0);
-  EXPECT_EQ(control.repeatDelay, 700u);
-  EXPECT_EQ(control.repeatSpeed, 40u);
-  EXPECT_EQ(control.keyHoldTime, 0u);
-}
-
-TEST_F(ProfileFileTest, OfTwoActionsTheLastOnesTimingsCount) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({ActionList(OldTimings(1, 700, 40, 9), "", ""),
-                                          ActionList(OldTimings(0, 800, 30, 8), "", "")}),
-                              OldControl({ActionList(OldTimings(0, 700, 40, 9), "", ""),
-                                          ActionList(OldTimings(1, 900, 20, 7), "", "")})}));
-  EXPECT_EQ(ControlOf(profile).repeatEnabled, 0);
-  EXPECT_EQ(ControlOf(profile).repeatDelay, 800u);
-  EXPECT_EQ(ControlOf(profile).repeatSpeed, 30u);
-  EXPECT_EQ(ControlOf(profile).keyHoldTime, 0u);
-  EXPECT_EQ(ControlOf(profile, 1).repeatEnabled, 1);
-  EXPECT_EQ(ControlOf(profile, 1).keyHoldTime, 7u);
-}
-
-TEST_F(ProfileFileTest, WithNeitherAListOfTimingsNorActionsTheDefaultsStand) {
-  ProfileFile profile;
-  ASSERT_TRUE(LoadControls(&profile, {OldControl({})}));
-  EXPECT_EQ(ControlOf(profile).repeatEnabled, 0);
-  EXPECT_EQ(ControlOf(profile).repeatDelay, 500u);
-  EXPECT_EQ(ControlOf(profile).repeatSpeed, 50u);
-  EXPECT_EQ(ControlOf(profile).keyHoldTime, 0u);
-  EXPECT_EQ(ControlOf(profile).keyReleasePause, 0u);
-}
-
-TEST_F(ProfileFileTest, WithAListOfTimingsThoseOfTheActionsAreIgnored) {
-  const std::string timings = List(14, {Field(Timings(0, 1, 2, 3, 4))});
-  const std::string action = ActionList(OldTimings(1, 700, 40, 9), "", "");
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({action, timings}), OldControl({timings, action})}));
-  for (const std::int32_t i : {0, 1}) {
-    EXPECT_EQ(ControlOf(profile, i).repeatEnabled, 0);
-    EXPECT_EQ(ControlOf(profile, i).repeatDelay, 1u);
-    EXPECT_EQ(ControlOf(profile, i).repeatSpeed, 2u);
-    EXPECT_EQ(ControlOf(profile, i).keyHoldTime, 3u);
-    EXPECT_EQ(ControlOf(profile, i).keyReleasePause, 4u);
+// "repeat delay speed hold pause".
+std::string TimingsOf(const Control& control) {
+  std::string text = std::to_string(control.repeatEnabled);
+  for (const std::uint32_t ms :
+       {control.repeatDelay, control.repeatSpeed, control.keyHoldTime, control.keyReleasePause}) {
+    text += " " + std::to_string(ms);
   }
+  return text;
 }
 
-TEST_F(ProfileFileTest, OldTimingsCutShortReadAsSmallerNumbers) {
-  ProfileFile profile;
-  // The flag, and 2 of the delay's 4 bytes.
-  ASSERT_TRUE(LoadControls(
-      &profile, {OldControl({ActionList(OldTimings(1, 0x01020304, 40, 9).substr(0, 3), "", "")})}));
-  EXPECT_EQ(ControlOf(profile).repeatEnabled, 1);
-  EXPECT_EQ(ControlOf(profile).repeatDelay, 0x0102u);
-  EXPECT_EQ(ControlOf(profile).repeatSpeed, 0u);
-  EXPECT_EQ(ControlOf(profile).keyHoldTime, 0u);
-}
-
-TEST_F(ProfileFileTest, AListOfTimingsLongerThanItNeedsToBeIsRead) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({List(14, {Field(Timings(1, 1, 2, 3, 4) + "more")})})}));
-  EXPECT_EQ(ControlOf(profile).keyReleasePause, 4u);
+TEST_F(ProfileFileTest, TimingsAreThoseOfTheirListOrElseOfTheLastAction) {
+  const auto action = [](const std::string& timings) { return ActionList(timings, "", ""); };
+  const std::string repeating = OldTimings(1, 700, 40, 9);
+  const std::string still = OldTimings(0, 800, 30, 8);
+  const std::string own = List(14, {Field(Timings(0, 1, 2, 3, 4))});
+  const struct {
+    const char* why;
+    std::string control;
+    const char* timings;
+  } kRows[] = {
+      {"of the action", OldControl({action(repeating)}), "1 700 40 9 0"},
+      {"its hold time with repeat only", OldControl({action(still)}), "0 800 30 0 0"},
+      {"of the last of two", OldControl({action(repeating), action(still)}), "0 800 30 0 0"},
+      {"of the last, which repeats", OldControl({action(still), action(repeating)}),
+       "1 700 40 9 0"},
+      {"neither list nor actions", OldControl({}), "0 500 50 0 0"},
+      {"a list behind the action", OldControl({action(repeating), own}), "0 1 2 3 4"},
+      {"a list before it", OldControl({own, action(repeating)}), "0 1 2 3 4"},
+      {"the flag and 2 of the delay's bytes",
+       OldControl({action(OldTimings(1, 0x01020304, 40, 9).substr(0, 3))}), "1 258 0 0 0"},
+      {"a list longer than it needs to be",
+       OldControl({List(14, {Field(Timings(1, 1, 2, 3, 4) + "more")})}), "1 1 2 3 4"},
+  };
+  for (const auto& row : kRows) {
+    ProfileFile profile;
+    ASSERT_TRUE(LoadControls(&profile, {row.control})) << row.why;
+    EXPECT_EQ(TimingsOf(ControlOf(profile)), row.timings) << row.why;
+  }
 }
 
 // ---- Triggers
@@ -487,29 +396,24 @@ TEST_F(ProfileFileTest, ATriggerWithoutItsFieldIsAFailure) {
 
 // ---- Actions
 
-TEST_F(ProfileFileTest, ScanCodesFewerThanStepsLeaveTheLastStepsAt0) {
-  ProfileFile profile;
-  ASSERT_TRUE(LoadControls(
-      &profile,
-      {OldControl({ActionList(OldTimings(0, 0, 0, 0), FromHex("4100 4201 4302"), "\x1E")})}));
-  EXPECT_EQ(StepText(ActionOf(ControlOf(profile))), "41/1E/00 42/00/01 43/00/02");
-}
-
-TEST_F(ProfileFileTest, ScanCodesMoreThanStepsAreLeftOver) {
-  ProfileFile profile;
-  ASSERT_TRUE(LoadControls(
-      &profile,
-      {OldControl({ActionList(OldTimings(0, 0, 0, 0), FromHex("4100"), "\x1E\x30\x2E")})}));
-  EXPECT_EQ(StepText(ActionOf(ControlOf(profile))), "41/1E/00");
-}
-
-TEST_F(ProfileFileTest, AnOddLastByteOfTheStepsIsIgnored) {
-  ProfileFile profile;
-  ASSERT_TRUE(LoadControls(
-      &profile, {OldControl({ActionList(OldTimings(0, 0, 0, 0), FromHex("4100 42"), "\x1E\x30")}),
-                 OldControl({ActionList(OldTimings(0, 0, 0, 0), "A", "\x1E")})}));
-  EXPECT_EQ(StepText(ActionOf(ControlOf(profile))), "41/1E/00");
-  EXPECT_EQ(StepText(ActionOf(ControlOf(profile, 1))), "");
+TEST_F(ProfileFileTest, EachStepHasItsScanCodeAsFarAsThereAreAny) {
+  const struct {
+    const char* why;
+    std::string keys;
+    const char* scans;
+    const char* steps;
+  } kRows[] = {
+      {"fewer than steps", FromHex("4100 4201 4302"), "\x1E", "41/1E/00 42/00/01 43/00/02"},
+      {"more than steps", FromHex("4100"), "\x1E\x30\x2E", "41/1E/00"},
+      {"an odd last byte of the steps", FromHex("4100 42"), "\x1E\x30", "41/1E/00"},
+      {"an odd only byte", "A", "\x1E", ""},
+  };
+  for (const auto& row : kRows) {
+    ProfileFile profile;
+    const std::string action = ActionList(OldTimings(0, 0, 0, 0), row.keys, row.scans);
+    ASSERT_TRUE(LoadControls(&profile, {OldControl({action})})) << row.why;
+    EXPECT_EQ(StepText(ActionOf(ControlOf(profile))), row.steps) << row.why;
+  }
 }
 
 TEST_F(ProfileFileTest, WithoutScanCodesTheKeysAreParsedAnewAndTheFlagsLost) {
@@ -780,16 +684,12 @@ TEST_F(ProfileFileTest, EachOptionalListMayBeMissing) {
       List(4, {ControlList(1, {kTimings})}),
   };
   for (int missing = 0; missing < 4; ++missing) {
-    std::string rest;
+    Chunks rest = {TypeList(), NameList("A", 7)};
     for (int i = 0; i < 4; ++i) {
-      if (i != missing) rest += lists[i];
+      if (i != missing) rest.push_back(lists[i]);
     }
-    const std::string content = TypeList() + NameList("A", 7) + rest;
     ProfileFile profile;
-    EXPECT_TRUE(LoadBytes(
-        &profile,
-        "XBF" + Big(1, 2) + ListHead(static_cast<std::uint32_t>(content.size()), 0, 5) + content))
-        << missing;
+    EXPECT_TRUE(LoadBytes(&profile, ProfileBytes(rest))) << missing;
     EXPECT_EQ(profile.nextControlId, 7u);
     EXPECT_EQ(profile.pollInterval, missing == 1 ? 5u : 20u);
     EXPECT_EQ(profile.movementSensitivity, missing == 2 ? 15 : 0x01010101);
@@ -811,9 +711,7 @@ TEST_F(ProfileFileTest, ShortTimingsKeepTheirControlAndEndTheReading) {
   EXPECT_EQ(ControlOf(profile, 1).buttonMask, 1u) << "what stood before was read";
   EXPECT_EQ(ControlOf(profile, 1).actions.count, 0);
   // Nothing of the short field is taken, nor what actions would say in its place.
-  EXPECT_EQ(ControlOf(profile, 1).repeatEnabled, 0);
-  EXPECT_EQ(ControlOf(profile, 1).repeatDelay, 500u);
-  EXPECT_EQ(ControlOf(profile, 1).repeatSpeed, 50u);
+  EXPECT_EQ(TimingsOf(ControlOf(profile, 1)), "0 500 50 0 0");
 }
 
 TEST_F(ProfileFileTest, ShortTimingsDontBringTheActionsOnesBack) {
@@ -823,10 +721,7 @@ TEST_F(ProfileFileTest, ShortTimingsDontBringTheActionsOnesBack) {
       &profile, {ControlList(1, {ActionList(OldTimings(1, 700, 40, 9), "", ""), tooShort})}));
   ASSERT_EQ(profile.controls.count, 1);
   EXPECT_EQ(ControlOf(profile).actions.count, 1);
-  EXPECT_EQ(ControlOf(profile).repeatEnabled, 0);
-  EXPECT_EQ(ControlOf(profile).repeatDelay, 500u);
-  EXPECT_EQ(ControlOf(profile).repeatSpeed, 50u);
-  EXPECT_EQ(ControlOf(profile).keyHoldTime, 0u);
+  EXPECT_EQ(TimingsOf(ControlOf(profile)), "0 500 50 0 0");
 }
 
 TEST_F(ProfileFileTest, ATriggerItemThatCantBeReadIsPassedOver) {

@@ -94,16 +94,6 @@ TEST_F(ProfileLibraryTest, ASaveGoesBelowTheProgramOnADiskWithDrivesToo) {
   EXPECT_EQ(Files(), Strings{});
 }
 
-TEST_F(ProfileLibraryTest, NoNameLeadsOutOfTheFolder) {
-  for (const char* name : {"../out", "/etc/out", "a/../../out", "..", "C:\\out", "\\\\host\\out"}) {
-    profile.profileName = name;
-    EXPECT_TRUE(profile.Save()) << name;
-  }
-  EXPECT_EQ(Disk().List("/"), (Strings{"game", "home"}));
-  EXPECT_EQ(Disk().List("/game"), (Strings{"kelvaro", "Profiles"}));
-  EXPECT_EQ(Disk().List(kFolder).size(), 6u);
-}
-
 TEST_F(ProfileLibraryTest, AFileIsListedAndFoundByTheNameStoredInIt) {
   Put("x.idprof", "y");
   EXPECT_EQ(Names(), Strings{"y"});

@@ -37,10 +37,7 @@ TEST_F(RoundTripTest, AThousandRandomProfilesComeBackEqualAndAreSavedToTheSameBy
 
 TEST_F(RoundTripTest, AProfileLargerThanTheReadersWindowComesBackEqual) {
   ProfileFile profile;
-  RandomProfile random(4711);
-  profile.profileName = "Large";
-  for (int i = 0; i < 3000; ++i) random.AddControl(&profile);
-  profile.RebuildDispatchList();
+  RandomProfile(4711).Fill(&profile, "Large", 3000);
   ASSERT_TRUE(profile.Save());
   EXPECT_GT(Disk().FileBytes(PathOf("Large.idprof"))->size(), 4u * BinaryFile::kWindowSize);
   ProfileFile again;

@@ -45,8 +45,14 @@ class TaggedFileTest : public testing::Test {
   VirtualDisk& Disk() { return sim.Disk(); }
   std::string On(const char* path) { return ToHexText(Disk().FileBytes(path).value_or("")); }
   void Put(const std::string& bytes) { Disk().PutFile(kPath, bytes); }
+  void Open(const std::string& bytes) {
+    Put(bytes);
+    ASSERT_TRUE(file.OpenForRead(kPath));
+  }
+  void Begin() { ASSERT_TRUE(file.OpenForWrite(kPath)); }
 
   Simulation sim;
+  ShownFile file;
 };
 
 const std::string kTwoLists = FromHex(
@@ -107,8 +113,7 @@ TEST_F(TaggedFileTest, AMagicOfAnotherLengthMovesTheRoot) {
 }
 
 TEST_F(TaggedFileTest, AListWithoutChildrenIs14BytesOfSizeAndCount0) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.Descend(0x01020304));
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(On(kPath), ToHexText(FromHex("584646 0001"
@@ -117,8 +122,7 @@ TEST_F(TaggedFileTest, AListWithoutChildrenIs14BytesOfSizeAndCount0) {
 }
 
 TEST_F(TaggedFileTest, FieldsHaveTheTypeThatTheyAreWrittenWith) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteField(5, Bytes(Big(7, 4))));
   EXPECT_TRUE(file.WriteField(0x1234, ""));
   EXPECT_TRUE(file.Close());
@@ -129,8 +133,7 @@ TEST_F(TaggedFileTest, FieldsHaveTheTypeThatTheyAreWrittenWith) {
 }
 
 TEST_F(TaggedFileTest, AListsSizeIsThatOfItsChildrenAndNotOfItsHeader) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.Descend(4));
   EXPECT_TRUE(file.Descend(5));
   EXPECT_TRUE(file.WriteBytes("abc"));
@@ -150,27 +153,21 @@ TEST_F(TaggedFileTest, AListsSizeIsThatOfItsChildrenAndNotOfItsHeader) {
 // ---- Reading
 
 TEST_F(TaggedFileTest, AListOfCountAndSize0CanBeEnteredAndHoldsNothing) {
-  Put(Container({List(9, {})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(9, {})}));
   ASSERT_TRUE(file.Descend(9));
   EXPECT_EQ(file.Read(0), "<failed: untouched>");
   EXPECT_FALSE(file.DescendAt(0));
 }
 
 TEST_F(TaggedFileTest, AnEmptyFieldReadsAsAnEmptyString) {
-  Put(Container({Field("")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({Field("")}));
   ByteString data = "before";
   EXPECT_TRUE(file.ReadField(0, &data));
   EXPECT_TRUE(data.IsEmpty());
 }
 
 TEST_F(TaggedFileTest, AnIndexEqualToTheCountIsNoFieldButClampsToTheLastList) {
-  Put(Container({Field("a"), List(9, {Field("in it")})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({Field("a"), List(9, {Field("in it")})}));
   EXPECT_EQ(file.Read(2), "<failed: untouched>");
   EXPECT_FALSE(file.IsList(2));
   ASSERT_TRUE(file.DescendAt(2));
@@ -179,9 +176,7 @@ TEST_F(TaggedFileTest, AnIndexEqualToTheCountIsNoFieldButClampsToTheLastList) {
 }
 
 TEST_F(TaggedFileTest, DescendAtClampsToALastFieldAndFailsThere) {
-  Put(Container({List(9, {}), Field("a")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(9, {}), Field("a")}));
   EXPECT_FALSE(file.DescendAt(2));
   EXPECT_FALSE(file.DescendAt(1));
   EXPECT_EQ(file.ListId(), 0u);
@@ -192,17 +187,13 @@ TEST_F(TaggedFileTest, DescendAtClampsToALastFieldAndFailsThere) {
 TEST_F(TaggedFileTest, AnyVersionIsTaken) {
   std::string bytes = Container({Field("a")});
   bytes[4] = 2;
-  Put(bytes);
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(bytes);
   EXPECT_EQ(file.version, 2);
   EXPECT_EQ(file.Read(0), "a");
 }
 
 TEST_F(TaggedFileTest, OfTwoListsWithOneIdDescendFindsTheFirst) {
-  Put(Container({List(3, {Field("first")}), List(3, {Field("second")})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(3, {Field("first")}), List(3, {Field("second")})}));
   ASSERT_TRUE(file.Descend(3));
   EXPECT_EQ(file.Read(0), "first");
   EXPECT_TRUE(file.Ascend());
@@ -214,9 +205,7 @@ TEST_F(TaggedFileTest, OfTwoListsWithOneIdDescendFindsTheFirst) {
 }
 
 TEST_F(TaggedFileTest, AChunkOfAnUnknownTypeIsSkippedByDescendAndReadByIndex) {
-  Put(Container({List(1, {}), Chunk(3, "what"), List(2, {Field("x")})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(1, {}), Chunk(3, "what"), List(2, {Field("x")})}));
   EXPECT_EQ(file.Read(1), "what");
   EXPECT_FALSE(file.DescendAt(1));
   EXPECT_TRUE(file.Descend(2));
@@ -224,9 +213,7 @@ TEST_F(TaggedFileTest, AChunkOfAnUnknownTypeIsSkippedByDescendAndReadByIndex) {
 }
 
 TEST_F(TaggedFileTest, AListReadAsAFieldStartsAtItsId) {
-  Put(Container({List(0x41424344, {Field("xyz")})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(0x41424344, {Field("xyz")})}));
   // 9 bytes, the size of its children: the id, the count and the first of the child.
   EXPECT_EQ(file.Read(0), FromHex("41424344 00000001 00"));
 }
@@ -257,9 +244,7 @@ TEST_F(TaggedFileTest, NumbersNeedTheirTypeAndAtLeastOneByte) {
 }
 
 TEST_F(TaggedFileTest, ANumberBeyondTheCountFailsEvenWhenTheLastChildIsOne) {
-  Put(Container({NumberField(7)}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({NumberField(7)}));
   std::uint32_t value = 0;
   EXPECT_FALSE(file.ReadNumber(1, &value));
   EXPECT_FALSE(file.ReadNumber(-1, &value));
@@ -283,9 +268,7 @@ TEST_F(TaggedFileTest, NumbersAreReadThroughTheVirtualField) {
 }
 
 TEST_F(TaggedFileTest, DescendOfAMissingIdChangesNothing) {
-  Put(Container({List(1, {Field("x")})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(1, {Field("x")})}));
   ASSERT_TRUE(file.Descend(1));
   EXPECT_FALSE(file.Descend(1));
   EXPECT_FALSE(file.Descend(2));
@@ -294,9 +277,7 @@ TEST_F(TaggedFileTest, DescendOfAMissingIdChangesNothing) {
 }
 
 TEST_F(TaggedFileTest, BytesBehindTheRootAreNotLookedAt) {
-  Put(Container({List(1, {Field("x")})}) + "and more");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(1, {Field("x")})}) + "and more");
   EXPECT_EQ(file.ChildCount(), 1u);
   ASSERT_TRUE(file.Descend(1));
   EXPECT_EQ(file.Read(0), "x");
@@ -304,9 +285,7 @@ TEST_F(TaggedFileTest, BytesBehindTheRootAreNotLookedAt) {
 }
 
 TEST_F(TaggedFileTest, TheRootsIdIsNotChecked) {
-  Put("XFF" + Big(1, 2) + List(77, {Field("x")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open("XFF" + Big(1, 2) + List(77, {Field("x")}));
   EXPECT_EQ(file.ListId(), 77u);
   EXPECT_EQ(file.Read(0), "x");
 }
@@ -338,9 +317,7 @@ TEST_F(TaggedFileTest, NothingOpenMeansNoChildrenNoIdAndNothingToRead) {
 }
 
 TEST_F(TaggedFileTest, AscendOfTheRootClosesTheFile) {
-  Put(Container({List(1, {})}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({List(1, {})}));
   ASSERT_TRUE(file.Descend(1));
   EXPECT_TRUE(file.Ascend());
   EXPECT_TRUE(file.isOpen);
@@ -352,9 +329,7 @@ TEST_F(TaggedFileTest, AscendOfTheRootClosesTheFile) {
 }
 
 TEST_F(TaggedFileTest, TheSameObjectReadsAndWritesOneFileAfterTheOther) {
-  Put(Container({Field("first")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({Field("first")}));
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(Str(file.path), kPath);
   ASSERT_TRUE(file.OpenForWrite("/data/b.x"));
@@ -385,8 +360,7 @@ TEST_F(TaggedFileTest, TheEndOfTheObjectClosesTheFile) {
 }
 
 TEST_F(TaggedFileTest, WhatIsBeingWrittenCantBeRead) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteField(5, Bytes(Big(7, 4))));
   EXPECT_TRUE(file.Descend(1));
   EXPECT_TRUE(file.Ascend());
@@ -400,9 +374,7 @@ TEST_F(TaggedFileTest, WhatIsBeingWrittenCantBeRead) {
 }
 
 TEST_F(TaggedFileTest, WhatIsBeingReadCantBeWritten) {
-  Put(Container({Field("x")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(Container({Field("x")}));
   EXPECT_FALSE(file.WriteBytes("y"));
   EXPECT_EQ(file.ChildCount(), 1u);
   EXPECT_TRUE(file.Close());
@@ -465,19 +437,16 @@ TEST_F(TaggedFileTest, AListWhoseHeadIsCutShortClosesTheReaderForGood) {
 }
 
 TEST_F(TaggedFileTest, AListThatEndsInFrontOfAHeadLeavesTheReaderOpen) {
-  Put("XFF" + Big(1, 2) + ListHead(7 + 14 + 7, 0, 2) + Field("x") + ListHead(7, 8, 2) + Field("y"));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open("XFF" + Big(1, 2) + ListHead(7 + 14 + 7, 0, 2) + Field("x") + ListHead(7, 8, 2) +
+       Field("y"));
   EXPECT_FALSE(file.Descend(8));
   EXPECT_EQ(file.ListId(), 0u);
   EXPECT_EQ(file.Read(0), "x");
 }
 
 TEST_F(TaggedFileTest, AListThatCantBeEnteredIsNotOneToBeLeft) {
-  Put("XFF" + Big(1, 2) + ListHead(14 + 7 + 14, 0, 1) + ListHead(7 + 14, 1, 2) + Field("x") +
-      ListHead(0, 8, 1));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open("XFF" + Big(1, 2) + ListHead(14 + 7 + 14, 0, 1) + ListHead(7 + 14, 1, 2) + Field("x") +
+       ListHead(0, 8, 1));
   ASSERT_TRUE(file.Descend(1));
   EXPECT_FALSE(file.Descend(8));
   EXPECT_FALSE(file.DescendAt(1));
@@ -503,9 +472,7 @@ TEST_F(TaggedFileTest, AnIdOrCountCutShortClosesTheReaderForGood) {
 }
 
 TEST_F(TaggedFileTest, AFieldThatRunsOutOfFileFailsWithWhatThereWas) {
-  Put("XFF" + Big(1, 2) + ListHead(7 + 11, 0, 2) + Field("x") + Big(2, 2) + Big(5, 4) + "abc");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open("XFF" + Big(1, 2) + ListHead(7 + 11, 0, 2) + Field("x") + Big(2, 2) + Big(5, 4) + "abc");
   EXPECT_EQ(file.Read(1), "<failed: abc>");
   EXPECT_EQ(file.Read(0), "x");
 }
@@ -514,8 +481,7 @@ TEST_F(TaggedFileTest, AFieldThatRunsOutOfFileFailsWithWhatThereWas) {
 
 TEST_F(TaggedFileTest, AFileIsWrittenBesideItsTargetAndPutInItsPlaceAtTheEnd) {
   Put("old");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   EXPECT_EQ(*Disk().FileBytes(kPath), "old");
   EXPECT_TRUE(Disk().Exists(kTemporary));
@@ -527,8 +493,7 @@ TEST_F(TaggedFileTest, AFileIsWrittenBesideItsTargetAndPutInItsPlaceAtTheEnd) {
 
 TEST_F(TaggedFileTest, AReadOnlyTargetIsWrittenAndStaysWritable) {
   Disk().PutFile(kPath, "old", FILE_ATTRIBUTE_READONLY);
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(*Disk().FileBytes(kPath), Container({Field("new")}));
@@ -545,8 +510,7 @@ TEST_F(TaggedFileTest, MissingFoldersAreMade) {
 
 TEST_F(TaggedFileTest, ATemporaryOfAnEarlierRunIsBegunAnew) {
   Disk().PutFile("/data/a.x.tmp", std::string(500, 'z'));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(*Disk().FileBytes(kPath), Container({}));
 }
@@ -597,8 +561,7 @@ TEST_F(TaggedFileTest, AFieldThatFailedDoesntHoldBackTheCopy) {
 
 TEST_F(TaggedFileTest, BytesThatTheDiskDoesntTakeHoldBackTheCopy) {
   Put("old");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   Disk().ClearLog();
   Disk().FailInside(2, 3);  // behind the seek back to the root's header
@@ -613,8 +576,7 @@ TEST_F(TaggedFileTest, BytesThatTheDiskDoesntTakeHoldBackTheCopy) {
 
 TEST_F(TaggedFileTest, AFailedCloseOfTheHandleHoldsBackTheCopy) {
   Put("old");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   Disk().ClearLog();
   Disk().FailOperation(3);
@@ -627,16 +589,14 @@ TEST_F(TaggedFileTest, AFailedCloseOfTheHandleHoldsBackTheCopy) {
 
 TEST_F(TaggedFileTest, AFailedCopyLeavesTheTemporary) {
   Disk().PutFolder(kPath);  // nothing can be copied over a folder
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   EXPECT_FALSE(file.Close());
   EXPECT_EQ(*Disk().FileBytes(kTemporary), Container({Field("new")}));
 }
 
 TEST_F(TaggedFileTest, ATemporaryThatCantBeRemovedIsNoFailure) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("new"));
   Disk().ClearLog();
   Disk().FailOperation(6);  // seek, write, close, attributes, copy, delete
@@ -648,8 +608,7 @@ TEST_F(TaggedFileTest, ATemporaryThatCantBeRemovedIsNoFailure) {
 
 TEST_F(TaggedFileTest, AFailureBelowTheRootIsToldByAscendAndTheFileStillCopied) {
   Put("old");
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.Descend(1));
   EXPECT_TRUE(file.WriteBytes("x"));
   file.current = nullptr;  // what a lost current list looks like
@@ -662,8 +621,7 @@ TEST_F(TaggedFileTest, AFailureBelowTheRootIsToldByAscendAndTheFileStillCopied) 
 }
 
 TEST_F(TaggedFileTest, WritingWhileAFileIsOpenFinishesThatOneFirst) {
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForWrite(kPath));
+  Begin();
   EXPECT_TRUE(file.WriteBytes("first"));
   ASSERT_TRUE(file.OpenForWrite("/data/b.x"));
   EXPECT_TRUE(file.WriteBytes("second"));
@@ -713,9 +671,7 @@ TEST_F(TaggedFileTest, ATargetCutShortBehindItsHeadsIsRestoredFromItsTemporary) 
 
 TEST_F(TaggedFileTest, ATargetCutShortWithoutATemporaryIsReadAsFarAsItGoes) {
   const std::string whole = Container({List(1, {Field("a")}), List(2, {Field("b")})});
-  Put(whole.substr(0, whole.size() - 1));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Open(whole.substr(0, whole.size() - 1));
   ASSERT_TRUE(file.Descend(1));
   EXPECT_EQ(file.Read(0), "a");
 }
@@ -873,12 +829,9 @@ TEST_F(TaggedFileTest, AReaderTakesNothingFromATemporaryThatIsBeingWritten) {
 
 TEST_F(TaggedFileTest, ALoopOverAllIndexesFollowsEachLinkOnce) {
   constexpr std::uint32_t kLists = 4000;
-  std::string children;
-  for (std::uint32_t i = 0; i < kLists; ++i) children += List(i, {Field(Big(i, 4))});
-  Put("XFF" + Big(1, 2) + ListHead(static_cast<std::uint32_t>(children.size()), 0, kLists) +
-      children);
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
+  Chunks children;
+  for (std::uint32_t i = 0; i < kLists; ++i) children.push_back(List(i, {Field(Big(i, 4))}));
+  Open(Container(children));
   const EntryCursor& cursor = file.current->cursor;
   for (std::uint32_t i = 0; i < kLists; ++i) {
     ASSERT_TRUE(file.IsList(i));
