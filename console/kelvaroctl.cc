@@ -6,6 +6,7 @@
 #include <set>
 
 #include "console/console_error.h"
+#include "console/profile_check.h"
 #include "foundation/version.h"
 
 namespace kelvaro::console {
@@ -143,6 +144,10 @@ void AddPack(CLI::App& app, Choice& choice) {
 }
 
 void AddCheck(CLI::App& app, Choice& choice) {
+  std::string kinds;
+  for (const FindingKind& kind : kFindingKinds) {
+    kinds += std::string(kinds.empty() ? "" : ", ") + kind.name;
+  }
   CLI::App* check =
       app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
   check->footer(
@@ -150,7 +155,8 @@ void AddCheck(CLI::App& app, Choice& choice) {
       "which Controls can never fire, and which keys may come out otherwise than written. Exit\n"
       "status 1 when one of the files doesn't load.\n"
       "With --json: file, loads, error, profileName, controls (how many were read), and findings,\n"
-      "each with its kind (damage, lacks, passedOver, neverFires, unsureKey), where and what.");
+      "each with its kind (" +
+      kinds + "), where and what.");
   check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
   check->add_flag("--json", choice.check.json, kJsonHelp);
   Choose(check, choice, choice.check, &CheckCommand);

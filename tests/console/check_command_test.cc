@@ -1,4 +1,5 @@
 #include "console/json_text.h"
+#include "console/profile_check.h"
 #include "console/profile_source.h"
 #include "tests/console/stored_profiles.h"
 #include "tests/storage/profile_bytes.h"
@@ -108,6 +109,13 @@ TEST(CheckCommand, LeavesTheFileAndItsTemporaryAsTheyAre) {
   EXPECT_EQ(Kelvaroctl({"check", damaged.path}).status, 1);
   EXPECT_EQ(FileBytes(damaged.path), SmallProfile("P").substr(0, 60));
   EXPECT_EQ(FileBytes(temporary.path), SmallProfile("P"));
+}
+
+TEST(CheckCommand, ItsHelpNamesEveryKindOfFinding) {
+  const std::string help = Kelvaroctl({"check", "--help"}).out;
+  for (const FindingKind& kind : kFindingKinds) {
+    EXPECT_NE(help.find(kind.name), std::string::npos) << kind.name;
+  }
 }
 
 TEST(CheckCommand, ReadsStandardInput) {
