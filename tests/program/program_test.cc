@@ -158,6 +158,17 @@ class DisplayTest : public ProgramTest {
     }));
   }
 
+  // Hides the window behind its icon, which it gives.
+  XWindow Hide() {
+    EXPECT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
+    const XWindow window = Window();
+    desktop.Minimise(window.id);
+    EXPECT_TRUE(Eventually([&] { return !desktop.Listed(window.id) && Window().id == 0; }))
+        << "still on the list of windows: iconic " << desktop.Iconic(window.id) << ", in sight "
+        << (Window().id != 0);
+    return desktop.Icons().at(0);
+  }
+
   XDesktop desktop;
 };
 
@@ -169,26 +180,9 @@ TEST_F(DisplayTest, TheFirstStartWelcomesAndTheSecondDoesNot) {
   EXPECT_EQ(Welcome().id, 0u);
 }
 
-TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBack) {
-  const auto program = Begin();
-  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
-  const XWindow window = Window();
-  desktop.Minimise(window.id);
-  ASSERT_TRUE(Eventually([&] { return !desktop.Listed(window.id) && Window().id == 0; }))
-      << "still on the list of windows: iconic " << desktop.Iconic(window.id) << ", in sight "
-      << (Window().id != 0);
-  const XWindow icon = desktop.Icons().at(0);
-  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
-  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
-  EXPECT_FALSE(desktop.Iconic(Window().id));
-}
-
 TEST_F(DisplayTest, TheIconsMenuShowsTheWindowAndEndsTheProgram) {
   const auto program = Begin();
-  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
-  desktop.Minimise(Window().id);
-  ASSERT_TRUE(Eventually([&] { return Window().id == 0; }));
-  const XWindow icon = desktop.Icons().at(0);
+  const XWindow icon = Hide();
   const auto openMenu = [&] {
     // A click in the moment in which the window manager brings a window up is lost.
     return Eventually([&] {
@@ -274,9 +268,8 @@ TEST_F(DisplayTest, ADialogThatNobodyMovesIsInTheSamePlaceAtEachOpening) {
   EXPECT_EQ(stored(), first);
 }
 
-TEST_F(DisplayTest, AWindowThatWasMovedComesBackFromItsIconWhereItWas) {
+TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBackWhereItWasMoved) {
   const auto program = Begin();
-  ASSERT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
   const XWindow first = Window();
   desktop.Move(first.id, 40, 60);
   XWindow moved;
@@ -284,11 +277,10 @@ TEST_F(DisplayTest, AWindowThatWasMovedComesBackFromItsIconWhereItWas) {
     moved = Window();
     return moved.id != 0 && moved.x < first.x && moved.y < first.y;
   }));
-  desktop.Minimise(moved.id);
-  ASSERT_TRUE(Eventually([&] { return !desktop.Listed(moved.id) && Window().id == 0; }));
-  const XWindow icon = desktop.Icons().at(0);
+  const XWindow icon = Hide();
   desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  EXPECT_FALSE(desktop.Iconic(Window().id));
   EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
       << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;
 }
@@ -370,20 +362,13 @@ class NoNotificationAreaTest : public DisplayTest {
   NoNotificationAreaTest() : DisplayTest(false) {}
 };
 
-TEST_F(NoNotificationAreaTest, AMinimisedWindowStaysAmongTheWindows) {
+TEST_F(NoNotificationAreaTest, AMinimisedWindowStaysUntilAnAreaTakesItAndIsBackWhenThatGoes) {
   const auto program = Begin();
   const XWindow window = Window();
   desktop.Minimise(window.id);
   ASSERT_TRUE(Eventually([&] { return desktop.Iconic(window.id); }));
   EXPECT_FALSE(Eventually([&] { return !desktop.Listed(window.id); }, 1s));
   EXPECT_TRUE(desktop.Iconic(window.id));
-}
-
-TEST_F(NoNotificationAreaTest, AnAreaThatComesTakesTheWindowAndGivesItBackWhenItGoes) {
-  const auto program = Begin();
-  const XWindow window = Window();
-  desktop.Minimise(window.id);
-  ASSERT_TRUE(Eventually([&] { return desktop.Iconic(window.id); }));
   desktop.BeginArea();
   EXPECT_TRUE(Eventually([&] { return !desktop.Listed(window.id); }));
   desktop.EndArea();
