@@ -393,7 +393,7 @@ TEST_F(ControlListTest, AReplayOfTheRepeatIsOverBeforeAnEditTakesTheActionsAway)
 
 // --- Smart Check and the reminder, which the window lends the dialog
 
-TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnOk) {
+TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnOK) {
   StartWithLetters(1);
   New();
   TypeControl("A");

@@ -45,7 +45,7 @@ constexpr char kDuplicateText[] =
 
 class DefineControlDialogTest : public ControlTest {
  protected:
-  // The six that rule one another out; a tick is a "*", what is disabled has a "-".
+  // The six that rule one another out; what is checked has a "*", what is disabled a "-".
   std::string Boxes() {
     const std::pair<std::uint32_t, const char*> boxes[] = {
         {kRepeatCheck, "repeat"}, {kDelayValue, "delay"}, {kSpeedValue, "speed"},
@@ -136,7 +136,7 @@ TEST_F(DefineControlDialogTest, EveryMemberOfAControlIsShown) {
   EXPECT_EQ(screen.Text(kPauseValue), "7");
 }
 
-TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOkMakesThemOne) {
+TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOKMakesThemOne) {
   MadeControl control;
   control.keys = {"ab", "<P:5>", "C"};
   OpenEdit(control);
@@ -148,7 +148,7 @@ TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOkMakesThe
   EXPECT_EQ(Keys(TheControl()), "ab<P:5>C");
 }
 
-TEST_F(DefineControlDialogTest, HoldAllIsTickedIfAnyActionHoldsAll) {
+TEST_F(DefineControlDialogTest, HoldAllIsCheckedIfAnyActionHoldsAll) {
   MadeControl control;
   control.keys = {"ab", "cd"};
   control.holdAllFrom = 1;  // the second alone
@@ -546,7 +546,7 @@ TEST_F(DefineControlDialogTest, TheSpaceBarEndsDetectionWithWhatIsHeld) {
   EXPECT_EQ(TheControl().buttonCount, 2u);
 }
 
-TEST_F(DefineControlDialogTest, OkTakesWhatIsHeldWhileDetectionRuns) {
+TEST_F(DefineControlDialogTest, OKTakesWhatIsHeldWhileDetectionRuns) {
   OpenEdit({.buttons = 0b1000, .items = {{0, 0, 2}}});
   screen.Click(kDetectTrigger);
   Press({3});
@@ -579,7 +579,7 @@ TEST_F(DefineControlDialogTest, DetectionIsOffAtEachOpening) {
   EXPECT_EQ(screen.Text(kTriggerText), "B4");
 }
 
-TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOkEvenOnRelease) {
+TEST_F(DefineControlDialogTest, ADetectedTriggerIsThatOfOKEvenOnRelease) {
   OfferRelease();
   OpenNew();
   TypeControl("a");
@@ -635,7 +635,7 @@ TEST_F(DefineControlDialogTest, AControlThatIsDownStaysDownUntilTheDialogHasClos
 
 // --- OK
 
-TEST_F(DefineControlDialogTest, OkTakesEveryField) {
+TEST_F(DefineControlDialogTest, OKTakesEveryField) {
   OpenNew();
   screen.Type(kDescriptionText, "all of it");
   screen.Type(kKeysText, "x<Esc>");

@@ -3,7 +3,7 @@
 //
 //   TEST_F(MainWindowTest, ThePadOfTheProfileIsInUse) {
 //     Begin();
-//     EXPECT_EQ(screen.Chosen(1060), kPad);
+//     EXPECT_EQ(screen.Chosen(main_window::kDeviceList), kPad);
 //   }
 //
 // Before Begin there is one pad, the profile "Game" that uses it, and settings that know of the
