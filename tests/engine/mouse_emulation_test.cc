@@ -125,10 +125,10 @@ class MouseSliders : public EngineTest {};
 
 // By the numbers of the Mouse tab.
 TEST_F(MouseSliders, EachSetsItsMemberAndWhatTheStepDerivesFromIt) {
-  engine.ApplyMouseSlider(1052, 7);
-  engine.ApplyMouseSlider(1056, 10);
-  engine.ApplyMouseSlider(1079, 50);
-  engine.ApplyMouseSlider(1080, 0);
+  engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, 7);
+  engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 10);
+  engine.ApplyMouseSlider(ControlEngine::kWheelDamperSlider, 50);
+  engine.ApplyMouseSlider(ControlEngine::kWheelSensitivitySlider, 0);
   EXPECT_EQ(profile.movementSensitivity, 7);
   EXPECT_EQ(engine.movementFactor, 9);
   EXPECT_EQ(profile.movementDamper, 10);
