@@ -59,11 +59,6 @@ struct Guest {
 int Guest::alive = 0;
 std::vector<int> Guest::left;
 
-TEST(LinkedList, NewOneIsEmpty) {
-  List list;
-  ExpectChain(list, {});
-}
-
 TEST(LinkedList, AddTailCopiesTheElementToANodeAtTheEnd) {
   List list;
   int value = 7;
@@ -127,45 +122,15 @@ TEST(LinkedList, AddTailWithoutMemoryLeavesAnEmptyListEmpty) {
   ExpectChain(list, {});
 }
 
-TEST(LinkedList, AtClampsTheIndex) {
+TEST(LinkedList, AtClampsTheIndexAndGivesNullOnAnEmptyList) {
   List list;
+  for (std::int32_t index : {-1, 0, 5}) EXPECT_EQ(list.At(index), nullptr);
   Fill(&list, 3);
   EXPECT_EQ(list.At(5), list.tail);
   EXPECT_EQ(list.At(3), list.tail);
   EXPECT_EQ(list.At(2147483647), list.tail);
   EXPECT_EQ(list.At(-1), list.head);
   EXPECT_EQ(list.At(-2147483647 - 1), list.head);
-}
-
-TEST(LinkedList, AtGivesNullOnAnEmptyList) {
-  List list;
-  EXPECT_EQ(list.At(0), nullptr);
-  EXPECT_EQ(list.At(-1), nullptr);
-  EXPECT_EQ(list.At(5), nullptr);
-}
-
-TEST(LinkedList, AtTwoOfFourIsReachedFromTheHead) {
-  List list;
-  Fill(&list, 4);
-  const std::vector<List::Node*> nodes = Nodes(list);
-  // A walk from the tail would end at the stranger.
-  List::Node stranger{nullptr, nullptr, nullptr, 0};
-  list.tail->prev = &stranger;
-  EXPECT_EQ(list.At(2), nodes[2]);
-  list.tail->prev = nodes[2];
-}
-
-TEST(LinkedList, AtThreeOfFourIsTheTailItself) {
-  List list;
-  Fill(&list, 4);
-  const std::vector<List::Node*> nodes = Nodes(list);
-  // Any step in either direction would end at the stranger.
-  List::Node stranger{nullptr, nullptr, nullptr, 0};
-  list.head->next = &stranger;
-  list.tail->prev = &stranger;
-  EXPECT_EQ(list.At(3), nodes[3]);
-  list.head->next = nodes[1];
-  list.tail->prev = nodes[2];
 }
 
 TEST(LinkedList, AtWalksFromTheNearestEnd) {
@@ -206,15 +171,17 @@ TEST(LinkedList, RemoveNodeUnlinksAtEveryPlace) {
   }
 }
 
-TEST(LinkedList, RemoveNodeDestroysTheElement) {
+TEST(LinkedList, RemovingNodeAndEndDestroyTheElements) {
   Guest::alive = 0;
-  LinkedList<Guest> list;
-  ASSERT_TRUE(list.AddTail(Guest(1)));
-  ASSERT_TRUE(list.AddTail(Guest(2)));
-  Guest::left.clear();
-  list.RemoveNode(list.head);
-  EXPECT_EQ(Guest::alive, 1);
-  EXPECT_EQ(Guest::left, std::vector<int>{1});
+  {
+    LinkedList<Guest> list;
+    for (int i = 1; i <= 3; ++i) ASSERT_TRUE(list.AddTail(Guest(i)));
+    Guest::left.clear();
+    list.RemoveNode(list.head);
+    EXPECT_EQ(Guest::left, std::vector<int>{1});
+    EXPECT_EQ(Guest::alive, 2);
+  }
+  EXPECT_EQ(Guest::alive, 0);
 }
 
 TEST(LinkedList, RemoveNodeDoesNothingOnAnEmptyList) {
@@ -253,17 +220,6 @@ TEST(LinkedList, ClearDestroysFromTheHeadOn) {
   EXPECT_EQ(list.count, 1);
 }
 
-TEST(LinkedList, DestructionFreesWhatItHolds) {
-  Guest::alive = 0;
-  {
-    LinkedList<Guest> list;
-    ASSERT_TRUE(list.AddTail(Guest(1)));
-    ASSERT_TRUE(list.AddTail(Guest(2)));
-    EXPECT_EQ(Guest::alive, 2);
-  }
-  EXPECT_EQ(Guest::alive, 0);
-}
-
 TEST(LinkedList, PopTailTakesTheLastElementOut) {
   List list;
   Fill(&list, 2);
@@ -278,49 +234,29 @@ TEST(LinkedList, PopTailTakesTheLastElementOut) {
   EXPECT_EQ(out, -1);
 }
 
-struct Move {
-  const char* name;
-  int index;
-  bool done;
-  const char* after;
-};
-
-TEST(LinkedList, MoveUpSwapsWithThePredecessor) {
-  const Move moves[] = {
-      {"the first has none", 0, false, "0123"}, {"the second", 1, true, "1023"},
-      {"in the middle", 2, true, "0213"},       {"the last", 3, true, "0132"},
-      {"behind the end", 4, false, "0123"},     {"in front of the start", -1, false, "0123"},
+TEST(LinkedList, MovesSwapWithTheNeighbourIfThereIsOne) {
+  const struct {
+    int count;
+    int index;
+    const char* movedUp;  // null where nothing moves
+    const char* movedDown;
+  } rows[] = {
+      {4, 0, nullptr, "1023"},  {4, 1, "1023", "0213"},   {4, 2, "0213", "0132"},
+      {4, 3, "0132", nullptr},  {4, 4, nullptr, nullptr}, {4, -1, nullptr, nullptr},
+      {1, 0, nullptr, nullptr}, {0, 0, nullptr, nullptr},
   };
-  for (const Move& move : moves) {
-    List list;
-    Fill(&list, 4);
-    EXPECT_EQ(list.MoveUp(move.index), move.done) << move.name;
-    EXPECT_EQ(Values(list), move.after) << move.name;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.index) + " of " + std::to_string(row.count));
+    List up;
+    List down;
+    Fill(&up, row.count);
+    Fill(&down, row.count);
+    const std::string before = Values(up);
+    EXPECT_EQ(up.MoveUp(row.index), row.movedUp != nullptr);
+    EXPECT_EQ(Values(up), row.movedUp ? row.movedUp : before);
+    EXPECT_EQ(down.MoveDown(row.index), row.movedDown != nullptr);
+    EXPECT_EQ(Values(down), row.movedDown ? row.movedDown : before);
   }
-}
-
-TEST(LinkedList, MoveDownSwapsWithTheSuccessor) {
-  const Move moves[] = {
-      {"the first", 0, true, "1023"},       {"in the middle", 1, true, "0213"},
-      {"last but one", 2, true, "0132"},    {"the last has none", 3, false, "0123"},
-      {"behind the end", 4, false, "0123"}, {"in front of the start", -1, false, "0123"},
-  };
-  for (const Move& move : moves) {
-    List list;
-    Fill(&list, 4);
-    EXPECT_EQ(list.MoveDown(move.index), move.done) << move.name;
-    EXPECT_EQ(Values(list), move.after) << move.name;
-  }
-}
-
-TEST(LinkedList, NothingMovesInAListOfOneOrNone) {
-  List list;
-  EXPECT_FALSE(list.MoveUp(0));
-  EXPECT_FALSE(list.MoveDown(0));
-  Fill(&list, 1);
-  EXPECT_FALSE(list.MoveUp(0));
-  EXPECT_FALSE(list.MoveDown(0));
-  EXPECT_EQ(Values(list), "0");
 }
 
 // Every pair, in both orders: next to each other, apart, at either end, and each with itself.

@@ -139,39 +139,22 @@ TEST_F(WorkerThreadTest, StartFailsWithoutAThread) {
   EXPECT_TRUE(worker.IsRunning());
 }
 
-TEST_F(WorkerThreadTest, ThreadGivesItselfThePriority) {
+TEST_F(WorkerThreadTest, ThreadGivesItselfThePriorityThatIsWantedOrTheCallers) {
   std::int32_t seen = 99;
   Worker worker([&](Worker&) {
     seen = platform::GetCurrentThreadPriority();
     return 0u;
   });
   platform::SetCurrentThreadPriority(7);
-  EXPECT_TRUE(worker.Start(true, platform::THREAD_PRIORITY_TIME_CRITICAL));
-  EXPECT_EQ(seen, 15);
-  EXPECT_TRUE(worker.Start(true, -2));
-  EXPECT_EQ(seen, -2);
-  EXPECT_EQ(platform::GetCurrentThreadPriority(), 7);
-}
-
-TEST_F(WorkerThreadTest, ThreadCanHaveThePriorityOfTheCaller) {
+  for (const std::int32_t wanted : {platform::THREAD_PRIORITY_TIME_CRITICAL, -2}) {
+    EXPECT_TRUE(worker.Start(true, wanted));
+    EXPECT_EQ(seen, wanted);
+  }
   EXPECT_EQ(WorkerThread::kPriorityOfCaller, -10000);
-  std::int32_t seen = 99;
-  Worker worker([&](Worker&) {
-    seen = platform::GetCurrentThreadPriority();
-    return 0u;
-  });
-  platform::SetCurrentThreadPriority(7);
   EXPECT_TRUE(worker.Start(true, WorkerThread::kPriorityOfCaller));
   EXPECT_EQ(seen, 7);
-}
-
-TEST_F(WorkerThreadTest, PriorityOfACallerThatHasNoneToTellIsNormal) {
-  std::int32_t seen = 99;
-  Worker worker([&](Worker&) {
-    seen = platform::GetCurrentThreadPriority();
-    return 0u;
-  });
-  platform::SetCurrentThreadPriority(7);
+  EXPECT_EQ(platform::GetCurrentThreadPriority(), 7);
+  // A caller that has none to tell counts as a normal one.
   sim.LogCalls(true);
   sim.FailNext("GetCurrentThreadPriority");
   EXPECT_TRUE(worker.Start(true, WorkerThread::kPriorityOfCaller));
@@ -251,9 +234,15 @@ TEST_F(WorkerThreadTest, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
   sim.LogCalls(true);
   worker.Stop();
   EXPECT_EQ(sim.Now(), 51u);
-  EXPECT_TRUE(WasCalled("TerminateThread"));
+  const auto forced = std::find_if(sim.Calls().begin(), sim.Calls().end(), [](const auto& call) {
+    return call.starts_with("TerminateThread");
+  });
+  ASSERT_NE(forced, sim.Calls().end());
+  EXPECT_TRUE(forced->ends_with(" 1000")) << "the exit code of a forced end";
   EXPECT_FALSE(worker.IsRunning());
   EXPECT_EQ(sim.LivingThreads(), 0u);
+  EXPECT_TRUE(worker.Start(true, 0)) << "it can be started again";
+  EXPECT_TRUE(worker.IsRunning());
 }
 
 TEST_F(WorkerThreadTest, TheTimeoutIsFifteenSecondsUnlessItIsSet) {
@@ -277,19 +266,6 @@ TEST_F(WorkerThreadTest, ARunThatEndsJustInTimeIsNotEndedByForce) {
   EXPECT_FALSE(WasCalled("TerminateThread"));
 }
 
-TEST_F(WorkerThreadTest, TheForcedEndHasTheExitCodeOneThousand) {
-  Worker worker(Forever);
-  worker.stopTimeout = 5;
-  ASSERT_TRUE(worker.Start(true, 0));
-  sim.LogCalls(true);
-  worker.Stop();
-  bool found = false;
-  for (const std::string& call : sim.Calls()) {
-    found |= call.starts_with("TerminateThread") && call.ends_with(" 1000");
-  }
-  EXPECT_TRUE(found);
-}
-
 TEST_F(WorkerThreadTest, AForcedEndLeavesLocksTakenAndRunsNoMore) {
   RecursiveLock lock;
   bool left = false;
@@ -309,15 +285,6 @@ TEST_F(WorkerThreadTest, AForcedEndLeavesLocksTakenAndRunsNoMore) {
   EXPECT_FALSE(IsSignalled(exitEvent));
   worker.exitEvent = platform::kInvalidHandle;
   platform::CloseHandle(exitEvent);
-}
-
-TEST_F(WorkerThreadTest, CanBeStartedAgainAfterAForcedEnd) {
-  Worker worker(Forever);
-  worker.stopTimeout = 5;
-  ASSERT_TRUE(worker.Start(true, 0));
-  worker.Stop();
-  EXPECT_TRUE(worker.Start(true, 0));
-  EXPECT_TRUE(worker.IsRunning());
 }
 
 TEST_F(WorkerThreadTest, TheStateCanBeAskedForWhileStopWaits) {
