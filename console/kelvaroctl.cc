@@ -1,10 +1,10 @@
 #include "console/kelvaroctl.h"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
 #include <functional>
 #include <set>
 
+#include "app/platform/byte_text.h"
 #include "console/console_error.h"
 #include "console/profile_check.h"
 #include "foundation/version.h"
@@ -28,14 +28,12 @@ template <typename T>
 void AddMilliseconds(CLI::App* command, const std::string& name, T* out, std::uint64_t most,
                      const std::string& help) {
   const auto read = [name, out, most](const std::string& text) {
-    std::uint64_t number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, fault] = std::from_chars(text.data(), end, number);
-    if (fault != std::errc() || stop != end || number > most) {
+    const auto number = platform::ParseWholeNumber(text);
+    if (!number || *number > most) {
       throw CLI::ValidationError(
           name, "'" + text + "' is not a whole number from 0 to " + std::to_string(most));
     }
-    *out = static_cast<T>(number);
+    *out = static_cast<T>(*number);
   };
   command->add_option_function<std::string>(name, read, help)->type_name("MS");
 }

@@ -28,13 +28,9 @@ bool ReadPause(const char* name, std::size_t length, std::uint16_t* ms) {
   if (length <= 2 || FoldUpper(static_cast<std::uint8_t>(name[0])) != 'P' || name[1] != ':') {
     return false;
   }
-  std::uint32_t number = 0;
-  for (std::size_t i = 2; i < length; ++i) {
-    if (name[i] < '0' || name[i] > '9') return false;
-    number = number * 10 + static_cast<std::uint32_t>(name[i] - '0');
-  }
-  *ms = static_cast<std::uint16_t>(number);
-  return true;
+  const ByteString digits = TextOf({name + 2, length - 2});
+  *ms = static_cast<std::uint16_t>(ToUnsigned(digits));
+  return IsAllDigits(digits);
 }
 
 // Appends steps while it goes through a text.

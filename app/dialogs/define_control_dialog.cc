@@ -311,13 +311,12 @@ bool DefineControlDialog::ReadFields() {
 }
 
 bool DefineControlDialog::ReadNumber(std::uint32_t id, std::uint32_t* value) {
-  std::uint64_t number = 0;
-  const bool isNumber = ParseNumber(Text(id), &number);
-  if (isNumber && number <= UINT32_MAX) {
-    *value = static_cast<std::uint32_t>(number);
+  const auto number = ParseNumber(Text(id));
+  if (number && *number <= UINT32_MAX) {
+    *value = static_cast<std::uint32_t>(*number);
     return true;
   }
-  Box(isNumber ? kTooLargeText : kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
+  Box(number ? kTooLargeText : kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
   platform::SetControlFocus(window, id);
   return false;
 }

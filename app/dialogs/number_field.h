@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "foundation/byte_string.h"
 
@@ -11,8 +12,7 @@ constexpr char kNotANumberText[] = "Please enter a positive integer.";
 constexpr char kTooLargeText[] = "Please enter a number from 0 to 4294967295.";
 constexpr char kNotANumberCaption[] = "Kelvaro";
 
-// Decimal digits, with blanks of any kind around them allowed. A number beyond 32 bits is told as
-// UINT32_MAX + 1. False, with *number untouched, for any other text.
-bool ParseNumber(ByteString text, std::uint64_t* number);
+// As ParseWholeNumber, with blanks of any kind allowed around the digits.
+std::optional<std::uint64_t> ParseNumber(ByteString text);
 
 }  // namespace kelvaro

@@ -1,5 +1,7 @@
 #include "app/platform/byte_text.h"
 
+#include <charconv>
+
 namespace platform {
 namespace {
 
@@ -71,6 +73,14 @@ bool ParseHexBytes(std::string_view hex, std::string* bytes) {
   }
   *bytes = parsed;
   return true;
+}
+
+std::optional<std::uint64_t> ParseWholeNumber(std::string_view text) {
+  std::uint64_t number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, fault] = std::from_chars(text.data(), end, number);
+  if (stop != end || fault == std::errc::invalid_argument) return std::nullopt;
+  return fault == std::errc() ? number : UINT64_MAX;
 }
 
 }  // namespace platform

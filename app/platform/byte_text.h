@@ -1,6 +1,8 @@
-// Bytes that may be text, and bytes spelled in hexadecimal.
+// Bytes that may be text, bytes spelled in hexadecimal, and numbers in decimal.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,5 +15,9 @@ bool IsUtf8(std::string_view bytes);
 std::string HexBytes(std::string_view bytes);
 // False, with *bytes untouched, unless `hex` is pairs of hex digits.
 bool ParseHexBytes(std::string_view hex, std::string* bytes);
+
+// The number that `text` spells with decimal digits and nothing else; none for any other text. One
+// beyond 64 bits counts as UINT64_MAX.
+std::optional<std::uint64_t> ParseWholeNumber(std::string_view text);
 
 }  // namespace platform

@@ -214,9 +214,8 @@ bool MainWindow::ReadPollFields() {
     std::uint32_t* number;
   } fields[] = {{kInterval, &intervalField}, {kRate, &rateField}};
   for (const auto& field : fields) {
-    std::uint64_t number = 0;
-    if (ParseNumber(Text(field.id), &number)) {
-      *field.number = static_cast<std::uint32_t>(std::min<std::uint64_t>(number, UINT32_MAX));
+    if (const auto number = ParseNumber(Text(field.id))) {
+      *field.number = static_cast<std::uint32_t>(std::min<std::uint64_t>(*number, UINT32_MAX));
       continue;
     }
     RefuseField(field.id, kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);

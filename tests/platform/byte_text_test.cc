@@ -100,5 +100,23 @@ TEST(ParseHexBytes, RefusesTheRestAndTouchesNothing) {
   }
 }
 
+TEST(ParseWholeNumber, TakesDecimalDigitsAlone) {
+  EXPECT_EQ(ParseWholeNumber("0"), 0U);
+  EXPECT_EQ(ParseWholeNumber("007"), 7U);
+  EXPECT_EQ(ParseWholeNumber("4294967296"), 4294967296U);
+  for (const char* text : {"", " 1", "1 ", "+1", "-1", "1.", "1e3", "0x1", "1a", "a"}) {
+    EXPECT_FALSE(ParseWholeNumber(text)) << text;
+  }
+  EXPECT_FALSE(ParseWholeNumber(std::string_view("1\0", 2)));
+}
+
+TEST(ParseWholeNumber, CountsWhatIsBeyond64BitsAsTheLargest) {
+  EXPECT_EQ(ParseWholeNumber("18446744073709551614"), UINT64_MAX - 1);
+  EXPECT_EQ(ParseWholeNumber("18446744073709551615"), UINT64_MAX);
+  EXPECT_EQ(ParseWholeNumber("18446744073709551616"), UINT64_MAX);
+  EXPECT_EQ(ParseWholeNumber(std::string(100, '9')), UINT64_MAX);
+  EXPECT_FALSE(ParseWholeNumber(std::string(100, '9') + "a"));
+}
+
 }  // namespace
 }  // namespace platform

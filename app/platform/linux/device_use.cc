@@ -7,10 +7,10 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 
+#include "app/platform/byte_text.h"
 #include "app/platform/linux/descriptor.h"
 
 namespace platform {
@@ -40,10 +40,10 @@ bool HasOpen(const std::string& process, const std::string& path) {
 std::vector<OtherProgram> ProgramsWithOpen(const std::string& path) {
   std::vector<OtherProgram> programs;
   for (const std::string& name : NamesIn("/proc")) {
+    const auto process = ParseWholeNumber(name);
+    if (!process) continue;
     OtherProgram program;
-    const auto [end, error] =
-        std::from_chars(name.data(), name.data() + name.size(), program.process);
-    if (error != std::errc() || end != name.data() + name.size()) continue;
+    program.process = static_cast<std::uint32_t>(*process);
     if (program.process == static_cast<std::uint32_t>(getpid()) || !HasOpen(name, path)) continue;
     std::ifstream text("/proc/" + name + "/comm");
     std::getline(text, program.name);

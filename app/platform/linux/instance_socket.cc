@@ -11,12 +11,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <optional>
 #include <string_view>
 #include <utility>
 
+#include "app/platform/byte_text.h"
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/program_file.h"
@@ -222,10 +222,12 @@ std::vector<std::uint32_t> Instances(const std::string& folder) {
   DIR* const entries = folder.empty() ? nullptr : opendir(folder.c_str());
   if (!entries) return processes;
   while (const dirent* entry = readdir(entries)) {
-    const std::string_view name = entry->d_name;
-    std::uint32_t process = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-    if (error != std::errc() || std::string_view(end) != kSuffix) continue;
+    std::string_view name = entry->d_name;
+    if (!name.ends_with(kSuffix)) continue;
+    name.remove_suffix(std::string_view(kSuffix).size());
+    const auto number = ParseWholeNumber(name);
+    if (!number || *number > UINT32_MAX) continue;
+    const auto process = static_cast<std::uint32_t>(*number);
     if (access(("/proc/" + std::to_string(process)).c_str(), F_OK) == 0) {
       processes.push_back(process);
     } else {

@@ -7,10 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <charconv>
-#include <string_view>
 #include <utility>
 
+#include "app/platform/byte_text.h"
 #include "app/platform/linux/command_words.h"
 #include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/find_program.h"
@@ -72,12 +71,11 @@ bool LinuxProcesses::ListProcesses(std::vector<RunningProcess>* list) {
   DIR* const entries = opendir("/proc");
   if (!entries) return Fail();
   while (const dirent* entry = readdir(entries)) {
-    const std::string_view name = entry->d_name;
-    std::uint32_t id = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), id);
-    if (error != std::errc() || end != name.data() + name.size()) continue;
-    RunningProcess process{id, ProgramFileOf(std::string(name))};
-    if (process.path.empty() && HasEnded(std::string(name))) continue;
+    const std::string name = entry->d_name;
+    const auto id = ParseWholeNumber(name);
+    if (!id) continue;
+    RunningProcess process{static_cast<std::uint32_t>(*id), ProgramFileOf(name)};
+    if (process.path.empty() && HasEnded(name)) continue;
     list->push_back(std::move(process));
   }
   closedir(entries);

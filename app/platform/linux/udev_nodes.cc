@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/platform/byte_text.h"
+
 namespace platform {
 namespace {
 
@@ -41,9 +43,8 @@ bool IsOffered(udev_device* device) {
 }
 
 unsigned long EventNumber(const NodePlace& place) {
-  const std::size_t digits = place.path.find_last_not_of("0123456789");
-  return std::strtoul(place.path.c_str() + (digits == std::string::npos ? 0 : digits + 1), nullptr,
-                      10);
+  const std::string& path = place.path;
+  return ParseWholeNumber(path.substr(path.find_last_not_of("0123456789") + 1)).value_or(0);
 }
 
 NodePlace PlaceOf(udev_device* device) {
