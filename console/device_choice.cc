@@ -28,7 +28,7 @@ std::int32_t FindDevice(const DeviceManager& manager, Fits fits) {
 // Index of the chosen device, -1 with *error set when there is none.
 std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice,
                         std::string* error) {
-  const ByteString name = choice.name ? FromBytes(*choice.name) : choice.profileName;
+  const ByteString name = choice.name ? TextOf(*choice.name) : choice.profileName;
   std::int32_t index = -1;
   if (!choice.name && choice.profileGuid != platform::GUID{}) {
     index = FindDevice(manager,

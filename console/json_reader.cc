@@ -182,7 +182,7 @@ void Read(const JsonElement& element, ByteString& text) {
              !platform::ParseHexBytes(value["bytes"].asString(), &bytes)) {
     return element.Fail("not a text");
   }
-  text = FromBytes(bytes);
+  text = TextOf(bytes);
 }
 
 void ReadByte(const JsonElement& element, std::uint8_t* byte) { ReadWhole(element, byte); }

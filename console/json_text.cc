@@ -13,14 +13,4 @@ std::string JsonSteps(const KeySequence& steps) {
   return out + ']';
 }
 
-std::string Bytes(const ByteString& text) {
-  return text.IsEmpty() ? std::string() : std::string(text.Text(), text.Length());
-}
-
-ByteString FromBytes(const std::string& bytes) {
-  ByteString text;
-  text.AssignBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  return text;
-}
-
 }  // namespace kelvaro::console

@@ -15,8 +15,4 @@ std::string JsonText(const ByteString& text);
 // [[65,30,0],[66,48,8]]
 std::string JsonSteps(const KeySequence& steps);
 
-// The bytes of a ByteString, zeros included.
-std::string Bytes(const ByteString& text);
-ByteString FromBytes(const std::string& bytes);
-
 }  // namespace kelvaro::console

@@ -73,7 +73,7 @@ int KeysCommand(const KeysOptions& options, Streams streams) {
 
   KeyAction action;
   if (options.holdAll) action.actionFlags = KeyAction::HoldAllKeys;
-  const KeyTextResult parsed = ParseKeyText(FromBytes(options.text), &action);
+  const KeyTextResult parsed = ParseKeyText(TextOf(options.text), &action);
   if (options.json) {
     streams.out << "{\"result\":" << parsed.result
                 << ",\"duplicateKey\":" << (parsed.duplicateKey ? "true" : "false")

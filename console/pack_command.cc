@@ -24,7 +24,7 @@ std::string LastError() {
 
 // What keeps a file from being made at this path, empty for nothing.
 std::string Obstacle(const ByteString& path) {
-  const std::uint32_t attributes = platform::GetFileAttributesA(SeamPath(path));
+  const std::uint32_t attributes = platform::GetFileAttributesA(Bytes(path));
   if (attributes != platform::INVALID_FILE_ATTRIBUTES &&
       (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0) {
     return std::strerror(EISDIR);
@@ -52,7 +52,7 @@ int PackCommand(const PackOptions& options, Streams streams) {
   if (!ReadProfile(text, &profile, &fault)) {
     return Complain(streams.err, fault.Text(options.in), fault.detail);
   }
-  const ByteString out = FromBytes(options.out);
+  const ByteString out = TextOf(options.out);
   if (const std::string obstacle = Obstacle(out); !obstacle.empty()) {
     return Complain(streams.err, options.out + ": " + obstacle);
   }

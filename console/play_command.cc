@@ -66,7 +66,7 @@ int PlayForReal(const PlayOptions& options, KeyAction* action, StopSignals* sign
 int PlayCommand(const PlayOptions& options, Streams streams) {
   KeyAction action;
   if (options.holdAll) action.actionFlags = KeyAction::HoldAllKeys;
-  const KeyTextResult parsed = ParseKeyText(FromBytes(options.text), &action);
+  const KeyTextResult parsed = ParseKeyText(TextOf(options.text), &action);
   if (parsed.faulty) return Complain(streams.err, parsed.what, parsed.detail);
   if (options.simulate) return PlaySimulated(options, &action, streams);
   StopSignals signals;

@@ -39,7 +39,7 @@ bool LooksLikeJson(const std::string& bytes) {
 // `name` is what the message calls it.
 bool LoadStored(const std::string& path, const std::string& name, ProfileFile* profile,
                 ProfileFault* fault) {
-  if (profile->Load(FromBytes(path))) return true;
+  if (profile->Load(TextOf(path))) return true;
   fault->message =
       name + ": this profile can't be read whole (kelvaroctl check says what is wrong with it)";
   return false;
@@ -112,7 +112,7 @@ bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFau
   std::string path = fileOrName;
   if (path != "-" && !IsFile(path)) {
     if (HasTemporary(path)) return LoadStored(path, path, profile, fault);
-    path = Bytes(ProfileFile().FindProfileFile(FromBytes(fileOrName)));
+    path = Bytes(ProfileFile().FindProfileFile(TextOf(fileOrName)));
     if (path.empty() && fileOrName.find('/') != std::string::npos) {
       fault->message = fileOrName + ": " + std::strerror(ENOENT);
       return false;

@@ -15,7 +15,7 @@ bool BinaryFile::Open() {
   if (!window) return false;
   lastError = 0;
   if (!IsEmpty()) {
-    handle = platform::CreateFileA(SeamPath(*this), platform::GENERIC_READ,
+    handle = platform::CreateFileA(Bytes(*this), platform::GENERIC_READ,
                                    platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
                                    platform::OPEN_EXISTING);
   }

@@ -5,7 +5,6 @@
 #include <functional>
 #include <limits>
 #include <new>
-#include <string>
 #include <utility>
 
 #include "app/platform/files.h"
@@ -281,14 +280,7 @@ void ByteString::Append(const void* bytes, std::uint32_t n) {
 // Asks for two bytes more than a text of the same length would, so that the growth comes earlier.
 void ByteString::AppendChar(char c) { AppendBytes(&c, 1, std::int64_t{length} + 2); }
 
-ByteString ByteString::Concat(const char* text) const {
-  const std::size_t n = text ? std::strlen(text) : 0;
-  const std::size_t room = std::min<std::size_t>(n, kLargestAllocation - 1 - length);
-  ByteString both(static_cast<std::int32_t>(length + room));
-  both.Append(*this);
-  both.Append(text);
-  return both;
-}
+ByteString ByteString::Concat(const char* text) const { return Concat(ByteString(text)); }
 
 ByteString ByteString::Concat(const ByteString& other) const {
   const std::int64_t total = std::int64_t{length} + other.length;
@@ -299,18 +291,12 @@ ByteString ByteString::Concat(const ByteString& other) const {
 }
 
 ByteString ByteString::Left(std::int32_t n) const {
-  const std::int32_t kept = Clamp(n);
-  ByteString part(kept);
-  part.AssignBytes(data, static_cast<std::uint32_t>(kept));
-  return part;
+  return TextOf({data, static_cast<std::size_t>(Clamp(n))});
 }
 
 ByteString ByteString::Right(std::int32_t n) const {
-  const std::int32_t kept = Clamp(n);
-  ByteString part(kept);
-  part.AssignBytes(data + (static_cast<std::int32_t>(length) - kept),
-                   static_cast<std::uint32_t>(kept));
-  return part;
+  const std::size_t kept = static_cast<std::size_t>(Clamp(n));
+  return TextOf({data + (length - kept), kept});
 }
 
 std::int32_t ByteString::Clamp(std::int32_t n) const {
@@ -604,6 +590,17 @@ bool ByteString::ReadLine(platform::File* stream, bool keepEmptyLines) {
   return length > 0;
 }
 
+std::string Bytes(const ByteString& text) {
+  return text.IsEmpty() ? std::string() : std::string(text.Text(), text.Length());
+}
+
+ByteString TextOf(std::string_view bytes) {
+  ByteString text(
+      static_cast<std::int32_t>(std::min<std::size_t>(bytes.size(), kLargestAllocation - 1)));
+  text.AssignBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+  return text;
+}
+
 std::uint8_t FoldUpper(std::uint8_t c) {
   return c >= 'a' && c <= 'z' ? static_cast<std::uint8_t>(c - ('a' - 'A')) : c;
 }
@@ -626,14 +623,6 @@ ByteString ToDecimal(std::uint32_t value, bool thousands, std::int32_t minDigits
   return result;
 }
 
-ByteString ToDecimal(std::uint16_t value, bool thousands, std::int32_t minDigits) {
-  return ToDecimal(std::uint32_t{value}, thousands, minDigits);
-}
-
-ByteString ToDecimal(std::uint8_t value, bool thousands, std::int32_t minDigits) {
-  return ToDecimal(std::uint32_t{value}, thousands, minDigits);
-}
-
 ByteString ToDecimalSigned(std::int32_t value, bool thousands, std::int32_t minDigits) {
   const std::uint32_t bits = static_cast<std::uint32_t>(value);
   if (value >= 0) return ToDecimal(bits, thousands, minDigits);
@@ -646,9 +635,7 @@ ByteString ToHex(std::uint32_t value) {
     text[i] = "0123456789abcdef"[value & 15];
     value >>= 4;
   }
-  ByteString result;
-  result.AssignBytes(text, sizeof text);
-  return result;
+  return TextOf({text, sizeof text});
 }
 
 bool IsAllDigits(const ByteString& text) {
@@ -671,11 +658,6 @@ std::uint32_t ToUnsigned(const ByteString& text) {
 
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-ByteString SystemErrorText(std::uint32_t code) {
-  const std::string message = platform::FormatMessageA(code);
-  ByteString text;
-  text.AssignBytes(message.data(), static_cast<std::uint32_t>(message.size()));
-  return text;
-}
+ByteString SystemErrorText(std::uint32_t code) { return TextOf(platform::FormatMessageA(code)); }
 
 }  // namespace kelvaro

@@ -7,6 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace platform {
 class File;
@@ -160,14 +162,16 @@ class ByteString {
   std::uint32_t* skipTable = nullptr;
 };
 
+// The same bytes, zeros included, in the seam's strings and back.
+std::string Bytes(const ByteString& text);
+ByteString TextOf(std::string_view bytes);
+
 // The fixed case table: a to z fold to A to Z, all other values stay.
 std::uint8_t FoldUpper(std::uint8_t c);
 
 // Unsigned decimal. With `thousands` a comma every three digits; '0' in front up to minDigits
 // characters, commas counted.
 ByteString ToDecimal(std::uint32_t value, bool thousands, std::int32_t minDigits);
-ByteString ToDecimal(std::uint16_t value, bool thousands, std::int32_t minDigits);
-ByteString ToDecimal(std::uint8_t value, bool thousands, std::int32_t minDigits);
 // minDigits applies to what stands behind the sign.
 ByteString ToDecimalSigned(std::int32_t value, bool thousands, std::int32_t minDigits);
 // Always 8 digits, lower case.

@@ -19,7 +19,7 @@ ByteString AbsoluteFolder(ByteString folder) {
   if (folder[0] != '.') return folder;
   if (folder[folder.Length() - 1] == ':') EnsureTrailingSeparator(&folder);
   const std::string before = platform::GetCurrentDirectoryA();
-  if (!platform::SetCurrentDirectoryA(SeamPath(folder))) return folder;
+  if (!platform::SetCurrentDirectoryA(Bytes(folder))) return folder;
   const ByteString absolute = CurrentFolder();
   platform::SetCurrentDirectoryA(before);
   return absolute.IsEmpty() ? folder : absolute;
@@ -77,10 +77,10 @@ bool DirectoryWalker::NextFile(WalkResult* out) {
   while (Find(filePattern)) {
     if (found.attributes & platform::FILE_ATTRIBUTE_DIRECTORY) {
       if (samePatterns && (flags & (WalkRecursive | WalkFolders)) && IsSubfolder()) {
-        pending.AddTail(FromSeamPath(found.name), IsLink() ? kIsLink : kMayEnter);
+        pending.AddTail(TextOf(found.name), IsLink() ? kIsLink : kMayEnter);
       }
     } else if (flags & WalkFiles) {
-      Report(FromSeamPath(found.name), false, out);
+      Report(TextOf(found.name), false, out);
       return true;
     }
   }
@@ -130,7 +130,7 @@ bool DirectoryWalker::NextFolderName(ByteString* name, bool* isLink) {
   }
   while (Find(folderPattern)) {
     if (!(found.attributes & platform::FILE_ATTRIBUTE_DIRECTORY) || !IsSubfolder()) continue;
-    *name = FromSeamPath(found.name);
+    *name = TextOf(found.name);
     *isLink = IsLink();
     return true;
   }
@@ -143,7 +143,7 @@ bool DirectoryWalker::Find(const ByteString& pattern) {
   if (search) {
     any = search->FindNextFileA(&found);
   } else {
-    search = platform::FindFirstFileA(SeamPath(folder.Concat(pattern)), &found);
+    search = platform::FindFirstFileA(Bytes(folder.Concat(pattern)), &found);
     any = search != nullptr;
   }
   if (!any) {

@@ -24,20 +24,10 @@ bool IsBareDrive(const ByteString& path, char separator) {
 // Empty where the system's answer wouldn't fit.
 ByteString Told(const std::string& path, char separator) {
   if (HasDrives(separator) && path.size() >= PathBufferSize) return ByteString();
-  return FromSeamPath(path);
+  return TextOf(path);
 }
 
 }  // namespace
-
-std::string SeamPath(const ByteString& path) {
-  return path.IsEmpty() ? std::string() : std::string(path.Text(), path.Length());
-}
-
-ByteString FromSeamPath(const std::string& path) {
-  ByteString text;
-  text.AssignBytes(path.data(), static_cast<std::uint32_t>(path.size()));
-  return text;
-}
 
 bool FileExists(const ByteString& path, char separator) {
   if (path.Length() < (HasDrives(separator) ? 2u : 1u)) return false;
@@ -45,12 +35,12 @@ bool FileExists(const ByteString& path, char separator) {
     const std::uint32_t drive = FoldUpper(static_cast<std::uint8_t>(path[0])) - std::uint32_t{'A'};
     return (platform::GetLogicalDrives() >> drive & 1) != 0;
   }
-  return platform::GetFileAttributesA(SeamPath(path)) != platform::INVALID_FILE_ATTRIBUTES;
+  return platform::GetFileAttributesA(Bytes(path)) != platform::INVALID_FILE_ATTRIBUTES;
 }
 
 bool GetFileStatus(const ByteString& path, FileStatus* status) {
   platform::FindData found;
-  if (!platform::FindFirstFileA(SeamPath(path), &found)) return false;
+  if (!platform::FindFirstFileA(Bytes(path), &found)) return false;
   status->validMask = kFilled;
   status->created = found.created;
   status->accessed = found.accessed;
@@ -119,7 +109,7 @@ bool CreateFolders(const ByteString& path, char separator) {
         next ? static_cast<std::uint32_t>(static_cast<const char*>(next) - rest) : left;
     built.Append(rest, level);
     taken += next ? level + 1 : level;
-    if (!FileExists(built, separator) && !platform::CreateDirectoryA(SeamPath(built))) return false;
+    if (!FileExists(built, separator) && !platform::CreateDirectoryA(Bytes(built))) return false;
     built.AppendChar(separator);
   }
   return true;

@@ -26,10 +26,6 @@ struct FileStatus {
   std::uint32_t attributes = 0;
 };
 
-// A path as the seam takes and gives it.
-std::string SeamPath(const ByteString& path);
-ByteString FromSeamPath(const std::string& path);
-
 // Whether there is a file or folder. A bare drive ("C:" or "C:\") is looked up in the mask of
 // drives and nowhere else, so that no empty drive starts up. False below 2 bytes, the shortest
 // path that names anything with a drive; where the separator is the slash, for an empty path only.

@@ -31,7 +31,7 @@ std::string SystemError() {
 }  // namespace
 
 bool FindKelvaro(std::string* path, std::string* refusal) {
-  const std::string folder = SeamPath(ProgramFolder());
+  const std::string folder = Bytes(ProgramFolder());
   *path = folder + platform::PathSeparator() + "kelvaro";
   if (IsFile(*path)) return true;
   *refusal = "The program kelvaro isn't in " + (folder.empty() ? std::string("/") : folder) +

@@ -11,7 +11,7 @@ ByteString DataFolder() {
   marker.AppendChar(platform::PathSeparator());
   marker.Append("PerUser");
   if (!FileExists(marker)) return program;
-  ByteString folder = FromSeamPath(platform::GetUserDataFolder());
+  ByteString folder = TextOf(platform::GetUserDataFolder());
   if (folder.IsEmpty()) return program;
   EnsureTrailingSeparator(&folder);
   folder.Append("kelvaro");

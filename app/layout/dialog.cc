@@ -37,14 +37,4 @@ void Dialog::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
   if (id == platform::IDCANCEL) OnCancel();
 }
 
-std::string Bytes(const ByteString& text) {
-  return text.IsEmpty() ? std::string() : std::string(text.Text(), text.Length());
-}
-
-ByteString TextOf(const std::string& bytes) {
-  ByteString text;
-  text.AssignBytes(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
-  return text;
-}
-
 }  // namespace kelvaro

@@ -64,8 +64,4 @@ class Dialog : public platform::WindowListener {
   const platform::DialogTemplate& resource;
 };
 
-// The bytes of a text for the seam, and back.
-std::string Bytes(const ByteString& text);
-ByteString TextOf(const std::string& bytes);
-
 }  // namespace kelvaro

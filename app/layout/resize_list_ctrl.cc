@@ -41,7 +41,7 @@ void ResizeListCtrl::Attach(platform::WindowHandle newWindow, std::uint32_t newI
 
 bool ResizeListCtrl::AddColumn(const ByteString& text, std::int32_t width) {
   if (columnCount >= maxColumns) return false;
-  if (platform::ListInsertColumn(window, id, {text.Text(), text.Length()}, width) < 0) return false;
+  if (platform::ListInsertColumn(window, id, Bytes(text), width) < 0) return false;
   ++columnCount;
   return true;
 }

@@ -31,7 +31,7 @@ bool EnumerateProcesses(ProcessList* list) {
   std::vector<platform::RunningProcess> processes;
   if (!platform::ListProcesses(&processes)) return false;
   for (const platform::RunningProcess& process : processes) {
-    const ByteString path = FromSeamPath(process.path);
+    const ByteString path = TextOf(process.path);
     ProcessRecord record;
     record.processId = process.id;
     record.folder = FolderOf(path, true);

@@ -84,7 +84,7 @@ std::uint32_t MainWindow::LaunchTarget() {
 
   std::vector<platform::Handle> kept;
   std::vector<std::uint32_t> instances;
-  const std::string program = SeamPath(programPath);
+  const std::string program = Bytes(programPath);
   for (const ByteString& name : extraProfiles) {
     ByteString line = InQuotes(programPath);
     line.Append(" profile=");
@@ -103,12 +103,11 @@ std::uint32_t MainWindow::LaunchTarget() {
     line.AppendChar(' ');
     line.Append(launchArgs);
   }
-  const std::string folder =
-      SeamPath(launchDir.IsEmpty() ? FolderOf(launchTarget, true) : launchDir);
+  const std::string folder = Bytes(launchDir.IsEmpty() ? FolderOf(launchTarget, true) : launchDir);
   if (!instances.empty()) platform::Sleep(kInstancesSettle);
 
   platform::PROCESS_INFORMATION game;
-  if (!platform::CreateProcessA(SeamPath(launchTarget), Bytes(line), platform::CREATE_NEW_CONSOLE,
+  if (!platform::CreateProcessA(Bytes(launchTarget), Bytes(line), platform::CREATE_NEW_CONSOLE,
                                 &folder, &game)) {
     ByteString text("Failed to launch \"");
     text.Append(launchTarget);

@@ -52,7 +52,7 @@ int PlayGame(const Options& options, Session& session, Streams streams) {
     return Complain(streams, "There is no folder in which the game could be waited for.", kFailed);
   Launch launch;
   launch.profiles = options.launch.profiles;
-  launch.target = SeamPath(ProgramPath());
+  launch.target = Bytes(ProgramPath());
   launch.args = "--carry \"" + socket.Path() + "\"";
   // Where it goes without quotes it depends on no character that stands for one.
   if (socket.Path().find_first_of(" \t") == std::string::npos)

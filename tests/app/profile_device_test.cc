@@ -215,7 +215,7 @@ TEST_F(ProfileDeviceTest, ARefreshWithoutTheDeviceGivesItUp) {
   EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
   EXPECT_EQ(screen.Text(kNumButtons), "0");
   EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(Str(OpenProfile().deviceName), "Pad") << "the profile keeps it";
+  EXPECT_EQ(Bytes(OpenProfile().deviceName), "Pad") << "the profile keeps it";
 
   pad.PlugIn();
   screen.Click(kRefreshDeviceList);

@@ -155,7 +155,7 @@ TEST_F(ProfileLoadingTest, TheOldDeviceIsGivenUpBeforeTheNewOneIsOpened) {
             Strings({"RegSetValueExA HKCU\\Software\\Marnstone\\Kelvaro Last Profile",
                      "timeKillEvent 1", "Unacquire", "Release", "CreateDevice", "Acquire",
                      "timeBeginPeriod 10", "timeSetEvent 10 1"}));
-  EXPECT_EQ(Str(Device()->SelectedName()), "Stick");
+  EXPECT_EQ(Bytes(Device()->SelectedName()), "Stick");
 }
 
 TEST_F(ProfileLoadingTest, TheDeviceRunsBeforeTheListShowsTheNewControls) {

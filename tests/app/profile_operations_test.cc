@@ -50,7 +50,7 @@ TEST_F(ProfileOperationsTest, ANewProfileStartsWithTheDeviceInUseAndNothingElse)
   EXPECT_EQ(Remembered(), "Alpha");
   EXPECT_EQ(Descriptions(), Strings());
   EXPECT_EQ(OpenName(), "Alpha");
-  EXPECT_EQ(Str(OpenProfile().deviceName), "Pad");
+  EXPECT_EQ(Bytes(OpenProfile().deviceName), "Pad");
   EXPECT_EQ(OpenProfile().deviceGuid, kPadGuid) << "of the device itself";
   EXPECT_EQ(OpenProfile().pollInterval, 9u);
   EXPECT_EQ(OpenProfile().nextControlId, 1u);
@@ -72,7 +72,7 @@ TEST_F(ProfileOperationsTest, ANewProfileWithoutADeviceInUseHasNoneAndDoesNotCom
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
   ClickNew("Alpha");
   EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(Str(OpenProfile().deviceName), "");
+  EXPECT_EQ(Bytes(OpenProfile().deviceName), "");
   EXPECT_EQ(OpenProfile().deviceGuid, kNoGuid);
   EXPECT_EQ(OpenProfile().pollInterval, 5u);
   ExpectSavedAs("Alpha.idprof");
@@ -301,8 +301,8 @@ TEST_F(ProfileOperationsTest, ANewProfileThatCannotBeWrittenGivesTheOldOneBack) 
       // Nothing, or the whole of it.
       if (Disk().Exists(PathOf("Beta.idprof"))) {
         ProfileFile file;
-        EXPECT_TRUE(file.Load(Bytes(PathOf("Beta.idprof"))));
-        EXPECT_EQ(Str(file.profileName), "Beta");
+        EXPECT_TRUE(file.Load(TextOf(PathOf("Beta.idprof"))));
+        EXPECT_EQ(Bytes(file.profileName), "Beta");
         Disk().Remove(PathOf("Beta.idprof"));
       }
     } else {
@@ -482,7 +482,7 @@ TEST_F(ProfileOperationsTest, ACopyIsWhatIsInMemoryUnderAnotherName) {
   EXPECT_EQ(Descriptions(), Strings({"b"}));
   ExpectSavedAs("Alpha.idprof");
   ProfileFile copy;
-  ASSERT_TRUE(copy.Load(Bytes(PathOf("Alpha.idprof"))));
+  ASSERT_TRUE(copy.Load(TextOf(PathOf("Alpha.idprof"))));
   EXPECT_EQ(copy.movementSensitivity, 21);
   EXPECT_EQ(BytesOf("Beta.idprof"), beta);
   // Nothing is loaded.

@@ -115,7 +115,7 @@ class ProfileRowTest : public MainWindowTest {
     for (const Strings& row : screen.Cells(main_window::kControlList)) texts.push_back(row.at(2));
     return texts;
   }
-  std::string OpenName() { return Str(OpenProfile().profileName); }
+  std::string OpenName() { return Bytes(OpenProfile().profileName); }
 
   bool AnyLockTaken() {
     return Device()->deviceLock.IsTaken() || Engine().mouseLock.IsTaken() ||
@@ -151,13 +151,13 @@ class ProfileRowTest : public MainWindowTest {
     EXPECT_EQ(OpenName(), "");
     EXPECT_EQ(OpenProfile().controls.count, 0);
     EXPECT_EQ(OpenProfile().DispatchList.count, 0);
-    EXPECT_EQ(Str(OpenProfile().deviceName), "");
+    EXPECT_EQ(Bytes(OpenProfile().deviceName), "");
     EXPECT_EQ(Descriptions(), Strings());
   }
   // What is in memory is what the file would give.
   void ExpectSavedAs(const std::string& fileName) {
     ProfileFile file;
-    ASSERT_TRUE(file.Load(Bytes(PathOf(fileName)))) << fileName;
+    ASSERT_TRUE(file.Load(TextOf(PathOf(fileName)))) << fileName;
     ExpectSameProfile(file, OpenProfile());
   }
 

@@ -52,7 +52,7 @@ std::uint32_t Sessions() {
 }
 
 std::string FileNameOf(const std::string& name) {
-  return Str(ProfileLibrary::ProfileFileName(Bytes(name)));
+  return Bytes(ProfileLibrary::ProfileFileName(TextOf(name)));
 }
 
 // As a sorted drop list has them.
@@ -97,7 +97,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       control.repeatDelay = random.Between(10, 200);
       control.repeatSpeed = random.Between(10, 100);
       auto* const action = new KeyAction;
-      action->ParseKeys(Bytes(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})));
+      action->ParseKeys(TextOf(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})));
       control.actions.AddTail(action);
       profile->controls.AddTail(control);
     }
@@ -295,7 +295,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     listed.clear();
-    for (const ByteString& name : names) listed.push_back(Str(name));
+    for (const ByteString& name : names) listed.push_back(Bytes(name));
     const std::string last = SettingText("Last Profile").value_or("");
     Begin();
     std::string first;
@@ -372,7 +372,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
 
   // ---- What holds after each act
 
-  std::string OpenName() { return Str(OpenProfile().profileName); }
+  std::string OpenName() { return Bytes(OpenProfile().profileName); }
 
   // A replay has its locks for as long as it takes, and gives them back.
   void ExpectFreeSoon(const RecursiveLock& lock) {
@@ -418,8 +418,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     if (!listed.empty()) {
       EXPECT_EQ(SettingText("Last Profile").value_or(""), OpenName());
     }
-    EXPECT_EQ(Bytes(TextOf(LastProfile())),
-              Bytes(TextOf(SettingText("Last Profile").value_or(""))));
+    EXPECT_EQ(LastProfile(), SettingText("Last Profile").value_or(""));
   }
 
   // The list shows what the folder holds, but for what a failure or somebody else left behind.
@@ -427,7 +426,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     std::set<std::string> held;
-    for (const ByteString& name : names) held.insert(Str(name));
+    for (const ByteString& name : names) held.insert(Bytes(name));
     const std::set<std::string> shown(listed.begin(), listed.end());
     std::set<std::string> differing;
     std::set_symmetric_difference(held.begin(), held.end(), shown.begin(), shown.end(),
@@ -479,7 +478,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       EXPECT_EQ(Engine().movementFactor, open.movementSensitivity + 2);
     }
     if (Device()->DeviceSelected()) {
-      EXPECT_EQ(CurrentDeviceName(), Str(Device()->SelectedName()));
+      EXPECT_EQ(CurrentDeviceName(), Bytes(Device()->SelectedName()));
     }
   }
 

@@ -48,7 +48,7 @@ struct DeviceChoiceTest : testing::Test {
   static DeviceChoice OfProfile(const platform::GUID& guid, const std::string& name) {
     DeviceChoice choice;
     choice.profileGuid = guid;
-    choice.profileName = FromBytes(name);
+    choice.profileName = TextOf(name);
     return choice;
   }
 

@@ -16,7 +16,7 @@ TEST(JsonText, EscapesWhatJsonDemandsAndKeepsTheRest) {
 
 TEST(JsonText, GivesOtherBytesInHexadecimal) {
   EXPECT_EQ(JsonText(std::string("a\xFF")), R"({"bytes":"61ff"})");
-  EXPECT_EQ(JsonText(FromBytes("\xE4\x0A")), R"({"bytes":"e40a"})");
+  EXPECT_EQ(JsonText(TextOf("\xE4\x0A")), R"({"bytes":"e40a"})");
 }
 
 TEST(JsonSteps, ListsNumbersInOrder) {
@@ -30,9 +30,9 @@ TEST(JsonSteps, ListsNumbersInOrder) {
 
 TEST(Bytes, SurviveThereAndBackWithZeros) {
   const std::string bytes("a\0\xFF", 3);
-  EXPECT_EQ(FromBytes(bytes).Length(), 3U);
-  EXPECT_EQ(Bytes(FromBytes(bytes)), bytes);
-  EXPECT_EQ(Bytes(FromBytes("")), "");
+  EXPECT_EQ(TextOf(bytes).Length(), 3U);
+  EXPECT_EQ(Bytes(TextOf(bytes)), bytes);
+  EXPECT_EQ(Bytes(TextOf("")), "");
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace {
 KeyTextResult Parse(const std::string& text, std::uint32_t actionFlags = 0) {
   KeyAction action;
   action.actionFlags = actionFlags;
-  return ParseKeyText(FromBytes(text), &action);
+  return ParseKeyText(TextOf(text), &action);
 }
 
 TEST(ParseKeyText, HandsOnWhatTheParserSays) {

@@ -75,7 +75,7 @@ TEST(CheckProfile, FindsNothingInWhatASaveMakes) {
   }
   const ProfileReport report = CheckProfile(bytes, "f");
   EXPECT_TRUE(report.loads);
-  EXPECT_EQ(Str(report.profileName), "P");
+  EXPECT_EQ(Bytes(report.profileName), "P");
   EXPECT_EQ(report.controls, 1);
   EXPECT_EQ(Told(report.findings), std::vector<std::string>{});
 }
@@ -332,14 +332,14 @@ TEST(CheckProfile, CountsTheControlsThatWereRead) {
                    "f");
   EXPECT_FALSE(report.loads);
   EXPECT_EQ(report.controls, 2);
-  EXPECT_EQ(Str(report.profileName), "P");
+  EXPECT_EQ(Bytes(report.profileName), "P");
 }
 
 TEST(CheckProfile, TakesJsonToo) {
   const ProfileReport report =
       CheckProfile(R"({"profileName":"J","controls":[{"buttonMask":1},{"description":"x"}]})", "f");
   EXPECT_TRUE(report.loads);
-  EXPECT_EQ(Str(report.profileName), "J");
+  EXPECT_EQ(Bytes(report.profileName), "J");
   EXPECT_EQ(report.controls, 2);
   EXPECT_EQ(Told(report.findings),
             std::vector<std::string>{"neverFires | Control 2 'x' | it has no inputs"});

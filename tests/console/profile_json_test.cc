@@ -332,7 +332,7 @@ TEST(ProfileJson, IsOneLineWhateverTheTexts) {
   Profile again;
   JsonFault fault;
   ASSERT_TRUE(ReadProfile(json, &again, &fault)) << fault.Text("f");
-  EXPECT_EQ(Str(again.profileName), std::string("a\nb\0c", 5));
+  EXPECT_EQ(Bytes(again.profileName), std::string("a\nb\0c", 5));
 }
 
 // A thousand profiles that only a generator would make, through JSON and through files.

@@ -17,7 +17,7 @@ std::string ErrorOf(const DeviceErrorObject& object) {
   EXPECT_EQ(object.PeekError(nullptr), number);
   EXPECT_EQ(object.PeekError(&peeked), number);
   EXPECT_TRUE(peeked.Equals(text));
-  return std::to_string(number) + " " + std::string(text.Text(), text.Length());
+  return std::to_string(number) + " " + Bytes(text);
 }
 
 TEST(DeviceErrorObject, StartsWithNoError) {

@@ -18,8 +18,6 @@ namespace {
 constexpr std::int32_t kAxisMax = 32000;
 constexpr std::uint64_t B1 = 1, B2 = 2, B3 = 4;
 
-std::string Plain(const ByteString& text) { return {text.Text(), text.Length()}; }
-
 // ---- Evaluation ----
 
 // What a pad with a stick, a second axis on another bank and two hats has pushed.
@@ -468,7 +466,7 @@ void ExpectFilledTrigger(const Trigger& trigger) {
 // What both full copies carry over.
 void ExpectFilledMembers(const Control& control) {
   ExpectFilledTrigger(control);
-  EXPECT_EQ(Plain(control.description), "Fire");
+  EXPECT_EQ(Bytes(control.description), "Fire");
   EXPECT_EQ(control.controlId, 17u);
   EXPECT_EQ(control.triggerDown, 1);
   EXPECT_EQ(control.toggleMouseControls, 1);
@@ -480,7 +478,7 @@ void ExpectFilledMembers(const Control& control) {
 }
 
 void ExpectDefaultsButTrigger(const Control& control) {
-  EXPECT_EQ(Plain(control.description), "");
+  EXPECT_EQ(Bytes(control.description), "");
   EXPECT_EQ(control.controlId, 0u);
   EXPECT_EQ(control.triggerDown, 0);
   EXPECT_EQ(control.toggleMouseControls, 0);

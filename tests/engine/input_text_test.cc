@@ -13,18 +13,16 @@ namespace {
 
 constexpr std::int32_t kAxisMax = 32000;
 
-std::string Plain(const ByteString& text) { return {text.Text(), text.Length()}; }
-
 std::string TextOf(const TriggerItem& item, bool detailed) {
   ByteString text;
   InputText(item, &text, detailed);
-  return Plain(text);
+  return Bytes(text);
 }
 
 std::string ButtonsAfter(const char* before, std::uint64_t mask) {
   ByteString text(before);
   ButtonsText(mask, &text);
-  return Plain(text);
+  return Bytes(text);
 }
 
 TEST(InputName, EachKindHasItsName) {
@@ -36,7 +34,7 @@ TEST(InputName, EachKindHasItsName) {
       {5, "Axis_RZ"}, {6, "SliderA"}, {7, "SliderB"}, {8, "POV"},     {9, "POV"},
       {10, ""},       {11, ""},       {12, ""},       {65535, ""},
   };
-  for (const auto& row : rows) EXPECT_EQ(Plain(InputName(row.kind)), row.name) << row.kind;
+  for (const auto& row : rows) EXPECT_EQ(Bytes(InputName(row.kind)), row.name) << row.kind;
 }
 
 TEST(ButtonsText, AnEmptyMaskAppendsNothing) {
@@ -100,7 +98,7 @@ TEST(InputText, HatDirectionsAreTheLowByteAlone) {
 TEST(InputText, AppendsToWhatIsThereWithoutAPlus) {
   ByteString text("a ");
   InputText({0, 0, 1}, &text, true);
-  EXPECT_EQ(Plain(text), "a Axis_X0(neg)");
+  EXPECT_EQ(Bytes(text), "a Axis_X0(neg)");
 }
 
 TEST(InputText, NothingAssignedAppendsNothing) {
@@ -127,7 +125,7 @@ std::string TextOf(std::uint64_t mask, const std::vector<TriggerItem>& items) {
   for (const TriggerItem& item : items) trigger.triggerItems.AddTail(item);
   ByteString text("what was there before");
   TriggerText(trigger, &text);
-  return Plain(text);
+  return Bytes(text);
 }
 
 TEST(TriggerText, ButtonsFirstThenInputsInTheirOrder) {
@@ -165,7 +163,7 @@ struct Captured {
   explicit Captured(const DeviceSnapshot& snapshot, std::int32_t axisMax = kAxisMax) {
     ByteString bytes;
     CaptureTrigger(axisMax, snapshot, &bytes, &trigger);
-    text = Plain(bytes);
+    text = Bytes(bytes);
   }
 
   std::string text;
@@ -182,7 +180,7 @@ TEST(CaptureTrigger, OfNothingEmptiesTextAndTrigger) {
   trigger.triggerSpoiled = 1;
   ByteString text("old");
   CaptureTrigger(kAxisMax, DeviceSnapshot{}, &text, &trigger);
-  EXPECT_EQ(Plain(text), "");
+  EXPECT_EQ(Bytes(text), "");
   EXPECT_EQ(trigger.activateOnPress, 1);
   EXPECT_EQ(trigger.triggerOption, 1);
   EXPECT_EQ(trigger.buttonMask, 0u);
@@ -199,7 +197,7 @@ TEST(CaptureTrigger, LeavesTheRestOfAControlAlone) {
   control.triggerDown = 1;
   ByteString text;
   CaptureTrigger(kAxisMax, SnapshotOf({1, {}}), &text, &control);
-  EXPECT_EQ(Plain(control.description), "kept");
+  EXPECT_EQ(Bytes(control.description), "kept");
   EXPECT_EQ(control.controlId, 9u);
   EXPECT_EQ(control.triggerDown, 1);
 }
@@ -281,7 +279,7 @@ TEST(CaptureTrigger, GoesOnWhenAnItemFindsNoMemory) {
     CaptureTrigger(kAxisMax, snapshot, &text, &trigger);
     EXPECT_EQ(fault.Failed(), 1u);
   }
-  EXPECT_EQ(Plain(text), "B1+POV0(up)+POV1(+left)");
+  EXPECT_EQ(Bytes(text), "B1+POV0(up)+POV1(+left)");
   EXPECT_EQ(ItemsText(trigger), "8 1 1");
 }
 

@@ -15,8 +15,6 @@
 namespace kelvaro {
 namespace {
 
-std::string Plain(const ByteString& text) { return {text.Text(), text.Length()}; }
-
 // A Control by its one-letter name, with that many buttons and items.
 struct Row {
   char name;
@@ -37,7 +35,7 @@ Control* Add(Profile* profile, const Row& row) {
 
 std::string Names(const LinkedList<Control>& list) {
   std::string names;
-  for (const Control& control : list) names += Plain(control.description);
+  for (const Control& control : list) names += Bytes(control.description);
   return names;
 }
 
@@ -288,8 +286,8 @@ TEST(Profile, DefaultsOfANewOne) {
   const Profile profile;
   EXPECT_EQ(profile.controls.count, 0);
   EXPECT_EQ(profile.DispatchList.count, 0);
-  EXPECT_EQ(Plain(profile.profileName), "");
-  EXPECT_EQ(Plain(profile.deviceName), "");
+  EXPECT_EQ(Bytes(profile.profileName), "");
+  EXPECT_EQ(Bytes(profile.deviceName), "");
   EXPECT_EQ(profile.nextControlId, 1u);
   EXPECT_EQ(profile.pollInterval, 5u);
   EXPECT_EQ(profile.deviceGuid, platform::GUID{});
@@ -307,8 +305,8 @@ TEST(Profile, ClearEmptiesNameDeviceAndLists) {
   Add(&profile, {'a', 1});
   profile.RebuildDispatchList();
   profile.Clear();
-  EXPECT_EQ(Plain(profile.profileName), "");
-  EXPECT_EQ(Plain(profile.deviceName), "");
+  EXPECT_EQ(Bytes(profile.profileName), "");
+  EXPECT_EQ(Bytes(profile.deviceName), "");
   EXPECT_EQ(profile.nextControlId, 1u);
   EXPECT_EQ(profile.pollInterval, 5u);
   EXPECT_EQ(profile.deviceGuid, platform::GUID{});

@@ -24,8 +24,6 @@ std::string Bytes(std::size_t count) {
   return bytes;
 }
 
-std::string Text(const ByteString& text) { return std::string(text.Text(), text.Length()); }
-
 class BinaryFileTest : public ::testing::Test {
  protected:
   void OpenWith(const std::string& bytes) {
@@ -126,11 +124,11 @@ TEST_F(BinaryFileTest, AReadThatRunsPastTheEndHoldsTheBytesUpToIt) {
   OpenWith("0123456789");
   ByteString out("left");
   EXPECT_FALSE(file.ReadBytes(&out, 7, 5));
-  EXPECT_EQ(Text(out), "789");
+  EXPECT_EQ(Bytes(out), "789");
   EXPECT_FALSE(file.ReadBytes(&out, 10, 1));
-  EXPECT_EQ(Text(out), "");
+  EXPECT_EQ(Bytes(out), "");
   EXPECT_TRUE(file.ReadBytes(&out, 7, 3));
-  EXPECT_EQ(Text(out), "789");
+  EXPECT_EQ(Bytes(out), "789");
 }
 
 TEST_F(BinaryFileTest, ACountOfZeroIsTrueWhereverItIs) {
@@ -148,7 +146,7 @@ TEST_F(BinaryFileTest, AReadAcrossTheWindowsEndMovesItOn) {
   OpenWith(Bytes(200'000));
   ByteString out;
   EXPECT_TRUE(file.ReadBytes(&out, 131'070, 4));
-  EXPECT_EQ(Text(out), Bytes(200'000).substr(131'070, 4));
+  EXPECT_EQ(Bytes(out), Bytes(200'000).substr(131'070, 4));
   EXPECT_EQ(file.windowFirst, 131'072u);
   EXPECT_EQ(Reads(), 1u);
 }
@@ -158,7 +156,7 @@ TEST_F(BinaryFileTest, AReadLongerThanTheWindowComesInRuns) {
   OpenWith(bytes);
   ByteString out;
   EXPECT_TRUE(file.ReadBytes(&out, 10, 399'990));
-  EXPECT_TRUE(Text(out) == bytes.substr(10));
+  EXPECT_TRUE(Bytes(out) == bytes.substr(10));
   // 131,072 were there; 131,072 more twice, and 6,784 at the end.
   EXPECT_EQ(Reads(), 3u);
 }
@@ -167,7 +165,7 @@ TEST_F(BinaryFileTest, MemoryFollowsTheFileAndNotTheCount) {
   OpenWith("abc");
   ByteString out;
   EXPECT_FALSE(file.ReadBytes(&out, 0, 0xFFFFFFFFu));
-  EXPECT_EQ(Text(out), "abc");
+  EXPECT_EQ(Bytes(out), "abc");
   EXPECT_LT(out.Capacity(), 100);
 }
 
@@ -181,7 +179,7 @@ TEST_F(BinaryFileTest, PositionsThatNoFileReachesFail) {
     EXPECT_TRUE(out.IsEmpty());
   }
   EXPECT_TRUE(file.ReadBytes(&out, 0, 3));
-  EXPECT_EQ(Text(out), "abc");
+  EXPECT_EQ(Bytes(out), "abc");
 }
 
 TEST_F(BinaryFileTest, NumbersHaveTheMostSignificantByteFirst) {
@@ -238,7 +236,7 @@ TEST_F(BinaryFileTest, AFirstReadThatFailsStillOpens) {
   EXPECT_EQ(file.windowLast, 0u);
   ByteString out;
   EXPECT_TRUE(file.ReadBytes(&out, 1, 2));
-  EXPECT_EQ(Text(out), "bc");
+  EXPECT_EQ(Bytes(out), "bc");
   EXPECT_EQ(file.windowFirst, 0u);
 }
 
@@ -323,7 +321,7 @@ TEST_F(BinaryFileTest, OpensAgainOnAnotherPath) {
   EXPECT_EQ(disk.OpenHandles(), 1u);
   ByteString out;
   EXPECT_TRUE(file.ReadBytes(&out, 0, 6));
-  EXPECT_EQ(Text(out), "second");
+  EXPECT_EQ(Bytes(out), "second");
 }
 
 TEST_F(BinaryFileTest, ItsEndCloses) {

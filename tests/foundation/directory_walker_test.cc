@@ -18,13 +18,11 @@ using platform::simulation::VirtualDisk;
 
 using Paths = std::vector<std::string>;
 
-std::string Text(const ByteString& text) { return std::string(text.Text(), text.Length()); }
-
 // Folders end in a colon.
 Paths Rest(DirectoryWalker& walker) {
   Paths paths;
   WalkResult result;
-  while (walker.Next(&result)) paths.push_back(Text(result.path) + (result.isFolder ? ":" : ""));
+  while (walker.Next(&result)) paths.push_back(Bytes(result.path) + (result.isFolder ? ":" : ""));
   return paths;
 }
 
@@ -149,7 +147,7 @@ TEST_F(DirectoryWalkerTest, StatusComesWhenAskedFor) {
   EXPECT_EQ(result.status.attributes, FILE_ATTRIBUTE_DIRECTORY);
   ASSERT_TRUE(walker.Next(&result));
   EXPECT_FALSE(result.isFolder);
-  EXPECT_EQ(Text(result.path), "folder/inner");
+  EXPECT_EQ(Bytes(result.path), "folder/inner");
   EXPECT_EQ(result.status.size, 1u);
   EXPECT_FALSE(walker.Next(&result));
 }
@@ -168,7 +166,7 @@ TEST_F(DirectoryWalkerTest, AFileThatGoesBeforeItsStatusIsReportedWithout) {
   disk.FailOperation(4);  // behind ".", ".." and the file: the search for its status
   WalkResult result;
   ASSERT_TRUE(walker.Next(&result));
-  EXPECT_EQ(Text(result.path), "b.txt");
+  EXPECT_EQ(Bytes(result.path), "b.txt");
   EXPECT_FALSE(result.hasStatus);
 }
 
@@ -177,7 +175,7 @@ TEST_F(DirectoryWalkerTest, AnUnreadableFolderCountsAsEmpty) {
   WalkResult result;
   do {
     ASSERT_TRUE(walker.Next(&result));
-  } while (Text(result.path) != "sub");
+  } while (Bytes(result.path) != "sub");
   disk.FailOperation(1);
   EXPECT_EQ(Rest(walker), (Paths{"over:", "over/o.txt", "over/s.dat"}));
 }
@@ -187,7 +185,7 @@ TEST_F(DirectoryWalkerTest, AFolderThatVanishesEndsItsBranch) {
   WalkResult result;
   do {
     ASSERT_TRUE(walker.Next(&result));
-  } while (Text(result.path) != "sub/s.txt");
+  } while (Bytes(result.path) != "sub/s.txt");
   disk.Remove("/t/sub");
   EXPECT_EQ(Rest(walker), (Paths{"over/o.txt", "over/s.dat"}));
 }
@@ -235,7 +233,7 @@ TEST_F(DirectoryWalkerTest, AStartEndsTheWalkUnderWay) {
   WalkResult result;
   do {
     ASSERT_TRUE(walker.Next(&result));
-  } while (Text(result.path) != "sub/s.txt");
+  } while (Bytes(result.path) != "sub/s.txt");
   EXPECT_TRUE(walker.Start(WalkFiles, "*", "/t/over", "*", false));
   EXPECT_EQ(disk.OpenHandles(), 0u);
   EXPECT_EQ(Rest(walker), (Paths{"o.txt", "s.dat"}));
@@ -247,7 +245,7 @@ TEST_F(DirectoryWalkerTest, StopEndsItAndGivesEverythingBack) {
     WalkResult result;
     do {
       ASSERT_TRUE(walker.Next(&result));
-    } while (Text(result.path) != "sub/s.txt");
+    } while (Bytes(result.path) != "sub/s.txt");
     EXPECT_GE(disk.OpenHandles(), 1u);
     walker.Stop();
     EXPECT_EQ(disk.OpenHandles(), 0u);

@@ -16,8 +16,6 @@ using platform::simulation::DiskOperation;
 using platform::simulation::Simulation;
 using platform::simulation::VirtualDisk;
 
-std::string Text(const ByteString& text) { return std::string(text.Text(), text.Length()); }
-
 // The paths that were asked to be made, in order.
 std::vector<std::string> Made(const VirtualDisk& disk) {
   std::vector<std::string> paths;
@@ -85,13 +83,10 @@ TEST_F(DrivePathsTest, OnlyLettersNameDrives) {
   }
 }
 
-TEST_F(SlashPathsTest, ABareDriveDoesNotExist) {
+TEST_F(SlashPathsTest, OneByteNamesAFileOrTheRootAndNothingNamesADrive) {
   EXPECT_FALSE(FileExists("C:"));
   EXPECT_FALSE(FileExists("C:/"));
   EXPECT_TRUE(disk.Log().empty());
-}
-
-TEST_F(SlashPathsTest, OneByteNamesAFileOrTheRoot) {
   disk.PutFile("a", "");
   EXPECT_TRUE(FileExists("a"));
   EXPECT_TRUE(FileExists("/"));
@@ -112,8 +107,8 @@ TEST(FolderOf, IsWhatStandsBeforeTheLastSeparator) {
         Row{'\\', "a/b\\c", "a/b", "a/b\\"}, Row{'\\', "/a/b", "", ""}, Row{'/', "a.txt", "", ""},
         Row{'/', "/a/b.txt", "/a", "/a/"}, Row{'/', "/", "", "/"}, Row{'/', "/a", "", "/"},
         Row{'/', "a\\b/c", "a\\b", "a\\b/"}, Row{'/', "C:\\a", "", ""}}) {
-    EXPECT_EQ(Text(FolderOf(row.path, true, row.separator)), row.without) << row.path;
-    EXPECT_EQ(Text(FolderOf(row.path, false, row.separator)), row.with) << row.path;
+    EXPECT_EQ(Bytes(FolderOf(row.path, true, row.separator)), row.without) << row.path;
+    EXPECT_EQ(Bytes(FolderOf(row.path, false, row.separator)), row.with) << row.path;
   }
 }
 
@@ -161,20 +156,18 @@ TEST(RootOf, IsTheDriveOrShareOfAPathWithBackslashes) {
            Row{"a", "a", "a\\"},
            Row{"\\", "\\", "\\"},
        }) {
-    EXPECT_EQ(Text(RootOf(row.path, true, '\\')), row.without) << row.path;
-    EXPECT_EQ(Text(RootOf(row.path, false, '\\')), row.with) << row.path;
+    EXPECT_EQ(Bytes(RootOf(row.path, true, '\\')), row.without) << row.path;
+    EXPECT_EQ(Bytes(RootOf(row.path, false, '\\')), row.with) << row.path;
   }
 }
 
 TEST(RootOf, IsTheLeadingSlashOfAPathWithSlashes) {
-  for (const bool without : {true, false}) {
-    EXPECT_EQ(Text(RootOf("/a/b", without, '/')), "/");
-    EXPECT_EQ(Text(RootOf("/a", without, '/')), "/");
-    EXPECT_EQ(Text(RootOf("/", without, '/')), "/");
-    EXPECT_EQ(Text(RootOf("//a/b", without, '/')), "//");
-    EXPECT_EQ(Text(RootOf("a/b", without, '/')), "");
-    EXPECT_EQ(Text(RootOf("a", without, '/')), "");
-    EXPECT_EQ(Text(RootOf("", without, '/')), "");
+  const struct {
+    const char *path, *root;
+  } rows[] = {{"/a/b", "/"}, {"/a", "/"}, {"/", "/"}, {"//a/b", "//"}, {"a/b", ""}, {"", ""}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(Bytes(RootOf(row.path, true, '/')), row.root) << row.path;
+    EXPECT_EQ(Bytes(RootOf(row.path, false, '/')), row.root) << row.path;
   }
 }
 
@@ -187,7 +180,7 @@ TEST(EnsureTrailingSeparator, AppendsOneWhereNoneIs) {
                          Row{'/', "a", "a/"}, Row{'/', "a/", "a/"}, Row{'/', "a\\", "a\\/"}}) {
     ByteString path(row.path);
     EnsureTrailingSeparator(&path, row.separator);
-    EXPECT_EQ(Text(path), row.result);
+    EXPECT_EQ(Bytes(path), row.result);
   }
 }
 
@@ -307,20 +300,20 @@ TEST_F(SlashPathsTest, NoStatusOfWhatIsNotThere) {
 }
 
 TEST_F(DrivePathsTest, ProgramAndItsFolder) {
-  EXPECT_EQ(Text(ProgramPath()), "C:\\game\\kelvaro.exe");
-  EXPECT_EQ(Text(ProgramFolder()), "C:\\game");
+  EXPECT_EQ(Bytes(ProgramPath()), "C:\\game\\kelvaro.exe");
+  EXPECT_EQ(Bytes(ProgramFolder()), "C:\\game");
   disk.SetProgramPath("");
-  EXPECT_EQ(Text(ProgramPath()), "");
-  EXPECT_EQ(Text(ProgramFolder()), "");
+  EXPECT_EQ(Bytes(ProgramPath()), "");
+  EXPECT_EQ(Bytes(ProgramFolder()), "");
 }
 
 TEST_F(SlashPathsTest, ProgramAndItsFolder) {
-  EXPECT_EQ(Text(ProgramPath()), "/game/kelvaro");
-  EXPECT_EQ(Text(ProgramFolder()), "/game");
+  EXPECT_EQ(Bytes(ProgramPath()), "/game/kelvaro");
+  EXPECT_EQ(Bytes(ProgramFolder()), "/game");
   disk.SetProgramPath("/kelvaro");
-  EXPECT_EQ(Text(ProgramFolder()), "");
+  EXPECT_EQ(Bytes(ProgramFolder()), "");
   disk.SetProgramPath("");
-  EXPECT_EQ(Text(ProgramFolder()), "");
+  EXPECT_EQ(Bytes(ProgramFolder()), "");
 }
 
 TEST_F(DrivePathsTest, APathThatDoesNotFitCountsAsNone) {
@@ -330,10 +323,10 @@ TEST_F(DrivePathsTest, APathThatDoesNotFitCountsAsNone) {
   for (const std::string& folder : {fits, tooLong}) {
     disk.PutFolder(folder);
     ASSERT_TRUE(platform::SetCurrentDirectoryA(folder));
-    EXPECT_EQ(Text(CurrentFolder()), folder == fits ? fits : "");
+    EXPECT_EQ(Bytes(CurrentFolder()), folder == fits ? fits : "");
     disk.SetProgramPath(folder);
-    EXPECT_EQ(Text(ProgramPath()), folder == fits ? fits : "");
-    EXPECT_EQ(Text(ProgramFolder()), folder == fits ? fits.substr(0, 3 + 128) : "");
+    EXPECT_EQ(Bytes(ProgramPath()), folder == fits ? fits : "");
+    EXPECT_EQ(Bytes(ProgramFolder()), folder == fits ? fits.substr(0, 3 + 128) : "");
   }
 }
 
@@ -341,24 +334,15 @@ TEST_F(SlashPathsTest, LongPathsAreTold) {
   const std::string folder = "/" + std::string(150, 'f') + "/" + std::string(150, 'f');
   disk.PutFolder(folder);
   ASSERT_TRUE(platform::SetCurrentDirectoryA(folder));
-  EXPECT_EQ(Text(CurrentFolder()), folder);
+  EXPECT_EQ(Bytes(CurrentFolder()), folder);
   disk.SetProgramPath(folder + "/kelvaro");
-  EXPECT_EQ(Text(ProgramFolder()), folder);
+  EXPECT_EQ(Bytes(ProgramFolder()), folder);
 }
 
 TEST_F(SlashPathsTest, CurrentFolderThatCannotBeToldIsEmpty) {
-  EXPECT_EQ(Text(CurrentFolder()), "/home/player");
+  EXPECT_EQ(Bytes(CurrentFolder()), "/home/player");
   disk.FailOperation(1);
-  EXPECT_EQ(Text(CurrentFolder()), "");
-}
-
-TEST(SeamPath, KeepsEveryByte) {
-  ByteString path;
-  path.AssignBytes("a\0b", 3);
-  EXPECT_EQ(SeamPath(path), std::string("a\0b", 3));
-  EXPECT_EQ(Text(FromSeamPath(std::string("a\0b", 3))), std::string("a\0b", 3));
-  EXPECT_EQ(SeamPath(ByteString()), "");
-  EXPECT_EQ(Text(FromSeamPath("")), "");
+  EXPECT_EQ(Bytes(CurrentFolder()), "");
 }
 
 }  // namespace

@@ -21,8 +21,6 @@ using platform::simulation::Simulation;
 using platform::simulation::VirtualRegistry;
 using Lines = std::vector<std::string>;
 
-std::string Bytes(const ByteString& text) { return {text.Text(), text.Length()}; }
-
 // "name=text" and "name#number".
 Lines Shown(const RegistryValueList& values) {
   Lines lines;

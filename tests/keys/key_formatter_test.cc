@@ -13,7 +13,7 @@ namespace kelvaro {
 namespace {
 
 std::string Format(std::initializer_list<KeyStep> steps) {
-  return StdString(ActionOf(steps).FormatKeys());
+  return Bytes(ActionOf(steps).FormatKeys());
 }
 
 // What the text of a field becomes the next time it is filled.
@@ -250,7 +250,7 @@ TEST(FormatKeys, RandomCanonicalStepsComeBackUnchanged) {
     for (std::uint32_t n = random.Below(10); n > 0; --n) {
       action.steps.AddTail(CanonicalStep(&random));
     }
-    const std::string text = StdString(action.FormatKeys());
+    const std::string text = Bytes(action.FormatKeys());
     const Parsed parsed = Parse(text);
     ASSERT_EQ(parsed.result, -1) << text;
     ASSERT_EQ(parsed.Steps(), StepText(action.steps)) << text;
@@ -274,7 +274,7 @@ TEST(FormatKeys, TextOfAnyStepsParsesAndSettles) {
   for (int round = 0; round < 20000; ++round) {
     KeyAction action;
     for (std::uint32_t n = random.Below(10); n > 0; --n) action.steps.AddTail(random.AnyStep());
-    const std::string settled = Reshown(Reshown(StdString(action.FormatKeys())));
+    const std::string settled = Reshown(Reshown(Bytes(action.FormatKeys())));
     ASSERT_EQ(Reshown(settled), settled);
   }
 }

@@ -370,12 +370,12 @@ TEST(SmartCheck, IsTheTokenOfANameInAnyCase) {
   } kCases[] = {
       {"pgdown", "<PgDown>"}, {"eSC", "<Esc>"}, {"Shift", "<Shift>"}, {"LMouse", "<LMouse>"},
       {"NP.", "<NP.>"},       {"NP*", "<NP*>"}, {"CR", "<CR>"},       {"startapp2", "<StartApp2>"}};
-  for (const auto& c : kCases) EXPECT_EQ(StdString(KeyAction::SmartCheck(c.name)), c.token);
+  for (const auto& c : kCases) EXPECT_EQ(Bytes(KeyAction::SmartCheck(c.name)), c.token);
 }
 
 TEST(SmartCheck, OnlyTheWholeTextMatches) {
   for (const char* text : {"", "Escape", "aEsc", "Esc ", "EscEsc", "<Esc", "<Esc>", "<", "P:500"}) {
-    EXPECT_EQ(StdString(KeyAction::SmartCheck(text)), "") << text;
+    EXPECT_EQ(Bytes(KeyAction::SmartCheck(text)), "") << text;
   }
 }
 
@@ -397,7 +397,7 @@ TEST(ParseSteps, EatsTheTextUpToTheFaultAndAppends) {
     bool sawUppercase = false;
     bool duplicate = false;
     action.ParseSteps(&text, &sawUppercase, &duplicate);
-    EXPECT_EQ(StdString(text), c.rest);
+    EXPECT_EQ(Bytes(text), c.rest);
     EXPECT_EQ(StepText(action.steps), c.steps);
     EXPECT_EQ(sawUppercase, c.sawUppercase);
     EXPECT_EQ(duplicate, c.duplicate);

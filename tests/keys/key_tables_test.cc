@@ -197,8 +197,8 @@ TEST(FindToken, WantsTheWholeName) {
        {"", " ", "Escape", "Es", " Esc", "Esc ", "NP", "F", "F13", "P:5", "<Esc>"}) {
     EXPECT_EQ(FindToken(ByteString(name)), -1) << name;
   }
-  EXPECT_EQ(FindToken(Bytes(std::string_view("Esc\0", 4))), -1);
-  EXPECT_EQ(FindToken(Bytes(std::string_view("E\0c", 3))), -1);
+  EXPECT_EQ(FindToken(TextOf(std::string_view("Esc\0", 4))), -1);
+  EXPECT_EQ(FindToken(TextOf(std::string_view("E\0c", 3))), -1);
 }
 
 TEST(FindToken, ReadsNoFurtherThanItsLength) {

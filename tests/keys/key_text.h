@@ -28,14 +28,6 @@ inline std::string StepText(const KeyStep& step) {
   return StepText(steps);
 }
 
-inline ByteString Bytes(std::string_view text) {
-  ByteString bytes;
-  bytes.AssignBytes(text.data(), static_cast<std::uint32_t>(text.size()));
-  return bytes;
-}
-
-inline std::string StdString(const ByteString& text) { return {text.Text(), text.Length()}; }
-
 inline KeyAction ActionOf(std::initializer_list<KeyStep> steps, bool holdAll = false) {
   KeyAction action;
   for (const KeyStep& step : steps) action.steps.AddTail(step);
@@ -49,13 +41,13 @@ struct Parsed {
   KeyAction action;
 
   std::string Steps() const { return StepText(action.steps); }
-  std::string Text() const { return StdString(action.FormatKeys()); }
+  std::string Text() const { return Bytes(action.FormatKeys()); }
 };
 
 inline Parsed Parse(std::string_view text, bool holdAll = false) {
   Parsed parsed{0, false, {}};
   if (holdAll) parsed.action.actionFlags = KeyAction::HoldAllKeys;
-  parsed.result = parsed.action.ParseKeys(Bytes(text), &parsed.duplicate);
+  parsed.result = parsed.action.ParseKeys(TextOf(text), &parsed.duplicate);
   return parsed;
 }
 

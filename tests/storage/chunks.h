@@ -77,11 +77,4 @@ inline std::string Container(const Chunks& children, const std::string& magic = 
 }
 inline std::string ProfileBytes(const Chunks& children) { return Container(children, "XBF"); }
 
-inline std::string Str(const ByteString& text) { return std::string(text.Text(), text.Length()); }
-inline ByteString Bytes(const std::string& text) {
-  ByteString bytes;
-  bytes.AssignBytes(text.data(), static_cast<std::uint32_t>(text.size()));
-  return bytes;
-}
-
 }  // namespace kelvaro

@@ -34,7 +34,7 @@ class DamagedFileTest : public ProfileTest {
   // Loads what lies at P.idprof and saves it.
   bool LoadAndSave() {
     ProfileFile profile;
-    EXPECT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+    EXPECT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
     return profile.Save();
   }
 
@@ -45,9 +45,9 @@ class DamagedFileTest : public ProfileTest {
 TEST_F(DamagedFileTest, ACutFileIsKeptBeforeTheFirstSaveOverIt) {
   Put("P.idprof", cut);
   ProfileFile profile;
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   EXPECT_EQ(profile.controls.count, 0);
-  EXPECT_EQ(Str(profile.DamagedFile()), PathOf("P.idprof"));
+  EXPECT_EQ(Bytes(profile.DamagedFile()), PathOf("P.idprof"));
   EXPECT_EQ(Files(), Strings{"P.idprof"}) << "not by the load";
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(On("P.idprof.damaged"), cut);
@@ -63,7 +63,7 @@ TEST_F(DamagedFileTest, WhereverAFileIsCutItsBytesAreInTheFolderAfterASave) {
     Disk().Remove(kFolder);
     Put("P.idprof", whole.substr(0, n));
     ProfileFile profile;
-    if (!profile.Load(Bytes(PathOf("P.idprof")))) continue;
+    if (!profile.Load(TextOf(PathOf("P.idprof")))) continue;
     ASSERT_TRUE(profile.Save()) << n;
     EXPECT_EQ(On("P.idprof.damaged"), whole.substr(0, n));
   }
@@ -101,8 +101,8 @@ TEST_F(DamagedFileTest, AGoodLoadForgetsTheDamagedFileBefore) {
   Put("P.idprof", cut);
   Put("whole.idprof", whole);
   ProfileFile profile;
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("whole.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("whole.idprof"))));
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(Files(), (Strings{"P.idprof", "whole.idprof"}));
 }
@@ -131,7 +131,7 @@ TEST_F(DamagedFileTest, WhatWasKeptBeforeIsNotOverwritten) {
 TEST_F(DamagedFileTest, WithoutRoomForTheCopyNothingIsSaved) {
   Put("P.idprof", cut);
   ProfileFile profile;
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   {
     const WatchedFiles full(sim.Groups(), [this](const std::string& operation, const std::string&) {
       if (operation == "copy") Disk().FailOperation(1, platform::ERROR_DISK_FULL);
@@ -147,7 +147,7 @@ TEST_F(DamagedFileTest, WithoutRoomForTheCopyNothingIsSaved) {
 TEST_F(DamagedFileTest, AFileThatIsGoneNeedsNotBeKept) {
   Put("P.idprof", cut);
   ProfileFile profile;
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   Disk().Remove(PathOf("P.idprof"));
   EXPECT_TRUE(profile.Save());
   EXPECT_EQ(Files(), Strings{"P.idprof"});
@@ -156,7 +156,7 @@ TEST_F(DamagedFileTest, AFileThatIsGoneNeedsNotBeKept) {
 TEST_F(DamagedFileTest, ASaveToAnotherFileLeavesItWhereItIs) {
   Put("P.idprof", cut);
   ProfileFile profile;
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   profile.profileName = "Q";
   EXPECT_TRUE(profile.Save());
   EXPECT_EQ(Files(), (Strings{"P.idprof", "Q.idprof"}));
@@ -170,18 +170,18 @@ TEST_F(DamagedFileTest, WhatIsKeptIsNeverListed) {
   ProfileFile profile;
   ASSERT_TRUE(profile.ListProfileNames(&names));
   EXPECT_EQ(names.count, 1);
-  EXPECT_EQ(Str(profile.FindProfileFile("P")), PathOf("P.idprof"));
+  EXPECT_EQ(Bytes(profile.FindProfileFile("P")), PathOf("P.idprof"));
 }
 
 TEST_F(DamagedFileTest, TheLongestNameThatCanBeSavedCanBeKept) {
   const std::string name(ProfileFile::kLongestName, 'n');
   const std::string file = name + ".idprof";
   ProfileFile profile;
-  profile.profileName = Bytes(name);
+  profile.profileName = TextOf(name);
   ASSERT_TRUE(profile.Save());
   const std::string bytes = On(file).substr(0, On(file).size() - 1);
   Put(file, bytes);
-  ASSERT_TRUE(profile.Load(Bytes(PathOf(file))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf(file))));
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(On(file.substr(0, 247) + ".damaged"), bytes);
 }

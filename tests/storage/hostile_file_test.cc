@@ -50,7 +50,7 @@ class HostileFileTest : public ProfileTest {
     // Nothing of it sticks.
     Disk().PutFile("/data/h.idprof", SmallProfile("good"));
     EXPECT_TRUE(profile.Load("/data/h.idprof"));
-    EXPECT_EQ(Str(profile.profileName), "good");
+    EXPECT_EQ(Bytes(profile.profileName), "good");
     EXPECT_EQ(profile.controls.count, 0);
     return loaded;
   }
@@ -169,7 +169,7 @@ TEST_F(HostileFileTest, SizesThatAreTooSmallAreForgiven) {
   // One whose root alone is wrong reads in full.
   const std::string content = TypeList() + RevisionList() + NameList("A");
   EXPECT_TRUE(LoadBytes(&profile, File(Liar(0, 0, 3, content))));
-  EXPECT_EQ(Str(profile.profileName), "A");
+  EXPECT_EQ(Bytes(profile.profileName), "A");
 }
 
 TEST_F(HostileFileTest, ManyEmptyControlsAreReadInTimeThatGrowsWithTheirNumber) {
@@ -208,7 +208,7 @@ TEST_F(HostileFileTest, NamesWithPathPartsAndZeroBytesStayInTheFolder) {
     EXPECT_TRUE(profile.Save());
     EXPECT_EQ(Disk().List("/"), (std::vector<std::string>{"game", "home", "data"}));
     EXPECT_EQ(Disk().List("/game"), (std::vector<std::string>{"kelvaro", "Profiles"}));
-    EXPECT_EQ(Str(profile.FindProfileFile(Bytes(name))).rfind(PathOf(""), 0), 0u);
+    EXPECT_EQ(Bytes(profile.FindProfileFile(TextOf(name))).rfind(PathOf(""), 0), 0u);
     EXPECT_TRUE(profile.DeleteProfileFile());
     EXPECT_EQ(Disk().List(kFolder).size(), 0u);
     Disk().Remove("/data");

@@ -32,7 +32,7 @@ class MembersText {
   static std::string Shown(T number) {
     return std::to_string(number);
   }
-  static std::string Shown(const ByteString& bytes) { return Str(bytes); }
+  static std::string Shown(const ByteString& bytes) { return Bytes(bytes); }
   static std::string Shown(const platform::GUID& guid) {
     std::string shown = Shown(guid.Data1) + " " + Shown(guid.Data2) + " " + Shown(guid.Data3);
     for (const std::uint8_t byte : guid.Data4) shown += " " + Shown(byte);

@@ -22,14 +22,14 @@ struct Members {
 constexpr char kBytes[] = "01 01 0203 04050607 FFFFFFFE 08090A0B0C0D0E0F 111213 2122 0008 0002";
 
 std::string Written(const Members& m) {
-  return Str(PackedWriter(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes, m.relaxed,
-                          m.input)
-                 .Field());
+  return Bytes(PackedWriter(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes,
+                            m.relaxed, m.input)
+                   .Field());
 }
 
 Members ReadFrom(const std::string& bytes) {
   Members m;
-  const ByteString field = Bytes(bytes);
+  const ByteString field = TextOf(bytes);
   PackedReader(field).Read(m.truth, m.flag, m.word, m.number, m.negative, m.mask, m.bytes,
                            m.relaxed, m.input);
   return m;
@@ -62,10 +62,10 @@ TEST(PackedReader, ANumberCutShortIsASmallerOneAndTheRestIsZero) {
 TEST(PackedReader, AMemberThatNeedNotBeThereKeepsItsValue) {
   std::uint8_t first = 1;
   std::uint8_t last = 1;
-  PackedReader(Bytes(FromHex("00"))).Read(first, IfThere(last));
+  PackedReader(TextOf(FromHex("00"))).Read(first, IfThere(last));
   EXPECT_EQ(first, 0);
   EXPECT_EQ(last, 1);
-  PackedReader(Bytes(FromHex("0000"))).Read(first, IfThere(last));
+  PackedReader(TextOf(FromHex("0000"))).Read(first, IfThere(last));
   EXPECT_EQ(last, 0);
 }
 

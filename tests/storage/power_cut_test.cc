@@ -270,7 +270,7 @@ TEST(PowerCut, AtEachOperationOfASaveOverACutFileItsBytesAreStillThere) {
       Machine machine(setting);
       machine.Disk().PutFile(machine.Path(), cut);
       ProfileFile profile;
-      ASSERT_TRUE(profile.Load(Bytes(machine.Path())));
+      ASSERT_TRUE(profile.Load(TextOf(machine.Path())));
       machine.Disk().ClearLog();
       plan(machine.Disk());
       profile.Save();
@@ -305,7 +305,7 @@ TEST(PowerCut, AtEachOperationOfARestoreTheProfileIsStillFound) {
       breakTarget(&machine, kept);
       machine.Disk().ClearLog();
       ProfileFile profile;
-      ASSERT_TRUE(profile.Load(Bytes(machine.Path()))) << kept;
+      ASSERT_TRUE(profile.Load(TextOf(machine.Path()))) << kept;
       operations = machine.Disk().Log();
     }
     const auto disturb = [&](const Plan& plan, const DiskOperation&) {
@@ -314,7 +314,7 @@ TEST(PowerCut, AtEachOperationOfARestoreTheProfileIsStillFound) {
       plan(machine.Disk());
       {
         ProfileFile profile;
-        profile.Load(Bytes(machine.Path()));
+        profile.Load(TextOf(machine.Path()));
       }
       EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
       machine.Disk().Restart();
@@ -347,7 +347,7 @@ TEST(PowerCut, InTheCopyAndThenInTheNextSaveMayCostTheProfile) {
   SaveUnder(&machine, [write](VirtualDisk& disk) { disk.StopInside(write, 10); });
   machine.Disk().Restart();
   ProfileFile profile;
-  EXPECT_FALSE(profile.Load(Bytes(machine.Path())));
+  EXPECT_FALSE(profile.Load(TextOf(machine.Path())));
   EXPECT_EQ(profile.controls.count, 0);
   EXPECT_FALSE(machine.Disk().Exists(machine.Path() + ".tmp"));
 }

@@ -62,7 +62,7 @@ TEST_F(ProfileFileTest, TheSmallestProfileIsThese103Bytes) {
   EXPECT_EQ(ToHexText(SmallProfile("A")), ToHexText(bytes));
   ProfileFile profile;
   EXPECT_TRUE(LoadBytes(&profile, bytes));
-  EXPECT_EQ(Str(profile.profileName), "A");
+  EXPECT_EQ(Bytes(profile.profileName), "A");
   EXPECT_EQ(profile.nextControlId, 1u);
   EXPECT_EQ(profile.controls.count, 0);
 }
@@ -94,8 +94,8 @@ TEST_F(ProfileFileTest, TheSmallestProfileAndItsSavedFormLoadToTheSameState) {
   const std::string saved = *Disk().FileBytes(PathOf("A.idprof"));
   EXPECT_GT(saved.size(), 103u);
   ProfileFile again;
-  ASSERT_TRUE(again.Load(Bytes(PathOf("A.idprof"))));
-  EXPECT_EQ(Str(again.profileName), "A");
+  ASSERT_TRUE(again.Load(TextOf(PathOf("A.idprof"))));
+  EXPECT_EQ(Bytes(again.profileName), "A");
   EXPECT_EQ(again.nextControlId, 1u);
   EXPECT_TRUE(again.deviceName.IsEmpty());
   EXPECT_EQ(again.pollInterval, 5u);
@@ -231,13 +231,13 @@ TEST_F(ProfileFileTest, FlagsAreWrittenAs0And1) {
 TEST_F(ProfileFileTest, NameAndDeviceMayHoldAnyBytesZeroAmongThem) {
   const std::string odd("a\0b\x80\xFF\n", 6);
   ProfileFile profile;
-  profile.profileName = Bytes(odd);
-  profile.deviceName = Bytes(odd);
+  profile.profileName = TextOf(odd);
+  profile.deviceName = TextOf(odd);
   ASSERT_TRUE(profile.Save());
   ProfileFile again;
-  ASSERT_TRUE(again.Load(Bytes(PathOf("ab.idprof"))));
-  EXPECT_EQ(Str(again.profileName), odd);
-  EXPECT_EQ(Str(again.deviceName), odd);
+  ASSERT_TRUE(again.Load(TextOf(PathOf("ab.idprof"))));
+  EXPECT_EQ(Bytes(again.profileName), odd);
+  EXPECT_EQ(Bytes(again.deviceName), odd);
 }
 
 // ---- What a file may lack
@@ -261,7 +261,7 @@ TEST_F(ProfileFileTest, TheOrderOfTheRootsListsDoesntMatter) {
   ProfileFile profile;
   EXPECT_TRUE(LoadBytes(&profile, ProfileBytes({List(4, {ControlList(3, {kTimings})}),
                                                 NameList("back to front", 4), TypeList()})));
-  EXPECT_EQ(Str(profile.profileName), "back to front");
+  EXPECT_EQ(Bytes(profile.profileName), "back to front");
   EXPECT_EQ(profile.controls.count, 1);
 }
 
@@ -285,7 +285,7 @@ TEST_F(ProfileFileTest, AnEmptyDescriptionComesBackEmpty) {
   ASSERT_TRUE(profile.Save());
   EXPECT_NE(Disk().FileBytes(PathOf("E.idprof"))->find(Field("") + Field(Big(0, 4))),
             std::string::npos);
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("E.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("E.idprof"))));
   ASSERT_EQ(profile.controls.count, 1);
   EXPECT_TRUE(ControlOf(profile).description.IsEmpty());
 }
@@ -553,7 +553,7 @@ TEST_F(ProfileFileTest, ADeviceWithoutItsIdentityIsAFailureButRead) {
   EXPECT_FALSE(LoadBytes(&profile, ProfileBytes({TypeList(), NameList("D"),
                                                  List(11, {Field("pad"), Field(Big(20, 4))}),
                                                  List(4, {ControlList(1, {kTimings})})})));
-  EXPECT_EQ(Str(profile.deviceName), "pad");
+  EXPECT_EQ(Bytes(profile.deviceName), "pad");
   EXPECT_EQ(profile.pollInterval, 20u);
   EXPECT_EQ(profile.controls.count, 0) << "no Controls once something has failed";
 }
@@ -571,7 +571,7 @@ TEST_F(ProfileFileTest, ThreeControlsComeBackInOrderWithTheirNumbersAndTheCounte
   }
   ASSERT_TRUE(profile.Save());
   ProfileFile again;
-  ASSERT_TRUE(again.Load(Bytes(PathOf("Three.idprof"))));
+  ASSERT_TRUE(again.Load(TextOf(PathOf("Three.idprof"))));
   ASSERT_EQ(again.controls.count, 3);
   EXPECT_EQ(ControlOf(again, 0).controlId, 7u);
   EXPECT_EQ(ControlOf(again, 1).controlId, 30u);
@@ -633,7 +633,7 @@ TEST_F(ProfileFileTest, AWrongMagicWithAGoodTemporaryIsThatOnesProfile) {
   Disk().PutFile("/data/p.idprof.tmp", SmallProfile("rescued"));
   ProfileFile profile;
   EXPECT_TRUE(LoadBytes(&profile, Container({})));
-  EXPECT_EQ(Str(profile.profileName), "rescued");
+  EXPECT_EQ(Bytes(profile.profileName), "rescued");
 }
 
 TEST_F(ProfileFileTest, WithoutTheDocumentTypeNothingIsRead) {
@@ -664,7 +664,7 @@ TEST_F(ProfileFileTest, WithoutANameListTheRestIsReadButTheControls) {
                                                  List(4, {ControlList(1, {kTimings})})})));
   EXPECT_TRUE(profile.profileName.IsEmpty());
   EXPECT_EQ(profile.nextControlId, 1u);
-  EXPECT_EQ(Str(profile.deviceName), "pad");
+  EXPECT_EQ(Bytes(profile.deviceName), "pad");
   EXPECT_EQ(profile.pollInterval, 20u);
   EXPECT_EQ(profile.controls.count, 0);
 }
@@ -672,7 +672,7 @@ TEST_F(ProfileFileTest, WithoutANameListTheRestIsReadButTheControls) {
 TEST_F(ProfileFileTest, WithoutACounterTheNameIsReadAndTheResultFalse) {
   ProfileFile profile;
   EXPECT_FALSE(LoadBytes(&profile, ProfileBytes({TypeList(), List(3, {Field("A")})})));
-  EXPECT_EQ(Str(profile.profileName), "A");
+  EXPECT_EQ(Bytes(profile.profileName), "A");
   EXPECT_EQ(profile.nextControlId, 1u);
 }
 
@@ -780,12 +780,12 @@ TEST_F(ProfileFileTest, ReadingTheNameOfAnotherFileLeavesTheLoadedProfileUntouch
   Disk().PutFile("/data/other", SmallProfile("other"));
   Disk().PutFile("/data/document", ProfileBytes({List(1, {Field("Letter")}), NameList("letter")}));
   Disk().PutFile("/data/nameless", ProfileBytes({TypeList()}));
-  EXPECT_EQ(Str(profile.ReadProfileName("/data/foreign")), "");
-  EXPECT_EQ(Str(profile.ReadProfileName("/data/document")), "");
-  EXPECT_EQ(Str(profile.ReadProfileName("/data/nameless")), "");
-  EXPECT_EQ(Str(profile.ReadProfileName("/data/none")), "");
-  EXPECT_EQ(Str(profile.ReadProfileName("/data/other")), "other");
-  EXPECT_EQ(Str(profile.profileName), "Every list");
+  EXPECT_EQ(Bytes(profile.ReadProfileName("/data/foreign")), "");
+  EXPECT_EQ(Bytes(profile.ReadProfileName("/data/document")), "");
+  EXPECT_EQ(Bytes(profile.ReadProfileName("/data/nameless")), "");
+  EXPECT_EQ(Bytes(profile.ReadProfileName("/data/none")), "");
+  EXPECT_EQ(Bytes(profile.ReadProfileName("/data/other")), "other");
+  EXPECT_EQ(Bytes(profile.profileName), "Every list");
   EXPECT_EQ(profile.nextControlId, 0x01020304u);
   EXPECT_EQ(profile.controls.head->value, control);
   EXPECT_EQ(profile.DispatchList.count, 1);

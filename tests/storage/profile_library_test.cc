@@ -27,10 +27,10 @@ class ProfileLibraryTest : public ProfileTest {
     EXPECT_TRUE(profile.ListProfileFiles(&list));
     return All(list);
   }
-  std::string Find(const std::string& name) { return Str(profile.FindProfileFile(Bytes(name))); }
+  std::string Find(const std::string& name) { return Bytes(profile.FindProfileFile(TextOf(name))); }
   static Strings All(const LinkedList<ByteString>& list) {
     Strings all;
-    for (const ByteString& name : list) all.push_back(Str(name));
+    for (const ByteString& name : list) all.push_back(Bytes(name));
     return all;
   }
 
@@ -62,16 +62,16 @@ TEST(ProfileFileName, KeepsPrintableAsciiThatAFileNameMayHold) {
       {"lower UPPER", "lower UPPER.idprof"},
   };
   for (const auto& row : kRows) {
-    EXPECT_EQ(Str(ProfileFile::ProfileFileName(Bytes(row.name))), row.fileName) << row.name;
+    EXPECT_EQ(Bytes(ProfileFile::ProfileFileName(TextOf(row.name))), row.fileName) << row.name;
   }
 }
 
 TEST_F(ProfileLibraryTest, TheFolderIsThatOfTheProgramsFile) {
-  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "/game/Profiles");
+  EXPECT_EQ(Bytes(ProfileFile::ProfileFolder()), "/game/Profiles");
   Disk().Format('\\');
-  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "C:\\game\\Profiles");
+  EXPECT_EQ(Bytes(ProfileFile::ProfileFolder()), "C:\\game\\Profiles");
   Disk().SetProgramPath("D:\\kelvaro.exe");
-  EXPECT_EQ(Str(ProfileFile::ProfileFolder()), "D:\\Profiles");
+  EXPECT_EQ(Bytes(ProfileFile::ProfileFolder()), "D:\\Profiles");
 }
 
 TEST_F(ProfileLibraryTest, ASaveMakesTheFolderAndNamesTheFile) {
@@ -193,7 +193,7 @@ TEST_F(ProfileLibraryTest, DeletingGoesByTheStoredName) {
   EXPECT_TRUE(profile.DeleteProfileFile());
   EXPECT_EQ(Disk().List(kFolder), (Strings{"y.idprof", "x.idprof.tmp"}));
   EXPECT_FALSE(profile.DeleteProfileFile()) << "there is none any more";
-  EXPECT_EQ(Str(profile.profileName), "y");
+  EXPECT_EQ(Bytes(profile.profileName), "y");
 }
 
 TEST_F(ProfileLibraryTest, DeletingWithoutANameDeletesNothing) {
@@ -212,7 +212,7 @@ TEST_F(ProfileLibraryTest, AReadOnlyFileIsNotDeleted) {
 
 TEST_F(ProfileLibraryTest, SavingAFileOfAnIrregularNameMakesASecondOne) {
   Put("renamed by hand.idprof", "a");
-  ASSERT_TRUE(profile.Load(Bytes(Find("a"))));
+  ASSERT_TRUE(profile.Load(TextOf(Find("a"))));
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(Names(), (Strings{"a", "a"}));
   EXPECT_TRUE(Disk().Exists(PathOf("a.idprof")));
@@ -220,14 +220,14 @@ TEST_F(ProfileLibraryTest, SavingAFileOfAnIrregularNameMakesASecondOne) {
 
 TEST_F(ProfileLibraryTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   ProfileFile longest;
-  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n'));
+  longest.profileName = TextOf(std::string(ProfileFile::kLongestName, 'n'));
   EXPECT_FALSE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
   EXPECT_TRUE(longest.Save());
   longest.profileName.AppendChar('n');
   EXPECT_TRUE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
   EXPECT_FALSE(longest.Save());
   // What doesn't reach the file name doesn't count.
-  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n') + "?\xE4");
+  longest.profileName = TextOf(std::string(ProfileFile::kLongestName, 'n') + "?\xE4");
   EXPECT_FALSE(ProfileFile::IsTooLong(ProfileFile::ProfileFileName(longest.profileName)));
   EXPECT_TRUE(longest.Save());
 }
@@ -240,7 +240,7 @@ TEST_F(ProfileLibraryTest, ListingReadsEachFileOnceAndLeavesTheLoadedProfileAlon
   EXPECT_EQ(Disk().Count("CreateFileA"), 3u);
   EXPECT_EQ(Disk().Count("ReadFile"), 3u);
   EXPECT_EQ(Disk().Count("CloseHandle"), 3u);
-  EXPECT_EQ(Str(profile.profileName), "loaded");
+  EXPECT_EQ(Bytes(profile.profileName), "loaded");
   EXPECT_EQ(Disk().OpenHandles(), 0u);
 }
 

@@ -17,15 +17,15 @@ TEST_F(RoundTripTest, AThousandRandomProfilesComeBackEqualAndAreSavedToTheSameBy
     ProfileFile profile;
     RandomProfile(seed).Fill(&profile);
     ASSERT_TRUE(profile.Save());
-    const std::string path = PathOf(Str(ProfileFile::ProfileFileName(profile.profileName)));
+    const std::string path = PathOf(Bytes(ProfileFile::ProfileFileName(profile.profileName)));
     const std::string bytes = *Disk().FileBytes(path);
 
     ProfileFile again;
     // What the file says replaces all of what was there.
     RandomProfile(seed + 1000).Fill(&again, 2);
-    ASSERT_TRUE(again.Load(Bytes(path)));
+    ASSERT_TRUE(again.Load(TextOf(path)));
     ExpectSameProfile(profile, again);
-    EXPECT_TRUE(again.ReadProfileName(Bytes(path)).Equals(profile.profileName));
+    EXPECT_TRUE(again.ReadProfileName(TextOf(path)).Equals(profile.profileName));
 
     Disk().Remove(path);
     ASSERT_TRUE(again.Save());
@@ -41,7 +41,7 @@ TEST_F(RoundTripTest, AProfileLargerThanTheReadersWindowComesBackEqual) {
   ASSERT_TRUE(profile.Save());
   EXPECT_GT(Disk().FileBytes(PathOf("Large.idprof"))->size(), 4u * BinaryFile::kWindowSize);
   ProfileFile again;
-  ASSERT_TRUE(again.Load(Bytes(PathOf("Large.idprof"))));
+  ASSERT_TRUE(again.Load(TextOf(PathOf("Large.idprof"))));
   ExpectSameProfile(profile, again);
 }
 

@@ -36,7 +36,7 @@ class ShownFile : public TaggedFile {
 
   std::string Read(std::uint32_t index) {
     ByteString data = "untouched";
-    return ReadField(index, &data) ? Str(data) : "<failed: " + Str(data) + ">";
+    return ReadField(index, &data) ? Bytes(data) : "<failed: " + Bytes(data) + ">";
   }
 };
 
@@ -123,7 +123,7 @@ TEST_F(TaggedFileTest, AListWithoutChildrenIs14BytesOfSizeAndCount0) {
 
 TEST_F(TaggedFileTest, FieldsHaveTheTypeThatTheyAreWrittenWith) {
   Begin();
-  EXPECT_TRUE(file.WriteField(5, Bytes(Big(7, 4))));
+  EXPECT_TRUE(file.WriteField(5, TextOf(Big(7, 4))));
   EXPECT_TRUE(file.WriteField(0x1234, ""));
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(On(kPath), ToHexText(FromHex("584646 0001"
@@ -298,7 +298,7 @@ TEST_F(TaggedFileTest, OpeningAgainKeepsTheFileThatIsOpen) {
   EXPECT_TRUE(file.OpenForRead("/data/b.x"));
   EXPECT_TRUE(file.OpenForRead("/nowhere"));
   EXPECT_EQ(file.Read(0), "first");
-  EXPECT_EQ(Str(file.path), kPath);
+  EXPECT_EQ(Bytes(file.path), kPath);
 }
 
 TEST_F(TaggedFileTest, NothingOpenMeansNoChildrenNoIdAndNothingToRead) {
@@ -331,7 +331,7 @@ TEST_F(TaggedFileTest, AscendOfTheRootClosesTheFile) {
 TEST_F(TaggedFileTest, TheSameObjectReadsAndWritesOneFileAfterTheOther) {
   Open(Container({Field("first")}));
   EXPECT_TRUE(file.Close());
-  EXPECT_EQ(Str(file.path), kPath);
+  EXPECT_EQ(Bytes(file.path), kPath);
   ASSERT_TRUE(file.OpenForWrite("/data/b.x"));
   EXPECT_TRUE(file.isWriting);
   EXPECT_TRUE(file.WriteBytes("second"));
@@ -361,7 +361,7 @@ TEST_F(TaggedFileTest, TheEndOfTheObjectClosesTheFile) {
 
 TEST_F(TaggedFileTest, WhatIsBeingWrittenCantBeRead) {
   Begin();
-  EXPECT_TRUE(file.WriteField(5, Bytes(Big(7, 4))));
+  EXPECT_TRUE(file.WriteField(5, TextOf(Big(7, 4))));
   EXPECT_TRUE(file.Descend(1));
   EXPECT_TRUE(file.Ascend());
   std::uint32_t number = 0;

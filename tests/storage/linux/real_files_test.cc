@@ -52,8 +52,8 @@ TEST_F(RealFilesTest, AProfileIsSavedBesideTheProgramAndComesBackEqual) {
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(Files(), std::vector<std::string>{"Race 12.idprof"});
   ProfileFile again;
-  EXPECT_EQ(Str(again.FindProfileFile("Race: 1/2")), PathOf("Race 12.idprof"));
-  ASSERT_TRUE(again.Load(Bytes(PathOf("Race 12.idprof"))));
+  EXPECT_EQ(Bytes(again.FindProfileFile("Race: 1/2")), PathOf("Race 12.idprof"));
+  ASSERT_TRUE(again.Load(TextOf(PathOf("Race 12.idprof"))));
   ExpectSameProfile(profile, again);
   EXPECT_TRUE(again.DeleteProfileFile());
   EXPECT_TRUE(Files().empty());
@@ -70,7 +70,7 @@ TEST_F(RealFilesTest, ASaveKeepsThePermissionsButForTheReadOnlyBit) {
   profile.pollInterval = 77;
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(Permissions(PathOf("P.idprof")), 0640u);
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   EXPECT_EQ(profile.pollInterval, 77u);
   EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
 }
@@ -96,13 +96,13 @@ TEST_F(RealFilesTest, ATargetCutShortIsRestoredFromItsTemporary) {
   EXPECT_TRUE(again.ListProfileNames(&names));
   EXPECT_EQ(names.count, 1);
   EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
-  ASSERT_TRUE(again.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(again.Load(TextOf(PathOf("P.idprof"))));
   ExpectSameProfile(profile, again);
 }
 
 TEST_F(RealFilesTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   ProfileFile longest;
-  longest.profileName = Bytes(std::string(ProfileFile::kLongestName, 'n'));
+  longest.profileName = TextOf(std::string(ProfileFile::kLongestName, 'n'));
   EXPECT_TRUE(longest.Save());
   longest.profileName.AppendChar('n');
   EXPECT_FALSE(longest.Save());
@@ -115,7 +115,7 @@ TEST_F(RealFilesTest, ACutFileIsKeptBeforeTheFirstSaveOverIt) {
   profile.profileName = "P";
   ASSERT_TRUE(profile.Save());
   std::filesystem::resize_file(PathOf("P.idprof"), 400);
-  ASSERT_TRUE(profile.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
   ASSERT_TRUE(profile.Save());
   EXPECT_EQ(Files(), (std::vector<std::string>{"P.idprof", "P.idprof.damaged"}));
   EXPECT_EQ(std::filesystem::file_size(PathOf("P.idprof.damaged")), 400u);
@@ -198,7 +198,7 @@ TEST_F(RealFilesTest, TwoProcessesThatSaveOneProfileLeaveItWholeAtEveryLook) {
   for (int look = 0; look < 300; ++look) {
     saved.Wait();
     ProfileFile found;
-    ASSERT_TRUE(found.Load(Bytes(PathOf("P.idprof")))) << look;
+    ASSERT_TRUE(found.Load(TextOf(PathOf("P.idprof")))) << look;
     ASSERT_TRUE(found.pollInterval == 2 || found.pollInterval == 3) << look;
     ProfileFile whole;
     Fill(&whole, found.pollInterval);
@@ -231,7 +231,7 @@ TEST_F(RealFilesTest, ASaveIsRefusedWhileAnotherProcessCopiesItsOwn) {
   EXPECT_EQ(result.Wait(), 'y');
   EXPECT_TRUE(other.Wait());
   ProfileFile found;
-  ASSERT_TRUE(found.Load(Bytes(PathOf("P.idprof"))));
+  ASSERT_TRUE(found.Load(TextOf(PathOf("P.idprof"))));
   EXPECT_EQ(found.pollInterval, 2u);
   EXPECT_TRUE(mine.Save());
   EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
@@ -258,7 +258,7 @@ TEST_F(RealFilesTest, AProcessKilledInItsSaveKeepsNobodyOut) {
     Fill(&mine, 1);
     EXPECT_TRUE(mine.Save()) << at;
     ProfileFile found;
-    EXPECT_TRUE(found.Load(Bytes(PathOf("P.idprof")))) << at;
+    EXPECT_TRUE(found.Load(TextOf(PathOf("P.idprof")))) << at;
     ExpectSameProfile(found, mine);
     EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"}) << at;
   }
@@ -301,7 +301,7 @@ TEST_F(RealFilesTest, ASmallProfileIsLoadedWithNoMoreThan12SystemCalls) {
   RandomProfile(7).Fill(&profile);
   profile.profileName = "P";
   ASSERT_TRUE(profile.Save());
-  const ByteString path = Bytes(PathOf("P.idprof"));
+  const ByteString path = TextOf(PathOf("P.idprof"));
   const int calls = SystemCalls([&path] {
     ProfileFile loaded;
     if (!loaded.Load(path)) _exit(2);
@@ -340,10 +340,10 @@ TEST_F(RealFilesTest, OnAFullDiskASaveFailsForThatReasonAndLeavesTheOldProfile) 
     if (profile.Save()) return 2;
     if (platform::GetLastError() != static_cast<std::uint32_t>(ENOSPC)) return 3;
     ProfileFile again;
-    if (!again.Load(Bytes(PathOf("P.idprof"))) || Str(again.deviceName) != "old") return 4;
+    if (!again.Load(TextOf(PathOf("P.idprof"))) || Bytes(again.deviceName) != "old") return 4;
     std::filesystem::remove(PathOf("rest"));
-    if (!profile.Save() || !again.Load(Bytes(PathOf("P.idprof")))) return 5;
-    return Str(again.deviceName) == "new" ? 0 : 6;
+    if (!profile.Save() || !again.Load(TextOf(PathOf("P.idprof")))) return 5;
+    return Bytes(again.deviceName) == "new" ? 0 : 6;
   });
   if (status == 77) GTEST_SKIP() << "nothing may be mounted here";
   EXPECT_EQ(status, 0);
