@@ -453,53 +453,33 @@ void FillMembers(Control* control) {
   control->keyReleasePause = 60;
 }
 
-void ExpectFilledTrigger(const Trigger& trigger) {
-  EXPECT_EQ(trigger.activateOnPress, 0);
-  EXPECT_EQ(trigger.triggerOption, 0);
-  EXPECT_EQ(trigger.buttonMask, 0x8000000000000003u);
-  EXPECT_EQ(trigger.buttonCount, 3u);
-  EXPECT_EQ(ItemsText(trigger), "0 1 2, 8 3 6");
-  EXPECT_EQ(trigger.triggerArmed, 1);
-  EXPECT_EQ(trigger.triggerSpoiled, 1);
+std::string Joined(const std::vector<std::uint64_t>& numbers) {
+  std::string text;
+  for (const std::uint64_t number : numbers) text += std::to_string(number) + " ";
+  return text;
 }
 
-// What both full copies carry over.
-void ExpectFilledMembers(const Control& control) {
-  ExpectFilledTrigger(control);
-  EXPECT_EQ(Bytes(control.description), "Fire");
-  EXPECT_EQ(control.controlId, 17u);
-  EXPECT_EQ(control.triggerDown, 1);
-  EXPECT_EQ(control.toggleMouseControls, 1);
-  EXPECT_EQ(control.repeatEnabled, 1);
-  EXPECT_EQ(control.repeatDelay, 300u);
-  EXPECT_EQ(control.repeatSpeed, 25u);
-  EXPECT_EQ(control.keyHoldTime, 40u);
-  EXPECT_EQ(control.keyReleasePause, 60u);
+std::string TriggerMembers(const Trigger& t) {
+  return Joined({t.activateOnPress, t.triggerOption, t.buttonMask, t.buttonCount, t.triggerArmed,
+                 t.triggerSpoiled}) +
+         "[" + ItemsText(t) + "]";
 }
 
-void ExpectDefaultsButTrigger(const Control& control) {
-  EXPECT_EQ(Bytes(control.description), "");
-  EXPECT_EQ(control.controlId, 0u);
-  EXPECT_EQ(control.triggerDown, 0);
-  EXPECT_EQ(control.toggleMouseControls, 0);
-  EXPECT_EQ(control.repeatEnabled, 0);
-  EXPECT_EQ(control.repeatStarted, 0);
-  EXPECT_EQ(control.repeatDelay, 500u);
-  EXPECT_EQ(control.repeatSpeed, 50u);
-  EXPECT_EQ(control.repeatLastTick, 0u);
-  EXPECT_EQ(control.keyHoldTime, 0u);
-  EXPECT_EQ(control.keyReleasePause, 0u);
+std::string OtherMembers(const Control& c) {
+  return Joined({c.controlId, c.triggerDown, c.toggleMouseControls, c.repeatEnabled, c.repeatDelay,
+                 c.repeatSpeed, c.keyHoldTime, c.keyReleasePause, c.repeatStarted,
+                 c.repeatLastTick}) +
+         Bytes(c.description);
 }
 
-void ExpectDefaultTrigger(const Trigger& trigger) {
-  EXPECT_EQ(trigger.activateOnPress, 1);
-  EXPECT_EQ(trigger.triggerOption, 1);
-  EXPECT_EQ(trigger.buttonMask, 0u);
-  EXPECT_EQ(trigger.buttonCount, 0u);
-  EXPECT_EQ(trigger.triggerItems.count, 0);
-  EXPECT_EQ(trigger.triggerArmed, 0);
-  EXPECT_EQ(trigger.triggerSpoiled, 0);
-}
+std::string Members(const Control& c) { return TriggerMembers(c) + " " + OtherMembers(c); }
+
+const std::string kDefaultTrigger = "1 1 0 0 0 0 []";
+const std::string kDefaultOthers = "0 0 0 0 500 50 0 0 0 0 ";
+const std::string kDefaults = kDefaultTrigger + " " + kDefaultOthers;
+const std::string kFilledTrigger = "0 0 9223372036854775811 3 1 1 [0 1 2, 8 3 6]";
+const std::string kFilled = kFilledTrigger + " 17 1 1 1 300 25 40 60 1 123456 Fire";
+const std::string kFilledNotRepeating = kFilledTrigger + " 17 1 1 1 300 25 40 60 0 0 Fire";
 
 TEST(InputAction, BaseDoesNothing) {
   InputAction action;
@@ -523,7 +503,7 @@ TEST(Trigger, ResetTriggerGivesTheEmptyForm) {
   Trigger trigger;
   FillTrigger(&trigger);
   trigger.ResetTrigger();
-  ExpectDefaultTrigger(trigger);
+  EXPECT_EQ(TriggerMembers(trigger), kDefaultTrigger);
 }
 
 TEST(Trigger, MaskKeepsItsCount) {
@@ -560,8 +540,7 @@ TEST(Control, UsesInputWhateverTheDirection) {
 
 TEST_F(ControlCopies, NewControlHoldsTheDefaults) {
   Control control;
-  ExpectDefaultTrigger(control);
-  ExpectDefaultsButTrigger(control);
+  EXPECT_EQ(Members(control), kDefaults);
   EXPECT_EQ(control.actions.count, 0);
   EXPECT_EQ(control.actionsBorrowed, 0);
 }
@@ -571,8 +550,7 @@ TEST_F(ControlCopies, ResetReturnsEveryMemberToItsDefault) {
   FillMembers(&control);
   control.actions.AddTail(new CountingAction);
   control.Reset();
-  ExpectDefaultTrigger(control);
-  ExpectDefaultsButTrigger(control);
+  EXPECT_EQ(Members(control), kDefaults);
   EXPECT_EQ(control.actions.count, 0);
   EXPECT_EQ(control.actionsBorrowed, 0);
   EXPECT_EQ(CountingAction::destroyed, 1);
@@ -588,8 +566,7 @@ TEST_F(ControlCopies, ResetLeavesBorrowedActionsAlive) {
   EXPECT_EQ(control.actions.count, 0);
   EXPECT_EQ(CountingAction::destroyed, 0);
   EXPECT_EQ(control.actionsBorrowed, 1) << "the flag stays";
-  ExpectDefaultTrigger(control);
-  ExpectDefaultsButTrigger(control);
+  EXPECT_EQ(Members(control), kDefaults);
 }
 
 TEST_F(ControlCopies, ClearActionsDestroysOwnedOnes) {
@@ -601,7 +578,7 @@ TEST_F(ControlCopies, ClearActionsDestroysOwnedOnes) {
   EXPECT_EQ(CountingAction::destroyed, 2);
   EXPECT_EQ(control.actions.count, 0);
   EXPECT_EQ(control.actionsBorrowed, 0);
-  ExpectFilledMembers(control);
+  EXPECT_EQ(Members(control), kFilled);
 }
 
 TEST_F(ControlCopies, ClearActionsOnlyForgetsBorrowedOnes) {
@@ -632,8 +609,8 @@ TEST_F(ControlCopies, CopyTriggerCarriesTheTriggerAndNothingElse) {
   source.actions.AddTail(new CountingAction);
   copy.triggerItems.AddTail({5, 0, 1});  // dropped
   copy.CopyTrigger(source);
-  ExpectFilledTrigger(copy);
-  ExpectDefaultsButTrigger(copy);
+  EXPECT_EQ(TriggerMembers(copy), kFilledTrigger);
+  EXPECT_EQ(OtherMembers(copy), kDefaultOthers);
   EXPECT_EQ(copy.actions.count, 0);
 }
 
@@ -643,7 +620,7 @@ TEST_F(ControlCopies, CopyTriggerTakesItemsByValue) {
   copy.CopyTrigger(source);
   source.triggerItems.head->value->kind = 7;
   source.triggerItems.RemoveNode(source.triggerItems.tail);
-  ExpectFilledTrigger(copy);
+  EXPECT_EQ(TriggerMembers(copy), kFilledTrigger);
 }
 
 TEST_F(ControlCopies, CopyTriggerTakesTheCountAsItStands) {
@@ -663,9 +640,7 @@ TEST_F(ControlCopies, CopyDeepMakesActionsOfItsOwn) {
   copy.repeatLastTick = 5;
   copy.CopyDeep(source);
 
-  ExpectFilledMembers(copy);
-  EXPECT_EQ(copy.repeatStarted, 0);
-  EXPECT_EQ(copy.repeatLastTick, 0u);
+  EXPECT_EQ(Members(copy), kFilledNotRepeating);
   EXPECT_EQ(copy.actionsBorrowed, 0);
   EXPECT_EQ(CountingAction::made, 4);
   const auto from = ActionsOf(source);
@@ -676,9 +651,7 @@ TEST_F(ControlCopies, CopyDeepMakesActionsOfItsOwn) {
   EXPECT_EQ(static_cast<CountingAction*>(to[0])->text, 10);
   EXPECT_EQ(static_cast<CountingAction*>(to[1])->text, 20);
 
-  ExpectFilledMembers(source);
-  EXPECT_EQ(source.repeatStarted, 1);
-  EXPECT_EQ(source.repeatLastTick, 123456u);
+  EXPECT_EQ(Members(source), kFilled);
   EXPECT_EQ(CountingAction::destroyed, 0);
 }
 
@@ -783,9 +756,7 @@ TEST_F(ControlCopies, CopySharedTakesThePointersAndEveryMember) {
   source.actions.AddTail(new CountingAction);
   source.actions.AddTail(new CountingAction);
   copy.CopyShared(source);
-  ExpectFilledMembers(copy);
-  EXPECT_EQ(copy.repeatStarted, 1);
-  EXPECT_EQ(copy.repeatLastTick, 123456u);
+  EXPECT_EQ(Members(copy), kFilled);
   EXPECT_EQ(copy.actionsBorrowed, 0);
   EXPECT_EQ(ActionsOf(copy), ActionsOf(source));
   EXPECT_EQ(CountingAction::made, 2);
@@ -837,8 +808,7 @@ TEST_F(ControlCopies, BorrowSharesAndLeavesTheActionsToTheirOwner) {
     copy.Borrow({});  // a borrower from here on
     copy.actions.AddTail(&lent);
     copy.Borrow(source);
-    ExpectFilledMembers(copy);
-    EXPECT_EQ(copy.repeatLastTick, 123456u);
+    EXPECT_EQ(Members(copy), kFilled);
     EXPECT_EQ(ActionsOf(copy), ActionsOf(source));
     EXPECT_EQ(copy.actionsBorrowed, 1);
     EXPECT_EQ(source.actionsBorrowed, 0);
@@ -853,9 +823,7 @@ TEST_F(ControlCopies, CopyConstructionSharesAndDoesNotBorrow) {
   source.actionsBorrowed = 1;
   {
     Control copy(source);
-    ExpectFilledMembers(copy);
-    EXPECT_EQ(copy.repeatStarted, 1);
-    EXPECT_EQ(copy.repeatLastTick, 123456u);
+    EXPECT_EQ(Members(copy), kFilled);
     EXPECT_EQ(ActionsOf(copy), ActionsOf(source));
     EXPECT_EQ(copy.actionsBorrowed, 0);
   }
