@@ -17,7 +17,7 @@ bool DeviceWatch::Begin(const std::optional<std::string>& name, Visit visitor, s
   manager.SetPollInterval(kPollInterval);
   manager.SetChangeCallback(OnChange, this);
   manager.EnableChangeCallback();
-  begin = platform::GetTickCount();
+  begin = platform::clock().GetTickCount();
   DeviceChoice choice;
   choice.name = name;
   return SelectChosenDevice(&manager, choice, error);
@@ -25,7 +25,7 @@ bool DeviceWatch::Begin(const std::optional<std::string>& name, Visit visitor, s
 
 void DeviceWatch::OnChange(DeviceManager*, const platform::DIJOYSTATE2* state, void* self) {
   auto* watch = static_cast<DeviceWatch*>(self);
-  watch->visit(platform::GetTickCount() - watch->begin, *state);
+  watch->visit(platform::clock().GetTickCount() - watch->begin, *state);
 }
 
 }  // namespace kelvaro::console

@@ -92,7 +92,7 @@ std::string Text(const Listed& device) {
 int DevicesCommand(const DevicesOptions& options, Streams streams) {
   RealMachine machine;
   platform::DirectInput* directory = nullptr;
-  if (platform::DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directory) !=
+  if (platform::devices().DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directory) !=
       platform::DI_OK) {
     return Complain(streams.err, "the system's list of devices can't be read");
   }

@@ -17,14 +17,14 @@ namespace {
 
 // The system's words for the last operation that failed.
 std::string LastError() {
-  ByteString text = SystemErrorText(platform::GetLastError());
+  ByteString text = SystemErrorText(platform::files().GetLastError());
   text.TrimRight(0, ' ');
   return text.IsEmpty() ? "it can't be written" : Bytes(text);
 }
 
 // What keeps a file from being made at this path, empty for nothing.
 std::string Obstacle(const ByteString& path) {
-  const std::uint32_t attributes = platform::GetFileAttributesA(Bytes(path));
+  const std::uint32_t attributes = platform::files().GetFileAttributesA(Bytes(path));
   if (attributes != platform::INVALID_FILE_ATTRIBUTES &&
       (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0) {
     return std::strerror(EISDIR);
@@ -59,7 +59,7 @@ int PackCommand(const PackOptions& options, Streams streams) {
   if (!profile.SaveAs(out)) {
     const std::string reason = LastError();
     // A load would take it for what is left of a save that was cut off.
-    platform::DeleteFileA(options.out + ".tmp");
+    platform::files().DeleteFileA(options.out + ".tmp");
     return Complain(streams.err, options.out + ": " + reason);
   }
   return kDone;

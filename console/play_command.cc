@@ -18,7 +18,7 @@ constexpr int kCountdown = 3;  // seconds
 void Play(const PlayOptions& options, KeyAction* action) {
   action->Replay(options.repeat ? 1 : 0, options.holdTime, options.releasePause);
   if (options.repeat) return;
-  platform::Sleep(options.releaseAfter);
+  platform::clock().Sleep(options.releaseAfter);
   action->Release();
 }
 

@@ -21,7 +21,7 @@ constexpr std::size_t kNamesTold = 8;
 constexpr std::size_t kNameCompared = 64;  // bytes
 
 bool IsFile(const std::string& path) {
-  const std::uint32_t attributes = platform::GetFileAttributesA(path);
+  const std::uint32_t attributes = platform::files().GetFileAttributesA(path);
   return attributes != platform::INVALID_FILE_ATTRIBUTES &&
          (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) == 0;
 }

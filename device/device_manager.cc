@@ -49,18 +49,18 @@ DeviceManager::DeviceManager(platform::WindowHandle window)
     }
   }
   ReadTimerLimits();
-  changeEvent = platform::CreateEventA(false, false);
+  changeEvent = platform::threads().CreateEventA(false, false);
 }
 
 DeviceManager::~DeviceManager() {
   StopDevice();
   if (directInput) directInput->Release();
-  if (changeEvent != platform::kInvalidHandle) platform::CloseHandle(changeEvent);
+  if (changeEvent != platform::kInvalidHandle) platform::threads().CloseHandle(changeEvent);
 }
 
 bool DeviceManager::CreateDirectInput() {
   const platform::HRESULT result =
-      platform::DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directInput);
+      platform::devices().DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directInput);
   if (result != platform::DI_OK) {
     directInput = nullptr;
     SetErrorText(1, ResultText("DirectInput8Create", result, kCreateResults));

@@ -18,7 +18,7 @@ constexpr std::uint32_t kWaitFailed = 2;
 
 void DeviceManager::ReadTimerLimits() {
   platform::TIMECAPS caps;
-  if (platform::timeGetDevCaps(&caps) == platform::TIMERR_NOERROR) {
+  if (platform::timers().timeGetDevCaps(&caps) == platform::TIMERR_NOERROR) {
     timerMin = caps.wPeriodMin;
     timerMax = caps.wPeriodMax;
   }
@@ -60,12 +60,12 @@ void DeviceManager::StartPolling() {
   writeIndex = 0;
   stateBuffers[0] = {};
   stateBuffers[1] = {};
-  platform::ResetEvent(changeEvent);
+  platform::threads().ResetEvent(changeEvent);
   Start(false, platform::THREAD_PRIORITY_TIME_CRITICAL);
   activePeriod = pollInterval;
-  platform::timeBeginPeriod(pollInterval);
-  timerId = platform::timeSetEvent(pollInterval, kTimerResolutionMs, &DeviceManager::tick, this,
-                                   platform::TIME_PERIODIC);
+  platform::timers().timeBeginPeriod(pollInterval);
+  timerId = platform::timers().timeSetEvent(pollInterval, kTimerResolutionMs, &DeviceManager::tick,
+                                            this, platform::TIME_PERIODIC);
 }
 
 void DeviceManager::tick(std::uint32_t, void* user) {
@@ -89,7 +89,7 @@ void DeviceManager::PollDevice() {
   if (device->GetDeviceState(sizeof state, &state) != platform::DI_OK) return;
   if (std::memcmp(&stateBuffers[0], &stateBuffers[1], sizeof state) != 0) {
     changedState = state;
-    platform::SetEvent(changeEvent);
+    platform::threads().SetEvent(changeEvent);
   }
   if (pollEnabled && pollCallback) pollCallback(this, &state, pollContext);
   writeIndex ^= 1;
@@ -101,7 +101,8 @@ std::uint32_t DeviceManager::Run() {
   }
   const platform::Handle events[] = {stopEvent, changeEvent};
   for (;;) {
-    const std::uint32_t woken = platform::WaitForMultipleObjects(2, events, platform::WAIT_FOREVER);
+    const std::uint32_t woken =
+        platform::threads().WaitForMultipleObjects(2, events, platform::WAIT_FOREVER);
     if (woken == platform::WAIT_FAILED) return kWaitFailed;
     if (woken == platform::WAIT_OBJECT_0) return kStopped;
     if (!changeEnabled || !changeCallback) continue;
@@ -114,15 +115,15 @@ std::uint32_t DeviceManager::Run() {
 
 void DeviceManager::StopDevice() {
   if (timerId != 0) {
-    platform::timeKillEvent(timerId);
+    platform::timers().timeKillEvent(timerId);
     timerId = 0;
   }
   if (activePeriod != 0) {
-    platform::timeEndPeriod(activePeriod);
+    platform::timers().timeEndPeriod(activePeriod);
     activePeriod = 0;
   }
   Stop();
-  platform::Sleep(kLastTickMs);
+  platform::clock().Sleep(kLastTickMs);
   // Only tried: a callback that was ended by force holds the lock for ever. With it, this thread
   // sees all that the last tick wrote.
   const bool locked = deviceLock.TryAcquire();

@@ -47,7 +47,7 @@ constexpr struct {
 };
 
 void SendButtons(std::uint32_t flags) {
-  if (flags != 0) platform::mouse_event(flags, 0, 0, 0, 0);
+  if (flags != 0) platform::input().mouse_event(flags, 0, 0, 0, 0);
 }
 
 }  // namespace
@@ -116,7 +116,7 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
       }
     }
     // Negated: a positive axis scrolls toward the user.
-    platform::mouse_event(flags, WholeCounts(x), WholeCounts(y), WholeCounts(-turn), 0);
+    platform::input().mouse_event(flags, WholeCounts(x), WholeCounts(y), WholeCounts(-turn), 0);
     // All of it is spent: the accumulators carry only what is too little to send.
     if (sendX) x = 0.0;
     if (sendY) y = 0.0;

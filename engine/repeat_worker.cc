@@ -17,7 +17,7 @@ void RepeatWorker::Start(Control* control) {
   LockGuard guard(repeatLock);
   repeatControl.store(control, std::memory_order_relaxed);
   control->repeatStarted = 0;
-  control->repeatLastTick = platform::GetTickCount();
+  control->repeatLastTick = platform::clock().GetTickCount();
 }
 
 void RepeatWorker::Clear() {
@@ -28,7 +28,7 @@ void RepeatWorker::Clear() {
 std::uint32_t RepeatWorker::Run() {
   while (!StopRequested()) {
     RepeatWhenDue();
-    platform::Sleep(kGrainMs);
+    platform::clock().Sleep(kGrainMs);
   }
   return 0;
 }
@@ -38,14 +38,14 @@ void RepeatWorker::RepeatWhenDue() {
   Control* control = Repeating();
   if (!control || !control->repeatEnabled) return;
 
-  const std::uint32_t elapsed = platform::GetTickCount() - control->repeatLastTick;
+  const std::uint32_t elapsed = platform::clock().GetTickCount() - control->repeatLastTick;
   if (elapsed < (control->repeatStarted ? control->repeatSpeed : control->repeatDelay)) return;
 
   for (InputAction* action : control->actions) {
     action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
   }
   // Only now: the time that a slow replay takes isn't part of the interval.
-  control->repeatLastTick = platform::GetTickCount();
+  control->repeatLastTick = platform::clock().GetTickCount();
   control->repeatStarted = 1;
 }
 

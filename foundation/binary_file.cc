@@ -15,9 +15,9 @@ bool BinaryFile::Open() {
   if (!window) return false;
   lastError = 0;
   if (!IsEmpty()) {
-    handle = platform::CreateFileA(Bytes(*this), platform::GENERIC_READ,
-                                   platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
-                                   platform::OPEN_EXISTING);
+    handle = platform::files().CreateFileA(Bytes(*this), platform::GENERIC_READ,
+                                           platform::FILE_SHARE_READ | platform::FILE_SHARE_WRITE,
+                                           platform::OPEN_EXISTING);
   }
   if (!handle) {
     FreeWindow();
@@ -27,7 +27,7 @@ bool BinaryFile::Open() {
     windowFirst = 0;
     windowLast = bytesInWindow - 1;
   } else {
-    lastError = platform::GetLastError();
+    lastError = platform::files().GetLastError();
   }
   return true;
 }
@@ -36,7 +36,7 @@ bool BinaryFile::Close() {
   FreeWindow();
   if (!handle) return true;
   const bool closed = handle->CloseHandle();
-  if (!closed) lastError = platform::GetLastError();
+  if (!closed) lastError = platform::files().GetLastError();
   handle.reset();
   return closed;
 }
@@ -78,11 +78,11 @@ bool BinaryFile::MoveWindow(std::uint64_t position) {
     start = position > half ? position - half : 0;
   }
   if (!handle->SetFilePointer(static_cast<std::int64_t>(start), platform::FILE_BEGIN, nullptr)) {
-    lastError = platform::GetLastError();
+    lastError = platform::files().GetLastError();
     if (lastError != 0) return false;
   }
   if (!handle->ReadFile(window, windowSize, &bytesInWindow) || bytesInWindow == 0) {
-    lastError = platform::GetLastError();
+    lastError = platform::files().GetLastError();
     return false;
   }
   windowFirst = start;

@@ -658,6 +658,8 @@ std::uint32_t ToUnsigned(const ByteString& text) {
 
 bool IsLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-ByteString SystemErrorText(std::uint32_t code) { return TextOf(platform::FormatMessageA(code)); }
+ByteString SystemErrorText(std::uint32_t code) {
+  return TextOf(platform::system().FormatMessageA(code));
+}
 
 }  // namespace kelvaro

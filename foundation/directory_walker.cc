@@ -18,10 +18,10 @@ ByteString AbsoluteFolder(ByteString folder) {
   if (folder.IsEmpty()) return CurrentFolder();
   if (folder[0] != '.') return folder;
   if (folder[folder.Length() - 1] == ':') EnsureTrailingSeparator(&folder);
-  const std::string before = platform::GetCurrentDirectoryA();
-  if (!platform::SetCurrentDirectoryA(Bytes(folder))) return folder;
+  const std::string before = platform::files().GetCurrentDirectoryA();
+  if (!platform::files().SetCurrentDirectoryA(Bytes(folder))) return folder;
   const ByteString absolute = CurrentFolder();
-  platform::SetCurrentDirectoryA(before);
+  platform::files().SetCurrentDirectoryA(before);
   return absolute.IsEmpty() ? folder : absolute;
 }
 
@@ -143,7 +143,7 @@ bool DirectoryWalker::Find(const ByteString& pattern) {
   if (search) {
     any = search->FindNextFileA(&found);
   } else {
-    search = platform::FindFirstFileA(Bytes(folder.Concat(pattern)), &found);
+    search = platform::files().FindFirstFileA(Bytes(folder.Concat(pattern)), &found);
     any = search != nullptr;
   }
   if (!any) {

@@ -33,14 +33,14 @@ bool FileExists(const ByteString& path, char separator) {
   if (path.Length() < (HasDrives(separator) ? 2u : 1u)) return false;
   if (IsBareDrive(path, separator)) {
     const std::uint32_t drive = FoldUpper(static_cast<std::uint8_t>(path[0])) - std::uint32_t{'A'};
-    return (platform::GetLogicalDrives() >> drive & 1) != 0;
+    return (platform::files().GetLogicalDrives() >> drive & 1) != 0;
   }
-  return platform::GetFileAttributesA(Bytes(path)) != platform::INVALID_FILE_ATTRIBUTES;
+  return platform::files().GetFileAttributesA(Bytes(path)) != platform::INVALID_FILE_ATTRIBUTES;
 }
 
 bool GetFileStatus(const ByteString& path, FileStatus* status) {
   platform::FindData found;
-  if (!platform::FindFirstFileA(Bytes(path), &found)) return false;
+  if (!platform::files().FindFirstFileA(Bytes(path), &found)) return false;
   status->validMask = kFilled;
   status->created = found.created;
   status->accessed = found.accessed;
@@ -89,14 +89,16 @@ void EnsureTrailingSeparator(ByteString* path, char separator) {
 }
 
 ByteString CurrentFolder(char separator) {
-  return Told(platform::GetCurrentDirectoryA(), separator);
+  return Told(platform::files().GetCurrentDirectoryA(), separator);
 }
 
 ByteString ProgramFolder(char separator) {
   return FolderOf(ProgramPath(separator), true, separator);
 }
 
-ByteString ProgramPath(char separator) { return Told(platform::GetModuleFileNameA(), separator); }
+ByteString ProgramPath(char separator) {
+  return Told(platform::files().GetModuleFileNameA(), separator);
+}
 
 bool CreateFolders(const ByteString& path, char separator) {
   ByteString built = RootOf(path, false, separator);
@@ -109,7 +111,8 @@ bool CreateFolders(const ByteString& path, char separator) {
         next ? static_cast<std::uint32_t>(static_cast<const char*>(next) - rest) : left;
     built.Append(rest, level);
     taken += next ? level + 1 : level;
-    if (!FileExists(built, separator) && !platform::CreateDirectoryA(Bytes(built))) return false;
+    if (!FileExists(built, separator) && !platform::files().CreateDirectoryA(Bytes(built)))
+      return false;
     built.AppendChar(separator);
   }
   return true;

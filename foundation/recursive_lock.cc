@@ -115,20 +115,20 @@ bool RecursiveLock::TryTake(std::int32_t id) {
 
 bool RecursiveLock::Acquire(std::uint32_t waitMs) {
   if (waitMs == 0) return TryAcquire();
-  const std::int32_t id = platform::GetCurrentThreadId();
+  const std::int32_t id = platform::threads().GetCurrentThreadId();
   CheckOrder(this, rank, id);
-  while (!TryTake(id)) platform::Sleep(waitMs);
+  while (!TryTake(id)) platform::clock().Sleep(waitMs);
   return true;
 }
 
 bool RecursiveLock::TryAcquire() {
-  const std::int32_t id = platform::GetCurrentThreadId();
+  const std::int32_t id = platform::threads().GetCurrentThreadId();
   CheckOrder(this, rank, id);
   return TryTake(id);
 }
 
 bool RecursiveLock::Release() {
-  const std::int32_t id = platform::GetCurrentThreadId();
+  const std::int32_t id = platform::threads().GetCurrentThreadId();
   if (holders.load(std::memory_order_relaxed) == 0) return false;
   if (owner.load(std::memory_order_relaxed) != id) return false;
   if (--depth == 0) {

@@ -30,7 +30,8 @@ struct DataBuffer {
 // False when there is no such value, or it doesn't fit.
 bool Read(HKEY key, const char* name, std::uint32_t* type, DataBuffer* data, std::uint32_t* size) {
   *size = RegistryBufferSize;
-  if (platform::RegQueryValueExA(key, OrEmpty(name), type, data->bytes, size) != ERROR_SUCCESS) {
+  if (platform::registry().RegQueryValueExA(key, OrEmpty(name), type, data->bytes, size) !=
+      ERROR_SUCCESS) {
     return false;
   }
   data->EndAt(*size);
@@ -38,13 +39,13 @@ bool Read(HKEY key, const char* name, std::uint32_t* type, DataBuffer* data, std
 }
 
 bool WriteDword(HKEY key, const char* name, std::uint32_t value) {
-  return platform::RegSetValueExA(key, OrEmpty(name), REG_DWORD, &value, sizeof value) ==
+  return platform::registry().RegSetValueExA(key, OrEmpty(name), REG_DWORD, &value, sizeof value) ==
          ERROR_SUCCESS;
 }
 
 bool WriteString(HKEY key, const char* name, const ByteString& value) {
-  return platform::RegSetValueExA(key, OrEmpty(name), REG_SZ, OrEmpty(value.Text()),
-                                  value.Length() + 1) == ERROR_SUCCESS;
+  return platform::registry().RegSetValueExA(key, OrEmpty(name), REG_SZ, OrEmpty(value.Text()),
+                                             value.Length() + 1) == ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -59,11 +60,12 @@ class RegistryKey::Subkey {
       isOpen = true;
       return;
     }
-    isOpen = isOwned = (create ? platform::RegCreateKeyA(key.handle, path, &handle)
-                               : platform::RegOpenKeyA(key.handle, path, &handle)) == ERROR_SUCCESS;
+    isOpen = isOwned =
+        (create ? platform::registry().RegCreateKeyA(key.handle, path, &handle)
+                : platform::registry().RegOpenKeyA(key.handle, path, &handle)) == ERROR_SUCCESS;
   }
   ~Subkey() {
-    if (isOwned) platform::RegCloseKey(handle);
+    if (isOwned) platform::registry().RegCloseKey(handle);
   }
   Subkey(const Subkey&) = delete;
   Subkey& operator=(const Subkey&) = delete;
@@ -77,8 +79,9 @@ class RegistryKey::Subkey {
 
 RegistryKey::RegistryKey(HKEY root, const ByteString& path, bool create)
     : createMode(create), root(root), path(path) {
-  isOpen = (create ? platform::RegCreateKeyA(root, OrEmpty(path.Text()), &handle)
-                   : platform::RegOpenKeyA(root, OrEmpty(path.Text()), &handle)) == ERROR_SUCCESS;
+  isOpen = (create ? platform::registry().RegCreateKeyA(root, OrEmpty(path.Text()), &handle)
+                   : platform::registry().RegOpenKeyA(root, OrEmpty(path.Text()), &handle)) ==
+           ERROR_SUCCESS;
 }
 
 RegistryKey::~RegistryKey() { Close(); }
@@ -117,7 +120,8 @@ bool RegistryKey::SetString(const char* subkey, const char* name, const ByteStri
 
 bool RegistryKey::DeleteValue(const char* subkey, const char* name) {
   const Subkey key(*this, subkey, false);
-  return key.isOpen && platform::RegDeleteValueA(key.handle, OrEmpty(name)) == ERROR_SUCCESS;
+  return key.isOpen &&
+         platform::registry().RegDeleteValueA(key.handle, OrEmpty(name)) == ERROR_SUCCESS;
 }
 
 bool RegistryKey::EnumValues(const char* subkey, RegistryValueList* out) {
@@ -131,8 +135,8 @@ bool RegistryKey::EnumValues(const char* subkey, RegistryValueList* out) {
   std::uint32_t index = 0;
   do {
     std::uint32_t type = 0;
-    const std::uint32_t result =
-        platform::RegEnumValueA(key.handle, index, name, &nameSize, &type, data.bytes, &size);
+    const std::uint32_t result = platform::registry().RegEnumValueA(
+        key.handle, index, name, &nameSize, &type, data.bytes, &size);
     if (result == ERROR_NO_MORE_ITEMS) break;
     // Kept: the sizes that a value of another kind leaves hold for the next one.
     if (result == ERROR_SUCCESS && type != REG_DWORD && type != REG_SZ) continue;
@@ -160,7 +164,8 @@ bool RegistryKey::EnumSubkeys(HKEY key, LinkedList<ByteString>* out) {
   char name[RegistryBufferSize];
   std::uint32_t index = 0;
   do {
-    const std::uint32_t result = platform::RegEnumKeyA(key, index, name, RegistryBufferSize);
+    const std::uint32_t result =
+        platform::registry().RegEnumKeyA(key, index, name, RegistryBufferSize);
     if (result == ERROR_NO_MORE_ITEMS) break;
     if (result == ERROR_SUCCESS && !out->AddTail(ByteString(name))) return false;
   } while (++index != 0);
@@ -196,7 +201,7 @@ bool RegistryKey::CopyTree(RegistryKey* source) {
 
 void RegistryKey::Close() {
   if (!isOpen) return;
-  platform::RegCloseKey(handle);
+  platform::registry().RegCloseKey(handle);
   isOpen = false;
 }
 

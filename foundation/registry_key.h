@@ -80,8 +80,8 @@ class RegistryKey {
 // and not one a value: all of it is there after a crash, or none. They may nest.
 class RegistryWrites {
  public:
-  RegistryWrites() { platform::BeginWrites(); }
-  ~RegistryWrites() { platform::EndWrites(); }
+  RegistryWrites() { platform::registry().BeginWrites(); }
+  ~RegistryWrites() { platform::registry().EndWrites(); }
   RegistryWrites(const RegistryWrites&) = delete;
   RegistryWrites& operator=(const RegistryWrites&) = delete;
 };

@@ -11,17 +11,17 @@ constexpr std::uint32_t kExitCodeOfForce = 1000;
 }  // namespace
 
 WorkerThread::WorkerThread(const char* name)
-    : stopEvent(platform::CreateEventA(true, false)), name(name) {}
+    : stopEvent(platform::threads().CreateEventA(true, false)), name(name) {}
 
 WorkerThread::~WorkerThread() {
   Stop();
-  if (stopEvent != platform::kInvalidHandle) platform::CloseHandle(stopEvent);
+  if (stopEvent != platform::kInvalidHandle) platform::threads().CloseHandle(stopEvent);
 }
 
 bool WorkerThread::Start(bool waitUntilRunning, std::int32_t wanted) {
   if (IsRunning()) return false;
   if (wanted == kPriorityOfCaller) {
-    wanted = platform::GetCurrentThreadPriority();
+    wanted = platform::threads().GetCurrentThreadPriority();
     if (wanted == platform::THREAD_PRIORITY_ERROR_RETURN) wanted = 0;
   }
   {
@@ -30,12 +30,12 @@ bool WorkerThread::Start(bool waitUntilRunning, std::int32_t wanted) {
     exitCode = 0;
     stopRequested = false;
     isRunning = false;
-    platform::ResetEvent(stopEvent);
-    if (exitEvent != platform::kInvalidHandle) platform::ResetEvent(exitEvent);
+    platform::threads().ResetEvent(stopEvent);
+    if (exitEvent != platform::kInvalidHandle) platform::threads().ResetEvent(exitEvent);
   }
 
   std::int32_t id = 0;
-  const platform::Handle handle = platform::CreateThread(Entry, this, name, &id);
+  const platform::Handle handle = platform::threads().CreateThread(Entry, this, name, &id);
   if (handle == platform::kInvalidHandle) return false;
   {
     LockGuard guard(stateLock);
@@ -46,7 +46,7 @@ bool WorkerThread::Start(bool waitUntilRunning, std::int32_t wanted) {
   while (waitUntilRunning && !HasBegun()) {
     // A short Run may be over before anyone looked.
     if (!IsRunning()) break;
-    platform::Sleep(1);
+    platform::clock().Sleep(1);
   }
   return true;
 }
@@ -56,14 +56,15 @@ void WorkerThread::RequestStop() {
     LockGuard guard(stateLock);
     stopRequested = true;
   }
-  platform::SetEvent(stopEvent);
+  platform::threads().SetEvent(stopEvent);
 }
 
 bool WorkerThread::IsRunning() {
   LockGuard guard(stateLock);
   if (threadHandle == platform::kInvalidHandle) return false;
   std::uint32_t code = 0;
-  if (platform::GetExitCodeThread(threadHandle, &code) && code == platform::STILL_ACTIVE) {
+  if (platform::threads().GetExitCodeThread(threadHandle, &code) &&
+      code == platform::STILL_ACTIVE) {
     return true;
   }
   Forget();
@@ -80,8 +81,8 @@ void WorkerThread::Stop() {
     handle = threadHandle;
     timeout = stopTimeout;
   }
-  if (platform::WaitForSingleObject(handle, timeout) == platform::WAIT_TIMEOUT) {
-    platform::TerminateThread(handle, kExitCodeOfForce);
+  if (platform::threads().WaitForSingleObject(handle, timeout) == platform::WAIT_TIMEOUT) {
+    platform::threads().TerminateThread(handle, kExitCodeOfForce);
   }
   LockGuard guard(stateLock);
   Forget();
@@ -98,7 +99,7 @@ bool WorkerThread::HasBegun() {
 }
 
 void WorkerThread::Forget() {
-  platform::CloseHandle(threadHandle);
+  platform::threads().CloseHandle(threadHandle);
   threadHandle = platform::kInvalidHandle;
   isRunning = false;
 }
@@ -111,10 +112,10 @@ std::uint32_t WorkerThread::Entry(void* self) {
     worker->isRunning = true;
     own = worker->priority;
   }
-  platform::SetCurrentThreadPriority(own);
+  platform::threads().SetCurrentThreadPriority(own);
   const std::uint32_t code = worker->Run();
   // A thread that was cut off during Run, whose worker may be gone, gets no further than this call.
-  platform::GetCurrentThreadId();
+  platform::threads().GetCurrentThreadId();
   {
     LockGuard guard(worker->stateLock);
     worker->exitCode = code;
@@ -122,7 +123,8 @@ std::uint32_t WorkerThread::Entry(void* self) {
   worker->OnExit();
   LockGuard guard(worker->stateLock);
   worker->isRunning = false;
-  if (worker->exitEvent != platform::kInvalidHandle) platform::SetEvent(worker->exitEvent);
+  if (worker->exitEvent != platform::kInvalidHandle)
+    platform::threads().SetEvent(worker->exitEvent);
   return code;
 }
 

@@ -44,7 +44,7 @@ void SendKey(std::uint8_t vk, std::uint8_t scan, Edge edge) {
   std::uint32_t flags = 0;
   if (scan & 0x80) flags |= platform::KEYEVENTF_EXTENDEDKEY;
   if (edge == Edge::Up) flags |= platform::KEYEVENTF_KEYUP;
-  platform::keybd_event(vk, scan, flags, 0);
+  platform::input().keybd_event(vk, scan, flags, 0);
 }
 
 template <typename Sides>
@@ -62,7 +62,7 @@ void SendModifiers(std::uint8_t flags, Edge edge) {
   }
   if (flags & KeyFlagMouse) {
     const MouseButton& button = Side(flags, kMouse);
-    platform::mouse_event(edge == Edge::Down ? button.down : button.up, 0, 0, 0, 0);
+    platform::input().mouse_event(edge == Edge::Down ? button.down : button.up, 0, 0, 0, 0);
   }
 }
 
@@ -71,7 +71,7 @@ std::uint8_t Without(std::uint8_t flags, std::uint8_t done) {
 }
 
 void Wait(std::uint32_t ms) {
-  if (ms != 0) platform::Sleep(ms);
+  if (ms != 0) platform::clock().Sleep(ms);
 }
 
 }  // namespace

@@ -7,20 +7,20 @@
 namespace kelvaro::rendlink {
 
 bool IsFile(const std::string& path) {
-  const std::uint32_t attributes = platform::GetFileAttributesA(path);
+  const std::uint32_t attributes = platform::files().GetFileAttributesA(path);
   return attributes != platform::INVALID_FILE_ATTRIBUTES &&
          (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 bool IsFolder(const std::string& path) {
-  const std::uint32_t attributes = platform::GetFileAttributesA(path);
+  const std::uint32_t attributes = platform::files().GetFileAttributesA(path);
   return attributes != platform::INVALID_FILE_ATTRIBUTES &&
          (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 bool ReadFile(const std::string& path, std::uint32_t most, std::string* bytes) {
-  const auto file = platform::CreateFileA(path, platform::GENERIC_READ, platform::FILE_SHARE_READ,
-                                          platform::OPEN_EXISTING);
+  const auto file = platform::files().CreateFileA(
+      path, platform::GENERIC_READ, platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
   if (!file) return false;
   bytes->clear();
   for (;;) {
@@ -35,12 +35,12 @@ bool ReadFile(const std::string& path, std::uint32_t most, std::string* bytes) {
 
 bool WriteFile(const std::string& path, const std::string& bytes, std::string* error) {
   const auto file =
-      platform::CreateFileA(path, platform::GENERIC_WRITE, 0, platform::CREATE_ALWAYS);
+      platform::files().CreateFileA(path, platform::GENERIC_WRITE, 0, platform::CREATE_ALWAYS);
   std::uint32_t written = 0;
   if (file && file->WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &written) &&
       file->CloseHandle())
     return true;
-  ByteString text = SystemErrorText(platform::GetLastError());
+  ByteString text = SystemErrorText(platform::files().GetLastError());
   text.Trim(0, 32);
   *error = Bytes(text);
   return false;

@@ -23,7 +23,7 @@ std::string InWords(const std::vector<std::string>& profiles) {
 }
 
 std::string SystemError() {
-  ByteString text = SystemErrorText(platform::GetLastError());
+  ByteString text = SystemErrorText(platform::files().GetLastError());
   text.Trim(0, 32);
   return Bytes(text);
 }
@@ -32,7 +32,7 @@ std::string SystemError() {
 
 bool FindKelvaro(std::string* path, std::string* refusal) {
   const std::string folder = Bytes(ProgramFolder());
-  *path = folder + platform::PathSeparator() + "kelvaro";
+  *path = folder + platform::files().PathSeparator() + "kelvaro";
   if (IsFile(*path)) return true;
   *refusal = "The program kelvaro isn't in " + (folder.empty() ? std::string("/") : folder) +
              ", where Rendlink lies.";
@@ -87,18 +87,18 @@ bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
 
 bool StartNow(const Ready& ready, std::string* refusal) {
   platform::PROCESS_INFORMATION started;
-  if (!platform::CreateProcessA(ready.words[0], ProcessLine(ready.words),
-                                platform::CREATE_NEW_CONSOLE, nullptr, &started)) {
+  if (!platform::processes().CreateProcessA(ready.words[0], ProcessLine(ready.words),
+                                            platform::CREATE_NEW_CONSOLE, nullptr, &started)) {
     *refusal = "Kelvaro can't be started: " + SystemError() + ".";
     return false;
   }
-  if (started.hThread != platform::kInvalidHandle) platform::CloseHandle(started.hThread);
-  platform::CloseHandle(started.hProcess);
+  if (started.hThread != platform::kInvalidHandle) platform::threads().CloseHandle(started.hThread);
+  platform::threads().CloseHandle(started.hProcess);
   return true;
 }
 
 std::string Stem(const std::string& path) {
-  const std::string name = path.substr(path.rfind(platform::PathSeparator()) + 1);
+  const std::string name = path.substr(path.rfind(platform::files().PathSeparator()) + 1);
   const std::size_t dot = name.rfind('.');
   return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
 }

@@ -21,19 +21,20 @@ constexpr std::int32_t kToMenu = 1;
 RendlinkDialog::RendlinkDialog(Session& session) : Dialog(kDialog), session(session) {}
 
 void RendlinkDialog::OnInit() {
-  icon = platform::LoadIconA(resources::kIcon);
-  for (const bool large : {false, true}) platform::SetWindowIcon(window, icon, large);
-  platform::EnableToolTips(window);
+  icon = platform::desktop().LoadIconA(resources::kIcon);
+  for (const bool large : {false, true}) platform::desktop().SetWindowIcon(window, icon, large);
+  platform::controls().EnableToolTips(window);
   profiles = StoredProfiles();
-  platform::ListInsertColumn(window, kProfiles, "Profile",
-                             platform::ListGetClientWidth(window, kProfiles));
+  platform::controls().ListInsertColumn(window, kProfiles, "Profile",
+                                        platform::controls().ListGetClientWidth(window, kProfiles));
   for (std::size_t i = 0; i < profiles.size(); ++i) {
     const std::int32_t row =
-        platform::ListInsertItem(window, kProfiles, static_cast<std::uint32_t>(i));
-    platform::ListSetItemText(window, kProfiles, row, 0, profiles[i]);
+        platform::controls().ListInsertItem(window, kProfiles, static_cast<std::uint32_t>(i));
+    platform::controls().ListSetItemText(window, kProfiles, row, 0, profiles[i]);
   }
-  if (!profiles.empty()) platform::ListSelectItem(window, kProfiles, 0, true);
-  platform::ComboSetCurSel(window, kPlace, session.DesktopFolder().empty() ? kToMenu : kToDesktop);
+  if (!profiles.empty()) platform::controls().ListSelectItem(window, kProfiles, 0, true);
+  platform::controls().ComboSetCurSel(window, kPlace,
+                                      session.DesktopFolder().empty() ? kToMenu : kToDesktop);
   ShowCommand();
 }
 
@@ -68,14 +69,16 @@ void RendlinkDialog::OnNotice(std::uint32_t id, platform::Notice notice, std::in
 std::string RendlinkDialog::OnToolTip(std::uint32_t id) { return ToolTip(id); }
 
 void RendlinkDialog::OnDestroy() {
-  if (icon != 0) platform::DestroyIcon(icon);
+  if (icon != 0) platform::desktop().DestroyIcon(icon);
 }
 
 Launch RendlinkDialog::Chosen() const {
   Launch launch;
-  for (std::int32_t row = platform::ListGetNextSelected(window, kProfiles, -1);
-       row != platform::kNoRow; row = platform::ListGetNextSelected(window, kProfiles, row))
-    launch.profiles.push_back(profiles[platform::ListGetItemData(window, kProfiles, row)]);
+  for (std::int32_t row = platform::controls().ListGetNextSelected(window, kProfiles, -1);
+       row != platform::kNoRow;
+       row = platform::controls().ListGetNextSelected(window, kProfiles, row))
+    launch.profiles.push_back(
+        profiles[platform::controls().ListGetItemData(window, kProfiles, row)]);
   launch.target = Bytes(Text(kTarget));
   launch.args = Bytes(Text(kArguments));
   launch.dir = Bytes(Text(kFolder));
@@ -95,14 +98,14 @@ void RendlinkDialog::ShowCommand() {
 
 void RendlinkDialog::OnBrowseTarget() {
   std::string path = session.FullPath(Bytes(Text(kTarget)));
-  if (!platform::ChooseFile(window, "Target", false, path, &path)) return;
+  if (!platform::shell().ChooseFile(window, "Target", false, path, &path)) return;
   SetText(kTarget, TextOf(path));
   ShowCommand();
 }
 
 void RendlinkDialog::OnBrowseFolder() {
   std::string path = session.FullPath(Bytes(Text(kFolder)));
-  if (!platform::ChooseFolder(window, "Folder", path, &path)) return;
+  if (!platform::shell().ChooseFolder(window, "Folder", path, &path)) return;
   SetText(kFolder, TextOf(path));
   ShowCommand();
 }
@@ -110,13 +113,13 @@ void RendlinkDialog::OnBrowseFolder() {
 void RendlinkDialog::OnSave() {
   Ready ready;
   if (!CheckOrTell(&ready)) return;
-  const bool toMenu = platform::ComboGetCurSel(window, kPlace) == kToMenu;
+  const bool toMenu = platform::controls().ComboGetCurSel(window, kPlace) == kToMenu;
   ByteString path = TextOf(toMenu ? session.MenuFolder() : session.DesktopFolder());
   // A first launcher makes its folder; where that can't be, saving says so.
   CreateFolders(path);
   if (!path.IsEmpty()) EnsureTrailingSeparator(&path);
   std::string file = Bytes(path) + Stem(ready.launch.target) + kEnding;
-  if (!platform::ChooseFile(window, "Save Launcher", true, file, &file)) return;
+  if (!platform::shell().ChooseFile(window, "Save Launcher", true, file, &file)) return;
   if (!file.ends_with(kEnding)) file += kEnding;
   std::string refusal;
   if (!SaveLauncher(ready, file, session, &refusal)) return Tell(refusal);

@@ -16,7 +16,7 @@ namespace {
 constexpr std::uint32_t kLongestEntry = 1 << 20;
 
 std::string NameOf(const std::string& path) {
-  return path.substr(path.rfind(platform::PathSeparator()) + 1);
+  return path.substr(path.rfind(platform::files().PathSeparator()) + 1);
 }
 
 std::string PictureBeside(const std::string& target) {
@@ -44,10 +44,10 @@ bool Starts(const std::map<std::string, std::string>& entry, const std::string& 
 }
 
 std::string IconByEntries(const std::string& folder, const std::string& target) {
-  const std::string start = folder + platform::PathSeparator();
+  const std::string start = folder + platform::files().PathSeparator();
   platform::FindData found;
   std::vector<std::string> names;
-  const auto search = platform::FindFirstFileA(start + "*.desktop", &found);
+  const auto search = platform::files().FindFirstFileA(start + "*.desktop", &found);
   for (bool more = search != nullptr; more; more = search->FindNextFileA(&found))
     names.push_back(found.name);
   std::sort(names.begin(), names.end());

@@ -8,10 +8,10 @@ namespace kelvaro {
 ByteString DataFolder() {
   const ByteString program = ProgramFolder();
   ByteString marker = program;
-  marker.AppendChar(platform::PathSeparator());
+  marker.AppendChar(platform::files().PathSeparator());
   marker.Append("PerUser");
   if (!FileExists(marker)) return program;
-  ByteString folder = TextOf(platform::GetUserDataFolder());
+  ByteString folder = TextOf(platform::system().GetUserDataFolder());
   if (folder.IsEmpty()) return program;
   EnsureTrailingSeparator(&folder);
   folder.Append("kelvaro");

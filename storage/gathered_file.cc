@@ -18,8 +18,9 @@ constexpr std::uint32_t kLongestFile = std::numeric_limits<std::uint32_t>::max()
 bool GatheredFile::Create(const ByteString& path) {
   Close();
   Release();
-  handle = platform::CreateFileA(Bytes(path), platform::GENERIC_READ | platform::GENERIC_WRITE,
-                                 platform::FILE_SHARE_READ, platform::CREATE_ALWAYS);
+  handle =
+      platform::files().CreateFileA(Bytes(path), platform::GENERIC_READ | platform::GENERIC_WRITE,
+                                    platform::FILE_SHARE_READ, platform::CREATE_ALWAYS);
   return IsOpen();
 }
 

@@ -305,7 +305,7 @@ bool ProfileFile::Save() {
   const ByteString fileName = ProfileFileName(profileName);
   if (fileName.IsEmpty()) return false;
   ByteString target = ProfileFolder();
-  target.AppendChar(platform::PathSeparator());
+  target.AppendChar(platform::files().PathSeparator());
   target.Append(fileName);
   return SaveAs(target);
 }

@@ -28,7 +28,7 @@ constexpr char kFolder[] = "Profiles";
 
 ByteString In(const ByteString& folder, const char* name) {
   ByteString path = folder;
-  path.AppendChar(platform::PathSeparator());
+  path.AppendChar(platform::files().PathSeparator());
   path.Append(name);
   return path;
 }
@@ -47,11 +47,11 @@ void MakeUsersFolder() {
   const ByteString folder = In(data, kFolder);
   if (data.Equals(program)) return;
   // Who makes the folder copies, of several programs that begin at once, too.
-  if (!CreateFolders(data) || !platform::CreateDirectoryA(Bytes(folder))) return;
+  if (!CreateFolders(data) || !platform::files().CreateDirectoryA(Bytes(folder))) return;
   LinkedList<ByteString> shipped;
   ListFiles(In(program, kFolder), &shipped);
   for (const ByteString& path : shipped) {
-    platform::CopyFileA(Bytes(path), Bytes(In(folder, FileNameOf(path))), true);
+    platform::files().CopyFileA(Bytes(path), Bytes(In(folder, FileNameOf(path))), true);
   }
 }
 
@@ -89,7 +89,7 @@ ByteString ProfileLibrary::ProfileFolder() { return In(DataFolder(), kFolder); }
 bool ProfileLibrary::CanSave() {
   // Where it is missing, the first folder above that is there decides.
   for (ByteString folder = ProfileFolder(); !folder.IsEmpty(); folder = FolderOf(folder, true)) {
-    const std::uint32_t attributes = platform::GetFileAttributesA(Bytes(folder));
+    const std::uint32_t attributes = platform::files().GetFileAttributesA(Bytes(folder));
     if (attributes == platform::INVALID_FILE_ATTRIBUTES) continue;
     return (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0 &&
            (attributes & platform::FILE_ATTRIBUTE_READONLY) == 0;
@@ -133,7 +133,7 @@ bool ProfileLibrary::KeepCopy(const ByteString& path) {
     ByteString copy = FolderOf(path, false);
     copy.Append(name.Left(kLongestFileName - ending.Length()));
     copy.Append(ending);
-    if (platform::CopyFileA(Bytes(path), Bytes(copy), true)) return true;
+    if (platform::files().CopyFileA(Bytes(path), Bytes(copy), true)) return true;
     // The copy comes before any look at the file: one that merely seems to be gone must not be
     // written over.
     if (!FileExists(copy)) return !FileExists(path);
@@ -145,7 +145,7 @@ bool ProfileLibrary::KeepCopy(const ByteString& path) {
 bool ProfileLibrary::DeleteFileOf(const ByteString& name) {
   if (name.IsEmpty()) return false;
   const ByteString path = FindProfileFile(name);
-  return !path.IsEmpty() && platform::DeleteFileA(Bytes(path));
+  return !path.IsEmpty() && platform::files().DeleteFileA(Bytes(path));
 }
 
 }  // namespace kelvaro

@@ -352,23 +352,23 @@ bool TaggedFile::FinishWriting() {
 ByteString TaggedFile::TemporaryPath() const { return path.Concat(".tmp"); }
 
 std::unique_ptr<platform::File> TaggedFile::ClaimTemporary() const {
-  return platform::CreateFileA(Bytes(TemporaryPath()), platform::GENERIC_READ,
-                               platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
+  return platform::files().CreateFileA(Bytes(TemporaryPath()), platform::GENERIC_READ,
+                                       platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
 }
 
 bool TaggedFile::CopyOverTarget() {
   const std::string target = Bytes(path);
-  const std::uint32_t attributes = platform::GetFileAttributesA(target);
+  const std::uint32_t attributes = platform::files().GetFileAttributesA(target);
   if (attributes != platform::INVALID_FILE_ATTRIBUTES) {
-    platform::SetFileAttributesA(target, attributes & ~platform::FILE_ATTRIBUTE_READONLY);
+    platform::files().SetFileAttributesA(target, attributes & ~platform::FILE_ATTRIBUTE_READONLY);
   }
-  return platform::CopyFileA(Bytes(TemporaryPath()), target, false);
+  return platform::files().CopyFileA(Bytes(TemporaryPath()), target, false);
 }
 
 void TaggedFile::DeleteTemporary() {
   // One that stays does no harm: it is whole, and the next write begins it anew. That may be under
   // way already, and then it isn't deleted.
-  platform::DeleteFileA(Bytes(TemporaryPath()));
+  platform::files().DeleteFileA(Bytes(TemporaryPath()));
 }
 
 }  // namespace kelvaro

@@ -13,10 +13,10 @@ AdvancedSettingsDialog::AdvancedSettingsDialog(bool autodetectDevicePlugin)
 
 void AdvancedSettingsDialog::OnInit() {
   Check(kAutodetectDevicePlugin, autodetectDevicePlugin);
-  if (!platform::CreateToolTip(window)) return;
+  if (!platform::controls().CreateToolTip(window)) return;
   LimitTips(400);
-  platform::ActivateToolTip(window, true);
-  platform::AddTool(window, kAutodetectDevicePlugin);
+  platform::controls().ActivateToolTip(window, true);
+  platform::controls().AddTool(window, kAutodetectDevicePlugin);
 }
 
 void AdvancedSettingsDialog::OnOK() {

@@ -84,8 +84,9 @@ bool ReleaseIsOffered() {
 }
 
 void PressExtendedKey(std::uint8_t vk, std::uint8_t scan) {
-  platform::keybd_event(vk, scan, platform::KEYEVENTF_EXTENDEDKEY, 0);
-  platform::keybd_event(vk, scan, platform::KEYEVENTF_EXTENDEDKEY | platform::KEYEVENTF_KEYUP, 0);
+  platform::input().keybd_event(vk, scan, platform::KEYEVENTF_EXTENDEDKEY, 0);
+  platform::input().keybd_event(vk, scan,
+                                platform::KEYEVENTF_EXTENDEDKEY | platform::KEYEVENTF_KEYUP, 0);
 }
 
 }  // namespace
@@ -103,7 +104,7 @@ void DefineControlDialog::ShowDetectedTrigger(const DeviceManager& device,
   if (!dialogOpen || !detectTrigger) return;
   ByteString text;
   CaptureTrigger(device.axisMax, snapshot, &text, &scratch);
-  platform::SetDlgItemTextA(window, kTriggerText, Bytes(text));
+  platform::controls().SetDlgItemTextA(window, kTriggerText, Bytes(text));
 }
 
 void DefineControlDialog::OnInit() {
@@ -115,7 +116,7 @@ void DefineControlDialog::OnInit() {
   RestorePlacement(kProductKey, kControlWindowSubkey);
   if (ReleaseIsOffered()) {
     for (const std::uint32_t id : {kOnLabel, kPress, kRelease}) {
-      platform::ShowControl(window, id, platform::SW_SHOW);
+      platform::controls().ShowControl(window, id, platform::SW_SHOW);
     }
   }
 
@@ -123,16 +124,16 @@ void DefineControlDialog::OnInit() {
   EnableFields();
 
   SetDialogOpen(true);
-  platform::CreateToolTip(window);
+  platform::controls().CreateToolTip(window);
   LimitTips(kTipWidth);
-  platform::EnableToolTips(window);
-  icon = platform::LoadIconA(resources::kIcon);
-  platform::SetWindowIcon(window, icon, false);
+  platform::controls().EnableToolTips(window);
+  icon = platform::desktop().LoadIconA(resources::kIcon);
+  platform::desktop().SetWindowIcon(window, icon, false);
 }
 
 void DefineControlDialog::OnDestroy() {
   ResizableDialog::OnDestroy();
-  platform::DestroyIcon(icon);
+  platform::desktop().DestroyIcon(icon);
 }
 
 void DefineControlDialog::DeclareLayout() {
@@ -208,7 +209,7 @@ void DefineControlDialog::OnDefaults() {
 
 void DefineControlDialog::OnHelpKey() {
   if (!helpAvailable) return;
-  const std::uint32_t focused = platform::GetControlFocus(window);
+  const std::uint32_t focused = platform::controls().GetControlFocus(window);
   std::string topic = kControlsTopic;
   for (const auto& row : kHelpPlaces)
     if (row.id == focused) topic += row.place;
@@ -263,7 +264,7 @@ void DefineControlDialog::OnOK() {
   if (!ReadFields()) return;
   if (descriptionText.IsEmpty()) {
     Box(kNoDescriptionText, kNoDescriptionTitle, platform::MB_OK);
-    platform::SetControlFocus(window, kDescriptionText);
+    platform::controls().SetControlFocus(window, kDescriptionText);
     return;
   }
 
@@ -317,7 +318,7 @@ bool DefineControlDialog::ReadNumber(std::uint32_t id, std::uint32_t* value) {
     return true;
   }
   Box(number ? kTooLargeText : kNotANumberText, kNotANumberCaption, platform::MB_ICONEXCLAMATION);
-  platform::SetControlFocus(window, id);
+  platform::controls().SetControlFocus(window, id);
   return false;
 }
 
@@ -366,10 +367,10 @@ bool DefineControlDialog::ConfirmUppercase() {
 
 void DefineControlDialog::ShowKeyError(bool duplicateKey, std::uint32_t offset) {
   Box(duplicateKey ? kDuplicateKeyText : kBadKeyText, kKeyErrorTitle, platform::MB_OK);
-  platform::SetControlFocus(window, kKeysText);
+  platform::controls().SetControlFocus(window, kKeysText);
   // The keys go to whatever has the focus of the system, which need not be this field; where they
   // arrive here they end at the same place.
-  platform::SetCaret(window, kKeysText, offset);
+  platform::controls().SetCaret(window, kKeysText, offset);
   PressExtendedKey(kHomeKey, kHomeScan);
   for (std::uint32_t i = 0; i < offset; ++i) PressExtendedKey(kRightKey, kRightScan);
 }

@@ -12,7 +12,7 @@ DeleteProfileDialog::DeleteProfileDialog(const ByteString& name)
 void DeleteProfileDialog::OnInit() {
   SetText(kName, ByteString("\"").Concat(name).Concat("\""));
   // Enter presses the button that has the focus, and "Yes" comes first.
-  platform::SetControlFocus(window, platform::IDCANCEL);
+  platform::controls().SetControlFocus(window, platform::IDCANCEL);
 }
 
 }  // namespace kelvaro

@@ -28,9 +28,9 @@ platform::LibraryHandle LoadHelpLibrary() {
   RegistryKey key(platform::HKEY_CLASSES_ROOT, kHelpKey, false);
   ByteString path;
   if (key.GetString(nullptr, "", &path) && !path.IsEmpty() && path.Length() < kPathBufferSize) {
-    library = platform::LoadLibraryA(Bytes(path));
+    library = platform::shell().LoadLibraryA(Bytes(path));
   }
-  return library ? library : platform::LoadLibraryA(kHelpLibrary);
+  return library ? library : platform::shell().LoadLibraryA(kHelpLibrary);
 }
 
 }  // namespace
@@ -39,7 +39,8 @@ std::uintptr_t HtmlHelp(platform::WindowHandle caller, const char* file, std::ui
                         std::uintptr_t data) {
   if (!loader.function && !loader.failed) {
     loader.library = LoadHelpLibrary();
-    if (loader.library) loader.function = platform::GetHelpFunction(loader.library, kHelpOrdinal);
+    if (loader.library)
+      loader.function = platform::shell().GetHelpFunction(loader.library, kHelpOrdinal);
     loader.failed = !loader.function;
   }
   return loader.function ? loader.function(caller, file, command, data) : 0;

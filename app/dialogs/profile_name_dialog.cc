@@ -22,7 +22,7 @@ ProfileNameDialog::ProfileNameDialog(const ByteString& title, const ByteString& 
       oldName(oldName) {}
 
 void ProfileNameDialog::OnInit() {
-  platform::SetWindowTextA(window, Bytes(title));
+  platform::desktop().SetWindowTextA(window, Bytes(title));
   SetText(kTopLine, firstPart.Concat(" \"").Concat(oldName).Concat("\""));
   SetText(kName, oldName);
 }
@@ -31,7 +31,7 @@ void ProfileNameDialog::OnOK() {
   const ByteString entered = Text(kName);
   if (entered.IsEmpty()) {
     Box(kBlankNameText, kBlankNameTitle, platform::MB_OK);
-    platform::SetControlFocus(window, kName);
+    platform::controls().SetControlFocus(window, kName);
     return;
   }
   name = entered;

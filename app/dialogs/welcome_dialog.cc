@@ -36,10 +36,11 @@ ByteString WelcomeDialog::Text() {
 }
 
 void WelcomeDialog::OnInit() {
-  platform::SetPicture(window, welcome::kPicture, platform::LoadBitmapA(resources::kBannerBitmap));
-  platform::SetControlFont(window, kText, "Arial", kTextHeight, kTextWeight, false);
-  platform::SetTextColour(window, kText, kTextColour);
-  platform::SetBackgroundColour(window, kText, kWhite);
+  platform::controls().SetPicture(window, welcome::kPicture,
+                                  platform::desktop().LoadBitmapA(resources::kBannerBitmap));
+  platform::controls().SetControlFont(window, kText, "Arial", kTextHeight, kTextWeight, false);
+  platform::controls().SetTextColour(window, kText, kTextColour);
+  platform::controls().SetBackgroundColour(window, kText, kWhite);
   SetText(kText, Text());
 }
 

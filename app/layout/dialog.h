@@ -29,14 +29,20 @@ class Dialog : public platform::WindowListener {
   virtual void OnInit() {}
   virtual void OnOK() { EndDialog(platform::IDOK); }
   virtual void OnCancel() { EndDialog(platform::IDCANCEL); }
-  void EndDialog(std::int32_t result) { platform::EndDialog(window, result); }
+  void EndDialog(std::int32_t result) { platform::desktop().EndDialog(window, result); }
 
   // Of this window's controls.
   ByteString Text(std::uint32_t id) const;
   void SetText(std::uint32_t id, const ByteString& text);
-  bool Checked(std::uint32_t id) const { return platform::IsDlgButtonChecked(window, id); }
-  void Check(std::uint32_t id, bool checked) { platform::CheckDlgButton(window, id, checked); }
-  void Enable(std::uint32_t id, bool enable) { platform::EnableControl(window, id, enable); }
+  bool Checked(std::uint32_t id) const {
+    return platform::controls().IsDlgButtonChecked(window, id);
+  }
+  void Check(std::uint32_t id, bool checked) {
+    platform::controls().CheckDlgButton(window, id, checked);
+  }
+  void Enable(std::uint32_t id, bool enable) {
+    platform::controls().EnableControl(window, id, enable);
+  }
   static constexpr std::int32_t kTipWidth = 300;  // pixels
   // The widest that a tip of this window gets, in pixels, and for ten seconds.
   void LimitTips(std::int32_t width) const;

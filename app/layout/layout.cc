@@ -151,17 +151,17 @@ std::uint32_t MoveFlags(const LayoutNode& node) {
 void Defer(const Nodes& nodes, platform::WindowHandle window, platform::DeferHandle* defer) {
   for (auto* entry = nodes.head; entry && *defer; entry = entry->next) {
     const LayoutNode& node = *entry->value;
-    *defer =
-        platform::DeferWindowPos(*defer, window, node.control, ControlRect(node), MoveFlags(node));
+    *defer = platform::controls().DeferWindowPos(*defer, window, node.control, ControlRect(node),
+                                                 MoveFlags(node));
     Defer(node.children, window, defer);
   }
 }
 
 void MoveNow(const Nodes& nodes, platform::WindowHandle window) {
   for (const LayoutNode& node : nodes) {
-    platform::InvalidateControl(window, node.control);
-    platform::SetControlPos(window, node.control, ControlRect(node),
-                            MoveFlags(node) | platform::SWP_DEFERERASE);
+    platform::controls().InvalidateControl(window, node.control);
+    platform::controls().SetControlPos(window, node.control, ControlRect(node),
+                                       MoveFlags(node) | platform::SWP_DEFERERASE);
     MoveNow(node.children, window);
   }
 }
@@ -172,8 +172,8 @@ void ShowOrHide(const Nodes& nodes, platform::WindowHandle window, const LayoutP
   for (const LayoutNode& node : nodes) {
     const bool hide = (node.state & kUnseen) || (node.flags & layout_flag::kNeverShown);
     if (!later || !later->Find(node.control)) {
-      platform::ShowControl(window, node.control,
-                            hide ? platform::SW_HIDE : platform::SW_SHOWNOACTIVATE);
+      platform::controls().ShowControl(window, node.control,
+                                       hide ? platform::SW_HIDE : platform::SW_SHOWNOACTIVATE);
     }
     ShowOrHide(node.children, window, later);
   }
@@ -190,8 +190,8 @@ bool LayoutPage::Add(std::uint32_t parent, std::uint32_t control, std::uint32_t 
     siblings = &above->children;
   }
   platform::Rect place;
-  if (!platform::HasControl(window, control) ||
-      !platform::GetControlRect(window, control, &place)) {
+  if (!platform::controls().HasControl(window, control) ||
+      !platform::controls().GetControlRect(window, control, &place)) {
     return false;
   }
   LayoutNode node;
@@ -209,7 +209,7 @@ LayoutNode* LayoutPage::Find(std::uint32_t control) const { return FindIn(nodes,
 
 void LayoutPage::Measure() {
   platform::Rect client;
-  if (!platform::GetClientRect(window, &client)) return;
+  if (!platform::desktop().GetClientRect(window, &client)) return;
   rect = {client.left, client.top, client.right, client.bottom};
 }
 
@@ -228,9 +228,9 @@ void LayoutPage::SetState(std::uint32_t bit, bool set) { SetStateIn(nodes, bit, 
 void LayoutPage::ApplyVisibility(const LayoutPage* later) { ShowOrHide(nodes, window, later); }
 
 void LayoutPage::ApplyPositions() {
-  platform::DeferHandle defer = platform::BeginDeferWindowPos(count);
+  platform::DeferHandle defer = platform::controls().BeginDeferWindowPos(count);
   Defer(nodes, window, &defer);
-  if (defer && platform::EndDeferWindowPos(defer)) return;
+  if (defer && platform::controls().EndDeferWindowPos(defer)) return;
   MoveNow(nodes, window);
 }
 

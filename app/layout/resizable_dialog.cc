@@ -41,15 +41,15 @@ ResizableDialog::ResizableDialog(const platform::DialogTemplate& resource) : Dia
 
 void ResizableDialog::OnInit() {
   platform::Rect rect;
-  if (platform::GetWindowRect(window, &rect)) {
+  if (platform::desktop().GetWindowRect(window, &rect)) {
     windowOrigin = {rect.left, rect.top};
     minTrackWidth = rect.Width();
     minTrackHeight = rect.Height();
   }
-  gripWidth = platform::GetSystemMetrics(platform::SM_CXVSCROLL);
-  gripHeight = platform::GetSystemMetrics(platform::SM_CYHSCROLL);
+  gripWidth = platform::desktop().GetSystemMetrics(platform::SM_CXVSCROLL);
+  gripHeight = platform::desktop().GetSystemMetrics(platform::SM_CYHSCROLL);
   platform::Rect client;
-  if (platform::GetClientRect(window, &client)) PlaceGrip(client);
+  if (platform::desktop().GetClientRect(window, &client)) PlaceGrip(client);
   layoutReady = false;
   CreatePages(1);
 }
@@ -107,21 +107,21 @@ void ResizableDialog::ApplyCurrentPage() {
 }
 
 void ResizableDialog::Layout(const platform::Rect& client) {
-  platform::InvalidateRect(window, gripRect);
+  platform::desktop().InvalidateRect(window, gripRect);
   const LayoutRect rect{client.left, client.top, client.right, client.bottom};
   for (LayoutPage& page : pages) {
     if (&page != currentPage) page.Resize(rect, currentPage);
   }
   if (currentPage) currentPage->Resize(rect);
   PlaceGrip(client);
-  platform::InvalidateRect(window, gripRect);
-  platform::UpdateWindow(window);
+  platform::desktop().InvalidateRect(window, gripRect);
+  platform::desktop().UpdateWindow(window);
 }
 
 void ResizableDialog::SavePlacement() {
   if (registryKeyPath.IsEmpty() || registrySubkey.IsEmpty()) return;
   platform::Rect rect;
-  if (!platform::GetWindowRect(window, &rect)) return;
+  if (!platform::desktop().GetWindowRect(window, &rect)) return;
   const RegistryWrites together;
   RegistryKey key(platform::HKEY_CURRENT_USER, registryKeyPath, true);
   const auto save = [&](const char* name, std::int32_t edge) {
@@ -152,15 +152,15 @@ void ResizableDialog::RestorePlacement(const ByteString& keyPath, const ByteStri
   across.GiveSize(kLeastWidth);
   down.GiveSize(kLeastHeight);
   platform::Rect desktop;
-  if (platform::GetDesktopRect(&desktop)) {
+  if (platform::desktop().GetDesktopRect(&desktop)) {
     across.BringBack(desktop.left, desktop.right);
     down.BringBack(desktop.top, desktop.bottom);
   }
-  platform::MoveWindow(
+  platform::desktop().MoveWindow(
       window, {static_cast<std::int32_t>(across.from), static_cast<std::int32_t>(down.from),
                static_cast<std::int32_t>(across.to), static_cast<std::int32_t>(down.to)});
   platform::Rect client;
-  if (platform::GetClientRect(window, &client)) Layout(client);
+  if (platform::desktop().GetClientRect(window, &client)) Layout(client);
 }
 
 void ResizableDialog::OnSize(std::uint32_t type, std::int32_t width, std::int32_t height) {
@@ -180,12 +180,12 @@ void ResizableDialog::OnGetMinMaxInfo(platform::MinMaxInfo* info) {
 }
 
 void ResizableDialog::OnPaint(platform::Canvas& canvas) {
-  if (showGrip && !platform::IsZoomed(window)) canvas.DrawSizeGrip(gripRect);
+  if (showGrip && !platform::desktop().IsZoomed(window)) canvas.DrawSizeGrip(gripRect);
 }
 
 std::int32_t ResizableDialog::OnNcHitTest(platform::Point screen) {
   const bool onGrip = Contains(gripRect, {screen.x - windowOrigin.x, screen.y - windowOrigin.y});
-  if (onGrip && showGrip && !platform::IsZoomed(window)) return platform::HTBOTTOMRIGHT;
+  if (onGrip && showGrip && !platform::desktop().IsZoomed(window)) return platform::HTBOTTOMRIGHT;
   return Dialog::OnNcHitTest(screen);
 }
 

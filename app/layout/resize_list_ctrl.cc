@@ -36,12 +36,12 @@ ResizeListCtrl::ResizeListCtrl(std::uint32_t maxColumns)
 void ResizeListCtrl::Attach(platform::WindowHandle newWindow, std::uint32_t newId) {
   window = newWindow;
   id = newId;
-  clientWidth = platform::ListGetClientWidth(window, id);
+  clientWidth = platform::controls().ListGetClientWidth(window, id);
 }
 
 bool ResizeListCtrl::AddColumn(const ByteString& text, std::int32_t width) {
   if (columnCount >= maxColumns) return false;
-  if (platform::ListInsertColumn(window, id, Bytes(text), width) < 0) return false;
+  if (platform::controls().ListInsertColumn(window, id, Bytes(text), width) < 0) return false;
   ++columnCount;
   return true;
 }
@@ -56,7 +56,8 @@ void ResizeListCtrl::LoadColumns() {
     for (std::uint32_t i = 0; i < columnCount; ++i) {
       std::uint32_t number = 0;
       if (key.GetDword(nullptr, WidthName(i).c_str(), &number)) {
-        platform::ListSetColumnWidth(window, id, Column(i), static_cast<std::int32_t>(number));
+        platform::controls().ListSetColumnWidth(window, id, Column(i),
+                                                static_cast<std::int32_t>(number));
       } else {
         allFound = false;
       }
@@ -67,14 +68,14 @@ void ResizeListCtrl::LoadColumns() {
       }
     }
     if (allFound) {
-      platform::ListSetColumnOrder(window, id,
-                                   {order.begin(), order.begin() + Column(columnCount)});
+      platform::controls().ListSetColumnOrder(window, id,
+                                              {order.begin(), order.begin() + Column(columnCount)});
     }
     orderKnown = false;  // not for certain what was read
     FixLastColumn();
     ComputeProportions();
   }
-  if (redrawOnLoad) platform::InvalidateControl(window, id);
+  if (redrawOnLoad) platform::controls().InvalidateControl(window, id);
 }
 
 void ResizeListCtrl::SaveColumns() {
@@ -97,10 +98,10 @@ void ResizeListCtrl::ChangeWidth(std::int32_t difference) {
   std::int32_t rest = clientWidth;
   for (std::uint32_t i = 0; i + 1 < columnCount; ++i) {
     const auto width = static_cast<std::int32_t>(clientWidth * proportion[i]);
-    platform::ListSetColumnWidth(window, id, Column(i), width);
+    platform::controls().ListSetColumnWidth(window, id, Column(i), width);
     rest -= width;
   }
-  platform::ListSetColumnWidth(window, id, Column(columnCount - 1), rest);
+  platform::controls().ListSetColumnWidth(window, id, Column(columnCount - 1), rest);
 }
 
 bool ResizeListCtrl::OnNotice(platform::Notice notice, std::int32_t value) {
@@ -120,14 +121,14 @@ bool ResizeListCtrl::OnNotice(platform::Notice notice, std::int32_t value) {
       }
       return true;
     case platform::Notice::HeaderDragEnded:
-      platform::PostControlMessage(window, id, kReadOrderMessage);
+      platform::controls().PostControlMessage(window, id, kReadOrderMessage);
       return true;
     case platform::Notice::Painted:
       if (firstPaintPending) {
         firstPaintPending = false;
         if (!loaded) {
           redrawOnLoad = true;
-          platform::PostControlMessage(window, id, kLoadMessage);
+          platform::controls().PostControlMessage(window, id, kLoadMessage);
         }
       }
       return true;
@@ -157,7 +158,7 @@ void ResizeListCtrl::FixLastColumn() {
     if (Column(i) != last) others += width;
   }
   if (sum == clientWidth) return;
-  platform::ListSetColumnWidth(
+  platform::controls().ListSetColumnWidth(
       window, id, last, static_cast<std::int32_t>(std::max(clientWidth - others, kLeastLastWidth)));
 }
 
@@ -170,7 +171,8 @@ void ResizeListCtrl::ComputeProportions() {
 
 bool ResizeListCtrl::ReadOrder() {
   std::vector<std::int32_t> present;
-  if (!platform::ListGetColumnOrder(window, id, &present) || present.size() != columnCount) {
+  if (!platform::controls().ListGetColumnOrder(window, id, &present) ||
+      present.size() != columnCount) {
     return false;
   }
   std::copy(present.begin(), present.end(), order.begin());
@@ -181,7 +183,7 @@ bool ResizeListCtrl::ReadOrder() {
 bool ResizeListCtrl::Usable() const { return window != platform::kNoWindow && columnCount > 0; }
 
 std::int32_t ResizeListCtrl::Width(std::int32_t column) const {
-  return platform::ListGetColumnWidth(window, id, column);
+  return platform::controls().ListGetColumnWidth(window, id, column);
 }
 
 }  // namespace kelvaro

@@ -14,30 +14,30 @@ constexpr std::intptr_t kLastShellError = 32;
 }  // namespace
 
 std::intptr_t Hyperlink::Navigate() const {
-  return target.IsEmpty() ? 0 : platform::ShellExecuteA(Bytes(target));
+  return target.IsEmpty() ? 0 : platform::shell().ShellExecuteA(Bytes(target));
 }
 
 void CStaticLink::Attach(platform::WindowHandle newWindow, std::uint32_t newId) {
   window = newWindow;
   id = newId;
-  platform::SetControlFont(window, id, "", 0, 0, true);
-  platform::SetTextColour(window, id, colour);
-  platform::SetHandCursor(window, id);
+  platform::controls().SetControlFont(window, id, "", 0, 0, true);
+  platform::controls().SetTextColour(window, id, colour);
+  platform::controls().SetHandCursor(window, id);
 }
 
 void CStaticLink::OnClick() {
   if (hyperlink.target.IsEmpty()) hyperlink.target = resources::String(id);
   if (hyperlink.target.IsEmpty()) {
-    hyperlink.target = TextOf(platform::GetDlgItemTextA(window, id));
+    hyperlink.target = TextOf(platform::controls().GetDlgItemTextA(window, id));
   }
   if (hyperlink.target.IsEmpty()) return;
   if (hyperlink.Navigate() <= kLastShellError) {
-    platform::MessageBeep(0);
+    platform::shell().MessageBeep(0);
     return;
   }
   colour = kVisitedColour;
-  platform::SetTextColour(window, id, colour);
-  platform::InvalidateControl(window, id);
+  platform::controls().SetTextColour(window, id, colour);
+  platform::controls().InvalidateControl(window, id);
 }
 
 }  // namespace kelvaro

@@ -17,7 +17,10 @@ class Clock {
   virtual std::uint32_t GetTickCount() = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Clock& clock();
+
+// For callers of old; they go.
 void Sleep(std::uint32_t ms);
 std::uint32_t GetTickCount();
 

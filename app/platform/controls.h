@@ -154,7 +154,10 @@ class Controls {
   virtual bool EnableToolTips(WindowHandle window) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Controls& controls();
+
+// For callers of old; they go.
 bool HasControl(WindowHandle window, std::uint32_t id);
 bool GetControlRect(WindowHandle window, std::uint32_t id, Rect* rect);
 bool SetControlPos(WindowHandle window, std::uint32_t id, const Rect& rect, std::uint32_t flags);

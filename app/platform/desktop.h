@@ -242,7 +242,10 @@ class Desktop {
                               std::uint32_t flags, Point screen) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Desktop& desktop();
+
+// For callers of old; they go.
 std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                          std::uint32_t type);
 void DismissBoxesOfOtherThreads();

@@ -74,7 +74,10 @@ class Devices {
   virtual HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Devices& devices();
+
+// For callers of old; they go.
 HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput);
 
 }  // namespace platform

@@ -136,7 +136,11 @@ class System {
   virtual std::string GetUserDataFolder() = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Files& files();
+System& system();
+
+// For callers of old; they go.
 char PathSeparator();
 std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
                                   std::uint32_t share, std::uint32_t disposition);

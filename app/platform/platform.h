@@ -1,7 +1,8 @@
 // The seam between the logic and the machine. A Platform hands out one object for each group of
 // operations, so that any of them can be replaced alone: recorded devices under the real clock,
-// say. A program installs one at its start, a test a fresh one each; the free functions beside
-// each interface go to the installed one.
+// say. A program installs one at its start, a test a fresh one each. The function beside each
+// interface (clock(), threads() ...) hands out the installed group. Ask it anew for each operation
+// and keep no reference: it is where a thread that was ended by force stops. Any thread.
 #pragma once
 
 #include "app/platform/clock.h"

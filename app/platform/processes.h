@@ -56,7 +56,10 @@ class Processes {
   virtual bool PostToWindow(WindowHandle window, std::uint32_t message) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Processes& processes();
+
+// For callers of old; they go.
 std::uint32_t GetCurrentProcessId();
 bool ListProcesses(std::vector<RunningProcess>* list);
 bool CreateProcessA(const std::string& application, const std::string& commandLine,

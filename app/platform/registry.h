@@ -68,7 +68,10 @@ class Registry {
   virtual std::uint32_t EndWrites() = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Registry& registry();
+
+// For callers of old; they go.
 std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened);
 std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened);
 std::uint32_t RegCloseKey(HKEY key);

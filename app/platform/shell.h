@@ -52,7 +52,10 @@ class Shell {
                             const std::string& suggested, std::string* path) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Shell& shell();
+
+// For callers of old; they go.
 std::intptr_t ShellExecuteA(const std::string& target);
 bool MessageBeep(std::uint32_t type);
 LibraryHandle LoadLibraryA(const std::string& name);

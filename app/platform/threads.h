@@ -42,7 +42,7 @@ class Threads {
 
   // Ends the thread by force; its exit code becomes `exitCode`, and whatever it holds stays held.
   // Where a thread can't be stopped in its tracks, it is cut off instead: it counts as ended, and
-  // its next call through the platform never returns.
+  // never returns from where it next reaches for the platform.
   virtual bool TerminateThread(Handle thread, std::uint32_t exitCode) = 0;
 
   // Priorities run from -15 to 15. Where the system refuses, the thread goes on as it is; the
@@ -75,7 +75,10 @@ class Threads {
   virtual bool CloseHandle(Handle handle) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Threads& threads();
+
+// For callers of old; they go.
 std::int32_t GetCurrentThreadId();
 Handle CreateThread(ThreadEntry entry, void* parameter, const char* name, std::int32_t* threadId);
 bool GetExitCodeThread(Handle thread, std::uint32_t* exitCode);

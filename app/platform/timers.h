@@ -37,7 +37,10 @@ class Timers {
   virtual std::uint32_t timeKillEvent(std::uint32_t timerId) = 0;
 };
 
-// Of the installed platform.
+// Of the installed platform; see platform.h.
+Timers& timers();
+
+// For callers of old; they go.
 std::uint32_t timeGetDevCaps(TIMECAPS* caps);
 std::uint32_t timeBeginPeriod(std::uint32_t periodMs);
 std::uint32_t timeEndPeriod(std::uint32_t periodMs);

@@ -13,12 +13,12 @@ constexpr std::uint32_t kLookEvery = 10;  // ms
 
 bool PostToWindows(std::uint32_t processId, std::uint32_t message) {
   std::vector<platform::TopLevelWindow> windows;
-  platform::EnumWindows(&windows);
+  platform::processes().EnumWindows(&windows);
   bool posted = false;
   for (const platform::TopLevelWindow& window : windows) {
     if (window.processId != processId) continue;
     if (message == platform::WM_CLOSE && !window.visible && !window.iconic) continue;
-    platform::PostToWindow(window.window, message);
+    platform::processes().PostToWindow(window.window, message);
     posted = true;
   }
   return posted;
@@ -29,7 +29,7 @@ bool PostToWindows(std::uint32_t processId, std::uint32_t message) {
 bool EnumerateProcesses(ProcessList* list) {
   list->Clear();
   std::vector<platform::RunningProcess> processes;
-  if (!platform::ListProcesses(&processes)) return false;
+  if (!platform::processes().ListProcesses(&processes)) return false;
   for (const platform::RunningProcess& process : processes) {
     const ByteString path = TextOf(process.path);
     ProcessRecord record;
@@ -51,9 +51,9 @@ bool IsProcessRunning(std::uint32_t processId) {
 
 bool CloseProcessWindows(std::uint32_t processId, std::uint32_t wait, std::uint32_t message) {
   if (!PostToWindows(processId, message)) return false;
-  const std::uint32_t start = platform::GetTickCount();
-  while (platform::GetTickCount() - start < wait) {
-    platform::Sleep(kLookEvery);
+  const std::uint32_t start = platform::clock().GetTickCount();
+  while (platform::clock().GetTickCount() - start < wait) {
+    platform::clock().Sleep(kLookEvery);
     if (!IsProcessRunning(processId)) return true;
   }
   return !IsProcessRunning(processId);

@@ -15,8 +15,8 @@ std::unique_ptr<platform::File> OpenIn(const ByteString& folder) {
   ByteString path = folder;
   EnsureTrailingSeparator(&path);
   path.Append("QuoteChars.txt");
-  return platform::CreateFileA(Bytes(path), platform::GENERIC_READ, platform::FILE_SHARE_READ,
-                               platform::OPEN_EXISTING);
+  return platform::files().CreateFileA(Bytes(path), platform::GENERIC_READ,
+                                       platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
 }
 
 }  // namespace

@@ -38,15 +38,16 @@ ByteString ActionText(const Control& control) {
 }  // namespace
 
 void MainWindow::FillControlList() {
-  platform::ListDeleteAllItems(window, kControlList);
+  platform::controls().ListDeleteAllItems(window, kControlList);
   const LinkedList<Control>::Node* node = nullptr;
   {
     LockGuard guard(profile.profileLock);
     node = profile.controls.head;
   }
   for (; node; node = node->next) {
-    FillControlRow(platform::ListInsertItem(window, kControlList, node->value->controlId),
-                   *node->value);
+    FillControlRow(
+        platform::controls().ListInsertItem(window, kControlList, node->value->controlId),
+        *node->value);
   }
   Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
 }
@@ -57,32 +58,34 @@ void MainWindow::FillControlRow(std::int32_t row, const Control& control) {
   if (rowPrefixes == 1) {
     trigger = ByteString(control.activateOnPress == 1 ? "p:" : "r:").Concat(trigger);
   }
-  platform::ListSetItemText(window, kControlList, row, kTriggerColumn, Bytes(trigger));
-  platform::ListSetItemText(window, kControlList, row, kActionColumn, Bytes(ActionText(control)));
-  platform::ListSetItemText(window, kControlList, row, kDescriptionColumn,
-                            Bytes(control.description));
+  platform::controls().ListSetItemText(window, kControlList, row, kTriggerColumn, Bytes(trigger));
+  platform::controls().ListSetItemText(window, kControlList, row, kActionColumn,
+                                       Bytes(ActionText(control)));
+  platform::controls().ListSetItemText(window, kControlList, row, kDescriptionColumn,
+                                       Bytes(control.description));
 }
 
 std::uint32_t MainWindow::SelectedControlId() const {
   const std::int32_t row = SelectedRow();
-  return row == platform::kNoRow ? 0 : platform::ListGetItemData(window, kControlList, row);
+  return row == platform::kNoRow ? 0
+                                 : platform::controls().ListGetItemData(window, kControlList, row);
 }
 
 std::int32_t MainWindow::SelectedRow() const {
-  return platform::ListGetNextSelected(window, kControlList, -1);
+  return platform::controls().ListGetNextSelected(window, kControlList, -1);
 }
 
 void MainWindow::SelectedRows(LinkedList<std::int32_t>* rows) const {
   for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
-       row = platform::ListGetNextSelected(window, kControlList, row)) {
+       row = platform::controls().ListGetNextSelected(window, kControlList, row)) {
     rows->AddTail(row);
   }
 }
 
 void MainWindow::SelectedControlIds(LinkedList<std::uint32_t>* ids) const {
   for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
-       row = platform::ListGetNextSelected(window, kControlList, row)) {
-    ids->AddTail(platform::ListGetItemData(window, kControlList, row));
+       row = platform::controls().ListGetNextSelected(window, kControlList, row)) {
+    ids->AddTail(platform::controls().ListGetItemData(window, kControlList, row));
   }
 }
 
@@ -122,9 +125,10 @@ void MainWindow::OnNewControl() {
     scratch.controlId = profile.nextControlId++;
     profile.controls.AddTail(scratch);
     SaveProfile();
-    const std::int32_t row = platform::ListInsertItem(window, kControlList, scratch.controlId);
+    const std::int32_t row =
+        platform::controls().ListInsertItem(window, kControlList, scratch.controlId);
     FillControlRow(row, scratch);
-    platform::ListEnsureVisible(window, kControlList, row);
+    platform::controls().ListEnsureVisible(window, kControlList, row);
     RebuildDispatchList();
   }
   BringShiftReminderBack();
@@ -205,7 +209,7 @@ void MainWindow::OnPasteControls() {
     SaveProfile();
   }
   FillControlList();
-  platform::ListEnsureVisible(window, kControlList, profile.controls.count - 1);
+  platform::controls().ListEnsureVisible(window, kControlList, profile.controls.count - 1);
 }
 
 void MainWindow::OnMoveUp() {
@@ -219,14 +223,14 @@ void MainWindow::OnMoveUp() {
   }
   FillControlList();
   for (const std::int32_t row : rows) {
-    platform::ListSelectItem(window, kControlList, row - 1, true);
+    platform::controls().ListSelectItem(window, kControlList, row - 1, true);
   }
 }
 
 void MainWindow::OnMoveDown() {
   LinkedList<std::int32_t> rows;
   SelectedRows(&rows);
-  const std::int32_t last = platform::ListGetItemCount(window, kControlList) - 1;
+  const std::int32_t last = platform::controls().ListGetItemCount(window, kControlList) - 1;
   if (rows.count == 0 || *rows.tail->value == last) return;
   {
     LockGuard guard(profile.profileLock);
@@ -235,14 +239,14 @@ void MainWindow::OnMoveDown() {
   }
   FillControlList();
   for (const std::int32_t row : rows) {
-    platform::ListSelectItem(window, kControlList, row + 1, true);
+    platform::controls().ListSelectItem(window, kControlList, row + 1, true);
   }
 }
 
 // Enter in the list isn't among them: it presses the default button, which the table of the window
 // (resources/main_window.cc, kStyleDefault) makes the one that edits a Control.
 bool MainWindow::OnControlListKey(std::int32_t vk) {
-  const bool control = (platform::GetKeyState(kControlKey) & kKeyIsDown) != 0;
+  const bool control = (platform::desktop().GetKeyState(kControlKey) & kKeyIsDown) != 0;
   if (vk == kDeleteKey) {
     OnDeleteControls();
   } else if (control && vk == 'C') {

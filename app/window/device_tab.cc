@@ -83,10 +83,11 @@ class StoredValues {
 // The list
 
 void MainWindow::FillDeviceList() {
-  platform::ComboResetContent(window, kDeviceList);
+  platform::controls().ComboResetContent(window, kDeviceList);
   const auto add = [this](const ByteString& name, std::int32_t data) {
-    const std::int32_t row = platform::ComboAddString(window, kDeviceList, Bytes(name));
-    if (row != platform::kNoRow) platform::ComboSetItemData(window, kDeviceList, row, data);
+    const std::int32_t row = platform::controls().ComboAddString(window, kDeviceList, Bytes(name));
+    if (row != platform::kNoRow)
+      platform::controls().ComboSetItemData(window, kDeviceList, row, data);
   };
   add(kNoDeviceText, kNoDevice);
   if (!deviceManager) return;
@@ -97,29 +98,29 @@ void MainWindow::FillDeviceList() {
 }
 
 void MainWindow::SelectDeviceInList(const platform::GUID& guid) {
-  const std::int32_t count = platform::ComboGetCount(window, kDeviceList);
+  const std::int32_t count = platform::controls().ComboGetCount(window, kDeviceList);
   std::int32_t none = 0;
   for (std::int32_t row = 0; row < count; ++row) {
-    const std::int32_t index = platform::ComboGetItemData(window, kDeviceList, row);
+    const std::int32_t index = platform::controls().ComboGetItemData(window, kDeviceList, row);
     if (index == kNoDevice) {
       none = row;
     } else if (deviceManager && index < deviceManager->DeviceCount() &&
                deviceManager->DeviceGuid(index) == guid) {
-      platform::ComboSetCurSel(window, kDeviceList, row);
+      platform::controls().ComboSetCurSel(window, kDeviceList, row);
       return;
     }
   }
-  platform::ComboSetCurSel(window, kDeviceList, none);
+  platform::controls().ComboSetCurSel(window, kDeviceList, none);
 }
 
 void MainWindow::ShowSelectedDevice() {
   const platform::GUID guid = deviceManager->SelectedGuid();
   if (guid == platform::GUID{} && deviceManager->DeviceSelected()) {
     // One that runs on although the list doesn't have it any more.
-    const std::int32_t row =
-        platform::ComboFindStringExact(window, kDeviceList, Bytes(deviceManager->SelectedName()));
+    const std::int32_t row = platform::controls().ComboFindStringExact(
+        window, kDeviceList, Bytes(deviceManager->SelectedName()));
     if (row != platform::kNoRow) {
-      platform::ComboSetCurSel(window, kDeviceList, row);
+      platform::controls().ComboSetCurSel(window, kDeviceList, row);
       return;
     }
   }
@@ -138,10 +139,10 @@ void MainWindow::ReselectDevice() {
 
 void MainWindow::OnDeviceSelected() {
   if (initGuard != 0 || !deviceManager) return;
-  const std::int32_t row = platform::ComboGetCurSel(window, kDeviceList);
+  const std::int32_t row = platform::controls().ComboGetCurSel(window, kDeviceList);
   if (row == platform::kNoRow) return;
 
-  if (platform::ComboGetLBText(window, kDeviceList, row) == kNoDeviceText) {
+  if (platform::controls().ComboGetLBText(window, kDeviceList, row) == kNoDeviceText) {
     currentDeviceGuid = platform::GUID{};
     currentDeviceName = kNoDeviceText;
     deviceManager->StopDevice();
@@ -151,7 +152,7 @@ void MainWindow::OnDeviceSelected() {
     profile.deviceGuid = platform::GUID{};
     SaveProfile();
   } else {
-    const std::int32_t index = platform::ComboGetItemData(window, kDeviceList, row);
+    const std::int32_t index = platform::controls().ComboGetItemData(window, kDeviceList, row);
     if (index < 0 || index >= deviceManager->DeviceCount()) return;
     if (deviceManager->DeviceGuid(index) == currentDeviceGuid) return;
     if (!deviceManager->SelectDevice(index)) {
@@ -229,7 +230,7 @@ void MainWindow::RefuseField(std::uint32_t fieldId, const ByteString& text,
   // The box takes the focus from whichever field it went to, and so does the way back.
   ++initGuard;
   Box(text, caption, type);
-  platform::SetControlFocus(window, fieldId);
+  platform::controls().SetControlFocus(window, fieldId);
   --initGuard;
 }
 

@@ -42,7 +42,7 @@ void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
 
 void MainWindow::ParseCommandLine() {
   const LaunchRequest request =
-      ReadCommandLine(TextOf(platform::GetCommandLineA(quoteChars.quoteSub)), quoteChars);
+      ReadCommandLine(TextOf(platform::shell().GetCommandLineA(quoteChars.quoteSub)), quoteChars);
   extraProfiles = request.profiles;
   launchTarget = request.target;
   launchArgs = request.args;
@@ -50,7 +50,7 @@ void MainWindow::ParseCommandLine() {
   if (extraProfiles.count == 0) return;
   const ByteString name = *extraProfiles.head->value;
   extraProfiles.RemoveNode(extraProfiles.head);
-  const std::int32_t row = platform::ComboFindString(window, kProfileList, Bytes(name));
+  const std::int32_t row = platform::controls().ComboFindString(window, kProfileList, Bytes(name));
   if (row == platform::kNoRow) {
     Box(ByteString("Profile \"")
             .Concat(name)
@@ -58,7 +58,7 @@ void MainWindow::ParseCommandLine() {
         "Profile Selection Failure", platform::MB_ICONEXCLAMATION);
     return;
   }
-  platform::ComboSetCurSel(window, kProfileList, row);
+  platform::controls().ComboSetCurSel(window, kProfileList, row);
   commandLineProfileSelected = true;
 }
 
@@ -72,7 +72,7 @@ void MainWindow::CloseOtherInstances() {
   ProcessList processes;
   if (!EnumerateProcesses(&processes)) return;
   const ByteString ownName = FileNameOf(programPath);
-  const std::uint32_t ownId = platform::GetCurrentProcessId();
+  const std::uint32_t ownId = platform::processes().GetCurrentProcessId();
   for (const ProcessRecord& process : processes) {
     if (process.processId == ownId || process.fileName.Compare(ownName, true) != 0) continue;
     CloseInstances({process.processId});
@@ -90,8 +90,8 @@ std::uint32_t MainWindow::LaunchTarget() {
     line.Append(" profile=");
     line.Append(InQuotes(name));
     platform::PROCESS_INFORMATION started;
-    if (!platform::CreateProcessA(program, Bytes(line), platform::CREATE_NEW_CONSOLE, nullptr,
-                                  &started))
+    if (!platform::processes().CreateProcessA(program, Bytes(line), platform::CREATE_NEW_CONSOLE,
+                                              nullptr, &started))
       continue;
     kept.push_back(started.hThread);
     kept.push_back(started.hProcess);
@@ -104,30 +104,30 @@ std::uint32_t MainWindow::LaunchTarget() {
     line.Append(launchArgs);
   }
   const std::string folder = Bytes(launchDir.IsEmpty() ? FolderOf(launchTarget, true) : launchDir);
-  if (!instances.empty()) platform::Sleep(kInstancesSettle);
+  if (!instances.empty()) platform::clock().Sleep(kInstancesSettle);
 
   platform::PROCESS_INFORMATION game;
-  if (!platform::CreateProcessA(Bytes(launchTarget), Bytes(line), platform::CREATE_NEW_CONSOLE,
-                                &folder, &game)) {
+  if (!platform::processes().CreateProcessA(Bytes(launchTarget), Bytes(line),
+                                            platform::CREATE_NEW_CONSOLE, &folder, &game)) {
     ByteString text("Failed to launch \"");
     text.Append(launchTarget);
     text.Append("\".\n\nReason: ");
-    text.Append(SystemErrorText(platform::GetLastError()));
+    text.Append(SystemErrorText(platform::files().GetLastError()));
     Box(text, kLaunchFailure, platform::MB_ICONSTOP);
-    platform::PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
+    platform::desktop().PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
     return 0;
   }
 
   const platform::Handle ends[] = {game.hProcess, stopEvent};
-  const bool gameEnded =
-      platform::WaitForMultipleObjects(2, ends, platform::WAIT_FOREVER) == platform::WAIT_OBJECT_0;
-  platform::CloseHandle(game.hThread);
-  platform::CloseHandle(game.hProcess);
-  for (const platform::Handle handle : kept) platform::CloseHandle(handle);
+  const bool gameEnded = platform::threads().WaitForMultipleObjects(
+                             2, ends, platform::WAIT_FOREVER) == platform::WAIT_OBJECT_0;
+  platform::threads().CloseHandle(game.hThread);
+  platform::threads().CloseHandle(game.hProcess);
+  for (const platform::Handle handle : kept) platform::threads().CloseHandle(handle);
 
-  instances.push_back(platform::GetCurrentProcessId());
+  instances.push_back(platform::processes().GetCurrentProcessId());
   CloseInstances(instances);
-  if (gameEnded) platform::PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
+  if (gameEnded) platform::desktop().PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
   return 0;
 }
 

@@ -58,9 +58,9 @@ std::uint32_t FlagsOnPage(std::uint32_t id) {
 }  // namespace
 
 MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow), WorkerThread("launcher") {
-  windowIcon = platform::LoadIconA(resources::kIcon);
-  platform::SetPriorityClass(platform::HIGH_PRIORITY_CLASS);
-  platform::SetCurrentThreadPriority(platform::THREAD_PRIORITY_TIME_CRITICAL);
+  windowIcon = platform::desktop().LoadIconA(resources::kIcon);
+  platform::threads().SetPriorityClass(platform::HIGH_PRIORITY_CLASS);
+  platform::threads().SetCurrentThreadPriority(platform::THREAD_PRIORITY_TIME_CRITICAL);
   currentDeviceGuid = {};
   MigrateSettings();
   LoadQuoteChars();
@@ -72,9 +72,9 @@ MainWindow::~MainWindow() { Cleanup(); }
 // more is set up.
 void MainWindow::OnInit() {
   ResizableDialog::OnInit();
-  minimiseHook = platform::SetWindowsHookExA(platform::WH_CBT, &MinimiseHook);
-  platform::SetWindowIcon(window, windowIcon, true);
-  platform::SetWindowIcon(window, windowIcon, false);
+  minimiseHook = platform::desktop().SetWindowsHookExA(platform::WH_CBT, &MinimiseHook);
+  platform::desktop().SetWindowIcon(window, windowIcon, true);
+  platform::desktop().SetWindowIcon(window, windowIcon, false);
   if (HtmlHelp(platform::kNoWindow, nullptr, platform::HH_INITIALIZE,
                reinterpret_cast<std::uintptr_t>(&helpCookie)) != 0) {
     helpAvailable = true;
@@ -84,7 +84,7 @@ void MainWindow::OnInit() {
   pollInterval = kDefaultPollInterval;
   deviceManager->SetPollInterval(pollInterval);
   engine->Attach();
-  platform::GetClientRect(window, &clientRect);
+  platform::desktop().GetClientRect(window, &clientRect);
   programPath = ProgramPath();
   if (!PrepareControls()) return OnCancel();
   if (!AddTrayIcon()) return OnCancel();
@@ -101,10 +101,10 @@ void MainWindow::OnInit() {
   webLink.Attach(window, kWebLink);
   mailLink.Attach(window, kMailLink);
   CreateToolTips();
-  timerId = platform::SetTimer(window, kTimer, kTimerPeriod);
-  if (startMinimized) platform::PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
-  platform::PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
-  platform::PostMessageA(window, WM_START_LAUNCH, 0, 0);
+  timerId = platform::desktop().SetTimer(window, kTimer, kTimerPeriod);
+  if (startMinimized) platform::desktop().PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
+  platform::desktop().PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
+  platform::desktop().PostMessageA(window, WM_START_LAUNCH, 0, 0);
   initComplete = true;
   TellUnlessProfilesCanBeSaved();
   SetText(kVersionText, ByteString("Version ").Concat(VersionNumber()));
@@ -123,15 +123,19 @@ bool MainWindow::CreateDeviceManager() {
 
 bool MainWindow::PrepareControls() {
   ++initGuard;
-  platform::SetPicture(window, kMoveUp, platform::LoadBitmapA(resources::kUpBitmap));
-  platform::SetPicture(window, kMoveDown, platform::LoadBitmapA(resources::kDownBitmap));
-  platform::SetPicture(window, kBanner, platform::LoadBitmapA(resources::kBannerBitmap));
+  platform::controls().SetPicture(window, kMoveUp,
+                                  platform::desktop().LoadBitmapA(resources::kUpBitmap));
+  platform::controls().SetPicture(window, kMoveDown,
+                                  platform::desktop().LoadBitmapA(resources::kDownBitmap));
+  platform::controls().SetPicture(window, kBanner,
+                                  platform::desktop().LoadBitmapA(resources::kBannerBitmap));
   CreatePages(kPageCount);
-  for (const char* name : kTabNames) platform::TabInsertItem(window, kTabControl, name);
+  for (const char* name : kTabNames) platform::controls().TabInsertItem(window, kTabControl, name);
   platform::Rect firstTab;
-  const std::int32_t topMargin = platform::TabGetItemRect(window, kTabControl, 0, &firstTab)
-                                     ? firstTab.Height() + kTabMargin
-                                     : kTopMarginWithoutTabs;
+  const std::int32_t topMargin =
+      platform::controls().TabGetItemRect(window, kTabControl, 0, &firstTab)
+          ? firstTab.Height() + kTabMargin
+          : kTopMarginWithoutTabs;
   FillDeviceList();
   SelectDeviceInList({});
   SetText(kTimerMin, ToDecimal(deviceManager->TimerMin(), false, 0));
@@ -182,15 +186,16 @@ void MainWindow::DeclareLayout(std::int32_t topMargin) {
 void MainWindow::FillProfileList() {
   LinkedList<ByteString> names;
   profile.ListProfileNames(&names);
-  if (!platform::HasControl(window, kProfileList) || names.count == 0) return;
-  for (const ByteString& name : names) platform::ComboAddString(window, kProfileList, Bytes(name));
+  if (!platform::controls().HasControl(window, kProfileList) || names.count == 0) return;
+  for (const ByteString& name : names)
+    platform::controls().ComboAddString(window, kProfileList, Bytes(name));
   ParseCommandLine();
   if (shuttingDown) return;
   if (!commandLineProfileSelected) {
     std::int32_t row = platform::kNoRow;
     if (!lastProfile.IsEmpty())
-      row = platform::ComboFindStringExact(window, kProfileList, Bytes(lastProfile));
-    platform::ComboSetCurSel(window, kProfileList, row == platform::kNoRow ? 0 : row);
+      row = platform::controls().ComboFindStringExact(window, kProfileList, Bytes(lastProfile));
+    platform::controls().ComboSetCurSel(window, kProfileList, row == platform::kNoRow ? 0 : row);
   }
   OnProfileSelected();
 }
@@ -199,15 +204,15 @@ void MainWindow::Cleanup() {
   if (shuttingDown) return;
   shuttingDown = true;
   if (timerId != 0) {
-    platform::KillTimer(window, timerId);
+    platform::desktop().KillTimer(window, timerId);
     timerId = 0;
   }
   if (minimiseHook != 0) {
-    platform::UnhookWindowsHookEx(minimiseHook);
+    platform::desktop().UnhookWindowsHookEx(minimiseHook);
     minimiseHook = 0;
   }
   // The launcher's own box may be up, and this thread must not wait for the person to read it.
-  platform::DismissBoxesOfOtherThreads();
+  platform::desktop().DismissBoxesOfOtherThreads();
   if (engine) engine->repeatWorker.Stop();
   WorkerThread::Stop();
   SaveAppSettings();
@@ -236,8 +241,8 @@ void MainWindow::OnDestroy() {
 std::intptr_t MainWindow::MinimiseHook(std::int32_t code, std::uintptr_t wParam,
                                        std::intptr_t lParam) {
   if (code == platform::HCBT_MINMAX && lParam == platform::SW_MINIMIZE)
-    platform::PostMessageA(wParam, WM_HIDE_TO_TRAY, 0, 0);
-  platform::CallNextHookEx(minimiseHook, code, wParam, lParam);
+    platform::desktop().PostMessageA(wParam, WM_HIDE_TO_TRAY, 0, 0);
+  platform::desktop().CallNextHookEx(minimiseHook, code, wParam, lParam);
   return 0;
 }
 
@@ -349,18 +354,18 @@ void MainWindow::OnTimer(std::uint32_t) {
 }
 
 void MainWindow::OnTabSelected() {
-  const std::int32_t tab = platform::TabGetCurSel(window, kTabControl);
+  const std::int32_t tab = platform::controls().TabGetCurSel(window, kTabControl);
   if (tab >= 0) ShowTab(static_cast<Tab>(tab));
 }
 
 void MainWindow::ShowTab(Tab tab) {
-  platform::TabSetCurSel(window, kTabControl, tab);
+  platform::controls().TabSetCurSel(window, kTabControl, tab);
   SelectPage(tab);
   currentTab = tab;
   if (tab == kMouseTab) return;
   EndTestMode();
   // A button that is hidden is not drawn any more when it loses the focus.
-  platform::SetDefaultButton(window, kEditControl);
+  platform::controls().SetDefaultButton(window, kEditControl);
   if (!engine->IsDetecting()) return;
   engine->EndMouseDetection();
   SaveAfterMouseDetection();
@@ -378,7 +383,7 @@ void MainWindow::OnHelpKey() {
       kControlsTopic, "Mouse Device and Settings.htm#mouse", "Mouse Device and Settings.htm#device",
       "Mouse Device and Settings.htm#settings"};
   if (!helpAvailable) return;
-  const std::uint32_t focused = platform::GetControlFocus(window);
+  const std::uint32_t focused = platform::controls().GetControlFocus(window);
   const bool inRow =
       std::find(std::begin(kProfileRow), std::end(kProfileRow), focused) != std::end(kProfileRow);
   ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[currentTab]);
@@ -396,13 +401,14 @@ void MainWindow::Layout(const platform::Rect& client) {
 }
 
 void MainWindow::OnPaint(platform::Canvas& canvas) {
-  if (!platform::IsIconic(window)) return ResizableDialog::OnPaint(canvas);
+  if (!platform::desktop().IsIconic(window)) return ResizableDialog::OnPaint(canvas);
   platform::Rect client;
-  platform::GetClientRect(window, &client);
+  platform::desktop().GetClientRect(window, &client);
   canvas.EraseBackground(client);
-  canvas.DrawIcon((client.Width() - platform::GetSystemMetrics(platform::SM_CXICON) + 1) / 2,
-                  (client.Height() - platform::GetSystemMetrics(platform::SM_CYICON) + 1) / 2,
-                  windowIcon);
+  canvas.DrawIcon(
+      (client.Width() - platform::desktop().GetSystemMetrics(platform::SM_CXICON) + 1) / 2,
+      (client.Height() - platform::desktop().GetSystemMetrics(platform::SM_CYICON) + 1) / 2,
+      windowIcon);
 }
 
 void MainWindow::OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) {

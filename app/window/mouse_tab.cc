@@ -86,9 +86,9 @@ void MainWindow::ShowMouseAndDeviceState() {
                  {ControlEngine::kWheelDamperSlider, profile.wheelDamper},
                  {ControlEngine::kWheelSensitivitySlider, profile.wheelSensitivity}};
   for (const auto& slider : sliders) {
-    platform::SliderSetRange(window, slider.id, 0, kSliderMost);
-    platform::SliderSetTicFreq(window, slider.id, kSliderTick);
-    platform::SliderSetPos(window, slider.id, slider.position);
+    platform::controls().SliderSetRange(window, slider.id, 0, kSliderMost);
+    platform::controls().SliderSetTicFreq(window, slider.id, kSliderTick);
+    platform::controls().SliderSetPos(window, slider.id, slider.position);
     ApplyMouseSlider(slider.id);
   }
 
@@ -108,7 +108,7 @@ void MainWindow::ShowMouseAndDeviceState() {
 }
 
 void MainWindow::ApplyMouseSlider(std::uint32_t sliderId) {
-  const std::int32_t position = platform::SliderGetPos(window, sliderId);
+  const std::int32_t position = platform::controls().SliderGetPos(window, sliderId);
   engine->ApplyMouseSlider(sliderId, position);
 
   const struct {
@@ -153,7 +153,7 @@ void MainWindow::EndTestMode() { SetTestMode(false); }
 
 void MainWindow::SetTestMode(bool on) {
   engine->SetTestMode(on);
-  if (currentTab == kMouseTab) platform::InvalidateControl(window, kTestMode);
+  if (currentTab == kMouseTab) platform::controls().InvalidateControl(window, kTestMode);
 }
 
 void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas) {
@@ -167,10 +167,10 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   constexpr std::int32_t kTextFromBottom = 6;
   constexpr std::int32_t kFocusInside = 3;
 
-  const platform::Colour face = platform::GetSysColor(platform::COLOR_3DFACE);
-  const platform::Colour light = platform::GetSysColor(platform::COLOR_3DHILIGHT);
-  const platform::Colour shadow = platform::GetSysColor(platform::COLOR_3DSHADOW);
-  const platform::Colour dark = platform::GetSysColor(platform::COLOR_3DDKSHADOW);
+  const platform::Colour face = platform::desktop().GetSysColor(platform::COLOR_3DFACE);
+  const platform::Colour light = platform::desktop().GetSysColor(platform::COLOR_3DHILIGHT);
+  const platform::Colour shadow = platform::desktop().GetSysColor(platform::COLOR_3DSHADOW);
+  const platform::Colour dark = platform::desktop().GetSysColor(platform::COLOR_3DDKSHADOW);
   const bool on = engine->TestMode();
 
   const platform::Rect& rect = item.rect;
@@ -194,7 +194,7 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   lamp.top = rect.top + (rect.Height() - kLampHeight) / 2 + moved;
   lamp.right = lamp.left + kLampWidth;
   lamp.bottom = lamp.top + kLampHeight;
-  const platform::Colour ink = platform::GetSysColor(platform::COLOR_BTNTEXT);
+  const platform::Colour ink = platform::desktop().GetSysColor(platform::COLOR_BTNTEXT);
   // The dark green of a lamp that is off needs an edge before a dark face.
   if (!on && Brightness(ink) > Brightness(face)) canvas.FrameRect(Inside(lamp, -1), ink);
   canvas.FillRect(lamp, on ? kLampOn : kLampOff);
@@ -207,7 +207,8 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
 
   if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
   // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
-  if (item.focusAction) platform::SetDefaultButton(window, item.focused ? item.id : kEditControl);
+  if (item.focusAction)
+    platform::controls().SetDefaultButton(window, item.focused ? item.id : kEditControl);
 }
 
 // Detection

@@ -15,7 +15,7 @@ constexpr char kTip[] = "Kelvaro";
 }  // namespace
 
 bool MainWindow::AddTrayIcon() {
-  trayIcon = platform::LoadIconA(resources::kIcon);
+  trayIcon = platform::desktop().LoadIconA(resources::kIcon);
   if (trayIcon == 0) return false;
   platform::NOTIFYICONDATA data;
   data.hWnd = window;
@@ -24,8 +24,9 @@ bool MainWindow::AddTrayIcon() {
   data.uCallbackMessage = WM_TRAY_CALLBACK;
   data.hIcon = trayIcon;
   std::copy(std::begin(kTip), std::end(kTip), data.szTip);
-  trayIconAdded = platform::Shell_NotifyIconA(platform::NIM_ADD, data);
-  if (trayIconAdded) platform::SetNotifyIconMenu(window, kTrayIconId, resources::FloaterMenu());
+  trayIconAdded = platform::desktop().Shell_NotifyIconA(platform::NIM_ADD, data);
+  if (trayIconAdded)
+    platform::desktop().SetNotifyIconMenu(window, kTrayIconId, resources::FloaterMenu());
   return trayIconAdded;
 }
 
@@ -34,11 +35,11 @@ void MainWindow::RemoveTrayIcon() {
     platform::NOTIFYICONDATA data;
     data.hWnd = window;
     data.uID = kTrayIconId;
-    platform::Shell_NotifyIconA(platform::NIM_DELETE, data);
+    platform::desktop().Shell_NotifyIconA(platform::NIM_DELETE, data);
     trayIconAdded = false;
   }
   if (trayIcon != 0) {
-    platform::DestroyIcon(trayIcon);
+    platform::desktop().DestroyIcon(trayIcon);
     trayIcon = 0;
   }
 }
@@ -52,23 +53,24 @@ void MainWindow::OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessag
 void MainWindow::ShowTrayMenu() {
   // A menu closes on a click elsewhere only if its window is in front when it opens, and gets a
   // message after it.
-  platform::SetForegroundWindow(window);
+  platform::desktop().SetForegroundWindow(window);
   platform::Point cursor;
-  if (!platform::GetCursorPos(&cursor)) return;
+  if (!platform::desktop().GetCursorPos(&cursor)) return;
   trayMenuOpen = true;
-  platform::TrackPopupMenu(window, resources::FloaterMenu(), platform::TPM_RIGHTBUTTON, cursor);
+  platform::desktop().TrackPopupMenu(window, resources::FloaterMenu(), platform::TPM_RIGHTBUTTON,
+                                     cursor);
   trayMenuOpen = false;
-  platform::PostMessageA(window, platform::WM_NULL, 0, 0);
+  platform::desktop().PostMessageA(window, platform::WM_NULL, 0, 0);
 }
 
-void MainWindow::HideToTray() { platform::ShowWindow(window, platform::SW_HIDE); }
+void MainWindow::HideToTray() { platform::desktop().ShowWindow(window, platform::SW_HIDE); }
 
 void MainWindow::ShowFromTray() {
-  platform::ShowWindow(window, platform::SW_SHOW);
-  platform::ShowWindow(window, platform::SW_RESTORE);
+  platform::desktop().ShowWindow(window, platform::SW_SHOW);
+  platform::desktop().ShowWindow(window, platform::SW_RESTORE);
 }
 
-void MainWindow::ShowNormally() { platform::ShowWindow(window, platform::SW_SHOWNORMAL); }
+void MainWindow::ShowNormally() { platform::desktop().ShowWindow(window, platform::SW_SHOWNORMAL); }
 
 void MainWindow::ShowWelcome() {
   welcomeDisplay = 1;

@@ -83,15 +83,15 @@ ByteString Around(const char* before, const ByteString& name, const char* after)
 
 void MainWindow::OnProfileSelected() {
   for (;;) {
-    const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
+    const std::int32_t row = platform::controls().ComboGetCurSel(window, kProfileList);
     if (row == platform::kNoRow) return;
     engine->repeatWorker.Clear();
-    const ByteString name = TextOf(platform::ComboGetLBText(window, kProfileList, row));
+    const ByteString name = TextOf(platform::controls().ComboGetLBText(window, kProfileList, row));
     // Before the load: one that can't be read is remembered, too.
     RememberLastProfile(name);
     if (LoadProfile(name) || shuttingDown) return;
-    platform::ComboDeleteString(window, kProfileList, row);
-    platform::ComboSetCurSel(window, kProfileList, 0);
+    platform::controls().ComboDeleteString(window, kProfileList, row);
+    platform::controls().ComboSetCurSel(window, kProfileList, 0);
   }
 }
 
@@ -119,7 +119,7 @@ bool MainWindow::LoadProfile(const ByteString& name) {
   ShowMouseAndDeviceState();
   engine->mouseActive = false;
   // By message, so that it comes after whatever else leads to another profile now.
-  platform::PostMessageA(window, WM_DEVICE_WARNING, 0, 0);
+  platform::desktop().PostMessageA(window, WM_DEVICE_WARNING, 0, 0);
   return true;
 }
 
@@ -158,7 +158,8 @@ bool MainWindow::ApplyProfileDevice() {
 // New, delete, copy, rename
 
 bool MainWindow::ValidateNewProfileName(const ByteString& name) {
-  if (platform::ComboFindStringExact(window, kProfileList, Bytes(name)) != platform::kNoRow) {
+  if (platform::controls().ComboFindStringExact(window, kProfileList, Bytes(name)) !=
+      platform::kNoRow) {
     Box(kNameTakenText, kNameTakenCaption, platform::MB_OK);
     return false;
   }
@@ -172,7 +173,7 @@ bool MainWindow::ValidateNewProfileName(const ByteString& name) {
     return false;
   }
   ByteString path = ProfileFile::ProfileFolder();
-  path.AppendChar(platform::PathSeparator());
+  path.AppendChar(platform::files().PathSeparator());
   path.Append(fileName);
   if (FileExists(path)) {
     Box(Around(kFileTakenText, fileName, kFileTakenEnd), kFileTakenCaption, platform::MB_OK);
@@ -182,8 +183,8 @@ bool MainWindow::ValidateNewProfileName(const ByteString& name) {
 }
 
 void MainWindow::ListNewProfile(const ByteString& name) {
-  const std::int32_t row = platform::ComboAddString(window, kProfileList, Bytes(name));
-  if (row != platform::kNoRow) platform::ComboSetCurSel(window, kProfileList, row);
+  const std::int32_t row = platform::controls().ComboAddString(window, kProfileList, Bytes(name));
+  if (row != platform::kNoRow) platform::controls().ComboSetCurSel(window, kProfileList, row);
   RememberLastProfile(name);
 }
 
@@ -216,14 +217,14 @@ void MainWindow::OnNewProfile() {
       platform::MB_ICONEXCLAMATION);
   if (shuttingDown) return;
   ClearProfile();
-  const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
+  const std::int32_t row = platform::controls().ComboGetCurSel(window, kProfileList);
   if (row == platform::kNoRow) return;
-  platform::ComboSetCurSel(window, kProfileList, row);
+  platform::controls().ComboSetCurSel(window, kProfileList, row);
   OnProfileSelected();
 }
 
 void MainWindow::OnDeleteProfile() {
-  const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
+  const std::int32_t row = platform::controls().ComboGetCurSel(window, kProfileList);
   if (row == platform::kNoRow) return;
   const ByteString name = profile.profileName;
   if (DeleteProfileDialog(name).DoModal(window) != platform::IDOK || shuttingDown) return;
@@ -242,13 +243,13 @@ void MainWindow::OnDeleteProfile() {
     return;
   }
   FillControlList();
-  platform::ComboDeleteString(window, kProfileList, row);
-  platform::ComboSetCurSel(window, kProfileList, 0);
+  platform::controls().ComboDeleteString(window, kProfileList, row);
+  platform::controls().ComboSetCurSel(window, kProfileList, 0);
   OnProfileSelected();
 }
 
 void MainWindow::OnCopyProfile() {
-  if (platform::ComboGetCurSel(window, kProfileList) == platform::kNoRow) return;
+  if (platform::controls().ComboGetCurSel(window, kProfileList) == platform::kNoRow) return;
   ProfileNameDialog dialog(kCopyTitle, kCopyFirstPart, profile.profileName);
   if (dialog.DoModal(window) != platform::IDOK || shuttingDown ||
       !ValidateNewProfileName(dialog.name)) {
@@ -264,7 +265,7 @@ void MainWindow::OnCopyProfile() {
 }
 
 void MainWindow::OnRenameProfile() {
-  const std::int32_t row = platform::ComboGetCurSel(window, kProfileList);
+  const std::int32_t row = platform::controls().ComboGetCurSel(window, kProfileList);
   if (row == platform::kNoRow) return;
   const ByteString oldName = profile.profileName;
   ProfileNameDialog dialog(kRenameTitle, kRenameFirstPart, oldName);
@@ -273,7 +274,7 @@ void MainWindow::OnRenameProfile() {
     return;
   }
 
-  platform::ComboDeleteString(window, kProfileList, row);
+  platform::controls().ComboDeleteString(window, kProfileList, row);
   {
     LockGuard guard(profile.profileLock);
     // Kept: the old file goes before the new one is there, so that a failure to write leaves the
@@ -292,13 +293,14 @@ void MainWindow::OnRenameProfile() {
 
 void MainWindow::TellUnlessProfilesCanBeSaved() {
   if (ProfileFile::CanSave()) return;
-  platform::Tell(Bytes(Around(kCantSaveText, ProfileFile::ProfileFolder(), kCantSaveEnd)));
+  platform::desktop().Tell(
+      Bytes(Around(kCantSaveText, ProfileFile::ProfileFolder(), kCantSaveEnd)));
 }
 
 // Also on the notification thread, with locks held.
 bool MainWindow::SaveProfile() {
   if (profile.Save()) return true;
-  ByteString reason = SystemErrorText(platform::GetLastError());
+  ByteString reason = SystemErrorText(platform::files().GetLastError());
   reason.Trim(0, 32);
   // Without a name there is nothing to store.
   if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) return false;
@@ -307,7 +309,7 @@ bool MainWindow::SaveProfile() {
   text.Append(ProfileFile::ProfileFolder());
   if (!reason.IsEmpty()) text.Append(Around("\n(", reason, ")"));
   text.Append(kNotSavedEnd);
-  platform::Tell(Bytes(text));
+  platform::desktop().Tell(Bytes(text));
   return false;
 }
 

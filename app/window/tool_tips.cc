@@ -71,15 +71,15 @@ std::string TextOfTip(std::uint32_t id) {
 }  // namespace
 
 void MainWindow::CreateToolTips() {
-  if (platform::CreateToolTip(window)) {
+  if (platform::controls().CreateToolTip(window)) {
     LimitTips(kTipWidth);
-    platform::ActivateToolTip(window, true);
+    platform::controls().ActivateToolTip(window, true);
     std::int32_t tab = 0;
     for (const std::uint32_t text : kTabTips)
-      platform::AddTabTool(window, kTabControl, tab++, TextOfTip(text));
-    for (const std::uint32_t id : kTools) platform::AddTool(window, id);
+      platform::controls().AddTabTool(window, kTabControl, tab++, TextOfTip(text));
+    for (const std::uint32_t id : kTools) platform::controls().AddTool(window, id);
   }
-  platform::EnableToolTips(window);
+  platform::controls().EnableToolTips(window);
 }
 
 std::string MainWindow::OnToolTip(std::uint32_t id) {

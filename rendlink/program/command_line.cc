@@ -39,7 +39,8 @@ int Complain(Streams streams, const std::string& text, int status) {
 int PlayGame(const Options& options, Session& session, Streams streams) {
   const Words& words = *options.game;
   int error = 0;
-  Game game{platform::FindProgram(words[0], &error), words, platform::GetCurrentDirectoryA()};
+  Game game{platform::FindProgram(words[0], &error), words,
+            platform::files().GetCurrentDirectoryA()};
   if (game.program.empty())
     return Complain(streams, words[0] + ": " + strerror(error),
                     error == ENOENT || error == ENOTDIR ? kNotThere : kCantRun);

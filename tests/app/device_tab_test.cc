@@ -164,17 +164,17 @@ TEST_F(DeviceTabTest, EachRowLeadsToItsDeviceWhereNamesAreEqual) {
 
   std::vector<std::uint32_t> seen;
   for (std::int32_t row = 1; row <= 3; ++row) {
-    const std::int32_t index = platform::ComboGetItemData(Handle(), kDeviceList, row);
+    const std::int32_t index = platform::controls().ComboGetItemData(Handle(), kDeviceList, row);
     EXPECT_EQ(Device()->DeviceName(index).Length(), 3u);
     seen.push_back(Device()->DeviceGuid(index).Data1);
   }
   std::sort(seen.begin(), seen.end());
   EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 77, 88}));
-  EXPECT_EQ(platform::ComboGetItemData(Handle(), kDeviceList, 0), -2);
+  EXPECT_EQ(platform::controls().ComboGetItemData(Handle(), kDeviceList, 0), -2);
 
   // The chosen row is that of the device in use.
   const std::int32_t row = screen.ChosenRow(kDeviceList);
-  const std::int32_t index = platform::ComboGetItemData(Handle(), kDeviceList, row);
+  const std::int32_t index = platform::controls().ComboGetItemData(Handle(), kDeviceList, row);
   EXPECT_EQ(Device()->DeviceGuid(index).Data1, 1u);
 }
 

@@ -14,12 +14,14 @@ class HeldLock {
  public:
   // Held on return, and for `ms` milliseconds from then on.
   HeldLock(platform::simulation::Simulation& sim, RecursiveLock& lock, std::uint32_t ms)
-      : lock(lock), ms(ms), thread(platform::CreateThread(&Hold, this, "holder", nullptr)) {
+      : lock(lock),
+        ms(ms),
+        thread(platform::threads().CreateThread(&Hold, this, "holder", nullptr)) {
     sim.RunFor(0);
   }
   ~HeldLock() {
-    platform::WaitForSingleObject(thread, platform::WAIT_FOREVER);
-    platform::CloseHandle(thread);
+    platform::threads().WaitForSingleObject(thread, platform::WAIT_FOREVER);
+    platform::threads().CloseHandle(thread);
   }
   HeldLock(const HeldLock&) = delete;
   HeldLock& operator=(const HeldLock&) = delete;
@@ -28,7 +30,7 @@ class HeldLock {
   static std::uint32_t Hold(void* self) {
     auto* held = static_cast<HeldLock*>(self);
     LockGuard guard(held->lock);
-    platform::Sleep(held->ms);
+    platform::clock().Sleep(held->ms);
     return 0;
   }
 

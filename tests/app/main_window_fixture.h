@@ -109,7 +109,7 @@ class MainWindowTest : public testing::Test {
   }
 
   void Post(std::uint32_t message, std::uintptr_t wParam = 0, std::intptr_t lParam = 0) {
-    platform::PostMessageA(window->window, message, wParam, lParam);
+    platform::desktop().PostMessageA(window->window, message, wParam, lParam);
     screen.Settle();
   }
 

@@ -292,7 +292,7 @@ TEST_F(FailedStartTest, WithoutDirectInputTheReasonIsToldAndTheProgramEnds) {
             "device is installed (it does not need to be connected).\n\nDirectX "
             "Error:\nDirectInput8Create() failed with return code: -2147024882 (0x8007000e) "
             "[DIERR_OUTOFMEMORY]");
-  EXPECT_FALSE(platform::IsWindowVisible(Handle()));
+  EXPECT_FALSE(platform::desktop().IsWindowVisible(Handle()));
   screen.Answer(IDOK);
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Boxes().size(), 1u);
@@ -595,7 +595,7 @@ TEST_F(WindowLifeTest, TheHookHidesWhatIsMinimisedAndNothingElse) {
 TEST_F(WindowLifeTest, TheHookAlwaysCallsTheNextOneAndDropsItsResult) {
   static std::int32_t calls;
   calls = 0;
-  const platform::HookHandle older = platform::SetWindowsHookExA(
+  const platform::HookHandle older = platform::desktop().SetWindowsHookExA(
       platform::WH_CBT, [](std::int32_t, std::uintptr_t, std::intptr_t) -> std::intptr_t {
         ++calls;
         return 1;  // would keep the window from being minimised
@@ -607,7 +607,7 @@ TEST_F(WindowLifeTest, TheHookAlwaysCallsTheNextOneAndDropsItsResult) {
   EXPECT_EQ(MinimiseHook(0, Handle(), 0), 0);
   EXPECT_EQ(calls, 2);
   Post(WM_CLOSE_PROGRAM);
-  platform::UnhookWindowsHookEx(older);
+  platform::desktop().UnhookWindowsHookEx(older);
 }
 
 // ---- The timer.
@@ -657,7 +657,7 @@ TEST_F(PluginTest, WithoutTheSettingNothingIsLookedFor) {
 TEST_F(PluginTest, AnyTimerCounts) {
   Begin();
   pad.PlugIn();
-  platform::SetTimer(Handle(), 77, 10);
+  platform::desktop().SetTimer(Handle(), 77, 10);
   Post(platform::WM_NULL);  // the window looks at its timers again
   sim.RunFor(1000);
   EXPECT_TRUE(Device()->DeviceSelected());

@@ -364,7 +364,7 @@ class TestButtonDrawing : public MouseTabTest {
   }
   static std::string Colour(std::int32_t index) {
     char text[8];
-    std::snprintf(text, sizeof text, "%06x", platform::GetSysColor(index));
+    std::snprintf(text, sizeof text, "%06x", platform::desktop().GetSysColor(index));
     return text;
   }
   static std::string Rectangle(std::int32_t left, std::int32_t top, std::int32_t right,

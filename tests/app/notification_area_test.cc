@@ -116,7 +116,7 @@ TEST_F(NotificationAreaTest, AWarningBringsTheHiddenWindowBack) {
   Device()->StopDevice();
   Post(WM_DEVICE_WARNING);
   EXPECT_TRUE(screen.BoxUp());
-  EXPECT_TRUE(platform::IsWindowVisible(Handle()));
+  EXPECT_TRUE(platform::desktop().IsWindowVisible(Handle()));
   EXPECT_EQ(CurrentTab(), 2u);
 }
 
@@ -127,7 +127,7 @@ TEST_F(NotificationAreaTest, AWarningOfTheStartItselfStandsAlone) {
   WithoutPad();
   Begin();
   EXPECT_TRUE(screen.BoxUp());
-  EXPECT_FALSE(platform::IsWindowVisible(Handle()));
+  EXPECT_FALSE(platform::desktop().IsWindowVisible(Handle()));
   EXPECT_EQ(CurrentTab(), 2u);
 }
 
@@ -261,7 +261,7 @@ TEST_F(NotificationAreaTest, TheWelcomeComesBeforeTheWindowIsSeenAndOnce) {
   Begin();
   ASSERT_EQ(screen.Front(), welcome::kDialog);
   EXPECT_EQ(screen.Title(), "Welcome to Kelvaro");
-  EXPECT_FALSE(platform::IsWindowVisible(Handle()));
+  EXPECT_FALSE(platform::desktop().IsWindowVisible(Handle()));
   EXPECT_EQ(WelcomeDisplay(), 1u) << "before it is shown";
   screen.Close();
   EXPECT_EQ(screen.Front(), main_window::kDialog);

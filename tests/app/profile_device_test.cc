@@ -114,7 +114,7 @@ TEST_F(ProfileDeviceTest, TheWarningBringsAHiddenWindowBack) {
   screen.Minimise();
   ASSERT_FALSE(screen.Shown());
 
-  platform::PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
+  platform::desktop().PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
   screen.Settle();
   ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
   EXPECT_TRUE(screen.Shown());
@@ -142,7 +142,7 @@ TEST_F(ProfileDeviceTest, WithADeviceThereIsNoWarning) {
   StoreWithPad("Alpha");
   Begin();
   screen.Minimise();
-  platform::PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
+  platform::desktop().PostMessageA(screen.WindowOf(main_window::kDialog), WM_DEVICE_WARNING, 0, 0);
   screen.Settle();
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_FALSE(screen.Shown());

@@ -31,7 +31,7 @@ class SlowRegistry final : public ForwardedRegistry {
 
   std::uint32_t RegSetValueExA(platform::HKEY key, const std::string& name, std::uint32_t type,
                                const void* data, std::uint32_t size) override {
-    platform::Sleep(ms);
+    platform::clock().Sleep(ms);
     return ForwardedRegistry::RegSetValueExA(key, name, type, data, size);
   }
 
@@ -241,8 +241,8 @@ TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
   SlowRegistry slow(sim.Groups(), 20);
   platform::Platform groups = sim.Groups();
   groups.registry = &slow;
-  const WatchedFiles watched(groups,
-                             [](const std::string&, const std::string&) { platform::Sleep(100); });
+  const WatchedFiles watched(
+      groups, [](const std::string&, const std::string&) { platform::clock().Sleep(100); });
   pad.Press({3, 4});
   sim.RunFor(50);
   ASSERT_FALSE(Engine().IsDetecting());

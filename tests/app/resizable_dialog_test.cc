@@ -143,7 +143,7 @@ class ResizableDialogTest : public ::testing::Test {
   }
   Rect Place(std::uint32_t id) const {
     Rect rect;
-    EXPECT_TRUE(platform::GetControlRect(dialog.window, id, &rect));
+    EXPECT_TRUE(platform::controls().GetControlRect(dialog.window, id, &rect));
     return rect;
   }
 
@@ -165,12 +165,12 @@ TEST_F(ResizableDialogTest, StartsWithOnePageAndNothingMeasured) {
 TEST_F(ResizableDialogTest, TakesItsLeastSizeItsOriginAndTheGripFromTheWindow) {
   Open([&] {
     Rect window;
-    ASSERT_TRUE(platform::GetWindowRect(dialog.window, &window));
+    ASSERT_TRUE(platform::desktop().GetWindowRect(dialog.window, &window));
     EXPECT_EQ(dialog.minTrackWidth, window.Width());
     EXPECT_EQ(dialog.minTrackHeight, window.Height());
     EXPECT_EQ(dialog.windowOrigin, (platform::Point{window.left, window.top}));
-    EXPECT_EQ(dialog.gripWidth, platform::GetSystemMetrics(platform::SM_CXVSCROLL));
-    EXPECT_EQ(dialog.gripHeight, platform::GetSystemMetrics(platform::SM_CYHSCROLL));
+    EXPECT_EQ(dialog.gripWidth, platform::desktop().GetSystemMetrics(platform::SM_CXVSCROLL));
+    EXPECT_EQ(dialog.gripHeight, platform::desktop().GetSystemMetrics(platform::SM_CYHSCROLL));
   });
   const Rect inside = screen.Inside();
   EXPECT_EQ(dialog.gripRect,
@@ -573,7 +573,7 @@ TEST_F(ResizableDialogTest, TheGripIsHitInsideItsRectangleAlone) {
 TEST_F(ResizableDialogTest, BeforeTheWindowFirstMovesTheGripCountsFromTheFramesCorner) {
   Open([&] {
     Rect window;
-    ASSERT_TRUE(platform::GetWindowRect(dialog.window, &window));
+    ASSERT_TRUE(platform::desktop().GetWindowRect(dialog.window, &window));
     const Rect grip = dialog.gripRect;
     EXPECT_EQ(dialog.OnNcHitTest({window.left + grip.left, window.top + grip.top}), HTBOTTOMRIGHT);
     EXPECT_EQ(dialog.OnNcHitTest({window.left + grip.left - 1, window.top + grip.top}), HTCLIENT);
@@ -636,7 +636,7 @@ class PlacementTest : public ::testing::Test {
     dialog.prepare = [&] {
       dialog.MeasurePages();
       Rect window;
-      ASSERT_TRUE(platform::GetWindowRect(dialog.window, &window));
+      ASSERT_TRUE(platform::desktop().GetWindowRect(dialog.window, &window));
       first = window;
       dialog.RestorePlacement(kKey, kSubkey);
     };
@@ -747,13 +747,13 @@ TEST_F(PlacementTest, ARestoredWindowIsLaidOutAtOnce) {
     dialog.MeasurePages();
     Rect old;
     Rect before;
-    ASSERT_TRUE(platform::GetClientRect(dialog.window, &old));
-    ASSERT_TRUE(platform::GetControlRect(dialog.window, kFirst, &before));
+    ASSERT_TRUE(platform::desktop().GetClientRect(dialog.window, &old));
+    ASSERT_TRUE(platform::controls().GetControlRect(dialog.window, kFirst, &before));
     dialog.RestorePlacement(kKey, kSubkey);
     Rect client;
     Rect after;
-    ASSERT_TRUE(platform::GetClientRect(dialog.window, &client));
-    ASSERT_TRUE(platform::GetControlRect(dialog.window, kFirst, &after));
+    ASSERT_TRUE(platform::desktop().GetClientRect(dialog.window, &client));
+    ASSERT_TRUE(platform::controls().GetControlRect(dialog.window, kFirst, &after));
     EXPECT_EQ(after.left - before.left, client.right - old.right);
     ASSERT_FALSE(dialog.layouts.empty());
     EXPECT_EQ(dialog.layouts.back(), client);

@@ -135,7 +135,7 @@ TEST_F(ResizeListCtrlTest, AttachingTakesTheListsInnerWidth) {
   std::int32_t inner = 0;
   OpenWith([&] {
     list.Attach(dialog.window, kList);
-    inner = platform::ListGetClientWidth(dialog.window, kList);
+    inner = platform::controls().ListGetClientWidth(dialog.window, kList);
   });
   EXPECT_GT(inner, 0);
   EXPECT_EQ(list.clientWidth, inner);
@@ -286,10 +286,10 @@ TEST_F(ResizeListCtrlTest, TheOrderIsReadOnlyBehindTheNoticeOfTheDrag) {
 TEST_F(ResizeListCtrlTest, BeforeTheFirstPaintHeaderNoticesDontCount) {
   OpenWith([&] {
     AddColumns({100, 50, 100});
-    platform::ListSetColumnWidth(dialog.window, kList, 0, 40);
+    platform::controls().ListSetColumnWidth(dialog.window, kList, 0, 40);
     Numbers widths;
     for (std::int32_t i = 0; i < 3; ++i) {
-      widths.push_back(platform::ListGetColumnWidth(dialog.window, kList, i));
+      widths.push_back(platform::controls().ListGetColumnWidth(dialog.window, kList, i));
     }
     EXPECT_EQ(widths, (Numbers{40, 50, 100}));
   });
@@ -432,7 +432,7 @@ TEST_F(ResizeListCtrlTest, TheEndStoresAllWidthsAndThenAllOrders) {
 TEST_F(ResizeListCtrlTest, AnOrderThatWasNeverReadIsReadForSaving) {
   OpenWith([&] {
     AddColumns({100, 50, 150});
-    platform::ListSetColumnOrder(dialog.window, kList, {1, 0, 2});
+    platform::controls().ListSetColumnOrder(dialog.window, kList, {1, 0, 2});
   });
   list.registryKey = kKey;
   screen.Close();

@@ -77,8 +77,8 @@ TEST_F(ToolTipsTest, WidthAndTimeAreSetAgainEachTime) {
   Begin();
   EXPECT_EQ(screen.ToolTipWidth(), 300);
   EXPECT_EQ(screen.ToolTipTime(), 10000);
-  platform::SetToolTipWidth(Handle(), 50);
-  platform::SetToolTipTime(Handle(), 100);
+  platform::controls().SetToolTipWidth(Handle(), 50);
+  platform::controls().SetToolTipTime(Handle(), 100);
   screen.Hover(kNewProfile);
   EXPECT_EQ(screen.ToolTipWidth(), 300);
   EXPECT_EQ(screen.ToolTipTime(), 10000);

@@ -82,7 +82,7 @@ struct Polling : testing::Test {
     EXPECT_TRUE(self->manager.deviceLock.IsTaken());
     self->watched.Note("change callback");
     self->changes.push_back({self->Now(), *state});
-    if (self->changeTakes) platform::Sleep(self->changeTakes);
+    if (self->changeTakes) platform::clock().Sleep(self->changeTakes);
   }
 
   Simulation simulation;
@@ -389,7 +389,7 @@ TEST_F(Polling, SettingACallbackWaitsForTheOneUnderWay) {
 TEST_F(Polling, ACallbackThatIsTakenAwayWhileAChangeWaitsForTheLockIsNotCalled) {
   manager.SetPollCallback(
       [](DeviceManager* device, const DIJOYSTATE2*, void*) {
-        platform::Sleep(5);  // the notification thread is up and wants the lock
+        platform::clock().Sleep(5);  // the notification thread is up and wants the lock
         device->SetChangeCallback(nullptr, nullptr);
       },
       nullptr);

@@ -117,7 +117,7 @@ TEST_F(Engine, LetGoComesToTheMouseAfterTheKeys) {
   // The action sends an event of its own, so that the two can be put in order.
   Control* a = Add({.name = "a", .buttons = {2}});
   FirstAction(*a).onRelease = [] {
-    platform::keybd_event(0x41, 0x1e, platform::KEYEVENTF_KEYUP, 0);
+    platform::input().keybd_event(0x41, 0x1e, platform::KEYEVENTF_KEYUP, 0);
   };
   profile.leftMask = MouseButtonMask(0);
   engine.mouseActive = true;

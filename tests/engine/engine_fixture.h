@@ -68,13 +68,13 @@ class RecordingAction : public InputAction {
   bool Replay(std::uint8_t repeat, std::uint32_t holdTime, std::uint32_t releasePause) override {
     journal->Note("press " + name);
     replays.push_back({repeat, holdTime, releasePause});
-    if (pressMs != 0) platform::Sleep(pressMs);
+    if (pressMs != 0) platform::clock().Sleep(pressMs);
     return true;
   }
   bool Release() override {
     journal->Note("release " + name);
     if (onRelease) onRelease();
-    if (releaseMs != 0) platform::Sleep(releaseMs);
+    if (releaseMs != 0) platform::clock().Sleep(releaseMs);
     return true;
   }
 

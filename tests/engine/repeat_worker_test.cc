@@ -95,7 +95,7 @@ TEST_F(Repeat, AWrapOfTheTickCounterDoesNoHarm) {
   sim.SetTickOffset(0u - static_cast<std::uint32_t>(start + 300));  // the counter is 0 at 300
   Add({.name = "a", .buttons = {1}, .repeats = true});
   Hold(18, {1}, 299);
-  EXPECT_EQ(platform::GetTickCount(), 0xFFFFFFFFu);
+  EXPECT_EQ(platform::clock().GetTickCount(), 0xFFFFFFFFu);
   RunTo(580);
   EXPECT_EQ(journal.Take(), "20 press a, 520 press a, 570 press a");
 }
@@ -134,7 +134,7 @@ TEST_F(Repeat, StartMarksTheControlAsWaitingFromNow) {
   engine.repeatWorker.Start(&control);
   EXPECT_EQ(engine.repeatWorker.Repeating(), &control);
   EXPECT_EQ(control.repeatStarted, 0);
-  EXPECT_EQ(control.repeatLastTick, platform::GetTickCount());
+  EXPECT_EQ(control.repeatLastTick, platform::clock().GetTickCount());
   engine.repeatWorker.Clear();
   EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
   EXPECT_FALSE(engine.repeatWorker.repeatLock.IsTaken());

@@ -264,41 +264,41 @@ TEST_F(DirectoryWalkerTest, ItsEndGivesEverythingBack) {
 }
 
 TEST_F(DirectoryWalkerTest, NoFolderIsTheCurrentOne) {
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("/t/over"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("/t/over"));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", "", "*"),
             (Paths{"/t/over/o.txt", "/t/over/s.dat"}));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", nullptr, "*").size(), 2u);
 }
 
 TEST_F(DirectoryWalkerTest, AFolderThatBeginsWithADotIsMadeAbsolute) {
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("/t/over"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("/t/over"));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "s*", ".", "*"), (Paths{"/t/over/s.dat"}));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "b*", "..", "*"), (Paths{"/t/b.txt"}));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", "../sub", "*"), (Paths{"/t/sub/s.txt"}));
-  EXPECT_EQ(platform::GetCurrentDirectoryA(), "/t/over");
+  EXPECT_EQ(platform::files().GetCurrentDirectoryA(), "/t/over");
 }
 
 TEST_F(DirectoryWalkerTest, AnotherRelativeFolderIsTakenAsItIs) {
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("/t"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("/t"));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", "over", "*"), (Paths{"over/o.txt", "over/s.dat"}));
   EXPECT_EQ(disk.Count("SetCurrentDirectoryA"), 1u);
 }
 
 TEST_F(DirectoryWalkerTest, AFolderThatCannotBeMadeAbsoluteStandsAsItIs) {
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("/t/sub"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("/t/sub"));
   disk.FailOperation(2);  // behind GetCurrentDirectoryA
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "b*", "..", "*"), (Paths{"../b.txt"}));
-  EXPECT_EQ(platform::GetCurrentDirectoryA(), "/t/sub");
+  EXPECT_EQ(platform::files().GetCurrentDirectoryA(), "/t/sub");
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", "./none", "*"), Paths());
-  EXPECT_EQ(platform::GetCurrentDirectoryA(), "/t/sub");
+  EXPECT_EQ(platform::files().GetCurrentDirectoryA(), "/t/sub");
   disk.FailOperation(3);  // the current folder of the new place
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "b*", "..", "*"), (Paths{"../b.txt"}));
-  EXPECT_EQ(platform::GetCurrentDirectoryA(), "/t/sub");
+  EXPECT_EQ(platform::files().GetCurrentDirectoryA(), "/t/sub");
 }
 
 TEST_F(DirectoryWalkerTest, AColonAtTheEndGetsASeparatorBeforeTheFolderIsEntered) {
   disk.PutFile("/t/.x:/file", "");
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("/t"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("/t"));
   disk.ClearLog();
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", ".x:", "*"), (Paths{"/t/.x:/file"}));
   EXPECT_EQ(disk.Log()[1].name, "SetCurrentDirectoryA");
@@ -328,7 +328,7 @@ TEST(DirectoryWalker, WorksWithBackslashes) {
   EXPECT_EQ(Walk(all | WalkFullPaths, "*.txt", "c:\\T\\", "*"),
             (Paths{"c:\\T\\a.txt", "c:\\T\\sub:", "c:\\T\\sub\\b.TXT",
                    "c:\\T\\sub\\deep:", "c:\\T\\sub\\deep\\c.txt"}));
-  ASSERT_TRUE(platform::SetCurrentDirectoryA("C:\\t\\sub"));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA("C:\\t\\sub"));
   EXPECT_EQ(Walk(WalkFiles | WalkFullPaths, "*", "..", "*"), (Paths{"C:\\t\\a.txt"}));
 }
 

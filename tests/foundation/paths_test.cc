@@ -322,7 +322,7 @@ TEST_F(DrivePathsTest, APathThatDoesNotFitCountsAsNone) {
   const std::string tooLong = fits + "f";
   for (const std::string& folder : {fits, tooLong}) {
     disk.PutFolder(folder);
-    ASSERT_TRUE(platform::SetCurrentDirectoryA(folder));
+    ASSERT_TRUE(platform::files().SetCurrentDirectoryA(folder));
     EXPECT_EQ(Bytes(CurrentFolder()), folder == fits ? fits : "");
     disk.SetProgramPath(folder);
     EXPECT_EQ(Bytes(ProgramPath()), folder == fits ? fits : "");
@@ -333,7 +333,7 @@ TEST_F(DrivePathsTest, APathThatDoesNotFitCountsAsNone) {
 TEST_F(SlashPathsTest, LongPathsAreTold) {
   const std::string folder = "/" + std::string(150, 'f') + "/" + std::string(150, 'f');
   disk.PutFolder(folder);
-  ASSERT_TRUE(platform::SetCurrentDirectoryA(folder));
+  ASSERT_TRUE(platform::files().SetCurrentDirectoryA(folder));
   EXPECT_EQ(Bytes(CurrentFolder()), folder);
   disk.SetProgramPath(folder + "/kelvaro");
   EXPECT_EQ(Bytes(ProgramFolder()), folder);

@@ -15,9 +15,6 @@
 namespace kelvaro {
 namespace {
 
-using platform::GetCurrentThreadId;
-using platform::Sleep;
-
 // A machine in memory, and virtual threads on it. Those that are due at the same time run in the
 // order of their making, and this one last.
 class RecursiveLockTest : public ::testing::Test {
@@ -25,9 +22,9 @@ class RecursiveLockTest : public ::testing::Test {
   void Go(std::function<void()> body) {
     bodies.push_back(std::make_unique<std::function<void()>>(std::move(body)));
     const platform::Handle thread =
-        platform::CreateThread(&Entry, bodies.back().get(), "test", nullptr);
+        platform::threads().CreateThread(&Entry, bodies.back().get(), "test", nullptr);
     ASSERT_NE(thread, platform::kInvalidHandle);
-    platform::CloseHandle(thread);
+    platform::threads().CloseHandle(thread);
   }
 
   static void ExpectFree(const RecursiveLock& lock) {
@@ -56,14 +53,14 @@ TEST_F(RecursiveLockTest, NewOneIsFree) {
 TEST_F(RecursiveLockTest, TwoAcquiresAndTwoReleasesLeaveItFree) {
   RecursiveLock lock;
   EXPECT_TRUE(lock.Acquire(1));
-  EXPECT_EQ(lock.Owner(), GetCurrentThreadId());
+  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
   EXPECT_EQ(lock.Holders(), 1);
   EXPECT_EQ(lock.Depth(), 1);
   EXPECT_TRUE(lock.Acquire(1));
   EXPECT_EQ(lock.Holders(), 1);  // the same thread once more is no second holder
   EXPECT_EQ(lock.Depth(), 2);
   EXPECT_TRUE(lock.Release());
-  EXPECT_EQ(lock.Owner(), GetCurrentThreadId());
+  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
   EXPECT_EQ(lock.Depth(), 1);
   EXPECT_TRUE(lock.IsTaken());
   EXPECT_TRUE(lock.Release());
@@ -89,7 +86,7 @@ TEST_F(RecursiveLockTest, ReleaseByAnotherThreadChangesNothing) {
   Go([&] { released = lock.Release(); });
   sim.RunFor(0);
   EXPECT_FALSE(released);
-  EXPECT_EQ(lock.Owner(), GetCurrentThreadId());
+  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
   EXPECT_EQ(lock.Holders(), 1);
   EXPECT_EQ(lock.Depth(), 2);
 }
@@ -99,7 +96,7 @@ TEST_F(RecursiveLockTest, TryAcquireTakesAFreeLockAndTheOwnersOwn) {
   EXPECT_TRUE(lock.TryAcquire());
   EXPECT_TRUE(lock.TryAcquire());
   EXPECT_EQ(lock.Depth(), 2);
-  EXPECT_EQ(lock.Owner(), GetCurrentThreadId());
+  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
 }
 
 TEST_F(RecursiveLockTest, TryAcquireOfAnothersLockGivesUpAtOnce) {
@@ -140,13 +137,13 @@ TEST_F(RecursiveLockTest, AcquireTriesAgainAfterEachWait) {
     const std::uint64_t start = sim.Now();
     Go([&] {
       lock.Acquire(1);
-      Sleep(5);
+      platform::clock().Sleep(5);
       lock.Release();
     });
     std::uint64_t taken = 0;
     Go([&] {
       EXPECT_TRUE(lock.Acquire(row.waitMs));
-      EXPECT_EQ(lock.Owner(), GetCurrentThreadId());
+      EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
       taken = sim.Now() - start;
       lock.Release();
     });
@@ -162,9 +159,9 @@ TEST_F(RecursiveLockTest, NobodyGetsInBeforeTheLastRelease) {
   Go([&] {
     lock.Acquire(1);
     lock.Acquire(1);
-    Sleep(5);
+    platform::clock().Sleep(5);
     lock.Release();
-    Sleep(5);
+    platform::clock().Sleep(5);
     lock.Release();
   });
   Go([&] {
@@ -187,7 +184,7 @@ TEST_F(RecursiveLockTest, IsNotFair) {
     lock.Release();
   });
   for (int i = 0; i < 100; ++i) {
-    Sleep(1);
+    platform::clock().Sleep(1);
     lock.Release();
     lock.Acquire(1);
   }
@@ -201,17 +198,17 @@ TEST_F(RecursiveLockTest, AThreadThatIsEndedByForceLeavesItTaken) {
   RecursiveLock lock;
   std::function<void()> body = [&] {
     lock.Acquire(1);
-    Sleep(1000);
+    platform::clock().Sleep(1000);
   };
-  const platform::Handle thread = platform::CreateThread(
+  const platform::Handle thread = platform::threads().CreateThread(
       [](void* parameter) -> std::uint32_t {
         (*static_cast<std::function<void()>*>(parameter))();
         return 0;
       },
       &body, "test", nullptr);
   sim.RunFor(1);
-  platform::TerminateThread(thread, 1000);
-  platform::CloseHandle(thread);
+  platform::threads().TerminateThread(thread, 1000);
+  platform::threads().CloseHandle(thread);
   EXPECT_TRUE(lock.IsTaken());
   EXPECT_FALSE(lock.TryAcquire());
   EXPECT_FALSE(lock.Release());
@@ -235,7 +232,7 @@ TEST_F(RecursiveLockTest, GuardWaitsAMillisecondBetweenTries) {
   RecursiveLock lock;
   Go([&] {
     const LockGuard guard(lock);
-    Sleep(3);
+    platform::clock().Sleep(3);
   });
   std::uint64_t taken = 0;
   Go([&] {
@@ -290,12 +287,12 @@ TEST_F(RecursiveLockTest, OrderIsKeptForEachThreadByItself) {
   repeat.Acquire(1);
   Go([&] {
     taken = device.Acquire(1);
-    Sleep(5);
+    platform::clock().Sleep(5);
     device.Release();
   });
   sim.RunFor(1);
   EXPECT_TRUE(taken);
-  EXPECT_EQ(repeat.Owner(), GetCurrentThreadId());
+  EXPECT_EQ(repeat.Owner(), platform::threads().GetCurrentThreadId());
 }
 
 TEST_F(RecursiveLockTest, ALockThatIsGoneCountsNoMore) {
@@ -351,7 +348,7 @@ TEST_F(RecursiveLockDeathTest, TheWrongOrderIsFoundOnVirtualThreads) {
   RecursiveLock repeat(LockRank::Repeat);
   Go([&] {
     repeat.Acquire(1);
-    Sleep(1);
+    platform::clock().Sleep(1);
     device.Acquire(1);
   });
   EXPECT_DEATH(sim.RunFor(5), "Lock order: Device is taken while Repeat is held");

@@ -14,8 +14,6 @@
 namespace kelvaro {
 namespace {
 
-using platform::Sleep;
-
 class Worker : public WorkerThread {
  public:
   explicit Worker(std::function<std::uint32_t(Worker&)> body = {})
@@ -36,24 +34,24 @@ class Worker : public WorkerThread {
 };
 
 std::uint32_t UntilStopEvent(Worker& worker) {
-  platform::WaitForSingleObject(worker.stopEvent, platform::WAIT_FOREVER);
+  platform::threads().WaitForSingleObject(worker.stopEvent, platform::WAIT_FOREVER);
   return 0;
 }
 
 std::uint32_t UntilStopRequested(Worker& worker) {
-  while (!worker.StopRequested()) Sleep(10);
+  while (!worker.StopRequested()) platform::clock().Sleep(10);
   return 0;
 }
 
 std::uint32_t Forever(Worker&) {
-  for (;;) Sleep(10);
+  for (;;) platform::clock().Sleep(10);
 }
 
 // A thread that is ready runs when this one waits, even if for no time.
 class WorkerThreadTest : public ::testing::Test {
  protected:
   bool IsSignalled(platform::Handle event) {
-    return platform::WaitForSingleObject(event, 0) == platform::WAIT_OBJECT_0;
+    return platform::threads().WaitForSingleObject(event, 0) == platform::WAIT_OBJECT_0;
   }
 
   bool WasCalled(const std::string& operation) {
@@ -79,7 +77,7 @@ TEST_F(WorkerThreadTest, NewOneDoesNotRun) {
 TEST_F(WorkerThreadTest, StartRunsOnAThreadOfItsOwn) {
   std::int32_t id = 0;
   Worker worker([&](Worker& self) {
-    id = platform::GetCurrentThreadId();
+    id = platform::threads().GetCurrentThreadId();
     return UntilStopEvent(self);
   });
   EXPECT_TRUE(worker.Start(false, 0));
@@ -87,7 +85,7 @@ TEST_F(WorkerThreadTest, StartRunsOnAThreadOfItsOwn) {
   EXPECT_EQ(id, 0);  // nobody waited for it to begin
   sim.RunFor(0);
   EXPECT_NE(id, 0);
-  EXPECT_NE(id, platform::GetCurrentThreadId());
+  EXPECT_NE(id, platform::threads().GetCurrentThreadId());
   EXPECT_TRUE(worker.IsRunning());
 }
 
@@ -142,10 +140,10 @@ TEST_F(WorkerThreadTest, StartFailsWithoutAThread) {
 TEST_F(WorkerThreadTest, ThreadGivesItselfThePriorityThatIsWantedOrTheCallers) {
   std::int32_t seen = 99;
   Worker worker([&](Worker&) {
-    seen = platform::GetCurrentThreadPriority();
+    seen = platform::threads().GetCurrentThreadPriority();
     return 0u;
   });
-  platform::SetCurrentThreadPriority(7);
+  platform::threads().SetCurrentThreadPriority(7);
   for (const std::int32_t wanted : {platform::THREAD_PRIORITY_TIME_CRITICAL, -2}) {
     EXPECT_TRUE(worker.Start(true, wanted));
     EXPECT_EQ(seen, wanted);
@@ -153,7 +151,7 @@ TEST_F(WorkerThreadTest, ThreadGivesItselfThePriorityThatIsWantedOrTheCallers) {
   EXPECT_EQ(WorkerThread::kPriorityOfCaller, -10000);
   EXPECT_TRUE(worker.Start(true, WorkerThread::kPriorityOfCaller));
   EXPECT_EQ(seen, 7);
-  EXPECT_EQ(platform::GetCurrentThreadPriority(), 7);
+  EXPECT_EQ(platform::threads().GetCurrentThreadPriority(), 7);
   // A caller that has none to tell counts as a normal one.
   sim.LogCalls(true);
   sim.FailNext("GetCurrentThreadPriority");
@@ -255,7 +253,7 @@ TEST_F(WorkerThreadTest, TheTimeoutIsFifteenSecondsUnlessItIsSet) {
 TEST_F(WorkerThreadTest, ARunThatEndsJustInTimeIsNotEndedByForce) {
   Worker worker([](Worker& self) {
     UntilStopEvent(self);
-    Sleep(49);
+    platform::clock().Sleep(49);
     return 0u;
   });
   worker.stopTimeout = 50;
@@ -269,7 +267,7 @@ TEST_F(WorkerThreadTest, ARunThatEndsJustInTimeIsNotEndedByForce) {
 TEST_F(WorkerThreadTest, AForcedEndLeavesLocksTakenAndRunsNoMore) {
   RecursiveLock lock;
   bool left = false;
-  const platform::Handle exitEvent = platform::CreateEventA(true, false);
+  const platform::Handle exitEvent = platform::threads().CreateEventA(true, false);
   Worker worker([&](Worker& self) {
     lock.Acquire(1);
     return Forever(self);
@@ -284,7 +282,7 @@ TEST_F(WorkerThreadTest, AForcedEndLeavesLocksTakenAndRunsNoMore) {
   EXPECT_FALSE(left);
   EXPECT_FALSE(IsSignalled(exitEvent));
   worker.exitEvent = platform::kInvalidHandle;
-  platform::CloseHandle(exitEvent);
+  platform::threads().CloseHandle(exitEvent);
 }
 
 TEST_F(WorkerThreadTest, TheStateCanBeAskedForWhileStopWaits) {
@@ -294,7 +292,7 @@ TEST_F(WorkerThreadTest, TheStateCanBeAskedForWhileStopWaits) {
   bool running = false;
   std::uint64_t asked = 0;
   Worker other([&](Worker&) {
-    Sleep(20);
+    platform::clock().Sleep(20);
     running = worker.IsRunning();
     asked = sim.Now();
     return 0u;
@@ -307,7 +305,7 @@ TEST_F(WorkerThreadTest, TheStateCanBeAskedForWhileStopWaits) {
 
 TEST_F(WorkerThreadTest, ARunThatEndsByItselfIsNoticed) {
   Worker worker([](Worker&) {
-    Sleep(10);
+    platform::clock().Sleep(10);
     return 0u;
   });
   ASSERT_TRUE(worker.Start(true, 0));
@@ -339,15 +337,15 @@ TEST_F(WorkerThreadTest, OnExitFollowsRunOnTheThread) {
   std::string order;
   std::int32_t runId = 0;
   std::int32_t exitId = 0;
-  const platform::Handle exitEvent = platform::CreateEventA(true, true);
+  const platform::Handle exitEvent = platform::threads().CreateEventA(true, true);
   Worker worker([&](Worker&) {
     order += IsSignalled(exitEvent) ? "still signalled, " : "run, ";
-    runId = platform::GetCurrentThreadId();
+    runId = platform::threads().GetCurrentThreadId();
     return 0u;
   });
   worker.atExit = [&] {
     order += IsSignalled(exitEvent) ? "signalled early" : "exit";
-    exitId = platform::GetCurrentThreadId();
+    exitId = platform::threads().GetCurrentThreadId();
   };
   worker.exitEvent = exitEvent;
   ASSERT_TRUE(worker.Start(false, 0));
@@ -358,13 +356,13 @@ TEST_F(WorkerThreadTest, OnExitFollowsRunOnTheThread) {
   EXPECT_TRUE(IsSignalled(exitEvent));
   worker.Stop();
   worker.exitEvent = platform::kInvalidHandle;
-  platform::CloseHandle(exitEvent);
+  platform::threads().CloseHandle(exitEvent);
 }
 
 // A start that waits sees a thread whose Run is over already, for as long as OnExit takes.
 TEST_F(WorkerThreadTest, OnExitStillCountsAsRunning) {
   Worker worker([](Worker&) { return 0u; });
-  worker.atExit = [] { Sleep(100); };
+  worker.atExit = [] { platform::clock().Sleep(100); };
   ASSERT_TRUE(worker.Start(true, 0));
   EXPECT_EQ(sim.Now(), 1u);
   EXPECT_TRUE(worker.IsRunning());
@@ -391,7 +389,7 @@ TEST_F(WorkerThreadTest, DestructionStopsTheThreadAndClosesTheEvent) {
   ASSERT_TRUE(worker->Start(true, 0));
   worker.reset();
   EXPECT_EQ(sim.LivingThreads(), 0u);
-  EXPECT_FALSE(platform::SetEvent(stopEvent));
+  EXPECT_FALSE(platform::threads().SetEvent(stopEvent));
 }
 
 TEST_F(WorkerThreadTest, WithoutAnEventTheRequestIsStillSeen) {

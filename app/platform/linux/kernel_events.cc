@@ -7,7 +7,6 @@
 #include <array>
 #include <utility>
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/key_map.h"
 
 namespace platform {
@@ -56,7 +55,6 @@ KernelEvents::KernelEvents(int keyboard, int mouse) : keyboardFd(keyboard), mous
 
 void KernelEvents::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                                std::uint32_t /*extra*/) {
-  StopHereIfCutOff();
   const std::uint16_t code = KernelKeyCode(vk, scan);
   if (code == 0) return;
   const bool isDown = (flags & KEYEVENTF_KEYUP) == 0;
@@ -67,7 +65,6 @@ void KernelEvents::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t
 
 void KernelEvents::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy,
                                std::int32_t data, std::uint32_t /*extra*/) {
-  StopHereIfCutOff();
   Batch batch;
   if (flags & MOUSEEVENTF_MOVE) {
     if (dx != 0) batch.Add(Event(EV_REL, REL_X, dx));

@@ -4,13 +4,12 @@
 #include <sched.h>
 #include <time.h>
 
-#include "app/platform/linux/cut_off.h"
+#include "app/platform/cut_off.h"
 #include "app/platform/linux/monotonic_time.h"
 
 namespace platform {
 
 void LinuxClock::Sleep(std::uint32_t ms) {
-  StopHereIfCutOff();
   if (ms == 0) {
     sched_yield();
     return;
@@ -22,7 +21,6 @@ void LinuxClock::Sleep(std::uint32_t ms) {
 }
 
 std::uint32_t LinuxClock::GetTickCount() {
-  StopHereIfCutOff();
   return static_cast<std::uint32_t>(MonotonicNow() / kNanosecondsPerMillisecond);
 }
 

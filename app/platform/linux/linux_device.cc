@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "app/platform/linux/cut_off.h"
-
 namespace platform {
 namespace {
 
@@ -87,20 +85,15 @@ void LinuxDevice::PutToRest() {
   std::fill(std::begin(state.rgdwPOV), std::end(state.rgdwPOV), kPovCentred);
 }
 
-HRESULT LinuxDevice::SetDataFormat() {
-  StopHereIfCutOff();
-  return DI_OK;
-}
+HRESULT LinuxDevice::SetDataFormat() { return DI_OK; }
 
 // The kernel hands every reader its own copy of all events, so the one level that is asked for,
 // shared and in the background, is what there is.
 HRESULT LinuxDevice::SetCooperativeLevel(Handle /*window*/, std::uint32_t flags) {
-  StopHereIfCutOff();
   return flags == (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE) ? DI_OK : DIERR_INVALIDPARAM;
 }
 
 HRESULT LinuxDevice::GetCapabilities(DIDEVCAPS* caps) {
-  StopHereIfCutOff();
   if (!caps || caps->dwSize != sizeof(DIDEVCAPS)) return DIERR_INVALIDPARAM;
   *caps = DIDEVCAPS();
   caps->dwAxes = layout.axes;
@@ -111,7 +104,6 @@ HRESULT LinuxDevice::GetCapabilities(DIDEVCAPS* caps) {
 
 HRESULT LinuxDevice::EnumObjects(const std::function<bool(std::uint32_t id)>& visit,
                                  std::uint32_t flags) {
-  StopHereIfCutOff();
   if (!visit || flags != DIDFT_AXIS) return DIERR_INVALIDPARAM;
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
     if (layout.axisCode[slot] >= 0 && !visit(AxisId(slot))) break;
@@ -119,7 +111,6 @@ HRESULT LinuxDevice::EnumObjects(const std::function<bool(std::uint32_t id)>& vi
 }
 
 HRESULT LinuxDevice::SetProperty(std::uint32_t property, const DIPROPRANGE& range) {
-  StopHereIfCutOff();
   if (property != DIPROP_RANGE || range.diph.dwHow != DIPH_BYID || range.lMin > range.lMax)
     return DIERR_INVALIDPARAM;
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot) {
@@ -136,7 +127,6 @@ HRESULT LinuxDevice::SetProperty(std::uint32_t property, const DIPROPRANGE& rang
 }
 
 HRESULT LinuxDevice::Acquire() {
-  StopHereIfCutOff();
   if (condition == Condition::Lost) {
     std::unique_ptr<DeviceNode> found = itsReturn.Take();
     if (!found) return DIERR_INPUTLOST;
@@ -150,14 +140,12 @@ HRESULT LinuxDevice::Acquire() {
 }
 
 HRESULT LinuxDevice::Unacquire() {
-  StopHereIfCutOff();
   if (!acquired) return DI_NOEFFECT;
   acquired = false;
   return DI_OK;
 }
 
 HRESULT LinuxDevice::Poll() {
-  StopHereIfCutOff();
   if (condition != Condition::Attached) {
     condition = Condition::Lost;
     return DIERR_INPUTLOST;
@@ -184,7 +172,6 @@ HRESULT LinuxDevice::Poll() {
 }
 
 HRESULT LinuxDevice::GetDeviceState(std::uint32_t size, DIJOYSTATE2* out) {
-  StopHereIfCutOff();
   if (size != sizeof(DIJOYSTATE2) || !out) return DIERR_INVALIDPARAM;
   if (condition == Condition::Lost) return DIERR_INPUTLOST;
   if (!acquired) return DIERR_NOTACQUIRED;
@@ -192,9 +179,6 @@ HRESULT LinuxDevice::GetDeviceState(std::uint32_t size, DIJOYSTATE2* out) {
   return DI_OK;
 }
 
-void LinuxDevice::Release() {
-  StopHereIfCutOff();
-  delete this;
-}
+void LinuxDevice::Release() { delete this; }
 
 }  // namespace platform

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/monotonic_time.h"
 #include "app/platform/linux/udev_nodes.h"
 
@@ -51,7 +50,6 @@ class LinuxDirectInput : public DirectInput {
   HRESULT EnumDevices(std::uint32_t deviceClass,
                       const std::function<bool(const DIDEVICEINSTANCE&)>& visit,
                       std::uint32_t flags) override {
-    StopHereIfCutOff();
     if (!visit || (deviceClass != DI8DEVCLASS_GAMECTRL && deviceClass != kAllDevices) ||
         (flags & ~DIEDFL_ATTACHEDONLY) != 0)
       return DIERR_INVALIDPARAM;
@@ -71,7 +69,6 @@ class LinuxDirectInput : public DirectInput {
   }
 
   HRESULT CreateDevice(const GUID& instance, DirectInputDevice** device) override {
-    StopHereIfCutOff();
     if (!device) return DIERR_INVALIDPARAM;
     HRESULT result = DIERR_DEVICENOTREG;
     ForEachDevice(*source, [&](AttachedDevice attached) {
@@ -83,10 +80,7 @@ class LinuxDirectInput : public DirectInput {
     return result;
   }
 
-  void Release() override {
-    StopHereIfCutOff();
-    delete this;
-  }
+  void Release() override { delete this; }
 
  private:
   const std::shared_ptr<DeviceSource> source;
@@ -105,7 +99,6 @@ LinuxDevices::LinuxDevices(std::unique_ptr<DeviceNodes> nodes, std::function<std
 }
 
 HRESULT LinuxDevices::DirectInput8Create(std::uint32_t version, DirectInput** directInput) {
-  StopHereIfCutOff();
   if (!directInput) return DIERR_INVALIDPARAM;
   if (version > DIRECTINPUT_VERSION_8) return DIERR_OLDDIRECTINPUTVERSION;
   if (version < DIRECTINPUT_VERSION_8) return DIERR_BETADIRECTINPUTVERSION;

@@ -16,8 +16,8 @@
 #include <utility>
 #include <vector>
 
+#include "app/platform/cut_off.h"
 #include "app/platform/file_pattern.h"
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/last_error.h"
 
@@ -132,39 +132,37 @@ class LinuxFile final : public File {
   // One call: the system gives less than was asked for only at the end of a file, or in front of
   // what it can't read, which the next call then tells.
   bool ReadFile(void* buffer, std::uint32_t wanted, std::uint32_t* read) override {
-    StopHereIfCutOff();
     *read = 0;
-    const ssize_t n = Retry([&] { return ::read(file.Get(), buffer, wanted); });
+    const int fd = Fd();
+    const ssize_t n = Retry([&] { return ::read(fd, buffer, wanted); });
     if (n < 0) return Fail();
     *read = static_cast<std::uint32_t>(n);
     return true;
   }
 
   bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
-    StopHereIfCutOff();
     std::size_t done = 0;
-    const bool good = WriteAll(file.Get(), static_cast<const char*>(data), size, &done);
+    const bool good = WriteAll(Fd(), static_cast<const char*>(data), size, &done);
     *written = static_cast<std::uint32_t>(done);
     return good;
   }
 
   bool SetFilePointer(std::int64_t distance, std::uint32_t method,
                       std::int64_t* position) override {
-    StopHereIfCutOff();
     if (method > FILE_END) return Fail(EINVAL);
     const int whence[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-    const off64_t moved = lseek64(file.Get(), distance, whence[method]);
+    const off64_t moved = lseek64(Fd(), distance, whence[method]);
     if (moved < 0) return Fail();
     if (position) *position = moved;
     return true;
   }
 
   bool CloseHandle() override {
-    StopHereIfCutOff();
-    if (!file) return Fail(EBADF);
+    const int fd = Fd();
+    if (fd < 0) return Fail(EBADF);
     bool good = true;
     if (isWriting) {
-      good = Retry([&] { return fsync(file.Get()); }) == 0 || Fail();
+      good = Retry([&] { return fsync(fd); }) == 0 || Fail();
       if (good) good = FlushFolder(folder) || Fail();
     }
     if (!file.Close() && good) good = Fail();
@@ -173,6 +171,12 @@ class LinuxFile final : public File {
   }
 
  private:
+  // For each operation: the file is in the thread's hands, no accessor stands before it.
+  int Fd() const {
+    StopHereIfCutOff();
+    return file.Get();
+  }
+
   Descriptor file;
   const Descriptor claim;  // the same file once more, kept to the end; none where all is shared
   Descriptor folder;       // that the file lies in, when it is written
@@ -210,23 +214,19 @@ bool IsLink(int folder, const char* name) {
   return fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
 }
 
-class OneFound final : public FileSearch {
- public:
-  bool FindNextFileA(FindData*) override {
-    StopHereIfCutOff();
-    return Fail(ENOENT);
-  }
-};
-
 class LinuxSearch final : public FileSearch {
  public:
+  // Without a folder it finds nothing more.
   LinuxSearch(DIR* folder, std::string pattern) : folder(folder), pattern(std::move(pattern)) {}
   LinuxSearch(const LinuxSearch&) = delete;
   LinuxSearch& operator=(const LinuxSearch&) = delete;
-  ~LinuxSearch() override { closedir(folder); }
+  ~LinuxSearch() override {
+    if (folder) closedir(folder);
+  }
 
   bool FindNextFileA(FindData* data) override {
     StopHereIfCutOff();
+    if (!folder) return Fail(ENOENT);
     for (;;) {
       errno = 0;
       const struct dirent* const entry = readdir(folder);
@@ -310,7 +310,6 @@ bool Rename(const std::string& from, const std::string& to, bool failIfExists) {
 
 std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint32_t access,
                                               std::uint32_t share, std::uint32_t disposition) {
-  StopHereIfCutOff();
   if (!IsPath(path)) return nullptr;
   const bool makes = disposition == CREATE_ALWAYS;
   const bool isWriting = makes || (access & GENERIC_WRITE);
@@ -354,7 +353,6 @@ std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint
 }
 
 bool LinuxFiles::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
-  StopHereIfCutOff();
   if (!IsPath(from) || !IsPath(to)) return false;
   Descriptor source(Retry([&] { return open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
   struct stat sourceStatus;
@@ -393,7 +391,6 @@ bool LinuxFiles::CopyFileA(const std::string& from, const std::string& to, bool 
 }
 
 bool LinuxFiles::DeleteFileA(const std::string& path) {
-  StopHereIfCutOff();
   if (!IsPath(path)) return false;
   struct stat status;
   Descriptor claim;
@@ -411,7 +408,6 @@ bool LinuxFiles::DeleteFileA(const std::string& path) {
 }
 
 std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {
-  StopHereIfCutOff();
   struct stat status;
   if (!IsPath(path)) return INVALID_FILE_ATTRIBUTES;
   if (stat(path.c_str(), &status) != 0) {
@@ -426,7 +422,6 @@ std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {
 }
 
 bool LinuxFiles::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
-  StopHereIfCutOff();
   if (!IsPath(path)) return false;
   struct stat status;
   if (stat(path.c_str(), &status) != 0) return Fail();
@@ -438,7 +433,6 @@ bool LinuxFiles::SetFileAttributesA(const std::string& path, std::uint32_t attri
 }
 
 bool LinuxFiles::CreateDirectoryA(const std::string& path) {
-  StopHereIfCutOff();
   if (!IsPath(path)) return false;
   if (mkdir(path.c_str(), kNewFolder) != 0) return Fail();
   // A file that is flushed in there must not go with its folder.
@@ -448,7 +442,6 @@ bool LinuxFiles::CreateDirectoryA(const std::string& path) {
 }
 
 std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& pattern, FindData* data) {
-  StopHereIfCutOff();
   if (!IsPath(pattern)) return nullptr;
   const std::string folder = FolderOfPath(pattern);
   const std::size_t last = pattern.rfind('/');
@@ -461,7 +454,7 @@ std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& patter
     const std::string path = folder + "/" + name;
     if (Describe(AT_FDCWD, path, IsLink(AT_FDCWD, path.c_str()), data)) {
       data->name = name;
-      return std::make_unique<OneFound>();
+      return std::make_unique<LinuxSearch>(nullptr, name);
     }
   }
   DIR* const opened = opendir(folder.c_str());
@@ -475,7 +468,6 @@ std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& patter
 }
 
 std::string LinuxFiles::GetCurrentDirectoryA() {
-  StopHereIfCutOff();
   char* const path = getcwd(nullptr, 0);
   if (!path) {
     Fail();
@@ -492,13 +484,11 @@ std::string LinuxFiles::GetCurrentDirectoryA() {
 }
 
 bool LinuxFiles::SetCurrentDirectoryA(const std::string& path) {
-  StopHereIfCutOff();
   if (!IsPath(path)) return false;
   return chdir(path.c_str()) == 0 || Fail();
 }
 
 std::string LinuxFiles::GetModuleFileNameA() {
-  StopHereIfCutOff();
   char text[PATH_MAX];
   const ssize_t length = readlink("/proc/self/exe", text, sizeof text);
   if (length < 0 || length == static_cast<ssize_t>(sizeof text)) {
@@ -513,9 +503,6 @@ std::string LinuxFiles::GetModuleFileNameA() {
   return path;
 }
 
-std::uint32_t LinuxFiles::GetLastError() {
-  StopHereIfCutOff();
-  return static_cast<std::uint32_t>(lastError);
-}
+std::uint32_t LinuxFiles::GetLastError() { return static_cast<std::uint32_t>(lastError); }
 
 }  // namespace platform

@@ -11,7 +11,6 @@
 
 #include "app/platform/byte_text.h"
 #include "app/platform/linux/command_words.h"
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/find_program.h"
 #include "app/platform/linux/last_error.h"
 #include "app/platform/linux/program_file.h"
@@ -60,13 +59,9 @@ bool LinuxProcesses::OfferWindows(WindowSource windows, WindowPost post) {
   return offered != nullptr;
 }
 
-std::uint32_t LinuxProcesses::GetCurrentProcessId() {
-  StopHereIfCutOff();
-  return static_cast<std::uint32_t>(getpid());
-}
+std::uint32_t LinuxProcesses::GetCurrentProcessId() { return static_cast<std::uint32_t>(getpid()); }
 
 bool LinuxProcesses::ListProcesses(std::vector<RunningProcess>* list) {
-  StopHereIfCutOff();
   list->clear();
   DIR* const entries = opendir("/proc");
   if (!entries) return Fail();
@@ -85,7 +80,6 @@ bool LinuxProcesses::ListProcesses(std::vector<RunningProcess>* list) {
 bool LinuxProcesses::CreateProcessA(const std::string& application, const std::string& commandLine,
                                     std::uint32_t, const std::string* wantedFolder,
                                     PROCESS_INFORMATION* information) {
-  StopHereIfCutOff();
   *information = {};
   for (const std::string* text : {&application, &commandLine})
     if (text->find('\0') != std::string::npos) return Fail(EINVAL);
@@ -111,7 +105,6 @@ bool LinuxProcesses::CreateProcessA(const std::string& application, const std::s
 }
 
 bool LinuxProcesses::EnumWindows(std::vector<TopLevelWindow>* list) {
-  StopHereIfCutOff();
   list->clear();
   const auto add = [list](std::uint32_t process, const std::vector<OfferedWindow>& windows) {
     for (const OfferedWindow& window : windows)
@@ -128,7 +121,6 @@ bool LinuxProcesses::EnumWindows(std::vector<TopLevelWindow>* list) {
 }
 
 bool LinuxProcesses::PostToWindow(WindowHandle window, std::uint32_t message) {
-  StopHereIfCutOff();
   const auto process = static_cast<std::uint32_t>(window >> kProcessShift);
   const WindowHandle number = window & kNumberMask;
   if (process == GetCurrentProcessId()) return ownPost && ownPost(number, message);

@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "app/platform/linux/cut_off.h"
+#include "app/platform/cut_off.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/monotonic_time.h"
 #include "app/platform/linux/thread_priority.h"
@@ -105,13 +105,13 @@ std::uint32_t LinuxThreads::State::Wait(const std::shared_ptr<Object>* held, std
   waiters = &self;
   bool inTime = true;
   // A thread that was cut off takes no event away from the living.
-  while (inTime && !(cutOffFlag && cutOffFlag->load(std::memory_order_relaxed))) {
+  while (inTime && !IsCutOff()) {
     if (timeoutMs == WAIT_FOREVER) {
       self.condition.Wait(lock);
     } else {
       inTime = self.condition.WaitUntil(lock, deadline);
     }
-    if (cutOffFlag && cutOffFlag->load(std::memory_order_relaxed)) break;
+    if (IsCutOff()) break;
     result = take();
     if (result != WAIT_TIMEOUT) break;
   }
@@ -123,10 +123,7 @@ LinuxThreads::LinuxThreads() : state(std::make_shared<State>()) {}
 
 LinuxThreads::~LinuxThreads() = default;
 
-std::int32_t LinuxThreads::GetCurrentThreadId() {
-  StopHereIfCutOff();
-  return CachedThreadId();
-}
+std::int32_t LinuxThreads::GetCurrentThreadId() { return CachedThreadId(); }
 
 void* LinuxThreads::RunThread(void* argument) {
   const std::unique_ptr<Start> start(static_cast<Start*>(argument));
@@ -156,7 +153,6 @@ void* LinuxThreads::RunThread(void* argument) {
 
 Handle LinuxThreads::CreateThread(ThreadEntry entry, void* parameter, const char* name,
                                   std::int32_t* threadId) {
-  StopHereIfCutOff();
   if (!entry) return kInvalidHandle;
   auto object = std::make_shared<Object>();
   object->isThread = true;
@@ -176,7 +172,6 @@ Handle LinuxThreads::CreateThread(ThreadEntry entry, void* parameter, const char
 }
 
 bool LinuxThreads::GetExitCodeThread(Handle thread, std::uint32_t* exitCode) {
-  StopHereIfCutOff();
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   const std::shared_ptr<Object> object = state->Find(thread, true);
   if (!object) return false;
@@ -185,7 +180,6 @@ bool LinuxThreads::GetExitCodeThread(Handle thread, std::uint32_t* exitCode) {
 }
 
 bool LinuxThreads::TerminateThread(Handle thread, std::uint32_t exitCode) {
-  StopHereIfCutOff();
   {
     const std::lock_guard<PriorityMutex> lock(state->mutex);
     const std::shared_ptr<Object> object = state->Find(thread, true);
@@ -200,22 +194,16 @@ bool LinuxThreads::TerminateThread(Handle thread, std::uint32_t exitCode) {
 }
 
 bool LinuxThreads::SetCurrentThreadPriority(std::int32_t priority) {
-  StopHereIfCutOff();
   return SetPriorityOfCurrentThread(priority);
 }
 
-std::int32_t LinuxThreads::GetCurrentThreadPriority() {
-  StopHereIfCutOff();
-  return PriorityOfCurrentThread();
-}
+std::int32_t LinuxThreads::GetCurrentThreadPriority() { return PriorityOfCurrentThread(); }
 
 bool LinuxThreads::SetPriorityClass(std::uint32_t priorityClass) {
-  StopHereIfCutOff();
   return SetPriorityClassOfProcess(priorityClass);
 }
 
 Handle LinuxThreads::CreateEventA(bool manualReset, bool initialState) {
-  StopHereIfCutOff();
   auto object = std::make_shared<Object>();
   object->manualReset = manualReset;
   object->signalled = initialState;
@@ -224,7 +212,6 @@ Handle LinuxThreads::CreateEventA(bool manualReset, bool initialState) {
 }
 
 bool LinuxThreads::SetEvent(Handle event) {
-  StopHereIfCutOff();
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   const std::shared_ptr<Object> object = state->Find(event, false);
   if (!object) return false;
@@ -234,7 +221,6 @@ bool LinuxThreads::SetEvent(Handle event) {
 }
 
 bool LinuxThreads::ResetEvent(Handle event) {
-  StopHereIfCutOff();
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   const std::shared_ptr<Object> object = state->Find(event, false);
   if (!object) return false;
@@ -243,7 +229,6 @@ bool LinuxThreads::ResetEvent(Handle event) {
 }
 
 std::uint32_t LinuxThreads::WaitForSingleObject(Handle handle, std::uint32_t timeoutMs) {
-  StopHereIfCutOff();
   std::uint32_t result = WAIT_FAILED;
   {
     std::unique_lock<PriorityMutex> lock(state->mutex);
@@ -257,7 +242,6 @@ std::uint32_t LinuxThreads::WaitForSingleObject(Handle handle, std::uint32_t tim
 
 std::uint32_t LinuxThreads::WaitForMultipleObjects(std::uint32_t count, const Handle* handles,
                                                    std::uint32_t timeoutMs) {
-  StopHereIfCutOff();
   if (count == 0 || count > kMostWaitedFor || !handles) return WAIT_FAILED;
   std::array<std::shared_ptr<Object>, kMostWaitedFor> held;
   std::uint32_t result = WAIT_FAILED;
@@ -275,7 +259,6 @@ std::uint32_t LinuxThreads::WaitForMultipleObjects(std::uint32_t count, const Ha
 }
 
 bool LinuxThreads::CloseHandle(Handle handle) {
-  StopHereIfCutOff();
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   return state->objects.erase(handle) != 0;
 }

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <thread>
 
-#include "app/platform/linux/cut_off.h"
+#include "app/platform/cut_off.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/monotonic_time.h"
 #include "app/platform/linux/thread_priority.h"
@@ -48,7 +48,6 @@ LinuxTimers::~LinuxTimers() {
 }
 
 std::uint32_t LinuxTimers::timeGetDevCaps(TIMECAPS* caps) {
-  StopHereIfCutOff();
   if (!caps) return TIMERR_NOCANDO;
   caps->wPeriodMin = kShortestPeriod;
   caps->wPeriodMax = kLongestPeriod;
@@ -56,7 +55,6 @@ std::uint32_t LinuxTimers::timeGetDevCaps(TIMECAPS* caps) {
 }
 
 std::uint32_t LinuxTimers::timeBeginPeriod(std::uint32_t periodMs) {
-  StopHereIfCutOff();
   return periodMs < kShortestPeriod || periodMs > kLongestPeriod ? TIMERR_NOCANDO : TIMERR_NOERROR;
 }
 
@@ -96,7 +94,6 @@ void* LinuxTimers::RunTimer(void* start) {
 
 std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*resolutionMs*/,
                                         TimerCallback callback, void* user, std::uint32_t flags) {
-  StopHereIfCutOff();
   if (delayMs < kShortestPeriod || delayMs > kLongestPeriod || !callback || flags != TIME_PERIODIC)
     return 0;
   auto timer = std::make_shared<Timer>();
@@ -120,7 +117,6 @@ std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*r
 }
 
 std::uint32_t LinuxTimers::timeKillEvent(std::uint32_t timerId) {
-  StopHereIfCutOff();
   {
     std::unique_lock<PriorityMutex> lock(state->mutex);
     const auto found = state->running.find(timerId);

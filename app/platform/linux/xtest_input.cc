@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/linux/key_map.h"
 
 namespace platform {
@@ -76,7 +75,6 @@ XTestInput::~XTestInput() {
 
 void XTestInput::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                              std::uint32_t /*extra*/) {
-  StopHereIfCutOff();
   const std::uint16_t code = KernelKeyCode(vk, scan);
   if (code == 0) return;
   const bool down = (flags & KEYEVENTF_KEYUP) == 0;
@@ -92,7 +90,6 @@ void XTestInput::keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t f
 
 void XTestInput::mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy,
                              std::int32_t data, std::uint32_t /*extra*/) {
-  StopHereIfCutOff();
   const std::lock_guard<std::mutex> lock(mutex);
   if (!Alive()) return;
   if ((flags & MOUSEEVENTF_MOVE) && (dx != 0 || dy != 0))

@@ -1,6 +1,5 @@
 #include "app/platform/qt/qt_controls.h"
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/qt/drop_list.h"
 #include "app/platform/qt/edits.h"
 #include "app/platform/qt/list_view.h"
@@ -56,7 +55,6 @@ bool QtControls::EndDeferWindowPos(DeferHandle defer) {
 }
 
 bool QtControls::InvalidateControl(WindowHandle window, std::uint32_t id) {
-  StopHereIfCutOff();
   if (!windows.OnOwnThread()) return windows.UpdateLater(window, id, {.redraw = true});
   const Control* const control = Find(window, id);
   if (control) control->Widget()->update();
@@ -106,7 +104,6 @@ bool QtControls::SetDefaultButton(WindowHandle window, std::uint32_t id) {
 }
 
 bool QtControls::PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) {
-  StopHereIfCutOff();
   if (windows.OnOwnThread() && !HasControl(window, id)) return false;
   return windows.Post(window, [id, message](DialogWindow& target) {
     target.SendNotice(id, Notice::ControlMessage, static_cast<std::int32_t>(message));
@@ -116,7 +113,6 @@ bool QtControls::PostControlMessage(WindowHandle window, std::uint32_t id, std::
 // --- Texts and check marks
 
 bool QtControls::SetDlgItemTextA(WindowHandle window, std::uint32_t id, const std::string& text) {
-  StopHereIfCutOff();
   if (!windows.OnOwnThread()) return windows.UpdateLater(window, id, {.text = text});
   windows.DropText(window, id);
   Control* const control = Find(window, id);
@@ -135,7 +131,6 @@ bool QtControls::SetCaret(WindowHandle window, std::uint32_t id, std::uint32_t o
 }
 
 bool QtControls::CheckDlgButton(WindowHandle window, std::uint32_t id, bool checked) {
-  StopHereIfCutOff();
   if (!windows.OnOwnThread()) return windows.UpdateLater(window, id, {.checked = checked});
   windows.DropCheck(window, id);
   Control* const control = Find(window, id);

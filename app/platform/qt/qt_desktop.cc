@@ -11,7 +11,7 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "app/platform/linux/cut_off.h"
+#include "app/platform/cut_off.h"
 #include "app/platform/qt/colours.h"
 #include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/text.h"
@@ -196,7 +196,6 @@ void QtDesktop::TellNow() {
 
 std::int32_t QtDesktop::MessageBoxA(WindowHandle owner, const std::string& text,
                                     const std::string& caption, std::uint32_t type) {
-  StopHereIfCutOff();
   if (windows.OnOwnThread()) return AskHere(owner, text, caption, type);
   const auto waiter = std::make_shared<Waiter>();
   {
@@ -390,7 +389,6 @@ std::uint16_t QtDesktop::GetKeyState(std::uint8_t vk) {
 
 bool QtDesktop::PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
                              std::intptr_t lParam) {
-  StopHereIfCutOff();
   return windows.Post(window,
                       [=](DialogWindow& target) { target.SendMessage(message, wParam, lParam); });
 }

@@ -9,7 +9,6 @@
 #include <iterator>
 #include <vector>
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
@@ -45,31 +44,26 @@ std::string JoinCommandLine(const std::string& program, const std::vector<std::s
 }
 
 std::intptr_t QtShell::ShellExecuteA(const std::string& target) {
-  StopHereIfCutOff();
   const QUrl url(Shown(target), QUrl::StrictMode);
   if (!url.isValid() || url.scheme().isEmpty()) return kFileNotFound;
   return QDesktopServices::openUrl(url) ? kDone : kNoAssociation;
 }
 
 bool QtShell::MessageBeep(std::uint32_t) {
-  StopHereIfCutOff();
   QApplication::beep();
   return true;
 }
 
 LibraryHandle QtShell::LoadLibraryA(const std::string& name) {
-  StopHereIfCutOff();
   return Shown(name).compare(QLatin1String("hhctrl.ocx"), Qt::CaseInsensitive) == 0 ? kHelpLibrary
                                                                                     : 0;
 }
 
 HtmlHelpFunction QtShell::GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) {
-  StopHereIfCutOff();
   return library == kHelpLibrary && ordinal == kHelpOrdinal ? &HelpViewer::HtmlHelp : nullptr;
 }
 
 std::string QtShell::GetCommandLineA(char quoteSub) {
-  StopHereIfCutOff();
   std::ifstream file("/proc/self/cmdline", std::ios::binary);
   const std::string bytes((std::istreambuf_iterator<char>(file)), {});
   std::vector<std::string> words;
@@ -87,7 +81,6 @@ std::string QtShell::GetCommandLineA(char quoteSub) {
 
 bool QtShell::ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                          const std::string& suggested, std::string* path) {
-  StopHereIfCutOff();
   QFileDialog dialog(desktop.SeenOwner(owner), Shown(title));
   dialog.setFileMode(forSaving ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   dialog.setAcceptMode(forSaving ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
@@ -96,7 +89,6 @@ bool QtShell::ChooseFile(WindowHandle owner, const std::string& title, bool forS
 
 bool QtShell::ChooseFolder(WindowHandle owner, const std::string& title,
                            const std::string& suggested, std::string* path) {
-  StopHereIfCutOff();
   QFileDialog dialog(desktop.SeenOwner(owner), Shown(title));
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setOption(QFileDialog::ShowDirsOnly);

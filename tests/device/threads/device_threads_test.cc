@@ -41,7 +41,7 @@ struct ScriptedDevices : test::OnePad {
     ++acquires;
     if (losses != 0 && lostTakes != 0) {
       inAcquire = true;
-      platform::Sleep(lostTakes);
+      platform::clock().Sleep(lostTakes);
       inAcquire = false;
     }
     return platform::DI_OK;
@@ -85,7 +85,7 @@ struct DeviceThreads : testing::Test {
           self->pollThread = std::this_thread::get_id();
           if (state->lX != state->rglFSlider[1]) self->torn = true;
           if (self->inChange) self->overlapped = true;
-          if (self->pollTakes) platform::Sleep(self->pollTakes);
+          if (self->pollTakes) platform::clock().Sleep(self->pollTakes);
         },
         this);
     manager->SetChangeCallback(
@@ -97,7 +97,7 @@ struct DeviceThreads : testing::Test {
           if (state->lX != state->rglFSlider[1]) self->torn = true;
           if (state->lX < self->lastSequence) self->wentBack = true;
           self->lastSequence = state->lX;
-          if (self->changeTakes) platform::Sleep(self->changeTakes);
+          if (self->changeTakes) platform::clock().Sleep(self->changeTakes);
           self->inChange = false;
         },
         this);

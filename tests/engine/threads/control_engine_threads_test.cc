@@ -54,7 +54,7 @@ class CountingAction : public InputAction {
   bool Replay(std::uint8_t, std::uint32_t, std::uint32_t) override {
     ++presses;
     ++held;
-    if (pressMs != 0) platform::Sleep(pressMs);
+    if (pressMs != 0) platform::clock().Sleep(pressMs);
     return true;
   }
   bool Release() override {
@@ -161,10 +161,10 @@ TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
     if (round % 2 == 0) {
       engine.StartMouseDetection(round % 4 == 0 ? MouseRole::X : MouseRole::LeftButton);
     }
-    platform::Sleep(3);
+    platform::clock().Sleep(3);
     engine.EndMouseDetection();
     ASSERT_FALSE(engine.IsDetecting()) << "ended once, whoever ends it";
-    platform::Sleep(3);
+    platform::clock().Sleep(3);
   }
   engine.LetGo();
   EXPECT_EQ(session.host.ended, kRounds / 2);
@@ -179,13 +179,13 @@ TEST_F(RealThreads, LetGoLeavesNothingDownWhereverItCatchesThem) {
     session.profile.leftMask = MouseButtonMask(1);
     session.engine.mouseActive = true;
     ASSERT_TRUE(session.Begin());
-    platform::Sleep(static_cast<std::uint32_t>(40 + 7 * run));
+    platform::clock().Sleep(static_cast<std::uint32_t>(40 + 7 * run));
     session.engine.LetGo();
     for (int n = 0; n < 3; ++n) EXPECT_EQ(session.actions[n]->held, 0) << "Control " << n;
     EXPECT_EQ(input.leftHeld, 0);
     const int presses = session.actions[0]->presses + session.actions[3]->presses;
     const int moves = input.moves;
-    platform::Sleep(20);
+    platform::clock().Sleep(20);
     EXPECT_EQ(session.actions[0]->presses + session.actions[3]->presses, presses);
     EXPECT_EQ(input.moves, moves);
   }

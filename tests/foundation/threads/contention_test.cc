@@ -19,7 +19,6 @@
 namespace kelvaro {
 namespace {
 
-using platform::Sleep;
 using Time = std::chrono::steady_clock;
 
 constexpr int kThreads = 4;
@@ -62,13 +61,13 @@ void Together(const std::function<void(int)>& body) {
   for (int i = 0; i < kThreads; ++i) {
     workers.push_back(std::make_unique<Worker>([&, i](Worker&) {
       ++ready;
-      while (ready.load() < kThreads) Sleep(0);
+      while (ready.load() < kThreads) platform::clock().Sleep(0);
       body(i);
     }));
     ASSERT_TRUE(workers.back()->Start(false, 0));
   }
   for (const std::unique_ptr<Worker>& worker : workers) {
-    while (worker->IsRunning()) Sleep(1);
+    while (worker->IsRunning()) platform::clock().Sleep(1);
   }
 }
 
@@ -109,7 +108,8 @@ TEST(Contention, ALostRaceGivesItsCountBack) {
       if (!lock.TryAcquire()) continue;
       ++count;
       ++own;
-      if (lock.Depth() != 1 || lock.Owner() != platform::GetCurrentThreadId()) ADD_FAILURE();
+      if (lock.Depth() != 1 || lock.Owner() != platform::threads().GetCurrentThreadId())
+        ADD_FAILURE();
       if (lock.Holders() > 1) ++lost;
       if (!lock.Release()) ADD_FAILURE();
     }
@@ -173,7 +173,7 @@ TEST(Contention, OnlyTheOwnerReleases) {
       EXPECT_TRUE(lock.IsTaken());
     }
   });
-  EXPECT_EQ(lock.Owner(), platform::GetCurrentThreadId());
+  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
   EXPECT_EQ(lock.Depth(), 1);
   EXPECT_TRUE(lock.Release());
   ExpectFree(lock);
@@ -184,7 +184,7 @@ TEST(Workers, StartReturnsOnceTheThreadHasBegun) {
     std::atomic<bool> begun{false};
     Worker worker([&](Worker& self) {
       begun = true;
-      platform::WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
+      platform::threads().WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
     });
     ASSERT_TRUE(worker.Start(true, 0));
     EXPECT_TRUE(worker.IsRunning());
@@ -198,7 +198,7 @@ TEST(Workers, StartDoesNotMissARunThatIsOverAtOnce) {
   for (int i = 0; i < 50; ++i) {
     Worker worker([&](Worker&) { ++runs; });
     ASSERT_TRUE(worker.Start(true, 0));
-    while (worker.IsRunning()) Sleep(1);
+    while (worker.IsRunning()) platform::clock().Sleep(1);
   }
   EXPECT_EQ(runs, 50);
 }
@@ -206,7 +206,7 @@ TEST(Workers, StartDoesNotMissARunThatIsOverAtOnce) {
 TEST(Workers, StopEndsARunThatWaitsForTheEvent) {
   bool ended = false;  // plain: the wait for the thread hands it over
   Worker worker([&](Worker& self) {
-    platform::WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
+    platform::threads().WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
     ended = true;
   });
   ASSERT_TRUE(worker.Start(true, 0));
@@ -220,7 +220,7 @@ TEST(Workers, StopEndsARunThatWaitsForTheEvent) {
 TEST(Workers, StopEndsARunThatLooksAtTheRequest) {
   bool ended = false;
   Worker worker([&](Worker& self) {
-    while (!self.StopRequested()) Sleep(1);
+    while (!self.StopRequested()) platform::clock().Sleep(1);
     ended = true;
   });
   ASSERT_TRUE(worker.Start(true, 0));
@@ -229,19 +229,19 @@ TEST(Workers, StopEndsARunThatLooksAtTheRequest) {
 }
 
 TEST(Workers, AnEndIsSignalledToWhoeverWaitsForIt) {
-  const platform::Handle exitEvent = platform::CreateEventA(true, true);
+  const platform::Handle exitEvent = platform::threads().CreateEventA(true, true);
   int result = 0;
   {
     Worker worker([&](Worker&) {
-      Sleep(20);
+      platform::clock().Sleep(20);
       result = 7;
     });
     worker.exitEvent = exitEvent;
     ASSERT_TRUE(worker.Start(false, 0));
-    EXPECT_EQ(platform::WaitForSingleObject(exitEvent, 10000), platform::WAIT_OBJECT_0);
+    EXPECT_EQ(platform::threads().WaitForSingleObject(exitEvent, 10000), platform::WAIT_OBJECT_0);
     EXPECT_EQ(result, 7);
   }
-  platform::CloseHandle(exitEvent);
+  platform::threads().CloseHandle(exitEvent);
 }
 
 TEST(Workers, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
@@ -251,7 +251,7 @@ TEST(Workers, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
     held.Acquire(1);
     for (;;) {
       ++rounds;
-      Sleep(1);
+      platform::clock().Sleep(1);
     }
   });
   worker.stopTimeout = 50;
@@ -261,10 +261,10 @@ TEST(Workers, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
   EXPECT_GE(Time::now() - start, std::chrono::milliseconds(50));
   EXPECT_FALSE(worker.IsRunning());
   // The round that was under way may still be counted, but none after it.
-  Sleep(20);
+  platform::clock().Sleep(20);
   const int before = rounds;
   EXPECT_GT(before, 0);
-  Sleep(50);
+  platform::clock().Sleep(50);
   EXPECT_EQ(rounds, before);
   EXPECT_TRUE(held.IsTaken());
   EXPECT_FALSE(held.TryAcquire());
@@ -283,13 +283,14 @@ TEST(Workers, ARunThatWasCutOffTouchesItsWorkerNoMore) {
   ASSERT_TRUE(worker->Start(true, 0));
   worker.reset();
   go = true;
-  while (!over) Sleep(1);
-  Sleep(50);  // time enough for an address or thread sanitizer to see what it shouldn't do
+  while (!over) platform::clock().Sleep(1);
+  platform::clock().Sleep(
+      50);  // time enough for an address or thread sanitizer to see what it shouldn't do
 }
 
 TEST(Workers, StateIsAskedForFromAllSidesWhileItChanges) {
   Worker worker([](Worker& self) {
-    while (!self.StopRequested()) Sleep(1);
+    while (!self.StopRequested()) platform::clock().Sleep(1);
   });
   std::atomic<bool> done{false};
   std::vector<std::unique_ptr<Worker>> lookers;
@@ -298,16 +299,16 @@ TEST(Workers, StateIsAskedForFromAllSidesWhileItChanges) {
     lookers.push_back(std::make_unique<Worker>([&](Worker&) {
       while (!done) {
         if (worker.IsRunning()) ++seen;
-        Sleep(1);
+        platform::clock().Sleep(1);
       }
     }));
     ASSERT_TRUE(lookers.back()->Start(true, 0));
   }
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(worker.Start(true, 0));
-    Sleep(2);
+    platform::clock().Sleep(2);
     worker.RequestStop();
-    while (worker.IsRunning()) Sleep(1);
+    while (worker.IsRunning()) platform::clock().Sleep(1);
   }
   done = true;
   lookers.clear();

@@ -22,6 +22,7 @@
 #include "app/platform/linux/linux_platform.h"
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/platform/cut_off_thread.h"
 #include "tests/platform/files_by_hand.h"
 
 namespace {
@@ -149,6 +150,26 @@ class LinuxCopyTest : public LinuxFilesTest {
   }
   ~LinuxCopyTest() override { EXPECT_EQ(List(), (Names{"a", "b"})); }
 };
+
+// They are in the thread's hands: no accessor stands before them.
+TEST_F(LinuxFilesTest, AnOpenFileAndASearchStopAThreadThatWasCutOff) {
+  Put("a", "text");
+  static File* const file = OpenToRead(In("a")).release();
+  static FindData data;
+  static FileSearch* const all = files.FindFirstFileA(In("*"), &data).release();
+  static FileSearch* const one = files.FindFirstFileA(In("a"), &data).release();
+  static char buffer[4];
+  static std::uint32_t size = 0;
+  EXPECT_EQ(ComeBackThoughCutOff({
+                {"ReadFile", [] { file->ReadFile(buffer, sizeof buffer, &size); }},
+                {"WriteFile", [] { file->WriteFile(buffer, sizeof buffer, &size); }},
+                {"SetFilePointer", [] { file->SetFilePointer(0, FILE_BEGIN, nullptr); }},
+                {"CloseHandle", [] { file->CloseHandle(); }},
+                {"FindNextFileA", [] { all->FindNextFileA(&data); }},
+                {"FindNextFileA of one", [] { one->FindNextFileA(&data); }},
+            }),
+            Names());
+}
 
 TEST_F(LinuxFilesTest, WritesReadsAndSeeks) {
   const std::unique_ptr<File> file = Create(In("a"));
@@ -703,8 +724,8 @@ TEST_F(LinuxFilesTest, ItIsAGroupOfThePlatform) {
   LinuxPlatform linuxPlatform;
   const InstalledPlatform installed(linuxPlatform.Groups());
   Put("a", "1");
-  EXPECT_EQ(GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_EQ(PathSeparator(), '/');
+  EXPECT_EQ(platform::files().GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
+  EXPECT_EQ(platform::files().PathSeparator(), '/');
 }
 
 }  // namespace

@@ -9,10 +9,10 @@ namespace {
 TEST(LinuxPlatform, CallsGoToTheInstalledOne) {
   LinuxPlatform linuxPlatform;
   const InstalledPlatform installed(linuxPlatform.Groups());
-  const std::uint32_t start = GetTickCount();
-  Sleep(5);
-  EXPECT_GE(GetTickCount() - start, 5u);
-  EXPECT_GT(GetCurrentThreadId(), 0);
+  const std::uint32_t start = clock().GetTickCount();
+  clock().Sleep(5);
+  EXPECT_GE(clock().GetTickCount() - start, 5u);
+  EXPECT_GT(threads().GetCurrentThreadId(), 0);
 }
 
 TEST(LinuxPlatform, LeavesWhatIsSeenToAProgramWithAWindow) {

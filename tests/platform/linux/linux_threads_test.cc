@@ -246,7 +246,7 @@ std::uint32_t CountForEver(void* parameter) {
   }
 }
 
-TEST_F(LinuxThreadsTest, ATerminatedThreadNeverReturnsFromItsNextCall) {
+TEST_F(LinuxThreadsTest, ATerminatedThreadNeverReturnsFromASleep) {
   const Handle thread = shared.Start(CountForEver);
   ASSERT_TRUE(shared.Reaches(3));
   EXPECT_TRUE(threads.TerminateThread(thread, 1000));
@@ -256,6 +256,23 @@ TEST_F(LinuxThreadsTest, ATerminatedThreadNeverReturnsFromItsNextCall) {
   const int afterwards = shared.steps;
   shared.clock.Sleep(30);
   EXPECT_EQ(shared.steps, afterwards);
+}
+
+TEST_F(LinuxThreadsTest, ATerminatedThreadStopsWhereItNextReachesForThePlatform) {
+  const Handle thread = shared.Start([](void* parameter) -> std::uint32_t {
+    auto* mine = static_cast<Shared*>(parameter);
+    ++mine->steps;
+    while (mine->result == 0) {
+    }
+    platform::threads();
+    ++mine->steps;
+    return 0;
+  });
+  ASSERT_TRUE(shared.Reaches(1));
+  EXPECT_TRUE(threads.TerminateThread(thread, 9));
+  shared.result = 1;
+  shared.clock.Sleep(30);
+  EXPECT_EQ(shared.steps, 1);
 }
 
 TEST_F(LinuxThreadsTest, ATerminatedWaiterTakesNoSignalAway) {

@@ -12,7 +12,7 @@ using Lines = std::vector<std::string>;
 class ButtonsTest : public QtTest {};
 
 WINDOW_TEST(ButtonsTest, AClickIsTold) {
-  SetControlFocus(Window(), kSlider);
+  controls().SetControlFocus(Window(), kSlider);
   QTest::mouseClick(Widget(kButton), Qt::LeftButton);
   QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
   QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
@@ -20,51 +20,51 @@ WINDOW_TEST(ButtonsTest, AClickIsTold) {
 }
 
 WINDOW_TEST(ButtonsTest, ADisabledOneIsDead) {
-  EXPECT_TRUE(EnableControl(Window(), kButton, false));
-  EXPECT_FALSE(IsControlEnabled(Window(), kButton));
+  EXPECT_TRUE(controls().EnableControl(Window(), kButton, false));
+  EXPECT_FALSE(controls().IsControlEnabled(Window(), kButton));
   QTest::mouseClick(Widget(kButton), Qt::LeftButton);
   EXPECT_TRUE(recorder.lines.empty());
-  EXPECT_TRUE(EnableControl(Window(), kButton, true));
-  EXPECT_TRUE(IsControlEnabled(Window(), kButton));
+  EXPECT_TRUE(controls().EnableControl(Window(), kButton, true));
+  EXPECT_TRUE(controls().IsControlEnabled(Window(), kButton));
 }
 
 WINDOW_TEST(ButtonsTest, ACheckBoxFlipsByItself) {
   QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
   QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
   EXPECT_EQ(recorder.TakeLines(), (Lines{"108 clicked", "108 clicked"}));
 }
 
 WINDOW_TEST(ButtonsTest, CheckingByTheProgramIsNoNews) {
-  EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_TRUE(controls().CheckDlgButton(Window(), kCheck, true));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
   EXPECT_TRUE(recorder.lines.empty());
-  EXPECT_FALSE(CheckDlgButton(Window(), kButton, true));
-  EXPECT_FALSE(CheckDlgButton(Window(), 999, true));
+  EXPECT_FALSE(controls().CheckDlgButton(Window(), kButton, true));
+  EXPECT_FALSE(controls().CheckDlgButton(Window(), 999, true));
 }
 
 WINDOW_TEST(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
-  SetControlFocus(Window(), kSlider);
-  CheckDlgButton(Window(), kRadioA, true);
-  CheckDlgButton(Window(), kRadioC, true);
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioA)) << "another run";
-  CheckDlgButton(Window(), kRadioB, true);
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioB));
+  controls().SetControlFocus(Window(), kSlider);
+  controls().CheckDlgButton(Window(), kRadioA, true);
+  controls().CheckDlgButton(Window(), kRadioC, true);
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioA)) << "another run";
+  controls().CheckDlgButton(Window(), kRadioB, true);
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioB));
   QTest::mouseClick(Widget(kRadioD), Qt::LeftButton, {}, QPoint(5, 5));
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioC));
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kRadioD));
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioC));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioD));
   EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
 }
 
 WINDOW_TEST(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
-  CheckDlgButton(Window(), kRadioA, true);
-  EXPECT_TRUE(CheckDlgButton(Window(), kRadioA, false));
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA));
-  CheckDlgButton(Window(), kRadioA, true);
-  CheckDlgButton(Window(), kRadioB, true);
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
+  controls().CheckDlgButton(Window(), kRadioA, true);
+  EXPECT_TRUE(controls().CheckDlgButton(Window(), kRadioA, false));
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
+  controls().CheckDlgButton(Window(), kRadioA, true);
+  controls().CheckDlgButton(Window(), kRadioB, true);
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
 }
 
 TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
@@ -81,7 +81,7 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
     EXPECT_FALSE(items.back().pressed || items.back().focused || items.back().disabled ||
                  items.back().focusAction);
 
-    SetControlFocus(Window(), kDrawnButton);
+    controls().SetControlFocus(Window(), kDrawnButton);
     EXPECT_TRUE(items.back().focused);
     EXPECT_TRUE(items.back().focusAction);
     button->repaint();
@@ -92,7 +92,7 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
     EXPECT_TRUE(items.back().pressed);
     QTest::mouseRelease(button, Qt::LeftButton);
 
-    EnableControl(Window(), kDrawnButton, false);
+    controls().EnableControl(Window(), kDrawnButton, false);
     button->repaint();
     EXPECT_TRUE(items.back().disabled);
   });
@@ -100,9 +100,9 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
 
 WINDOW_TEST(ButtonsTest, APictureButtonShowsItsBitmap) {
   const QImage bare = Widget(kPictureButton)->grab().toImage();
-  EXPECT_TRUE(SetPicture(Window(), kPictureButton, LoadBitmapA(145)));
+  EXPECT_TRUE(controls().SetPicture(Window(), kPictureButton, desktop().LoadBitmapA(145)));
   EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);
-  EXPECT_FALSE(SetPicture(Window(), kButton, LoadBitmapA(145)));
+  EXPECT_FALSE(controls().SetPicture(Window(), kButton, desktop().LoadBitmapA(145)));
 }
 
 TEST_F(ButtonsTest, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {
@@ -111,19 +111,19 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {
     if (item.focusAction) focused.push_back(item.focused);
   };
   Run([&] {
-    SetControlFocus(Window(), kDrawnButton);
+    controls().SetControlFocus(Window(), kDrawnButton);
     EXPECT_EQ(focused, (std::vector<bool>{true}));
-    SetControlFocus(Window(), kNameEdit);
+    controls().SetControlFocus(Window(), kNameEdit);
     EXPECT_EQ(focused, (std::vector<bool>{true, false}));
   });
 }
 
 TEST_F(ButtonsTest, AClickThatLeavingAnEditPreventsPressesNoButton) {
   recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::FocusLost) SetControlFocus(Window(), kNameEdit);
+    if (notice == Notice::FocusLost) controls().SetControlFocus(Window(), kNameEdit);
   };
   Run([&] {
-    SetControlFocus(Window(), kNameEdit);
+    controls().SetControlFocus(Window(), kNameEdit);
     const QPoint point = Widget(kButton)->geometry().center();
     QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));

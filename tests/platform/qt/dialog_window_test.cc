@@ -24,33 +24,33 @@ class DialogWindowTest : public QtTest {
 
 TEST_F(DialogWindowTest, IsMadeBeforeItIsShownAndTakesItsResultFromItsEnd) {
   recorder.onInit = [&](WindowHandle window) {
-    EXPECT_FALSE(IsWindowVisible(window));
-    EXPECT_TRUE(HasControl(window, kButton));
+    EXPECT_FALSE(desktop().IsWindowVisible(window));
+    EXPECT_TRUE(controls().HasControl(window, kButton));
     Rect client;
-    EXPECT_TRUE(GetClientRect(window, &client));
+    EXPECT_TRUE(desktop().GetClientRect(window, &client));
     EXPECT_GT(client.Width(), 0);
   };
   const std::int32_t result = Run([&] {
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_TRUE(EndDialog(Window(), 7));
-    EXPECT_TRUE(HasControl(Window(), kButton)) << "it goes when its handler returns";
-    EXPECT_TRUE(EndDialog(Window(), 8));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+    EXPECT_TRUE(desktop().EndDialog(Window(), 7));
+    EXPECT_TRUE(controls().HasControl(Window(), kButton)) << "it goes when its handler returns";
+    EXPECT_TRUE(desktop().EndDialog(Window(), 8));
   });
   EXPECT_EQ(result, IDOK) << "the last one counts";
   EXPECT_TRUE(recorder.destroyed);
-  EXPECT_FALSE(HasControl(recorder.window, kButton));
-  EXPECT_FALSE(EndDialog(recorder.window, 1));
+  EXPECT_FALSE(controls().HasControl(recorder.window, kButton));
+  EXPECT_FALSE(desktop().EndDialog(recorder.window, 1));
 }
 
 TEST_F(DialogWindowTest, OneThatEndsInItsFirstMessageIsNeverSeen) {
-  recorder.onInit = [&](WindowHandle window) { EndDialog(window, 5); };
-  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), 5);
+  recorder.onInit = [&](WindowHandle window) { desktop().EndDialog(window, 5); };
+  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), 5);
   EXPECT_TRUE(recorder.destroyed);
   EXPECT_TRUE(recorder.LinesOf(kButton).empty());
 }
 
 TEST_F(DialogWindowTest, AnOwnerThatIsntThereMakesNone) {
-  EXPECT_EQ(RunDialog(kAllKinds, 99, recorder), -1);
+  EXPECT_EQ(desktop().RunDialog(kAllKinds, 99, recorder), -1);
   EXPECT_EQ(recorder.window, kNoWindow);
 }
 
@@ -59,34 +59,34 @@ TEST_F(DialogWindowTest, TheCloseBoxIsTheListeners) {
   Run([&] {
     Dialog()->close();
     EXPECT_EQ(recorder.TakeLines(), (Lines{"close"}));
-    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
   });
 }
 
 TEST_F(DialogWindowTest, WhatWasPostedWhileItWasMadeComesBeforeItIsSeen) {
   bool seen = true;
-  recorder.onInit = [&](WindowHandle window) { PostMessageA(window, 0x8001, 0, 0); };
-  recorder.onMessage = [&](std::uint32_t) { seen = IsWindowVisible(recorder.window); };
+  recorder.onInit = [&](WindowHandle window) { desktop().PostMessageA(window, 0x8001, 0, 0); };
+  recorder.onMessage = [&](std::uint32_t) { seen = desktop().IsWindowVisible(recorder.window); };
   Run([&] { EXPECT_FALSE(seen); });
 }
 
 TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
   recorder.onInit = [&](WindowHandle window) {
-    PostMessageA(window, 0x8001, 0, 0);
-    SetTimer(window, 1, 50);
+    desktop().PostMessageA(window, 0x8001, 0, 0);
+    desktop().SetTimer(window, 1, 50);
   };
-  recorder.onMessage = [&](std::uint32_t) { ShowWindow(recorder.window, SW_HIDE); };
+  recorder.onMessage = [&](std::uint32_t) { desktop().ShowWindow(recorder.window, SW_HIDE); };
   int looks = 0;
   recorder.onTimer = [&](std::uint32_t) {
-    EXPECT_FALSE(IsWindowVisible(recorder.window));
+    EXPECT_FALSE(desktop().IsWindowVisible(recorder.window));
     if (++looks == 1) {
-      ShowWindow(recorder.window, SW_SHOW);
-      ShowWindow(recorder.window, SW_RESTORE);
-      EXPECT_TRUE(IsWindowVisible(recorder.window));
-      EndDialog(recorder.window, IDOK);
+      desktop().ShowWindow(recorder.window, SW_SHOW);
+      desktop().ShowWindow(recorder.window, SW_RESTORE);
+      EXPECT_TRUE(desktop().IsWindowVisible(recorder.window));
+      desktop().EndDialog(recorder.window, IDOK);
     }
   };
-  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDOK);
+  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDOK);
   EXPECT_EQ(looks, 1);
 }
 
@@ -95,7 +95,7 @@ TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
 WINDOW_TEST(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
   std::vector<std::uint32_t> order;
   for (int i = 0; i < 10; ++i) {
-    order.push_back(GetControlFocus(Window()));
+    order.push_back(controls().GetControlFocus(Window()));
     Key(Qt::Key_Tab);
   }
   // A run of radio buttons is one stop.
@@ -105,57 +105,57 @@ WINDOW_TEST(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTh
 }
 
 WINDOW_TEST(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
-  SetControlFocus(Window(), kNameEdit);
-  EnableControl(Window(), kDigitsEdit, false);
-  ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
+  controls().SetControlFocus(Window(), kNameEdit);
+  controls().EnableControl(Window(), kDigitsEdit, false);
+  controls().ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
   Key(Qt::Key_Tab);
-  EXPECT_EQ(GetControlFocus(Window()), kArea);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kArea);
   Key(Qt::Key_Backtab);
-  EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kNameEdit);
 }
 
 WINDOW_TEST(DialogWindowTest, EnterPressesTheDefaultButton) {
-  SetControlFocus(Window(), kNameEdit);
+  controls().SetControlFocus(Window(), kNameEdit);
   Key(Qt::Key_Return);
   Key(Qt::Key_Enter);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "105 clicked"}));
-  EXPECT_TRUE(SetDefaultButton(Window(), kDrawnButton));
+  EXPECT_TRUE(controls().SetDefaultButton(Window(), kDrawnButton));
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
-  EXPECT_FALSE(SetDefaultButton(Window(), kCheck));
-  EXPECT_FALSE(SetDefaultButton(Window(), 999));
+  EXPECT_FALSE(controls().SetDefaultButton(Window(), kCheck));
+  EXPECT_FALSE(controls().SetDefaultButton(Window(), 999));
 }
 
 WINDOW_TEST(DialogWindowTest, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {
-  SetControlFocus(Window(), kNameEdit);
-  ShowControl(Window(), kButton, SW_HIDE);
+  controls().SetControlFocus(Window(), kNameEdit);
+  controls().ShowControl(Window(), kButton, SW_HIDE);
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
-  EnableControl(Window(), kButton, false);
+  controls().EnableControl(Window(), kButton, false);
   Key(Qt::Key_Return);
   EXPECT_TRUE(recorder.lines.empty());
 }
 
 WINDOW_TEST(DialogWindowTest, EnterPressesTheButtonThatHasTheFocus) {
-  SetControlFocus(Window(), IDCANCEL);
+  controls().SetControlFocus(Window(), IDCANCEL);
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-  SetControlFocus(Window(), kPictureButton);
+  controls().SetControlFocus(Window(), kPictureButton);
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"106 clicked"}));
-  SetControlFocus(Window(), kButton);
+  controls().SetControlFocus(Window(), kButton);
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "once, though it is the default";
-  SetControlFocus(Window(), kCheck);
+  controls().SetControlFocus(Window(), kCheck);
   Key(Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "a check box is no push button";
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
 }
 
 WINDOW_TEST(DialogWindowTest, EscIsCancel) {
   Key(Qt::Key_Escape);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-  EnableControl(Window(), IDCANCEL, false);
+  controls().EnableControl(Window(), IDCANCEL, false);
   Key(Qt::Key_Escape);
   EXPECT_TRUE(recorder.lines.empty());
 }
@@ -168,25 +168,27 @@ TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
 }
 
 TEST_F(DialogWindowTest, ATypedTextTakesThePlaceOfThatOfTheFirstEdit) {
-  recorder.onInit = [](WindowHandle window) { SetDlgItemTextA(window, kNameEdit, "old"); };
+  recorder.onInit = [](WindowHandle window) {
+    controls().SetDlgItemTextA(window, kNameEdit, "old");
+  };
   Run([&] {
-    ASSERT_EQ(GetControlFocus(Window()), kNameEdit);
+    ASSERT_EQ(controls().GetControlFocus(Window()), kNameEdit);
     Key(Qt::Key_Z);
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "z");
+    EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "z");
   });
 }
 
 WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
   QWidget* const focused = Dialog()->focusWidget();
   if (focused) focused->clearFocus();
-  EXPECT_EQ(GetControlFocus(Window()), 0u);
+  EXPECT_EQ(controls().GetControlFocus(Window()), 0u);
   recorder.lines.clear();
   Key(Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"}));
-  TabInsertItem(Window(), kTabs, "One");
+  controls().TabInsertItem(Window(), kTabs, "One");
   for (const std::uint32_t id :
        {kButton, kPictureButton, kDrawnButton, kCheck, kRadioA, kDropList, kTabs, kSlider, kLink}) {
-    ASSERT_TRUE(SetControlFocus(Window(), id));
+    ASSERT_TRUE(controls().SetControlFocus(Window(), id));
     recorder.lines.clear();
     Key(Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(recorder.LinesOf(0), (Lines{"0 key down 17", "0 key down 67"})) << id;
@@ -194,7 +196,7 @@ WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseFo
     EXPECT_EQ(recorder.LinesOf(0).size(), 4u) << id << ", the V too";
   }
   for (const std::uint32_t id : {kNameEdit, kDigitsEdit, kReadOnlyEdit, kArea, kList}) {
-    ASSERT_TRUE(SetControlFocus(Window(), id));
+    ASSERT_TRUE(controls().SetControlFocus(Window(), id));
     recorder.lines.clear();
     for (const Qt::Key key : {Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_F5, Qt::Key_Up})
       Key(key, Qt::ControlModifier);
@@ -205,7 +207,7 @@ WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseFo
 WINDOW_TEST(DialogWindowTest, F1IsTheWindowsWhateverHasTheFocus) {
   for (const std::uint32_t id : {kNameEdit, kReadOnlyEdit, kArea, kButton, kDrawnButton, kCheck,
                                  kRadioA, kDropList, kList, kTabs, kSlider, kLink}) {
-    EXPECT_TRUE(SetControlFocus(Window(), id));
+    EXPECT_TRUE(controls().SetControlFocus(Window(), id));
     recorder.lines.clear();
     Key(Qt::Key_F1);
     EXPECT_EQ(recorder.TakeLines(), (Lines{"0 key down 112"})) << id;
@@ -219,12 +221,14 @@ WINDOW_TEST(DialogWindowTest, AMnemonicPressesItsButton) {
 }
 
 TEST_F(DialogWindowTest, TheFocusCanBeSetBeforeItIsSeen) {
-  recorder.onInit = [](WindowHandle window) { EXPECT_TRUE(SetControlFocus(window, kCheck)); };
+  recorder.onInit = [](WindowHandle window) {
+    EXPECT_TRUE(controls().SetControlFocus(window, kCheck));
+  };
   Run([&] {
-    EXPECT_EQ(GetControlFocus(Window()), kCheck);
-    EXPECT_FALSE(SetControlFocus(Window(), kNameLabel));
-    EXPECT_FALSE(SetControlFocus(Window(), 999));
-    EXPECT_EQ(GetControlFocus(99), 0u);
+    EXPECT_EQ(controls().GetControlFocus(Window()), kCheck);
+    EXPECT_FALSE(controls().SetControlFocus(Window(), kNameLabel));
+    EXPECT_FALSE(controls().SetControlFocus(Window(), 999));
+    EXPECT_EQ(controls().GetControlFocus(99), 0u);
   });
 }
 
@@ -246,7 +250,7 @@ TEST_F(DialogWindowTest, ALongTextIsSeenWhole) {
     recorder.onInit = [&](WindowHandle window) {
       size = Dialog()->size();
       button = Widget(IDOK)->y();
-      SetDlgItemTextA(window, kNameLabel, name);
+      controls().SetDlgItemTextA(window, kNameLabel, name);
     };
     Run(kWordy, [&] {
       const QFontMetrics metrics(Widget(kNameLabel)->font());
@@ -263,61 +267,61 @@ TEST_F(DialogWindowTest, ALongTextIsSeenWhole) {
 }
 
 WINDOW_TEST(DialogWindowTest, ControlsStandWhereTheyAreSet) {
-  EXPECT_TRUE(SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
+  EXPECT_TRUE(controls().SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
   Rect rect;
-  EXPECT_TRUE(GetControlRect(Window(), kButton, &rect));
+  EXPECT_TRUE(controls().GetControlRect(Window(), kButton, &rect));
   EXPECT_EQ(rect, (Rect{10, 20, 17, 23})) << "smaller than it would like";
-  EXPECT_TRUE(SetControlPos(Window(), kButton, {1, 2, 99, 99}, SWP_NOSIZE));
-  GetControlRect(Window(), kButton, &rect);
+  EXPECT_TRUE(controls().SetControlPos(Window(), kButton, {1, 2, 99, 99}, SWP_NOSIZE));
+  controls().GetControlRect(Window(), kButton, &rect);
   EXPECT_EQ(rect, (Rect{1, 2, 8, 5}));
-  EXPECT_FALSE(SetControlPos(Window(), 999, {}, 0));
-  EXPECT_FALSE(GetControlRect(Window(), 999, &rect));
+  EXPECT_FALSE(controls().SetControlPos(Window(), 999, {}, 0));
+  EXPECT_FALSE(controls().GetControlRect(Window(), 999, &rect));
 }
 
 WINDOW_TEST(DialogWindowTest, SeveralMoveAtOnce) {
   Rect before;
-  GetControlRect(Window(), kButton, &before);
-  const DeferHandle defer = BeginDeferWindowPos(2);
+  controls().GetControlRect(Window(), kButton, &before);
+  const DeferHandle defer = controls().BeginDeferWindowPos(2);
   ASSERT_NE(defer, 0u);
-  EXPECT_EQ(DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
-  EXPECT_EQ(DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
+  EXPECT_EQ(controls().DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
+  EXPECT_EQ(controls().DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
   Rect rect;
-  GetControlRect(Window(), kButton, &rect);
+  controls().GetControlRect(Window(), kButton, &rect);
   EXPECT_EQ(rect, before);
-  EXPECT_TRUE(EndDeferWindowPos(defer));
-  GetControlRect(Window(), kButton, &rect);
+  EXPECT_TRUE(controls().EndDeferWindowPos(defer));
+  controls().GetControlRect(Window(), kButton, &rect);
   EXPECT_EQ(rect, (Rect{1, 2, 11, 12}));
-  EXPECT_FALSE(EndDeferWindowPos(defer));
-  EXPECT_EQ(BeginDeferWindowPos(-1), 0u);
+  EXPECT_FALSE(controls().EndDeferWindowPos(defer));
+  EXPECT_EQ(controls().BeginDeferWindowPos(-1), 0u);
 }
 
 WINDOW_TEST(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
-  EXPECT_TRUE(MoveWindow(Window(), {40, 50, 740, 550}));
+  EXPECT_TRUE(desktop().MoveWindow(Window(), {40, 50, 740, 550}));
   Rect rect;
-  EXPECT_TRUE(GetWindowRect(Window(), &rect));
+  EXPECT_TRUE(desktop().GetWindowRect(Window(), &rect));
   EXPECT_EQ(rect, (Rect{40, 50, 740, 550}));
   Rect client;
-  EXPECT_TRUE(GetClientRect(Window(), &client));
+  EXPECT_TRUE(desktop().GetClientRect(Window(), &client));
   EXPECT_EQ(recorder.lines.back(), SizeLine(client));
   const QPoint inside = Dialog()->mapToGlobal(QPoint(0, 0));
   EXPECT_EQ(recorder.place, (Point{inside.x(), inside.y()}));
-  EXPECT_TRUE(InvalidateRect(Window(), client));
-  EXPECT_TRUE(UpdateWindow(Window()));
-  EXPECT_TRUE(SetWindowTextA(Window(), "Title"));
+  EXPECT_TRUE(desktop().InvalidateRect(Window(), client));
+  EXPECT_TRUE(desktop().UpdateWindow(Window()));
+  EXPECT_TRUE(desktop().SetWindowTextA(Window(), "Title"));
   EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Title"));
-  EXPECT_TRUE(SetForegroundWindow(Window()));
+  EXPECT_TRUE(desktop().SetForegroundWindow(Window()));
 }
 
 TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
   recorder.onInit = [&](WindowHandle window) {
-    EXPECT_TRUE(MoveWindow(window, {30, 40, 830, 640}));
+    EXPECT_TRUE(desktop().MoveWindow(window, {30, 40, 830, 640}));
     Rect client;
-    GetClientRect(window, &client);
+    desktop().GetClientRect(window, &client);
     EXPECT_EQ(recorder.lines.back(), SizeLine(client));
   };
   Run([&] {
     Rect rect;
-    GetWindowRect(Window(), &rect);
+    desktop().GetWindowRect(Window(), &rect);
     EXPECT_EQ(rect, (Rect{30, 40, 830, 640})) << "with the frame that it has got meanwhile";
   });
 }
@@ -325,26 +329,26 @@ TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
 TEST_F(DialogWindowTest, TheFrameThatItGetsLeavesItsInsideAsItIs) {
   Rect given;
   recorder.onInit = [&](WindowHandle window) {
-    MoveWindow(window, {30, 40, 830, 640});
-    GetClientRect(window, &given);
+    desktop().MoveWindow(window, {30, 40, 830, 640});
+    desktop().GetClientRect(window, &given);
   };
   Run([&] {
     Settle();
     EXPECT_NE(Dialog()->frameGeometry().size(), Dialog()->size())
         << "there is no frame to speak of";
     Rect now;
-    GetClientRect(Window(), &now);
+    desktop().GetClientRect(Window(), &now);
     EXPECT_EQ(now, given);
   });
 }
 
 WINDOW_TEST(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
   Dialog()->move(17, 23);
-  ShowWindow(Window(), SW_HIDE);
-  ShowWindow(Window(), SW_SHOW);
-  ShowWindow(Window(), SW_RESTORE);
+  desktop().ShowWindow(Window(), SW_HIDE);
+  desktop().ShowWindow(Window(), SW_SHOW);
+  desktop().ShowWindow(Window(), SW_RESTORE);
   EXPECT_EQ(Dialog()->pos(), QPoint(17, 23));
-  ShowWindow(Window(), SW_SHOWNORMAL);
+  desktop().ShowWindow(Window(), SW_SHOWNORMAL);
   EXPECT_EQ(Dialog()->pos(), QPoint(17, 23)) << "seen all the time";
 }
 
@@ -353,9 +357,9 @@ TEST_F(DialogWindowTest, KeepsToItsLimits) {
   recorder.limits.minTrackHeight = 300;
   recorder.limits.maxTrackHeight = 400;
   Run([&] {
-    MoveWindow(Window(), {0, 0, 10, 10});
+    desktop().MoveWindow(Window(), {0, 0, 10, 10});
     EXPECT_EQ(Dialog()->size(), QSize(500, 300));
-    MoveWindow(Window(), {0, 0, 2000, 2000});
+    desktop().MoveWindow(Window(), {0, 0, 2000, 2000});
     EXPECT_EQ(Dialog()->height(), 400);
     EXPECT_GT(Dialog()->width(), 1900);
     Dialog()->resize(20, 20);
@@ -371,19 +375,20 @@ WINDOW_TEST(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
   const QPoint inGroup = Widget(kRadioC)->geometry().center();
   EXPECT_EQ(Dialog()->childAt(inGroup), Widget(kRadioC));
   EXPECT_EQ(Dialog()->childAt(Widget(kSlider)->geometry().center()), Widget(kSlider));
-  SetControlPos(Window(), kButton, RectOf(Dialog()->Find(kTabs)->Widget()->geometry()), SWP_NOSIZE);
+  controls().SetControlPos(Window(), kButton, RectOf(Dialog()->Find(kTabs)->Widget()->geometry()),
+                           SWP_NOSIZE);
   EXPECT_EQ(Dialog()->childAt(Widget(kButton)->geometry().center()), Widget(kButton));
 }
 
 TEST_F(DialogWindowTest, VisibleIsWhatTheProgramSetWhetherTheWindowIsSeenOrNot) {
   recorder.onInit = [](WindowHandle window) {
-    EXPECT_TRUE(IsControlVisible(window, kButton));
-    EXPECT_FALSE(IsControlVisible(window, kHiddenButton));
-    EXPECT_TRUE(ShowControl(window, kHiddenButton, SW_SHOWNOACTIVATE));
-    EXPECT_TRUE(IsControlVisible(window, kHiddenButton));
-    EXPECT_TRUE(ShowControl(window, kButton, SW_HIDE));
-    EXPECT_FALSE(IsControlVisible(window, kButton));
-    EXPECT_FALSE(ShowControl(window, 999, SW_HIDE));
+    EXPECT_TRUE(controls().IsControlVisible(window, kButton));
+    EXPECT_FALSE(controls().IsControlVisible(window, kHiddenButton));
+    EXPECT_TRUE(controls().ShowControl(window, kHiddenButton, SW_SHOWNOACTIVATE));
+    EXPECT_TRUE(controls().IsControlVisible(window, kHiddenButton));
+    EXPECT_TRUE(controls().ShowControl(window, kButton, SW_HIDE));
+    EXPECT_FALSE(controls().IsControlVisible(window, kButton));
+    EXPECT_FALSE(controls().ShowControl(window, 999, SW_HIDE));
   };
   Run([&] {
     EXPECT_TRUE(Widget(kHiddenButton)->isVisible());
@@ -411,35 +416,35 @@ std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr
 }
 
 WINDOW_TEST(DialogWindowTest, IsHiddenAndComesBack) {
-  EXPECT_TRUE(ShowWindow(Window(), SW_HIDE));
-  EXPECT_FALSE(IsWindowVisible(Window()));
-  EXPECT_TRUE(ShowWindow(Window(), SW_SHOW));
-  EXPECT_TRUE(IsWindowVisible(Window()));
-  EXPECT_FALSE(ShowWindow(99, SW_SHOW));
+  EXPECT_TRUE(desktop().ShowWindow(Window(), SW_HIDE));
+  EXPECT_FALSE(desktop().IsWindowVisible(Window()));
+  EXPECT_TRUE(desktop().ShowWindow(Window(), SW_SHOW));
+  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+  EXPECT_FALSE(desktop().ShowWindow(99, SW_SHOW));
 }
 
 TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
   hookCalls = 0;
   Run([&] {
-    const HookHandle hook = SetWindowsHookExA(WH_CBT, &CountingHook);
+    const HookHandle hook = desktop().SetWindowsHookExA(WH_CBT, &CountingHook);
     EXPECT_NE(hook, 0u);
-    EXPECT_EQ(SetWindowsHookExA(WH_CBT + 1, &CountingHook), 0u);
+    EXPECT_EQ(desktop().SetWindowsHookExA(WH_CBT + 1, &CountingHook), 0u);
     Dialog()->showMinimized();  // as the person does
     Settle();
     EXPECT_EQ(hookCalls, 1);
-    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsIconic(Window()));
     EXPECT_EQ(recorder.TakeLines().back(), "size 1 0x0");
-    EXPECT_TRUE(ShowWindow(Window(), SW_RESTORE));
+    EXPECT_TRUE(desktop().ShowWindow(Window(), SW_RESTORE));
     Settle();
-    EXPECT_FALSE(IsIconic(Window()));
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_TRUE(ShowWindow(Window(), SW_MINIMIZE));
+    EXPECT_FALSE(desktop().IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+    EXPECT_TRUE(desktop().ShowWindow(Window(), SW_MINIMIZE));
     Settle();
     EXPECT_EQ(hookCalls, 2);
-    ShowWindow(Window(), SW_SHOWNORMAL);
-    EXPECT_TRUE(UnhookWindowsHookEx(hook));
-    EXPECT_FALSE(UnhookWindowsHookEx(hook));
-    ShowWindow(Window(), SW_MINIMIZE);
+    desktop().ShowWindow(Window(), SW_SHOWNORMAL);
+    EXPECT_TRUE(desktop().UnhookWindowsHookEx(hook));
+    EXPECT_FALSE(desktop().UnhookWindowsHookEx(hook));
+    desktop().ShowWindow(Window(), SW_MINIMIZE);
     Settle();
     EXPECT_EQ(hookCalls, 2);
   });
@@ -448,48 +453,48 @@ TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
 WINDOW_TEST(DialogWindowTest, AMinimisedOneThatWasHiddenComesBackInItsNormalState) {
   Dialog()->showMinimized();
   Settle();
-  ShowWindow(Window(), SW_HIDE);
+  desktop().ShowWindow(Window(), SW_HIDE);
   Settle();
-  EXPECT_FALSE(IsWindowVisible(Window()));
-  EXPECT_TRUE(IsIconic(Window()));
-  ShowWindow(Window(), SW_SHOW);
-  ShowWindow(Window(), SW_RESTORE);
+  EXPECT_FALSE(desktop().IsWindowVisible(Window()));
+  EXPECT_TRUE(desktop().IsIconic(Window()));
+  desktop().ShowWindow(Window(), SW_SHOW);
+  desktop().ShowWindow(Window(), SW_RESTORE);
   Settle();
-  EXPECT_TRUE(IsWindowVisible(Window()));
-  EXPECT_FALSE(IsIconic(Window()));
+  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+  EXPECT_FALSE(desktop().IsIconic(Window()));
   EXPECT_FALSE(Dialog()->isMinimized());
 }
 
 WINDOW_TEST(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {
-  ShowWindow(Window(), SW_MINIMIZE);
-  ShowWindow(Window(), SW_HIDE);
-  ShowWindow(Window(), SW_SHOW);
-  EXPECT_TRUE(IsWindowVisible(Window()));
+  desktop().ShowWindow(Window(), SW_MINIMIZE);
+  desktop().ShowWindow(Window(), SW_HIDE);
+  desktop().ShowWindow(Window(), SW_SHOW);
+  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
   Settle();
-  EXPECT_TRUE(IsIconic(Window()));
+  EXPECT_TRUE(desktop().IsIconic(Window()));
   EXPECT_TRUE(Dialog()->isMinimized());
 }
 
 WINDOW_TEST(DialogWindowTest, AMaximisedOneComesBackMaximised) {
   Dialog()->showMaximized();
   Settle();
-  EXPECT_TRUE(IsZoomed(Window()));
+  EXPECT_TRUE(desktop().IsZoomed(Window()));
   EXPECT_EQ(recorder.TakeLines().back().substr(0, 6), "size 2");
-  ShowWindow(Window(), SW_MINIMIZE);
-  EXPECT_FALSE(IsZoomed(Window()));
-  ShowWindow(Window(), SW_RESTORE);
+  desktop().ShowWindow(Window(), SW_MINIMIZE);
+  EXPECT_FALSE(desktop().IsZoomed(Window()));
+  desktop().ShowWindow(Window(), SW_RESTORE);
   Settle();
-  EXPECT_TRUE(IsZoomed(Window()));
-  ShowWindow(Window(), SW_RESTORE);
+  EXPECT_TRUE(desktop().IsZoomed(Window()));
+  desktop().ShowWindow(Window(), SW_RESTORE);
   Settle();
-  EXPECT_FALSE(IsZoomed(Window()));
+  EXPECT_FALSE(desktop().IsZoomed(Window()));
 }
 
 WINDOW_TEST(DialogWindowTest, HasTheIconThatItIsGiven) {
-  const IconHandle icon = LoadIconA(128);
-  EXPECT_TRUE(SetWindowIcon(Window(), icon, true));
+  const IconHandle icon = desktop().LoadIconA(128);
+  EXPECT_TRUE(desktop().SetWindowIcon(Window(), icon, true));
   EXPECT_FALSE(Dialog()->windowIcon().isNull());
-  EXPECT_FALSE(SetWindowIcon(99, icon, true));
+  EXPECT_FALSE(desktop().SetWindowIcon(99, icon, true));
 }
 
 }  // namespace

@@ -16,8 +16,8 @@ class EditsTest : public QtTest {
 
 WINDOW_TEST(EditsTest, GiveBackWhatWasSet) {
   for (const char* text : {"", "plain", "\xC3\xBC", "\xFC", "two  blanks "}) {
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, text));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), text);
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, text));
+    EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), text);
   }
   EXPECT_TRUE(recorder.LinesOf(kNameEdit).empty()) << "the program's doing is no news";
 }
@@ -40,7 +40,7 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
   Run([&] {
     Dialog()->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(Dialog()));
-    SetControlFocus(Window(), kArea);
+    controls().SetControlFocus(Window(), kArea);
     auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
     const QImage atStart = area->grab().toImage();
     QTest::keyClick(area, Qt::Key_End);
@@ -53,57 +53,57 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
 }
 
 WINDOW_TEST(EditsTest, TellOfEachChangeByThePerson) {
-  SetDlgItemTextA(Window(), kNameEdit, "ab");
+  controls().SetDlgItemTextA(Window(), kNameEdit, "ab");
   QTest::keyClicks(Line(kNameEdit), QStringLiteral("cd"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "abcd");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "abcd");
   EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 changed", "101 changed"}));
 }
 
 WINDOW_TEST(EditsTest, TypedTextIsUtf8) {
   Line(kNameEdit)->insert(QStringLiteral("ü"));
   QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
 }
 
 WINDOW_TEST(EditsTest, TypingAfterBytesThatArentUtf8KeepsThem) {
-  SetDlgItemTextA(Window(), kNameEdit, "\xFC");
+  controls().SetDlgItemTextA(Window(), kNameEdit, "\xFC");
   QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "\xFCx");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "\xFCx");
 }
 
 WINDOW_TEST(EditsTest, AnEditForDigitsTakesThemAlone) {
   QTest::keyClicks(Line(kDigitsEdit), QStringLiteral("1a2-3"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "123");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDigitsEdit), "123");
 }
 
 WINDOW_TEST(EditsTest, AReadOnlyOneCanBeReachedAndNotChanged) {
-  EXPECT_TRUE(SetControlFocus(Window(), kReadOnlyEdit));
+  EXPECT_TRUE(controls().SetControlFocus(Window(), kReadOnlyEdit));
   QTest::keyClicks(Line(kReadOnlyEdit), QStringLiteral("x"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");
-  EXPECT_TRUE(SetDlgItemTextA(Window(), kReadOnlyEdit, "other"));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kReadOnlyEdit), "other");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");
+  EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kReadOnlyEdit, "other"));
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kReadOnlyEdit), "other");
 }
 
 WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
-  SetDlgItemTextA(Window(), kNameEdit,
-                  "a\xC3\xBC"
-                  "bc");
+  controls().SetDlgItemTextA(Window(), kNameEdit,
+                             "a\xC3\xBC"
+                             "bc");
   Line(kNameEdit)->selectAll();
-  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
+  EXPECT_TRUE(controls().SetCaret(Window(), kNameEdit, 3));
   EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 2);
   EXPECT_FALSE(Line(kNameEdit)->hasSelectedText());
-  SetDlgItemTextA(Window(), kNameEdit,
-                  "a\xFC"
-                  "bc");
-  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 3));
+  controls().SetDlgItemTextA(Window(), kNameEdit,
+                             "a\xFC"
+                             "bc");
+  EXPECT_TRUE(controls().SetCaret(Window(), kNameEdit, 3));
   EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 3);
-  EXPECT_TRUE(SetCaret(Window(), kNameEdit, 99));
+  EXPECT_TRUE(controls().SetCaret(Window(), kNameEdit, 99));
   EXPECT_EQ(Line(kNameEdit)->cursorPosition(), 4);
-  EXPECT_FALSE(SetCaret(Window(), kButton, 0));
+  EXPECT_FALSE(controls().SetCaret(Window(), kButton, 0));
 }
 
 WINDOW_TEST(EditsTest, LosingTheFocusToThePersonIsToldInItsTurn) {
-  SetControlFocus(Window(), kNameEdit);
+  controls().SetControlFocus(Window(), kNameEdit);
   QTest::keyClick(Line(kNameEdit), Qt::Key_Tab);
   EXPECT_TRUE(recorder.lines.empty()) << "not in the middle of the change";
   Settle();
@@ -111,9 +111,9 @@ WINDOW_TEST(EditsTest, LosingTheFocusToThePersonIsToldInItsTurn) {
 }
 
 WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
-  SetControlFocus(Window(), kNameEdit);
+  controls().SetControlFocus(Window(), kNameEdit);
   QTest::mouseClick(Widget(kCheck), Qt::LeftButton, {}, QPoint(5, 5));
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
   Widget(kNameEdit)->setFocus(Qt::TabFocusReason);
   recorder.lines.clear();
   Widget(kCheck)->setFocus(Qt::MouseFocusReason);
@@ -124,11 +124,11 @@ WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
 }
 
 WINDOW_TEST(EditsTest, LosingTheFocusToTheProgramIsNoNews) {
-  SetControlFocus(Window(), kNameEdit);
-  SetControlFocus(Window(), kDigitsEdit);
-  EnableControl(Window(), kDigitsEdit, false);
-  SetControlFocus(Window(), kNameEdit);
-  ShowControl(Window(), kNameEdit, SW_HIDE);
+  controls().SetControlFocus(Window(), kNameEdit);
+  controls().SetControlFocus(Window(), kDigitsEdit);
+  controls().EnableControl(Window(), kDigitsEdit, false);
+  controls().SetControlFocus(Window(), kNameEdit);
+  controls().ShowControl(Window(), kNameEdit, SW_HIDE);
   Settle();
   EXPECT_TRUE(recorder.lines.empty());
 }
@@ -136,13 +136,13 @@ WINDOW_TEST(EditsTest, LosingTheFocusToTheProgramIsNoNews) {
 WINDOW_TEST(EditsTest, AnAreaShowsItsLinesAndLeavesTabEnterAndEscToTheDialog) {
   auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
   EXPECT_EQ(area->document()->blockCount(), 2);
-  EXPECT_EQ(GetDlgItemTextA(Window(), kArea), "first\r\nsecond");
-  SetControlFocus(Window(), kArea);
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kArea), "first\r\nsecond");
+  controls().SetControlFocus(Window(), kArea);
   QTest::keyClick(area, Qt::Key_Return);
   QTest::keyClick(area, Qt::Key_Escape);
   EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"105 clicked", "2 clicked"}));
   QTest::keyClick(area, Qt::Key_Tab);
-  EXPECT_EQ(GetControlFocus(Window()), kButton);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kButton);
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ class HelpViewerTest : public QtTest {
     Write("index.htm", "Contents", "<a href=\"First Page.htm\">first</a>");
     Write("First Page.htm", "First", "The first page.");
     Write("Second.htm", "Second", "The second page.");
-    help = GetHelpFunction(LoadLibraryA("hhctrl.ocx"), 14);
+    help = shell().GetHelpFunction(shell().LoadLibraryA("hhctrl.ocx"), 14);
     file = folder.filePath(QStringLiteral("Help/Kelvaro.chm")).toStdString();
   }
 
@@ -115,9 +115,9 @@ TEST_F(HelpViewerTest, StaysOfUseWhileADialogAsks) {
       const QPoint link = browser->viewport()->mapTo(browser->window(), QPoint(12, 12));
       QTest::mouseClick(browser->window()->windowHandle(), Qt::LeftButton, {}, link);
       EXPECT_EQ(browser->toPlainText(), QStringLiteral("The first page."));
-      EndDialog(inner.window, IDOK);
+      desktop().EndDialog(inner.window, IDOK);
     });
-    RunDialog(kOneButton, Window(), inner);
+    desktop().RunDialog(kOneButton, Window(), inner);
   });
 }
 

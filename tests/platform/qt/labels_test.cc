@@ -16,7 +16,7 @@ using Lines = std::vector<std::string>;
 class LabelsTest : public QtTest {};
 
 WINDOW_TEST(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameLabel), "&Name");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameLabel), "&Name");
   EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("Name"));
 }
 
@@ -27,40 +27,40 @@ TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
   constexpr char kText[] = "Tom && Jerry & Co";
   Run([&] {
     for (const std::uint32_t id : {kNameLabel, kLink}) {
-      EXPECT_TRUE(SetDlgItemTextA(Window(), id, kText));
-      EXPECT_EQ(GetDlgItemTextA(Window(), id), kText);
+      EXPECT_TRUE(controls().SetDlgItemTextA(Window(), id, kText));
+      EXPECT_EQ(controls().GetDlgItemTextA(Window(), id), kText);
       EXPECT_EQ(static_cast<QLabel*>(Widget(id))->text(), QString::fromLatin1(kText));
     }
     EXPECT_EQ(Widget(kNameEdit)->accessibleName(), QString::fromLatin1(kText));
-    SetDlgItemTextA(Window(), kNameLabel, "a&b");
+    controls().SetDlgItemTextA(Window(), kNameLabel, "a&b");
     const QImage one = Painted(Widget(kNameLabel));
-    SetDlgItemTextA(Window(), kNameLabel, "a&&b");
+    controls().SetDlgItemTextA(Window(), kNameLabel, "a&&b");
     EXPECT_NE(one, Painted(Widget(kNameLabel)));
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kGroup, kText));
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kGroup, kText));
     EXPECT_EQ(static_cast<QGroupBox*>(Widget(kGroup))->title(),
               QStringLiteral("Tom &&&& Jerry && Co"));
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kCheck, kText));
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kCheck, kText));
     EXPECT_EQ(static_cast<QAbstractButton*>(Widget(kCheck))->text(),
               QStringLiteral("Tom &&&& Jerry && Co"));
-    EXPECT_EQ(GetDlgItemTextA(Window(), kCheck), kText);
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, kText));
+    EXPECT_EQ(controls().GetDlgItemTextA(Window(), kCheck), kText);
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, kText));
     EXPECT_EQ(static_cast<QLineEdit*>(Widget(kNameEdit))->text(), QString::fromLatin1(kText));
   });
 }
 
 WINDOW_TEST(LabelsTest, AMnemonicGoesToTheNextControlThatTakesTheFocus) {
-  SetControlFocus(Window(), kCheck);
+  controls().SetControlFocus(Window(), kCheck);
   QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-  EXPECT_EQ(GetControlFocus(Window()), kNameEdit);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kNameEdit);
   QTest::keyClick(Dialog()->windowHandle(), Qt::Key_G, Qt::AltModifier);
-  EXPECT_EQ(GetControlFocus(Window()), kRadioC);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kRadioC);
 }
 
 WINDOW_TEST(LabelsTest, AHiddenLabelsMnemonicIsDead) {
-  SetControlFocus(Window(), kCheck);
-  ShowControl(Window(), kNameLabel, SW_HIDE);
+  controls().SetControlFocus(Window(), kCheck);
+  controls().ShowControl(Window(), kNameLabel, SW_HIDE);
   QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-  EXPECT_EQ(GetControlFocus(Window()), kCheck);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kCheck);
 }
 
 WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
@@ -72,9 +72,9 @@ WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
 }
 
 WINDOW_TEST(LabelsTest, ALinkIsReachedAndPressedByKeyboard) {
-  SetControlFocus(Window(), kSlider);
+  controls().SetControlFocus(Window(), kSlider);
   QTest::keyClick(Widget(kSlider), Qt::Key_Tab);
-  EXPECT_EQ(GetControlFocus(Window()), kLink);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kLink);
   recorder.lines.clear();
   QTest::keyClick(Widget(kLink), Qt::Key_Space);
   QTest::keyClick(Widget(kLink), Qt::Key_Return);
@@ -94,35 +94,35 @@ WINDOW_TEST(LabelsTest, ALinkIsOneForAScreenReader) {
 }
 
 WINDOW_TEST(LabelsTest, TheLooksThatTheProgramGives) {
-  EXPECT_TRUE(SetControlFont(Window(), kLink, "Arial", 14, 700, true));
+  EXPECT_TRUE(controls().SetControlFont(Window(), kLink, "Arial", 14, 700, true));
   EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
   EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
   EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
   EXPECT_TRUE(Widget(kLink)->font().underline());
-  EXPECT_TRUE(SetControlFont(Window(), kLink, "", 0, 0, false));
+  EXPECT_TRUE(controls().SetControlFont(Window(), kLink, "", 0, 0, false));
   EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
   EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
   EXPECT_EQ(Widget(kLink)->font().weight(), QFont::Bold);
   EXPECT_FALSE(Widget(kLink)->font().underline());
 
-  EXPECT_TRUE(SetTextColour(Window(), kLink, Rgb(0, 0, 255)));
+  EXPECT_TRUE(controls().SetTextColour(Window(), kLink, Rgb(0, 0, 255)));
   EXPECT_EQ(Widget(kLink)->palette().color(QPalette::WindowText), QColor(0, 0, 255));
-  EXPECT_TRUE(SetHandCursor(Window(), kLink));
+  EXPECT_TRUE(controls().SetHandCursor(Window(), kLink));
   EXPECT_EQ(Widget(kLink)->cursor().shape(), Qt::PointingHandCursor);
-  EXPECT_FALSE(SetTextColour(Window(), 999, 0));
-  EXPECT_FALSE(SetHandCursor(Window(), 999));
-  EXPECT_FALSE(SetControlFont(Window(), 999, "", 0, 0, false));
+  EXPECT_FALSE(controls().SetTextColour(Window(), 999, 0));
+  EXPECT_FALSE(controls().SetHandCursor(Window(), 999));
+  EXPECT_FALSE(controls().SetControlFont(Window(), 999, "", 0, 0, false));
 }
 
 TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
   const QPalette before = QApplication::palette();
   QApplication::setPalette(QPalette(QColor(0x2D, 0x2D, 0x30), QColor(0x2D, 0x2D, 0x30)));
   Run([&] {
-    SetTextColour(Window(), kLink, Rgb(0, 0, 255));
+    controls().SetTextColour(Window(), kLink, Rgb(0, 0, 255));
     EXPECT_GT(Widget(kLink)->palette().color(QPalette::WindowText).lightness(), 150);
     // On a background of the program's own the colour stays.
-    SetBackgroundColour(Window(), kArea, Rgb(255, 255, 255));
-    SetTextColour(Window(), kArea, Rgb(0, 0, 64));
+    controls().SetBackgroundColour(Window(), kArea, Rgb(255, 255, 255));
+    controls().SetTextColour(Window(), kArea, Rgb(0, 0, 64));
     EXPECT_EQ(Widget(kArea)->palette().color(QPalette::Text), QColor(0, 0, 64));
     EXPECT_EQ(Widget(kArea)->palette().color(QPalette::Base), QColor(Qt::white));
     // The desktop becomes a light one while the window is open.
@@ -135,20 +135,20 @@ TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
 
 WINDOW_TEST(LabelsTest, APictureShowsItsBitmap) {
   const QImage bare = Widget(kPicture)->grab().toImage();
-  EXPECT_TRUE(SetPicture(Window(), kPicture, LoadBitmapA(148)));
+  EXPECT_TRUE(controls().SetPicture(Window(), kPicture, desktop().LoadBitmapA(148)));
   EXPECT_NE(Widget(kPicture)->grab().toImage(), bare);
-  EXPECT_FALSE(SetPicture(Window(), kLink, LoadBitmapA(148)));
+  EXPECT_FALSE(controls().SetPicture(Window(), kLink, desktop().LoadBitmapA(148)));
 }
 
 WINDOW_TEST(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
-  EXPECT_TRUE(HasControl(Window(), kBox));
-  EXPECT_TRUE(IsControlVisible(Window(), kBox));
+  EXPECT_TRUE(controls().HasControl(Window(), kBox));
+  EXPECT_TRUE(controls().IsControlVisible(Window(), kBox));
   EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
-  EXPECT_TRUE(ShowControl(Window(), kBox, SW_SHOW));
+  EXPECT_TRUE(controls().ShowControl(Window(), kBox, SW_SHOW));
   EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
-  EXPECT_TRUE(SetControlPos(Window(), kBox, {1, 2, 33, 44}, 0));
+  EXPECT_TRUE(controls().SetControlPos(Window(), kBox, {1, 2, 33, 44}, 0));
   Rect rect;
-  EXPECT_TRUE(GetControlRect(Window(), kBox, &rect));
+  EXPECT_TRUE(controls().GetControlRect(Window(), kBox, &rect));
   EXPECT_EQ(rect, (Rect{1, 2, 33, 44}));
 }
 
@@ -179,7 +179,7 @@ WINDOW_TEST(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
 }
 
 WINDOW_TEST(LabelsTest, ANameFollowsTheLabel) {
-  SetDlgItemTextA(Window(), kSliderGroup, "Speed (25)");
+  controls().SetDlgItemTextA(Window(), kSliderGroup, "Speed (25)");
   EXPECT_EQ(static_cast<QGroupBox*>(Widget(kSliderGroup))->title(), QStringLiteral("Speed (25)"));
   EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(kSlider))->text(QAccessible::Name),
             QStringLiteral("Speed (25)"));

@@ -15,19 +15,19 @@ class ListViewTest : public QtTest {
  protected:
   QTreeView* List(std::uint32_t id = kList) const { return static_cast<QTreeView*>(Widget(id)); }
   void AddColumns(std::uint32_t id = kList) {
-    EXPECT_EQ(ListInsertColumn(Window(), id, "Trigger", 100), 0);
-    EXPECT_EQ(ListInsertColumn(Window(), id, "Action", 50), 1);
-    EXPECT_EQ(ListInsertColumn(Window(), id, "Description", 150), 2);
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Trigger", 100), 0);
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Action", 50), 1);
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Description", 150), 2);
   }
   void AddRows(int count, std::uint32_t id = kList) {
     for (int row = 0; row < count; ++row) {
-      EXPECT_EQ(ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
+      EXPECT_EQ(controls().ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
     }
   }
   Numbers Selected(std::uint32_t id = kList) const {
     Numbers rows;
-    for (int row = ListGetNextSelected(Window(), id, -1); row != kNoRow;
-         row = ListGetNextSelected(Window(), id, row)) {
+    for (int row = controls().ListGetNextSelected(Window(), id, -1); row != kNoRow;
+         row = controls().ListGetNextSelected(Window(), id, row)) {
       rows.push_back(row);
     }
     return rows;
@@ -40,44 +40,44 @@ class ListViewTest : public QtTest {
 WINDOW_TEST(ListViewTest, HoldsRowsOfTexts) {
   AddColumns();
   AddRows(2);
-  EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "");
-  EXPECT_TRUE(ListSetItemText(Window(), kList, 1, 2, "jump \xFC"));
-  EXPECT_EQ(ListGetItemText(Window(), kList, 1, 2), "jump \xFC");
+  EXPECT_EQ(controls().ListGetItemText(Window(), kList, 1, 2), "");
+  EXPECT_TRUE(controls().ListSetItemText(Window(), kList, 1, 2, "jump \xFC"));
+  EXPECT_EQ(controls().ListGetItemText(Window(), kList, 1, 2), "jump \xFC");
   EXPECT_EQ(List()->model()->index(1, 2).data().toString(), QStringLiteral("jump ü"));
-  EXPECT_EQ(ListGetItemData(Window(), kList, 1), 1001u);
-  EXPECT_EQ(ListGetItemCount(Window(), kList), 2);
-  EXPECT_TRUE(ListDeleteAllItems(Window(), kList));
-  EXPECT_EQ(ListGetItemCount(Window(), kList), 0);
+  EXPECT_EQ(controls().ListGetItemData(Window(), kList, 1), 1001u);
+  EXPECT_EQ(controls().ListGetItemCount(Window(), kList), 2);
+  EXPECT_TRUE(controls().ListDeleteAllItems(Window(), kList));
+  EXPECT_EQ(controls().ListGetItemCount(Window(), kList), 0);
 }
 
 WINDOW_TEST(ListViewTest, WhatIsBeyondItsEndsIsRefused) {
   AddColumns();
   AddRows(1);
-  EXPECT_FALSE(ListSetItemText(Window(), kList, 1, 0, "x"));
-  EXPECT_FALSE(ListSetItemText(Window(), kList, 0, 3, "x"));
-  EXPECT_EQ(ListGetItemText(Window(), kList, -1, 0), "");
-  EXPECT_EQ(ListGetItemData(Window(), kList, 1), 0u);
-  EXPECT_FALSE(ListSelectItem(Window(), kList, 1, true));
-  EXPECT_FALSE(ListEnsureVisible(Window(), kList, 1));
-  EXPECT_FALSE(ListSetColumnWidth(Window(), kList, 3, 10));
-  EXPECT_EQ(ListGetColumnWidth(Window(), kList, 3), 0);
-  EXPECT_EQ(ListInsertColumn(Window(), kDropList, "x", 1), -1);
-  EXPECT_EQ(ListGetItemCount(Window(), kDropList), -1);
+  EXPECT_FALSE(controls().ListSetItemText(Window(), kList, 1, 0, "x"));
+  EXPECT_FALSE(controls().ListSetItemText(Window(), kList, 0, 3, "x"));
+  EXPECT_EQ(controls().ListGetItemText(Window(), kList, -1, 0), "");
+  EXPECT_EQ(controls().ListGetItemData(Window(), kList, 1), 0u);
+  EXPECT_FALSE(controls().ListSelectItem(Window(), kList, 1, true));
+  EXPECT_FALSE(controls().ListEnsureVisible(Window(), kList, 1));
+  EXPECT_FALSE(controls().ListSetColumnWidth(Window(), kList, 3, 10));
+  EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 3), 0);
+  EXPECT_EQ(controls().ListInsertColumn(Window(), kDropList, "x", 1), -1);
+  EXPECT_EQ(controls().ListGetItemCount(Window(), kDropList), -1);
 }
 
 WINDOW_TEST(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
   AddColumns();
   AddRows(4);
-  EXPECT_TRUE(ListSelectItem(Window(), kList, 1, true));
-  EXPECT_TRUE(ListSelectItem(Window(), kList, 3, true));
+  EXPECT_TRUE(controls().ListSelectItem(Window(), kList, 1, true));
+  EXPECT_TRUE(controls().ListSelectItem(Window(), kList, 3, true));
   EXPECT_EQ(Selected(), (Numbers{1, 3}));
-  EXPECT_TRUE(ListSelectItem(Window(), kList, 1, false));
+  EXPECT_TRUE(controls().ListSelectItem(Window(), kList, 1, false));
   EXPECT_EQ(Selected(), (Numbers{3}));
 
   AddColumns(kSingleList);
   AddRows(4, kSingleList);
-  ListSelectItem(Window(), kSingleList, 1, true);
-  ListSelectItem(Window(), kSingleList, 3, true);
+  controls().ListSelectItem(Window(), kSingleList, 1, true);
+  controls().ListSelectItem(Window(), kSingleList, 3, true);
   EXPECT_EQ(Selected(kSingleList), (Numbers{3}));
   EXPECT_TRUE(recorder.lines.empty() ||
               recorder.lines.front().find("selection") == std::string::npos);
@@ -94,8 +94,8 @@ WINDOW_TEST(ListViewTest, APersonSelectsWholeRows) {
 WINDOW_TEST(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
   AddColumns();
   AddRows(4);
-  ListSelectItem(Window(), kList, 1, true);
-  SetControlFocus(Window(), kList);
+  controls().ListSelectItem(Window(), kList, 1, true);
+  controls().SetControlFocus(Window(), kList);
   QTest::keyClick(List(), Qt::Key_Down);
   EXPECT_EQ(Selected(), (Numbers{2}));
   EXPECT_EQ(recorder.LinesOf(kList).back(), "116 key down 40");
@@ -114,7 +114,7 @@ WINDOW_TEST(ListViewTest, ADoubleClickTellsTheRowBelowThePointer) {
 WINDOW_TEST(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
   AddColumns();
   AddRows(2);
-  SetControlFocus(Window(), kList);
+  controls().SetControlFocus(Window(), kList);
   recorder.lines.clear();
   QTest::keyClick(List(), Qt::Key_Delete);
   QTest::keyClick(List(), Qt::Key_C, Qt::ControlModifier);
@@ -126,10 +126,10 @@ WINDOW_TEST(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
 TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
   std::uint16_t held = 0;
   recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::KeyDown) held = GetKeyState(0x11);
+    if (notice == Notice::KeyDown) held = desktop().GetKeyState(0x11);
   };
   Run([&] {
-    SetControlFocus(Window(), kList);
+    controls().SetControlFocus(Window(), kList);
     QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(held, 0x8000);
     QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C);
@@ -138,7 +138,7 @@ TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
 }
 
 WINDOW_TEST(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
-  SetControlFocus(Window(), kList);
+  controls().SetControlFocus(Window(), kList);
   QTest::keyClick(List(), Qt::Key_Return);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 13", "105 clicked"}));
   QTest::keyClick(List(), Qt::Key_Escape);
@@ -149,34 +149,34 @@ TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterByWhomeverItIsSet) {
   std::vector<std::int32_t> seen;
   recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t column) {
     if (notice == Notice::HeaderItemChanging || notice == Notice::HeaderItemChanged) {
-      seen.push_back(ListGetColumnWidth(Window(), kList, column));
+      seen.push_back(controls().ListGetColumnWidth(Window(), kList, column));
     }
   };
   Run([&] {
     AddColumns();
     seen.clear();
     recorder.lines.clear();
-    EXPECT_TRUE(ListSetColumnWidth(Window(), kList, 1, 70));
+    EXPECT_TRUE(controls().ListSetColumnWidth(Window(), kList, 1, 70));
     EXPECT_EQ(recorder.TakeLines(), (Lines{"116 header changing 1", "116 header changed 1"}));
     EXPECT_EQ(seen, (Numbers{50, 70}));
     List()->header()->resizeSection(1, 90);  // as a drag of its divider does
     EXPECT_EQ(recorder.TakeLines(), (Lines{"116 header changing 1", "116 header changed 1"}));
     EXPECT_EQ(seen, (Numbers{50, 70, 70, 90}));
-    EXPECT_EQ(ListGetColumnWidth(Window(), kList, 1), 90);
+    EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 1), 90);
   });
 }
 
 WINDOW_TEST(ListViewTest, TheOrderOfColumnsIsAPermutation) {
   AddColumns();
   Numbers order;
-  EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+  EXPECT_TRUE(controls().ListGetColumnOrder(Window(), kList, &order));
   EXPECT_EQ(order, (Numbers{0, 1, 2}));
-  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1}));
-  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {0, 1, 1}));
-  EXPECT_FALSE(ListSetColumnOrder(Window(), kList, {1, 2, 3}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(Window(), kList, {0, 1}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(Window(), kList, {0, 1, 1}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(Window(), kList, {1, 2, 3}));
   recorder.lines.clear();
-  EXPECT_TRUE(ListSetColumnOrder(Window(), kList, {2, 0, 1}));
-  EXPECT_TRUE(ListGetColumnOrder(Window(), kList, &order));
+  EXPECT_TRUE(controls().ListSetColumnOrder(Window(), kList, {2, 0, 1}));
+  EXPECT_TRUE(controls().ListGetColumnOrder(Window(), kList, &order));
   EXPECT_EQ(order, (Numbers{2, 0, 1}));
   EXPECT_EQ(List()->header()->logicalIndex(0), 2);
   EXPECT_EQ(List()->header()->logicalIndex(2), 1);
@@ -186,7 +186,7 @@ WINDOW_TEST(ListViewTest, TheOrderOfColumnsIsAPermutation) {
 TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
   Numbers during;
   recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::HeaderDragEnded) ListGetColumnOrder(Window(), kList, &during);
+    if (notice == Notice::HeaderDragEnded) controls().ListGetColumnOrder(Window(), kList, &during);
   };
   Run([&] {
     AddColumns();
@@ -195,7 +195,7 @@ TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
     EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 header drag ended"}));
     EXPECT_EQ(during, (Numbers{0, 1, 2}));
     Numbers after;
-    ListGetColumnOrder(Window(), kList, &after);
+    controls().ListGetColumnOrder(Window(), kList, &after);
     EXPECT_EQ(after, (Numbers{1, 2, 0}));
   });
 }
@@ -209,41 +209,42 @@ WINDOW_TEST(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
   for (int x = 20; x <= 145; x += 5) QTest::mouseMove(area, QPoint(x, y));
   QTest::mouseRelease(area, Qt::LeftButton, {}, QPoint(145, y));
   Numbers order;
-  ListGetColumnOrder(Window(), kList, &order);
+  controls().ListGetColumnOrder(Window(), kList, &order);
   EXPECT_EQ(order, (Numbers{1, 0, 2}));
 }
 
 WINDOW_TEST(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
-  const int width = ListGetClientWidth(Window(), kList);
+  const int width = controls().ListGetClientWidth(Window(), kList);
   EXPECT_LT(width, List()->width());
   EXPECT_EQ(List()->viewport()->width(), width) << "or a column without a heading stands there";
   AddColumns();
   AddRows(100);
   Settle();
-  EXPECT_EQ(ListGetClientWidth(Window(), kList), width) << "whether there is a bar or not";
+  EXPECT_EQ(controls().ListGetClientWidth(Window(), kList), width)
+      << "whether there is a bar or not";
   EXPECT_LE(width, List()->viewport()->width());
 }
 
 WINDOW_TEST(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
   AddColumns();
   AddRows(2);
-  ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
+  controls().ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
   QHeaderView* const header = List()->header();
   const QPoint divider(header->sectionViewportPosition(1) + header->sectionSize(1) - 1,
                        header->height() / 2);
   QTest::mouseMove(header->viewport(), divider);
   QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
   const int text = List()->fontMetrics().horizontalAdvance(
-      QString::fromStdString(ListGetItemText(Window(), kList, 0, 1)));
-  EXPECT_GE(ListGetColumnWidth(Window(), kList, 1), text);
-  EXPECT_LE(ListGetColumnWidth(Window(), kList, 1), text + 20);
-  EXPECT_EQ(ListGetColumnWidth(Window(), kList, 0), 100);
+      QString::fromStdString(controls().ListGetItemText(Window(), kList, 0, 1)));
+  EXPECT_GE(controls().ListGetColumnWidth(Window(), kList, 1), text);
+  EXPECT_LE(controls().ListGetColumnWidth(Window(), kList, 1), text + 20);
+  EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 0), 100);
 }
 
 WINDOW_TEST(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
   AddColumns();
   AddRows(100);
-  EXPECT_TRUE(ListEnsureVisible(Window(), kList, 80));
+  EXPECT_TRUE(controls().ListEnsureVisible(Window(), kList, 80));
   EXPECT_TRUE(List()->viewport()->rect().contains(RowPoint(80)));
 }
 
@@ -254,7 +255,7 @@ TEST_F(ListViewTest, PaintingIsTold) {
   };
   Run([&] {
     painted = 0;
-    InvalidateControl(Window(), kList);
+    controls().InvalidateControl(Window(), kList);
     List()->viewport()->update();
     Settle();
     EXPECT_GE(painted, 1);
@@ -273,8 +274,8 @@ WINDOW_TEST(ListViewTest, LinesStandBetweenTheCells) {
 }
 
 WINDOW_TEST(ListViewTest, AMessageToItselfComesAsANoticeInItsTurn) {
-  EXPECT_TRUE(PostControlMessage(Window(), kList, 0x8001));
-  EXPECT_FALSE(PostControlMessage(Window(), 999, 0x8001));
+  EXPECT_TRUE(controls().PostControlMessage(Window(), kList, 0x8001));
+  EXPECT_FALSE(controls().PostControlMessage(Window(), 999, 0x8001));
   EXPECT_TRUE(recorder.lines.empty());
   Settle();
   EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 message 32769"}));

@@ -10,19 +10,19 @@ namespace {
 class PicturesTest : public QtTest {};
 
 TEST_F(PicturesTest, AnIconThatIsThereGetsAFreshHandleEachTime) {
-  const IconHandle one = LoadIconA(128);
-  const IconHandle other = LoadIconA(128);
+  const IconHandle one = desktop().LoadIconA(128);
+  const IconHandle other = desktop().LoadIconA(128);
   EXPECT_NE(one, 0u);
   EXPECT_NE(other, 0u);
   EXPECT_NE(one, other);
-  EXPECT_TRUE(DestroyIcon(one));
-  EXPECT_FALSE(DestroyIcon(one));
-  EXPECT_TRUE(DestroyIcon(other));
+  EXPECT_TRUE(desktop().DestroyIcon(one));
+  EXPECT_FALSE(desktop().DestroyIcon(one));
+  EXPECT_TRUE(desktop().DestroyIcon(other));
 }
 
 TEST_F(PicturesTest, ANumberWithoutAPictureGivesNone) {
-  EXPECT_EQ(LoadIconA(1), 0u);
-  EXPECT_EQ(LoadBitmapA(1), 0u);
+  EXPECT_EQ(desktop().LoadIconA(1), 0u);
+  EXPECT_EQ(desktop().LoadBitmapA(1), 0u);
 }
 
 TEST_F(PicturesTest, TheIconIsSharpInEachSizeThatDesktopsAskFor) {
@@ -34,7 +34,7 @@ TEST_F(PicturesTest, TheIconIsSharpInEachSizeThatDesktopsAskFor) {
 }
 
 TEST_F(PicturesTest, AnArrowIsDrawnInTheInkThatCanBeSeen) {
-  const BitmapHandle arrow = LoadBitmapA(145);
+  const BitmapHandle arrow = desktop().LoadBitmapA(145);
   ASSERT_NE(arrow, 0u);
   EXPECT_EQ(BitmapSize(arrow), QSize(16, 16));
   QImage image(16, 16, QImage::Format_ARGB32);
@@ -48,7 +48,7 @@ TEST_F(PicturesTest, AnArrowIsDrawnInTheInkThatCanBeSeen) {
 }
 
 TEST_F(PicturesTest, TheBannerKeepsItsColoursAndItsShape) {
-  const BitmapHandle banner = LoadBitmapA(148);
+  const BitmapHandle banner = desktop().LoadBitmapA(148);
   ASSERT_NE(banner, 0u);
   const QSize natural = BitmapSize(banner);
   // Twice as high a place: as wide as fits, in the middle.

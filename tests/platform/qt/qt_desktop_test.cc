@@ -12,7 +12,6 @@
 #include <memory>
 #include <thread>
 
-#include "app/platform/linux/cut_off.h"
 #include "app/platform/qt/stop_requests.h"
 #include "qt_test.h"
 
@@ -50,7 +49,8 @@ class QtDesktopTest : public QtTest {
   }
   // Another thread asks, and waits for the answer.
   std::thread Ask(std::uint32_t type) {
-    return std::thread([this, type] { answer = MessageBoxA(Window(), "Launched?", "", type); });
+    return std::thread(
+        [this, type] { answer = desktop().MessageBoxA(Window(), "Launched?", "", type); });
   }
 
   QObject context;
@@ -67,16 +67,17 @@ WINDOW_TEST(QtDesktopTest, ABoxGivesTheButtonThatWasPressed) {
     EXPECT_EQ(box.icon(), QMessageBox::Question);
     box.button(QMessageBox::Yes)->click();
   });
-  EXPECT_EQ(MessageBoxA(Window(), "Delete <it>?", "Question", MB_YESNO | MB_ICONQUESTION), IDYES);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "Delete <it>?", "Question", MB_YESNO | MB_ICONQUESTION),
+            IDYES);
   WithBox([](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
-  EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
   WithBox([](QMessageBox& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-  EXPECT_EQ(MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "?", "Question", MB_YESNO), IDNO);
   WithBox([](QMessageBox& box) {
     EXPECT_EQ(box.icon(), QMessageBox::Critical);
     QTest::keyClick(&box, Qt::Key_Return);
   });
-  EXPECT_EQ(MessageBoxA(Window(), "!", "Failure", MB_OK | MB_ICONSTOP), IDOK);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "!", "Failure", MB_OK | MB_ICONSTOP), IDOK);
 }
 
 // As desktops of long ago want them.
@@ -104,7 +105,8 @@ TEST_F(QtDesktopTest, ABoxHasNoPicturesOnItsButtonsAndShowsALongNameWhole) {
       EXPECT_LE(text->heightForWidth(text->width()), text->height());
       box.reject();
     });
-    EXPECT_EQ(MessageBoxA(Window(), "Error Deleting Profile " + name, "", MB_YESNO), IDNO);
+    EXPECT_EQ(desktop().MessageBoxA(Window(), "Error Deleting Profile " + name, "", MB_YESNO),
+              IDNO);
   });
   QApplication::setStyle(style);
 }
@@ -117,7 +119,7 @@ WINDOW_TEST(QtDesktopTest, ABoxBeforeAWindowIsADialogWithATitle) {
     EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
     box.accept();
   });
-  EXPECT_EQ(MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
 }
 
 TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
@@ -126,10 +128,10 @@ TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
     if (++ticks == 3) BoxThatIsUp()->reject();
   };
   Run([&] {
-    SetControlFocus(Window(), kCheck);
-    EXPECT_EQ(SetTimer(Window(), 1, 10), 1u);
-    PostMessageA(Window(), 0x8001, 1, 2);
-    EXPECT_EQ(MessageBoxA(Window(), "!", "", MB_OK), IDOK);
+    controls().SetControlFocus(Window(), kCheck);
+    EXPECT_EQ(desktop().SetTimer(Window(), 1, 10), 1u);
+    desktop().PostMessageA(Window(), 0x8001, 1, 2);
+    EXPECT_EQ(desktop().MessageBoxA(Window(), "!", "", MB_OK), IDOK);
     EXPECT_EQ(ticks, 3);
     EXPECT_EQ(recorder.lines, (Lines{"message 32769 1 2"}));
   });
@@ -137,7 +139,7 @@ TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
 
 TEST_F(QtDesktopTest, ABoxWorksWithoutAWindow) {
   WithBox([](QMessageBox& box) { box.accept(); });
-  EXPECT_EQ(MessageBoxA(kNoWindow, "!", "", MB_OK), IDOK);
+  EXPECT_EQ(desktop().MessageBoxA(kNoWindow, "!", "", MB_OK), IDOK);
 }
 
 TEST_F(QtDesktopTest, ABoxOfAnotherThreadBlocksThatThreadAlone) {
@@ -145,7 +147,7 @@ TEST_F(QtDesktopTest, ABoxOfAnotherThreadBlocksThatThreadAlone) {
   recorder.onTimer = [&](std::uint32_t) { ++ticks; };
   std::thread other;
   Run([&] {
-    SetTimer(Window(), 1, 5);
+    desktop().SetTimer(Window(), 1, 5);
     other = Ask(MB_YESNO);
     ASSERT_TRUE(ABoxComesUp());
     EXPECT_EQ(answer, -1);
@@ -170,7 +172,7 @@ TEST_F(QtDesktopTest, ABoxOfAnotherThreadGoesWithItsWindow) {
 WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadIsDismissedBeforeThatThreadIsWaitedFor) {
   std::thread other = Ask(MB_YESNO);
   EXPECT_TRUE(ABoxComesUp());
-  DismissBoxesOfOtherThreads();
+  desktop().DismissBoxesOfOtherThreads();
   other.join();
   EXPECT_EQ(answer, IDNO) << "as if it had been closed";
   EXPECT_EQ(BoxThatIsUp(), nullptr);
@@ -180,7 +182,7 @@ WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
   std::thread other = Ask(MB_OK);
   // Its call is on its way, but the loop doesn't get to show anything.
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  DismissBoxesOfOtherThreads();
+  desktop().DismissBoxesOfOtherThreads();
   other.join();
   Settle();
   EXPECT_EQ(answer, 0);
@@ -188,12 +190,12 @@ WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
 }
 
 WINDOW_TEST(QtDesktopTest, AfterADismissalOnlyOtherThreadsGetNoBox) {
-  DismissBoxesOfOtherThreads();
+  desktop().DismissBoxesOfOtherThreads();
   std::thread other = Ask(MB_OK);
   other.join();
   EXPECT_EQ(answer, 0);
   WithBox([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
-  EXPECT_EQ(MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
+  EXPECT_EQ(desktop().MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
 }
 
 TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
@@ -217,14 +219,14 @@ WINDOW_TEST(QtDesktopTest, ADialogInFrontOfAnotherTakesItsInput) {
     QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
                       owner->Find(kButton)->Widget()->geometry().center());
     EXPECT_TRUE(recorder.LinesOf(kButton).empty());
-    EXPECT_TRUE(PostMessageA(behind, 0x8001, 0, 0));
+    EXPECT_TRUE(desktop().PostMessageA(behind, 0x8001, 0, 0));
     Settle();
     EXPECT_EQ(recorder.lines.back(), "message 32769 0 0");
-    EndDialog(inner.window, 7);
+    desktop().EndDialog(inner.window, 7);
   });
-  EXPECT_EQ(RunDialog(kOneButton, behind, inner), 7);
+  EXPECT_EQ(desktop().RunDialog(kOneButton, behind, inner), 7);
   EXPECT_TRUE(inner.destroyed);
-  EXPECT_TRUE(IsWindowVisible(behind));
+  EXPECT_TRUE(desktop().IsWindowVisible(behind));
   QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
                     owner->Find(kButton)->Widget()->geometry().center());
   EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
@@ -236,10 +238,10 @@ TEST_F(QtDesktopTest, EndingADialogEndsWhatIsInFrontOfIt) {
     Recorder inner;
     const WindowHandle behind = Window();
     QTimer::singleShot(0, &context, [&] {
-      WithBox([&](QMessageBox&) { EndDialog(behind, 9); });
-      MessageBoxA(inner.window, "?", "", MB_OK);
+      WithBox([&](QMessageBox&) { desktop().EndDialog(behind, 9); });
+      desktop().MessageBoxA(inner.window, "?", "", MB_OK);
     });
-    innerResult = RunDialog(kOneButton, behind, inner);
+    innerResult = desktop().RunDialog(kOneButton, behind, inner);
     EXPECT_TRUE(inner.destroyed);
   });
   EXPECT_EQ(innerResult, IDCANCEL);
@@ -250,20 +252,20 @@ TEST_F(QtDesktopTest, AllIsClosedFromTheFrontWhenTheSessionEnds) {
   Lines order;
   recorder.onClose = [&] {
     order.push_back("outer");
-    EndDialog(recorder.window, IDCANCEL);
+    desktop().EndDialog(recorder.window, IDCANCEL);
   };
-  recorder.onInit = [&](WindowHandle window) { PostMessageA(window, 0x8001, 0, 0); };
+  recorder.onInit = [&](WindowHandle window) { desktop().PostMessageA(window, 0x8001, 0, 0); };
   recorder.onMessage = [&](std::uint32_t message) {
     if (message != 0x8001) return;
     Recorder inner;
     inner.onClose = [&] {
       order.push_back("inner");
-      EndDialog(inner.window, IDCANCEL);
+      desktop().EndDialog(inner.window, IDCANCEL);
     };
     QTimer::singleShot(0, &context, [&] { qt.Desktop().CloseAll(); });
-    EXPECT_EQ(RunDialog(kOneButton, recorder.window, inner), IDCANCEL);
+    EXPECT_EQ(desktop().RunDialog(kOneButton, recorder.window, inner), IDCANCEL);
   };
-  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
+  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
   EXPECT_EQ(order, (Lines{"inner", "outer"}));
 }
 
@@ -272,7 +274,7 @@ TEST_F(QtDesktopTest, ASignalEndsTheProgramAsItsCloseBoxDoes) {
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     recorder.onInit = [&](WindowHandle) { raise(signal); };
     recorder.lines.clear();
-    EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
+    EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
     EXPECT_EQ(recorder.lines.back(), "close");
   }
 }
@@ -284,15 +286,15 @@ TEST_F(QtDesktopTest, AStopDuringTheSetUpComesBeforeTheMessagesThatItPosted) {
     SCOPED_TRACE(inFront);
     recorder.lines.clear();
     recorder.onInit = [&](WindowHandle window) {
-      PostMessageA(window, 0x8001, 0, 0);
+      desktop().PostMessageA(window, 0x8001, 0, 0);
       if (inFront) {
         inner.onInit = [](WindowHandle) { raise(SIGTERM); };
-        EXPECT_EQ(RunDialog(kOneButton, window, inner), IDCANCEL);
+        EXPECT_EQ(desktop().RunDialog(kOneButton, window, inner), IDCANCEL);
       } else {
         raise(SIGTERM);
       }
     };
-    EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
+    EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
     EXPECT_EQ(recorder.lines, (Lines{"close"}));
   }
 }
@@ -303,7 +305,7 @@ TEST_F(QtDesktopTest, TheSessionsWishToQuitDoesThatToo) {
     QEvent quit(QEvent::Quit);
     QCoreApplication::sendEvent(qApp, &quit);
   });
-  EXPECT_EQ(RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
+  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDCANCEL);
   EXPECT_EQ(recorder.lines.back(), "close");
 }
 
@@ -311,28 +313,28 @@ TEST_F(QtDesktopTest, TheSessionsWishToQuitDoesThatToo) {
 
 TEST_F(QtDesktopTest, MessagesKeepTheirOrder) {
   Run([&] {
-    for (unsigned i = 0; i < 5; ++i) PostMessageA(Window(), 0x8000 + i, i, -1);
+    for (unsigned i = 0; i < 5; ++i) desktop().PostMessageA(Window(), 0x8000 + i, i, -1);
     EXPECT_TRUE(recorder.lines.empty());
     Settle();
     EXPECT_EQ(recorder.lines,
               (Lines{"message 32768 0 -1", "message 32769 1 -1", "message 32770 2 -1",
                      "message 32771 3 -1", "message 32772 4 -1"}));
   });
-  EXPECT_FALSE(PostMessageA(recorder.window, 0x8000, 0, 0));
+  EXPECT_FALSE(desktop().PostMessageA(recorder.window, 0x8000, 0, 0));
 }
 
 TEST_F(QtDesktopTest, ATimerTicksUntilItIsKilled) {
   std::vector<std::uint32_t> ticks;
   recorder.onTimer = [&](std::uint32_t id) { ticks.push_back(id); };
   Run([&] {
-    EXPECT_EQ(SetTimer(Window(), 3, 5), 3u);
+    EXPECT_EQ(desktop().SetTimer(Window(), 3, 5), 3u);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ticks.size() >= 3; }));
-    EXPECT_TRUE(KillTimer(Window(), 3));
-    EXPECT_FALSE(KillTimer(Window(), 3));
+    EXPECT_TRUE(desktop().KillTimer(Window(), 3));
+    EXPECT_FALSE(desktop().KillTimer(Window(), 3));
     ticks.clear();
     QTest::qWait(30);
     EXPECT_TRUE(ticks.empty());
-    EXPECT_EQ(SetTimer(99, 1, 5), 0u);
+    EXPECT_EQ(desktop().SetTimer(99, 1, 5), 0u);
   });
 }
 
@@ -340,10 +342,10 @@ TEST_F(QtDesktopTest, PeriodsThatPassDuringAHandlerFoldIntoOne) {
   int ticks = 0;
   recorder.onTimer = [&](std::uint32_t) {
     if (++ticks == 1) std::this_thread::sleep_for(std::chrono::milliseconds(60));
-    if (ticks == 2) KillTimer(recorder.window, 1);
+    if (ticks == 2) desktop().KillTimer(recorder.window, 1);
   };
   Run([&] {
-    SetTimer(Window(), 1, 10);
+    desktop().SetTimer(Window(), 1, 10);
     EXPECT_TRUE(QTest::qWaitFor([&] { return ticks == 2; }));
     QTest::qWait(30);
     EXPECT_EQ(ticks, 2);
@@ -353,35 +355,35 @@ TEST_F(QtDesktopTest, PeriodsThatPassDuringAHandlerFoldIntoOne) {
 WINDOW_TEST(QtDesktopTest, TextOfAnotherThreadIsShownWithoutItsWaiting) {
   // The user interface's thread is busy here until the other one has ended.
   std::thread other([&] {
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "first"));
-    EXPECT_TRUE(SetDlgItemTextA(Window(), kNameEdit, "second"));
-    EXPECT_TRUE(CheckDlgButton(Window(), kCheck, true));
-    EXPECT_TRUE(InvalidateControl(Window(), kNameEdit));
-    EXPECT_FALSE(SetDlgItemTextA(Window(), 999, "x"));
-    EXPECT_FALSE(SetDlgItemTextA(99, kNameEdit, "x"));
-    EXPECT_TRUE(PostMessageA(Window(), 0x8001, 0, 0));
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, "first"));
+    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, "second"));
+    EXPECT_TRUE(controls().CheckDlgButton(Window(), kCheck, true));
+    EXPECT_TRUE(controls().InvalidateControl(Window(), kNameEdit));
+    EXPECT_FALSE(controls().SetDlgItemTextA(Window(), 999, "x"));
+    EXPECT_FALSE(controls().SetDlgItemTextA(99, kNameEdit, "x"));
+    EXPECT_TRUE(desktop().PostMessageA(Window(), 0x8001, 0, 0));
   });
   other.join();
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "");
   Settle();
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "second");
-  EXPECT_TRUE(IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "second");
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
   EXPECT_EQ(recorder.lines, (Lines{"message 32769 0 0"}));
 }
 
 WINDOW_TEST(QtDesktopTest, WhatWasSetLastIsWhatIsShown) {
   std::thread other([&] {
-    SetDlgItemTextA(Window(), kNameEdit, "older");
-    CheckDlgButton(Window(), kCheck, true);
-    SetDlgItemTextA(Window(), kDigitsEdit, "1");
+    controls().SetDlgItemTextA(Window(), kNameEdit, "older");
+    controls().CheckDlgButton(Window(), kCheck, true);
+    controls().SetDlgItemTextA(Window(), kDigitsEdit, "1");
   });
   other.join();
-  SetDlgItemTextA(Window(), kNameEdit, "newer");
-  CheckDlgButton(Window(), kCheck, false);
+  controls().SetDlgItemTextA(Window(), kNameEdit, "newer");
+  controls().CheckDlgButton(Window(), kCheck, false);
   Settle();
-  EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "newer");
-  EXPECT_FALSE(IsDlgButtonChecked(Window(), kCheck));
-  EXPECT_EQ(GetDlgItemTextA(Window(), kDigitsEdit), "1");
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "newer");
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDigitsEdit), "1");
 }
 
 TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileIsNoMatterToAnotherThread) {
@@ -389,8 +391,8 @@ TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileIsNoMatterToAnotherThread) {
   std::atomic<WindowHandle> window{kNoWindow};
   std::thread other([&] {
     while (go) {
-      SetDlgItemTextA(window, kNameEdit, "text");
-      PostMessageA(window, 0x8001, 0, 0);
+      controls().SetDlgItemTextA(window, kNameEdit, "text");
+      desktop().PostMessageA(window, 0x8001, 0, 0);
     }
   });
   for (int i = 0; i < 5; ++i) {
@@ -401,48 +403,31 @@ TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileIsNoMatterToAnotherThread) {
   }
   go = false;
   other.join();
-  EXPECT_FALSE(SetDlgItemTextA(window, kNameEdit, "text"));
-}
-
-TEST_F(QtDesktopTest, AThreadThatWasCutOffGetsNoFurther) {
-  // Such a thread sleeps for good, so it is a child that shows it.
-  static std::atomic<bool> cut{true};
-  static std::atomic<bool> came{false};
-  Run([&] {
-    std::thread other([this] {
-      cutOffFlag = &cut;
-      SetDlgItemTextA(Window(), kNameEdit, "x");
-      came = true;
-    });
-    other.detach();
-    QTest::qWait(50);
-    EXPECT_FALSE(came);
-    EXPECT_EQ(GetDlgItemTextA(Window(), kNameEdit), "");
-  });
+  EXPECT_FALSE(controls().SetDlgItemTextA(window, kNameEdit, "text"));
 }
 
 // --- The rest of the desktop
 
 TEST_F(QtDesktopTest, KnowsItsSizesAndColours) {
-  Rect desktop;
-  EXPECT_TRUE(GetDesktopRect(&desktop));
-  EXPECT_EQ(desktop.left, 0);
-  EXPECT_GT(desktop.Width(), 100);
-  EXPECT_EQ(GetSystemMetrics(SM_CXICON), 32);
-  EXPECT_EQ(GetSystemMetrics(SM_CYICON), 32);
-  EXPECT_GT(GetSystemMetrics(SM_CXVSCROLL), 0);
-  EXPECT_EQ(GetSystemMetrics(SM_CYHSCROLL), GetSystemMetrics(SM_CXVSCROLL));
-  EXPECT_EQ(GetSystemMetrics(12345), 0);
-  EXPECT_NE(GetSysColor(COLOR_3DFACE), GetSysColor(COLOR_BTNTEXT));
-  EXPECT_NE(GetSysColor(COLOR_3DHILIGHT), GetSysColor(COLOR_3DDKSHADOW));
+  Rect whole;
+  EXPECT_TRUE(desktop().GetDesktopRect(&whole));
+  EXPECT_EQ(whole.left, 0);
+  EXPECT_GT(whole.Width(), 100);
+  EXPECT_EQ(desktop().GetSystemMetrics(SM_CXICON), 32);
+  EXPECT_EQ(desktop().GetSystemMetrics(SM_CYICON), 32);
+  EXPECT_GT(desktop().GetSystemMetrics(SM_CXVSCROLL), 0);
+  EXPECT_EQ(desktop().GetSystemMetrics(SM_CYHSCROLL), desktop().GetSystemMetrics(SM_CXVSCROLL));
+  EXPECT_EQ(desktop().GetSystemMetrics(12345), 0);
+  EXPECT_NE(desktop().GetSysColor(COLOR_3DFACE), desktop().GetSysColor(COLOR_BTNTEXT));
+  EXPECT_NE(desktop().GetSysColor(COLOR_3DHILIGHT), desktop().GetSysColor(COLOR_3DDKSHADOW));
   Point point;
-  EXPECT_TRUE(GetCursorPos(&point));
+  EXPECT_TRUE(desktop().GetCursorPos(&point));
 }
 
 TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
   constexpr MenuItem items[] = {{"Exit", 32772}, {"", 0}, {"Show Kelvaro", 32771}};
   Run([&] {
-    SetControlFocus(Window(), kCheck);
+    controls().SetControlFocus(Window(), kCheck);
     QTimer::singleShot(0, &context, [] {
       auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
       ASSERT_NE(menu, nullptr);
@@ -451,15 +436,15 @@ TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
       QTest::keyClick(menu, Qt::Key_Up);
       QTest::keyClick(menu, Qt::Key_Return);
     });
-    EXPECT_TRUE(TrackPopupMenu(Window(), items, TPM_RIGHTBUTTON, {10, 10}));
+    EXPECT_TRUE(desktop().TrackPopupMenu(Window(), items, TPM_RIGHTBUTTON, {10, 10}));
     Settle();
     EXPECT_EQ(recorder.lines, (Lines{"32771 clicked"}));
 
     QTimer::singleShot(0, &context, [] { QApplication::activePopupWidget()->close(); });
-    EXPECT_TRUE(TrackPopupMenu(Window(), items, TPM_RIGHTBUTTON, {10, 10}));
+    EXPECT_TRUE(desktop().TrackPopupMenu(Window(), items, TPM_RIGHTBUTTON, {10, 10}));
     Settle();
     EXPECT_EQ(recorder.lines.size(), 1u);
-    EXPECT_FALSE(TrackPopupMenu(99, items, 0, {}));
+    EXPECT_FALSE(desktop().TrackPopupMenu(99, items, 0, {}));
   });
 }
 
@@ -468,34 +453,34 @@ TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
 WINDOW_TEST(QtDesktopTest, WithoutAnAreaAnIconCountsAsAdded) {
   NOTIFYICONDATA data;
   data.hWnd = Window();
-  EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, data));
-  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data)) << "it is there";
-  EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, data));
-  EXPECT_FALSE(Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(NIM_ADD, data)) << "it is there";
+  EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(NIM_DELETE, data));
   data.hWnd = 99;
-  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data));
-  EXPECT_FALSE(Shell_NotifyIconA(77, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(77, data));
 }
 
 TEST_F(QtDesktopTest, WithoutAnAreaAWindowWithAnIconIsMinimisedInsteadOfHidden) {
   hookCalls = 0;
   Run([&] {
-    const HookHandle hook = SetWindowsHookExA(WH_CBT, &CountingHook);
+    const HookHandle hook = desktop().SetWindowsHookExA(WH_CBT, &CountingHook);
     NOTIFYICONDATA data;
     data.hWnd = Window();
-    Shell_NotifyIconA(NIM_ADD, data);
-    ShowWindow(Window(), SW_HIDE);
+    desktop().Shell_NotifyIconA(NIM_ADD, data);
+    desktop().ShowWindow(Window(), SW_HIDE);
     Settle();
-    EXPECT_TRUE(IsIconic(Window()));
-    EXPECT_TRUE(IsWindowVisible(Window()));
+    EXPECT_TRUE(desktop().IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
     EXPECT_EQ(hookCalls, 0) << "nobody minimised it";
-    ShowWindow(Window(), SW_RESTORE);
+    desktop().ShowWindow(Window(), SW_RESTORE);
     Settle();
-    EXPECT_FALSE(IsIconic(Window()));
-    Shell_NotifyIconA(NIM_DELETE, data);
-    ShowWindow(Window(), SW_HIDE);
-    EXPECT_FALSE(IsWindowVisible(Window()));
-    UnhookWindowsHookEx(hook);
+    EXPECT_FALSE(desktop().IsIconic(Window()));
+    desktop().Shell_NotifyIconA(NIM_DELETE, data);
+    desktop().ShowWindow(Window(), SW_HIDE);
+    EXPECT_FALSE(desktop().IsWindowVisible(Window()));
+    desktop().UnhookWindowsHookEx(hook);
   });
 }
 

@@ -39,31 +39,32 @@ TEST(CommandLine, APathWithBlanksIsInQuotes) {
 class ShellTest : public QtTest {};
 
 TEST_F(ShellTest, TheCommandLineBeginsWithTheProgramsPath) {
-  const std::string line = GetCommandLineA('|');
+  const std::string line = shell().GetCommandLineA('|');
   EXPECT_EQ(line.front(), '/');
   EXPECT_NE(line.find("test_qt"), std::string::npos);
 }
 
 TEST_F(ShellTest, WhatIsNoAddressCantBeOpened) {
-  EXPECT_LE(ShellExecuteA(""), 32);
-  EXPECT_LE(ShellExecuteA("kelvaro"), 32);
-  EXPECT_LE(ShellExecuteA("http://[broken"), 32);
+  EXPECT_LE(shell().ShellExecuteA(""), 32);
+  EXPECT_LE(shell().ShellExecuteA("kelvaro"), 32);
+  EXPECT_LE(shell().ShellExecuteA("http://[broken"), 32);
 }
 
 TEST_F(ShellTest, AnAddressThatNoProgramTakesGivesAFailure) {
-  EXPECT_LE(ShellExecuteA("no-such-scheme-of-kelvaro:x"), 32);  // no session to open it here
+  EXPECT_LE(shell().ShellExecuteA("no-such-scheme-of-kelvaro:x"),
+            32);  // no session to open it here
 }
 
 TEST_F(ShellTest, TheHelpLibraryGoesByItsPublishedNameAlone) {
-  EXPECT_EQ(LoadLibraryA("other.dll"), 0u);
-  const LibraryHandle library = LoadLibraryA("HHCTRL.ocx");
+  EXPECT_EQ(shell().LoadLibraryA("other.dll"), 0u);
+  const LibraryHandle library = shell().LoadLibraryA("HHCTRL.ocx");
   ASSERT_NE(library, 0u);
-  EXPECT_EQ(GetHelpFunction(library, 13), nullptr);
-  EXPECT_NE(GetHelpFunction(library, 14), nullptr);
-  EXPECT_EQ(GetHelpFunction(0, 14), nullptr);
+  EXPECT_EQ(shell().GetHelpFunction(library, 13), nullptr);
+  EXPECT_NE(shell().GetHelpFunction(library, 14), nullptr);
+  EXPECT_EQ(shell().GetHelpFunction(0, 14), nullptr);
 }
 
-TEST_F(ShellTest, ABeepSucceeds) { EXPECT_TRUE(MessageBeep(0)); }
+TEST_F(ShellTest, ABeepSucceeds) { EXPECT_TRUE(shell().MessageBeep(0)); }
 
 // Does something with the dialog for files as soon as it is up.
 void AtFileDialog(std::function<void(QFileDialog&)> act) {
@@ -91,7 +92,7 @@ TEST_F(ShellTest, AFileToReadIsOneThatIsThere) {
       EXPECT_EQ(dialog.directory(), QDir(folder.path()));
       QMetaObject::invokeMethod(&dialog, "accept");
     });
-    EXPECT_TRUE(ChooseFile(Window(), "Target", false, file, &path));
+    EXPECT_TRUE(shell().ChooseFile(Window(), "Target", false, file, &path));
     EXPECT_EQ(path, file);
   });
 }
@@ -105,7 +106,7 @@ TEST_F(ShellTest, AFileToSaveToIsSuggestedByItsName) {
       EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
       QMetaObject::invokeMethod(&dialog, "accept");
     });
-    EXPECT_TRUE(ChooseFile(Window(), "Save", true, file, &path));
+    EXPECT_TRUE(shell().ChooseFile(Window(), "Save", true, file, &path));
     EXPECT_EQ(path, file);
   });
 }
@@ -118,7 +119,7 @@ TEST_F(ShellTest, AFolderIsChosen) {
       EXPECT_EQ(dialog.fileMode(), QFileDialog::Directory);
       QMetaObject::invokeMethod(&dialog, "accept");
     });
-    EXPECT_TRUE(ChooseFolder(Window(), "Folder", folder.path().toStdString(), &path));
+    EXPECT_TRUE(shell().ChooseFolder(Window(), "Folder", folder.path().toStdString(), &path));
     EXPECT_EQ(path, folder.path().toStdString());
   });
 }
@@ -126,14 +127,14 @@ TEST_F(ShellTest, AFolderIsChosen) {
 WINDOW_TEST(ShellTest, WhereNoneIsChosenThePathStays) {
   std::string path = "before";
   AtFileDialog([](QFileDialog& dialog) { dialog.reject(); });
-  EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+  EXPECT_FALSE(shell().ChooseFile(Window(), "Target", false, "", &path));
   EXPECT_EQ(path, "before");
 }
 
 WINDOW_TEST(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
   std::string path = "before";
   AtFileDialog([&](QFileDialog&) { qt.Desktop().CloseAll(); });
-  EXPECT_FALSE(ChooseFile(Window(), "Target", false, "", &path));
+  EXPECT_FALSE(shell().ChooseFile(Window(), "Target", false, "", &path));
   EXPECT_EQ(path, "before");
 }
 

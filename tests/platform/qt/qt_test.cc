@@ -106,7 +106,7 @@ void Recorder::OnClose() {
   if (onClose) {
     onClose();
   } else {
-    EndDialog(window, IDCANCEL);
+    desktop().EndDialog(window, IDCANCEL);
   }
 }
 
@@ -159,9 +159,9 @@ std::int32_t QtTest::Run(const DialogTemplate& dialog, std::function<void()> scr
                           : QTest::qWaitForWindowExposed(shown));
     recorder.lines.clear();
     script();
-    EndDialog(window, IDOK);
+    desktop().EndDialog(window, IDOK);
   });
-  return RunDialog(dialog, owner, recorder);
+  return desktop().RunDialog(dialog, owner, recorder);
 }
 
 DialogWindow* QtTest::Dialog() const {

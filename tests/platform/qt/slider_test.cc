@@ -8,20 +8,20 @@ namespace {
 class SliderTest : public QtTest {};
 
 WINDOW_TEST(SliderTest, APositionBeyondAnEndBecomesTheEnd) {
-  EXPECT_TRUE(SliderSetRange(Window(), kSlider, 0, 50));
-  EXPECT_TRUE(SliderSetTicFreq(Window(), kSlider, 5));
-  EXPECT_TRUE(SliderSetPos(Window(), kSlider, 25));
-  EXPECT_EQ(SliderGetPos(Window(), kSlider), 25);
-  SliderSetPos(Window(), kSlider, 51);
-  EXPECT_EQ(SliderGetPos(Window(), kSlider), 50);
-  SliderSetPos(Window(), kSlider, -1);
-  EXPECT_EQ(SliderGetPos(Window(), kSlider), 0);
+  EXPECT_TRUE(controls().SliderSetRange(Window(), kSlider, 0, 50));
+  EXPECT_TRUE(controls().SliderSetTicFreq(Window(), kSlider, 5));
+  EXPECT_TRUE(controls().SliderSetPos(Window(), kSlider, 25));
+  EXPECT_EQ(controls().SliderGetPos(Window(), kSlider), 25);
+  controls().SliderSetPos(Window(), kSlider, 51);
+  EXPECT_EQ(controls().SliderGetPos(Window(), kSlider), 50);
+  controls().SliderSetPos(Window(), kSlider, -1);
+  EXPECT_EQ(controls().SliderGetPos(Window(), kSlider), 0);
   EXPECT_TRUE(recorder.lines.empty());
 }
 
 WINDOW_TEST(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
-  SliderSetRange(Window(), kSlider, 0, 50);
-  SliderSetPos(Window(), kSlider, 25);
+  controls().SliderSetRange(Window(), kSlider, 0, 50);
+  controls().SliderSetPos(Window(), kSlider, 25);
   QTest::keyClick(Widget(kSlider), Qt::Key_Right);
   QTest::keyClick(Widget(kSlider), Qt::Key_Left);
   QTest::keyClick(Widget(kSlider), Qt::Key_PageUp);
@@ -30,10 +30,10 @@ WINDOW_TEST(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
 }
 
 WINDOW_TEST(SliderTest, AnotherKindIsNoSlider) {
-  EXPECT_FALSE(SliderSetRange(Window(), kButton, 0, 1));
-  EXPECT_FALSE(SliderSetTicFreq(Window(), kButton, 1));
-  EXPECT_FALSE(SliderSetPos(Window(), kButton, 1));
-  EXPECT_EQ(SliderGetPos(Window(), kButton), 0);
+  EXPECT_FALSE(controls().SliderSetRange(Window(), kButton, 0, 1));
+  EXPECT_FALSE(controls().SliderSetTicFreq(Window(), kButton, 1));
+  EXPECT_FALSE(controls().SliderSetPos(Window(), kButton, 1));
+  EXPECT_EQ(controls().SliderGetPos(Window(), kButton), 0);
 }
 
 }  // namespace

@@ -10,14 +10,14 @@ namespace {
 class TabControlTest : public QtTest {
  protected:
   void AddTabs() {
-    EXPECT_EQ(TabInsertItem(Window(), kTabs, "One"), 0);
-    EXPECT_EQ(TabInsertItem(Window(), kTabs, "Two"), 1);
+    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "One"), 0);
+    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "Two"), 1);
   }
   // On its title, with the focus elsewhere before.
   void ClickTheSecondTab(std::uint32_t focus) {
-    SetControlFocus(Window(), focus);
+    controls().SetControlFocus(Window(), focus);
     Rect rect;
-    ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &rect));
+    ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &rect));
     const QPoint point = Widget(kTabs)->mapTo(Dialog(), QPoint(rect.left + 4, rect.top + 4));
     QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
   }
@@ -26,37 +26,37 @@ class TabControlTest : public QtTest {
 
 WINDOW_TEST(TabControlTest, ShowsTheFirstTabUntilAnotherIsSet) {
   AddTabs();
-  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0);
-  EXPECT_TRUE(TabSetCurSel(Window(), kTabs, 1));
-  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
-  EXPECT_FALSE(TabSetCurSel(Window(), kTabs, 2));
+  EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), 0);
+  EXPECT_TRUE(controls().TabSetCurSel(Window(), kTabs, 1));
+  EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), 1);
+  EXPECT_FALSE(controls().TabSetCurSel(Window(), kTabs, 2));
   EXPECT_TRUE(recorder.lines.empty());
 }
 
 WINDOW_TEST(TabControlTest, AClickOfThePersonIsNews) {
   AddTabs();
   ClickTheSecondTab(kCheck);
-  EXPECT_EQ(TabGetCurSel(Window(), kTabs), 1);
+  EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), 1);
   EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
 }
 
 WINDOW_TEST(TabControlTest, ArrowKeysChooseTabs) {
   AddTabs();
-  SetControlFocus(Window(), kTabs);
-  EXPECT_EQ(GetControlFocus(Window()), kTabs);
+  controls().SetControlFocus(Window(), kTabs);
+  EXPECT_EQ(controls().GetControlFocus(Window()), kTabs);
   QTest::keyClick(Widget(kTabs), Qt::Key_Right);
   EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"117 selection changed 1"}));
 }
 
 WINDOW_TEST(TabControlTest, KeysOfTheWindowChooseTabsFromAnywhere) {
   AddTabs();
-  EXPECT_EQ(TabInsertItem(Window(), kTabs, "Three"), 2);
+  EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "Three"), 2);
   for (const std::uint32_t id : {kNameEdit, kArea, kDropList, kList, kSlider, kTabs}) {
     const auto press = [&](Qt::Key key, Qt::KeyboardModifiers held) {
-      SetControlFocus(Window(), id);
+      controls().SetControlFocus(Window(), id);
       QTest::keyClick(Dialog()->windowHandle(), key, held);
-      EXPECT_EQ(GetControlFocus(Window()), kTabs) << id;
-      return TabGetCurSel(Window(), kTabs);
+      EXPECT_EQ(controls().GetControlFocus(Window()), kTabs) << id;
+      return controls().TabGetCurSel(Window(), kTabs);
     };
     EXPECT_EQ(press(Qt::Key_Tab, Qt::ControlModifier), 1) << id;
     EXPECT_EQ(press(Qt::Key_PageDown, Qt::ControlModifier), 2) << id;
@@ -84,16 +84,16 @@ TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
       EXPECT_EQ(Shown(), 0) << "already";
       if (box) {
         QTimer::singleShot(0, [] { QApplication::activeModalWidget()->close(); });
-        MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
+        desktop().MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
       } else {
-        SetControlFocus(Window(), kNameEdit);
+        controls().SetControlFocus(Window(), kNameEdit);
       }
     };
     Run([&] {
       AddTabs();
       ClickTheSecondTab(kNameEdit);
       EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"})) << box;
-      EXPECT_EQ(TabGetCurSel(Window(), kTabs), 0) << box;
+      EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), 0) << box;
       EXPECT_EQ(Shown(), 0) << box;
       recorder.onNotice = nullptr;
     });
@@ -104,26 +104,26 @@ WINDOW_TEST(TabControlTest, TabsStandBesideOneAnother) {
   AddTabs();
   Rect first;
   Rect second;
-  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 0, &first));
-  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+  ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 0, &first));
+  ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &second));
   EXPECT_GT(first.Height(), 8);
   EXPECT_EQ(first.top, second.top);
   EXPECT_EQ(first.right, second.left);
-  EXPECT_FALSE(TabGetItemRect(Window(), kTabs, 2, &second));
-  EXPECT_FALSE(TabGetItemRect(Window(), kButton, 0, &second));
-  EXPECT_EQ(TabGetCurSel(Window(), kButton), -1);
-  EXPECT_EQ(TabInsertItem(Window(), kButton, "x"), -1);
+  EXPECT_FALSE(controls().TabGetItemRect(Window(), kTabs, 2, &second));
+  EXPECT_FALSE(controls().TabGetItemRect(Window(), kButton, 0, &second));
+  EXPECT_EQ(controls().TabGetCurSel(Window(), kButton), -1);
+  EXPECT_EQ(controls().TabInsertItem(Window(), kButton, "x"), -1);
 }
 
 TEST_F(TabControlTest, ATabHasItsRectangleBeforeTheWindowIsSeen) {
   Rect first;
   recorder.onInit = [&](WindowHandle window) {
-    TabInsertItem(window, kTabs, "One");
-    EXPECT_TRUE(TabGetItemRect(window, kTabs, 0, &first));
+    controls().TabInsertItem(window, kTabs, "One");
+    EXPECT_TRUE(controls().TabGetItemRect(window, kTabs, 0, &first));
   };
   Run([&] {
     Rect shown;
-    TabGetItemRect(Window(), kTabs, 0, &shown);
+    controls().TabGetItemRect(Window(), kTabs, 0, &shown);
     EXPECT_EQ(first.Height(), shown.Height());
   });
 }

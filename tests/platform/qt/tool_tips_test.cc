@@ -48,30 +48,30 @@ TEST_F(ToolTipsTest, AToolShowsTheTextThatTheProgramGives) {
   recorder.tip = [](std::uint32_t id) { return "tip of " + std::to_string(id); };
   Run([&] {
     EXPECT_EQ(Hover(kButton), QString()) << "it isn't a tool yet";
-    EXPECT_TRUE(CreateToolTip(Window()));
-    EXPECT_TRUE(AddTool(Window(), kButton));
+    EXPECT_TRUE(controls().CreateToolTip(Window()));
+    EXPECT_TRUE(controls().AddTool(Window(), kButton));
     EXPECT_TRUE(Hover(kButton).contains(QStringLiteral("tip of 105")));
     EXPECT_EQ(Hover(kCheck), QString());
-    EXPECT_TRUE(EnableToolTips(Window()));
+    EXPECT_TRUE(controls().EnableToolTips(Window()));
     EXPECT_TRUE(Hover(kCheck).contains(QStringLiteral("tip of 108")));
     EXPECT_TRUE(Hover(kSlider).contains(QStringLiteral("tip of 119")));
   });
 }
 
 WINDOW_TEST(ToolTipsTest, AnEmptyTextIsNoTip) {
-  EnableToolTips(Window());
+  controls().EnableToolTips(Window());
   EXPECT_EQ(Hover(kButton), QString());
 }
 
 TEST_F(ToolTipsTest, ACellThatIsCutShowsItsWholeText) {
   recorder.tip = [](std::uint32_t) { return std::string("told"); };
   Run([&] {
-    EnableToolTips(Window());
-    ListInsertColumn(Window(), kList, "Trigger", 100);
-    ListInsertColumn(Window(), kList, "Action", 50);
-    ListInsertItem(Window(), kList, 0);
-    ListSetItemText(Window(), kList, 0, 0, "B1");
-    ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc");
+    controls().EnableToolTips(Window());
+    controls().ListInsertColumn(Window(), kList, "Trigger", 100);
+    controls().ListInsertColumn(Window(), kList, "Action", 50);
+    controls().ListInsertItem(Window(), kList, 0);
+    controls().ListSetItemText(Window(), kList, 0, 0, "B1");
+    controls().ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc");
     auto* const list = static_cast<QTreeView*>(Widget(kList));
     const auto place = [&](int column) {
       return list->viewport()->mapToParent(
@@ -79,7 +79,7 @@ TEST_F(ToolTipsTest, ACellThatIsCutShowsItsWholeText) {
     };
     EXPECT_TRUE(Hover(kList, place(1)).contains(QStringLiteral("&lt;Ctrl&gt;&lt;Shift&gt;abc")));
     EXPECT_TRUE(Hover(kList, place(0)).contains(QStringLiteral("told")));
-    ListSetColumnWidth(Window(), kList, 1, 200);
+    controls().ListSetColumnWidth(Window(), kList, 1, 200);
     EXPECT_TRUE(Hover(kList, place(1)).contains(QStringLiteral("told")));
   });
 }
@@ -87,23 +87,23 @@ TEST_F(ToolTipsTest, ACellThatIsCutShowsItsWholeText) {
 TEST_F(ToolTipsTest, AnInactiveOneShowsNothing) {
   recorder.tip = [](std::uint32_t) { return std::string("tip"); };
   Run([&] {
-    EnableToolTips(Window());
-    EXPECT_TRUE(ActivateToolTip(Window(), false));
+    controls().EnableToolTips(Window());
+    EXPECT_TRUE(controls().ActivateToolTip(Window(), false));
     EXPECT_EQ(Hover(kButton), QString());
-    EXPECT_TRUE(ActivateToolTip(Window(), true));
+    EXPECT_TRUE(controls().ActivateToolTip(Window(), true));
     EXPECT_NE(Hover(kButton), QString());
   });
 }
 
 WINDOW_TEST(ToolTipsTest, EachTabHasATextOfItsOwn) {
-  TabInsertItem(Window(), kTabs, "One");
-  TabInsertItem(Window(), kTabs, "Two");
-  EXPECT_TRUE(AddTabTool(Window(), kTabs, 0, "the first"));
-  EXPECT_TRUE(AddTabTool(Window(), kTabs, 1, "the second"));
-  EXPECT_FALSE(AddTabTool(Window(), kTabs, 2, "none"));
-  EXPECT_FALSE(AddTabTool(Window(), kButton, 0, "no tabs"));
+  controls().TabInsertItem(Window(), kTabs, "One");
+  controls().TabInsertItem(Window(), kTabs, "Two");
+  EXPECT_TRUE(controls().AddTabTool(Window(), kTabs, 0, "the first"));
+  EXPECT_TRUE(controls().AddTabTool(Window(), kTabs, 1, "the second"));
+  EXPECT_FALSE(controls().AddTabTool(Window(), kTabs, 2, "none"));
+  EXPECT_FALSE(controls().AddTabTool(Window(), kButton, 0, "no tabs"));
   Rect second;
-  ASSERT_TRUE(TabGetItemRect(Window(), kTabs, 1, &second));
+  ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &second));
   EXPECT_TRUE(Hover(kTabs, {3, 3}).contains(QStringLiteral("the first")));
   EXPECT_TRUE(Hover(kTabs, {second.left + 3, 3}).contains(QStringLiteral("the second")));
   EXPECT_EQ(Hover(kTabs), QString()) << "the page";
@@ -112,20 +112,20 @@ WINDOW_TEST(ToolTipsTest, EachTabHasATextOfItsOwn) {
 TEST_F(ToolTipsTest, AngleBracketsAreShownAsTheyStand) {
   recorder.tip = [](std::uint32_t) { return std::string("brackets \"<>\""); };
   Run([&] {
-    EnableToolTips(Window());
-    EXPECT_TRUE(SetToolTipWidth(Window(), 300));
-    EXPECT_TRUE(SetToolTipTime(Window(), 10000));
+    controls().EnableToolTips(Window());
+    EXPECT_TRUE(controls().SetToolTipWidth(Window(), 300));
+    EXPECT_TRUE(controls().SetToolTipTime(Window(), 10000));
     EXPECT_TRUE(Hover(kButton).contains(QStringLiteral("&lt;&gt;")));
   });
 }
 
 TEST_F(ToolTipsTest, AWindowThatIsntThereHasNone) {
-  EXPECT_FALSE(CreateToolTip(99));
-  EXPECT_FALSE(SetToolTipWidth(99, 1));
-  EXPECT_FALSE(SetToolTipTime(99, 1));
-  EXPECT_FALSE(ActivateToolTip(99, true));
-  EXPECT_FALSE(AddTool(99, kButton));
-  EXPECT_FALSE(EnableToolTips(99));
+  EXPECT_FALSE(controls().CreateToolTip(99));
+  EXPECT_FALSE(controls().SetToolTipWidth(99, 1));
+  EXPECT_FALSE(controls().SetToolTipTime(99, 1));
+  EXPECT_FALSE(controls().ActivateToolTip(99, true));
+  EXPECT_FALSE(controls().AddTool(99, kButton));
+  EXPECT_FALSE(controls().EnableToolTips(99));
 }
 
 }  // namespace

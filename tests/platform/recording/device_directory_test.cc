@@ -48,7 +48,7 @@ StateChange At(std::uint64_t t, StateChange change) {
 class OpenPad : public ::testing::Test {
  protected:
   OpenPad() : pad(sim.AddDevice(Described("Pad", kFirst))) {
-    EXPECT_EQ(DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
+    EXPECT_EQ(devices().DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
     EXPECT_EQ(directory->CreateDevice(kFirst, &device), DI_OK);
   }
   ~OpenPad() override {
@@ -73,7 +73,7 @@ class OpenPad : public ::testing::Test {
 
 std::vector<std::string> AttachedNames() {
   DirectInput* directory = nullptr;
-  EXPECT_EQ(DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
+  EXPECT_EQ(devices().DirectInput8Create(DIRECTINPUT_VERSION_8, &directory), DI_OK);
   std::vector<std::string> names;
   EXPECT_EQ(directory->EnumDevices(
                 DI8DEVCLASS_GAMECTRL,
@@ -121,9 +121,9 @@ TEST(DeviceDirectory, CutsALongName) {
 TEST(DeviceDirectory, IsMadeForItsVersionOnly) {
   Simulation sim;
   DirectInput* directory = nullptr;
-  EXPECT_EQ(DirectInput8Create(0x0900, &directory), DIERR_OLDDIRECTINPUTVERSION);
-  EXPECT_EQ(DirectInput8Create(0x0700, &directory), DIERR_BETADIRECTINPUTVERSION);
-  EXPECT_EQ(DirectInput8Create(DIRECTINPUT_VERSION_8, nullptr), DIERR_INVALIDPARAM);
+  EXPECT_EQ(devices().DirectInput8Create(0x0900, &directory), DIERR_OLDDIRECTINPUTVERSION);
+  EXPECT_EQ(devices().DirectInput8Create(0x0700, &directory), DIERR_BETADIRECTINPUTVERSION);
+  EXPECT_EQ(devices().DirectInput8Create(DIRECTINPUT_VERSION_8, nullptr), DIERR_INVALIDPARAM);
   EXPECT_EQ(directory, nullptr);
 }
 
@@ -268,7 +268,7 @@ TEST_F(OpenPad, AChangeIsInForceForAPollAtItsMillisecond) {
   std::map<std::uint32_t, std::string> seen;
   bodies.Tick(5, [&] {
     const DIJOYSTATE2 state = Polled();
-    seen[GetTickCount()] = state.rgbButtons[0] ? "1" : state.rgbButtons[1] ? "2" : "none";
+    seen[clock().GetTickCount()] = state.rgbButtons[0] ? "1" : state.rgbButtons[1] ? "2" : "none";
   });
   sim.RunFor(25);
   const std::map<std::uint32_t, std::string> expected{
@@ -315,7 +315,7 @@ TEST_F(OpenPad, APollAtTheMillisecondOfTheReturnIsAnswered) {
   pad.ChangeAt(10, Lost(true));
   pad.ChangeAt(25, Lost(false));
   std::map<std::uint32_t, HRESULT> results;
-  bodies.Tick(5, [&] { results[GetTickCount()] = device->Poll(); });
+  bodies.Tick(5, [&] { results[clock().GetTickCount()] = device->Poll(); });
   sim.RunFor(30);
   const std::map<std::uint32_t, HRESULT> expected{
       {5, DI_OK}, {10, DIERR_INPUTLOST}, {15, DIERR_INPUTLOST}, {20, DIERR_INPUTLOST}, {25, DI_OK},

@@ -15,18 +15,18 @@ TEST_F(SchedulerTest, TimeMovesOnlyWhenEveryoneWaits) {
   EXPECT_EQ(sim.Now(), 0u);
   sim.RunFor(120);
   EXPECT_EQ(sim.Now(), 120u);
-  Sleep(5);
+  clock().Sleep(5);
   EXPECT_EQ(sim.Now(), 125u);
-  EXPECT_EQ(GetTickCount(), 125u);
+  EXPECT_EQ(clock().GetTickCount(), 125u);
   sim.RunUntil(100);
   EXPECT_EQ(sim.Now(), 125u) << "time never goes back";
 }
 
 TEST_F(SchedulerTest, TickCountHasAnOffsetAndWraps) {
   sim.SetTickOffset(0xFFFFFFF0u);
-  EXPECT_EQ(GetTickCount(), 0xFFFFFFF0u);
+  EXPECT_EQ(clock().GetTickCount(), 0xFFFFFFF0u);
   sim.RunFor(0x20);
-  EXPECT_EQ(GetTickCount(), 0x10u);
+  EXPECT_EQ(clock().GetTickCount(), 0x10u);
   EXPECT_EQ(sim.Now(), 0x20u);
 }
 
@@ -42,7 +42,7 @@ TEST_F(SchedulerTest, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBef
   const auto everyTen = [&](const char* name) {
     bodies.Start(name, [this, name] {
       for (int round = 0; round < 2; ++round) {
-        Sleep(10);
+        clock().Sleep(10);
         diary.Note(name);
       }
     });
@@ -53,9 +53,9 @@ TEST_F(SchedulerTest, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBef
   everyTen("repeat");
   everyTen("notification");
   bodies.Tick(10, [&] { diary.Note("timer"); });
-  Sleep(10);
+  clock().Sleep(10);
   diary.Note("test");
-  Sleep(10);
+  clock().Sleep(10);
   diary.Note("test");
   EXPECT_EQ(diary.text,
             "timer@10 notification@10 repeat@10 launcher@10 second launcher@10 test@10 "
@@ -64,11 +64,11 @@ TEST_F(SchedulerTest, AtOneMillisecondTimerGoesBeforeNotificationBeforeRepeatBef
 
 TEST_F(SchedulerTest, AnEarlierTimeGoesBeforeALowerRank) {
   bodies.Start("notification", [&] {
-    Sleep(11);
+    clock().Sleep(11);
     diary.Note("notification");
   });
   bodies.Start("other", [&] {
-    Sleep(10);
+    clock().Sleep(10);
     diary.Note("other");
   });
   sim.RunFor(20);
@@ -76,15 +76,15 @@ TEST_F(SchedulerTest, AnEarlierTimeGoesBeforeALowerRank) {
 }
 
 TEST_F(SchedulerTest, AThreadRunsUntilItWaits) {
-  const Handle event = CreateEventA(false, false);
+  const Handle event = threads().CreateEventA(false, false);
   bodies.Start("notification", [&] {
-    WaitForSingleObject(event, WAIT_FOREVER);
+    threads().WaitForSingleObject(event, WAIT_FOREVER);
     diary.Note("notification");
   });
   bodies.Start("repeat", [&] {
-    SetEvent(event);
+    threads().SetEvent(event);
     diary.Note("repeat goes on");
-    Sleep(0);
+    clock().Sleep(0);
     diary.Note("repeat again");
   });
   sim.RunFor(1);
@@ -94,14 +94,14 @@ TEST_F(SchedulerTest, AThreadRunsUntilItWaits) {
 TEST_F(SchedulerTest, SleepOfZeroLetsLowerRanksRunWithoutTimeMovingOn) {
   bodies.Start("notification", [&] {
     diary.Note("a");
-    Sleep(0);
+    clock().Sleep(0);
     diary.Note("a");
-    Sleep(0);
+    clock().Sleep(0);
     diary.Note("a");
   });
   bodies.Start("other", [&] {
     diary.Note("b");
-    Sleep(0);
+    clock().Sleep(0);
     diary.Note("b");
   });
   sim.RunFor(0);
@@ -110,8 +110,8 @@ TEST_F(SchedulerTest, SleepOfZeroLetsLowerRanksRunWithoutTimeMovingOn) {
 
 TEST_F(SchedulerTest, RunForEndsBehindEverythingThatIsDueAtItsEnd) {
   bodies.Start("other", [&] {
-    Sleep(5);
-    for (int round = 0; round < 3; ++round) Sleep(0);
+    clock().Sleep(5);
+    for (int round = 0; round < 3; ++round) clock().Sleep(0);
     diary.Note("other");
   });
   sim.RunFor(5);
@@ -123,8 +123,8 @@ TEST_F(SchedulerTest, ThreadsMayEndWhileOthersWait) {
   // More than fit on a few stacks, one after the other and at once.
   for (int batch = 0; batch < 5; ++batch) {
     for (std::uint32_t thread = 0; thread < 20; ++thread) {
-      CloseHandle(bodies.Start("short", [&ended, thread] {
-        Sleep(thread);
+      threads().CloseHandle(bodies.Start("short", [&ended, thread] {
+        clock().Sleep(thread);
         ++ended;
       }));
     }
@@ -141,12 +141,12 @@ TEST(Scheduler, ASimulationMayEndWithThreadsAlive) {
   {
     Simulation sim;
     bodies.Start("sleeper", [] {
-      for (;;) Sleep(1);
+      for (;;) clock().Sleep(1);
     });
     bodies.Start("never begun", [] {});
-    const Handle event = CreateEventA(false, false);
-    bodies.Start("waiter", [event] { WaitForSingleObject(event, WAIT_FOREVER); });
-    bodies.Tick(3, [] { Sleep(1000); });
+    const Handle event = threads().CreateEventA(false, false);
+    bodies.Start("waiter", [event] { threads().WaitForSingleObject(event, WAIT_FOREVER); });
+    bodies.Tick(3, [] { clock().Sleep(1000); });
     sim.RunFor(10);
     EXPECT_EQ(sim.LivingThreads(), 2u);
     bodies.Start("another", [] {});
@@ -161,7 +161,7 @@ TEST(SchedulerDeathTest, RefusesAnotherSystemThread) {
   EXPECT_DEATH(
       {
         Simulation sim;
-        std::thread stranger([] { Sleep(1); });
+        std::thread stranger([] { clock().Sleep(1); });
         stranger.join();
       },
       "a system thread calls that is not the simulation's own");
@@ -172,10 +172,10 @@ TEST(SchedulerDeathTest, SaysWhoWaitsForWhatWhenNothingIsDueAnyMore) {
       {
         Simulation sim;
         Bodies bodies;
-        const Handle event = CreateEventA(true, false);
+        const Handle event = threads().CreateEventA(true, false);
         const Handle thread =
-            bodies.Start("repeat", [event] { WaitForSingleObject(event, WAIT_FOREVER); });
-        WaitForSingleObject(thread, WAIT_FOREVER);
+            bodies.Start("repeat", [event] { threads().WaitForSingleObject(event, WAIT_FOREVER); });
+        threads().WaitForSingleObject(thread, WAIT_FOREVER);
       },
       "at 0 ms nothing is due.*\n"
       ".*thread 1 \"outermost\" waits for thread 2 \"repeat\" without end\n"
@@ -188,7 +188,7 @@ TEST(SchedulerDeathTest, FindsOutThreadsThatGoRoundWithoutTimeMovingOn) {
         Simulation sim;
         Bodies bodies;
         bodies.Start("spinning", [] {
-          for (;;) Sleep(0);
+          for (;;) clock().Sleep(0);
         });
         sim.RunFor(1);
       },

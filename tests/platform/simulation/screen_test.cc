@@ -56,7 +56,9 @@ class Listener : public WindowListener {
  public:
   explicit Listener(const DialogTemplate& dialog = kDialog) : dialog(dialog) {}
 
-  std::int32_t Run(WindowHandle owner = kNoWindow) { return RunDialog(dialog, owner, *this); }
+  std::int32_t Run(WindowHandle owner = kNoWindow) {
+    return desktop().RunDialog(dialog, owner, *this);
+  }
 
   void OnInitDialog(WindowHandle handle) override {
     window = handle;
@@ -74,12 +76,12 @@ class Listener : public WindowListener {
     Note(line);
     if (onNotice) onNotice(id, notice, value);
     if (notice == Notice::Clicked && (id == IDOK || id == IDCANCEL)) {
-      EndDialog(window, static_cast<std::int32_t>(id));
+      desktop().EndDialog(window, static_cast<std::int32_t>(id));
     }
   }
   void OnClose() override {
     Note("close");
-    EndDialog(window, IDCANCEL);
+    desktop().EndDialog(window, IDCANCEL);
   }
   void OnMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) override {
     Note("message " + std::to_string(message) + ' ' + std::to_string(wParam) + ' ' +
@@ -87,7 +89,7 @@ class Listener : public WindowListener {
     if (onMessage) onMessage(message);
   }
   void OnTimer(std::uint32_t id) override {
-    Note("timer " + std::to_string(id) + '@' + std::to_string(GetTickCount()));
+    Note("timer " + std::to_string(id) + '@' + std::to_string(clock().GetTickCount()));
     if (onTimer) onTimer();
   }
   void OnSize(std::uint32_t type, std::int32_t width, std::int32_t height) override {
@@ -147,8 +149,8 @@ class ScreenTest : public testing::Test {
       } else if (screen.BoxUp()) {
         screen.Answer(screen.Box().type & MB_YESNO ? IDNO : IDOK);
       } else {
-        EndDialog(screen.Window(), IDCANCEL);
-        PostMessageA(screen.Window(), WM_NULL, 0, 0);
+        desktop().EndDialog(screen.Window(), IDCANCEL);
+        desktop().PostMessageA(screen.Window(), WM_NULL, 0, 0);
         screen.Settle();
       }
     }
@@ -179,9 +181,9 @@ class ScreenTest : public testing::Test {
 
 TEST_F(ScreenTest, ADialogIsMadeShownAndDestroyed) {
   main.onInit = [&] {
-    EXPECT_FALSE(IsWindowVisible(main.window));
-    EXPECT_TRUE(HasControl(main.window, 11));
-    EXPECT_FALSE(HasControl(main.window, 99));
+    EXPECT_FALSE(desktop().IsWindowVisible(main.window));
+    EXPECT_TRUE(controls().HasControl(main.window, 11));
+    EXPECT_FALSE(controls().HasControl(main.window, 99));
   };
   screen.Start([&] { return main.Run(); });
   EXPECT_TRUE(screen.Running());
@@ -199,7 +201,7 @@ TEST_F(ScreenTest, ADialogIsMadeShownAndDestroyed) {
 
 TEST_F(ScreenTest, ADialogThatEndsInItsSetUpIsNeverShown) {
   main.notePlaces = true;
-  main.onInit = [&] { EXPECT_TRUE(EndDialog(main.window, 7)); };
+  main.onInit = [&] { EXPECT_TRUE(desktop().EndDialog(main.window, 7)); };
   screen.Start([&] { return main.Run(); });
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Result(), 7);
@@ -210,14 +212,14 @@ TEST_F(ScreenTest, ADialogEndsWhenItsHandlerReturns) {
   Start();
   main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
     if (id != 20) return;
-    EndDialog(main.window, 5);
+    desktop().EndDialog(main.window, 5);
     main.Note("after the end");
-    EXPECT_TRUE(IsWindowVisible(main.window));
+    EXPECT_TRUE(desktop().IsWindowVisible(main.window));
   };
   screen.Click(20);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20", "after the end", "destroy"}));
   EXPECT_EQ(screen.Result(), 5);
-  EXPECT_FALSE(EndDialog(main.window, 5));
+  EXPECT_FALSE(desktop().EndDialog(main.window, 5));
 }
 
 TEST_F(ScreenTest, WithoutAProgramThereIsNoDialog) {
@@ -251,8 +253,8 @@ TEST_F(ScreenTest, OneProgramRunsAtATime) {
 }
 
 TEST_F(ScreenTest, TheProgramRunsOnAThreadOfItsOwn) {
-  const std::int32_t here = GetCurrentThreadId();
-  main.onInit = [&] { EXPECT_NE(GetCurrentThreadId(), here); };
+  const std::int32_t here = threads().GetCurrentThreadId();
+  main.onInit = [&] { EXPECT_NE(threads().GetCurrentThreadId(), here); };
   Start();
   EXPECT_TRUE(screen.Running());
 }
@@ -261,7 +263,7 @@ TEST_F(ScreenTest, TimePassesAsFarAsTheProgramWaits) {
   Start();
   EXPECT_EQ(sim.Now(), 0u);
   main.onNotice = [](std::uint32_t id, Notice, std::int32_t) {
-    if (id == 20) Sleep(30);
+    if (id == 20) clock().Sleep(30);
   };
   screen.Click(21);
   EXPECT_EQ(sim.Now(), 0u);
@@ -271,9 +273,9 @@ TEST_F(ScreenTest, TimePassesAsFarAsTheProgramWaits) {
 
 TEST_F(ScreenTest, AnActComesAfterWhatTheProgramStillDoes) {
   Start();
-  main.onMessage = [](std::uint32_t) { Sleep(50); };
+  main.onMessage = [](std::uint32_t) { clock().Sleep(50); };
   main.Diary();
-  PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
   sim.RunFor(10);
   screen.Click(21);
   EXPECT_EQ(sim.Now(), 50u);
@@ -284,7 +286,7 @@ TEST_F(ScreenTest, AProgramThatNeverWaitsForThePersonIsRefused) {
   bool enough = false;
   EXPECT_EQ(Refusal([&] {
               screen.Start([&] {
-                while (!enough) Sleep(1000);
+                while (!enough) clock().Sleep(1000);
                 return 0;
               });
             }),
@@ -298,9 +300,9 @@ TEST_F(ScreenTest, AProgramThatNeverWaitsForThePersonIsRefused) {
 TEST_F(ScreenTest, TheUserInterfaceComesBehindTheOtherThreads) {
   Start();
   Bodies bodies;
-  main.onTimer = [&] { EXPECT_EQ(GetTickCount(), 20u); };
+  main.onTimer = [&] { EXPECT_EQ(clock().GetTickCount(), 20u); };
   main.onNotice = [](std::uint32_t, Notice, std::int32_t) {};
-  PostMessageA(main.window, WM_APP, 1, 0);
+  desktop().PostMessageA(main.window, WM_APP, 1, 0);
   bodies.Start("other", [&] {
     main.Note("other");
     return 0u;
@@ -316,8 +318,8 @@ TEST(ScreenEnd, ARunningProgramIsDroppedWithTheSimulation) {
     Simulation sim;
     main.onMessage = [&](std::uint32_t) { small.Run(main.window); };
     sim.Screen().Start([&] { return main.Run(); });
-    SetTimer(main.window, 1, 100);
-    PostMessageA(main.window, WM_APP, 0, 0);
+    desktop().SetTimer(main.window, 1, 100);
+    desktop().PostMessageA(main.window, WM_APP, 0, 0);
     sim.Screen().Settle();
     EXPECT_EQ(sim.Screen().Front(), 200u);
   }
@@ -355,8 +357,8 @@ TEST_F(ScreenTest, MessagesAndTimersOfTheWindowBelowGoOn) {
   };
   screen.Click(20);
   main.Diary();
-  EXPECT_EQ(SetTimer(main.window, 3, 40), 3u);
-  EXPECT_TRUE(PostMessageA(main.window, WM_APP, 7, -1));
+  EXPECT_EQ(desktop().SetTimer(main.window, 3, 40), 3u);
+  EXPECT_TRUE(desktop().PostMessageA(main.window, WM_APP, 7, -1));
   sim.RunFor(100);
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 7 -1", "timer 3@40", "timer 3@80"}));
   EXPECT_EQ(screen.Front(), 200u);
@@ -366,10 +368,10 @@ TEST_F(ScreenTest, ADialogThatIsEndedBelowAnotherWaitsForIt) {
   Start();
   main.onMessage = [&](std::uint32_t message) {
     if (message == WM_APP) small.Run(main.window);
-    if (message == WM_APP + 1) EndDialog(main.window, 9);
+    if (message == WM_APP + 1) desktop().EndDialog(main.window, 9);
   };
-  PostMessageA(main.window, WM_APP, 0, 0);
-  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   screen.Settle();
   EXPECT_EQ(screen.Front(), 200u);
   EXPECT_TRUE(screen.Running());
@@ -382,7 +384,7 @@ TEST_F(ScreenTest, ADialogInTheSetUpOfAnotherComesFirst) {
   main.onInit = [&] { small.Run(main.window); };
   Start();
   EXPECT_EQ(screen.Front(), 200u);
-  EXPECT_FALSE(IsWindowVisible(main.window));
+  EXPECT_FALSE(desktop().IsWindowVisible(main.window));
   screen.Click(IDOK);
   EXPECT_EQ(screen.Front(), 100u);
   EXPECT_TRUE(screen.Shown());
@@ -392,14 +394,14 @@ TEST_F(ScreenTest, ADialogInTheSetUpOfAnotherComesFirst) {
 
 TEST_F(ScreenTest, PostedMessagesComeInTheirOrderAndTimersBehindThem) {
   Start();
-  SetTimer(main.window, 1, 10);
+  desktop().SetTimer(main.window, 1, 10);
   main.onMessage = [&](std::uint32_t message) {
     if (message != WM_APP) return;
-    Sleep(25);
-    PostMessageA(main.window, WM_APP + 2, 0, 0);
+    clock().Sleep(25);
+    desktop().PostMessageA(main.window, WM_APP + 2, 0, 0);
   };
-  PostMessageA(main.window, WM_APP, 1, 2);
-  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 1, 2);
+  desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   sim.RunFor(31);
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 1 2", "message 32769 0 0", "message 32770 0 0",
                                  "timer 1@25", "timer 1@30"}));
@@ -408,9 +410,9 @@ TEST_F(ScreenTest, PostedMessagesComeInTheirOrderAndTimersBehindThem) {
 TEST_F(ScreenTest, AnActComesBehindWhatWasPostedBefore) {
   Start();
   main.onMessage = [&](std::uint32_t message) {
-    if (message == WM_APP) PostMessageA(main.window, WM_APP + 1, 0, 0);
+    if (message == WM_APP) desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   };
-  PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
   screen.Click(24);
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "message 32769 0 0", "clicked 24"}));
 }
@@ -419,9 +421,9 @@ TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
   Start();
   bool slow = true;
   main.onTimer = [&] {
-    if (std::exchange(slow, false)) Sleep(35);
+    if (std::exchange(slow, false)) clock().Sleep(35);
   };
-  SetTimer(main.window, 1, 10);
+  desktop().SetTimer(main.window, 1, 10);
   sim.RunFor(60);
   // From 10 to 45 the handler runs; 20, 30 and 40 come as one.
   EXPECT_EQ(main.Diary(), (Lines{"timer 1@10", "timer 1@45", "timer 1@50", "timer 1@60"}));
@@ -429,39 +431,39 @@ TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
 
 TEST_F(ScreenTest, TimersAreSetAnewAndKilled) {
   Start();
-  SetTimer(main.window, 1, 10);
-  SetTimer(main.window, 1, 25);
-  SetTimer(main.window, 2, 1);  // 10, as the published system has it
+  desktop().SetTimer(main.window, 1, 10);
+  desktop().SetTimer(main.window, 1, 25);
+  desktop().SetTimer(main.window, 2, 1);  // 10, as the published system has it
   sim.RunFor(12);
-  EXPECT_TRUE(KillTimer(main.window, 2));
-  EXPECT_FALSE(KillTimer(main.window, 2));
+  EXPECT_TRUE(desktop().KillTimer(main.window, 2));
+  EXPECT_FALSE(desktop().KillTimer(main.window, 2));
   sim.RunFor(40);
   EXPECT_EQ(main.Diary(), (Lines{"timer 2@10", "timer 1@25", "timer 1@50"}));
-  EXPECT_EQ(SetTimer(99, 1, 10), 0u);
+  EXPECT_EQ(desktop().SetTimer(99, 1, 10), 0u);
 }
 
 TEST_F(ScreenTest, MessagesAndTimersEndWithTheirWindow) {
   Start();
-  SetTimer(main.window, 1, 10);
+  desktop().SetTimer(main.window, 1, 10);
   main.onMessage = [&](std::uint32_t) {
-    PostMessageA(main.window, WM_APP + 1, 0, 0);
-    EndDialog(main.window, 0);
+    desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
+    desktop().EndDialog(main.window, 0);
   };
-  PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
   sim.RunFor(50);
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "destroy"}));
-  EXPECT_FALSE(PostMessageA(main.window, WM_APP, 0, 0));
+  EXPECT_FALSE(desktop().PostMessageA(main.window, WM_APP, 0, 0));
 }
 
 TEST_F(ScreenTest, AnyThreadPostsMessagesAndSetsTexts) {
   Start();
   Bodies bodies;
   bodies.Start("other", [&] {
-    Sleep(5);
-    EXPECT_TRUE(PostMessageA(main.window, WM_APP, 3, 4));
-    EXPECT_TRUE(SetDlgItemTextA(main.window, 10, "from afar"));
-    EXPECT_TRUE(CheckDlgButton(main.window, 21, true));
-    EXPECT_EQ(GetDlgItemTextA(main.window, 10), "from afar");
+    clock().Sleep(5);
+    EXPECT_TRUE(desktop().PostMessageA(main.window, WM_APP, 3, 4));
+    EXPECT_TRUE(controls().SetDlgItemTextA(main.window, 10, "from afar"));
+    EXPECT_TRUE(controls().CheckDlgButton(main.window, 21, true));
+    EXPECT_EQ(controls().GetDlgItemTextA(main.window, 10), "from afar");
     return 0u;
   });
   sim.RunFor(5);
@@ -480,7 +482,7 @@ TEST_F(ScreenTest, DialogUnitsBecomePixelsAndTheWindowStandsCentred) {
   // 50 units across are 75, 4 down are 6.5; 100 are 150, 14 are 22.75.
   EXPECT_EQ(screen.ControlPlace(11), (Rect{75, 7, 225, 30}));
   Rect rect;
-  ASSERT_TRUE(GetControlRect(main.window, 11, &rect));
+  ASSERT_TRUE(controls().GetControlRect(main.window, 11, &rect));
   EXPECT_EQ(rect, screen.ControlPlace(11));
 }
 
@@ -497,14 +499,14 @@ TEST_F(ScreenTest, MovingAndSizingTellTheWindow) {
   EXPECT_EQ(main.Diary(), (Lines{"move 104,77"}));
   screen.Resize(408, 400);
   EXPECT_EQ(main.Diary(), (Lines{"size 0 400x369"}));
-  EXPECT_TRUE(MoveWindow(main.window, {0, 0, 308, 231}));
+  EXPECT_TRUE(desktop().MoveWindow(main.window, {0, 0, 308, 231}));
   EXPECT_EQ(main.Diary(), (Lines{"move 4,27", "size 0 300x200"}));
-  EXPECT_TRUE(MoveWindow(main.window, {0, 0, 308, 231}));
+  EXPECT_TRUE(desktop().MoveWindow(main.window, {0, 0, 308, 231}));
   EXPECT_TRUE(main.Diary().empty());
   Rect rect;
-  EXPECT_TRUE(GetClientRect(main.window, &rect));
+  EXPECT_TRUE(desktop().GetClientRect(main.window, &rect));
   EXPECT_EQ(rect, (Rect{0, 0, 300, 200}));
-  EXPECT_FALSE(MoveWindow(99, {0, 0, 10, 10}));
+  EXPECT_FALSE(desktop().MoveWindow(99, {0, 0, 10, 10}));
 }
 
 TEST_F(ScreenTest, TheWindowsOwnLimitsHold) {
@@ -515,7 +517,7 @@ TEST_F(ScreenTest, TheWindowsOwnLimitsHold) {
   EXPECT_EQ(screen.Place(), (Rect{313, 206, 713, 566}));
   screen.Resize(1000, 1000);
   EXPECT_EQ(screen.Place(), (Rect{313, 206, 813, 656}));
-  MoveWindow(main.window, {5, 6, 7, 8});
+  desktop().MoveWindow(main.window, {5, 6, 7, 8});
   EXPECT_EQ(screen.Place(), (Rect{5, 6, 405, 366}));
   screen.Maximise();
   EXPECT_EQ(screen.Place(), (Rect{0, 0, 500, 450}));
@@ -538,15 +540,15 @@ HookHandle secondHook = 0;
 std::intptr_t FirstHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
   hookCalls.push_back("first " + std::to_string(code) + ' ' + std::to_string(lParam));
   hookedWindow = wParam;
-  EXPECT_FALSE(IsIconic(wParam));
-  PostMessageA(wParam, WM_APP + 1, 0, 0);
-  CallNextHookEx(firstHook, code, wParam, lParam);
+  EXPECT_FALSE(desktop().IsIconic(wParam));
+  desktop().PostMessageA(wParam, WM_APP + 1, 0, 0);
+  desktop().CallNextHookEx(firstHook, code, wParam, lParam);
   return 0;
 }
 
 std::intptr_t SecondHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
   hookCalls.push_back("second");
-  return CallNextHookEx(secondHook, code, wParam, lParam);
+  return desktop().CallNextHookEx(secondHook, code, wParam, lParam);
 }
 
 std::intptr_t ForbiddingHook(std::int32_t, std::uintptr_t, std::intptr_t) { return 1; }
@@ -555,7 +557,7 @@ TEST_F(ScreenTest, AHookHearsOfAMinimiseBeforeIt) {
   main.notePlaces = true;
   Start();
   hookCalls.clear();
-  firstHook = SetWindowsHookExA(WH_CBT, &FirstHook);
+  firstHook = desktop().SetWindowsHookExA(WH_CBT, &FirstHook);
   ASSERT_NE(firstHook, 0u);
   screen.Minimise();
   EXPECT_EQ(hookCalls, (Lines{"first 1 6"}));
@@ -564,8 +566,8 @@ TEST_F(ScreenTest, AHookHearsOfAMinimiseBeforeIt) {
   EXPECT_TRUE(screen.Minimised());
   EXPECT_EQ(screen.Place(), (Rect{-32000, -32000, -31840, -31973}));
   EXPECT_EQ(screen.Inside(), (Rect{}));
-  EXPECT_TRUE(UnhookWindowsHookEx(firstHook));
-  EXPECT_FALSE(UnhookWindowsHookEx(firstHook));
+  EXPECT_TRUE(desktop().UnhookWindowsHookEx(firstHook));
+  EXPECT_FALSE(desktop().UnhookWindowsHookEx(firstHook));
   hookCalls.clear();
   screen.Restore();
   EXPECT_EQ(main.Diary(), (Lines{"move 317,233", "size 0 390x325"}));
@@ -576,18 +578,18 @@ TEST_F(ScreenTest, AHookHearsOfAMinimiseBeforeIt) {
 TEST_F(ScreenTest, TheNewestHookIsAskedAndHandsOn) {
   Start();
   hookCalls.clear();
-  firstHook = SetWindowsHookExA(WH_CBT, &FirstHook);
-  secondHook = SetWindowsHookExA(WH_CBT, &SecondHook);
-  EXPECT_TRUE(ShowWindow(main.window, SW_MINIMIZE));
+  firstHook = desktop().SetWindowsHookExA(WH_CBT, &FirstHook);
+  secondHook = desktop().SetWindowsHookExA(WH_CBT, &SecondHook);
+  EXPECT_TRUE(desktop().ShowWindow(main.window, SW_MINIMIZE));
   EXPECT_EQ(hookCalls, (Lines{"second", "first 1 6"}));
-  EXPECT_TRUE(IsIconic(main.window));
-  EXPECT_EQ(SetWindowsHookExA(2, &FirstHook), 0u);
-  EXPECT_EQ(SetWindowsHookExA(WH_CBT, nullptr), 0u);
+  EXPECT_TRUE(desktop().IsIconic(main.window));
+  EXPECT_EQ(desktop().SetWindowsHookExA(2, &FirstHook), 0u);
+  EXPECT_EQ(desktop().SetWindowsHookExA(WH_CBT, nullptr), 0u);
 }
 
 TEST_F(ScreenTest, AHookCanForbidAMinimise) {
   Start();
-  SetWindowsHookExA(WH_CBT, &ForbiddingHook);
+  desktop().SetWindowsHookExA(WH_CBT, &ForbiddingHook);
   screen.Minimise();
   EXPECT_FALSE(screen.Minimised());
 }
@@ -595,16 +597,16 @@ TEST_F(ScreenTest, AHookCanForbidAMinimise) {
 TEST_F(ScreenTest, AHiddenWindowStaysMinimisedAndComesBackByRestore) {
   Start();
   screen.Minimise();
-  EXPECT_TRUE(ShowWindow(main.window, SW_HIDE));
+  EXPECT_TRUE(desktop().ShowWindow(main.window, SW_HIDE));
   EXPECT_FALSE(screen.Shown());
   EXPECT_TRUE(screen.Minimised());
   EXPECT_EQ(screen.Front(), 100u);
   EXPECT_EQ(Refusal([&] { screen.Restore(); }), "Restore: the window is hidden");
-  EXPECT_TRUE(ShowWindow(main.window, SW_SHOW));
+  EXPECT_TRUE(desktop().ShowWindow(main.window, SW_SHOW));
   EXPECT_TRUE(screen.Shown());
   EXPECT_TRUE(screen.Minimised());
   EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: the window is minimised");
-  EXPECT_TRUE(ShowWindow(main.window, SW_RESTORE));
+  EXPECT_TRUE(desktop().ShowWindow(main.window, SW_RESTORE));
   EXPECT_FALSE(screen.Minimised());
   EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
 }
@@ -619,53 +621,53 @@ TEST_F(ScreenTest, AMaximisedWindowIsThatAgainAfterBeingMinimised) {
   screen.Minimise();
   EXPECT_FALSE(screen.Maximised());
   screen.Restore();
-  EXPECT_TRUE(IsZoomed(main.window));
+  EXPECT_TRUE(desktop().IsZoomed(main.window));
   screen.Minimise();
-  EXPECT_TRUE(ShowWindow(main.window, SW_SHOWNORMAL));
-  EXPECT_FALSE(IsZoomed(main.window));
-  EXPECT_FALSE(IsIconic(main.window));
+  EXPECT_TRUE(desktop().ShowWindow(main.window, SW_SHOWNORMAL));
+  EXPECT_FALSE(desktop().IsZoomed(main.window));
+  EXPECT_FALSE(desktop().IsIconic(main.window));
   EXPECT_EQ(screen.Place(), (Rect{313, 206, 711, 562}));
 }
 
 TEST_F(ScreenTest, WindowOperationsOnNoWindowAreFalse) {
   Start();
   Rect rect;
-  EXPECT_FALSE(ShowWindow(99, SW_SHOW));
-  EXPECT_FALSE(ShowWindow(main.window, 77));
-  EXPECT_FALSE(IsWindowVisible(99));
-  EXPECT_FALSE(IsIconic(99));
-  EXPECT_FALSE(IsZoomed(99));
-  EXPECT_FALSE(SetForegroundWindow(99));
-  EXPECT_TRUE(SetForegroundWindow(main.window));
-  EXPECT_FALSE(SetWindowTextA(99, "x"));
-  EXPECT_FALSE(SetWindowIcon(99, 1, true));
-  EXPECT_FALSE(GetWindowRect(99, &rect));
-  EXPECT_FALSE(GetClientRect(99, &rect));
-  EXPECT_FALSE(InvalidateRect(99, rect));
-  EXPECT_FALSE(UpdateWindow(99));
+  EXPECT_FALSE(desktop().ShowWindow(99, SW_SHOW));
+  EXPECT_FALSE(desktop().ShowWindow(main.window, 77));
+  EXPECT_FALSE(desktop().IsWindowVisible(99));
+  EXPECT_FALSE(desktop().IsIconic(99));
+  EXPECT_FALSE(desktop().IsZoomed(99));
+  EXPECT_FALSE(desktop().SetForegroundWindow(99));
+  EXPECT_TRUE(desktop().SetForegroundWindow(main.window));
+  EXPECT_FALSE(desktop().SetWindowTextA(99, "x"));
+  EXPECT_FALSE(desktop().SetWindowIcon(99, 1, true));
+  EXPECT_FALSE(desktop().GetWindowRect(99, &rect));
+  EXPECT_FALSE(desktop().GetClientRect(99, &rect));
+  EXPECT_FALSE(desktop().InvalidateRect(99, rect));
+  EXPECT_FALSE(desktop().UpdateWindow(99));
 }
 
 TEST_F(ScreenTest, TitleIconsAndDesktopAreAsTheProgramSetsThem) {
   Start();
-  EXPECT_TRUE(SetWindowTextA(main.window, "Other"));
+  EXPECT_TRUE(desktop().SetWindowTextA(main.window, "Other"));
   EXPECT_EQ(screen.Title(), "Other");
-  EXPECT_EQ(LoadIconA(128), 128u);
-  EXPECT_EQ(LoadIconA(0), 0u);
-  EXPECT_EQ(LoadBitmapA(145), 145u);
-  SetWindowIcon(main.window, 128, true);
+  EXPECT_EQ(desktop().LoadIconA(128), 128u);
+  EXPECT_EQ(desktop().LoadIconA(0), 0u);
+  EXPECT_EQ(desktop().LoadBitmapA(145), 145u);
+  desktop().SetWindowIcon(main.window, 128, true);
   EXPECT_EQ(screen.Icon(true), 128u);
   EXPECT_EQ(screen.Icon(false), 0u);
-  EXPECT_TRUE(DestroyIcon(128));
-  EXPECT_FALSE(DestroyIcon(128));
+  EXPECT_TRUE(desktop().DestroyIcon(128));
+  EXPECT_FALSE(desktop().DestroyIcon(128));
   Rect rect;
-  EXPECT_TRUE(GetDesktopRect(&rect));
+  EXPECT_TRUE(desktop().GetDesktopRect(&rect));
   EXPECT_EQ(rect, (Rect{0, 0, 1024, 768}));
   screen.SetDesktop(800, 600);
-  EXPECT_TRUE(GetDesktopRect(&rect));
+  EXPECT_TRUE(desktop().GetDesktopRect(&rect));
   EXPECT_EQ(rect, (Rect{0, 0, 800, 600}));
-  EXPECT_EQ(GetSystemMetrics(SM_CXVSCROLL), 16);
-  EXPECT_EQ(GetSystemMetrics(SM_CYICON), 32);
-  EXPECT_EQ(GetSysColor(COLOR_3DHILIGHT), Rgb(255, 255, 255));
+  EXPECT_EQ(desktop().GetSystemMetrics(SM_CXVSCROLL), 16);
+  EXPECT_EQ(desktop().GetSystemMetrics(SM_CYICON), 32);
+  EXPECT_EQ(desktop().GetSysColor(COLOR_3DHILIGHT), Rgb(255, 255, 255));
 }
 
 TEST_F(ScreenTest, APointOfTheInsideIsAskedForByItsPlaceOnTheScreen) {
@@ -687,11 +689,11 @@ TEST_F(ScreenTest, ThePersonSeesWhatIsDrawn) {
 // ---- Message boxes
 
 TEST_F(ScreenTest, ABoxWithoutAProgramGetsZeroOrThePreparedAnswer) {
-  EXPECT_EQ(MessageBoxA(0, "text", "caption", MB_YESNO), 0);
+  EXPECT_EQ(desktop().MessageBoxA(0, "text", "caption", MB_YESNO), 0);
   screen.AnswerNext(IDNO);
   sim.AnswerMessageBox(IDYES);
-  EXPECT_EQ(MessageBoxA(0, "text", "caption", MB_YESNO), IDNO);
-  EXPECT_EQ(MessageBoxA(5, "other", "caption", MB_YESNO), IDYES);
+  EXPECT_EQ(desktop().MessageBoxA(0, "text", "caption", MB_YESNO), IDNO);
+  EXPECT_EQ(desktop().MessageBoxA(5, "other", "caption", MB_YESNO), IDYES);
   ASSERT_EQ(screen.Boxes().size(), 3u);
   EXPECT_EQ(sim.MessageBoxes()[2].text, "other");
   EXPECT_EQ(screen.Boxes()[2].owner, 5u);
@@ -701,10 +703,10 @@ TEST_F(ScreenTest, ABoxStaysUntilItIsAnsweredWhileAllElseGoesOn) {
   Start();
   main.onNotice = [&](std::uint32_t id, Notice, std::int32_t) {
     if (id != 24) return;
-    main.Note("answer " + std::to_string(MessageBoxA(main.window, "Really?", "Question",
-                                                     MB_YESNO | MB_ICONQUESTION)));
+    main.Note("answer " + std::to_string(desktop().MessageBoxA(main.window, "Really?", "Question",
+                                                               MB_YESNO | MB_ICONQUESTION)));
   };
-  SetTimer(main.window, 1, 10);
+  desktop().SetTimer(main.window, 1, 10);
   screen.Click(24);
   EXPECT_TRUE(screen.BoxUp());
   EXPECT_EQ(screen.Box().text, "Really?");
@@ -712,7 +714,7 @@ TEST_F(ScreenTest, ABoxStaysUntilItIsAnsweredWhileAllElseGoesOn) {
   EXPECT_EQ(screen.Box().owner, main.window);
   EXPECT_EQ(screen.Box().type, MB_YESNO | MB_ICONQUESTION);
   EXPECT_EQ(screen.Front(), 100u);
-  PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
   sim.RunFor(10);
   EXPECT_EQ(main.Diary(), (Lines{"clicked 24", "message 32768 0 0", "timer 1@10"}));
   EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: a message box is in front: \"Really?\"");
@@ -728,11 +730,12 @@ TEST_F(ScreenTest, ABoxStaysUntilItIsAnsweredWhileAllElseGoesOn) {
 TEST_F(ScreenTest, BoxesAreAnsweredFromTheNewestOn) {
   Start();
   main.onMessage = [&](std::uint32_t message) {
-    main.Note(std::to_string(message) + " got " +
-              std::to_string(MessageBoxA(main.window, std::to_string(message), "", MB_YESNO)));
+    main.Note(
+        std::to_string(message) + " got " +
+        std::to_string(desktop().MessageBoxA(main.window, std::to_string(message), "", MB_YESNO)));
   };
-  PostMessageA(main.window, WM_APP, 0, 0);
-  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   screen.Settle();
   main.Diary();
   EXPECT_EQ(screen.Box().text, "32769");
@@ -745,11 +748,11 @@ TEST_F(ScreenTest, BoxesAreAnsweredFromTheNewestOn) {
 TEST_F(ScreenTest, APreparedAnswerKeepsTheBoxFromStaying) {
   Start();
   main.onMessage = [&](std::uint32_t) {
-    main.Note("got " + std::to_string(MessageBoxA(main.window, "text", "", MB_OK)));
+    main.Note("got " + std::to_string(desktop().MessageBoxA(main.window, "text", "", MB_OK)));
   };
   main.Diary();
   screen.AnswerNext(IDOK);
-  PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
   screen.Settle();
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "got 1"}));
@@ -761,7 +764,7 @@ TEST_F(ScreenTest, ABoxOfAnotherThreadStopsThatThreadAlone) {
   Bodies bodies;
   std::int32_t button = -1;
   bodies.Start("launcher", [&] {
-    button = MessageBoxA(kNoWindow, "failed", "Launch", MB_OK);
+    button = desktop().MessageBoxA(kNoWindow, "failed", "Launch", MB_OK);
     return 0u;
   });
   sim.RunFor(5);
@@ -778,7 +781,7 @@ TEST_F(ScreenTest, ABoxOfAnotherThreadCoversItsOwner) {
   Start();
   Bodies bodies;
   bodies.Start("launcher", [&] {
-    MessageBoxA(main.window, "failed", "Launch", MB_OK);
+    desktop().MessageBoxA(main.window, "failed", "Launch", MB_OK);
     return 0u;
   });
   sim.RunFor(0);
@@ -792,12 +795,12 @@ TEST_F(ScreenTest, ABoxGoesWithItsThread) {
   Start();
   Bodies bodies;
   const Handle thread = bodies.Start("launcher", [&] {
-    MessageBoxA(main.window, "failed", "Launch", MB_OK);
+    desktop().MessageBoxA(main.window, "failed", "Launch", MB_OK);
     return 0u;
   });
   sim.RunFor(0);
   EXPECT_TRUE(screen.BoxUp());
-  EXPECT_TRUE(TerminateThread(thread, 1));
+  EXPECT_TRUE(threads().TerminateThread(thread, 1));
   EXPECT_FALSE(screen.BoxUp());
   screen.Click(21);
   EXPECT_TRUE(screen.Checked(21));
@@ -806,11 +809,11 @@ TEST_F(ScreenTest, ABoxGoesWithItsThread) {
 TEST_F(ScreenTest, ABoxBelowADialogWaitsForIt) {
   Start();
   main.onMessage = [&](std::uint32_t message) {
-    if (message == WM_APP) MessageBoxA(main.window, "below", "", MB_OK);
+    if (message == WM_APP) desktop().MessageBoxA(main.window, "below", "", MB_OK);
     if (message == WM_APP + 1) small.Run(main.window);
   };
-  PostMessageA(main.window, WM_APP, 0, 0);
-  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   screen.Settle();
   EXPECT_EQ(Refusal([&] { screen.Answer(IDOK); }),
             "Answer: a dialog or a menu is in front of the message box");
@@ -825,13 +828,13 @@ TEST_F(ScreenTest, AMnemonicMarkOfTheTemplateIsNotShownAndIsKept) {
   Start();
   EXPECT_EQ(screen.Text(10), "Name");
   EXPECT_EQ(screen.Text(20), "More & more");
-  EXPECT_EQ(GetDlgItemTextA(main.window, 10), "&Name");
-  EXPECT_TRUE(SetDlgItemTextA(main.window, 11, "a && b"));
+  EXPECT_EQ(controls().GetDlgItemTextA(main.window, 10), "&Name");
+  EXPECT_TRUE(controls().SetDlgItemTextA(main.window, 11, "a && b"));
   EXPECT_EQ(screen.Text(11), "a && b");
-  EXPECT_TRUE(SetDlgItemTextA(main.window, 10, "Tom && Jerry & Co"));
+  EXPECT_TRUE(controls().SetDlgItemTextA(main.window, 10, "Tom && Jerry & Co"));
   EXPECT_EQ(screen.Text(10), "Tom && Jerry & Co");
-  EXPECT_FALSE(SetDlgItemTextA(main.window, 30, "no text"));
-  EXPECT_EQ(GetDlgItemTextA(main.window, 30), "");
+  EXPECT_FALSE(controls().SetDlgItemTextA(main.window, 30, "no text"));
+  EXPECT_EQ(controls().GetDlgItemTextA(main.window, 30), "");
 }
 
 TEST_F(ScreenTest, WhatIsHiddenDisabledOrNoButtonIsNotClicked) {
@@ -843,16 +846,16 @@ TEST_F(ScreenTest, WhatIsHiddenDisabledOrNoButtonIsNotClicked) {
   EXPECT_FALSE(screen.Visible(26));
   EXPECT_FALSE(screen.Enabled(27));
   EXPECT_FALSE(screen.Visible(37));
-  EXPECT_TRUE(ShowControl(main.window, 26, SW_SHOWNOACTIVATE));
-  EXPECT_TRUE(EnableControl(main.window, 27, true));
+  EXPECT_TRUE(controls().ShowControl(main.window, 26, SW_SHOWNOACTIVATE));
+  EXPECT_TRUE(controls().EnableControl(main.window, 27, true));
   screen.Click(26);
   screen.Click(27);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 26", "clicked 27"}));
-  EXPECT_TRUE(ShowControl(main.window, 26, SW_HIDE));
-  EXPECT_FALSE(IsControlVisible(main.window, 26));
-  EXPECT_TRUE(IsControlEnabled(main.window, 27));
-  EXPECT_FALSE(ShowControl(main.window, 99, SW_SHOW));
-  EXPECT_FALSE(EnableControl(main.window, 99, true));
+  EXPECT_TRUE(controls().ShowControl(main.window, 26, SW_HIDE));
+  EXPECT_FALSE(controls().IsControlVisible(main.window, 26));
+  EXPECT_TRUE(controls().IsControlEnabled(main.window, 27));
+  EXPECT_FALSE(controls().ShowControl(main.window, 99, SW_SHOW));
+  EXPECT_FALSE(controls().EnableControl(main.window, 99, true));
 }
 
 TEST_F(ScreenTest, ClicksGiveTheFocusButALabelHasNone) {
@@ -863,20 +866,20 @@ TEST_F(ScreenTest, ClicksGiveTheFocusButALabelHasNone) {
   screen.Click(10);
   EXPECT_EQ(screen.Focus(), 20u);
   screen.Click(35);
-  EXPECT_EQ(GetControlFocus(main.window), 35u);
+  EXPECT_EQ(controls().GetControlFocus(main.window), 35u);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20", "clicked 10", "clicked 35"}));
 }
 
 TEST_F(ScreenTest, TheProgramSetsTheFocusWithoutANotice) {
-  main.onInit = [&] { EXPECT_TRUE(SetControlFocus(main.window, 20)); };
+  main.onInit = [&] { EXPECT_TRUE(controls().SetControlFocus(main.window, 20)); };
   Start();
   EXPECT_EQ(screen.Focus(), 20u);
-  SetControlFocus(main.window, 11);
-  SetControlFocus(main.window, 12);
+  controls().SetControlFocus(main.window, 11);
+  controls().SetControlFocus(main.window, 12);
   EXPECT_TRUE(main.Diary().empty());
-  EXPECT_FALSE(SetControlFocus(main.window, 26));
-  EXPECT_FALSE(SetControlFocus(main.window, 27));
-  EXPECT_FALSE(SetControlFocus(main.window, 10));
+  EXPECT_FALSE(controls().SetControlFocus(main.window, 26));
+  EXPECT_FALSE(controls().SetControlFocus(main.window, 27));
+  EXPECT_FALSE(controls().SetControlFocus(main.window, 10));
   EXPECT_EQ(screen.Focus(), 12u);
 }
 
@@ -884,8 +887,8 @@ TEST_F(ScreenTest, AClickIsLostWhenTheProgramAsksAsTheFocusGoes) {
   Start();
   main.onNotice = [&](std::uint32_t id, Notice notice, std::int32_t) {
     if (id != 11 || notice != Notice::FocusLost) return;
-    MessageBoxA(main.window, "Not that", "", MB_OK);
-    SetControlFocus(main.window, 11);
+    desktop().MessageBoxA(main.window, "Not that", "", MB_OK);
+    controls().SetControlFocus(main.window, 11);
   };
   screen.Click(20);
   EXPECT_TRUE(screen.BoxUp());
@@ -898,11 +901,11 @@ TEST_F(ScreenTest, AClickIsLostWhenTheProgramAsksAsTheFocusGoes) {
 TEST_F(ScreenTest, ACheckBoxFlipsByItself) {
   Start();
   screen.Click(21);
-  EXPECT_TRUE(IsDlgButtonChecked(main.window, 21));
+  EXPECT_TRUE(controls().IsDlgButtonChecked(main.window, 21));
   screen.Click(21);
   EXPECT_FALSE(screen.Checked(21));
-  EXPECT_TRUE(CheckDlgButton(main.window, 21, true));
-  EXPECT_FALSE(CheckDlgButton(main.window, 20, true));
+  EXPECT_TRUE(controls().CheckDlgButton(main.window, 21, true));
+  EXPECT_FALSE(controls().CheckDlgButton(main.window, 20, true));
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 21", "clicked 21"}));
 }
 
@@ -915,7 +918,7 @@ TEST_F(ScreenTest, ARunOfRadioButtonsIsOneChoice) {
   screen.Click(23);
   EXPECT_FALSE(screen.Checked(22));
   EXPECT_TRUE(screen.Checked(25));
-  CheckDlgButton(main.window, 22, true);
+  controls().CheckDlgButton(main.window, 22, true);
   EXPECT_FALSE(screen.Checked(23));
   screen.FocusOn(22);
   screen.Press(0x28);
@@ -926,28 +929,28 @@ TEST_F(ScreenTest, ARunOfRadioButtonsIsOneChoice) {
 TEST_F(ScreenTest, TypingReplacesTheTextAndDigitsMayBeAllThatIsTaken) {
   Start();
   screen.Type(11, "My Game");
-  EXPECT_EQ(GetDlgItemTextA(main.window, 11), "My Game");
+  EXPECT_EQ(controls().GetDlgItemTextA(main.window, 11), "My Game");
   EXPECT_EQ(screen.Caret(11), 7u);
   screen.Type(12, "1a2.3");
   EXPECT_EQ(screen.Text(12), "123");
   EXPECT_EQ(main.Diary(), (Lines{"changed 11", "left 11", "changed 12"}));
   EXPECT_EQ(Refusal([&] { screen.Type(13, "x"); }), "Type 13: the text can't be changed");
   EXPECT_EQ(Refusal([&] { screen.Type(20, "x"); }), "Type 20: the control is no edit");
-  SetDlgItemTextA(main.window, 12, "any");
+  controls().SetDlgItemTextA(main.window, 12, "any");
   EXPECT_EQ(screen.Text(12), "any");
   EXPECT_TRUE(main.Diary().empty());
 }
 
 TEST_F(ScreenTest, TheCaretStaysWithinTheText) {
   Start();
-  SetDlgItemTextA(main.window, 11, "abc");
-  EXPECT_TRUE(SetCaret(main.window, 11, 2));
+  controls().SetDlgItemTextA(main.window, 11, "abc");
+  EXPECT_TRUE(controls().SetCaret(main.window, 11, 2));
   EXPECT_EQ(screen.Caret(11), 2u);
   screen.Press('X');
   EXPECT_EQ(screen.Text(11), "abxc");
-  EXPECT_TRUE(SetCaret(main.window, 11, 99));
+  EXPECT_TRUE(controls().SetCaret(main.window, 11, 99));
   EXPECT_EQ(screen.Caret(11), 4u);
-  EXPECT_FALSE(SetCaret(main.window, 20, 0));
+  EXPECT_FALSE(controls().SetCaret(main.window, 20, 0));
   screen.Press(0x24);
   screen.Press(0x2E);
   EXPECT_EQ(screen.Text(11), "bxc");
@@ -958,7 +961,7 @@ TEST_F(ScreenTest, TheCaretStaysWithinTheText) {
 
 TEST_F(ScreenTest, ATextThatTheTabKeyComesToIsSelected) {
   Start();
-  SetDlgItemTextA(main.window, 12, "123");
+  controls().SetDlgItemTextA(main.window, 12, "123");
   screen.FocusOn(12);
   screen.Press('7');
   EXPECT_EQ(screen.Text(12), "7");
@@ -974,20 +977,21 @@ TEST_F(ScreenTest, EnterPressesTheFocusedButtonOrTheDefaultOne) {
   screen.FocusOn(20);
   screen.Press(0x0D);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "clicked 20"}));
-  EXPECT_TRUE(SetDefaultButton(main.window, 27));
-  EXPECT_FALSE(SetDefaultButton(main.window, 11));
+  EXPECT_TRUE(controls().SetDefaultButton(main.window, 27));
+  EXPECT_FALSE(controls().SetDefaultButton(main.window, 11));
   screen.FocusOn(11);
   screen.Press(0x0D);
   EXPECT_TRUE(main.Diary().empty());  // it is disabled
-  SetDefaultButton(main.window, IDOK);
-  ShowControl(main.window, IDOK, SW_HIDE);  // as on another page: it is pressed all the same
+  controls().SetDefaultButton(main.window, IDOK);
+  controls().ShowControl(main.window, IDOK,
+                         SW_HIDE);  // as on another page: it is pressed all the same
   screen.Press(0x0D);
   EXPECT_EQ(main.Diary(), (Lines{"clicked 1", "default", "destroy"}));
 }
 
 TEST_F(ScreenTest, EnterPressesAHiddenDefaultButton) {
   Start();
-  SetDefaultButton(main.window, 26);
+  controls().SetDefaultButton(main.window, 26);
   screen.Press(0x0D);
   EXPECT_EQ(main.Diary(), (Lines{"clicked 26"}));
 }
@@ -995,17 +999,17 @@ TEST_F(ScreenTest, EnterPressesAHiddenDefaultButton) {
 TEST_F(ScreenTest, WithoutADefaultButtonEnterIsOK) {
   screen.Start([&] { return small.Run(); });
   small.Diary();
-  SetControlFocus(small.window, IDOK);
+  controls().SetControlFocus(small.window, IDOK);
   screen.Press(0x0D);
   EXPECT_EQ(small.Diary(), (Lines{"clicked 1", "destroy"}));
 }
 
 TEST_F(ScreenTest, EscIsCancelUnlessThatIsDisabled) {
   Start();
-  EnableControl(main.window, IDCANCEL, false);
+  controls().EnableControl(main.window, IDCANCEL, false);
   screen.Press(0x1B);
   EXPECT_TRUE(screen.Running());
-  EnableControl(main.window, IDCANCEL, true);
+  controls().EnableControl(main.window, IDCANCEL, true);
   screen.Press(0x1B);
   EXPECT_EQ(main.Diary(), (Lines{"clicked 2", "destroy"}));
 }
@@ -1044,7 +1048,8 @@ TEST_F(ScreenTest, AMnemonicPressesItsControlOrLeadsToTheNextOne) {
 TEST_F(ScreenTest, AKeyThatNoControlUsesReachesTheWindow) {
   Start();
   main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::KeyDown) main.Note(GetKeyState(0x11) & 0x8000 ? "control" : "plain");
+    if (notice == Notice::KeyDown)
+      main.Note(desktop().GetKeyState(0x11) & 0x8000 ? "control" : "plain");
   };
   screen.FocusOn(31);
   screen.Press('C', true);
@@ -1053,40 +1058,40 @@ TEST_F(ScreenTest, AKeyThatNoControlUsesReachesTheWindow) {
   screen.Press(0x70);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "key 31 67", "control", "key 0 67", "control",
                                  "key 0 112", "plain"}));
-  EXPECT_EQ(GetKeyState(0x11), 0);
+  EXPECT_EQ(desktop().GetKeyState(0x11), 0);
 }
 
 TEST_F(ScreenTest, ADropListKeepsItsOrderAndFindsWithoutRegardToCase) {
   Start();
   EXPECT_EQ(screen.Rows(30), (Lines{"Apple", "pear", "plum"}));
-  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_EQ(controls().ComboGetCurSel(main.window, 30), kNoRow);
   EXPECT_EQ(screen.Chosen(30), "");
-  EXPECT_TRUE(ComboSetCurSel(main.window, 30, 1));
-  EXPECT_EQ(ComboAddString(main.window, 30, "Orange"), 1);
-  EXPECT_EQ(ComboGetCurSel(main.window, 30), 2);  // still the pear
-  EXPECT_EQ(ComboGetCount(main.window, 30), 4);
-  EXPECT_EQ(ComboFindString(main.window, 30, "P"), 2);
-  EXPECT_EQ(ComboFindString(main.window, 30, "PL"), 3);
-  EXPECT_EQ(ComboFindStringExact(main.window, 30, "ORANGE"), 1);
-  EXPECT_EQ(ComboFindStringExact(main.window, 30, "PEA"), kNoRow);
-  EXPECT_EQ(ComboGetLBText(main.window, 30, 1), "Orange");
-  EXPECT_EQ(ComboGetLBText(main.window, 30, 4), "");
-  EXPECT_EQ(ComboGetItemData(main.window, 30, 1), 0);
-  EXPECT_TRUE(ComboSetItemData(main.window, 30, 1, -2));
-  EXPECT_EQ(ComboGetItemData(main.window, 30, 1), -2);
-  EXPECT_TRUE(ComboDeleteString(main.window, 30, 0));
-  EXPECT_EQ(ComboGetItemData(main.window, 30, 0), -2);
-  EXPECT_EQ(ComboGetCurSel(main.window, 30), 1);
-  EXPECT_TRUE(ComboDeleteString(main.window, 30, 1));
-  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
-  EXPECT_FALSE(ComboDeleteString(main.window, 30, 2));
-  ComboSetCurSel(main.window, 30, 0);
-  EXPECT_FALSE(ComboSetCurSel(main.window, 30, 9));
-  EXPECT_EQ(ComboGetCurSel(main.window, 30), kNoRow);
-  EXPECT_TRUE(ComboResetContent(main.window, 30));
-  EXPECT_EQ(ComboGetCount(main.window, 30), 0);
-  EXPECT_EQ(ComboGetCount(main.window, 31), -1);
-  EXPECT_EQ(ComboAddString(main.window, 99, "x"), -1);
+  EXPECT_TRUE(controls().ComboSetCurSel(main.window, 30, 1));
+  EXPECT_EQ(controls().ComboAddString(main.window, 30, "Orange"), 1);
+  EXPECT_EQ(controls().ComboGetCurSel(main.window, 30), 2);  // still the pear
+  EXPECT_EQ(controls().ComboGetCount(main.window, 30), 4);
+  EXPECT_EQ(controls().ComboFindString(main.window, 30, "P"), 2);
+  EXPECT_EQ(controls().ComboFindString(main.window, 30, "PL"), 3);
+  EXPECT_EQ(controls().ComboFindStringExact(main.window, 30, "ORANGE"), 1);
+  EXPECT_EQ(controls().ComboFindStringExact(main.window, 30, "PEA"), kNoRow);
+  EXPECT_EQ(controls().ComboGetLBText(main.window, 30, 1), "Orange");
+  EXPECT_EQ(controls().ComboGetLBText(main.window, 30, 4), "");
+  EXPECT_EQ(controls().ComboGetItemData(main.window, 30, 1), 0);
+  EXPECT_TRUE(controls().ComboSetItemData(main.window, 30, 1, -2));
+  EXPECT_EQ(controls().ComboGetItemData(main.window, 30, 1), -2);
+  EXPECT_TRUE(controls().ComboDeleteString(main.window, 30, 0));
+  EXPECT_EQ(controls().ComboGetItemData(main.window, 30, 0), -2);
+  EXPECT_EQ(controls().ComboGetCurSel(main.window, 30), 1);
+  EXPECT_TRUE(controls().ComboDeleteString(main.window, 30, 1));
+  EXPECT_EQ(controls().ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_FALSE(controls().ComboDeleteString(main.window, 30, 2));
+  controls().ComboSetCurSel(main.window, 30, 0);
+  EXPECT_FALSE(controls().ComboSetCurSel(main.window, 30, 9));
+  EXPECT_EQ(controls().ComboGetCurSel(main.window, 30), kNoRow);
+  EXPECT_TRUE(controls().ComboResetContent(main.window, 30));
+  EXPECT_EQ(controls().ComboGetCount(main.window, 30), 0);
+  EXPECT_EQ(controls().ComboGetCount(main.window, 31), -1);
+  EXPECT_EQ(controls().ComboAddString(main.window, 99, "x"), -1);
   EXPECT_TRUE(main.Diary().empty());
 }
 
@@ -1108,11 +1113,13 @@ class ListTest : public ScreenTest {
  protected:
   ListTest() {
     main.onInit = [&] {
-      EXPECT_EQ(ListInsertColumn(main.window, 31, "A", 40), 0);
-      EXPECT_EQ(ListInsertColumn(main.window, 31, "B", 30), 1);
-      EXPECT_EQ(ListInsertColumn(main.window, 31, "C", 20), 2);
+      EXPECT_EQ(controls().ListInsertColumn(main.window, 31, "A", 40), 0);
+      EXPECT_EQ(controls().ListInsertColumn(main.window, 31, "B", 30), 1);
+      EXPECT_EQ(controls().ListInsertColumn(main.window, 31, "C", 20), 2);
       for (std::int32_t row = 0; row < 3; ++row) {
-        EXPECT_EQ(ListInsertItem(main.window, 31, 100u + static_cast<std::uint32_t>(row)), row);
+        EXPECT_EQ(
+            controls().ListInsertItem(main.window, 31, 100u + static_cast<std::uint32_t>(row)),
+            row);
       }
     };
     Start();
@@ -1120,31 +1127,31 @@ class ListTest : public ScreenTest {
 };
 
 TEST_F(ListTest, RowsHaveTextsAndANumber) {
-  EXPECT_TRUE(ListSetItemText(main.window, 31, 1, 2, "x"));
-  EXPECT_FALSE(ListSetItemText(main.window, 31, 1, 3, "x"));
-  EXPECT_FALSE(ListSetItemText(main.window, 31, 3, 0, "x"));
-  EXPECT_EQ(ListGetItemText(main.window, 31, 1, 2), "x");
-  EXPECT_EQ(ListGetItemText(main.window, 31, 1, 0), "");
-  EXPECT_EQ(ListGetItemData(main.window, 31, 2), 102u);
-  EXPECT_EQ(ListGetItemCount(main.window, 31), 3);
+  EXPECT_TRUE(controls().ListSetItemText(main.window, 31, 1, 2, "x"));
+  EXPECT_FALSE(controls().ListSetItemText(main.window, 31, 1, 3, "x"));
+  EXPECT_FALSE(controls().ListSetItemText(main.window, 31, 3, 0, "x"));
+  EXPECT_EQ(controls().ListGetItemText(main.window, 31, 1, 2), "x");
+  EXPECT_EQ(controls().ListGetItemText(main.window, 31, 1, 0), "");
+  EXPECT_EQ(controls().ListGetItemData(main.window, 31, 2), 102u);
+  EXPECT_EQ(controls().ListGetItemCount(main.window, 31), 3);
   EXPECT_EQ(screen.Cells(31), (std::vector<Lines>{{"", "", ""}, {"", "", "x"}, {"", "", ""}}));
-  EXPECT_TRUE(ListEnsureVisible(main.window, 31, 2));
-  EXPECT_FALSE(ListEnsureVisible(main.window, 31, 3));
-  EXPECT_TRUE(ListDeleteAllItems(main.window, 31));
-  EXPECT_EQ(ListGetItemCount(main.window, 31), 0);
-  EXPECT_EQ(ListGetItemCount(main.window, 30), -1);
+  EXPECT_TRUE(controls().ListEnsureVisible(main.window, 31, 2));
+  EXPECT_FALSE(controls().ListEnsureVisible(main.window, 31, 3));
+  EXPECT_TRUE(controls().ListDeleteAllItems(main.window, 31));
+  EXPECT_EQ(controls().ListGetItemCount(main.window, 31), 0);
+  EXPECT_EQ(controls().ListGetItemCount(main.window, 30), -1);
 }
 
 TEST_F(ListTest, SeveralRowsCanBeSelected) {
   screen.SelectRows(31, {0, 2});
   EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{0, 2}));
-  EXPECT_EQ(ListGetNextSelected(main.window, 31, -1), 0);
-  EXPECT_EQ(ListGetNextSelected(main.window, 31, 0), 2);
-  EXPECT_EQ(ListGetNextSelected(main.window, 31, 2), kNoRow);
-  EXPECT_TRUE(ListSelectItem(main.window, 31, 0, false));
-  EXPECT_TRUE(ListSelectItem(main.window, 31, 1, true));
+  EXPECT_EQ(controls().ListGetNextSelected(main.window, 31, -1), 0);
+  EXPECT_EQ(controls().ListGetNextSelected(main.window, 31, 0), 2);
+  EXPECT_EQ(controls().ListGetNextSelected(main.window, 31, 2), kNoRow);
+  EXPECT_TRUE(controls().ListSelectItem(main.window, 31, 0, false));
+  EXPECT_TRUE(controls().ListSelectItem(main.window, 31, 1, true));
   EXPECT_EQ(screen.SelectedRows(31), (std::vector<std::int32_t>{1, 2}));
-  EXPECT_FALSE(ListSelectItem(main.window, 31, 3, true));
+  EXPECT_FALSE(controls().ListSelectItem(main.window, 31, 3, true));
   EXPECT_EQ(Refusal([&] { screen.SelectRows(31, {3}); }), "SelectRows: there is no 3 among 3");
   EXPECT_EQ(screen.Focus(), 31u);
 }
@@ -1169,17 +1176,17 @@ TEST_F(ListTest, KeysInAListAreToldAndMoveTheSelection) {
 TEST_F(ListTest, AWidthIsToldBeforeAndAfterWhoeverSetsIt) {
   main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t column) {
     if (notice != Notice::HeaderItemChanging && notice != Notice::HeaderItemChanged) return;
-    main.Note("width " + std::to_string(ListGetColumnWidth(main.window, 31, column)));
+    main.Note("width " + std::to_string(controls().ListGetColumnWidth(main.window, 31, column)));
   };
-  EXPECT_TRUE(ListSetColumnWidth(main.window, 31, 1, 33));
+  EXPECT_TRUE(controls().ListSetColumnWidth(main.window, 31, 1, 33));
   EXPECT_EQ(main.Diary(),
             (Lines{"changing column 31 1", "width 30", "changed column 31 1", "width 33"}));
   screen.DragDivider(31, 2, 8);
   EXPECT_EQ(main.Diary(),
             (Lines{"changing column 31 2", "width 20", "changed column 31 2", "width 8"}));
   EXPECT_EQ(screen.ColumnWidths(31), (std::vector<std::int32_t>{40, 33, 8}));
-  EXPECT_FALSE(ListSetColumnWidth(main.window, 31, 3, 8));
-  EXPECT_EQ(ListGetColumnWidth(main.window, 31, 3), -1);
+  EXPECT_FALSE(controls().ListSetColumnWidth(main.window, 31, 3, 8));
+  EXPECT_EQ(controls().ListGetColumnWidth(main.window, 31, 3), -1);
 }
 
 TEST_F(ListTest, ADraggedHeaderCountsAfterItsNotice) {
@@ -1187,31 +1194,31 @@ TEST_F(ListTest, ADraggedHeaderCountsAfterItsNotice) {
   std::vector<std::int32_t> later;
   main.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
     if (notice == Notice::HeaderDragEnded) {
-      EXPECT_TRUE(ListGetColumnOrder(main.window, 31, &during));
-      EXPECT_TRUE(PostControlMessage(main.window, 31, 0x8000));
+      EXPECT_TRUE(controls().ListGetColumnOrder(main.window, 31, &during));
+      EXPECT_TRUE(controls().PostControlMessage(main.window, 31, 0x8000));
     }
-    if (notice == Notice::ControlMessage) ListGetColumnOrder(main.window, 31, &later);
+    if (notice == Notice::ControlMessage) controls().ListGetColumnOrder(main.window, 31, &later);
   };
   screen.DragHeader(31, 0, 2);
   EXPECT_EQ(during, (std::vector<std::int32_t>{0, 1, 2}));
   EXPECT_EQ(later, (std::vector<std::int32_t>{1, 2, 0}));
   EXPECT_EQ(screen.ColumnOrder(31), later);
   EXPECT_EQ(main.Diary(), (Lines{"dragged 31", "message to 31 32768"}));
-  EXPECT_FALSE(PostControlMessage(main.window, 99, 1));
+  EXPECT_FALSE(controls().PostControlMessage(main.window, 99, 1));
 }
 
 TEST_F(ListTest, AnOrderMustBeOneOfTheColumns) {
-  EXPECT_TRUE(ListSetColumnOrder(main.window, 31, {2, 0, 1}));
-  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0}));
-  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0, 0}));
-  EXPECT_FALSE(ListSetColumnOrder(main.window, 31, {2, 0, 3}));
+  EXPECT_TRUE(controls().ListSetColumnOrder(main.window, 31, {2, 0, 1}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(main.window, 31, {2, 0}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(main.window, 31, {2, 0, 0}));
+  EXPECT_FALSE(controls().ListSetColumnOrder(main.window, 31, {2, 0, 3}));
   EXPECT_EQ(screen.ColumnOrder(31), (std::vector<std::int32_t>{2, 0, 1}));
 }
 
 TEST_F(ListTest, ColumnsShareTheListWithoutItsFrameAndScrollBar) {
   // 80 units are 120 pixels.
-  EXPECT_EQ(ListGetClientWidth(main.window, 31), 100);
-  EXPECT_EQ(ListGetClientWidth(main.window, 30), -1);
+  EXPECT_EQ(controls().ListGetClientWidth(main.window, 31), 100);
+  EXPECT_EQ(controls().ListGetClientWidth(main.window, 30), -1);
 }
 
 TEST_F(ScreenTest, AListIsPaintedOnceItIsShownAndWheneverItNeedsIt) {
@@ -1221,23 +1228,23 @@ TEST_F(ScreenTest, AListIsPaintedOnceItIsShownAndWheneverItNeedsIt) {
   EXPECT_EQ(main.Diary(), (Lines{"init", "hidden", "painted 31"}));
   screen.Settle();
   EXPECT_TRUE(main.Diary().empty());
-  PostMessageA(main.window, WM_APP, 0, 0);
-  InvalidateControl(main.window, 31);
-  InvalidateControl(main.window, 31);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
+  controls().InvalidateControl(main.window, 31);
+  controls().InvalidateControl(main.window, 31);
   screen.Settle();
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "painted 31"}));
-  ShowControl(main.window, 31, SW_HIDE);
-  InvalidateControl(main.window, 31);
+  controls().ShowControl(main.window, 31, SW_HIDE);
+  controls().InvalidateControl(main.window, 31);
   screen.Settle();
   EXPECT_TRUE(main.Diary().empty());
-  ShowControl(main.window, 31, SW_SHOW);
+  controls().ShowControl(main.window, 31, SW_SHOW);
   screen.Settle();
   EXPECT_EQ(main.Diary(), (Lines{"painted 31"}));
-  SetTimer(main.window, 1, 1000);
+  desktop().SetTimer(main.window, 1, 1000);
   Bodies bodies;
   bodies.Start("other", [&] {
-    Sleep(7);
-    return InvalidateControl(main.window, 31) ? 0u : 1u;
+    clock().Sleep(7);
+    return controls().InvalidateControl(main.window, 31) ? 0u : 1u;
   });
   sim.RunFor(7);
   EXPECT_EQ(main.Diary(), (Lines{"painted 31"}));
@@ -1246,21 +1253,21 @@ TEST_F(ScreenTest, AListIsPaintedOnceItIsShownAndWheneverItNeedsIt) {
 TEST_F(ScreenTest, AListOfAHiddenWindowWaitsForItsPainting) {
   main.notePaints = true;
   main.onMessage = [&](std::uint32_t message) {
-    ShowWindow(main.window, message == WM_APP ? SW_HIDE : SW_SHOW);
+    desktop().ShowWindow(main.window, message == WM_APP ? SW_HIDE : SW_SHOW);
   };
-  main.onInit = [&] { PostMessageA(main.window, WM_APP, 0, 0); };
+  main.onInit = [&] { desktop().PostMessageA(main.window, WM_APP, 0, 0); };
   screen.Start([&] { return main.Run(); });
   EXPECT_EQ(main.Diary(), (Lines{"init", "message 32768 0 0"}));
-  PostMessageA(main.window, WM_APP + 1, 0, 0);
+  desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
   screen.Settle();
   EXPECT_EQ(main.Diary(), (Lines{"message 32769 0 0", "painted 31"}));
 }
 
 TEST_F(ScreenTest, RedrawsAreCountedUntilTheyAreAskedFor) {
   Start();
-  EXPECT_TRUE(InvalidateControl(main.window, 34));
-  EXPECT_TRUE(InvalidateControl(main.window, 34));
-  EXPECT_FALSE(InvalidateControl(main.window, 99));
+  EXPECT_TRUE(controls().InvalidateControl(main.window, 34));
+  EXPECT_TRUE(controls().InvalidateControl(main.window, 34));
+  EXPECT_FALSE(controls().InvalidateControl(main.window, 99));
   EXPECT_EQ(screen.Redraws(34), 2u);
   EXPECT_EQ(screen.Redraws(34), 0u);
 }
@@ -1278,25 +1285,25 @@ TEST_F(ScreenTest, ADrawnButtonIsDrawnWhenItIsShownPressedOrFocused) {
 
 TEST_F(ScreenTest, TabsStandSideBySide) {
   main.onInit = [&] {
-    EXPECT_EQ(TabGetCurSel(main.window, 32), -1);
-    EXPECT_EQ(TabInsertItem(main.window, 32, "Control"), 0);
-    EXPECT_EQ(TabInsertItem(main.window, 32, "Mouse"), 1);
+    EXPECT_EQ(controls().TabGetCurSel(main.window, 32), -1);
+    EXPECT_EQ(controls().TabInsertItem(main.window, 32, "Control"), 0);
+    EXPECT_EQ(controls().TabInsertItem(main.window, 32, "Mouse"), 1);
   };
   Start();
   EXPECT_EQ(screen.Tabs(32), (Lines{"Control", "Mouse"}));
   EXPECT_EQ(screen.Tab(32), 0);
   Rect rect;
-  EXPECT_TRUE(TabGetItemRect(main.window, 32, 0, &rect));
+  EXPECT_TRUE(controls().TabGetItemRect(main.window, 32, 0, &rect));
   EXPECT_EQ(rect, (Rect{2, 2, 56, 22}));
-  EXPECT_TRUE(TabGetItemRect(main.window, 32, 1, &rect));
+  EXPECT_TRUE(controls().TabGetItemRect(main.window, 32, 1, &rect));
   EXPECT_EQ(rect, (Rect{56, 2, 98, 22}));
-  EXPECT_FALSE(TabGetItemRect(main.window, 32, 2, &rect));
+  EXPECT_FALSE(controls().TabGetItemRect(main.window, 32, 2, &rect));
   screen.ChooseTab(32, 1);
   screen.ChooseTab(32, 1);
-  EXPECT_EQ(TabGetCurSel(main.window, 32), 1);
+  EXPECT_EQ(controls().TabGetCurSel(main.window, 32), 1);
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "selection 32 1"}));
-  EXPECT_TRUE(TabSetCurSel(main.window, 32, 0));
-  EXPECT_FALSE(TabSetCurSel(main.window, 32, 2));
+  EXPECT_TRUE(controls().TabSetCurSel(main.window, 32, 0));
+  EXPECT_FALSE(controls().TabSetCurSel(main.window, 32, 2));
   EXPECT_EQ(screen.Tab(32), 0);
   EXPECT_TRUE(main.Diary().empty());
   EXPECT_EQ(Refusal([&] { screen.ChooseTab(32, 2); }), "ChooseTab: there is no 2 among 2");
@@ -1304,12 +1311,12 @@ TEST_F(ScreenTest, TabsStandSideBySide) {
 
 TEST_F(ScreenTest, ASliderStaysWithinItsRange) {
   Start();
-  EXPECT_TRUE(SliderSetRange(main.window, 33, 0, 50));
-  EXPECT_TRUE(SliderSetTicFreq(main.window, 33, 5));
+  EXPECT_TRUE(controls().SliderSetRange(main.window, 33, 0, 50));
+  EXPECT_TRUE(controls().SliderSetTicFreq(main.window, 33, 5));
   EXPECT_EQ(screen.SliderScale(33), "0 to 50, a tick each 5");
-  EXPECT_TRUE(SliderSetPos(main.window, 33, 60));
-  EXPECT_EQ(SliderGetPos(main.window, 33), 50);
-  EXPECT_TRUE(SliderSetPos(main.window, 33, -1));
+  EXPECT_TRUE(controls().SliderSetPos(main.window, 33, 60));
+  EXPECT_EQ(controls().SliderGetPos(main.window, 33), 50);
+  EXPECT_TRUE(controls().SliderSetPos(main.window, 33, -1));
   EXPECT_EQ(screen.Slider(33), 0);
   EXPECT_TRUE(main.Diary().empty());
   screen.MoveSlider(33, 20);
@@ -1319,61 +1326,61 @@ TEST_F(ScreenTest, ASliderStaysWithinItsRange) {
   EXPECT_EQ(main.Diary(), (Lines{"left 11", "scrolled 33 20", "scrolled 33 21", "scrolled 33 11"}));
   EXPECT_EQ(Refusal([&] { screen.MoveSlider(33, 51); }),
             "MoveSlider 33: the slider doesn't reach that far");
-  EXPECT_EQ(SliderGetPos(main.window, 30), -1);
+  EXPECT_EQ(controls().SliderGetPos(main.window, 30), -1);
 }
 
 TEST_F(ScreenTest, ControlsMoveAtOnceOrTogether) {
   Start();
-  EXPECT_TRUE(SetControlPos(main.window, 20, {1, 2, 31, 42}, SWP_NOZORDER));
+  EXPECT_TRUE(controls().SetControlPos(main.window, 20, {1, 2, 31, 42}, SWP_NOZORDER));
   EXPECT_EQ(screen.ControlPlace(20), (Rect{1, 2, 31, 42}));
-  EXPECT_TRUE(SetControlPos(main.window, 20, {5, 6, 7, 8}, SWP_NOSIZE));
+  EXPECT_TRUE(controls().SetControlPos(main.window, 20, {5, 6, 7, 8}, SWP_NOSIZE));
   EXPECT_EQ(screen.ControlPlace(20), (Rect{5, 6, 35, 46}));
-  DeferHandle defer = BeginDeferWindowPos(2);
+  DeferHandle defer = controls().BeginDeferWindowPos(2);
   ASSERT_NE(defer, 0u);
-  defer = DeferWindowPos(defer, main.window, 20, {0, 0, 9, 9}, 0);
+  defer = controls().DeferWindowPos(defer, main.window, 20, {0, 0, 9, 9}, 0);
   ASSERT_NE(defer, 0u);
   EXPECT_EQ(screen.ControlPlace(20), (Rect{5, 6, 35, 46}));
-  EXPECT_TRUE(EndDeferWindowPos(defer));
+  EXPECT_TRUE(controls().EndDeferWindowPos(defer));
   EXPECT_EQ(screen.ControlPlace(20), (Rect{0, 0, 9, 9}));
-  EXPECT_FALSE(EndDeferWindowPos(defer));
-  defer = BeginDeferWindowPos(1);
-  EXPECT_EQ(DeferWindowPos(defer, main.window, 99, {0, 0, 9, 9}, 0), 0u);
-  EXPECT_FALSE(EndDeferWindowPos(defer));
-  EXPECT_FALSE(SetControlPos(main.window, 99, {}, 0));
+  EXPECT_FALSE(controls().EndDeferWindowPos(defer));
+  defer = controls().BeginDeferWindowPos(1);
+  EXPECT_EQ(controls().DeferWindowPos(defer, main.window, 99, {0, 0, 9, 9}, 0), 0u);
+  EXPECT_FALSE(controls().EndDeferWindowPos(defer));
+  EXPECT_FALSE(controls().SetControlPos(main.window, 99, {}, 0));
 }
 
 TEST_F(ScreenTest, LooksAreAsTheProgramSetsThem) {
   Start();
-  EXPECT_TRUE(SetControlFont(main.window, 35, "Arial", 14, 800, true));
+  EXPECT_TRUE(controls().SetControlFont(main.window, 35, "Arial", 14, 800, true));
   EXPECT_EQ(screen.Font(35), "Arial 14 800 underlined");
-  EXPECT_TRUE(SetControlFont(main.window, 35, "", 0, 0, false));
+  EXPECT_TRUE(controls().SetControlFont(main.window, 35, "", 0, 0, false));
   EXPECT_EQ(screen.Font(35), "Arial 14 800");
-  EXPECT_TRUE(SetTextColour(main.window, 35, Rgb(0, 0, 64)));
+  EXPECT_TRUE(controls().SetTextColour(main.window, 35, Rgb(0, 0, 64)));
   EXPECT_EQ(screen.TextColour(35), Rgb(0, 0, 64));
-  EXPECT_TRUE(SetBackgroundColour(main.window, 35, Rgb(255, 255, 255)));
+  EXPECT_TRUE(controls().SetBackgroundColour(main.window, 35, Rgb(255, 255, 255)));
   EXPECT_EQ(screen.BackgroundColour(35), Rgb(255, 255, 255));
   EXPECT_FALSE(screen.HandCursor(35));
-  EXPECT_TRUE(SetHandCursor(main.window, 35));
+  EXPECT_TRUE(controls().SetHandCursor(main.window, 35));
   EXPECT_TRUE(screen.HandCursor(35));
-  EXPECT_TRUE(SetPicture(main.window, 36, 148));
+  EXPECT_TRUE(controls().SetPicture(main.window, 36, 148));
   EXPECT_EQ(screen.Picture(36), 148u);
-  EXPECT_FALSE(SetPicture(main.window, 20, 148));
-  EXPECT_FALSE(SetControlFont(main.window, 99, "", 0, 0, false));
+  EXPECT_FALSE(controls().SetPicture(main.window, 20, 148));
+  EXPECT_FALSE(controls().SetControlFont(main.window, 99, "", 0, 0, false));
 }
 
 // ---- Tool tips
 
 TEST_F(ScreenTest, ATipComesForAToolWhileTipsAreActive) {
   Start();
-  EXPECT_FALSE(AddTool(main.window, 20));
+  EXPECT_FALSE(controls().AddTool(main.window, 20));
   EXPECT_EQ(screen.Hover(20), "");
-  EXPECT_TRUE(CreateToolTip(main.window));
-  EXPECT_FALSE(CreateToolTip(main.window));
-  EXPECT_TRUE(SetToolTipWidth(main.window, 300));
-  EXPECT_TRUE(SetToolTipTime(main.window, 10000));
-  EXPECT_TRUE(AddTool(main.window, 20));
+  EXPECT_TRUE(controls().CreateToolTip(main.window));
+  EXPECT_FALSE(controls().CreateToolTip(main.window));
+  EXPECT_TRUE(controls().SetToolTipWidth(main.window, 300));
+  EXPECT_TRUE(controls().SetToolTipTime(main.window, 10000));
+  EXPECT_TRUE(controls().AddTool(main.window, 20));
   EXPECT_EQ(screen.Hover(20), "");
-  EXPECT_TRUE(ActivateToolTip(main.window, true));
+  EXPECT_TRUE(controls().ActivateToolTip(main.window, true));
   EXPECT_EQ(screen.Hover(20), "tip 20");
   EXPECT_EQ(screen.Hover(21), "");
   EXPECT_EQ(screen.ToolTipWidth(), 300);
@@ -1383,22 +1390,22 @@ TEST_F(ScreenTest, ATipComesForAToolWhileTipsAreActive) {
 
 TEST_F(ScreenTest, WithTipsEnabledEveryControlIsAskedFor) {
   Start();
-  EXPECT_FALSE(SetToolTipWidth(main.window, 300));
-  EXPECT_TRUE(EnableToolTips(main.window));
-  EXPECT_TRUE(SetToolTipWidth(main.window, 300));
+  EXPECT_FALSE(controls().SetToolTipWidth(main.window, 300));
+  EXPECT_TRUE(controls().EnableToolTips(main.window));
+  EXPECT_TRUE(controls().SetToolTipWidth(main.window, 300));
   EXPECT_EQ(screen.Hover(21), "tip 21");
-  EXPECT_FALSE(ActivateToolTip(main.window, true));
-  EXPECT_FALSE(EnableToolTips(99));
+  EXPECT_FALSE(controls().ActivateToolTip(main.window, true));
+  EXPECT_FALSE(controls().EnableToolTips(99));
 }
 
 TEST_F(ScreenTest, ATabHasATipOfItsOwn) {
   Start();
-  TabInsertItem(main.window, 32, "Control");
-  CreateToolTip(main.window);
-  ActivateToolTip(main.window, true);
+  controls().TabInsertItem(main.window, 32, "Control");
+  controls().CreateToolTip(main.window);
+  controls().ActivateToolTip(main.window, true);
   EXPECT_EQ(screen.HoverTab(32, 0), "");
-  EXPECT_TRUE(AddTabTool(main.window, 32, 0, "the first"));
-  EXPECT_FALSE(AddTabTool(main.window, 32, 1, "none"));
+  EXPECT_TRUE(controls().AddTabTool(main.window, 32, 0, "the first"));
+  EXPECT_FALSE(controls().AddTabTool(main.window, 32, 1, "none"));
   EXPECT_EQ(screen.HoverTab(32, 0), "the first");
 }
 
@@ -1419,19 +1426,19 @@ class IconTest : public ScreenTest {
 
 TEST_F(IconTest, AnIconIsAddedAndRemovedOnce) {
   EXPECT_EQ(Refusal([&] { screen.IconDoubleClick(); }), "the icon: it isn't there");
-  EXPECT_FALSE(Shell_NotifyIconA(NIM_DELETE, data));
-  EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, data));
-  EXPECT_FALSE(Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(NIM_ADD, data));
   EXPECT_TRUE(screen.IconShown());
   EXPECT_EQ(screen.NotificationIcon().hIcon, 128u);
-  EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, data));
+  EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, data));
   EXPECT_FALSE(screen.IconShown());
-  EXPECT_FALSE(Shell_NotifyIconA(1, data));
+  EXPECT_FALSE(desktop().Shell_NotifyIconA(1, data));
 }
 
 TEST_F(IconTest, TheMouseAboveTheIconSendsItsMessages) {
-  Shell_NotifyIconA(NIM_ADD, data);
-  ShowWindow(main.window, SW_HIDE);
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
+  desktop().ShowWindow(main.window, SW_HIDE);
   screen.IconDoubleClick();
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 513", "message 32768 4 514",
                                  "message 32768 4 515", "message 32768 4 514"}));
@@ -1442,13 +1449,13 @@ TEST_F(IconTest, TheMouseAboveTheIconSendsItsMessages) {
 }
 
 TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {
-  Shell_NotifyIconA(NIM_ADD, data);
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
   const MenuItem items[] = {{"Exit", 50}, {nullptr, 0}, {"Show", 51}};
   main.onMessage = [&](std::uint32_t) {
     if (screen.MenuUp()) return;
     Point point;
-    EXPECT_TRUE(GetCursorPos(&point));
-    EXPECT_TRUE(TrackPopupMenu(main.window, items, TPM_RIGHTBUTTON, point));
+    EXPECT_TRUE(desktop().GetCursorPos(&point));
+    EXPECT_TRUE(desktop().TrackPopupMenu(main.window, items, TPM_RIGHTBUTTON, point));
     main.Note("menu gone");
     main.onMessage = nullptr;
   };
@@ -1470,39 +1477,39 @@ TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {
 
 TEST_F(IconTest, AnIconsOwnMenuGivesItsCommandsWhileNoMenuIsUp) {
   const MenuItem items[] = {{"Exit", 50}, {nullptr, 0}, {"Show", 51}};
-  EXPECT_FALSE(SetNotifyIconMenu(main.window, 4, items)) << "there is no icon";
-  Shell_NotifyIconA(NIM_ADD, data);
-  EXPECT_FALSE(SetNotifyIconMenu(main.window, 3, items));
-  EXPECT_TRUE(SetNotifyIconMenu(main.window, 4, items));
+  EXPECT_FALSE(desktop().SetNotifyIconMenu(main.window, 4, items)) << "there is no icon";
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
+  EXPECT_FALSE(desktop().SetNotifyIconMenu(main.window, 3, items));
+  EXPECT_TRUE(desktop().SetNotifyIconMenu(main.window, 4, items));
   EXPECT_EQ(screen.IconMenu(), (Lines{"Exit", "", "Show"}));
   screen.ChooseIconMenu("Show");
   EXPECT_EQ(main.Diary(), (Lines{"clicked 51"}));
   EXPECT_FALSE(screen.MenuUp());
   EXPECT_EQ(Refusal([&] { screen.ChooseIconMenu(""); }), "ChooseIconMenu: there is no entry \"\"");
-  Shell_NotifyIconA(NIM_DELETE, data);
+  desktop().Shell_NotifyIconA(NIM_DELETE, data);
   EXPECT_EQ(Refusal([&] { screen.ChooseIconMenu("Exit"); }), "the icon: it isn't there");
-  Shell_NotifyIconA(NIM_ADD, data);
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
   EXPECT_EQ(screen.IconMenu(), Lines{}) << "it went with the icon";
 }
 
 TEST_F(IconTest, AMenuThatFailsIsNotShown) {
-  Shell_NotifyIconA(NIM_ADD, data);
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
   const MenuItem items[] = {{"Exit", 50}};
   main.onMessage = [&](std::uint32_t) {
-    main.Note(TrackPopupMenu(main.window, items, 0, {}) ? "shown" : "failed");
+    main.Note(desktop().TrackPopupMenu(main.window, items, 0, {}) ? "shown" : "failed");
   };
   sim.FailNext("TrackPopupMenu");
   screen.IconMessage(4, WM_RBUTTONDOWN);
   EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 516", "failed"}));
   EXPECT_EQ(screen.MenusShown(), 0u);
-  EXPECT_FALSE(TrackPopupMenu(main.window, items, 0, {}));  // not from this thread
+  EXPECT_FALSE(desktop().TrackPopupMenu(main.window, items, 0, {}));  // not from this thread
 }
 
 TEST_F(IconTest, ADismissedMenuGivesNoCommand) {
-  Shell_NotifyIconA(NIM_ADD, data);
+  desktop().Shell_NotifyIconA(NIM_ADD, data);
   const MenuItem items[] = {{"Exit", 50}};
   main.onMessage = [&](std::uint32_t) {
-    TrackPopupMenu(main.window, items, 0, {});
+    desktop().TrackPopupMenu(main.window, items, 0, {});
     main.Note("menu gone");
   };
   screen.IconMessage(4, WM_RBUTTONDOWN);
@@ -1514,31 +1521,31 @@ TEST_F(IconTest, ADismissedMenuGivesNoCommand) {
 // ---- The shell
 
 TEST_F(ScreenTest, AddressesBeepsAndTheCommandLineAreKept) {
-  EXPECT_GT(ShellExecuteA("https://kelvaro.example/"), 32);
+  EXPECT_GT(shell().ShellExecuteA("https://kelvaro.example/"), 32);
   EXPECT_EQ(screen.OpenedAddresses(), (Lines{"https://kelvaro.example/"}));
   sim.FailNext("ShellExecuteA", 2);
-  EXPECT_EQ(ShellExecuteA("https://kelvaro.example/"), 2);
+  EXPECT_EQ(shell().ShellExecuteA("https://kelvaro.example/"), 2);
   EXPECT_EQ(screen.OpenedAddresses().size(), 1u);
-  EXPECT_TRUE(MessageBeep(0));
+  EXPECT_TRUE(shell().MessageBeep(0));
   EXPECT_EQ(screen.Beeps(), 1u);
-  EXPECT_EQ(GetCommandLineA('|'), "kelvaro");
+  EXPECT_EQ(shell().GetCommandLineA('|'), "kelvaro");
   screen.SetCommandLine("kelvaro profile=x");
-  EXPECT_EQ(GetCommandLineA('|'), "kelvaro profile=x");
+  EXPECT_EQ(shell().GetCommandLineA('|'), "kelvaro profile=x");
 }
 
 TEST_F(ScreenTest, FilesAndFoldersAreChosenBeforehandAndQuestionsAreKept) {
   std::string path = "before";
-  EXPECT_FALSE(ChooseFile(5, "Open", false, "/a/b", &path));
+  EXPECT_FALSE(shell().ChooseFile(5, "Open", false, "/a/b", &path));
   screen.ChooseNextPath("");
   screen.ChooseNextPath("/c");
   screen.ChooseNextPath("/d");
-  EXPECT_FALSE(ChooseFile(5, "Save", true, "", &path));
+  EXPECT_FALSE(shell().ChooseFile(5, "Save", true, "", &path));
   EXPECT_EQ(path, "before");
-  EXPECT_TRUE(ChooseFile(5, "Save", true, "", &path));
+  EXPECT_TRUE(shell().ChooseFile(5, "Save", true, "", &path));
   EXPECT_EQ(path, "/c");
   sim.FailNext("ChooseFolder");
-  EXPECT_FALSE(ChooseFolder(5, "Folder", "/a", &path));
-  EXPECT_TRUE(ChooseFolder(5, "Folder", "/a", &path));
+  EXPECT_FALSE(shell().ChooseFolder(5, "Folder", "/a", &path));
+  EXPECT_TRUE(shell().ChooseFolder(5, "Folder", "/a", &path));
   EXPECT_EQ(path, "/d");
   ASSERT_EQ(screen.AskedPaths().size(), 4u);
   EXPECT_EQ(screen.AskedPaths()[0].owner, 5u);
@@ -1551,10 +1558,10 @@ TEST_F(ScreenTest, FilesAndFoldersAreChosenBeforehandAndQuestionsAreKept) {
 }
 
 TEST_F(ScreenTest, HelpComesFromItsLibrary) {
-  const LibraryHandle library = LoadLibraryA("hhctrl.ocx");
+  const LibraryHandle library = shell().LoadLibraryA("hhctrl.ocx");
   ASSERT_NE(library, 0u);
-  EXPECT_EQ(GetHelpFunction(library, 13), nullptr);
-  const HtmlHelpFunction help = GetHelpFunction(library, 14);
+  EXPECT_EQ(shell().GetHelpFunction(library, 13), nullptr);
+  const HtmlHelpFunction help = shell().GetHelpFunction(library, 14);
   ASSERT_NE(help, nullptr);
   std::uint32_t cookie = 0;
   EXPECT_NE(help(0, nullptr, HH_INITIALIZE, reinterpret_cast<std::uintptr_t>(&cookie)), 0u);
@@ -1575,9 +1582,9 @@ TEST_F(ScreenTest, HelpComesFromItsLibrary) {
 TEST_F(ScreenTest, ALibraryCanBeMissing) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
   screen.SetHelpLibrary("C:\\help.ocx", true);
-  EXPECT_EQ(LoadLibraryA("hhctrl.ocx"), 0u);
-  EXPECT_EQ(GetHelpFunction(0, 14), nullptr);
-  EXPECT_NE(LoadLibraryA("C:\\help.ocx"), 0u);
+  EXPECT_EQ(shell().LoadLibraryA("hhctrl.ocx"), 0u);
+  EXPECT_EQ(shell().GetHelpFunction(0, 14), nullptr);
+  EXPECT_NE(shell().LoadLibraryA("C:\\help.ocx"), 0u);
   EXPECT_EQ(screen.LoadedLibraries(), (Lines{"hhctrl.ocx", "C:\\help.ocx"}));
 }
 
@@ -1586,16 +1593,17 @@ TEST_F(ScreenTest, ALibraryCanBeMissing) {
 TEST_F(ScreenTest, CallsAreKeptInOrder) {
   sim.LogCalls(true);
   Start();
-  SetTimer(main.window, 1, 5000);
-  PostMessageA(main.window, WM_APP, 0, 0);
-  SetWindowIcon(main.window, 1, false);
-  ComboSetCurSel(main.window, 30, 1);
-  TabSetCurSel(main.window, 32, 0);
-  DeferWindowPos(BeginDeferWindowPos(3), main.window, 20, {}, SWP_NOZORDER | SWP_NOSIZE);
-  ShowControl(main.window, 20, SW_SHOW);
-  ShowWindow(main.window, SW_HIDE);
-  GetHelpFunction(0, 14);
-  EndDialog(main.window, 3);
+  desktop().SetTimer(main.window, 1, 5000);
+  desktop().PostMessageA(main.window, WM_APP, 0, 0);
+  desktop().SetWindowIcon(main.window, 1, false);
+  controls().ComboSetCurSel(main.window, 30, 1);
+  controls().TabSetCurSel(main.window, 32, 0);
+  controls().DeferWindowPos(controls().BeginDeferWindowPos(3), main.window, 20, {},
+                            SWP_NOZORDER | SWP_NOSIZE);
+  controls().ShowControl(main.window, 20, SW_SHOW);
+  desktop().ShowWindow(main.window, SW_HIDE);
+  shell().GetHelpFunction(0, 14);
+  desktop().EndDialog(main.window, 3);
   EXPECT_EQ(sim.Calls(), (Lines{"RunDialog 100", "SetTimer 1 5000", "PostMessageA 32768",
                                 "SetWindowIcon small", "ComboSetCurSel 30 1", "TabSetCurSel 32 0",
                                 "BeginDeferWindowPos 3", "DeferWindowPos 20 5", "ShowControl 20 5",
@@ -1619,60 +1627,64 @@ TEST_F(ScreenTest, AFailingOperationDoesNothing) {
     std::function<bool()> succeeds;
   };
   const Case cases[] = {
-      {"ShowWindow", [&] { return ShowWindow(window, SW_HIDE); }},
-      {"SetTimer", [&] { return SetTimer(window, 1, 10) != 0; }},
-      {"KillTimer", [&] { return KillTimer(window, 1); }},
+      {"ShowWindow", [&] { return desktop().ShowWindow(window, SW_HIDE); }},
+      {"SetTimer", [&] { return desktop().SetTimer(window, 1, 10) != 0; }},
+      {"KillTimer", [&] { return desktop().KillTimer(window, 1); }},
       {"SetWindowsHookExA",
-       [&] { return (firstHook = SetWindowsHookExA(WH_CBT, &FirstHook)) != 0; }},
-      {"UnhookWindowsHookEx", [&] { return UnhookWindowsHookEx(firstHook); }},
-      {"LoadIconA", [&] { return LoadIconA(128) != 0; }},
-      {"DestroyIcon", [&] { return DestroyIcon(128); }},
-      {"LoadBitmapA", [&] { return LoadBitmapA(145) != 0; }},
-      {"Shell_NotifyIconA", [&] { return Shell_NotifyIconA(NIM_ADD, data); }},
-      {"GetCursorPos", [&] { return GetCursorPos(&point); }},
-      {"GetDesktopRect", [&] { return GetDesktopRect(&rect); }},
-      {"PostMessageA", [&] { return PostMessageA(window, WM_APP, 0, 0); }},
-      {"SetForegroundWindow", [&] { return SetForegroundWindow(window); }},
-      {"SetWindowIcon", [&] { return SetWindowIcon(window, 1, true); }},
+       [&] { return (firstHook = desktop().SetWindowsHookExA(WH_CBT, &FirstHook)) != 0; }},
+      {"UnhookWindowsHookEx", [&] { return desktop().UnhookWindowsHookEx(firstHook); }},
+      {"LoadIconA", [&] { return desktop().LoadIconA(128) != 0; }},
+      {"DestroyIcon", [&] { return desktop().DestroyIcon(128); }},
+      {"LoadBitmapA", [&] { return desktop().LoadBitmapA(145) != 0; }},
+      {"Shell_NotifyIconA", [&] { return desktop().Shell_NotifyIconA(NIM_ADD, data); }},
+      {"GetCursorPos", [&] { return desktop().GetCursorPos(&point); }},
+      {"GetDesktopRect", [&] { return desktop().GetDesktopRect(&rect); }},
+      {"PostMessageA", [&] { return desktop().PostMessageA(window, WM_APP, 0, 0); }},
+      {"SetForegroundWindow", [&] { return desktop().SetForegroundWindow(window); }},
+      {"SetWindowIcon", [&] { return desktop().SetWindowIcon(window, 1, true); }},
       {"MoveWindow",
        [&] {
-         return MoveWindow(window, {0, 0, 500, 500});
+         return desktop().MoveWindow(window, {0, 0, 500, 500});
        }},
-      {"InvalidateRect", [&] { return InvalidateRect(window, {}); }},
-      {"UpdateWindow", [&] { return UpdateWindow(window); }},
-      {"SetControlPos", [&] { return SetControlPos(window, 20, {}, 0); }},
-      {"BeginDeferWindowPos", [&] { return BeginDeferWindowPos(1) != 0; }},
+      {"InvalidateRect", [&] { return desktop().InvalidateRect(window, {}); }},
+      {"UpdateWindow", [&] { return desktop().UpdateWindow(window); }},
+      {"SetControlPos", [&] { return controls().SetControlPos(window, 20, {}, 0); }},
+      {"BeginDeferWindowPos", [&] { return controls().BeginDeferWindowPos(1) != 0; }},
       {"DeferWindowPos",
-       [&] { return DeferWindowPos(BeginDeferWindowPos(1), window, 20, {}, 0) != 0; }},
-      {"EndDeferWindowPos", [&] { return EndDeferWindowPos(BeginDeferWindowPos(1)); }},
-      {"InvalidateControl", [&] { return InvalidateControl(window, 20); }},
-      {"ShowControl", [&] { return ShowControl(window, 21, SW_HIDE); }},
-      {"SetControlFocus", [&] { return SetControlFocus(window, 20); }},
-      {"PostControlMessage", [&] { return PostControlMessage(window, 20, 1); }},
-      {"ComboAddString", [&] { return ComboAddString(window, 30, "x") >= 0; }},
-      {"ComboDeleteString", [&] { return ComboDeleteString(window, 30, 0); }},
-      {"ComboSetCurSel", [&] { return ComboSetCurSel(window, 30, 0); }},
-      {"ListGetColumnOrder", [&] { return ListGetColumnOrder(window, 31, &order); }},
-      {"ListSetColumnOrder", [&] { return ListSetColumnOrder(window, 31, {0}); }},
-      {"ListSetColumnWidth", [&] { return ListSetColumnWidth(window, 31, 0, 9); }},
-      {"TabSetCurSel", [&] { return TabSetCurSel(window, 32, 0); }},
-      {"SetPicture", [&] { return SetPicture(window, 36, 1); }},
-      {"SetHandCursor", [&] { return SetHandCursor(window, 35); }},
-      {"CreateToolTip", [&] { return CreateToolTip(window); }},
-      {"EnableToolTips", [&] { return EnableToolTips(window); }},
-      {"SetToolTipWidth", [&] { return SetToolTipWidth(window, 1); }},
-      {"SetToolTipTime", [&] { return SetToolTipTime(window, 1); }},
-      {"ActivateToolTip", [&] { return ActivateToolTip(window, true); }},
-      {"AddTabTool", [&] { return AddTabTool(window, 32, 0, "x"); }},
-      {"AddTool", [&] { return AddTool(window, 20); }},
-      {"MessageBeep", [&] { return MessageBeep(0); }},
-      {"LoadLibraryA", [&] { return LoadLibraryA("hhctrl.ocx") != 0; }},
-      {"GetHelpFunction", [&] { return GetHelpFunction(1, 14) != nullptr; }},
-      {"MessageBoxA", [&] { return MessageBoxA(window, "", "", MB_OK) != 0; }},
-      {"EndDialog", [&] { return EndDialog(window, 1); }},
+       [&] {
+         return controls().DeferWindowPos(controls().BeginDeferWindowPos(1), window, 20, {}, 0) !=
+                0;
+       }},
+      {"EndDeferWindowPos",
+       [&] { return controls().EndDeferWindowPos(controls().BeginDeferWindowPos(1)); }},
+      {"InvalidateControl", [&] { return controls().InvalidateControl(window, 20); }},
+      {"ShowControl", [&] { return controls().ShowControl(window, 21, SW_HIDE); }},
+      {"SetControlFocus", [&] { return controls().SetControlFocus(window, 20); }},
+      {"PostControlMessage", [&] { return controls().PostControlMessage(window, 20, 1); }},
+      {"ComboAddString", [&] { return controls().ComboAddString(window, 30, "x") >= 0; }},
+      {"ComboDeleteString", [&] { return controls().ComboDeleteString(window, 30, 0); }},
+      {"ComboSetCurSel", [&] { return controls().ComboSetCurSel(window, 30, 0); }},
+      {"ListGetColumnOrder", [&] { return controls().ListGetColumnOrder(window, 31, &order); }},
+      {"ListSetColumnOrder", [&] { return controls().ListSetColumnOrder(window, 31, {0}); }},
+      {"ListSetColumnWidth", [&] { return controls().ListSetColumnWidth(window, 31, 0, 9); }},
+      {"TabSetCurSel", [&] { return controls().TabSetCurSel(window, 32, 0); }},
+      {"SetPicture", [&] { return controls().SetPicture(window, 36, 1); }},
+      {"SetHandCursor", [&] { return controls().SetHandCursor(window, 35); }},
+      {"CreateToolTip", [&] { return controls().CreateToolTip(window); }},
+      {"EnableToolTips", [&] { return controls().EnableToolTips(window); }},
+      {"SetToolTipWidth", [&] { return controls().SetToolTipWidth(window, 1); }},
+      {"SetToolTipTime", [&] { return controls().SetToolTipTime(window, 1); }},
+      {"ActivateToolTip", [&] { return controls().ActivateToolTip(window, true); }},
+      {"AddTabTool", [&] { return controls().AddTabTool(window, 32, 0, "x"); }},
+      {"AddTool", [&] { return controls().AddTool(window, 20); }},
+      {"MessageBeep", [&] { return shell().MessageBeep(0); }},
+      {"LoadLibraryA", [&] { return shell().LoadLibraryA("hhctrl.ocx") != 0; }},
+      {"GetHelpFunction", [&] { return shell().GetHelpFunction(1, 14) != nullptr; }},
+      {"MessageBoxA", [&] { return desktop().MessageBoxA(window, "", "", MB_OK) != 0; }},
+      {"EndDialog", [&] { return desktop().EndDialog(window, 1); }},
   };
-  TabInsertItem(window, 32, "Control");
-  ListInsertColumn(window, 31, "A", 40);
+  controls().TabInsertItem(window, 32, "Control");
+  controls().ListInsertColumn(window, 31, "A", 40);
   main.Diary();
   sim.LogCalls(true);
   for (const Case& one : cases) {

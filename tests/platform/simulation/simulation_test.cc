@@ -11,10 +11,10 @@ namespace {
 TEST(Simulation, KeepsEventsWithTheirTimes) {
   Simulation sim;
   sim.RunFor(120);
-  keybd_event(0x41, 0x1E, 0, 0);
+  input().keybd_event(0x41, 0x1E, 0, 0);
   sim.RunFor(5);
-  keybd_event(0xA5, 0xB8, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
-  mouse_event(MOUSEEVENTF_MOVE | MOUSEEVENTF_WHEEL, 4, -1, -120, 0);
+  input().keybd_event(0xA5, 0xB8, KEYEVENTF_EXTENDEDKEY | KEYEVENTF_KEYUP, 0);
+  input().mouse_event(MOUSEEVENTF_MOVE | MOUSEEVENTF_WHEEL, 4, -1, -120, 0);
   ASSERT_EQ(sim.Events().size(), 3u);
   EXPECT_EQ(sim.Events()[0], SentKey(120, 0x41, 0x1E, 0));
   EXPECT_EQ(sim.EventText(),
@@ -38,23 +38,23 @@ TEST(Simulation, TellsAListenerOfEachEvent) {
   sim.OnEvent([&](const SentEvent& event) { heard += EventText(event) + ";"; });
   sim.KeepEvents(false);
   sim.RunFor(3);
-  keybd_event(1, 2, 0, 0);
-  mouse_event(1, 2, 3, 4, 0);
+  input().keybd_event(1, 2, 0, 0);
+  input().mouse_event(1, 2, 3, 4, 0);
   EXPECT_EQ(heard, "3 key 1 2 0;3 mouse 1 2 3 4;");
   EXPECT_TRUE(sim.Events().empty());
   sim.OnEvent(nullptr);
   sim.KeepEvents(true);
-  keybd_event(1, 2, 2, 0);
+  input().keybd_event(1, 2, 2, 0);
   EXPECT_EQ(sim.EventText(), "3 key 1 2 2\n");
 }
 
 TEST(Simulation, LosesEventsAsPlanned) {
   Simulation sim;
   sim.FailNext("keybd_event");
-  keybd_event(1, 2, 0, 0);
-  keybd_event(3, 4, 0, 0);
+  input().keybd_event(1, 2, 0, 0);
+  input().keybd_event(3, 4, 0, 0);
   sim.FailNext("mouse_event", DIERR_INVALIDPARAM, 2);
-  for (int event = 0; event < 3; ++event) mouse_event(1, event, 0, 0, 0);
+  for (int event = 0; event < 3; ++event) input().mouse_event(1, event, 0, 0, 0);
   EXPECT_EQ(sim.EventText(), "0 key 3 4 0\n0 mouse 1 2 0 0\n");
 }
 
@@ -62,9 +62,9 @@ TEST(DesktopSimulation, AnswersMessageBoxesInOrder) {
   DesktopSimulation sim;
   sim.AnswerMessageBox(IDYES);
   sim.AnswerMessageBox(IDNO);
-  EXPECT_EQ(MessageBoxA(7, "Really?", "Kelvaro", MB_YESNO), IDYES);
-  EXPECT_EQ(MessageBoxA(0, "Sure?", "Kelvaro", MB_YESNO), IDNO);
-  EXPECT_EQ(MessageBoxA(0, "Told.", "Kelvaro", MB_OK), 0) << "not foreseen";
+  EXPECT_EQ(desktop().MessageBoxA(7, "Really?", "Kelvaro", MB_YESNO), IDYES);
+  EXPECT_EQ(desktop().MessageBoxA(0, "Sure?", "Kelvaro", MB_YESNO), IDNO);
+  EXPECT_EQ(desktop().MessageBoxA(0, "Told.", "Kelvaro", MB_OK), 0) << "not foreseen";
   ASSERT_EQ(sim.MessageBoxes().size(), 3u);
   EXPECT_EQ(sim.MessageBoxes()[0].owner, 7u);
   EXPECT_EQ(sim.MessageBoxes()[0].text, "Really?");
@@ -72,36 +72,36 @@ TEST(DesktopSimulation, AnswersMessageBoxesInOrder) {
   EXPECT_EQ(sim.MessageBoxes()[0].type, MB_YESNO);
   sim.AnswerMessageBox(IDOK);
   sim.FailNext("MessageBoxA");
-  EXPECT_EQ(MessageBoxA(0, "Unseen", "Kelvaro", MB_OK), 0);
+  EXPECT_EQ(desktop().MessageBoxA(0, "Unseen", "Kelvaro", MB_OK), 0);
   EXPECT_EQ(sim.MessageBoxes().size(), 3u);
-  EXPECT_EQ(MessageBoxA(0, "Seen", "Kelvaro", MB_OK), IDOK);
+  EXPECT_EQ(desktop().MessageBoxA(0, "Seen", "Kelvaro", MB_OK), IDOK);
 }
 
 TEST(Simulation, HasMessagesForSomeCodes) {
   Simulation sim;
-  EXPECT_EQ(FormatMessageA(2), "The system cannot find the file specified.\r\n");
-  EXPECT_EQ(FormatMessageA(12345), "");
+  EXPECT_EQ(system().FormatMessageA(2), "The system cannot find the file specified.\r\n");
+  EXPECT_EQ(system().FormatMessageA(12345), "");
   sim.SetSystemMessage(12345, "Out of luck.\r\n");
-  EXPECT_EQ(FormatMessageA(12345), "Out of luck.\r\n");
+  EXPECT_EQ(system().FormatMessageA(12345), "Out of luck.\r\n");
   sim.FailNext("FormatMessageA");
-  EXPECT_EQ(FormatMessageA(12345), "");
+  EXPECT_EQ(system().FormatMessageA(12345), "");
 }
 
 TEST(Simulation, FaultsComeAsOftenAsPlanned) {
   Simulation sim;
-  const Handle event = CreateEventA(true, false);
+  const Handle event = threads().CreateEventA(true, false);
   sim.FailNext("SetEvent", DIERR_INVALIDPARAM, 2);
-  EXPECT_FALSE(SetEvent(event));
-  EXPECT_FALSE(SetEvent(event));
-  EXPECT_TRUE(SetEvent(event));
+  EXPECT_FALSE(threads().SetEvent(event));
+  EXPECT_FALSE(threads().SetEvent(event));
+  EXPECT_TRUE(threads().SetEvent(event));
   sim.FailNext("SetEvent", DIERR_INVALIDPARAM, 2);
   sim.FailNext("SetEvent");
-  EXPECT_FALSE(SetEvent(event));
-  EXPECT_TRUE(SetEvent(event)) << "a plan takes the place of the one before";
+  EXPECT_FALSE(threads().SetEvent(event));
+  EXPECT_TRUE(threads().SetEvent(event)) << "a plan takes the place of the one before";
   sim.FailAlways("SetEvent");
-  for (int call = 0; call < 100; ++call) EXPECT_FALSE(SetEvent(event));
+  for (int call = 0; call < 100; ++call) EXPECT_FALSE(threads().SetEvent(event));
   sim.Mend("SetEvent");
-  EXPECT_TRUE(SetEvent(event));
+  EXPECT_TRUE(threads().SetEvent(event));
 }
 
 TEST(SimulationDeathTest, AFaultThatNeverComesEndsTheTest) {
@@ -111,10 +111,10 @@ TEST(SimulationDeathTest, AFaultThatNeverComesEndsTheTest) {
 using SimulationTest = ThreadedTest;
 
 TEST_F(SimulationTest, OperationsFailAsPlannedAndDoNothing) {
-  const Handle event = CreateEventA(true, true);
-  const Handle thread = bodies.Start("worker", [] { Sleep(1); });
+  const Handle event = threads().CreateEventA(true, true);
+  const Handle thread = bodies.Start("worker", [] { clock().Sleep(1); });
   const std::uint32_t timer = bodies.Tick(5, [] {});
-  timeBeginPeriod(5);
+  timers().timeBeginPeriod(5);
   sim.Registry().PutDword("HKCU", "n", 1);
   sim.Registry().PutKey("HKCU\\sub");
   TIMECAPS caps;
@@ -128,34 +128,39 @@ TEST_F(SimulationTest, OperationsFailAsPlannedAndDoNothing) {
     std::function<bool()> works;
   } kOperations[] = {
       {"CreateThread", [&] { return bodies.Start("worker", [] {}) != kInvalidHandle; }},
-      {"GetExitCodeThread", [&] { return GetExitCodeThread(thread, &number); }},
-      {"TerminateThread", [&] { return TerminateThread(thread, 8); }},
-      {"SetCurrentThreadPriority", [] { return SetCurrentThreadPriority(1); }},
-      {"GetCurrentThreadPriority", [] { return GetCurrentThreadPriority() == 1; }},
-      {"SetPriorityClass", [] { return SetPriorityClass(HIGH_PRIORITY_CLASS); }},
-      {"CreateEventA", [] { return CreateEventA(true, true) != kInvalidHandle; }},
-      {"SetEvent", [&] { return SetEvent(event); }},
-      {"ResetEvent", [&] { return ResetEvent(event); }},
-      {"WaitForSingleObject", [&] { return WaitForSingleObject(event, 0) != WAIT_FAILED; }},
+      {"GetExitCodeThread", [&] { return threads().GetExitCodeThread(thread, &number); }},
+      {"TerminateThread", [&] { return threads().TerminateThread(thread, 8); }},
+      {"SetCurrentThreadPriority", [] { return threads().SetCurrentThreadPriority(1); }},
+      {"GetCurrentThreadPriority", [] { return threads().GetCurrentThreadPriority() == 1; }},
+      {"SetPriorityClass", [] { return threads().SetPriorityClass(HIGH_PRIORITY_CLASS); }},
+      {"CreateEventA", [] { return threads().CreateEventA(true, true) != kInvalidHandle; }},
+      {"SetEvent", [&] { return threads().SetEvent(event); }},
+      {"ResetEvent", [&] { return threads().ResetEvent(event); }},
+      {"WaitForSingleObject",
+       [&] { return threads().WaitForSingleObject(event, 0) != WAIT_FAILED; }},
       {"WaitForMultipleObjects",
-       [&] { return WaitForMultipleObjects(1, &event, 0) != WAIT_FAILED; }},
-      {"CloseHandle", [&] { return CloseHandle(event); }},
-      {"timeGetDevCaps", [&] { return timeGetDevCaps(&caps) == TIMERR_NOERROR; }},
-      {"timeBeginPeriod", [] { return timeBeginPeriod(6) == TIMERR_NOERROR; }},
-      {"timeEndPeriod", [] { return timeEndPeriod(5) == TIMERR_NOERROR; }},
+       [&] { return threads().WaitForMultipleObjects(1, &event, 0) != WAIT_FAILED; }},
+      {"CloseHandle", [&] { return threads().CloseHandle(event); }},
+      {"timeGetDevCaps", [&] { return timers().timeGetDevCaps(&caps) == TIMERR_NOERROR; }},
+      {"timeBeginPeriod", [] { return timers().timeBeginPeriod(6) == TIMERR_NOERROR; }},
+      {"timeEndPeriod", [] { return timers().timeEndPeriod(5) == TIMERR_NOERROR; }},
       {"timeSetEvent", [&] { return bodies.Tick(5, [] {}) != 0; }},
-      {"timeKillEvent", [&] { return timeKillEvent(timer) == TIMERR_NOERROR; }},
-      {"RegOpenKeyA", [&] { return RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key) == 0; }},
-      {"RegCreateKeyA", [&] { return RegCreateKeyA(HKEY_CURRENT_USER, "new", &key) == 0; }},
-      {"RegSetValueExA", [&] { return RegSetValueExA(key, "m", REG_NONE, "", 0) == 0; }},
+      {"timeKillEvent", [&] { return timers().timeKillEvent(timer) == TIMERR_NOERROR; }},
+      {"RegOpenKeyA", [&] { return registry().RegOpenKeyA(HKEY_CURRENT_USER, "sub", &key) == 0; }},
+      {"RegCreateKeyA",
+       [&] { return registry().RegCreateKeyA(HKEY_CURRENT_USER, "new", &key) == 0; }},
+      {"RegSetValueExA", [&] { return registry().RegSetValueExA(key, "m", REG_NONE, "", 0) == 0; }},
       {"RegQueryValueExA",
-       [&] { return RegQueryValueExA(key, "m", nullptr, nullptr, nullptr) == 0; }},
+       [&] { return registry().RegQueryValueExA(key, "m", nullptr, nullptr, nullptr) == 0; }},
       {"RegEnumValueA",
-       [&] { return RegEnumValueA(key, 0, name, &size, nullptr, nullptr, nullptr) == 0; }},
-      {"RegEnumKeyA", [&] { return RegEnumKeyA(HKEY_CURRENT_USER, 0, name, 8) == 0; }},
-      {"RegDeleteValueA", [&] { return RegDeleteValueA(key, "m") == 0; }},
-      {"RegCloseKey", [&] { return RegCloseKey(key) == 0; }},
-      {"DirectInput8Create", [&] { return DirectInput8Create(0x0800, &directory) == DI_OK; }},
+       [&] {
+         return registry().RegEnumValueA(key, 0, name, &size, nullptr, nullptr, nullptr) == 0;
+       }},
+      {"RegEnumKeyA", [&] { return registry().RegEnumKeyA(HKEY_CURRENT_USER, 0, name, 8) == 0; }},
+      {"RegDeleteValueA", [&] { return registry().RegDeleteValueA(key, "m") == 0; }},
+      {"RegCloseKey", [&] { return registry().RegCloseKey(key) == 0; }},
+      {"DirectInput8Create",
+       [&] { return devices().DirectInput8Create(0x0800, &directory) == DI_OK; }},
   };
   for (const auto& operation : kOperations) {
     sim.FailNext(operation.name);
@@ -165,24 +170,24 @@ TEST_F(SimulationTest, OperationsFailAsPlannedAndDoNothing) {
 }
 
 TEST_F(SimulationTest, CallsAreKeptInOrderWithWhatTellsThemApart) {
-  CreateEventA(true, false);
+  threads().CreateEventA(true, false);
   EXPECT_TRUE(sim.Calls().empty());
   sim.LogCalls(true);
-  const Handle event = CreateEventA(false, false);
-  const Handle thread =
-      bodies.Start("notification", [] { SetCurrentThreadPriority(THREAD_PRIORITY_TIME_CRITICAL); });
-  WaitForSingleObject(thread, 5);
-  SetEvent(event);
-  CloseHandle(thread);
-  timeKillEvent(bodies.Tick(5, [] {}));
-  keybd_event(1, 2, 0, 0);
+  const Handle event = threads().CreateEventA(false, false);
+  const Handle thread = bodies.Start(
+      "notification", [] { threads().SetCurrentThreadPriority(THREAD_PRIORITY_TIME_CRITICAL); });
+  threads().WaitForSingleObject(thread, 5);
+  threads().SetEvent(event);
+  threads().CloseHandle(thread);
+  timers().timeKillEvent(bodies.Tick(5, [] {}));
+  input().keybd_event(1, 2, 0, 0);
   HKEY key = 0;
-  RegCreateKeyA(HKEY_CURRENT_USER, "a", &key);
-  RegSetValueExA(key, "the name", REG_SZ, "", 1);
-  RegCloseKey(key);
-  RegDeleteValueA(key, "the name");
+  registry().RegCreateKeyA(HKEY_CURRENT_USER, "a", &key);
+  registry().RegSetValueExA(key, "the name", REG_SZ, "", 1);
+  registry().RegCloseKey(key);
+  registry().RegDeleteValueA(key, "the name");
   DirectInput* directory = nullptr;
-  DirectInput8Create(DIRECTINPUT_VERSION_8, &directory);
+  devices().DirectInput8Create(DIRECTINPUT_VERSION_8, &directory);
   directory->Release();
   EXPECT_EQ(sim.Calls(),
             (std::vector<std::string>{
@@ -192,7 +197,7 @@ TEST_F(SimulationTest, CallsAreKeptInOrderWithWhatTellsThemApart) {
                 "RegDeleteValueA ? the name", "DirectInput8Create", "Release DirectInput"}));
   sim.ClearCalls();
   sim.LogCalls(false);
-  SetEvent(event);
+  threads().SetEvent(event);
   EXPECT_TRUE(sim.Calls().empty());
 }
 
@@ -203,17 +208,17 @@ TEST(Simulation, OneGroupCanBeReplaced) {
     void mouse_event(std::uint32_t, std::int32_t, std::int32_t, std::int32_t,
                      std::uint32_t) override {}
     int keys = 0;
-  } input;
+  } counted;
   Simulation sim;
   Platform groups = sim.Groups();
-  groups.input = &input;
+  groups.input = &counted;
   {
     const InstalledPlatform installed(groups);
-    keybd_event(1, 2, 0, 0);
-    Sleep(4);
+    input().keybd_event(1, 2, 0, 0);
+    clock().Sleep(4);
   }
-  keybd_event(1, 2, 0, 0);
-  EXPECT_EQ(input.keys, 1);
+  input().keybd_event(1, 2, 0, 0);
+  EXPECT_EQ(counted.keys, 1);
   EXPECT_EQ(sim.EventText(), "4 key 1 2 0\n");
 }
 
@@ -222,10 +227,10 @@ TEST(Simulation, EachStartsAnew) {
     Simulation sim;
     EXPECT_EQ(sim.Now(), 0u);
     EXPECT_EQ(sim.EventText(), "");
-    EXPECT_EQ(CreateEventA(false, false), 1);
-    keybd_event(1, 2, 0, 0);
+    EXPECT_EQ(threads().CreateEventA(false, false), 1);
+    input().keybd_event(1, 2, 0, 0);
     sim.FailAlways("CreateEventA");
-    EXPECT_EQ(CreateEventA(false, false), kInvalidHandle);
+    EXPECT_EQ(threads().CreateEventA(false, false), kInvalidHandle);
     sim.RunFor(10);
   }
 }

@@ -19,13 +19,13 @@ class Bodies {
  public:
   template <typename Body>
   Handle Start(const char* name, Body body, std::int32_t* id = nullptr) {
-    return CreateThread([](void* stored) { return (*static_cast<Stored*>(stored))(); }, Keep(body),
-                        name, id);
+    return threads().CreateThread([](void* stored) { return (*static_cast<Stored*>(stored))(); },
+                                  Keep(body), name, id);
   }
 
   template <typename Body>
   std::uint32_t Tick(std::uint32_t ms, Body body) {
-    return timeSetEvent(
+    return timers().timeSetEvent(
         ms, 1, [](std::uint32_t, void* stored) { (*static_cast<Stored*>(stored))(); }, Keep(body),
         TIME_PERIODIC);
   }
@@ -48,7 +48,9 @@ class Bodies {
 // "a@5 b@5 ": who came by, and when.
 class Diary {
  public:
-  void Note(const std::string& who) { text += who + "@" + std::to_string(GetTickCount()) + " "; }
+  void Note(const std::string& who) {
+    text += who + "@" + std::to_string(clock().GetTickCount()) + " ";
+  }
   std::string text;
 };
 

@@ -20,7 +20,7 @@ TEST_F(VirtualTimersTest, TickAtTheMultiplesOfThePeriodFromTheCallOn) {
 TEST_F(VirtualTimersTest, PeriodsThatPassDuringACallAreSkipped) {
   bodies.Tick(10, [&] {
     diary.Note("tick");
-    if (GetTickCount() == 20) Sleep(35);
+    if (clock().GetTickCount() == 20) clock().Sleep(35);
   });
   sim.RunUntil(80);
   // 30, 40 and 50 pass while the call of 20 runs until 55.
@@ -30,10 +30,10 @@ TEST_F(VirtualTimersTest, PeriodsThatPassDuringACallAreSkipped) {
 TEST_F(VirtualTimersTest, APeriodAtTheVeryEndOfACallIsNotSkipped) {
   bodies.Tick(10, [&] {
     diary.Note("tick");
-    if (GetTickCount() == 20) Sleep(20);
+    if (clock().GetTickCount() == 20) clock().Sleep(20);
   });
   bodies.Start("notification", [&] {
-    Sleep(40);
+    clock().Sleep(40);
     diary.Note("notification");
   });
   sim.RunUntil(50);
@@ -43,12 +43,12 @@ TEST_F(VirtualTimersTest, APeriodAtTheVeryEndOfACallIsNotSkipped) {
 TEST_F(VirtualTimersTest, OthersRunWhileACallWaits) {
   bodies.Tick(10, [&] {
     diary.Note("in");
-    Sleep(12);
+    clock().Sleep(12);
     diary.Note("out");
   });
   bodies.Start("repeat", [&] {
     for (;;) {
-      Sleep(8);
+      clock().Sleep(8);
       diary.Note("repeat");
     }
   });
@@ -60,8 +60,8 @@ TEST_F(VirtualTimersTest, NoCallStartsBehindAKill) {
   int ticks = 0;
   const std::uint32_t timer = bodies.Tick(5, [&] { ++ticks; });
   sim.RunFor(10);
-  EXPECT_EQ(timeKillEvent(timer), TIMERR_NOERROR);
-  EXPECT_NE(timeKillEvent(timer), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeKillEvent(timer), TIMERR_NOERROR);
+  EXPECT_NE(timers().timeKillEvent(timer), TIMERR_NOERROR);
   sim.RunFor(100);
   EXPECT_EQ(ticks, 2);
 }
@@ -69,11 +69,11 @@ TEST_F(VirtualTimersTest, NoCallStartsBehindAKill) {
 TEST_F(VirtualTimersTest, AKillWaitsForTheCallThatIsUnderWay) {
   const std::uint32_t timer = bodies.Tick(10, [&] {
     diary.Note("in");
-    Sleep(25);
+    clock().Sleep(25);
     diary.Note("out");
   });
   sim.RunFor(15);
-  EXPECT_EQ(timeKillEvent(timer), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeKillEvent(timer), TIMERR_NOERROR);
   EXPECT_EQ(diary.text, "in@10 out@35 ");
   EXPECT_EQ(sim.Now(), 35u);
   sim.RunFor(100);
@@ -86,7 +86,7 @@ TEST_F(VirtualTimersTest, ACallMayKillItsOwnTimer) {
   int ticks = 0;
   timer = bodies.Tick(10, [&] {
     if (++ticks == 3) {
-      EXPECT_EQ(timeKillEvent(timer), TIMERR_NOERROR);
+      EXPECT_EQ(timers().timeKillEvent(timer), TIMERR_NOERROR);
     }
   });
   sim.RunFor(100);
@@ -95,7 +95,7 @@ TEST_F(VirtualTimersTest, ACallMayKillItsOwnTimer) {
 
 TEST_F(VirtualTimersTest, ATimerMayBeKilledBeforeItsFirstTurn) {
   int ticks = 0;
-  timeKillEvent(bodies.Tick(1, [&] { ++ticks; }));
+  timers().timeKillEvent(bodies.Tick(1, [&] { ++ticks; }));
   sim.RunFor(10);
   EXPECT_EQ(ticks, 0);
 }
@@ -113,11 +113,11 @@ TEST_F(VirtualTimersTest, SeveralGoInTheOrderOfTheirMaking) {
 
 TEST_F(VirtualTimersTest, HaveLimits) {
   TIMECAPS caps;
-  EXPECT_EQ(timeGetDevCaps(&caps), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeGetDevCaps(&caps), TIMERR_NOERROR);
   EXPECT_EQ(caps.wPeriodMin, 1u);
   EXPECT_EQ(caps.wPeriodMax, 65535u);
   sim.SetTimerLimits(5, 100);
-  EXPECT_EQ(timeGetDevCaps(&caps), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeGetDevCaps(&caps), TIMERR_NOERROR);
   EXPECT_EQ(caps.wPeriodMin, 5u);
   EXPECT_EQ(caps.wPeriodMax, 100u);
   const auto nothing = [] {};
@@ -127,23 +127,23 @@ TEST_F(VirtualTimersTest, HaveLimits) {
   };
   for (const Case& limit : {Case{0, false}, {4, false}, {5, true}, {100, true}, {101, false}}) {
     EXPECT_EQ(bodies.Tick(limit.ms, nothing) != 0, limit.fits) << limit.ms;
-    EXPECT_EQ(timeBeginPeriod(limit.ms) == TIMERR_NOERROR, limit.fits) << limit.ms;
+    EXPECT_EQ(timers().timeBeginPeriod(limit.ms) == TIMERR_NOERROR, limit.fits) << limit.ms;
   }
-  EXPECT_EQ(timeSetEvent(5, 1, nullptr, nullptr, TIME_PERIODIC), 0u);
-  EXPECT_EQ(timeSetEvent(
+  EXPECT_EQ(timers().timeSetEvent(5, 1, nullptr, nullptr, TIME_PERIODIC), 0u);
+  EXPECT_EQ(timers().timeSetEvent(
                 5, 1, [](std::uint32_t, void*) {}, nullptr, 0),
             0u)
       << "not periodic";
 }
 
 TEST_F(VirtualTimersTest, PeriodsAreGivenBackInPairs) {
-  EXPECT_EQ(timeBeginPeriod(5), TIMERR_NOERROR);
-  EXPECT_EQ(timeBeginPeriod(5), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeBeginPeriod(5), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeBeginPeriod(5), TIMERR_NOERROR);
   EXPECT_EQ(sim.OpenTimerPeriods(), 2u);
-  EXPECT_NE(timeEndPeriod(6), TIMERR_NOERROR);
-  EXPECT_EQ(timeEndPeriod(5), TIMERR_NOERROR);
-  EXPECT_EQ(timeEndPeriod(5), TIMERR_NOERROR);
-  EXPECT_NE(timeEndPeriod(5), TIMERR_NOERROR);
+  EXPECT_NE(timers().timeEndPeriod(6), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeEndPeriod(5), TIMERR_NOERROR);
+  EXPECT_EQ(timers().timeEndPeriod(5), TIMERR_NOERROR);
+  EXPECT_NE(timers().timeEndPeriod(5), TIMERR_NOERROR);
   EXPECT_EQ(sim.OpenTimerPeriods(), 0u);
 }
 

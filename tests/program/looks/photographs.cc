@@ -67,14 +67,15 @@ void Type(QWidget& window, std::uint32_t id, const char* text) {
 
 void ShowTab(DialogWindow& window, int tab) {
   platform::Rect rect;
-  platform::TabGetItemRect(window.Handle(), kTabControl, tab, &rect);
+  platform::controls().TabGetItemRect(window.Handle(), kTabControl, tab, &rect);
   QTest::mouseClick(Widget(window, kTabControl), Qt::LeftButton, {},
                     QPoint((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2));
 }
 
 void SelectRow(DialogWindow& window, int row) {
-  for (int other = 0; other < platform::ListGetItemCount(window.Handle(), kControlList); ++other) {
-    platform::ListSelectItem(window.Handle(), kControlList, other, other == row);
+  for (int other = 0; other < platform::controls().ListGetItemCount(window.Handle(), kControlList);
+       ++other) {
+    platform::controls().ListSelectItem(window.Handle(), kControlList, other, other == row);
   }
 }
 
@@ -194,7 +195,8 @@ void NotificationMenu() {
       menu->close();
     });
     look.start(10);
-    platform::PostMessageA(window.Handle(), kelvaro::WM_TRAY_CALLBACK, 0, platform::WM_RBUTTONDOWN);
+    platform::desktop().PostMessageA(window.Handle(), kelvaro::WM_TRAY_CALLBACK, 0,
+                                     platform::WM_RBUTTONDOWN);
     Stage::Settle(1000);
   });
 }

@@ -338,7 +338,7 @@ TEST_F(RealFilesTest, OnAFullDiskASaveFailsForThatReasonAndLeavesTheOldProfile) 
     std::ofstream(PathOf("rest")) << std::string(100'000, 'x');
     profile.deviceName = "new";
     if (profile.Save()) return 2;
-    if (platform::GetLastError() != static_cast<std::uint32_t>(ENOSPC)) return 3;
+    if (platform::files().GetLastError() != static_cast<std::uint32_t>(ENOSPC)) return 3;
     ProfileFile again;
     if (!again.Load(TextOf(PathOf("P.idprof"))) || Bytes(again.deviceName) != "old") return 4;
     std::filesystem::remove(PathOf("rest"));
@@ -358,7 +358,7 @@ TEST_F(RealFilesTest, WhereTheDiskIsReadOnlyASaveIsKnownToFail) {
     ProfileFile profile;
     profile.profileName = "P";
     if (profile.Save()) return 3;
-    return platform::GetLastError() == static_cast<std::uint32_t>(EROFS) ? 0 : 4;
+    return platform::files().GetLastError() == static_cast<std::uint32_t>(EROFS) ? 0 : 4;
   });
   if (status == 77) GTEST_SKIP() << "nothing may be mounted here";
   EXPECT_EQ(status, 0);

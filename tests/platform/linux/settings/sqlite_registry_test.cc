@@ -738,7 +738,7 @@ TEST_F(ConfigFolderTest, NothingIsTouchedBeforeTheFirstOperation) {
   const InstalledPlatform installed(groups);
   EXPECT_FALSE(std::filesystem::exists(In("config")));
   HKEY key = 0;
-  EXPECT_EQ(platform::RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
+  EXPECT_EQ(platform::registry().RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_SUCCESS);
   EXPECT_TRUE(std::filesystem::exists(In("config/kelvaro/settings.sqlite3")));
 }
 

@@ -22,7 +22,7 @@ class SessionTest : public QtTest {
     data.hWnd = Window();
     data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
     data.uCallbackMessage = kCallback;
-    data.hIcon = LoadIconA(128);
+    data.hIcon = desktop().LoadIconA(128);
     data.szTip[0] = 'K';
     return data;
   }
@@ -33,15 +33,15 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
   ASSERT_EQ(QGuiApplication::platformName(), QLatin1String("xcb"));
   Run([&] {
     const NOTIFYICONDATA icon = Icon();
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, icon));
-    ShowWindow(Window(), SW_HIDE);
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, icon));
+    desktop().ShowWindow(Window(), SW_HIDE);
     Settle();
-    EXPECT_TRUE(IsWindowVisible(Window())) << "nothing could bring it back";
-    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window())) << "nothing could bring it back";
+    EXPECT_TRUE(desktop().IsIconic(Window()));
 
     constexpr MenuItem items[] = {{"Exit", 50}, {"", 0}, {"Show it", 51}};
-    EXPECT_TRUE(SetNotifyIconMenu(Window(), icon.uID, items));
-    EXPECT_FALSE(SetNotifyIconMenu(Window(), 9, items)) << "there is no such icon";
+    EXPECT_TRUE(desktop().SetNotifyIconMenu(Window(), icon.uID, items));
+    EXPECT_FALSE(desktop().SetNotifyIconMenu(Window(), 9, items)) << "there is no such icon";
 
     // The watcher alone shows nothing.
     auto host = std::make_unique<NotificationHost>(false);
@@ -49,18 +49,18 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(host->Item().isEmpty());
     host->Show();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !IsWindowVisible(Window()); }, kSoon));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !desktop().IsWindowVisible(Window()); }, kSoon));
 
     recorder.lines.clear();
     host->Click();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}))
         << "the double click, of which such a host tells nothing";
-    ShowWindow(Window(), SW_SHOW);
-    ShowWindow(Window(), SW_RESTORE);
+    desktop().ShowWindow(Window(), SW_SHOW);
+    desktop().ShowWindow(Window(), SW_RESTORE);
     Settle();
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_FALSE(IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+    EXPECT_FALSE(desktop().IsIconic(Window()));
     EXPECT_FALSE(Dialog()->isMinimized());
 
     recorder.lines.clear();
@@ -74,17 +74,18 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
     EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{"50 clicked"});
 
-    ShowWindow(Window(), SW_HIDE);
-    EXPECT_FALSE(IsWindowVisible(Window()));
+    desktop().ShowWindow(Window(), SW_HIDE);
+    EXPECT_FALSE(desktop().IsWindowVisible(Window()));
     host.reset();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return IsWindowVisible(Window()); }, kSoon));
-    EXPECT_TRUE(IsIconic(Window()));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return desktop().IsWindowVisible(Window()); }, kSoon));
+    EXPECT_TRUE(desktop().IsIconic(Window()));
 
     host = std::make_unique<NotificationHost>();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !IsWindowVisible(Window()); }, kSoon)) << "again";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !desktop().IsWindowVisible(Window()); }, kSoon))
+        << "again";
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_DELETE, icon));
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, icon));
   });
 }
 
@@ -104,21 +105,21 @@ TEST_F(SessionTest, AnIconicWindowThatHidesDoesNotAskToBeShown) {
   QObject::connect(&managing, &QTimer::timeout, handle);
   managing.start(1);
   Run([&] {
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
     EXPECT_TRUE(until([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
     manager.MakeIconic(static_cast<xcb_window_t>(Dialog()->winId()));
-    EXPECT_TRUE(until([&] { return IsIconic(Window()); }));
-    ShowWindow(Window(), SW_HIDE);
+    EXPECT_TRUE(until([&] { return desktop().IsIconic(Window()); }));
+    desktop().ShowWindow(Window(), SW_HIDE);
     EXPECT_TRUE(until([&] { return manager.Withdrawn() == 1; }));
     Settle();
     handle();
     EXPECT_EQ(manager.Shown(), 1);
 
-    ShowWindow(Window(), SW_SHOW);
-    ShowWindow(Window(), SW_RESTORE);
+    desktop().ShowWindow(Window(), SW_SHOW);
+    desktop().ShowWindow(Window(), SW_RESTORE);
     EXPECT_TRUE(until([&] { return manager.Shown() > 1; }));
-    EXPECT_TRUE(IsWindowVisible(Window()));
-    EXPECT_FALSE(IsIconic(Window()));
+    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+    EXPECT_FALSE(desktop().IsIconic(Window()));
   });
 }
 
@@ -126,7 +127,7 @@ TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
   NotificationHost host;
   host.MissOneQuestion();
   Run([&] {
-    EXPECT_TRUE(Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
   });
 }
@@ -143,7 +144,7 @@ TEST_F(SessionTest, WhenABoxHasBeenAnsweredItsOwnerHasTheFocusAgain) {
         if (QWidget* const box = QApplication::activeWindow(); box && box != Dialog()) box->close();
       });
       look.start(10);
-      MessageBoxA(Window(), "A word", "Caption", MB_OK);
+      desktop().MessageBoxA(Window(), "A word", "Caption", MB_OK);
       EXPECT_TRUE(Dialog()->isActiveWindow()) << "what is typed now gets lost";
     }
   });

@@ -1,13 +1,11 @@
-#include "app/platform/linux/cut_off.h"
-
-#include <unistd.h>
+#include "app/platform/cut_off.h"
 
 namespace platform {
 
 constinit thread_local const std::atomic<bool>* cutOffFlag = nullptr;
 
 void ParkForever() {
-  for (;;) pause();
+  for (;;) cutOffFlag->wait(true);
 }
 
 }  // namespace platform
