@@ -28,7 +28,7 @@ bool IsFile(const std::string& path) {
 
 // Whether there is what a load falls back on when the file is of no use.
 bool HasTemporary(const std::string& path) {
-  return path.ends_with(kStoredExtension) && IsFile(path + ".tmp");
+  return path.ends_with(ProfileFile::kExtension) && IsFile(path + ".tmp");
 }
 
 bool LooksLikeJson(const std::string& bytes) {
@@ -87,7 +87,7 @@ std::string StoredNames(const std::string& wanted) {
 
 }  // namespace
 
-bool IsStoredProfile(const std::string& bytes) { return bytes.starts_with(kStoredMagic); }
+bool IsStoredProfile(const std::string& bytes) { return bytes.starts_with(ProfileFile::kMagic); }
 
 bool ReadProfileBytes(const std::string& bytes, const std::string& name, ProfileFile* profile,
                       ProfileFault* fault) {
@@ -101,7 +101,7 @@ bool ReadProfileBytes(const std::string& bytes, const std::string& name, Profile
   if (ReadProfile(bytes, profile, &problem)) return true;
   fault->message = problem.Text(name);
   fault->detail = problem.detail;
-  if (name.ends_with(kStoredExtension)) {
+  if (name.ends_with(ProfileFile::kExtension)) {
     fault->message = name + ": neither a stored profile nor one in JSON";
     fault->detail.clear();
   }

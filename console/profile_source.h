@@ -12,9 +12,6 @@ namespace kelvaro::console {
 // taken apart as a whole, at some fifty bytes of memory for each of the file.
 constexpr std::size_t kMostProfile = 8;
 
-constexpr char kStoredMagic[] = "XBF";
-constexpr char kStoredExtension[] = ".idprof";
-
 // Why there is no profile: one line that names what and where, and lines to show below it.
 struct ProfileFault {
   std::string message;

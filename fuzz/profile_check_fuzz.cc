@@ -26,7 +26,8 @@ void Check(bool holds, const char* what, const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // Random bytes seldom begin with a magic, and all else is JSON, which has a target of its own.
-  const std::string bytes = kStoredMagic + std::string(reinterpret_cast<const char*>(data), size);
+  const std::string bytes =
+      ProfileFile::kMagic + std::string(reinterpret_cast<const char*>(data), size);
   const ProfileReport report = CheckProfile(bytes, "f");
   bool damage = false;
   for (const Finding& finding : report.findings) {

@@ -77,7 +77,7 @@ const ProfileList* FindProfileList(std::uint32_t id) {
   return found == std::end(kProfileLists) ? nullptr : found;
 }
 
-ProfileFile::ProfileFile() { magic = "XBF"; }
+ProfileFile::ProfileFile() { magic = kMagic; }
 
 // Reading
 

@@ -59,6 +59,8 @@ constexpr std::uint32_t kActionFlagsIndex = 3;
 
 class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
  public:
+  static constexpr char kMagic[] = "XBF";
+
   ProfileFile();
 
   // Replaces this profile by that of a file. False when anything of it couldn't be read. The

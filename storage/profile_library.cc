@@ -14,7 +14,6 @@ namespace kelvaro {
 
 namespace {
 
-constexpr char kExtension[] = ".idprof";
 constexpr char kPattern[] = "*.idprof";
 constexpr char kForbidden[] = "\\/*?\"<>|:";
 constexpr char kDamaged[] = ".damaged";
@@ -22,7 +21,7 @@ constexpr std::uint32_t kLongestFileName = 255;  // bytes, on file systems in us
 constexpr int kMostCopies = 1000;
 
 static_assert(ProfileLibrary::kLongestName ==
-              kLongestFileName - (sizeof kExtension - 1) - (sizeof ".tmp" - 1));
+              kLongestFileName - (sizeof ProfileLibrary::kExtension - 1) - (sizeof ".tmp" - 1));
 
 constexpr char kFolder[] = "Profiles";
 

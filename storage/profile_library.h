@@ -13,6 +13,7 @@ namespace kelvaro {
 
 class ProfileLibrary {
  public:
+  static constexpr char kExtension[] = ".idprof";
   // How many characters of a profile's name a file name takes: the 255 bytes of a file system, less
   // ".idprof" and the ".tmp" of a save.
   static constexpr std::uint32_t kLongestName = 244;
