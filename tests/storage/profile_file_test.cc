@@ -338,54 +338,43 @@ TEST_F(ProfileFileTest, TimingsAreThoseOfTheirListOrElseOfTheLastAction) {
 
 // ---- Triggers
 
-TEST_F(ProfileFileTest, ATriggerOf9BytesKeepsItsOption) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({List(6, {Field(TriggerField(0, 0x30, 0).substr(0, 9))})}),
-                              OldControl({List(6, {Field(TriggerField(0, 0x30, 0))})}),
-                              OldControl({List(6, {Field(TriggerField(0, 0x30, 2))})})}));
-  EXPECT_EQ(ControlOf(profile, 0).triggerOption, 1);
-  EXPECT_EQ(ControlOf(profile, 0).activateOnPress, 0);
-  EXPECT_EQ(ControlOf(profile, 0).buttonMask, 0x30u);
-  EXPECT_EQ(ControlOf(profile, 0).buttonCount, 2u);
-  EXPECT_EQ(ControlOf(profile, 1).triggerOption, 0);
-  EXPECT_EQ(ControlOf(profile, 2).triggerOption, 1);
+// "press mask option" and "kind/index/value" of each item.
+std::string TriggerOf(const Control& control) {
+  std::string text = std::to_string(control.activateOnPress) + " " +
+                     std::to_string(control.buttonMask) + " " +
+                     std::to_string(control.triggerOption);
+  for (const TriggerItem& item : control.triggerItems) {
+    text += " " + std::to_string(item.kind) + "/" + std::to_string(item.index) + "/" +
+            std::to_string(item.value);
+  }
+  return text;
 }
 
-TEST_F(ProfileFileTest, ATriggersMaskCutShortIsASmallerNumber) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({List(6, {Field(std::string("\x01\x01\x02", 3))})})}));
-  EXPECT_EQ(ControlOf(profile).buttonMask, 0x0102u);
-  EXPECT_EQ(ControlOf(profile).buttonCount, 2u);
-  EXPECT_EQ(ControlOf(profile).triggerOption, 1);
-}
-
-TEST_F(ProfileFileTest, TriggerItemsCutShortReadAsSmallerNumbers) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({List(6, {Field(TriggerField(1, 0, 1)), Field("\x08"),
-                                                   Field(Big(8, 2) + "\x02"), Field("")})})}));
-  const LinkedList<TriggerItem>& items = ControlOf(profile).triggerItems;
-  ASSERT_EQ(items.count, 3);
-  EXPECT_EQ(items.At(0)->value->kind, 8);
-  EXPECT_EQ(items.At(0)->value->index, 0);
-  EXPECT_EQ(items.At(1)->value->kind, 8);
-  EXPECT_EQ(items.At(1)->value->index, 2);
-  EXPECT_EQ(items.At(2)->value->kind, 0);
-  EXPECT_EQ(items.At(2)->value->value, 0);
-}
-
-TEST_F(ProfileFileTest, ASecondTriggerTakesThePlaceOfTheFirst) {
-  ProfileFile profile;
-  ASSERT_TRUE(
-      LoadControls(&profile, {OldControl({List(6, {Field(TriggerField(0, 1, 0)), Field(Big(1, 6))}),
-                                          List(6, {Field("")})})}));
-  const Control& control = ControlOf(profile);
-  EXPECT_EQ(control.activateOnPress, 0) << "an empty field reads as 0";
-  EXPECT_EQ(control.buttonMask, 0u);
-  EXPECT_EQ(control.triggerOption, 1);
-  EXPECT_EQ(control.triggerItems.count, 0);
+TEST_F(ProfileFileTest, ATriggerCutShortReadsAsSmallerNumbersAndKeepsItsOption) {
+  const std::string field = TriggerField(0, 0x30, 0);
+  const struct {
+    const char* why;
+    Chunks lists;
+    const char* trigger;
+  } kRows[] = {
+      {"whole", {List(6, {Field(field)})}, "0 48 0"},
+      {"an option that is neither 0 nor 1", {List(6, {Field(TriggerField(0, 0x30, 2))})}, "0 48 1"},
+      {"without the option", {List(6, {Field(field.substr(0, 9))})}, "0 48 1"},
+      {"in the mask", {List(6, {Field(FromHex("01 0102"))})}, "1 258 1"},
+      {"in its items",
+       {List(6, {Field(field), Field("\x08"), Field(Big(8, 2) + "\x02"), Field("")})},
+       "0 48 0 8/0/0 8/2/0 0/0/0"},
+      {"a second one, empty, in the place of the first",
+       {List(6, {Field(field), Field(Big(1, 6))}), List(6, {Field("")})},
+       "0 0 1"},
+  };
+  for (const auto& row : kRows) {
+    ProfileFile profile;
+    ASSERT_TRUE(LoadControls(&profile, {OldControl(row.lists)})) << row.why;
+    const Control& control = ControlOf(profile);
+    EXPECT_EQ(TriggerOf(control), row.trigger) << row.why;
+    EXPECT_EQ(control.buttonCount, CountButtons(control.buttonMask)) << row.why;
+  }
 }
 
 TEST_F(ProfileFileTest, ATriggerWithoutItsFieldIsAFailure) {
