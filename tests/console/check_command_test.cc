@@ -104,11 +104,10 @@ TEST(CheckCommand, WarnsOfKeysThatDependOnTheDesktop) {
 
 TEST(CheckCommand, LeavesTheFileAndItsTemporaryAsTheyAre) {
   const TestFile damaged("p.idprof", SmallProfile("P").substr(0, 60));
-  const TestFile temporary("p.idprof.tmp", SmallProfile("P"));
-  ASSERT_EQ(temporary.path, damaged.path + ".tmp");
+  const std::string temporary = tests::Put(damaged.path + ".tmp", SmallProfile("P"));
   EXPECT_EQ(Kelvaroctl({"check", damaged.path}).status, 1);
-  EXPECT_EQ(FileBytes(damaged.path), SmallProfile("P").substr(0, 60));
-  EXPECT_EQ(FileBytes(temporary.path), SmallProfile("P"));
+  EXPECT_EQ(tests::Content(damaged.path), SmallProfile("P").substr(0, 60));
+  EXPECT_EQ(tests::Content(temporary), SmallProfile("P"));
 }
 
 TEST(CheckCommand, ItsHelpNamesEveryKindOfFinding) {
@@ -141,7 +140,7 @@ TEST_F(ExampleProfiles, LoadWithNothingToBeFound) {
   const std::vector<std::string> files = Files();
   EXPECT_EQ(files.size(), 5U);
   for (const std::string& file : files) {
-    const std::string stored = Store("example.idprof", FileBytes(file));
+    const std::string stored = Store("example.idprof", tests::Content(file));
     for (const std::string& path : {file, stored}) {
       const Outcome outcome = Kelvaroctl({"check", path});
       EXPECT_EQ(outcome.status, 0) << file << outcome.err;
@@ -156,7 +155,7 @@ TEST_F(ExampleProfiles, HaveANameAndADescriptionOfEachControl) {
   for (const std::string& file : Files()) {
     ProfileFile profile;
     ProfileFault fault;
-    ASSERT_TRUE(ReadProfileBytes(FileBytes(file), file, &profile, &fault)) << fault.message;
+    ASSERT_TRUE(ReadProfileBytes(tests::Content(file), file, &profile, &fault)) << fault.message;
     // The build names the file after it.
     const std::string name = Bytes(profile.profileName);
     EXPECT_EQ(Bytes(ProfileLibrary::ProfileFileName(profile.profileName)), name + ".idprof");
@@ -175,7 +174,7 @@ TEST_F(ExampleProfiles, NoControlNeedsAButtonThatTheMouseHasForGood) {
   for (const std::string& file : Files()) {
     ProfileFile profile;
     ProfileFault fault;
-    ASSERT_TRUE(ReadProfileBytes(FileBytes(file), file, &profile, &fault)) << fault.message;
+    ASSERT_TRUE(ReadProfileBytes(tests::Content(file), file, &profile, &fault)) << fault.message;
     if (!profile.mouseAlwaysActive) continue;
     const std::uint64_t taken = profile.leftMask | profile.middleMask | profile.rightMask;
     for (const Control& control : profile.controls) {

@@ -3,14 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "console/kelvaroctl.h"
+#include "tests/host/files.h"
 
 namespace kelvaro::console {
 
@@ -30,25 +28,17 @@ inline Outcome Kelvaroctl(const std::vector<std::string>& words) {
   return outcome;
 }
 
-// A file of this test alone.
+// A file in a folder of its own.
 class TestFile {
  public:
   TestFile(const std::string& name, const std::string& content)
-      : path(testing::TempDir() + "kelvaro_" + Test() + "_" + name) {
-    std::ofstream(path, std::ios::binary) << content;
-  }
-  ~TestFile() { std::filesystem::remove(path); }
-  TestFile(const TestFile&) = delete;
-  TestFile& operator=(const TestFile&) = delete;
-
-  const std::string path;
+      : path(tests::Put(folder.In(name), content)) {}
 
  private:
-  static std::string Test() {
-    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-    std::replace(name.begin(), name.end(), '/', '_');
-    return name;
-  }
+  const tests::TemporaryFolder folder;
+
+ public:
+  const std::string path;
 };
 
 }  // namespace kelvaro::console

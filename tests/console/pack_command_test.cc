@@ -10,18 +10,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A path of this test at which nothing lies before and after it.
-class OutFile {
- public:
-  explicit OutFile(const std::string& name = "out.idprof")
-      : path(testing::TempDir() + "kelvaro_" +
-             testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + name) {
-    fs::remove_all(path);
-  }
-  ~OutFile() { fs::remove_all(path); }
-  OutFile(const OutFile&) = delete;
-  OutFile& operator=(const OutFile&) = delete;
+// A path in a folder of its own, at which nothing lies.
+struct OutFile {
+  explicit OutFile(const std::string& name = "out.idprof") : path(folder.In(name)) {}
 
+  const tests::TemporaryFolder folder;
   const std::string path;
 };
 
@@ -53,7 +46,7 @@ TEST(PackCommand, WritesTheseBytes) {
                List(7, {Field(OldTimings(0, 500, 50, 0)), Field(FromHex("4100")),
                         List(13, {Field(FromHex("1E"))}), NumberField(0)}),
                List(14, {Field(Timings(0, 500, 50, 0, 0))})});
-  EXPECT_EQ(FileBytes(out.path),
+  EXPECT_EQ(tests::Content(out.path),
             ProfileBytes({TypeList(), RevisionList(), NameList("A", 2),
                           List(11, {Field(""), Field(Big(8, 4)), Field(std::string(16, '\0'))}),
                           List(12, {Field(mouse)}), List(4, {control})}));
@@ -70,7 +63,7 @@ TEST(PackCommand, TakesWhatShowPrints) {
   ASSERT_EQ(shown.status, 0) << shown.err;
   const TestFile json("json", shown.out);
   ASSERT_EQ(Kelvaroctl({"pack", json.path, second.path}).status, 0);
-  EXPECT_EQ(FileBytes(second.path), FileBytes(first.path));
+  EXPECT_EQ(tests::Content(second.path), tests::Content(first.path));
   EXPECT_EQ(Kelvaroctl({"show", "--json", second.path}).out, shown.out);
 }
 
@@ -112,11 +105,11 @@ TEST(PackCommand, AFailureLeavesWhatWasThere) {
   const TestFile bad("bad", "{");
   const TestFile out("out", "before");
   EXPECT_EQ(Kelvaroctl({"pack", bad.path, out.path}).status, 1);
-  EXPECT_EQ(FileBytes(out.path), "before");
+  EXPECT_EQ(tests::Content(out.path), "before");
   EXPECT_EQ(Kelvaroctl({"pack", out.path + "none", out.path}).status, 1);
-  EXPECT_EQ(FileBytes(out.path), "before");
+  EXPECT_EQ(tests::Content(out.path), "before");
   ASSERT_EQ(Kelvaroctl({"pack", good.path, out.path}).status, 0);
-  EXPECT_EQ(FileBytes(out.path).substr(0, 5), "XBF" + Big(1, 2));
+  EXPECT_EQ(tests::Content(out.path).substr(0, 5), "XBF" + Big(1, 2));
   EXPECT_EQ(Beside(out.path).size(), 1U);
 }
 
@@ -175,7 +168,7 @@ TEST(PackCommand, AWriteThatFailsLeavesNothing) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "kelvaroctl: " + out.path + ": File too large\n");
     EXPECT_EQ(Beside(out.path).size(), existed ? 1U : 0U);
-    EXPECT_EQ(FileBytes(out.path), existed ? "before" : "");
+    EXPECT_EQ(tests::Content(out.path), existed ? "before" : "");
   }
 }
 

@@ -85,7 +85,7 @@ TEST_F(ShowCommand, JsonIsTheSameForEveryWayToIt) {
     const StandardInput input(kWalk);
     EXPECT_EQ(Kelvaroctl({"show", "--json", "-"}).out, fromJson.out);
   }
-  const StandardInput input(FileBytes(stored));
+  const StandardInput input(tests::Content(stored));
   EXPECT_EQ(Kelvaroctl({"show", "--json", "-"}).out, fromJson.out);
 }
 
@@ -114,17 +114,15 @@ TEST_F(ShowCommand, TakesAnyStoredName) {
 TEST_F(ShowCommand, AFileWinsOverAName) {
   Put("p.idprof", SmallProfile("Walk"));
   const fs::path before = fs::current_path();
-  const fs::path here = testing::TempDir() + "kelvaro_show_here";
-  fs::remove_all(here);
-  fs::create_directories(here / "Walk");
-  fs::current_path(here);
+  const tests::TemporaryFolder here;
+  fs::create_directory(here.In("Walk"));
+  fs::current_path(here.folder);
   // A folder is no file.
   EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", "Walk"})), "Walk");
-  fs::remove(here / "Walk");
-  std::ofstream(here / "Walk") << R"({"profileName":"of the file"})";
+  fs::remove(here.In("Walk"));
+  tests::Put(here.In("Walk"), R"({"profileName":"of the file"})");
   EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", "Walk"})), "of the file");
   fs::current_path(before);
-  fs::remove_all(here);
 }
 
 TEST_F(ShowCommand, AWrongNameIsAnsweredWithTheStoredOnesTheMostSimilarFirst) {
@@ -174,7 +172,7 @@ TEST_F(ShowCommand, AFileCutShortGivesWayToItsTemporary) {
     const std::string path = Put("p.idprof", left);
     Put("p.idprof.tmp", SmallProfile("P"));
     EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", path})), "P");
-    EXPECT_EQ(FileBytes(path), SmallProfile("P"));
+    EXPECT_EQ(tests::Content(path), SmallProfile("P"));
     EXPECT_FALSE(fs::exists(path + ".tmp"));
   }
   const std::string path = Put("p.idprof", "");
@@ -188,7 +186,7 @@ TEST_F(ShowCommand, ATemporaryNeverTakesThePlaceOfJson) {
   const std::string path = Put("p.idprof", json);
   Put("p.idprof.tmp", SmallProfile("Old"));
   EXPECT_EQ(NameIn(Kelvaroctl({"show", "--json", path})), "J");
-  EXPECT_EQ(FileBytes(path), json);
+  EXPECT_EQ(tests::Content(path), json);
 }
 
 TEST_F(ShowCommand, AGoodFileAndItsTemporaryStayAsTheyAre) {

@@ -6,18 +6,11 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "tests/console/console_run.h"
 
 namespace kelvaro::console {
-
-inline std::string FileBytes(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Standard input comes from a file of this test.
 class StandardInput {
@@ -58,9 +51,7 @@ class StoredProfiles : public testing::Test {
 
   // Full path of the file.
   std::string Put(const std::string& fileName, const std::string& bytes) {
-    std::filesystem::create_directory(folder);
-    std::ofstream(folder / fileName, std::ios::binary) << bytes;
-    return folder / fileName;
+    return tests::Put(folder / fileName, bytes);
   }
   // Packs a profile in JSON.
   std::string Store(const std::string& fileName, const std::string& json) {
