@@ -20,8 +20,4 @@ class Clock {
 // Of the installed platform; see platform.h.
 Clock& clock();
 
-// For callers of old; they go.
-void Sleep(std::uint32_t ms);
-std::uint32_t GetTickCount();
-
 }  // namespace platform

@@ -245,44 +245,4 @@ class Desktop {
 // Of the installed platform; see platform.h.
 Desktop& desktop();
 
-// For callers of old; they go.
-std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
-                         std::uint32_t type);
-void DismissBoxesOfOtherThreads();
-void Tell(const std::string& text);
-std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner, WindowListener& listener);
-bool EndDialog(WindowHandle window, std::int32_t result);
-bool ShowWindow(WindowHandle window, std::int32_t command);
-bool IsWindowVisible(WindowHandle window);
-bool IsIconic(WindowHandle window);
-bool IsZoomed(WindowHandle window);
-bool SetForegroundWindow(WindowHandle window);
-bool SetWindowTextA(WindowHandle window, const std::string& text);
-bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large);
-bool GetWindowRect(WindowHandle window, Rect* rect);
-bool GetClientRect(WindowHandle window, Rect* rect);
-bool MoveWindow(WindowHandle window, const Rect& rect);
-bool InvalidateRect(WindowHandle window, const Rect& rect);
-bool UpdateWindow(WindowHandle window);
-bool GetDesktopRect(Rect* rect);
-std::int32_t GetSystemMetrics(std::int32_t index);
-Colour GetSysColor(std::int32_t index);
-bool GetCursorPos(Point* point);
-std::uint16_t GetKeyState(std::uint8_t vk);
-bool PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
-                  std::intptr_t lParam);
-std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms);
-bool KillTimer(WindowHandle window, std::uint32_t id);
-HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure);
-bool UnhookWindowsHookEx(HookHandle hook);
-std::intptr_t CallNextHookEx(HookHandle hook, std::int32_t code, std::uintptr_t wParam,
-                             std::intptr_t lParam);
-IconHandle LoadIconA(std::uint32_t id);
-bool DestroyIcon(IconHandle icon);
-BitmapHandle LoadBitmapA(std::uint32_t id);
-bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data);
-bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id, std::span<const MenuItem> items);
-bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
-                    Point screen);
-
 }  // namespace platform

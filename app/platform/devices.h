@@ -77,7 +77,4 @@ class Devices {
 // Of the installed platform; see platform.h.
 Devices& devices();
 
-// For callers of old; they go.
-HRESULT DirectInput8Create(std::uint32_t version, DirectInput** directInput);
-
 }  // namespace platform

@@ -140,22 +140,4 @@ class System {
 Files& files();
 System& system();
 
-// For callers of old; they go.
-char PathSeparator();
-std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
-                                  std::uint32_t share, std::uint32_t disposition);
-bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists);
-bool DeleteFileA(const std::string& path);
-std::uint32_t GetFileAttributesA(const std::string& path);
-bool SetFileAttributesA(const std::string& path, std::uint32_t attributes);
-bool CreateDirectoryA(const std::string& path);
-std::unique_ptr<FileSearch> FindFirstFileA(const std::string& pattern, FindData* data);
-std::string GetCurrentDirectoryA();
-bool SetCurrentDirectoryA(const std::string& path);
-std::string GetModuleFileNameA();
-std::uint32_t GetLogicalDrives();
-std::uint32_t GetLastError();
-std::string FormatMessageA(std::uint32_t code);
-std::string GetUserDataFolder();
-
 }  // namespace platform

@@ -38,9 +38,4 @@ class Input {
 // Of the installed platform; see platform.h.
 Input& input();
 
-// For callers of old; they go.
-void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags, std::uint32_t extra);
-void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
-                 std::uint32_t extra);
-
 }  // namespace platform

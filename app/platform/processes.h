@@ -59,13 +59,4 @@ class Processes {
 // Of the installed platform; see platform.h.
 Processes& processes();
 
-// For callers of old; they go.
-std::uint32_t GetCurrentProcessId();
-bool ListProcesses(std::vector<RunningProcess>* list);
-bool CreateProcessA(const std::string& application, const std::string& commandLine,
-                    std::uint32_t flags, const std::string* folder,
-                    PROCESS_INFORMATION* information);
-bool EnumWindows(std::vector<TopLevelWindow>* list);
-bool PostToWindow(WindowHandle window, std::uint32_t message);
-
 }  // namespace platform

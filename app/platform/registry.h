@@ -71,19 +71,4 @@ class Registry {
 // Of the installed platform; see platform.h.
 Registry& registry();
 
-// For callers of old; they go.
-std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened);
-std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened);
-std::uint32_t RegCloseKey(HKEY key);
-std::uint32_t RegQueryValueExA(HKEY key, const std::string& name, std::uint32_t* type, void* data,
-                               std::uint32_t* size);
-std::uint32_t RegSetValueExA(HKEY key, const std::string& name, std::uint32_t type,
-                             const void* data, std::uint32_t size);
-std::uint32_t RegDeleteValueA(HKEY key, const std::string& name);
-std::uint32_t RegEnumValueA(HKEY key, std::uint32_t index, char* name, std::uint32_t* nameSize,
-                            std::uint32_t* type, void* data, std::uint32_t* size);
-std::uint32_t RegEnumKeyA(HKEY key, std::uint32_t index, char* name, std::uint32_t nameSize);
-void BeginWrites();
-std::uint32_t EndWrites();
-
 }  // namespace platform

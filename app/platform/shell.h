@@ -55,15 +55,4 @@ class Shell {
 // Of the installed platform; see platform.h.
 Shell& shell();
 
-// For callers of old; they go.
-std::intptr_t ShellExecuteA(const std::string& target);
-bool MessageBeep(std::uint32_t type);
-LibraryHandle LoadLibraryA(const std::string& name);
-HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal);
-std::string GetCommandLineA(char quoteSub);
-bool ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
-                const std::string& suggested, std::string* path);
-bool ChooseFolder(WindowHandle owner, const std::string& title, const std::string& suggested,
-                  std::string* path);
-
 }  // namespace platform

@@ -78,20 +78,4 @@ class Threads {
 // Of the installed platform; see platform.h.
 Threads& threads();
 
-// For callers of old; they go.
-std::int32_t GetCurrentThreadId();
-Handle CreateThread(ThreadEntry entry, void* parameter, const char* name, std::int32_t* threadId);
-bool GetExitCodeThread(Handle thread, std::uint32_t* exitCode);
-bool TerminateThread(Handle thread, std::uint32_t exitCode);
-bool SetCurrentThreadPriority(std::int32_t priority);
-std::int32_t GetCurrentThreadPriority();
-bool SetPriorityClass(std::uint32_t priorityClass);
-Handle CreateEventA(bool manualReset, bool initialState);
-bool SetEvent(Handle event);
-bool ResetEvent(Handle event);
-std::uint32_t WaitForSingleObject(Handle handle, std::uint32_t timeoutMs);
-std::uint32_t WaitForMultipleObjects(std::uint32_t count, const Handle* handles,
-                                     std::uint32_t timeoutMs);
-bool CloseHandle(Handle handle);
-
 }  // namespace platform

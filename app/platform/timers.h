@@ -40,12 +40,4 @@ class Timers {
 // Of the installed platform; see platform.h.
 Timers& timers();
 
-// For callers of old; they go.
-std::uint32_t timeGetDevCaps(TIMECAPS* caps);
-std::uint32_t timeBeginPeriod(std::uint32_t periodMs);
-std::uint32_t timeEndPeriod(std::uint32_t periodMs);
-std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
-                           TimerCallback callback, void* user, std::uint32_t flags);
-std::uint32_t timeKillEvent(std::uint32_t timerId);
-
 }  // namespace platform
