@@ -33,19 +33,8 @@ RankedLocks& Ranked() {
 }
 
 const char* NameOf(LockRank rank) {
-  switch (rank) {
-    case LockRank::None:
-      return "None";
-    case LockRank::Device:
-      return "Device";
-    case LockRank::Mouse:
-      return "Mouse";
-    case LockRank::Profile:
-      return "Profile";
-    case LockRank::Repeat:
-      return "Repeat";
-  }
-  return "unknown";
+  constexpr const char* kNames[] = {"None", "Device", "Mouse", "Profile", "Repeat"};
+  return kNames[static_cast<std::size_t>(rank)];
 }
 
 void EnterRanked(const RecursiveLock* lock, LockRank rank) {

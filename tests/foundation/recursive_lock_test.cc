@@ -45,13 +45,9 @@ class RecursiveLockTest : public ::testing::Test {
   std::vector<std::unique_ptr<std::function<void()>>> bodies;
 };
 
-TEST_F(RecursiveLockTest, NewOneIsFree) {
-  const RecursiveLock lock;
-  ExpectFree(lock);
-}
-
-TEST_F(RecursiveLockTest, TwoAcquiresAndTwoReleasesLeaveItFree) {
+TEST_F(RecursiveLockTest, IsFreeAtFirstAndAfterAsManyReleasesAsAcquires) {
   RecursiveLock lock;
+  ExpectFree(lock);
   EXPECT_TRUE(lock.Acquire(1));
   EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
   EXPECT_EQ(lock.Holders(), 1);
@@ -91,12 +87,16 @@ TEST_F(RecursiveLockTest, ReleaseByAnotherThreadChangesNothing) {
   EXPECT_EQ(lock.Depth(), 2);
 }
 
-TEST_F(RecursiveLockTest, TryAcquireTakesAFreeLockAndTheOwnersOwn) {
-  RecursiveLock lock;
-  EXPECT_TRUE(lock.TryAcquire());
-  EXPECT_TRUE(lock.TryAcquire());
-  EXPECT_EQ(lock.Depth(), 2);
-  EXPECT_EQ(lock.Owner(), platform::threads().GetCurrentThreadId());
+TEST_F(RecursiveLockTest, OneTryTakesAFreeLockAndTheOwnersOwn) {
+  RecursiveLock byTry;
+  RecursiveLock byWaitOfNone;
+  for (const std::int32_t depth : {1, 2}) {
+    EXPECT_TRUE(byTry.TryAcquire());
+    EXPECT_EQ(byTry.Depth(), depth);
+    EXPECT_TRUE(byWaitOfNone.Acquire(0));
+    EXPECT_EQ(byWaitOfNone.Depth(), depth);
+  }
+  EXPECT_EQ(byTry.Owner(), platform::threads().GetCurrentThreadId());
 }
 
 TEST_F(RecursiveLockTest, TryAcquireOfAnothersLockGivesUpAtOnce) {
@@ -119,12 +119,6 @@ TEST_F(RecursiveLockTest, TryAcquireOfAnothersLockGivesUpAtOnce) {
   EXPECT_EQ(lock.Depth(), 1);
   lock.Release();
   ExpectFree(lock);
-}
-
-TEST_F(RecursiveLockTest, AcquireWithoutAWaitIsOneTry) {
-  RecursiveLock lock;
-  EXPECT_TRUE(lock.Acquire(0));
-  EXPECT_EQ(lock.Depth(), 1);
 }
 
 TEST_F(RecursiveLockTest, AcquireTriesAgainAfterEachWait) {
