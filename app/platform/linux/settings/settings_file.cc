@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/home_folders.h"
 
 namespace platform {
@@ -66,22 +67,12 @@ std::uint32_t ErrorCode(int result) {
 // Keeps other programs from making or setting aside a file of the folder. Where a folder can't be
 // locked, as on some network file systems, the other one may see its work set aside: rare, and
 // nothing is lost by it.
-class FolderLock {
- public:
-  explicit FolderLock(const std::string& file) {
-    const std::string folder = std::filesystem::path(file).parent_path();
-    fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) flock(fd, LOCK_EX);
-  }
-  ~FolderLock() {
-    if (fd >= 0) close(fd);
-  }
-  FolderLock(const FolderLock&) = delete;
-  FolderLock& operator=(const FolderLock&) = delete;
-
- private:
-  int fd;
-};
+Descriptor LockFolderOf(const std::string& file) {
+  const std::string folder = std::filesystem::path(file).parent_path();
+  Descriptor lock(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (lock) flock(lock.Get(), LOCK_EX);
+  return lock;
+}
 
 // A name that nothing has yet.
 std::string NameAside(const std::string& path) {
@@ -97,17 +88,17 @@ std::string NameAside(const std::string& path) {
 // Bound texts must outlive it.
 class SettingsFile::Statement {
  public:
-  Statement(sqlite3* database, const char* sql) {
-    prepared = sqlite3_prepare_v2(database, sql, -1, &statement, nullptr);
+  // `values` are bound in their order, from ?1 on.
+  template <typename... Values>
+  explicit Statement(sqlite3* database, const char* sql, const Values&... values)
+      : prepared(sqlite3_prepare_v2(database, sql, -1, &statement, nullptr)) {
+    int place = 0;
+    (Bind(++place, values), ...);
   }
   ~Statement() { sqlite3_finalize(statement); }
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
 
-  void Bind(int place, std::int64_t number) { sqlite3_bind_int64(statement, place, number); }
-  void Bind(int place, const std::string& text) {
-    sqlite3_bind_text(statement, place, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
-  }
   void BindBytes(int place, const std::string& bytes) {
     sqlite3_bind_blob(statement, place, bytes.data(), static_cast<int>(bytes.size()),
                       SQLITE_STATIC);
@@ -116,6 +107,11 @@ class SettingsFile::Statement {
   bool IsPrepared() const { return prepared == SQLITE_OK; }
   // SQLITE_ROW, SQLITE_DONE, or a failure.
   int Step() { return prepared == SQLITE_OK ? sqlite3_step(statement) : prepared; }
+  // SQLITE_OK for a row, `none` without one, or a failure.
+  int Row(int none) {
+    const int result = Step();
+    return result == SQLITE_ROW ? SQLITE_OK : result == SQLITE_DONE ? none : result;
+  }
   // For what gives no rows.
   int Finish() {
     const int result = Step();
@@ -128,10 +124,21 @@ class SettingsFile::Statement {
     const int size = sqlite3_column_bytes(statement, column);
     return bytes ? std::string(static_cast<const char*>(bytes), size) : std::string();
   }
+  // Of "name, type, data".
+  int Take(StoredValue* value) {
+    const int result = Row(SQLITE_NOTFOUND);
+    if (result == SQLITE_OK) *value = {Bytes(0), static_cast<std::uint32_t>(Number(1)), Bytes(2)};
+    return result;
+  }
 
  private:
+  void Bind(int place, std::int64_t number) { sqlite3_bind_int64(statement, place, number); }
+  void Bind(int place, const std::string& text) {
+    sqlite3_bind_text(statement, place, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+  }
+
   sqlite3_stmt* statement = nullptr;
-  int prepared;
+  const int prepared;
 };
 
 SettingsFile::SettingsFile(std::string path, Kind kind,
@@ -161,8 +168,7 @@ int SettingsFile::Check(bool make) {
                {"SELECT count(*) FROM sqlite_schema", &tables}};
   for (const auto& fact : facts) {
     Statement statement(database, fact.sql);
-    const int result = statement.Step();
-    if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_CORRUPT : result;
+    if (const int result = statement.Row(SQLITE_CORRUPT)) return result;
     *fact.number = statement.Number(0);
   }
   if (tables == 0 && application == 0 && version == 0) {
@@ -176,8 +182,7 @@ int SettingsFile::Check(bool make) {
   if (application != kApplicationId) return SQLITE_NOTADB;
   if (version > kVersion) return SQLITE_PERM;  // a later program's: neither read nor lost
   Statement whole(database, "PRAGMA quick_check(1)");
-  const int result = whole.Step();
-  if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_CORRUPT : result;
+  if (const int result = whole.Row(SQLITE_CORRUPT)) return result;
   if (whole.Bytes(0) != "ok") return SQLITE_CORRUPT;
   const Statement keys(database, "SELECT id, parent, name FROM key");
   const Statement values(database, "SELECT id, key, name, type, data FROM value");
@@ -211,7 +216,7 @@ int SettingsFile::Open(bool make) {
   if (!isThere || found.st_size == 0) {
     if (!make) return SQLITE_EMPTY;
     if (!MakeFolders(std::filesystem::path(path).parent_path())) return SQLITE_CANTOPEN;
-    const FolderLock lock(path);
+    const Descriptor lock = LockFolderOf(path);
     const int result = OpenAs(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, true);
     if (result == SQLITE_OK && stat(path.c_str(), &opened) != 0) opened = {};
     return result;
@@ -230,7 +235,7 @@ int SettingsFile::Open(bool make) {
 
 bool SettingsFile::SetAside() {
   Close();
-  const FolderLock lock(path);
+  const Descriptor lock = LockFolderOf(path);
   struct stat found = {};
   if (stat(path.c_str(), &found) != 0) return true;
   std::string trouble;
@@ -291,25 +296,32 @@ std::uint32_t SettingsFile::Run(bool writes, const Work& work) {
   return ErrorCode(result);
 }
 
+int SettingsFile::FindBelow(std::int64_t* id, const std::string& name) {
+  Statement statement(database, "SELECT id FROM key WHERE parent = ?1 AND name = ?2", *id, name);
+  const int result = statement.Row(SQLITE_NOTFOUND);
+  if (result == SQLITE_OK) *id = statement.Number(0);
+  return result;
+}
+
 int SettingsFile::Find(const Key& key, std::int64_t* id) {
   *id = 0;
-  for (const std::string& name : key) {
-    Statement statement(database, "SELECT id FROM key WHERE parent = ?1 AND name = ?2");
-    statement.Bind(1, *id);
-    statement.Bind(2, name);
-    const int result = statement.Step();
-    if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_NOTFOUND : result;
-    *id = statement.Number(0);
-  }
+  for (const std::string& name : key)
+    if (const int result = FindBelow(id, name)) return result;
   return SQLITE_OK;
+}
+
+std::uint32_t SettingsFile::RunAt(const Key& key, bool writes,
+                                  const std::function<int(std::int64_t id)>& work) {
+  return Run(writes, [&] {
+    std::int64_t id = 0;
+    const int result = Find(key, &id);
+    return result == SQLITE_OK ? work(id) : result;
+  });
 }
 
 std::uint32_t SettingsFile::FindKey(const Key& key) {
   if (key.empty()) return ERROR_SUCCESS;
-  return Run(false, [&] {
-    std::int64_t id = 0;
-    return Find(key, &id);
-  });
+  return RunAt(key, false, [](std::int64_t) { return SQLITE_OK; });
 }
 
 std::uint32_t SettingsFile::MakeKey(const Key& key) {
@@ -319,48 +331,30 @@ std::uint32_t SettingsFile::MakeKey(const Key& key) {
   return Run(true, [&] {
     std::int64_t id = 0;
     for (const std::string& name : key) {
-      Statement add(database, "INSERT OR IGNORE INTO key (parent, name) VALUES (?1, ?2)");
-      add.Bind(1, id);
-      add.Bind(2, name);
+      Statement add(database, "INSERT OR IGNORE INTO key (parent, name) VALUES (?1, ?2)", id, name);
       if (const int result = add.Finish()) return result;
-      Statement statement(database, "SELECT id FROM key WHERE parent = ?1 AND name = ?2");
-      statement.Bind(1, id);
-      statement.Bind(2, name);
-      const int result = statement.Step();
-      if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_CORRUPT : result;
-      id = statement.Number(0);
+      if (const int result = FindBelow(&id, name))
+        return result == SQLITE_NOTFOUND ? SQLITE_CORRUPT : result;
     }
     return SQLITE_OK;
   });
 }
 
 std::uint32_t SettingsFile::Read(const Key& key, const std::string& name, StoredValue* value) {
-  return Run(false, [&] {
-    std::int64_t id = 0;
-    if (const int result = Find(key, &id)) return result;
-    Statement statement(database,
-                        "SELECT name, type, data FROM value WHERE key = ?1 AND name = ?2");
-    statement.Bind(1, id);
-    statement.Bind(2, name);
-    const int result = statement.Step();
-    if (result != SQLITE_ROW) return result == SQLITE_DONE ? SQLITE_NOTFOUND : result;
-    *value = {statement.Bytes(0), static_cast<std::uint32_t>(statement.Number(1)),
-              statement.Bytes(2)};
-    return SQLITE_OK;
+  return RunAt(key, false, [&](std::int64_t id) {
+    Statement statement(database, "SELECT name, type, data FROM value WHERE key = ?1 AND name = ?2",
+                        id, name);
+    return statement.Take(value);
   });
 }
 
 std::uint32_t SettingsFile::Write(const Key& key, const StoredValue& value) {
-  return Run(true, [&] {
-    std::int64_t id = 0;
-    if (const int result = Find(key, &id)) return result;
+  return RunAt(key, true, [&](std::int64_t id) {
     Statement statement(database,
                         "INSERT INTO value (key, name, type, data) VALUES (?1, ?2, ?3, ?4)"
                         " ON CONFLICT (key, name) DO UPDATE"
-                        " SET type = excluded.type, data = excluded.data");
-    statement.Bind(1, id);
-    statement.Bind(2, value.name);
-    statement.Bind(3, value.type);
+                        " SET type = excluded.type, data = excluded.data",
+                        id, value.name, value.type);
     statement.BindBytes(4, value.data);
     return statement.Finish();
   });
@@ -370,12 +364,8 @@ std::uint32_t SettingsFile::Delete(const Key& key, const std::string& name) {
   StoredValue value;
   const std::uint32_t found = Read(key, name, &value);
   if (found != ERROR_SUCCESS) return found;
-  return Run(true, [&] {
-    std::int64_t id = 0;
-    if (const int result = Find(key, &id)) return result;
-    Statement statement(database, "DELETE FROM value WHERE key = ?1 AND name = ?2");
-    statement.Bind(1, id);
-    statement.Bind(2, name);
+  return RunAt(key, true, [&](std::int64_t id) {
+    Statement statement(database, "DELETE FROM value WHERE key = ?1 AND name = ?2", id, name);
     const int result = statement.Finish();
     if (result != SQLITE_OK) return result;
     return sqlite3_changes(database) == 1 ? SQLITE_OK : SQLITE_NOTFOUND;
@@ -383,35 +373,24 @@ std::uint32_t SettingsFile::Delete(const Key& key, const std::string& name) {
 }
 
 std::uint32_t SettingsFile::ValueAt(const Key& key, std::uint32_t index, StoredValue* value) {
-  const std::uint32_t result = Run(false, [&] {
-    std::int64_t id = 0;
-    if (const int found = Find(key, &id)) return found;
+  const std::uint32_t result = RunAt(key, false, [&](std::int64_t id) {
     Statement statement(database,
                         "SELECT name, type, data FROM value WHERE key = ?1 ORDER BY id"
-                        " LIMIT 1 OFFSET ?2");
-    statement.Bind(1, id);
-    statement.Bind(2, index);
-    const int found = statement.Step();
-    if (found != SQLITE_ROW) return found == SQLITE_DONE ? SQLITE_NOTFOUND : found;
-    *value = {statement.Bytes(0), static_cast<std::uint32_t>(statement.Number(1)),
-              statement.Bytes(2)};
-    return SQLITE_OK;
+                        " LIMIT 1 OFFSET ?2",
+                        id, index);
+    return statement.Take(value);
   });
   return result == ERROR_SUCCESS ? ERROR_SUCCESS : ERROR_NO_MORE_ITEMS;
 }
 
 std::uint32_t SettingsFile::KeyAt(const Key& key, std::uint32_t index, std::string* name) {
-  const std::uint32_t result = Run(false, [&] {
-    std::int64_t id = 0;
-    if (const int found = Find(key, &id)) return found;
+  const std::uint32_t result = RunAt(key, false, [&](std::int64_t id) {
     Statement statement(database,
-                        "SELECT name FROM key WHERE parent = ?1 ORDER BY id LIMIT 1 OFFSET ?2");
-    statement.Bind(1, id);
-    statement.Bind(2, index);
-    const int found = statement.Step();
-    if (found != SQLITE_ROW) return found == SQLITE_DONE ? SQLITE_NOTFOUND : found;
-    *name = statement.Bytes(0);
-    return SQLITE_OK;
+                        "SELECT name FROM key WHERE parent = ?1 ORDER BY id LIMIT 1 OFFSET ?2", id,
+                        index);
+    const int found = statement.Row(SQLITE_NOTFOUND);
+    if (found == SQLITE_OK) *name = statement.Bytes(0);
+    return found;
   });
   return result == ERROR_SUCCESS ? ERROR_SUCCESS : ERROR_NO_MORE_ITEMS;
 }

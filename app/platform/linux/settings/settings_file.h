@@ -59,6 +59,8 @@ class SettingsFile {
   // aside, and `work` tried once more.
   std::uint32_t Run(bool writes, const Work& work);
   int RunOnce(bool writes, const Work& work);
+  // Run for what works on one key: ERROR_FILE_NOT_FOUND when the key isn't there.
+  std::uint32_t RunAt(const Key& key, bool writes, const std::function<int(std::int64_t id)>& work);
   // SQLITE_EMPTY: it isn't there, and wasn't to be made.
   int Open(bool make);
   int OpenAs(int flags, bool make);
@@ -71,8 +73,10 @@ class SettingsFile {
   // Ends the transaction: keeps what it wrote if the result so far is SQLITE_OK.
   int End(int result);
 
-  // The id of a key, -1 when it isn't there.
+  // The id of a key; SQLITE_NOTFOUND when it isn't there.
   int Find(const Key& key, std::int64_t* id);
+  // Replaces the id of a key by that of its subkey.
+  int FindBelow(std::int64_t* id, const std::string& name);
 
   const std::string path;
   const Kind kind;
