@@ -1,12 +1,32 @@
-// A file descriptor that is closed with its object.
+// A file descriptor that is closed with its object, and the calls that a signal may interrupt.
 #pragma once
 
 #include <errno.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace platform {
+
+// Makes a system call until no signal interrupts it.
+template <typename Call>
+auto Retry(Call call) {
+  for (;;) {
+    const auto result = call();
+    if (result >= 0 || errno != EINTR) return result;
+  }
+}
+
+// False, with errno set, for a failure; *written then tells how much went out.
+inline bool WriteAll(int fd, const char* data, std::size_t size, std::size_t* written) {
+  for (*written = 0; *written < size;) {
+    const ssize_t n = Retry([&] { return write(fd, data + *written, size - *written); });
+    if (n < 0) return false;
+    *written += static_cast<std::size_t>(n);
+  }
+  return true;
+}
 
 class Descriptor {
  public:

@@ -6,51 +6,38 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
-#include "app/platform/byte_text.h"
 #include "app/platform/linux/descriptor.h"
+#include "app/platform/linux/program_file.h"
 
 namespace platform {
 namespace {
 
 // As far as it can be read: a process may end meanwhile, or be another user's.
-std::vector<std::string> NamesIn(const std::string& folder) {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-       entry.increment(error))
-    names.push_back(entry->path().filename());
-  return names;
-}
-
 bool HasOpen(const std::string& process, const std::string& path) {
-  const std::string folder = "/proc/" + process + "/fd";
-  const std::vector<std::string> names = NamesIn(folder);
-  return std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-    std::error_code error;
-    return std::filesystem::read_symlink(folder + "/" + name, error) == path;
-  });
+  std::error_code error;
+  for (std::filesystem::directory_iterator file("/proc/" + process + "/fd", error), end;
+       !error && file != end; file.increment(error)) {
+    std::error_code closed;
+    if (std::filesystem::read_symlink(file->path(), closed) == path) return true;
+  }
+  return false;
 }
 
 }  // namespace
 
 std::vector<OtherProgram> ProgramsWithOpen(const std::string& path) {
   std::vector<OtherProgram> programs;
-  for (const std::string& name : NamesIn("/proc")) {
-    const auto process = ParseWholeNumber(name);
-    if (!process) continue;
-    OtherProgram program;
-    program.process = static_cast<std::uint32_t>(*process);
-    if (program.process == static_cast<std::uint32_t>(getpid()) || !HasOpen(name, path)) continue;
+  for (const std::uint32_t process : ProcessesIn("/proc")) {
+    const std::string name = std::to_string(process);
+    if (process == static_cast<std::uint32_t>(getpid()) || !HasOpen(name, path)) continue;
+    OtherProgram program{process, {}};
     std::ifstream text("/proc/" + name + "/comm");
     std::getline(text, program.name);
     programs.push_back(std::move(program));
   }
-  std::sort(programs.begin(), programs.end(),
-            [](const auto& a, const auto& b) { return a.process < b.process; });
   return programs;
 }
 

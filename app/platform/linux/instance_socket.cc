@@ -1,6 +1,5 @@
 #include "app/platform/linux/instance_socket.h"
 
-#include <dirent.h>
 #include <errno.h>
 #include <poll.h>
 #include <stdlib.h>
@@ -10,14 +9,10 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstring>
 #include <optional>
-#include <string_view>
 #include <utility>
 
-#include "app/platform/byte_text.h"
-#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/program_file.h"
 
@@ -59,6 +54,10 @@ bool Address(const std::string& path, sockaddr_un* address) {
   return true;
 }
 
+Descriptor MakeSocket() {
+  return Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
 std::string SocketPath(const std::string& folder, std::uint32_t process) {
   return folder + "/" + std::to_string(process) + kSuffix;
 }
@@ -80,30 +79,15 @@ bool IsOneOfUs(int connection) {
 
 bool Readable(int fd, int ms) {
   pollfd wanted{fd, POLLIN, 0};
-  int result;
-  do result = poll(&wanted, 1, ms);
-  while (result < 0 && errno == EINTR);
-  return result > 0;
-}
-
-void Signal(int event) {
-  const std::uint64_t one = 1;
-  // An event descriptor takes 8 bytes unless its counter is at its end, where it is signalled, too.
-  if (write(event, &one, sizeof one) < 0) return;
-}
-
-void AwaitSignal(int event) {
-  std::uint64_t count = 0;
-  while (read(event, &count, sizeof count) < 0 && errno == EINTR) {
-  }
+  return Retry([&] { return poll(&wanted, 1, ms); }) > 0;
 }
 
 // False when the instance isn't there, isn't one of us or doesn't answer in time.
 bool Ask(const std::string& path, const Request& request, Answer* answer) {
   sockaddr_un address;
   if (!Address(path, &address)) return false;
-  const Descriptor connection(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-  if (connection.Get() < 0) return false;
+  const Descriptor connection = MakeSocket();
+  if (!connection) return false;
   if (connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
     return false;
   if (!IsOneOfUs(connection.Get())) return false;
@@ -139,53 +123,49 @@ std::unique_ptr<InstanceSocket> InstanceSocket::Open(const std::string& folder,
   if (folder.empty()) return nullptr;
   const std::string path = SocketPath(folder, static_cast<std::uint32_t>(getpid()));
   if (!Address(path, &address)) return nullptr;
-  made->listener = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  made->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  made->ended = eventfd(0, EFD_CLOEXEC);
-  if (made->listener < 0 || made->wake < 0 || made->ended < 0) return nullptr;
+  made->listener = MakeSocket();
+  made->wake = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+  made->ended = Descriptor(eventfd(0, EFD_CLOEXEC));
+  if (!made->listener || !made->wake || !made->ended) return nullptr;
   Instances(folder);     // so that those of crashed ones don't pile up
   unlink(path.c_str());  // of a crashed one that had the same id
   const mode_t before = umask(0177);
   const bool bound =
-      bind(made->listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+      bind(made->listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   umask(before);
   if (!bound) return nullptr;
   made->path = path;
   made->windows = std::move(windows);
   made->post = std::move(post);
-  if (listen(made->listener, 16) != 0 || !StartDetachedThread(Listen, made.get())) {
-    close(std::exchange(made->ended, -1));  // no thread to wait for
-    return nullptr;
-  }
-  return made;
+  if (listen(made->listener.Get(), 16) != 0) return nullptr;
+  made->listens = StartDetachedThread(Listen, made.get());
+  return made->listens ? std::move(made) : nullptr;
 }
 
 InstanceSocket::~InstanceSocket() {
   if (!path.empty()) unlink(path.c_str());
-  if (!path.empty() && ended >= 0) {
-    Signal(wake);
-    AwaitSignal(ended);
-  }
-  for (const int fd : {listener, wake, ended})
-    if (fd >= 0) close(fd);
+  if (!listens) return;
+  eventfd_write(wake.Get(), 1);
+  eventfd_t count;
+  Retry([&] { return eventfd_read(ended.Get(), &count); });
 }
 
 void* InstanceSocket::Listen(void* argument) {
   NameCurrentThread("instances");
   InstanceSocket& self = *static_cast<InstanceSocket*>(argument);
   for (;;) {
-    pollfd wanted[] = {{self.wake, POLLIN, 0}, {self.listener, POLLIN, 0}};
+    pollfd wanted[] = {{self.wake.Get(), POLLIN, 0}, {self.listener.Get(), POLLIN, 0}};
     if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
     if (wanted[0].revents != 0) break;
     const Descriptor connection(
-        accept4(self.listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-    if (connection.Get() >= 0) {
+        accept4(self.listener.Get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+    if (connection) {
       self.Serve(connection.Get());
     } else if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) {
-      Readable(self.wake, kRequestWithinMs);  // out of descriptors or memory: not in circles
+      Readable(self.wake.Get(), kRequestWithinMs);  // out of descriptors or memory: not in circles
     }
   }
-  Signal(self.ended);
+  eventfd_write(self.ended.Get(), 1);
   return nullptr;
 }
 
@@ -218,24 +198,12 @@ void InstanceSocket::Serve(int connection) {
 }
 
 std::vector<std::uint32_t> Instances(const std::string& folder) {
-  std::vector<std::uint32_t> processes;
-  DIR* const entries = folder.empty() ? nullptr : opendir(folder.c_str());
-  if (!entries) return processes;
-  while (const dirent* entry = readdir(entries)) {
-    std::string_view name = entry->d_name;
-    if (!name.ends_with(kSuffix)) continue;
-    name.remove_suffix(std::string_view(kSuffix).size());
-    const auto number = ParseWholeNumber(name);
-    if (!number || *number > UINT32_MAX) continue;
-    const auto process = static_cast<std::uint32_t>(*number);
-    if (access(("/proc/" + std::to_string(process)).c_str(), F_OK) == 0) {
-      processes.push_back(process);
-    } else {
-      unlink(SocketPath(folder, process).c_str());
-    }
-  }
-  closedir(entries);
-  std::sort(processes.begin(), processes.end());
+  std::vector<std::uint32_t> processes = ProcessesIn(folder, kSuffix);
+  std::erase_if(processes, [&](std::uint32_t process) {
+    if (access(("/proc/" + std::to_string(process)).c_str(), F_OK) == 0) return false;
+    unlink(SocketPath(folder, process).c_str());
+    return true;
+  });
   return processes;
 }
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/platform/linux/descriptor.h"
 
 namespace platform {
 
@@ -49,9 +50,10 @@ class InstanceSocket {
   void Serve(int connection);
 
   std::string path;
-  int listener = -1;
-  int wake = -1;   // an event descriptor: it is to end
-  int ended = -1;  // the same: the thread has
+  Descriptor listener;
+  Descriptor wake;       // an event descriptor: it is to end
+  Descriptor ended;      // the same: the thread has
+  bool listens = false;  // there is a thread
   WindowSource windows;
   WindowPost post;
 };

@@ -7,6 +7,7 @@
 #include <array>
 #include <utility>
 
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/key_map.h"
 
 namespace platform {
@@ -95,10 +96,7 @@ void KernelEvents::OnFailure(std::function<void(const std::string&)> listener) {
 
 void KernelEvents::Send(int fd, const input_event* events, std::size_t count) {
   const std::size_t size = count * sizeof *events;
-  ssize_t written;
-  do {
-    written = write(fd, events, size);
-  } while (written < 0 && errno == EINTR);
+  const ssize_t written = Retry([&] { return write(fd, events, size); });
   if (written == static_cast<ssize_t>(size)) return;
   const int reason = written < 0 ? errno : EIO;
   if (failed.fetch_add(1) == 0 && failureListener) failureListener(strerror(reason));

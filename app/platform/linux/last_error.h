@@ -7,9 +7,17 @@ namespace platform {
 
 extern constinit thread_local int lastError;  // an errno value
 
-inline bool Fail(int error = errno) {
+// What an operation gives that fails: false, null, an empty text.
+struct Failure {
+  template <typename Result>
+  operator Result() const {
+    return Result();
+  }
+};
+
+inline Failure Fail(int error = errno) {
   lastError = error;
-  return false;
+  return {};
 }
 
 }  // namespace platform

@@ -20,6 +20,7 @@
 #include "app/platform/file_pattern.h"
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/last_error.h"
+#include "app/platform/linux/program_file.h"
 
 namespace platform {
 namespace {
@@ -30,14 +31,6 @@ constexpr mode_t kPermissions = 07777;
 constexpr int kLongestChainOfLinks = 40;  // the kernel's own limit
 constexpr int kMostDeletions = 100;       // of one file, one after the other, while it is opened
 constexpr char kAccessList[] = "system.posix_acl_access";
-
-template <typename Call>
-auto Retry(Call call) {
-  for (;;) {
-    const auto result = call();
-    if (result >= 0 || errno != EINTR) return result;
-  }
-}
 
 bool HasZeroByte(const std::string& path) { return path.find('\0') != std::string::npos; }
 
@@ -107,18 +100,7 @@ Descriptor Open(const std::string& path, int flags, bool claims, bool isWriting)
     // claim is one to nothing.
     if (IsAt(path, file)) return file;
   }
-  Fail(EBUSY);
-  return Descriptor();
-}
-
-bool WriteAll(int fd, const char* data, std::size_t size, std::size_t* written) {
-  *written = 0;
-  while (*written < size) {
-    const ssize_t n = Retry([&] { return write(fd, data + *written, size - *written); });
-    if (n < 0) return Fail();
-    *written += static_cast<std::size_t>(n);
-  }
-  return true;
+  return Fail(EBUSY);
 }
 
 class LinuxFile final : public File {
@@ -142,7 +124,7 @@ class LinuxFile final : public File {
 
   bool WriteFile(const void* data, std::uint32_t size, std::uint32_t* written) override {
     std::size_t done = 0;
-    const bool good = WriteAll(Fd(), static_cast<const char*>(data), size, &done);
+    const bool good = WriteAll(Fd(), static_cast<const char*>(data), size, &done) || Fail();
     *written = static_cast<std::uint32_t>(done);
     return good;
   }
@@ -194,9 +176,8 @@ bool Describe(int folder, const std::string& name, bool isLink, FindData* data) 
   struct statx status;
   const unsigned wanted = STATX_BASIC_STATS | STATX_BTIME;
   if (statx(folder, name.c_str(), 0, wanted, &status) != 0 &&
-      (!isLink || statx(folder, name.c_str(), AT_SYMLINK_NOFOLLOW, wanted, &status) != 0)) {
+      (!isLink || statx(folder, name.c_str(), AT_SYMLINK_NOFOLLOW, wanted, &status) != 0))
     return Fail();
-  }
   data->name = name;
   data->attributes = AttributesOf(status.stx_mode);
   if (isLink) {
@@ -269,7 +250,7 @@ bool CopyBytes(int from, int to) {
     if (n == 0) return true;
     if (n < 0) return Fail();
     std::size_t written = 0;
-    if (!WriteAll(to, buffer.data(), static_cast<std::size_t>(n), &written)) return false;
+    if (!WriteAll(to, buffer.data(), static_cast<std::size_t>(n), &written)) return Fail();
   }
 }
 
@@ -279,13 +260,11 @@ bool TakeOver(int file, const std::string& path, const struct stat& old) {
   struct stat now;
   if (fstat(file, &now) != 0) return Fail();
   if (now.st_gid != old.st_gid && fchown(file, static_cast<uid_t>(-1), old.st_gid) != 0 &&
-      errno != EPERM) {
+      errno != EPERM)
     return Fail();
-  }
   if (now.st_uid != old.st_uid && fchown(file, old.st_uid, static_cast<gid_t>(-1)) != 0 &&
-      errno != EPERM) {
+      errno != EPERM)
     return Fail();
-  }
   // A list of further users is part of the permissions; a new file may have got one of its folder.
   char list[4096];
   const ssize_t size = getxattr(path.c_str(), kAccessList, list, sizeof list);
@@ -320,31 +299,19 @@ std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint
   Descriptor file = Open(path, flags, claims, isWriting);
   if (!file) return nullptr;
   struct stat status;
-  if (fstat(file.Get(), &status) != 0) {
-    Fail();
-    return nullptr;
-  }
+  if (fstat(file.Get(), &status) != 0) return Fail();
   int refusal = 0;
   if (isWriting) {
     refusal = RefusalToWrite(status);
   } else if (!S_ISREG(status.st_mode)) {
     refusal = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
   }
-  if (refusal) {
-    Fail(refusal);
-    return nullptr;
-  }
-  if (makes && status.st_size > 0 && ftruncate(file.Get(), 0) != 0) {
-    Fail();
-    return nullptr;
-  }
+  if (refusal) return Fail(refusal);
+  if (makes && status.st_size > 0 && ftruncate(file.Get(), 0) != 0) return Fail();
   Descriptor claim;
   if (claims) {
     claim = Descriptor(fcntl(file.Get(), F_DUPFD_CLOEXEC, 0));
-    if (!claim) {
-      Fail();
-      return nullptr;
-    }
+    if (!claim) return Fail();
   }
   Descriptor folder;
   if (isWriting) folder = OpenFolder(FolderOfPath(path));
@@ -446,10 +413,7 @@ std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& patter
   const std::string folder = FolderOfPath(pattern);
   const std::size_t last = pattern.rfind('/');
   const std::string name = last == std::string::npos ? pattern : pattern.substr(last + 1);
-  if (name.empty()) {
-    Fail(ENOENT);
-    return nullptr;
-  }
+  if (name.empty()) return Fail(ENOENT);
   if (!HasWildcards(name)) {
     const std::string path = folder + "/" + name;
     if (Describe(AT_FDCWD, path, IsLink(AT_FDCWD, path.c_str()), data)) {
@@ -458,10 +422,7 @@ std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& patter
     }
   }
   DIR* const opened = opendir(folder.c_str());
-  if (!opened) {
-    Fail();
-    return nullptr;
-  }
+  if (!opened) return Fail();
   auto search = std::make_unique<LinuxSearch>(opened, name);
   if (!search->FindNextFileA(data)) return nullptr;
   return search;
@@ -469,17 +430,11 @@ std::unique_ptr<FileSearch> LinuxFiles::FindFirstFileA(const std::string& patter
 
 std::string LinuxFiles::GetCurrentDirectoryA() {
   char* const path = getcwd(nullptr, 0);
-  if (!path) {
-    Fail();
-    return {};
-  }
+  if (!path) return Fail();
   std::string folder(path);
   free(path);
   // Outside of the process's root there is no path to it.
-  if (!folder.starts_with('/')) {
-    Fail(ENOENT);
-    return {};
-  }
+  if (!folder.starts_with('/')) return Fail(ENOENT);
   return folder;
 }
 
@@ -489,17 +444,8 @@ bool LinuxFiles::SetCurrentDirectoryA(const std::string& path) {
 }
 
 std::string LinuxFiles::GetModuleFileNameA() {
-  char text[PATH_MAX];
-  const ssize_t length = readlink("/proc/self/exe", text, sizeof text);
-  if (length < 0 || length == static_cast<ssize_t>(sizeof text)) {
-    Fail(length < 0 ? errno : ENAMETOOLONG);
-    return {};
-  }
-  std::string path(text, static_cast<std::size_t>(length));
-  constexpr std::string_view kReplaced = " (deleted)";
-  if (path.ends_with(kReplaced) && access(path.c_str(), F_OK) != 0) {
-    path.resize(path.size() - kReplaced.size());
-  }
+  std::string path = ProgramFileOf("self");
+  if (path.empty()) Fail();
   return path;
 }
 

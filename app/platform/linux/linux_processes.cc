@@ -1,16 +1,16 @@
 #include "app/platform/linux/linux_processes.h"
 
-#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <string_view>
 #include <utility>
 
-#include "app/platform/byte_text.h"
 #include "app/platform/linux/command_words.h"
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/find_program.h"
 #include "app/platform/linux/last_error.h"
 #include "app/platform/linux/program_file.h"
@@ -26,10 +26,8 @@ constexpr WindowHandle kNumberMask = 0xFFFFFFFFu;
 // It has ended, and its parent hasn't looked yet.
 bool HasEnded(const std::string& process) {
   char text[512];
-  const int file = open(("/proc/" + process + "/stat").c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return true;
-  const ssize_t size = read(file, text, sizeof text);
-  close(file);
+  const Descriptor file(open(("/proc/" + process + "/stat").c_str(), O_RDONLY | O_CLOEXEC));
+  const ssize_t size = file ? read(file.Get(), text, sizeof text) : 0;
   if (size <= 0) return true;
   // The state stands behind the name, which is in brackets and may hold brackets itself.
   const std::string_view whole(text, static_cast<std::size_t>(size));
@@ -63,18 +61,13 @@ std::uint32_t LinuxProcesses::GetCurrentProcessId() { return static_cast<std::ui
 
 bool LinuxProcesses::ListProcesses(std::vector<RunningProcess>* list) {
   list->clear();
-  DIR* const entries = opendir("/proc");
-  if (!entries) return Fail();
-  while (const dirent* entry = readdir(entries)) {
-    const std::string name = entry->d_name;
-    const auto id = ParseWholeNumber(name);
-    if (!id) continue;
-    RunningProcess process{static_cast<std::uint32_t>(*id), ProgramFileOf(name)};
+  for (const std::uint32_t id : ProcessesIn("/proc")) {
+    const std::string name = std::to_string(id);
+    RunningProcess process{id, ProgramFileOf(name)};
     if (process.path.empty() && HasEnded(name)) continue;
     list->push_back(std::move(process));
   }
-  closedir(entries);
-  return true;
+  return !list->empty() || Fail(ENOENT);
 }
 
 bool LinuxProcesses::CreateProcessA(const std::string& application, const std::string& commandLine,

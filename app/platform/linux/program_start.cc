@@ -99,9 +99,7 @@ void BecomeOrdinary() {
 // The errno of what went wrong before the program ran, 0 when it runs.
 int ErrorOfStart(int report) {
   int error = 0;
-  ssize_t size;
-  do size = read(report, &error, sizeof error);
-  while (size < 0 && errno == EINTR);
+  const ssize_t size = Retry([&] { return read(report, &error, sizeof error); });
   return size == sizeof error ? error : 0;
 }
 
@@ -137,8 +135,7 @@ pid_t ForkBesideStarter() {
 }
 
 void Reap(pid_t process) {
-  while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
-  }
+  Retry([process] { return waitpid(process, nullptr, 0); });
 }
 
 // In the new process, which holds a copy of everything that the program has. The standard output
@@ -196,10 +193,8 @@ class Starter {
 
  private:
   bool Hear(Outcome* outcome) {
-    ssize_t size;
-    do size = recv(socket.Get(), outcome, sizeof *outcome, 0);
-    while (size < 0 && errno == EINTR);
-    return size == sizeof *outcome;
+    const auto hear = [&] { return recv(socket.Get(), outcome, sizeof *outcome, 0); };
+    return Retry(hear) == sizeof *outcome;
   }
 
   void End() {

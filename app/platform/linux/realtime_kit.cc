@@ -121,36 +121,25 @@ std::int64_t RealtimeKit::LongestRunUs() {
   return longestRunUs;
 }
 
-bool RealtimeKit::MakeRealtime(pid_t thread, std::uint32_t rank) {
+bool RealtimeKit::Raise(const char* method, pid_t thread, int type, const void* value) {
   const std::lock_guard<std::mutex> lock(mutex);
   if (!Connect()) return false;
-  DBusMessage* request =
-      dbus_message_new_method_call(kService, kPath, kInterface, "MakeThreadRealtime");
+  DBusMessage* request = dbus_message_new_method_call(kService, kPath, kInterface, method);
   const dbus_uint64_t id = static_cast<dbus_uint64_t>(thread);
-  const dbus_uint32_t wanted = rank;
   if (request)
-    dbus_message_append_args(request, DBUS_TYPE_UINT64, &id, DBUS_TYPE_UINT32, &wanted,
-                             DBUS_TYPE_INVALID);
+    dbus_message_append_args(request, DBUS_TYPE_UINT64, &id, type, value, DBUS_TYPE_INVALID);
   DBusMessage* reply = Ask(request);
   if (!reply) return false;
   dbus_message_unref(reply);
   return true;
 }
 
+bool RealtimeKit::MakeRealtime(pid_t thread, std::uint32_t rank) {
+  return Raise("MakeThreadRealtime", thread, DBUS_TYPE_UINT32, &rank);
+}
+
 bool RealtimeKit::MakeHighPriority(pid_t thread, std::int32_t nice) {
-  const std::lock_guard<std::mutex> lock(mutex);
-  if (!Connect()) return false;
-  DBusMessage* request =
-      dbus_message_new_method_call(kService, kPath, kInterface, "MakeThreadHighPriority");
-  const dbus_uint64_t id = static_cast<dbus_uint64_t>(thread);
-  const dbus_int32_t wanted = nice;
-  if (request)
-    dbus_message_append_args(request, DBUS_TYPE_UINT64, &id, DBUS_TYPE_INT32, &wanted,
-                             DBUS_TYPE_INVALID);
-  DBusMessage* reply = Ask(request);
-  if (!reply) return false;
-  dbus_message_unref(reply);
-  return true;
+  return Raise("MakeThreadHighPriority", thread, DBUS_TYPE_INT32, &nice);
 }
 
 }  // namespace platform

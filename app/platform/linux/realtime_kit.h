@@ -38,6 +38,8 @@ class RealtimeKit {
   // The reply, to be given back with dbus_message_unref; null on failure; after any but a refusal
   // nothing is asked any more. Takes over `request`.
   DBusMessage* Ask(DBusMessage* request);
+  // Calls a method of the service on a thread; `value` points to four bytes of D-Bus's `type`.
+  bool Raise(const char* method, pid_t thread, int type, const void* value);
 
   const std::string address;
   std::mutex mutex;  // guards what follows

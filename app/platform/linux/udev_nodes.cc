@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "app/platform/byte_text.h"
+#include "app/platform/linux/descriptor.h"
 
 namespace platform {
 namespace {
@@ -69,11 +70,9 @@ NodePlace PlaceOf(udev_device* device) {
 
 class EvdevNode : public DeviceNode {
  public:
-  EvdevNode(int openFd, libevdev* made) : fd(openFd), device(made), facts(FactsOf(made)) {}
-  ~EvdevNode() override {
-    libevdev_free(device);
-    close(fd);
-  }
+  EvdevNode(Descriptor opened, libevdev* made)
+      : node(std::move(opened)), device(made), facts(FactsOf(made)) {}
+  ~EvdevNode() override { libevdev_free(device); }
   EvdevNode(const EvdevNode&) = delete;
   EvdevNode& operator=(const EvdevNode&) = delete;
 
@@ -84,7 +83,7 @@ class EvdevNode : public DeviceNode {
   }
 
  private:
-  const int fd;
+  const Descriptor node;
   libevdev* const device;
   const DeviceFacts facts;
 };
@@ -140,20 +139,15 @@ std::vector<NodePlace> UdevNodes::List() {
 }
 
 std::unique_ptr<DeviceNode> UdevNodes::Open(const NodePlace& place, int* errorCode) {
-  const int fd = open(place.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) {
-    *errorCode = errno;
-    return nullptr;
-  }
+  Descriptor node(open(place.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   libevdev* device = nullptr;
-  const int result = libevdev_new_from_fd(fd, &device);
+  const int result = node ? libevdev_new_from_fd(node.Get(), &device) : -errno;
   if (result < 0) {
     *errorCode = -result;
-    close(fd);
     return nullptr;
   }
   libevdev_set_device_log_function(device, SayNothing, LIBEVDEV_LOG_ERROR, nullptr);
-  return std::make_unique<EvdevNode>(fd, device);
+  return std::make_unique<EvdevNode>(std::move(node), device);
 }
 
 std::unique_ptr<NodeWatch> UdevNodes::Watch() {

@@ -45,10 +45,7 @@ bool Tell(int fd) { return write(fd, "", 1) == 1; }
 // False when the other end is gone.
 bool AwaitByte(int fd) {
   char byte;
-  ssize_t size;
-  do size = read(fd, &byte, 1);
-  while (size < 0 && errno == EINTR);
-  return size == 1;
+  return Retry([&] { return read(fd, &byte, 1); }) == 1;
 }
 
 // In the new process, which holds a copy of everything that the program has.
@@ -108,8 +105,7 @@ XTestGuard::XTestGuard(Held* held, Descriptor alive, pid_t process)
 
 XTestGuard::~XTestGuard() {
   alive.Close();
-  while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
-  }
+  Retry([this] { return waitpid(process, nullptr, 0); });
   munmap(held, sizeof(Held));
 }
 

@@ -1,6 +1,5 @@
 #include "app/platform/linux/settings/autostart_folder.h"
 
-#include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -15,6 +14,7 @@
 #include <utility>
 
 #include "app/platform/file_pattern.h"
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/home_folders.h"
 
 namespace platform {
@@ -99,24 +99,14 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-bool WriteAll(int fd, const std::string& text) {
-  std::size_t written = 0;
-  while (written < text.size()) {
-    const ssize_t n = write(fd, text.data() + written, text.size() - written);
-    if (n < 0 && errno == EINTR) continue;
-    if (n <= 0) return false;
-    written += static_cast<std::size_t>(n);
-  }
-  return true;
-}
-
 // Whole or not at all.
 bool WriteFile(const std::string& folder, const std::string& file, const std::string& text) {
   std::string aside = folder + "/.kelvaro-XXXXXX";
-  const int fd = mkstemp(aside.data());
-  if (fd < 0) return false;
-  bool done = WriteAll(fd, text) && fsync(fd) == 0;
-  done = close(fd) == 0 && done;
+  Descriptor made(mkstemp(aside.data()));
+  if (!made) return false;
+  std::size_t written = 0;
+  bool done = WriteAll(made.Get(), text.data(), text.size(), &written) && fsync(made.Get()) == 0;
+  done = made.Close() && done;
   done = done && rename(aside.c_str(), (folder + "/" + file).c_str()) == 0;
   if (!done) unlink(aside.c_str());
   return done;
