@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/layout/dialog.h"
 #include "app/platform/simulation/simulation.h"
 #include "app/start/command_line.h"
 #include "app/start/quote_chars.h"

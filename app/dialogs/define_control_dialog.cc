@@ -4,9 +4,9 @@
 #include <new>
 #include <string>
 
-#include "app/dialogs/dialogs.h"
 #include "app/dialogs/help.h"
 #include "app/dialogs/number_field.h"
+#include "app/dialogs/small_dialogs.h"
 #include "app/platform/input.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"

@@ -25,12 +25,6 @@ class Dialog : public platform::WindowListener {
   // While it runs; kNoWindow before and after.
   platform::WindowHandle window = platform::kNoWindow;
 
- protected:
-  virtual void OnInit() {}
-  virtual void OnOK() { EndDialog(platform::IDOK); }
-  virtual void OnCancel() { EndDialog(platform::IDCANCEL); }
-  void EndDialog(std::int32_t result) { platform::desktop().EndDialog(window, result); }
-
   // Of this window's controls.
   ByteString Text(std::uint32_t id) const;
   void SetText(std::uint32_t id, const ByteString& text);
@@ -48,6 +42,12 @@ class Dialog : public platform::WindowListener {
   void LimitTips(std::int32_t width) const;
   // The box in front of this window.
   std::int32_t Box(const ByteString& text, const ByteString& caption, std::uint32_t type) const;
+
+ protected:
+  virtual void OnInit() {}
+  virtual void OnOK() { EndDialog(platform::IDOK); }
+  virtual void OnCancel() { EndDialog(platform::IDCANCEL); }
+  void EndDialog(std::int32_t result) { platform::desktop().EndDialog(window, result); }
 
   void OnInitDialog(platform::WindowHandle handle) override;
   void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;

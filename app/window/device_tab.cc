@@ -1,10 +1,10 @@
-// The Device tab: which device the profile uses and how often it is polled; and what is remembered
-// for each device, by its name.
+#include "app/window/device_tab.h"
+
 #include <algorithm>
 
 #include "app/dialogs/number_field.h"
 #include "app/resources/control_ids.h"
-#include "app/window/main_window.h"
+#include "app/resources/settings_keys.h"
 #include "foundation/registry_key.h"
 
 namespace kelvaro {
@@ -18,6 +18,18 @@ constexpr std::int32_t kNoDevice = -2;
 constexpr std::uint32_t kIntervalMost = 1000;
 constexpr std::uint32_t kRateTimesInterval = 1000;
 
+constexpr char kNoDeviceSelectedText[] =
+    "No device has been selected for this profile.\n\n"
+    "Please select a device before configuring control parameters.";
+constexpr char kDeviceMissingText[] = "The device \"";
+constexpr char kDeviceMissingEnd[] =
+    "\" could not be selected.\n\n"
+    "If this is not the device you wish to associate with this profile, please select one from the "
+    "device list.\n"
+    "Otherwise, make sure your device is plugged in, powered on, etc., and press "
+    "\"Refresh Device List\" to\n"
+    "automatically select it.";
+
 constexpr char kOutOfRangeCaption[] = "Value Out of Range";
 constexpr char kIntervalRangeText[] = "Please enter a value from 1 to 1000";
 // Kept: the spelling.
@@ -28,66 +40,19 @@ constexpr char kPollRateText[] = "Error Setting Poll Rate";
 constexpr char kSelectCaption[] = "Unknown Error";
 constexpr char kSelectText[] = "Error selecting device. Please try again.";
 
-ByteString DeviceKey(const ByteString& deviceName) {
-  ByteString path(kProductKey);
-  path.Append("\\Devices\\");
-  path.Append(deviceName);
-  return path;
-}
-
-// The stored values of a device. From the first that is missing on they are read, and not taken.
-class StoredValues {
- public:
-  explicit StoredValues(const ByteString& deviceName)
-      : key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), false) {}
-
-  bool Take(const char* name, std::uint32_t* value) {
-    std::uint32_t stored = 0;
-    if (!key.GetDword(nullptr, name, &stored)) complete = false;
-    if (complete) *value = stored;
-    return complete;
-  }
-  void Take(const char* name, Relaxed<std::int32_t>* setting) {
-    std::uint32_t value = 0;
-    if (Take(name, &value)) *setting = static_cast<std::int32_t>(value);
-  }
-  void TakeButton(const char* name, Relaxed<std::uint16_t>* index, Relaxed<std::uint64_t>* mask) {
-    std::uint32_t value = 0;
-    if (!Take(name, &value)) return;
-    const auto button = static_cast<std::uint16_t>(value);
-    *index = button;
-    *mask = MouseButtonMask(button);
-  }
-  void TakeInput(const char* kindName, const char* indexName, Relaxed<TriggerItem>* input) {
-    std::uint32_t value = 0;
-    TriggerItem item = *input;
-    if (Take(kindName, &value)) {
-      item.kind = static_cast<std::uint16_t>(value);
-      *input = item;
-    }
-    if (Take(indexName, &value)) {
-      item.index = static_cast<std::uint16_t>(value);
-      AxisFieldOffset(&item);
-      *input = item;
-    }
-  }
-
-  bool complete = true;
-
- private:
-  RegistryKey key;
-};
+ByteString Number(std::uint32_t value) { return ToDecimal(value, false, 1); }
 
 }  // namespace
 
 // The list
 
-void MainWindow::FillDeviceList() {
-  platform::controls().ComboResetContent(window, kDeviceList);
+void DeviceTab::FillDeviceList() {
+  platform::controls().ComboResetContent(dialog.window, kDeviceList);
   const auto add = [this](const ByteString& name, std::int32_t data) {
-    const std::int32_t row = platform::controls().ComboAddString(window, kDeviceList, Bytes(name));
+    const std::int32_t row =
+        platform::controls().ComboAddString(dialog.window, kDeviceList, Bytes(name));
     if (row != platform::kNoRow)
-      platform::controls().ComboSetItemData(window, kDeviceList, row, data);
+      platform::controls().ComboSetItemData(dialog.window, kDeviceList, row, data);
   };
   add(kNoDeviceText, kNoDevice);
   if (!deviceManager) return;
@@ -97,84 +62,94 @@ void MainWindow::FillDeviceList() {
   }
 }
 
-void MainWindow::SelectDeviceInList(const platform::GUID& guid) {
-  const std::int32_t count = platform::controls().ComboGetCount(window, kDeviceList);
+void DeviceTab::SelectDeviceInList(const platform::GUID& guid) {
+  const std::int32_t count = platform::controls().ComboGetCount(dialog.window, kDeviceList);
   std::int32_t none = 0;
   for (std::int32_t row = 0; row < count; ++row) {
-    const std::int32_t index = platform::controls().ComboGetItemData(window, kDeviceList, row);
+    const std::int32_t index =
+        platform::controls().ComboGetItemData(dialog.window, kDeviceList, row);
     if (index == kNoDevice) {
       none = row;
     } else if (deviceManager && index < deviceManager->DeviceCount() &&
                deviceManager->DeviceGuid(index) == guid) {
-      platform::controls().ComboSetCurSel(window, kDeviceList, row);
+      platform::controls().ComboSetCurSel(dialog.window, kDeviceList, row);
       return;
     }
   }
-  platform::controls().ComboSetCurSel(window, kDeviceList, none);
+  platform::controls().ComboSetCurSel(dialog.window, kDeviceList, none);
 }
 
-void MainWindow::ShowSelectedDevice() {
+void DeviceTab::ShowMouseAndDeviceState() {
+  if (!deviceManager) return;
+  ++session.initGuard;
+  mouseTab.Show();
+  ShowSelectedDevice();
+  const bool selected = deviceManager->DeviceSelected();
+  const platform::DIDEVCAPS& caps = deviceManager->DeviceCaps();
+  dialog.SetText(kNumButtons, Number(selected ? caps.dwButtons : 0));
+  dialog.SetText(kNumAxis, Number(selected ? caps.dwAxes : 0));
+  dialog.SetText(kNumPovs, Number(selected ? caps.dwPOVs : 0));
+
+  intervalField = deviceManager->PollInterval();
+  rateField = intervalField == 0 ? 0 : kRateTimesInterval / intervalField;
+  dialog.SetText(kInterval, Number(intervalField));
+  dialog.SetText(kRate, Number(rateField));
+  --session.initGuard;
+}
+
+void DeviceTab::ShowSelectedDevice() {
   const platform::GUID guid = deviceManager->SelectedGuid();
   if (guid == platform::GUID{} && deviceManager->DeviceSelected()) {
     // One that runs on although the list doesn't have it any more.
     const std::int32_t row = platform::controls().ComboFindStringExact(
-        window, kDeviceList, Bytes(deviceManager->SelectedName()));
+        dialog.window, kDeviceList, Bytes(deviceManager->SelectedName()));
     if (row != platform::kNoRow) {
-      platform::controls().ComboSetCurSel(window, kDeviceList, row);
+      platform::controls().ComboSetCurSel(dialog.window, kDeviceList, row);
       return;
     }
   }
   SelectDeviceInList(guid);
 }
 
-// No state comes any more that could end what is held.
-void MainWindow::LetGoWithoutDevice() {
-  if (!deviceManager->DeviceSelected()) engine->LetGoWithoutDevice();
-}
-
-void MainWindow::ReselectDevice() {
-  deviceManager->ReselectDevice();
-  LetGoWithoutDevice();
-}
-
-void MainWindow::OnDeviceSelected() {
-  if (initGuard != 0 || !deviceManager) return;
-  const std::int32_t row = platform::controls().ComboGetCurSel(window, kDeviceList);
+void DeviceTab::OnDeviceSelected() {
+  if (session.initGuard != 0 || !deviceManager) return;
+  const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kDeviceList);
   if (row == platform::kNoRow) return;
 
-  if (platform::controls().ComboGetLBText(window, kDeviceList, row) == kNoDeviceText) {
-    currentDeviceGuid = platform::GUID{};
-    currentDeviceName = kNoDeviceText;
+  if (platform::controls().ComboGetLBText(dialog.window, kDeviceList, row) == kNoDeviceText) {
+    session.currentDeviceGuid = platform::GUID{};
+    session.currentDeviceName = kNoDeviceText;
     deviceManager->StopDevice();
-    LetGoWithoutDevice();
+    session.LetGoWithoutDevice();
     LockGuard guard(profile.profileLock);
     profile.deviceName.Empty();
     profile.deviceGuid = platform::GUID{};
-    SaveProfile();
+    session.SaveProfile();
   } else {
-    const std::int32_t index = platform::controls().ComboGetItemData(window, kDeviceList, row);
+    const std::int32_t index =
+        platform::controls().ComboGetItemData(dialog.window, kDeviceList, row);
     if (index < 0 || index >= deviceManager->DeviceCount()) return;
-    if (deviceManager->DeviceGuid(index) == currentDeviceGuid) return;
+    if (deviceManager->DeviceGuid(index) == session.currentDeviceGuid) return;
     if (!deviceManager->SelectDevice(index)) {
-      LetGoWithoutDevice();  // before the box, which a key that goes on would answer
-      Box(kSelectText, kSelectCaption, platform::MB_OK);
+      session.LetGoWithoutDevice();  // before the box, which a key that goes on would answer
+      dialog.Box(kSelectText, kSelectCaption, platform::MB_OK);
       return;
     }
-    currentDeviceGuid = deviceManager->SelectedGuid();
-    currentDeviceName = deviceManager->SelectedName();
+    session.currentDeviceGuid = deviceManager->SelectedGuid();
+    session.currentDeviceName = deviceManager->SelectedName();
     LockGuard guard(profile.profileLock);
-    profile.deviceName = currentDeviceName;
-    profile.deviceGuid = currentDeviceGuid;
+    profile.deviceName = session.currentDeviceName;
+    profile.deviceGuid = session.currentDeviceGuid;
     profile.pollInterval = deviceManager->PollInterval();
-    SaveProfile();
+    session.SaveProfile();
   }
-  SaveDeviceSettings();
+  session.SaveDeviceSettings();
   ShowMouseAndDeviceState();
 }
 
 // The poll interval
 
-void MainWindow::OnIntervalLeft() {
+void DeviceTab::OnIntervalLeft() {
   if (!PollFieldsCount() || !ReadPollFields()) return;
   if (intervalField == deviceManager->PollInterval()) return;
   if (intervalField < 1 || intervalField > kIntervalMost) {
@@ -184,7 +159,7 @@ void MainWindow::OnIntervalLeft() {
   ApplyPollInterval(intervalField);
 }
 
-void MainWindow::OnRateLeft() {
+void DeviceTab::OnRateLeft() {
   if (!PollFieldsCount() || !ReadPollFields()) return;
   const std::uint32_t interval = rateField == 0 ? 0 : kRateTimesInterval / rateField;
   if (interval == deviceManager->PollInterval()) return;
@@ -199,23 +174,23 @@ void MainWindow::OnRateLeft() {
   ApplyPollInterval(interval);
 }
 
-void MainWindow::OnDefaultRate() {
+void DeviceTab::OnDefaultRate() {
   if (!deviceManager || !deviceManager->DeviceSelected()) return;
   if (pollInterval == deviceManager->PollInterval()) return;
   ApplyPollInterval(pollInterval);
 }
 
-bool MainWindow::PollFieldsCount() const {
-  return initGuard == 0 && deviceManager && deviceManager->DeviceSelected();
+bool DeviceTab::PollFieldsCount() const {
+  return session.initGuard == 0 && deviceManager && deviceManager->DeviceSelected();
 }
 
-bool MainWindow::ReadPollFields() {
+bool DeviceTab::ReadPollFields() {
   const struct {
     std::uint32_t id;
     std::uint32_t* number;
   } fields[] = {{kInterval, &intervalField}, {kRate, &rateField}};
   for (const auto& field : fields) {
-    if (const auto number = ParseNumber(Text(field.id))) {
+    if (const auto number = ParseNumber(dialog.Text(field.id))) {
       *field.number = static_cast<std::uint32_t>(std::min<std::uint64_t>(*number, UINT32_MAX));
       continue;
     }
@@ -225,95 +200,110 @@ bool MainWindow::ReadPollFields() {
   return true;
 }
 
-void MainWindow::RefuseField(std::uint32_t fieldId, const ByteString& text,
-                             const ByteString& caption, std::uint32_t type) {
+void DeviceTab::RefuseField(std::uint32_t fieldId, const ByteString& text,
+                            const ByteString& caption, std::uint32_t type) {
   // The box takes the focus from whichever field it went to, and so does the way back.
-  ++initGuard;
-  Box(text, caption, type);
-  platform::controls().SetControlFocus(window, fieldId);
-  --initGuard;
+  ++session.initGuard;
+  dialog.Box(text, caption, type);
+  platform::controls().SetControlFocus(dialog.window, fieldId);
+  --session.initGuard;
 }
 
-void MainWindow::ApplyPollInterval(std::uint32_t interval) {
+void DeviceTab::ApplyPollInterval(std::uint32_t interval) {
   if (!deviceManager->SetPollInterval(interval)) {
-    ++initGuard;
-    Box(kPollRateText, kPollRateCaption, platform::MB_OK);
-    --initGuard;
+    ++session.initGuard;
+    dialog.Box(kPollRateText, kPollRateCaption, platform::MB_OK);
+    --session.initGuard;
     // The program may have been told to end while the box was up.
-    if (deviceManager) ReselectDevice();
+    if (deviceManager) session.ReselectDevice();
     return;
   }
-  ReselectDevice();
+  session.ReselectDevice();
   ShowMouseAndDeviceState();
-  SaveDeviceSettings();
+  session.SaveDeviceSettings();
   LockGuard guard(profile.profileLock);
   profile.pollInterval = interval;
-  SaveProfile();
+  session.SaveProfile();
 }
 
-// What is remembered for a device. The wheel's sensitivity and damper are not: they are the
-// profile's alone.
+// The device of the profile
 
-void MainWindow::SaveDeviceSettings() {
-  // Also on the notification thread, which may ask the manager for what is used here.
-  if (!deviceManager || !deviceManager->DeviceSelected()) return;
-  const ByteString& deviceName = deviceManager->SelectedName();
+void DeviceTab::RefreshDeviceList() {
+  if (!deviceManager || !deviceManager->DirectInputCreated()) return;
 
-  const RegistryWrites together;
-  RegistryKey product(platform::HKEY_CURRENT_USER, kProductKey, true);
-  product.SetString(nullptr, kLastDevice, deviceName);
-
-  const TriggerItem mouseX = profile.mouseX;
-  const TriggerItem mouseY = profile.mouseY;
-  const TriggerItem mouseWheel = profile.mouseWheel;
-  const auto number = [](std::int32_t value) { return static_cast<std::uint32_t>(value); };
-  const struct {
-    const char* name;
-    std::uint32_t value;
-  } values[] = {
-      {"Poll Interval", deviceManager->PollInterval()},
-      {"Acceleration", number(profile.acceleration)},
-      {"Sensitivity", number(profile.movementSensitivity)},
-      {"Axis Damper", number(profile.movementDamper)},
-      {"Left Mouse Btn", profile.leftButton},
-      {"Middle Mouse Btn", profile.middleButton},
-      {"Right Mouse Btn", profile.rightButton},
-      {"MouseX Type", mouseX.kind},
-      {"MouseX Bank", mouseX.index},
-      {"MouseY Type", mouseY.kind},
-      {"MouseY Bank", mouseY.index},
-      {"Mouse Wheel Type", mouseWheel.kind},
-      {"Mouse Wheel Bank", mouseWheel.index},
-      {"Mouse Always Active", profile.mouseAlwaysActive ? 1u : 0u},
-  };
-  RegistryKey key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), true);
-  for (const auto& entry : values) key.SetDword(nullptr, entry.name, entry.value);
-}
-
-bool MainWindow::LoadDeviceSettings() {
-  if (!deviceManager || !deviceManager->DeviceSelected()) return false;
-  StoredValues stored(deviceManager->SelectedName());
-  {
-    LockGuard guard(engine->mouseLock);
-    stored.Take("Acceleration", &profile.acceleration);
-    stored.Take("Sensitivity", &profile.movementSensitivity);
-    stored.Take("Axis Damper", &profile.movementDamper);
-    stored.TakeButton("Left Mouse Btn", &profile.leftButton, &profile.leftMask);
-    stored.TakeButton("Middle Mouse Btn", &profile.middleButton, &profile.middleMask);
-    stored.TakeButton("Right Mouse Btn", &profile.rightButton, &profile.rightMask);
-    stored.TakeInput("MouseX Type", "MouseX Bank", &profile.mouseX);
-    stored.TakeInput("MouseY Type", "MouseY Bank", &profile.mouseY);
-    stored.TakeInput("Mouse Wheel Type", "Mouse Wheel Bank", &profile.mouseWheel);
-    std::uint32_t active = 0;
-    if (stored.Take("Mouse Always Active", &active)) profile.mouseAlwaysActive = active != 0;
+  // Chosen to be none: only the person's own wish looks for devices then.
+  if (session.currentDeviceName.Equals(kNoDeviceText)) {
+    if (inPluginPoll) return;
+    deviceManager->EnumerateDevices();
+    FillDeviceList();
+    SelectDeviceInList({});
+    return;
   }
-  std::uint32_t interval = 0;
-  if (stored.Take("Poll Interval", &interval) && interval != deviceManager->PollInterval() &&
-      deviceManager->SetPollInterval(interval)) {
-    ReselectDevice();
+  bool found = deviceManager->EnumerateDevices();
+  if (found) {
+    FillDeviceList();
+    found = ApplyProfileDevice();
+  }
+  if (found) {
+    SelectDeviceInList(profile.deviceGuid);
+  } else {
+    SelectDeviceInList({});
   }
   ShowMouseAndDeviceState();
-  return stored.complete;
+}
+
+bool DeviceTab::ApplyProfileDevice() {
+  if (!deviceManager || !deviceManager->DirectInputCreated()) return false;
+  deviceManager->StopDevice();
+  if (profile.deviceName.IsEmpty() || !deviceManager->SetPollInterval(profile.pollInterval) ||
+      !(deviceManager->SelectDeviceByGuid(profile.deviceGuid) ||
+        deviceManager->SelectDeviceByName(profile.deviceName))) {
+    session.LetGoWithoutDevice();
+    session.currentDeviceName.Empty();
+    session.currentDeviceGuid = platform::GUID{};
+    return false;
+  }
+  // Of the device itself: one found by its name may be another than the file's.
+  session.currentDeviceGuid = deviceManager->SelectedGuid();
+  session.currentDeviceName = deviceManager->SelectedName();
+  return true;
+}
+
+void DeviceTab::PollForPlugin() {
+  inPluginPoll = true;
+  RefreshDeviceList();
+  inPluginPoll = false;
+}
+
+ByteString DeviceTab::WarningText() const {
+  if (profile.deviceName.IsEmpty()) return kNoDeviceSelectedText;
+  if (session.settings.noDeviceErrorMsg) return {};
+  return ByteString(kDeviceMissingText).Concat(profile.deviceName).Concat(kDeviceMissingEnd);
+}
+
+bool DeviceTab::LoadLastDevice(RegistryKey* key) {
+  ByteString deviceName;
+  if (!key->GetString(nullptr, kLastDevice, &deviceName) ||
+      !deviceManager->SelectDeviceByName(deviceName)) {
+    return true;
+  }
+  const bool complete = session.LoadDeviceSettings();
+  ShowMouseAndDeviceState();
+  session.currentDeviceGuid = deviceManager->SelectedGuid();
+  session.currentDeviceName = deviceManager->SelectedName();
+  return complete;
+}
+
+bool DeviceTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+  using platform::Notice;
+  static constexpr Handler<DeviceTab> kHandlers[] = {
+      {kDeviceList, Notice::SelectionChanged, &DeviceTab::OnDeviceSelected},
+      {kRefreshDeviceList, Notice::Clicked, &DeviceTab::RefreshDeviceList},
+      {kInterval, Notice::FocusLost, &DeviceTab::OnIntervalLeft},
+      {kRate, Notice::FocusLost, &DeviceTab::OnRateLeft},
+      {kDefaultRate, Notice::Clicked, &DeviceTab::OnDefaultRate},
+  };
+  return Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

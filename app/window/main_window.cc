@@ -1,14 +1,19 @@
 #include "app/window/main_window.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
 
 #include "app/dialogs/help.h"
+#include "app/dialogs/small_dialogs.h"
 #include "app/platform/controls.h"
 #include "app/platform/shell.h"
 #include "app/platform/threads.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
+#include "app/resources/settings_keys.h"
+#include "app/start/quote_chars.h"
+#include "app/window/tool_tips.h"
 #include "foundation/paths.h"
 #include "foundation/registry_key.h"
 #include "foundation/version.h"
@@ -39,9 +44,6 @@ constexpr char kDirectInputText[] =
     "and that at least one game device is installed (it does not need to be connected).\n\n"
     "DirectX Error:\n";
 
-// Of the process, as the hook's procedure takes no context.
-platform::HookHandle minimiseHook = 0;
-
 bool IsPageBox(std::uint32_t id) {
   return std::find(std::begin(kPageBoxes), std::end(kPageBoxes), id) != std::end(kPageBoxes);
 }
@@ -57,13 +59,12 @@ std::uint32_t FlagsOnPage(std::uint32_t id) {
 
 }  // namespace
 
-MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow), WorkerThread("launcher") {
+MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow) {
   windowIcon = platform::desktop().LoadIconA(resources::kIcon);
   platform::threads().SetPriorityClass(platform::HIGH_PRIORITY_CLASS);
   platform::threads().SetCurrentThreadPriority(platform::THREAD_PRIORITY_TIME_CRITICAL);
-  currentDeviceGuid = {};
-  MigrateSettings();
-  LoadQuoteChars();
+  AppSettings::Migrate();
+  launcher.quoteChars = LoadQuoteChars();
 }
 
 MainWindow::~MainWindow() { Cleanup(); }
@@ -72,57 +73,50 @@ MainWindow::~MainWindow() { Cleanup(); }
 // more is set up.
 void MainWindow::OnInit() {
   ResizableDialog::OnInit();
-  minimiseHook = platform::desktop().SetWindowsHookExA(platform::WH_CBT, &MinimiseHook);
+  notificationArea.HideWhenMinimised();
   platform::desktop().SetWindowIcon(window, windowIcon, true);
   platform::desktop().SetWindowIcon(window, windowIcon, false);
-  if (HtmlHelp(platform::kNoWindow, nullptr, platform::HH_INITIALIZE,
-               reinterpret_cast<std::uintptr_t>(&helpCookie)) != 0) {
-    helpAvailable = true;
-    defineControl.helpAvailable = true;
-  }
+  helpAvailable = HtmlHelp(platform::kNoWindow, nullptr, platform::HH_INITIALIZE,
+                           reinterpret_cast<std::uintptr_t>(&helpCookie)) != 0;
+  controlTab.defineControl.helpAvailable = helpAvailable;
   if (!CreateDeviceManager()) return OnCancel();
-  pollInterval = kDefaultPollInterval;
-  deviceManager->SetPollInterval(pollInterval);
-  engine->Attach();
+  deviceTab.pollInterval = kDefaultPollInterval;
+  session.deviceManager->SetPollInterval(kDefaultPollInterval);
+  session.engine->Attach();
   platform::desktop().GetClientRect(window, &clientRect);
-  programPath = ProgramPath();
-  if (!PrepareControls()) return OnCancel();
-  if (!AddTrayIcon()) return OnCancel();
-  LoadAppSettings();
-  if (welcomeDisplay == 0) ShowWelcome();
-  if (shuttingDown) return;
-  if (startMinimized) Check(kStartMinimized, true);
-  if (smartCheck) Check(kSmartCheck, true);
-  FillProfileList();
-  if (shuttingDown) return;
-  engine->repeatWorker.Start(false, WorkerThread::kPriorityOfCaller);
-  webLink.hyperlink.target = resources::kWebAddress;
-  mailLink.hyperlink.target = ByteString("mailto:").Concat(resources::kSupportAddress);
-  webLink.Attach(window, kWebLink);
-  mailLink.Attach(window, kMailLink);
-  CreateToolTips();
+  session.programPath = ProgramPath();
+  PrepareControls();
+  if (!notificationArea.AddTrayIcon()) return OnCancel();
+  settingsTab.LoadAppSettings();
+  if (session.settings.welcomeDisplay == 0) ShowWelcome();
+  if (session.shuttingDown) return;
+  settingsTab.ShowCheckBoxes();
+  profileRow.Fill();
+  if (session.shuttingDown) return;
+  session.engine->repeatWorker.Start(false, WorkerThread::kPriorityOfCaller);
+  settingsTab.AttachLinks();
+  CreateToolTips(*this);
   timerId = platform::desktop().SetTimer(window, kTimer, kTimerPeriod);
-  if (startMinimized) platform::desktop().PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
+  if (session.settings.startMinimized)
+    platform::desktop().PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
   platform::desktop().PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
   platform::desktop().PostMessageA(window, WM_START_LAUNCH, 0, 0);
   initComplete = true;
-  TellUnlessProfilesCanBeSaved();
+  Session::TellUnlessProfilesCanBeSaved();
   SetText(kVersionText, ByteString("Version ").Concat(VersionNumber()));
 }
 
 bool MainWindow::CreateDeviceManager() {
-  deviceManager = std::make_unique<DeviceManager>(window);
-  EngineHost& host = *this;
-  engine = std::make_unique<ControlEngine>(profile, *deviceManager, host);
-  if (deviceManager->DirectInputCreated()) return true;
+  session.StartDevice(engineEvents);
+  if (session.deviceManager->DirectInputCreated()) return true;
   ByteString reason;
-  deviceManager->PeekError(&reason);
+  session.deviceManager->PeekError(&reason);
   Box(ByteString(kDirectInputText).Concat(reason), "Invalid DirectX Object", platform::MB_ICONSTOP);
   return false;
 }
 
-bool MainWindow::PrepareControls() {
-  ++initGuard;
+void MainWindow::PrepareControls() {
+  ++session.initGuard;
   platform::controls().SetPicture(window, kMoveUp,
                                   platform::desktop().LoadBitmapA(resources::kUpBitmap));
   platform::controls().SetPicture(window, kMoveDown,
@@ -136,25 +130,19 @@ bool MainWindow::PrepareControls() {
       platform::controls().TabGetItemRect(window, kTabControl, 0, &firstTab)
           ? firstTab.Height() + kTabMargin
           : kTopMarginWithoutTabs;
-  FillDeviceList();
-  SelectDeviceInList({});
-  SetText(kTimerMin, ToDecimal(deviceManager->TimerMin(), false, 0));
-  SetText(kTimerMax, ToDecimal(deviceManager->TimerMax(), false, 0));
-  if (LaunchesAtStartup()) Check(kLaunchAtStartup, true);
+  deviceTab.FillDeviceList();
+  deviceTab.SelectDeviceInList({});
+  SetText(kTimerMin, ToDecimal(session.deviceManager->TimerMin(), false, 0));
+  SetText(kTimerMax, ToDecimal(session.deviceManager->TimerMax(), false, 0));
+  settingsTab.ShowLaunchesAtStartup();
   DeclareLayout(topMargin);
   SelectPage(kControlTab);
-  currentTab = kControlTab;
+  session.currentTab = kControlTab;
   RestorePlacement(kProductKey, kMainWindowSubkey);
   // Without a stored place nothing has laid out yet, and the columns share the list's final width.
   Layout(clientRect);
-  controlList.Attach(window, kControlList);
-  controlList.AddColumn("Trigger", 100);
-  controlList.AddColumn("Action", 50);
-  controlList.AddColumn("Description", 150);
-  controlList.registryKey = ByteString(kProductKey).Concat("\\").Concat(kMainWindowSubkey);
-  controlList.LoadColumns();
-  --initGuard;
-  return true;
+  controlTab.PrepareList();
+  --session.initGuard;
 }
 
 void MainWindow::DeclareLayout(std::int32_t topMargin) {
@@ -183,43 +171,21 @@ void MainWindow::DeclareLayout(std::int32_t topMargin) {
   MeasurePages();
 }
 
-void MainWindow::FillProfileList() {
-  LinkedList<ByteString> names;
-  profile.ListProfileNames(&names);
-  if (!platform::controls().HasControl(window, kProfileList) || names.count == 0) return;
-  for (const ByteString& name : names)
-    platform::controls().ComboAddString(window, kProfileList, Bytes(name));
-  ParseCommandLine();
-  if (shuttingDown) return;
-  if (!commandLineProfileSelected) {
-    std::int32_t row = platform::kNoRow;
-    if (!lastProfile.IsEmpty())
-      row = platform::controls().ComboFindStringExact(window, kProfileList, Bytes(lastProfile));
-    platform::controls().ComboSetCurSel(window, kProfileList, row == platform::kNoRow ? 0 : row);
-  }
-  OnProfileSelected();
-}
-
 void MainWindow::Cleanup() {
-  if (shuttingDown) return;
-  shuttingDown = true;
+  if (session.shuttingDown) return;
+  session.shuttingDown = true;
   if (timerId != 0) {
     platform::desktop().KillTimer(window, timerId);
     timerId = 0;
   }
-  if (minimiseHook != 0) {
-    platform::desktop().UnhookWindowsHookEx(minimiseHook);
-    minimiseHook = 0;
-  }
+  notificationArea.EndHideWhenMinimised();
   // The launcher's own box may be up, and this thread must not wait for the person to read it.
   platform::desktop().DismissBoxesOfOtherThreads();
-  if (engine) engine->repeatWorker.Stop();
-  WorkerThread::Stop();
-  SaveAppSettings();
-  // The pointer goes last: until the manager has ended, the notification thread looks at it.
-  delete deviceManager.get();
-  static_cast<void>(deviceManager.release());
-  RemoveTrayIcon();
+  if (session.engine) session.engine->repeatWorker.Stop();
+  launcher.Stop();
+  session.SaveAppSettings();
+  session.EndDevice();
+  notificationArea.RemoveTrayIcon();
   if (helpAvailable) {
     HtmlHelp(platform::kNoWindow, nullptr, platform::HH_CLOSE_ALL, 0);
     HtmlHelp(platform::kNoWindow, nullptr, platform::HH_UNINITIALIZE, helpCookie);
@@ -235,110 +201,46 @@ void MainWindow::OnCancel() {
 void MainWindow::OnDestroy() {
   const RegistryWrites together;
   ResizableDialog::OnDestroy();
-  controlList.SaveColumns();
-}
-
-std::intptr_t MainWindow::MinimiseHook(std::int32_t code, std::uintptr_t wParam,
-                                       std::intptr_t lParam) {
-  if (code == platform::HCBT_MINMAX && lParam == platform::SW_MINIMIZE)
-    platform::desktop().PostMessageA(wParam, WM_HIDE_TO_TRAY, 0, 0);
-  platform::desktop().CallNextHookEx(minimiseHook, code, wParam, lParam);
-  return 0;
+  controlTab.controlList.SaveColumns();
 }
 
 // Nothing counts after the cleanup, which a message can bring while a box still waits: what a
 // handler would work on is gone.
 void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
-  struct Handler {
-    std::uint32_t id;
-    Notice notice;
-    void (MainWindow::*handle)();
-  };
-  static constexpr Handler kHandlers[] = {
-      // The row of profiles.
-      {kProfileList, Notice::SelectionChanged, &MainWindow::OnProfileSelected},
-      {kNewProfile, Notice::Clicked, &MainWindow::OnNewProfile},
-      {kDeleteProfile, Notice::Clicked, &MainWindow::OnDeleteProfile},
-      {kCopyProfile, Notice::Clicked, &MainWindow::OnCopyProfile},
-      {kRenameProfile, Notice::Clicked, &MainWindow::OnRenameProfile},
-      {kHelp, Notice::Clicked, &MainWindow::OnHelp},
-      {kTabControl, Notice::SelectionChanged, &MainWindow::OnTabSelected},
-      // Control.
-      {kControlList, Notice::DoubleClicked, &MainWindow::OnEditControl},
-      {kNewControl, Notice::Clicked, &MainWindow::OnNewControl},
-      {kEditControl, Notice::Clicked, &MainWindow::OnEditControl},
-      {kDeleteControls, Notice::Clicked, &MainWindow::OnDeleteControls},
-      {kCopyControls, Notice::Clicked, &MainWindow::OnCopyControls},
-      {kPasteControls, Notice::Clicked, &MainWindow::OnPasteControls},
-      {kMoveUp, Notice::Clicked, &MainWindow::OnMoveUp},
-      {kMoveDown, Notice::Clicked, &MainWindow::OnMoveDown},
-      // Mouse.
-      {kMouseAlwaysActive, Notice::Clicked, &MainWindow::OnMouseAlwaysActive},
-      {kTestMode, Notice::Clicked, &MainWindow::OnTestButton},
-      // Device.
-      {kDeviceList, Notice::SelectionChanged, &MainWindow::OnDeviceSelected},
-      {kRefreshDeviceList, Notice::Clicked, &MainWindow::RefreshDeviceList},
-      {kInterval, Notice::FocusLost, &MainWindow::OnIntervalLeft},
-      {kRate, Notice::FocusLost, &MainWindow::OnRateLeft},
-      {kDefaultRate, Notice::Clicked, &MainWindow::OnDefaultRate},
-      // Settings.
-      {kStartMinimized, Notice::Clicked, &MainWindow::OnStartMinimized},
-      {kLaunchAtStartup, Notice::Clicked, &MainWindow::OnLaunchAtStartup},
-      {kSmartCheck, Notice::Clicked, &MainWindow::OnSmartCheck},
-      {kAdvanced, Notice::Clicked, &MainWindow::OnAdvanced},
-      // The notification icon's menu.
-      {floater_menu::kShowKelvaro, Notice::Clicked, &MainWindow::ShowNormally},
-      {floater_menu::kExit, Notice::Clicked, &MainWindow::OnCancel},
-  };
-  struct NumberedHandler {
-    std::uint32_t id;
-    Notice notice;
-    void (MainWindow::*handle)(std::uint32_t id);
-  };
-  static constexpr NumberedHandler kNumberedHandlers[] = {
-      {kMovementSensitivity, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {kMovementDamper, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {kWheelDamper, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {kWheelSensitivity, Notice::Scrolled, &MainWindow::OnMouseSlider},
-      {kDetectMouseX, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kDetectMouseY, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kDetectMouseWheel, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kDetectLeftButton, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kDetectMiddleButton, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kDetectRightButton, Notice::Clicked, &MainWindow::OnDetectBox},
-      {kWebLink, Notice::Clicked, &MainWindow::OnLink},
-      {kMailLink, Notice::Clicked, &MainWindow::OnLink},
-  };
-  if (shuttingDown) return;
-  if (id == kControlList && controlList.OnNotice(notice, value)) return;
-  if (notice == Notice::KeyDown) {
-    if (id == 0 && value == kF1) return OnHelpKey();
-    // Of the keys that the list takes, the window itself takes these two.
-    if (id == kControlList || (id == 0 && (value == 'C' || value == 'V'))) OnControlListKey(value);
-    return;
+  if (session.shuttingDown) return;
+  if (notice == Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
+  for (Pane* const pane :
+       std::initializer_list<Pane*>{&profileRow, &controlTab, &mouseTab, &deviceTab, &settingsTab})
+    if (pane->OnNotice(id, notice, value)) return;
+  if (notice == Notice::SelectionChanged && id == kTabControl) return OnTabSelected();
+  if (notice != Notice::Clicked) return;
+  switch (id) {
+    case kHelp:
+      return OnHelp();
+    case floater_menu::kShowKelvaro:
+      return notificationArea.ShowNormally();
+    case floater_menu::kExit:
+      return OnCancel();
+    default:
+      return ResizableDialog::OnNotice(id, notice, value);
   }
-  for (const Handler& handler : kHandlers)
-    if (handler.id == id && handler.notice == notice) return (this->*handler.handle)();
-  for (const NumberedHandler& handler : kNumberedHandlers)
-    if (handler.id == id && handler.notice == notice) return (this->*handler.handle)(id);
-  ResizableDialog::OnNotice(id, notice, value);
 }
 
 void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
-  if (shuttingDown) return;
+  if (session.shuttingDown) return;
   switch (message) {
     case WM_TRAY_CALLBACK:
-      return OnTrayCallback(wParam, lParam);
+      return notificationArea.OnTrayCallback(wParam, lParam);
     case WM_HIDE_TO_TRAY:
-      return HideToTray();
+      return notificationArea.HideToTray();
     case WM_SHOW_FROM_TRAY:
-      return ShowFromTray();
+      return notificationArea.ShowFromTray();
     case WM_DEVICE_WARNING:
       return ShowDeviceWarning();
     case WM_CLOSE_PROGRAM:
       return OnCancel();
     case WM_START_LAUNCH:
-      return OnStartLaunch();
+      return launcher.StartIfDue();
     case WM_SHOW_WELCOME:
       return ShowWelcome();
     default:
@@ -347,10 +249,10 @@ void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::in
 }
 
 void MainWindow::OnTimer(std::uint32_t) {
-  if (shuttingDown || !autodetectDevicePlugin || deviceManager->DeviceSelected()) return;
-  inPluginPoll = true;
-  RefreshDeviceList();
-  inPluginPoll = false;
+  if (session.shuttingDown || !session.settings.autodetectDevicePlugin ||
+      session.deviceManager->DeviceSelected())
+    return;
+  deviceTab.PollForPlugin();
 }
 
 void MainWindow::OnTabSelected() {
@@ -361,14 +263,14 @@ void MainWindow::OnTabSelected() {
 void MainWindow::ShowTab(Tab tab) {
   platform::controls().TabSetCurSel(window, kTabControl, tab);
   SelectPage(tab);
-  currentTab = tab;
+  session.currentTab = tab;
   if (tab == kMouseTab) return;
-  EndTestMode();
+  mouseTab.SetTestMode(false);
   // A button that is hidden is not drawn any more when it loses the focus.
   platform::controls().SetDefaultButton(window, kEditControl);
-  if (!engine->IsDetecting()) return;
-  engine->EndMouseDetection();
-  SaveAfterMouseDetection();
+  if (!session.engine->IsDetecting()) return;
+  session.engine->EndMouseDetection();
+  session.SaveAfterMouseDetection();
 }
 
 void MainWindow::OnHelp() {
@@ -386,17 +288,15 @@ void MainWindow::OnHelpKey() {
   const std::uint32_t focused = platform::controls().GetControlFocus(window);
   const bool inRow =
       std::find(std::begin(kProfileRow), std::end(kProfileRow), focused) != std::end(kProfileRow);
-  ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[currentTab]);
+  ShowHelpTopic(inRow ? kProfilesTopic : kTabTopics[session.currentTab]);
 }
-
-void MainWindow::OnLink(std::uint32_t id) { (id == kWebLink ? webLink : mailLink).OnClick(); }
 
 // The list and its columns must not stick out at any moment.
 void MainWindow::Layout(const platform::Rect& client) {
   const std::int32_t difference = client.right - clientRect.right;
-  if (difference < 0) controlList.ChangeWidth(difference);
+  if (difference < 0) controlTab.controlList.ChangeWidth(difference);
   ResizableDialog::Layout(client);
-  if (difference > 0) controlList.ChangeWidth(difference);
+  if (difference > 0) controlTab.controlList.ChangeWidth(difference);
   clientRect = client;
 }
 
@@ -412,7 +312,26 @@ void MainWindow::OnPaint(platform::Canvas& canvas) {
 }
 
 void MainWindow::OnDrawItem(const platform::DrawItem& item, platform::Canvas& canvas) {
-  if (item.id == kTestMode) DrawTestButton(item, canvas);
+  if (item.id == kTestMode) mouseTab.DrawTestButton(item, canvas);
+}
+
+std::string MainWindow::OnToolTip(std::uint32_t id) {
+  if (!initComplete) return {};
+  LimitTips(kTipWidth);
+  return ToolTipOf(id);
+}
+
+void MainWindow::ShowWelcome() {
+  session.settings.welcomeDisplay = 1;
+  WelcomeDialog().DoModal(window);
+}
+
+void MainWindow::ShowDeviceWarning() {
+  if (!session.deviceManager || session.deviceManager->DeviceSelected()) return;
+  notificationArea.ShowFromTray();
+  ShowTab(kDeviceTab);
+  const ByteString text = deviceTab.WarningText();
+  if (!text.IsEmpty()) Box(text, "Kelvaro", platform::MB_OK);
 }
 
 }  // namespace kelvaro

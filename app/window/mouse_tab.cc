@@ -1,10 +1,9 @@
 // The Mouse tab: which inputs move the pointer, turn the wheel and press the mouse's buttons, how
-// strongly, and their detection by moving them. What is shown here and on the Device tab comes from
-// the profile, the engine and the device manager all at once, after anything that changed more than
-// one of them.
-#include "app/dialogs/dialogs.h"
+// strongly, and their detection by moving them.
+#include "app/window/mouse_tab.h"
+
+#include "app/dialogs/small_dialogs.h"
 #include "app/resources/control_ids.h"
-#include "app/window/main_window.h"
 #include "engine/input_text.h"
 
 namespace kelvaro {
@@ -14,8 +13,6 @@ using namespace main_window;
 
 constexpr std::int32_t kSliderMost = 50;
 constexpr std::int32_t kSliderTick = 5;
-
-constexpr std::uint32_t kRateTimesInterval = 1000;
 
 // Each box starts a detection for the field beside it.
 constexpr struct {
@@ -56,8 +53,6 @@ ByteString ButtonText(std::uint64_t mask) {
   return OrNone(text);
 }
 
-ByteString Number(std::uint32_t value) { return ToDecimal(value, false, 1); }
-
 std::uint32_t Brightness(platform::Colour colour) {
   return (colour & 0xFF) + (colour >> 8 & 0xFF) + (colour >> 16 & 0xFF);
 }
@@ -68,15 +63,12 @@ platform::Rect Inside(const platform::Rect& rect, std::int32_t by) {
 
 }  // namespace
 
-void MainWindow::ShowMouseAndDeviceState() {
-  if (!deviceManager) return;
-  ++initGuard;
-
+void MouseTab::Show() {
   for (const MouseRoleInput& input : kMouseRoles) {
-    SetText(static_cast<std::uint32_t>(input.role),
-            input.axis ? AxisText(profile.*input.axis) : ButtonText(profile.*input.mask));
+    dialog.SetText(static_cast<std::uint32_t>(input.role),
+                   input.axis ? AxisText(profile.*input.axis) : ButtonText(profile.*input.mask));
   }
-  Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
+  dialog.Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
 
   const struct {
     std::uint32_t id;
@@ -86,29 +78,15 @@ void MainWindow::ShowMouseAndDeviceState() {
                  {ControlEngine::kWheelDamperSlider, profile.wheelDamper},
                  {ControlEngine::kWheelSensitivitySlider, profile.wheelSensitivity}};
   for (const auto& slider : sliders) {
-    platform::controls().SliderSetRange(window, slider.id, 0, kSliderMost);
-    platform::controls().SliderSetTicFreq(window, slider.id, kSliderTick);
-    platform::controls().SliderSetPos(window, slider.id, slider.position);
+    platform::controls().SliderSetRange(dialog.window, slider.id, 0, kSliderMost);
+    platform::controls().SliderSetTicFreq(dialog.window, slider.id, kSliderTick);
+    platform::controls().SliderSetPos(dialog.window, slider.id, slider.position);
     ApplyMouseSlider(slider.id);
   }
-
-  ShowSelectedDevice();
-  const bool selected = deviceManager->DeviceSelected();
-  const platform::DIDEVCAPS& caps = deviceManager->DeviceCaps();
-  SetText(kNumButtons, Number(selected ? caps.dwButtons : 0));
-  SetText(kNumAxis, Number(selected ? caps.dwAxes : 0));
-  SetText(kNumPovs, Number(selected ? caps.dwPOVs : 0));
-
-  intervalField = deviceManager->PollInterval();
-  rateField = intervalField == 0 ? 0 : kRateTimesInterval / intervalField;
-  SetText(kInterval, Number(intervalField));
-  SetText(kRate, Number(rateField));
-
-  --initGuard;
 }
 
-void MainWindow::ApplyMouseSlider(std::uint32_t sliderId) {
-  const std::int32_t position = platform::controls().SliderGetPos(window, sliderId);
+void MouseTab::ApplyMouseSlider(std::uint32_t sliderId) {
+  const std::int32_t position = platform::controls().SliderGetPos(dialog.window, sliderId);
   engine->ApplyMouseSlider(sliderId, position);
 
   const struct {
@@ -128,35 +106,34 @@ void MainWindow::ApplyMouseSlider(std::uint32_t sliderId) {
     ByteString text(caption.text);
     text.Append(ToDecimalSigned(position, false, 1));
     text.Append(caption.end);
-    SetText(caption.caption, text);
+    dialog.SetText(caption.caption, text);
   }
 }
 
-void MainWindow::OnMouseSlider(std::uint32_t sliderId) {
-  if (initGuard != 0) return;
+void MouseTab::OnMouseSlider(std::uint32_t sliderId) {
+  if (session.initGuard != 0) return;
   LockGuard guard(profile.profileLock);
   ApplyMouseSlider(sliderId);
-  SaveProfile();
+  session.SaveProfile();
 }
 
-void MainWindow::OnMouseAlwaysActive() {
+void MouseTab::OnMouseAlwaysActive() {
   LockGuard guard(profile.profileLock);
   profile.mouseAlwaysActive = !profile.mouseAlwaysActive;
-  SaveProfile();
+  session.SaveProfile();
 }
 
 // Test mode
 
-void MainWindow::OnTestButton() { SetTestMode(!engine->TestMode()); }
+void MouseTab::OnTestButton() { SetTestMode(!engine->TestMode()); }
 
-void MainWindow::EndTestMode() { SetTestMode(false); }
-
-void MainWindow::SetTestMode(bool on) {
+void MouseTab::SetTestMode(bool on) {
   engine->SetTestMode(on);
-  if (currentTab == kMouseTab) platform::controls().InvalidateControl(window, kTestMode);
+  if (session.currentTab == Session::kMouseTab)
+    platform::controls().InvalidateControl(dialog.window, kTestMode);
 }
 
-void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas) {
+void MouseTab::DrawTestButton(const platform::DrawItem& item, platform::Canvas& canvas) {
   constexpr platform::Colour kLampOn = 0x00FF00;
   constexpr platform::Colour kLampOnEdge = 0x00AA00;
   constexpr platform::Colour kLampOff = 0x007700;
@@ -208,43 +185,53 @@ void MainWindow::DrawTestButton(const platform::DrawItem& item, platform::Canvas
   if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
   // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
   if (item.focusAction)
-    platform::controls().SetDefaultButton(window, item.focused ? item.id : kEditControl);
+    platform::controls().SetDefaultButton(dialog.window, item.focused ? item.id : kEditControl);
 }
 
 // Detection
 
-void MainWindow::OnDetectBox(std::uint32_t boxId) {
+void MouseTab::OnDetectBox(std::uint32_t boxId, MouseRole role) {
   // Before a detection is ended, which unchecks its box.
-  const bool checked = Checked(boxId);
+  const bool checked = dialog.Checked(boxId);
   if (engine->IsDetecting()) {
     engine->EndMouseDetection();
-    SaveAfterMouseDetection();
-  } else if (showAutoDetectUsage) {
+    session.SaveAfterMouseDetection();
+  } else if (session.settings.showAutoDetectUsage) {
     AutoDetectModeDialog usage;
-    usage.DoModal(window);
-    if (usage.dontShowAgain) showAutoDetectUsage = false;
+    usage.DoModal(dialog.window);
+    if (usage.dontShowAgain) session.settings.showAutoDetectUsage = false;
   }
   if (!checked) return;
-  for (const auto& detection : kDetections) {
-    if (detection.box == boxId) engine->StartMouseDetection(detection.role);
-  }
-}
-
-void MainWindow::SaveAfterMouseDetection() {
-  SaveDeviceSettings();
-  LockGuard guard(profile.profileLock);
-  SaveProfile();
+  engine->StartMouseDetection(role);
 }
 
 // Called with deviceLock and mouseLock held: the controls take these from any thread, and at once.
-void MainWindow::ShowDetectedInput(MouseRole role, const ByteString& text) {
-  SetText(static_cast<std::uint32_t>(role), text);
+void MouseTab::ShowDetectedInput(MouseRole role, const ByteString& text) {
+  dialog.SetText(static_cast<std::uint32_t>(role), text);
 }
 
-void MainWindow::MouseDetectionEnded(MouseRole role) {
+void MouseTab::MouseDetectionEnded(MouseRole role) {
   for (const auto& detection : kDetections) {
-    if (detection.role == role) Check(detection.box, false);
+    if (detection.role == role) dialog.Check(detection.box, false);
   }
+}
+
+bool MouseTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+  using platform::Notice;
+  if (notice == Notice::Scrolled) {
+    OnMouseSlider(id);
+    return true;
+  }
+  for (const auto& detection : kDetections) {
+    if (detection.box != id || notice != Notice::Clicked) continue;
+    OnDetectBox(id, detection.role);
+    return true;
+  }
+  static constexpr Handler<MouseTab> kHandlers[] = {
+      {kMouseAlwaysActive, Notice::Clicked, &MouseTab::OnMouseAlwaysActive},
+      {kTestMode, Notice::Clicked, &MouseTab::OnTestButton},
+  };
+  return Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

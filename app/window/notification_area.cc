@@ -1,10 +1,11 @@
+#include "app/window/notification_area.h"
+
 #include <algorithm>
 #include <iterator>
 
-#include "app/dialogs/dialogs.h"
 #include "app/platform/desktop.h"
 #include "app/resources/resources.h"
-#include "app/window/main_window.h"
+#include "app/start/window_messages.h"
 
 namespace kelvaro {
 namespace {
@@ -12,13 +13,16 @@ namespace {
 constexpr std::uint32_t kTrayIconId = 0;
 constexpr char kTip[] = "Kelvaro";
 
+// Of the process, as the hook's procedure takes no context.
+platform::HookHandle minimiseHook = 0;
+
 }  // namespace
 
-bool MainWindow::AddTrayIcon() {
+bool NotificationArea::AddTrayIcon() {
   trayIcon = platform::desktop().LoadIconA(resources::kIcon);
   if (trayIcon == 0) return false;
   platform::NOTIFYICONDATA data;
-  data.hWnd = window;
+  data.hWnd = dialog.window;
   data.uID = kTrayIconId;
   data.uFlags = platform::NIF_MESSAGE | platform::NIF_ICON | platform::NIF_TIP;
   data.uCallbackMessage = WM_TRAY_CALLBACK;
@@ -26,14 +30,14 @@ bool MainWindow::AddTrayIcon() {
   std::copy(std::begin(kTip), std::end(kTip), data.szTip);
   trayIconAdded = platform::desktop().Shell_NotifyIconA(platform::NIM_ADD, data);
   if (trayIconAdded)
-    platform::desktop().SetNotifyIconMenu(window, kTrayIconId, resources::FloaterMenu());
+    platform::desktop().SetNotifyIconMenu(dialog.window, kTrayIconId, resources::FloaterMenu());
   return trayIconAdded;
 }
 
-void MainWindow::RemoveTrayIcon() {
+void NotificationArea::RemoveTrayIcon() {
   if (trayIconAdded) {
     platform::NOTIFYICONDATA data;
-    data.hWnd = window;
+    data.hWnd = dialog.window;
     data.uID = kTrayIconId;
     platform::desktop().Shell_NotifyIconA(platform::NIM_DELETE, data);
     trayIconAdded = false;
@@ -44,37 +48,54 @@ void MainWindow::RemoveTrayIcon() {
   }
 }
 
-void MainWindow::OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessage) {
+void NotificationArea::OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessage) {
   if (iconId != kTrayIconId) return;
   if (mouseMessage == platform::WM_LBUTTONDBLCLK) ShowFromTray();
   if (mouseMessage == platform::WM_RBUTTONDOWN && !trayMenuOpen) ShowTrayMenu();
 }
 
-void MainWindow::ShowTrayMenu() {
+void NotificationArea::ShowTrayMenu() {
   // A menu closes on a click elsewhere only if its window is in front when it opens, and gets a
   // message after it.
-  platform::desktop().SetForegroundWindow(window);
+  platform::desktop().SetForegroundWindow(dialog.window);
   platform::Point cursor;
   if (!platform::desktop().GetCursorPos(&cursor)) return;
   trayMenuOpen = true;
-  platform::desktop().TrackPopupMenu(window, resources::FloaterMenu(), platform::TPM_RIGHTBUTTON,
-                                     cursor);
+  platform::desktop().TrackPopupMenu(dialog.window, resources::FloaterMenu(),
+                                     platform::TPM_RIGHTBUTTON, cursor);
   trayMenuOpen = false;
-  platform::desktop().PostMessageA(window, platform::WM_NULL, 0, 0);
+  platform::desktop().PostMessageA(dialog.window, platform::WM_NULL, 0, 0);
 }
 
-void MainWindow::HideToTray() { platform::desktop().ShowWindow(window, platform::SW_HIDE); }
-
-void MainWindow::ShowFromTray() {
-  platform::desktop().ShowWindow(window, platform::SW_SHOW);
-  platform::desktop().ShowWindow(window, platform::SW_RESTORE);
+std::intptr_t NotificationArea::MinimiseHook(std::int32_t code, std::uintptr_t wParam,
+                                             std::intptr_t lParam) {
+  if (code == platform::HCBT_MINMAX && lParam == platform::SW_MINIMIZE)
+    platform::desktop().PostMessageA(wParam, WM_HIDE_TO_TRAY, 0, 0);
+  platform::desktop().CallNextHookEx(minimiseHook, code, wParam, lParam);
+  return 0;
 }
 
-void MainWindow::ShowNormally() { platform::desktop().ShowWindow(window, platform::SW_SHOWNORMAL); }
+void NotificationArea::HideWhenMinimised() {
+  minimiseHook = platform::desktop().SetWindowsHookExA(platform::WH_CBT, &MinimiseHook);
+}
 
-void MainWindow::ShowWelcome() {
-  welcomeDisplay = 1;
-  WelcomeDialog().DoModal(window);
+void NotificationArea::EndHideWhenMinimised() {
+  if (minimiseHook == 0) return;
+  platform::desktop().UnhookWindowsHookEx(minimiseHook);
+  minimiseHook = 0;
+}
+
+void NotificationArea::HideToTray() {
+  platform::desktop().ShowWindow(dialog.window, platform::SW_HIDE);
+}
+
+void NotificationArea::ShowFromTray() {
+  platform::desktop().ShowWindow(dialog.window, platform::SW_SHOW);
+  platform::desktop().ShowWindow(dialog.window, platform::SW_RESTORE);
+}
+
+void NotificationArea::ShowNormally() {
+  platform::desktop().ShowWindow(dialog.window, platform::SW_SHOWNORMAL);
 }
 
 }  // namespace kelvaro

@@ -1,10 +1,11 @@
+#include "app/window/tool_tips.h"
+
 #include <algorithm>
 #include <iterator>
 
 #include "app/platform/controls.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
-#include "app/window/main_window.h"
 
 namespace kelvaro {
 namespace {
@@ -70,9 +71,10 @@ std::string TextOfTip(std::uint32_t id) {
 
 }  // namespace
 
-void MainWindow::CreateToolTips() {
+void CreateToolTips(const Dialog& dialog) {
+  const platform::WindowHandle window = dialog.window;
   if (platform::controls().CreateToolTip(window)) {
-    LimitTips(kTipWidth);
+    dialog.LimitTips(Dialog::kTipWidth);
     platform::controls().ActivateToolTip(window, true);
     std::int32_t tab = 0;
     for (const std::uint32_t text : kTabTips)
@@ -82,13 +84,10 @@ void MainWindow::CreateToolTips() {
   platform::controls().EnableToolTips(window);
 }
 
-std::string MainWindow::OnToolTip(std::uint32_t id) {
-  if (!initComplete) return {};
-  LimitTips(kTipWidth);
-  if (id == 0) return {};
-  if (std::find(std::begin(kWithoutTip), std::end(kWithoutTip), id) != std::end(kWithoutTip))
-    return {};
-  return TextOfTip(id);
+std::string ToolTipOf(std::uint32_t id) {
+  const bool without =
+      std::find(std::begin(kWithoutTip), std::end(kWithoutTip), id) != std::end(kWithoutTip);
+  return id == 0 || without ? std::string() : TextOfTip(id);
 }
 
 }  // namespace kelvaro

@@ -39,12 +39,12 @@ class AppSettingsTest : public MainWindowTest {
     return names;
   }
   void ExpectStartValues() {
-    EXPECT_TRUE(ShowAutoDetectUsage());
-    EXPECT_FALSE(StartMinimized());
-    EXPECT_TRUE(SmartCheck());
-    EXPECT_TRUE(ShiftReminder());
-    EXPECT_FALSE(NoDeviceErrorMsg());
-    EXPECT_FALSE(AutodetectDevicePlugin());
+    EXPECT_TRUE(Settings().showAutoDetectUsage);
+    EXPECT_FALSE(Settings().startMinimized);
+    EXPECT_TRUE(Settings().smartCheck);
+    EXPECT_TRUE(Settings().shiftReminder);
+    EXPECT_FALSE(Settings().noDeviceErrorMsg);
+    EXPECT_FALSE(Settings().autodetectDevicePlugin);
   }
   // All of a device's values, of which LoadDeviceSettings needs each.
   void PresetDevice(const std::string& name) {
@@ -62,7 +62,7 @@ TEST_F(AppSettingsTest, WithNothingStoredTheStartValuesHold) {
   FirstStart();
   Begin();
   ASSERT_EQ(screen.Front(), welcome::kDialog) << "the welcome";
-  EXPECT_EQ(LastProfile(), "");
+  EXPECT_EQ(Bytes(Settings().lastProfile), "");
   ExpectStartValues();
 }
 
@@ -77,22 +77,22 @@ TEST_F(AppSettingsTest, EachStoredValueIsTaken) {
   Preset("Autodetect Device Plugin", 1);
   Preset("Welcome Display", 77);
   Begin();
-  EXPECT_FALSE(ShowAutoDetectUsage());
-  EXPECT_TRUE(StartMinimized());
-  EXPECT_FALSE(SmartCheck());
-  EXPECT_FALSE(ShiftReminder());
-  EXPECT_EQ(LastProfile(), "Race");
-  EXPECT_TRUE(NoDeviceErrorMsg());
-  EXPECT_TRUE(AutodetectDevicePlugin());
-  EXPECT_EQ(WelcomeDisplay(), 77u);
+  EXPECT_FALSE(Settings().showAutoDetectUsage);
+  EXPECT_TRUE(Settings().startMinimized);
+  EXPECT_FALSE(Settings().smartCheck);
+  EXPECT_FALSE(Settings().shiftReminder);
+  EXPECT_EQ(Bytes(Settings().lastProfile), "Race");
+  EXPECT_TRUE(Settings().noDeviceErrorMsg);
+  EXPECT_TRUE(Settings().autodetectDevicePlugin);
+  EXPECT_EQ(Settings().welcomeDisplay, 77u);
 }
 
 TEST_F(AppSettingsTest, AnyNumberButZeroIsTrue) {
   Preset("Start Minimized", 0x80000000u);
   Preset("Smart Check", 2);
   Begin();
-  EXPECT_TRUE(StartMinimized());
-  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(Settings().startMinimized);
+  EXPECT_TRUE(Settings().smartCheck);
 }
 
 TEST_F(AppSettingsTest, AValueOfTheOtherKindIsMissing) {
@@ -187,7 +187,7 @@ TEST_F(AppSettingsTest, AKeyThatCannotBeWrittenLosesThemInSilence) {
   sim.Registry().Protect("HKCU");
   BeginOnSettings();
   screen.Click(kSmartCheck);
-  EXPECT_FALSE(SmartCheck());
+  EXPECT_FALSE(Settings().smartCheck);
   screen.Close();
   EXPECT_FALSE(screen.Running());
   EXPECT_TRUE(screen.Boxes().empty());
@@ -206,7 +206,7 @@ TEST_F(AppSettingsTest, TheLastDeviceIsSelectedWithItsValues) {
   EXPECT_EQ(CurrentDeviceName(), "Stick");
   EXPECT_EQ(CurrentDeviceGuid(), Device()->SelectedGuid());
   EXPECT_EQ(Device()->PollInterval(), 9u);
-  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_FALSE(Settings().showAutoDetectUsage);
 }
 
 TEST_F(AppSettingsTest, ALastDeviceThatIsNotAttachedIsNone) {
@@ -217,7 +217,7 @@ TEST_F(AppSettingsTest, ALastDeviceThatIsNotAttachedIsNone) {
   EXPECT_FALSE(Device()->DeviceSelected());
   EXPECT_EQ(CurrentDeviceName(), "");
   EXPECT_EQ(CurrentDeviceGuid(), platform::GUID{});
-  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_FALSE(Settings().showAutoDetectUsage);
 }
 
 // Odd, and wanted.
@@ -228,18 +228,18 @@ TEST_F(AppSettingsTest, AfterADevicesValuesAreMissingTheUsageHintIsNotRead) {
   Preset("Smart Check", 0);
   Begin();
   EXPECT_EQ(CurrentDeviceName(), kPad);
-  EXPECT_TRUE(ShowAutoDetectUsage());
-  EXPECT_FALSE(SmartCheck());
+  EXPECT_TRUE(Settings().showAutoDetectUsage);
+  EXPECT_FALSE(Settings().smartCheck);
 }
 
 TEST_F(AppSettingsTest, LoadingIsCompleteUnlessADeviceOrTheUsageHintIsMissing) {
   WithoutProfiles();
   Begin();
-  EXPECT_FALSE(LoadAppSettings()) << "no usage hint";
+  EXPECT_FALSE(Window()->settingsTab.LoadAppSettings()) << "no usage hint";
   Preset("Show Auto-Detect Usage", 1);
-  EXPECT_TRUE(LoadAppSettings());
+  EXPECT_TRUE(Window()->settingsTab.LoadAppSettings());
   PresetText("Last Device", "Gone");
-  EXPECT_TRUE(LoadAppSettings());
+  EXPECT_TRUE(Window()->settingsTab.LoadAppSettings());
 }
 
 // ---- The boxes of the tab.
@@ -248,10 +248,10 @@ TEST_F(AppSettingsTest, StartMinimizedIsSavedAtOnce) {
   BeginOnSettings();
   EXPECT_FALSE(screen.Checked(kStartMinimized));
   screen.Click(kStartMinimized);
-  EXPECT_TRUE(StartMinimized());
+  EXPECT_TRUE(Settings().startMinimized);
   EXPECT_EQ(Number("Start Minimized"), 1u);
   screen.Click(kStartMinimized);
-  EXPECT_FALSE(StartMinimized());
+  EXPECT_FALSE(Settings().startMinimized);
   EXPECT_EQ(Number("Start Minimized"), 0u);
 }
 
@@ -259,10 +259,10 @@ TEST_F(AppSettingsTest, SmartCheckIsSavedAtOnce) {
   BeginOnSettings();
   EXPECT_TRUE(screen.Checked(kSmartCheck));
   screen.Click(kSmartCheck);
-  EXPECT_FALSE(SmartCheck());
+  EXPECT_FALSE(Settings().smartCheck);
   EXPECT_EQ(Number("Smart Check"), 0u);
   screen.Click(kSmartCheck);
-  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(Settings().smartCheck);
   EXPECT_EQ(Number("Smart Check"), 1u);
 }
 
@@ -283,8 +283,8 @@ TEST_F(AppSettingsTest, TheAdvancedSettingGoesIntoBothValues) {
   EXPECT_FALSE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
   screen.Click(advanced_settings::kAutodetectDevicePlugin);
   screen.Click(platform::IDOK);
-  EXPECT_TRUE(AutodetectDevicePlugin());
-  EXPECT_TRUE(NoDeviceErrorMsg());
+  EXPECT_TRUE(Settings().autodetectDevicePlugin);
+  EXPECT_TRUE(Settings().noDeviceErrorMsg);
   EXPECT_EQ(Number("Autodetect Device Plugin"), 1u);
   EXPECT_EQ(Number("No Device Error Msg"), 1u);
 }
@@ -292,11 +292,11 @@ TEST_F(AppSettingsTest, TheAdvancedSettingGoesIntoBothValues) {
 TEST_F(AppSettingsTest, TheTwoValuesOfTheAdvancedSettingAreReadEachByItself) {
   Preset("No Device Error Msg", 1);
   BeginOnSettings();
-  EXPECT_TRUE(NoDeviceErrorMsg());
+  EXPECT_TRUE(Settings().noDeviceErrorMsg);
   screen.Click(kAdvanced);
   EXPECT_FALSE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
   screen.Click(platform::IDOK);
-  EXPECT_FALSE(NoDeviceErrorMsg());
+  EXPECT_FALSE(Settings().noDeviceErrorMsg);
 }
 
 TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
@@ -307,8 +307,8 @@ TEST_F(AppSettingsTest, CancelOfTheAdvancedSettingsChangesNothing) {
   EXPECT_TRUE(screen.Checked(advanced_settings::kAutodetectDevicePlugin));
   screen.Click(advanced_settings::kAutodetectDevicePlugin);
   screen.Click(platform::IDCANCEL);
-  EXPECT_TRUE(AutodetectDevicePlugin());
-  EXPECT_FALSE(NoDeviceErrorMsg());
+  EXPECT_TRUE(Settings().autodetectDevicePlugin);
+  EXPECT_FALSE(Settings().noDeviceErrorMsg);
   EXPECT_EQ(Written(kSettings), Strings{});
 }
 
@@ -370,8 +370,8 @@ TEST_F(AppSettingsTest, TheWholeTreeOfTheFormerProductIsTakenOver) {
   sim.Registry().PutDword(std::string(kFormer) + "\\Devices\\Old", "Sensitivity", 33);
   Begin();
   EXPECT_EQ(screen.Front(), main_window::kDialog) << "the welcome was seen before";
-  EXPECT_FALSE(SmartCheck());
-  EXPECT_EQ(LastProfile(), kProfile);
+  EXPECT_FALSE(Settings().smartCheck);
+  EXPECT_EQ(Bytes(Settings().lastProfile), kProfile);
   EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Old", "Sensitivity"), 33u);
   EXPECT_EQ(sim.Registry().Number(kFormer, "Smart Check"), 0u) << "stays as it is";
 }
@@ -392,7 +392,7 @@ TEST_F(AppSettingsTest, OnlyStringsAndDoubleWordsArrive) {
 TEST_F(AppSettingsTest, TheyAreNotTakenOverWhereTheNewKeyIs) {
   sim.Registry().PutDword(kFormer, "Smart Check", 0);
   Begin();
-  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(Settings().smartCheck);
 }
 
 TEST_F(AppSettingsTest, TheMachinesKeyIsTakenOverApart) {
@@ -409,7 +409,7 @@ TEST_F(AppSettingsTest, ThereIsOneTryOnly) {
   sim.Registry().PutDword(kFormer, "Smart Check", 0);
   sim.Registry().PutString(kMachineFormer, "maker", "m");
   Begin();
-  EXPECT_TRUE(SmartCheck());
+  EXPECT_TRUE(Settings().smartCheck);
   EXPECT_EQ(sim.Registry().ValueNames(kMachineSettings), Strings{});
 }
 

@@ -117,13 +117,13 @@ class CommandLineTest : public MainWindowTest {
     screen.SetCommandLine("\"/game/kelvaro\" " + arguments);
     Begin();
   }
-  Strings Extra() const { return All(ExtraProfiles()); }
+  Strings Extra() const { return All(Window()->launcher.extraProfiles); }
 };
 
 TEST_F(CommandLineTest, WithoutArgumentsTheLastProfileIsOpened) {
   BeginWith("");
   EXPECT_EQ(screen.Chosen(kProfileList), "Game");
-  EXPECT_FALSE(CommandLineProfileSelected());
+  EXPECT_FALSE(Window()->launcher.commandLineProfileSelected);
   EXPECT_EQ(Extra(), Strings{});
 }
 
@@ -137,7 +137,7 @@ TEST_F(CommandLineTest, TheBeginningOfANameSelectsTheFirstThatHasIt) {
   StoreProfile("Game two", [this](ProfileFile& made) { UsePad(made); });
   BeginWith("gA");
   EXPECT_EQ(screen.Chosen(kProfileList), "Game");
-  EXPECT_TRUE(CommandLineProfileSelected());
+  EXPECT_TRUE(Window()->launcher.commandLineProfileSelected);
 }
 
 TEST_F(CommandLineTest, AnUnknownProfileIsToldAndTheLastOneTaken) {
@@ -150,7 +150,7 @@ TEST_F(CommandLineTest, AnUnknownProfileIsToldAndTheLastOneTaken) {
   EXPECT_EQ(screen.Boxes()[0].caption, "Profile Selection Failure");
   EXPECT_EQ(screen.Boxes()[0].type, platform::MB_ICONEXCLAMATION);
   EXPECT_EQ(screen.Boxes()[0].owner, Handle());
-  EXPECT_FALSE(CommandLineProfileSelected());
+  EXPECT_FALSE(Window()->launcher.commandLineProfileSelected);
   EXPECT_EQ(screen.Chosen(kProfileList), "Game");
   EXPECT_EQ(Extra(), Strings{"Beta"});
 }
@@ -159,7 +159,7 @@ TEST_F(CommandLineTest, AProfileOfTheCommandLineIsOpenedAndRememberedAsTheLastOn
   BeginWith("Beta");
   EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
   EXPECT_EQ(Bytes(OpenProfile().profileName), "Beta");
-  EXPECT_TRUE(CommandLineProfileSelected());
+  EXPECT_TRUE(Window()->launcher.commandLineProfileSelected);
   EXPECT_EQ(SettingText("Last Profile"), "Beta");
 }
 
@@ -167,7 +167,7 @@ TEST_F(CommandLineTest, WithoutAnyProfileItIsNotRead) {
   WithoutProfiles();
   BeginWith("profile=Nobody target=/a");
   EXPECT_TRUE(screen.Boxes().empty());
-  EXPECT_EQ(LaunchTarget(), "");
+  EXPECT_EQ(Bytes(Window()->launcher.launchTarget), "");
   EXPECT_EQ(Extra(), Strings{});
 }
 
@@ -175,7 +175,7 @@ TEST_F(CommandLineTest, TheCharactersOfTheFileAreThoseOfTheCommandLine) {
   sim.Disk().PutFile("/game/QuoteChars.txt", "QuoteSub=~\nLeftArgQuote={\nRightArgQuote=}\n");
   BeginWith("~profile=Beta~ args=~-map {My Level} [x] |~");
   EXPECT_EQ(screen.Chosen(kProfileList), "Beta");
-  EXPECT_EQ(LaunchArgs(), "-map \"My Level\" [x] |");
+  EXPECT_EQ(Bytes(Window()->launcher.launchArgs), "-map \"My Level\" [x] |");
 }
 
 }  // namespace

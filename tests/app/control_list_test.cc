@@ -157,24 +157,24 @@ TEST_F(ControlListTest, ARowShowsTriggerActionAndDescription) {
 
 TEST_F(ControlListTest, RowsTellPressFromReleaseOnlyWithThePrefixFlag) {
   StartWith({{.buttons = 1, .keys = {"a"}}, {.buttons = 2, .keys = {"b"}, .press = false}});
-  EXPECT_EQ(RowPrefixes(), 0);
+  EXPECT_EQ(Window()->controlTab.rowPrefixes, 0);
   EXPECT_EQ(Column(0), "B1B2");
   Copy({0, 1});
-  RowPrefixes() = 1;
+  Window()->controlTab.rowPrefixes = 1;
   Paste();
   EXPECT_EQ(Column(0), "p:B1r:B2p:B1r:B2");
-  RowPrefixes() = 2;
+  Window()->controlTab.rowPrefixes = 2;
   Paste();
   EXPECT_EQ(Column(0), "B1B2B1B2B1B2");
 }
 
 TEST_F(ControlListTest, TheFirstSelectedRowNamesTheControl) {
   StartWith({{.id = 70}, {.id = 50}, {.id = 60}});
-  EXPECT_EQ(SelectedControlId(), 0u);
-  EXPECT_EQ(SelectedRow(), -1);
+  EXPECT_EQ(Window()->controlTab.SelectedControlId(), 0u);
+  EXPECT_EQ(Window()->controlTab.SelectedRow(), -1);
   Select({2, 1});
-  EXPECT_EQ(SelectedControlId(), 50u);
-  EXPECT_EQ(SelectedRow(), 1);
+  EXPECT_EQ(Window()->controlTab.SelectedControlId(), 50u);
+  EXPECT_EQ(Window()->controlTab.SelectedRow(), 1);
 }
 
 TEST_F(ControlListTest, FillingTheListShowsWhetherTheMouseControlsAreAlwaysActive) {
@@ -401,7 +401,7 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnOK) {
   screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDOK);
   EXPECT_EQ(screen.Front(), main_window::kDialog);
-  EXPECT_FALSE(ShiftReminder());
+  EXPECT_FALSE(Settings().shiftReminder);
   EXPECT_EQ(Number("Shift Reminder"), 0u);
   Edit(0);
   TypeControl("B");
@@ -416,9 +416,9 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnCancelToo) {
   screen.Click(IDOK);
   screen.Click(shift_key_required::kDontShowAgain);
   screen.Click(IDCANCEL);
-  EXPECT_TRUE(ShiftReminder()) << "not while the dialog is open";
+  EXPECT_TRUE(Settings().shiftReminder) << "not while the dialog is open";
   screen.Click(IDCANCEL);
-  EXPECT_FALSE(ShiftReminder());
+  EXPECT_FALSE(Settings().shiftReminder);
   EXPECT_EQ(Number("Shift Reminder"), 0u);
 }
 
@@ -444,7 +444,7 @@ TEST_F(ControlListTest, SettingsAreSavedOnlyIfTheReminderChanged) {
       screen.Click(IDCANCEL);
     }
   }
-  EXPECT_TRUE(ShiftReminder());
+  EXPECT_TRUE(Settings().shiftReminder);
   EXPECT_EQ(Number("Shift Reminder"), std::nullopt);
 }
 
@@ -560,13 +560,13 @@ TEST_F(ControlListTest, PastingStopsARepeatWhoseControlIsReplaced) {
 TEST_F(ControlListTest, CopyTakesTheSelectedControlsInTheOrderOfTheirRows) {
   StartWithLetters(4);
   Copy({3, 0, 2});
-  ASSERT_EQ(CopiedControls().count, 3);
-  EXPECT_EQ(IdsOf(CopiedControls()), (Ids{1, 3, 4}));
-  for (const Control& control : CopiedControls())
+  ASSERT_EQ(Window()->controlTab.copiedControls.count, 3);
+  EXPECT_EQ(IdsOf(Window()->controlTab.copiedControls), (Ids{1, 3, 4}));
+  for (const Control& control : Window()->controlTab.copiedControls)
     EXPECT_EQ(control.actionsBorrowed, 0) << "the buffer owns its actions";
   EXPECT_EQ(Saves(), 0u);
   Copy({1});
-  EXPECT_EQ(IdsOf(CopiedControls()), Ids{2}) << "emptied by the next copy";
+  EXPECT_EQ(IdsOf(Window()->controlTab.copiedControls), Ids{2}) << "emptied by the next copy";
 }
 
 TEST_F(ControlListTest, CopyWithNoSelectionLeavesTheBuffer) {
@@ -575,7 +575,7 @@ TEST_F(ControlListTest, CopyWithNoSelectionLeavesTheBuffer) {
   Copy({});
   screen.FocusOn(kControlList);
   screen.Press('C', true);
-  EXPECT_EQ(IdsOf(CopiedControls()), Ids{2});
+  EXPECT_EQ(IdsOf(Window()->controlTab.copiedControls), Ids{2});
 }
 
 TEST_F(ControlListTest, LaterEditsDontReachTheBuffer) {
@@ -645,7 +645,8 @@ TEST_F(ControlListTest, PastingTwiceGivesTwoCopiesWithActionsOfTheirOwn) {
   std::set<InputAction*> actions;
   for (std::int32_t i = 0; i < 3; ++i) actions.insert(*ControlAt(i).actions.head->value);
   EXPECT_EQ(actions.size(), 3u);
-  EXPECT_EQ(actions.count(*CopiedControls().head->value->actions.head->value), 0u);
+  EXPECT_EQ(actions.count(*Window()->controlTab.copiedControls.head->value->actions.head->value),
+            0u);
 }
 
 TEST_F(ControlListTest, TheBufferSurvivesAChangeOfProfile) {
@@ -673,7 +674,7 @@ TEST_F(ControlListTest, ControlCAndControlVCopyAndPaste) {
   screen.Press('V');
   EXPECT_EQ(Descriptions(), "ab") << "not without the control key";
   screen.Press('C', true);
-  EXPECT_EQ(IdsOf(CopiedControls()), Ids{2});
+  EXPECT_EQ(IdsOf(Window()->controlTab.copiedControls), Ids{2});
   screen.Press('V', true);
   EXPECT_EQ(Descriptions(), "abb");
   for (const std::uint8_t other : {'X', 'B', 'A'}) screen.Press(other, true);

@@ -437,7 +437,7 @@ TEST_F(DetectionUsageTest, TheUsageIsShownFirstAndTheDetectionStartsWhenItIsClos
     EXPECT_EQ(screen.Front(), main_window::kDialog);  // not when one is ended
     EXPECT_FALSE(Engine().IsDetecting());
   }
-  EXPECT_TRUE(ShowAutoDetectUsage());
+  EXPECT_TRUE(Settings().showAutoDetectUsage);
 }
 
 TEST_F(DetectionUsageTest, TheUsageIsNotShownWhileAnotherDetectionRuns) {
@@ -454,7 +454,7 @@ TEST_F(DetectionUsageTest, DontShowThisAgainCountsFromThenOnAndIsRemembered) {
   screen.Click(kDetectMouseX);
   screen.Click(auto_detect_mode::kDontShowAgain);
   screen.Click(platform::IDOK);
-  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_FALSE(Settings().showAutoDetectUsage);
   EXPECT_TRUE(Engine().IsDetecting());
   screen.Click(kDetectMouseX);
   screen.Click(kDetectMouseX);

@@ -126,7 +126,6 @@ class DeviceTabTest : public MainWindowTest {
     EXPECT_EQ(OpenProfile().pollInterval, 5u);
     EXPECT_EQ(Stored(kProfile)->pollInterval, 5u);
     EXPECT_EQ(sim.Registry().Number(kPadSettings, "Poll Interval"), std::nullopt);
-    EXPECT_EQ(InitGuard(), 0u);
   }
 
   void ExpectInterval(std::uint32_t interval, const std::string& rate) {
@@ -325,13 +324,20 @@ TEST_F(DeviceTabTest, ChoosingADeviceWaitsForTheProfilesLock) {
   }
 }
 
-TEST_F(DeviceTabTest, AChoiceDoesNotCountWhileControlsAreFilled) {
+TEST_F(DeviceTabTest, AChoiceDoesNotCountWhileAFieldIsRefused) {
   AddStick();
   BeginHere();
-  ++InitGuard();
-  screen.Choose(kDeviceList, "Stick");
+  Enter(kInterval, "0");
+  ASSERT_TRUE(screen.BoxUp());
+  platform::controls().ComboSetCurSel(
+      Handle(), kDeviceList,
+      platform::controls().ComboFindStringExact(Handle(), kDeviceList, "Stick"));
+  Notify(kDeviceList, platform::Notice::SelectionChanged);
   EXPECT_EQ(CurrentDeviceName(), "Pad");
-  --InitGuard();
+  screen.Answer(platform::IDOK);
+  Enter(kInterval, "5");
+  screen.Choose(kDeviceList, kNone);
+  EXPECT_EQ(CurrentDeviceName(), kNone);
 }
 
 TEST_F(DeviceTabTest, ADeviceIsKeptEvenWhereNothingCanBeWritten) {
@@ -433,17 +439,12 @@ TEST_F(DeviceTabTest, WhatIsNoNumberIsRefusedInEitherField) {
 // Both fields are read whichever is left.
 TEST_F(DeviceTabTest, TheFieldThatIsNoNumberIsNamedAndNotTheOneThatIsLeft) {
   BeginHere();
-  ++InitGuard();
-  screen.Type(kRate, "fast");
-  screen.FocusOn(kInterval);
-  --InitGuard();
+  PutText(kRate, "fast");
   Enter(kInterval, "20");
   ExpectRefused(kRate, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 
-  ++InitGuard();
-  screen.Type(kInterval, "slow");
+  PutText(kInterval, "slow");
   screen.FocusOn(kRate);
-  --InitGuard();
   screen.FocusOn(kDefaultRate);
   ExpectRefused(kInterval, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 }
@@ -451,19 +452,15 @@ TEST_F(DeviceTabTest, TheFieldThatIsNoNumberIsNamedAndNotTheOneThatIsLeft) {
 // The focus went on to the other field, which loses it to the box.
 TEST_F(DeviceTabTest, ARefusalTakesTheFocusFromTheOtherFieldWithoutASecondOne) {
   BeginHere();
-  ++InitGuard();
-  screen.Type(kRate, "fast");
+  PutText(kRate, "fast");
   screen.Type(kInterval, "slow");
-  --InitGuard();
   screen.FocusOn(kRate);
   LoseFocus(kRate);
   EXPECT_EQ(screen.Boxes().size(), 1u);
   ExpectRefused(kInterval, kNoNumber, "Kelvaro", platform::MB_ICONEXCLAMATION);
 
-  ++InitGuard();
-  screen.Type(kRate, "0");
+  PutText(kRate, "0");
   screen.Type(kInterval, "0");
-  --InitGuard();
   screen.FocusOn(kRate);
   LoseFocus(kRate);
   EXPECT_EQ(screen.Boxes().size(), 2u);
@@ -473,10 +470,8 @@ TEST_F(DeviceTabTest, ARefusalTakesTheFocusFromTheOtherFieldWithoutASecondOne) {
 TEST_F(DeviceTabTest, SoDoesARefusalByTheTimer) {
   sim.SetTimerLimits(5, 500);
   BeginHere();
-  ++InitGuard();
-  screen.Type(kRate, "0");
+  PutText(kRate, "0");
   screen.Type(kInterval, "4");
-  --InitGuard();
   screen.FocusOn(kRate);
   LoseFocus(kRate);
   ExpectBox("Error Setting Poll Rate", "Internal Error", platform::MB_OK);
@@ -583,15 +578,6 @@ TEST_F(DeviceTabTest, WithoutADeviceTheFieldsDoNotCount) {
   }
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(Device()->PollInterval(), 5u);
-}
-
-TEST_F(DeviceTabTest, WhileControlsAreFilledTheFieldsDoNotCount) {
-  BeginHere();
-  ++InitGuard();
-  Enter(kInterval, "0");
-  Enter(kRate, "0");
-  EXPECT_TRUE(screen.Boxes().empty());
-  --InitGuard();
 }
 
 TEST_F(DeviceTabTest, WhileTheProgramEndsTheFieldsDoNotCount) {
@@ -735,7 +721,7 @@ TEST_F(DeviceSettingsTest, AllValuesAreTakenOver) {
   EXPECT_EQ(screen.Text(kLeftButton), "B2");
   EXPECT_EQ(screen.Text(kMovementSensitivityFrame), "Movement Sensitivity (21)");
   EXPECT_EQ(Engine().movementFactor, 23);
-  EXPECT_FALSE(ShowAutoDetectUsage());
+  EXPECT_FALSE(Settings().showAutoDetectUsage);
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
 }
 
@@ -781,7 +767,7 @@ TEST_F(DeviceSettingsTest, FromTheFirstMissingValueOnNothingIsTakenOverThoughAll
     EXPECT_EQ(CallsOf(sim, {std::string("RegQueryValueExA ") + kPadSettings}), reads)
         << row.missing;
     // The result is false, which that one setting shows; and the tabs are up to date all the same.
-    EXPECT_TRUE(ShowAutoDetectUsage()) << row.missing;
+    EXPECT_TRUE(Settings().showAutoDetectUsage) << row.missing;
     EXPECT_EQ(screen.Text(kInterval), "5") << row.missing;
     EXPECT_EQ(screen.Text(kNumButtons), "11") << row.missing;
     CloseAll();
@@ -801,7 +787,7 @@ TEST_F(DeviceSettingsTest, ADeviceWithoutAKeyLeavesAllAsItWas) {
   EXPECT_EQ(Device()->PollInterval(), 5u);
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(screen.Text(kNumButtons), "11");
-  EXPECT_TRUE(ShowAutoDetectUsage());
+  EXPECT_TRUE(Settings().showAutoDetectUsage);
 }
 
 TEST_F(DeviceSettingsTest, AnInputThatHasNoFieldKeepsItsOffset) {

@@ -155,58 +155,33 @@ class MainWindowTest : public testing::Test {
     return read;
   }
 
-  // ---- The window and its members, from Begin until the program has ended.
+  // ---- The window and what runs in it, from Begin until the program has ended.
 
   MainWindow* Window() const { return window; }
   platform::WindowHandle Handle() const { return window->window; }
-  ProfileFile& OpenProfile() { return window->profile; }
-  ControlEngine& Engine() { return *window->engine; }
-  DeviceManager* Device() { return window->deviceManager.get(); }
-  DefineControlDialog& DefineControl() { return window->defineControl; }
-  ResizeListCtrl& ControlListCtrl() { return window->controlList; }
-  LinkedList<Control>& CopiedControls() { return window->copiedControls; }
-  std::uint16_t CurrentTab() const { return window->currentTab; }
-  std::uint32_t& InitGuard() { return window->initGuard; }
-  std::uint32_t& DefaultInterval() { return window->pollInterval; }
-  std::string CurrentDeviceName() const { return Bytes(window->currentDeviceName); }
-  platform::GUID CurrentDeviceGuid() const { return window->currentDeviceGuid; }
-  std::string LastProfile() const { return Bytes(window->lastProfile); }
-  bool& ShowAutoDetectUsage() { return window->showAutoDetectUsage; }
-  bool& StartMinimized() { return window->startMinimized; }
-  bool& SmartCheck() { return window->smartCheck; }
-  bool& ShiftReminder() { return window->shiftReminder; }
-  bool& NoDeviceErrorMsg() { return window->noDeviceErrorMsg; }
-  bool& AutodetectDevicePlugin() { return window->autodetectDevicePlugin; }
-  std::uint32_t& WelcomeDisplay() { return window->welcomeDisplay; }
-  bool& InPluginPoll() { return window->inPluginPoll; }
-  bool& TrayMenuOpen() { return window->trayMenuOpen; }
-  bool InitComplete() const { return window->initComplete; }
-  bool ShuttingDown() const { return window->shuttingDown; }
-  bool HelpAvailable() const { return window->helpAvailable; }
-  bool CommandLineProfileSelected() const { return window->commandLineProfileSelected; }
-  const LinkedList<ByteString>& ExtraProfiles() const { return window->extraProfiles; }
-  std::string LaunchTarget() const { return Bytes(window->launchTarget); }
-  std::string LaunchArgs() const { return Bytes(window->launchArgs); }
-  std::string LaunchDir() const { return Bytes(window->launchDir); }
-  std::string QuoteChars() const {
-    const kelvaro::QuoteChars& chars = window->quoteChars;
-    return {chars.quoteSub, chars.leftArgQuote, chars.rightArgQuote};
+  AppSettings& Settings() { return window->session.settings; }
+  std::uint16_t CurrentTab() const { return window->session.currentTab; }
+  ProfileFile& OpenProfile() { return window->session.profile; }
+  ControlEngine& Engine() { return *window->session.engine; }
+  DeviceManager* Device() { return window->session.deviceManager; }
+  DefineControlDialog& DefineControl() { return window->controlTab.defineControl; }
+  std::string CurrentDeviceName() const { return Bytes(window->session.currentDeviceName); }
+  platform::GUID CurrentDeviceGuid() const { return window->session.currentDeviceGuid; }
+
+  // An event of the window that nothing on the screen leads to now. On the test's own thread, so
+  // not one that waits for the person.
+  void Notify(std::uint32_t id, platform::Notice notice) {
+    static_cast<platform::WindowListener&>(*window).OnNotice(id, notice, 0);
   }
-  std::uint8_t& RowPrefixes() { return window->rowPrefixes; }
-  platform::Rect ClientRect() const { return window->clientRect; }
-
-  // ---- Operations that nothing on the screen leads to. On the test's own thread, so not those
-  // that wait for the person.
-
-  std::string ToolTip(std::uint32_t id) { return window->OnToolTip(id); }
+  std::string ToolTip(std::uint32_t id) {
+    return static_cast<platform::WindowListener&>(*window).OnToolTip(id);
+  }
   // As a box that comes up can do to a field.
-  void LoseFocus(std::uint32_t id) { window->OnNotice(id, platform::Notice::FocusLost, 0); }
-  std::uint32_t SelectedControlId() const { return window->SelectedControlId(); }
-  std::int32_t SelectedRow() const { return window->SelectedRow(); }
-  bool LoadAppSettings() { return window->LoadAppSettings(); }
-  static std::intptr_t MinimiseHook(std::int32_t code, std::uintptr_t wParam,
-                                    std::intptr_t lParam) {
-    return MainWindow::MinimiseHook(code, wParam, lParam);
+  void LoseFocus(std::uint32_t id) { Notify(id, platform::Notice::FocusLost); }
+  // What another thread may do; the focus stays.
+  void PutText(std::uint32_t id, const std::string& text) {
+    platform::controls().SetDlgItemTextA(Handle(), id, text);
+    screen.Settle();
   }
 
   Simulation sim;

@@ -159,12 +159,11 @@ TEST_F(WindowLifeTest, AfterTheSetUpTheWindowIsReady) {
   EXPECT_TRUE(screen.Shown());
   EXPECT_EQ(screen.Icon(true), 128u);
   EXPECT_EQ(screen.Icon(false), 128u);
-  EXPECT_TRUE(InitComplete());
+  EXPECT_TRUE(Window()->InitComplete());
   EXPECT_EQ(screen.Tabs(kTabControl), (Strings{"Control", "Mouse", "Device", "Settings"}));
   EXPECT_EQ(screen.Tab(kTabControl), 0);
   EXPECT_EQ(CurrentTab(), 0u);
-  EXPECT_EQ(InitGuard(), 0u);
-  EXPECT_EQ(DefaultInterval(), 5u);
+  EXPECT_EQ(Window()->deviceTab.pollInterval, 5u);
   EXPECT_EQ(Device()->PollInterval(), 5u);
   EXPECT_EQ(screen.Rows(kProfileList), Strings{kProfile});
   EXPECT_EQ(screen.Chosen(kProfileList), kProfile);
@@ -189,7 +188,7 @@ TEST_F(WindowLifeTest, AnIntervalThatTheTimerRefusesLeavesTheManagersOwn) {
   sim.SetTimerLimits(10, 1000);
   WithoutProfiles();
   Begin();
-  EXPECT_EQ(DefaultInterval(), 5u);
+  EXPECT_EQ(Window()->deviceTab.pollInterval, 5u);
   EXPECT_EQ(Device()->PollInterval(), 33u);
 }
 
@@ -200,7 +199,7 @@ TEST_F(WindowLifeTest, TheProfilesStandInTheOrderOfTheirNamesAndTheLastOneIsChos
   Begin();
   EXPECT_EQ(screen.Rows(kProfileList), (Strings{"Alpha", "beta", kProfile, "zeta"}));
   EXPECT_EQ(screen.Chosen(kProfileList), "beta");
-  EXPECT_EQ(LastProfile(), "beta");
+  EXPECT_EQ(Bytes(Settings().lastProfile), "beta");
 }
 
 TEST_F(WindowLifeTest, ALastProfileThatIsGoneGivesTheFirst) {
@@ -217,7 +216,7 @@ TEST_F(WindowLifeTest, WithoutAnyProfileNothingIsChosen) {
   EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(screen.Rows(kProfileList), Strings{});
   EXPECT_EQ(screen.ChosenRow(kProfileList), platform::kNoRow);
-  EXPECT_EQ(LastProfile(), "Old");
+  EXPECT_EQ(Bytes(Settings().lastProfile), "Old");
   EXPECT_TRUE(screen.Boxes().empty());
   screen.Close();
   EXPECT_EQ(SettingText("Last Profile"), "Old");
@@ -350,7 +349,7 @@ TEST_F(WindowLifeTest, ARepeatThreadThatCannotBeMadeIsMissedInSilence) {
   WithoutProfiles();
   sim.FailNext("CreateThread");
   Begin();
-  EXPECT_TRUE(InitComplete());
+  EXPECT_TRUE(Window()->InitComplete());
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
@@ -362,7 +361,7 @@ TEST_F(WindowLifeTest, AnEndDuringTheWelcomeIsTheEndOfTheSetUp) {
   Begin();
   ASSERT_EQ(screen.Front(), welcome::kDialog);
   Post(WM_CLOSE_PROGRAM);
-  EXPECT_TRUE(ShuttingDown());
+  EXPECT_TRUE(Window()->session.shuttingDown);
   screen.Close();
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(CountCalls(sim, "SetTimer"), 0u);
@@ -585,7 +584,7 @@ TEST_F(WindowLifeTest, TheHookHidesWhatIsMinimisedAndNothingElse) {
   for (const auto& row : kRows) {
     sim.LogCalls(true);
     sim.ClearCalls();
-    EXPECT_EQ(MinimiseHook(row.code, Handle(), row.lParam), 0);
+    EXPECT_EQ(NotificationArea::MinimiseHook(row.code, Handle(), row.lParam), 0);
     EXPECT_EQ(CountCalls(sim, "PostMessageA 32769"), row.posts) << row.code << " " << row.lParam;
   }
   screen.Settle();
@@ -604,7 +603,7 @@ TEST_F(WindowLifeTest, TheHookAlwaysCallsTheNextOneAndDropsItsResult) {
   screen.Minimise();
   EXPECT_EQ(calls, 1);
   EXPECT_FALSE(screen.Shown());
-  EXPECT_EQ(MinimiseHook(0, Handle(), 0), 0);
+  EXPECT_EQ(NotificationArea::MinimiseHook(0, Handle(), 0), 0);
   EXPECT_EQ(calls, 2);
   Post(WM_CLOSE_PROGRAM);
   platform::desktop().UnhookWindowsHookEx(older);
@@ -631,7 +630,6 @@ TEST_F(PluginTest, ADeviceThatIsPluggedInIsUsedWithinFiveSeconds) {
   sim.RunUntil(start + 5500);
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(CurrentDeviceName(), kPad);
-  EXPECT_FALSE(InPluginPoll());
 }
 
 TEST_F(PluginTest, ItIsLookedForEachFiveSecondsUntilItIsThere) {
@@ -648,7 +646,7 @@ TEST_F(PluginTest, ItIsLookedForEachFiveSecondsUntilItIsThere) {
 
 TEST_F(PluginTest, WithoutTheSettingNothingIsLookedFor) {
   Begin();
-  AutodetectDevicePlugin() = false;
+  Settings().autodetectDevicePlugin = false;
   pad.PlugIn();
   sim.RunFor(30000);
   EXPECT_FALSE(Device()->DeviceSelected());
@@ -717,7 +715,7 @@ TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
 
 TEST_F(WindowLifeTest, LeavingTheMouseTabEndsADetectionAndSavesWhatItFound) {
   Begin();
-  ShowAutoDetectUsage() = false;
+  Settings().showAutoDetectUsage = false;
   screen.ChooseTab(kTabControl, 1);
   screen.Click(kDetectLeftButton);
   EXPECT_TRUE(Engine().IsDetecting());
@@ -799,7 +797,7 @@ TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   expectPlaces(100, 80);
   screen.Resize(618, 408);
   expectPlaces(40, 0);
-  EXPECT_EQ(PlaceText(ClientRect()), "0,0 to 610,377");
+  EXPECT_EQ(PlaceText(Window()->ClientRect()), "0,0 to 610,377");
 }
 
 TEST_F(MainLayoutTest, TheWindowCannotBecomeSmallerThanItWasMade) {

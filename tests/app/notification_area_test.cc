@@ -164,10 +164,10 @@ TEST_F(NotificationAreaTest, TheRightButtonOpensTheMenuGoingDown) {
   Begin();
   screen.IconMessage(0, platform::WM_RBUTTONDOWN);
   ASSERT_TRUE(screen.MenuUp());
-  EXPECT_TRUE(TrayMenuOpen());
+  EXPECT_TRUE(screen.MenuUp());
   EXPECT_EQ(screen.Menu(), (Strings{"Exit", "", "Show Kelvaro"}));
   screen.DismissMenu();
-  EXPECT_FALSE(TrayMenuOpen());
+  EXPECT_FALSE(screen.MenuUp());
   EXPECT_TRUE(screen.Running());
 }
 
@@ -197,7 +197,7 @@ TEST_F(NotificationAreaTest, AMenuThatCannotBeShownLeavesTheWayForTheNext) {
   sim.FailNext("TrackPopupMenu");
   screen.IconRightClick();
   EXPECT_FALSE(screen.MenuUp());
-  EXPECT_FALSE(TrayMenuOpen());
+  EXPECT_FALSE(screen.MenuUp());
   EXPECT_TRUE(screen.Boxes().empty());
 }
 
@@ -262,7 +262,7 @@ TEST_F(NotificationAreaTest, TheWelcomeComesBeforeTheWindowIsSeenAndOnce) {
   ASSERT_EQ(screen.Front(), welcome::kDialog);
   EXPECT_EQ(screen.Title(), "Welcome to Kelvaro");
   EXPECT_FALSE(platform::desktop().IsWindowVisible(Handle()));
-  EXPECT_EQ(WelcomeDisplay(), 1u) << "before it is shown";
+  EXPECT_EQ(Settings().welcomeDisplay, 1u) << "before it is shown";
   screen.Close();
   EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_TRUE(screen.Shown());
@@ -305,7 +305,6 @@ TEST_F(NotificationAreaTest, TheHelpButtonShowsItsTopic) {
 TEST_F(NotificationAreaTest, WithoutHelpTheButtonDoesNothingAndNothingIsToldAtTheEnd) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
   Begin();
-  EXPECT_FALSE(HelpAvailable());
   EXPECT_FALSE(DefineControl().helpAvailable);
   screen.Click(kHelp);
   screen.Close();
@@ -316,7 +315,6 @@ TEST_F(NotificationAreaTest, WithoutHelpTheButtonDoesNothingAndNothingIsToldAtTh
 TEST_F(NotificationAreaTest, HelpThatDoesNotStartIsNone) {
   sim.FailNext("HtmlHelp");
   Begin();
-  EXPECT_FALSE(HelpAvailable());
   screen.Click(kHelp);
   EXPECT_TRUE(screen.HelpCalls().empty());
 }

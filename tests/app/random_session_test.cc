@@ -418,7 +418,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     if (!listed.empty()) {
       EXPECT_EQ(SettingText("Last Profile").value_or(""), OpenName());
     }
-    EXPECT_EQ(LastProfile(), SettingText("Last Profile").value_or(""));
+    EXPECT_EQ(Bytes(Settings().lastProfile), SettingText("Last Profile").value_or(""));
   }
 
   // The list shows what the folder holds, but for what a failure or somebody else left behind.

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "app/dialogs/dialogs.h"
+#include "app/dialogs/small_dialogs.h"
 #include "app/platform/simulation/desktop_simulation.h"
 #include "app/platform/simulation/screen.h"
 #include "app/resources/control_ids.h"

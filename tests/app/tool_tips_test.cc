@@ -100,7 +100,7 @@ TEST_F(ToolTipsTest, WithoutTheControlNothingIsFilledInAndTipsAreEnabledAllTheSa
   const Strings calls = CallsOf(sim, kToolCalls);
   EXPECT_EQ(calls, (Strings{"CreateToolTip", "EnableToolTips"}));
   EXPECT_EQ(screen.HoverTab(kTabControl, 0), "");
-  EXPECT_TRUE(InitComplete());
+  EXPECT_TRUE(Window()->InitComplete());
 }
 
 TEST_F(ToolTipsTest, TheTabsComeFirstAndThenTheControlsInTheirOrder) {

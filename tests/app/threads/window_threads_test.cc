@@ -14,6 +14,7 @@
 
 #include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/resources/control_ids.h"
+#include "app/resources/settings_keys.h"
 #include "app/window/main_window.h"
 #include "foundation/registry_key.h"
 #include "storage/profile_file.h"

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/dialogs/dialogs.h"
+#include "app/dialogs/small_dialogs.h"
 #include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "keys/key_action.h"

@@ -68,26 +68,31 @@ class WelcomeDialog : public Dialog {
   void OnInit() override;
 };
 
-// "Auto-Detect Mode": how to end a detection.
-class AutoDetectModeDialog : public Dialog {
+// A text with the check box "Don't show this again", which counts however the dialog ended.
+class ReminderDialog : public Dialog {
  public:
-  AutoDetectModeDialog();
-  bool dontShowAgain = false;  // however it ended
+  bool dontShowAgain = false;
 
  protected:
+  ReminderDialog(const platform::DialogTemplate& resource, std::uint32_t checkBox)
+      : Dialog(resource), checkBox(checkBox) {}
   void OnOK() override;
   void OnCancel() override;
+
+ private:
+  const std::uint32_t checkBox;
+};
+
+// "Auto-Detect Mode": how to end a detection.
+class AutoDetectModeDialog : public ReminderDialog {
+ public:
+  AutoDetectModeDialog();
 };
 
 // "Shift Key Required": IDOK for "Yes".
-class ShiftKeyRequiredDialog : public Dialog {
+class ShiftKeyRequiredDialog : public ReminderDialog {
  public:
   ShiftKeyRequiredDialog();
-  bool dontShowAgain = false;  // however it ended
-
- protected:
-  void OnOK() override;
-  void OnCancel() override;
 };
 
 }  // namespace kelvaro

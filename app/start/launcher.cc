@@ -1,21 +1,17 @@
-// What the command line asks of the window, and the LauncherThread, which starts a game together
-// with the program and ends with it. The thread reaches the window by posted messages alone, and
-// reads what the command line asked for, which nobody writes once it runs.
+#include "app/start/launcher.h"
+
 #include <vector>
 
 #include "app/platform/clock.h"
-#include "app/platform/controls.h"
 #include "app/platform/processes.h"
 #include "app/platform/shell.h"
-#include "app/resources/control_ids.h"
+#include "app/start/command_line.h"
 #include "app/start/process_finder.h"
-#include "app/window/main_window.h"
+#include "app/start/window_messages.h"
 #include "foundation/paths.h"
 
 namespace kelvaro {
 namespace {
-
-using namespace main_window;
 
 constexpr std::uint32_t kCloseWithin = 500;       // ms; of a window that was asked to close
 constexpr std::uint32_t kInstancesSettle = 2000;  // ms; before the game takes the screen
@@ -38,37 +34,22 @@ void CloseInstances(const std::vector<std::uint32_t>& processes) {
 
 }  // namespace
 
-void MainWindow::LoadQuoteChars() { quoteChars = kelvaro::LoadQuoteChars(); }
-
-void MainWindow::ParseCommandLine() {
+void Launcher::ParseCommandLine(platform::WindowHandle mainWindow, const ByteString& ownPath) {
+  window = mainWindow;
+  programPath = ownPath;
   const LaunchRequest request =
       ReadCommandLine(TextOf(platform::shell().GetCommandLineA(quoteChars.quoteSub)), quoteChars);
   extraProfiles = request.profiles;
   launchTarget = request.target;
   launchArgs = request.args;
   launchDir = request.dir;
-  if (extraProfiles.count == 0) return;
-  const ByteString name = *extraProfiles.head->value;
-  extraProfiles.RemoveNode(extraProfiles.head);
-  const std::int32_t row = platform::controls().ComboFindString(window, kProfileList, Bytes(name));
-  if (row == platform::kNoRow) {
-    Box(ByteString("Profile \"")
-            .Concat(name)
-            .Concat("\" is not in the list of available profiles. Command line selection failed."),
-        "Profile Selection Failure", platform::MB_ICONEXCLAMATION);
-    return;
-  }
-  platform::controls().ComboSetCurSel(window, kProfileList, row);
-  commandLineProfileSelected = true;
 }
 
-void MainWindow::OnStartLaunch() {
+void Launcher::StartIfDue() {
   if (commandLineProfileSelected && !launchTarget.IsEmpty()) Start(false, kPriorityOfCaller);
 }
 
-std::uint32_t MainWindow::Run() { return LaunchTarget(); }
-
-void MainWindow::CloseOtherInstances() {
+void Launcher::CloseOtherInstances() {
   ProcessList processes;
   if (!EnumerateProcesses(&processes)) return;
   const ByteString ownName = FileNameOf(programPath);
@@ -79,7 +60,25 @@ void MainWindow::CloseOtherInstances() {
   }
 }
 
-std::uint32_t MainWindow::LaunchTarget() {
+bool Launcher::StartTarget(platform::PROCESS_INFORMATION* game) {
+  ByteString line = InQuotes(launchTarget);
+  if (!launchArgs.IsEmpty()) {
+    line.AppendChar(' ');
+    line.Append(launchArgs);
+  }
+  const std::string folder = Bytes(launchDir.IsEmpty() ? FolderOf(launchTarget, true) : launchDir);
+  if (platform::processes().CreateProcessA(Bytes(launchTarget), Bytes(line),
+                                           platform::CREATE_NEW_CONSOLE, &folder, game))
+    return true;
+  ByteString text("Failed to launch \"");
+  text.Append(launchTarget);
+  text.Append("\".\n\nReason: ");
+  text.Append(SystemErrorText(platform::files().GetLastError()));
+  platform::desktop().MessageBoxA(window, Bytes(text), kLaunchFailure, platform::MB_ICONSTOP);
+  return false;
+}
+
+std::uint32_t Launcher::LaunchTarget() {
   CloseOtherInstances();
 
   std::vector<platform::Handle> kept;
@@ -98,22 +97,10 @@ std::uint32_t MainWindow::LaunchTarget() {
     instances.push_back(started.dwProcessId);
   }
 
-  ByteString line = InQuotes(launchTarget);
-  if (!launchArgs.IsEmpty()) {
-    line.AppendChar(' ');
-    line.Append(launchArgs);
-  }
-  const std::string folder = Bytes(launchDir.IsEmpty() ? FolderOf(launchTarget, true) : launchDir);
   if (!instances.empty()) platform::clock().Sleep(kInstancesSettle);
 
   platform::PROCESS_INFORMATION game;
-  if (!platform::processes().CreateProcessA(Bytes(launchTarget), Bytes(line),
-                                            platform::CREATE_NEW_CONSOLE, &folder, &game)) {
-    ByteString text("Failed to launch \"");
-    text.Append(launchTarget);
-    text.Append("\".\n\nReason: ");
-    text.Append(SystemErrorText(platform::files().GetLastError()));
-    Box(text, kLaunchFailure, platform::MB_ICONSTOP);
+  if (!StartTarget(&game)) {
     platform::desktop().PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
     return 0;
   }

@@ -1,8 +1,7 @@
-// The Control tab: each operation changes the profile's Controls, saves the profile at once, its
-// failure unheard, and brings what the dispatcher walks up to date. Only the user interface's
-// thread changes `controls`, so it reads them without the lock.
+#include "app/window/control_tab.h"
+
 #include "app/resources/control_ids.h"
-#include "app/window/main_window.h"
+#include "app/resources/settings_keys.h"
 #include "engine/input_text.h"
 #include "keys/key_action.h"
 
@@ -37,8 +36,17 @@ ByteString ActionText(const Control& control) {
 
 }  // namespace
 
-void MainWindow::FillControlList() {
-  platform::controls().ListDeleteAllItems(window, kControlList);
+void ControlTab::PrepareList() {
+  controlList.Attach(dialog.window, kControlList);
+  controlList.AddColumn("Trigger", 100);
+  controlList.AddColumn("Action", 50);
+  controlList.AddColumn("Description", 150);
+  controlList.registryKey = ByteString(kProductKey).Concat("\\").Concat(kMainWindowSubkey);
+  controlList.LoadColumns();
+}
+
+void ControlTab::FillControlList() {
+  platform::controls().ListDeleteAllItems(dialog.window, kControlList);
   const LinkedList<Control>::Node* node = nullptr;
   {
     LockGuard guard(profile.profileLock);
@@ -46,76 +54,78 @@ void MainWindow::FillControlList() {
   }
   for (; node; node = node->next) {
     FillControlRow(
-        platform::controls().ListInsertItem(window, kControlList, node->value->controlId),
+        platform::controls().ListInsertItem(dialog.window, kControlList, node->value->controlId),
         *node->value);
   }
-  Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
+  dialog.Check(kMouseAlwaysActive, profile.mouseAlwaysActive);
 }
 
-void MainWindow::FillControlRow(std::int32_t row, const Control& control) {
+void ControlTab::FillControlRow(std::int32_t row, const Control& control) {
   ByteString trigger;
   TriggerText(control, &trigger);
   if (rowPrefixes == 1) {
     trigger = ByteString(control.activateOnPress == 1 ? "p:" : "r:").Concat(trigger);
   }
-  platform::controls().ListSetItemText(window, kControlList, row, kTriggerColumn, Bytes(trigger));
-  platform::controls().ListSetItemText(window, kControlList, row, kActionColumn,
+  platform::controls().ListSetItemText(dialog.window, kControlList, row, kTriggerColumn,
+                                       Bytes(trigger));
+  platform::controls().ListSetItemText(dialog.window, kControlList, row, kActionColumn,
                                        Bytes(ActionText(control)));
-  platform::controls().ListSetItemText(window, kControlList, row, kDescriptionColumn,
+  platform::controls().ListSetItemText(dialog.window, kControlList, row, kDescriptionColumn,
                                        Bytes(control.description));
 }
 
-std::uint32_t MainWindow::SelectedControlId() const {
+std::uint32_t ControlTab::SelectedControlId() const {
   const std::int32_t row = SelectedRow();
-  return row == platform::kNoRow ? 0
-                                 : platform::controls().ListGetItemData(window, kControlList, row);
+  return row == platform::kNoRow
+             ? 0
+             : platform::controls().ListGetItemData(dialog.window, kControlList, row);
 }
 
-std::int32_t MainWindow::SelectedRow() const {
-  return platform::controls().ListGetNextSelected(window, kControlList, -1);
+std::int32_t ControlTab::SelectedRow() const {
+  return platform::controls().ListGetNextSelected(dialog.window, kControlList, -1);
 }
 
-void MainWindow::SelectedRows(LinkedList<std::int32_t>* rows) const {
+void ControlTab::SelectedRows(LinkedList<std::int32_t>* rows) const {
   for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
-       row = platform::controls().ListGetNextSelected(window, kControlList, row)) {
+       row = platform::controls().ListGetNextSelected(dialog.window, kControlList, row)) {
     rows->AddTail(row);
   }
 }
 
-void MainWindow::SelectedControlIds(LinkedList<std::uint32_t>* ids) const {
+void ControlTab::SelectedControlIds(LinkedList<std::uint32_t>* ids) const {
   for (std::int32_t row = SelectedRow(); row != platform::kNoRow;
-       row = platform::controls().ListGetNextSelected(window, kControlList, row)) {
-    ids->AddTail(platform::controls().ListGetItemData(window, kControlList, row));
+       row = platform::controls().ListGetNextSelected(dialog.window, kControlList, row)) {
+    ids->AddTail(platform::controls().ListGetItemData(dialog.window, kControlList, row));
   }
 }
 
-Control* MainWindow::FindSelectedControl() {
+Control* ControlTab::FindSelectedControl() {
   return SelectedRow() == platform::kNoRow ? nullptr : FindControl(SelectedControlId());
 }
 
-Control* MainWindow::FindControl(std::uint32_t controlId) {
+Control* ControlTab::FindControl(std::uint32_t controlId) {
   for (Control& control : profile.controls) {
     if (control.controlId == controlId) return &control;
   }
   return nullptr;
 }
 
-bool MainWindow::RunDefineControlDialog() {
+bool ControlTab::RunDefineControlDialog() {
   engine->repeatWorker.Clear();
-  defineControl.smartCheck = smartCheck;
-  defineControl.shiftReminder = shiftReminder;
-  return defineControl.DoModal(window) == platform::IDOK;
+  defineControl.smartCheck = session.settings.smartCheck;
+  defineControl.shiftReminder = session.settings.shiftReminder;
+  return defineControl.DoModal(dialog.window) == platform::IDOK;
 }
 
-void MainWindow::BringShiftReminderBack() {
-  if (shiftReminder == defineControl.shiftReminder) return;
-  shiftReminder = defineControl.shiftReminder;
-  SaveAppSettings();
+void ControlTab::BringShiftReminderBack() {
+  if (session.settings.shiftReminder == defineControl.shiftReminder) return;
+  session.settings.shiftReminder = defineControl.shiftReminder;
+  session.SaveAppSettings();
 }
 
-void MainWindow::OnNewControl() {
+void ControlTab::OnNewControl() {
   if (profile.profileName.IsEmpty()) {
-    Box(kNoProfileText, kNoProfileTitle, platform::MB_OK);
+    dialog.Box(kNoProfileText, kNoProfileTitle, platform::MB_OK);
     return;
   }
   Control& scratch = defineControl.scratch;
@@ -124,19 +134,19 @@ void MainWindow::OnNewControl() {
     LockGuard guard(profile.profileLock);
     scratch.controlId = profile.nextControlId++;
     profile.controls.AddTail(scratch);
-    SaveProfile();
+    session.SaveProfile();
     const std::int32_t row =
-        platform::controls().ListInsertItem(window, kControlList, scratch.controlId);
+        platform::controls().ListInsertItem(dialog.window, kControlList, scratch.controlId);
     FillControlRow(row, scratch);
-    platform::controls().ListEnsureVisible(window, kControlList, row);
+    platform::controls().ListEnsureVisible(dialog.window, kControlList, row);
     RebuildDispatchList();
   }
   BringShiftReminderBack();
 }
 
-void MainWindow::OnEditControl() {
+void ControlTab::OnEditControl() {
   // Enter on any tab presses the default button, which is this one.
-  if (currentTab != kControlTab) return;
+  if (session.currentTab != Session::kControlTab) return;
   Control& scratch = defineControl.scratch;
   {
     LockGuard guard(profile.profileLock);
@@ -152,16 +162,16 @@ void MainWindow::OnEditControl() {
     if (Control* control = FindSelectedControl()) {
       control->CopyShared(scratch);
       FillControlRow(SelectedRow(), *control);
-      SaveProfile();
+      session.SaveProfile();
     }
     RebuildDispatchList();
   }
   BringShiftReminderBack();
 }
 
-void MainWindow::OnDeleteControls() {
+void ControlTab::OnDeleteControls() {
   if (profile.controls.count == 0 || SelectedRow() == platform::kNoRow) return;
-  if (Box(kDeleteText, kDeleteTitle, platform::MB_YESNO | platform::MB_ICONQUESTION) !=
+  if (dialog.Box(kDeleteText, kDeleteTitle, platform::MB_YESNO | platform::MB_ICONQUESTION) !=
       platform::IDYES) {
     return;
   }
@@ -179,12 +189,12 @@ void MainWindow::OnDeleteControls() {
       }
     }
     RebuildDispatchList();
-    SaveProfile();
+    session.SaveProfile();
   }
   FillControlList();
 }
 
-void MainWindow::OnCopyControls() {
+void ControlTab::OnCopyControls() {
   LinkedList<std::uint32_t> ids;
   SelectedControlIds(&ids);
   if (ids.count == 0) return;
@@ -195,7 +205,7 @@ void MainWindow::OnCopyControls() {
   }
 }
 
-void MainWindow::OnPasteControls() {
+void ControlTab::OnPasteControls() {
   if (copiedControls.count == 0) return;
   {
     LockGuard guard(profile.profileLock);
@@ -206,46 +216,46 @@ void MainWindow::OnPasteControls() {
       pasted.controlId = profile.nextControlId++;
     }
     RebuildDispatchList();
-    SaveProfile();
+    session.SaveProfile();
   }
   FillControlList();
-  platform::controls().ListEnsureVisible(window, kControlList, profile.controls.count - 1);
+  platform::controls().ListEnsureVisible(dialog.window, kControlList, profile.controls.count - 1);
 }
 
-void MainWindow::OnMoveUp() {
+void ControlTab::OnMoveUp() {
   LinkedList<std::int32_t> rows;
   SelectedRows(&rows);
   if (rows.count == 0 || *rows.head->value == 0) return;
   {
     LockGuard guard(profile.profileLock);
     for (const std::int32_t row : rows) profile.controls.MoveUp(row);
-    SaveProfile();
+    session.SaveProfile();
   }
   FillControlList();
   for (const std::int32_t row : rows) {
-    platform::controls().ListSelectItem(window, kControlList, row - 1, true);
+    platform::controls().ListSelectItem(dialog.window, kControlList, row - 1, true);
   }
 }
 
-void MainWindow::OnMoveDown() {
+void ControlTab::OnMoveDown() {
   LinkedList<std::int32_t> rows;
   SelectedRows(&rows);
-  const std::int32_t last = platform::controls().ListGetItemCount(window, kControlList) - 1;
+  const std::int32_t last = platform::controls().ListGetItemCount(dialog.window, kControlList) - 1;
   if (rows.count == 0 || *rows.tail->value == last) return;
   {
     LockGuard guard(profile.profileLock);
     for (const auto* row = rows.tail; row; row = row->prev) profile.controls.MoveDown(*row->value);
-    SaveProfile();
+    session.SaveProfile();
   }
   FillControlList();
   for (const std::int32_t row : rows) {
-    platform::controls().ListSelectItem(window, kControlList, row + 1, true);
+    platform::controls().ListSelectItem(dialog.window, kControlList, row + 1, true);
   }
 }
 
 // Enter in the list isn't among them: it presses the default button, which the table of the window
 // (resources/main_window.cc, kStyleDefault) makes the one that edits a Control.
-bool MainWindow::OnControlListKey(std::int32_t vk) {
+bool ControlTab::OnControlListKey(std::int32_t vk) {
   const bool control = (platform::desktop().GetKeyState(kControlKey) & kKeyIsDown) != 0;
   if (vk == kDeleteKey) {
     OnDeleteControls();
@@ -259,15 +269,30 @@ bool MainWindow::OnControlListKey(std::int32_t vk) {
   return true;
 }
 
-void MainWindow::RebuildDispatchList() {
+void ControlTab::RebuildDispatchList() {
   engine->repeatWorker.Clear();
   profile.RebuildDispatchList();
 }
 
-bool MainWindow::ControlDialogOpen() const { return defineControl.dialogOpen; }
-
-void MainWindow::ShowDetectedTrigger(const DeviceManager& device, const DeviceSnapshot& snapshot) {
-  defineControl.ShowDetectedTrigger(device, snapshot);
+bool ControlTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
+  using platform::Notice;
+  if (id == kControlList && controlList.OnNotice(notice, value)) return true;
+  if (notice == Notice::KeyDown) {
+    // Of the keys that the list takes, the window itself takes these two.
+    if (id == kControlList || (id == 0 && (value == 'C' || value == 'V'))) OnControlListKey(value);
+    return true;
+  }
+  static constexpr Handler<ControlTab> kHandlers[] = {
+      {kControlList, Notice::DoubleClicked, &ControlTab::OnEditControl},
+      {kNewControl, Notice::Clicked, &ControlTab::OnNewControl},
+      {kEditControl, Notice::Clicked, &ControlTab::OnEditControl},
+      {kDeleteControls, Notice::Clicked, &ControlTab::OnDeleteControls},
+      {kCopyControls, Notice::Clicked, &ControlTab::OnCopyControls},
+      {kPasteControls, Notice::Clicked, &ControlTab::OnPasteControls},
+      {kMoveUp, Notice::Clicked, &ControlTab::OnMoveUp},
+      {kMoveDown, Notice::Clicked, &ControlTab::OnMoveDown},
+  };
+  return Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

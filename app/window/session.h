@@ -1,0 +1,106 @@
+// Whatever runs while the main window is there, and what its tabs tell one another: the open
+// profile, the device and the engine, and what is remembered. User interface's thread, but for what
+// says otherwise.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+
+#include "app/layout/dialog.h"
+#include "app/window/app_settings.h"
+#include "device/device_manager.h"
+#include "engine/control_engine.h"
+#include "foundation/byte_string.h"
+#include "storage/profile_file.h"
+
+namespace kelvaro {
+
+struct Session {
+  enum Tab : std::uint16_t { kControlTab, kMouseTab, kDeviceTab, kSettingsTab };
+
+  // `dialog` is the main window.
+  explicit Session(Dialog& dialog) : dialog(dialog) {}
+
+  // Also on the notification thread, with locks held. Where the open profile can't be written it
+  // goes on in memory; the person is told, once.
+  bool SaveProfile();
+  static void TellUnlessProfilesCanBeSaved();
+
+  // The device's settings first, then the application's.
+  void SaveAppSettings();
+  // "Last Device" and the values of the selected device; nothing without one. Also on the
+  // notification thread. The wheel's sensitivity and damper are not among them: they are the
+  // profile's alone.
+  void SaveDeviceSettings();
+  // The values of the selected device, of which there is one. From the first that is missing on
+  // nothing is taken, and the result is false.
+  bool LoadDeviceSettings();
+  // Of a detection that has ended: the device's values, then the profile. Also on the notification
+  // thread.
+  void SaveAfterMouseDetection();
+
+  // Lets go of whatever is held, where no device is selected whose state could still end it.
+  void LetGoWithoutDevice();
+  void ReselectDevice();
+
+  // The manager for the window, and the engine on it; the manager ends before them all, with
+  // whatever runs on it.
+  void StartDevice(EngineHost& host);
+  void EndDevice();
+
+  Dialog& dialog;
+  ProfileFile profile;
+  DeviceManager* deviceManager = nullptr;  // from StartDevice to EndDevice
+  std::unique_ptr<ControlEngine> engine;   // from StartDevice on
+  AppSettings settings;
+  ByteString currentDeviceName;
+  platform::GUID currentDeviceGuid;
+  ByteString programPath;
+  std::uint16_t currentTab = kControlTab;
+  std::uint32_t initGuard = 0;  // above 0 while controls are filled: their notices don't count
+  bool shuttingDown = false;
+
+ private:
+  std::unique_ptr<DeviceManager> ownedManager;
+  std::atomic<bool> failedSaveTold{false};
+};
+
+// One tab of the main window, or another of its pieces: it has its own controls and their notices.
+class Pane {
+ public:
+  virtual ~Pane() = default;
+  Pane(const Pane&) = delete;
+  Pane& operator=(const Pane&) = delete;
+
+  // True when the notice was one of its own.
+  virtual bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) = 0;
+
+ protected:
+  explicit Pane(Session& session) : session(session) {}
+
+  template <class Self>
+  struct Handler {
+    std::uint32_t id;
+    platform::Notice notice;
+    void (Self::*handle)();
+  };
+  template <class Self, std::size_t kCount>
+  static bool Handle(Self* self, const Handler<Self> (&handlers)[kCount], std::uint32_t id,
+                     platform::Notice notice) {
+    for (const Handler<Self>& handler : handlers) {
+      if (handler.id != id || handler.notice != notice) continue;
+      (self->*handler.handle)();
+      return true;
+    }
+    return false;
+  }
+
+  Session& session;
+  Dialog& dialog = session.dialog;
+  ProfileFile& profile = session.profile;
+  DeviceManager* const& deviceManager = session.deviceManager;
+  std::unique_ptr<ControlEngine>& engine = session.engine;
+};
+
+}  // namespace kelvaro
