@@ -135,10 +135,9 @@ std::int32_t DropList::FindExact(const std::string& text) const {
 }
 
 bool DropList::Select(std::int32_t row) {
-  if (row != kNoRow && !IsRow(row)) return false;
-  selected = row;
+  selected = IsRow(row) ? row : kNoRow;
   Sync();
-  return true;
+  return selected == row;
 }
 
 bool DropList::SetData(std::int32_t row, std::int32_t data) {
@@ -148,7 +147,7 @@ bool DropList::SetData(std::int32_t row, std::int32_t data) {
 }
 
 std::int32_t DropList::Data(std::int32_t row) const {
-  return IsRow(row) ? rows[static_cast<std::size_t>(row)].data : 0;
+  return IsRow(row) ? rows[static_cast<std::size_t>(row)].data : -1;
 }
 
 // The box chooses a row by itself when it gets its first one, or loses the chosen one.

@@ -19,7 +19,8 @@ class DropList final : public Control {
   std::string RowText(std::int32_t row) const;
   std::int32_t FindPrefix(const std::string& prefix) const;
   std::int32_t FindExact(const std::string& wanted) const;
-  bool Select(std::int32_t row);  // -1 for none
+  // Of a row that isn't there, as of -1, none is selected.
+  bool Select(std::int32_t row);
   std::int32_t Selected() const { return selected; }
   bool SetData(std::int32_t row, std::int32_t data);
   std::int32_t Data(std::int32_t row) const;

@@ -208,7 +208,7 @@ std::int32_t ListView::InsertColumn(const std::string& heading, std::int32_t wid
 }
 
 std::int32_t ListView::ColumnWidth(std::int32_t column) const {
-  return IsColumn(column) ? widths[static_cast<std::size_t>(column)] : 0;
+  return IsColumn(column) ? widths[static_cast<std::size_t>(column)] : -1;
 }
 
 bool ListView::SetColumnWidth(std::int32_t column, std::int32_t width) {
@@ -221,7 +221,8 @@ bool ListView::SetColumnWidth(std::int32_t column, std::int32_t width) {
 void ListView::WidthChanged(int column, int before, int now) {
   if (!IsColumn(column) || before == now) return;
   host.Notify(id, Notice::HeaderItemChanging, column);
-  widths[static_cast<std::size_t>(column)] = now;
+  // The program may have set another one in the notice.
+  widths[static_cast<std::size_t>(column)] = list->header()->sectionSize(column);
   host.Notify(id, Notice::HeaderItemChanged, column);
 }
 

@@ -50,7 +50,7 @@ bool QtControls::EndDeferWindowPos(DeferHandle defer) {
   if (found == deferred.end()) return false;
   const std::vector<Move> moves = std::move(found->second);
   deferred.erase(found);
-  for (const Move& move : moves) SetControlPos(move.window, move.id, move.rect, move.flags);
+  for (const Move& move : moves) QtControls::SetControlPos(move.window, move.id, move.rect, move.flags);
   return true;
 }
 
@@ -201,7 +201,7 @@ bool QtControls::ComboSetItemData(WindowHandle window, std::uint32_t id, std::in
 
 std::int32_t QtControls::ComboGetItemData(WindowHandle window, std::uint32_t id, std::int32_t row) {
   const DropList* const list = Find<DropList>(window, id);
-  return list ? list->Data(row) : 0;
+  return list ? list->Data(row) : -1;
 }
 
 // --- List views
@@ -215,7 +215,7 @@ std::int32_t QtControls::ListInsertColumn(WindowHandle window, std::uint32_t id,
 std::int32_t QtControls::ListGetColumnWidth(WindowHandle window, std::uint32_t id,
                                             std::int32_t column) {
   const ListView* const list = Find<ListView>(window, id);
-  return list ? list->ColumnWidth(column) : 0;
+  return list ? list->ColumnWidth(column) : -1;
 }
 
 bool QtControls::ListSetColumnWidth(WindowHandle window, std::uint32_t id, std::int32_t column,
@@ -239,7 +239,7 @@ bool QtControls::ListSetColumnOrder(WindowHandle window, std::uint32_t id,
 
 std::int32_t QtControls::ListGetClientWidth(WindowHandle window, std::uint32_t id) {
   const ListView* const list = Find<ListView>(window, id);
-  return list ? list->ClientWidth() : 0;
+  return list ? list->ClientWidth() : -1;
 }
 
 std::int32_t QtControls::ListInsertItem(WindowHandle window, std::uint32_t id, std::uint32_t data) {
@@ -337,7 +337,7 @@ bool QtControls::SliderSetPos(WindowHandle window, std::uint32_t id, std::int32_
 
 std::int32_t QtControls::SliderGetPos(WindowHandle window, std::uint32_t id) {
   const Slider* const slider = Find<Slider>(window, id);
-  return slider ? slider->Pos() : 0;
+  return slider ? slider->Pos() : -1;
 }
 
 // --- Looks

@@ -60,9 +60,12 @@ WINDOW_TEST(ListViewTest, WhatIsBeyondItsEndsIsRefused) {
   EXPECT_FALSE(controls().ListSelectItem(Window(), kList, 1, true));
   EXPECT_FALSE(controls().ListEnsureVisible(Window(), kList, 1));
   EXPECT_FALSE(controls().ListSetColumnWidth(Window(), kList, 3, 10));
-  EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 3), 0);
+  EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 3), -1);
   EXPECT_EQ(controls().ListInsertColumn(Window(), kDropList, "x", 1), -1);
   EXPECT_EQ(controls().ListGetItemCount(Window(), kDropList), -1);
+  EXPECT_EQ(controls().ListGetClientWidth(Window(), kDropList), -1);
+  EXPECT_EQ(controls().ComboGetItemData(Window(), kList, 0), -1);
+  EXPECT_EQ(controls().SliderGetPos(Window(), kList), -1);
 }
 
 WINDOW_TEST(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
