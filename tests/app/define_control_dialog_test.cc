@@ -735,10 +735,10 @@ TEST_F(DefineControlDialogTest, AKeyTextWithAFaultIsToldWithTheCursorAtTheFault)
     std::uint32_t offset;
   };
   const Row rows[] = {
-      {"<Esc", false, kBadKeyText, 0},       {"<>", false, kBadKeyText, 0},
-      {"<P: 5>", false, kBadKeyText, 0},     {"ab<nothing>c", false, kBadKeyText, 2},
-      {"<Ctrl>\xE9", false, kBadKeyText, 6}, {"aa", true, kDuplicateText, 1},
-      {"<Up><Up>", true, kDuplicateText, 4}, {"<Ctrl><Ctrl>", true, kDuplicateText, 6},
+      {"<Esc", false, kBadKeyText, 0},           {"<>", false, kBadKeyText, 0},
+      {"<P: 5>", false, kBadKeyText, 0},         {"ab<nothing>c", false, kBadKeyText, 2},
+      {"<Ctrl>\xC3\xA9", false, kBadKeyText, 6}, {"aa", true, kDuplicateText, 1},
+      {"<Up><Up>", true, kDuplicateText, 4},     {"<Ctrl><Ctrl>", true, kDuplicateText, 6},
       {",<<", true, kDuplicateText, 1},
   };
   OpenNew();

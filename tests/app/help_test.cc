@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "app/platform/simulation/desktop_simulation.h"
-#include "app/platform/simulation/screen.h"
 #include "tests/app/calls.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 
 namespace kelvaro {
 namespace {

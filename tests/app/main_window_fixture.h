@@ -21,10 +21,10 @@
 #include <string>
 
 #include "app/dialogs/help.h"
-#include "app/platform/simulation/desktop_simulation.h"
-#include "app/platform/simulation/screen.h"
 #include "app/window/main_window.h"
 #include "storage/profile_file.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 
 namespace kelvaro {
 

@@ -30,7 +30,7 @@ TEST_F(NotificationAreaTest, TheIconIsThatOfTheProgramWithItsName) {
   EXPECT_EQ(icon.uID, 0u);
   EXPECT_EQ(icon.uFlags, 7u) << "message, icon, tip";
   EXPECT_EQ(icon.uCallbackMessage, 0x8000u);
-  EXPECT_EQ(icon.hIcon, 128u);
+  EXPECT_EQ(screen.NotificationPicture(), 128u);
   EXPECT_STREQ(icon.szTip, "Kelvaro");
 }
 
@@ -250,8 +250,10 @@ TEST_F(NotificationAreaTest, AMinimisedWindowShowsTheIconInItsMiddle) {
   screen.Minimise();
   ASSERT_TRUE(screen.Shown()) << "without the hook nothing hides it";
   ASSERT_TRUE(screen.Minimised());
-  // Of no inside: (0 - 32 + 1) / 2, rounded toward zero.
-  EXPECT_EQ(screen.Paint(), (Strings{"erase 0,0,0,0", "icon -15,-15 128"}));
+  // (570 - 32 + 1) / 2 and (377 - 32 + 1) / 2, rounded toward zero.
+  ASSERT_EQ(screen.Paint().size(), 2u);
+  EXPECT_EQ(screen.Paint()[0], "erase 0,0,570,377");
+  EXPECT_TRUE(screen.Paint()[1].starts_with("icon 269,173 ")) << screen.Paint()[1];
 }
 
 // ---- The welcome.

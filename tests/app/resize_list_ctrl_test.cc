@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "app/layout/dialog.h"
-#include "app/platform/simulation/desktop_simulation.h"
-#include "app/platform/simulation/screen.h"
 #include "tests/app/calls.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 
 namespace kelvaro {
 namespace {
@@ -63,6 +63,8 @@ class ListDialog : public Dialog {
 
 class ResizeListCtrlTest : public ::testing::Test {
  protected:
+  void TearDown() override { screen.Leave(); }
+
   // A list of 300 pixels with columns of 100, 50 and 150, which have been loaded unless `load` is
   // false.
   void Open(bool load = true) {
@@ -480,6 +482,7 @@ TEST_F(ResizeListCtrlTest, WhatWasStoredComesBackAtTheNextStart) {
   OpenFresh(next, 300);
   EXPECT_EQ(Widths(), widths);
   EXPECT_EQ(Order(), (Numbers{1, 2, 0}));
+  screen.Close();
 }
 
 }  // namespace

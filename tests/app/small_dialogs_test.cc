@@ -5,10 +5,10 @@
 #include <string>
 
 #include "app/dialogs/small_dialogs.h"
-#include "app/platform/simulation/desktop_simulation.h"
-#include "app/platform/simulation/screen.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 
 namespace kelvaro {
 namespace {
@@ -26,6 +26,7 @@ template <class AnyDialog>
 struct Shown {
   template <class... Arguments>
   explicit Shown(Arguments... arguments) : dialog(arguments...) {}
+  ~Shown() { screen.Leave(); }
 
   Shown& Open() {
     screen.Start([this] { return dialog.DoModal(platform::kNoWindow); });

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "app/layout/dialog.h"
-#include "app/platform/simulation/desktop_simulation.h"
-#include "app/platform/simulation/screen.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 #include "rendlink/launcher.h"
 #include "storage/profile_file.h"
 

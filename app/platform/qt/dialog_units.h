@@ -12,6 +12,8 @@ class DialogUnits {
  public:
   // 4 across are the mean width of its characters, 8 down its height.
   explicit DialogUnits(const QFont& font);
+  // Pixels.
+  DialogUnits(double across, double down) : across(across), down(down) {}
 
   QRect PlaceOf(const ControlTemplate& control) const;
   QSize SizeOf(const DialogTemplate& dialog) const;

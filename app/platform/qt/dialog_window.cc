@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "app/platform/qt/control_maker.h"
-#include "app/platform/qt/dialog_units.h"
 #include "app/platform/qt/edits.h"
 #include "app/platform/qt/list_view.h"
 #include "app/platform/qt/qt_canvas.h"
@@ -87,7 +86,7 @@ DialogWindow::~DialogWindow() {
 }
 
 void DialogWindow::MakeInside(const DialogTemplate& from) {
-  const DialogUnits units(font());
+  const DialogUnits units = around.units(font());
   controls = MakeControls(*this, from.controls);
   for (std::size_t i = 0; i < controls.size(); ++i) {
     const ControlTemplate& row = from.controls[i];

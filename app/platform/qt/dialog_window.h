@@ -15,6 +15,7 @@
 
 #include "app/platform/desktop.h"
 #include "app/platform/qt/control.h"
+#include "app/platform/qt/dialog_units.h"
 #include "app/platform/qt/hooks.h"
 #include "app/platform/qt/tool_tips.h"
 #include "app/platform/qt/window_table.h"
@@ -33,6 +34,8 @@ struct Surroundings {
   // Called when a window has been set up, before its first message: closes it if the program was
   // asked to end meanwhile.
   std::function<void()> isSetUp;
+  // What a dialog unit is in a window of that font.
+  std::function<DialogUnits(const QFont&)> units;
 };
 
 // A call that waits for its turn among the messages of a window.

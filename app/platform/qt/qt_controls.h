@@ -11,7 +11,7 @@
 
 namespace platform::qt {
 
-class QtControls final : public Controls {
+class QtControls : public Controls {
  public:
   explicit QtControls(WindowTable& windows) : windows(windows) {}
 

@@ -8,8 +8,8 @@
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
-#include <condition_variable>
 #include <mutex>
+#include <optional>
 
 #include "app/platform/cut_off.h"
 #include "app/platform/qt/colours.h"
@@ -20,32 +20,37 @@ namespace platform::qt {
 namespace {
 
 constexpr int kFocusPatience = 1000;  // ms
+// Where a minimised window is, as the published operation tells it.
+constexpr Rect kAway{-32000, -32000, -32000 + 160, -32000 + 27};
 
 }  // namespace
 
 // The answer that another thread waits for; the first one counts.
 struct QtDesktop::Waiter {
+  Waiter() : answered(threads().CreateEventA(true, false)) {}
+  ~Waiter() { threads().CloseHandle(answered); }
+  Waiter(const Waiter&) = delete;
+  Waiter& operator=(const Waiter&) = delete;
+
   void Answer(std::int32_t button) {
     const std::lock_guard<std::mutex> guard(mutex);
-    if (answered) return;
-    answered = true;
+    if (answer) return;
     answer = button;
-    changed.notify_all();
+    threads().SetEvent(answered);
   }
   bool Answered() {
     const std::lock_guard<std::mutex> guard(mutex);
-    return answered;
+    return answer.has_value();
   }
   std::int32_t Wait() {
-    std::unique_lock<std::mutex> lock(mutex);
-    changed.wait(lock, [this] { return answered; });
-    return answer;
+    threads().WaitForSingleObject(answered, WAIT_FOREVER);
+    const std::lock_guard<std::mutex> guard(mutex);
+    return answer.value_or(0);
   }
 
   std::mutex mutex;
-  std::condition_variable changed;
-  bool answered = false;
-  std::int32_t answer = 0;
+  const Handle answered;
+  std::optional<std::int32_t> answer;
 };
 
 // Stands in front of what waits, for the life of this object.
@@ -231,7 +236,8 @@ std::int32_t QtDesktop::RunDialog(const DialogTemplate& dialog, WindowHandle own
                               if (firstWindow == kNoWindow) firstWindow = window;
                               TellNow();
                             },
-                            [this] { CloseIfAsked(); }};
+                            [this] { CloseIfAsked(); },
+                            [this](const QFont& font) { return UnitsOf(font); }};
   DialogWindow window(dialog, behind, listener, around);
   DialogWindow* const shown = &window;
   const InFront entry(*this, {window.Handle(), [shown] { shown->End(IDCANCEL); }});
@@ -298,7 +304,7 @@ bool QtDesktop::SetWindowIcon(WindowHandle handle, IconHandle icon, bool) {
 
 bool QtDesktop::GetWindowRect(WindowHandle handle, Rect* rect) {
   const DialogWindow* const window = Window(handle);
-  if (window) *rect = window->WholeRect();
+  if (window) *rect = window->IsIconic() ? kAway : window->WholeRect();
   return window;
 }
 

@@ -18,7 +18,7 @@
 
 namespace platform::qt {
 
-class QtDesktop final : public QObject, public Desktop {
+class QtDesktop : public QObject, public Desktop {
  public:
   QtDesktop();
   ~QtDesktop() override;
@@ -83,6 +83,9 @@ class QtDesktop final : public QObject, public Desktop {
                          std::span<const MenuItem> items) override;
   bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
                       Point screen) override;
+
+ protected:
+  virtual DialogUnits UnitsOf(const QFont& font) const { return DialogUnits(font); }
 
  private:
   struct Waiter;

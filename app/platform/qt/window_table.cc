@@ -3,11 +3,17 @@
 #include <QCoreApplication>
 #include <algorithm>
 
+#include "app/platform/threads.h"
 #include "app/platform/qt/dialog_window.h"
 
 namespace platform::qt {
 
+bool WindowTable::OnOwnThread() const {
+  return owner == 0 || owner == threads().GetCurrentThreadId();
+}
+
 WindowHandle WindowTable::Add(DialogWindow* window, std::set<std::uint32_t> controls) {
+  owner = threads().GetCurrentThreadId();
   const std::lock_guard<std::mutex> guard(mutex);
   windows[++last] = {window, std::move(controls)};
   return last;

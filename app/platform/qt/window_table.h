@@ -2,6 +2,7 @@
 // texts and check marks to be shown. Neither waits for the user interface's thread.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -9,7 +10,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -31,10 +31,8 @@ class WindowTable {
  public:
   using Updates = std::vector<std::pair<std::uint32_t, ControlUpdate>>;
 
-  // Belongs to the thread that makes it, the user interface's.
-  WindowTable() : owner(std::this_thread::get_id()) {}
-
-  bool OnOwnThread() const { return std::this_thread::get_id() == owner; }
+  // Belongs to the thread that makes the first window, the user interface's.
+  bool OnOwnThread() const;
 
   // The user interface's thread alone.
   WindowHandle Add(DialogWindow* window, std::set<std::uint32_t> controls);
@@ -69,7 +67,7 @@ class WindowTable {
   ControlUpdate* FindUpdate(WindowHandle handle, std::uint32_t control);
   static void PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act);
 
-  const std::thread::id owner;
+  std::atomic<std::int32_t> owner = 0;
   mutable std::mutex mutex;  // guards all below
   std::map<WindowHandle, Entry> windows;
   WindowHandle last = kNoWindow;

@@ -135,8 +135,8 @@ void Recorder::OnDrawItem(const DrawItem& item, Canvas& canvas) {
 
 namespace {
 
-Platform GroupsOf(QtPlatform& qt) {
-  Platform groups;
+Platform GroupsOf(LinuxPlatform& system, QtPlatform& qt) {
+  Platform groups = system.Groups();
   groups.desktop = &qt.Desktop();
   groups.controls = &qt.Controls();
   groups.shell = &qt.Shell();
@@ -145,7 +145,7 @@ Platform GroupsOf(QtPlatform& qt) {
 
 }  // namespace
 
-QtTest::QtTest() : groups(GroupsOf(qt)), installed(groups) {}
+QtTest::QtTest() : groups(GroupsOf(system, qt)), installed(groups) {}
 
 std::int32_t QtTest::Run(const DialogTemplate& dialog, std::function<void()> script,
                          WindowHandle owner) {

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/platform/linux/linux_platform.h"
 #include "app/platform/platform.h"
 #include "app/platform/qt/qt_platform.h"
 
@@ -100,6 +101,7 @@ class QtTest : public ::testing::Test {
   // Handles what is posted.
   static void Settle();
 
+  LinuxPlatform system;
   QtPlatform qt;
   Platform groups;
   InstalledPlatform installed;

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/platform/simulation/desktop_simulation.h"
+#include "app/platform/simulation/simulation.h"
 #include "tests/platform/simulation/virtual_thread.h"
 
 namespace platform::simulation {
@@ -56,25 +56,6 @@ TEST(Simulation, LosesEventsAsPlanned) {
   sim.FailNext("mouse_event", DIERR_INVALIDPARAM, 2);
   for (int event = 0; event < 3; ++event) input().mouse_event(1, event, 0, 0, 0);
   EXPECT_EQ(sim.EventText(), "0 key 3 4 0\n0 mouse 1 2 0 0\n");
-}
-
-TEST(DesktopSimulation, AnswersMessageBoxesInOrder) {
-  DesktopSimulation sim;
-  sim.AnswerMessageBox(IDYES);
-  sim.AnswerMessageBox(IDNO);
-  EXPECT_EQ(desktop().MessageBoxA(7, "Really?", "Kelvaro", MB_YESNO), IDYES);
-  EXPECT_EQ(desktop().MessageBoxA(0, "Sure?", "Kelvaro", MB_YESNO), IDNO);
-  EXPECT_EQ(desktop().MessageBoxA(0, "Told.", "Kelvaro", MB_OK), 0) << "not foreseen";
-  ASSERT_EQ(sim.MessageBoxes().size(), 3u);
-  EXPECT_EQ(sim.MessageBoxes()[0].owner, 7u);
-  EXPECT_EQ(sim.MessageBoxes()[0].text, "Really?");
-  EXPECT_EQ(sim.MessageBoxes()[0].caption, "Kelvaro");
-  EXPECT_EQ(sim.MessageBoxes()[0].type, MB_YESNO);
-  sim.AnswerMessageBox(IDOK);
-  sim.FailNext("MessageBoxA");
-  EXPECT_EQ(desktop().MessageBoxA(0, "Unseen", "Kelvaro", MB_OK), 0);
-  EXPECT_EQ(sim.MessageBoxes().size(), 3u);
-  EXPECT_EQ(desktop().MessageBoxA(0, "Seen", "Kelvaro", MB_OK), IDOK);
 }
 
 TEST(Simulation, HasMessagesForSomeCodes) {

@@ -1,4 +1,4 @@
-#include "app/platform/simulation/recording_canvas.h"
+#include "tests/person/recording_canvas.h"
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-#include "app/platform/simulation/virtual_shell.h"
+#include "tests/person/virtual_shell.h"
 
 #include <bit>
 #include <utility>

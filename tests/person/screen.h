@@ -1,21 +1,22 @@
-// What a person sees of a simulated machine, and does at it. The program runs on the virtual thread
-// "user interface" until it waits for the person; each act here is handed to the window in front
-// (the newest modal dialog, or a message box) and returns once the program waits for the person
-// again. Virtual time passes meanwhile only as far as the program itself waits (a lock, a device
-// that is stopped); RunFor of the Simulation lets more of it pass.
+// A person at a simulated machine, in front of the real windows: Qt off the screen, in the machine's
+// time. The program runs on the virtual thread "user interface" until it waits for the person; each
+// act here is done to the dialog in front and returns once the program waits again. Virtual time
+// passes meanwhile only as far as the program itself waits (a lock, a device that is stopped);
+// RunFor of the Simulation lets more of it pass.
 //
-//   Simulation sim;
+//   DesktopSimulation sim;
 //   Screen& screen = sim.Screen();
 //   screen.Start([] { return kelvaro::RunProgram(); });
-//   screen.Click(1006);
-//   screen.Type(1137, "My Game");
+//   screen.Click(main_window::kNewProfile);
+//   screen.Type(new_profile::kName, "My Game");
 //   screen.Click(IDOK);
-//   EXPECT_EQ(screen.Chosen(1001), "My Game");
+//   EXPECT_EQ(screen.Chosen(main_window::kProfileList), "My Game");
 //
 // An act that no person could do (a click on a hidden or disabled control, typing into a window
 // that a box covers, a program that no longer runs) fails the test by an exception,
 // std::logic_error, that says what was wrong; so does a program that doesn't come to wait within
-// five virtual minutes. Texts are bytes; a mnemonic mark is left out of what is shown.
+// five virtual minutes. Texts are bytes; a mnemonic mark is left out of what is shown. What the
+// program borrows must outlive it: Leave ends one that still runs.
 #pragma once
 
 #include <cstdint>
@@ -31,8 +32,7 @@
 
 namespace platform::simulation {
 
-class Journal;
-class Scheduler;
+class Simulation;
 
 struct ShownMessageBox {
   WindowHandle owner = 0;
@@ -68,7 +68,7 @@ using Drawing = std::vector<std::string>;
 
 class Screen {
  public:
-  Screen(Scheduler& scheduler, Journal& journal);
+  explicit Screen(Simulation& machine);
   ~Screen();
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
@@ -84,6 +84,8 @@ class Screen {
   void Start(std::function<std::int32_t()> program);
   bool Running() const;
   std::int32_t Result() const;  // of a program that has ended
+  // Closes what is up, until the program has ended: what it borrows must outlive it.
+  void Leave();
   // Lets the program go on until it waits for the person, without an act.
   void Settle();
 
@@ -99,9 +101,9 @@ class Screen {
   bool Minimised() const;
   bool Maximised() const;
   std::string Title() const;
-  Rect Place() const;   // on the screen
-  Rect Inside() const;  // at 0,0
-  IconHandle Icon(bool large) const;
+  Rect Place() const;                    // on the screen
+  Rect Inside() const;                   // at 0,0
+  std::uint32_t Icon(bool large) const;  // the number of its picture
 
   void Minimise();
   void Maximise();
@@ -153,11 +155,7 @@ class Screen {
   // person; so it is with every act that gives a control the focus.
   void Click(std::uint32_t id);
   void FocusOn(std::uint32_t id);  // by Tab
-  // A key, to the control that has the focus, with what dialogs make of Enter, Esc, the space bar
-  // and mnemonics left to itself: Enter presses the focused button or the default one (a hidden
-  // one, too), Esc cancels. A mnemonic needs no Alt where its letter isn't typed. A key that the
-  // control has no use for reaches the window, as control 0; so does F1, from any. Ctrl with Tab,
-  // Page Up or Page Down goes from tab to tab.
+  // A key, by its virtual key, to what has the focus.
   void Press(std::uint8_t vk, bool control = false);
   // Replaces what an edit holds, as if typed: an edit for digits takes those alone.
   void Type(std::uint32_t id, const std::string& text);
@@ -196,6 +194,7 @@ class Screen {
 
   bool IconShown() const;
   NOTIFYICONDATA NotificationIcon() const;
+  std::uint32_t NotificationPicture() const;  // the number of it
   void IconDoubleClick();
   void IconRightClick();
   void IconMessage(std::uint32_t iconId, std::intptr_t mouseMessage);  // any other

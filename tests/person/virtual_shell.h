@@ -9,7 +9,7 @@
 
 #include "app/platform/shell.h"
 #include "app/platform/simulation/journal.h"
-#include "app/platform/simulation/screen.h"
+#include "tests/person/screen.h"
 
 namespace platform::simulation {
 

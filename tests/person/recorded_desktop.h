@@ -1,0 +1,149 @@
+// Windows and controls on Qt, off the screen, inside a simulated machine: the operations that a
+// test may want in order or may want to fail go through the machine's journal first. What this
+// screen lacks (a notification area, colours and a size that are the same everywhere) is kept here.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "app/platform/qt/qt_controls.h"
+#include "app/platform/qt/qt_desktop.h"
+#include "app/platform/simulation/journal.h"
+#include "app/platform/simulation/scheduler.h"
+#include "tests/person/screen.h"
+
+namespace platform::simulation {
+
+struct RunningDialog {
+  const DialogTemplate* dialog = nullptr;
+  WindowListener* listener = nullptr;
+};
+
+struct MenuEntry {
+  std::string text;
+  std::uint32_t command = 0;
+};
+
+class RecordedDesktop final : public qt::QtDesktop {
+ public:
+  RecordedDesktop(Scheduler& scheduler, Journal& journal)
+      : scheduler(scheduler), journal(journal) {}
+
+  std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
+                           std::uint32_t type) override;
+  void DismissBoxesOfOtherThreads() override;
+  void Tell(const std::string& text) override { told.push_back(text); }
+  std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
+                         WindowListener& listener) override;
+  bool EndDialog(WindowHandle window, std::int32_t result) override;
+  bool ShowWindow(WindowHandle window, std::int32_t command) override;
+  bool SetForegroundWindow(WindowHandle window) override;
+  bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large) override;
+  bool MoveWindow(WindowHandle window, const Rect& rect) override;
+  bool InvalidateRect(WindowHandle window, const Rect& rect) override;
+  bool UpdateWindow(WindowHandle window) override;
+  bool GetDesktopRect(Rect* rect) override;
+  Colour GetSysColor(std::int32_t index) override;
+  bool GetCursorPos(Point* point) override;
+  bool PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
+                    std::intptr_t lParam) override;
+  std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms) override;
+  bool KillTimer(WindowHandle window, std::uint32_t id) override;
+  HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure) override;
+  bool UnhookWindowsHookEx(HookHandle hook) override;
+  IconHandle LoadIconA(std::uint32_t id) override;
+  bool DestroyIcon(IconHandle icon) override;
+  BitmapHandle LoadBitmapA(std::uint32_t id) override;
+  bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) override;
+  bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
+                         std::span<const MenuItem> items) override;
+  bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items, std::uint32_t flags,
+                      Point screen) override;
+
+  // The number of a picture, 0 for none.
+  std::uint32_t PictureOf(IconHandle handle) const;
+  // Of the dialog at that place of `dialogs`: they and their windows come and go in one order.
+  WindowHandle HandleOf(std::size_t dialog);
+
+  std::vector<RunningDialog> dialogs;                         // the newest last
+  std::map<std::pair<WindowHandle, bool>, IconHandle> icons;  // and whether it is the large one
+  std::deque<std::int32_t> answers;                           // of the boxes to come
+  std::vector<ShownMessageBox> boxes;                         // all that were shown
+  std::vector<std::string> told;
+  std::size_t menusShown = 0;
+  Rect desktop{0, 0, 1024, 768};
+  bool iconShown = false;
+  NOTIFYICONDATA icon;
+  std::vector<MenuEntry> iconMenu;
+
+ private:
+  // Those of the published dialogs, whatever fonts are there.
+  qt::DialogUnits UnitsOf(const QFont&) const override { return {1.5, 1.625}; }
+  bool HasIcon(WindowHandle window, std::uint32_t id) const {
+    return iconShown && window == icon.hWnd && id == icon.uID;
+  }
+
+  Scheduler& scheduler;
+  Journal& journal;
+  std::map<IconHandle, std::uint32_t> pictures;
+  bool othersRefused = false;
+};
+
+class RecordedControls final : public qt::QtControls {
+ public:
+  RecordedControls(qt::WindowTable& windows, Journal& journal)
+      : QtControls(windows), journal(journal) {}
+
+  bool SetControlPos(WindowHandle window, std::uint32_t id, const Rect& rect,
+                     std::uint32_t flags) override;
+  DeferHandle BeginDeferWindowPos(std::int32_t count) override;
+  DeferHandle DeferWindowPos(DeferHandle defer, WindowHandle window, std::uint32_t id,
+                             const Rect& rect, std::uint32_t flags) override;
+  bool EndDeferWindowPos(DeferHandle defer) override;
+  bool InvalidateControl(WindowHandle window, std::uint32_t id) override;
+  bool ShowControl(WindowHandle window, std::uint32_t id, std::int32_t command) override;
+  bool SetControlFocus(WindowHandle window, std::uint32_t id) override;
+  bool PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) override;
+  std::int32_t ComboAddString(WindowHandle window, std::uint32_t id,
+                              const std::string& text) override;
+  bool ComboDeleteString(WindowHandle window, std::uint32_t id, std::int32_t row) override;
+  bool ComboSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t row) override;
+  bool ListSetColumnWidth(WindowHandle window, std::uint32_t id, std::int32_t column,
+                          std::int32_t width) override;
+  bool ListGetColumnOrder(WindowHandle window, std::uint32_t id,
+                          std::vector<std::int32_t>* order) override;
+  bool ListSetColumnOrder(WindowHandle window, std::uint32_t id,
+                          const std::vector<std::int32_t>& order) override;
+  bool TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab, Rect* rect) override;
+  bool TabSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t tab) override;
+  bool SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) override;
+  bool SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) override;
+  bool SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) override;
+  bool SetHandCursor(WindowHandle window, std::uint32_t id) override;
+  bool CreateToolTip(WindowHandle window) override;
+  bool SetToolTipWidth(WindowHandle window, std::int32_t pixels) override;
+  bool SetToolTipTime(WindowHandle window, std::int32_t ms) override;
+  bool ActivateToolTip(WindowHandle window, bool active) override;
+  bool AddTabTool(WindowHandle window, std::uint32_t id, std::int32_t tab,
+                  const std::string& text) override;
+  bool AddTool(WindowHandle window, std::uint32_t id) override;
+  bool EnableToolTips(WindowHandle window) override;
+
+  // What the program gave a control to be seen with.
+  struct Looks {
+    BitmapHandle picture = 0;
+    Colour textColour = 0;
+    Colour backgroundColour = 0;
+    std::uint32_t redraws = 0;
+  };
+  std::map<std::pair<WindowHandle, std::uint32_t>, Looks> looks;
+
+ private:
+  Journal& journal;
+};
+
+}  // namespace platform::simulation
