@@ -33,7 +33,7 @@ WINDOW_TEST(SliderTest, AnotherKindIsNoSlider) {
   EXPECT_FALSE(controls().SliderSetRange(Window(), kButton, 0, 1));
   EXPECT_FALSE(controls().SliderSetTicFreq(Window(), kButton, 1));
   EXPECT_FALSE(controls().SliderSetPos(Window(), kButton, 1));
-  EXPECT_EQ(controls().SliderGetPos(Window(), kButton), 0);
+  EXPECT_EQ(controls().SliderGetPos(Window(), kButton), -1);
 }
 
 }  // namespace
