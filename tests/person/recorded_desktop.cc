@@ -66,11 +66,6 @@ bool RecordedDesktop::SetWindowIcon(WindowHandle window, IconHandle picture, boo
   return QtDesktop::SetWindowIcon(window, picture, large);
 }
 
-bool RecordedDesktop::MoveWindow(WindowHandle window, const Rect& rect) {
-  if (journal.Enter("MoveWindow")) return false;
-  return QtDesktop::MoveWindow(window, rect);
-}
-
 bool RecordedDesktop::InvalidateRect(WindowHandle window, const Rect& rect) {
   if (journal.Enter("InvalidateRect")) return false;
   return QtDesktop::InvalidateRect(window, rect);
@@ -220,11 +215,6 @@ bool RecordedControls::ShowControl(WindowHandle window, std::uint32_t id, std::i
   return QtControls::ShowControl(window, id, command);
 }
 
-bool RecordedControls::SetControlFocus(WindowHandle window, std::uint32_t id) {
-  if (journal.Enter("SetControlFocus", id)) return false;
-  return QtControls::SetControlFocus(window, id);
-}
-
 bool RecordedControls::PostControlMessage(WindowHandle window, std::uint32_t id,
                                           std::uint32_t message) {
   if (journal.Enter("PostControlMessage", id, message)) return false;
@@ -235,11 +225,6 @@ std::int32_t RecordedControls::ComboAddString(WindowHandle window, std::uint32_t
                                               const std::string& text) {
   if (journal.Enter("ComboAddString", id)) return -1;
   return QtControls::ComboAddString(window, id, text);
-}
-
-bool RecordedControls::ComboDeleteString(WindowHandle window, std::uint32_t id, std::int32_t row) {
-  if (journal.Enter("ComboDeleteString", id, row)) return false;
-  return QtControls::ComboDeleteString(window, id, row);
 }
 
 bool RecordedControls::ComboSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t row) {
@@ -259,23 +244,12 @@ bool RecordedControls::ListGetColumnOrder(WindowHandle window, std::uint32_t id,
   return QtControls::ListGetColumnOrder(window, id, order);
 }
 
-bool RecordedControls::ListSetColumnOrder(WindowHandle window, std::uint32_t id,
-                                          const std::vector<std::int32_t>& order) {
-  if (journal.Enter("ListSetColumnOrder")) return false;
-  return QtControls::ListSetColumnOrder(window, id, order);
-}
-
 // Of the same height with any font.
 bool RecordedControls::TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab,
                                       Rect* rect) {
   if (!QtControls::TabGetItemRect(window, id, tab, rect)) return false;
   rect->bottom = rect->top + 20;
   return true;
-}
-
-bool RecordedControls::TabSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t tab) {
-  if (journal.Enter("TabSetCurSel", id, tab)) return false;
-  return QtControls::TabSetCurSel(window, id, tab);
 }
 
 bool RecordedControls::SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) {

@@ -43,7 +43,6 @@ class RecordedDesktop final : public qt::QtDesktop {
   bool ShowWindow(WindowHandle window, std::int32_t command) override;
   bool SetForegroundWindow(WindowHandle window) override;
   bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large) override;
-  bool MoveWindow(WindowHandle window, const Rect& rect) override;
   bool InvalidateRect(WindowHandle window, const Rect& rect) override;
   bool UpdateWindow(WindowHandle window) override;
   bool GetDesktopRect(Rect* rect) override;
@@ -106,20 +105,15 @@ class RecordedControls final : public qt::QtControls {
   bool EndDeferWindowPos(DeferHandle defer) override;
   bool InvalidateControl(WindowHandle window, std::uint32_t id) override;
   bool ShowControl(WindowHandle window, std::uint32_t id, std::int32_t command) override;
-  bool SetControlFocus(WindowHandle window, std::uint32_t id) override;
   bool PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) override;
   std::int32_t ComboAddString(WindowHandle window, std::uint32_t id,
                               const std::string& text) override;
-  bool ComboDeleteString(WindowHandle window, std::uint32_t id, std::int32_t row) override;
   bool ComboSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t row) override;
   bool ListSetColumnWidth(WindowHandle window, std::uint32_t id, std::int32_t column,
                           std::int32_t width) override;
   bool ListGetColumnOrder(WindowHandle window, std::uint32_t id,
                           std::vector<std::int32_t>* order) override;
-  bool ListSetColumnOrder(WindowHandle window, std::uint32_t id,
-                          const std::vector<std::int32_t>& order) override;
   bool TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab, Rect* rect) override;
-  bool TabSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t tab) override;
   bool SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) override;
   bool SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) override;
   bool SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) override;

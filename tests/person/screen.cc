@@ -311,10 +311,6 @@ WindowHandle Screen::WindowOf(std::uint32_t dialog) const {
   return kNoWindow;
 }
 
-std::vector<TopLevelWindow> Screen::TopLevelWindows() const {
-  return state->desktop.Windows().TopLevelWindows();
-}
-
 bool Screen::Shown() const { return state->Look().IsShown(); }
 bool Screen::Minimised() const { return state->Look().IsIconic(); }
 bool Screen::Maximised() const { return state->Look().IsZoomed(); }
@@ -437,8 +433,6 @@ const std::vector<ShownMessageBox>& Screen::Boxes() const { return state->deskto
 const std::vector<std::string>& Screen::Told() const { return state->desktop.told; }
 
 // ---- Controls
-
-bool Screen::Has(std::uint32_t id) const { return state->Look().Find(id) != nullptr; }
 
 std::string Screen::Text(std::uint32_t id) const {
   const qt::Control& control = state->Look(id);
@@ -821,10 +815,6 @@ void Screen::DismissMenu() {
 std::size_t Screen::MenusShown() const { return state->desktop.menusShown; }
 
 // ---- The session
-
-void Screen::SetDesktop(std::int32_t width, std::int32_t height) {
-  state->desktop.desktop = {0, 0, width, height};
-}
 
 void Screen::SetCommandLine(const std::string& line) { state->shell.commandLine = line; }
 void Screen::ChooseNextPath(const std::string& path) { state->shell.chosenPaths.push_back(path); }

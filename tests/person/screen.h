@@ -1,8 +1,8 @@
-// A person at a simulated machine, in front of the real windows: Qt off the screen, in the machine's
-// time. The program runs on the virtual thread "user interface" until it waits for the person; each
-// act here is done to the dialog in front and returns once the program waits again. Virtual time
-// passes meanwhile only as far as the program itself waits (a lock, a device that is stopped);
-// RunFor of the Simulation lets more of it pass.
+// A person at a simulated machine, in front of the real windows: Qt off the screen, in the
+// machine's time. The program runs on the virtual thread "user interface" until it waits for the
+// person; each act here is done to the dialog in front and returns once the program waits again.
+// Virtual time passes meanwhile only as far as the program itself waits (a lock, a device that is
+// stopped); RunFor of the Simulation lets more of it pass.
 //
 //   DesktopSimulation sim;
 //   Screen& screen = sim.Screen();
@@ -95,7 +95,6 @@ class Screen {
   std::uint32_t Front() const;
   WindowHandle Window() const;                        // of it
   WindowHandle WindowOf(std::uint32_t dialog) const;  // of a dialog that runs, kNoWindow otherwise
-  std::vector<TopLevelWindow> TopLevelWindows() const;  // oldest first, without a process
   // Of the dialog in front.
   bool Shown() const;
   bool Minimised() const;
@@ -132,7 +131,6 @@ class Screen {
 
   // --- Controls of the dialog in front
 
-  bool Has(std::uint32_t id) const;
   std::string Text(std::uint32_t id) const;
   bool Visible(std::uint32_t id) const;
   bool Enabled(std::uint32_t id) const;
@@ -211,7 +209,6 @@ class Screen {
 
   // --- The session
 
-  void SetDesktop(std::int32_t width, std::int32_t height);  // 1024 by 768 at first
   void SetCommandLine(const std::string& line);
   // What the next question for a file or folder is answered with, in order; empty, and no answer
   // beforehand: none is chosen.
