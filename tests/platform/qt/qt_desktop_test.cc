@@ -204,6 +204,10 @@ TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
     ASSERT_TRUE(ABoxComesUp());
     EXPECT_EQ(BoxThatIsUp()->text(), QStringLiteral("The settings were damaged."));
     BoxThatIsUp()->accept();
+    qt.Desktop().Tell("The disk is full.");
+    ASSERT_TRUE(ABoxComesUp());
+    EXPECT_EQ(BoxThatIsUp()->text(), QStringLiteral("The disk is full."));
+    BoxThatIsUp()->accept();
   });
 }
 

@@ -2,18 +2,16 @@
 // has a name for a screen reader, the Tab key comes by, and texts stand out from their background.
 #include <gtest/gtest.h>
 
-#include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QApplication>
 #include <QFontMetrics>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QStyleOptionButton>
 #include <QStyleOptionComboBox>
-#include <QStyleOptionSlider>
 #include <QTabBar>
 #include <QTest>
+#include <QTreeView>
 #include <algorithm>
 #include <fstream>
 #include <functional>
@@ -27,7 +25,6 @@
 #include "app/platform/qt/text.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
-#include "storage/profile_file.h"
 #include "tests/program/looks/stage.h"
 
 namespace kelvaro::looks {
@@ -40,8 +37,6 @@ using platform::ControlTemplate;
 using platform::DialogTemplate;
 using platform::qt::Contrast;
 using platform::qt::Control;
-
-constexpr int kPatience = 30000;  // ms
 
 bool IsFrame(ControlKind kind) {
   return kind == ControlKind::GroupBox || kind == ControlKind::TabControl ||
@@ -349,113 +344,49 @@ TEST_F(Looks, F1OpensAPlaceThatTheHelpHasFromEveryControl) {
   EXPECT_EQ(topics.size(), 11u);
 }
 
-std::int32_t StoredSensitivity() {
-  ProfileFile stored;
-  EXPECT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
-  return stored.movementSensitivity;
+QTreeView& ListOf(const DialogWindow& window) {
+  return dynamic_cast<QTreeView&>(*window.Find(kControlList)->FocusWidget());
 }
 
-TEST_F(Looks, ASliderThatIsDraggedIsSavedInTheProfile) {
-  Stage stage;
-  ASSERT_EQ(StoredSensitivity(), 10);
-  EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
-    ShowTab(window, 1);
-    QWidget* const slider = window.Find(kMovementSensitivity)->FocusWidget();
-    QStyleOptionSlider option;
-    option.initFrom(slider);
-    option.minimum = 0;
-    option.maximum = 50;
-    option.sliderPosition = option.sliderValue = 10;
-    option.tickPosition = QSlider::TicksBelow;
-    option.orientation = Qt::Horizontal;
-    option.subControls = QStyle::SC_All;
-    const QPoint knob =
-        slider->style()
-            ->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, slider)
-            .center();
-    QTest::mousePress(slider, Qt::LeftButton, {}, knob);
-    const QPoint end(slider->width() - 1, knob.y());
-    QMouseEvent move(QEvent::MouseMove, end, slider->mapToGlobal(end), Qt::NoButton, Qt::LeftButton,
-                     {});
-    QApplication::sendEvent(slider, &move);
-    QTest::mouseRelease(slider, Qt::LeftButton, {}, end);
-    EXPECT_EQ(window.Find(kMovementSensitivityFrame)->Text(), "Movement Sensitivity (50)");
-  }));
-  EXPECT_EQ(StoredSensitivity(), 50);
-}
-
-TEST_F(Looks, AnIntervalThatIsTypedIsSavedInTheProfileWhenTheFieldIsLeft) {
+TEST_F(Looks, TheColumnsSayWhatTheyShow) {
   Stage stage;
   EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
-    ShowTab(window, 2);
-    QWidget* const field = window.Find(kInterval)->FocusWidget();
-    field->setFocus();
-    QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(field, QStringLiteral("20"));
-    QTest::keyClick(field, Qt::Key_Tab);
-    Stage::Settle();
-    EXPECT_EQ(window.Find(kRate)->Text(), "50");  // a second has 50 of 20 ms
+    const QAbstractItemModel& model = *ListOf(window).model();
+    ASSERT_EQ(model.columnCount(), 3);
+    const char* const headings[] = {"Trigger", "Action", "Description"};
+    for (int column = 0; column < 3; ++column)
+      EXPECT_EQ(model.headerData(column, Qt::Horizontal).toString().toStdString(),
+                headings[column]);
+    EXPECT_EQ(model.index(4, 0).data().toString().toStdString(), "B1");
+    EXPECT_EQ(model.index(4, 2).data().toString().toStdString(), "Jump");
   }));
-  ProfileFile stored;
-  ASSERT_TRUE(stored.Load(stored.FindProfileFile(kProfile)));
-  EXPECT_EQ(stored.pollInterval, 20u);
 }
 
-TEST_F(Looks, ChoosingNoDeviceEndsTheRepeatOfAButtonThatIsHeld) {
+TEST_F(Looks, AControlThatIsNewOrPastedIsScrolledIntoViewUnselected) {
   Stage stage;
-  ProfileFile profile;
-  ASSERT_TRUE(profile.Load(profile.FindProfileFile(kProfile)));
-  for (kelvaro::Control& control : profile.controls) {
-    control.repeatEnabled = 1;
-    control.repeatDelay = 20;
-    control.repeatSpeed = 20;
-  }
-  ASSERT_TRUE(profile.Save());
+  Stage::AddControls(60);
   EXPECT_TRUE(stage.Open(main_window::kDialog, [&](DialogWindow& window) {
-    ShowTab(window, 2);
-    stage.Pad().Press({3});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return stage.KeysSent() >= 6; }, kPatience))
-        << "it doesn't repeat";
-    QTest::keyClick(window.Find(kDeviceList)->FocusWidget(), Qt::Key_Home);  // "-- None --"
-    EXPECT_EQ(window.Find(kNumButtons)->Text(), "0");
-    const int sent = stage.KeysSent();
-    Stage::Settle(500);
-    EXPECT_EQ(stage.KeysSent(), sent);
-  }));
-}
-
-// The text of the box that stands aside, which is closed; empty for none.
-std::string CloseBoxAside() {
-  std::string text;
-  const auto closed = [&] {
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-      auto* const box = dynamic_cast<QMessageBox*>(window);
-      if (!box || !box->isVisible()) continue;
-      text = box->text().toStdString();
-      box->accept();
-    }
-    return !text.empty();
-  };
-  EXPECT_TRUE(QTest::qWaitFor(closed, 20'000));
-  return text;
-}
-
-TEST_F(Looks, ProfilesThatCannotBeStoredAreToldAtTheStartAndAtTheFirstSaveThatFails) {
-  Stage stage;
-  stage.Disk().PutFolder("/game/Profiles",
-                         platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_READONLY);
-  EXPECT_TRUE(stage.Open(main_window::kDialog, [](DialogWindow& window) {
-    const std::string start = CloseBoxAside();
-    EXPECT_NE(start.find("can't be stored in the folder\n/game/Profiles"), std::string::npos)
-        << start;
-    auto& box = dynamic_cast<QAbstractButton&>(*window.Find(kMouseAlwaysActive)->FocusWidget());
-    box.click();
-    const std::string save = CloseBoxAside();
-    EXPECT_NE(save.find("couldn't be stored in the folder\n/game/Profiles"), std::string::npos)
-        << save;
-    box.click();
-    Stage::Settle();
-    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    QTreeView& list = ListOf(window);
+    int rows = list.model()->rowCount();
+    const auto expectSeen = [&] {
+      ASSERT_EQ(list.model()->rowCount(), ++rows);
+      const QRect last = list.visualRect(list.model()->index(rows - 1, 0));
+      EXPECT_TRUE(list.viewport()->rect().contains(last.center()));
+      EXPECT_TRUE(list.selectionModel()->selectedRows().isEmpty());
+    };
+    stage.WhenUp("Define Control", [](QWidget& dialog) {
+      auto& define = dynamic_cast<DialogWindow&>(dialog);
+      QTest::keyClicks(define.Find(define_control::kDescriptionText)->FocusWidget(),
+                       QStringLiteral("new"));
+      define.SendNotice(platform::IDOK, platform::Notice::Clicked, 0);
+    });
+    window.SendNotice(kNewControl, platform::Notice::Clicked, 0);
+    expectSeen();
+    list.scrollToTop();
+    list.setCurrentIndex(list.model()->index(0, 0));
+    window.SendNotice(kCopyControls, platform::Notice::Clicked, 0);
+    window.SendNotice(kPasteControls, platform::Notice::Clicked, 0);
+    expectSeen();
   }));
 }
 

@@ -5,7 +5,6 @@
 
 #include <QPalette>
 #include <QWidget>
-#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -54,14 +53,11 @@ class QuietShell final : public platform::Shell {
   }
 };
 
-// Counts what is sent, on whatever thread, and sends nothing.
-class CountedInput final : public platform::Input {
+class NoInput final : public platform::Input {
  public:
-  void keybd_event(std::uint8_t, std::uint8_t, std::uint32_t, std::uint32_t) override { ++keys; }
+  void keybd_event(std::uint8_t, std::uint8_t, std::uint32_t, std::uint32_t) override {}
   void mouse_event(std::uint32_t, std::int32_t, std::int32_t, std::int32_t,
                    std::uint32_t) override {}
-
-  std::atomic<int> keys{0};
 };
 
 class Stage {
@@ -82,10 +78,7 @@ class Stage {
   void WhenUp(const std::string& title, std::function<void(QWidget&)> act);
 
   platform::qt::QtPlatform& Qt() { return qt; }
-  platform::simulation::VirtualDisk& Disk() { return disk; }
-  platform::simulation::VirtualRegistry& Registry() { return registry; }
   platform::SimulatedDevice& Pad() { return pad.Device(); }
-  int KeysSent() const { return input.keys; }  // ups and downs
 
   // The newest window that is seen; null for none.
   DialogWindow* Front();
@@ -98,7 +91,7 @@ class Stage {
   platform::RecordedDevices pad;
   platform::qt::QtPlatform qt;
   QuietShell shell;
-  CountedInput input;
+  NoInput input;
   platform::InstalledPlatform installed;
 
   platform::Platform Groups();
