@@ -881,5 +881,45 @@ TEST_F(MainWindowTest, F1TellsOfWhatHasTheFocus) {
   EXPECT_EQ(topic(kSmartCheck), "Mouse Device and Settings.htm#settings");
 }
 
+// ---- The same acts give the same run, with Qt's own timers, paintings and loops in it.
+
+class OneRound : public MainWindowTest {
+ public:
+  std::string Played() {
+    sim.LogCalls(true);
+    Begin();
+    std::string times;
+    for (std::int32_t tab = 3; tab >= 0; --tab) {
+      screen.ChooseTab(kTabControl, tab);
+      pad.Press({1});
+      sim.RunFor(333);
+      pad.Press({});
+      times += std::to_string(sim.Now()) + ' ';
+    }
+    screen.Click(kNewProfile);
+    screen.Type(new_profile::kName, "Second");
+    screen.Click(IDOK);
+    screen.Click(kDeleteProfile);
+    sim.RunFor(7000);
+    screen.Click(platform::IDCANCEL);
+    screen.Minimise();
+    sim.RunFor(60000);
+    screen.IconDoubleClick();
+    CloseAll();
+    for (const std::string& call : sim.Calls()) times += call + '\n';
+    return times + std::to_string(sim.Now());
+  }
+
+ private:
+  void TestBody() override {}
+};
+
+TEST(MainWindowTwice, TheSameActsGiveTheSameCallsInTheSameTime) {
+  const std::string first = OneRound().Played();
+  const std::string second = OneRound().Played();
+  EXPECT_EQ(first, second);
+  EXPECT_GT(std::count(first.begin(), first.end(), '\n'), 300);
+}
+
 }  // namespace
 }  // namespace kelvaro
