@@ -210,14 +210,6 @@ TEST_F(DispatcherContainment, IsSilencedOnlyWhenEveryInputIsInTheOther) {
                  {.buttons = {1}, .items = {Hat(PovRight)}}, {.items = {Hat(PovUp)}});
 }
 
-TEST_F(Dispatcher, BeingInsideAHeavierOneDoesNotReleaseWhatIsDown) {
-  Control* one = Add({.name = "one", .buttons = {1}});
-  Add({.name = "both", .buttons = {1, 2}});
-  Dispatch({1});
-  Dispatch({1, 2});
-  EXPECT_EQ(Copy(one).triggerDown, 1);
-}
-
 TEST_F(Dispatcher, ASilencedControlKeepsArming) {
   Control* one = Add({.name = "one", .buttons = {1}, .onPress = false});
   Add({.name = "both", .buttons = {1, 2}});

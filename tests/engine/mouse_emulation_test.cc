@@ -139,11 +139,13 @@ TEST_F(MouseSliders, EachSetsItsMemberAndWhatTheStepDerivesFromIt) {
   EXPECT_EQ(engine.wheelFactor, 2);
 }
 
-TEST_F(MouseSliders, AnUnknownSliderChangesNothing) {
+TEST_F(MouseSliders, AnUnknownSliderLeavesTheDefaultsThatApplyFromTheStart) {
   engine.ApplyMouseSlider(1053, 40);
   EXPECT_EQ(profile.movementSensitivity, 15);
   EXPECT_EQ(engine.movementFactor, 17);
+  EXPECT_EQ(engine.wheelFactor, 17);
   EXPECT_EQ(engine.movementDeadZone, 1599);
+  EXPECT_EQ(engine.wheelDeadZone, 1599);
 }
 
 TEST_F(MouseSliders, APositionBeyondTheEndsIsTheEnd) {
@@ -153,13 +155,6 @@ TEST_F(MouseSliders, APositionBeyondTheEndsIsTheEnd) {
   engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, -1);
   EXPECT_EQ(profile.movementSensitivity, 0);
   EXPECT_EQ(engine.movementFactor, 2);
-}
-
-TEST_F(MouseSliders, TheDefaultsAreAppliedFromTheStart) {
-  EXPECT_EQ(engine.movementFactor, 17);
-  EXPECT_EQ(engine.wheelFactor, 17);
-  EXPECT_EQ(engine.movementDeadZone, 1599);
-  EXPECT_EQ(engine.wheelDeadZone, 1599);
 }
 
 TEST_F(MouseSliders, ALoadedProfileIsAppliedWhole) {
@@ -272,40 +267,6 @@ TEST_F(MousePoll, TheWheelHasADeadZoneAndACurveOfItsOwn) {
   EXPECT_EQ(Poll(state), "2049 0 0 -11");
 }
 
-TEST_F(MousePoll, WheelAndPointerMayTravelInOneEvent) {
-  profile.mouseX = MouseInput(0);
-  profile.mouseWheel = MouseInput(2);
-  DIJOYSTATE2 state = WithX(-kLimit);
-  state.lZ = kLimit;
-  EXPECT_EQ(Poll(state), "2049 -2 0 -2");
-}
-
-TEST_F(MousePoll, AWheelOnTheInputOfYSilencesY) {
-  profile.mouseY = MouseInput(1);
-  profile.mouseWheel = MouseInput(1);
-  DIJOYSTATE2 state = With(&DIJOYSTATE2::lY, kLimit);
-  EXPECT_EQ(Poll(state), "2049 0 0 -2");
-  EXPECT_EQ(engine.accumulatedY, 0.0);
-}
-
-TEST_F(MousePoll, AWheelOnTheInputOfYLeavesXAlone) {
-  profile.mouseX = MouseInput(1);
-  profile.mouseY = MouseInput(1);
-  profile.mouseWheel = MouseInput(1);
-  DIJOYSTATE2 state = With(&DIJOYSTATE2::lY, kLimit);
-  EXPECT_EQ(Poll(state), "2049 2 0 -2");
-}
-
-TEST_F(MousePoll, AWheelOnTheInputOfXSilencesX) {
-  profile.mouseX = MouseInput(0);
-  profile.mouseY = MouseInput(1);
-  profile.mouseWheel = MouseInput(0);
-  DIJOYSTATE2 state = WithX(kLimit);
-  state.lY = kLimit;
-  EXPECT_EQ(Poll(state), "2049 0 2 -2");
-  EXPECT_EQ(engine.accumulatedX, 0.0);
-}
-
 TEST_F(MousePoll, ASharedAxisMovesUntilTheWheelFires) {
   // The wheel is damped, so the pointer has the lower half of the axis for itself.
   engine.ApplyMouseSlider(ControlEngine::kWheelDamperSlider, 50);
@@ -323,12 +284,32 @@ TEST_F(MousePoll, ASharedAxisMovesUntilTheWheelFires) {
   EXPECT_EQ(engine.accumulatedY, 0.0);
 }
 
-TEST_F(MousePoll, AnotherBankIsAnotherInput) {
-  profile.mouseY = MouseInput(1, 0);
-  profile.mouseWheel = MouseInput(1, 1);
-  DIJOYSTATE2 state = With(&DIJOYSTATE2::lY, kLimit);
-  state.lVY = kLimit;
-  EXPECT_EQ(Poll(state), "2049 0 2 -2");
+TEST_F(MousePoll, AWheelSilencesTheDirectionThatSharesItsInput) {
+  const TriggerItem none = {input_kind::kNone, 0, 0};
+  const TriggerItem atX = MouseInput(0), atY = MouseInput(1), atZ = MouseInput(2);
+  const struct {
+    const char* name;
+    TriggerItem x, y, wheel;
+    const char* sent;
+  } rows[] = {
+      {"three inputs travel in one event", atX, atY, atZ, "2049 2 2 -2"},
+      {"wheel and pointer", atX, none, atZ, "2049 2 0 -2"},
+      {"Y's input silences Y", none, atY, atY, "2049 0 0 -2"},
+      {"Y's input leaves X alone, though it is X's too", atY, atY, atY, "2049 2 0 -2"},
+      {"X's input silences X", atX, atY, atX, "2049 0 2 -2"},
+      {"another bank is another input", none, atY, MouseInput(1, 1), "2049 0 2 -2"},
+  };
+  DIJOYSTATE2 state = WithX(kLimit);
+  state.lY = state.lZ = state.lVY = kLimit;
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    profile.mouseX = row.x;
+    profile.mouseY = row.y;
+    profile.mouseWheel = row.wheel;
+    EXPECT_EQ(Poll(state), row.sent);
+    EXPECT_EQ(engine.accumulatedX, 0.0);
+    EXPECT_EQ(engine.accumulatedY, 0.0);
+  }
 }
 
 TEST_F(MousePoll, NothingAssignedNeverSends) {
@@ -502,7 +483,7 @@ TEST_F(MouseButtons, OneEventDownAndOneUp) {
   EXPECT_FALSE(engine.leftDown);
 }
 
-TEST_F(MouseButtons, EachHasItsEvents) {
+TEST_F(MouseButtons, EachHasItsEventsAndThoseOfOneChangeTravelInOneCall) {
   Assign(&profile.leftMask, 0);
   Assign(&profile.middleMask, 1);
   Assign(&profile.rightMask, 2);
@@ -510,12 +491,6 @@ TEST_F(MouseButtons, EachHasItsEvents) {
   EXPECT_EQ(Change({2}), "36 0 0 0");  // left up 4, middle down 32
   EXPECT_EQ(Change({3}), "72 0 0 0");  // middle up 64, right down 8
   EXPECT_EQ(Change({}), "16 0 0 0");
-}
-
-TEST_F(MouseButtons, EdgesOfOneChangeTravelInOneCall) {
-  Assign(&profile.leftMask, 0);
-  Assign(&profile.middleMask, 1);
-  Assign(&profile.rightMask, 2);
   EXPECT_EQ(Change({1, 2, 3}), "42 0 0 0");
   EXPECT_TRUE(engine.leftDown && engine.middleDown && engine.rightDown);
   EXPECT_EQ(Change({}), "84 0 0 0");

@@ -74,13 +74,15 @@ TEST_F(WorkerThreadTest, NewOneDoesNotRun) {
   EXPECT_EQ(sim.LivingThreads(), 0u);
 }
 
-TEST_F(WorkerThreadTest, StartRunsOnAThreadOfItsOwn) {
+TEST_F(WorkerThreadTest, StartRunsOnAThreadOfItsOwnName) {
+  sim.LogCalls(true);
   std::int32_t id = 0;
   Worker worker([&](Worker& self) {
     id = platform::threads().GetCurrentThreadId();
     return UntilStopEvent(self);
   });
   EXPECT_TRUE(worker.Start(false, 0));
+  EXPECT_TRUE(WasCalled("CreateThread worker"));
   EXPECT_TRUE(worker.IsRunning());
   EXPECT_EQ(id, 0);  // nobody waited for it to begin
   sim.RunFor(0);
@@ -169,13 +171,6 @@ TEST_F(WorkerThreadTest, ARefusedPriorityIsNoMatter) {
   sim.FailNext("SetCurrentThreadPriority");
   EXPECT_TRUE(worker.Start(true, 15));
   EXPECT_TRUE(ran);
-}
-
-TEST_F(WorkerThreadTest, ThreadIsMadeUnderItsName) {
-  Worker worker(UntilStopEvent);
-  sim.LogCalls(true);
-  ASSERT_TRUE(worker.Start(false, 0));
-  EXPECT_TRUE(WasCalled("CreateThread worker"));
 }
 
 TEST_F(WorkerThreadTest, StopOfANeverStartedOneDoesNothing) {

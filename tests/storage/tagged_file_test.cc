@@ -293,7 +293,6 @@ TEST_F(TaggedFileTest, TheRootsIdIsNotChecked) {
 TEST_F(TaggedFileTest, OpeningAgainKeepsTheFileThatIsOpen) {
   Put(Container({Field("first")}));
   Disk().PutFile("/data/b.x", Container({Field("second")}));
-  ShownFile file;
   ASSERT_TRUE(file.OpenForRead(kPath));
   EXPECT_TRUE(file.OpenForRead("/data/b.x"));
   EXPECT_TRUE(file.OpenForRead("/nowhere"));
@@ -302,7 +301,6 @@ TEST_F(TaggedFileTest, OpeningAgainKeepsTheFileThatIsOpen) {
 }
 
 TEST_F(TaggedFileTest, NothingOpenMeansNoChildrenNoIdAndNothingToRead) {
-  ShownFile file;
   EXPECT_EQ(file.ChildCount(), 0u);
   EXPECT_EQ(file.ListId(), 0u);
   EXPECT_FALSE(file.IsList(0));
@@ -502,7 +500,6 @@ TEST_F(TaggedFileTest, AReadOnlyTargetIsWrittenAndStaysWritable) {
 }
 
 TEST_F(TaggedFileTest, MissingFoldersAreMade) {
-  ShownFile file;
   ASSERT_TRUE(file.OpenForWrite("/one/two/three/a.x"));
   EXPECT_TRUE(file.Close());
   EXPECT_TRUE(Disk().Exists("/one/two/three/a.x"));
@@ -516,7 +513,6 @@ TEST_F(TaggedFileTest, ATemporaryOfAnEarlierRunIsBegunAnew) {
 }
 
 TEST_F(TaggedFileTest, WithoutAPathOrAFolderToBeMadeNothingIsWritten) {
-  ShownFile file;
   EXPECT_FALSE(file.OpenForWrite(""));
   Disk().PutFile("/data/file", "in the way");
   EXPECT_FALSE(file.OpenForWrite("/data/file/deeper/a.x"));
@@ -533,7 +529,6 @@ TEST_F(TaggedFileTest, AStartThatCantBeWrittenLeavesATemporaryAndTheTargetUntouc
   ASSERT_TRUE(rehearsal.Close());
 
   Disk().FailInside(n, 4);
-  ShownFile file;
   EXPECT_FALSE(file.OpenForWrite(kPath));
   EXPECT_FALSE(file.isOpen);
   EXPECT_EQ(*Disk().FileBytes(kPath), "old");
@@ -632,24 +627,19 @@ TEST_F(TaggedFileTest, WritingWhileAFileIsOpenFinishesThatOneFirst) {
 
 // ---- The temporary as what a read falls back on
 
-TEST_F(TaggedFileTest, AMissingTargetIsRestoredFromItsTemporary) {
-  Disk().PutFile(kTemporary, Container({Field("saved")}));
-  ShownFile file;
-  ASSERT_TRUE(file.OpenForRead(kPath));
-  EXPECT_EQ(file.Read(0), "saved");
-  EXPECT_TRUE(file.Close());
-  EXPECT_EQ(*Disk().FileBytes(kPath), Container({Field("saved")}));
-  EXPECT_FALSE(Disk().Exists(kTemporary));
-}
-
-TEST_F(TaggedFileTest, AnUnreadableTargetIsRestoredFromItsTemporary) {
+TEST_F(TaggedFileTest, AMissingOrUnreadableTargetIsRestoredFromItsTemporary) {
+  const std::string missing = "(missing)";
   for (const std::string& broken : {std::string(), std::string("XFF"), Container({}).substr(0, 18),
-                                    std::string("something else entirely")}) {
+                                    std::string("something else entirely"), missing}) {
+    SCOPED_TRACE(broken);
     Disk().PutFile(kPath, broken, FILE_ATTRIBUTE_READONLY);
+    if (broken == missing) Disk().Remove(kPath);
     Disk().PutFile(kTemporary, Container({Field("saved")}));
     ShownFile file;
     ASSERT_TRUE(file.OpenForRead(kPath));
     EXPECT_EQ(file.Read(0), "saved");
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(*Disk().FileBytes(kPath), Container({Field("saved")}));
     EXPECT_FALSE(Disk().Exists(kTemporary));
     EXPECT_EQ(Disk().Attributes(kPath) & FILE_ATTRIBUTE_READONLY, 0u);
   }
@@ -679,7 +669,6 @@ TEST_F(TaggedFileTest, ATargetCutShortWithoutATemporaryIsReadAsFarAsItGoes) {
 TEST_F(TaggedFileTest, AGoodTargetIsReadAndItsTemporaryLeftAlone) {
   Put(Container({Field("target")}));
   Disk().PutFile(kTemporary, Container({Field("temporary")}));
-  ShownFile file;
   ASSERT_TRUE(file.OpenForRead(kPath));
   EXPECT_EQ(file.Read(0), "target");
   EXPECT_TRUE(file.Close());
@@ -690,7 +679,6 @@ TEST_F(TaggedFileTest, AGoodTargetIsReadAndItsTemporaryLeftAlone) {
 TEST_F(TaggedFileTest, ARestoreThatCantBeCopiedFailsAndKeepsTheTemporary) {
   Disk().PutFolder(kPath);
   Disk().PutFile(kTemporary, Container({Field("saved")}));
-  ShownFile file;
   EXPECT_FALSE(file.OpenForRead(kPath));
   EXPECT_EQ(*Disk().FileBytes(kTemporary), Container({Field("saved")}));
 }
@@ -699,7 +687,6 @@ TEST_F(TaggedFileTest, ABrokenTargetAndABrokenTemporaryAreBothLost) {
   // Accepted: nothing tells a cut temporary from a whole one before it has been copied.
   Put("broken target");
   Disk().PutFile(kTemporary, Container({Field("cut short")}).substr(0, 20));
-  ShownFile file;
   EXPECT_FALSE(file.OpenForRead(kPath));
   EXPECT_EQ(*Disk().FileBytes(kPath), Container({Field("cut short")}).substr(0, 20));
   EXPECT_FALSE(Disk().Exists(kTemporary));

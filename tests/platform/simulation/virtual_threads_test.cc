@@ -9,7 +9,18 @@
 namespace platform::simulation {
 namespace {
 
-using VirtualThreadsTest = ThreadedTest;
+class VirtualThreadsTest : public ThreadedTest {
+ protected:
+  void LetTwoWaitFor(Handle event) {
+    for (const char* name : {"first", "second"}) {
+      bodies.Start(name, [this, name, event] {
+        threads().WaitForSingleObject(event, WAIT_FOREVER);
+        diary.Note(name);
+      });
+    }
+    sim.RunFor(5);
+  }
+};
 
 TEST_F(VirtualThreadsTest, EachHasAnIdOfItsOwnAndTheOutermostIs1) {
   std::set<std::int32_t> seen{threads().GetCurrentThreadId()};
@@ -167,13 +178,7 @@ TEST_F(VirtualThreadsTest, OneThreadMayTerminateAnotherThatHasNotBegun) {
 
 TEST_F(VirtualThreadsTest, AnAutoResetEventEndsOneWait) {
   const Handle event = threads().CreateEventA(false, false);
-  for (const char* name : {"first", "second"}) {
-    bodies.Start(name, [&, name] {
-      threads().WaitForSingleObject(event, WAIT_FOREVER);
-      diary.Note(name);
-    });
-  }
-  sim.RunFor(5);
+  LetTwoWaitFor(event);
   threads().SetEvent(event);
   EXPECT_EQ(threads().WaitForSingleObject(event, 0), WAIT_TIMEOUT)
       << "the signal went to the first waiter";
@@ -190,13 +195,7 @@ TEST_F(VirtualThreadsTest, AnAutoResetEventEndsOneWait) {
 
 TEST_F(VirtualThreadsTest, AManualResetEventEndsAllWaitsUntilItIsReset) {
   const Handle event = threads().CreateEventA(true, false);
-  for (const char* name : {"first", "second"}) {
-    bodies.Start(name, [&, name] {
-      threads().WaitForSingleObject(event, WAIT_FOREVER);
-      diary.Note(name);
-    });
-  }
-  sim.RunFor(5);
+  LetTwoWaitFor(event);
   threads().SetEvent(event);
   threads().ResetEvent(event);
   sim.RunFor(5);
