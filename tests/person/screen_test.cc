@@ -250,11 +250,11 @@ TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
 TEST_F(ScreenTest, ABoxWithoutAProgramGetsZeroOrThePreparedAnswer) {
   EXPECT_EQ(desktop().MessageBoxA(0, "text", "caption", MB_YESNO), 0);
   screen.AnswerNext(IDNO);
-  sim.AnswerMessageBox(IDYES);
+  screen.AnswerNext(IDYES);
   EXPECT_EQ(desktop().MessageBoxA(0, "text", "caption", MB_YESNO), IDNO);
   EXPECT_EQ(desktop().MessageBoxA(5, "other", "caption", MB_YESNO), IDYES);
   ASSERT_EQ(screen.Boxes().size(), 3u);
-  EXPECT_EQ(sim.MessageBoxes()[2].text, "other");
+  EXPECT_EQ(screen.Boxes()[2].text, "other");
   EXPECT_EQ(screen.Boxes()[2].owner, 5u);
 }
 
