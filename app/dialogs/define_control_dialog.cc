@@ -23,7 +23,7 @@ using namespace define_control;
 constexpr std::uint32_t kDefaultDelay = 500;  // ms
 constexpr std::uint32_t kDefaultSpeed = 50;   // ms
 
-// Where the page tells of a control; of the others it tells at its start.
+// The place in the help page that explains a control. The page's start explains the others.
 constexpr struct {
   std::uint32_t id;
   const char* place;
@@ -92,8 +92,8 @@ void PressExtendedKey(std::uint8_t vk, std::uint8_t scan) {
 }  // namespace
 
 DefineControlDialog::DefineControlDialog() : ResizableDialog(resources::kDefineControl) {
-  // Whatever ends the dialog, what it edits leaves the actions to the Control that it is a copy of,
-  // and new ones to whoever takes it over.
+  // `scratch` never owns actions, however the dialog ends: old ones belong to the Control that it
+  // copies, new ones to the code that takes `scratch` over.
   scratch.Borrow({});
 }
 
@@ -337,7 +337,7 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
     result = KeyAction::kParsed;
   }
   if (result == KeyAction::kParsed && scratch.actions.AddTail(action.get())) {
-    // Borrowed: whoever takes scratch over deletes it.
+    // Borrowed: the code that takes scratch over deletes it.
     static_cast<void>(action.release());
     return true;
   }
@@ -368,8 +368,8 @@ bool DefineControlDialog::ConfirmUppercase() {
 void DefineControlDialog::ShowKeyError(bool duplicateKey, std::uint32_t offset) {
   Box(duplicateKey ? kDuplicateKeyText : kBadKeyText, kKeyErrorTitle, platform::MB_OK);
   platform::controls().SetControlFocus(window, kKeysText);
-  // The keys go to whatever has the focus of the system, which need not be this field; where they
-  // arrive here they end at the same place.
+  // The system's focus gets these keys, and it need not be on this field. If they arrive here, they
+  // lead to the same place.
   platform::controls().SetCaret(window, kKeysText, offset);
   PressExtendedKey(kHomeKey, kHomeScan);
   for (std::uint32_t i = 0; i < offset; ++i) PressExtendedKey(kRightKey, kRightScan);

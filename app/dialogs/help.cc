@@ -8,8 +8,8 @@ namespace kelvaro {
 
 namespace {
 
-// Where the system keeps the path of what shows help, as its default value; a path of this many
-// bytes, its terminator among them, is the longest.
+// The default value of this key is the path of the program that shows help. A path has at most this
+// many bytes, with its terminator.
 constexpr char kHelpKey[] = "CLSID\\{ADB880A6-D8FF-11CF-9377-00AA003B7A11}\\InprocServer32";
 constexpr std::uint32_t kPathBufferSize = 260;
 constexpr char kHelpLibrary[] = "hhctrl.ocx";

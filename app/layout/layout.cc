@@ -28,8 +28,8 @@ void MoveDescendants(Nodes& nodes, std::int32_t across, std::int32_t down) {
   }
 }
 
-// The offset that a place beside or along the parent brings with it, counted after all places are
-// taken: the last one's holds.
+// The offset that a place beside or along the parent adds once all places are taken. The last such
+// place counts.
 struct Offset {
   std::int32_t across = 0;
   std::int32_t down = 0;

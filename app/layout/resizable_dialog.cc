@@ -8,7 +8,7 @@ namespace kelvaro {
 
 namespace {
 
-// Of a stored place: what it has at least, and how far inside the desktop it has to begin.
+// The least size of a stored place, and how far inside the desktop it must begin.
 constexpr std::int64_t kLeastWidth = 100;
 constexpr std::int64_t kLeastHeight = 50;
 constexpr std::int64_t kLeastSeen = 10;

@@ -36,7 +36,8 @@ bool HasAnyAxis(const DeviceFacts& facts, unsigned first, unsigned last) {
   return false;
 }
 
-// Start and Select alone are none: the kernel calls some keys of keyboards and knobs so.
+// Start and Select alone don't count: the kernel gives these names to some keys of keyboards and
+// knobs.
 bool HasGameButtons(const DeviceFacts& facts) {
   std::bitset<KEY_CNT> keys = facts.keys;
   keys.reset(BTN_SELECT).reset(BTN_START);
@@ -46,8 +47,8 @@ bool HasGameButtons(const DeviceFacts& facts) {
 
 bool HasStick(const DeviceFacts& facts) { return facts.HasAxis(ABS_X) && facts.HasAxis(ABS_Y); }
 
-// One that types as well, as some do whose paddles can be set to keys, or one that names pad
-// buttons for no reason: only the former has something to steer with.
+// Letters alone don't decide: a pad types as well if its paddles can be set to keys, and a keyboard
+// may name pad buttons for no reason. Only the pad has something to steer with.
 bool IsKeyboard(const DeviceFacts& facts) {
   return HasLetters(facts) && !(HasGameButtons(facts) && HasStick(facts));
 }
@@ -73,7 +74,7 @@ bool IsTiltSensor(const DeviceFacts& facts) {
 }
 
 // Axes that only sticks, wheels and pedals have, or a pair that moves without being a pointer's. A
-// hat alone is none: system controls of keyboards have one.
+// hat alone doesn't count: system controls of keyboards have one.
 bool HasGameAxes(const DeviceFacts& facts) {
   if (IsKnob(facts)) return false;
   if (HasAnyAxis(facts, ABS_THROTTLE, ABS_BRAKE)) return true;

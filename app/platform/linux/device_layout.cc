@@ -21,8 +21,8 @@ constexpr Homeless kHomeless[] = {{ABS_THROTTLE, kFirstSliderSlot},
                                   {ABS_BRAKE, kSlotOfRz},
                                   {ABS_WHEEL, kSlotOfX}};
 
-// A hat points both ways from its rest at 0. What doesn't has only come by a hat's code: the kernel
-// gives it to an axis of a device that has more of them than there are names.
+// A hat points both ways from its rest at 0. An axis that doesn't is no hat: the kernel gives hats'
+// codes to axes when it has run out of names.
 bool IsHatAxis(const AxisFacts& axis) {
   return axis.present && (axis.minimum < 0 || axis.maximum <= 0);
 }
@@ -64,7 +64,7 @@ DeviceLayout LayOut(const DeviceFacts& facts) {
   };
   number(BTN_MISC, KEY_CNT);
   // The keys of a pad, such as "share" or "back", behind all buttons, whose numbers stand in
-  // profiles. Of a keyboard that shares the pad's node none is the pad's.
+  // profiles. The keys of a keyboard that shares the pad's node are not the pad's.
   if (!HasLetters(facts)) number(KEY_ESC, BTN_MISC);
 
   const auto seat = [&](unsigned code, std::uint32_t slot) {

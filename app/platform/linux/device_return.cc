@@ -84,7 +84,7 @@ int ReturnSearch::WaitMs() const {
   return static_cast<int>(std::max<std::int64_t>(*nextLookMs - source->nowMs(), 0));
 }
 
-// Whether something has come that may be the device, or may have come.
+// Whether something has come, or may have come, that may be the device.
 bool ReturnSearch::TakeNews() {
   bool matters = false;
   if (!watch) return matters;
@@ -122,7 +122,7 @@ bool ReturnSearch::MayBeItElsewhere(const DeviceIds& ids) const {
   return !WasBeside(ids);
 }
 
-// Nothing for what is no game device: a pad's motion sensor and touch pad are of the same make.
+// Nothing unless it is a game device: a pad's motion sensor and touch pad are of the same make.
 std::optional<AttachedDevice> ReturnSearch::Open(const NodePlace& node) {
   int errorCode = 0;
   std::unique_ptr<DeviceNode> opened = source->nodes->Open(node, &errorCode);

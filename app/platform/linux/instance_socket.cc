@@ -193,7 +193,7 @@ void InstanceSocket::Serve(int connection) {
   }
   const std::size_t size =
       kAnswerHead + (request.kind == kAskWindows ? answer.count * sizeof(Answer::Window) : 0);
-  // Who doesn't wait for the answer doesn't get it.
+  // A caller that doesn't wait for the answer doesn't get it.
   if (send(connection, &answer, size, MSG_NOSIGNAL) < 0) return;
 }
 

@@ -76,7 +76,7 @@ void LinuxDevice::PutHat(std::uint32_t hat) {
   state.rgdwPOV[hat] = HatAngle(direction(x), direction(x + 1));
 }
 
-// Where an axis rests can't be told of a device that is gone; the middle is what asks for nothing.
+// Nobody can say where an axis of a lost device rests. The middle triggers nothing.
 void LinuxDevice::PutToRest() {
   state = DIJOYSTATE2();
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
@@ -87,8 +87,8 @@ void LinuxDevice::PutToRest() {
 
 HRESULT LinuxDevice::SetDataFormat() { return DI_OK; }
 
-// The kernel hands every reader its own copy of all events, so the one level that is asked for,
-// shared and in the background, is what there is.
+// The kernel hands every reader its own copy of all events, so the only level that callers ask for,
+// shared and in the background, is the only one that there is.
 HRESULT LinuxDevice::SetCooperativeLevel(Handle /*window*/, std::uint32_t flags) {
   return flags == (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE) ? DI_OK : DIERR_INVALIDPARAM;
 }

@@ -34,7 +34,7 @@ constexpr char kAccessList[] = "system.posix_acl_access";
 
 bool HasZeroByte(const std::string& path) { return path.find('\0') != std::string::npos; }
 
-// For the system; false, with the error set, for what would reach it cut short.
+// False, with the error set, for a path that the system would see cut short.
 bool IsPath(const std::string& path) { return !HasZeroByte(path) || Fail(EINVAL); }
 
 std::string FolderOfPath(const std::string& path) {
@@ -48,7 +48,7 @@ Descriptor OpenFolder(const std::string& path) {
   return Descriptor(Retry([&] { return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
 }
 
-// Makes the names in a folder lasting. Some file systems can't, and have to be taken as they are.
+// Makes the names in a folder lasting. Some file systems can't, and that is no failure.
 bool FlushFolder(const Descriptor& folder) {
   if (!folder) return true;
   if (Retry([&] { return fsync(folder.Get()); }) == 0) return true;
@@ -69,14 +69,14 @@ int RefusalToWrite(const struct stat& status) {
   return status.st_mode & S_IWUSR ? 0 : EACCES;
 }
 
-// Shuts out who claims the same file by another open, until the last copy of the descriptor is
-// closed, be it by the end of the process.
+// Claims the file for one writer or among any number of readers, until the last copy of the
+// descriptor is closed, at the latest when the process ends.
 bool Claim(const Descriptor& file, bool isWriting) {
   struct flock whole {};
   whole.l_type = isWriting ? F_WRLCK : F_RDLCK;
   whole.l_whence = SEEK_SET;
   if (fcntl(file.Get(), F_OFD_SETLK, &whole) == 0) return true;
-  // Some file systems have no locks, and have to be taken as they are.
+  // Some file systems have no locks; there every claim succeeds.
   return (errno != EAGAIN && errno != EACCES) || Fail(EBUSY);
 }
 
@@ -96,8 +96,8 @@ Descriptor Open(const std::string& path, int flags, bool claims, bool isWriting)
     if (!file) Fail();
     if (!file || !claims) return file;
     if (!Claim(file, isWriting)) return Descriptor();
-    // Whoever had the claim may have deleted the file when it was open here already: then this
-    // claim is one to nothing.
+    // The holder of the claim may have deleted the file after it was opened here. Then this claim
+    // is worth nothing.
     if (IsAt(path, file)) return file;
   }
   return Fail(EBUSY);
@@ -334,7 +334,7 @@ bool LinuxFiles::CopyFileA(const std::string& from, const std::string& to, bool 
   if (replaces) {
     if (failIfExists) return Fail(EEXIST);
     if (const int refusal = RefusalToWrite(old)) return Fail(refusal);
-    // Replacing a file takes no right to write it, but this is to be a copy over it.
+    // Replacing a file needs no right to write it, but a copy over it does.
     if (faccessat(AT_FDCWD, target->c_str(), W_OK, AT_EACCESS) != 0) return Fail();
   }
 
@@ -367,7 +367,7 @@ bool LinuxFiles::DeleteFileA(const std::string& path) {
     if (!(status.st_mode & S_IWUSR)) return Fail(EACCES);
     if (S_ISREG(status.st_mode)) {
       claim = Open(path, O_RDWR, true, true);
-      // What can't be opened to write, as somebody else's file, isn't written by this program.
+      // This program can't be writing a file that it can't open to write, such as somebody else's.
       if (!claim && lastError == EBUSY) return false;
     }
   }
@@ -382,7 +382,7 @@ std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {
     return INVALID_FILE_ATTRIBUTES;
   }
   const std::uint32_t attributes = AttributesOf(status.st_mode);
-  // Somebody else's, or on what can't be written at all.
+  // Somebody else's folder, or one that nobody can write, as on a read-only file system.
   const bool isClosed =
       S_ISDIR(status.st_mode) && faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) != 0;
   return isClosed ? attributes | FILE_ATTRIBUTE_READONLY : attributes;

@@ -27,7 +27,7 @@ namespace {
 // one wanted, the file, and the words.
 constexpr std::size_t kMostBytes = 128 * 1024;
 
-// New processes' alone: where other threads may hold the allocator, nothing is allocated.
+// Only for new processes: other threads may have held the allocator, so nothing is allocated.
 std::array<char, kMostBytes> received;
 std::array<char*, kMostBytes> pointers;
 
@@ -61,7 +61,7 @@ void BecomeOrdinary() {
 
   const int nothing = open("/dev/null", O_RDONLY);
   if (nothing >= 0) dup2(nothing, STDIN_FILENO);
-  // All others close by themselves at exec; whoever forgot to say so is helped.
+  // All others should close by themselves at exec. This helps code that forgot to say so.
   close_range(3, ~0u, CLOSE_RANGE_CLOEXEC);
 }
 
@@ -142,7 +142,7 @@ void Reap(pid_t process) {
 // and error stay for what it starts.
 [[noreturn]] void Serve(int program) {
   setsid();
-  // Not the program's name: who kills the program by its name is not to hit its starter.
+  // Not the program's name: a kill by the program's name must not hit its starter.
   prctl(PR_SET_NAME, "starter");
   dup2(program, STDIN_FILENO);
   close_range(3, ~0u, 0);
@@ -181,7 +181,7 @@ class Starter {
     if (process > 0 && !Hear(&ready)) End();
   }
 
-  // False when there is none.
+  // False without a starter.
   bool Ask(const std::string& request, Outcome* outcome) {
     const std::lock_guard<std::mutex> lock(mutex);
     if (process <= 0) return false;

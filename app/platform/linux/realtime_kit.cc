@@ -38,7 +38,7 @@ RealtimeKit& RealtimeKit::Instance() {
   return *instance;
 }
 
-// By hand, since the library's own way of joining a bus waits for up to half a minute.
+// By hand: the library's own way of joining a bus waits for up to half a minute.
 bool RealtimeKit::Connect() {
   if (connection) return true;
   if (givenUp) return false;
@@ -55,8 +55,8 @@ bool RealtimeKit::Connect() {
   return true;
 }
 
-// The library's blocking call would first wait without end until the request is written, which a
-// bus that accepts and then says nothing never lets happen.
+// The library's blocking call would first wait until the request is written. With a bus that
+// accepts and then says nothing, it would wait for ever.
 DBusMessage* RealtimeKit::Ask(DBusMessage* request) {
   DBusPendingCall* pending = nullptr;
   if (request) {
@@ -79,8 +79,8 @@ DBusMessage* RealtimeKit::Ask(DBusMessage* request) {
     dbus_pending_call_unref(pending);
   }
   if (reply && dbus_message_get_type(reply) == DBUS_MESSAGE_TYPE_METHOD_RETURN) return reply;
-  // The service itself refuses for a while, when it was asked for too much; the bus answers for one
-  // that isn't there.
+  // The service itself refuses for a while after too many requests. If there is no service, the bus
+  // answers.
   const bool refused =
       reply && !dbus_message_has_sender(reply, DBUS_SERVICE_DBUS) && dbus_message_get_sender(reply);
   if (reply) dbus_message_unref(reply);

@@ -44,7 +44,7 @@ int NiceOfProcess() {
 // without waiting; at the limit the kernel warns the process first, and kills it a little later.
 std::array<std::atomic<pid_t>, 32> guarded{};
 
-// Signal handler: whatever overran the limit is an ordinary thread from here on.
+// Signal handler: the thread that overran the limit is an ordinary one from here on.
 void LeaveRealtime(int) {
   const int before = errno;
   const sched_param none{};

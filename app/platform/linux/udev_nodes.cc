@@ -31,7 +31,7 @@ using Monitor = std::unique_ptr<udev_monitor, Unref>;
 
 constexpr char kEventPrefix[] = "event";
 
-// Somebody has written a rule or an entry that says so: what udev finds out itself is 1 or nothing.
+// A rule or an entry says so: udev itself only ever finds 1 or nothing.
 bool IsSaidToBeNoJoystick(udev_device* device) {
   const char* said = udev_device_get_property_value(device, "ID_INPUT_JOYSTICK");
   return said && strcmp(said, "0") == 0;
@@ -96,7 +96,7 @@ class UdevWatch : public NodeWatch {
   int Fd() const override { return udev_monitor_get_fd(monitor.get()); }
 
   Report Next(NodePlace* place) override {
-    // Looked for first, since the library's own way to find nothing takes several calls.
+    // A look first: the library's own way to find nothing takes several calls.
     char byte;
     if (recv(Fd(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) < 0)
       return errno == ENOBUFS ? Report::Overrun : Report::None;

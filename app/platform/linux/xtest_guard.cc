@@ -27,7 +27,7 @@ void LetGo(const char* displayName, const XTestGuard::Held& held) {
   if (std::none_of(held.keys.begin(), held.keys.end(), IsDown) &&
       std::none_of(held.buttons.begin(), held.buttons.end(), IsDown))
     return;
-  // The library's own answers to trouble end the process with its clean-up, which is the program's.
+  // The library answers trouble with an exit, which would run the program's clean-up in here.
   XSetIOErrorHandler([](Display*) -> int { _exit(1); });
   XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
   alarm(kConnectWithinSeconds);
@@ -57,7 +57,7 @@ bool AwaitByte(int fd) {
   sigemptyset(&alarmAlone);
   sigaddset(&alarmAlone, SIGALRM);
   sigprocmask(SIG_UNBLOCK, &alarmAlone, nullptr);
-  // Not the program's name: who kills the program by its name is not to hit its guard.
+  // Not the program's name: a kill by the program's name must not hit its guard.
   prctl(PR_SET_NAME, "key-guard");
   dup2(programEnds, STDIN_FILENO);
   close_range(STDOUT_FILENO, ~0u, 0);
@@ -94,7 +94,7 @@ std::unique_ptr<XTestGuard> XTestGuard::Start(const std::string& display, int* e
   }
   programEnds.Close();
   std::unique_ptr<XTestGuard> guard(new XTestGuard(held, std::move(alive), process));
-  // Until then whatever hits the program's process group would hit the guard too.
+  // Until then a signal to the program's process group would hit the guard too.
   if (AwaitByte(guard->alive.Get())) return guard;
   *errorCode = ECHILD;
   return nullptr;

@@ -143,7 +143,7 @@ void XTestInput::Button(unsigned button, bool down) {
   if (!down) Released(&held);
 }
 
-// What isn't with the server yet is still to be let go of by the guard.
+// The guard must still let go of what the server doesn't have yet.
 void XTestInput::Released(std::atomic<bool>* held) {
   XFlush(display);
   if (!broken) *held = false;

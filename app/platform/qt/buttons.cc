@@ -137,7 +137,7 @@ class CheckControl final : public Control {
   bool HasText() const override { return true; }
   bool IsChecked() const override { return button->isChecked(); }
   bool SetChecked(bool checked) override {
-    // A run of radio buttons that is one choice can't be without one, but for a moment.
+    // In a run of radio buttons one is always chosen, but for a moment.
     QButtonGroup* const run = button->group();
     if (run && !checked) run->setExclusive(false);
     button->setChecked(checked);

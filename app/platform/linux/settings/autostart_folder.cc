@@ -24,8 +24,8 @@ constexpr std::string_view kPrefix = "kelvaro-";
 constexpr std::string_view kSuffix = ".desktop";
 constexpr std::size_t kLongestName = 200;  // file systems allow 255 for all of a file's name
 
-// What the entry rules want quoted in an argument, and what a backslash stands before inside
-// quotes.
+// The characters that the entry rules want quoted in an argument, and those that need a backslash
+// inside quotes.
 constexpr std::string_view kReserved = " \t\n\r\"'\\><~|&;$*?#()`";
 constexpr std::string_view kEscapedInQuotes = "\"`$\\";
 

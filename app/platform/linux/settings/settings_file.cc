@@ -65,8 +65,8 @@ std::uint32_t ErrorCode(int result) {
 }
 
 // Keeps other programs from making or setting aside a file of the folder. Where a folder can't be
-// locked, as on some network file systems, the other one may see its work set aside: rare, and
-// nothing is lost by it.
+// locked, as on some network file systems, another program may see its work set aside. That is rare
+// and loses nothing.
 Descriptor LockFolderOf(const std::string& file) {
   const std::string folder = std::filesystem::path(file).parent_path();
   Descriptor lock(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -222,7 +222,7 @@ int SettingsFile::Open(bool make) {
     return result;
   }
   if (!S_ISREG(found.st_mode)) return SQLITE_CANTOPEN;
-  // Root may write what is read-only, too, but isn't meant to.
+  // Root could write a read-only file, too, but shouldn't.
   const bool canWrite = kind == Kind::OfTheUser && (found.st_mode & S_IWUSR) != 0;
   const int flags = canWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
   int result = OpenAs(flags, false);
@@ -240,7 +240,7 @@ bool SettingsFile::SetAside() {
   if (stat(path.c_str(), &found) != 0) return true;
   std::string trouble;
   if (kind == Kind::OfTheUser) {
-    // Another program may have been faster, and what lies there now be sound.
+    // Another program may have been faster, and the file that lies there now may be sound.
     const int result = OpenAs(SQLITE_OPEN_READONLY, false);
     Close();
     if (!MeansDamaged(result)) return true;
@@ -269,7 +269,7 @@ int SettingsFile::RunOnce(bool writes, const Work& work) {
   const bool inGroup = !sqlite3_get_autocommit(database);
   if (!inGroup) result = Do(writes ? "BEGIN IMMEDIATE" : "BEGIN");
   if (result == SQLITE_OK) result = work();
-  // What fails inside of a group leaves alone what the group has written.
+  // A failure inside of a group keeps what the group has written.
   if (inGroup || (groups > 0 && writes && result == SQLITE_OK)) return result;
   return End(result);
 }
