@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
-#include "tests/device/one_pad.h"
-#include "tests/device/watched_machine.h"
+#include "tests/device/device_calls.h"
+#include "tests/device/manual_machine.h"
 
 namespace kelvaro {
 namespace {
@@ -18,7 +18,9 @@ using platform::DeviceDescription;
 using platform::GUID;
 using platform::SimulatedDevice;
 using platform::simulation::Simulation;
-using Calls = std::vector<std::string>;
+using test::Calls;
+using test::CountDeviceCalls;
+using test::DeviceCalls;
 
 constexpr platform::WindowHandle kWindow = 77;
 
@@ -45,25 +47,25 @@ std::string ErrorTextOf(const DeviceManager& manager) {
 
 // What SelectDevice does once the old device is gone, up to and with each of its operations.
 const Calls kSelection = {
-    "CreateDevice 1",
+    "CreateDevice",
     "SetDataFormat",
     "SetCooperativeLevel 77 10",
-    "GetCapabilities 44",
-    "EnumObjects 3",
-    "SetProperty 4 how 2 axis 0 -32000 to 32000",
-    "SetProperty 4 how 2 axis 1 -32000 to 32000",
+    "GetCapabilities",
+    "EnumObjects",
+    "SetProperty 0 -32000 32000",
+    "SetProperty 1 -32000 32000",
     "Acquire",
 };
 // What StartPolling adds, at an interval of 20 ms; the reset of the manual event is that of the
 // thread's start.
 const Calls kPollingBegins = {
-    "ResetEvent auto",    "ResetEvent manual",   "CreateThread notification",
-    "timeBeginPeriod 20", "timeSetEvent 20 1 1",
+    "ResetEvent 2",       "ResetEvent 1",      "CreateThread notification",
+    "timeBeginPeriod 20", "timeSetEvent 20 1",
 };
 // How a running device goes away.
 const Calls kStop = {
-    "timeKillEvent", "timeEndPeriod 20", "SetEvent manual", "notification ended",
-    "Sleep 100",     "Unacquire",        "Release",
+    "timeKillEvent 1", "timeEndPeriod 20", "SetEvent 1", "ThreadEnded notification 0",
+    "Sleep 100",       "Unacquire",        "Release",
 };
 
 Calls operator+(Calls first, const Calls& second) {
@@ -74,13 +76,14 @@ Calls operator+(Calls first, const Calls& second) {
 // A machine to which a test attaches devices before it makes the manager.
 struct Machine {
   Simulation simulation;
-  test::WatchedMachine watched{simulation};
   std::unique_ptr<DeviceManager> manager;
+
+  Machine() { simulation.LogCalls(true); }
 
   DeviceManager& Make() {
     manager = std::make_unique<DeviceManager>(kWindow);
     manager->SetPollInterval(20);
-    watched.calls.clear();
+    simulation.ClearCalls();
     return *manager;
   }
   DeviceManager& MakeWithPad() {
@@ -92,7 +95,7 @@ struct Machine {
     MakeWithPad();
     EXPECT_TRUE(manager->SelectDevice(0));
     simulation.RunFor(5);
-    watched.calls.clear();
+    simulation.ClearCalls();
     return *manager;
   }
 };
@@ -117,8 +120,8 @@ TEST_F(DeviceManagerConstruction, ListsTheDevicesThenReadsTheTimerThenMakesTheEv
   simulation.AddDevice(Pad("Left", 1));
   simulation.AddDevice(Pad("Right", 2));
   DeviceManager manager(kWindow);
-  EXPECT_EQ(watched.calls, (Calls{"CreateEventA manual", "DirectInput8Create 2048",
-                                  "EnumDevices 4 1", "timeGetDevCaps", "CreateEventA auto"}));
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"CreateEventA manual", "DirectInput8Create",
+                                            "EnumDevices", "timeGetDevCaps", "CreateEventA auto"}));
   EXPECT_TRUE(manager.DirectInputCreated());
   EXPECT_EQ(manager.DeviceCount(), 2);
   EXPECT_STREQ(manager.DeviceName(0).Text(), "Left");
@@ -142,7 +145,7 @@ TEST_F(DeviceManagerConstruction, SucceedsWithoutAnyDevice) {
   EXPECT_FALSE(manager.SelectDeviceByName(""));
   EXPECT_FALSE(manager.SelectDevice(0));
   EXPECT_FALSE(manager.ReselectDevice());
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   ExpectNothingSelected(manager);
 }
 
@@ -183,29 +186,29 @@ TEST(DeviceManagerErrors, TellWhyTheDevicesCouldNotBeListed) {
 TEST_F(DeviceManagerConstruction, GoesOnToTimerAndEventWithoutDirectInput) {
   simulation.FailNext("DirectInput8Create");
   DeviceManager manager(kWindow);
-  EXPECT_EQ(watched.calls, (Calls{"CreateEventA manual", "DirectInput8Create 2048", "Sleep 100",
-                                  "timeGetDevCaps", "CreateEventA auto"}));
-  watched.calls.clear();
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"CreateEventA manual", "DirectInput8Create",
+                                            "Sleep 100", "timeGetDevCaps", "CreateEventA auto"}));
+  simulation.ClearCalls();
   EXPECT_FALSE(manager.EnumerateDevices());
   EXPECT_FALSE(manager.SelectDevice(0));
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
 }
 
 TEST_F(DeviceManagerConstruction, ReleasesDirectInputWhenTheDevicesCannotBeListed) {
   simulation.FailNext("EnumDevices");
   DeviceManager manager(kWindow);
-  EXPECT_EQ(watched.calls,
-            (Calls{"CreateEventA manual", "DirectInput8Create 2048", "EnumDevices 4 1", "Sleep 100",
-                   "DirectInput Release", "timeGetDevCaps", "CreateEventA auto"}));
-  watched.calls.clear();
+  EXPECT_EQ(DeviceCalls(simulation),
+            (Calls{"CreateEventA manual", "DirectInput8Create", "EnumDevices", "Sleep 100",
+                   "Release DirectInput", "timeGetDevCaps", "CreateEventA auto"}));
+  simulation.ClearCalls();
   EXPECT_FALSE(manager.EnumerateDevices());
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
 }
 
 TEST_F(DeviceManagerDestruction, StopsTheDeviceAndThenReleasesDirectInput) {
   MakePolling();
   manager.reset();
-  EXPECT_EQ(watched.calls, kStop + Calls{"DirectInput Release"});
+  EXPECT_EQ(DeviceCalls(simulation), kStop + Calls{"Release DirectInput"});
   EXPECT_EQ(simulation.LivingThreads(), 0u);
 }
 
@@ -213,7 +216,7 @@ TEST_F(DeviceManagerDestruction, ReleasesNothingTwice) {
   simulation.FailNext("EnumDevices");
   Make();
   manager.reset();
-  EXPECT_EQ(watched.calls, Calls{"Sleep 100"});
+  EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"});
 }
 
 // The list.
@@ -257,9 +260,9 @@ TEST_F(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
   DeviceManager& manager = Make();
   ASSERT_TRUE(manager.SelectDevice(1));
   left.Unplug();
-  watched.calls.clear();
+  simulation.ClearCalls();
   ASSERT_TRUE(manager.EnumerateDevices());
-  EXPECT_EQ(watched.calls, Calls{"EnumDevices 4 1"});
+  EXPECT_EQ(DeviceCalls(simulation), Calls{"EnumDevices"});
   ASSERT_EQ(manager.DeviceCount(), 1);
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 1);
@@ -267,9 +270,9 @@ TEST_F(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
   // The place is past the end of the new list.
   EXPECT_EQ(manager.SelectedGuid(), GUID());
   EXPECT_FALSE(manager.ReselectDevice());
-  watched.calls.clear();
+  simulation.ClearCalls();
   simulation.RunFor(60);
-  EXPECT_EQ(watched.Count("Poll"), 3);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 3);
 }
 
 // Selection.
@@ -277,7 +280,7 @@ TEST_F(DeviceList, ReenumerationLeavesTheSelectionAsItWas) {
 TEST_F(DeviceSelection, TakesItsNineStepsInOrder) {
   DeviceManager& manager = MakeWithPad();
   EXPECT_TRUE(manager.SelectDevice(0));
-  EXPECT_EQ(watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
+  EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"} + kSelection + kPollingBegins);
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 0);
   EXPECT_STREQ(manager.SelectedName().Text(), "Pad");
@@ -291,23 +294,23 @@ TEST_F(DeviceSelection, TakesItsNineStepsInOrder) {
 TEST_F(DeviceSelection, StopsTheOldDeviceFirst) {
   DeviceManager& manager = MakePolling();
   EXPECT_TRUE(manager.ReselectDevice());
-  EXPECT_EQ(watched.calls, kStop + kSelection + kPollingBegins);
+  EXPECT_EQ(DeviceCalls(simulation), kStop + kSelection + kPollingBegins);
   EXPECT_EQ(simulation.LivingThreads(), 1u);
 }
 
 TEST_F(DeviceSelection, AnIndexOutsideTheListChangesNothing) {
   DeviceManager& manager = MakeWithPad();
   ASSERT_TRUE(manager.SelectDevice(0));
-  watched.calls.clear();
+  simulation.ClearCalls();
   for (const std::int32_t index : {1, 2, -1, 2147483647}) {
     EXPECT_FALSE(manager.SelectDevice(index)) << index;
   }
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   EXPECT_TRUE(manager.DeviceSelected());
   EXPECT_EQ(manager.SelectedIndex(), 0);
   EXPECT_STREQ(manager.SelectedName().Text(), "Pad");
   simulation.RunFor(100);
-  EXPECT_EQ(watched.Count("Poll"), 5);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 5);
 }
 
 TEST_F(DeviceSelection, AFailedCreateDeviceLeavesNoDeviceRunning) {
@@ -315,45 +318,36 @@ TEST_F(DeviceSelection, AFailedCreateDeviceLeavesNoDeviceRunning) {
   simulation.FailNext("CreateDevice", platform::DIERR_DEVICENOTREG);
   EXPECT_FALSE(manager.SelectDevice(0));
   // Stopped once, and there was nothing to stop again.
-  EXPECT_EQ(watched.calls, kStop + Calls{"CreateDevice 1"});
+  EXPECT_EQ(DeviceCalls(simulation), kStop + Calls{"CreateDevice"});
   ExpectNothingSelected(manager);
   EXPECT_EQ(simulation.LivingThreads(), 0u);
-  watched.calls.clear();
+  simulation.ClearCalls();
   simulation.RunFor(200);
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   EXPECT_TRUE(manager.SelectDevice(0));
 }
 
-// Counts what is asked of it.
-struct NobodysPad final : test::OnePad {
-  platform::HRESULT Unacquire() override { return Count(); }
-  platform::HRESULT Poll() override { return Count(); }
-  platform::HRESULT GetDeviceState(std::uint32_t, platform::DIJOYSTATE2*) override {
-    return Count();
+// A failed CreateDevice leaves something behind, which counts what is asked of it.
+struct NobodysPad final : test::ManualMachine {
+  platform::HRESULT CreateDevice(const GUID& guid, platform::DirectInputDevice** device) override {
+    OnePad::CreateDevice(guid, device);
+    return platform::DIERR_DEVICENOTREG;
   }
+  platform::HRESULT Unacquire() override { return Count(); }
   void Release() override { Count(); }
   platform::HRESULT Count() {
-    ++calls;
+    ++asked;
     return platform::DI_OK;
   }
-  int calls = 0;
+  int asked = 0;
 };
 
 TEST(DeviceSelectionFailures, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
   NobodysPad nobodys;
-  {
-    Machine machine;
-    machine.simulation.AddDevice(Pad("Pad", 1));
-    machine.watched.leftByAFailure = &nobodys;
-    DeviceManager& manager = machine.Make();
-    machine.simulation.FailNext("CreateDevice", platform::DIERR_DEVICENOTREG);
-    EXPECT_FALSE(manager.SelectDevice(0));
-    machine.simulation.RunFor(200);
-    manager.StopDevice();
-    EXPECT_EQ(nobodys.calls, 0);
-    EXPECT_TRUE(manager.SelectDevice(0));
-  }
-  EXPECT_EQ(nobodys.calls, 0);
+  DeviceManager manager(kWindow);
+  EXPECT_FALSE(manager.SelectDevice(0));
+  manager.StopDevice();
+  EXPECT_EQ(nobodys.asked, 0);
 }
 
 TEST(DeviceSelectionFailures, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
@@ -373,18 +367,18 @@ TEST(DeviceSelectionFailures, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
     machine.simulation.FailNext(c.operation);
     EXPECT_FALSE(manager.SelectDevice(0));
     const Calls asked(kSelection.begin(), kSelection.begin() + static_cast<std::ptrdiff_t>(c.done));
-    EXPECT_EQ(machine.watched.calls,
+    EXPECT_EQ(DeviceCalls(machine.simulation),
               (Calls{"Sleep 100"} + asked + Calls{"Sleep 100", "Unacquire", "Release"}));
     ExpectNothingSelected(manager);
     EXPECT_EQ(manager.PeekError(nullptr), 0);
     EXPECT_EQ(ErrorTextOf(manager), "No Error");
     EXPECT_EQ(machine.simulation.LivingThreads(), 0u);
-    machine.watched.calls.clear();
+    machine.simulation.ClearCalls();
     machine.simulation.RunFor(100);
-    EXPECT_TRUE(machine.watched.calls.empty());
+    EXPECT_TRUE(DeviceCalls(machine.simulation).empty());
 
     EXPECT_TRUE(manager.SelectDevice(0));
-    EXPECT_EQ(machine.watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
+    EXPECT_EQ(DeviceCalls(machine.simulation), Calls{"Sleep 100"} + kSelection + kPollingBegins);
   }
 }
 
@@ -392,7 +386,7 @@ TEST_F(DeviceSelection, AnAxisThatRefusesItsRangeIsNoFailure) {
   DeviceManager& manager = MakeWithPad();
   simulation.FailAlways("SetProperty");
   EXPECT_TRUE(manager.SelectDevice(0));
-  EXPECT_EQ(watched.calls, Calls{"Sleep 100"} + kSelection + kPollingBegins);
+  EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"} + kSelection + kPollingBegins);
 }
 
 TEST_F(DeviceSelection, AcquireWithoutEffectIsSuccess) {
@@ -410,7 +404,7 @@ TEST_F(DeviceSelection, AnyOtherResultOfAcquireIsFailure) {
 TEST_F(DeviceSelection, ReselectNeedsASelection) {
   DeviceManager& manager = MakeWithPad();
   EXPECT_FALSE(manager.ReselectDevice());
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   ASSERT_TRUE(manager.SelectDevice(0));
   manager.StopDevice();
   EXPECT_FALSE(manager.ReselectDevice());
@@ -438,9 +432,9 @@ TEST_F(DeviceSelection, ByGuidTakesTheFirstThatIsEqualInAllParts) {
     part ^= 1;
     strangers.push_back(other);
   }
-  watched.calls.clear();
+  simulation.ClearCalls();
   for (const GUID& stranger : strangers) EXPECT_FALSE(manager.SelectDeviceByGuid(stranger));
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   EXPECT_EQ(manager.SelectedIndex(), 1);
 }
 
@@ -453,14 +447,14 @@ TEST_F(DeviceSelection, ByNameTakesTheFirstThatIsEqualByteForByte) {
   EXPECT_EQ(manager.SelectedIndex(), 1);
   EXPECT_EQ(manager.SelectedGuid(), Identity(2));
 
-  watched.calls.clear();
+  simulation.ClearCalls();
   for (const char* stranger : {"pad", "PAD", "Pa", "Pad ", " Pad", "Game", ""}) {
     EXPECT_FALSE(manager.SelectDeviceByName(stranger)) << '"' << stranger << '"';
   }
   ByteString longer("Pad");
   longer.Append("\0x", 2);
   EXPECT_FALSE(manager.SelectDeviceByName(longer));
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   EXPECT_EQ(manager.SelectedIndex(), 1);
 }
 
@@ -488,7 +482,7 @@ TEST_F(StopDevice, TakesItsStepsInOrder) {
   DeviceManager& manager = MakePolling();
   const std::uint64_t before = simulation.Now();
   manager.StopDevice();
-  EXPECT_EQ(watched.calls, kStop);
+  EXPECT_EQ(DeviceCalls(simulation), kStop);
   EXPECT_EQ(simulation.Now() - before, 100u);
   ExpectNothingSelected(manager);
 }
@@ -496,10 +490,10 @@ TEST_F(StopDevice, TakesItsStepsInOrder) {
 TEST_F(StopDevice, WaitsItsHundredMillisecondsEvenWhenNothingRuns) {
   DeviceManager& manager = Make();
   for (int i = 0; i < 2; ++i) {
-    watched.calls.clear();
+    simulation.ClearCalls();
     const std::uint64_t before = simulation.Now();
     manager.StopDevice();
-    EXPECT_EQ(watched.calls, Calls{"Sleep 100"});
+    EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"});
     EXPECT_EQ(simulation.Now() - before, 100u);
   }
 }
@@ -508,11 +502,11 @@ TEST_F(StopDevice, NothingIsPolledAfterIt) {
   DeviceManager& manager = MakeWithPad();
   ASSERT_TRUE(manager.SelectDevice(0));
   simulation.RunFor(100);
-  EXPECT_EQ(watched.Count("Poll"), 5);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 5);
   manager.StopDevice();
-  watched.calls.clear();
+  simulation.ClearCalls();
   simulation.RunFor(1000);
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
 }
 
 }  // namespace

@@ -77,6 +77,8 @@ class ManualMachine : public platform::Clock,
   platform::HRESULT EnumDevices(std::uint32_t deviceClass,
                                 const std::function<bool(const platform::DIDEVICEINSTANCE&)>& visit,
                                 std::uint32_t flags) override {
+    // Anything but game controllers that are attached is not what this machine has.
+    if (deviceClass != 4 || flags != 1) return platform::DIERR_INVALIDPARAM;
     OnePad::EnumDevices(deviceClass, visit, flags);
     return enumDevicesResult;
   }

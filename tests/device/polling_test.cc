@@ -6,7 +6,7 @@
 
 #include "app/platform/simulation/simulation.h"
 #include "device/device_manager.h"
-#include "tests/device/watched_machine.h"
+#include "tests/device/device_calls.h"
 
 namespace kelvaro {
 namespace {
@@ -16,7 +16,9 @@ using platform::DIJOYSTATE2;
 using platform::SimulatedDevice;
 using platform::StateChange;
 using platform::simulation::Simulation;
-using Calls = std::vector<std::string>;
+using test::Calls;
+using test::CountDeviceCalls;
+using test::DeviceCalls;
 
 DeviceDescription FullPad() {
   DeviceDescription description;
@@ -40,7 +42,8 @@ struct Polling : testing::Test {
     DIJOYSTATE2 state;
   };
 
-  Polling() : pad(simulation.AddDevice(FullPad())), watched(simulation), manager(0) {
+  Polling() : pad(simulation.AddDevice(FullPad())), manager(0) {
+    simulation.LogCalls(true);
     manager.SetPollInterval(10);
     manager.SetPollCallback(&Polling::OnPoll, this);
     manager.SetChangeCallback(&Polling::OnChange, this);
@@ -63,7 +66,7 @@ struct Polling : testing::Test {
     Forget();
   }
   void Forget() {
-    watched.calls.clear();
+    simulation.ClearCalls();
     polls.clear();
     changes.clear();
   }
@@ -73,21 +76,20 @@ struct Polling : testing::Test {
   static void OnPoll(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
     Polling* self = static_cast<Polling*>(context);
     EXPECT_EQ(device, &self->manager);
-    self->watched.Note("poll callback");
+    self->simulation.Enter("poll callback");
     self->polls.push_back({self->Now(), *state});
   }
   static void OnChange(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
     Polling* self = static_cast<Polling*>(context);
     EXPECT_EQ(device, &self->manager);
     EXPECT_TRUE(self->manager.deviceLock.IsTaken());
-    self->watched.Note("change callback");
+    self->simulation.Enter("change callback");
     self->changes.push_back({self->Now(), *state});
     if (self->changeTakes) platform::clock().Sleep(self->changeTakes);
   }
 
   Simulation simulation;
   SimulatedDevice& pad;
-  test::WatchedMachine watched;
   DeviceManager manager;
   std::vector<Delivery> polls;
   std::vector<Delivery> changes;
@@ -121,11 +123,11 @@ TEST_F(Polling, TheFirstStateIsNoChangeWhereEverythingReadsZero) {
 TEST_F(Polling, AChangeIsSignalledBeforeThePollCallback) {
   Begin();
   RunTo(10);
-  EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272", "SetEvent auto", "poll callback",
-                                  "change callback"}));
-  watched.calls.clear();
+  EXPECT_EQ(DeviceCalls(simulation),
+            (Calls{"Poll", "GetDeviceState", "SetEvent 2", "poll callback", "change callback"}));
+  simulation.ClearCalls();
   RunTo(20);
-  EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272", "poll callback"}));
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "GetDeviceState", "poll callback"}));
 }
 
 TEST_F(Polling, ASingleCountOnAnyAxisIsDeliveredOnce) {
@@ -185,14 +187,14 @@ TEST_F(Polling, APollWithoutEffectIsAGoodOne) {
   RunTo(30);
   EXPECT_EQ(polls.size(), 3u);
   EXPECT_EQ(changes.size(), 1u);
-  EXPECT_EQ(watched.Count("Acquire"), 0);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Acquire"), 0);
 }
 
 TEST_F(Polling, AnyOtherResultOfPollIsALostDevice) {
   Begin();
   simulation.FailNext("Poll", 2);
   RunTo(10);
-  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire"}));
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "Acquire"}));
 }
 
 TEST_F(Polling, AFailedReadKeepsTheLastGoodStateForTheNextComparison) {
@@ -204,7 +206,7 @@ TEST_F(Polling, AFailedReadKeepsTheLastGoodStateForTheNextComparison) {
     Forget();
     simulation.FailNext("GetDeviceState", result);
     RunTo(20);
-    EXPECT_EQ(watched.calls, (Calls{"Poll", "GetDeviceState 272"}));
+    EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "GetDeviceState"}));
     RunTo(50);
     // Nothing has moved since the state of 10 ms.
     EXPECT_EQ(polls.size(), 3u);
@@ -226,7 +228,7 @@ TEST_F(Polling, WhileAnyoneHoldsTheLockPeriodsAreLost) {
   {
     LockGuard guard(manager.deviceLock);
     RunTo(55);
-    EXPECT_TRUE(watched.calls.empty());
+    EXPECT_TRUE(DeviceCalls(simulation).empty());
   }
   RunTo(60);
   // Not made up for.
@@ -244,7 +246,7 @@ TEST_F(Polling, ACallbackOfOneSecondCostsTheTicksOfThatSecond) {
   RunTo(1019);
   ASSERT_EQ(polls.size(), 1u);
   EXPECT_EQ(polls[0].t, 20u);
-  EXPECT_EQ(watched.Count("Poll"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 1);
   RunTo(1100);
   // The timer goes first at 1020, while the callback still has the lock.
   ASSERT_EQ(polls.size(), 9u);
@@ -278,8 +280,8 @@ TEST_F(Polling, ALostDeviceIsAcquiredAtEachTickUntilItIsBack) {
   pad.Lose();
   pad.Press({1});
   RunTo(60);
-  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire", "Poll", "Acquire", "Poll", "Acquire", "Poll",
-                                  "Acquire", "Poll", "Acquire"}));
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "Acquire", "Poll", "Acquire", "Poll", "Acquire",
+                                            "Poll", "Acquire", "Poll", "Acquire"}));
   EXPECT_TRUE(polls.empty());
   EXPECT_TRUE(changes.empty());
   EXPECT_TRUE(manager.DeviceSelected());
@@ -313,7 +315,7 @@ TEST_F(Polling, ThePullOfAPadIsSurvivedSeveralTimes) {
     pad.Unplug();
     RunTo(t += 100);
     EXPECT_TRUE(polls.empty());
-    EXPECT_EQ(watched.Count("Acquire"), 10);
+    EXPECT_EQ(CountDeviceCalls(simulation, "Acquire"), 10);
     pad.PlugIn();
     pad.Press({round});
     RunTo(t += 100);
@@ -326,7 +328,7 @@ TEST_F(Polling, TheResultOfAcquireIsIgnored) {
   simulation.FailNext("Poll", platform::DIERR_INPUTLOST);
   simulation.FailNext("Acquire", platform::DIERR_UNPLUGGED);
   RunTo(20);
-  EXPECT_EQ(watched.calls, (Calls{"Poll", "Acquire"}));
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "Acquire"}));
   RunTo(40);
   EXPECT_EQ(polls.size(), 2u);
   EXPECT_TRUE(changes.empty());
@@ -338,7 +340,7 @@ TEST_F(Polling, ACallbackThatIsNotEnabledIsNotCalled) {
   Select();
   pad.Press({1});
   RunTo(50);
-  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "SetEvent 2"), 1);
   EXPECT_TRUE(polls.empty());
   EXPECT_TRUE(changes.empty());
 
@@ -361,7 +363,7 @@ TEST_F(Polling, AnEnabledCallbackThatIsNotSetIsNotCalled) {
   manager.SetChangeCallback(nullptr, this);
   Begin();
   RunTo(50);
-  EXPECT_EQ(watched.Count("GetDeviceState 272"), 5);
+  EXPECT_EQ(CountDeviceCalls(simulation, "GetDeviceState"), 5);
   EXPECT_TRUE(polls.empty());
   EXPECT_TRUE(changes.empty());
 
@@ -395,9 +397,9 @@ TEST_F(Polling, ACallbackThatIsTakenAwayWhileAChangeWaitsForTheLockIsNotCalled) 
       nullptr);
   Begin();
   RunTo(30);
-  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "SetEvent 2"), 1);
   EXPECT_TRUE(changes.empty());
-  EXPECT_TRUE(watched.exitCodes.empty());
+  EXPECT_EQ(simulation.LivingThreads(), 1u);
 }
 
 // The interval.
@@ -466,12 +468,12 @@ TEST_F(Polling, ANewIntervalCountsFromTheNextSelection) {
   RunTo(200);
   EXPECT_EQ(polls.size(), 20u);
 
-  watched.calls.clear();
+  simulation.ClearCalls();
   ASSERT_TRUE(manager.ReselectDevice());
   // The grain that was asked for is given back, not the new one.
-  EXPECT_EQ(watched.Count("timeEndPeriod 10"), 1);
-  EXPECT_EQ(watched.Count("timeBeginPeriod 25"), 1);
-  EXPECT_EQ(watched.Count("timeSetEvent 25 1 1"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "timeEndPeriod 10"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "timeBeginPeriod 25"), 1);
+  EXPECT_EQ(CountDeviceCalls(simulation, "timeSetEvent 25 1"), 1);
   start = simulation.Now();
   Forget();
   RunTo(100);
@@ -484,47 +486,46 @@ TEST_F(Polling, WithoutATimerTheDeviceIsSelectedAndNotPolled) {
   Begin();
   EXPECT_TRUE(manager.DeviceSelected());
   RunTo(500);
-  EXPECT_TRUE(watched.calls.empty());
+  EXPECT_TRUE(DeviceCalls(simulation).empty());
   EXPECT_EQ(manager.PeekError(nullptr), 0);
   manager.StopDevice();
-  EXPECT_EQ(watched.calls, (Calls{"timeEndPeriod 10", "SetEvent manual", "notification ended",
-                                  "Sleep 100", "Unacquire", "Release"}));
+  EXPECT_EQ(DeviceCalls(simulation),
+            (Calls{"timeEndPeriod 10", "SetEvent 1", "ThreadEnded notification 0", "Sleep 100",
+                   "Unacquire", "Release"}));
 }
 
 // The notification thread.
 
 TEST_F(Polling, TheNotificationThreadIsTimeCriticalAndEndsWithZero) {
   Begin();
-  EXPECT_TRUE(watched.priorities.empty());  // the start didn't wait for it
+  EXPECT_TRUE(simulation.Calls().empty());  // the start didn't wait for it
   RunTo(5);
-  EXPECT_EQ(watched.priorities, std::vector<std::int32_t>{15});
-  EXPECT_TRUE(watched.exitCodes.empty());
+  EXPECT_EQ(simulation.Calls(), Calls{"SetCurrentThreadPriority 15"});
   manager.StopDevice();
-  EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{0});
+  EXPECT_EQ(CountDeviceCalls(simulation, "ThreadEnded notification 0"), 1);
 }
 
 TEST_F(Polling, TheNotificationThreadEndsWithTwoWhenItCannotWait) {
-  watched.failWaits = true;
+  simulation.FailAlways("WaitForMultipleObjects");
   Begin();
   RunTo(50);
-  EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{2});
+  EXPECT_EQ(CountDeviceCalls(simulation, "ThreadEnded notification 2"), 1);
   // Polling goes on by itself.
   EXPECT_EQ(polls.size(), 5u);
   EXPECT_TRUE(changes.empty());
 }
 
 TEST(NotificationThread, EndsWithOneWhereAnEventIsMissing) {
-  for (const bool changeEventMissing : {false, true}) {
-    SCOPED_TRACE(changeEventMissing);
+  for (const char* missing : {"CreateEventA manual", "CreateEventA auto"}) {
+    SCOPED_TRACE(missing);
     Simulation simulation;
+    simulation.LogCalls(true);
     simulation.AddDevice({});
-    test::WatchedMachine watched(simulation);
-    watched.refuseAutoResetEvents = changeEventMissing;
-    watched.refuseManualResetEvents = !changeEventMissing;
+    simulation.FailNext(missing);
     DeviceManager manager(0);
     ASSERT_TRUE(manager.SelectDevice(0));
     simulation.RunFor(5);
-    EXPECT_EQ(watched.exitCodes, std::vector<std::uint32_t>{1});
+    EXPECT_EQ(CountDeviceCalls(simulation, "ThreadEnded notification 1"), 1);
   }
 }
 
@@ -538,11 +539,11 @@ TEST_F(Polling, WithoutANotificationThreadPollingGoesOn) {
 }
 
 TEST_F(Polling, AChangeThatNobodyTookIsForgottenAtTheNextSelection) {
-  watched.failWaits = true;
+  simulation.FailAlways("WaitForMultipleObjects");
   Begin();
   RunTo(50);
-  EXPECT_EQ(watched.Count("SetEvent auto"), 1);
-  watched.failWaits = false;
+  EXPECT_EQ(CountDeviceCalls(simulation, "SetEvent 2"), 1);
+  simulation.Mend("WaitForMultipleObjects");
   simulation.FailNext("timeSetEvent");
   Select();
   RunTo(500);
@@ -566,11 +567,12 @@ TEST_F(Polling, StopDeviceWaitsForTheCallbackUnderWay) {
   changeTakes = 1000;
   RunTo(10);
   ASSERT_EQ(changes.size(), 1u);
-  watched.calls.clear();
+  simulation.ClearCalls();
   manager.StopDevice();
   EXPECT_EQ(Now(), 1010u + 100u);
-  EXPECT_EQ(watched.calls, (Calls{"timeKillEvent", "timeEndPeriod 10", "SetEvent manual",
-                                  "notification ended", "Sleep 100", "Unacquire", "Release"}));
+  EXPECT_EQ(DeviceCalls(simulation),
+            (Calls{"timeKillEvent 1", "timeEndPeriod 10", "SetEvent 1",
+                   "ThreadEnded notification 0", "Sleep 100", "Unacquire", "Release"}));
   EXPECT_FALSE(manager.deviceLock.IsTaken());
 }
 
@@ -582,17 +584,18 @@ TEST_F(Polling, ACallbackThatIsEndedByForceKeepsTheLockAndNothingElse) {
   manager.stopTimeout = 200;
   RunTo(10);
   ASSERT_EQ(changes.size(), 1u);
-  watched.calls.clear();
+  simulation.ClearCalls();
   manager.StopDevice();
   EXPECT_EQ(Now(), 10u + 200u + 100u);
-  EXPECT_EQ(watched.calls, (Calls{"timeKillEvent", "timeEndPeriod 10", "SetEvent manual",
-                                  "TerminateThread 1000", "Sleep 100", "Unacquire", "Release"}));
+  EXPECT_EQ(DeviceCalls(simulation),
+            (Calls{"timeKillEvent 1", "timeEndPeriod 10", "SetEvent 1", "TerminateThread 3 1000",
+                   "Sleep 100", "Unacquire", "Release"}));
   EXPECT_EQ(simulation.LivingThreads(), 0u);
   EXPECT_TRUE(manager.deviceLock.IsTaken());
 
   Select();
   RunTo(100);
-  EXPECT_EQ(watched.Count("Poll"), 0);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 0);
 }
 
 }  // namespace

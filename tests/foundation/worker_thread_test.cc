@@ -388,7 +388,7 @@ TEST_F(WorkerThreadTest, DestructionStopsTheThreadAndClosesTheEvent) {
 }
 
 TEST_F(WorkerThreadTest, WithoutAnEventTheRequestIsStillSeen) {
-  sim.FailNext("CreateEventA");
+  sim.FailNext("CreateEventA manual");
   Worker worker(UntilStopRequested);
   EXPECT_EQ(worker.stopEvent, platform::kInvalidHandle);
   ASSERT_TRUE(worker.Start(true, 0));

@@ -202,8 +202,10 @@ class OpenDevice final : public DirectInputDevice {
 
   HRESULT SetDataFormat() override { return directory.Enter("SetDataFormat").value_or(DI_OK); }
 
-  HRESULT SetCooperativeLevel(Handle, std::uint32_t flags) override {
-    if (const auto planned = directory.Enter("SetCooperativeLevel", {flags})) return *planned;
+  HRESULT SetCooperativeLevel(Handle window, std::uint32_t flags) override {
+    if (const auto planned = directory.Enter("SetCooperativeLevel", {window, flags})) {
+      return *planned;
+    }
     const bool oneShare = !(flags & kExclusive) != !(flags & DISCL_NONEXCLUSIVE);
     const bool onePlace = !(flags & kForeground) != !(flags & DISCL_BACKGROUND);
     return oneShare && onePlace ? DI_OK : DIERR_INVALIDPARAM;

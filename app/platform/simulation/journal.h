@@ -5,8 +5,8 @@
 // by blanks, such as "timeSetEvent 10 1", "CreateThread repeat", "SetProperty 0 -32000 32000" (the
 // axis by its place in EnumObjects), "RegOpenKeyA HKCU\Software" (the whole path; "?" where the
 // handle isn't open). Numbers are decimal; handles and timers are numbered from 1, each apart. The
-// directory's "Release DirectInput" is told from a device's "Release". Waits and events that are
-// sent, which come by the thousand, have no line.
+// directory's "Release DirectInput" is told from a device's "Release". Waits for objects and sent
+// events, which come by the thousand, have no line; a thread's end has: "ThreadEnded repeat 0".
 #pragma once
 
 #include <cstdint>
@@ -60,7 +60,7 @@ class Journal {
   const std::vector<std::string>& Calls() const { return calls; }
   void ClearCalls() { calls.clear(); }
 
-  // The next `times` calls of that operation ("CreateThread", "GetDeviceState", ...) fail and do
+  // The next `times` calls of that operation ("CreateThread", "CreateEventA auto", ...) fail and do
   // nothing; an operation with a result code gives `result`. A device operation for which that is a
   // success (DI_OK, DI_NOEFFECT) is carried out and then gives it. Sleep, GetTickCount,
   // GetCurrentThreadId and Release can't fail. A fault that never comes, and isn't mended, ends the

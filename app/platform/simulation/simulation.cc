@@ -110,7 +110,7 @@ struct Simulation::Machine {
   const bool claimed = ClaimTheMachine();
   simulation::Journal& journal;
   simulation::Scheduler scheduler;
-  VirtualClock clock{scheduler};
+  VirtualClock clock{scheduler, journal};
   VirtualThreads threads{scheduler, journal};
   VirtualTimers timers{scheduler, journal};
   DeviceDirectory devices{[this] { return scheduler.Now(); },

@@ -28,7 +28,11 @@ Handle VirtualThreads::CreateThread(ThreadEntry entry, void* parameter, const ch
   if (journal.Enter("CreateThread", called)) return kInvalidHandle;
   if (!entry) return kInvalidHandle;
   std::shared_ptr<VirtualThread> thread =
-      scheduler.Spawn(RankOf(called), called, [entry, parameter] { return entry(parameter); });
+      scheduler.Spawn(RankOf(called), called, [this, entry, parameter, called] {
+        const std::uint32_t exitCode = entry(parameter);
+        journal.Enter("ThreadEnded", called, exitCode);
+        return exitCode;
+      });
   if (!thread) return kInvalidHandle;
   if (threadId) *threadId = thread->id;
   std::erase_if(made, [](const auto& earlier) { return earlier->ended; });
@@ -70,7 +74,9 @@ bool VirtualThreads::SetPriorityClass(std::uint32_t priorityClass) {
 }
 
 Handle VirtualThreads::CreateEventA(bool manualReset, bool initialState) {
-  if (journal.Enter("CreateEventA", manualReset ? "manual" : "auto")) return kInvalidHandle;
+  if (journal.Enter(manualReset ? "CreateEventA manual" : "CreateEventA auto")) {
+    return kInvalidHandle;
+  }
   auto event = std::make_shared<Event>();
   event->manualReset = manualReset;
   event->signalled = initialState;

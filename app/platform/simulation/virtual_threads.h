@@ -14,9 +14,12 @@ namespace platform::simulation {
 
 class VirtualClock final : public Clock {
  public:
-  explicit VirtualClock(Scheduler& scheduler) : scheduler(scheduler) {}
+  VirtualClock(Scheduler& scheduler, Journal& journal) : scheduler(scheduler), journal(journal) {}
 
-  void Sleep(std::uint32_t ms) override { scheduler.SleepUntil(scheduler.Now() + ms); }
+  void Sleep(std::uint32_t ms) override {
+    journal.Enter("Sleep", ms);
+    scheduler.SleepUntil(scheduler.Now() + ms);
+  }
   std::uint32_t GetTickCount() override {
     return static_cast<std::uint32_t>(scheduler.Now()) + offset;
   }
@@ -25,6 +28,7 @@ class VirtualClock final : public Clock {
 
  private:
   Scheduler& scheduler;
+  Journal& journal;
 };
 
 class VirtualThreads final : public Threads {

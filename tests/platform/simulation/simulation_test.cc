@@ -114,7 +114,8 @@ TEST_F(SimulationTest, OperationsFailAsPlannedAndDoNothing) {
       {"SetCurrentThreadPriority", [] { return threads().SetCurrentThreadPriority(1); }},
       {"GetCurrentThreadPriority", [] { return threads().GetCurrentThreadPriority() == 1; }},
       {"SetPriorityClass", [] { return threads().SetPriorityClass(HIGH_PRIORITY_CLASS); }},
-      {"CreateEventA", [] { return threads().CreateEventA(true, true) != kInvalidHandle; }},
+      {"CreateEventA manual", [] { return threads().CreateEventA(true, true) != kInvalidHandle; }},
+      {"CreateEventA auto", [] { return threads().CreateEventA(false, true) != kInvalidHandle; }},
       {"SetEvent", [&] { return threads().SetEvent(event); }},
       {"ResetEvent", [&] { return threads().ResetEvent(event); }},
       {"WaitForSingleObject",
@@ -158,6 +159,7 @@ TEST_F(SimulationTest, CallsAreKeptInOrderWithWhatTellsThemApart) {
   const Handle thread = bodies.Start(
       "notification", [] { threads().SetCurrentThreadPriority(THREAD_PRIORITY_TIME_CRITICAL); });
   threads().WaitForSingleObject(thread, 5);
+  clock().Sleep(3);
   threads().SetEvent(event);
   threads().CloseHandle(thread);
   timers().timeKillEvent(bodies.Tick(5, [] {}));
@@ -173,8 +175,9 @@ TEST_F(SimulationTest, CallsAreKeptInOrderWithWhatTellsThemApart) {
   EXPECT_EQ(sim.Calls(),
             (std::vector<std::string>{
                 "CreateEventA auto", "CreateThread notification", "SetCurrentThreadPriority 15",
-                "SetEvent 2", "CloseHandle 3", "timeSetEvent 5 1", "timeKillEvent 1",
-                "RegCreateKeyA HKCU\\a", "RegSetValueExA HKCU\\a the name", "RegCloseKey HKCU\\a",
+                "ThreadEnded notification 0", "Sleep 3", "SetEvent 2", "CloseHandle 3",
+                "timeSetEvent 5 1", "timeKillEvent 1", "RegCreateKeyA HKCU\\a",
+                "RegSetValueExA HKCU\\a the name", "RegCloseKey HKCU\\a",
                 "RegDeleteValueA ? the name", "DirectInput8Create", "Release DirectInput"}));
   sim.ClearCalls();
   sim.LogCalls(false);
@@ -210,7 +213,7 @@ TEST(Simulation, EachStartsAnew) {
     EXPECT_EQ(sim.EventText(), "");
     EXPECT_EQ(threads().CreateEventA(false, false), 1);
     input().keybd_event(1, 2, 0, 0);
-    sim.FailAlways("CreateEventA");
+    sim.FailAlways("CreateEventA auto");
     EXPECT_EQ(threads().CreateEventA(false, false), kInvalidHandle);
     sim.RunFor(10);
   }
