@@ -64,7 +64,7 @@ std::string ProgramsText(const std::vector<platform::OtherProgram>& programs) {
   return list;
 }
 
-// Which of several programs it was that grabbed a device the system tells nobody.
+// The system doesn't tell which of several programs has grabbed a device.
 std::string UseText(const Listed& device) {
   const std::string programs = ProgramsText(device.programs);
   if (!device.grabbed) return programs.empty() ? "" : "  also open in " + programs + "\n";

@@ -114,7 +114,7 @@ enum class Notice : std::uint8_t {
   FocusLost,           // an edit
   Scrolled,            // a slider, by the person; value is the position
   KeyDown,             // a list, or the window itself as id 0 (F1 always); value: the virtual key
-  HeaderItemChanging,  // a list: a column is about to get another width, by whomever
+  HeaderItemChanging,  // a list: a column is about to get another width, also by the program
   HeaderItemChanged,   // a list: it has it
   HeaderDragEnded,     // a list: a header was dropped; its new order counts only after the notice
   Painted,             // a list: it has drawn itself

@@ -183,7 +183,7 @@ void MouseTab::DrawTestButton(const platform::DrawItem& item, platform::Canvas& 
   canvas.TextInRect(text, "Test", ink, platform::DT_RIGHT | platform::DT_BOTTOM);
 
   if (item.focused) canvas.DrawFocusRect(Inside(rect, kFocusInside));
-  // A drawn button doesn't become the default by itself when it gets the focus, nor end to be it.
+  // The system doesn't make a drawn button the default while it has the focus.
   if (item.focusAction)
     platform::controls().SetDefaultButton(dialog.window, item.focused ? item.id : kEditControl);
 }

@@ -32,7 +32,7 @@ Qt::WindowFlags FlagsOf(std::uint32_t style, bool owned) {
   return flags;
 }
 
-// Notices of something that goes on already, in whose midst nothing else can be told.
+// Notices from the middle of something else, where no other notice may come in between.
 bool IsInPassing(Notice notice) {
   return notice == Notice::Painted || notice == Notice::HeaderItemChanging ||
          notice == Notice::HeaderItemChanged;
@@ -49,7 +49,7 @@ bool TakesAllKeys(ControlKind kind) {
 
 const QEvent::Type PostedCall::kType = static_cast<QEvent::Type>(QEvent::registerEventType());
 
-// While one is there, a change of the focus is no news.
+// While one lives, the program isn't told of changes of the focus.
 class DialogWindow::Quiet {
  public:
   explicit Quiet(DialogWindow& window) : window(window) { ++window.quiet; }
@@ -593,7 +593,7 @@ void DialogWindow::ShowWindow(std::int32_t command) {
 
 // --- Timers
 
-// Through the messages, so that one goes on while its handler waits for a box to be answered.
+// Posted, so that a timer goes on while its handler waits for a box to be answered.
 std::uint32_t DialogWindow::SetTimer(std::uint32_t id, std::uint32_t ms) {
   std::unique_ptr<QTimer>& timer = timers[id];
   timer = std::make_unique<QTimer>();

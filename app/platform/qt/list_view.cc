@@ -217,7 +217,7 @@ bool ListView::SetColumnWidth(std::int32_t column, std::int32_t width) {
   return true;
 }
 
-// By whomever: the headers have the new width already; what is told of follows in two steps.
+// The headers have the new width already; the program is told of it in two steps.
 void ListView::WidthChanged(int column, int before, int now) {
   if (!IsColumn(column) || before == now) return;
   host.Notify(id, Notice::HeaderItemChanging, column);

@@ -45,7 +45,7 @@ class ListView final : public Control {
 
   Rows* const rows;  // of the widget
   Widget* const list;
-  // As they are told of, which is what the headers have, but for the length of a notice about it.
+  // What the program is told: what the headers have, except while a notice about it runs.
   std::vector<std::int32_t> widths;
   std::vector<std::int32_t> order;
   bool settingOrder = false;

@@ -55,8 +55,8 @@ bool NotificationArea::Lacks(WindowHandle window) const {
                                [&](const auto& entry) { return entry.first.first == window; });
 }
 
-// Qt settles for good on a way to show icons when it is first asked: so it isn't before somebody
-// shows them.
+// Qt settles on a way to show icons when it is first asked, and for good. So it isn't asked before
+// there is one.
 void NotificationArea::Look() {
   if (way == Way::NotKnown && (hosts->OnBus() || hosts->OnX()) &&
       QSystemTrayIcon::isSystemTrayAvailable())
@@ -105,7 +105,7 @@ void NotificationArea::Activated(const NOTIFYICONDATA& data,
       post(data, WM_LBUTTONDBLCLK);
       return;
     case QSystemTrayIcon::Trigger:
-      // Of double clicks nothing is told on the bus.
+      // The bus doesn't tell of double clicks.
       post(data, way == Way::Bus ? WM_LBUTTONDBLCLK : WM_LBUTTONDOWN);
       return;
     case QSystemTrayIcon::Context:
