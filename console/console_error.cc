@@ -3,7 +3,7 @@
 namespace kelvaro::console {
 namespace {
 
-// Names out of a file may hold line feeds and what else a terminal obeys.
+// Names out of a file may hold line feeds and other bytes that a terminal obeys.
 std::string OneLine(std::string text) {
   for (char& c : text) {
     const auto byte = static_cast<unsigned char>(c);

@@ -71,7 +71,7 @@ int PlayCommand(const PlayOptions& options, Streams streams) {
   if (options.simulate) return PlaySimulated(options, &action, streams);
   StopSignals signals;
   const int status = PlayForReal(options, &action, &signals, streams);
-  // Where the output broke off, that is what there is to say.
+  // If the output broke off, only that is said.
   if (streams.out) signals.EndAsAsked();
   return status;
 }

@@ -114,7 +114,7 @@ void Read(const JsonElement& element, LinkedList<Control>& controls) {
   });
 }
 
-// Gives numbers to the Controls that name none.
+// Numbers the Controls that have no number.
 void NumberControls(const Json::Value& root, Profile* profile) {
   const Json::Value& list = root["controls"];
   std::set<std::uint32_t> taken;

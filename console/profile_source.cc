@@ -26,7 +26,7 @@ bool IsFile(const std::string& path) {
          (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-// Whether there is what a load falls back on when the file is of no use.
+// Whether there is a temporary that a load can use in place of a useless file.
 bool HasTemporary(const std::string& path) {
   return path.ends_with(ProfileFile::kExtension) && IsFile(path + ".tmp");
 }

@@ -21,7 +21,7 @@ namespace {
 using platform::Recording;
 using platform::simulation::Simulation;
 
-// More than one has a reason to be: some hours of a busy pad.
+// More than any recording needs: some hours of a busy pad.
 constexpr std::size_t kMostRecording = 256;  // MiB
 
 // A recording ends this much after its last line, so that what it started can be seen.

@@ -20,7 +20,7 @@ std::string ListName(std::uint32_t id) {
   return "list " + std::to_string(id) + (known ? std::string(" (") + known->name + ")" : "");
 }
 
-// As what a profile lacks.
+// The words for what a profile lacks.
 std::string LackedList(std::uint32_t id) {
   const std::string without = FindProfileList(id)->without;
   return ListName(id) + (without.empty() ? "" : "; " + without);
@@ -212,7 +212,7 @@ void StoredProfileCheck::CheckHead() {
 }
 
 void StoredProfileCheck::CheckRevision() {
-  // A load doesn't open it, so that it can't be what makes a file one that isn't whole.
+  // A load doesn't open it, so a file isn't damaged by its lack.
   const bool wasDamaged = isDamaged;
   reader.Open();  // again, where a list that is cut off has closed it
   if (Enter(profile_list::kFormatRevision)) {

@@ -70,8 +70,7 @@ void DeviceManager::StartPolling() {
 
 void DeviceManager::tick(std::uint32_t, void* user) {
   DeviceManager* self = static_cast<DeviceManager*>(user);
-  // Whoever holds it, this thread included, this period is lost; so it is if another thread is
-  // quicker.
+  // If any thread holds it, this one included, or takes it first, this period is lost.
   if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
   // Null for a timer that couldn't be ended.
   if (self->device) self->PollDevice();
@@ -80,8 +79,8 @@ void DeviceManager::tick(std::uint32_t, void* user) {
 
 void DeviceManager::PollDevice() {
   if (!Succeeded(device->Poll())) {
-    // All there is to do about a lost device: each tick tries to get it back. What is held by then
-    // is the device's to say: one that is pulled is put to rest by a good poll before (devices.h).
+    // A lost device: each tick tries to get it back, and that is all. Nothing stays held: the
+    // device itself puts a pulled pad to rest, in one last good poll before this (devices.h).
     static_cast<void>(device->Acquire());
     return;
   }

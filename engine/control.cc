@@ -76,7 +76,7 @@ bool Control::EvaluateTrigger(std::int32_t axisMax, const DeviceSnapshot& snapsh
   if (buttonMask != 0) {
     const std::uint64_t held = snapshot.dispatchButtons;
     if (held == 0) {
-      // Everything let go is what a release waits for, and only an armed Trigger waits.
+      // A release waits until everything is let go, and only an armed Trigger waits.
       if (triggerArmed == 0) {
         triggerSpoiled = 0;
         return false;

@@ -3,7 +3,7 @@
 namespace kelvaro {
 namespace {
 
-// Whether all inputs of `inner` are among those of `outer`, in whatever direction.
+// Whether all inputs of `inner` are among those of `outer`, in any direction.
 bool IsContained(const Control& inner, const Control& outer) {
   if ((inner.buttonMask & ~outer.buttonMask) != 0) return false;
   for (const TriggerItem& item : inner.triggerItems) {
@@ -53,9 +53,9 @@ void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>
     if (control->triggerDown) EndControl(control);
     return;
   }
-  // What the mouse has, and what lies within something that is active, neither starts nor ends:
-  // triggerDown stays. Of two Controls with the same inputs the first in the DispatchList wins:
-  // Profile::RebuildDispatchList settles which one that is.
+  // A Control neither starts nor ends while the mouse has its inputs, or an active Control contains
+  // them: triggerDown stays. Of two Controls with the same inputs the first in the DispatchList
+  // wins: Profile::RebuildDispatchList settles which one that is.
   if (MouseIsOn() && UsesMouseInput(*control)) return;
   if (IsContainedInAny(*control, *fired)) return;
 

@@ -44,8 +44,8 @@ void ControlEngine::StartMouseDetection(MouseRole role) {
   if (input.axis) {
     present = profile.*input.axis;
   } else {
-    // Kept: the kind is that of the detection before, so that one in which nothing happens ends as
-    // that one did. Test: WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore.
+    // Kept: the kind is that of the detection before. If nothing happens, this one ends as that one
+    // did. Test: WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore.
     present.index = profile.*input.button;
   }
   detectResult = present;

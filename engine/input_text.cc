@@ -22,7 +22,7 @@ void AppendPlus(ByteString* text) {
   if (!text->IsEmpty()) text->Append("+");
 }
 
-// *wordWritten tells whether a direction is to be parted from one before it; each one sets it.
+// *wordWritten says whether a "+" must part a direction from one before it; each one sets it.
 void AppendInput(const TriggerItem& item, bool detailed, bool* wordWritten, ByteString* text) {
   text->Append(InputName(item.kind));
   AppendNumber(item.index, text);

@@ -134,8 +134,8 @@ void ControlEngine::MouseButtonStep() {
   for (const auto& button : kButtons) {
     const std::uint64_t mask = profile.*button.mask;
     const std::uint64_t held = snapshot.dispatchButtons & mask;
-    // Against the state before, whole: a button that was held before the mouse controls went on is
-    // no edge.
+    // Compared with the whole state before: a button that was held before the mouse controls went
+    // on makes no edge.
     if (held != (snapshot.previousButtons & mask)) {
       this->*button.isDown = held != 0;
       flags |= held != 0 ? button.down : button.up;

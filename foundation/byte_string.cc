@@ -376,7 +376,7 @@ void ByteString::ReplaceAll(const ByteString& from, const ByteString& to) {
     }
   }
 
-  // Replaces the string only when all of it could be built: half a result is of no use to anyone.
+  // Replaces the string only when all of it could be built: half a result is useless.
   ByteString result(static_cast<std::int32_t>(length));
   const auto add = [&result](const char* bytes, std::uint32_t n) {
     return result.AppendBytes(bytes, n, std::int64_t{result.length} + n);

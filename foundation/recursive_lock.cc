@@ -56,7 +56,7 @@ void LeaveRanked(const RecursiveLock* lock, LockRank rank) {
   }
 }
 
-// Done before the lock is tried for, so that a wrong order shows in a run in which it happens to
+// Comes before the try for the lock, so that a wrong order also shows in a run where it happens to
 // do no harm.
 void CheckOrder(const RecursiveLock* lock, LockRank rank, std::int32_t id) {
   if (rank == LockRank::None || lock->Owner() == id) return;

@@ -53,7 +53,7 @@ const auto& Side(std::uint8_t flags, const Sides& sides) {
   return flags & KeyFlagRight ? sides.right : sides.neither;
 }
 
-// One order for both edges, so that a release is no mirror of the press.
+// One order for both edges, so a release doesn't mirror the press.
 void SendModifiers(std::uint8_t flags, Edge edge) {
   for (const auto& modifier : kModifiers) {
     if (!(flags & modifier.flags)) continue;

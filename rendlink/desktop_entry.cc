@@ -7,7 +7,8 @@
 namespace kelvaro::rendlink {
 namespace {
 
-// What wants an argument to be quoted, and what a backslash stands before inside the quotes.
+// The characters for which an argument needs quotes, and those that need a backslash inside the
+// quotes.
 constexpr std::string_view kReserved = " \t\n\"'\\><~|&;$*?#()`";
 constexpr std::string_view kEscapedInQuotes = "\"`$\\";
 

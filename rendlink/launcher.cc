@@ -46,7 +46,7 @@ bool MakeReady(const Launch& chosen, Session& session, Ready* ready, std::string
   made.launch = chosen;
   if (!chosen.target.empty()) made.launch.target = session.FullPath(chosen.target);
   if (!chosen.dir.empty()) made.launch.dir = session.FullPath(chosen.dir);
-  // First, for a zero byte or the like is no name to look for.
+  // First: a name with a zero byte, say, can't be looked for.
   const QuoteChars chars = LoadQuoteChars();
   if (!KelvaroWords(kelvaro, made.launch, chars, &made.words, refusal)) return false;
   if (!FindProfiles(StoredProfiles(), &made.launch.profiles, refusal)) return false;
@@ -69,7 +69,7 @@ bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
   entry.name = Stem(path);
   entry.comment = "Starts " + Stem(ready.launch.target) + " with " + InWords(ready.launch.profiles);
   entry.icon = IconOf(ready.launch.target, session.ApplicationsFolders());
-  // A picture whose path can't be held is no reason to have no launcher.
+  // A launcher can do without a picture whose path it can't hold.
   if (!platform::IsUtf8(entry.icon)) entry.icon = kKelvaroIcon;
   entry.exec = ready.words;
   std::string text;

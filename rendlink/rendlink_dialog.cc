@@ -87,7 +87,7 @@ Launch RendlinkDialog::Chosen() const {
 
 void RendlinkDialog::ShowCommand() {
   const Launch chosen = Chosen();
-  // Not in vain: it looks at files, and loses what the person has marked in the field.
+  // Only if needed: it looks at files, and the field loses its selection.
   if (chosen == shown) return;
   shown = chosen;
   Ready ready;

@@ -166,8 +166,8 @@ bool ProfileFile::ReadProfile() {
 }
 
 bool ProfileFile::ReadControl() {
-  // Read in its place in the list, where it owns its actions: what was read of a Control is kept
-  // even when the rest of it is lost, and no copy leaves out what memory runs out for.
+  // Read in its place in the list, where it owns its actions: the read part of a Control stays even
+  // when the rest is lost, and no copy can lose a part for want of memory.
   if (!controls.AddTail(Control())) return false;
   Control& control = *controls.tail->value;
 
@@ -360,7 +360,7 @@ bool ProfileFile::WriteKeyAction(const Control& control, const KeyAction& action
   }
   const auto writeRest = [&] {
     bool good = WriteFields(profile_list::kScanCodes, kTextField, scans);
-    // Behind the scan codes, as a reader looks for it at kActionFlagsIndex.
+    // Behind the scan codes: a reader looks for it at kActionFlagsIndex.
     good &= WriteField(chunk_type::kNumber, PackedWriter(action.actionFlags).Field());
     return good;
   };

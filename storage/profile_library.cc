@@ -39,13 +39,13 @@ void ListFiles(const ByteString& folder, LinkedList<ByteString>* list) {
   while (walker.Next(&file)) list->AddTail(file.path);
 }
 
-// Once: what a person deletes of the examples stays away.
+// Once: examples that a person deletes stay away.
 void MakeUsersFolder() {
   const ByteString data = DataFolder();
   const ByteString program = ProgramFolder();
   const ByteString folder = In(data, kFolder);
   if (data.Equals(program)) return;
-  // Who makes the folder copies, of several programs that begin at once, too.
+  // If several programs start at once, the one that makes the folder copies.
   if (!CreateFolders(data) || !platform::files().CreateDirectoryA(Bytes(folder))) return;
   LinkedList<ByteString> shipped;
   ListFiles(In(program, kFolder), &shipped);

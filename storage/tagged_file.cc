@@ -195,7 +195,8 @@ bool TaggedFile::ReadField(std::uint32_t index, ByteString* out) {
   const std::uint64_t inside = std::max(current->end, entry.offset);
   if (end > inside && strayLeft == 0) return Damaged();
   const bool whole = reader.ReadBytes(out, entry.offset, entry.size);
-  // Paid for by what was there, so that one size beyond the end of the file doesn't use it up.
+  // Only bytes that were there count, so that one size beyond the end of the file doesn't use up
+  // the limit.
   const std::uint64_t readTo = entry.offset + out->Length();
   if (readTo > inside) FollowStray(std::max<std::uint64_t>(readTo - inside, kStrayChunk));
   return whole || Damaged();
@@ -296,7 +297,7 @@ bool TaggedFile::OpenForWrite(const ByteString& target) {
   if (!writeHandle.Create(useTemporary ? TemporaryPath() : path)) return false;
 
   OpenList root;
-  // At once, so that a disk that takes nothing is found out before anything is built on it.
+  // At once, to find out early about a disk that takes nothing.
   if (!writeHandle.Write(magic.Text(), magic.Length()) || !WriteNumber(std::uint16_t{1}) ||
       !WriteHeader(&root) || !writeHandle.PutDown()) {
     writeHandle.Release();

@@ -23,7 +23,7 @@ namespace {
 
 QtMessageHandler usualMessages = nullptr;
 
-// Where Qt finds no way to show anything it would end the program with a dump.
+// When Qt finds no display, it would end the program with a dump.
 void OnMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   if (type == QtFatalMsg && !QCoreApplication::instance()) {
     const std::string reason = text.section(u'\n', 0, 0).toStdString();
@@ -52,7 +52,7 @@ const char kUsage[] =
 
 int RunOnDesktop(int& argc, char** argv) {
   platform::LinuxPlatform system;
-  // First, for a desktop needs a moment to take in the new keyboard and mouse.
+  // First: a desktop needs a moment to take in the new keyboard and mouse.
   std::string inputError;
   const bool hasInput = system.OpenInput(platform::InputChoice::Auto, &inputError);
 

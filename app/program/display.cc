@@ -50,7 +50,7 @@ std::string NoDisplay(const std::string& reason) {
 
 bool FindDisplay(const DisplaySystem& system, std::string* error,
                  std::string (*say)(const std::string& reason)) {
-  // Somebody who says how to show the window knows; all but a display that isn't there works.
+  // A person who chooses a display is taken at their word. Only a display that isn't there fails.
   const std::string wish = system.variable("QT_QPA_PLATFORM");
   const bool wantsX = wish.find("xcb") != std::string::npos;
   const bool wantsWayland = wish.find("wayland") != std::string::npos;

@@ -24,8 +24,8 @@ ByteString InQuotes(const ByteString& text) {
   return quoted;
 }
 
-// Asks each in turn to close as a person would, and whatever didn't, as only this program can: a
-// hidden window takes the second message alone.
+// Asks each in turn to close as a person would. Those that didn't get this program's own message,
+// the only one that a hidden window takes.
 void CloseInstances(const std::vector<std::uint32_t>& processes) {
   for (const std::uint32_t process : processes)
     if (!CloseProcessWindows(process, kCloseWithin, platform::WM_CLOSE))

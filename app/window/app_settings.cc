@@ -12,7 +12,7 @@ using platform::HKEY_LOCAL_MACHINE;
 
 constexpr char kLastProfile[] = "Last Profile";
 
-// The first one is what Load asks of.
+// Load reports whether the first one is there.
 constexpr Setting kSettings[] = {
     {"Show Auto-Detect Usage", &AppSettings::showAutoDetectUsage},
     {"Start Minimized", &AppSettings::startMinimized, main_window::kStartMinimized},
@@ -73,7 +73,7 @@ void AppSettings::RememberLastProfile(const ByteString& name) {
   RegistryKey(HKEY_CURRENT_USER, kProductKey, true).SetString(nullptr, kLastProfile, lastProfile);
 }
 
-// Since the first try makes the new key, whatever comes of it, there is one try only.
+// The first try makes the new key, even if it fails, so there is only one try.
 void AppSettings::Migrate() {
   for (const platform::HKEY hive : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
     if (RegistryKey(hive, kProductKey, false).isOpen) continue;

@@ -13,7 +13,7 @@ ByteString DeviceKey(const ByteString& deviceName) {
   return path;
 }
 
-// The stored values of a device. From the first that is missing on they are read, and not taken.
+// The stored values of a device. Behind the first missing one they are still read, but not taken.
 class StoredValues {
  public:
   explicit StoredValues(const ByteString& deviceName)

@@ -100,7 +100,7 @@ void DeviceTab::ShowMouseAndDeviceState() {
 void DeviceTab::ShowSelectedDevice() {
   const platform::GUID guid = deviceManager->SelectedGuid();
   if (guid == platform::GUID{} && deviceManager->DeviceSelected()) {
-    // One that runs on although the list doesn't have it any more.
+    // This device runs on, though the list doesn't have it any more.
     const std::int32_t row = platform::controls().ComboFindStringExact(
         dialog.window, kDeviceList, Bytes(deviceManager->SelectedName()));
     if (row != platform::kNoRow) {
@@ -202,7 +202,7 @@ bool DeviceTab::ReadPollFields() {
 
 void DeviceTab::RefuseField(std::uint32_t fieldId, const ByteString& text,
                             const ByteString& caption, std::uint32_t type) {
-  // The box takes the focus from whichever field it went to, and so does the way back.
+  // The box takes the focus from the field that had it, and so does the way back.
   ++session.initGuard;
   dialog.Box(text, caption, type);
   platform::controls().SetControlFocus(dialog.window, fieldId);
@@ -231,7 +231,7 @@ void DeviceTab::ApplyPollInterval(std::uint32_t interval) {
 void DeviceTab::RefreshDeviceList() {
   if (!deviceManager || !deviceManager->DirectInputCreated()) return;
 
-  // Chosen to be none: only the person's own wish looks for devices then.
+  // The person chose no device. Then only a click on the button looks for devices.
   if (session.currentDeviceName.Equals(kNoDeviceText)) {
     if (inPluginPoll) return;
     deviceManager->EnumerateDevices();
@@ -263,7 +263,7 @@ bool DeviceTab::ApplyProfileDevice() {
     session.currentDeviceGuid = platform::GUID{};
     return false;
   }
-  // Of the device itself: one found by its name may be another than the file's.
+  // From the device itself: one found by its name may differ from the file's.
   session.currentDeviceGuid = deviceManager->SelectedGuid();
   session.currentDeviceName = deviceManager->SelectedName();
   return true;

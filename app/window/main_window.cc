@@ -69,8 +69,7 @@ MainWindow::MainWindow() : ResizableDialog(resources::kMainWindow) {
 
 MainWindow::~MainWindow() { Cleanup(); }
 
-// Whatever waits for the person here may also meet the end of the program, after which nothing
-// more is set up.
+// The program may end while this waits for the person. Then nothing more is set up.
 void MainWindow::OnInit() {
   ResizableDialog::OnInit();
   notificationArea.HideWhenMinimised();
@@ -204,8 +203,8 @@ void MainWindow::OnDestroy() {
   controlTab.controlList.SaveColumns();
 }
 
-// Nothing counts after the cleanup, which a message can bring while a box still waits: what a
-// handler would work on is gone.
+// No notice counts after the cleanup, which a message can start while a box still waits: the
+// objects of a handler are gone by then.
 void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   if (session.shuttingDown) return;
   if (notice == Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();

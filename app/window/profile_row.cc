@@ -134,7 +134,7 @@ bool ProfileRow::LoadProfile(const ByteString& name) {
   controlTab.FillControlList();
   deviceTab.ShowMouseAndDeviceState();
   engine->mouseActive = false;
-  // By message, so that it comes after whatever else leads to another profile now.
+  // By message, so that it comes after anything that leads to another profile now.
   platform::desktop().PostMessageA(dialog.window, WM_DEVICE_WARNING, 0, 0);
   return true;
 }
@@ -147,8 +147,7 @@ void ProfileRow::EndDetection() {
 }
 
 void ProfileRow::ClearProfile() {
-  // In one: a Control that fires between the two would leave the worker with a Control that is
-  // gone.
+  // Under one lock: a Control that fires between the two would stay with the worker after its end.
   LockGuard guard(profile.profileLock);
   engine->repeatWorker.Clear();
   profile.Clear();
@@ -284,7 +283,7 @@ void ProfileRow::OnRenameProfile() {
     // profile in memory alone. Test: ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone.
     ProfileFile old;
     old.profileName = oldName;
-    // With what of it couldn't be read it only goes when that is kept.
+    // If part of it couldn't be read, it only goes once its bytes are kept.
     if (profile.KeepDamagedFile()) static_cast<void>(old.DeleteProfileFile());
     profile.profileName = question.name;
     session.SaveProfile();

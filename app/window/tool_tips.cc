@@ -61,7 +61,7 @@ constexpr std::uint32_t kTools[] = {
     kMailLink,  // Settings
 };
 
-// A group box and two labels: what goes by their numbers is the text of something else.
+// A group box and two labels: their numbers belong to texts of something else.
 constexpr std::uint32_t kWithoutTip[] = {kWheelDamperFrame, kVersionText, kCopyright};
 
 std::string TextOfTip(std::uint32_t id) {

@@ -103,7 +103,7 @@ class Address {
   sockaddr_un address{};
 };
 
-// Signals as something to read, for the life of this object; a new process gets them as before.
+// While this object lives, signals are something to read. A new process gets them as before.
 class Signals {
  public:
   Signals() {

@@ -82,7 +82,7 @@ class DrawnButtonWidget : public ButtonWidget {
   }
 
  private:
-  // At once, since the program may go by it before the next key comes.
+  // At once: the program may look at it before the next key comes.
   void DrawFocusChange() {
     focusChanged = true;
     repaint();

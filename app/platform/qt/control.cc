@@ -74,7 +74,7 @@ void Control::TakeColours() {
     palette.setColor(QPalette::Base, ColourOf(*background));
     palette.setColor(QPalette::Window, ColourOf(*background));
   } else if (toRead) {
-    // Not the colour of a field that one can type into.
+    // Not the colour of a field for typing.
     palette.setColor(QPalette::Base, host.Inside()->palette().color(QPalette::Window));
   }
   if (ink) {

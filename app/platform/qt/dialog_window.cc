@@ -38,8 +38,7 @@ bool IsInPassing(Notice notice) {
          notice == Notice::HeaderItemChanged;
 }
 
-// No key that such a control was given is the window's, whether there was a use for it or not. The
-// list tells of its keys itself.
+// The window doesn't get the keys of such a control, used or not. The list reports its keys itself.
 bool TakesAllKeys(ControlKind kind) {
   return kind == ControlKind::Edit || kind == ControlKind::TextArea ||
          kind == ControlKind::ListView;
@@ -110,14 +109,14 @@ std::int32_t DialogWindow::Run() {
   if (!ended) {
     MakeRoom();
     ApplyLimits();
-    // A message may want it hidden, which is then how it is first seen.
+    // A message may hide it; then it begins hidden.
     QCoreApplication::sendPostedEvents(this, PostedCall::kType);
   }
   if (!ended) {
     BringUp();
     if (!parentWidget()) around.isUp(handle);
     loop.exec();
-    // The application ends without having been asked to end this window.
+    // The application ends, and nobody has ended this window.
     if (!ended) listener.OnClose();
   }
   ended = true;
@@ -281,7 +280,7 @@ bool DialogWindow::ShowTip(const QPoint& inside, const QPoint& screen) {
   return true;
 }
 
-// A part of a control that has a text of its own takes it alone as its place.
+// The tip of a part of a control, such as a tab, covers that part alone.
 QString DialogWindow::TipAt(const Control& control, const QPoint& at, QRect* place) {
   if (const auto* const tabs = dynamic_cast<const TabControl*>(&control)) {
     Rect rect;
@@ -371,7 +370,7 @@ void DialogWindow::mouseMoveEvent(QMouseEvent* event) {
 
 // --- Place and size
 
-// A text of several lines may be longer than the template knows: what stands below makes room.
+// A text of several lines may be longer than the template allows: controls below it make room.
 void DialogWindow::MakeRoom() {
   if (style & kWindowResizable) return;
   for (const auto& control : controls) {
@@ -515,9 +514,9 @@ void DialogWindow::Minimise() {
   showMinimized();
 }
 
-// Nothing could bring back a window that is hidden behind an icon that isn't there. To Qt it stays
-// minimised until it is shown again: taking that back asks the X server at once to show the window,
-// and a window manager that had just let go of it would do so.
+// Nothing could bring back a window that is hidden behind an icon that isn't there. For Qt it stays
+// minimised until it is shown again: undoing that asks the X server at once to show the window, and
+// a window manager that has just let go of it would do so.
 void DialogWindow::HideOrMinimise() {
   broughtUp = true;
   shownIconic = false;
@@ -553,7 +552,7 @@ void DialogWindow::ShowWindow(std::int32_t command) {
       hidden = false;
       broughtUp = true;
       if (iconic) {
-        // Mostly it is restored next; until then nothing of it is to be seen.
+        // Mostly it is restored next. Until then it stays invisible.
         shownIconic = true;
         around.windows.Post(handle, [](DialogWindow& window) {
           if (std::exchange(window.shownIconic, false)) window.Minimise();

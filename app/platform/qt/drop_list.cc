@@ -71,7 +71,8 @@ DropList::DropList(ControlHost& host, const ControlTemplate& from)
     if (IsHeading(row)) box->setItemData(index, bold, Qt::FontRole);
   }
   connect(box, &QComboBox::activated, this, [this](int row) {
-    // The same row again, too: what it stood for may have failed.
+    // Also when the same row is chosen again: selecting its device or profile may have failed
+    // before.
     selected = row;
     this->host.Notify(id, Notice::SelectionChanged, row);
   });

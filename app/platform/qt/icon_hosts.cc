@@ -37,8 +37,8 @@ QDBusMessage Question() {
 
 }  // namespace
 
-// The selection that a notification area owns. By a connection of its own, so that nothing of what
-// Qt asks for on its own one is changed.
+// The selection that a notification area owns. It has its own connection, so that Qt's own requests
+// stay as they are.
 class IconHosts::OnXServer : public QObject {
  public:
   explicit OnXServer(std::function<void()> changed) : changed(std::move(changed)) {
@@ -76,8 +76,8 @@ class IconHosts::OnXServer : public QObject {
     xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &events);
   }
 
-  // An owner that goes between the two requests has gone without an event, but then the second one
-  // fails, which comes as one.
+  // An owner that goes between the two requests sends no event. But then the second request fails,
+  // and that error comes as an event.
   void Look() {
     const auto reply = Owned(xcb_get_selection_owner_reply(
         connection, xcb_get_selection_owner(connection, selection), nullptr));
@@ -102,7 +102,7 @@ class IconHosts::OnXServer : public QObject {
     }
   }
 
-  // Also what came in while an answer was waited for, of which the notifier says nothing.
+  // Also events that came in during the wait for an answer. The notifier doesn't report those.
   void Read() {
     const bool before = there;
     while (const auto event = Owned(xcb_poll_for_event(connection)))
@@ -130,7 +130,7 @@ IconHosts::~IconHosts() = default;
 
 bool IconHosts::OnX() const { return onX && onX->there; }
 
-// The bus tells of the watcher that comes or goes, the watcher of its hosts.
+// The bus reports when the watcher comes or goes; the watcher reports its hosts.
 void IconHosts::WatchBus() {
   QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;

@@ -83,7 +83,7 @@ class ListView::Rows : public QAbstractTableModel {
   std::vector<Row> rows;
 };
 
-// As wide as its text, for who asks how wide a column has to be.
+// As wide as its text, for code that asks how wide a column has to be.
 class CellDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
@@ -116,7 +116,7 @@ class ListView::Widget : public QTreeView {
     headers->setSectionsClickable(false);
   }
 
-  // The text of the cell at a point of the list, and where it is seen, if it isn't seen whole.
+  // The text of the cell at a point of the list, and its visible place, if part of it is cut off.
   QString CutText(const QPoint& at, QRect* place) const {
     const QModelIndex cell = indexAt(viewport()->mapFrom(this, at));
     if (!cell.isValid()) return {};
@@ -134,7 +134,7 @@ class ListView::Widget : public QTreeView {
     host.Notify(id, Notice::KeyDown, VirtualKey(*event));
     const bool ofTheDialog = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
                              event->key() == Qt::Key_Escape;
-    // What the list itself would copy is one cell; that is the program's to do.
+    // The list itself would copy one cell; copying is the program's task.
     if (ofTheDialog) {
       event->ignore();
     } else if (!event->matches(QKeySequence::Copy)) {
@@ -221,7 +221,7 @@ bool ListView::SetColumnWidth(std::int32_t column, std::int32_t width) {
 void ListView::WidthChanged(int column, int before, int now) {
   if (!IsColumn(column) || before == now) return;
   host.Notify(id, Notice::HeaderItemChanging, column);
-  // The program may have set another one in the notice.
+  // The program may have set another width in the notice.
   widths[static_cast<std::size_t>(column)] = list->header()->sectionSize(column);
   host.Notify(id, Notice::HeaderItemChanged, column);
 }

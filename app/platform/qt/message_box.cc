@@ -31,7 +31,7 @@ std::unique_ptr<QMessageBox> MakeMessageBox(QWidget* owner, const std::string& t
   for (QAbstractButton* button : box->buttons()) button->setIcon(QIcon());
   box->setDefaultButton(asks ? QMessageBox::Yes : QMessageBox::Ok);
   box->setEscapeButton(asks ? QMessageBox::No : QMessageBox::Ok);
-  // The box's own would make a sheet of it, which on Wayland has no frame and so no title.
+  // The box's own way would make a sheet of it. On Wayland a sheet has no frame and so no title.
   box->QWidget::setWindowModality(owner ? Qt::WindowModal : Qt::ApplicationModal);
   return box;
 }

@@ -53,7 +53,7 @@ struct QtDesktop::Waiter {
   std::optional<std::int32_t> answer;
 };
 
-// Stands in front of what waits, for the life of this object.
+// While this object lives, its window or box is in front of those that wait.
 class QtDesktop::InFront {
  public:
   InFront(QtDesktop& desktop, Waiting entry) : desktop(desktop) {
@@ -133,8 +133,8 @@ std::int32_t QtDesktop::AskHere(WindowHandle owner, const std::string& text,
   return AnswerOf(*box);
 }
 
-// The window manager gives the focus back in its own time, and until then goes elsewhere what is
-// typed for the owner.
+// The window manager takes its time to give the focus back. Until then, keys for the owner go
+// elsewhere.
 void QtDesktop::AwaitFocus(WindowHandle owner) {
   const auto comes = [&] {
     const DialogWindow* const window = Window(owner);
@@ -172,7 +172,8 @@ void QtDesktop::CloseAside() {
   }
 }
 
-// What a thread has just asked isn't shown yet, and won't be: only the loop would do it.
+// The question that a thread has just asked isn't shown yet, and never will be: only the loop would
+// show it.
 void QtDesktop::DismissBoxesOfOtherThreads() {
   CloseAside();
   const std::lock_guard<std::mutex> guard(askingMutex);
@@ -247,7 +248,7 @@ std::int32_t QtDesktop::RunDialog(const DialogTemplate& dialog, WindowHandle own
   return result;
 }
 
-// Those in front of it go with it: nothing else would bring back the way out of its handler.
+// Windows in front of it end with it: otherwise its handler could never return.
 bool QtDesktop::EndDialog(WindowHandle handle, std::int32_t result) {
   DialogWindow* const window = Window(handle);
   if (!window) return false;

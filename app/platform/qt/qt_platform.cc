@@ -2,7 +2,7 @@
 
 #include <QApplication>
 
-// In the global namespace, as it must be.
+// Qt wants this in the global namespace.
 static void InitPictures() { Q_INIT_RESOURCE(kelvaro_pictures); }
 
 namespace platform::qt {

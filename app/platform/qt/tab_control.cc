@@ -19,7 +19,7 @@ class TabControl::Frame : public QWidget {
   explicit Frame(QWidget* parent) : QWidget(parent), bar(new QTabBar(this)) {
     bar->setExpanding(false);
     bar->setDrawBase(false);
-    // A click leaves what had the focus, which may be on the page that goes.
+    // A click takes the focus from a control that may be on the page that goes.
     bar->setFocusPolicy(Qt::StrongFocus);
     setFocusProxy(bar);
   }
@@ -57,7 +57,7 @@ TabControl::TabControl(ControlHost& host, const ControlTemplate& from)
     : Control(host, from), frame(new Frame(host.Inside())), bar(frame->bar) {
   connect(bar, &QTabBar::currentChanged, this, [this](int tab) {
     frame->update();
-    // Behind a box that comes first it is still the tab before.
+    // Behind a box that comes first, the window still shows the tab before.
     Select(selected);
     if (!this->host.GoesOn()) return;
     Select(tab);

@@ -24,7 +24,7 @@ using Lock = std::lock_guard<std::mutex>;
 
 std::uint32_t AxisId(std::uint32_t axis) { return axis << 8 | kAbsoluteAxis; }
 
-// The axis's place, or the id itself if it is none's.
+// The axis's place, or the id itself if no axis has it.
 std::uint32_t AxisOfId(std::uint32_t id) { return (id & 0xFF) == kAbsoluteAxis ? id >> 8 : id; }
 
 [[noreturn]] void Refuse(const std::string& what) {
