@@ -11,14 +11,6 @@ using Lines = std::vector<std::string>;
 
 class ButtonsTest : public QtTest {};
 
-WINDOW_TEST(ButtonsTest, AClickIsTold) {
-  controls().SetControlFocus(Window(), kSlider);
-  QTest::mouseClick(Widget(kButton), Qt::LeftButton);
-  QTest::mouseClick(Widget(kPictureButton), Qt::LeftButton);
-  QTest::mouseClick(Widget(kDrawnButton), Qt::LeftButton);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "106 clicked", "107 clicked"}));
-}
-
 WINDOW_TEST(ButtonsTest, ADisabledOneIsDead) {
   EXPECT_TRUE(controls().EnableControl(Window(), kButton, false));
   EXPECT_FALSE(controls().IsControlEnabled(Window(), kButton));
@@ -26,14 +18,6 @@ WINDOW_TEST(ButtonsTest, ADisabledOneIsDead) {
   EXPECT_TRUE(recorder.lines.empty());
   EXPECT_TRUE(controls().EnableControl(Window(), kButton, true));
   EXPECT_TRUE(controls().IsControlEnabled(Window(), kButton));
-}
-
-WINDOW_TEST(ButtonsTest, ACheckBoxFlipsByItself) {
-  QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
-  QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"108 clicked", "108 clicked"}));
 }
 
 WINDOW_TEST(ButtonsTest, CheckingByTheProgramIsNoNews) {

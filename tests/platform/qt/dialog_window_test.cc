@@ -167,17 +167,6 @@ TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
   });
 }
 
-TEST_F(DialogWindowTest, ATypedTextTakesThePlaceOfThatOfTheFirstEdit) {
-  recorder.onInit = [](WindowHandle window) {
-    controls().SetDlgItemTextA(window, kNameEdit, "old");
-  };
-  Run([&] {
-    ASSERT_EQ(controls().GetControlFocus(Window()), kNameEdit);
-    Key(Qt::Key_Z);
-    EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "z");
-  });
-}
-
 WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
   QWidget* const focused = Dialog()->focusWidget();
   if (focused) focused->clearFocus();
@@ -415,14 +404,6 @@ std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr
   return 0;
 }
 
-WINDOW_TEST(DialogWindowTest, IsHiddenAndComesBack) {
-  EXPECT_TRUE(desktop().ShowWindow(Window(), SW_HIDE));
-  EXPECT_FALSE(desktop().IsWindowVisible(Window()));
-  EXPECT_TRUE(desktop().ShowWindow(Window(), SW_SHOW));
-  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-  EXPECT_FALSE(desktop().ShowWindow(99, SW_SHOW));
-}
-
 TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
   hookCalls = 0;
   Run([&] {
@@ -448,21 +429,6 @@ TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
     Settle();
     EXPECT_EQ(hookCalls, 2);
   });
-}
-
-WINDOW_TEST(DialogWindowTest, AMinimisedOneThatWasHiddenComesBackInItsNormalState) {
-  Dialog()->showMinimized();
-  Settle();
-  desktop().ShowWindow(Window(), SW_HIDE);
-  Settle();
-  EXPECT_FALSE(desktop().IsWindowVisible(Window()));
-  EXPECT_TRUE(desktop().IsIconic(Window()));
-  desktop().ShowWindow(Window(), SW_SHOW);
-  desktop().ShowWindow(Window(), SW_RESTORE);
-  Settle();
-  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-  EXPECT_FALSE(desktop().IsIconic(Window()));
-  EXPECT_FALSE(Dialog()->isMinimized());
 }
 
 WINDOW_TEST(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {

@@ -86,14 +86,6 @@ WINDOW_TEST(ListViewTest, SeveralRowsCanBeSelectedWhereTheTemplateSaysSo) {
               recorder.lines.front().find("selection") == std::string::npos);
 }
 
-WINDOW_TEST(ListViewTest, APersonSelectsWholeRows) {
-  AddColumns();
-  AddRows(4);
-  QTest::mouseClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
-  QTest::mouseClick(List()->viewport(), Qt::LeftButton, Qt::ControlModifier, RowPoint(3));
-  EXPECT_EQ(Selected(), (Numbers{1, 3}));
-}
-
 WINDOW_TEST(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
   AddColumns();
   AddRows(4);
@@ -102,42 +94,6 @@ WINDOW_TEST(ListViewTest, ArrowKeysGoOnFromTheRowThatTheProgramSelected) {
   QTest::keyClick(List(), Qt::Key_Down);
   EXPECT_EQ(Selected(), (Numbers{2}));
   EXPECT_EQ(recorder.LinesOf(kList).back(), "116 key down 40");
-}
-
-WINDOW_TEST(ListViewTest, ADoubleClickTellsTheRowBelowThePointer) {
-  AddColumns();
-  AddRows(2);
-  recorder.lines.clear();
-  QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
-  QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {},
-                     QPoint(10, List()->viewport()->height() - 2));
-  EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 double clicked 1", "116 double clicked -1"}));
-}
-
-WINDOW_TEST(ListViewTest, KeysAreToldByTheirVirtualKeyCodes) {
-  AddColumns();
-  AddRows(2);
-  controls().SetControlFocus(Window(), kList);
-  recorder.lines.clear();
-  QTest::keyClick(List(), Qt::Key_Delete);
-  QTest::keyClick(List(), Qt::Key_C, Qt::ControlModifier);
-  QTest::keyClick(List(), Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(recorder.LinesOf(kList), (Lines{"116 key down 46", "116 key down 17", "116 key down 67",
-                                            "116 key down 17", "116 key down 86"}));
-}
-
-TEST_F(ListViewTest, ControlCountsAsHeldDuringItsKeys) {
-  std::uint16_t held = 0;
-  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::KeyDown) held = desktop().GetKeyState(0x11);
-  };
-  Run([&] {
-    controls().SetControlFocus(Window(), kList);
-    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(held, 0x8000);
-    QTest::keyClick(Dialog()->windowHandle(), Qt::Key_C);
-    EXPECT_EQ(held, 0);
-  });
 }
 
 WINDOW_TEST(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
