@@ -1,5 +1,6 @@
-// A real main window on a simulated machine: it runs on the user interface's thread, and a test is
-// the person in front of it.
+// A real main window on Qt, off the screen, in the time of a simulated machine with its devices,
+// files and settings: it runs on the user interface's thread, and a test is the person in front of
+// it.
 //
 //   TEST_F(MainWindowTest, ThePadOfTheProfileIsInUse) {
 //     Begin();

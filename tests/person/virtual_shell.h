@@ -1,4 +1,4 @@
-// The shell group of the simulation.
+// The shell beside the windows on Qt: opens and asks nothing, and keeps what it was asked for.
 #pragma once
 
 #include <cstdint>
