@@ -1,6 +1,6 @@
-// Ctrl-C, a polite kill and a closed terminal, taken as a wish to end: whoever waits here is told,
-// and can let go of keys first. A second one ends the program at once. A pipe that nobody reads any
-// more does not end the program; the write fails.
+// Ctrl-C, a polite kill and a closed terminal, taken as a wish to end: code that waits here learns
+// of it, and can let go of keys first. A second one ends the program at once. A pipe that nobody
+// reads any more does not end the program; the write fails.
 #pragma once
 
 #include <signal.h>

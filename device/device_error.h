@@ -1,6 +1,6 @@
 // The last error of an object, as a number and a text, with an optional table that gives numbers
-// their texts. An operation that fails sets it and answers with its own result; whoever wants to
-// know why asks afterwards. No locking: the thread that runs the operations asks.
+// their texts. An operation that fails sets it and answers with its own result; the caller may ask
+// why afterwards. No locking: the thread that runs the operations asks.
 #pragma once
 
 #include <cstdint>

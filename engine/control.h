@@ -90,8 +90,8 @@ class Control : public ControlSettings {
   // A copy that takes over the source's actions: from here on this Control deletes them, and the
   // source is to be one that borrows. actionsBorrowed ends at 0.
   void CopyShared(const Control& source);
-  // A copy that leaves the actions to whoever owns them, who is to keep them as long as this has
-  // them. actionsBorrowed ends at 1, as nothing else makes it; Reset keeps it so.
+  // A copy that doesn't own the actions; their owner must keep them as long as this has them. Sets
+  // actionsBorrowed, as nothing else does; Reset keeps it.
   void Borrow(const Control& source);
 
   // Whether the Trigger is active in this state (press), or was let go by it (release). Changes

@@ -67,16 +67,16 @@ class ProfileFile : public TaggedFile, public Profile, public ProfileLibrary {
   // profile then holds what was read before, and nothing if the file isn't a profile.
   bool Load(const ByteString& path);
 
-  // The file of the last Load, if not all that it claims to hold could be read; Load may have
-  // been true all the same. Empty otherwise, and once the bytes have been kept.
+  // The file of the last Load, if not all that it claims to hold could be read; Load may still have
+  // been true. Empty otherwise, and once the bytes have been kept.
   const ByteString& DamagedFile() const { return damagedFile; }
   // Keeps the bytes of that file before it is overwritten or deleted, see ProfileLibrary. True when
   // there is nothing to be kept.
   bool KeepDamagedFile();
 
   // Writes this profile to the file named after profileName. False if no file name can be made of
-  // it, and if a step failed; the file may have the new content all the same. The profile itself
-  // is left alone.
+  // it, and if a step failed; the file may still have the new content. The profile itself stays as
+  // it is.
   bool Save();
 
   // Save under any path, whatever the profile's name. A damaged file is kept first; if that fails,

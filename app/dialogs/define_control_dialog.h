@@ -1,6 +1,6 @@
-// The dialog "Define Control", which makes and edits one Control: `scratch`. Whoever opens it fills
-// scratch before and takes it back after IDOK. While dialogOpen is set no Control fires; each
-// changed state of the device comes to ShowDetectedTrigger instead.
+// The dialog "Define Control", which makes and edits one Control: `scratch`. The caller fills
+// scratch before it opens and takes it back after IDOK. While dialogOpen is set no Control fires;
+// each changed state of the device comes to ShowDetectedTrigger instead.
 #pragma once
 
 #include <cstdint>

@@ -131,7 +131,7 @@ struct DrawItem {
   bool focusAction = false;  // it is drawn because the focus came or went
 };
 
-// Whoever runs a dialog. All calls come on the user interface's thread.
+// The program's side of a dialog. All calls come on the user interface's thread.
 class WindowListener {
  public:
   virtual ~WindowListener() = default;
@@ -220,7 +220,7 @@ class Desktop {
   virtual std::intptr_t CallNextHookEx(HookHandle hook, std::int32_t code, std::uintptr_t wParam,
                                        std::intptr_t lParam) = 0;
 
-  // Pictures by their number among the program's own. 0 when there is none of that number.
+  // Pictures by their number among the program's own. 0 for any other number.
   virtual IconHandle LoadIconA(std::uint32_t id) = 0;
   virtual bool DestroyIcon(IconHandle icon) = 0;
   virtual BitmapHandle LoadBitmapA(std::uint32_t id) = 0;
@@ -229,15 +229,15 @@ class Desktop {
   // as added, appears as soon as there is one, and a window with an icon is minimised where it
   // would be hidden, since nothing could bring it back.
   virtual bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) = 0;
-  // Not a published one: gives an added icon the menu that is shown for it where whoever shows the
-  // icons shows their menus too, and so never tells of the right button. Its commands come as
-  // TrackPopupMenu's do. False when the icon isn't there.
+  // Not a published one: gives an added icon its menu, for desktops that show icons' menus
+  // themselves and so never report the right button. Its commands come as TrackPopupMenu's do.
+  // False when the icon isn't there.
   virtual bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
                                  std::span<const MenuItem> items) = 0;
 
-  // Shows the entries at a point of the screen until one is chosen, which comes as Clicked with its
-  // command, or none. Returns after it; false when it can't be shown, as where only whoever shows
-  // the icon may put a menu beside it.
+  // Shows the entries at a point of the screen until the person chooses one, which comes as Clicked
+  // with its command, or none. Returns after that; false when it can't be shown, as where only the
+  // desktop may put a menu beside the icon.
   virtual bool TrackPopupMenu(WindowHandle window, std::span<const MenuItem> items,
                               std::uint32_t flags, Point screen) = 0;
 };

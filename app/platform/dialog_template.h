@@ -1,8 +1,8 @@
-// A dialog as data: its controls with number, kind, text and place. Whoever stands behind the seam
-// makes the window from it. Places are in dialog units, which grow with the font: 4 across are the
-// mean width of its characters, 8 down its height. A "&" in a text marks the mnemonic, "&&" is one
-// "&"; the mnemonic of a label or group box belongs to the next control that takes the focus. The
-// order of the controls is that of the Tab key.
+// A dialog as data: its controls with number, kind, text and place. The implementation behind the
+// seam makes the window from it. Places are in dialog units, which grow with the font: 4 across are
+// the mean width of its characters, 8 down its height. A "&" in a text marks the mnemonic, "&&" is
+// one "&"; the mnemonic of a label or group box belongs to the next control that takes the focus.
+// The order of the controls is that of the Tab key.
 #pragma once
 
 #include <cstdint>

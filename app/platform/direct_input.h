@@ -56,7 +56,7 @@ struct DIDEVCAPS {
 
 constexpr std::size_t kMaxPath = 260;
 
-// Texts are zero-terminated; a longer name is cut by whoever fills the record.
+// Texts are zero-terminated; the implementation cuts a longer name.
 struct DIDEVICEINSTANCE {
   std::uint32_t dwSize = sizeof(DIDEVICEINSTANCE);
   GUID guidInstance;

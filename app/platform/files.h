@@ -82,10 +82,10 @@ class Files {
   // on failure; a folder is one, so is whatever else isn't a plain file, and a read-only file that
   // is to be written. Never waits for somebody at the other end.
   //
-  // share: FILE_SHARE_ bits. Of those who leave out FILE_SHARE_WRITE, in any process, a file has
-  // one that writes or any number that read; whoever would be one more fails. Who shares writing,
-  // as a reader of whatever is there, neither shuts out nor is shut out. Nothing of this outlives
-  // the process. A file system without locks shuts nobody out.
+  // share: FILE_SHARE_ bits. Among opens without FILE_SHARE_WRITE, in all processes, a file has one
+  // that writes or any number that read; one more fails. An open that shares writing neither shuts
+  // out others nor is shut out. None of this outlives the process. A file system without locks
+  // shuts nobody out.
   virtual std::unique_ptr<File> CreateFileA(const std::string& path, std::uint32_t access,
                                             std::uint32_t share, std::uint32_t disposition) = 0;
 

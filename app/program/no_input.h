@@ -1,4 +1,4 @@
-// Stands in where the system lets nobody send keys: the window is of use all the same.
+// Stands in where the system lets nobody send keys: the window is still useful.
 #pragma once
 
 #include "app/platform/input.h"

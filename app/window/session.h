@@ -1,6 +1,5 @@
-// Whatever runs while the main window is there, and what its tabs tell one another: the open
-// profile, the device and the engine, and what is remembered. User interface's thread, but for what
-// says otherwise.
+// What the main window's tabs share while it is there: the open profile, the device and the engine,
+// and what is remembered. User interface's thread, but for what says otherwise.
 #pragma once
 
 #include <atomic>
@@ -40,7 +39,7 @@ struct Session {
   // thread.
   void SaveAfterMouseDetection();
 
-  // Lets go of whatever is held, where no device is selected whose state could still end it.
+  // Lets go of all that is held, if no device is selected whose state could still end it.
   void LetGoWithoutDevice();
   void ReselectDevice();
 

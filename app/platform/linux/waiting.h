@@ -1,6 +1,6 @@
 // A mutex and a condition for threads of different priorities. A holder of the mutex inherits the
-// priority of whoever waits for it, so that a real-time thread is not held up by one that has been
-// pushed off the processor; the condition waits for a moment of CLOCK_MONOTONIC.
+// priority of a thread that waits for it, so a holder that was pushed off the processor doesn't
+// hold up a real-time thread; the condition waits for a moment of CLOCK_MONOTONIC.
 #pragma once
 
 #include <pthread.h>

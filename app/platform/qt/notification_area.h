@@ -1,6 +1,6 @@
 // The icons in the notification area of the person's desktop. There may be none of that kind yet,
-// or it may go: an icon is shown for as long as somebody shows icons. On the session bus whoever
-// does so also shows the icon's menu; on an X server the program itself does.
+// or it may go: an icon is shown for as long as somebody shows icons. On the session bus the
+// program that does so also shows the icon's menu; on an X server this program does.
 #pragma once
 
 #include <QMenu>
@@ -25,7 +25,7 @@ class NotificationArea : public QObject {
                    std::function<void(const NOTIFYICONDATA&, std::intptr_t mouse)> post,
                    std::function<void(WindowHandle)> changed);
 
-  // Whoever chooses from it is the menu's own affair. False when the icon isn't there.
+  // The menu itself handles what is chosen. False when the icon isn't there.
   bool SetMenu(WindowHandle window, std::uint32_t id, std::unique_ptr<QMenu> menu);
   // False when it is there already.
   bool Add(const NOTIFYICONDATA& data);
