@@ -273,40 +273,40 @@ TEST_F(DispatcherWithMouse, EachOfTheThreeInputsIsKeptFromTheControls) {
   }
 }
 
-TEST_F(DispatcherWithMouse, BothSidesOfAMouseAxisAreKeptFromTheControls) {
+TEST_F(DispatcherWithMouse, AControlIsKeptOutByAnyOneOfItsInputsThatIsTheMouses) {
   engine.mouseActive = true;
-  profile.mouseX = MouseInput(0);
-  Add({.name = "left", .items = {Axis(0, AxisNeg)}});
-  Add({.name = "right", .items = {Axis(0, AxisPos)}});
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "");
-  EXPECT_EQ(Dispatch(WithX(-kLimit)), "");
-}
-
-TEST_F(DispatcherWithMouse, OneMouseInputAmongSeveralIsEnough) {
-  engine.mouseActive = true;
-  profile.mouseX = MouseInput(0);
-  Add({.name = "a", .buttons = {1}, .items = {Hat(PovUp), Axis(0, AxisPos)}});
-  DIJOYSTATE2 state = WithX(kLimit, {1});
-  state.rgdwPOV[0] = 0;
-  EXPECT_EQ(Dispatch(state), "");
-}
-
-TEST_F(DispatcherWithMouse, AnAxisOfAnotherBankIsNoMouseInput) {
-  engine.mouseActive = true;
-  profile.mouseX = MouseInput(0, 1);
-  Add({.name = "a", .items = {Axis(0, AxisPos)}});
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "press a");
-}
-
-TEST_F(DispatcherWithMouse, AnUpDownHatOfTheMouseLeavesTheHatToTheControls) {
-  // The kinds differ: only a left-right hat is named as a Trigger names it.
-  engine.mouseActive = true;
-  profile.mouseX = MouseInput(input_kind::kPovVertical);
-  Add({.name = "up", .items = {Hat(PovUp)}});
-  EXPECT_EQ(Dispatch(WithHat(0)), "press up");
-  Dispatch(Pad());
-  profile.mouseX = MouseInput(input_kind::kPov);
-  EXPECT_EQ(Dispatch(WithHat(0)), "");
+  const DIJOYSTATE2 right = WithX(kLimit), left = WithX(-kLimit), up = WithHat(0);
+  DIJOYSTATE2 all = WithX(kLimit, {1});
+  all.rgdwPOV[0] = 0;
+  const struct {
+    const char* why;
+    TriggerItem mouse;
+    Mapping mapping;
+    DIJOYSTATE2 state;
+    bool fires;
+  } rows[] = {
+      {"its side", MouseInput(0), {.items = {Axis(0, AxisPos)}}, right, false},
+      {"the other side", MouseInput(0), {.items = {Axis(0, AxisNeg)}}, left, false},
+      {"one of three",
+       MouseInput(0),
+       {.buttons = {1}, .items = {Hat(PovUp), Axis(0, AxisPos)}},
+       all,
+       false},
+      {"another bank", MouseInput(0, 1), {.items = {Axis(0, AxisPos)}}, right, true},
+      {"a left-right hat", MouseInput(input_kind::kPov), {.items = {Hat(PovUp)}}, up, false},
+      {"an up-down hat, which no Trigger names so",
+       MouseInput(input_kind::kPovVertical),
+       {.items = {Hat(PovUp)}},
+       up,
+       true},
+  };
+  for (const auto& row : rows) {
+    profile.Clear();
+    profile.mouseX = row.mouse;
+    Add(row.mapping);
+    EXPECT_EQ(Dispatch(row.state), row.fires ? "press " : "") << row.why;
+    Dispatch(Pad());
+  }
 }
 
 TEST_F(DispatcherWithMouse, WhatIsDownWhenTheMouseGoesOnStaysDownUntilItsInputsRest) {
@@ -467,14 +467,6 @@ TEST_F(Dispatcher, LocksAreFreeAfterwards) {
   EXPECT_FALSE(engine.mouseLock.IsTaken());
   EXPECT_FALSE(profile.profileLock.IsTaken());
   EXPECT_FALSE(engine.repeatWorker.repeatLock.IsTaken());
-}
-
-TEST_F(Dispatcher, EqualWeightsFireInTheOrderThatTheSwapsLeaveBehind) {
-  // From a, b, cd: the swap of a with cd carries a behind b.
-  Add({.name = "a", .buttons = {1}});
-  Add({.name = "b", .buttons = {2}});
-  Add({.name = "cd", .buttons = {3, 4}});
-  EXPECT_EQ(Dispatch({1, 2, 3, 4}), "press cd, press b, press a");
 }
 
 // --- Long random runs ---------------------------------------------------------------------------

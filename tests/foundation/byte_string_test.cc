@@ -426,7 +426,7 @@ TEST(ByteString, ReserveMovesAKeptTextDown) {
   EXPECT_EQ(Content(string), "ef");
 }
 
-TEST(ByteString, ReserveWithoutTheTextOnlyGoesBackToTheStart) {
+TEST(ByteString, ReserveWithoutTheTextGoesBackToTheStartOrIsEmptyInNewRoom) {
   ByteString string("abcdef");
   const char* const start = string.Text();
   string.KeepRight(2);
@@ -435,13 +435,9 @@ TEST(ByteString, ReserveWithoutTheTextOnlyGoesBackToTheStart) {
   EXPECT_EQ(string.Capacity(), 16);
   EXPECT_EQ(string.Length(), 2u);
   EXPECT_EQ(Content(string), "ab");  // what lay there before
-}
-
-TEST(ByteString, ReserveOfNewRoomWithoutTheTextIsEmpty) {
-  ByteString string("abcdef");
   EXPECT_TRUE(string.Reserve(40, false, false));
   EXPECT_EQ(string.Capacity(), 40);
-  EXPECT_EQ(Content(string), "");
+  EXPECT_EQ(Content(string), "") << "new room";
 }
 
 // ---- null and too much ----
@@ -630,13 +626,10 @@ TEST(ByteString, CompareGoesByUnsignedBytesThenByLength) {
   }
 }
 
-TEST(ByteString, CompareWithNullGivesOne) {
+TEST(ByteString, CompareTakesOnlyNBytesAndGivesOneForNull) {
   EXPECT_EQ(ByteString("a").Compare(nullptr, 1), 1);
   EXPECT_EQ(ByteString("a").CompareNoCase(nullptr, 1), 1);
   EXPECT_EQ(ByteString().Compare(nullptr, 0), 1);
-}
-
-TEST(ByteString, CompareTakesOnlyNBytes) {
   EXPECT_EQ(ByteString("ab").Compare("abzz", 2), 0);
   EXPECT_EQ(ByteString("ab").Compare("az", 1), 1);
   EXPECT_EQ(ByteString("ab").Compare("ab", -1), 1);
