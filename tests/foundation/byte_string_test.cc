@@ -572,7 +572,7 @@ TEST(ByteString, RemoveAllTakesItsOwnBytes) {
 
 // ---- comparing ----
 
-TEST(ByteString, EqualsComparesTheTerminatorToo) {
+TEST(ByteString, EqualsTakesAllBytesAndTheTerminatorToo) {
   const ByteString string("abc");
   EXPECT_TRUE(string.Equals("abc"));
   EXPECT_FALSE(string.Equals("abcd"));
@@ -582,9 +582,6 @@ TEST(ByteString, EqualsComparesTheTerminatorToo) {
   EXPECT_FALSE(string.Equals(static_cast<const char*>(nullptr)));
   EXPECT_TRUE(ByteString().Equals(""));
   EXPECT_FALSE(Raw("ab\0c").Equals("ab"));
-}
-
-TEST(ByteString, EqualsOfStringsTakesAllBytes) {
   EXPECT_TRUE(Raw("a\0b").Equals(Raw("a\0b")));
   EXPECT_FALSE(Raw("a\0b").Equals(Raw("a\0c")));
   EXPECT_FALSE(Raw("a\0b").Equals(Raw("a")));

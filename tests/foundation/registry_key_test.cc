@@ -91,14 +91,6 @@ TEST_F(RegistryKeyTest, CreateMakesTheWholePath) {
   EXPECT_TRUE(registry.HasKey("HKLM\\Software\\Game"));
 }
 
-TEST_F(RegistryKeyTest, CreateOpensWhatIsThere) {
-  registry.PutDword(game, "n", 5);
-  RegistryKey key(HKEY_CURRENT_USER, "Software\\Game", true);
-  std::uint32_t number = 0;
-  EXPECT_TRUE(key.GetDword(nullptr, "n", &number));
-  EXPECT_EQ(number, 5u);
-}
-
 TEST_F(RegistryKeyTest, AFailedCreateIsNotOpen) {
   sim.FailNext("RegCreateKeyA", 5);
   RegistryKey key(HKEY_CURRENT_USER, "Software\\Game", true);
