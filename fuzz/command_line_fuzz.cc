@@ -5,7 +5,7 @@
 #include <string>
 
 #include "app/platform/simulation/simulation.h"
-#include "app/start/command_line.h"
+#include "app/start/launch_request.h"
 #include "app/start/quote_chars.h"
 
 using namespace kelvaro;

@@ -5,7 +5,7 @@
 #include "app/platform/clock.h"
 #include "app/platform/processes.h"
 #include "app/platform/shell.h"
-#include "app/start/command_line.h"
+#include "app/start/launch_request.h"
 #include "app/start/process_finder.h"
 #include "app/start/window_messages.h"
 #include "foundation/paths.h"

@@ -9,7 +9,7 @@
 
 #include "app/layout/dialog.h"
 #include "app/platform/qt/qt_shell.h"
-#include "app/start/command_line.h"
+#include "app/start/launch_request.h"
 #include "rendlink/desktop_entry.h"
 #include "rendlink/launch.h"
 

@@ -1,4 +1,4 @@
-#include "app/start/command_line.h"
+#include "app/start/launch_request.h"
 
 namespace kelvaro {
 namespace {

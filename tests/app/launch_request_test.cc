@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/resources/control_ids.h"
-#include "app/start/command_line.h"
+#include "app/start/launch_request.h"
 #include "tests/app/main_window_fixture.h"
 
 namespace kelvaro {

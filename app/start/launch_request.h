@@ -14,7 +14,7 @@ struct LaunchRequest {
   ByteString dir;
 };
 
-// Splits a command line into tokens at blanks and double quotes; see command_line.cc.
+// Splits a command line into tokens at blanks and double quotes; see launch_request.cc.
 void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list);
 
 // Of a whole command line, the program's own path in front.
