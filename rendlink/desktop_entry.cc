@@ -3,71 +3,22 @@
 #include <cstddef>
 
 #include "app/platform/byte_text.h"
+#include "app/platform/entry_text.h"
 
 namespace kelvaro::rendlink {
+
+using platform::EscapedForEntry;
+using platform::TrimmedInEntry;
+
 namespace {
-
-// The characters for which an argument needs quotes, and those that need a backslash inside the
-// quotes.
-constexpr std::string_view kReserved = " \t\n\"'\\><~|&;$*?#()`";
-constexpr std::string_view kEscapedInQuotes = "\"`$\\";
-
-// The escapes that every value of text has.
-std::string Escaped(std::string_view text) {
-  std::string out;
-  for (const char c : text) {
-    if (c == '\\') {
-      out += "\\\\";
-    } else if (c == '\t') {
-      out += "\\t";
-    } else if (c == ' ' && out.empty()) {
-      out += "\\s";  // one in front would be passed over
-    } else {
-      out += c;
-    }
-  }
-  // And so would one at the end.
-  if (out.size() > 1 && out.back() == ' ') out.replace(out.size() - 1, 1, "\\s");
-  return out;
-}
-
-std::string Unescaped(std::string_view text) {
-  constexpr std::string_view kCodes = "sntr\\";
-  constexpr std::string_view kMeanings = " \n\t\r\\";
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::size_t code =
-        text[i] == '\\' && i + 1 < text.size() ? kCodes.find(text[i + 1]) : std::string_view::npos;
-    if (code == std::string_view::npos) {
-      out += text[i];
-    } else {
-      out += kMeanings[code];
-      ++i;
-    }
-  }
-  return out;
-}
 
 std::string ExecValue(const Words& words) {
   std::string value;
   for (const std::string& word : words) {
     if (!value.empty()) value += ' ';
-    const bool quoted = word.empty() || word.find_first_of(kReserved) != std::string::npos;
-    if (quoted) value += '"';
-    for (const char c : word) {
-      if (kEscapedInQuotes.find(c) != std::string_view::npos) value += '\\';
-      if (c == '%') value += '%';
-      value += c;
-    }
-    if (quoted) value += '"';
+    value += platform::ExecWord(word);
   }
   return value;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 // No control character and nothing but UTF-8.
@@ -94,9 +45,10 @@ bool DesktopEntryText(const DesktopEntry& entry, std::string* text, std::string*
   for (const std::string& word : entry.exec)
     if (!CanHold(("The word \"" + word + "\"").c_str(), word, refusal)) return false;
   if (!CanHold("The comment", entry.comment, refusal)) return false;
-  *text = "[Desktop Entry]\nType=Application\nName=" + Escaped(entry.name) +
-          "\nComment=" + Escaped(entry.comment) + "\nExec=" + Escaped(ExecValue(entry.exec)) +
-          "\nIcon=" + Escaped(entry.icon) + "\nTerminal=false\nCategories=Game;\n";
+  *text = "[Desktop Entry]\nType=Application\nName=" + EscapedForEntry(entry.name) +
+          "\nComment=" + EscapedForEntry(entry.comment) +
+          "\nExec=" + EscapedForEntry(ExecValue(entry.exec)) +
+          "\nIcon=" + EscapedForEntry(entry.icon) + "\nTerminal=false\nCategories=Game;\n";
   return true;
 }
 
@@ -105,7 +57,7 @@ std::map<std::string, std::string> ReadDesktopEntry(std::string_view text) {
   bool inside = false;
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
-    const std::string_view line = Trimmed(text.substr(0, end));
+    const std::string_view line = TrimmedInEntry(text.substr(0, end));
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     if (line.starts_with('[')) {
       inside = line == "[Desktop Entry]";
@@ -113,7 +65,8 @@ std::map<std::string, std::string> ReadDesktopEntry(std::string_view text) {
     }
     const std::size_t equals = line.find('=');
     if (!inside || line.starts_with('#') || equals == std::string_view::npos) continue;
-    values.emplace(Trimmed(line.substr(0, equals)), Unescaped(Trimmed(line.substr(equals + 1))));
+    values.emplace(TrimmedInEntry(line.substr(0, equals)),
+                   platform::UnescapedFromEntry(TrimmedInEntry(line.substr(equals + 1))));
   }
   return values;
 }

@@ -13,6 +13,7 @@
 #include <tuple>
 #include <utility>
 
+#include "app/platform/entry_text.h"
 #include "app/platform/file_pattern.h"
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/home_folders.h"
@@ -23,57 +24,6 @@ namespace {
 constexpr std::string_view kPrefix = "kelvaro-";
 constexpr std::string_view kSuffix = ".desktop";
 constexpr std::size_t kLongestName = 200;  // file systems allow 255 for all of a file's name
-
-// The characters that the entry rules want quoted in an argument, and those that need a backslash
-// inside quotes.
-constexpr std::string_view kReserved = " \t\n\r\"'\\><~|&;$*?#()`";
-constexpr std::string_view kEscapedInQuotes = "\"`$\\";
-
-// The escapes of any text of a desktop entry.
-std::string Escaped(std::string_view text) {
-  std::string out;
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        out += "\\\\";
-        break;
-      case '\n':
-        out += "\\n";
-        break;
-      case '\t':
-        out += "\\t";
-        break;
-      case '\r':
-        out += "\\r";
-        break;
-      case ' ':  // one in front would be passed over
-        out += out.empty() ? "\\s" : " ";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out;
-}
-
-std::string Unescaped(std::string_view text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\\' || i + 1 == text.size()) {
-      out += text[i];
-      continue;
-    }
-    constexpr std::string_view kCodes = "\\ntrs";
-    const std::size_t code = kCodes.find(text[++i]);
-    if (code == std::string_view::npos) {
-      out += '\\';
-      out += text[i];
-    } else {
-      out += "\\\n\t\r "[code];
-    }
-  }
-  return out;
-}
 
 // A percent sign starts a field code; a double one is itself.
 std::string WithoutFieldCodes(std::string_view text) {
@@ -93,12 +43,6 @@ bool CanBeInFileName(const std::string& name) {
   });
 }
 
-std::string_view Trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 // Whole or not at all.
 bool WriteFile(const std::string& folder, const std::string& file, const std::string& text) {
   std::string aside = folder + "/.kelvaro-XXXXXX";
@@ -114,23 +58,12 @@ bool WriteFile(const std::string& folder, const std::string& file, const std::st
 
 }  // namespace
 
-std::string ExecOf(std::string_view program) {
-  std::string argument;
-  const bool quoted = program.empty() || program.find_first_of(kReserved) != std::string_view::npos;
-  if (quoted) argument += '"';
-  for (const char c : program) {
-    if (kEscapedInQuotes.find(c) != std::string_view::npos) argument += '\\';
-    if (c == '%') argument += '%';
-    argument += c;
-  }
-  if (quoted) argument += '"';
-  return Escaped(argument);
-}
+std::string ExecOf(std::string_view program) { return EscapedForEntry(ExecWord(program)); }
 
 std::string ProgramOf(std::string_view exec) {
-  std::string whole = Unescaped(exec);
+  std::string whole = UnescapedFromEntry(exec);
   if (!whole.starts_with('"')) {
-    const bool isOneArgument = whole.find_first_of(kReserved) == std::string::npos;
+    const bool isOneArgument = whole.find_first_of(kReservedInExec) == std::string::npos;
     return isOneArgument ? WithoutFieldCodes(whole) : whole;
   }
   std::string argument;
@@ -176,19 +109,19 @@ std::vector<AutostartFolder::Entry> AutostartFolder::Entries() const {
       std::ifstream file(at->path());
       bool inEntry = false;
       for (std::string line; std::getline(file, line);) {
-        const std::string_view text = Trimmed(line);
+        const std::string_view text = TrimmedInEntry(line);
         if (text.starts_with('[')) inEntry = text == "[Desktop Entry]";
         const std::size_t equals = text.find('=');
         if (!inEntry || equals == std::string_view::npos) continue;
-        const std::string_view key = Trimmed(text.substr(0, equals));
-        const std::string_view value = Trimmed(text.substr(equals + 1));
+        const std::string_view key = TrimmedInEntry(text.substr(0, equals));
+        const std::string_view value = TrimmedInEntry(text.substr(equals + 1));
         if (key == "Exec") entry.program = ProgramOf(value);
         if (key == "Hidden" && value == "true") entry.isOn = false;
         if (key == "X-GNOME-Autostart-enabled" && value == "false") entry.isOn = false;
         if (key == "X-Kelvaro-Order") {
           entry.order = std::strtoll(std::string(value).c_str(), nullptr, 10);
         }
-        if (key == "X-Kelvaro-Value" && SameName(Unescaped(value), entry.valueName)) {
+        if (key == "X-Kelvaro-Value" && SameName(UnescapedFromEntry(value), entry.valueName)) {
           entry.isOurs = true;
         }
       }
@@ -227,9 +160,9 @@ std::uint32_t AutostartFolder::Write(const StoredValue& value) {
     if (entry.isOn) own = entry.order;
   }
   const std::string program = value.data.substr(0, value.data.find('\0'));
-  const std::string text = "[Desktop Entry]\nType=Application\nName=" + Escaped(name) +
+  const std::string text = "[Desktop Entry]\nType=Application\nName=" + EscapedForEntry(name) +
                            "\nExec=" + ExecOf(program) +
-                           "\nTerminal=false\nX-Kelvaro-Value=" + Escaped(name) +
+                           "\nTerminal=false\nX-Kelvaro-Value=" + EscapedForEntry(name) +
                            "\nX-Kelvaro-Order=" + std::to_string(own.value_or(last + 1)) + "\n";
   return WriteFile(path, file, text) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }

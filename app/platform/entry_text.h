@@ -1,0 +1,24 @@
+// The text of desktop entries, the files by which desktops start programs: how what stands in one
+// is written and read. By the Desktop Entry Specification, 1.5.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+// What wants a word of an Exec to be quoted, and what a backslash stands before inside the quotes.
+constexpr std::string_view kReservedInExec = " \t\n\r\"'\\><~|&;$*?#()`";
+constexpr std::string_view kEscapedInQuotes = "\"`$\\";
+
+// With the escapes that every value has, and back. An escape that isn't known stays.
+std::string EscapedForEntry(std::string_view text);
+std::string UnescapedFromEntry(std::string_view text);
+
+// One word of an Exec: quoted where it must be, and without field codes. Still to be escaped.
+std::string ExecWord(std::string_view word);
+
+// Without the blanks around a key or a value.
+std::string_view TrimmedInEntry(std::string_view text);
+
+}  // namespace platform
