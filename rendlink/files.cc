@@ -1,6 +1,5 @@
 #include "rendlink/files.h"
 
-#include "app/layout/dialog.h"
 #include "app/platform/files.h"
 #include "foundation/byte_string.h"
 

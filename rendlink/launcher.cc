@@ -1,6 +1,5 @@
 #include "rendlink/launcher.h"
 
-#include "app/layout/dialog.h"
 #include "app/platform/byte_text.h"
 #include "app/platform/files.h"
 #include "app/platform/processes.h"

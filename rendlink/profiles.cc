@@ -2,20 +2,12 @@
 
 #include <algorithm>
 
-#include "app/layout/dialog.h"
+#include "app/platform/file_pattern.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro::rendlink {
-namespace {
-
-// As a sorted list of the seam folds case.
-std::string Folded(std::string text) {
-  for (char& c : text)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return text;
-}
-
-}  // namespace
+// As a sorted list of the seam does.
+using platform::Folded;
 
 std::vector<std::string> StoredProfiles() {
   ProfileFile file;

@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-char Fold(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+char Fold(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 }  // namespace
 
@@ -35,6 +35,11 @@ bool FitsPattern(std::string_view name, std::string_view pattern) {
 
 bool HasWildcards(std::string_view pattern) {
   return pattern.find_first_of("*?") != std::string_view::npos;
+}
+
+std::string Folded(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), Fold);
+  return text;
 }
 
 bool SameName(std::string_view a, std::string_view b) {

@@ -2,6 +2,7 @@
 // itself.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace platform {
@@ -13,6 +14,9 @@ bool FitsPattern(std::string_view name, std::string_view pattern);
 
 // Whether the pattern has `*` or `?`.
 bool HasWildcards(std::string_view pattern);
+
+// Its ASCII letters small.
+std::string Folded(std::string text);
 
 // Equal but for the case of ASCII letters.
 bool SameName(std::string_view a, std::string_view b);

@@ -57,6 +57,11 @@ TEST(HasWildcards, StarAndQuestionMark) {
   EXPECT_FALSE(HasWildcards(""));
 }
 
+TEST(Folded, MakesLettersOfAsciiSmallAndNoOthers) {
+  EXPECT_EQ(Folded("AbZ[@1\xC4"), "abz[@1\xC4");
+  EXPECT_EQ(Folded(""), "");
+}
+
 TEST(SameName, LettersOfAsciiInEitherCase) {
   EXPECT_TRUE(SameName("aBc1", "AbC1"));
   EXPECT_FALSE(SameName("abc", "abcd"));

@@ -3,22 +3,16 @@
 #include <QKeyEvent>
 #include <QProxyStyle>
 #include <QSignalBlocker>
-#include <QWheelEvent>
 #include <algorithm>
 
+#include "app/platform/file_pattern.h"
+#include "app/platform/qt/scrolled_past.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
 namespace {
 
 constexpr int kRowsInView = 20;
-
-std::string Folded(std::string text) {
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 // Some styles unfold a list like a menu, all of its rows at once, over the whole screen.
 class ListStyle : public QProxyStyle {
@@ -33,9 +27,9 @@ bool IsHeading(const std::string& row) { return row.starts_with("== ") && row.en
 
 }  // namespace
 
-class DropList::Widget : public QComboBox {
+class DropList::Widget : public ScrolledPast<QComboBox> {
  public:
-  explicit Widget(QWidget* parent) : QComboBox(parent) {
+  explicit Widget(QWidget* parent) : ScrolledPast(parent) {
     auto* const unfolded = new ListStyle;
     unfolded->setParent(this);
     setStyle(unfolded);
@@ -48,14 +42,6 @@ class DropList::Widget : public QComboBox {
       event->ignore();
     } else {
       QComboBox::keyPressEvent(event);
-    }
-  }
-  // The wheel scrolls past it, unless it was chosen first.
-  void wheelEvent(QWheelEvent* event) override {
-    if (hasFocus()) {
-      QComboBox::wheelEvent(event);
-    } else {
-      event->ignore();
     }
   }
 };

@@ -1,24 +1,15 @@
 #include "app/platform/qt/slider.h"
 
 #include <QSignalBlocker>
-#include <QWheelEvent>
 #include <algorithm>
+
+#include "app/platform/qt/scrolled_past.h"
 
 namespace platform::qt {
 
-// The wheel scrolls past it, unless it was chosen first.
-class Slider::Widget : public QSlider {
+class Slider::Widget : public ScrolledPast<QSlider> {
  public:
-  using QSlider::QSlider;
-
- protected:
-  void wheelEvent(QWheelEvent* event) override {
-    if (hasFocus()) {
-      QSlider::wheelEvent(event);
-    } else {
-      event->ignore();
-    }
-  }
+  using ScrolledPast::ScrolledPast;
 };
 
 Slider::Slider(ControlHost& host, const ControlTemplate& from)
