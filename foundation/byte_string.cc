@@ -601,6 +601,15 @@ ByteString TextOf(std::string_view bytes) {
   return text;
 }
 
+ByteString Around(const char* before, const ByteString& text, const char* after) {
+  ByteString whole(before);
+  whole.Append(text);
+  whole.Append(after);
+  return whole;
+}
+
+ByteString InQuotes(const ByteString& text) { return Around("\"", text, "\""); }
+
 std::uint8_t FoldUpper(std::uint8_t c) {
   return c >= 'a' && c <= 'z' ? static_cast<std::uint8_t>(c - ('a' - 'A')) : c;
 }

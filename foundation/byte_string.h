@@ -2,7 +2,8 @@
 // zero bytes allowed; the byte behind the last is always 0, so that Text() serves as a C string.
 // Dropping bytes from the front moves a pointer and copies nothing. Case folding touches ASCII
 // letters only and knows no locale. Nothing throws: an allocation failure leaves a string empty
-// (constructors, Assign) or unchanged (Append). No locking.
+// (constructors, Assign) or unchanged (Append). No locking. Its many methods are a text's and a
+// buffer's, and many of them overloads.
 #pragma once
 
 #include <cstddef>
@@ -165,6 +166,10 @@ class ByteString {
 // The same bytes, zeros included, in the seam's strings and back.
 std::string Bytes(const ByteString& text);
 ByteString TextOf(std::string_view bytes);
+
+// A text between two others, and between double quotes.
+ByteString Around(const char* before, const ByteString& text, const char* after);
+ByteString InQuotes(const ByteString& text);
 
 // The fixed case table: a to z fold to A to Z, all other values stay.
 std::uint8_t FoldUpper(std::uint8_t c);

@@ -14,8 +14,6 @@ constexpr std::int32_t kTextWeight = 800;
 constexpr char kBlankNameText[] = "Profile name cannot be blank";
 constexpr char kBlankNameTitle[] = "Missing Profile Name";
 
-ByteString InQuotes(const ByteString& name) { return ByteString("\"").Concat(name).Concat("\""); }
-
 }  // namespace
 
 NewProfileDialog::NewProfileDialog() : Dialog(resources::kNewProfile) {}

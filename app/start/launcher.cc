@@ -17,13 +17,6 @@ constexpr std::uint32_t kCloseWithin = 500;       // ms; of a window that was as
 constexpr std::uint32_t kInstancesSettle = 2000;  // ms; before the game takes the screen
 constexpr char kLaunchFailure[] = "Launch Failure";
 
-ByteString InQuotes(const ByteString& text) {
-  ByteString quoted('"');
-  quoted.Append(text);
-  quoted.AppendChar('"');
-  return quoted;
-}
-
 // Asks each in turn to close as a person would. Those that didn't get this program's own message,
 // the only one that a hidden window takes.
 void CloseInstances(const std::vector<std::uint32_t>& processes) {
@@ -70,9 +63,7 @@ bool Launcher::StartTarget(platform::PROCESS_INFORMATION* game) {
   if (platform::processes().CreateProcessA(Bytes(launchTarget), Bytes(line),
                                            platform::CREATE_NEW_CONSOLE, &folder, game))
     return true;
-  ByteString text("Failed to launch \"");
-  text.Append(launchTarget);
-  text.Append("\".\n\nReason: ");
+  ByteString text = Around("Failed to launch \"", launchTarget, "\".\n\nReason: ");
   text.Append(SystemErrorText(platform::files().GetLastError()));
   platform::desktop().MessageBoxA(window, Bytes(text), kLaunchFailure, platform::MB_ICONSTOP);
   return false;

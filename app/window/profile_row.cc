@@ -47,13 +47,6 @@ constexpr char kCopyFirstPart[] = "Copy profile";
 constexpr char kRenameTitle[] = "Rename Profile";
 constexpr char kRenameFirstPart[] = "Rename profile";
 
-ByteString Around(const char* before, const ByteString& name, const char* after) {
-  ByteString text(before);
-  text.Append(name);
-  text.Append(after);
-  return text;
-}
-
 }  // namespace
 
 // Choosing and loading

@@ -16,10 +16,6 @@ constexpr char kNotSavedEnd[] =
     "\n\nIts changes last until Kelvaro ends. To keep them, make room on the disk or give yourself "
     "the right to write to that folder: the next change stores the whole profile.";
 
-ByteString Around(const char* before, const ByteString& name, const char* after) {
-  return ByteString(before).Concat(name).Concat(after);
-}
-
 }  // namespace
 
 void Session::TellUnlessProfilesCanBeSaved() {

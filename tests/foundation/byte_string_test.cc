@@ -302,6 +302,12 @@ TEST(ByteString, AppendHasTheRoomInFrontOfTheText) {
   EXPECT_EQ(Content(string), "12345abcdefghij");
 }
 
+TEST(ByteString, AroundPutsATextBetweenTwoOthers) {
+  EXPECT_EQ(Content(Around("<", Raw("\0!"), ">")), std::string("<\0!>", 4));
+  EXPECT_EQ(Content(InQuotes("a b")), "\"a b\"");
+  EXPECT_EQ(Content(InQuotes("")), "\"\"");
+}
+
 TEST(ByteString, ConcatMakesANewStringOfBoth) {
   const ByteString left("left");
   EXPECT_EQ(Content(left.Concat(" right")), "left right");
