@@ -72,35 +72,28 @@ SqliteRegistry::Place SqliteRegistry::Below(const Place& place, const std::strin
   return below;
 }
 
-HKEY SqliteRegistry::Open(const Place& place) {
+std::uint32_t SqliteRegistry::Open(HKEY key, const std::string& path,
+                                   std::uint32_t (SettingsFile::*reach)(const SettingsFile::Key&),
+                                   std::uint32_t noMoreKeys, HKEY* opened) {
+  const std::lock_guard lock(mutex);
+  const Place place = Below(PlaceOf(key), path);
+  if (!place.file) return ERROR_INVALID_HANDLE;
+  if (place.isAutostart) {
+    if (place.key.size() > kAutostartKey.size()) return noMoreKeys;
+  } else if (const std::uint32_t error = (place.file->*reach)(place.key)) {
+    return error;
+  }
   open[++last] = place;
-  return last;
+  *opened = last;
+  return ERROR_SUCCESS;
 }
 
 std::uint32_t SqliteRegistry::RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) {
-  const std::lock_guard lock(mutex);
-  const Place place = Below(PlaceOf(key), path);
-  if (!place.file) return ERROR_INVALID_HANDLE;
-  if (place.isAutostart) {
-    if (place.key.size() > kAutostartKey.size()) return ERROR_FILE_NOT_FOUND;
-  } else if (const std::uint32_t error = place.file->FindKey(place.key)) {
-    return error;
-  }
-  *opened = Open(place);
-  return ERROR_SUCCESS;
+  return Open(key, path, &SettingsFile::FindKey, ERROR_FILE_NOT_FOUND, opened);
 }
 
 std::uint32_t SqliteRegistry::RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened) {
-  const std::lock_guard lock(mutex);
-  const Place place = Below(PlaceOf(key), path);
-  if (!place.file) return ERROR_INVALID_HANDLE;
-  if (place.isAutostart) {
-    if (place.key.size() > kAutostartKey.size()) return ERROR_ACCESS_DENIED;
-  } else if (const std::uint32_t error = place.file->MakeKey(place.key)) {
-    return error;
-  }
-  *opened = Open(place);
-  return ERROR_SUCCESS;
+  return Open(key, path, &SettingsFile::MakeKey, ERROR_ACCESS_DENIED, opened);
 }
 
 std::uint32_t SqliteRegistry::RegCloseKey(HKEY key) {

@@ -63,7 +63,10 @@ class SqliteRegistry final : public Registry {
 
   Place PlaceOf(HKEY key);
   Place Below(const Place& place, const std::string& path);
-  HKEY Open(const Place& place);
+  // `reach` finds or makes a key; in the autostart folder there is only the one.
+  std::uint32_t Open(HKEY key, const std::string& path,
+                     std::uint32_t (SettingsFile::*reach)(const SettingsFile::Key& key),
+                     std::uint32_t noMoreKeys, HKEY* opened);
   void Tell(const std::string& text);
 
   std::mutex mutex;  // guards all below
