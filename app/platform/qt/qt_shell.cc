@@ -4,11 +4,11 @@
 #include <QDesktopServices>
 #include <QUrl>
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <vector>
 
+#include "app/platform/linux/program_file.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
@@ -72,9 +72,8 @@ std::string QtShell::GetCommandLineA(char quoteSub) {
     words.emplace_back(begin, end);
     begin = end == bytes.end() ? end : end + 1;
   }
-  std::error_code failed;
-  std::string program = std::filesystem::read_symlink("/proc/self/exe", failed).string();
-  if (failed && !words.empty()) program = words.front();
+  std::string program = ProgramFileOf("self");
+  if (program.empty() && !words.empty()) program = words.front();
   if (!words.empty()) words.erase(words.begin());
   return JoinCommandLine(program, words, quoteSub);
 }
