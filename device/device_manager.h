@@ -5,7 +5,8 @@
 // taken is lost: the timer's thread never waits, and several changes during a long callback come
 // out as one, the latest. While the device doesn't answer, nothing is delivered and nobody is told.
 // The list and the selection belong to the thread that made the object; a change callback may ask
-// for the selected name and whether there is one, and for the interval.
+// for the selected name and whether there is one, and for the interval. Its many methods share
+// deviceLock and the order in which its two threads are started and ended.
 #pragma once
 
 #include <cstdint>

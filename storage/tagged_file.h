@@ -3,6 +3,7 @@
 // list by id or index; a writer only forward. What is written goes to a temporary beside the
 // target, which is copied over it at the end, and which a later read falls back on when the target
 // is unreadable. Everything is reported by plain results, without a text. One thread at a time.
+// It has many methods because it is the reader and the writer: both walk the same lists.
 //
 //   TaggedFile file;
 //   if (file.OpenForRead(path) && file.Descend(3)) file.ReadField(0, &name);

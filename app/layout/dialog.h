@@ -1,6 +1,7 @@
 // A modal dialog: runs from a table, ends with OK or Cancel, and hands each event to an operation
 // that a derived class overrides. What it doesn't override does what any dialog does: OK and Enter
 // end it with IDOK, Cancel, Esc and the close box with IDCANCEL. User interface's thread.
+// Half of its many methods are the listener's, answered so that a derived class needs only its own.
 #pragma once
 
 #include <cstdint>

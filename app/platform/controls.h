@@ -1,7 +1,8 @@
 // The controls of a window, each known by its number. An operation on a number that isn't in the
 // window, or isn't of the kind that it is for, is false, -1, empty or nothing, as its result
 // allows. What the program sets causes no Notice, except the header's. User interface's thread,
-// except what says otherwise.
+// except what says otherwise. The class is long because each kind of control has operations of its
+// own, and all find theirs by a window and a number.
 #pragma once
 
 #include <cstdint>

@@ -2,6 +2,7 @@
 // menus, pictures and the notification icon. The operations are the published ones of the same
 // names. A window is known by a number, 0 for none. All of it belongs to one thread, the user
 // interface's, except what says otherwise. Operations on a window that isn't there are false.
+// The class is long because its operations share the windows: none can be carried out apart.
 #pragma once
 
 #include <cstdint>

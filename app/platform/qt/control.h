@@ -1,5 +1,6 @@
 // One control of a dialog. A class a kind derives from it, owns the widget's looks and says what
 // the person does to the host. User interface's thread alone.
+// Its many methods are the operations on any control, of which a kind overrides those that it has.
 #pragma once
 
 #include <QObject>

@@ -1,5 +1,6 @@
 // A dialog on the screen, made from its template: runs until it is ended, and tells its listener
-// what happens.
+// what happens. Its many methods are the operations on a window, the events of one, and what its
+// controls tell it; all act on the one widget.
 #pragma once
 
 #include <QEvent>

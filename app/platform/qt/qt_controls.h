@@ -1,5 +1,5 @@
 // Controls behind the seam: finds the control of a number, of the kind that an operation is for,
-// and hands over to it.
+// and hands over to it. As long as the interface that it carries out.
 #pragma once
 
 #include <map>

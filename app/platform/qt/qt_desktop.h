@@ -1,5 +1,6 @@
 // Windows behind the seam, by Qt. Belongs to the thread that makes it, which is the user
-// interface's; the operations that any thread may call hand over to it.
+// interface's; the operations that any thread may call hand over to it. As long as the
+// interface that it carries out.
 #pragma once
 
 #include <QDialog>

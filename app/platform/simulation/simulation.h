@@ -3,7 +3,7 @@
 // timer goes first, then the thread named "notification", then "repeat", then other threads in the
 // order of their making, then the user interface, and last the one that made the Simulation: a
 // test. The same calls give the same run. One Simulation at a time; it installs
-// itself for its life.
+// itself for its life. Its many methods hand out its parts and let time pass.
 //
 // A test presses, waits and looks:
 //

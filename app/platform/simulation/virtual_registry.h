@@ -1,5 +1,6 @@
 // A registry in memory. Keys are spelled with their hive in front, "HKCU\Software\...", "HKLM\..."
-// or "HKCR\...". Not for several system threads.
+// or "HKCR\...". Not for several system threads. Its many methods are the seam's, and a test's
+// set-up and look at it.
 #pragma once
 
 #include <cstdint>
