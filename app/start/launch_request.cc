@@ -9,8 +9,8 @@ bool IsBlank(char c) { return static_cast<std::uint8_t>(c) <= kLastBlank; }
 
 }  // namespace
 
-// Between double quotes, which are dropped, blanks don't end a token. The quote that ends the quoted
-// part ends the token, too: a"b c"d is two tokens.
+// Between double quotes, which are dropped, blanks don't end a token. The quote that ends the
+// quoted part ends the token, too: a"b c"d is two tokens.
 void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list) {
   ByteString line = text;
   line.Trim(0, kLastBlank);

@@ -16,8 +16,8 @@
 // that a box covers, a program that no longer runs) fails the test by an exception,
 // std::logic_error, that says what was wrong; so does a program that doesn't come to wait within
 // five virtual minutes. Texts are bytes; a mnemonic mark is left out of what is shown. What the
-// program borrows must outlive it: Leave ends one that still runs. Its many methods are the acts of a
-// person, and a look for each thing that a window shows.
+// program borrows must outlive it: Leave ends one that still runs. Its many methods are the acts of
+// a person, and a look for each thing that a window shows.
 #pragma once
 
 #include <cstdint>
