@@ -50,7 +50,8 @@ bool QtControls::EndDeferWindowPos(DeferHandle defer) {
   if (found == deferred.end()) return false;
   const std::vector<Move> moves = std::move(found->second);
   deferred.erase(found);
-  for (const Move& move : moves) QtControls::SetControlPos(move.window, move.id, move.rect, move.flags);
+  for (const Move& move : moves)
+    QtControls::SetControlPos(move.window, move.id, move.rect, move.flags);
   return true;
 }
 
