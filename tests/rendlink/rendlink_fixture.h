@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "app/layout/dialog.h"
-#include "tests/person/desktop_simulation.h"
-#include "tests/person/screen.h"
 #include "rendlink/launcher.h"
 #include "storage/profile_file.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 
 namespace kelvaro::rendlink {
 

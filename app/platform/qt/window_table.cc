@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <algorithm>
 
-#include "app/platform/threads.h"
 #include "app/platform/qt/dialog_window.h"
+#include "app/platform/threads.h"
 
 namespace platform::qt {
 
