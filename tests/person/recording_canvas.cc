@@ -42,7 +42,7 @@ void RecordingCanvas::TextInRect(const Rect& rect, const std::string& text, Colo
 
 void RecordingCanvas::DrawIcon(std::int32_t x, std::int32_t y, IconHandle icon) {
   lines.push_back("icon " + std::to_string(x) + ',' + std::to_string(y) + ' ' +
-                  std::to_string(icon));
+                  std::to_string(pictureOf(icon)));
 }
 
 void RecordingCanvas::EraseBackground(const Rect& rect) { lines.push_back("erase " + Text(rect)); }

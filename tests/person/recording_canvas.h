@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/platform/canvas.h"
@@ -11,6 +13,10 @@ namespace platform::simulation {
 
 class RecordingCanvas final : public Canvas {
  public:
+  // `pictureOf` tells the number of an icon's picture.
+  explicit RecordingCanvas(std::function<std::uint32_t(IconHandle)> pictureOf)
+      : pictureOf(std::move(pictureOf)) {}
+
   void FillRect(const Rect& rect, Colour colour) override;
   void FrameRect(const Rect& rect, Colour colour) override;
   void Draw3dRect(const Rect& rect, Colour leftTop, Colour rightBottom) override;
@@ -22,6 +28,9 @@ class RecordingCanvas final : public Canvas {
   void DrawSizeGrip(const Rect& rect) override;
 
   std::vector<std::string> lines;
+
+ private:
+  const std::function<std::uint32_t(IconHandle)> pictureOf;
 };
 
 }  // namespace platform::simulation

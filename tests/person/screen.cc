@@ -380,7 +380,7 @@ std::int32_t Screen::HitTest(std::int32_t x, std::int32_t y) {
 
 Drawing Screen::Paint() {
   state->Reach("Paint");
-  RecordingCanvas canvas;
+  RecordingCanvas canvas([this](IconHandle icon) { return state->desktop.PictureOf(icon); });
   state->Do([&] { state->Dialog().listener->OnPaint(canvas); });
   return canvas.lines;
 }
@@ -394,7 +394,7 @@ Drawing Screen::PaintButton(std::uint32_t id, bool pressed) {
   item.pressed = pressed;
   item.focused = Focus() == id;
   item.disabled = !button.IsEnabled();
-  RecordingCanvas canvas;
+  RecordingCanvas canvas([this](IconHandle icon) { return state->desktop.PictureOf(icon); });
   state->Do([&] { state->Dialog().listener->OnDrawItem(item, canvas); });
   return canvas.lines;
 }

@@ -62,9 +62,9 @@ struct HelpCall {
 // What a canvas was asked to draw, one line a call, with rectangles as "left,top,right,bottom" and
 // colours as on the seam, 00bbggrr in hexadecimal without the first two:
 //   fill RECT COLOUR, frame RECT COLOUR, 3d RECT LEFTTOP RIGHTBOTTOM, focus RECT,
-//   text RECT COLOUR left|centre|right top|middle|bottom "TEXT", icon X,Y HANDLE, erase RECT,
+//   text RECT COLOUR left|centre|right top|middle|bottom "TEXT", icon X,Y PICTURE, erase RECT,
 //   grip RECT
-// such as "fill 0,0,10,10 ff00ff". A picture's handle is its number.
+// such as "fill 0,0,10,10 ff00ff". A picture goes by its number.
 using Drawing = std::vector<std::string>;
 
 class Screen {
