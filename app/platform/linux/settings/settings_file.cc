@@ -7,8 +7,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 #include "app/platform/linux/descriptor.h"
@@ -37,6 +39,7 @@ constexpr const char* kTables =
 
 constexpr int kPatienceMs = 2000;
 constexpr int kLittlePatienceMs = 20;
+constexpr int kLookAgainMs = 5;
 
 bool IsSame(const struct stat& a, const struct stat& b) {
   return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_ino != 0;
@@ -66,12 +69,17 @@ std::uint32_t ErrorCode(int result) {
 
 // Keeps other programs from making or setting aside a file of the folder. Where a folder can't be
 // locked, as on some network file systems, another program may see its work set aside. That is rare
-// and loses nothing.
-Descriptor LockFolderOf(const std::string& file) {
+// and loses nothing. False when somebody else kept it locked all the time: an instance that was
+// stopped inside must not stop the others.
+bool LockFolderOf(const std::string& file, int patienceMs, Descriptor* lock) {
   const std::string folder = std::filesystem::path(file).parent_path();
-  Descriptor lock(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (lock) flock(lock.Get(), LOCK_EX);
-  return lock;
+  *lock = Descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!*lock) return true;
+  for (int waitedMs = 0;; waitedMs += kLookAgainMs) {
+    if (flock(lock->Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) return true;
+    if (waitedMs >= patienceMs) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(kLookAgainMs));
+  }
 }
 
 // A name that nothing has yet.
@@ -152,6 +160,8 @@ void SettingsFile::Close() {
   database = nullptr;
 }
 
+int SettingsFile::PatienceMs() const { return waitedInVain ? kLittlePatienceMs : kPatienceMs; }
+
 int SettingsFile::Do(const char* sql) {
   return sqlite3_exec(database, sql, nullptr, nullptr, nullptr);
 }
@@ -192,7 +202,7 @@ int SettingsFile::Check(bool make) {
 int SettingsFile::OpenAs(int flags, bool make) {
   int result = sqlite3_open_v2(path.c_str(), &database, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   if (result == SQLITE_OK) {
-    sqlite3_busy_timeout(database, waitedInVain ? kLittlePatienceMs : kPatienceMs);
+    sqlite3_busy_timeout(database, PatienceMs());
     // A rollback journal needs no memory shared with others, so that a read-only folder or a home
     // on the network serves, and leaves one file that can be copied.
     result = Do(make ? "BEGIN IMMEDIATE" : "BEGIN");
@@ -216,7 +226,8 @@ int SettingsFile::Open(bool make) {
   if (!isThere || found.st_size == 0) {
     if (!make) return SQLITE_EMPTY;
     if (!MakeFolders(std::filesystem::path(path).parent_path())) return SQLITE_CANTOPEN;
-    const Descriptor lock = LockFolderOf(path);
+    Descriptor lock(-1);
+    if (!LockFolderOf(path, PatienceMs(), &lock)) return SQLITE_BUSY;
     const int result = OpenAs(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, true);
     if (result == SQLITE_OK && stat(path.c_str(), &opened) != 0) opened = {};
     return result;
@@ -233,17 +244,18 @@ int SettingsFile::Open(bool make) {
   return SQLITE_BUSY;  // it was replaced at this moment
 }
 
-bool SettingsFile::SetAside() {
+int SettingsFile::SetAside() {
   Close();
-  const Descriptor lock = LockFolderOf(path);
+  Descriptor lock(-1);
+  if (!LockFolderOf(path, PatienceMs(), &lock)) return SQLITE_BUSY;
   struct stat found = {};
-  if (stat(path.c_str(), &found) != 0) return true;
+  if (stat(path.c_str(), &found) != 0) return SQLITE_OK;
   std::string trouble;
   if (kind == Kind::OfTheUser) {
     // Another program may have been faster, and the file that lies there now may be sound.
     const int result = OpenAs(SQLITE_OPEN_READONLY, false);
     Close();
-    if (!MeansDamaged(result)) return true;
+    if (!MeansDamaged(result)) return SQLITE_OK;
     const std::string aside = NameAside(path);
     // The journal first: it must never meet the file that comes next.
     const std::string journal = path + "-journal";
@@ -253,19 +265,19 @@ bool SettingsFile::SetAside() {
     if (isMoved) {
       tell("The settings file " + path + " is damaged. It has been renamed to " + aside +
            ", and the settings start afresh.");
-      return true;
+      return SQLITE_OK;
     }
     trouble = std::string(" and can't be renamed (") + std::strerror(errno) + ")";
   }
   unusable = found;
   tell("The settings file " + path + " is damaged" + trouble + ". Its settings are not used.");
-  return false;
+  return SQLITE_PERM;
 }
 
 int SettingsFile::RunOnce(bool writes, const Work& work) {
   int result = Open(writes);
   if (result != SQLITE_OK) return result;
-  sqlite3_busy_timeout(database, waitedInVain ? kLittlePatienceMs : kPatienceMs);
+  sqlite3_busy_timeout(database, PatienceMs());
   const bool inGroup = !sqlite3_get_autocommit(database);
   if (!inGroup) result = Do(writes ? "BEGIN IMMEDIATE" : "BEGIN");
   if (result == SQLITE_OK) result = work();
@@ -291,7 +303,10 @@ std::uint32_t SettingsFile::EndGroup() {
 std::uint32_t SettingsFile::Run(bool writes, const Work& work) {
   if (writes && kind == Kind::OfTheMachine) return ERROR_ACCESS_DENIED;
   int result = RunOnce(writes, work);
-  if (MeansDamaged(result) && SetAside()) result = RunOnce(writes, work);
+  if (MeansDamaged(result)) {
+    result = SetAside();
+    if (result == SQLITE_OK) result = RunOnce(writes, work);
+  }
   waitedInVain = (result & 0xFF) == SQLITE_BUSY;
   return ErrorCode(result);
 }

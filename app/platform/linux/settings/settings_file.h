@@ -67,8 +67,9 @@ class SettingsFile {
   // Whether what is open is a whole settings file; makes its tables when `make` allows.
   int Check(bool make);
   void Close();
-  // False when it stays where it is, and can't be used.
-  bool SetAside();
+  // SQLITE_OK to try again; SQLITE_PERM when it stays where it is, and can't be used.
+  int SetAside();
+  int PatienceMs() const;  // with what others keep locked
   int Do(const char* sql);
   // Ends the transaction: keeps what it wrote if the result so far is SQLITE_OK.
   int End(int result);

@@ -1,8 +1,10 @@
 #include "app/platform/linux/settings/sqlite_registry.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -548,6 +550,31 @@ TEST_F(SqliteRegistryTest, ALockedFileIsBusyAndNoDamage) {
   sqlite3_close(other);
   EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
   EXPECT_EQ(troubles, Names{});
+}
+
+// As by an instance that was stopped while it made the file, or set one aside.
+TEST_F(SqliteRegistryTest, AFolderThatSomebodyKeepsLockedIsBusyAndHoldsUpNobody) {
+  std::filesystem::create_directories(In("config/kelvaro"));
+  // Gone in the end, so that a wait for it is seen in what comes then.
+  const pid_t owner = Fork([&] {
+    const int folder = open(In("config/kelvaro").c_str(), O_RDONLY | O_DIRECTORY);
+    if (flock(folder, LOCK_EX) != 0) return 1;
+    PutFile(In("locked"), "");
+    sleep(20);
+    return 0;
+  });
+  ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(In("locked")); }));
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
+  PutFile(places.userFile, std::string(5000, 'x'));
+  EXPECT_EQ(registry->RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
+  EXPECT_EQ(Content(places.userFile), std::string(5000, 'x'));
+  EXPECT_EQ(troubles, Names{});
+  kill(owner, SIGKILL);
+  EXPECT_NE(StatusOf(owner), 1);
+  Create(kGame);
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
 }
 
 TEST_F(SqliteRegistryTest, APlaceThatIsNoFileCanNotBeWritten) {
