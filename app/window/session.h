@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "app/layout/dialog.h"
-#include "app/window/app_settings.h"
+#include "app/settings/app_settings.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "foundation/byte_string.h"

@@ -1,4 +1,4 @@
-#include "app/window/app_settings.h"
+#include "app/settings/app_settings.h"
 
 #include "app/platform/registry.h"
 #include "app/resources/control_ids.h"
