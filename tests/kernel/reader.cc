@@ -101,6 +101,7 @@ void Reader::Collect() {
     if (size < 0) {
       return;  // the device is gone; what it sent before counts
     }
+    const std::int64_t seen = NowUs();
     const std::lock_guard guard(lock);
     const std::size_t count = static_cast<std::size_t>(size) / sizeof(input_event);
     for (std::size_t i = 0; i < count; ++i) {
@@ -115,7 +116,7 @@ void Reader::Collect() {
       }
       events.push_back({static_cast<std::int64_t>(event.input_event_sec) * 1000000 +
                             static_cast<std::int64_t>(event.input_event_usec),
-                        event.type, event.code, event.value});
+                        event.type, event.code, event.value, seen});
     }
   }
 }

@@ -1,0 +1,134 @@
+#include "bench/kernel/measure.h"
+
+#include <linux/input.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/kernel/trace.h"
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+
+void Fail(const std::string& what) {
+  std::fprintf(stderr, "kernel_bench: %s\n", what.c_str());
+  std::exit(1);
+}
+
+PadShape BenchPad() {
+  PadShape shape;
+  shape.name = kPadName;
+  shape.buttons = GamePadButtons(11);
+  shape.axes = {{ABS_X}, {ABS_Y}, {ABS_RX}, {ABS_RY}};
+  shape.hats = 1;
+  return shape;
+}
+
+std::string WaitForInput(const char* name) {
+  std::string path;
+  const auto found = [&] {
+    path = FindInput([&](const InputNode& node) { return node.name == name; });
+    return !path.empty();
+  };
+  if (!Eventually(found, 20000)) {
+    Fail(std::string("there is no ") + name);
+  }
+  return path;
+}
+
+std::string Profile(int intervalMs, const std::string& more) {
+  return "{\"pollInterval\":" + std::to_string(intervalMs) +
+         ",\"controls\":[{\"buttonMask\":\"0x1\",\"actions\":[{\"text\":\"a\"}]}]" + more + "}\n";
+}
+
+namespace {
+
+std::vector<std::string> Command(const std::string& profile, const ProgramOptions& options) {
+  std::vector<std::string> words = {KelvaroctlPath(), "run", "--device", kPadName};
+  words.insert(words.end(), options.words.begin(), options.words.end());
+  words.push_back(WriteFile(profile));
+  return words;
+}
+
+// Whatever a user who sits at the machine may open.
+void OpenForAll(const std::string& node) {
+  if (chmod(node.c_str(), 0666) != 0) {
+    Fail(node + " can't be opened for all");
+  }
+}
+
+}  // namespace
+
+Program::Program(const UinputPad& pad, const std::string& profile, const ProgramOptions& options)
+    : child((OpenForAll(pad.Node()), OpenForAll("/dev/uinput"), Command(profile, options)),
+            ChildOptions{.asNobody = options.asNobody}) {
+  keyboard = std::make_unique<Reader>(WaitForInput(kKeyboardName));
+  mouse = std::make_unique<Reader>(WaitForInput(kMouseName));
+  if (!Eventually([&] { return DescriptorOf(child.Id(), pad.Node()) >= 0; }, 20000)) {
+    Fail("kelvaroctl doesn't start: " + child.Err());
+  }
+  WaitMs(500);
+}
+
+Program::~Program() {
+  child.Signal(SIGTERM);
+  if (child.WaitForEnd(5s) != 0) {
+    Fail("kelvaroctl doesn't end: " + child.Err());
+  }
+}
+
+Usage UsageOf(pid_t process) {
+  Usage sum;
+  for (const auto& task :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::ifstream times(task.path() / "schedstat");
+    double ns = 0;
+    double waitedNs = 0;
+    double runs = 0;
+    if (!(times >> ns >> waitedNs >> runs)) {
+      Fail("no processor time of a thread");
+    }
+    sum.ns += ns;
+    sum.switches += runs;
+  }
+  return sum;
+}
+
+long MemoryKbOf(pid_t process, const std::string& figure) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/smaps_rollup");
+  for (std::string word; file >> word;) {
+    long kb = 0;
+    if (word == figure && file >> kb) {
+      return kb;
+    }
+  }
+  Fail("no memory figures");
+}
+
+void PrintShare(const std::string& what, const Usage& before, const Usage& after, double seconds) {
+  std::printf("%-52s %9.3f %% of a processor, %7.1f switches a second\n", what.c_str(),
+              (after.ns - before.ns) / seconds / 1e9 * 100,
+              (after.switches - before.switches) / seconds);
+  std::fflush(stdout);
+}
+
+void PrintTimes(const std::string& what, std::vector<double> us) {
+  std::sort(us.begin(), us.end());
+  // Between the two nearest where it falls between.
+  const auto at = [&](double part) {
+    const double place = part * static_cast<double>(us.size() - 1);
+    const std::size_t below = static_cast<std::size_t>(place);
+    const std::size_t above = std::min(below + 1, us.size() - 1);
+    return us[below] + (us[above] - us[below]) * (place - static_cast<double>(below));
+  };
+  std::printf("%-52s %7.0f %7.0f %7.0f %7.0f\n", what.c_str(), us.front(), at(0.5), at(0.95),
+              us.back());
+  std::fflush(stdout);
+}
+
+}  // namespace kelvaro::kernel

@@ -1,0 +1,76 @@
+// What the measurements of the real programs share: a pad, kelvaroctl at work on it, what the
+// kernel says about a process, and how figures are printed. What goes wrong ends the program with a
+// message.
+#pragma once
+
+#include <sys/types.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/kernel/child.h"
+#include "tests/kernel/pad.h"
+#include "tests/kernel/reader.h"
+
+namespace kelvaro::kernel {
+
+constexpr char kPadName[] = "Bench Pad";
+
+[[noreturn]] void Fail(const std::string& what);
+
+PadShape BenchPad();
+
+// The node of the input device of that name, as soon as there is one.
+std::string WaitForInput(const char* name);
+
+// A profile in its JSON form: button 1 is the key "a". `more` is put in as further members, each
+// with a comma before it.
+std::string Profile(int intervalMs, const std::string& more = "");
+
+struct ProgramOptions {
+  std::vector<std::string> words = {};  // further words of its command line
+  bool asNobody = false;                // an ordinary user, whose threads may not be real-time ones
+};
+
+// kelvaroctl at work on a pad.
+class Program {
+ public:
+  // Comes back once it polls. `pad` is BenchPad's.
+  Program(const UinputPad& pad, const std::string& profile, const ProgramOptions& options = {});
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  Reader& Keyboard() { return *keyboard; }
+  Reader& Mouse() { return *mouse; }
+  pid_t Id() const { return child.Id(); }
+
+ private:
+  Child child;
+  std::unique_ptr<Reader> keyboard;
+  std::unique_ptr<Reader> mouse;
+};
+
+// What all threads of a process have used so far.
+struct Usage {
+  double ns = 0;        // on a processor
+  double switches = 0;  // times that one of them was given a processor
+};
+Usage UsageOf(pid_t process);
+
+// A figure of the kernel's about a process's memory, in KB: "Rss:", or "Pss:", the proportional set
+// size, in which what several processes share counts by its part.
+long MemoryKbOf(pid_t process, const std::string& figure);
+
+// Over the seconds between two looks.
+void PrintShare(const std::string& what, const Usage& before, const Usage& after, double seconds);
+
+// Least, median, 95 % and most of some microseconds.
+void PrintTimes(const std::string& what, std::vector<double> us);
+
+// The measurements, each of which prints lines of its own: from press to key, then what is used.
+void MeasurePresses();
+void MeasureUse();
+
+}  // namespace kelvaro::kernel
