@@ -2,7 +2,7 @@
 
 #include "app/platform/qt/colours.h"
 #include "app/platform/qt/qt_canvas.h"
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

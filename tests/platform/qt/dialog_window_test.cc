@@ -3,7 +3,7 @@
 #include <QCloseEvent>
 
 #include "app/platform/qt/qt_canvas.h"
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

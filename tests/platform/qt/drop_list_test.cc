@@ -5,7 +5,7 @@
 #include <QScrollBar>
 #include <QWheelEvent>
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

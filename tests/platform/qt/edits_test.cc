@@ -4,7 +4,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

@@ -7,7 +7,7 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <QImage>
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

@@ -3,7 +3,7 @@
 #include <QImage>
 
 #include "app/platform/qt/colours.h"
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

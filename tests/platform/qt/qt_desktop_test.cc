@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "app/platform/qt/stop_requests.h"
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

@@ -1,6 +1,6 @@
 #include "app/platform/qt/slider.h"
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

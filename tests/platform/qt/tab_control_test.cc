@@ -2,7 +2,7 @@
 
 #include <QTabBar>
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

@@ -6,7 +6,7 @@
 #include <QTreeView>
 
 #include "app/platform/qt/text.h"
-#include "qt_test.h"
+#include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {

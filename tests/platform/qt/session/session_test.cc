@@ -5,7 +5,7 @@
 #include <QtGui/qguiapplication_platform.h>
 #include "notification_host.h"
 
-#include "qt_test.h"
+#include "qt_fixture.h"
 #include "window_manager.h"
 
 namespace platform::qt {
