@@ -39,24 +39,49 @@ class RecordedDesktop final : public qt::QtDesktop {
   void Tell(const std::string& text) override { told.push_back(text); }
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;
-  bool EndDialog(WindowHandle window, std::int32_t result) override;
-  bool ShowWindow(WindowHandle window, std::int32_t command) override;
-  bool SetForegroundWindow(WindowHandle window) override;
+  bool EndDialog(WindowHandle window, std::int32_t result) override {
+    return !journal.Enter("EndDialog", result) && QtDesktop::EndDialog(window, result);
+  }
+  bool ShowWindow(WindowHandle window, std::int32_t command) override {
+    return !journal.Enter("ShowWindow", command) && QtDesktop::ShowWindow(window, command);
+  }
+  bool SetForegroundWindow(WindowHandle window) override {
+    return !journal.Enter("SetForegroundWindow") && QtDesktop::SetForegroundWindow(window);
+  }
   bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large) override;
-  bool InvalidateRect(WindowHandle window, const Rect& rect) override;
-  bool UpdateWindow(WindowHandle window) override;
+  bool InvalidateRect(WindowHandle window, const Rect& rect) override {
+    return !journal.Enter("InvalidateRect") && QtDesktop::InvalidateRect(window, rect);
+  }
+  bool UpdateWindow(WindowHandle window) override {
+    return !journal.Enter("UpdateWindow") && QtDesktop::UpdateWindow(window);
+  }
   bool GetDesktopRect(Rect* rect) override;
   Colour GetSysColor(std::int32_t index) override;
   bool GetCursorPos(Point* point) override;
   bool PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
-                    std::intptr_t lParam) override;
-  std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms) override;
-  bool KillTimer(WindowHandle window, std::uint32_t id) override;
-  HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure) override;
-  bool UnhookWindowsHookEx(HookHandle hook) override;
+                    std::intptr_t lParam) override {
+    return !journal.Enter("PostMessageA", message) &&
+           QtDesktop::PostMessageA(window, message, wParam, lParam);
+  }
+  std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms) override {
+    return journal.Enter("SetTimer", id, ms) ? 0 : QtDesktop::SetTimer(window, id, ms);
+  }
+  bool KillTimer(WindowHandle window, std::uint32_t id) override {
+    return !journal.Enter("KillTimer", id) && QtDesktop::KillTimer(window, id);
+  }
+  HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure) override {
+    return journal.Enter("SetWindowsHookExA") ? 0 : QtDesktop::SetWindowsHookExA(kind, procedure);
+  }
+  bool UnhookWindowsHookEx(HookHandle hook) override {
+    return !journal.Enter("UnhookWindowsHookEx") && QtDesktop::UnhookWindowsHookEx(hook);
+  }
   IconHandle LoadIconA(std::uint32_t id) override;
-  bool DestroyIcon(IconHandle icon) override;
-  BitmapHandle LoadBitmapA(std::uint32_t id) override;
+  bool DestroyIcon(IconHandle picture) override {
+    return !journal.Enter("DestroyIcon") && QtDesktop::DestroyIcon(picture);
+  }
+  BitmapHandle LoadBitmapA(std::uint32_t id) override {
+    return journal.Enter("LoadBitmapA", id) ? 0 : QtDesktop::LoadBitmapA(id);
+  }
   bool Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) override;
   bool SetNotifyIconMenu(WindowHandle window, std::uint32_t id,
                          std::span<const MenuItem> items) override;
@@ -98,34 +123,77 @@ class RecordedControls final : public qt::QtControls {
       : QtControls(windows), journal(journal) {}
 
   bool SetControlPos(WindowHandle window, std::uint32_t id, const Rect& rect,
-                     std::uint32_t flags) override;
-  DeferHandle BeginDeferWindowPos(std::int32_t count) override;
+                     std::uint32_t flags) override {
+    return !journal.Enter("SetControlPos", id, flags) &&
+           QtControls::SetControlPos(window, id, rect, flags);
+  }
+  DeferHandle BeginDeferWindowPos(std::int32_t count) override {
+    return journal.Enter("BeginDeferWindowPos", count) ? 0 : QtControls::BeginDeferWindowPos(count);
+  }
   DeferHandle DeferWindowPos(DeferHandle defer, WindowHandle window, std::uint32_t id,
-                             const Rect& rect, std::uint32_t flags) override;
-  bool EndDeferWindowPos(DeferHandle defer) override;
+                             const Rect& rect, std::uint32_t flags) override {
+    return journal.Enter("DeferWindowPos", id, flags)
+               ? 0
+               : QtControls::DeferWindowPos(defer, window, id, rect, flags);
+  }
+  bool EndDeferWindowPos(DeferHandle defer) override {
+    return !journal.Enter("EndDeferWindowPos") && QtControls::EndDeferWindowPos(defer);
+  }
   bool InvalidateControl(WindowHandle window, std::uint32_t id) override;
-  bool ShowControl(WindowHandle window, std::uint32_t id, std::int32_t command) override;
-  bool PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) override;
+  bool ShowControl(WindowHandle window, std::uint32_t id, std::int32_t command) override {
+    return !journal.Enter("ShowControl", id, command) &&
+           QtControls::ShowControl(window, id, command);
+  }
+  bool PostControlMessage(WindowHandle window, std::uint32_t id, std::uint32_t message) override {
+    return !journal.Enter("PostControlMessage", id, message) &&
+           QtControls::PostControlMessage(window, id, message);
+  }
   std::int32_t ComboAddString(WindowHandle window, std::uint32_t id,
-                              const std::string& text) override;
-  bool ComboSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t row) override;
+                              const std::string& text) override {
+    return journal.Enter("ComboAddString", id) ? -1 : QtControls::ComboAddString(window, id, text);
+  }
+  bool ComboSetCurSel(WindowHandle window, std::uint32_t id, std::int32_t row) override {
+    return !journal.Enter("ComboSetCurSel", id, row) && QtControls::ComboSetCurSel(window, id, row);
+  }
   bool ListSetColumnWidth(WindowHandle window, std::uint32_t id, std::int32_t column,
-                          std::int32_t width) override;
+                          std::int32_t width) override {
+    return !journal.Enter("ListSetColumnWidth", id, column) &&
+           QtControls::ListSetColumnWidth(window, id, column, width);
+  }
   bool ListGetColumnOrder(WindowHandle window, std::uint32_t id,
-                          std::vector<std::int32_t>* order) override;
+                          std::vector<std::int32_t>* order) override {
+    return !journal.Enter("ListGetColumnOrder") &&
+           QtControls::ListGetColumnOrder(window, id, order);
+  }
   bool TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab, Rect* rect) override;
   bool SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) override;
   bool SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) override;
   bool SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) override;
-  bool SetHandCursor(WindowHandle window, std::uint32_t id) override;
-  bool CreateToolTip(WindowHandle window) override;
-  bool SetToolTipWidth(WindowHandle window, std::int32_t pixels) override;
-  bool SetToolTipTime(WindowHandle window, std::int32_t ms) override;
-  bool ActivateToolTip(WindowHandle window, bool active) override;
+  bool SetHandCursor(WindowHandle window, std::uint32_t id) override {
+    return !journal.Enter("SetHandCursor") && QtControls::SetHandCursor(window, id);
+  }
+  bool CreateToolTip(WindowHandle window) override {
+    return !journal.Enter("CreateToolTip") && QtControls::CreateToolTip(window);
+  }
+  bool SetToolTipWidth(WindowHandle window, std::int32_t pixels) override {
+    return !journal.Enter("SetToolTipWidth", pixels) && QtControls::SetToolTipWidth(window, pixels);
+  }
+  bool SetToolTipTime(WindowHandle window, std::int32_t ms) override {
+    return !journal.Enter("SetToolTipTime", ms) && QtControls::SetToolTipTime(window, ms);
+  }
+  bool ActivateToolTip(WindowHandle window, bool active) override {
+    return !journal.Enter("ActivateToolTip") && QtControls::ActivateToolTip(window, active);
+  }
   bool AddTabTool(WindowHandle window, std::uint32_t id, std::int32_t tab,
-                  const std::string& text) override;
-  bool AddTool(WindowHandle window, std::uint32_t id) override;
-  bool EnableToolTips(WindowHandle window) override;
+                  const std::string& text) override {
+    return !journal.Enter("AddTabTool", id, tab) && QtControls::AddTabTool(window, id, tab, text);
+  }
+  bool AddTool(WindowHandle window, std::uint32_t id) override {
+    return !journal.Enter("AddTool", id) && QtControls::AddTool(window, id);
+  }
+  bool EnableToolTips(WindowHandle window) override {
+    return !journal.Enter("EnableToolTips") && QtControls::EnableToolTips(window);
+  }
 
   // What the program gave a control to be seen with.
   struct Looks {
