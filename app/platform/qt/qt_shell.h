@@ -11,7 +11,7 @@
 
 namespace platform::qt {
 
-class QtShell final : public Shell {
+class QtShell : public Shell {
  public:
   explicit QtShell(QtDesktop& desktop) : desktop(desktop) {}
 

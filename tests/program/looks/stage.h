@@ -17,6 +17,7 @@
 #include "app/platform/recording/simulated_device.h"
 #include "app/platform/simulation/virtual_disk.h"
 #include "app/platform/simulation/virtual_registry.h"
+#include "app/program/no_input.h"
 
 namespace kelvaro::looks {
 
@@ -51,13 +52,6 @@ class QuietShell final : public platform::Shell {
     if (command == platform::HH_DISPLAY_TOPIC) topic = reinterpret_cast<const char*>(data);
     return 1;
   }
-};
-
-class NoInput final : public platform::Input {
- public:
-  void keybd_event(std::uint8_t, std::uint8_t, std::uint32_t, std::uint32_t) override {}
-  void mouse_event(std::uint32_t, std::int32_t, std::int32_t, std::int32_t,
-                   std::uint32_t) override {}
 };
 
 class Stage {
