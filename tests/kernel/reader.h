@@ -33,7 +33,7 @@ struct KernelEvent {
   unsigned int type;
   unsigned int code;
   int value;
-  std::int64_t seenUs;  // when the thread that waited for it had read it
+  std::int64_t seenUs = 0;  // when the thread that waited for it had read it
 };
 
 // The kernel keeps only some 60 events for a program that doesn't read, so a thread collects them.
