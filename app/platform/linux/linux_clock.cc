@@ -6,10 +6,12 @@
 
 #include "app/platform/cut_off.h"
 #include "app/platform/linux/monotonic_time.h"
+#include "app/platform/linux/waiting.h"
 
 namespace platform {
 
 void LinuxClock::Sleep(std::uint32_t ms) {
+  HeldWakes::LetOut();
   if (ms == 0) {
     sched_yield();
     return;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <mutex>
@@ -40,8 +41,15 @@ struct LinuxThreads::Object {
 
 // One wait that is under way, on the stack of its thread and in the state's list.
 struct LinuxThreads::Waiter {
-  MonotonicCondition condition;
+  const std::shared_ptr<Object>* const objects;
+  const std::uint32_t count;
+  MonotonicCondition condition = {};
   Waiter* next = nullptr;
+
+  bool WaitsFor(const Object& object) const {
+    return std::any_of(objects, objects + count,
+                       [&](const std::shared_ptr<Object>& one) { return one.get() == &object; });
+  }
 };
 
 struct LinuxThreads::State {
@@ -61,9 +69,14 @@ struct LinuxThreads::State {
     return nextHandle++;
   }
 
-  // Each looks for itself whether it was meant: there are never more than a few.
-  void WakeWaiters() {
-    for (Waiter* waiter = waiters; waiter; waiter = waiter->next) waiter->condition.WakeAll();
+  void WakeWaitersFor(const Object& object) {
+    for (Waiter* waiter = waiters; waiter; waiter = waiter->next)
+      if (waiter->WaitsFor(object)) waiter->condition.WakeAll();
+  }
+
+  void Link(Waiter* waiter) {
+    waiter->next = waiters;
+    waiters = waiter;
   }
 
   void Unlink(Waiter* gone) {
@@ -100,9 +113,8 @@ std::uint32_t LinuxThreads::State::Wait(const std::shared_ptr<Object>* held, std
 
   const std::int64_t deadline =
       MonotonicNow() + std::int64_t{timeoutMs} * kNanosecondsPerMillisecond;
-  Waiter self;
-  self.next = waiters;
-  waiters = &self;
+  Waiter self{held, count};
+  Link(&self);
   bool inTime = true;
   // A thread that was cut off takes no event away from the living.
   while (inTime && !IsCutOff()) {
@@ -138,7 +150,7 @@ void* LinuxThreads::RunThread(void* argument) {
   {
     const std::lock_guard<PriorityMutex> lock(state->mutex);
     self->threadId = CachedThreadId();
-    state->WakeWaiters();
+    state->WakeWaitersFor(*self);
   }
   const std::uint32_t exitCode = entry(parameter);
   const std::lock_guard<PriorityMutex> lock(state->mutex);
@@ -146,7 +158,7 @@ void* LinuxThreads::RunThread(void* argument) {
   if (!self->signalled) {
     self->exitCode = exitCode;
     self->signalled = true;
-    state->WakeWaiters();
+    state->WakeWaitersFor(*self);
   }
   return nullptr;
 }
@@ -162,9 +174,8 @@ Handle LinuxThreads::CreateThread(ThreadEntry entry, void* parameter, const char
 
   std::unique_lock<PriorityMutex> lock(state->mutex);
   // Until the thread has told its id and has read `name`.
-  Waiter self;
-  self.next = state->waiters;
-  state->waiters = &self;
+  Waiter self{&object, 1};
+  state->Link(&self);
   while (object->threadId == 0) self.condition.Wait(lock);
   state->Unlink(&self);
   if (threadId) *threadId = object->threadId;
@@ -187,7 +198,7 @@ bool LinuxThreads::TerminateThread(Handle thread, std::uint32_t exitCode) {
     object->cutOff.store(true, std::memory_order_release);
     object->exitCode = exitCode;
     object->signalled = true;
-    state->WakeWaiters();
+    state->WakeWaitersFor(*object);
   }
   StopHereIfCutOff();  // it may have been the calling thread
   return true;
@@ -212,11 +223,12 @@ Handle LinuxThreads::CreateEventA(bool manualReset, bool initialState) {
 }
 
 bool LinuxThreads::SetEvent(Handle event) {
+  const HeldWakes untilUnlocked;
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   const std::shared_ptr<Object> object = state->Find(event, false);
   if (!object) return false;
   object->signalled = true;
-  state->WakeWaiters();
+  state->WakeWaitersFor(*object);
   return true;
 }
 

@@ -1,6 +1,7 @@
 // A mutex and a condition for threads of different priorities. A holder of the mutex inherits the
 // priority of a thread that waits for it, so a holder that was pushed off the processor doesn't
-// hold up a real-time thread; the condition waits for a moment of CLOCK_MONOTONIC.
+// hold up a real-time thread; the condition waits for a moment of CLOCK_MONOTONIC. A third thing
+// keeps a woken thread from coming too early.
 #pragma once
 
 #include <pthread.h>
@@ -34,19 +35,34 @@ class MonotonicCondition {
   MonotonicCondition(const MonotonicCondition&) = delete;
   MonotonicCondition& operator=(const MonotonicCondition&) = delete;
 
-  // `held` is the locked mutex. Returns may be spurious.
-  void Wait(std::unique_lock<PriorityMutex>& held);
+  // `locked` is the locked mutex. Returns may be spurious.
+  void Wait(std::unique_lock<PriorityMutex>& locked);
   // False once `deadline` (nanoseconds) has passed.
-  bool WaitUntil(std::unique_lock<PriorityMutex>& held, std::int64_t deadline);
-  // REQUIRES: the waiters' mutex is held, and what they wait for was changed under it.
+  bool WaitUntil(std::unique_lock<PriorityMutex>& locked, std::int64_t deadline);
+  // REQUIRES: the waiters' mutex is held, and what they wait for was changed under it. The wake
+  // goes out at once, or at the end of the caller's HeldWakes.
   void WakeAll();
 
  private:
   // 0, or ETIMEDOUT once `end` has passed; no end for null.
-  int Sleep(std::unique_lock<PriorityMutex>& held, const timespec* end);
+  int Sleep(std::unique_lock<PriorityMutex>& locked, const timespec* end);
 
   std::atomic<std::uint32_t> wakes{0};
   std::uint32_t waiters = 0;  // guarded by the waiters' mutex
+};
+
+// While one of these lives, the wakes of its thread wait for its end, or for that of the one around
+// it. A thread that is woken on the spot runs before its waker has let go of a lock, finds it taken
+// and sleeps again. A wait of the waker's own lets the wakes out first.
+class HeldWakes {
+ public:
+  HeldWakes();
+  ~HeldWakes();
+  HeldWakes(const HeldWakes&) = delete;
+  HeldWakes& operator=(const HeldWakes&) = delete;
+
+  // For whoever is about to wait by other means than MonotonicCondition.
+  static void LetOut();
 };
 
 }  // namespace platform

@@ -5,12 +5,14 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "app/platform/linux/linux_clock.h"
 #include "app/platform/linux/monotonic_time.h"
+#include "app/platform/linux/waiting.h"
 
 namespace platform {
 namespace {
@@ -301,6 +303,63 @@ TEST_F(LinuxThreadsTest, TerminationWakesWhoeverWaitsForTheThread) {
   EXPECT_TRUE(threads.TerminateThread(victim, 9));
   shared.ExpectEnd(watcher);
   EXPECT_EQ(shared.ExitCode(watcher), WAIT_OBJECT_0);
+}
+
+// The number after `label` in what the kernel tells of a thread; the text without a number.
+std::string Told(std::int32_t thread, const std::string& label) {
+  std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/status");
+  for (std::string word; file >> word;) {
+    if (word != label) continue;
+    file >> word;
+    return word;
+  }
+  return "";
+}
+
+TEST_F(LinuxThreadsTest, AnEventWakesNobodyWhoWaitsForAnother) {
+  shared.event = threads.CreateEventA(false, false);
+  const Handle other = threads.CreateEventA(false, false);
+  std::int32_t id = 0;
+  const Handle thread = threads.CreateThread(WaitForEvent, &shared, "test", &id);
+  ASSERT_TRUE(shared.Reaches(1));
+  for (int i = 0; i < 1000 && Told(id, "State:") != "S"; ++i) shared.clock.Sleep(1);
+  const std::string before = Told(id, "voluntary_ctxt_switches:");
+  for (int i = 0; i < 100; ++i) threads.SetEvent(other);
+  shared.clock.Sleep(20);
+  EXPECT_NE(before, "");
+  EXPECT_EQ(Told(id, "voluntary_ctxt_switches:"), before);
+  threads.SetEvent(shared.event);
+  shared.ExpectEnd(thread);
+}
+
+TEST_F(LinuxThreadsTest, AHeldWakeComesAtTheEnd) {
+  shared.event = threads.CreateEventA(false, false);
+  const Handle thread = shared.Start(WaitForEvent);
+  ASSERT_TRUE(shared.Reaches(1));
+  shared.clock.Sleep(20);  // into its wait
+  {
+    const HeldWakes untilTheEnd;
+    threads.SetEvent(shared.event);
+    usleep(20000);
+    EXPECT_EQ(shared.steps, 1);
+  }
+  shared.ExpectEnd(thread);
+}
+
+// Otherwise two threads that talk to one another would wait for ever.
+TEST_F(LinuxThreadsTest, AHeldWakeComesWhenItsThreadWaits) {
+  const HeldWakes untilTheEnd;
+  for (const bool bySleep : {false, true}) {
+    shared.steps = 0;
+    shared.event = threads.CreateEventA(false, false);
+    const Handle thread = shared.Start(WaitForEvent);
+    while (shared.steps < 1) usleep(1000);
+    usleep(20000);  // into its wait
+    threads.SetEvent(shared.event);
+    EXPECT_TRUE(!bySleep || shared.Reaches(2));
+    shared.ExpectEnd(thread);
+    EXPECT_EQ(shared.steps, 2);
+  }
 }
 
 }  // namespace
