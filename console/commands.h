@@ -87,4 +87,14 @@ struct RunOptions {
 };
 int RunCommand(const RunOptions& options, Streams streams);
 
+// Which of them count follows from the command.
+struct SettingsOptions {
+  std::string name;
+  std::string value;
+  bool json = false;
+};
+int SettingsListCommand(const SettingsOptions& options, Streams streams);
+int SettingsGetCommand(const SettingsOptions& options, Streams streams);
+int SettingsSetCommand(const SettingsOptions& options, Streams streams);
+
 }  // namespace kelvaro::console

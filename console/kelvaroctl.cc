@@ -1,8 +1,8 @@
 #include "console/kelvaroctl.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
-#include <set>
 
 #include "app/platform/byte_text.h"
 #include "console/console_error.h"
@@ -50,6 +50,7 @@ struct Choice {
   WatchOptions watch;
   RecordOptions record;
   RunOptions run;
+  SettingsOptions settings;
   std::function<int(Streams)> command;
 };
 
@@ -208,6 +209,56 @@ void AddRun(CLI::App& app, Choice& choice) {
   Choose(run, choice, choice.run, &RunCommand);
 }
 
+void AddSettings(CLI::App& app, Choice& choice) {
+  CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
+  settings->require_subcommand(1);
+  settings->footer(
+      "The window reads its settings when it starts, so a change counts from its next start on.\n"
+      "While it runs, what it writes itself when it ends can't be changed.");
+  const auto add = [&](const char* name, const char* about, auto command) {
+    CLI::App* sub = settings->add_subcommand(name, about);
+    sub->add_flag("--json", choice.settings.json, kJsonHelp);
+    Choose(sub, choice, choice.settings, command);
+    return sub;
+  };
+  const auto addName = [&](CLI::App* command) {
+    command->add_option("NAME", choice.settings.name, "a setting, such as \"Smart Check\"")
+        ->required();
+  };
+  CLI::App* list =
+      add("list", "List all settings with their values and meanings", &SettingsListCommand);
+  list->footer(
+      "With --json: name, value, set (false where the default holds), default, allowed, means.");
+  CLI::App* get = add("get", "Print the value of one setting", &SettingsGetCommand);
+  addName(get);
+  get->footer("With --json: the same as `kelvaroctl settings list`, of one.");
+  CLI::App* set = add("set", "Change one setting", &SettingsSetCommand);
+  addName(set);
+  set->add_option("VALUE", choice.settings.value,
+                  "0 or 1, a number or a text; `kelvaroctl settings list` tells which")
+      ->required();
+  set->footer(
+      "Says when the change counts. With --json: the same as `kelvaroctl settings list`, of one,\n"
+      "and startAgain, the processes that have to be ended and started again for it to count.");
+}
+
+// The first words as far as they should be commands, if the last of them is none; otherwise empty.
+// The library would only say that a command is missing.
+std::string UnknownCommand(const CLI::App& app, const std::vector<std::string>& words) {
+  const CLI::App* command = &app;
+  std::string path;
+  for (const std::string& word : words) {
+    const auto commands = command->get_subcommands({});
+    if (commands.empty() || word.empty() || word[0] == '-') return {};
+    path += (path.empty() ? "" : " ") + word;
+    const auto found = std::find_if(commands.begin(), commands.end(),
+                                    [&](const CLI::App* each) { return each->get_name() == word; });
+    if (found == commands.end()) return path;
+    command = *found;
+  }
+  return {};
+}
+
 }  // namespace
 
 int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
@@ -229,12 +280,10 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   AddWatch(app, choice);
   AddRecord(app, choice);
   AddRun(app, choice);
+  AddSettings(app, choice);
 
-  // The library would only say that a command is missing.
-  std::set<std::string> names;
-  for (const CLI::App* command : app.get_subcommands({})) names.insert(command->get_name());
-  if (!words.empty() && !words[0].empty() && words[0][0] != '-' && !names.contains(words[0])) {
-    Complain(streams.err, "there is no command '" + words[0] + "' (kelvaroctl --help lists them)");
+  if (const std::string unknown = UnknownCommand(app, words); !unknown.empty()) {
+    Complain(streams.err, "there is no command '" + unknown + "' (kelvaroctl --help lists them)");
     return kUsage;
   }
   std::vector<std::string> backwards(words.rbegin(), words.rend());

@@ -9,19 +9,27 @@ namespace {
 
 using platform::HKEY_CURRENT_USER;
 using platform::HKEY_LOCAL_MACHINE;
+using Saved = Setting::Saved;
 
 constexpr char kLastProfile[] = "Last Profile";
 
 // Load reports whether the first one is there.
 constexpr Setting kSettings[] = {
-    {"Show Auto-Detect Usage", &AppSettings::showAutoDetectUsage},
-    {"Start Minimized", &AppSettings::startMinimized, main_window::kStartMinimized},
-    {"Smart Check", &AppSettings::smartCheck, main_window::kSmartCheck},
-    {"Shift Reminder", &AppSettings::shiftReminder},
-    {kLastProfile, &AppSettings::lastProfile},
-    {"No Device Error Msg", &AppSettings::noDeviceErrorMsg},
-    {"Autodetect Device Plugin", &AppSettings::autodetectDevicePlugin},
-    {"Welcome Display", &AppSettings::welcomeDisplay},
+    {"Show Auto-Detect Usage", "explain the detection of inputs before it begins",
+     &AppSettings::showAutoDetectUsage},
+    {"Start Minimized", "hide the window after the start", &AppSettings::startMinimized,
+     Saved::ByTheWindow, main_window::kStartMinimized},
+    {"Smart Check", "look for forgotten angle brackets in keys", &AppSettings::smartCheck,
+     Saved::ByTheWindow, main_window::kSmartCheck},
+    {"Shift Reminder", "ask before an uppercase letter is taken", &AppSettings::shiftReminder},
+    {kLastProfile, "the profile that the window starts with", &AppSettings::lastProfile},
+    {"No Device Error Msg", "don't say that a profile's device is missing",
+     &AppSettings::noDeviceErrorMsg},
+    {"Autodetect Device Plugin", "look for a missing device every five seconds",
+     &AppSettings::autodetectDevicePlugin},
+    {"Welcome Display", "the welcome was shown, if it isn't 0", &AppSettings::welcomeDisplay},
+    {kLastDevice, "the device that the window starts with", &AppSettings::lastDevice,
+     Saved::WithTheDevice},
 };
 
 bool Read(RegistryKey* key, const char* name, bool* flag) {
@@ -37,23 +45,33 @@ bool Read(RegistryKey* key, const char* name, ByteString* text) {
   return key->GetString(nullptr, name, text);
 }
 
-void Write(RegistryKey* key, const char* name, std::uint32_t number) {
-  key->SetDword(nullptr, name, number);
+bool Write(RegistryKey* key, const char* name, std::uint32_t number) {
+  return key->SetDword(nullptr, name, number);
 }
-void Write(RegistryKey* key, const char* name, const ByteString& text) {
-  key->SetString(nullptr, name, text);
+bool Write(RegistryKey* key, const char* name, const ByteString& text) {
+  return key->SetString(nullptr, name, text);
 }
 
 }  // namespace
 
 std::span<const Setting> Settings() { return kSettings; }
 
+bool Setting::Load(RegistryKey* key, AppSettings* settings) const {
+  return std::visit([&](auto value) { return Read(key, name, &(settings->*value)); }, member);
+}
+
+bool Setting::Store(RegistryKey* key, const AppSettings& settings) const {
+  return std::visit([&](auto value) { return Write(key, name, settings.*value); }, member);
+}
+
+bool AppSettings::LoadBeforeDevice(RegistryKey* key) { return Read(key, kLastDevice, &lastDevice); }
+
 bool AppSettings::Load(RegistryKey* key, bool deviceLoaded) {
   const bool shownBefore = showAutoDetectUsage;
   bool complete = deviceLoaded;
   for (const Setting& setting : kSettings) {
-    const bool there = std::visit(
-        [&](auto member) { return Read(key, setting.name, &(this->*member)); }, setting.member);
+    if (setting.saved != Saved::ByTheWindow) continue;
+    const bool there = setting.Load(key, this);
     if (&setting == kSettings) complete = complete && there;
   }
   // Kept: this one value alone isn't taken after a device's values couldn't be read.
@@ -63,9 +81,8 @@ bool AppSettings::Load(RegistryKey* key, bool deviceLoaded) {
 
 void AppSettings::Save() const {
   RegistryKey key(HKEY_CURRENT_USER, kProductKey, true);
-  for (const Setting& setting : kSettings) {
-    std::visit([&](auto member) { Write(&key, setting.name, this->*member); }, setting.member);
-  }
+  for (const Setting& setting : kSettings)
+    if (setting.saved == Saved::ByTheWindow) setting.Store(&key, *this);
 }
 
 void AppSettings::RememberLastProfile(const ByteString& name) {

@@ -1,5 +1,6 @@
 // What is remembered outside of profiles and devices: each value is a member and a row of
-// Settings(), which is all that loading, saving and the check boxes of the Settings tab know of it.
+// Settings(), which is all that loading, saving, the check boxes of the Settings tab and the
+// console know of it.
 #pragma once
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 
 namespace kelvaro {
 
+// The members' start values hold while nothing is stored.
 struct AppSettings {
   bool showAutoDetectUsage = true;
   bool startMinimized = false;
@@ -20,9 +22,13 @@ struct AppSettings {
   bool noDeviceErrorMsg = false;
   bool autodetectDevicePlugin = false;
   std::uint32_t welcomeDisplay = 0;
+  ByteString lastDevice;  // as it was loaded
 
-  // Takes what is stored under the product key, opened as `key`; showAutoDetectUsage only if
-  // `deviceLoaded`. False unless that is so and that one value is there.
+  // All of these take what is stored under the product key, opened as `key`.
+  // lastDevice; false unless it is there.
+  bool LoadBeforeDevice(RegistryKey* key);
+  // The others; showAutoDetectUsage only if `deviceLoaded`. False unless that is so and that one
+  // value is there.
   bool Load(RegistryKey* key, bool deviceLoaded);
   void Save() const;
   // Stored at once.
@@ -33,9 +39,21 @@ struct AppSettings {
 };
 
 struct Setting {
+  enum class Saved {
+    ByTheWindow,    // by AppSettings::Save
+    WithTheDevice,  // by the window, when it saves what belongs to the device
+  };
+
   const char* name;  // in the registry
+  const char* means;
   std::variant<bool AppSettings::*, std::uint32_t AppSettings::*, ByteString AppSettings::*> member;
+  Saved saved = Saved::ByTheWindow;
   std::uint32_t checkBox = 0;  // of the Settings tab; 0: none
+
+  // From and to the product key. False, with the member untouched, unless a value of the member's
+  // kind is there.
+  bool Load(RegistryKey* key, AppSettings* settings) const;
+  bool Store(RegistryKey* key, const AppSettings& settings) const;
 };
 
 // In the order of loading and saving.

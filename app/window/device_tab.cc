@@ -4,8 +4,6 @@
 
 #include "app/dialogs/number_field.h"
 #include "app/resources/control_ids.h"
-#include "app/resources/settings_keys.h"
-#include "foundation/registry_key.h"
 
 namespace kelvaro {
 namespace {
@@ -281,12 +279,8 @@ ByteString DeviceTab::WarningText() const {
   return ByteString(kDeviceMissingText).Concat(profile.deviceName).Concat(kDeviceMissingEnd);
 }
 
-bool DeviceTab::LoadLastDevice(RegistryKey* key) {
-  ByteString deviceName;
-  if (!key->GetString(nullptr, kLastDevice, &deviceName) ||
-      !deviceManager->SelectDeviceByName(deviceName)) {
-    return true;
-  }
+bool DeviceTab::LoadLastDevice(const ByteString& name) {
+  if (!deviceManager->SelectDeviceByName(name)) return true;
   const bool complete = session.LoadDeviceSettings();
   ShowMouseAndDeviceState();
   session.currentDeviceGuid = deviceManager->SelectedGuid();

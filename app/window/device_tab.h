@@ -28,9 +28,9 @@ class DeviceTab : public Pane {
   // What a person is to be told of a profile whose device isn't in use; empty for nothing.
   ByteString WarningText() const;
 
-  // Selects the device of the last time and takes its values. False when one of these is missing;
-  // true without such a device.
-  bool LoadLastDevice(RegistryKey* key);
+  // Selects the device of the last time, by its name, and takes its values. False when one of these
+  // is missing; true when no such device is attached.
+  bool LoadLastDevice(const ByteString& name);
 
   bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 

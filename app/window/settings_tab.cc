@@ -32,8 +32,10 @@ bool AppSettings::*SettingOf(std::uint32_t checkBox) {
 
 bool SettingsTab::LoadAppSettings() {
   RegistryKey key(HKEY_CURRENT_USER, kProductKey, false);
-  const bool deviceLoaded = deviceTab.LoadLastDevice(&key);
-  return session.settings.Load(&key, deviceLoaded);
+  AppSettings& settings = session.settings;
+  const bool hasLastDevice = settings.LoadBeforeDevice(&key);
+  const bool deviceLoaded = !hasLastDevice || deviceTab.LoadLastDevice(settings.lastDevice);
+  return settings.Load(&key, deviceLoaded);
 }
 
 void SettingsTab::ShowLaunchesAtStartup() {

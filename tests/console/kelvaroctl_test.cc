@@ -7,8 +7,8 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",   "pack",
-                                         "check", "devices", "watch",    "record", "run"};
+const std::vector<std::string> kCommands{"keys",    "play",  "profiles", "show", "pack",    "check",
+                                         "devices", "watch", "record",   "run",  "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -68,6 +68,14 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"run", "a", "--device"},
       {"run", "a", "--until", "9007199254740992"},
       {"run", "a", "--repeat"},
+      {"settings"},
+      {"settings", "nonsense"},
+      {"settings", "--json", "list"},
+      {"settings", "list", "x"},
+      {"settings", "get"},
+      {"settings", "get", "a", "b"},
+      {"settings", "set", "a"},
+      {"settings", "set", "a", "b", "c"},
   };
   for (const auto& words : kCases) {
     const Outcome outcome = Kelvaroctl(words);
@@ -83,6 +91,8 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
 TEST(CommandLine, NamesWhatIsWrong) {
   EXPECT_EQ(Kelvaroctl({"nonsense"}).err,
             "kelvaroctl: there is no command 'nonsense' (kelvaroctl --help lists them)\n");
+  EXPECT_EQ(Kelvaroctl({"settings", "nonsense"}).err,
+            "kelvaroctl: there is no command 'settings nonsense' (kelvaroctl --help lists them)\n");
   EXPECT_EQ(Kelvaroctl({"run", "a", "--simulate"}).err,
             "kelvaroctl: --simulate requires --replay (kelvaroctl --help tells more)\n");
   EXPECT_EQ(Kelvaroctl({"play", "a", "--hold-time", "1e3"}).err,
@@ -135,6 +145,7 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"run",
        {"FILE", "NAME", "--simulate", "--replay", "--device", "--mouse-active", "--until", "--json",
         "--help"}},
+      {"settings", {"list", "get", "set", "--help"}},
   };
   for (const auto& c : kCases) {
     for (const char* help : {"--help", "-h"}) {
@@ -148,6 +159,13 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       }
     }
   }
+}
+
+TEST(CommandLine, HelpOfASettingsCommandIsItsOwn) {
+  const Outcome outcome = Kelvaroctl({"settings", "set", "--help"});
+  EXPECT_EQ(outcome.status, 0);
+  for (const char* name : {"Usage: kelvaroctl settings set", "NAME", "VALUE", "--json"})
+    EXPECT_NE(outcome.out.find(name), std::string::npos) << name << outcome.out;
 }
 
 TEST(CommandLine, HelpListsTheCommandsAndTheExitStatus) {

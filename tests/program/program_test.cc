@@ -9,6 +9,7 @@
 #include <fstream>
 #include <memory>
 
+#include "app/platform/linux/instance_socket.h"
 #include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
 #include "tests/program/stored_settings.h"
@@ -78,6 +79,29 @@ TEST_F(ProgramTest, StartsOffScreenAndEndsInOrderWhenItIsAskedTo) {
     ASSERT_EQ(program->WaitForEnd(300ms), -1) << program->Log();
     ExpectEndsInOrder(*program, signal);
   }
+}
+
+TEST_F(ProgramTest, TheConsoleChangesSettingsThatTheNextStartTakesAndNoneUnderARunningWindow) {
+  const auto kelvaroctl = [this](const std::vector<std::string>& words, int status) {
+    std::vector<std::string> command = {Program("kelvaroctl"), "settings"};
+    command.insert(command.end(), words.begin(), words.end());
+    Child program(command, {home.Environment()});
+    EXPECT_EQ(program.WaitForEnd(), status) << program.Log();
+    return program.Log();
+  };
+  const std::vector<std::string> off = {"set", "Shift Reminder", "0"};
+  EXPECT_EQ(kelvaroctl(off, 0), "Shift Reminder = 0, from the window's next start on\n");
+  const auto program = Run(kOffScreen);
+  const std::string folder = home.In("runtime/kelvaro");
+  const auto id = static_cast<std::uint32_t>(program->Id());
+  ASSERT_TRUE(Eventually([&] { return platform::IsListening(folder, id); })) << program->Log();
+  EXPECT_EQ(kelvaroctl({"set", "Shift Reminder", "1"}, 1),
+            "kelvaroctl: Kelvaro runs (process " + std::to_string(id) +
+                ") and writes 'Shift Reminder' itself when it ends; end it first\n");
+  ExpectEndsInOrder(*program);
+  // Its end writes each value as it was read.
+  EXPECT_NE(kelvaroctl({"list"}, 0).find("\nShift Reminder = 0\n"), std::string::npos);
+  EXPECT_NE(kelvaroctl({"list"}, 0).find("\nSmart Check = 1\n"), std::string::npos);
 }
 
 TEST_F(ProgramTest, TwoInstancesRunSideBySide) {

@@ -82,15 +82,22 @@ bool Readable(int fd, int ms) {
   return Retry([&] { return poll(&wanted, 1, ms); }) > 0;
 }
 
+// None when nobody listens there.
+Descriptor ConnectTo(const std::string& path) {
+  sockaddr_un address;
+  if (!Address(path, &address)) return Descriptor(-1);
+  Descriptor connection = MakeSocket();
+  if (connection &&
+      connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    return Descriptor(-1);
+  }
+  return connection;
+}
+
 // False when the instance isn't there, isn't one of us or doesn't answer in time.
 bool Ask(const std::string& path, const Request& request, Answer* answer) {
-  sockaddr_un address;
-  if (!Address(path, &address)) return false;
-  const Descriptor connection = MakeSocket();
-  if (!connection) return false;
-  if (connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-    return false;
-  if (!IsOneOfUs(connection.Get())) return false;
+  const Descriptor connection = ConnectTo(path);
+  if (!connection || !IsOneOfUs(connection.Get())) return false;
   if (send(connection.Get(), &request, sizeof request, MSG_NOSIGNAL) != sizeof request)
     return false;
   if (!Readable(connection.Get(), kAnswerWithinMs)) return false;
@@ -205,6 +212,10 @@ std::vector<std::uint32_t> Instances(const std::string& folder) {
     return true;
   });
   return processes;
+}
+
+bool IsListening(const std::string& folder, std::uint32_t process) {
+  return bool(ConnectTo(SocketPath(folder, process)));
 }
 
 bool AskWindows(const std::string& folder, std::uint32_t process,

@@ -62,6 +62,8 @@ class InstanceSocket {
 
 // The processes that have a socket in the folder; sockets that nobody listens on are removed.
 std::vector<std::uint32_t> Instances(const std::string& folder);
+// Whether somebody listens on that one's socket now. Any program may ask.
+bool IsListening(const std::string& folder, std::uint32_t process);
 // False when the instance can't be reached, or isn't one.
 bool AskWindows(const std::string& folder, std::uint32_t process,
                 std::vector<OfferedWindow>* windows);

@@ -190,6 +190,19 @@ TEST_F(InstanceSocketTest, AnInstanceThatIsGoneIsNotAskedAndItsSocketIsRemoved) 
   EXPECT_FALSE(PostToInstance(folder, static_cast<std::uint32_t>(child), 1, 0x10));
 }
 
+TEST_F(InstanceSocketTest, AProgramCanSeeWhetherAnInstanceListens) {
+  EXPECT_FALSE(IsListening(folder, self));
+  auto socket = Open();
+  EXPECT_TRUE(IsListening(folder, self));
+  std::error_code failed;
+  fs::create_hard_link(OwnSocket(), In("1.socket"), failed);  // left as a crash leaves it
+  ASSERT_FALSE(failed);
+  EXPECT_TRUE(IsListening(folder, 1));
+  socket.reset();
+  EXPECT_FALSE(IsListening(folder, self));
+  EXPECT_FALSE(IsListening(folder, 1));
+}
+
 TEST(InstanceFolder, IsTheUsersOwnAndInTheRuntimeFolder) {
   const TemporaryFolder runtime;
   const Variable variable("XDG_RUNTIME_DIR", runtime.folder.c_str());
