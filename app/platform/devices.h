@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "app/platform/direct_input.h"
 #include "app/platform/threads.h"
@@ -38,6 +39,15 @@ class DirectInputDevice {
   // held, unless the implementation puts a device that is gone to rest first, as that of Linux
   // does: one more good poll, buttons up and axes and hats in the middle, and then the failures.
   virtual HRESULT Poll() = 0;
+
+  // What SleepTimer can wait for before the next Poll, whether the device answers or is lost; a
+  // handle of the platform's own. None when that Poll should come at its time in any case: it has
+  // something to take in, or nothing can tell when it will have. On the thread that polls.
+  virtual std::optional<Handle> WaitForNews() = 0;
+
+  // While on, a Poll takes in no second change of a button: what follows is left for the next one,
+  // so that a button that was pressed and let go meanwhile is seen both ways. Off at first.
+  virtual void SetTapsApart(bool apart) = 0;
 
   // The state as of the last Poll. `size` is 272.
   virtual HRESULT GetDeviceState(std::uint32_t size, DIJOYSTATE2* state) = 0;

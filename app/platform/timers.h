@@ -1,7 +1,10 @@
-// Multimedia timers: a periodic call on a thread of the platform's own.
+// Multimedia timers: a periodic call on a thread of the platform's own, which may sleep while there
+// is nothing to do.
 #pragma once
 
 #include <cstdint>
+
+#include "app/platform/threads.h"
 
 namespace platform {
 
@@ -32,6 +35,17 @@ class Timers {
   // up for. `flags` is TIME_PERIODIC. The timer's id, or 0 when there can be none.
   virtual std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
                                      TimerCallback callback, void* user, std::uint32_t flags) = 0;
+
+  // For the callback of the timer, during its call: until there is news, which a device's
+  // WaitForNews gives, or WakeTimer is called, there is no further call. Then they go on where they
+  // would have come without the sleep, the next at the next multiple of the period. With `atOnce`
+  // news brings a call at once, though a full period after the last at the earliest, and the
+  // period's multiples count from that call on. Without effect once WakeTimer has been called
+  // during the same call.
+  virtual void SleepTimer(std::uint32_t timerId, Handle news, bool atOnce) = 0;
+
+  // What the callback went by may have changed. Nothing for a timer that isn't there. Any thread.
+  virtual void WakeTimer(std::uint32_t timerId) = 0;
 
   // No call starts after this, and one that is under way has ended, unless it makes this very call.
   virtual std::uint32_t timeKillEvent(std::uint32_t timerId) = 0;

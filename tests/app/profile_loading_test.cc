@@ -61,6 +61,10 @@ class WatchedTimers final : public platform::Timers {
     watcher();
     return timers.timeSetEvent(delayMs, resolutionMs, callback, user, flags);
   }
+  void SleepTimer(std::uint32_t timerId, platform::Handle news, bool atOnce) override {
+    timers.SleepTimer(timerId, news, atOnce);
+  }
+  void WakeTimer(std::uint32_t timerId) override { timers.WakeTimer(timerId); }
   std::uint32_t timeKillEvent(std::uint32_t timerId) override {
     return timers.timeKillEvent(timerId);
   }

@@ -20,6 +20,7 @@ class ManualMachine : public platform::Clock,
 
   platform::DIJOYSTATE2 state = AtRest();                 // what the device gives
   std::uint32_t eventsSet = 0;                            // calls of SetEvent
+  std::uint32_t rests = 0;                                // calls of SleepTimer
   platform::HRESULT enumDevicesResult = platform::DI_OK;  // after the device has been listed
 
   // One period of the timer that was set last.
@@ -72,6 +73,8 @@ class ManualMachine : public platform::Clock,
     user = timerUser;
     return kTimerId;
   }
+  void SleepTimer(std::uint32_t, platform::Handle, bool) override { ++rests; }
+  void WakeTimer(std::uint32_t) override {}
   std::uint32_t timeKillEvent(std::uint32_t) override { return platform::TIMERR_NOERROR; }
 
   platform::HRESULT EnumDevices(std::uint32_t deviceClass,
@@ -82,6 +85,7 @@ class ManualMachine : public platform::Clock,
     OnePad::EnumDevices(deviceClass, visit, flags);
     return enumDevicesResult;
   }
+  std::optional<platform::Handle> WaitForNews() override { return 0; }
   platform::HRESULT GetDeviceState(std::uint32_t size, platform::DIJOYSTATE2* out) override {
     if (size != sizeof state) return platform::DIERR_INVALIDPARAM;
     *out = state;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <optional>
 
 #include "app/platform/devices.h"
 
@@ -44,6 +45,8 @@ struct OnePad : platform::Devices, platform::DirectInput, platform::DirectInputD
   platform::HRESULT Acquire() override { return platform::DI_OK; }
   platform::HRESULT Unacquire() override { return platform::DI_OK; }
   platform::HRESULT Poll() override { return platform::DI_OK; }
+  std::optional<platform::Handle> WaitForNews() override { return std::nullopt; }
+  void SetTapsApart(bool) override {}
   void Release() override {}  // of the device and of the directory
 };
 

@@ -26,6 +26,10 @@ class DeviceNode {
   // With the state that the kernel held at the opening.
   virtual const DeviceFacts& Facts() const = 0;
 
+  // Readable while there is something that Next hasn't read, and for ever once the device is gone;
+  // -1 where nothing can be waited for.
+  virtual int Fd() const = 0;
+
   // The results of libevdev_next_event: LIBEVDEV_READ_STATUS_SUCCESS, LIBEVDEV_READ_STATUS_SYNC
   // when events were lost (read on with `resync` until -EAGAIN), -EAGAIN when there is nothing, or
   // another negative errno value when the device is gone. Never blocks.

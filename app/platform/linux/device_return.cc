@@ -187,7 +187,8 @@ void ReturnSearch::LookBy(std::int64_t ms) {
 
 struct DeviceReturn::State {
   State(std::shared_ptr<DeviceSource> source, const NodePlace& place, const GUID& identity)
-      : wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+      : wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+        found(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     search.emplace(std::move(source), place, identity);
   }
 
@@ -200,6 +201,7 @@ struct DeviceReturn::State {
   }
 
   const Descriptor wakeUp;
+  const Descriptor found;              // readable while `back` is there
   std::optional<ReturnSearch> search;  // the thread's, and gone with it
 
   PriorityMutex mutex;  // of all that follows
@@ -241,8 +243,12 @@ std::unique_ptr<DeviceNode> DeviceReturn::Take() {
   if (!state->isBack.load(std::memory_order_relaxed)) return nullptr;
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   state->isBack.store(false, std::memory_order_relaxed);
+  eventfd_t times;
+  eventfd_read(state->found.Get(), &times);
   return std::move(state->back);
 }
+
+int DeviceReturn::Fd() const { return state->found.Get(); }
 
 void* DeviceReturn::Run(void* start) {
   const std::unique_ptr<std::shared_ptr<State>> own(static_cast<std::shared_ptr<State>*>(start));
@@ -264,6 +270,7 @@ void* DeviceReturn::Run(void* start) {
     if (!found) continue;
     untaken = std::exchange(state.back, std::move(found));
     state.isBack.store(true, std::memory_order_relaxed);
+    eventfd_write(state.found.Get(), 1);
   }
   // All that is used of the source, before the owner goes on.
   state.useless.reset();

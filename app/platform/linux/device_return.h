@@ -89,6 +89,8 @@ class DeviceReturn {
   void Lost(std::unique_ptr<DeviceNode> node);
   // The device once it is back, else null. No system call as long as it isn't.
   std::unique_ptr<DeviceNode> Take();
+  // Readable once it is back; -1 where that can't be told.
+  int Fd() const;
 
  private:
   struct State;

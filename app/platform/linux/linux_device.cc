@@ -43,6 +43,7 @@ void LinuxDevice::Adopt(std::unique_ptr<DeviceNode> opened) {
       Apply(now);
     }
   for (std::uint32_t hat = 0; hat < kHatSlots; ++hat) PutHat(hat);
+  heldBack.reset();
   condition = Condition::Attached;
 }
 
@@ -151,12 +152,19 @@ HRESULT LinuxDevice::Poll() {
     return DIERR_INPUTLOST;
   }
   if (!acquired) return DIERR_NOTACQUIRED;
+  changedButtons.reset();
+  if (heldBack) MustWait(*heldBack);
+  if (heldBack) Apply(*std::exchange(heldBack, std::nullopt));
   bool resync = false;
   for (;;) {
     input_event event;
     const int result = node->Next(resync, &event);
     if (result == LIBEVDEV_READ_STATUS_SUCCESS || result == LIBEVDEV_READ_STATUS_SYNC) {
       if (result == LIBEVDEV_READ_STATUS_SYNC) resync = true;
+      if (!resync && MustWait(event)) {
+        heldBack = event;
+        return DI_OK;
+      }
       Apply(event);
     } else if (result == -EAGAIN && resync) {
       resync = false;  // caught up; what came meanwhile is still to be read
@@ -169,6 +177,22 @@ HRESULT LinuxDevice::Poll() {
       return DI_OK;
     }
   }
+}
+
+bool LinuxDevice::MustWait(const input_event& event) {
+  if (!tapsApart || event.type != EV_KEY || event.code >= KEY_CNT) return false;
+  const std::uint8_t slot = layout.buttonSlot[event.code];
+  if (slot == kNoSlot || (state.rgbButtons[slot] != 0) == (event.value != 0)) return false;
+  if (changedButtons[slot]) return true;
+  changedButtons.set(slot);
+  return false;
+}
+
+std::optional<Handle> LinuxDevice::WaitForNews() {
+  if (condition == Condition::AtRest || heldBack) return std::nullopt;
+  const int fd = condition == Condition::Attached ? node->Fd() : itsReturn.Fd();
+  if (fd < 0) return std::nullopt;
+  return fd;
 }
 
 HRESULT LinuxDevice::GetDeviceState(std::uint32_t size, DIJOYSTATE2* out) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -36,6 +37,9 @@ class LinuxDevice : public DirectInputDevice {
   // that is delivered: the kernel lets go of its buttons too, but doesn't let its readers see it.
   // From the next call on the result is DIERR_INPUTLOST.
   HRESULT Poll() override;
+  std::optional<Handle> WaitForNews() override;
+  // A device that has lost events is brought up to date in one go.
+  void SetTapsApart(bool apart) override { tapsApart = apart; }
   HRESULT GetDeviceState(std::uint32_t size, DIJOYSTATE2* state) override;
   void Release() override;
 
@@ -52,6 +56,8 @@ class LinuxDevice : public DirectInputDevice {
 
   void Adopt(std::unique_ptr<DeviceNode> opened);
   void Apply(const input_event& event);
+  // Whether it is a second change of a button in this poll, and taps are to be kept apart.
+  bool MustWait(const input_event& event);
   void PutHat(std::uint32_t hat);
   void PutToRest();
 
@@ -62,6 +68,10 @@ class LinuxDevice : public DirectInputDevice {
   std::array<std::optional<Range>, kAxisSlots> ranges;  // of all axes that it has or once had
   Range newestRange;
   DIJOYSTATE2 state;
+  bool tapsApart = false;
+  std::bitset<sizeof DIJOYSTATE2::rgbButtons>
+      changedButtons;                   // in this poll, while taps are kept apart
+  std::optional<input_event> heldBack;  // for the next poll
   Condition condition = Condition::Attached;
   bool acquired = false;
 };

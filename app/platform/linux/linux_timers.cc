@@ -1,12 +1,17 @@
 #include "app/platform/linux/linux_timers.h"
 
+#include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/prctl.h>
 
+#include <algorithm>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 #include "app/platform/cut_off.h"
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/monotonic_time.h"
 #include "app/platform/linux/thread_priority.h"
@@ -15,16 +20,34 @@
 
 namespace platform {
 
+struct LinuxTimers::Rest {
+  Handle news = kInvalidHandle;
+  bool atOnce = false;
+};
+
 struct LinuxTimers::Timer {
   std::shared_ptr<State> state;
   std::uint32_t id = 0;
   std::int64_t periodNs = 0;
   TimerCallback callback = nullptr;
   void* user = nullptr;
+  Descriptor wakeUp;  // readable: a rest is over
   // Guarded by the state's mutex.
   bool killed = false;
   std::thread::id calling;  // its thread, while a call is under way
-  MonotonicCondition news;  // it was killed, or the last call has ended
+  bool woken = false;       // since the last call began
+  std::optional<Rest> rest;
+  MonotonicCondition changed;  // it was killed, or the last call has ended
+
+  void Kill() {
+    killed = true;
+    changed.WakeAll();
+    EndRest();
+  }
+  void EndRest() {
+    if (rest) eventfd_write(wakeUp.Get(), 1);
+    rest.reset();
+  }
 };
 
 struct LinuxTimers::State {
@@ -39,10 +62,7 @@ LinuxTimers::LinuxTimers() : state(std::make_shared<State>()) {}
 
 LinuxTimers::~LinuxTimers() {
   std::unique_lock<PriorityMutex> lock(state->mutex);
-  for (const auto& [id, timer] : state->running) {
-    timer->killed = true;
-    timer->news.WakeAll();
-  }
+  for (const auto& [id, timer] : state->running) timer->Kill();
   state->running.clear();
   while (state->threads != 0) state->threadEnded.Wait(lock);
 }
@@ -62,6 +82,16 @@ std::uint32_t LinuxTimers::timeEndPeriod(std::uint32_t periodMs) {
   return timeBeginPeriod(periodMs);
 }
 
+// Until the rest is over; whether that was by news.
+bool LinuxTimers::Sleep(const Timer& timer, const Rest& rest) {
+  pollfd readable[] = {{timer.wakeUp.Get(), POLLIN, 0}, {static_cast<int>(rest.news), POLLIN, 0}};
+  const bool isOver = poll(readable, 2, -1) > 0;
+  if (readable[0].revents == 0) return isOver;
+  eventfd_t count;
+  eventfd_read(timer.wakeUp.Get(), &count);
+  return false;
+}
+
 void* LinuxTimers::RunTimer(void* start) {
   const std::unique_ptr<std::shared_ptr<Timer>> own(static_cast<std::shared_ptr<Timer>*>(start));
   const std::shared_ptr<Timer> timer = *own;
@@ -72,21 +102,41 @@ void* LinuxTimers::RunTimer(void* start) {
   SetPriorityOfCurrentThread(THREAD_PRIORITY_TIME_CRITICAL);
   prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
 
-  std::int64_t next = MonotonicNow() + timer->periodNs;
+  std::int64_t last = MonotonicNow();  // a point of the grid
+  std::int64_t next = last + timer->periodNs;
+  // To the next point that is still ahead.
+  const auto goOn = [&] {
+    last = next;
+    next +=
+        (std::max<std::int64_t>(MonotonicNow() - next, 0) / timer->periodNs + 1) * timer->periodNs;
+  };
   std::unique_lock<PriorityMutex> lock(state->mutex);
   while (!timer->killed) {
-    if (timer->news.WaitUntil(lock, next)) continue;  // killed, or woken for nothing
+    if (timer->rest) {
+      const Rest rest = *timer->rest;
+      lock.unlock();
+      const bool byNews = Sleep(*timer, rest);
+      const std::int64_t now = MonotonicNow();
+      if (byNews && rest.atOnce) {
+        next = std::max(now, last + timer->periodNs);
+      } else if (now >= next) {
+        goOn();
+      }
+      lock.lock();
+      timer->rest.reset();
+      continue;
+    }
+    if (timer->changed.WaitUntil(lock, next)) continue;  // killed, or woken for nothing
     if (timer->killed) break;
     timer->calling = std::this_thread::get_id();
+    timer->woken = false;
     lock.unlock();
     timer->callback(timer->id, timer->user);
-    // The next grid point that is still ahead.
-    const std::int64_t late = MonotonicNow() - next;
-    next += (late / timer->periodNs + 1) * timer->periodNs;
+    goOn();
     lock.lock();
     timer->calling = {};
   }
-  timer->news.WakeAll();
+  timer->changed.WakeAll();
   --state->threads;
   state->threadEnded.WakeAll();
   return nullptr;
@@ -101,6 +151,7 @@ std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*r
   timer->periodNs = std::int64_t{delayMs} * kNanosecondsPerMillisecond;
   timer->callback = callback;
   timer->user = user;
+  timer->wakeUp = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
 
   const std::lock_guard<PriorityMutex> lock(state->mutex);
   do {
@@ -116,17 +167,31 @@ std::uint32_t LinuxTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t /*r
   return id;
 }
 
+void LinuxTimers::SleepTimer(std::uint32_t timerId, Handle news, bool atOnce) {
+  const std::lock_guard<PriorityMutex> lock(state->mutex);
+  const auto found = state->running.find(timerId);
+  if (found == state->running.end() || found->second->woken || !found->second->wakeUp) return;
+  found->second->rest = Rest{news, atOnce};
+}
+
+void LinuxTimers::WakeTimer(std::uint32_t timerId) {
+  const std::lock_guard<PriorityMutex> lock(state->mutex);
+  const auto found = state->running.find(timerId);
+  if (found == state->running.end()) return;
+  found->second->woken = true;
+  found->second->EndRest();
+}
+
 std::uint32_t LinuxTimers::timeKillEvent(std::uint32_t timerId) {
   {
     std::unique_lock<PriorityMutex> lock(state->mutex);
     const auto found = state->running.find(timerId);
     if (found == state->running.end()) return MMSYSERR_INVALPARAM;
     const std::shared_ptr<Timer> timer = found->second;
-    timer->killed = true;
-    timer->news.WakeAll();
+    timer->Kill();
     state->running.erase(found);
     while (timer->calling != std::thread::id() && timer->calling != std::this_thread::get_id())
-      timer->news.Wait(lock);
+      timer->changed.Wait(lock);
   }
   StopHereIfCutOff();
   return TIMERR_NOERROR;

@@ -1,6 +1,8 @@
 // Periodic timers, each on a thread of its own at time-critical priority. A timer's calls stand on
 // a fixed grid from its start on; a grid point that passes while a call runs, or while the machine
-// is too busy, is left out. Any thread.
+// is too busy, is left out. A timer that sleeps makes no system call and wakes nothing; its thread
+// is the one that waits for the news, so that an answer at once passes through no other. Any
+// thread.
 #pragma once
 
 #include <memory>
@@ -33,13 +35,19 @@ class LinuxTimers : public Timers {
   // can be no thread. `resolutionMs` has no meaning here.
   std::uint32_t timeSetEvent(std::uint32_t delayMs, std::uint32_t resolutionMs,
                              TimerCallback callback, void* user, std::uint32_t flags) override;
+  // `news` is a descriptor that becomes readable. Where the timer has got no descriptor
+  // for WakeTimer it doesn't sleep.
+  void SleepTimer(std::uint32_t timerId, Handle news, bool atOnce) override;
+  void WakeTimer(std::uint32_t timerId) override;
   // MMSYSERR_INVALPARAM, at once, for an id that is not of a running timer.
   std::uint32_t timeKillEvent(std::uint32_t timerId) override;
 
  private:
+  struct Rest;
   struct Timer;
   struct State;
 
+  static bool Sleep(const Timer& timer, const Rest& rest);
   static void* RunTimer(void* start);
 
   std::shared_ptr<State> state;

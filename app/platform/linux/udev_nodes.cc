@@ -77,6 +77,7 @@ class EvdevNode : public DeviceNode {
   EvdevNode& operator=(const EvdevNode&) = delete;
 
   const DeviceFacts& Facts() const override { return facts; }
+  int Fd() const override { return node.Get(); }
   int Next(bool resync, input_event* event) override {
     return libevdev_next_event(device, resync ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL,
                                event);

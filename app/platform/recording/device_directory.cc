@@ -83,29 +83,41 @@ class ScriptedDevice final : public SimulatedDevice {
 
   void Change(const StateChange& change) override {
     MustBePossible(change);
-    const Lock lock(directory.guard);
-    Advance();
-    Carry(change);
+    {
+      const Lock lock(directory.guard);
+      Advance();
+      Carry(change);
+    }
+    TellOfChange();
   }
 
   void ChangeAt(std::uint64_t t, const StateChange& change) override {
     MustBePossible(change);
-    const Lock lock(directory.guard);
-    Advance();
-    const auto place =
-        std::upper_bound(ahead.begin(), ahead.end(), t,
-                         [](std::uint64_t time, const Ahead& other) { return time < other.t; });
-    ahead.insert(place, Ahead{t, change});
+    {
+      const Lock lock(directory.guard);
+      Advance();
+      const auto place =
+          std::upper_bound(ahead.begin(), ahead.end(), t,
+                           [](std::uint64_t time, const Ahead& other) { return time < other.t; });
+      ahead.insert(place, Ahead{t, change});
+    }
+    TellOfChange(t);
   }
 
   void Play(const std::vector<StateChange>& changes) override {
     for (const StateChange& change : changes) MustBePossible(change);
-    const Lock lock(directory.guard);
-    if (firstAcquire) {
-      Schedule(changes);
-    } else {
-      unstarted.insert(unstarted.end(), changes.begin(), changes.end());
+    std::uint64_t first;
+    {
+      const Lock lock(directory.guard);
+      if (firstAcquire) {
+        Schedule(changes);
+      } else {
+        unstarted.insert(unstarted.end(), changes.begin(), changes.end());
+      }
+      if (ahead.empty()) return;
+      first = ahead.front().t;
     }
+    TellOfChange(first);
   }
 
   void Unplug() override { SetPlugged(false); }
@@ -121,16 +133,22 @@ class ScriptedDevice final : public SimulatedDevice {
 
   // The rest is for the directory and its open devices, with the guard held.
 
-  // Makes the changes that are due.
-  void Advance() const {
+  // Makes the changes that are due; those after `last`, if it is given, up to the first that takes
+  // back what a button has done since then.
+  void Advance(const DIJOYSTATE2* last = nullptr) const {
     if (ahead.empty()) return;
     for (const std::uint64_t now = directory.now(); !ahead.empty() && ahead.front().t <= now;) {
-      Carry(ahead.front().change);
+      const StateChange& change = ahead.front().change;
+      if (last && TakesBack(change, *last)) return;
+      Carry(change);
       ahead.pop_front();
     }
   }
 
   bool Answers() const { return plugged && !lost; }
+
+  // The time until which nothing changes by itself.
+  std::uint64_t NextChange() const { return ahead.empty() ? UINT64_MAX : ahead.front().t; }
 
   void StartPlaying() {
     if (firstAcquire) return;
@@ -167,8 +185,26 @@ class ScriptedDevice final : public SimulatedDevice {
   }
 
   void SetPlugged(bool isPlugged) {
-    const Lock lock(directory.guard);
-    plugged = isPlugged;
+    {
+      const Lock lock(directory.guard);
+      plugged = isPlugged;
+    }
+    TellOfChange();
+  }
+
+  void TellOfChange(std::uint64_t t = 0) const {
+    if (directory.changed) directory.changed(t);
+  }
+
+  bool TakesBack(const StateChange& change, const DIJOYSTATE2& last) const {
+    DIJOYSTATE2 next = state;
+    ApplyChange(change, &next);
+    for (std::size_t button = 0; button < std::size(next.rgbButtons); ++button) {
+      if (state.rgbButtons[button] != last.rgbButtons[button] &&
+          next.rgbButtons[button] != state.rgbButtons[button])
+        return true;
+    }
+    return false;
   }
 
   void Carry(const StateChange& change) const {
@@ -273,15 +309,36 @@ class OpenDevice final : public DirectInputDevice {
 
   HRESULT Poll() override {
     const auto planned = directory.Enter("Poll");
-    if (planned && *planned < 0) return *planned;
     const Lock lock(directory.guard);
+    if (planned && *planned < 0) {
+      failed = true;
+      return *planned;
+    }
     if (!acquired) return DIERR_NOTACQUIRED;
-    device.Advance();
+    device.Advance(tapsApart ? &seen : nullptr);
     failed = !device.Answers();
     if (failed) return DIERR_INPUTLOST;
     seen = device.state;
     return planned.value_or(DI_OK);
   }
+
+  std::optional<Handle> WaitForNews() override {
+    if (!directory.changed) return std::nullopt;
+    std::uint64_t next;
+    {
+      const Lock lock(directory.guard);
+      // A look at the device from elsewhere may have brought it up to date since the poll.
+      const bool isUpToDate = failed != device.Answers() &&
+                              (failed || std::memcmp(&seen, &device.state, sizeof seen) == 0);
+      next = device.NextChange();
+      if (!acquired || !isUpToDate || next <= directory.now()) return std::nullopt;
+    }
+    directory.changed(next);
+    return kInvalidHandle;
+  }
+
+  // Of what is scheduled: what is changed from outside between two polls has its place at once.
+  void SetTapsApart(bool apart) override { tapsApart = apart; }
 
   HRESULT GetDeviceState(std::uint32_t size, DIJOYSTATE2* state) override {
     const auto planned = directory.Enter("GetDeviceState");
@@ -309,11 +366,13 @@ class OpenDevice final : public DirectInputDevice {
   ScriptedDevice& device;
   bool acquired = false;
   bool failed = false;  // the last poll was
+  bool tapsApart = false;
   DIJOYSTATE2 seen = StateAtRest();
 };
 
-DeviceDirectory::DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall)
-    : now(std::move(now)), beforeCall(std::move(beforeCall)) {}
+DeviceDirectory::DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall,
+                                 std::function<void(std::uint64_t)> changed)
+    : now(std::move(now)), beforeCall(std::move(beforeCall)), changed(std::move(changed)) {}
 
 DeviceDirectory::~DeviceDirectory() = default;
 

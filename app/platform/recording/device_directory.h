@@ -28,8 +28,11 @@ class DeviceDirectory : public Devices, private DirectInput {
   using BeforeCall = std::function<std::optional<HRESULT>(std::string_view operation,
                                                           std::initializer_list<std::int64_t>)>;
 
-  // `now` tells the time in ms, never falling; it is called with the directory locked.
-  explicit DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall = nullptr);
+  // `now` tells the time in ms, never falling; it is called with the directory locked. `changed` is
+  // told when a device changes: a time that has come for one that was changed by hand, and the
+  // next planned change. Where nobody hears of it there is nothing to wait for before a poll.
+  explicit DeviceDirectory(std::function<std::uint64_t()> now, BeforeCall beforeCall = nullptr,
+                           std::function<void(std::uint64_t byTime)> changed = nullptr);
   ~DeviceDirectory() override;
 
   // The device lives as long as this.
@@ -59,6 +62,7 @@ class DeviceDirectory : public Devices, private DirectInput {
 
   const std::function<std::uint64_t()> now;
   const BeforeCall beforeCall;
+  const std::function<void(std::uint64_t byTime)> changed;
   mutable std::mutex guard;  // of all below, and of the devices
   std::uint32_t openDirectories = 0;
   std::list<ScriptedDevice> devices;

@@ -116,7 +116,8 @@ struct Simulation::Machine {
   DeviceDirectory devices{[this] { return scheduler.Now(); },
                           [this](std::string_view operation, const auto& arguments) {
                             return journal.Enter(operation, arguments);
-                          }};
+                          },
+                          [this](std::uint64_t t) { timers.TellOfNews(t); }};
   KeptInput input{scheduler, journal};
   VirtualDisk disk{[this] { return scheduler.Now(); }};
   ListedMessages system{journal};
@@ -182,6 +183,8 @@ void Simulation::KeepEvents(bool keep) { machine->input.keep = keep; }
 void Simulation::SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs) {
   machine->timers.limits = {minMs, maxMs};
 }
+
+void Simulation::LetTimersSleep(bool sleep) { machine->timers.maySleep = sleep; }
 
 void Simulation::SetSystemMessage(std::uint32_t code, const std::string& text) {
   machine->system.texts[code] = text;

@@ -77,6 +77,8 @@ class Simulation : public Journal {
   void KeepEvents(bool keep);
 
   void SetTimerLimits(std::uint32_t minMs, std::uint32_t maxMs);
+  // Whether a timer that has nothing to do sleeps (it does at first).
+  void LetTimersSleep(bool sleep);
 
   // Other programs.
   VirtualProcesses& Processes();

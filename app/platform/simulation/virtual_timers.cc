@@ -1,5 +1,6 @@
 #include "app/platform/simulation/virtual_timers.h"
 
+#include <algorithm>
 #include <string>
 
 namespace platform::simulation {
@@ -7,6 +8,13 @@ namespace {
 
 constexpr std::uint32_t MMSYSERR_INVALPARAM = 11;
 constexpr std::uint32_t TIMERR_NOCANDO = 97;
+
+// The first point of the grid behind `last` that is at `earliest` or later.
+std::uint64_t NextMultiple(std::uint64_t last, std::uint32_t periodMs, std::uint64_t earliest) {
+  const std::uint64_t next = last + periodMs;
+  if (earliest <= next) return next;
+  return next + (earliest - next + periodMs - 1) / periodMs * periodMs;
+}
 
 }  // namespace
 
@@ -54,12 +62,12 @@ std::uint32_t VirtualTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t r
       Rank::Timer, "timer " + std::to_string(id), [this, self, id, start, delayMs, callback, user] {
         std::uint64_t tick = start;
         while (!self->killed) {
-          tick += delayMs;
-          if (tick < scheduler.Now()) {
-            tick += (scheduler.Now() - tick + delayMs - 1) / delayMs * delayMs;
-          }
+          tick = self->resting ? Rest(*self, tick, delayMs)
+                               : NextMultiple(tick, delayMs, scheduler.Now());
           if (tick > scheduler.Now()) scheduler.SleepUntil(tick);
           self->calling = true;
+          self->woken = false;
+          self->byNews = false;
           callback(id, user);
           self->calling = false;
         }
@@ -70,6 +78,54 @@ std::uint32_t VirtualTimers::timeSetEvent(std::uint32_t delayMs, std::uint32_t r
   lastId = id;
   timers.emplace(id, std::move(timer));
   return id;
+}
+
+void VirtualTimers::SleepTimer(std::uint32_t timerId, Handle, bool atOnce) {
+  const auto found = timers.find(timerId);
+  if (found == timers.end() || found->second->woken || !maySleep) return;
+  Timer& timer = *found->second;
+  timer.resting = true;
+  timer.atOnce = atOnce;
+  timer.restUntil = newsAt > scheduler.Now() ? newsAt : Scheduler::kNever;
+}
+
+void VirtualTimers::WakeTimer(std::uint32_t timerId) {
+  const auto found = timers.find(timerId);
+  if (found != timers.end()) Wake(*found->second, false);
+}
+
+void VirtualTimers::TellOfNews(std::uint64_t t) {
+  const std::uint64_t now = scheduler.Now();
+  if (t > now) newsAt = newsAt > now ? std::min(newsAt, t) : t;
+  for (const auto& [id, timer] : timers) {
+    if (t <= now) {
+      Wake(*timer, true);
+    } else if (timer->resting && t < timer->restUntil) {
+      timer->restUntil = t;
+      Signal(*timer);
+    }
+  }
+}
+
+void VirtualTimers::Wake(Timer& timer, bool byNews) {
+  timer.woken = true;
+  timer.byNews |= byNews;
+  if (timer.resting) Signal(timer);
+}
+
+void VirtualTimers::Signal(Timer& timer) {
+  timer.wakeUp->signalled = true;
+  scheduler.WakeWaiters(*timer.wakeUp);
+}
+
+std::uint64_t VirtualTimers::Rest(Timer& timer, std::uint64_t last, std::uint32_t periodMs) {
+  // A signal alone says that the end has come nearer.
+  while (scheduler.Wait({timer.wakeUp}, timer.restUntil) == 0 && !timer.woken) continue;
+  timer.resting = false;
+  timer.wakeUp->signalled = false;
+  const std::uint64_t now = scheduler.Now();
+  if (timer.atOnce && (!timer.woken || timer.byNews)) return std::max(now, last + periodMs);
+  return NextMultiple(last, periodMs, timer.woken ? now + 1 : now);
 }
 
 std::uint32_t VirtualTimers::timeKillEvent(std::uint32_t timerId) {

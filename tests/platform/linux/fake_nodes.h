@@ -37,6 +37,7 @@ struct FakeMachine {
     bool pulled = false;     // reads fail
     std::deque<Read> reads;  // of the one reader
     int readsDone = 0;
+    int fd = -1;  // what its readers can wait for
   };
 
   std::mutex mutex;  // of all that follows, once there is a device in use
@@ -101,6 +102,7 @@ class FakeNode : public DeviceNode {
     machine.busy.insert(std::this_thread::get_id());
   }
   const DeviceFacts& Facts() const override { return facts; }
+  int Fd() const override { return device->fd; }
   int Next(bool resync, input_event* event) override {
     const std::lock_guard<std::mutex> lock(machine.mutex);
     ++device->readsDone;

@@ -1,6 +1,7 @@
 #include "app/platform/linux/linux_devices.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <atomic>
 #include <chrono>
@@ -285,6 +286,57 @@ TEST_F(LinuxDevicesTest, AQuietPollReadsOnce) {
   const int before = pad->readsDone;
   EXPECT_EQ(device->Poll(), DI_OK);
   EXPECT_EQ(pad->readsDone, before + 1);
+}
+
+TEST_F(LinuxDevicesTest, TapsCanBeKeptApart) {
+  for (const bool apart : {false, true}) {
+    PlugAndOpen(Pad("a"));
+    pad->fd = 77;
+    device->SetTapsApart(apart);
+    FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
+    FakeMachine::Say(*pad, EV_KEY, BTN_A, 2);  // the kernel's repeat is no change
+    FakeMachine::Say(*pad, EV_KEY, BTN_B, 1);
+    FakeMachine::Say(*pad, EV_ABS, ABS_X, 100);
+    FakeMachine::Say(*pad, EV_KEY, BTN_A, 0);
+    FakeMachine::Say(*pad, EV_ABS, ABS_X, 0);
+    FakeMachine::Say(*pad, EV_KEY, BTN_A, 1);
+    DIJOYSTATE2 expected = AtRest();
+    expected.rgbButtons[0] = expected.rgbButtons[1] = 0x80;
+    if (apart) {
+      expected.lX = 32000;
+      EXPECT_TRUE(Same(Polled(*device), expected));
+      EXPECT_EQ(device->WaitForNews(), std::nullopt);
+      expected.rgbButtons[0] = 0;
+      expected.lX = 0;
+      EXPECT_TRUE(Same(Polled(*device), expected));
+      EXPECT_EQ(device->WaitForNews(), std::nullopt);
+      expected.rgbButtons[0] = 0x80;
+    }
+    EXPECT_TRUE(Same(Polled(*device), expected));
+    EXPECT_TRUE(device->WaitForNews().has_value());
+    machine.Pull(pad);
+  }
+}
+
+TEST_F(LinuxDevicesTest, NewsIsWhatTheNodeHasOrTheReturnOfALostOne) {
+  PlugAndOpen(Pad("a", "serial"), 5);
+  const int node = pad->fd = 77;
+  ASSERT_TRUE(device->WaitForNews().has_value());
+  EXPECT_EQ(*device->WaitForNews(), node);
+  machine.Pull(pad);
+  EXPECT_EQ(device->Poll(), DI_OK);
+  EXPECT_EQ(device->WaitForNews(), std::nullopt) << "the rest is to be followed by the loss";
+  EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
+  ASSERT_TRUE(device->WaitForNews().has_value());
+  pollfd back{static_cast<int>(*device->WaitForNews()), POLLIN, 0};
+  EXPECT_NE(back.fd, node);
+  EXPECT_EQ(poll(&back, 1, 0), 0);
+  pad = machine.Plug(6, Pad("a", "serial"));
+  pad->fd = 78;
+  EXPECT_EQ(poll(&back, 1, 20000), 1);
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  EXPECT_EQ(poll(&back, 1, 0), 0);
+  EXPECT_EQ(device->WaitForNews().value_or(kInvalidHandle), 78);
 }
 
 TEST_F(LinuxDevicesTest, LostEventsAreCaughtUpWith) {

@@ -1,9 +1,11 @@
 #include "app/platform/linux/linux_timers.h"
 
 #include <gtest/gtest.h>
+#include <sys/eventfd.h>
 
 #include <atomic>
 
+#include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/linux_clock.h"
 #include "app/platform/linux/monotonic_time.h"
 
@@ -154,6 +156,84 @@ TEST_F(LinuxTimersTest, SeveralTimersRunSideBySide) {
   EXPECT_TRUE(Reaches(slow.count, 3));
   EXPECT_GT(ticks.count, slow.count);
   End(other);
+}
+
+// A timer of 5 ms that goes to sleep in each call.
+class SleepingTimerTest : public LinuxTimersTest {
+ protected:
+  ~SleepingTimerTest() override { End(id); }
+  std::uint32_t Start(bool once = false) {
+    atOnce = once;
+    start = MonotonicNow();
+    id = timers.timeSetEvent(5, 1, Call, this, TIME_PERIODIC);
+    EXPECT_NE(id, 0u);
+    return id;
+  }
+  static void Call(std::uint32_t own, void* user) {
+    auto* self = static_cast<SleepingTimerTest*>(user);
+    self->calledAt = MonotonicNow();
+    eventfd_t count;
+    eventfd_read(self->source.Get(), &count);
+    if (self->wokenWithin) self->timers.WakeTimer(own);
+    self->timers.SleepTimer(own, self->source.Get(), self->atOnce);
+    ++self->ticks.count;
+  }
+  void Tell() const { EXPECT_EQ(eventfd_write(source.Get(), 1), 0); }
+
+  const Descriptor source{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  bool atOnce = false;
+  std::atomic<bool> wokenWithin{false};
+  std::atomic<std::int64_t> calledAt{0};
+  std::int64_t start = 0;
+  std::uint32_t id = 0;
+};
+
+TEST_F(SleepingTimerTest, CallsAgainOnlyForNewsAndForWakeTimer) {
+  Start();
+  for (int round = 1; round <= 3; ++round) {
+    ASSERT_TRUE(Reaches(ticks.count, 2 * round - 1));
+    ExpectNoFurtherCall();
+    Tell();
+    ASSERT_TRUE(Reaches(ticks.count, 2 * round));
+    ExpectNoFurtherCall();
+    timers.WakeTimer(id);
+  }
+  timers.WakeTimer(id + 1);
+  timers.SleepTimer(id + 1, source.Get(), false);
+}
+
+TEST_F(SleepingTimerTest, GoesOnOnItsOldGrid) {
+  Start();
+  for (int round = 1; round <= 20; ++round) {
+    ASSERT_TRUE(Reaches(ticks.count, round));
+    Pause(7);
+    const std::int64_t told = MonotonicNow();
+    Tell();
+    ASSERT_TRUE(Reaches(ticks.count, round + 1));
+    // The thread begins its grid a little after `start`, and no call comes before its point of it.
+    constexpr std::int64_t kPeriod = 5 * kNanosecondsPerMillisecond;
+    EXPECT_GE((calledAt - start) / kPeriod, (told - start) / kPeriod) << round;
+    EXPECT_GE(calledAt, told);
+  }
+}
+
+TEST_F(SleepingTimerTest, ASleepThatIsAskedForAfterItsWakeUpIsNone) {
+  wokenWithin = true;
+  Start();
+  EXPECT_TRUE(Reaches(ticks.count, 5));
+  wokenWithin = false;
+}
+
+TEST_F(SleepingTimerTest, AtOnceCallsComeAPeriodApartAtLeast) {
+  Start(true);
+  ASSERT_TRUE(Reaches(ticks.count, 1));
+  for (int round = 1; round <= 20; ++round) {
+    const std::int64_t last = calledAt;
+    Tell();
+    ASSERT_TRUE(Reaches(ticks.count, round + 1));
+    // What is counted from is the time that the call was due.
+    EXPECT_GE(calledAt - last, 4 * kNanosecondsPerMillisecond) << round;
+  }
 }
 
 TEST_F(LinuxTimersTest, TheEndOfTheObjectWaitsForTheCallUnderWay) {
