@@ -143,6 +143,7 @@ bool DeviceManager::PrepareDevice() {
     return true;
   };
   if (device->EnumObjects(setRange, platform::DIDFT_AXIS) != platform::DI_OK) return false;
+  device->SetTapsApart(answerAtOnce);
   return Succeeded(device->Acquire());
 }
 

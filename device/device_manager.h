@@ -4,6 +4,11 @@
 // callback on the notification thread. Both run with deviceLock held, and a period that finds it
 // taken is lost: the timer's thread never waits, and several changes during a long callback come
 // out as one, the latest. While the device doesn't answer, nothing is delivered and nobody is told.
+//
+// A period in which nothing could happen is left out, and the timer sleeps until the device has
+// something new: the last good state was as the one before, and the poll callback, if there is one,
+// has called NothingUntilChange. What it went by is the owner's to watch: Wake tells of a change.
+//
 // The list and the selection belong to the thread that made the object; a change callback may ask
 // for the selected name and whether there is one, and for the interval. Its many methods share
 // deviceLock and the order in which its two threads are started and ended.
@@ -86,6 +91,19 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   void EnableChangeCallback();
   void EnablePollCallback();
 
+  // For the poll callback, during its call: as long as the state stays as it is, each further call
+  // would do nothing.
+  void NothingUntilChange() { pollMayRest = true; }
+  // Something else than the state that the poll callback goes by may have changed. Costs a tick at
+  // most. Any thread; the end of a change callback does the same.
+  void Wake();
+
+  // At once: a change of the device is read when it comes, and the next a full interval later at
+  // the earliest; and a button that was pressed and let go meanwhile is delivered as two changes.
+  // Otherwise, as at first, each is read at the next point of the interval's grid. Counts from the
+  // next selection.
+  void SetAnswerAtOnce(bool atOnce) { answerAtOnce = atOnce; }
+
   // Held over each poll and each callback. Outermost of all locks.
   RecursiveLock deviceLock{LockRank::Device};
 
@@ -107,7 +125,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   void StartPolling();
   // On the timer's thread, each period. No waiting, no allocation.
   static void tick(std::uint32_t timerId, void* user);
-  void PollDevice();
+  // Whether the next poll can wait until the device has news, or Wake is called.
+  bool PollDevice();
 
   // Of the thread that made the object. The two of the selection stay as they are while the
   // notification thread runs, which therefore may look at them.
@@ -120,8 +139,9 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   Relaxed<std::uint32_t> pollInterval{33};
   std::uint32_t timerMin = 33;  // both where the timer doesn't tell
   std::uint32_t timerMax = 33;
-  std::uint32_t activePeriod = 0;  // as passed to timeBeginPeriod, 0 when none is active
-  std::uint32_t timerId = 0;       // 0 when none is active
+  std::uint32_t activePeriod = 0;     // as passed to timeBeginPeriod, 0 when none is active
+  Relaxed<std::uint32_t> timerId{0};  // 0 when none is active
+  Relaxed<bool> answerAtOnce{false};
 
   // Set before the timer and the notification thread start, and theirs until they have ended; the
   // timer's thread touches them under deviceLock only.
@@ -138,6 +158,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   void* changeContext = nullptr;
   bool pollEnabled = false;
   DeviceCallback pollCallback = nullptr;
+  bool pollMayRest = false;  // of the call of pollCallback that is under way
   void* pollContext = nullptr;
 };
 

@@ -38,10 +38,15 @@ void DeviceManager::SetChangeCallback(DeviceCallback callback, void* context) {
   changeContext = context;
 }
 
+void DeviceManager::Wake() {
+  if (timerId != 0) platform::timers().WakeTimer(timerId);
+}
+
 void DeviceManager::SetPollCallback(DeviceCallback callback, void* context) {
   LockGuard guard(deviceLock);
   pollCallback = callback;
   pollContext = context;
+  Wake();
 }
 
 void DeviceManager::EnableChangeCallback() {
@@ -52,6 +57,7 @@ void DeviceManager::EnableChangeCallback() {
 void DeviceManager::EnablePollCallback() {
   LockGuard guard(deviceLock);
   pollEnabled = true;
+  Wake();
 }
 
 void DeviceManager::StartPolling() {
@@ -66,32 +72,39 @@ void DeviceManager::StartPolling() {
   platform::timers().timeBeginPeriod(pollInterval);
   timerId = platform::timers().timeSetEvent(pollInterval, kTimerResolutionMs, &DeviceManager::tick,
                                             this, platform::TIME_PERIODIC);
+  // Its first call may have come before others could know its number.
+  Wake();
 }
 
-void DeviceManager::tick(std::uint32_t, void* user) {
+void DeviceManager::tick(std::uint32_t id, void* user) {
   DeviceManager* self = static_cast<DeviceManager*>(user);
   // If any thread holds it, this one included, or takes it first, this period is lost.
   if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
   // Null for a timer that couldn't be ended.
-  if (self->device) self->PollDevice();
+  if (self->device && self->PollDevice()) {
+    if (const auto news = self->device->WaitForNews())
+      platform::timers().SleepTimer(id, *news, self->answerAtOnce);
+  }
   self->deviceLock.Release();
 }
 
-void DeviceManager::PollDevice() {
+bool DeviceManager::PollDevice() {
   if (!Succeeded(device->Poll())) {
     // A lost device: each tick tries to get it back, and that is all. Nothing stays held: the
     // device itself puts a pulled pad to rest, in one last good poll before this (devices.h).
-    static_cast<void>(device->Acquire());
-    return;
+    return !Succeeded(device->Acquire());
   }
   platform::DIJOYSTATE2& state = stateBuffers[writeIndex];
-  if (device->GetDeviceState(sizeof state, &state) != platform::DI_OK) return;
-  if (std::memcmp(&stateBuffers[0], &stateBuffers[1], sizeof state) != 0) {
+  if (device->GetDeviceState(sizeof state, &state) != platform::DI_OK) return false;
+  const bool changed = std::memcmp(&stateBuffers[0], &stateBuffers[1], sizeof state) != 0;
+  if (changed) {
     changedState = state;
     platform::threads().SetEvent(changeEvent);
   }
-  if (pollEnabled && pollCallback) pollCallback(this, &state, pollContext);
+  pollMayRest = !pollEnabled || !pollCallback;
+  if (!pollMayRest) pollCallback(this, &state, pollContext);
   writeIndex ^= 1;
+  return !changed && pollMayRest;
 }
 
 std::uint32_t DeviceManager::Run() {
@@ -108,7 +121,9 @@ std::uint32_t DeviceManager::Run() {
     LockGuard guard(deviceLock);
     const DeviceCallback callback = changeCallback;
     // It may have been taken away while this waited for the lock.
-    if (callback) callback(this, &changedState, changeContext);
+    if (!callback) continue;
+    callback(this, &changedState, changeContext);
+    Wake();
   }
 }
 

@@ -51,6 +51,7 @@ void ControlEngine::ApplyMouseSlider(std::uint32_t sliderId, std::int32_t positi
     this->*slider.derived =
         slider.isDamper ? MouseDeadZone(position, device.axisMax) : position + kFactorOffset;
   }
+  MouseChanged();
 }
 
 void ControlEngine::ApplyMouseSettings() {
@@ -58,8 +59,11 @@ void ControlEngine::ApplyMouseSettings() {
 }
 
 void ControlEngine::SetTestMode(bool on) {
-  LockGuard guard(mouseLock);
-  testMode = on;
+  {
+    LockGuard guard(mouseLock);
+    testMode = on;
+  }
+  MouseChanged();
 }
 
 bool ControlEngine::MouseIsOn() const {

@@ -34,6 +34,10 @@ class ControlEngine {
   // Registers both steps with the device manager and then enables them.
   void Attach();
 
+  // To be called once what the mouse step goes by was changed past this: the profile's mouse
+  // settings, or what the host says. Polling may sleep otherwise. Any thread.
+  void MouseChanged() { device.Wake(); }
+
   // Stores the position in the profile and sets what MouseStep derives from it. A position beyond
   // the slider's ends, 0 and 50, counts as the end; an unknown slider does nothing. Under
   // profileLock once the engine runs.

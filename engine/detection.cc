@@ -97,6 +97,7 @@ void ControlEngine::EndMouseDetection() {
     }
     detectedRole = MouseRole::None;
   }
+  MouseChanged();
   host.MouseDetectionEnded(role);
 }
 

@@ -81,7 +81,7 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   auto& engine = *static_cast<ControlEngine*>(context);
   if (engine.IsDetecting() || engine.ended || engine.host.ControlDialogOpen() ||
       !engine.MouseIsOn()) {
-    return;
+    return device->NothingUntilChange();
   }
   // First a look, since the lock may be this thread's own. Then a try, since another thread may be
   // quicker and the poll must not wait for it.
@@ -97,6 +97,7 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   double& x = engine.accumulatedX;
   double& y = engine.accumulatedY;
   double& turn = engine.accumulatedWheel;
+  const double before[] = {x, y, turn};
   x = NextAccumulated(inputX, *state, movement, x);
   y = NextAccumulated(inputY, *state, movement, y);
   turn = NextAccumulated(inputWheel, *state, wheel, turn);
@@ -121,6 +122,8 @@ void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
     if (sendX) x = 0.0;
     if (sendY) y = 0.0;
     if (sendWheel) turn = 0.0;
+  } else if (x == before[0] && y == before[1] && turn == before[2]) {
+    device->NothingUntilChange();
   }
   engine.mouseLock.Release();
 }

@@ -114,7 +114,9 @@ bool ControlTab::RunDefineControlDialog() {
   engine->repeatWorker.Clear();
   defineControl.smartCheck = session.settings.smartCheck;
   defineControl.shiftReminder = session.settings.shiftReminder;
-  return defineControl.DoModal(dialog.window) == platform::IDOK;
+  const bool accepted = defineControl.DoModal(dialog.window) == platform::IDOK;
+  engine->MouseChanged();  // while the dialog was open the pointer stood still
+  return accepted;
 }
 
 void ControlTab::BringShiftReminderBack() {

@@ -120,6 +120,7 @@ void MouseTab::OnMouseSlider(std::uint32_t sliderId) {
 void MouseTab::OnMouseAlwaysActive() {
   LockGuard guard(profile.profileLock);
   profile.mouseAlwaysActive = !profile.mouseAlwaysActive;
+  engine->MouseChanged();
   session.SaveProfile();
 }
 

@@ -276,6 +276,7 @@ TEST_F(Polling, TwoChangesDuringALongCallbackFoldIntoTheLatest) {
 // A lost device.
 
 TEST_F(Polling, ALostDeviceIsAcquiredAtEachTickUntilItIsBack) {
+  simulation.LetTimersSleep(false);
   BeginAndForget(10);
   pad.Lose();
   pad.Press({1});
@@ -306,6 +307,7 @@ TEST_F(Polling, ADeviceThatComesBackUnchangedDeliversNothing) {
 }
 
 TEST_F(Polling, ThePullOfAPadIsSurvivedSeveralTimes) {
+  simulation.LetTimersSleep(false);
   Begin();
   RunTo(10);
   std::uint64_t t = 10;
@@ -332,6 +334,165 @@ TEST_F(Polling, TheResultOfAcquireIsIgnored) {
   RunTo(40);
   EXPECT_EQ(polls.size(), 2u);
   EXPECT_TRUE(changes.empty());
+}
+
+// Rest.
+
+// A poll callback that has nothing to do while `rests` is set.
+struct Rest : Polling {
+  Rest() { manager.SetPollCallback(&Rest::OnRestingPoll, this); }
+  static void OnRestingPoll(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
+    OnPoll(device, state, static_cast<Polling*>(static_cast<Rest*>(context)));
+    if (static_cast<Rest*>(context)->rests) device->NothingUntilChange();
+  }
+  std::vector<std::uint64_t> PollTimes() {
+    std::vector<std::uint64_t> times;
+    for (const Delivery& poll : polls) times.push_back(poll.t);
+    polls.clear();
+    return times;
+  }
+  using Times = std::vector<std::uint64_t>;
+
+  bool rests = true;
+};
+
+TEST_F(Rest, TheFirstPollThatFindsNothingNewIsTheLast) {
+  Begin();
+  RunTo(3'600'000);
+  EXPECT_EQ(PollTimes(), (Times{10, 20}));
+  EXPECT_EQ(CountDeviceCalls(simulation, "Poll"), 2);
+}
+
+TEST_F(Rest, ACallbackThatSaysNothingIsCalledEachPeriod) {
+  rests = false;
+  Begin();
+  RunTo(50);
+  EXPECT_EQ(PollTimes(), (Times{10, 20, 30, 40, 50}));
+  rests = true;
+  RunTo(100);
+  EXPECT_EQ(PollTimes(), Times{60});
+}
+
+TEST_F(Rest, AChangeIsSeenAtThePointOfTheGridThatWouldHaveSeenIt) {
+  const std::uint64_t begun = 1000;
+  for (std::uint64_t t = begun + 1; t <= begun + 20; ++t) {
+    for (const bool isPlanned : {true, false}) {
+      SCOPED_TRACE(std::to_string(t) + (isPlanned ? " planned" : " by hand"));
+      const std::uint64_t base = (t - 1) / 20 * 20;
+      Select();
+      Begin();
+      RunTo(base);
+      Forget();
+      if (isPlanned) {
+        pad.ChangeAt(start + t, Buttons({1}));
+        RunTo(t);
+      } else {
+        RunTo(t);
+        pad.Press({1});
+      }
+      RunTo(base + 100);
+      ASSERT_EQ(changes.size(), 1u);
+      // By hand, after all that the machine does at that millisecond.
+      EXPECT_EQ(changes[0].t, (t + (isPlanned ? 9 : 10)) / 10 * 10);
+      pad.Press({});
+    }
+  }
+}
+
+TEST_F(Rest, ChangesWithinOnePeriodAreOne) {
+  BeginAndForget(1000);
+  pad.ChangeAt(start + 1001, Buttons({1}));
+  pad.ChangeAt(start + 1009, Buttons({1, 2}));
+  RunTo(2000);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].t, 1010u);
+  EXPECT_NE(changes[0].state.rgbButtons[1], 0);
+}
+
+TEST_F(Rest, WakeBringsOneTickOnTheGrid) {
+  BeginAndForget(1000);
+  RunTo(1003);
+  manager.Wake();
+  RunTo(1100);
+  EXPECT_EQ(PollTimes(), Times{1010});
+  manager.Wake();  // at a point of the grid that has passed
+  RunTo(1200);
+  EXPECT_EQ(PollTimes(), Times{1110});
+  manager.EnablePollCallback();
+  RunTo(1300);
+  EXPECT_EQ(PollTimes(), Times{1210});
+  manager.SetPollCallback(&Rest::OnRestingPoll, this);
+  RunTo(1400);
+  EXPECT_EQ(PollTimes(), Times{1310});
+}
+
+TEST_F(Rest, TheEndOfAChangeCallbackWakes) {
+  BeginAndForget(1000);
+  changeTakes = 35;
+  pad.Press({1});
+  RunTo(2000);
+  // 1020 to 1040 find the lock taken; the callback's end, at 1045, may have changed something.
+  EXPECT_EQ(PollTimes(), (Times{1010, 1050}));
+}
+
+TEST_F(Rest, ALostDeviceIsAskedForOnceAndTakenUpOnTheGrid) {
+  BeginAndForget(1000);
+  pad.ChangeAt(start + 1003, [] {
+    StateChange lost;
+    lost.hasLost = lost.lost = true;
+    return lost;
+  }());
+  RunTo(100'000);
+  EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "Acquire"}));
+  pad.Press({1});  // while it is lost, nobody sees it
+  RunTo(100'004);
+  pad.Return();
+  RunTo(200'000);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].t, 100'010u);
+}
+
+TEST_F(Rest, AFailureThatTheDeviceCanNotExplainIsTriedAgainAtEachTick) {
+  BeginAndForget(1000);
+  manager.Wake();
+  simulation.FailNext("Poll", platform::DIERR_INPUTLOST, 3);
+  simulation.FailNext("Acquire", platform::DIERR_UNPLUGGED, 3);
+  RunTo(2000);
+  EXPECT_EQ(CountDeviceCalls(simulation, "Acquire"), 3);
+  EXPECT_EQ(PollTimes(), Times{1040});
+}
+
+TEST_F(Rest, AtOnceAChangeIsReadAsItComesAndTheNextAPeriodLater) {
+  manager.SetAnswerAtOnce(true);
+  BeginAndForget(1000);
+  pad.ChangeAt(start + 1003, Buttons({1}));
+  pad.ChangeAt(start + 1004, Buttons({1, 2}));
+  pad.ChangeAt(start + 1200, Buttons({}));
+  RunTo(1500);
+  EXPECT_EQ(PollTimes(), (Times{1003, 1013, 1023, 1200, 1210}));
+  pad.Press({1});
+  RunTo(1600);
+  EXPECT_EQ(PollTimes(), (Times{1500, 1510}));
+  manager.Wake();  // nothing new of the device: at a period's multiple of the last
+  RunTo(1700);
+  EXPECT_EQ(PollTimes(), Times{1610});
+}
+
+TEST_F(Rest, AtOnceATapWithinOnePeriodIsTwoChanges) {
+  manager.SetAnswerAtOnce(true);
+  BeginAndForget(1000);
+  pad.ChangeAt(start + 1001, Buttons({1}));  // read at once
+  pad.ChangeAt(start + 1003, Buttons({1, 2}));
+  pad.ChangeAt(start + 1004, Buttons({1}));
+  pad.ChangeAt(start + 1005, Buttons({}));
+  RunTo(1500);
+  std::vector<std::string> held;
+  for (const Delivery& change : changes) {
+    held.push_back(std::to_string(change.t) + ":");
+    for (const unsigned button : {1u, 2u})
+      if (change.state.rgbButtons[button - 1]) held.back() += " " + std::to_string(button);
+  }
+  EXPECT_EQ(held, (std::vector<std::string>{"1001: 1", "1011: 1 2", "1021:"}));
 }
 
 // Callbacks.
@@ -363,7 +524,8 @@ TEST_F(Polling, AnEnabledCallbackThatIsNotSetIsNotCalled) {
   manager.SetChangeCallback(nullptr, this);
   Begin();
   RunTo(50);
-  EXPECT_EQ(CountDeviceCalls(simulation, "GetDeviceState"), 5);
+  EXPECT_EQ(CountDeviceCalls(simulation, "GetDeviceState"),
+            2);  // the change, and the rest after it
   EXPECT_TRUE(polls.empty());
   EXPECT_TRUE(changes.empty());
 

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "tests/device/device_calls.h"
 #include "tests/engine/engine_fixture.h"
 #include "tests/foundation/allocations.h"
 
@@ -603,6 +604,93 @@ TEST_F(MouseRun, APollsMotionComesBeforeItsKeysAndButtons) {
   pad.Press({1});
   RunTo(17);
   EXPECT_EQ(MouseEvents(), "1 2 0 0, 2 0 0 0");
+}
+
+// Of an hour in which `does` is done once: the polls, and whether the pointer moved.
+class MouseRest : public MousePoll {
+ protected:
+  MouseRest() {
+    profile.mouseX = MouseInput(0);
+    engine.mouseActive = false;
+    sim.LogCalls(true);
+    Plug(5).MoveAxis("Axis_X0", kLimit);
+    RunTo(1000);
+  }
+  std::int64_t PollsOfAnHour() {
+    sim.ClearCalls();
+    sim.RunFor(3'600'000);
+    return test::CountDeviceCalls(sim, "Poll");
+  }
+  // The pointer moves at the next point of the grid and at each further one.
+  void ExpectItMoves() {
+    const std::uint64_t now = sim.Now();
+    sim.ClearEvents();
+    sim.RunFor(15);
+    ASSERT_EQ(sim.Events().size(), 3u);
+    EXPECT_EQ(sim.Events().front().t, start + ((now - start) / 5 + 1) * 5);
+  }
+};
+
+TEST_F(MouseRest, APadThatLiesStillIsNotPolledWhileTheMouseControlsAreOff) {
+  EXPECT_EQ(PollsOfAnHour(), 0);
+}
+
+TEST_F(MouseRest, NorWhileAllItsInputsRestAndNothingWaits) {
+  engine.SetTestMode(true);
+  ExpectItMoves();
+  pad->MoveAxis("Axis_X0", 0);
+  EXPECT_EQ(PollsOfAnHour(), 2);  // the change, and that nothing follows it
+}
+
+TEST_F(MouseRest, ItMovesAtOnceByWhateverTurnsItOn) {
+  sim.RunFor(3);
+  engine.SetTestMode(true);
+  ExpectItMoves();
+  engine.SetTestMode(false);
+  sim.RunFor(100);
+  EXPECT_EQ(PollsOfAnHour(), 0);
+  profile.mouseAlwaysActive = true;
+  engine.MouseChanged();
+  ExpectItMoves();
+  profile.mouseAlwaysActive = false;
+  Add({.name = "toggle", .buttons = {1}, .toggles = true});
+  pad->Press({1});
+  sim.RunFor(5);
+  ExpectItMoves();
+}
+
+TEST_F(MouseRest, ItMovesAtOnceAfterADetectionAndASmallerDamper) {
+  engine.SetTestMode(true);
+  engine.StartMouseDetection(MouseRole::LeftButton);
+  EXPECT_EQ(PollsOfAnHour(), 1);
+  engine.EndMouseDetection();
+  ExpectItMoves();
+  pad->MoveAxis("Axis_X0", 8000);
+  engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 50);
+  EXPECT_LE(PollsOfAnHour(), 3);
+  engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 0);
+  sim.RunFor(5);
+  EXPECT_LT(0, PollsOfAnHour());
+}
+
+// Below a count, it grows at each poll.
+TEST_F(MouseRest, AnInputThatStillAccumulatesIsNoRest) {
+  engine.SetTestMode(true);
+  engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 0);
+  pad->MoveAxis("Axis_X0", 1);
+  EXPECT_EQ(PollsOfAnHour(), 720'000);
+}
+
+// The step that finds the lock taken says nothing.
+TEST_F(MouseRest, AStepThatCouldNotLookIsRepeated) {
+  engine.SetTestMode(true);
+  pad->MoveAxis("Axis_X0", 0);
+  sim.RunFor(12);
+  engine.mouseLock.Acquire(1);
+  engine.MouseChanged();
+  EXPECT_EQ(PollsOfAnHour(), 720'000);
+  engine.mouseLock.Release();
+  EXPECT_EQ(PollsOfAnHour(), 1);
 }
 
 TEST_F(MouseRun, ALongReplayHoldsThePointer) {
