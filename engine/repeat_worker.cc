@@ -1,6 +1,7 @@
 #include "engine/repeat_worker.h"
 
 #include "app/platform/clock.h"
+#include "app/platform/threads.h"
 
 namespace kelvaro {
 namespace {
@@ -9,15 +10,22 @@ constexpr std::uint32_t kGrainMs = 10;
 
 }  // namespace
 
-RepeatWorker::RepeatWorker() : WorkerThread("repeat") {}
+RepeatWorker::RepeatWorker()
+    : WorkerThread("repeat"), started(platform::threads().CreateEventA(false, false)) {}
 
-RepeatWorker::~RepeatWorker() { Stop(); }
+RepeatWorker::~RepeatWorker() {
+  Stop();
+  if (started != platform::kInvalidHandle) platform::threads().CloseHandle(started);
+}
 
 void RepeatWorker::Start(Control* control) {
-  LockGuard guard(repeatLock);
-  repeatControl.store(control, std::memory_order_relaxed);
-  control->repeatStarted = 0;
-  control->repeatLastTick = platform::clock().GetTickCount();
+  {
+    LockGuard guard(repeatLock);
+    repeatControl.store(control, std::memory_order_relaxed);
+    control->repeatStarted = 0;
+    control->repeatLastTick = platform::clock().GetTickCount();
+  }
+  platform::threads().SetEvent(started);
 }
 
 void RepeatWorker::Clear() {
@@ -28,9 +36,24 @@ void RepeatWorker::Clear() {
 std::uint32_t RepeatWorker::Run() {
   while (!StopRequested()) {
     RepeatWhenDue();
-    platform::clock().Sleep(kGrainMs);
+    if (Repeating()) {
+      platform::clock().Sleep(kGrainMs);
+    } else {
+      SleepUntilStart(platform::clock().GetTickCount());
+    }
   }
   return 0;
+}
+
+void RepeatWorker::SleepUntilStart(std::uint32_t lastLook) {
+  const platform::Handle events[] = {stopEvent, started};
+  if (platform::threads().WaitForMultipleObjects(2, events, platform::WAIT_FOREVER) ==
+      platform::WAIT_OBJECT_0)
+    return;
+  const std::uint32_t elapsed = platform::clock().GetTickCount() - lastLook;
+  const std::uint32_t sinceLook = elapsed % kGrainMs;
+  // At the very time of a look it is made now, but not twice. Without events there is no sleep.
+  if (sinceLook != 0 || elapsed == 0) platform::clock().Sleep(kGrainMs - sinceLook);
 }
 
 void RepeatWorker::RepeatWhenDue() {

@@ -1,6 +1,6 @@
 // The thread that repeats the one Control that is held and repeats. A later one takes the place of
 // an earlier one, which never resumes. The thread looks every 10 ms, so each interval is rounded up
-// to that grain.
+// to that grain. While nothing repeats it sleeps; then it looks when it would have looked without.
 #pragma once
 
 #include <atomic>
@@ -32,6 +32,10 @@ class RepeatWorker : public WorkerThread {
 
  private:
   void RepeatWhenDue();
+  // From a look that found nothing to repeat, at `lastLook`, to the next that may find something.
+  void SleepUntilStart(std::uint32_t lastLook);
+
+  const platform::Handle started;  // auto-reset
 
   std::atomic<Control*> repeatControl{nullptr};  // written under repeatLock
 };

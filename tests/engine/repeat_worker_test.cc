@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/device/device_calls.h"
 #include "tests/engine/engine_fixture.h"
 
 namespace kelvaro {
@@ -92,12 +93,40 @@ TEST_F(Repeat, ADispatchThatEndsTheRepeatingControlWaitsForItsReplay) {
 }
 
 TEST_F(Repeat, AWrapOfTheTickCounterDoesNoHarm) {
-  sim.SetTickOffset(0u - static_cast<std::uint32_t>(start + 300));  // the counter is 0 at 300
+  // The counter is 0 at 296, and looks still come at its multiples of 10.
+  sim.SetTickOffset(0u - static_cast<std::uint32_t>(start + 296));
   Add({.name = "a", .buttons = {1}, .repeats = true});
-  Hold(18, {1}, 299);
+  Hold(18, {1}, 295);
   EXPECT_EQ(platform::clock().GetTickCount(), 0xFFFFFFFFu);
   RunTo(580);
   EXPECT_EQ(journal.Take(), "20 press a, 520 press a, 570 press a");
+}
+
+TEST_F(Repeat, NothingIsLookedAtWhileNothingRepeats) {
+  Add({.name = "a", .buttons = {1}, .repeats = true});
+  sim.LogCalls(true);
+  RunTo(3'600'000);
+  EXPECT_EQ(test::CountDeviceCalls(sim, "Sleep 10"), 0);
+  Hold(3'600'018, {1}, 3'600'598);
+  EXPECT_EQ(journal.Take(), "3600020 press a, 3600520 press a, 3600570 press a");
+  pad->Press({});
+  RunTo(3'600'700);
+  sim.ClearCalls();
+  RunTo(7'200'000);
+  EXPECT_EQ(sim.Calls(), test::Calls{});
+}
+
+// With each time between two looks, and at a look.
+TEST_F(Repeat, LooksComeWhenTheyWouldHaveComeWithoutTheSleep) {
+  Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 7});
+  for (std::uint64_t t = 1000; t < 1100; t += 5) {
+    Hold(t + 500 * (t - 1000) - 2, {1}, t + 500 * (t - 1000) + 21);
+    const std::uint64_t pressed = t + 500 * (t - 1000);
+    const std::uint64_t due = (pressed + 7 + 9) / 10 * 10;
+    EXPECT_EQ(journal.Take(),
+              std::to_string(pressed) + " press a, " + std::to_string(due) + " press a");
+    pad->Press({});
+  }
 }
 
 TEST_F(Repeat, EachReplayRunsAllActionsAndTellsThemThatItRepeats) {
