@@ -213,6 +213,10 @@ class Desktop {
   // one. The id, or 0 when there can be no timer.
   virtual std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms) = 0;
   virtual bool KillTimer(WindowHandle window, std::uint32_t id) = 0;
+  // No calls, and no wake-ups of the processor, until WakeTimer; then they go on at the points of
+  // time at which they would have come. False for a timer that isn't there.
+  virtual bool SleepTimer(WindowHandle window, std::uint32_t id) = 0;
+  virtual bool WakeTimer(WindowHandle window, std::uint32_t id) = 0;
 
   // Of the kinds WH_CBT alone, and of its codes HCBT_MINMAX: before a window of this thread is
   // minimised, with wParam the window and lParam SW_MINIMIZE. 0 when it can't be set.

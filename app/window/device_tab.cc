@@ -229,9 +229,7 @@ void DeviceTab::ApplyPollInterval(std::uint32_t interval) {
 void DeviceTab::RefreshDeviceList() {
   if (!deviceManager || !deviceManager->DirectInputCreated()) return;
 
-  // The person chose no device. Then only a click on the button looks for devices.
   if (session.currentDeviceName.Equals(kNoDeviceText)) {
-    if (inPluginPoll) return;
     deviceManager->EnumerateDevices();
     FillDeviceList();
     SelectDeviceInList({});
@@ -267,10 +265,10 @@ bool DeviceTab::ApplyProfileDevice() {
   return true;
 }
 
-void DeviceTab::PollForPlugin() {
-  inPluginPoll = true;
-  RefreshDeviceList();
-  inPluginPoll = false;
+// When the person chose no device, only a click on the button looks for devices.
+bool DeviceTab::AwaitsDevice() const {
+  return session.settings.autodetectDevicePlugin && !deviceManager->DeviceSelected() &&
+         !session.currentDeviceName.Equals(kNoDeviceText);
 }
 
 ByteString DeviceTab::WarningText() const {

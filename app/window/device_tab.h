@@ -24,7 +24,7 @@ class DeviceTab : public Pane {
   // The profile's device comes into use. False, with none in use, when it can't.
   bool ApplyProfileDevice();
   void RefreshDeviceList();
-  void PollForPlugin();  // the same by the timer
+  bool AwaitsDevice() const;  // each look of the timer could bring one into use
   // What a person is to be told of a profile whose device isn't in use; empty for nothing.
   ByteString WarningText() const;
 
@@ -52,7 +52,6 @@ class DeviceTab : public Pane {
   MouseTab& mouseTab;
   std::uint32_t intervalField = 0;
   std::uint32_t rateField = 0;
-  bool inPluginPoll = false;
 };
 
 }  // namespace kelvaro

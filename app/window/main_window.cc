@@ -25,7 +25,6 @@ using namespace main_window;
 
 using platform::Notice;
 
-constexpr std::uint32_t kTimer = 1;
 constexpr std::uint32_t kTimerPeriod = 5000;       // ms
 constexpr std::uint32_t kDefaultPollInterval = 5;  // ms
 constexpr std::int32_t kTabMargin = 10;            // between a page and its tab's frame
@@ -95,7 +94,8 @@ void MainWindow::OnInit() {
   session.engine->repeatWorker.Start(false, WorkerThread::kPriorityOfCaller);
   settingsTab.AttachLinks();
   CreateToolTips(*this);
-  timerId = platform::desktop().SetTimer(window, kTimer, kTimerPeriod);
+  timerId = platform::desktop().SetTimer(window, Session::kTimer, kTimerPeriod);
+  SleepUnlessDeviceAwaited();
   if (session.settings.startMinimized)
     platform::desktop().PostMessageA(window, WM_HIDE_TO_TRAY, 0, 0);
   platform::desktop().PostMessageA(window, WM_STARTUP_IDLE, 0, 0);
@@ -248,10 +248,13 @@ void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::in
 }
 
 void MainWindow::OnTimer(std::uint32_t) {
-  if (session.shuttingDown || !session.settings.autodetectDevicePlugin ||
-      session.deviceManager->DeviceSelected())
-    return;
-  deviceTab.PollForPlugin();
+  if (session.shuttingDown) return;
+  if (deviceTab.AwaitsDevice()) deviceTab.RefreshDeviceList();
+  SleepUnlessDeviceAwaited();
+}
+
+void MainWindow::SleepUnlessDeviceAwaited() {
+  if (!deviceTab.AwaitsDevice()) platform::desktop().SleepTimer(window, timerId);
 }
 
 void MainWindow::OnTabSelected() {

@@ -60,6 +60,7 @@ class MainWindow : public ResizableDialog {
   bool CreateDeviceManager();  // false, after the message, without DirectInput
   void PrepareControls();
   void DeclareLayout(std::int32_t topMargin);
+  void SleepUnlessDeviceAwaited();
   void Cleanup();  // does its work once
   void OnTabSelected();
   void ShowTab(Tab tab);  // makes it current, and the page with it

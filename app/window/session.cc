@@ -53,8 +53,12 @@ void Session::SaveAfterMouseDetection() {
 }
 
 void Session::LetGoWithoutDevice() {
-  if (!deviceManager->DeviceSelected()) engine->LetGoWithoutDevice();
+  if (deviceManager->DeviceSelected()) return;
+  engine->LetGoWithoutDevice();
+  WakeTimer();
 }
+
+void Session::WakeTimer() { platform::desktop().WakeTimer(dialog.window, kTimer); }
 
 void Session::ReselectDevice() {
   deviceManager->ReselectDevice();

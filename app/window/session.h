@@ -39,9 +39,14 @@ struct Session {
   // thread.
   void SaveAfterMouseDetection();
 
-  // Lets go of all that is held, if no device is selected whose state could still end it.
+  // If no device is selected: lets go of all that is held, since no state could still end it, and
+  // wakes the timer.
   void LetGoWithoutDevice();
   void ReselectDevice();
+
+  // A device may be awaited from now on. The main window's timer then looks for it.
+  void WakeTimer();
+  static constexpr std::uint32_t kTimer = 1;
 
   // The manager for the window, and the engine on it; the manager ends before them all, with
   // whatever runs on it.

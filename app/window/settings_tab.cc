@@ -71,6 +71,7 @@ void SettingsTab::OnAdvanced() {
   if (advanced.DoModal(dialog.window) != platform::IDOK) return;
   session.settings.autodetectDevicePlugin = advanced.autodetectDevicePlugin;
   session.settings.noDeviceErrorMsg = advanced.autodetectDevicePlugin;
+  session.WakeTimer();
   session.SaveAppSettings();
 }
 

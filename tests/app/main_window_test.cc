@@ -644,6 +644,82 @@ TEST_F(PluginTest, WithoutTheSettingNothingIsLookedFor) {
   EXPECT_FALSE(Device()->DeviceSelected());
 }
 
+// Wake-ups of the window in a minute, once Qt has given back what it kept of drawing.
+class RestTest : public PluginTest {
+ protected:
+  std::uint64_t Wakes() {
+    sim.RunFor(60000);
+    const std::uint64_t before = screen.Wakes();
+    sim.RunFor(60000);
+    return screen.Wakes() - before;
+  }
+};
+
+TEST_F(RestTest, WhatLooksForADeviceSleepsWhileThereIsNoneToFind) {
+  Begin();
+  EXPECT_EQ(Wakes(), 12u) << "each look";
+  pad.PlugIn();
+  EXPECT_EQ(Wakes(), 0u) << "it is in use";
+  ASSERT_TRUE(Device()->DeviceSelected());
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
+  screen.Choose(kDeviceList, "-- None --");
+  EXPECT_EQ(Wakes(), 0u) << "none is wanted";
+}
+
+TEST_F(RestTest, WithTheBoxOffNothingWakesTheWindow) {
+  Preset("Autodetect Device Plugin", 0);
+  Begin();
+  EXPECT_EQ(Wakes(), 0u);
+}
+
+class LookTest : public PluginTest {
+ protected:
+  LookTest() {
+    PresetText("Last Profile", kProfile);
+    StoreProfile("Another", [](ProfileFile& made) { made.deviceName = "Not there"; });
+    sim.LogCalls(true);
+  }
+
+  // The time of the next one.
+  std::uint64_t NextLook() {
+    sim.ClearCalls();
+    for (int ms = 0; ms < 20000 && CountCalls(sim, "EnumDevices") == 0; ++ms) sim.RunFor(1);
+    return sim.Now();
+  }
+};
+
+TEST_F(LookTest, TheNextOneComesAtItsTimeAfterADeviceIsLetGo) {
+  Begin();
+  const std::uint64_t first = NextLook();
+  pad.PlugIn();
+  EXPECT_EQ(NextLook(), first + 5000);
+  sim.RunFor(500);
+  ASSERT_TRUE(Device()->DeviceSelected());
+  sim.RunUntil(first + 12345);
+  screen.Choose(kProfileList, "Another");
+  ASSERT_FALSE(Device()->DeviceSelected());
+  ASSERT_LT(sim.Now(), first + 15000);
+  EXPECT_EQ(NextLook(), first + 15000);
+  EXPECT_EQ(NextLook(), first + 20000);
+}
+
+TEST_F(LookTest, TheNextOneComesAtItsTimeAfterTheBoxIsChecked) {
+  Begin();
+  const std::uint64_t first = NextLook();
+  const auto clickTheBox = [this] {
+    screen.ChooseTab(kTabControl, MainWindow::kSettingsTab);
+    screen.Click(kAdvanced);
+    screen.Click(advanced_settings::kAutodetectDevicePlugin);
+    screen.Click(platform::IDOK);
+  };
+  clickTheBox();
+  sim.ClearCalls();
+  sim.RunUntil(first + 22222);
+  clickTheBox();
+  EXPECT_EQ(CountCalls(sim, "EnumDevices"), 0u);
+  EXPECT_EQ(NextLook(), first + 25000);
+}
+
 TEST_F(PluginTest, AnyTimerCounts) {
   Begin();
   pad.PlugIn();

@@ -69,6 +69,12 @@ class RecordedDesktop final : public qt::QtDesktop {
   bool KillTimer(WindowHandle window, std::uint32_t id) override {
     return !journal.Enter("KillTimer", id) && QtDesktop::KillTimer(window, id);
   }
+  bool SleepTimer(WindowHandle window, std::uint32_t id) override {
+    return !journal.Enter("SleepTimer", id) && QtDesktop::SleepTimer(window, id);
+  }
+  bool WakeTimer(WindowHandle window, std::uint32_t id) override {
+    return !journal.Enter("WakeTimer", id) && QtDesktop::WakeTimer(window, id);
+  }
   HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure) override {
     return journal.Enter("SetWindowsHookExA") ? 0 : QtDesktop::SetWindowsHookExA(kind, procedure);
   }

@@ -291,6 +291,8 @@ std::int32_t Screen::Result() const {
 
 void Screen::Settle() { state->Settle(); }
 
+std::uint64_t Screen::Wakes() const { return VirtualDispatcher::Get().Waits(); }
+
 // ---- Windows
 
 std::uint32_t Screen::Front() const {

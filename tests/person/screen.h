@@ -89,6 +89,8 @@ class Screen {
   void Leave();
   // Lets the program go on until it waits for the person, without an act.
   void Settle();
+  // How often the user interface's thread has been woken so far.
+  std::uint64_t Wakes() const;
 
   // --- Windows
 

@@ -245,6 +245,24 @@ TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
   EXPECT_EQ(main.Diary(), (Lines{"timer 1@10", "timer 1@45", "timer 1@50", "timer 1@60"}));
 }
 
+TEST_F(ScreenTest, ATimerThatHasSleptGoesOnWhenItWouldHaveCome) {
+  Start();
+  controls().SetControlFocus(main.window, 20);  // which has no caret that blinks
+  main.Diary();
+  sim.RunFor(60003);  // what was kept of drawing has gone
+  desktop().SetTimer(main.window, 1, 10);
+  main.onTimer = [&] { desktop().SleepTimer(main.window, 1); };
+  sim.RunFor(24);
+  const std::uint64_t wakes = screen.Wakes();
+  sim.RunFor(100000);
+  EXPECT_EQ(screen.Wakes(), wakes);
+  desktop().WakeTimer(main.window, 1);
+  desktop().WakeTimer(main.window, 1);
+  main.onTimer = nullptr;
+  sim.RunFor(20);
+  EXPECT_EQ(main.Diary(), (Lines{"timer 1@60013", "timer 1@160033", "timer 1@160043"}));
+}
+
 // ---- Message boxes
 
 TEST_F(ScreenTest, ABoxWithoutAProgramGetsZeroOrThePreparedAnswer) {

@@ -46,6 +46,7 @@ void VirtualDispatcher::Wait() {
   }
   wake->signalled = false;
   idle = true;
+  ++waits;
   std::vector<std::shared_ptr<Waitable>> objects{wake};
   machine->Wait(std::move(objects), next);
   idle = false;

@@ -23,6 +23,8 @@ class VirtualDispatcher final : public QAbstractEventDispatcher {
   void SetMachine(Scheduler* machine);
   // A loop waits for something to do.
   bool Idle() const { return idle; }
+  // How often one went to wait.
+  std::uint64_t Waits() const { return waits; }
 
   bool processEvents(QEventLoop::ProcessEventsFlags flags) override;
   void registerSocketNotifier(QSocketNotifier*) override {}
@@ -54,6 +56,7 @@ class VirtualDispatcher final : public QAbstractEventDispatcher {
   bool woken = false;  // since the last look for something to do
   bool interrupted = false;
   bool idle = false;
+  std::uint64_t waits = 0;
 };
 
 }  // namespace platform::simulation

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "app/platform/clock.h"
 #include "app/platform/qt/control_maker.h"
 #include "app/platform/qt/edits.h"
 #include "app/platform/qt/list_view.h"
@@ -592,11 +593,25 @@ void DialogWindow::ShowWindow(std::int32_t command) {
 
 // --- Timers
 
+// A timer that isn't precise may come before its time, and then twice.
+WindowTimer::WindowTimer(std::uint32_t ms)
+    : period(std::clamp<std::uint32_t>(ms, 1, 0x7FFFFFFF)), last(clock().GetTickCount()) {
+  next.setTimerType(Qt::PreciseTimer);
+  next.setSingleShot(true);
+}
+
+void WindowTimer::Go() {
+  const std::uint32_t since = clock().GetTickCount() - last;
+  last += since - since % period;
+  next.start(static_cast<int>(period - since % period));
+}
+
 // Posted, so that a timer goes on while its handler waits for a box to be answered.
 std::uint32_t DialogWindow::SetTimer(std::uint32_t id, std::uint32_t ms) {
-  std::unique_ptr<QTimer>& timer = timers[id];
-  timer = std::make_unique<QTimer>();
-  connect(timer.get(), &QTimer::timeout, this, [this, id] {
+  std::unique_ptr<WindowTimer>& timer = timers[id];
+  timer = std::make_unique<WindowTimer>(ms);
+  connect(&timer->next, &QTimer::timeout, this, [this, id, set = timer.get()] {
+    set->Go();
     if (std::find(timersDue.begin(), timersDue.end(), id) != timersDue.end()) return;
     timersDue.push_back(id);
     around.windows.Post(handle, [id](DialogWindow& window) {
@@ -604,13 +619,28 @@ std::uint32_t DialogWindow::SetTimer(std::uint32_t id, std::uint32_t ms) {
       if (window.timers.contains(id)) window.listener.OnTimer(id);
     });
   });
-  timer->start(static_cast<int>(std::clamp<std::uint32_t>(ms, 1, 0x7FFFFFFF)));
+  timer->Go();
   return id;
 }
 
 bool DialogWindow::KillTimer(std::uint32_t id) {
   std::erase(timersDue, id);
   return timers.erase(id) > 0;
+}
+
+bool DialogWindow::SleepTimer(std::uint32_t id) {
+  const auto timer = timers.find(id);
+  if (timer == timers.end()) return false;
+  std::erase(timersDue, id);
+  timer->second->next.stop();
+  return true;
+}
+
+bool DialogWindow::WakeTimer(std::uint32_t id) {
+  const auto timer = timers.find(id);
+  if (timer == timers.end()) return false;
+  if (!timer->second->next.isActive()) timer->second->Go();
+  return true;
 }
 
 }  // namespace platform::qt

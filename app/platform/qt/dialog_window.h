@@ -48,6 +48,19 @@ class PostedCall : public QEvent {
   const std::function<void(DialogWindow&)> act;
 };
 
+// Due at points of time that lie whole periods behind its start, also after a pause.
+class WindowTimer {
+ public:
+  explicit WindowTimer(std::uint32_t ms);
+  void Go();  // to the next of these points
+
+  QTimer next;
+
+ private:
+  const std::uint32_t period;  // ms
+  std::uint32_t last;          // of these points, in ticks of the clock
+};
+
 class DialogWindow final : public QWidget, private ControlHost {
  public:
   // All borrowed; `owner` may be null.
@@ -80,6 +93,8 @@ class DialogWindow final : public QWidget, private ControlHost {
 
   std::uint32_t SetTimer(std::uint32_t id, std::uint32_t ms);
   bool KillTimer(std::uint32_t id);
+  bool SleepTimer(std::uint32_t id);
+  bool WakeTimer(std::uint32_t id);
 
   void ApplyUpdates();
   // As the person does, unless the window has ended.
@@ -146,7 +161,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   std::uint32_t defaultButton = 0;
   int quiet = 0;  // above 0: what happens is the program's doing
   std::vector<std::pair<std::uint32_t, Notice>> inTurn;
-  std::map<std::uint32_t, std::unique_ptr<QTimer>> timers;
+  std::map<std::uint32_t, std::unique_ptr<WindowTimer>> timers;
   std::vector<std::uint32_t> timersDue;
 
   bool broughtUp = false;       // shown, or hidden by the program before it came to that

@@ -410,6 +410,16 @@ bool QtDesktop::KillTimer(WindowHandle handle, std::uint32_t id) {
   return window && window->KillTimer(id);
 }
 
+bool QtDesktop::SleepTimer(WindowHandle handle, std::uint32_t id) {
+  DialogWindow* const window = Window(handle);
+  return window && window->SleepTimer(id);
+}
+
+bool QtDesktop::WakeTimer(WindowHandle handle, std::uint32_t id) {
+  DialogWindow* const window = Window(handle);
+  return window && window->WakeTimer(id);
+}
+
 HookHandle QtDesktop::SetWindowsHookExA(std::int32_t kind, HookProc procedure) {
   return kind == WH_CBT ? hooks.Add(procedure) : 0;
 }

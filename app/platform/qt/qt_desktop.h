@@ -69,6 +69,8 @@ class QtDesktop : public QObject, public Desktop {
                     std::intptr_t lParam) override;
   std::uint32_t SetTimer(WindowHandle window, std::uint32_t id, std::uint32_t ms) override;
   bool KillTimer(WindowHandle window, std::uint32_t id) override;
+  bool SleepTimer(WindowHandle window, std::uint32_t id) override;
+  bool WakeTimer(WindowHandle window, std::uint32_t id) override;
 
   HookHandle SetWindowsHookExA(std::int32_t kind, HookProc procedure) override;
   bool UnhookWindowsHookEx(HookHandle hook) override;

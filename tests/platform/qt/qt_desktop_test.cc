@@ -330,6 +330,28 @@ TEST_F(QtDesktopTest, ATimerTicksUntilItIsKilled) {
   });
 }
 
+TEST_F(QtDesktopTest, ATimerThatSleepsTicksOnceItIsWoken) {
+  int ticks = 0;
+  recorder.onTimer = [&](std::uint32_t id) {
+    ++ticks;
+    EXPECT_TRUE(desktop().SleepTimer(Window(), id));
+  };
+  Run([&] {
+    desktop().SetTimer(Window(), 3, 5);
+    for (const int before : {0, 1, 2}) {
+      EXPECT_TRUE(desktop().WakeTimer(Window(), 3));
+      EXPECT_TRUE(QTest::qWaitFor([&] { return ticks > before; }));
+      QTest::qWait(30);
+      EXPECT_EQ(ticks, before + 1);
+    }
+    desktop().KillTimer(Window(), 3);
+    EXPECT_FALSE(desktop().SleepTimer(Window(), 3));
+    EXPECT_FALSE(desktop().WakeTimer(Window(), 3));
+    EXPECT_FALSE(desktop().SleepTimer(99, 3));
+    EXPECT_FALSE(desktop().WakeTimer(99, 3));
+  });
+}
+
 WINDOW_TEST(QtDesktopTest, TextOfAnotherThreadIsShownWithoutItsWaiting) {
   // The user interface's thread is busy here until the other one has ended.
   std::thread other([&] {
