@@ -21,17 +21,25 @@ class ManualMachine : public platform::Clock,
   platform::DIJOYSTATE2 state = AtRest();                 // what the device gives
   std::uint32_t eventsSet = 0;                            // calls of SetEvent
   std::uint32_t rests = 0;                                // calls of SleepTimer
+  std::uint32_t wakes = 0;                                // calls of WakeTimer
   platform::HRESULT enumDevicesResult = platform::DI_OK;  // after the device has been listed
 
   // One period of the timer that was set last.
   void Tick() { callback(kTimerId, user); }
+  // The notification thread's turn, which finds one change, however late.
+  void Notify() {
+    changesToFind = 1;
+    threadEntry(threadParameter);
+  }
 
   void Sleep(std::uint32_t) override {}
   std::uint32_t GetTickCount() override { return 0; }
 
   std::int32_t GetCurrentThreadId() override { return 1; }
-  platform::Handle CreateThread(platform::ThreadEntry, void*, const char*,
+  platform::Handle CreateThread(platform::ThreadEntry entry, void* parameter, const char*,
                                 std::int32_t* threadId) override {
+    threadEntry = entry;
+    threadParameter = parameter;
     threadLives = true;
     if (threadId) *threadId = 2;
     return kThread;
@@ -57,7 +65,7 @@ class ManualMachine : public platform::Clock,
   }
   std::uint32_t WaitForMultipleObjects(std::uint32_t, const platform::Handle*,
                                        std::uint32_t) override {
-    return platform::WAIT_FAILED;
+    return changesToFind-- != 0 ? platform::WAIT_OBJECT_0 + 1 : platform::WAIT_FAILED;
   }
   bool CloseHandle(platform::Handle) override { return true; }
 
@@ -74,7 +82,7 @@ class ManualMachine : public platform::Clock,
     return kTimerId;
   }
   void SleepTimer(std::uint32_t, platform::Handle, bool) override { ++rests; }
-  void WakeTimer(std::uint32_t) override {}
+  void WakeTimer(std::uint32_t) override { ++wakes; }
   std::uint32_t timeKillEvent(std::uint32_t) override { return platform::TIMERR_NOERROR; }
 
   platform::HRESULT EnumDevices(std::uint32_t deviceClass,
@@ -106,6 +114,9 @@ class ManualMachine : public platform::Clock,
   }
 
   bool threadLives = false;
+  platform::ThreadEntry threadEntry = nullptr;
+  void* threadParameter = nullptr;
+  std::uint32_t changesToFind = 0;
   platform::Handle lastEvent = 0;
   platform::TimerCallback callback = nullptr;
   void* user = nullptr;

@@ -85,6 +85,23 @@ TEST_F(TickCost, ATickGivesUpEvenWhereItsOwnThreadHoldsTheLock) {
   EXPECT_EQ(polls, 1u);
 }
 
+TEST_F(TickCost, ADispatchThatComesAfterTheTimerFellAsleepWakesIt) {
+  ASSERT_TRUE(selected);
+  manager.SetPollCallback(
+      [](DeviceManager* device, const DIJOYSTATE2*, void*) { device->NothingUntilChange(); },
+      nullptr);
+  manager.SetChangeCallback([](DeviceManager*, const DIJOYSTATE2*, void*) {}, nullptr);
+  manager.EnableChangeCallback();
+  machine.state.rgbButtons[0] = 0x80;
+  machine.Tick();
+  EXPECT_EQ(machine.rests, 0u);
+  machine.Tick();
+  EXPECT_EQ(machine.rests, 1u);
+  machine.wakes = 0;
+  machine.Notify();
+  EXPECT_EQ(machine.wakes, 1u);
+}
+
 TEST_F(TickCost, ATickReleasesTheLock) {
   ASSERT_TRUE(selected);
   machine.Tick();

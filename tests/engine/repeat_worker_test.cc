@@ -116,6 +116,17 @@ TEST_F(Repeat, NothingIsLookedAtWhileNothingRepeats) {
   EXPECT_EQ(sim.Calls(), test::Calls{});
 }
 
+TEST(RepeatWithoutEvents, LooksEachTenMilliseconds) {
+  platform::simulation::Simulation sim;
+  sim.FailNext("CreateEventA auto");
+  RepeatWorker worker;
+  sim.LogCalls(true);
+  worker.Start(false, 0);
+  sim.RunFor(95);
+  EXPECT_EQ(test::CountDeviceCalls(sim, "Sleep 10"), 10);
+  worker.Stop();
+}
+
 // With each time between two looks, and at a look.
 TEST_F(Repeat, LooksComeWhenTheyWouldHaveComeWithoutTheSleep) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 7});

@@ -154,6 +154,7 @@ class RecordedPad {
       : pad(ShapeOf(recording)), held(recording.device.buttons, false) {}
 
   const std::string& Node() const { return pad.Node(); }
+  void Stir() { pad.Stir(); }
 
   // False for a change that no pad of the kernel can make.
   bool Apply(const StateChange& change) {
@@ -212,9 +213,9 @@ class RecordedPad {
 };
 
 // The moment of one poll of the pad, found by watching the process at work.
-std::int64_t PollMoment(pid_t process, const std::string& node, int interval) {
-  const int descriptor = DescriptorOf(process, node);
-  for (const SystemCall& call : TraceCalls(process, 3 * interval)) {
+std::int64_t PollMoment(pid_t process, RecordedPad& pad, int interval) {
+  const int descriptor = DescriptorOf(process, pad.Node());
+  for (const SystemCall& call : TraceCalls(process, 3 * interval, [&] { pad.Stir(); })) {
     if (call.number == SYS_read && static_cast<int>(call.first) == descriptor) {
       return call.us;
     }
@@ -252,7 +253,7 @@ TEST_P(KernelCase, SendsTheseEvents) {
   // Time 0 is the moment of a poll. A change is sent half an interval before the poll that is to
   // see it, so that it is clear which one does.
   const std::int64_t step = static_cast<std::int64_t>(interval) * 1000;
-  std::int64_t begin = PollMoment(run.Process().Id(), pad.Node(), interval);
+  std::int64_t begin = PollMoment(run.Process().Id(), pad, interval);
   while (begin < NowUs() + 50000) {
     begin += step;
   }

@@ -135,6 +135,7 @@ UinputPad::UinputPad(const PadShape& shape) : buttons(shape.buttons) {
   for (unsigned int code : shape.buttons) {
     libevdev_enable_event_code(model, EV_KEY, code, nullptr);
   }
+  libevdev_enable_event_code(model, EV_MSC, MSC_SCAN, nullptr);
   for (const PadAxis& axis : shape.axes) {
     input_absinfo range = {};
     range.minimum = axis.minimum;
@@ -178,6 +179,11 @@ void UinputPad::Put(unsigned int type, unsigned int code, int value) {
 }
 
 void UinputPad::Sync() { Put(EV_SYN, SYN_REPORT, 0); }
+
+void UinputPad::Stir() {
+  Put(EV_MSC, MSC_SCAN, 1);
+  Sync();
+}
 
 void UinputPad::Press(std::size_t button) {
   Put(EV_KEY, buttons.at(button), 1);

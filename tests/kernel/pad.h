@@ -68,6 +68,9 @@ class UinputPad {
   // As TurnHat, without the sync.
   void PutHat(int hat, int angle);
 
+  // A whole report that its readers have to read and that changes nothing.
+  void Stir();
+
   // /dev/input/event…
   const std::string& Node() const { return node; }
 

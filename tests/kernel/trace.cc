@@ -24,7 +24,7 @@ void Set(const std::string& file, const std::string& value) {
 
 }  // namespace
 
-std::vector<SystemCall> TraceCalls(pid_t process, int ms) {
+std::vector<SystemCall> TraceCalls(pid_t process, int ms, const std::function<void()>& begun) {
   std::string threads;
   for (const auto& entry :
        std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
@@ -36,6 +36,7 @@ std::vector<SystemCall> TraceCalls(pid_t process, int ms) {
   Set("set_event_pid", threads);
   Set("events/raw_syscalls/sys_enter/enable", "1");
   Set("tracing_on", "1");
+  if (begun) begun();
   WaitMs(ms);
   Set("tracing_on", "0");
   Set("events/raw_syscalls/sys_enter/enable", "0");

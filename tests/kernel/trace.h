@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,9 @@ struct SystemCall {
 };
 
 // All system calls that the threads which `process` has now begin within `ms` from now, in order.
-std::vector<SystemCall> TraceCalls(pid_t process, int ms);
+// `begun` is called once the tracing has begun.
+std::vector<SystemCall> TraceCalls(pid_t process, int ms,
+                                   const std::function<void()>& begun = nullptr);
 
 // The descriptor under which `process` holds `path` open, -1 if it doesn't.
 int DescriptorOf(pid_t process, const std::string& path);
