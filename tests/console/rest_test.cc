@@ -13,7 +13,7 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr std::uint64_t kLength = 30'000;  // ms
+constexpr std::uint64_t kLength = 12'000;  // ms
 
 std::uint32_t RunsToCompare() {
   const char* runs = std::getenv("KELVARO_REST_RUNS");
