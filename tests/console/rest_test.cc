@@ -24,6 +24,7 @@ std::vector<std::string> EventsOf(std::uint32_t seed, bool timersSleep) {
   std::vector<std::string> events;
   Soak soak({.seed = seed,
              .faults = false,
+             .detections = true,
              .timersSleep = timersSleep,
              .listener = [&](const auto& event) { events.push_back(EventText(event)); }});
   while (soak.Now() < kLength && !testing::Test::HasFailure()) soak.Step();

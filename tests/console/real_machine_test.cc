@@ -1,0 +1,43 @@
+// The commands that look at this machine's own devices, whatever they are.
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "tests/console/console_run.h"
+
+namespace kelvaro::console {
+namespace {
+
+constexpr char kNobodysPad[] = "A pad that nobody has";
+
+TEST(RealDevices, AreListedInOrderWithTheirNodes) {
+  const Outcome listed = Kelvaroctl({"devices", "--json"});
+  std::istringstream lines(listed.out);
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    Json::Value device;
+    ASSERT_TRUE(Json::Reader().parse(line, device)) << line;
+    EXPECT_EQ(device["index"].asInt(), count) << line;
+    EXPECT_EQ(device["guid"].asString().size(), 32u) << line;
+  }
+  // In text, a line each for its name, its make and its node; more where there is more to say.
+  const Outcome text = Kelvaroctl({"devices"});
+  EXPECT_GE(std::count(text.out.begin(), text.out.end(), '\n'), 3 * count);
+  EXPECT_EQ(text.err.find("No game pad is plugged in.") != std::string::npos, count == 0);
+  EXPECT_EQ(text.status, listed.status);
+}
+
+TEST(RealDevices, OneThatIsNotThereIsNamed) {
+  for (const char* command : {"watch", "record"}) {
+    const Outcome outcome = Kelvaroctl({command, kNobodysPad});
+    EXPECT_EQ(outcome.status, 1) << command;
+    EXPECT_EQ(outcome.out, "") << command;
+    EXPECT_NE(outcome.err.find("there is no device 'A pad that nobody has'"), std::string::npos)
+        << outcome.err;
+  }
+}
+
+}  // namespace
+}  // namespace kelvaro::console
