@@ -101,7 +101,8 @@ std::unique_ptr<Reader> KeyboardOf(const Child& child) {
 }
 
 ProfileRun::ProfileRun(const std::string& profile, const std::string& device,
-                       const std::string& node, const std::vector<std::string>& options) {
+                       const std::string& node, const std::vector<std::string>& options,
+                       const ChildOptions& how) {
   std::set<std::string> before;
   for (const InputNode& input : InputNodes()) {
     before.insert(input.path);
@@ -112,7 +113,7 @@ ProfileRun::ProfileRun(const std::string& profile, const std::string& device,
   }
   arguments.insert(arguments.end(), options.begin(), options.end());
   arguments.push_back(WriteFile(profile));
-  child = std::make_unique<Child>(arguments);
+  child = std::make_unique<Child>(arguments, how);
   const auto fresh = [&](const char* name) {
     return FindInput(
         [&](const InputNode& input) { return input.name == name && !before.contains(input.path); });

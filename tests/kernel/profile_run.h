@@ -38,7 +38,7 @@ class ProfileRun {
   // and both virtual devices are being read. A start that fails is a failure of the test; Started()
   // is then false and nothing else may be used.
   ProfileRun(const std::string& profile, const std::string& device, const std::string& node,
-             const std::vector<std::string>& options = {});
+             const std::vector<std::string>& options = {}, const ChildOptions& how = {});
 
   bool Started() const { return mouse != nullptr; }
   Child& Process() { return *child; }

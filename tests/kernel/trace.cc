@@ -69,6 +69,17 @@ std::vector<SystemCall> TraceCalls(pid_t process, int ms, const std::function<vo
   return calls;
 }
 
+pid_t ThreadOf(pid_t process, const std::string& name) {
+  for (const auto& entry :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::ifstream file(entry.path() / "comm");
+    std::string own;
+    if (std::getline(file, own) && own == name)
+      return static_cast<pid_t>(std::stol(entry.path().filename().string()));
+  }
+  return -1;
+}
+
 int DescriptorOf(pid_t process, const std::string& path) {
   for (const auto& [descriptor, file] : tests::OpenFiles(process))
     if (file == path) return descriptor;

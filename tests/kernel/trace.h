@@ -23,6 +23,9 @@ struct SystemCall {
 std::vector<SystemCall> TraceCalls(pid_t process, int ms,
                                    const std::function<void()>& begun = nullptr);
 
+// The thread of that name; -1 if there is none.
+pid_t ThreadOf(pid_t process, const std::string& name);
+
 // The descriptor under which `process` holds `path` open, -1 if it doesn't.
 int DescriptorOf(pid_t process, const std::string& path);
 

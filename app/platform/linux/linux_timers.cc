@@ -131,7 +131,11 @@ void* LinuxTimers::RunTimer(void* start) {
     timer->calling = std::this_thread::get_id();
     timer->woken = false;
     lock.unlock();
-    timer->callback(timer->id, timer->user);
+    {
+      // Whoever the callback wakes wants what the callback still holds.
+      const HeldWakes untilItEnds;
+      timer->callback(timer->id, timer->user);
+    }
     goOn();
     lock.lock();
     timer->calling = {};

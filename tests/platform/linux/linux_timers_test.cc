@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <atomic>
 
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/linux_clock.h"
+#include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/monotonic_time.h"
 
 namespace platform {
@@ -258,6 +260,44 @@ TEST_F(LinuxTimersTest, ALongPeriodEndsAtOnceWhenKilled) {
   }
   EXPECT_LT(MonotonicNow() - start, 10 * kNanosecondsPerSecond);
   EXPECT_EQ(ticks.count, 0);
+}
+
+// A thread that the callback signals.
+struct Signalled {
+  LinuxThreads threads;
+  const Handle event = threads.CreateEventA(false, false);
+  std::atomic<bool> inCallback{false};
+  std::atomic<int> cameTooEarly{0};
+  std::atomic<int> wakes{0};
+};
+
+TEST_F(LinuxTimersTest, AThreadThatACallSignalsRunsOnceTheCallHasEnded) {
+  constexpr int kWakes = 10;
+  Signalled signalled;
+  const Handle thread = signalled.threads.CreateThread(
+      [](void* parameter) -> std::uint32_t {
+        auto* mine = static_cast<Signalled*>(parameter);
+        while (mine->wakes < kWakes) {
+          mine->threads.WaitForSingleObject(mine->event, WAIT_FOREVER);
+          if (mine->inCallback) ++mine->cameTooEarly;
+          ++mine->wakes;
+        }
+        return 0;
+      },
+      &signalled, "test", nullptr);
+  const std::uint32_t id = timers.timeSetEvent(
+      50, 1,
+      [](std::uint32_t, void* user) {
+        auto* mine = static_cast<Signalled*>(user);
+        mine->inCallback = true;
+        mine->threads.SetEvent(mine->event);
+        usleep(5000);  // works on, without a wait that the platform knows
+        mine->inCallback = false;
+      },
+      &signalled, TIME_PERIODIC);
+  EXPECT_EQ(signalled.threads.WaitForSingleObject(thread, 20000), WAIT_OBJECT_0);
+  End(id);
+  EXPECT_EQ(signalled.cameTooEarly, 0);
 }
 
 }  // namespace
