@@ -34,8 +34,8 @@ struct MadeControl {
 class ControlTest : public MainWindowTest {
  protected:
   static void AddControl(ProfileFile* profile, const MadeControl& made) {
-    Control control;
-    control.actionsBorrowed = 1;  // the one in the list owns the actions
+    profile->controls.AddTail(Control());
+    Control& control = *profile->controls.tail->value;
     control.controlId = made.id != 0 ? made.id : profile->nextControlId++;
     control.description = TextOf(made.description);
     control.SetButtonMask(made.buttons);
@@ -55,7 +55,6 @@ class ControlTest : public MainWindowTest {
       EXPECT_EQ(action->ParseKeys(TextOf(made.keys[i])), KeyAction::kParsed);
       control.actions.AddTail(action);
     }
-    profile->controls.AddTail(control);
   }
 
   // The program anew, with a profile of these Controls open.

@@ -6,6 +6,7 @@
 #include "app/resources/control_ids.h"
 #include "app/start/launch_request.h"
 #include "tests/app/main_window_fixture.h"
+#include "tests/foundation/texts.h"
 
 namespace kelvaro {
 namespace {
@@ -14,16 +15,10 @@ using namespace main_window;
 
 using Strings = std::vector<std::string>;
 
-Strings All(const LinkedList<ByteString>& list) {
-  Strings all;
-  for (const ByteString& name : list) all.push_back(Bytes(name));
-  return all;
-}
-
 Strings Split(const std::string& text) {
   LinkedList<ByteString> list;
   SplitCommandLine(TextOf(text), &list);
-  return All(list);
+  return Texts(list);
 }
 
 TEST(SplitCommandLine, EndsATokenAtABlankAndAtAClosingQuote) {
@@ -59,7 +54,7 @@ TEST(SplitCommandLine, AddsToWhatTheListHas) {
   LinkedList<ByteString> list;
   list.AddTail("before");
   SplitCommandLine("a b", &list);
-  EXPECT_EQ(All(list), (Strings{"before", "a", "b"}));
+  EXPECT_EQ(Texts(list), (Strings{"before", "a", "b"}));
 }
 
 TEST(ReadCommandLine, TakesProfilesAndWhatToStartWithThem) {
@@ -97,7 +92,7 @@ TEST(ReadCommandLine, TakesProfilesAndWhatToStartWithThem) {
     SCOPED_TRACE(row.why);
     const LaunchRequest request =
         ReadCommandLine(TextOf(std::string("\"/game/kelvaro\" ") + row.arguments), {});
-    EXPECT_EQ(All(request.profiles), row.profiles);
+    EXPECT_EQ(Texts(request.profiles), row.profiles);
     EXPECT_EQ(Bytes(request.target), row.target);
     EXPECT_EQ(Bytes(request.args), row.args);
     EXPECT_EQ(Bytes(request.dir), row.dir);
@@ -117,7 +112,7 @@ class CommandLineTest : public MainWindowTest {
     screen.SetCommandLine("\"/game/kelvaro\" " + arguments);
     Begin();
   }
-  Strings Extra() const { return All(Window()->launcher.extraProfiles); }
+  Strings Extra() const { return Texts(Window()->launcher.extraProfiles); }
 };
 
 TEST_F(CommandLineTest, WithoutArgumentsTheLastProfileIsOpened) {

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "app/resources/control_ids.h"
 #include "keys/key_action.h"
@@ -48,8 +47,8 @@ class ProfileRowTest : public MainWindowTest {
   // A Control that a press of `button` fires.
   static void AddControl(ProfileFile* profile, std::uint32_t button, const char* keys,
                          std::uint32_t repeatSpeed = 0) {
-    Control control;
-    control.actionsBorrowed = 1;  // the one in the list owns the action
+    profile->controls.AddTail(Control());
+    Control& control = *profile->controls.tail->value;
     control.controlId = profile->nextControlId++;
     control.description = keys;
     control.SetButtonMask(std::uint64_t{1} << (button - 1));
@@ -59,7 +58,6 @@ class ProfileRowTest : public MainWindowTest {
     auto* const action = new KeyAction;
     EXPECT_EQ(action->ParseKeys(keys), KeyAction::kParsed);
     control.actions.AddTail(action);
-    profile->controls.AddTail(control);
   }
 
   static void SetDevice(ProfileFile* profile, const char* name, const platform::GUID& guid,

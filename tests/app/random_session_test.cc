@@ -18,6 +18,7 @@
 #include "keys/key_action.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/console/random.h"
+#include "tests/foundation/texts.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/random_profile.h"
 
@@ -86,8 +87,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     profile->pollInterval = random.Between(1, 20);
     profile->movementSensitivity = static_cast<std::int32_t>(random.Below(51));
     for (std::uint32_t n = random.Between(1, 6); n > 0; --n) {
-      Control control;
-      control.actionsBorrowed = 1;  // the one in the list owns the action
+      profile->controls.AddTail(Control());
+      Control& control = *profile->controls.tail->value;
       control.controlId = profile->nextControlId++;
       control.description = ToDecimal(control.controlId, false, 1);
       control.SetButtonMask(random.Between(1, 15));
@@ -99,7 +100,6 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       auto* const action = new KeyAction;
       action->ParseKeys(TextOf(random.OneOf({"a", "bcd", "<P:120>e", "<CTRL+F1>", "<LMB>"})));
       control.actions.AddTail(action);
-      profile->controls.AddTail(control);
     }
   }
 
@@ -294,8 +294,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     leftBehind.clear();
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
-    listed.clear();
-    for (const ByteString& name : names) listed.push_back(Bytes(name));
+    listed = Texts(names);
     const std::string last = SettingText("Last Profile").value_or("");
     Begin();
     std::string first;
@@ -425,8 +424,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   void CheckFolder(bool faulty) {
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
-    std::set<std::string> held;
-    for (const ByteString& name : names) held.insert(Bytes(name));
+    const Strings all = Texts(names);
+    const std::set<std::string> held(all.begin(), all.end());
     const std::set<std::string> shown(listed.begin(), listed.end());
     std::set<std::string> differing;
     std::set_symmetric_difference(held.begin(), held.end(), shown.begin(), shown.end(),

@@ -96,8 +96,8 @@ void FillEveryMember(Profile* profile) {
   profile->mouseWheel = TriggerItem{7, 3, 268};
   profile->mouseAlwaysActive = true;
 
-  Control control;
-  control.actionsBorrowed = 1;  // the copy in the list is to own the actions
+  profile->controls.AddTail(Control());
+  Control& control = *profile->controls.tail->value;
   control.controlId = 5;
   control.description = "Jump";
   control.activateOnPress = 0;
@@ -113,7 +113,6 @@ void FillEveryMember(Profile* profile) {
   control.keyReleasePause = 10;
   control.actions.AddTail(Action(3, {{65, 30, 0}, {1, 244, 128}}).release());
   control.actions.AddTail(Action(0, {{67, 46, 2}}).release());
-  profile->controls.AddTail(control);
   profile->controls.AddTail(Control());
 }
 

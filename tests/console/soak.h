@@ -159,10 +159,8 @@ class Soak {
     LockGuard guard(profile.profileLock);
     profile.Clear();
     for (const Control& control : next.controls) {
-      Control copy;
-      copy.CopyDeep(control);
-      copy.actionsBorrowed = 1;  // the list's copy deletes them
-      profile.controls.AddTail(copy);
+      profile.controls.AddTail(Control());
+      profile.controls.tail->value->CopyDeep(control);
     }
     static_cast<MouseSettings&>(profile) = next;
     profile.RebuildDispatchList();

@@ -6,15 +6,14 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/texts.h"
 
 namespace kelvaro {
 namespace {
 
-using platform::HKEY;
 using platform::HKEY_CURRENT_USER;
 using platform::HKEY_LOCAL_MACHINE;
 using platform::REG_BINARY;
-using platform::REG_DWORD;
 using platform::REG_EXPAND_SZ;
 using platform::REG_SZ;
 using platform::simulation::Simulation;
@@ -29,12 +28,6 @@ Lines Shown(const RegistryValueList& values) {
                                              ? "=" + Bytes(value.text)
                                              : "#" + std::to_string(value.number)));
   }
-  return lines;
-}
-
-Lines Shown(const LinkedList<ByteString>& names) {
-  Lines lines;
-  for (const ByteString& name : names) lines.push_back(Bytes(name));
   return lines;
 }
 
@@ -308,7 +301,7 @@ TEST_F(RegistryKeyTest, EnumerationReplacesWhatTheListHeld) {
   LinkedList<ByteString> names;
   EXPECT_TRUE(key.EnumSubkeys(key.handle, &names));
   EXPECT_TRUE(key.EnumSubkeys(key.handle, &names));
-  EXPECT_EQ(Shown(names), Lines{"sub"});
+  EXPECT_EQ(Texts(names), Lines{"sub"});
 }
 
 TEST_F(RegistryKeyTest, AnEmptyKeyEnumeratesAsNothing) {
@@ -374,9 +367,9 @@ TEST_F(RegistryKeyTest, SubkeysComeInTheirOrder) {
   RegistryKey below(HKEY_CURRENT_USER, "Software\\Game\\a", false);
   LinkedList<ByteString> names;
   EXPECT_TRUE(key.EnumSubkeys(key.handle, &names));
-  EXPECT_EQ(Shown(names), (Lines{"z", "a"}));
+  EXPECT_EQ(Texts(names), (Lines{"z", "a"}));
   EXPECT_TRUE(key.EnumSubkeys(below.handle, &names));
-  EXPECT_EQ(Shown(names), Lines{"deep"});
+  EXPECT_EQ(Texts(names), Lines{"deep"});
 }
 
 TEST_F(RegistryKeyTest, ASubkeyThatFailsIsSkipped) {
@@ -387,7 +380,7 @@ TEST_F(RegistryKeyTest, ASubkeyThatFailsIsSkipped) {
   LinkedList<ByteString> names;
   sim.FailNext("RegEnumKeyA", 5);
   EXPECT_TRUE(key.EnumSubkeys(key.handle, &names));
-  EXPECT_EQ(Shown(names), Lines{"b"});
+  EXPECT_EQ(Texts(names), Lines{"b"});
 }
 
 class RegistryCopyTest : public RegistryKeyTest {

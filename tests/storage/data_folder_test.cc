@@ -7,6 +7,7 @@
 
 #include "app/platform/simulation/simulation.h"
 #include "storage/profile_file.h"
+#include "tests/foundation/texts.h"
 
 namespace kelvaro {
 namespace {
@@ -32,9 +33,7 @@ class DataFolderTest : public testing::Test {
     ProfileFile reader;
     LinkedList<ByteString> list;
     reader.ListProfileNames(&list);
-    Strings names;
-    for (const ByteString& name : list) names.push_back(name.Text());
-    return names;
+    return Texts(list);
   }
   static std::string Folder() { return DataFolder().Text(); }
   static std::string Profiles() { return ProfileFile::ProfileFolder().Text(); }

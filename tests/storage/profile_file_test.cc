@@ -128,8 +128,8 @@ void FillEverything(ProfileFile* profile) {
   profile->wheelSensitivity = 44;
   profile->wheelDamper = 55;
 
-  Control control;
-  control.actionsBorrowed = 1;
+  profile->controls.AddTail(Control());
+  Control& control = *profile->controls.tail->value;
   control.description = "jump";
   control.controlId = 0x0A0B0C0D;
   control.toggleMouseControls = 1;
@@ -149,7 +149,6 @@ void FillEverything(ProfileFile* profile) {
   action->steps.AddTail({0x42, 0x30, 0x80});
   control.actions.AddTail(action);
   control.actions.AddTail(new KeyAction);
-  profile->controls.AddTail(control);
 }
 
 const char kEverything[] =

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/foundation/texts.h"
 #include "tests/storage/profile_bytes.h"
 
 namespace kelvaro {
@@ -20,19 +21,14 @@ class ProfileLibraryTest : public ProfileTest {
   Strings Names() {
     LinkedList<ByteString> list;
     EXPECT_TRUE(profile.ListProfileNames(&list));
-    return All(list);
+    return Texts(list);
   }
   Strings Files() {
     LinkedList<ByteString> list;
     EXPECT_TRUE(profile.ListProfileFiles(&list));
-    return All(list);
+    return Texts(list);
   }
   std::string Find(const std::string& name) { return Bytes(profile.FindProfileFile(TextOf(name))); }
-  static Strings All(const LinkedList<ByteString>& list) {
-    Strings all;
-    for (const ByteString& name : list) all.push_back(Bytes(name));
-    return all;
-  }
 
   ProfileFile profile;
 };
@@ -165,10 +161,10 @@ TEST_F(ProfileLibraryTest, ListsAreReplacedAndNotAddedTo) {
   LinkedList<ByteString> list;
   list.AddTail("left over");
   profile.ListProfileNames(&list);
-  EXPECT_EQ(All(list), Strings{"a"});
+  EXPECT_EQ(Texts(list), Strings{"a"});
   list.AddTail("left over");
   profile.ListProfileFiles(&list);
-  EXPECT_EQ(All(list), Strings{PathOf("a.idprof")});
+  EXPECT_EQ(Texts(list), Strings{PathOf("a.idprof")});
 }
 
 TEST_F(ProfileLibraryTest, FilesPutInAndTakenOutByHandAreSeenAtOnce) {

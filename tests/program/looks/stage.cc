@@ -5,7 +5,6 @@
 #include <QEventLoop>
 #include <QPalette>
 #include <QTimer>
-#include <initializer_list>
 #include <map>
 #include <memory>
 #include <utility>
@@ -37,8 +36,8 @@ struct Example {
 };
 
 void Add(ProfileFile* profile, const Example& example) {
-  Control control;
-  control.actionsBorrowed = 1;  // the one in the list owns the action
+  profile->controls.AddTail(Control());
+  Control& control = *profile->controls.tail->value;
   control.controlId = profile->nextControlId++;
   control.description = example.description;
   control.SetButtonMask(example.buttons);
@@ -50,7 +49,6 @@ void Add(ProfileFile* profile, const Example& example) {
   } else {
     control.toggleMouseControls = 1;
   }
-  profile->controls.AddTail(control);
 }
 
 void StoreExamples() {
