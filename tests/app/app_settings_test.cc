@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
-#include <vector>
 
 #include "app/resources/control_ids.h"
 #include "tests/app/calls.h"

@@ -621,18 +621,6 @@ TEST_F(DefineControlDialogTest, NoControlFiresWhileItIsOpenAndAMadeOneDoesAfterw
             "1400 key 41 1e 2\n");
 }
 
-TEST_F(DefineControlDialogTest, AControlThatIsDownStaysDownUntilTheDialogHasClosed) {
-  StartWith({{.buttons = 0b1, .keys = {"a"}}});
-  Press({1});
-  EXPECT_EQ(Sent(), Strings{"key 41 1e 0"});
-  New();
-  Press({});
-  EXPECT_EQ(Sent(), Strings{"key 41 1e 0"});
-  screen.Click(IDCANCEL);
-  Press({5});
-  EXPECT_EQ(Sent(), (Strings{"key 41 1e 0", "key 41 1e 2"}));
-}
-
 // --- OK
 
 TEST_F(DefineControlDialogTest, OKTakesEveryField) {

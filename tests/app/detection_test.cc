@@ -37,17 +37,6 @@ std::string Words(const TriggerItem& item) {
 }
 
 // A Control that a press of `buttons` fires.
-void AddControl(ProfileFile* profile, std::uint64_t buttons, const char* keys) {
-  Control control;
-  control.actionsBorrowed = 1;  // the one in the list owns the action
-  control.controlId = profile->nextControlId++;
-  control.SetButtonMask(buttons);
-  auto* const action = new KeyAction;
-  EXPECT_EQ(action->ParseKeys(keys), KeyAction::kParsed);
-  control.actions.AddTail(action);
-  profile->controls.AddTail(control);
-}
-
 class DetectionTest : public MainWindowTest {
  protected:
   DetectionTest() { Preset("Show Auto-Detect Usage", 0); }
@@ -172,23 +161,6 @@ TEST_F(DetectionTest, EachBoxStartsADetectionForItsField) {
   }
 }
 
-TEST_F(DetectionTest, ADetectionInWhichNothingHappensLeavesTheInputsAsTheyWere) {
-  StoreFullProfile();
-  BeginHere();
-  for (const std::uint32_t box : kBoxes) {
-    screen.Click(box);
-    sim.RunFor(100);
-    screen.Click(box);
-  }
-  EXPECT_EQ(Words(OpenProfile().mouseX), "2 0 8");
-  EXPECT_EQ(Words(OpenProfile().mouseY), "5 0 20");
-  EXPECT_EQ(Words(OpenProfile().mouseWheel), "9 0 32");
-  EXPECT_EQ(OpenProfile().leftMask, 0x10u);
-  EXPECT_EQ(OpenProfile().middleMask, 0x20u);
-  EXPECT_EQ(OpenProfile().rightMask, 0x40u);
-  ExpectAllSaved();
-}
-
 // What is shown
 
 TEST_F(DetectionTest, TheFieldFollowsTheButtonsFromPollToPoll) {
@@ -237,20 +209,6 @@ TEST_F(DetectionTest, TwoButtonsEndItWithTheFirstOfThem) {
   EXPECT_EQ(CheckedBoxes(), std::vector{kDetectLeftButton});
   sim.RunFor(1);
   ExpectEndedWithLeftAsB3();
-}
-
-TEST_F(DetectionTest, TwoButtonsEndAnAxisToo) {
-  BeginHere();
-  screen.Click(kDetectMouseY);
-  pad.MoveAxis("Axis_RY0", -25000);
-  Poll();
-  EXPECT_EQ(screen.Text(kMouseY), "Axis_RY0");
-  pad.Press({1, 2});
-  Poll();
-  EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_EQ(Words(OpenProfile().mouseY), "4 0 16");
-  EXPECT_TRUE(CheckedBoxes().empty());
-  ExpectAllSaved();
 }
 
 TEST_F(DetectionTest, AnotherBoxStoresTheOneAndStartsTheOther) {
@@ -310,27 +268,6 @@ TEST_F(DetectionTest, AnotherProfileEndsItAndTheFileBeforeStaysAsItWas) {
 }
 
 // The engine meanwhile
-
-TEST_F(DetectionTest, NoControlFiresAndThePointerStandsStillMeanwhile) {
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.mouseX = MouseInput(0, 0);
-    made.mouseAlwaysActive = true;
-    AddControl(&made, 0x4, "x");
-  });
-  BeginHere();
-  screen.Click(kDetectRightButton);
-  pad.Press({3});
-  pad.MoveAxis("Axis_X0", 32000);
-  sim.RunFor(100);
-  EXPECT_EQ(sim.EventText(), "");
-  pad.Press({});
-  Poll();
-  screen.Click(kDetectRightButton);
-  pad.Press({3});
-  sim.RunFor(20);
-  EXPECT_NE(sim.EventText(), "");
-}
 
 TEST_F(DetectionTest, TheEndWaitsForTheProfilesLock) {
   BeginHere();

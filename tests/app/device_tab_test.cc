@@ -774,22 +774,6 @@ TEST_F(DeviceSettingsTest, FromTheFirstMissingValueOnNothingIsTakenOverThoughAll
   }
 }
 
-TEST_F(DeviceSettingsTest, AValueOfAnotherKindIsMissing) {
-  Keep();
-  sim.Registry().PutString(kPadSettings, "Sensitivity", "21");
-  BeginHere();
-  EXPECT_EQ(MouseWords(OpenProfile()), "-7 15 5 | 0 0, 0 0, 0 0 | 11 0 0, 11 0 0, 11 0 0 | off");
-}
-
-TEST_F(DeviceSettingsTest, ADeviceWithoutAKeyLeavesAllAsItWas) {
-  BeginHere();
-  EXPECT_EQ(MouseWords(OpenProfile()), kUntouchedMouse);
-  EXPECT_EQ(Device()->PollInterval(), 5u);
-  EXPECT_TRUE(Device()->DeviceSelected());
-  EXPECT_EQ(screen.Text(kNumButtons), "11");
-  EXPECT_TRUE(Settings().showAutoDetectUsage);
-}
-
 TEST_F(DeviceSettingsTest, AnInputThatHasNoFieldKeepsItsOffset) {
   const struct {
     std::uint32_t kind;

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "tests/app/calls.h"
 #include "tests/person/desktop_simulation.h"

@@ -309,7 +309,8 @@ TEST_F(FailedStartTest, AnIconThatIsNotAddedEndsTheProgramInSilence) {
   Begin();
   EXPECT_FALSE(screen.Running());
   EXPECT_TRUE(screen.Boxes().empty());
-  EXPECT_EQ(CountCalls(sim, "Shell_NotifyIconA"), 1u);
+  EXPECT_EQ(CallsOf(sim, {"Shell_NotifyIconA", "DestroyIcon"}),
+            (Strings{"Shell_NotifyIconA 0", "DestroyIcon"}));
   ExpectNothingWasSetUpBehindIt();
   ExpectTheStartValuesWritten();
 }
@@ -531,16 +532,6 @@ TEST_F(WindowLifeTest, AWindowThatEndsHiddenComesBackAtTheCorner) {
   EXPECT_EQ(PlaceText(screen.Place()), "0,0 to 570,377");
 }
 
-TEST_F(WindowLifeTest, ARunAfterAnotherIsLikeTheFirst) {
-  Begin();
-  screen.Close();
-  Begin();
-  screen.Minimise();
-  EXPECT_FALSE(screen.Shown());
-  Post(WM_CLOSE_PROGRAM);
-  EXPECT_FALSE(screen.Running());
-}
-
 // ---- Messages.
 
 TEST_F(WindowLifeTest, MessagesOfTheStartAndUnknownOnesDoNothing) {
@@ -611,18 +602,6 @@ class PluginTest : public WindowLifeTest {
     Preset("Autodetect Device Plugin", 1);
   }
 };
-
-TEST_F(PluginTest, ADeviceThatIsPluggedInIsUsedWithinFiveSeconds) {
-  Begin();
-  const std::uint64_t start = sim.Now();
-  EXPECT_FALSE(Device()->DeviceSelected());
-  pad.PlugIn();
-  sim.RunUntil(start + 4000);
-  EXPECT_FALSE(Device()->DeviceSelected());
-  sim.RunUntil(start + 5500);
-  EXPECT_TRUE(Device()->DeviceSelected());
-  EXPECT_EQ(CurrentDeviceName(), kPad);
-}
 
 TEST_F(PluginTest, ItIsLookedForEachFiveSecondsUntilItIsThere) {
   Begin();
@@ -770,32 +749,6 @@ TEST_F(WindowLifeTest, EachTabShowsItsPageAndTheRowOfProfiles) {
   }
 }
 
-TEST_F(WindowLifeTest, LeavingTheMouseTabEndsTheTest) {
-  Begin();
-  for (const std::int32_t other : {0, 2, 3}) {
-    screen.ChooseTab(kTabControl, 1);
-    screen.Click(kTestMode);
-    EXPECT_TRUE(Engine().TestMode());
-    screen.ChooseTab(kTabControl, other);
-    EXPECT_FALSE(Engine().TestMode()) << other;
-  }
-}
-
-TEST_F(WindowLifeTest, LeavingTheMouseTabEndsADetectionAndSavesWhatItFound) {
-  Begin();
-  Settings().showAutoDetectUsage = false;
-  screen.ChooseTab(kTabControl, 1);
-  screen.Click(kDetectLeftButton);
-  EXPECT_TRUE(Engine().IsDetecting());
-  pad.Press({4});
-  sim.RunFor(50);
-  screen.ChooseTab(kTabControl, 2);
-  EXPECT_FALSE(Engine().IsDetecting());
-  EXPECT_FALSE(screen.Checked(kDetectLeftButton));
-  EXPECT_EQ(Stored(kProfile)->leftButton, 3);
-  EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Pad", "Left Mouse Btn"), 3u);
-}
-
 TEST_F(WindowLifeTest, AChangeOfTabWithoutADetectionSavesNothing) {
   Begin();
   screen.ChooseTab(kTabControl, 1);
@@ -807,26 +760,6 @@ TEST_F(WindowLifeTest, AChangeOfTabWithoutADetectionSavesNothing) {
 }
 
 // ---- Keys that reach the window itself.
-
-TEST_F(WindowLifeTest, CopyAndPasteWorkFromTheWindowAndDeleteDoesNot) {
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    Control control;
-    control.controlId = made.nextControlId++;
-    made.controls.AddTail(control);
-  });
-  Begin();
-  screen.SelectRows(kControlList, {0});
-  screen.FocusOn(kNewControl);
-  screen.Press('C', true);
-  screen.Press('V', true);
-  EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
-  screen.SelectRows(kControlList, {0});
-  screen.FocusOn(kNewControl);
-  screen.Press(0x2E);
-  EXPECT_TRUE(screen.Boxes().empty()) << "nobody asks whether to delete";
-  EXPECT_EQ(screen.Cells(kControlList).size(), 2u);
-}
 
 // ---- Layout.
 
@@ -866,12 +799,6 @@ TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   screen.Resize(610, 377);
   expectPlaces(40, 0);
   EXPECT_EQ(PlaceText(Window()->ClientRect()), "0,0 to 610,377");
-}
-
-TEST_F(MainLayoutTest, TheWindowCannotBecomeSmallerThanItWasMade) {
-  Begin();
-  screen.Resize(300, 100);
-  EXPECT_EQ(PlaceText(screen.Place()), "115,211 to 685,588");
 }
 
 // The list is 543 wide with 16 of them for its frame and scroll bar. Columns grow by their share,

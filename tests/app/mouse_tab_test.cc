@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
-#include <vector>
 
 #include "app/platform/desktop.h"
 #include "app/resources/control_ids.h"
@@ -285,28 +284,6 @@ TEST_F(MouseTabTest, TheTestButtonWaitsForTheMousesLock) {
   screen.Click(kTestMode);
   EXPECT_EQ(sim.Now() - before, 50u);
   EXPECT_TRUE(Engine().TestMode());
-}
-
-TEST_F(MouseTabTest, InTestModeThePointerMovesWithoutAnythingElseOn) {
-  StoreProfile(kProfile, [this](ProfileFile& made) {
-    UsePad(made);
-    made.mouseX = MouseInput(0, 0);
-  });
-  BeginHere();
-  pad.MoveAxis("Axis_X0", 32000);
-  sim.RunFor(20);
-  EXPECT_EQ(sim.EventText(), "");
-
-  screen.Click(kTestMode);
-  sim.RunFor(20);
-  // 4 polls at the limit with a sensitivity of 15: 1 + 3.4 counts each.
-  ASSERT_EQ(sim.Events().size(), 4u);
-  for (const auto& event : sim.Events()) EXPECT_EQ(event.dx, 4);
-
-  screen.Click(kTestMode);
-  sim.ClearEvents();
-  sim.RunFor(20);
-  EXPECT_EQ(sim.EventText(), "");
 }
 
 TEST_F(MouseTabTest, AnotherTabEndsTestModeForGood) {

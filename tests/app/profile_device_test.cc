@@ -2,9 +2,7 @@
 // and go.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "app/resources/control_ids.h"
 #include "tests/app/profile_row_fixture.h"

@@ -21,7 +21,6 @@ using namespace main_window;
 
 using platform::IDOK;
 using platform::MB_ICONEXCLAMATION;
-using platform::MB_OK;
 
 // Takes its time over each value that is written.
 class SlowRegistry final : public ForwardedRegistry {
@@ -256,23 +255,6 @@ TEST_F(ProfileLoadingTest, TheSaveOfADetectionIsOverBeforeTheNextFileIsRead) {
   EXPECT_EQ(OpenName(), "Beta");
   EXPECT_EQ(Descriptions(), Strings({"b"}));
   EXPECT_EQ(BytesOf("Beta.idprof"), beta);
-}
-
-TEST_F(ProfileLoadingTest, AFileWithoutMouseSettingsKeepsThoseOfTheProfileBefore) {
-  Store("Alpha", [](ProfileFile* file) {
-    SetDevice(file, "Pad", kPadGuid);
-    file->movementSensitivity = 33;
-    file->mouseAlwaysActive = true;
-  });
-  Disk().PutFile(PathOf("Beta.idprof"),
-                 ProfileBytes({List(1, {Field("EventProfile")}), List(2, {Field("\x01")}),
-                               List(3, {Field("Beta"), Field(Big(1, 4))})}));
-  Begin();
-  Choose("Beta");
-  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
-  EXPECT_EQ(OpenProfile().movementSensitivity, 33);
-  EXPECT_EQ(Engine().movementFactor, 35);
-  EXPECT_FALSE(OpenProfile().mouseAlwaysActive);
 }
 
 // ---- Files that can't be read

@@ -78,16 +78,6 @@ TEST_F(ProfileOperationsTest, ANewProfileWithoutADeviceInUseHasNoneAndDoesNotCom
   ExpectSavedAs("Alpha.idprof");
 }
 
-TEST_F(ProfileOperationsTest, TheFirstProfileOfAllMakesTheFolder) {
-  Begin();
-  ASSERT_EQ(Profiles(), Strings());
-  ASSERT_FALSE(Disk().Exists("/game/Profiles"));
-  ClickNew("Race: 1/2");
-  EXPECT_EQ(Profiles(), Strings({"Race: 1/2"}));
-  EXPECT_EQ(Files(), Strings({"Race 12.idprof"}));
-  ExpectSavedAs("Race 12.idprof");
-}
-
 TEST_F(ProfileOperationsTest, CancelOfANewProfileDoesNothing) {
   StoreWithPad("Alpha", "a");
   Begin();
@@ -231,16 +221,6 @@ TEST_F(RefusedNameTest, ForACopyAndForARename) {
       ExpectNothingChanged();
     }
   }
-}
-
-TEST_F(RefusedNameTest, TheLongestOneThatIsNotIsSaved) {
-  BeginWithThem();
-  const std::string longest(244, 'n');
-  ClickForName(kRenameProfile, longest);
-  EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(OpenName(), longest);
-  ExpectSavedAs(longest + ".idprof");
-  EXPECT_FALSE(Disk().Exists(PathOf("Alpha.idprof")));
 }
 
 TEST_F(RefusedNameTest, ABlankOneIsSentBackToItsDialog) {
@@ -412,17 +392,6 @@ TEST_F(ProfileOperationsTest, TheLastProfileLeavesAnEmptyListAndStaysRemembered)
   ExpectNoProfile();
   EXPECT_EQ(Remembered(), "Alpha") << "nothing was selected after it";
   EXPECT_FALSE(screen.BoxUp());
-}
-
-TEST_F(ProfileOperationsTest, TheFileThatGoesIsTheOneThatHoldsTheName) {
-  StoreWithPad("Alpha");
-  Disk().PutFile(PathOf("renamed by hand.idprof"), BytesOf("Alpha.idprof"));
-  Disk().Remove(PathOf("Alpha.idprof"));
-  Disk().PutFile(PathOf("renamed by hand.idprof.tmp"), "left over");
-  Begin();
-  ASSERT_EQ(OpenName(), "Alpha");
-  ClickDelete();
-  EXPECT_EQ(Files(), Strings({"renamed by hand.idprof.tmp"})) << "a temporary isn't looked at";
 }
 
 TEST_F(ProfileOperationsTest, AFileThatCannotBeDeletedKeepsTheProfileOpen) {
@@ -649,23 +618,6 @@ TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone
   }
   EXPECT_GE(kept, 2u) << "where the old one couldn't be found or deleted";
   EXPECT_GE(lost, 3u) << "where it was, and the new one couldn't be written";
-}
-
-TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesTheNextChange) {
-  StoreWithPad("Alpha", "a");
-  const std::string cut = CutWithinItsControls("Alpha.idprof");
-  Begin();
-  EXPECT_FALSE(screen.BoxUp()) << "it loads";
-  EXPECT_EQ(Descriptions(), Strings());
-  EXPECT_EQ(Files(), Strings({"Alpha.idprof"}));
-  ClickForName(kCopyProfile, "Beta");
-  EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof"})) << "nothing is written over";
-  Choose("Alpha");
-  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
-  screen.Choose(kDeviceList, kNone);
-  EXPECT_EQ(Files(), Strings({"Alpha.idprof", "Beta.idprof", "Alpha.idprof.damaged"}));
-  EXPECT_EQ(BytesOf("Alpha.idprof.damaged"), cut);
-  EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
 }
 
 TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesARename) {

@@ -23,28 +23,5 @@ TEST(Allocations, CountEachForm) {
   EXPECT_EQ(Allocations() - before, 4u);
 }
 
-TEST(FailingAllocation, OnlyTheChosenAllocationFails) {
-  LinkedList<int> list;
-  {
-    FailingAllocation fault(3);  // an element takes two: a node and a copy
-    EXPECT_TRUE(list.AddTail(1));
-    EXPECT_FALSE(list.AddTail(1));
-    EXPECT_TRUE(list.AddTail(1));
-    EXPECT_EQ(fault.Failed(), 1u);
-  }
-  EXPECT_TRUE(list.AddTail(1));
-  EXPECT_EQ(list.count, 3);
-}
-
-TEST(FailingAllocation, AllFollowingOnesFailWhenAskedTo) {
-  LinkedList<int> list;
-  FailingAllocation fault(3, true);
-  EXPECT_TRUE(list.AddTail(1));
-  EXPECT_FALSE(list.AddTail(1));
-  EXPECT_FALSE(list.AddTail(1));
-  EXPECT_EQ(fault.Failed(), 2u);
-  EXPECT_EQ(list.count, 1);
-}
-
 }  // namespace
 }  // namespace kelvaro

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "app/platform/simulation/simulation.h"
 #include "keys/key_action.h"

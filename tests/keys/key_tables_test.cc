@@ -5,7 +5,6 @@
 #include <cctype>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "keys/key_step.h"
 #include "tests/keys/key_text.h"

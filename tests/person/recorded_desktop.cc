@@ -1,7 +1,5 @@
 #include "tests/person/recorded_desktop.h"
 
-#include <algorithm>
-
 namespace platform::simulation {
 
 // ---- Windows

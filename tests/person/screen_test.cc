@@ -130,13 +130,6 @@ TEST_F(ScreenTest, OneProgramRunsAtATime) {
   EXPECT_TRUE(screen.Running());
 }
 
-TEST_F(ScreenTest, TheProgramRunsOnAThreadOfItsOwn) {
-  const std::int32_t here = threads().GetCurrentThreadId();
-  main.onInit = [&] { EXPECT_NE(threads().GetCurrentThreadId(), here); };
-  Start();
-  EXPECT_TRUE(screen.Running());
-}
-
 TEST_F(ScreenTest, TimePassesAsFarAsTheProgramWaits) {
   Start();
   EXPECT_EQ(sim.Now(), 0u);
@@ -223,28 +216,6 @@ TEST_F(ScreenTest, PostedMessagesComeInTheirOrderAndTimersBehindThem) {
                                  "timer 1@25", "timer 1@30"}));
 }
 
-TEST_F(ScreenTest, AnActComesBehindWhatWasPostedBefore) {
-  Start();
-  main.onMessage = [&](std::uint32_t message) {
-    if (message == WM_APP) desktop().PostMessageA(main.window, WM_APP + 1, 0, 0);
-  };
-  desktop().PostMessageA(main.window, WM_APP, 0, 0);
-  screen.Click(24);
-  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "message 32769 0 0", "clicked 24"}));
-}
-
-TEST_F(ScreenTest, PeriodsOfATimerThatPassDuringAHandlerFold) {
-  Start();
-  bool slow = true;
-  main.onTimer = [&] {
-    if (std::exchange(slow, false)) clock().Sleep(35);
-  };
-  desktop().SetTimer(main.window, 1, 10);
-  sim.RunFor(60);
-  // From 10 to 45 the handler runs; 20, 30 and 40 come as one.
-  EXPECT_EQ(main.Diary(), (Lines{"timer 1@10", "timer 1@45", "timer 1@50", "timer 1@60"}));
-}
-
 TEST_F(ScreenTest, ATimerThatHasSleptGoesOnWhenItWouldHaveCome) {
   Start();
   controls().SetControlFocus(main.window, 20);  // which has no caret that blinks
@@ -292,20 +263,6 @@ TEST_F(ScreenTest, BoxesAreAnsweredFromTheNewestOn) {
   EXPECT_EQ(screen.Box().text, "32768");
   screen.Answer(IDYES);
   EXPECT_EQ(main.Diary(), (Lines{"32769 got 7", "32768 got 6"}));
-}
-
-TEST_F(ScreenTest, APreparedAnswerKeepsTheBoxFromStaying) {
-  Start();
-  main.onMessage = [&](std::uint32_t) {
-    main.Note("got " + std::to_string(desktop().MessageBoxA(main.window, "text", "", MB_OK)));
-  };
-  main.Diary();
-  screen.AnswerNext(IDOK);
-  desktop().PostMessageA(main.window, WM_APP, 0, 0);
-  screen.Settle();
-  EXPECT_FALSE(screen.BoxUp());
-  EXPECT_EQ(main.Diary(), (Lines{"message 32768 0 0", "got 1"}));
-  EXPECT_EQ(screen.Boxes().size(), 1u);
 }
 
 // ---- Controls
@@ -370,18 +327,6 @@ TEST_F(IconTest, AnIconIsAddedAndRemovedOnce) {
   EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, data));
   EXPECT_FALSE(screen.IconShown());
   EXPECT_FALSE(desktop().Shell_NotifyIconA(1, data));
-}
-
-TEST_F(IconTest, TheMouseAboveTheIconSendsItsMessages) {
-  desktop().Shell_NotifyIconA(NIM_ADD, data);
-  desktop().ShowWindow(main.window, SW_HIDE);
-  screen.IconDoubleClick();
-  EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 513", "message 32768 4 514",
-                                 "message 32768 4 515", "message 32768 4 514"}));
-  screen.IconRightClick();
-  EXPECT_EQ(main.Diary(), (Lines{"message 32768 4 516", "message 32768 4 517"}));
-  screen.IconMessage(9, 0x200);
-  EXPECT_EQ(main.Diary(), (Lines{"message 32768 9 512"}));
 }
 
 TEST_F(IconTest, AMenuStaysUntilItIsChosenFromOrDismissed) {

@@ -3,7 +3,6 @@
 #include <signal.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 

@@ -3,7 +3,6 @@
 // the code that wrote it.
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <random>
 #include <sstream>
 

@@ -6,7 +6,6 @@
 
 #include <concepts>
 #include <cstdint>
-#include <string>
 
 #include "engine/members.h"
 #include "keys/key_action.h"

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace platform {

@@ -720,13 +720,5 @@ TEST_F(LinuxFilesTest, EveryThreadHasItsOwnLastError) {
   EXPECT_EQ(Error(), ENOENT);
 }
 
-TEST_F(LinuxFilesTest, ItIsAGroupOfThePlatform) {
-  LinuxPlatform linuxPlatform;
-  const InstalledPlatform installed(linuxPlatform.Groups());
-  Put("a", "1");
-  EXPECT_EQ(platform::files().GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
-  EXPECT_EQ(platform::files().PathSeparator(), '/');
-}
-
 }  // namespace
 }  // namespace platform

@@ -9,7 +9,6 @@
 #include <QScreen>
 #include <atomic>
 #include <chrono>
-#include <memory>
 #include <thread>
 
 #include "app/platform/qt/stop_requests.h"

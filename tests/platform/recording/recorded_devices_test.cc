@@ -10,7 +10,6 @@
 
 namespace platform {
 
-using simulation::Simulation;
 namespace {
 
 // A clock that a test sets.

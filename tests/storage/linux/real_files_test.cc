@@ -75,31 +75,6 @@ TEST_F(RealFilesTest, ASaveKeepsThePermissionsButForTheReadOnlyBit) {
   EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
 }
 
-TEST_F(RealFilesTest, AReadOnlyFileIsNotDeleted) {
-  ProfileFile profile;
-  profile.profileName = "P";
-  ASSERT_TRUE(profile.Save());
-  ASSERT_EQ(chmod(PathOf("P.idprof").c_str(), 0444), 0);
-  EXPECT_FALSE(profile.DeleteProfileFile());
-  EXPECT_TRUE(std::filesystem::exists(PathOf("P.idprof")));
-}
-
-TEST_F(RealFilesTest, ATargetCutShortIsRestoredFromItsTemporary) {
-  ProfileFile profile;
-  RandomProfile(7).Fill(&profile);
-  profile.profileName = "P";
-  ASSERT_TRUE(profile.Save());
-  std::filesystem::copy_file(PathOf("P.idprof"), PathOf("P.idprof.tmp"));
-  std::filesystem::resize_file(PathOf("P.idprof"), 400);
-  LinkedList<ByteString> names;
-  ProfileFile again;
-  EXPECT_TRUE(again.ListProfileNames(&names));
-  EXPECT_EQ(names.count, 1);
-  EXPECT_EQ(Files(), std::vector<std::string>{"P.idprof"});
-  ASSERT_TRUE(again.Load(TextOf(PathOf("P.idprof"))));
-  ExpectSameProfile(profile, again);
-}
-
 TEST_F(RealFilesTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   ProfileFile longest;
   longest.profileName = TextOf(std::string(ProfileFile::kLongestName, 'n'));
@@ -107,18 +82,6 @@ TEST_F(RealFilesTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   longest.profileName.AppendChar('n');
   EXPECT_FALSE(longest.Save());
   EXPECT_EQ(Files().size(), 1u);
-}
-
-TEST_F(RealFilesTest, ACutFileIsKeptBeforeTheFirstSaveOverIt) {
-  ProfileFile profile;
-  RandomProfile(7).Fill(&profile);
-  profile.profileName = "P";
-  ASSERT_TRUE(profile.Save());
-  std::filesystem::resize_file(PathOf("P.idprof"), 400);
-  ASSERT_TRUE(profile.Load(TextOf(PathOf("P.idprof"))));
-  ASSERT_TRUE(profile.Save());
-  EXPECT_EQ(Files(), (std::vector<std::string>{"P.idprof", "P.idprof.damaged"}));
-  EXPECT_EQ(std::filesystem::file_size(PathOf("P.idprof.damaged")), 400u);
 }
 
 // ---- Two processes that save one profile

@@ -8,7 +8,6 @@
 #include <QDBusVirtualObject>
 #include <QThread>
 #include <QVariantMap>
-#include <algorithm>
 #include <atomic>
 #include <mutex>
 
