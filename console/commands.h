@@ -82,6 +82,7 @@ struct RunOptions {
   std::optional<std::string> replay;  // file of a recording
   std::optional<std::string> device;
   bool mouseActive = false;
+  bool wake = false;
   std::optional<std::uint64_t> until;  // ms
   bool json = false;
 };

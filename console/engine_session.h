@@ -29,6 +29,9 @@ class EngineSession {
   explicit EngineSession(Profile& profile);
   ~EngineSession();
 
+  // Before Begin; as DeviceManager::SetAnswerAtOnce.
+  void SetAnswerAtOnce(bool on) { device.SetAnswerAtOnce(on); }
+
   // Selects the device and starts polling it and the repeat worker; the moment of return is time 0.
   // False, with *error in words, when there is no such device or its interval can't be had.
   bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);

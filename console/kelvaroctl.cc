@@ -192,7 +192,11 @@ void AddRun(CLI::App& app, Choice& choice) {
   run->footer(
       "It takes the profile's device (or --device, or the recording given by --replay) and ends\n"
       "on Ctrl-C, at --until, or one second after the last line of the recording; then it lets go\n"
-      "of every key and button that it holds down.");
+      "of every key and button that it holds down.\n"
+      "With --wake what the pad does brings a poll at once; the next comes a full interval later\n"
+      "at the earliest. A tap between two polls isn't lost: its press and its release are two\n"
+      "changes. So are two buttons that go down a moment apart: a Control for the first of them\n"
+      "may fire before the one for both.");
   run->add_option("PROFILE", choice.run.profile, kProfileHelp)
       ->option_text("FILE|NAME")
       ->required();
@@ -203,6 +207,8 @@ void AddRun(CLI::App& app, Choice& choice) {
       ->needs(replay);
   run->add_option("--device", choice.run.device, "name of the pad to take");
   run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
+  run->add_flag("--wake", choice.run.wake,
+                "answer at once: don't wait for the next poll when the pad does something");
   AddMilliseconds(run, "--until", &choice.run.until, kMostUntil, kUntilHelp);
   run->add_flag("--json", choice.run.json,
                 "print JSON Lines; on a real run the events are printed beside being sent");

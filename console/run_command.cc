@@ -57,6 +57,7 @@ int RunSimulated(const RunOptions& options, Profile& profile, const Recording& r
   });
 
   EngineSession session(profile);
+  session.SetAnswerAtOnce(options.wake);
   std::string error;
   if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
     return Complain(streams.err, options.profile + ": " + error);
@@ -79,6 +80,7 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
   }
 
   EngineSession session(profile);
+  session.SetAnswerAtOnce(options.wake);
   if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
     return Complain(streams.err, options.profile + ": " + error);
   }

@@ -142,7 +142,7 @@ int ChangeSetting(const SettingsOptions& options, const std::vector<std::uint32_
     return Complain(streams.err, std::string("'") + setting->name + "' can't be '" + options.value +
                                      "': it is " + AllowedFor(*setting));
   }
-  if (!running.empty()) {
+  if (!running.empty() && setting->saved != Setting::Saved::Never) {
     return Complain(streams.err, "Kelvaro runs (process " + Numbers(running) + ") and writes '" +
                                      setting->name + "' itself when it ends; end it first");
   }
@@ -158,6 +158,10 @@ int ChangeSetting(const SettingsOptions& options, const std::vector<std::uint32_
   } else {
     streams.out << setting->name << " = " << ValueText(holds) << ", from the window's next start on"
                 << std::endl;
+    if (!running.empty()) {
+      streams.out << "Kelvaro runs (process " << Numbers(running)
+                  << "): end it and start it again for this to count" << std::endl;
+    }
   }
   return kDone;
 }

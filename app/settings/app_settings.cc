@@ -12,6 +12,7 @@ using platform::HKEY_LOCAL_MACHINE;
 using Saved = Setting::Saved;
 
 constexpr char kLastProfile[] = "Last Profile";
+constexpr char kAnswerAtOnce[] = "Answer At Once";
 
 // Load reports whether the first one is there.
 constexpr Setting kSettings[] = {
@@ -30,6 +31,8 @@ constexpr Setting kSettings[] = {
     {"Welcome Display", "the welcome was shown, if it isn't 0", &AppSettings::welcomeDisplay},
     {kLastDevice, "the device that the window starts with", &AppSettings::lastDevice,
      Saved::WithTheDevice},
+    {kAnswerAtOnce, "take in what a device does when it does it, not at the next poll",
+     &AppSettings::answerAtOnce, Saved::Never},
 };
 
 bool Read(RegistryKey* key, const char* name, bool* flag) {
@@ -64,7 +67,11 @@ bool Setting::Store(RegistryKey* key, const AppSettings& settings) const {
   return std::visit([&](auto value) { return Write(key, name, settings.*value); }, member);
 }
 
-bool AppSettings::LoadBeforeDevice(RegistryKey* key) { return Read(key, kLastDevice, &lastDevice); }
+bool AppSettings::LoadBeforeDevice(RegistryKey* key) {
+  const bool isThere = Read(key, kLastDevice, &lastDevice);
+  Read(key, kAnswerAtOnce, &answerAtOnce);
+  return isThere;
+}
 
 bool AppSettings::Load(RegistryKey* key, bool deviceLoaded) {
   const bool shownBefore = showAutoDetectUsage;

@@ -23,12 +23,13 @@ struct AppSettings {
   bool autodetectDevicePlugin = false;
   std::uint32_t welcomeDisplay = 0;
   ByteString lastDevice;  // as it was loaded
+  bool answerAtOnce = false;
 
-  // All of these take what is stored under the product key, opened as `key`.
-  // lastDevice; false unless it is there.
+  // Take what is stored under the product key, opened as `key`. First lastDevice and answerAtOnce:
+  // false unless there is a last device.
   bool LoadBeforeDevice(RegistryKey* key);
-  // The others; showAutoDetectUsage only if `deviceLoaded`. False unless that is so and that one
-  // value is there.
+  // Then the others; showAutoDetectUsage only if `deviceLoaded`. False unless that is so and that
+  // one value is there.
   bool Load(RegistryKey* key, bool deviceLoaded);
   void Save() const;
   // Stored at once.
@@ -42,6 +43,7 @@ struct Setting {
   enum class Saved {
     ByTheWindow,    // by AppSettings::Save
     WithTheDevice,  // by the window, when it saves what belongs to the device
+    Never,          // by the window
   };
 
   const char* name;  // in the registry

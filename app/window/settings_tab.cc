@@ -34,6 +34,7 @@ bool SettingsTab::LoadAppSettings() {
   RegistryKey key(HKEY_CURRENT_USER, kProductKey, false);
   AppSettings& settings = session.settings;
   const bool hasLastDevice = settings.LoadBeforeDevice(&key);
+  session.deviceManager->SetAnswerAtOnce(settings.answerAtOnce);
   const bool deviceLoaded = !hasLastDevice || deviceTab.LoadLastDevice(settings.lastDevice);
   return settings.Load(&key, deviceLoaded);
 }

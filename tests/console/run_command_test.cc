@@ -50,6 +50,46 @@ TEST(RunCommand, PollsAtItsIntervalFromTimeZero) {
   }
 }
 
+// The pad has been at rest for long when it moves.
+TEST(RunCommand, WakeTakesAChangeInAtOnceAndTheNextAnIntervalLater) {
+  const char* const buttons =
+      R"({"controls":[{"buttonMask":1,"actions":[{"text":"a"}]},)"
+      R"({"buttonMask":2,"actions":[{"text":"b"}]},{"buttonMask":3,"actions":[{"text":"c"}]}]})";
+  struct {
+    const char* why;
+    const char* changes;
+    const char* polled;
+    const char* atOnce;
+  } const kCases[] = {
+      {"a press between two polls", "{\"t\":101,\"buttons\":[1]}\n{\"t\":133,\"buttons\":[]}\n",
+       "     105 ms  a down\n     135 ms  a up\n", "     101 ms  a down\n     133 ms  a up\n"},
+      {"a release within the interval that follows the press",
+       "{\"t\":104,\"buttons\":[1]}\n{\"t\":108,\"buttons\":[]}\n",
+       "     105 ms  a down\n     110 ms  a up\n", "     104 ms  a down\n     109 ms  a up\n"},
+      {"two buttons a moment apart",
+       "{\"t\":101,\"buttons\":[1]}\n{\"t\":102,\"buttons\":[1,2]}\n{\"t\":133,\"buttons\":[]}\n",
+       "     105 ms  c down\n     135 ms  c up\n",
+       "     101 ms  a down\n     106 ms  c down\n     133 ms  c up\n     133 ms  a up\n"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(Simulate(buttons, c.changes).out, c.polled) << c.why;
+    EXPECT_EQ(Simulate(buttons, c.changes, {"--wake"}).out, c.atOnce) << c.why;
+  }
+}
+
+TEST(RunCommand, WakeLosesNoTap) {
+  std::string taps;
+  for (int i = 0; i < 100; ++i) {
+    const int press = 100 + 37 * i;  // at each phase of the interval
+    taps += "{\"t\":" + std::to_string(press) + ",\"buttons\":[1]}\n";
+    taps += "{\"t\":" + std::to_string(press + 1 + i % 4) + ",\"buttons\":[]}\n";
+  }
+  const std::string polled = Simulate(kJump, taps).out;
+  const std::string atOnce = Simulate(kJump, taps, {"--wake"}).out;
+  EXPECT_LT(std::count(polled.begin(), polled.end(), '\n'), 150) << "they were no short taps";
+  EXPECT_EQ(std::count(atOnce.begin(), atOnce.end(), '\n'), 200) << atOnce;
+}
+
 TEST(RunCommand, PrintsJsonLines) {
   EXPECT_EQ(
       Simulate(kJump, "{\"t\":12,\"buttons\":[1]}\n{\"t\":31,\"buttons\":[]}\n", {"--json"}).out,

@@ -91,6 +91,9 @@ TEST_F(SettingsInMemory, AListSaysWhatHoldsAndWhatItMeans) {
       "set\n"
       "Last Device = '' (not set)\n"
       "  the device that the window starts with: a text of up to 16383 bytes; '' if not "
+      "set\n"
+      "Answer At Once = 0 (not set)\n"
+      "  take in what a device does when it does it, not at the next poll: 0 or 1; 0 if not "
       "set\n");
 }
 
@@ -194,7 +197,7 @@ TEST_F(SettingsInMemory, AnUnknownNameOrABadValueSaysWhatIsAllowedAndChangesNoth
       {"Smart", "1",
        "there is no setting 'Smart'; there are 'Show Auto-Detect Usage', 'Start Minimized', "
        "'Smart Check', 'Shift Reminder', 'Last Profile', 'No Device Error Msg', "
-       "'Autodetect Device Plugin', 'Welcome Display', 'Last Device'"},
+       "'Autodetect Device Plugin', 'Welcome Display', 'Last Device', 'Answer At Once'"},
       {"smart check", "2", "'Smart Check' can't be '2': it is 0 or 1"},
       {"Smart Check", "", "'Smart Check' can't be '': it is 0 or 1"},
       {"Smart Check", "on", "'Smart Check' can't be 'on': it is 0 or 1"},
@@ -228,6 +231,18 @@ TEST_F(SettingsInMemory, WhatTheWindowWritesIsNotChangedWhileItRuns) {
             "ends; end it first\n");
   EXPECT_EQ(Set("Last Device", "Stick", {812}).status, 1);
   EXPECT_EQ(Stored(), before);
+}
+
+TEST_F(SettingsInMemory, WhatTheWindowOnlyReadsIsChangedAndARunningOneIsNamed) {
+  const Outcome outcome = Set("Answer At Once", "1", {812, 4711});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.out,
+            "Answer At Once = 1, from the window's next start on\n"
+            "Kelvaro runs (process 812,4711): end it and start it again for this to count\n");
+  EXPECT_EQ(Stored(), "Answer At Once=1\n");
+  const std::string json = Set("Answer At Once", "0", {812, 4711}, true).out;
+  EXPECT_NE(json.find(",\"startAgain\":[812,4711]}\n"), std::string::npos) << json;
 }
 
 // The window takes them over at its first start alone, which it knows by the missing key.
