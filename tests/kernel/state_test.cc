@@ -1,15 +1,12 @@
-// What a pad's state is when events were missed, and what polling costs when nothing happens.
+// What a pad's state is when events were missed.
 
 #include <gtest/gtest.h>
 #include <linux/input.h>
-#include <sys/syscall.h>
 
 #include <csignal>
-#include <map>
 
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
-#include "tests/kernel/trace.h"
 #include "tests/kernel/wait.h"
 
 namespace kelvaro::kernel {
@@ -64,36 +61,6 @@ TEST_F(State, EventsThatTheKernelDroppedAreMadeUpFor) {
   run.Keyboard().Clear();
   pad.Tap(0, 30);
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down", "KEY_A up"}));
-}
-
-TEST_F(State, QuietPollIsOneReadBesideTheTimersWait) {
-  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "State Pad", pad.Node());
-  ASSERT_TRUE(run.Started());
-  WaitMs(200);
-  const int descriptor = DescriptorOf(run.Process().Id(), pad.Node());
-  ASSERT_GE(descriptor, 0);
-  const std::vector<SystemCall> calls = TraceCalls(run.Process().Id(), 1000);
-  pid_t polling = 0;
-  for (const SystemCall& call : calls) {
-    if (call.number == SYS_read && static_cast<int>(call.first) == descriptor) {
-      polling = call.thread;
-    }
-  }
-  ASSERT_NE(polling, 0) << "nobody reads the pad";
-  std::map<long, int> counts;
-  for (const SystemCall& call : calls) {
-    if (call.thread == polling) {
-      ++counts[call.number];
-    }
-  }
-  std::string list;
-  for (const auto& [number, count] : counts) {
-    list += " call " + std::to_string(number) + ": " + std::to_string(count);
-  }
-  EXPECT_NEAR(counts[SYS_read], 200, 2) << list;
-  counts.erase(SYS_read);
-  ASSERT_EQ(counts.size(), 1U) << "more than a read and a wait:" << list;
-  EXPECT_NEAR(counts.begin()->second, 200, 2) << list;
 }
 
 }  // namespace
