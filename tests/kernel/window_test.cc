@@ -118,6 +118,23 @@ TEST_F(Window, PulledPadLetsGoAndWorksAgainWithoutAClick) {
   EXPECT_EQ(Named(kKeyboardName), "");
 }
 
+// Each tap is over long before the poll that follows it.
+TEST_F(Window, WithAnswerAtOnceATapBetweenTwoPollsGivesItsKey) {
+  AddProfile({ButtonControl(0, "a")});
+  program.Set("Answer At Once", 1);
+  const auto pad = PlugIn();
+  ASSERT_TRUE(Start());
+  ASSERT_TRUE(Begins(*pad)) << child->Err();
+  std::vector<std::string> expected;
+  for (int tap = 0; tap < 5; ++tap) {
+    pad->Report(1);
+    pad->Report(0);
+    expected.insert(expected.end(), {"KEY_A down", "KEY_A up"});
+    ASSERT_TRUE(Sent(*keyboard, expected));
+  }
+  EndsInOrder();
+}
+
 TEST_F(Window, PadThatComesAfterTheStartIsFoundByTheNextLook) {
   AddProfile({ButtonControl(0, "a")});
   program.Set("Autodetect Device Plugin", 1);
