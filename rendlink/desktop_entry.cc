@@ -8,7 +8,6 @@
 namespace kelvaro::rendlink {
 
 using platform::EscapedForEntry;
-using platform::TrimmedInEntry;
 
 namespace {
 
@@ -50,25 +49,6 @@ bool DesktopEntryText(const DesktopEntry& entry, std::string* text, std::string*
           "\nExec=" + EscapedForEntry(ExecValue(entry.exec)) +
           "\nIcon=" + EscapedForEntry(entry.icon) + "\nTerminal=false\nCategories=Game;\n";
   return true;
-}
-
-std::map<std::string, std::string> ReadDesktopEntry(std::string_view text) {
-  std::map<std::string, std::string> values;
-  bool inside = false;
-  while (!text.empty()) {
-    const std::size_t end = text.find('\n');
-    const std::string_view line = TrimmedInEntry(text.substr(0, end));
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.starts_with('[')) {
-      inside = line == "[Desktop Entry]";
-      continue;
-    }
-    const std::size_t equals = line.find('=');
-    if (!inside || line.starts_with('#') || equals == std::string_view::npos) continue;
-    values.emplace(TrimmedInEntry(line.substr(0, equals)),
-                   platform::UnescapedFromEntry(TrimmedInEntry(line.substr(equals + 1))));
-  }
-  return values;
 }
 
 Words ExecWords(std::string_view exec) {

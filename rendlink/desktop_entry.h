@@ -1,8 +1,7 @@
-// Desktop entries, the files by which desktops start programs: how one is written, and what can be
-// read of one. By the Desktop Entry Specification, 1.5.
+// Desktop entries, the files by which desktops start programs: how one is written, and what its
+// Exec says. By the Desktop Entry Specification, 1.5.
 #pragma once
 
-#include <map>
 #include <string>
 #include <string_view>
 
@@ -19,10 +18,6 @@ struct DesktopEntry {
 
 // The whole file. False, with a sentence in *refusal, for what such a file can't hold.
 bool DesktopEntryText(const DesktopEntry& entry, std::string* text, std::string* refusal);
-
-// The values of the group "Desktop Entry" by their keys, escapes undone; a key that comes twice has
-// its first value.
-std::map<std::string, std::string> ReadDesktopEntry(std::string_view text);
 
 // The words of a value of "Exec". Field codes but "%%" are taken out.
 Words ExecWords(std::string_view exec);

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 
+#include "app/platform/entry_text.h"
 #include "app/platform/files.h"
 #include "foundation/paths.h"
 #include "rendlink/desktop_entry.h"
@@ -54,7 +55,7 @@ std::string IconByEntries(const std::string& folder, const std::string& target) 
   for (const std::string& name : names) {
     std::string text;
     if (!ReadFile(start + name, kLongestEntry, &text)) continue;
-    const auto entry = ReadDesktopEntry(text);
+    const auto entry = platform::ReadEntry(text);
     const auto icon = entry.find("Icon");
     if (icon != entry.end() && !icon->second.empty() && Starts(entry, target)) return icon->second;
   }

@@ -6,6 +6,12 @@ namespace {
 constexpr std::string_view kCodes = "sntr\\";
 constexpr std::string_view kMeanings = " \n\t\r\\";
 
+std::string_view Trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
 }  // namespace
 
 std::string EscapedForEntry(std::string_view text) {
@@ -51,10 +57,23 @@ std::string ExecWord(std::string_view word) {
   return out;
 }
 
-std::string_view TrimmedInEntry(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+std::map<std::string, std::string> ReadEntry(std::string_view text) {
+  std::map<std::string, std::string> values;
+  bool inside = false;
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = Trimmed(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    if (line.starts_with('[')) {
+      inside = line == "[Desktop Entry]";
+      continue;
+    }
+    const std::size_t equals = line.find('=');
+    if (!inside || line.starts_with('#') || equals == std::string_view::npos) continue;
+    values.emplace(Trimmed(line.substr(0, equals)),
+                   UnescapedFromEntry(Trimmed(line.substr(equals + 1))));
+  }
+  return values;
 }
 
 }  // namespace platform

@@ -2,6 +2,7 @@
 // is written and read. By the Desktop Entry Specification, 1.5.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -18,7 +19,8 @@ std::string UnescapedFromEntry(std::string_view text);
 // One word of an Exec: quoted where it must be, and without field codes. Still to be escaped.
 std::string ExecWord(std::string_view word);
 
-// Without the blanks around a key or a value.
-std::string_view TrimmedInEntry(std::string_view text);
+// The values of the group "Desktop Entry" by their keys, escapes undone; a key that comes twice has
+// its first value.
+std::map<std::string, std::string> ReadEntry(std::string_view text);
 
 }  // namespace platform

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+
 namespace platform {
 namespace {
 
@@ -28,9 +31,24 @@ TEST(EntryText, QuotesAWordThatIsEmptyOrHasAReservedByte) {
   EXPECT_EQ(ExecWord("$100%"), R"("\$100%%")");
 }
 
-TEST(EntryText, TrimsBlanksTabsAndCarriageReturns) {
-  EXPECT_EQ(TrimmedInEntry(" \ta b\r "), "a b");
-  EXPECT_EQ(TrimmedInEntry(" \t\r"), "");
+TEST(EntryText, TakesTheFirstValueOfEachKeyOfItsGroup) {
+  const auto values = ReadEntry(
+      "# Icon=comment\n"
+      "Icon=before\n"
+      "[Other]\nIcon=other\n"
+      "[Desktop Entry]\r\n"
+      " \tName = A\\sB\\\\C\\tD\\x \n"
+      "#Icon=comment\n"
+      "no value\n"
+      "Icon=first\n"
+      "Icon=second\n"
+      "Icon[de]=german\n"
+      "Empty=\n"
+      "[Desktop Action New]\nExec=new\n");
+  const std::map<std::string, std::string> expected = {
+      {"Name", "A B\\C\tD\\x"}, {"Icon", "first"}, {"Icon[de]", "german"}, {"Empty", ""}};
+  EXPECT_EQ(values, expected);
+  EXPECT_TRUE(ReadEntry("").empty());
 }
 
 }  // namespace

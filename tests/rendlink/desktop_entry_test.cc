@@ -62,26 +62,6 @@ TEST(DesktopEntryText, RefusesWhatSuchAFileCantHold) {
   }
 }
 
-TEST(ReadDesktopEntry, TakesTheFirstValueOfEachKeyOfItsGroup) {
-  const auto values = ReadDesktopEntry(
-      "# Icon=comment\n"
-      "Icon=before\n"
-      "[Other]\nIcon=other\n"
-      "[Desktop Entry]\r\n"
-      "  Name = A\\sB\\\\C\\tD\\x \n"
-      "#Icon=comment\n"
-      "no value\n"
-      "Icon=first\n"
-      "Icon=second\n"
-      "Icon[de]=german\n"
-      "Empty=\n"
-      "[Desktop Action New]\nExec=new\n");
-  const std::map<std::string, std::string> expected = {
-      {"Name", "A B\\C\tD\\x"}, {"Icon", "first"}, {"Icon[de]", "german"}, {"Empty", ""}};
-  EXPECT_EQ(values, expected);
-  EXPECT_TRUE(ReadDesktopEntry("").empty());
-}
-
 TEST(ExecWords, UndoesQuotesAndFieldCodes) {
   struct {
     const char* exec;

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "app/layout/dialog.h"
+#include "app/platform/entry_text.h"
 #include "app/platform/qt/qt_shell.h"
 #include "app/start/launch_request.h"
 #include "rendlink/desktop_entry.h"
@@ -163,7 +164,7 @@ void ExpectItComesBack(const Launch& launch, const Words& words, const QuoteChar
   EXPECT_EQ(back.args, launch.args) << file;
   EXPECT_EQ(back.dir, launch.dir) << file;
   // What this program reads of a launcher agrees.
-  EXPECT_EQ(ExecWords(ReadDesktopEntry(file).at("Exec")), words) << file;
+  EXPECT_EQ(ExecWords(platform::ReadEntry(file).at("Exec")), words) << file;
 }
 
 bool Has(const std::string& text, const char* any) {

@@ -58,25 +58,22 @@ bool WriteFile(const std::string& folder, const std::string& file, const std::st
 
 }  // namespace
 
-std::string ExecOf(std::string_view program) { return EscapedForEntry(ExecWord(program)); }
-
-std::string ProgramOf(std::string_view exec) {
-  std::string whole = UnescapedFromEntry(exec);
-  if (!whole.starts_with('"')) {
-    const bool isOneArgument = whole.find_first_of(kReservedInExec) == std::string::npos;
-    return isOneArgument ? WithoutFieldCodes(whole) : whole;
+std::string ProgramOf(const std::string& exec) {
+  if (!exec.starts_with('"')) {
+    const bool isOneArgument = exec.find_first_of(kReservedInExec) == std::string::npos;
+    return isOneArgument ? WithoutFieldCodes(exec) : exec;
   }
   std::string argument;
-  for (std::size_t i = 1; i < whole.size(); ++i) {
-    if (whole[i] == '"') {
-      return i + 1 == whole.size() ? WithoutFieldCodes(argument) : whole;
+  for (std::size_t i = 1; i < exec.size(); ++i) {
+    if (exec[i] == '"') {
+      return i + 1 == exec.size() ? WithoutFieldCodes(argument) : exec;
     }
-    const bool isEscape = whole[i] == '\\' && i + 1 < whole.size() &&
-                          kEscapedInQuotes.find(whole[i + 1]) != std::string_view::npos;
+    const bool isEscape = exec[i] == '\\' && i + 1 < exec.size() &&
+                          kEscapedInQuotes.find(exec[i + 1]) != std::string_view::npos;
     if (isEscape) ++i;
-    argument += whole[i];
+    argument += exec[i];
   }
-  return whole;  // the quote never ends
+  return exec;  // the quote never ends
 }
 
 struct AutostartFolder::Entry {
@@ -107,24 +104,11 @@ std::vector<AutostartFolder::Entry> AutostartFolder::Entries() const {
     std::error_code noFile;
     if (at->is_regular_file(noFile)) {
       std::ifstream file(at->path());
-      bool inEntry = false;
-      for (std::string line; std::getline(file, line);) {
-        const std::string_view text = TrimmedInEntry(line);
-        if (text.starts_with('[')) inEntry = text == "[Desktop Entry]";
-        const std::size_t equals = text.find('=');
-        if (!inEntry || equals == std::string_view::npos) continue;
-        const std::string_view key = TrimmedInEntry(text.substr(0, equals));
-        const std::string_view value = TrimmedInEntry(text.substr(equals + 1));
-        if (key == "Exec") entry.program = ProgramOf(value);
-        if (key == "Hidden" && value == "true") entry.isOn = false;
-        if (key == "X-GNOME-Autostart-enabled" && value == "false") entry.isOn = false;
-        if (key == "X-Kelvaro-Order") {
-          entry.order = std::strtoll(std::string(value).c_str(), nullptr, 10);
-        }
-        if (key == "X-Kelvaro-Value" && SameName(UnescapedFromEntry(value), entry.valueName)) {
-          entry.isOurs = true;
-        }
-      }
+      auto values = ReadEntry(std::string((std::istreambuf_iterator<char>(file)), {}));
+      entry.program = ProgramOf(values["Exec"]);
+      entry.isOn = values["Hidden"] != "true" && values["X-GNOME-Autostart-enabled"] != "false";
+      entry.order = std::strtoll(values["X-Kelvaro-Order"].c_str(), nullptr, 10);
+      entry.isOurs = SameName(values["X-Kelvaro-Value"], entry.valueName);
     }
     entries.push_back(std::move(entry));
   }
@@ -161,7 +145,7 @@ std::uint32_t AutostartFolder::Write(const StoredValue& value) {
   }
   const std::string program = value.data.substr(0, value.data.find('\0'));
   const std::string text = "[Desktop Entry]\nType=Application\nName=" + EscapedForEntry(name) +
-                           "\nExec=" + ExecOf(program) +
+                           "\nExec=" + EscapedForEntry(ExecWord(program)) +
                            "\nTerminal=false\nX-Kelvaro-Value=" + EscapedForEntry(name) +
                            "\nX-Kelvaro-Order=" + std::to_string(own.value_or(last + 1)) + "\n";
   return WriteFile(path, file, text) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;

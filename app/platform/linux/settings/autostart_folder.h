@@ -35,8 +35,7 @@ class AutostartFolder {
   const std::string path;
 };
 
-// A program's path as the Exec of a desktop entry, and back.
-std::string ExecOf(std::string_view program);
-std::string ProgramOf(std::string_view exec);
+// The program of an Exec, whose escapes are undone.
+std::string ProgramOf(const std::string& exec);
 
 }  // namespace platform

@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/entry_text.h"
 #include "app/platform/linux/home_folders.h"
 #include "app/platform/linux/linux_platform.h"
 #include "tests/host/files.h"
@@ -715,8 +716,8 @@ TEST(AutostartEntry, ProgramsAreQuotedByTheEntryRules) {
       {"", "\"\""},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(ExecOf(row.program), row.exec);
-    EXPECT_EQ(ProgramOf(row.exec), row.program);
+    EXPECT_EQ(EscapedForEntry(ExecWord(row.program)), row.exec);
+    EXPECT_EQ(ProgramOf(UnescapedFromEntry(row.exec)), row.program);
   }
 }
 
