@@ -1,6 +1,7 @@
 #include "tests/person/screen.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QHeaderView>
@@ -580,8 +581,9 @@ void Screen::Choose(std::uint32_t id, const std::string& row) {
   state->Do([this, box, place] {
     box->setFocus(Qt::MouseFocusReason);
     if (state->Look().focusWidget() != box) return;
-    box->setCurrentIndex(place);
-    Q_EMIT box->activated(place);
+    box->showPopup();
+    box->view()->setCurrentIndex(box->model()->index(place, box->modelColumn()));
+    QTest::keyClick(box->view(), Qt::Key_Return);
   });
 }
 

@@ -9,11 +9,11 @@
 namespace platform::qt {
 
 bool WindowTable::OnOwnThread() const {
-  return owner == 0 || owner == threads().GetCurrentThreadId();
+  return userInterface == 0 || userInterface == threads().GetCurrentThreadId();
 }
 
 WindowHandle WindowTable::Add(DialogWindow* window, std::set<std::uint32_t> controls) {
-  owner = threads().GetCurrentThreadId();
+  userInterface = threads().GetCurrentThreadId();
   const std::lock_guard<std::mutex> guard(mutex);
   windows[++last] = {window, std::move(controls)};
   return last;

@@ -31,7 +31,8 @@ class WindowTable {
  public:
   using Updates = std::vector<std::pair<std::uint32_t, ControlUpdate>>;
 
-  // Belongs to the thread that makes the first window, the user interface's.
+  // Whether the caller is on the user interface's thread, which is the one that makes windows:
+  // until there has been one, any thread is.
   bool OnOwnThread() const;
 
   // The user interface's thread alone.
@@ -67,8 +68,8 @@ class WindowTable {
   ControlUpdate* FindUpdate(WindowHandle handle, std::uint32_t control);
   static void PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act);
 
-  std::atomic<std::int32_t> owner = 0;
-  mutable std::mutex mutex;  // guards all below
+  std::atomic<std::int32_t> userInterface = 0;  // its thread, from the first window on
+  mutable std::mutex mutex;                     // guards all below
   std::map<WindowHandle, Entry> windows;
   WindowHandle last = kNoWindow;
 };
