@@ -196,7 +196,7 @@ void AddRun(CLI::App& app, Choice& choice) {
       "With --wake what the pad does brings a poll at once; the next comes a full interval later\n"
       "at the earliest. A tap between two polls isn't lost: its press and its release are two\n"
       "changes. So are two buttons that go down a moment apart: a Control for the first of them\n"
-      "may fire before the one for both.");
+      "may fire before the one for both. A recording is answered at once with --simulate alone.");
   run->add_option("PROFILE", choice.run.profile, kProfileHelp)
       ->option_text("FILE|NAME")
       ->required();
