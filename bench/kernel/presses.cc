@@ -210,8 +210,11 @@ void MeasurePresses() {
   for (const int intervalMs : {1, 5}) {
     MeasureProgram(intervalMs);
     MeasureProgram(intervalMs, {.asNobody = true});
+    MeasureProgram(intervalMs, {.words = {"--wake"}});
+    MeasureProgram(intervalMs, {.words = {"--wake"}, .asNobody = true});
   }
   CountLostTaps(5);
+  CountLostTaps(5, {.words = {"--wake"}});
 }
 
 }  // namespace kelvaro::kernel

@@ -1,8 +1,6 @@
 #include "app/platform/linux/linux_clock.h"
 
-#include <errno.h>
 #include <sched.h>
-#include <time.h>
 
 #include "app/platform/cut_off.h"
 #include "app/platform/linux/monotonic_time.h"
@@ -11,14 +9,12 @@
 namespace platform {
 
 void LinuxClock::Sleep(std::uint32_t ms) {
-  HeldWakes::LetOut();
   if (ms == 0) {
+    HeldWakes::LetOut();
     sched_yield();
     return;
   }
-  const timespec end = ToTimespec(MonotonicNow() + std::int64_t{ms} * kNanosecondsPerMillisecond);
-  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
-  }
+  SleepUntil(MonotonicNow() + std::int64_t{ms} * kNanosecondsPerMillisecond);
   StopHereIfCutOff();
 }
 

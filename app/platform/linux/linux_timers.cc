@@ -19,6 +19,11 @@
 #include "app/platform/threads.h"
 
 namespace platform {
+namespace {
+
+constexpr std::int64_t kShortSleepNs = 20 * kNanosecondsPerMillisecond;
+
+}  // namespace
 
 struct LinuxTimers::Rest {
   Handle news = kInvalidHandle;
@@ -47,6 +52,20 @@ struct LinuxTimers::Timer {
   void EndRest() {
     if (rest) eventfd_write(wakeUp.Get(), 1);
     rest.reset();
+  }
+  // False when it was killed meanwhile. `lock` is the state's.
+  bool SleepUntil(std::int64_t end, std::unique_lock<PriorityMutex>& lock) {
+    const std::int64_t left = end - MonotonicNow();
+    if (left > kShortSleepNs) {
+      while (!killed && changed.WaitUntil(lock, end)) {
+      }
+    } else if (left > 0) {
+      // Costs less, which each tick feels; a kill doesn't end it, for which nobody waits long.
+      lock.unlock();
+      platform::SleepUntil(end);
+      lock.lock();
+    }
+    return !killed;
   }
 };
 
@@ -126,8 +145,7 @@ void* LinuxTimers::RunTimer(void* start) {
       timer->rest.reset();
       continue;
     }
-    if (timer->changed.WaitUntil(lock, next)) continue;  // killed, or woken for nothing
-    if (timer->killed) break;
+    if (!timer->SleepUntil(next, lock)) break;
     timer->calling = std::this_thread::get_id();
     timer->woken = false;
     lock.unlock();

@@ -49,6 +49,13 @@ HeldWakes::~HeldWakes() {
 
 void HeldWakes::LetOut() { held.LetOut(); }
 
+void SleepUntil(std::int64_t end) {
+  HeldWakes::LetOut();
+  const timespec when = ToTimespec(end);
+  while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &when, nullptr) == EINTR) {
+  }
+}
+
 PriorityMutex::PriorityMutex() {
   pthread_mutexattr_t attributes;
   pthread_mutexattr_init(&attributes);

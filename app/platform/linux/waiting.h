@@ -1,7 +1,7 @@
 // A mutex and a condition for threads of different priorities. A holder of the mutex inherits the
 // priority of a thread that waits for it, so a holder that was pushed off the processor doesn't
 // hold up a real-time thread; the condition waits for a moment of CLOCK_MONOTONIC. A third thing
-// keeps a woken thread from coming too early.
+// keeps a woken thread from coming too early. And a sleep.
 #pragma once
 
 #include <pthread.h>
@@ -61,8 +61,11 @@ class HeldWakes {
   HeldWakes(const HeldWakes&) = delete;
   HeldWakes& operator=(const HeldWakes&) = delete;
 
-  // For whoever is about to wait by other means than MonotonicCondition.
+  // For whoever is about to wait by means that aren't of this file.
   static void LetOut();
 };
+
+// Until that moment of CLOCK_MONOTONIC, in nanoseconds.
+void SleepUntil(std::int64_t end);
 
 }  // namespace platform
