@@ -445,5 +445,72 @@ TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   EXPECT_FALSE(Engine().TestMode());
 }
 
+// The pad isn't polled while the mouse controls are off, and its stick is held over all this time.
+
+class HeldStickTest : public MouseTabTest {
+ protected:
+  void BeginWithStick(bool alwaysActive) {
+    Preset("Show Auto-Detect Usage", 0);
+    for (const char* name : {kProfile, "Mouse"}) {
+      StoreProfile(name, [&](ProfileFile& made) {
+        UsePad(made);
+        made.mouseX = MouseInput(input_kind::kAxisX, 0);
+        made.mouseAlwaysActive = alwaysActive || std::string(name) == "Mouse";
+        made.controls.AddTail({});
+      });
+    }
+    BeginHere();
+    pad.MoveAxis("Axis_X0", 32000);
+    sim.RunFor(5000);
+    sim.ClearEvents();
+  }
+  void ExpectTheStickMovesThePointer(const char* after) {
+    sim.RunFor(10);
+    EXPECT_GE(sim.Events().size(), 1u) << after;
+  }
+  void ExpectItDoesNot(const char* after) {
+    sim.RunFor(5000);
+    sim.ClearEvents();
+    sim.RunFor(5000);
+    EXPECT_EQ(sim.Events().size(), 0u) << after;
+  }
+};
+
+TEST_F(HeldStickTest, MovesThePointerAsSoonAsAnyPartOfTheTabLetsIt) {
+  BeginWithStick(false);
+  screen.Click(kTestMode);
+  ExpectTheStickMovesThePointer("the test button");
+  screen.Click(kTestMode);
+  ExpectItDoesNot("the test button");
+  screen.Click(kMouseAlwaysActive);
+  ExpectTheStickMovesThePointer("the box");
+  screen.Click(kDetectLeftButton);
+  ExpectItDoesNot("the beginning of a detection");
+  screen.Click(kDetectLeftButton);
+  ExpectTheStickMovesThePointer("the end of a detection");
+  pad.MoveAxis("Axis_X0", 10000);
+  screen.MoveSlider(ControlEngine::kMovementDamperSlider, 50);
+  ExpectItDoesNot("the damper");
+  screen.MoveSlider(ControlEngine::kMovementDamperSlider, 0);
+  ExpectTheStickMovesThePointer("the damper");
+}
+
+TEST_F(HeldStickTest, MovesThePointerAsSoonAsDefineControlIsClosed) {
+  BeginWithStick(true);
+  screen.ChooseTab(kTabControl, MainWindow::kControlTab);
+  screen.SelectRows(kControlList, {0});
+  screen.Click(kEditControl);
+  ExpectItDoesNot("the opening");
+  screen.Click(platform::IDCANCEL);
+  ExpectTheStickMovesThePointer("the end");
+}
+
+TEST_F(HeldStickTest, MovesThePointerAsSoonAsItsProfileIsChosen) {
+  BeginWithStick(false);
+  ExpectItDoesNot("a profile without");
+  screen.Choose(kProfileList, "Mouse");
+  ExpectTheStickMovesThePointer("the choice");
+}
+
 }  // namespace
 }  // namespace kelvaro

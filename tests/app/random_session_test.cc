@@ -66,7 +66,7 @@ bool ComesBefore(const std::string& a, const std::string& b) {
 
 class RandomSessionTest : public MainWindowTest, public testing::WithParamInterface<std::uint32_t> {
  protected:
-  RandomSessionTest() : random(GetParam()) {
+  explicit RandomSessionTest(std::uint32_t seed = GetParam()) : random(seed) {
     WithoutProfiles();
     Preset("Show Auto-Detect Usage", 0);
     sim.KeepEvents(false);
@@ -86,6 +86,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     }
     profile->pollInterval = random.Between(1, 20);
     profile->movementSensitivity = static_cast<std::int32_t>(random.Below(51));
+    profile->mouseX = MouseInput(input_kind::kAxisX, 0);
+    profile->mouseAlwaysActive = random.OneIn(4);
     for (std::uint32_t n = random.Between(1, 6); n > 0; --n) {
       profile->controls.AddTail(Control());
       Control& control = *profile->controls.tail->value;
@@ -516,6 +518,35 @@ TEST_P(RandomSessionTest, HoldsTogether) {
     Step();
     if (HasFailure()) return;
   }
+}
+
+// A whole one, and what it sent.
+class PlayedSession : public RandomSessionTest {
+ public:
+  explicit PlayedSession(std::uint32_t seed) : RandomSessionTest(seed) { sim.KeepEvents(true); }
+
+  std::string Sent(bool timersSleep) {
+    sim.LetTimersSleep(timersSleep);
+    Restart();
+    for (int step = 0; step < 200 && !HasFailure(); ++step) Step();
+    CloseAll();
+    return sim.EventText();
+  }
+
+ private:
+  void TestBody() override {}
+};
+
+// Whatever the person does may be what the sleeping poll has to hear of.
+TEST(RandomSessionTwice, SendsTheSameWhetherThePollsSleepOrNot) {
+  std::ptrdiff_t events = 0;
+  for (std::uint32_t seed = 1; seed <= Sessions(); ++seed) {
+    const std::string with = PlayedSession(seed).Sent(true);
+    const std::string without = PlayedSession(seed).Sent(false);
+    ASSERT_EQ(with, without) << "seed " << seed;
+    events += std::count(with.begin(), with.end(), '\n');
+  }
+  EXPECT_GT(events, 100 * Sessions());
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessionTest, testing::Range(1u, 1u + Sessions()));
