@@ -69,7 +69,7 @@ std::string UseText(const Listed& device) {
   const std::string programs = ProgramsText(device.programs);
   if (!device.grabbed) return programs.empty() ? "" : "  also open in " + programs + "\n";
   const std::string grabbed = "  grabbed: only another program gets what it says; ";
-  if (programs.empty()) return grabbed + "which one, this user may not see\n";
+  if (programs.empty()) return grabbed + "the system doesn't tell this user which one\n";
   return grabbed + "it is open in " + programs + "\n";
 }
 

@@ -14,7 +14,7 @@ namespace kelvaro::console {
 
 // What is wrong with a text, and where.
 struct JsonFault {
-  std::size_t line = 0;  // from 1; 0 when it is no matter of a line
+  std::size_t line = 0;  // from 1; 0 when no line is to blame
   std::string member;    // "controls[2].buttonMask"; empty for the whole
   std::string what;
   std::string detail;  // further lines to show below, each ended by a line feed
@@ -25,7 +25,7 @@ struct JsonFault {
 
 class JsonDocument;
 
-// A value of a document, and how a message calls it: "controls[2].buttonMask", "" for the whole.
+// A value of a document, and its name in a message: "controls[2].buttonMask", "" for the whole.
 struct JsonElement {
   JsonDocument& document;
   const Json::Value& value;

@@ -71,7 +71,7 @@ int PlayCommand(const PlayOptions& options, Streams streams) {
   if (options.simulate) return PlaySimulated(options, &action, streams);
   StopSignals signals;
   const int status = PlayForReal(options, &action, &signals, streams);
-  // If the output broke off, only that is said.
+  // If the output broke off, that is the one thing to tell.
   if (streams.out) signals.EndAsAsked();
   return status;
 }

@@ -8,8 +8,8 @@
 
 namespace kelvaro::console {
 
-// More than a profile has a reason to be, in MiB: room for thousands of Controls. In JSON it is
-// taken apart as a whole, at some fifty bytes of memory for each of the file.
+// No profile needs more, in MiB: room for thousands of Controls. JSON is parsed as a whole, at some
+// fifty bytes of memory for each byte of the file.
 constexpr std::size_t kMostProfile = 8;
 
 // Why there is no profile: one line that names what and where, and lines to show below it.

@@ -53,7 +53,7 @@ auto WithValue(const Setting& setting, Settings& settings, const Work& work) {
   return std::visit([&](auto member) { return work(settings.*member); }, setting.member);
 }
 
-// What holds for a setting.
+// The value of a setting that holds now.
 struct Holds {
   explicit Holds(const Setting& setting) : setting(setting) {
     RegistryKey key(platform::HKEY_CURRENT_USER, kProductKey, false);
@@ -61,7 +61,7 @@ struct Holds {
   }
 
   const Setting& setting;
-  AppSettings settings;  // of which that one counts
+  AppSettings settings;  // only that setting counts
   bool isSet;
 };
 
@@ -95,7 +95,7 @@ std::string Text(const Holds& holds) {
          " if not set\n";
 }
 
-// By its name, in which the case of letters doesn't matter. Complains if there is none.
+// By its name, in any case of letters. Complains if there is none.
 const Setting* FindSetting(const std::string& name, Streams streams) {
   std::string names;
   for (const Setting& setting : Settings()) {

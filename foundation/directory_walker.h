@@ -2,7 +2,7 @@
 // each of its subfolders the folder itself, followed by what is in it; within a level in the order
 // of the file system. A folder that can't be read counts as empty. Paths have the platform's
 // separator. One thread at a time; a start folder that begins with "." changes the process's
-// current folder for a moment, beside which no thread may depend on it.
+// current folder for a moment, in which no other thread may depend on it.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,7 @@ class DirectoryWalker {
   bool Start(std::uint32_t flags, const ByteString& filePattern, const ByteString& folder,
              const ByteString& folderPattern, bool recurseAll);
 
-  // The next result in *out. False at the end and ever after, and when nothing was begun.
+  // The next result in *out. False from the end on, and when nothing was begun.
   // "." and ".." are never reported. A link to a folder is reported like one but not entered, as it
   // may lead back to where the walk came from.
   bool Next(WalkResult* out);

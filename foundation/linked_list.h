@@ -22,7 +22,7 @@ class LinkedList {
   };
 
   // Walks the elements from head to tail. Adding at the end and exchanging values are fine on the
-  // way; who removes or moves nodes walks by `head` and `next`.
+  // way; to remove or move nodes, walk by `head` and `next`.
   template <typename Value>
   class Iterator {
    public:

@@ -19,8 +19,8 @@ class RecursiveLock {
   RecursiveLock(const RecursiveLock&) = delete;
   RecursiveLock& operator=(const RecursiveLock&) = delete;
 
-  // waitMs 0: TryAcquire. Otherwise tries until the lock is taken, `waitMs` milliseconds apart (all
-  // of this system passes 1), and returns true. An owner that never releases is waited for forever.
+  // waitMs 0: TryAcquire. Otherwise tries every `waitMs` milliseconds (this system always passes 1)
+  // until the lock is taken, and returns true. Waits forever for an owner that never releases.
   bool Acquire(std::uint32_t waitMs);
 
   // One try, without waiting. True when the caller now holds the lock (once more); false while

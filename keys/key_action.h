@@ -42,8 +42,8 @@ class KeyAction : public InputAction {
   // The loop of ParseKeys: appends to steps while it eats *text from the front, and leaves *text at
   // the fault, empty on success. Sets the two flags where they are due, never clears them.
   void ParseSteps(ByteString* text, bool* sawUppercase, bool* duplicateKey);
-  // The token, brackets and all, that may be meant by a text which is its name, in any case. Empty
-  // for any other text. The caller asks the user whether the brackets were forgotten.
+  // The token, brackets included, whose name `text` is, in any case; empty for any other text. The
+  // user may have forgotten the brackets: the caller asks.
   static ByteString SmartCheck(const ByteString& text);
   // Whether a step has the same vk (not 0), or shares one of the modifiers in flags & 7.
   bool HasKeyOrModifier(std::uint8_t vk, std::uint8_t flags) const;

@@ -93,7 +93,7 @@ bool ProfileLibrary::CanSave() {
     return (attributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0 &&
            (attributes & platform::FILE_ATTRIBUTE_READONLY) == 0;
   }
-  return true;  // in the root, of which nobody knows more
+  return true;  // in the root, of which the system tells nothing
 }
 
 bool ProfileLibrary::ListProfileFiles(LinkedList<ByteString>* list) {

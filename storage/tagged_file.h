@@ -95,7 +95,7 @@ class TaggedFile {
 
   // Starts the temporary of `target`, after making the missing folders, and makes the root the
   // current list. A file that is open is closed first. False with the target untouched; a temporary
-  // may be left. Until Close, another one who wants to write the same target is refused.
+  // may be left. Until Close, any other writer of the same target is refused.
   bool OpenForWrite(const ByteString& target);
 
   // Leaves all lists. What was written is put on disk and copied over the target, even when a step

@@ -47,15 +47,15 @@ class DefineControlDialog : public ResizableDialog {
   void OnHelpKey();
 
   void ShowFields();
-  // The controls into the members, up to the first number that is none: false then, after a message
-  // and with the focus there.
+  // Reads the controls into the members, up to the first field that holds no number; then false,
+  // after a message and with the focus on that field.
   bool ReadFields();
   bool ReadNumber(std::uint32_t id, std::uint32_t* value);
 
-  // Appends to scratch's actions what keysText says, nothing for an empty text. False, after a
-  // message or a question, when it isn't to be taken.
+  // Appends the keys of keysText to scratch's actions, nothing for an empty text. False, after a
+  // message or a question, when the text is refused.
   bool TakeKeys(bool onPress);
-  // keysText, or the token that the user says was meant by it.
+  // keysText, or the token that it stands for, if the user says so.
   ByteString KeysMeant() const;
   bool ConfirmUppercase();
   void ShowKeyError(bool duplicateKey, std::uint32_t offset);

@@ -1,5 +1,5 @@
-// The help pages, through whatever the system shows help with; that is looked for at the first call
-// and, once it couldn't be found, never again. User interface's thread.
+// The help pages, through whatever the system shows help with. The first call looks for that; if it
+// finds nothing, no later call looks again. User interface's thread.
 #pragma once
 
 #include <cstdint>

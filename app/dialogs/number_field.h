@@ -1,4 +1,4 @@
-// Numbers that a person types into a field, and what is said of anything else.
+// Numbers that a person types into a field, and the message for anything else.
 #pragma once
 
 #include <cstdint>

@@ -68,7 +68,7 @@ class WelcomeDialog : public Dialog {
   void OnInit() override;
 };
 
-// A text with the check box "Don't show this again", which counts however the dialog ended.
+// A text with the check box "Don't show this again", which counts however the dialog ends.
 class ReminderDialog : public Dialog {
  public:
   bool dontShowAgain = false;

@@ -100,8 +100,8 @@ class LayoutPage {
   // Sets or clears a state bit of all nodes.
   void SetState(std::uint32_t bit, bool set);
 
-  // Shows or hides each control by its node's state. One that stands in `later`, too, is left to
-  // that page, whose turn comes next: hidden for that moment it would lose the focus.
+  // Shows or hides each control by its node's state. Leaves one that `later` has, too, to
+  // that page, which is applied next: hidden in between it would lose the focus.
   void ApplyVisibility(const LayoutPage* later = nullptr);
 
   LayoutRect rect;

@@ -30,7 +30,7 @@ class DirectInputDevice {
   virtual HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) = 0;
 
   // DI_OK or DI_NOEFFECT when the device answers. A lost one is taken up again once the platform
-  // has found it; nothing is looked for here, and so this may be called at every tick.
+  // has found it; this call doesn't look for it, and so it may come at every tick.
   virtual HRESULT Acquire() = 0;
   virtual HRESULT Unacquire() = 0;
 

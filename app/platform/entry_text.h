@@ -1,5 +1,5 @@
-// The text of desktop entries, the files by which desktops start programs: how what stands in one
-// is written and read. By the Desktop Entry Specification, 1.5.
+// The text of desktop entries, the files by which desktops start programs: how their values
+// are written and read. By the Desktop Entry Specification, 1.5.
 #pragma once
 
 #include <map>
@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// What wants a word of an Exec to be quoted, and what a backslash stands before inside the quotes.
+// A word of an Exec with one of these is quoted; a backslash stands before these inside the quotes.
 constexpr std::string_view kReservedInExec = " \t\n\r\"'\\><~|&;$*?#()`";
 constexpr std::string_view kEscapedInQuotes = "\"`$\\";
 

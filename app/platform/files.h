@@ -27,9 +27,9 @@ constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
 constexpr std::uint32_t FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 constexpr std::uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
 
-// One open file; closed when it is destroyed, and only then are those let in whom it shuts out (see
-// CreateFileA): so what was written can be closed, copied and deleted in peace. One thread at a
-// time.
+// One open file; closed when it is destroyed. Until then it shuts others out (see CreateFileA),
+// even when it is closed already, so that its owner can copy or delete what it wrote in peace. One
+// thread at a time.
 class File {
  public:
   virtual ~File() = default;
@@ -79,8 +79,8 @@ class Files {
   virtual char PathSeparator() = 0;
 
   // access: GENERIC_ bits. disposition: CREATE_ALWAYS (an old content goes) or OPEN_EXISTING. Null
-  // on failure; a folder is one, so is whatever else isn't a plain file, and a read-only file that
-  // is to be written. Never waits for somebody at the other end.
+  // on failure: for a folder, for anything else that isn't a plain file, and for a read-only file
+  // that is to be written. Never waits for somebody at the other end.
   //
   // share: FILE_SHARE_ bits. Among opens without FILE_SHARE_WRITE, in all processes, a file has one
   // that writes or any number that read; one more fails. An open that shares writing neither shuts
@@ -93,7 +93,7 @@ class Files {
   // content or the new one at every moment in between, a power cut included. An old target keeps
   // its attributes and permissions, a new one gets the source's. A read-only target is a failure.
   virtual bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) = 0;
-  // A read-only file and a folder are failures, and so is a file that somebody shuts others out of.
+  // Fails for a read-only file, for a folder, and for a file that somebody shuts others out of.
   virtual bool DeleteFileA(const std::string& path) = 0;
 
   // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none. A folder

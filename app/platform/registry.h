@@ -53,7 +53,7 @@ class Registry {
   // The value of that index, counted from 0. *nameSize: room in `name`, the terminator counted;
   // afterwards the name's length without it. `data` and *size as in RegQueryValueExA. A name or
   // data without room is ERROR_MORE_DATA. ERROR_NO_MORE_ITEMS behind the last, and for a key that
-  // isn't open or can't be read: who passes over what fails comes to an end.
+  // isn't open or can't be read, so that a loop which passes over failures ends.
   virtual std::uint32_t RegEnumValueA(HKEY key, std::uint32_t index, char* name,
                                       std::uint32_t* nameSize, std::uint32_t* type, void* data,
                                       std::uint32_t* size) = 0;

@@ -32,8 +32,8 @@ class Shell {
   virtual std::intptr_t ShellExecuteA(const std::string& target) = 0;
   virtual bool MessageBeep(std::uint32_t type) = 0;
 
-  // Libraries that a program does without where they are missing. What a platform has to show help
-  // pages with goes by the name "hhctrl.ocx".
+  // Libraries that a program can do without. Whatever a platform shows help pages with goes by the
+  // name "hhctrl.ocx".
   virtual LibraryHandle LoadLibraryA(const std::string& name) = 0;
   // The help function, ordinal 14 of that library; null where it isn't there.
   virtual HtmlHelpFunction GetHelpFunction(LibraryHandle library, std::uint32_t ordinal) = 0;

@@ -2,8 +2,8 @@
 // engine, open profile) from its first message to its shutdown, which every way out goes through
 // once. The program is this window: it runs modally, and the process ends with it.
 //
-// Here are its set-up, its shutdown and the way of each event to the one that it is for; what a tab
-// does stands in that tab, and what they share in Session.
+// Here are its set-up, its shutdown and the way of each event to its handler; what a tab does
+// stands in that tab, and what they share in Session.
 #pragma once
 
 #include <cstdint>

@@ -57,7 +57,7 @@ class ControlTest : public MainWindowTest {
     }
   }
 
-  // The program anew, with a profile of these Controls open.
+  // Starts the program again, with a profile of these Controls open.
   void StartWith(const std::vector<MadeControl>& controls) {
     if (screen.Running()) CloseAll();
     StoreProfile(kProfile, [&](ProfileFile& made) {

@@ -314,7 +314,7 @@ TEST_F(DetectionTest, TwoButtonsEndItBehindADialogThatIsOpen) {
   EXPECT_EQ(screen.Text(kLeftButton), "B3");
 }
 
-TEST_F(DetectionTest, ItIsSilentThatNothingCanBeSaved) {
+TEST_F(DetectionTest, NobodyIsToldThatItCantBeSaved) {
   BeginHere();
   for (const bool byButtons : {false, true}) {
     Detect(kDetectLeftButton, {3});

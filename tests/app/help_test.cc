@@ -130,7 +130,7 @@ TEST_F(HelpTest, AProgramInTheRootHasItsHelpThere) {
   EXPECT_EQ(screen.HelpCalls()[0].file, "/Help/Kelvaro.chm");
 }
 
-TEST_F(HelpTest, WithoutAHelpLibraryATopicIsNoMatter) {
+TEST_F(HelpTest, WithoutAHelpLibraryATopicDoesNothing) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
   ShowHelpTopic(kTopic);
   EXPECT_TRUE(screen.HelpCalls().empty());

@@ -8,7 +8,7 @@
 //   }
 //
 // Before Begin there is one pad, the profile "Game" that uses it, and settings that know of the
-// welcome: such a window comes up in silence on its first tab. FirstStart, WithoutProfiles and
+// welcome: such a window comes up without a word, on its first tab. FirstStart, WithoutProfiles and
 // others change that. When a test ends the window is closed, whatever is open in front of it, and
 // must have left nothing behind.
 #pragma once

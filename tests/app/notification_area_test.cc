@@ -180,7 +180,7 @@ TEST_F(NotificationAreaTest, ShowKelvaroShowsTheWindowInItsNormalState) {
   EXPECT_EQ(CallsOf(sim, {"ShowWindow"}), Strings{"ShowWindow 1"});
 }
 
-// Where menus are shown by whoever shows the icons.
+// Some desktops that show icons show their menus, too.
 TEST_F(NotificationAreaTest, TheIconHasTheSameMenuForThoseThatShowItThemselves) {
   Begin();
   screen.Minimise();

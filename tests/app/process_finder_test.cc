@@ -25,7 +25,7 @@ TEST_F(ProcessFinder, ListsEachProcessWithTheFolderAndTheNameOfItsFile) {
   ProcessDescription game;
   game.path = "/games/my game/play";
   const std::uint32_t id = processes.Add(game);
-  processes.Add({});  // one of which nothing is told
+  processes.Add({});  // one that the system tells nothing of
   ProcessList list;
   list.AddTail(ProcessRecord{});  // what was there goes
   ASSERT_TRUE(EnumerateProcesses(&list));

@@ -834,7 +834,7 @@ TEST_F(PlacementTest, WithoutBothNamesNothingIsStored) {
   EXPECT_FALSE(registry.HasKey("HKCU\\Window"));
 }
 
-TEST_F(PlacementTest, AKeyThatCantBeWrittenIsNoMatter) {
+TEST_F(PlacementTest, AKeyThatCantBeWrittenDoesNoHarm) {
   registry.Protect("HKCU");
   Open();
   screen.Close();

@@ -463,7 +463,7 @@ TEST_F(ResizeListCtrlTest, WithoutAKeyOrColumnsNothingIsStored) {
   EXPECT_FALSE(registry.HasKey("HKCU\\Software"));
 }
 
-TEST_F(ResizeListCtrlTest, AKeyThatCantBeWrittenIsNoMatter) {
+TEST_F(ResizeListCtrlTest, AKeyThatCantBeWrittenDoesNoHarm) {
   Open();
   registry.Protect("HKCU");
   screen.Close();

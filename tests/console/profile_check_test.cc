@@ -80,7 +80,7 @@ TEST(CheckProfile, FindsNothingInWhatASaveMakes) {
   EXPECT_EQ(Told(report.findings), std::vector<std::string>{});
 }
 
-// A file that loads, and what is told of it.
+// A file that loads, and the findings in it.
 struct StoredCase {
   const char* why;
   std::string bytes;
@@ -348,7 +348,7 @@ TEST(CheckProfile, TakesJsonToo) {
   EXPECT_TRUE(bad.fault.message.starts_with("f:1: ")) << bad.fault.message;
 }
 
-// Whatever becomes of a file: what keeps it from loading is told, and is told only then.
+// A file has a finding that keeps it from loading exactly if it doesn't load.
 TEST(CheckProfile, FindsTheDamageOfEveryFileThatDoesntLoad) {
   std::mt19937 random(7);
   std::uint32_t broken = 0;

@@ -681,7 +681,7 @@ TEST_F(ControlCopies, CopyDeepSkipsActionsOfAnotherType) {
   EXPECT_EQ(source.actions.count, 3);
 }
 
-// An action for whose copy there is no memory.
+// An action that can't be copied, for want of memory.
 class Uncloneable : public CountingAction {
  public:
   InputAction* Clone() const override { return nullptr; }

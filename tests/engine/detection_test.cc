@@ -179,7 +179,7 @@ TEST_F(Detection, EachButtonFieldSetsItsButton) {
     Dispatch({9});
     engine.EndMouseDetection();
     EXPECT_EQ(Shown(), row.field + std::string("=B9, ended ") + row.field)
-        << "saving is left to whoever ends it";
+        << "the caller that ends it saves";
     EXPECT_FALSE(engine.IsDetecting());
     EXPECT_EQ(*row.index, 8);
     EXPECT_EQ(*row.mask, 256u);

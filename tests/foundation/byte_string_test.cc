@@ -31,7 +31,7 @@ ByteString Raw(const char (&literal)[size]) {
 
 ByteString OfLength(std::uint32_t n) { return ByteString(std::string(n, 'x').c_str()); }
 
-// The text with all that has to hold for a string that has its memory.
+// The text, once all is checked that holds for a string that has its memory.
 std::string Content(const ByteString& string) {
   EXPECT_NE(string.Text(), nullptr);
   EXPECT_EQ(string.Text()[string.Length()], '\0');

@@ -162,7 +162,7 @@ TEST_F(WorkerThreadTest, ThreadGivesItselfThePriorityThatIsWantedOrTheCallers) {
   EXPECT_TRUE(WasCalled("SetCurrentThreadPriority 0"));
 }
 
-TEST_F(WorkerThreadTest, ARefusedPriorityIsNoMatter) {
+TEST_F(WorkerThreadTest, ARefusedPriorityDoesNoHarm) {
   bool ran = false;
   Worker worker([&](Worker&) {
     ran = true;

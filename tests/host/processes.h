@@ -21,7 +21,7 @@ inline std::chrono::milliseconds patience = 20s;
 bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience,
                 std::chrono::milliseconds step = 20ms);
 
-// Whether KELVARO_REQUIRE names a thing, whose absence then is a failure and no skip.
+// Whether KELVARO_REQUIRE names a thing, whose absence is then a failure, not a skip.
 bool Required(const std::string& thing);
 // Ends a test where that thing doesn't work.
 #define SKIP_UNLESS(works, thing, reason)                  \

@@ -212,7 +212,7 @@ TEST(Commands, DevicesTellsWhoHasAPadOpen) {
   EXPECT_NE(text.find("  also open in " + name + " (" + std::to_string(run.Process().Id()) + ")\n"),
             std::string::npos)
       << text;
-  // Whoever reads the pad still gets what it says.
+  // Readers of the pad still get what it says.
   pad.Press(0);
   EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
 }
@@ -235,7 +235,7 @@ TEST(Commands, DevicesTellsOfAGrabAndOfWhoMayHaveDoneIt) {
   EXPECT_TRUE(seen["grabbed"].asBool());
   EXPECT_EQ(seen["openIn"].size(), 0U);
   const std::string unseen = RunToEnd({KelvaroctlPath(), "devices"}, {.asNobody = true}).out;
-  EXPECT_NE(unseen.find("which one, this user may not see\n"), std::string::npos) << unseen;
+  EXPECT_NE(unseen.find("doesn't tell this user which one\n"), std::string::npos) << unseen;
 }
 
 // The virtual devices of a run are no game pads, and neither is anything else of the machine.

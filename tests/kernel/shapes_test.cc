@@ -249,7 +249,7 @@ TEST(NoPad, WhatARuleOfUdevsSaysIsNoJoystick) {
   EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
 }
 
-// What udev writes down of a node: whoever sits at the machine may open it.
+// What udev notes for a node: the person at the machine may open it.
 bool IsForTheSeat(const std::string& node) {
   const Finished told = RunToEnd({"/usr/bin/udevadm", "info", "--query=property", node});
   EXPECT_EQ(told.status, 0) << told.err;
@@ -257,7 +257,7 @@ bool IsForTheSeat(const std::string& node) {
          told.out.find(":uaccess:") != std::string::npos;
 }
 
-TEST(UdevRule, OpensAPadThatTypesTooToWhoeverSitsAtTheMachine) {
+TEST(UdevRule, OpensAPadThatTypesTooToThePersonAtTheMachine) {
   const UdevRules rules("60-kelvaro.rules", KELVARO_PACKAGING "/60-kelvaro.rules");
   for (const std::uint16_t product : {0x0b05, 0x0b22}) {
     PadShape shape = EliteOverBluetooth();

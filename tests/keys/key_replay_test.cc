@@ -49,7 +49,7 @@ Played PlayText(const char* text, Timing timing = {}, bool holdAll = false) {
 
 Played PlayHoldingAll(const char* text, Timing timing = {}) { return PlayText(text, timing, true); }
 
-// `released` null where Release is no matter.
+// `released` null where Release doesn't matter.
 void ExpectPlayed(const Played& played, const char* pressed, std::uint64_t end,
                   const char* released = nullptr) {
   EXPECT_EQ(played.pressed, pressed);

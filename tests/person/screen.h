@@ -199,8 +199,7 @@ class Screen {
   void IconDoubleClick();
   void IconRightClick();
   void IconMessage(std::uint32_t iconId, std::intptr_t mouseMessage);  // any other
-  // The menu that whoever shows the icon shows for it by himself, "" for a separator; and its
-  // command.
+  // The menu that a desktop shows for the icon on its own, "" for a separator; and its command.
   std::vector<std::string> IconMenu() const;
   void ChooseIconMenu(const std::string& text);
   bool MenuUp() const;

@@ -19,7 +19,7 @@ class VirtualDispatcher final : public QAbstractEventDispatcher {
   // The one of this process.
   static VirtualDispatcher& Get();
 
-  // Null for none. Timers of the machine before are due anew, by the clock of this one.
+  // Null for none. Timers of the machine before get new due times, by the clock of this one.
   void SetMachine(Scheduler* machine);
   // A loop waits for something to do.
   bool Idle() const { return idle; }

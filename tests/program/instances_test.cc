@@ -202,7 +202,7 @@ TEST_F(InstancesTest, ThePersonNeedNotReadThatTheTargetFailedBeforeTheProgramEnd
   EXPECT_EQ(next->WaitForEnd(), 0) << next->Log();
 }
 
-// Neither is one who is stopped waited for longer than told: half a second for each, and it stays.
+// A launch waits half a second at most for an instance that is stopped, and leaves it there.
 TEST_F(InstancesTest, AnInstanceThatDoesNotAnswerHoldsUpNobodyForLong) {
   const auto stopped = Run({});
   ASSERT_TRUE(Eventually([&] { return Sockets() == 1; })) << stopped->Log();

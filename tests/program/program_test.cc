@@ -114,7 +114,7 @@ TEST_F(ProgramTest, TwoInstancesRunSideBySide) {
   }
 }
 
-// A settings file of which nothing can be read, and one that nobody may write.
+// A settings file that can't be read, and one that can't be written.
 TEST_F(ProgramTest, StartsWithSettingsThatAreDamagedOrReadOnly) {
   fs::create_directories(fs::path(home.SettingsFile()).parent_path());
   std::ofstream(home.SettingsFile()) << "these are no settings";
@@ -348,7 +348,7 @@ class AnotherUserTest : public DisplayTest {
                     fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
   }
   std::unique_ptr<Child> RunAsNobody() {
-    // What the server lets root do it lets anybody do who has the way to it.
+    // The server lets anybody who knows the way to it do what root may.
     return std::make_unique<Child>(std::vector<std::string>{installed + "/kelvaro"},
                                    ChildOptions{With({{"DISPLAY", desktop.Name()}}), true});
   }

@@ -1,4 +1,4 @@
-// A profile file of which not all can be read, and loads all the same: what couldn't be read is
+// A profile file that can't be read whole and loads all the same: what couldn't be read is
 // still there after the profile has been saved over it.
 #include <gtest/gtest.h>
 

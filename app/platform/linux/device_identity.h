@@ -21,8 +21,8 @@ GUID DeviceIdentity(const DeviceIds& ids, std::uint32_t ordinal);
 // The published identity of the make: product and vendor, and the bytes "PIDVID".
 GUID ProductIdentity(const DeviceIds& ids);
 
-// Deals out the ordinals. A device keeps the one it got for as long as it is attached, whoever else
-// comes and goes; a newcomer gets the lowest that is free. Devices are told apart by their place
+// Deals out the ordinals. A device keeps the one it got while it is attached, whatever others come
+// and go; a newcomer gets the lowest that is free. Devices are told apart by their place
 // in the system, which is never used again while the machine runs. Any thread.
 class IdentityTable {
  public:

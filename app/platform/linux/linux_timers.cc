@@ -150,7 +150,7 @@ void* LinuxTimers::RunTimer(void* start) {
     timer->woken = false;
     lock.unlock();
     {
-      // Whoever the callback wakes wants what the callback still holds.
+      // The threads that the callback wakes want what the callback still holds.
       const HeldWakes untilItEnds;
       timer->callback(timer->id, timer->user);
     }

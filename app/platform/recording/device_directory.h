@@ -23,8 +23,8 @@ class OpenDevice;
 
 class DeviceDirectory : public Devices, private DirectInput {
  public:
-  // Hears of each call, with its arguments, before it is carried out. What it gives, if anything,
-  // is the call's result: in place of carrying it out where that is a failure, otherwise after it.
+  // Hears of each call, with its arguments, before it is carried out. If it gives a result, that is
+  // the call's: a failure comes instead of carrying the call out, a success after it.
   using BeforeCall = std::function<std::optional<HRESULT>(std::string_view operation,
                                                           std::initializer_list<std::int64_t>)>;
 

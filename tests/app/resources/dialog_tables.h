@@ -68,7 +68,7 @@ inline bool Operable(ControlKind kind) {
   }
 }
 
-// One number for a table of words that people know and documents quote: whoever changes a word on
+// One number for a table of words that people know and documents quote: a change of a word on
 // purpose changes the number in its test, and nobody types the table again.
 inline std::uint64_t Fingerprint(const std::vector<std::string>& words) {
   std::uint64_t hash = 0xCBF29CE484222325u;  // FNV-1a

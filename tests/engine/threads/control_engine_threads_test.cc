@@ -163,7 +163,7 @@ TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
     }
     platform::clock().Sleep(3);
     engine.EndMouseDetection();
-    ASSERT_FALSE(engine.IsDetecting()) << "ended once, whoever ends it";
+    ASSERT_FALSE(engine.IsDetecting()) << "ended once, by either thread";
     platform::clock().Sleep(3);
   }
   engine.LetGo();

@@ -80,7 +80,7 @@ void ExpectFree(const RecursiveLock& lock) {
 TEST(Contention, NoIncrementUnderTheLockIsLost) {
   constexpr int kRounds = 20000;
   RecursiveLock lock(LockRank::Device);
-  std::int64_t count = 0;  // plain, so that the thread sanitizer has its say
+  std::int64_t count = 0;  // plain, so that the thread sanitizer sees a race
   Together([&](int) {
     for (int i = 0; i < kRounds; ++i) {
       lock.Acquire(1);
@@ -228,7 +228,7 @@ TEST(Workers, StopEndsARunThatLooksAtTheRequest) {
   EXPECT_TRUE(ended);
 }
 
-TEST(Workers, AnEndIsSignalledToWhoeverWaitsForIt) {
+TEST(Workers, AnEndIsSignalledToThoseWhoWaitForIt) {
   const platform::Handle exitEvent = platform::threads().CreateEventA(true, true);
   int result = 0;
   {

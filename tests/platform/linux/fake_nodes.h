@@ -108,7 +108,7 @@ class FakeNode : public DeviceNode {
     ++device->readsDone;
     if (device->reads.empty()) return device->pulled ? -ENODEV : -EAGAIN;
     const FakeMachine::Read read = device->reads.front();
-    // What a resynchronisation brings comes only to who asks for it.
+    // What a resynchronisation brings comes only to a reader that asks for it.
     const bool forSync = read.result == LIBEVDEV_READ_STATUS_SYNC && read.event.type != EV_SYN;
     if (forSync != resync) return -EAGAIN;
     device->reads.pop_front();

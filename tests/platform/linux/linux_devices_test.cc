@@ -75,7 +75,7 @@ class LinuxDevicesTest : public ::testing::Test {
     return Opened(device);
   }
 
-  // One tick of whoever polls: true on a good poll.
+  // One tick of a timer that polls: true on a good poll.
   static bool Tick(DirectInputDevice& device) {
     const HRESULT result = device.Poll();
     if (result == DI_OK || result == DI_NOEFFECT) return true;

@@ -289,7 +289,7 @@ TEST_F(LinuxThreadsTest, ATerminatedWaiterTakesNoSignalAway) {
   EXPECT_EQ(shared.steps, 1);
 }
 
-TEST_F(LinuxThreadsTest, TerminationWakesWhoeverWaitsForTheThread) {
+TEST_F(LinuxThreadsTest, TerminationWakesThoseWhoWaitForTheThread) {
   shared.event = threads.CreateEventA(false, false);
   const Handle victim = shared.Start(WaitForEvent);
   ASSERT_TRUE(shared.Reaches(1));

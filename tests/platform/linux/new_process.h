@@ -1,5 +1,5 @@
-// A look at a process of its own, which has done nothing yet: for what holds of a process's first
-// thread or can't be taken back, such as limits that are lowered. Failures show in its error
+// A test in a process of its own that has done nothing yet: for rules of a process's first thread,
+// and for what can't be taken back, such as lowered limits. Failures show in the process's error
 // output.
 #pragma once
 

@@ -104,7 +104,7 @@ WINDOW_TEST(ListViewTest, EnterIsToldAndThenPressesTheDefaultButton) {
   EXPECT_EQ(recorder.TakeLines(), (Lines{"116 key down 27", "2 clicked"}));
 }
 
-TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterByWhomeverItIsSet) {
+TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterThePersonOrTheProgramSetsIt) {
   std::vector<std::int32_t> seen;
   recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t column) {
     if (notice == Notice::HeaderItemChanging || notice == Notice::HeaderItemChanged) {

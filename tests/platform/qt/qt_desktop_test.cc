@@ -385,7 +385,7 @@ WINDOW_TEST(QtDesktopTest, WhatWasSetLastIsWhatIsShown) {
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDigitsEdit), "1");
 }
 
-TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileIsNoMatterToAnotherThread) {
+TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileDoesAnotherThreadNoHarm) {
   std::atomic<bool> go{true};
   std::atomic<WindowHandle> window{kNoWindow};
   std::thread other([&] {

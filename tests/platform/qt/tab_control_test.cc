@@ -62,7 +62,7 @@ WINDOW_TEST(TabControlTest, KeysOfTheWindowChooseTabsFromAnywhere) {
   }
 }
 
-// Whoever leaves the edit is held back, by a box or by the focus alone.
+// A box, or the focus alone, holds back a person who leaves the edit.
 TEST_F(TabControlTest, AClickThatLeavingAnEditPreventsChangesNoTab) {
   for (const bool box : {true, false}) {
     recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {

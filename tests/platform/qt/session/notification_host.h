@@ -1,5 +1,5 @@
-// Somebody on the session bus who shows icons, for as long as the object is there: on a thread of
-// its own, as it would be another program.
+// A host on the session bus that shows icons while the object is there: on a thread of its own, as
+// it would be another program.
 #pragma once
 
 #include <QString>
@@ -9,7 +9,7 @@
 
 class NotificationHost {
  public:
-  // Not `showing`: there is only the watcher, and nobody yet who shows what it knows.
+  // Not `showing`: there is only the watcher, and no host yet that shows what it knows.
   explicit NotificationHost(bool showing = true);
   ~NotificationHost();
   NotificationHost(const NotificationHost&) = delete;

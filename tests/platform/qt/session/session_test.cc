@@ -89,7 +89,7 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
   });
 }
 
-// Whoever manages windows could take one that asks to be shown meanwhile for one that comes back.
+// A window manager could take one that asks to be shown meanwhile for one that comes back.
 TEST_F(SessionTest, AnIconicWindowThatHidesDoesNotAskToBeShown) {
   NotificationHost host;
   WindowManager manager;
