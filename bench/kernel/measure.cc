@@ -1,8 +1,12 @@
 #include "bench/kernel/measure.h"
 
+#include <fcntl.h>
 #include <linux/input.h>
+#include <linux/uinput.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -39,6 +43,37 @@ std::string WaitForInput(const char* name) {
     Fail(std::string("there is no ") + name);
   }
   return path;
+}
+
+int BareDevice(const char* name, int type, const std::vector<int>& codes) {
+  const int fd = open("/dev/uinput", O_WRONLY | O_CLOEXEC);
+  uinput_setup setup = {};
+  std::snprintf(setup.name, sizeof setup.name, "%s", name);
+  setup.id.bustype = BUS_VIRTUAL;
+  bool made = fd >= 0 && ioctl(fd, UI_SET_EVBIT, type) == 0;
+  for (const int code : codes) {
+    made = made && ioctl(fd, type == EV_KEY ? UI_SET_KEYBIT : UI_SET_RELBIT, code) == 0;
+  }
+  if (!made || ioctl(fd, UI_DEV_SETUP, &setup) != 0 || ioctl(fd, UI_DEV_CREATE) != 0) {
+    Fail("no bare device");
+  }
+  return fd;
+}
+
+void SendBare(int device, std::initializer_list<BareEvent> events) {
+  input_event batch[8] = {};
+  std::size_t count = 0;
+  for (const BareEvent& event : events) {
+    batch[count].type = static_cast<std::uint16_t>(event.type);
+    batch[count].code = static_cast<std::uint16_t>(event.code);
+    batch[count++].value = event.value;
+  }
+  batch[count].type = EV_SYN;
+  batch[count++].code = SYN_REPORT;
+  const std::size_t size = count * sizeof batch[0];
+  if (write(device, batch, size) != static_cast<ssize_t>(size)) {
+    Fail("a bare event can't be sent");
+  }
 }
 
 std::string Profile(int intervalMs, const std::string& more) {

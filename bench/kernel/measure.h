@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,17 @@ PadShape BenchPad();
 
 // The node of the input device of that name, as soon as there is one.
 std::string WaitForInput(const char* name);
+
+// An input device of the kernel's that sends events of one type, without any library between us and
+// the kernel: its descriptor. Closing it takes it away.
+int BareDevice(const char* name, int type, const std::vector<int>& codes);
+// The events and their sync in one write.
+struct BareEvent {
+  int type;
+  int code;
+  int value;
+};
+void SendBare(int device, std::initializer_list<BareEvent> events);
 
 // A profile in its JSON form: button 1 is the key "a". `more` is put in as further members, each
 // with a comma before it.

@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <linux/input.h>
-#include <linux/uinput.h>
 #include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -23,35 +22,12 @@ constexpr int kPresses = 1000;
 constexpr int kWarmUp = 30;
 constexpr char kForwarderName[] = "Bench Forwarder";
 
-// A keyboard of one key, without any library between us and the kernel.
-int BareKeyboard(const char* name) {
-  const int fd = open("/dev/uinput", O_WRONLY | O_CLOEXEC);
-  uinput_setup setup = {};
-  std::snprintf(setup.name, sizeof setup.name, "%s", name);
-  setup.id.bustype = BUS_VIRTUAL;
-  if (fd < 0 || ioctl(fd, UI_SET_EVBIT, EV_KEY) != 0 || ioctl(fd, UI_SET_KEYBIT, KEY_A) != 0 ||
-      ioctl(fd, UI_DEV_SETUP, &setup) != 0 || ioctl(fd, UI_DEV_CREATE) != 0) {
-    Fail("no bare keyboard");
-  }
-  return fd;
-}
-
 // The event and its sync in one write.
-void SendKey(int fd, int value) {
-  input_event events[2] = {};
-  events[0].type = EV_KEY;
-  events[0].code = KEY_A;
-  events[0].value = value;
-  events[1].type = EV_SYN;
-  events[1].code = SYN_REPORT;
-  if (write(fd, events, sizeof events) != static_cast<ssize_t>(sizeof events)) {
-    Fail("a bare key can't be sent");
-  }
-}
+void SendKey(int fd, int value) { SendBare(fd, {{EV_KEY, KEY_A, value}}); }
 
 // What the kernel alone takes, from before the write to after the read.
 void MeasureReadBack() {
-  const int out = BareKeyboard("Bench Echo");
+  const int out = BareDevice("Bench Echo", EV_KEY, {KEY_A});
   const int in = open(WaitForInput("Bench Echo").c_str(), O_RDONLY | O_CLOEXEC);
   // For us alone: the console would type it too.
   if (in < 0 || ioctl(in, EVIOCGRAB, 1) != 0) {
@@ -135,7 +111,7 @@ void MeasureForwarder() {
   UinputPad pad(BenchPad());
   const pid_t forwarder = fork();
   if (forwarder == 0) {
-    const int out = BareKeyboard(kForwarderName);
+    const int out = BareDevice(kForwarderName, EV_KEY, {KEY_A});
     const int in = open(pad.Node().c_str(), O_RDONLY | O_CLOEXEC);
     input_event events[16];
     ssize_t size;

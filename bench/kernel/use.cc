@@ -22,38 +22,51 @@ namespace kelvaro::kernel {
 namespace {
 
 constexpr int kSeconds = 10;
+constexpr char kPointerName[] = "Bench Pointer";
 
-// The least that polling can cost: a thread that sleeps until the next millisecond and reads.
-void MeasureBareLoop() {
+// A thread that sleeps until the next millisecond and reads; with `pointer` it also sends a motion.
+[[noreturn]] void RunBareLoop(const UinputPad& pad, bool pointer) {
+  sched_param priority = {};
+  priority.sched_priority = 1;
+  sched_setscheduler(0, SCHED_FIFO, &priority);
+  prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
+  const int in = open(pad.Node().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  const int out = pointer ? BareDevice(kPointerName, EV_REL, {REL_X, REL_Y}) : -1;
+  input_event events[64];
+  timespec next = {};
+  clock_gettime(CLOCK_MONOTONIC, &next);
+  for (int round = 1;; ++round) {
+    next.tv_nsec += 1000000;
+    if (next.tv_nsec >= 1000000000) {
+      next.tv_nsec -= 1000000000;
+      ++next.tv_sec;
+    }
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
+    if (read(in, events, sizeof events) >= 0 || errno != EAGAIN) {
+      _exit(1);  // the pad isn't still
+    }
+    if (pointer) {
+      SendBare(out, {{EV_REL, REL_X, 1 + round % 9}, {EV_REL, REL_Y, 1 + round % 7}});
+    }
+  }
+}
+
+// The least that polling can cost, alone and with a pointer that moves.
+void MeasureBareLoop(bool pointer) {
   UinputPad pad(BenchPad());
   const pid_t loop = fork();
   if (loop == 0) {
-    sched_param priority = {};
-    priority.sched_priority = 1;
-    sched_setscheduler(0, SCHED_FIFO, &priority);
-    prctl(PR_SET_TIMERSLACK, 1UL, 0UL, 0UL, 0UL);
-    const int in = open(pad.Node().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    input_event events[64];
-    timespec next = {};
-    clock_gettime(CLOCK_MONOTONIC, &next);
-    for (;;) {
-      next.tv_nsec += 1000000;
-      if (next.tv_nsec >= 1000000000) {
-        next.tv_nsec -= 1000000000;
-        ++next.tv_sec;
-      }
-      clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr);
-      if (read(in, events, sizeof events) >= 0 || errno != EAGAIN) {
-        _exit(1);  // the pad isn't still
-      }
-    }
+    RunBareLoop(pad, pointer);
   }
+  const std::unique_ptr<Reader> reader =
+      pointer ? std::make_unique<Reader>(WaitForInput(kPointerName)) : nullptr;
   WaitMs(500);
   const std::int64_t begin = NowUs();
   const Usage before = UsageOf(loop);
   WaitMs(kSeconds * 1000);
-  PrintShare("bare loop, 1000 sleeps and reads a second", before, UsageOf(loop),
-             static_cast<double>(NowUs() - begin) / 1e6);
+  PrintShare(pointer ? "bare loop, 1000 sleeps, reads and motions a second"
+                     : "bare loop, 1000 sleeps and reads a second",
+             before, UsageOf(loop), static_cast<double>(NowUs() - begin) / 1e6);
   int status = 0;
   kill(loop, SIGKILL);
   if (waitpid(loop, &status, 0) != loop || !WIFSIGNALED(status)) {
@@ -159,7 +172,8 @@ void MeasurePointer(int intervalMs) {
 }  // namespace
 
 void MeasureUse() {
-  MeasureBareLoop();
+  MeasureBareLoop(false);
+  MeasureBareLoop(true);
   for (const int intervalMs : {1, 5}) {
     MeasureStillPad(intervalMs);
   }

@@ -162,5 +162,23 @@ TEST_P(KeyCost, AChangeIsReadByOneCallAndOneThatFindsNothing) {
   EXPECT_EQ(most, 2);
 }
 
+TEST_P(KeyCost, AnAnswerAtOnceWaitsForNothingBetweenTheNewsAndTheRead) {
+  ProfileRun run(profile, "Cost Pad", pad.Node(), {"--wake"}, how);
+  ASSERT_TRUE(run.Started());
+  const pid_t timer = ThreadOf(run.Process().Id(), "timer");
+  long last = 0;
+  int news = 0;
+  for (const SystemCall& call : CallsOfTaps(run)) {
+    if (call.thread != timer) continue;
+    if (last == SYS_poll) {
+      ++news;
+      EXPECT_EQ(call.number, SYS_read);
+    }
+    last = call.number;
+  }
+  // The first one had begun to wait before.
+  EXPECT_GE(news, 2 * kTaps - 1);
+}
+
 }  // namespace
 }  // namespace kelvaro::kernel

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <mutex>
 #include <unordered_map>
@@ -50,6 +49,27 @@ struct LinuxThreads::Waiter {
     return std::any_of(objects, objects + count,
                        [&](const std::shared_ptr<Object>& one) { return one.get() == &object; });
   }
+};
+
+// What a wait is for. Only as many as there are come into being: a full array would have to be
+// cleared at each wait.
+class LinuxThreads::Held {
+ public:
+  Held() {}
+  ~Held() { std::destroy_n(objects, count); }
+  Held(const Held&) = delete;
+  Held& operator=(const Held&) = delete;
+
+  void Add(std::shared_ptr<Object> object) {
+    std::construct_at(&objects[count++], std::move(object));
+  }
+  const std::shared_ptr<Object>* Objects() const { return objects; }
+
+ private:
+  std::uint32_t count = 0;
+  union {
+    std::shared_ptr<Object> objects[kMostWaitedFor];
+  };
 };
 
 struct LinuxThreads::State {
@@ -255,16 +275,17 @@ std::uint32_t LinuxThreads::WaitForSingleObject(Handle handle, std::uint32_t tim
 std::uint32_t LinuxThreads::WaitForMultipleObjects(std::uint32_t count, const Handle* handles,
                                                    std::uint32_t timeoutMs) {
   if (count == 0 || count > kMostWaitedFor || !handles) return WAIT_FAILED;
-  std::array<std::shared_ptr<Object>, kMostWaitedFor> held;
+  Held held;
   std::uint32_t result = WAIT_FAILED;
   {
     std::unique_lock<PriorityMutex> lock(state->mutex);
     for (std::uint32_t i = 0; i < count; ++i) {
-      held[i] = state->Find(handles[i], false);
-      if (!held[i]) held[i] = state->Find(handles[i], true);
-      if (!held[i]) return WAIT_FAILED;
+      std::shared_ptr<Object> object = state->Find(handles[i], false);
+      if (!object) object = state->Find(handles[i], true);
+      if (!object) return WAIT_FAILED;
+      held.Add(std::move(object));
     }
-    result = state->Wait(held.data(), count, timeoutMs, lock);
+    result = state->Wait(held.Objects(), count, timeoutMs, lock);
   }
   StopHereIfCutOff();
   return result;

@@ -39,6 +39,7 @@ class LinuxThreads : public Threads {
  private:
   struct Object;
   struct Waiter;
+  class Held;
   struct Start;
   struct State;
 
