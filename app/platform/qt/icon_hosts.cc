@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QSocketNotifier>
 #include <cstdlib>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -17,6 +18,8 @@ namespace platform::qt {
 namespace {
 
 constexpr int kFirstAnswerWithin = 500;  // ms
+// One that is busy answers when it can, and the bus does so for one that is gone.
+constexpr int kNoTimeLimit = std::numeric_limits<int>::max();
 
 const QString kWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kPath = QStringLiteral("/StatusNotifierWatcher");
@@ -136,7 +139,7 @@ void IconHosts::WatchBus() {
   if (!bus.isConnected()) return;
   asking.setSingleShot(true);
   connect(&asking, &QTimer::timeout, this, [this, bus] {
-    auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(Question()), this);
+    auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(Question(), kNoTimeLimit), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
       const bool before = onBus;
       Answered(answer->reply());

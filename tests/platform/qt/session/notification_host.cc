@@ -10,6 +10,7 @@
 #include <QVariantMap>
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -57,8 +58,14 @@ class NotificationHost::Watcher : public QDBusVirtualObject {
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
     if (message.member() == QLatin1String("Get")) {
       message.setDelayedReply(true);
-      if (!missOne.exchange(false))
-        bus.send(message.createReply(QVariant::fromValue(QDBusVariant(showing.load()))));
+      ++questions;
+      if (missOne.exchange(false)) return true;
+      const std::lock_guard<std::mutex> guard(mutex);
+      if (holding) {
+        held.push_back(message);
+      } else {
+        Answer(message, bus);
+      }
       return true;
     }
     if (message.member() == QLatin1String("RegisterStatusNotifierItem")) {
@@ -77,10 +84,25 @@ class NotificationHost::Watcher : public QDBusVirtualObject {
                                          QStringLiteral("StatusNotifierHostRegistered")));
   }
 
+  void Answer(const QDBusMessage& question, const QDBusConnection& bus) {
+    bus.send(question.createReply(QVariant::fromValue(QDBusVariant(showing.load()))));
+  }
+
+  void Hold(bool hold) {
+    const std::lock_guard<std::mutex> guard(mutex);
+    holding = hold;
+    if (holding) return;
+    for (const QDBusMessage& question : std::exchange(held, {}))
+      Answer(question, QDBusConnection(kConnection));
+  }
+
   std::atomic<bool> showing = true;
+  std::atomic<int> questions = 0;
   std::atomic<bool> missOne = false;
   mutable std::mutex mutex;
-  QString item;  // guarded by mutex
+  QString item;                    // guarded by mutex
+  bool holding = false;            // guarded by mutex
+  std::vector<QDBusMessage> held;  // guarded by mutex
 
  private:
   QThread thread;
@@ -102,6 +124,8 @@ QString NotificationHost::Item() const {
 
 void NotificationHost::Show() { watcher->Show(); }
 void NotificationHost::MissOneQuestion() { watcher->missOne = true; }
+void NotificationHost::HoldQuestions(bool hold) { watcher->Hold(hold); }
+int NotificationHost::Questions() const { return watcher->questions; }
 
 std::vector<NotificationHost::Row> NotificationHost::Rows() {
   const QDBusConnection bus(kConnection);

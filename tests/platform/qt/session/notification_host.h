@@ -21,6 +21,9 @@ class NotificationHost {
   void Show();
   // The next question is left without an answer.
   void MissOneQuestion();
+  // While it holds them, questions are left open; they are answered afterwards.
+  void HoldQuestions(bool hold);
+  int Questions() const;  // that have come so far
   // What a person sees in the icon's menu, "-" for a separator, and chooses from it.
   std::vector<std::string> Menu();
   void Choose(const std::string& text);

@@ -132,6 +132,33 @@ TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
   });
 }
 
+// After half a minute no question to a program is still open, unless somebody asks again and again.
+TEST_F(SessionTest, AWatcherThatHangsIsAskedOnceMoreAndThenAwaited) {
+  NotificationHost host;
+  host.HoldQuestions(true);
+  Run([&] {
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return host.Questions() == 2; }, kSoon));
+    QTest::qWait(27000);
+    EXPECT_EQ(host.Questions(), 2);
+    EXPECT_TRUE(host.Item().isEmpty());
+    host.HoldQuestions(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
+  });
+}
+
+TEST_F(SessionTest, AWatcherThatHungAndIsGoneIsNotAwaited) {
+  auto host = std::make_unique<NotificationHost>();
+  host->HoldQuestions(true);
+  Run([&] {
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return host->Questions() == 2; }, kSoon));
+    host.reset();
+    host = std::make_unique<NotificationHost>();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
+  });
+}
+
 TEST_F(SessionTest, WhenABoxHasBeenAnsweredItsOwnerHasTheFocusAgain) {
   QProcess manager;
   manager.start(QStringLiteral("icewm"), QStringList());
