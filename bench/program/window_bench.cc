@@ -86,6 +86,14 @@ long Kilobytes(pid_t process, const std::string& what) {
   return 0;
 }
 
+void PrintMemory(pid_t process, const char* window) {
+  const auto megabytes = [process](const char* what) {
+    return static_cast<double>(Kilobytes(process, what)) / 1024;
+  };
+  std::printf("Memory of the %s window: %.1f MB resident, %.1f MB proportional, %.1f MB its own\n",
+              window, megabytes("Rss"), megabytes("Pss"), megabytes("Private_Dirty"));
+}
+
 }  // namespace
 
 int main() {
@@ -127,11 +135,7 @@ int main() {
   const auto program = start();
   if (!desktop.AwaitPainted("Kelvaro", 60s)) return 1;
   std::this_thread::sleep_for(2s);
-  std::printf(
-      "Memory of the idle window: %.1f MB resident, %.1f MB proportional, %.1f MB its own\n",
-      static_cast<double>(Kilobytes(program->Id(), "Rss")) / 1024,
-      static_cast<double>(Kilobytes(program->Id(), "Pss")) / 1024,
-      static_cast<double>(Kilobytes(program->Id(), "Private_Dirty")) / 1024);
+  PrintMemory(program->Id(), "idle");
 
   const XWindow window = desktop.Find("Kelvaro", false);
   double before = SecondsOfProcessor(program->Id());
@@ -161,7 +165,8 @@ int main() {
   cost("  OK with a save, and the row", "x Return");
 
   desktop.Minimise(window.id);
-  std::this_thread::sleep_for(2s);
+  std::this_thread::sleep_for(3s);
+  PrintMemory(program->Id(), "hidden");
   before = SecondsOfProcessor(program->Id());
   const auto begin = Clock::now();
   std::this_thread::sleep_for(20s);

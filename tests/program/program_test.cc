@@ -309,6 +309,30 @@ TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBackWh
       << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;
 }
 
+// Kilobytes of a file that are in the process's memory.
+long InMemory(pid_t process, const std::string& file) {
+  std::ifstream maps("/proc/" + std::to_string(process) + "/smaps");
+  long sum = 0;
+  bool of = false;
+  for (std::string line; std::getline(maps, line);) {
+    if (line.find('-') < line.find(':')) of = line.find(file) != std::string::npos;
+    if (of && line.rfind("Rss:", 0) == 0) sum += std::stol(line.substr(4));
+  }
+  return sum;
+}
+
+TEST_F(DisplayTest, AWindowThatIsHiddenGivesBackTheCodeThatShowedIt) {
+  const auto program = Begin();
+  const auto code = [&] { return InMemory(program->Id(), "/libQt6Widgets"); };
+  const long shown = code();
+  ASSERT_GT(shown, 0);
+  const XWindow icon = Hide();
+  EXPECT_TRUE(Eventually([&] { return code() < shown / 2; })) << code() << " of " << shown;
+  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
+  EXPECT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  ExpectEndsInOrder(*program);
+}
+
 TEST_F(DisplayTest, ItsGripMakesItLargerAndNotSmallerThanItFirstWas) {
   const auto program = Begin();
   const XWindow first = Window();

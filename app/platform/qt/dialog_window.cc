@@ -19,10 +19,14 @@
 #include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/tab_control.h"
 #include "app/platform/qt/text.h"
+#include "app/platform/qt/unused_memory.h"
 #include "app/platform/qt/virtual_keys.h"
 
 namespace platform::qt {
 namespace {
+
+// The desktop is done with a window that hides.
+constexpr int kUntilSettled = 1000;  // ms
 
 Qt::WindowFlags FlagsOf(std::uint32_t style, bool owned) {
   Qt::WindowFlags flags = owned ? Qt::Dialog : Qt::Window;
@@ -521,6 +525,9 @@ void DialogWindow::Minimise() {
 void DialogWindow::HideOrMinimise() {
   broughtUp = true;
   shownIconic = false;
+  QTimer::singleShot(kUntilSettled, this, [this] {
+    if (!isVisible() || isMinimized()) ReturnUnusedMemory();
+  });
   if (around.lacksItsIcon(handle)) {
     standsIn = true;
     Minimise();

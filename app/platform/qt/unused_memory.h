@@ -1,0 +1,10 @@
+// What a program holds only to be seen.
+#pragma once
+
+namespace platform::qt {
+
+// Gives back memory of windows that nobody sees: what was freed, and the pages of Qt's code. Such a
+// page comes back by itself once it is needed, from the system's cache. Any thread.
+void ReturnUnusedMemory();
+
+}  // namespace platform::qt
