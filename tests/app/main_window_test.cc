@@ -651,6 +651,18 @@ TEST_F(RestTest, WithTheBoxOffNothingWakesTheWindow) {
   EXPECT_EQ(Wakes(), 0u);
 }
 
+TEST_F(RestTest, NoCaretBlinksInAWindowThatIsHidden) {
+  Preset("Autodetect Device Plugin", 0);
+  pad.PlugIn();
+  Begin();
+  screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
+  screen.FocusOn(kInterval);
+  EXPECT_GT(Wakes(), 0u) << "it blinks";
+  Post(WM_HIDE_TO_TRAY);
+  EXPECT_FALSE(screen.Shown());
+  EXPECT_EQ(Wakes(), 0u);
+}
+
 class LookTest : public PluginTest {
  protected:
   LookTest() {

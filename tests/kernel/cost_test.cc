@@ -22,20 +22,6 @@ namespace {
 
 constexpr int kTaps = 20;
 
-// How often one of the threads that `process` has now was given the processor.
-long SwitchesOf(pid_t process) {
-  long sum = 0;
-  for (const auto& task :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
-    std::ifstream file(task.path() / "status");
-    for (std::string word; file >> word;) {
-      long count = 0;
-      if (word.ends_with("voluntary_ctxt_switches:") && file >> count) sum += count;
-    }
-  }
-  return sum;
-}
-
 std::map<long, int> CallsOf(const std::vector<SystemCall>& calls, pid_t thread) {
   std::map<long, int> counts;
   for (const SystemCall& call : calls)

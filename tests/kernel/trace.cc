@@ -86,4 +86,17 @@ int DescriptorOf(pid_t process, const std::string& path) {
   return -1;
 }
 
+long SwitchesOf(pid_t process) {
+  long sum = 0;
+  for (const auto& task :
+       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+    std::ifstream file(task.path() / "status");
+    for (std::string word; file >> word;) {
+      long count = 0;
+      if (word.ends_with("voluntary_ctxt_switches:") && file >> count) sum += count;
+    }
+  }
+  return sum;
+}
+
 }  // namespace kelvaro::kernel

@@ -29,4 +29,7 @@ pid_t ThreadOf(pid_t process, const std::string& name);
 // The descriptor under which `process` holds `path` open, -1 if it doesn't.
 int DescriptorOf(pid_t process, const std::string& path);
 
+// How often one of the threads that `process` has now was given the processor.
+long SwitchesOf(pid_t process);
+
 }  // namespace kelvaro::kernel

@@ -23,6 +23,7 @@ namespace {
 constexpr char kPad[] = "Window Pad";
 constexpr char kSerial[] = "serial-1";
 constexpr char kProfile[] = "Window Profile";
+constexpr long kFew = 3;             // wake-ups
 constexpr int kPluginPeriod = 5000;  // ms between two looks for a device
 
 // While files come from the host, the machine's clock runs far ahead.
@@ -75,6 +76,15 @@ class Window : public ::testing::Test {
     return begins && child->Running();
   }
 
+  // Once the window has been where it is for a while.
+  long SwitchesInAMinute() const {
+    WaitMs(60000);
+    const long before = SwitchesOf(child->Id());
+    EXPECT_GT(before, 0);
+    WaitMs(60000);
+    return SwitchesOf(child->Id()) - before;
+  }
+
   void EndsInOrder() {
     child->Signal(SIGTERM);
     EXPECT_EQ(child->WaitForEnd(10s), 0) << child->Err();
@@ -116,6 +126,19 @@ TEST_F(Window, PulledPadLetsGoAndWorksAgainWithoutAClick) {
   expected.push_back("KEY_A up");
   EXPECT_TRUE(Sent(*keyboard, expected)) << "it was held when the program ended";
   EXPECT_EQ(Named(kKeyboardName), "");
+}
+
+TEST_F(Window, NothingWakesItWhileThePadLiesStill) {
+  AddProfile({ButtonControl(0, "a")});
+  program.Set("Autodetect Device Plugin", 1);
+  program.Set("Start Minimized", 1);
+  const auto pad = PlugIn();
+  ASSERT_TRUE(Start());
+  ASSERT_TRUE(Begins(*pad)) << child->Err();
+  EXPECT_LE(SwitchesInAMinute(), kFew);
+  pad->Report(1);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down"}));
+  EndsInOrder();
 }
 
 // Each tap is over long before the poll that follows it.
@@ -211,6 +234,20 @@ TEST_F(WindowOnScreen, ControlMadeByHandSendsItsKeyToTheKernel) {
   EXPECT_TRUE(Sent(*keyboard, {"KEY_X down"}));
   EndsInOrder();
   EXPECT_TRUE(Sent(*keyboard, {"KEY_X down", "KEY_X up"}));
+}
+
+TEST_F(WindowOnScreen, NothingWakesItWhileThePadLiesStill) {
+  AddProfile({});
+  const auto pad = PlugIn();
+  ASSERT_TRUE(Start(desktop.Name()));
+  ASSERT_TRUE(Begins(*pad)) << child->Err();
+  ASSERT_TRUE(HasKeyboard("Kelvaro", false)) << child->Err();
+  EXPECT_LE(SwitchesInAMinute(), kFew) << "open";
+  const auto window = desktop.Find("Kelvaro", false).id;
+  desktop.Minimise(window);
+  ASSERT_TRUE(InTime([&] { return desktop.Iconic(window); }));
+  EXPECT_LE(SwitchesInAMinute(), kFew) << "minimised";
+  EndsInOrder();
 }
 
 // Where /dev/uinput is closed to the person, keys go out through the X server.
