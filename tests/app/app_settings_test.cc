@@ -11,9 +11,6 @@ namespace {
 
 using namespace main_window;
 
-using platform::REG_BINARY;
-using platform::REG_EXPAND_SZ;
-
 constexpr std::uint32_t kSettingsTab = 3;
 
 constexpr char kMachineSettings[] = "HKLM\\Software\\Marnstone\\Kelvaro";
@@ -91,19 +88,6 @@ TEST_F(AppSettingsTest, AnyNumberButZeroIsTrue) {
   Begin();
   EXPECT_TRUE(Settings().startMinimized);
   EXPECT_TRUE(Settings().smartCheck);
-}
-
-TEST_F(AppSettingsTest, AValueOfTheOtherKindIsMissing) {
-  // As numbers these would be 0, and those behind them not.
-  for (const char* name : {"Show Auto-Detect Usage", "Smart Check", "Shift Reminder"})
-    PresetText(name, "");
-  for (const char* name : {"Start Minimized", "No Device Error Msg", "Autodetect Device Plugin"})
-    PresetText(name, "1");
-  Preset("Last Profile", 1);
-  Preset("Last Device", 1);
-  Begin();
-  ExpectStartValues();
-  EXPECT_EQ(screen.Chosen(kProfileList), kProfile) << "no last profile: the first";
 }
 
 TEST_F(AppSettingsTest, AWelcomeThatIsATextIsMissingAndSoComesAgain) {
@@ -242,26 +226,17 @@ TEST_F(AppSettingsTest, LoadingIsCompleteUnlessADeviceOrTheUsageHintIsMissing) {
 
 // ---- The boxes of the tab.
 
-TEST_F(AppSettingsTest, StartMinimizedIsSavedAtOnce) {
+TEST_F(AppSettingsTest, EachBoxIsSavedAtOnce) {
   BeginOnSettings();
-  EXPECT_FALSE(screen.Checked(kStartMinimized));
-  screen.Click(kStartMinimized);
-  EXPECT_TRUE(Settings().startMinimized);
-  EXPECT_EQ(Number("Start Minimized"), 1u);
-  screen.Click(kStartMinimized);
-  EXPECT_FALSE(Settings().startMinimized);
-  EXPECT_EQ(Number("Start Minimized"), 0u);
-}
-
-TEST_F(AppSettingsTest, SmartCheckIsSavedAtOnce) {
-  BeginOnSettings();
-  EXPECT_TRUE(screen.Checked(kSmartCheck));
-  screen.Click(kSmartCheck);
-  EXPECT_FALSE(Settings().smartCheck);
-  EXPECT_EQ(Number("Smart Check"), 0u);
-  screen.Click(kSmartCheck);
-  EXPECT_TRUE(Settings().smartCheck);
-  EXPECT_EQ(Number("Smart Check"), 1u);
+  for (const std::uint32_t box : {kStartMinimized, kSmartCheck}) {
+    const char* const name = box == kSmartCheck ? "Smart Check" : "Start Minimized";
+    const bool before = screen.Checked(box);
+    EXPECT_EQ(before, box == kSmartCheck);
+    screen.Click(box);
+    EXPECT_EQ(Number(name), before ? 0u : 1u);
+    screen.Click(box);
+    EXPECT_EQ(Number(name), before ? 1u : 0u);
+  }
 }
 
 TEST_F(AppSettingsTest, TheBoxesShowWhatIsStored) {
@@ -372,19 +347,6 @@ TEST_F(AppSettingsTest, TheWholeTreeOfTheFormerProductIsTakenOver) {
   EXPECT_EQ(Bytes(Settings().lastProfile), kProfile);
   EXPECT_EQ(sim.Registry().Number(std::string(kSettings) + "\\Devices\\Old", "Sensitivity"), 33u);
   EXPECT_EQ(sim.Registry().Number(kFormer, "Smart Check"), 0u) << "stays as it is";
-}
-
-TEST_F(AppSettingsTest, OnlyStringsAndDoubleWordsArrive) {
-  FirstStart();
-  sim.Registry().PutDword(kFormer, "Welcome Display", 1);
-  sim.Registry().PutString(kFormer + std::string("\\Sub"), "text", "t");
-  sim.Registry().PutDword(kFormer + std::string("\\Sub"), "number", 3);
-  sim.Registry().PutValue(kFormer + std::string("\\Sub"), "bytes", REG_BINARY, "b");
-  sim.Registry().PutValue(kFormer + std::string("\\Other"), "path", REG_EXPAND_SZ, "%p%");
-  Begin();
-  EXPECT_EQ(sim.Registry().ValueNames(kSettings + std::string("\\Sub")),
-            (Strings{"text", "number"}));
-  EXPECT_EQ(sim.Registry().ValueNames(kSettings + std::string("\\Other")), Strings{});
 }
 
 TEST_F(AppSettingsTest, TheyAreNotTakenOverWhereTheNewKeyIs) {

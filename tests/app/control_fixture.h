@@ -31,32 +31,32 @@ struct MadeControl {
   std::uint32_t id = 0;  // 0: the profile's next
 };
 
+inline void AddControl(ProfileFile* profile, const MadeControl& made) {
+  profile->controls.AddTail(Control());
+  Control& control = *profile->controls.tail->value;
+  control.controlId = made.id != 0 ? made.id : profile->nextControlId++;
+  control.description = TextOf(made.description);
+  control.SetButtonMask(made.buttons);
+  for (const TriggerItem& item : made.items) control.triggerItems.AddTail(item);
+  control.activateOnPress = made.press;
+  control.triggerOption = made.triggerOption;
+  control.toggleMouseControls = made.toggleMouse;
+  control.repeatEnabled = made.repeat;
+  control.repeatDelay = made.delay;
+  control.repeatSpeed = made.speed;
+  control.keyHoldTime = made.hold;
+  control.keyReleasePause = made.pause;
+  for (std::size_t i = 0; i < made.keys.size(); ++i) {
+    auto* const action = new KeyAction;
+    if (made.holdAllFrom >= 0 && i >= static_cast<std::size_t>(made.holdAllFrom))
+      action->actionFlags = KeyAction::HoldAllKeys;
+    EXPECT_EQ(action->ParseKeys(TextOf(made.keys[i])), KeyAction::kParsed);
+    control.actions.AddTail(action);
+  }
+}
+
 class ControlTest : public MainWindowTest {
  protected:
-  static void AddControl(ProfileFile* profile, const MadeControl& made) {
-    profile->controls.AddTail(Control());
-    Control& control = *profile->controls.tail->value;
-    control.controlId = made.id != 0 ? made.id : profile->nextControlId++;
-    control.description = TextOf(made.description);
-    control.SetButtonMask(made.buttons);
-    for (const TriggerItem& item : made.items) control.triggerItems.AddTail(item);
-    control.activateOnPress = made.press;
-    control.triggerOption = made.triggerOption;
-    control.toggleMouseControls = made.toggleMouse;
-    control.repeatEnabled = made.repeat;
-    control.repeatDelay = made.delay;
-    control.repeatSpeed = made.speed;
-    control.keyHoldTime = made.hold;
-    control.keyReleasePause = made.pause;
-    for (std::size_t i = 0; i < made.keys.size(); ++i) {
-      auto* const action = new KeyAction;
-      if (made.holdAllFrom >= 0 && i >= static_cast<std::size_t>(made.holdAllFrom))
-        action->actionFlags = KeyAction::HoldAllKeys;
-      EXPECT_EQ(action->ParseKeys(TextOf(made.keys[i])), KeyAction::kParsed);
-      control.actions.AddTail(action);
-    }
-  }
-
   // Starts the program again, with a profile of these Controls open.
   void StartWith(const std::vector<MadeControl>& controls) {
     if (screen.Running()) CloseAll();

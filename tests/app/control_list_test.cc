@@ -422,16 +422,6 @@ TEST_F(ControlListTest, AReminderThatWasDeclinedIsRememberedOnCancelToo) {
   EXPECT_EQ(Number("Shift Reminder"), 0u);
 }
 
-TEST_F(ControlListTest, AReminderThatIsOffAsksNothing) {
-  Preset("Shift Reminder", 0);
-  StartWithLetters(1);
-  New();
-  TypeControl("A");
-  screen.Click(IDOK);
-  EXPECT_EQ(screen.Front(), main_window::kDialog);
-  EXPECT_EQ(Keys(ControlAt(1)), "A");
-}
-
 TEST_F(ControlListTest, SettingsAreSavedOnlyIfTheReminderChanged) {
   StartWithLetters(1);
   for (const bool ok : {true, false}) {

@@ -807,15 +807,6 @@ TEST_F(DeviceSettingsTest, AlwaysActiveIsOnForAnyNumberButZero) {
   }
 }
 
-TEST_F(DeviceSettingsTest, ASliderPositionBeyondTheEndBecomesTheEnd) {
-  Keep();
-  sim.Registry().PutDword(kPadSettings, "Sensitivity", 51);
-  sim.Registry().PutDword(kPadSettings, "Axis Damper", 0xFFFFFFFFu);
-  BeginHere();
-  EXPECT_EQ(OpenProfile().movementSensitivity, 50);
-  EXPECT_EQ(OpenProfile().movementDamper, 0);
-}
-
 TEST_F(DeviceSettingsTest, TheDeviceIsOpenedAnewForAnotherIntervalThatTheTimerTakes) {
   const struct {
     std::uint32_t stored;

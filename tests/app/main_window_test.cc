@@ -521,17 +521,6 @@ TEST_F(WindowLifeTest, ThePlaceAndThenTheColumnsAreStoredWhenTheWindowGoes) {
   EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "top"), 40u);
 }
 
-TEST_F(WindowLifeTest, AWindowThatEndsHiddenComesBackAtTheCorner) {
-  Begin();
-  screen.Minimise();
-  Post(WM_CLOSE_PROGRAM);
-  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "left"), 0u);
-  EXPECT_EQ(sim.Registry().Number(kMainWindowSettings, "right"), 0u);
-  Begin();
-  // 100 by 50 from the corner is less than the window can be.
-  EXPECT_EQ(PlaceText(screen.Place()), "0,0 to 570,377");
-}
-
 // ---- Messages.
 
 TEST_F(WindowLifeTest, MessagesOfTheStartAndUnknownOnesDoNothing) {

@@ -11,6 +11,7 @@
 #include "app/resources/control_ids.h"
 #include "keys/key_action.h"
 #include "tests/app/calls.h"
+#include "tests/app/control_fixture.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/random_profile.h"
@@ -47,17 +48,12 @@ class ProfileRowTest : public MainWindowTest {
   // A Control that a press of `button` fires.
   static void AddControl(ProfileFile* profile, std::uint32_t button, const char* keys,
                          std::uint32_t repeatSpeed = 0) {
-    profile->controls.AddTail(Control());
-    Control& control = *profile->controls.tail->value;
-    control.controlId = profile->nextControlId++;
-    control.description = keys;
-    control.SetButtonMask(std::uint64_t{1} << (button - 1));
-    control.repeatEnabled = repeatSpeed != 0;
-    control.repeatDelay = repeatSpeed;
-    control.repeatSpeed = repeatSpeed;
-    auto* const action = new KeyAction;
-    EXPECT_EQ(action->ParseKeys(keys), KeyAction::kParsed);
-    control.actions.AddTail(action);
+    kelvaro::AddControl(profile, {.description = keys,
+                                  .buttons = std::uint64_t{1} << (button - 1),
+                                  .keys = {keys},
+                                  .repeat = repeatSpeed != 0,
+                                  .delay = repeatSpeed,
+                                  .speed = repeatSpeed});
   }
 
   static void SetDevice(ProfileFile* profile, const char* name, const platform::GUID& guid,

@@ -130,49 +130,6 @@ TEST_F(Polling, AChangeIsSignalledBeforeThePollCallback) {
   EXPECT_EQ(DeviceCalls(simulation), (Calls{"Poll", "GetDeviceState", "poll callback"}));
 }
 
-TEST_F(Polling, ASingleCountOnAnyAxisIsDeliveredOnce) {
-  Begin();
-  RunTo(10);
-  std::uint64_t t = 10;
-  std::uint32_t tried = 0;
-  for (std::uint16_t bank = 0; bank < 4; ++bank) {
-    for (std::uint16_t kind = 0; kind < 8; ++kind, ++tried) {
-      const std::string axis = platform::AxisNameText({kind, bank});
-      SCOPED_TRACE(axis);
-      Forget();
-      pad.MoveAxis(axis, 1);
-      RunTo(t += 30);
-      ASSERT_EQ(changes.size(), 1u);
-      EXPECT_EQ(changes[0].t, t - 20);
-      EXPECT_TRUE(Same(changes[0].state, pad.State()));
-      EXPECT_EQ(polls.size(), 3u);
-    }
-  }
-  EXPECT_EQ(tried, 32u);
-}
-
-TEST_F(Polling, EachButtonAndEachHatIsDeliveredOnce) {
-  Begin();
-  RunTo(10);
-  std::uint64_t t = 10;
-  for (std::uint32_t button = 1; button <= 128; ++button) {
-    SCOPED_TRACE(button);
-    Forget();
-    pad.Press({button});
-    RunTo(t += 20);
-    ASSERT_EQ(changes.size(), 1u);
-    EXPECT_NE(changes[0].state.rgbButtons[button - 1], 0);
-  }
-  for (std::uint32_t hat = 0; hat < 4; ++hat) {
-    SCOPED_TRACE(hat);
-    Forget();
-    pad.PointHat(hat, 1);
-    RunTo(t += 20);
-    ASSERT_EQ(changes.size(), 1u);
-    EXPECT_EQ(changes[0].state.rgdwPOV[hat], 1u);
-  }
-}
-
 TEST_F(Polling, AChangeThatIsUndoneBetweenTwoPollsIsNotSeen) {
   BeginAndForget(10);
   pad.ChangeAt(start + 12, Buttons({1}));

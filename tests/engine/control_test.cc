@@ -329,6 +329,14 @@ TEST(EvaluateTrigger, PressModeThatCameArmedIsSatisfiedAtRestAndStaysArmed) {
   EXPECT_FALSE(control.EvaluateTrigger(kAxisMax, SnapshotOf({.x = -20000})));
 }
 
+TEST(EvaluateTrigger, ATriggerThatCameArmedStaysSoWhileNoInputIsLast) {
+  Control control;
+  Define(&control, kRelease, B1, {kNoInput});
+  control.triggerArmed = 1;
+  EXPECT_FALSE(control.EvaluateTrigger(kAxisMax, SnapshotOf({})));
+  EXPECT_EQ(control.triggerArmed, 1);
+}
+
 TEST(EvaluateTrigger, EveryAxisOfEveryBankServes) {
   const std::int32_t push = -20000;
   const std::size_t banks[] = {0, 176, 208, 240};

@@ -25,6 +25,7 @@
 #include "app/platform/qt/slider.h"
 #include "app/platform/qt/tab_control.h"
 #include "app/platform/qt/text.h"
+#include "app/platform/qt/virtual_keys.h"
 #include "app/platform/simulation/simulation.h"
 #include "tests/person/recorded_desktop.h"
 #include "tests/person/recording_canvas.h"
@@ -37,50 +38,14 @@ namespace {
 constexpr std::uint64_t kPatience = 5 * 60 * 1000;  // virtual ms
 constexpr std::intptr_t kLeftButtonUp = 0x202;
 
-// The other way round than VirtualKey.
+// The first key that has this virtual key: printed ones, and from Esc on the others.
 Qt::Key KeyOf(std::uint8_t vk) {
-  if ((vk >= '0' && vk <= '9') || (vk >= 'A' && vk <= 'Z')) return static_cast<Qt::Key>(vk);
-  if (vk >= 0x70 && vk <= 0x87) return static_cast<Qt::Key>(Qt::Key_F1 + vk - 0x70);
-  switch (vk) {
-    case 0x08:
-      return Qt::Key_Backspace;
-    case 0x09:
-      return Qt::Key_Tab;
-    case 0x0D:
-      return Qt::Key_Return;
-    case 0x10:
-      return Qt::Key_Shift;
-    case 0x11:
-      return Qt::Key_Control;
-    case 0x12:
-      return Qt::Key_Alt;
-    case 0x1B:
-      return Qt::Key_Escape;
-    case 0x20:
-      return Qt::Key_Space;
-    case 0x21:
-      return Qt::Key_PageUp;
-    case 0x22:
-      return Qt::Key_PageDown;
-    case 0x23:
-      return Qt::Key_End;
-    case 0x24:
-      return Qt::Key_Home;
-    case 0x25:
-      return Qt::Key_Left;
-    case 0x26:
-      return Qt::Key_Up;
-    case 0x27:
-      return Qt::Key_Right;
-    case 0x28:
-      return Qt::Key_Down;
-    case 0x2D:
-      return Qt::Key_Insert;
-    case 0x2E:
-      return Qt::Key_Delete;
-    default:
-      return Qt::Key_unknown;
+  for (int key = Qt::Key_Space; key <= Qt::Key_F24;
+       key = key == Qt::Key_Z ? static_cast<int>(Qt::Key_Escape) : key + 1) {
+    const QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+    if (qt::VirtualKey(press) == vk) return static_cast<Qt::Key>(key);
   }
+  return Qt::Key_unknown;
 }
 
 [[noreturn]] void Refuse(const std::string& act, const std::string& why) {

@@ -179,20 +179,6 @@ TEST(Contention, OnlyTheOwnerReleases) {
   ExpectFree(lock);
 }
 
-TEST(Workers, StartReturnsOnceTheThreadHasBegun) {
-  for (int i = 0; i < 50; ++i) {
-    std::atomic<bool> begun{false};
-    Worker worker([&](Worker& self) {
-      begun = true;
-      platform::threads().WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
-    });
-    ASSERT_TRUE(worker.Start(true, 0));
-    EXPECT_TRUE(worker.IsRunning());
-    worker.Stop();
-    EXPECT_TRUE(begun);
-  }
-}
-
 TEST(Workers, StartDoesNotMissARunThatIsOverAtOnce) {
   std::atomic<int> runs{0};
   for (int i = 0; i < 50; ++i) {
@@ -215,17 +201,6 @@ TEST(Workers, StopEndsARunThatWaitsForTheEvent) {
   EXPECT_TRUE(ended);
   EXPECT_FALSE(worker.IsRunning());
   EXPECT_LT(Time::now() - start, std::chrono::seconds(10));  // well below the 15 of the force
-}
-
-TEST(Workers, StopEndsARunThatLooksAtTheRequest) {
-  bool ended = false;
-  Worker worker([&](Worker& self) {
-    while (!self.StopRequested()) platform::clock().Sleep(1);
-    ended = true;
-  });
-  ASSERT_TRUE(worker.Start(true, 0));
-  worker.Stop();
-  EXPECT_TRUE(ended);
 }
 
 TEST(Workers, AnEndIsSignalledToThoseWhoWaitForIt) {
