@@ -102,16 +102,5 @@ TEST_F(SavingTest, WithoutAProfileThereIsNothingThatCouldFail) {
   EXPECT_EQ(screen.Told().size(), 0u);
 }
 
-TEST_F(SavingTest, WhereEachUserHasAFolderTheProgramsOwnNeedNotBeWritable) {
-  sim.Disk().PutFile("/game/PerUser", "");
-  Close();
-  sim.Disk().PutFolder("/game", kClosed);
-  Begin();
-  EXPECT_EQ(screen.Chosen(kProfileList), kProfile);
-  Edit();
-  EXPECT_EQ(screen.Told().size(), 0u);
-  EXPECT_TRUE(Stored(kProfile)->mouseAlwaysActive);
-}
-
 }  // namespace
 }  // namespace kelvaro

@@ -23,11 +23,6 @@ std::int32_t RecordedDesktop::MessageBoxA(WindowHandle owner, const std::string&
   return answer;
 }
 
-void RecordedDesktop::DismissBoxesOfOtherThreads() {
-  othersRefused = true;
-  QtDesktop::DismissBoxesOfOtherThreads();
-}
-
 std::uint32_t RecordedDesktop::PictureOf(IconHandle handle) const {
   const auto found = pictures.find(handle);
   return found == pictures.end() ? 0 : found->second;
@@ -40,18 +35,6 @@ std::int32_t RecordedDesktop::RunDialog(const DialogTemplate& dialog, WindowHand
   const std::int32_t result = QtDesktop::RunDialog(dialog, owner, listener);
   dialogs.pop_back();
   return result;
-}
-
-bool RecordedDesktop::SetWindowIcon(WindowHandle window, IconHandle picture, bool large) {
-  if (journal.Enter("SetWindowIcon", large ? "large" : "small")) return false;
-  icons[{window, large}] = picture;
-  return QtDesktop::SetWindowIcon(window, picture, large);
-}
-
-bool RecordedDesktop::GetDesktopRect(Rect* rect) {
-  if (journal.Enter("GetDesktopRect")) return false;
-  *rect = desktop;
-  return true;
 }
 
 Colour RecordedDesktop::GetSysColor(std::int32_t index) {
@@ -67,19 +50,6 @@ Colour RecordedDesktop::GetSysColor(std::int32_t index) {
     default:
       return 0;
   }
-}
-
-bool RecordedDesktop::GetCursorPos(Point* point) {
-  if (journal.Enter("GetCursorPos")) return false;
-  *point = {512, 384};
-  return true;
-}
-
-IconHandle RecordedDesktop::LoadIconA(std::uint32_t id) {
-  if (journal.Enter("LoadIconA", id)) return 0;
-  const IconHandle loaded = QtDesktop::LoadIconA(id);
-  if (loaded != 0) pictures[loaded] = id;
-  return loaded;
 }
 
 bool RecordedDesktop::Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) {
@@ -117,34 +87,12 @@ bool RecordedDesktop::TrackPopupMenu(WindowHandle window, std::span<const MenuIt
 
 // ---- Controls
 
-bool RecordedControls::InvalidateControl(WindowHandle window, std::uint32_t id) {
-  if (journal.Enter("InvalidateControl", id)) return false;
-  ++looks[{window, id}].redraws;
-  return QtControls::InvalidateControl(window, id);
-}
-
 // Of the same height with any font.
 bool RecordedControls::TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab,
                                       Rect* rect) {
   if (!QtControls::TabGetItemRect(window, id, tab, rect)) return false;
   rect->bottom = rect->top + 20;
   return true;
-}
-
-bool RecordedControls::SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) {
-  if (journal.Enter("SetPicture", id)) return false;
-  looks[{window, id}].picture = bitmap;
-  return QtControls::SetPicture(window, id, bitmap);
-}
-
-bool RecordedControls::SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) {
-  looks[{window, id}].textColour = colour;
-  return QtControls::SetTextColour(window, id, colour);
-}
-
-bool RecordedControls::SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) {
-  looks[{window, id}].backgroundColour = colour;
-  return QtControls::SetBackgroundColour(window, id, colour);
 }
 
 }  // namespace platform::simulation

@@ -35,7 +35,10 @@ class RecordedDesktop final : public qt::QtDesktop {
 
   std::int32_t MessageBoxA(WindowHandle owner, const std::string& text, const std::string& caption,
                            std::uint32_t type) override;
-  void DismissBoxesOfOtherThreads() override;
+  void DismissBoxesOfOtherThreads() override {
+    othersRefused = true;
+    QtDesktop::DismissBoxesOfOtherThreads();
+  }
   void Tell(const std::string& text) override { told.push_back(text); }
   std::int32_t RunDialog(const DialogTemplate& dialog, WindowHandle owner,
                          WindowListener& listener) override;
@@ -48,16 +51,26 @@ class RecordedDesktop final : public qt::QtDesktop {
   bool SetForegroundWindow(WindowHandle window) override {
     return !journal.Enter("SetForegroundWindow") && QtDesktop::SetForegroundWindow(window);
   }
-  bool SetWindowIcon(WindowHandle window, IconHandle icon, bool large) override;
+  bool SetWindowIcon(WindowHandle window, IconHandle picture, bool large) override {
+    if (journal.Enter("SetWindowIcon", large ? "large" : "small")) return false;
+    icons[{window, large}] = picture;
+    return QtDesktop::SetWindowIcon(window, picture, large);
+  }
   bool InvalidateRect(WindowHandle window, const Rect& rect) override {
     return !journal.Enter("InvalidateRect") && QtDesktop::InvalidateRect(window, rect);
   }
   bool UpdateWindow(WindowHandle window) override {
     return !journal.Enter("UpdateWindow") && QtDesktop::UpdateWindow(window);
   }
-  bool GetDesktopRect(Rect* rect) override;
+  bool GetDesktopRect(Rect* rect) override {
+    *rect = desktop;
+    return !journal.Enter("GetDesktopRect");
+  }
   Colour GetSysColor(std::int32_t index) override;
-  bool GetCursorPos(Point* point) override;
+  bool GetCursorPos(Point* point) override {
+    *point = {512, 384};
+    return !journal.Enter("GetCursorPos");
+  }
   bool PostMessageA(WindowHandle window, std::uint32_t message, std::uintptr_t wParam,
                     std::intptr_t lParam) override {
     return !journal.Enter("PostMessageA", message) &&
@@ -81,7 +94,12 @@ class RecordedDesktop final : public qt::QtDesktop {
   bool UnhookWindowsHookEx(HookHandle hook) override {
     return !journal.Enter("UnhookWindowsHookEx") && QtDesktop::UnhookWindowsHookEx(hook);
   }
-  IconHandle LoadIconA(std::uint32_t id) override;
+  IconHandle LoadIconA(std::uint32_t id) override {
+    if (journal.Enter("LoadIconA", id)) return 0;
+    const IconHandle loaded = QtDesktop::LoadIconA(id);
+    if (loaded != 0) pictures[loaded] = id;
+    return loaded;
+  }
   bool DestroyIcon(IconHandle picture) override {
     return !journal.Enter("DestroyIcon") && QtDesktop::DestroyIcon(picture);
   }
@@ -145,7 +163,11 @@ class RecordedControls final : public qt::QtControls {
   bool EndDeferWindowPos(DeferHandle defer) override {
     return !journal.Enter("EndDeferWindowPos") && QtControls::EndDeferWindowPos(defer);
   }
-  bool InvalidateControl(WindowHandle window, std::uint32_t id) override;
+  bool InvalidateControl(WindowHandle window, std::uint32_t id) override {
+    if (journal.Enter("InvalidateControl", id)) return false;
+    ++looks[{window, id}].redraws;
+    return QtControls::InvalidateControl(window, id);
+  }
   bool ShowControl(WindowHandle window, std::uint32_t id, std::int32_t command) override {
     return !journal.Enter("ShowControl", id, command) &&
            QtControls::ShowControl(window, id, command);
@@ -172,9 +194,19 @@ class RecordedControls final : public qt::QtControls {
            QtControls::ListGetColumnOrder(window, id, order);
   }
   bool TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab, Rect* rect) override;
-  bool SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) override;
-  bool SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) override;
-  bool SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) override;
+  bool SetPicture(WindowHandle window, std::uint32_t id, BitmapHandle bitmap) override {
+    if (journal.Enter("SetPicture", id)) return false;
+    looks[{window, id}].picture = bitmap;
+    return QtControls::SetPicture(window, id, bitmap);
+  }
+  bool SetTextColour(WindowHandle window, std::uint32_t id, Colour colour) override {
+    looks[{window, id}].textColour = colour;
+    return QtControls::SetTextColour(window, id, colour);
+  }
+  bool SetBackgroundColour(WindowHandle window, std::uint32_t id, Colour colour) override {
+    looks[{window, id}].backgroundColour = colour;
+    return QtControls::SetBackgroundColour(window, id, colour);
+  }
   bool SetHandCursor(WindowHandle window, std::uint32_t id) override {
     return !journal.Enter("SetHandCursor") && QtControls::SetHandCursor(window, id);
   }

@@ -130,18 +130,6 @@ TEST_F(ScreenTest, OneProgramRunsAtATime) {
   EXPECT_TRUE(screen.Running());
 }
 
-TEST_F(ScreenTest, TimePassesAsFarAsTheProgramWaits) {
-  Start();
-  EXPECT_EQ(sim.Now(), 0u);
-  main.onClick = [](std::uint32_t id) {
-    if (id == 20) clock().Sleep(30);
-  };
-  screen.Click(21);
-  EXPECT_EQ(sim.Now(), 0u);
-  screen.Click(20);
-  EXPECT_EQ(sim.Now(), 30u);
-}
-
 TEST_F(ScreenTest, AnActComesAfterWhatTheProgramStillDoes) {
   Start();
   main.onMessage = [](std::uint32_t) { clock().Sleep(50); };
@@ -291,15 +279,6 @@ TEST_F(ScreenTest, ABoxKeepsThePersonFromTheWindowBehindIt) {
   EXPECT_EQ(Refusal([&] { screen.Click(21); }), "Click 21: a message box is in front: \"Wait\"");
   EXPECT_EQ(Refusal([&] { screen.Answer(IDYES); }), "Answer: the message box has no button 6");
   screen.Answer(IDOK);
-}
-
-TEST_F(ScreenTest, RedrawsAreCountedUntilTheyAreAskedFor) {
-  Start();
-  EXPECT_TRUE(controls().InvalidateControl(main.window, 34));
-  EXPECT_TRUE(controls().InvalidateControl(main.window, 34));
-  EXPECT_FALSE(controls().InvalidateControl(main.window, 99));
-  EXPECT_EQ(screen.Redraws(34), 2u);
-  EXPECT_EQ(screen.Redraws(34), 0u);
 }
 
 // ---- The notification area

@@ -13,18 +13,6 @@ TEST_F(RendlinkTest, ProfilesStandInTheOrderOfKelvarosList) {
   EXPECT_EQ(StoredProfiles(), (Names{"_x", "Chess", "race", "Race 2"}));
 }
 
-TEST_F(RendlinkTest, WithoutAFolderOfProfilesThereIsNone) {
-  sim.Disk().Remove("/game/Profiles");
-  EXPECT_EQ(StoredProfiles(), Names{});
-}
-
-TEST_F(RendlinkTest, WhereEachUserHasAFolderTheUsersProfilesCount) {
-  sim.Disk().PutFile("/game/PerUser", "");
-  EXPECT_EQ(StoredProfiles(), (Names{"Chess", "race", "Race 2"}));
-  sim.Disk().Remove("/game/Profiles");
-  EXPECT_EQ(StoredProfiles(), (Names{"Chess", "race", "Race 2"}));
-}
-
 TEST(FindProfiles, TakesTheFirstThatBeginsSoInAnyCase) {
   const Names stored = {"Chess", "race", "Race 2", "rally"};
   struct {
