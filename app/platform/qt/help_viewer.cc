@@ -7,12 +7,16 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QKeySequence>
+#include <QLabel>
+#include <QLineEdit>
 #include <QShortcut>
 #include <QStyle>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QToolBar>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <optional>
 
 #include "app/platform/qt/text.h"
@@ -48,7 +52,11 @@ class Pages : public QTextBrowser {
 
 class HelpWindow : public QWidget {
  public:
-  HelpWindow() : bar(new QToolBar(this)), pages(new Pages(this)) {
+  HelpWindow()
+      : bar(new QToolBar(this)),
+        pages(new Pages(this)),
+        wanted(new QLineEdit(this)),
+        found(new QLabel(this)) {
     setWindowTitle(QStringLiteral("Help"));
     setWindowIcon(QApplication::windowIcon());
     auto* const layout = new QVBoxLayout(this);
@@ -78,8 +86,9 @@ class HelpWindow : public QWidget {
     forward->setEnabled(false);
     connect(pages, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
     connect(pages, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
+    AddSearch();
     connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, this,
-            &QWidget::close);
+            [this] { wanted->hasFocus() ? pages->setFocus() : static_cast<void>(close()); });
     const int letters = fontMetrics().averageCharWidth();
     resize(110 * letters, 40 * fontMetrics().height());
     pages->setFocus();
@@ -105,6 +114,61 @@ class HelpWindow : public QWidget {
     return action;
   }
 
+  enum class Way { Forward, Back };
+
+  void AddSearch() {
+    bar->addSeparator();
+    auto* const label = new QLabel(QStringLiteral("&Search "), bar);
+    label->setBuddy(wanted);
+    bar->addWidget(label);
+    bar->addWidget(wanted);
+    bar->addWidget(found);
+    wanted->setAccessibleName(QStringLiteral("Search all pages"));
+    wanted->setClearButtonEnabled(true);
+    wanted->setMaximumWidth(24 * fontMetrics().averageCharWidth());
+    connect(wanted, &QLineEdit::textEdited, found, &QLabel::clear);
+    connect(wanted, &QLineEdit::returnPressed, this, [this] { Search(Way::Forward); });
+    const auto key = [this](const QKeySequence& keys, auto act) {
+      connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
+    };
+    key(QKeySequence::Find, [this] {
+      wanted->setFocus();
+      wanted->selectAll();
+    });
+    key(QKeySequence(Qt::Key_F3), [this] { Search(Way::Forward); });
+    key(QKeySequence(Qt::SHIFT | Qt::Key_F3), [this] { Search(Way::Back); });
+  }
+
+  // From where the reader is through all pages, and on from the other end.
+  void Search(Way way) {
+    const QString text = wanted->text();
+    if (text.isEmpty()) return wanted->setFocus();
+    found->clear();
+    const QTextDocument::FindFlags flags =
+        way == Way::Back ? QTextDocument::FindBackward : QTextDocument::FindFlags();
+    if (pages->find(text, flags)) return;
+    QStringList names = QDir(root).entryList({QStringLiteral("*.htm")}, QDir::Files, QDir::Name);
+    if (way == Way::Back) std::reverse(names.begin(), names.end());
+    const auto at = names.indexOf(pages->source().fileName());
+    for (qsizetype i = 1; i <= names.size(); ++i) {
+      const QString& name = names[(at + i) % names.size()];
+      if (!Holds(name, text)) continue;
+      Open(name);
+      pages->moveCursor(way == Way::Back ? QTextCursor::End : QTextCursor::Start);
+      pages->find(text, flags);
+      return;
+    }
+    found->setText(QStringLiteral(" Not found"));
+  }
+
+  bool Holds(const QString& name, const QString& text) const {
+    QFile file(root + u'/' + name);
+    if (!file.open(QIODevice::ReadOnly)) return false;
+    QTextDocument page;
+    page.setHtml(QString::fromUtf8(file.readAll()));
+    return !page.find(text).isNull();
+  }
+
   // "Page.htm", or "Page.htm#place".
   void Open(const QString& topic) {
     QUrl url = QUrl::fromLocalFile(root + u'/' + topic.section(u'#', 0, 0));
@@ -123,6 +187,8 @@ class HelpWindow : public QWidget {
 
   QToolBar* const bar;
   QTextBrowser* const pages;
+  QLineEdit* const wanted;
+  QLabel* const found;
   QString root;
 };
 

@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLabel>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -124,6 +126,82 @@ TEST_F(HelpViewerTest, StaysOfUseWhileADialogAsks) {
 TEST_F(HelpViewerTest, WithoutAFileOrATopicNothingIsShown) {
   EXPECT_EQ(help(kNoWindow, nullptr, HH_DISPLAY_TOPIC, reinterpret_cast<std::uintptr_t>("x")), 0u);
   EXPECT_EQ(help(kNoWindow, file.c_str(), HH_DISPLAY_TOPIC, 0), 0u);
+  EXPECT_EQ(Browser(), nullptr);
+}
+
+// The words that are marked, and the page's title.
+class HelpSearchTest : public HelpViewerTest {
+ protected:
+  HelpSearchTest() {
+    Write("A.htm", "A", "<p>One <b>lamp</b> and another Lamp.</p>");
+    Write("B.htm", "B", "<p>The lamp is green.</p>");
+    Show("A.htm");
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Browser()->window()));
+  }
+
+  static QLineEdit* Field() { return Browser()->window()->findChild<QLineEdit*>(); }
+  static void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(Browser()->window()->windowHandle(), key, modifiers);
+  }
+  static void SearchFor(const char* text) {
+    Key(Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(Field()->hasFocus());
+    QTest::keyClicks(Field(), QString::fromLatin1(text));
+    Key(Qt::Key_Return);
+  }
+  // "A 4-8 lamp": the page's title, and what is marked there.
+  static std::string Marked() {
+    const QTextCursor cursor = Browser()->textCursor();
+    return (Browser()->documentTitle() +
+            QStringLiteral(" %1-%2 ").arg(cursor.selectionStart()).arg(cursor.selectionEnd()) +
+            cursor.selectedText())
+        .toStdString();
+  }
+  static bool SaysNotFound() {
+    for (const QLabel* label : Browser()->window()->findChildren<QLabel*>()) {
+      if (label->isVisible() && label->text().contains(QStringLiteral("Not found"))) return true;
+    }
+    return false;
+  }
+};
+
+TEST_F(HelpSearchTest, EnterFindsOnePlaceAfterTheOtherOnAllPages) {
+  SearchFor("lamp");
+  EXPECT_EQ(Marked(), "A 4-8 lamp");
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Marked(), "A 21-25 Lamp");
+  Key(Qt::Key_F3);
+  EXPECT_EQ(Marked(), "B 4-8 lamp");
+  Key(Qt::Key_F3);
+  EXPECT_EQ(Marked(), "A 4-8 lamp");
+  Key(Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(Marked(), "B 4-8 lamp");
+  Key(Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(Marked(), "A 21-25 Lamp");
+  EXPECT_FALSE(SaysNotFound());
+}
+
+TEST_F(HelpSearchTest, TheOnlyPlaceIsFoundAgain) {
+  SearchFor("green");
+  EXPECT_EQ(Marked(), "B 12-17 green");
+  Key(Qt::Key_Return);
+  EXPECT_EQ(Marked(), "B 12-17 green");
+}
+
+TEST_F(HelpSearchTest, ASearchForWhatNoPageHasSaysSoAndStaysOnItsPage) {
+  SearchFor("htm");
+  EXPECT_TRUE(SaysNotFound());
+  EXPECT_EQ(Browser()->documentTitle(), QStringLiteral("A"));
+  QTest::keyClicks(Field(), QStringLiteral("x"));
+  EXPECT_FALSE(SaysNotFound());
+}
+
+TEST_F(HelpSearchTest, EscapeLeavesTheFieldAndThenClosesTheWindow) {
+  SearchFor("lamp");
+  Key(Qt::Key_Escape);
+  ASSERT_NE(Browser(), nullptr);
+  EXPECT_TRUE(Browser()->hasFocus());
+  Key(Qt::Key_Escape);
   EXPECT_EQ(Browser(), nullptr);
 }
 
