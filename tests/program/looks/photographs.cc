@@ -1,7 +1,8 @@
 // photographs FOLDER
 //
-// Makes the pictures of docs/screenshots/ again: drives the real dialogs off the screen, with a
-// recorded pad and the profile of stage.cc, and writes a PNG of each into the folder.
+// Makes the pictures of docs/screenshots/ again, which the README and the manual show: drives the
+// real dialogs off the screen, with a recorded pad and the profile of stage.cc, and writes a PNG of
+// each into the folder.
 //
 //     cmake --build build/debug --target photographs
 //     QT_QPA_PLATFORM=offscreen build/debug/tests/program/looks/photographs docs/screenshots
@@ -12,6 +13,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QHeaderView>
+#include <QImage>
 #include <QImageWriter>
 #include <QPainter>
 #include <QProcess>
@@ -19,9 +21,14 @@
 #include <QTimer>
 #include <cstdio>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
+#include "engine/mouse_emulation.h"
+#include "rendlink/rendlink_dialog.h"
+#include "rendlink/resources.h"
 #include "tests/program/looks/stage.h"
 
 namespace {
@@ -201,6 +208,101 @@ void NotificationMenu() {
   });
 }
 
+class RendlinkSession final : public kelvaro::rendlink::Session {
+ public:
+  std::string DesktopFolder() override { return "/home/player/Desktop"; }
+  std::string MenuFolder() override { return "/home/player/applications"; }
+  std::vector<std::string> ApplicationsFolders() override { return {MenuFolder()}; }
+  std::string FullPath(const std::string& typed) override { return typed; }
+  bool AllowStart(const std::string&) override { return true; }
+};
+
+void Rendlink() {
+  Stage stage;
+  stage.Disk().SetProgramPath("/game/rendlink");
+  stage.Disk().PutFile("/game/kelvaro", "program");
+  stage.Disk().PutFile("/games/hill/hill-racer", "game");
+  RendlinkSession session;
+  const auto run = [&] { kelvaro::rendlink::RendlinkDialog(session).DoModal(platform::kNoWindow); };
+  stage.OpenWith(run, [](DialogWindow& window) {
+    Type(window, kelvaro::rendlink::kTarget, "/games/hill/hill-racer");
+    Type(window, kelvaro::rendlink::kArguments, "--fullscreen");
+    Photograph(window, "rendlink");
+  });
+}
+
+// How far the pointer goes at each look, drawn by the program's own formula.
+class CurvePicture {
+ public:
+  CurvePicture() : image(660, 400, QImage::Format_RGB32) {
+    image.fill(Qt::white);
+    painter.begin(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (int counts = 0; counts <= kMostCounts; counts += 2) {
+      Grid(At(0, counts), At(100, counts));
+      painter.drawText(QRectF(0, At(0, counts).y() - 10, kLeft - 8, 20),
+                       Qt::AlignRight | Qt::AlignVCenter, QString::number(counts));
+    }
+    for (int percent = 0; percent <= 100; percent += 10) {
+      Grid(At(percent, 0), At(percent, kMostCounts));
+      painter.drawText(QRectF(At(percent, 0).x() - 30, At(0, 0).y() + 6, 60, 20), Qt::AlignHCenter,
+                       QStringLiteral("%1 %").arg(percent));
+    }
+    painter.drawText(QRectF(kLeft, image.height() - 28, kWidth, 20), Qt::AlignHCenter,
+                     QStringLiteral("How far the stick is pushed (Movement Axis Damper 5 %)"));
+    painter.drawText(QPointF(10, 20), QStringLiteral("Counts of the pointer at each look"));
+  }
+
+  void Draw(int sensitivity, const QColor& colour) {
+    constexpr int kAxisMax = 32000;
+    const kelvaro::MouseCurve curve = kelvaro::MakeMouseCurve(
+        kAxisMax, kelvaro::MouseDeadZone(5, kAxisMax), sensitivity + kFactorAtZero);
+    QPolygonF line;
+    for (int permille = 0; permille <= 1000; ++permille) {
+      platform::DIJOYSTATE2 state;
+      state.lX = permille * (kAxisMax / 1000);
+      const double counts = kelvaro::NextAccumulated(
+          kelvaro::MouseInput(kelvaro::input_kind::kAxisX), state, curve, 0.0);
+      line << At(permille / 10.0, counts);
+    }
+    painter.setPen(QPen(colour, 2.5));
+    painter.drawPolyline(line);
+    painter.drawText(QPointF(kLeft + kWidth + 8, line.last().y() + 5),
+                     QStringLiteral("Sensitivity %1").arg(sensitivity));
+    painter.setPen(Qt::black);
+  }
+
+  QImage Finished() {
+    painter.end();
+    return image.convertToFormat(QImage::Format_RGB888);
+  }
+
+ private:
+  static constexpr int kLeft = 40, kTop = 34, kWidth = 500, kHeight = 310, kMostCounts = 12;
+  static constexpr int kFactorAtZero = 2;  // as ControlEngine::ApplyMouseSlider has it
+
+  static QPointF At(double percent, double counts) {
+    return {kLeft + percent / 100 * kWidth, kTop + kHeight - counts / kMostCounts * kHeight};
+  }
+  void Grid(const QPointF& from, const QPointF& to) {
+    painter.setPen(QColor(0xdd, 0xdd, 0xdd));
+    painter.drawLine(from, to);
+    painter.setPen(Qt::black);
+  }
+
+  QImage image;
+  QPainter painter;
+};
+
+void MouseCurves() {
+  CurvePicture picture;
+  picture.Draw(3, QColor(0x1b, 0x7f, 0x3b));
+  picture.Draw(15, QColor(0x1f, 0x5f, 0xbf));
+  picture.Draw(30, QColor(0x8a, 0x3f, 0xa8));
+  picture.Draw(50, QColor(0xc0, 0x39, 0x2b));
+  Save(picture.Finished(), "mouse-curve");
+}
+
 // The scale is the display's, which is there before the application.
 void Large(char* program) {
   QProcess large;
@@ -237,6 +339,8 @@ int main(int argc, char** argv) {
   DefineControl();
   SmallDialogs();
   NotificationMenu();
+  Rendlink();
+  MouseCurves();
   Large(argv[0]);
   QApplication::setPalette(DarkPalette());
   Tabs({nullptr, nullptr, nullptr, "settings-dark"});

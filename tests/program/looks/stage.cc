@@ -116,7 +116,8 @@ void Stage::AddControls(int count) {
   made.Save();
 }
 
-bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>& script) {
+bool Stage::OpenWith(const std::function<void()>& run,
+                     const std::function<void(DialogWindow&)>& script) {
   bool cameUp = false;
   QElapsedTimer waited;
   waited.start();
@@ -133,6 +134,11 @@ bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>&
     window->Close();
   });
   look.start(10);
+  run();
+  return cameUp;
+}
+
+bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>& script) {
   const std::map<std::uint32_t, std::function<void()>> dialogs = {
       {main_window::kDialog, [] { MainWindow().DoModal(platform::kNoWindow); }},
       {define_control::kDialog,
@@ -154,8 +160,8 @@ bool Stage::Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>&
       {welcome::kDialog, [] { WelcomeDialog().DoModal(platform::kNoWindow); }},
       {auto_detect_mode::kDialog, [] { AutoDetectModeDialog().DoModal(platform::kNoWindow); }},
   };
-  if (const auto found = dialogs.find(dialog); found != dialogs.end()) found->second();
-  return cameUp;
+  const auto found = dialogs.find(dialog);
+  return found != dialogs.end() && OpenWith(found->second, script);
 }
 
 void Stage::WhenUp(const std::string& title, std::function<void(QWidget&)> act) {

@@ -67,12 +67,15 @@ class Stage {
   // Runs the real dialog of that number with example content. `script` is called when it is up;
   // the dialog is closed after it, and the result is whether it came up.
   bool Open(std::uint32_t dialog, const std::function<void(DialogWindow&)>& script);
+  // The same for another dialog, which `run` runs.
+  bool OpenWith(const std::function<void()>& run, const std::function<void(DialogWindow&)>& script);
   // Calls `act` once a window of that title has come up in front, within whatever loop runs then,
   // and closes it.
   void WhenUp(const std::string& title, std::function<void(QWidget&)> act);
 
   platform::qt::QtPlatform& Qt() { return qt; }
   platform::SimulatedDevice& Pad() { return pad.Device(); }
+  platform::simulation::VirtualDisk& Disk() { return disk; }
 
   // The newest window that is seen; null for none.
   DialogWindow* Front();
