@@ -90,8 +90,8 @@ void PrintMemory(pid_t process, const char* window) {
   const auto megabytes = [process](const char* what) {
     return static_cast<double>(Kilobytes(process, what)) / 1024;
   };
-  std::printf("Memory of the %s window: %.1f MB resident, %.1f MB proportional, %.1f MB its own\n",
-              window, megabytes("Rss"), megabytes("Pss"), megabytes("Private_Dirty"));
+  std::printf("Memory of the %s: %.1f MB resident, %.1f MB proportional, %.1f MB its own\n", window,
+              megabytes("Rss"), megabytes("Pss"), megabytes("Private_Dirty"));
 }
 
 }  // namespace
@@ -135,7 +135,7 @@ int main() {
   const auto program = start();
   if (!desktop.AwaitPainted("Kelvaro", 60s)) return 1;
   std::this_thread::sleep_for(2s);
-  PrintMemory(program->Id(), "idle");
+  PrintMemory(program->Id(), "idle window");
 
   const XWindow window = desktop.Find("Kelvaro", false);
   double before = SecondsOfProcessor(program->Id());
@@ -166,12 +166,20 @@ int main() {
 
   desktop.Minimise(window.id);
   std::this_thread::sleep_for(3s);
-  PrintMemory(program->Id(), "hidden");
+  PrintMemory(program->Id(), "hidden window after all this");
   before = SecondsOfProcessor(program->Id());
   const auto begin = Clock::now();
   std::this_thread::sleep_for(20s);
   std::printf("Processor, hidden, no pad: %.2f %%\n", (SecondsOfProcessor(program->Id()) - before) *
                                                           1000 /
                                                           Milliseconds(Clock::now() - begin) * 100);
+
+  program->Signal(SIGTERM);
+  program->WaitForEnd();
+  const auto fresh = start();
+  if (!desktop.AwaitPainted("Kelvaro", 60s)) return 1;
+  desktop.Minimise(desktop.Find("Kelvaro", false).id);
+  std::this_thread::sleep_for(3s);
+  PrintMemory(fresh->Id(), "hidden window");
   return 0;
 }

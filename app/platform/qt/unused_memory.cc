@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <QPixmapCache>
 #include <cstdint>
 #include <cstring>
 
@@ -29,8 +30,9 @@ int ReturnCode(dl_phdr_info* object, std::size_t, void*) {
 }  // namespace
 
 void ReturnUnusedMemory() {
-  dl_iterate_phdr(&ReturnCode, nullptr);
+  QPixmapCache::clear();
   malloc_trim(0);
+  dl_iterate_phdr(&ReturnCode, nullptr);
 }
 
 }  // namespace platform::qt

@@ -1,6 +1,7 @@
 #include "app/platform/qt/dialog_window.h"
 
 #include <QCloseEvent>
+#include <QPixmapCache>
 
 #include "app/platform/qt/qt_canvas.h"
 #include "qt_fixture.h"
@@ -68,6 +69,15 @@ TEST_F(DialogWindowTest, WhatWasPostedWhileItWasMadeComesBeforeItIsSeen) {
   recorder.onInit = [&](WindowHandle window) { desktop().PostMessageA(window, 0x8001, 0, 0); };
   recorder.onMessage = [&](std::uint32_t) { seen = desktop().IsWindowVisible(recorder.window); };
   Run([&] { EXPECT_FALSE(seen); });
+}
+
+WINDOW_TEST(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
+  const QString picture = QStringLiteral("a picture");
+  ASSERT_TRUE(QPixmapCache::insert(picture, QPixmap(8, 8)));
+  Settle();
+  EXPECT_TRUE(QPixmapCache::find(picture, nullptr));
+  desktop().ShowWindow(Window(), SW_HIDE);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !QPixmapCache::find(picture, nullptr); }, 20000));
 }
 
 TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
