@@ -1,7 +1,6 @@
 // A window that shows help pages: HTML files in the folder beside a help file, named like it
-// without its extension. A search goes through all of them. It has no owner, so that it stays of use
-// while a dialog asks something.
-// User interface's thread.
+// without its extension. A search goes through all of them. It has no owner, so that it stays of
+// use while a dialog asks something. User interface's thread.
 #pragma once
 
 #include <QString>
