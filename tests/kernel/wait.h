@@ -2,6 +2,7 @@
 // costs next to nothing.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -21,5 +22,10 @@ void WaitUntilUs(std::int64_t us);
 inline bool Eventually(const std::function<bool()>& done, int ms) {
   return tests::Eventually(done, std::chrono::milliseconds(ms), std::chrono::milliseconds(2));
 }
+
+// Waits until for 200 ms no other program has had anything to do, which includes waiting for a page
+// of its own file: the clock leaps while that comes from the host, so that no time is long enough.
+// False after `limit`.
+bool ComesToRest(std::chrono::milliseconds limit);
 
 }  // namespace kelvaro::kernel

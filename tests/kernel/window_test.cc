@@ -205,13 +205,13 @@ class WindowOnScreen : public Window {
     desktop.Type("Alt_L+w");  // "New..." of the Control tab
     ASSERT_TRUE(HasKeyboard("Define Control", true));
     desktop.Type("Alt_L+d j u m p Alt_L+t space");  // the description; detection begins
-    WaitMs(500);
+    ASSERT_TRUE(ComesToRest(kPatience));
     pad.Report(1);
-    WaitMs(500);
+    ASSERT_TRUE(ComesToRest(kPatience));
     desktop.Type("space");  // and ends while the button is held
-    WaitMs(500);
+    ASSERT_TRUE(ComesToRest(kPatience));
     pad.Report(0);
-    WaitMs(200);
+    ASSERT_TRUE(ComesToRest(kPatience));
     desktop.Type("Alt_L+k x Return");
     ASSERT_TRUE(InTime([&] { return desktop.Find("Define Control", true).id == 0; }));
     const Finished shown =
