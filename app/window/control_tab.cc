@@ -115,7 +115,8 @@ bool ControlTab::RunDefineControlDialog() {
   defineControl.smartCheck = session.settings.smartCheck;
   defineControl.shiftReminder = session.settings.shiftReminder;
   const bool accepted = defineControl.DoModal(dialog.window) == platform::IDOK;
-  engine->MouseChanged();  // while the dialog was open the pointer stood still
+  // While the dialog was open the pointer stood still. The program may have ended meanwhile.
+  if (!session.shuttingDown) engine->MouseChanged();
   return accepted;
 }
 
