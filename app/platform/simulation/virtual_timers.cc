@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace platform::simulation {
 namespace {
@@ -119,8 +121,14 @@ void VirtualTimers::Signal(Timer& timer) {
 }
 
 std::uint64_t VirtualTimers::Rest(Timer& timer, std::uint64_t last, std::uint32_t periodMs) {
-  // A signal alone says that the end has come nearer.
-  while (scheduler.Wait({timer.wakeUp}, timer.restUntil) == 0 && !timer.woken) continue;
+  bool signalled;
+  do {
+    // Handed over whole: a kill drops this stack as it stands, with whatever it still holds.
+    std::vector<std::shared_ptr<Waitable>> end;
+    end.push_back(timer.wakeUp);
+    signalled = scheduler.Wait(std::move(end), timer.restUntil) == 0;
+    // A signal alone says that the end has come nearer.
+  } while (signalled && !timer.woken);
   timer.resting = false;
   timer.wakeUp->signalled = false;
   const std::uint64_t now = scheduler.Now();
