@@ -100,8 +100,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
 
   // At once: a change of the device is read when it comes, and the next a full interval later at
   // the earliest; and a button that was pressed and let go meanwhile is delivered as two changes.
-  // Otherwise, as at first, each is read at the next point of the interval's grid. Counts from the
-  // next selection.
+  // Otherwise, as at first, each is read at the next point of the interval's grid. To be set before
+  // the device is selected.
   void SetAnswerAtOnce(bool atOnce) { answerAtOnce = atOnce; }
 
   // Held over each poll and each callback. Outermost of all locks.

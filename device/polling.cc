@@ -90,8 +90,8 @@ void DeviceManager::tick(std::uint32_t id, void* user) {
 
 bool DeviceManager::PollDevice() {
   if (!Succeeded(device->Poll())) {
-    // A lost device: each tick tries to get it back, and that is all. Nothing stays held: the
-    // device itself puts a pulled pad to rest, in one last good poll before this (devices.h).
+    // A lost device: this tries to get it back, and what isn't back is waited for. Nothing stays
+    // held: the device itself puts a pulled pad to rest, in one last good poll before (devices.h).
     return !Succeeded(device->Acquire());
   }
   platform::DIJOYSTATE2& state = stateBuffers[writeIndex];
