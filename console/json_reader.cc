@@ -22,15 +22,17 @@ std::string Shortened(const std::string& text) {
   return text.size() <= kLongestQuote ? text : text.substr(0, kLongestQuote) + "...";
 }
 
-// Number of the line, from 1, on which `offset` lies. A lone carriage return ends a line, too, as
-// it does for the parser.
-std::size_t LineAt(const std::string& text, std::size_t offset) {
-  std::size_t line = 1;
+// Sets where `offset` lies. A lone carriage return ends a line, too, as it does for the parser.
+void SetPlace(const std::string& text, std::size_t offset, JsonFault* fault) {
+  fault->line = 1;
+  std::size_t begin = 0;
   for (std::size_t i = 0; i < offset && i < text.size(); ++i) {
     const bool crlf = text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n';
-    if (text[i] == '\n' || (text[i] == '\r' && !crlf)) ++line;
+    if (text[i] != '\n' && (text[i] != '\r' || crlf)) continue;
+    ++fault->line;
+    begin = i + 1;
   }
-  return line;
+  fault->column = offset - begin + 1;
 }
 
 // Offset of the bracket that opens one level too many, npos when there is none. Looks at brackets
@@ -82,8 +84,8 @@ void SplitParserError(const std::string& errors, JsonFault* fault) {
   what.erase(0, what.find_first_not_of(' '));
   if (!what.empty() && what.back() == '.') what.pop_back();
   fault->line = line;
-  fault->what =
-      "column " + std::to_string(column) + ": " + (what.empty() ? "not JSON" : Shortened(what));
+  fault->column = column;
+  fault->what = what.empty() ? "not JSON" : Shortened(what);
 }
 
 }  // namespace
@@ -91,6 +93,7 @@ void SplitParserError(const std::string& errors, JsonFault* fault) {
 std::string JsonFault::Text(const std::string& file) const {
   std::string text = file + ":";
   if (line > 0) text += std::to_string(line) + ":";
+  if (column > 0) text += std::to_string(column) + ":";
   text += ' ';
   if (!member.empty()) text += member + ": ";
   return text + what;
@@ -135,7 +138,7 @@ void JsonElement::Fail(const std::string& what, const std::string& detail) const
 
 void JsonDocument::FailAt(std::size_t offset, const std::string& member, const std::string& what) {
   failed = true;
-  fault.line = LineAt(source, offset);
+  SetPlace(source, offset, &fault);
   fault.member = member;
   fault.what = what;
 }

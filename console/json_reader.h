@@ -1,4 +1,4 @@
-// Reads JSON whose faults are to be told to a person: by line, by member, in words.
+// Reads JSON whose faults are to be told to a person: by line and column, by member, in words.
 #pragma once
 
 #include <json/json.h>
@@ -14,12 +14,13 @@ namespace kelvaro::console {
 
 // What is wrong with a text, and where.
 struct JsonFault {
-  std::size_t line = 0;  // from 1; 0 when no line is to blame
-  std::string member;    // "controls[2].buttonMask"; empty for the whole
+  std::size_t line = 0;    // from 1; 0 when no line is to blame
+  std::size_t column = 0;  // the byte in it, from 1; 0 when none is
+  std::string member;      // "controls[2].buttonMask"; empty for the whole
   std::string what;
   std::string detail;  // further lines to show below, each ended by a line feed
 
-  // "walk.json:12: controls[2].buttonMask: not a number".
+  // "walk.json:12:23: controls[2].buttonMask: not a number".
   std::string Text(const std::string& file) const;
 };
 

@@ -33,11 +33,22 @@ std::string Written(const Recording& recording) {
   return text;
 }
 
+std::size_t BehindDigits(const std::string& text, std::size_t at) {
+  while (at < text.size() && std::isdigit(static_cast<unsigned char>(text[at]))) ++at;
+  return at;
+}
+
+// "3: what" or "3:24: what"
 void CheckFault(const std::string& error) {
-  std::size_t digits = 0;
-  while (digits < error.size() && std::isdigit(static_cast<unsigned char>(error[digits]))) ++digits;
-  Check(digits > 0 && error.compare(digits, 2, ": ") == 0 && error.size() > digits + 2,
-        "a fault without its line", error);
+  std::size_t end = BehindDigits(error, 0);
+  Check(end > 0, "a fault without its line", error);
+  if (error.size() > end + 1 && error[end + 1] != ' ') {
+    const std::size_t column = end + 1;
+    end = BehindDigits(error, column);
+    Check(end > column, "a fault with an empty column", error);
+  }
+  Check(error.compare(end, 2, ": ") == 0 && error.size() > end + 2, "a fault without its words",
+        error);
 }
 
 void CheckLimits(const Recording& recording, const std::string& text) {

@@ -46,7 +46,7 @@ TEST(CheckCommand, AFileThatDoesntLoadGivesStatusOneAndTheOthersAreCheckedAllThe
                 ": No such file or directory\n"
                 "kelvaroctl: " +
                 faulty.path +
-                ":1: controls[0].actions[0].text: a '<' without its '>' (write << for the "
+                ":1:34: controls[0].actions[0].text: a '<' without its '>' (write << for the "
                 "character itself)\n  <x\n  ^\n"
                 "kelvaroctl: " +
                 testing::TempDir() + ": Is a directory\n");

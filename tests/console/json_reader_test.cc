@@ -35,43 +35,43 @@ TEST(JsonDocument, NamesTheLineOfWhatIsNoJson) {
     const char* text;
     const char* fault;
   } const kCases[] = {
-      {"", "f:1: column 1: Syntax error: value, object or array expected"},
-      {"[]", "f:1: not an object"},
-      {"\n\n[{}]", "f:3: not an object"},
-      {"7", "f:1: column 1: A valid JSON document must be either an array or an object value"},
-      {"{}\n{}", "f:2: column 1: Extra non-whitespace after JSON value"},
-      {"{\"a\":1,\n\"b\":2,\n\"a\":3}", "f:3: column 1: Duplicate key: 'a'"},
-      {"{\n\"a\":nan}", "f:2: column 5: Syntax error: value, object or array expected"},
-      {"{\"a\":1e400}", "f:1: column 6: '1e400' is not a number"},
-      {"{\"a\":/**/1}", "f:1: column 6: Syntax error: value, object or array expected"},
-      {"{'a':1}", "f:1: column 2: Missing '}' or object member name"},
-      {"{\"a\":\"\\x\"}", "f:1: column 6: Bad escape sequence in string"},
+      {"", "f:1:1: Syntax error: value, object or array expected"},
+      {"[]", "f:1:1: not an object"},
+      {"\n\n[{}]", "f:3:1: not an object"},
+      {"7", "f:1:1: A valid JSON document must be either an array or an object value"},
+      {"{}\n{}", "f:2:1: Extra non-whitespace after JSON value"},
+      {"{\"a\":1,\n\"b\":2,\n\"a\":3}", "f:3:1: Duplicate key: 'a'"},
+      {"{\n\"a\":nan}", "f:2:5: Syntax error: value, object or array expected"},
+      {"{\"a\":1e400}", "f:1:6: '1e400' is not a number"},
+      {"{\"a\":/**/1}", "f:1:6: Syntax error: value, object or array expected"},
+      {"{'a':1}", "f:1:2: Missing '}' or object member name"},
+      {"{\"a\":\"\\x\"}", "f:1:6: Bad escape sequence in string"},
   };
   for (const auto& c : kCases) EXPECT_EQ(ParseFault(c.text), c.fault) << c.text;
 }
 
 TEST(JsonDocument, CountsLinesOfEveryKind) {
   // The parser's own faults and those of members alike.
-  EXPECT_EQ(ParseFault("{\r\n\r\n?"), "f:3: column 1: Missing '}' or object member name");
-  EXPECT_EQ(ParseFault("{\r\r?"), "f:3: column 1: Missing '}' or object member name");
+  EXPECT_EQ(ParseFault("{\r\n\r\n?"), "f:3:1: Missing '}' or object member name");
+  EXPECT_EQ(ParseFault("{\r\r?"), "f:3:1: Missing '}' or object member name");
   for (const char* text : {"{\n\n\"a\":1}", "{\r\n\r\n\"a\":1}", "{\r\r\"a\":1}"}) {
     JsonDocument document;
     ASSERT_TRUE(document.Parse(text));
     At(document, "a").Fail("wrong");
-    EXPECT_EQ(document.Fault().Text("f"), "f:3: a: wrong") << text;
+    EXPECT_EQ(document.Fault().Text("f"), "f:3:5: a: wrong") << text;
   }
 }
 
 TEST(JsonDocument, DoesNotEndAtAZeroByte) {
-  EXPECT_EQ(ParseFault(std::string("{}\n\0 {\"a\":1}", 12)), "f:2: a zero byte");
-  EXPECT_EQ(ParseFault(std::string("{\"a\":\"\0\"}", 9)), "f:1: a zero byte");
+  EXPECT_EQ(ParseFault(std::string("{}\n\0 {\"a\":1}", 12)), "f:2:1: a zero byte");
+  EXPECT_EQ(ParseFault(std::string("{\"a\":\"\0\"}", 9)), "f:1:7: a zero byte");
 }
 
 TEST(JsonDocument, StopsAtTooManyLevels) {
   EXPECT_EQ(ParseFault(Nested(32)), "");
-  EXPECT_EQ(ParseFault(Nested(33)), "f:1: nested too deeply");
-  EXPECT_EQ(ParseFault("\n" + Nested(100'000)), "f:2: nested too deeply");
-  EXPECT_EQ(ParseFault(std::string(1'000'000, '{')), "f:1: nested too deeply");
+  EXPECT_EQ(ParseFault(Nested(33)), "f:1:37: nested too deeply");
+  EXPECT_EQ(ParseFault("\n" + Nested(100'000)), "f:2:37: nested too deeply");
+  EXPECT_EQ(ParseFault(std::string(1'000'000, '{')), "f:1:33: nested too deeply");
   // Brackets in a text are no levels.
   EXPECT_EQ(
       ParseFault("{\"a\":\"" + std::string(100, '[') + "\\\"" + std::string(100, '{') + "\"}"), "");
@@ -83,7 +83,7 @@ TEST(JsonDocument, KeepsTheFirstFault) {
   At(document, "b").Fail("first", "detail\n");
   At(document, "a").Fail("second");
   EXPECT_TRUE(document.Failed());
-  EXPECT_EQ(document.Fault().Text("walk.json"), "walk.json:2: b: first");
+  EXPECT_EQ(document.Fault().Text("walk.json"), "walk.json:2:5: b: first");
   EXPECT_EQ(document.Fault().detail, "detail\n");
 }
 
@@ -128,7 +128,7 @@ struct MemberTest : testing::Test {
 };
 
 TEST_F(MemberTest, NumberIsWholeAndInTheRangeOfItsType) {
-  const char* const notInRange = "f:1: m: not a whole number from 0 to 65535";
+  const char* const notInRange = "f:1:6: m: not a whole number from 0 to 65535";
   Expect<std::uint16_t>(77, {
                                 {"0", 0, ""},
                                 {"-0", 0, ""},
@@ -141,30 +141,30 @@ TEST_F(MemberTest, NumberIsWholeAndInTheRangeOfItsType) {
                                 {"1e300", 77, notInRange},
                                 {"18446744073709551615", 77, notInRange},
                                 {"18446744073709551616", 77, notInRange},
-                                {"\"5\"", 77, "f:1: m: not a number"},
-                                {"true", 77, "f:1: m: not a number"},
-                                {"null", 77, "f:1: m: not a number"},
-                                {"[5]", 77, "f:1: m: not a number"},
-                                {"{}", 77, "f:1: m: not a number"},
+                                {"\"5\"", 77, "f:1:6: m: not a number"},
+                                {"true", 77, "f:1:6: m: not a number"},
+                                {"null", 77, "f:1:6: m: not a number"},
+                                {"[5]", 77, "f:1:6: m: not a number"},
+                                {"{}", 77, "f:1:6: m: not a number"},
                             });
   Expect<std::uint32_t>(77,
                         {{"4294967295", UINT32_MAX, ""},
-                         {"4294967296", 77, "f:1: m: not a whole number from 0 to 4294967295"}});
+                         {"4294967296", 77, "f:1:6: m: not a whole number from 0 to 4294967295"}});
   Expect<std::int32_t>(77, {
                                {"-2147483648", INT32_MIN, ""},
                                {"2147483647", INT32_MAX, ""},
                                {"-0.0", 0, ""},
-                               {"-2147483649", 77, "f:1: m: not a whole number of 32 bits"},
-                               {"2147483648", 77, "f:1: m: not a whole number of 32 bits"},
-                               {"1.5", 77, "f:1: m: not a whole number of 32 bits"},
-                               {"false", 77, "f:1: m: not a number"},
+                               {"-2147483649", 77, "f:1:6: m: not a whole number of 32 bits"},
+                               {"2147483648", 77, "f:1:6: m: not a whole number of 32 bits"},
+                               {"1.5", 77, "f:1:6: m: not a whole number of 32 bits"},
+                               {"false", 77, "f:1:6: m: not a number"},
                            });
 }
 
 TEST_F(MemberTest, FlagIsTrueOrFalse) {
   for (const char* json : {"0", "1", "null", "\"true\"", "[]"}) {
-    Expect<bool>(true, {{json, true, "f:1: m: neither true nor false"}});
-    Expect<std::uint8_t>(1, {{json, 1, "f:1: m: neither true nor false"}});
+    Expect<bool>(true, {{json, true, "f:1:6: m: neither true nor false"}});
+    Expect<std::uint8_t>(1, {{json, 1, "f:1:6: m: neither true nor false"}});
   }
   Expect<bool>(false, {{"true", true, ""}});
   Expect<std::uint8_t>(1, {{"false", 0, ""}});
@@ -172,7 +172,7 @@ TEST_F(MemberTest, FlagIsTrueOrFalse) {
 
 TEST_F(MemberTest, TextIsAStringOrBytes) {
   const char* const notUtf8 =
-      "f:1: m: not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}";
+      "f:1:6: m: not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}";
   struct {
     std::string json;
     std::string value;
@@ -186,15 +186,15 @@ TEST_F(MemberTest, TextIsAStringOrBytes) {
       {"{\"bytes\":\"00e4FF\"}", std::string("\0\xE4\xFF", 3), ""},
       {"\"\xFF\"", "old", notUtf8},
       {"\"\\udc00\"", "old", notUtf8},
-      {"{\"bytes\":\"0\"}", "old", "f:1: m: not a text"},
-      {"{\"bytes\":\"zz\"}", "old", "f:1: m: not a text"},
-      {"{\"bytes\":5}", "old", "f:1: m: not a text"},
-      {"{\"bytes\":\"00\",\"more\":1}", "old", "f:1: m: not a text"},
-      {"{\"hex\":\"00\"}", "old", "f:1: m: not a text"},
-      {"{}", "old", "f:1: m: not a text"},
-      {"5", "old", "f:1: m: not a text"},
-      {"null", "old", "f:1: m: not a text"},
-      {"[\"a\"]", "old", "f:1: m: not a text"},
+      {"{\"bytes\":\"0\"}", "old", "f:1:6: m: not a text"},
+      {"{\"bytes\":\"zz\"}", "old", "f:1:6: m: not a text"},
+      {"{\"bytes\":5}", "old", "f:1:6: m: not a text"},
+      {"{\"bytes\":\"00\",\"more\":1}", "old", "f:1:6: m: not a text"},
+      {"{\"hex\":\"00\"}", "old", "f:1:6: m: not a text"},
+      {"{}", "old", "f:1:6: m: not a text"},
+      {"5", "old", "f:1:6: m: not a text"},
+      {"null", "old", "f:1:6: m: not a text"},
+      {"[\"a\"]", "old", "f:1:6: m: not a text"},
   };
   for (const auto& c : kCases) {
     ByteString value("old");
@@ -205,8 +205,8 @@ TEST_F(MemberTest, TextIsAStringOrBytes) {
 }
 
 TEST_F(MemberTest, MaskIsAHexStringOrANumber) {
-  const char* const notMask = "f:1: m: not a mask such as \"0x5\"";
-  const char* const notNumber = "f:1: m: not a whole number from 0 to 18446744073709551615";
+  const char* const notMask = "f:1:6: m: not a mask such as \"0x5\"";
+  const char* const notNumber = "f:1:6: m: not a whole number from 0 to 18446744073709551615";
   Expect<std::uint64_t>(77, {
                                 {"\"0x0\"", 0, ""},
                                 {"\"0x8000000000000001\"", 0x8000000000000001, ""},
@@ -228,8 +228,8 @@ TEST_F(MemberTest, MaskIsAHexStringOrANumber) {
                                 {"\"-0x5\"", 77, notMask},
                                 {"\"0x-5\"", 77, notMask},
                                 {"\"0xg\"", 77, notMask},
-                                {"true", 77, "f:1: m: not a number"},
-                                {"[1]", 77, "f:1: m: not a number"},
+                                {"true", 77, "f:1:6: m: not a number"},
+                                {"[1]", 77, "f:1:6: m: not a number"},
                             });
 }
 
@@ -258,15 +258,15 @@ TEST_F(MemberTest, OneThatIsNotThereLeavesItsTargetAlone) {
 
 TEST_F(MemberTest, UnknownOnesAreNamed) {
   EXPECT_EQ(Try("1,\n\"n\":2", [](JsonObject& object) { object.Find("m"); }),
-            "f:2: n: unknown member");
+            "f:2:5: n: unknown member");
   EXPECT_EQ(
       Try("1,\"" + std::string(200, 'x') + "\":2", [](JsonObject& object) { object.Find("m"); }),
-      "f:1: " + std::string(80, 'x') + "...: unknown member");
+      "f:1:211: " + std::string(80, 'x') + "...: unknown member");
 }
 
 TEST_F(MemberTest, ANameThatGoesOnBehindAZeroIsAnotherName) {
   EXPECT_EQ(Try("1,\"m\\u0000\":2", [](JsonObject& object) { object.Find("m"); }),
-            std::string("f:1: m\0: unknown member", 23));
+            std::string("f:1:18: m\0: unknown member", 26));
 }
 
 TEST(JsonObject, OfAnotherTypeIsAFaultAndHasNoMembers) {
@@ -275,7 +275,7 @@ TEST(JsonObject, OfAnotherTypeIsAFaultAndHasNoMembers) {
   JsonObject object(At(document, "a"));
   EXPECT_FALSE(object.Find("x"));
   object.RefuseOthers();
-  EXPECT_EQ(document.Fault().Text("f"), "f:2: a: not an object");
+  EXPECT_EQ(document.Fault().Text("f"), "f:2:1: a: not an object");
 }
 
 TEST(JsonObject, NamesItsMembersWithThePathToIt) {
@@ -301,12 +301,12 @@ TEST(ForEach, WantsAListAndEndsAtTheFirstFault) {
   });
   EXPECT_EQ(read, 2);
   EXPECT_EQ(byte, 0);
-  EXPECT_EQ(document.Fault().Text("f"), "f:1: a[1]: not a whole number from 0 to 255");
+  EXPECT_EQ(document.Fault().Text("f"), "f:1:9: a[1]: not a whole number from 0 to 255");
 
   JsonDocument other;
   ASSERT_TRUE(other.Parse("{\"b\":{\"c\":1}}"));
   ForEach(At(other, "b"), [](const JsonElement&) { FAIL(); });
-  EXPECT_EQ(other.Fault().Text("f"), "f:1: b: not a list");
+  EXPECT_EQ(other.Fault().Text("f"), "f:1:6: b: not a list");
 }
 
 }  // namespace

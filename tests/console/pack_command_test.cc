@@ -82,12 +82,12 @@ TEST(PackCommand, AFaultIsNamedAndNothingIsWritten) {
     const char* fault;  // behind the file's name
   } kCases[] = {
       {"{\n\"controls\":[{},{},\n{\"buttonMask\":true}]}",
-       ":3: controls[2].buttonMask: not a number"},
-      {"{\"profile\":1}", ":1: profile: unknown member"},
-      {"[]", ":1: not an object"},
+       ":3:15: controls[2].buttonMask: not a number"},
+      {"{\"profile\":1}", ":1:12: profile: unknown member"},
+      {"[]", ":1:1: not an object"},
       {"XBF", ": a stored profile already; pack takes JSON"},
       {R"({"controls":[{"actions":[{"text":"a<Bogus>"}]}]})",
-       ":1: controls[0].actions[0].text: there is no key <Bogus> (write << for the character "
+       ":1:34: controls[0].actions[0].text: there is no key <Bogus> (write << for the character "
        "itself)\n  a<Bogus>\n   ^"},
   };
   for (const auto& c : kCases) {

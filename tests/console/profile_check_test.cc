@@ -345,7 +345,7 @@ TEST(CheckProfile, TakesJsonToo) {
             std::vector<std::string>{"neverFires | Control 2 'x' | it has no inputs"});
   const ProfileReport bad = CheckProfile("{", "f");
   EXPECT_FALSE(bad.loads);
-  EXPECT_TRUE(bad.fault.message.starts_with("f:1: ")) << bad.fault.message;
+  EXPECT_TRUE(bad.fault.message.starts_with("f:1:2: ")) << bad.fault.message;
 }
 
 // A file has a finding that keeps it from loading exactly if it doesn't load.

@@ -152,11 +152,11 @@ TEST(RunCommand, AFaultyFileIsNamedWithLineAndMember) {
 
   const TestFile badProfile("bad", "{\"controls\":[{},\n{\"buttonMask\":[]}]}");
   EXPECT_EQ(run(pad.path, badProfile.path),
-            "kelvaroctl: " + badProfile.path + ":2: controls[1].buttonMask: not a number\n");
+            "kelvaroctl: " + badProfile.path + ":2:15: controls[1].buttonMask: not a number\n");
   const TestFile badRecording("broken",
                               std::string(kPad) + "{\"t\":1}\n{\"t\":2,\"povs\":{\"POV1\":0}}\n");
   EXPECT_EQ(run(badRecording.path, good.path),
-            "kelvaroctl: " + badRecording.path + ":3: povs.POV1: no such hat\n");
+            "kelvaroctl: " + badRecording.path + ":3:23: povs.POV1: no such hat\n");
   const TestFile huge("huge", std::string((8 << 20) + 1, ' '));
   EXPECT_EQ(run(pad.path, huge.path), "kelvaroctl: " + huge.path + ": larger than 8 MiB\n");
 }

@@ -154,7 +154,7 @@ TEST_F(ShowCommand, SaysWhyAFileIsNoProfile) {
             "kelvaroctl: " + missing + ": No such file or directory\n");
   const TestFile json("json", "{\n\"controls\":3}");
   EXPECT_EQ(Kelvaroctl({"show", json.path}).err,
-            "kelvaroctl: " + json.path + ":2: controls: not a list\n");
+            "kelvaroctl: " + json.path + ":2:12: controls: not a list\n");
   const TestFile empty("empty.idprof", "");
   EXPECT_EQ(Kelvaroctl({"show", empty.path}).err,
             "kelvaroctl: " + empty.path + ": neither a stored profile nor one in JSON\n");

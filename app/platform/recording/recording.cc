@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <exception>
 #include <initializer_list>
 #include <istream>
@@ -60,8 +61,11 @@ class Reader {
     return fault.empty();
   }
 
-  // With the line that was read last.
-  std::string AtLine(const std::string& what) const { return std::to_string(number) + ": " + what; }
+  // With the line that was read last, and the column in it if one is to blame.
+  std::string AtLine(const std::string& what) const {
+    return std::to_string(number) + ":" + (column > 0 ? std::to_string(column) + ":" : "") + " " +
+           what;
+  }
 
  private:
   static bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
@@ -69,6 +73,12 @@ class Reader {
   bool Fail(const std::string& member, const std::string& what) {
     if (fault.empty()) fault = member.empty() ? what : member + ": " + what;
     return false;
+  }
+
+  // At the beginning of `value`, which is to blame.
+  bool FailAt(const Json::Value& value, const std::string& member, const std::string& what) {
+    if (fault.empty()) column = static_cast<std::size_t>(value.getOffsetStart()) + 1;
+    return Fail(member, what);
   }
 
   // False at the end, and on a fault.
@@ -101,22 +111,22 @@ class Reader {
     } catch (const std::exception&) {
       return Fail("", "nested too deeply");
     }
-    if (!good) return Fail("", Shorten(errors));
-    if (!value->isObject()) return Fail("", "not an object");
+    if (!good) return Refuse(errors);
+    if (!value->isObject()) return FailAt(*value, "", "not an object");
     return true;
   }
 
-  // The library's report, "* Line 1, Column 5\n  Text\n" and more of them, as "column 5: Text".
-  static std::string Shorten(const std::string& report) {
+  // Takes the library's report apart: "* Line 1, Column 5\n  Text\n", and more of them.
+  bool Refuse(const std::string& report) {
     const std::string mark = "Column ";
-    const std::size_t column = report.find(mark);
-    const std::size_t end = report.find('\n', column);
-    if (column == std::string::npos || end == std::string::npos) return "not JSON";
+    const std::size_t begin = report.find(mark);
+    const std::size_t end = report.find('\n', begin);
+    if (begin == std::string::npos || end == std::string::npos) return Fail("", "not JSON");
+    column = std::strtoul(report.c_str() + begin + mark.size(), nullptr, 10);
     std::size_t text = report.find_first_not_of(' ', end + 1);
     if (text == std::string::npos) text = end;
     const std::size_t textEnd = std::min(report.find('\n', text), report.size());
-    return "column " + report.substr(column + mark.size(), end - column - mark.size()) + ": " +
-           Shown(report.substr(text, textEnd - text));
+    return Fail("", Shown(report.substr(text, textEnd - text)));
   }
 
   // False for a member whose name isn't in `known`.
@@ -124,7 +134,7 @@ class Reader {
     for (auto member = value.begin(); member != value.end(); ++member) {
       const std::string name = member.name();
       if (std::find(known.begin(), known.end(), name) == known.end()) {
-        return Fail(Shown(name), "unknown member");
+        return FailAt(*member, Shown(name), "unknown member");
       }
     }
     return true;
@@ -146,19 +156,19 @@ class Reader {
   // The whole number `value`; nothing, with the fault kept, for any other value.
   std::optional<std::int64_t> Whole(const Json::Value& value, const std::string& member) {
     if (!value.isNumeric()) {
-      Fail(member, "not a number");
+      FailAt(value, member, "not a number");
     } else if (value.isInt64()) {
       return value.asInt64();
     } else {
       const double number = value.asDouble();
-      Fail(member, number == std::trunc(number) ? "out of range" : "not a whole number");
+      FailAt(value, member, number == std::trunc(number) ? "out of range" : "not a whole number");
     }
     return std::nullopt;
   }
 
   std::optional<std::int64_t> Required(const Json::Value& value, const char* member) {
     if (!value.isMember(member)) {
-      Fail(member, "missing");
+      FailAt(value, member, "missing");
       return std::nullopt;
     }
     return Whole(value[member], member);
@@ -169,7 +179,7 @@ class Reader {
     const auto number = Required(value, member);
     if (!number) return false;
     if (*number < 0 || *number > most) {
-      return Fail(member, "not from 0 to " + std::to_string(most));
+      return FailAt(value[member], member, "not from 0 to " + std::to_string(most));
     }
     *count = static_cast<std::uint32_t>(*number);
     return true;
@@ -177,21 +187,22 @@ class Reader {
 
   bool ReadHeader(const Json::Value& value) {
     if (!value.isMember("recording")) {
-      return Fail("recording", "missing in the line that describes the device");
+      return FailAt(value, "recording", "missing in the line that describes the device");
     }
     const auto version = Whole(value["recording"], "recording");
     if (!version) return false;
     if (*version != kVersion) {
-      return Fail("recording", "version " + std::to_string(*version) + " isn't known");
+      return FailAt(value["recording"], "recording",
+                    "version " + std::to_string(*version) + " isn't known");
     }
     if (!OnlyKnown(value, {"recording", "device", "guid", "buttons", "axes", "povs"})) return false;
     DeviceDescription& device = recording->device;
-    if (!value.isMember("device")) return Fail("device", "missing");
+    if (!value.isMember("device")) return FailAt(value, "device", "missing");
     if (!ReadText(value["device"], "device", &device.name)) return false;
-    if (!value.isMember("guid")) return Fail("guid", "missing");
-    if (!value["guid"].isString()) return Fail("guid", "not a text");
+    if (!value.isMember("guid")) return FailAt(value, "guid", "missing");
+    if (!value["guid"].isString()) return FailAt(value["guid"], "guid", "not a text");
     if (!ParseGuid(value["guid"].asString(), &device.guid)) {
-      return Fail("guid", "not 32 hexadecimal digits");
+      return FailAt(value["guid"], "guid", "not 32 hexadecimal digits");
     }
     return ReadCount(value, "buttons", 128, &device.buttons) &&
            ReadCount(value, "axes", 8, &device.axes) && ReadCount(value, "povs", 4, &device.povs);
@@ -203,13 +214,14 @@ class Reader {
       *text = value.asString();
       return true;
     }
-    if (!value.isObject()) return Fail(member, "not a text");
+    if (!value.isObject()) return FailAt(value, member, "not a text");
     if (!OnlyKnown(value, {"bytes"})) return false;
+    if (!value.isMember("bytes")) return FailAt(value, member + ".bytes", "missing");
     const Json::Value& bytes = value["bytes"];
-    if (!bytes.isString()) return Fail(member + ".bytes", "not a text");
+    if (!bytes.isString()) return FailAt(bytes, member + ".bytes", "not a text");
     const std::string digits = bytes.asString();
-    if (digits.size() % 2 != 0) return Fail(member + ".bytes", "an odd count of digits");
-    return ParseHexBytes(digits, text) || Fail(member + ".bytes", "not hexadecimal");
+    if (digits.size() % 2 != 0) return FailAt(bytes, member + ".bytes", "an odd count of digits");
+    return ParseHexBytes(digits, text) || FailAt(bytes, member + ".bytes", "not hexadecimal");
   }
 
   bool ReadChange(const Json::Value& value) {
@@ -217,17 +229,18 @@ class Reader {
     StateChange change;
     const auto t = Required(value, "t");
     if (!t) return false;
-    if (*t < 0) return Fail("t", "below 0");
+    if (*t < 0) return FailAt(value["t"], "t", "below 0");
     change.t = static_cast<std::uint64_t>(*t);
-    if (change.t > kLatestTime) return Fail("t", "out of range");
+    if (change.t > kLatestTime) return FailAt(value["t"], "t", "out of range");
     if (change.t < recording->Length()) {
-      return Fail("t", "before the line above, which is at " + std::to_string(recording->Length()));
+      return FailAt(value["t"], "t",
+                    "before the line above, which is at " + std::to_string(recording->Length()));
     }
     if (value.isMember("buttons") && !ReadButtons(value["buttons"], &change)) return false;
     if (value.isMember("axes") && !ReadAxes(value["axes"], &change)) return false;
     if (value.isMember("povs") && !ReadHats(value["povs"], &change)) return false;
     if (value.isMember("lost")) {
-      if (!value["lost"].isBool()) return Fail("lost", "neither true nor false");
+      if (!value["lost"].isBool()) return FailAt(value["lost"], "lost", "neither true nor false");
       change.hasLost = true;
       change.lost = value["lost"].asBool();
     }
@@ -236,15 +249,16 @@ class Reader {
   }
 
   bool ReadButtons(const Json::Value& value, StateChange* change) {
-    if (!value.isArray()) return Fail("buttons", "not a list");
+    if (!value.isArray()) return FailAt(value, "buttons", "not a list");
     change->hasButtons = true;
     for (Json::ArrayIndex index = 0; index < value.size(); ++index) {
       const std::string member = "buttons[" + std::to_string(index) + "]";
       const auto button = Whole(value[index], member);
       if (!button) return false;
       if (*button < 1 || *button > recording->device.buttons) {
-        return Fail(member, "no button " + std::to_string(*button) + " on this device, which has " +
-                                std::to_string(recording->device.buttons));
+        return FailAt(value[index], member,
+                      "no button " + std::to_string(*button) + " on this device, which has " +
+                          std::to_string(recording->device.buttons));
       }
       change->buttons.push_back(static_cast<std::uint32_t>(*button));
     }
@@ -252,15 +266,15 @@ class Reader {
   }
 
   bool ReadAxes(const Json::Value& value, StateChange* change) {
-    if (!value.isObject()) return Fail("axes", "not an object");
+    if (!value.isObject()) return FailAt(value, "axes", "not an object");
     for (const std::string& name : value.getMemberNames()) {
       const std::string member = "axes." + Shown(name);
       AxisName axis;
-      if (!ParseAxisName(name, &axis)) return Fail(member, "no such axis");
+      if (!ParseAxisName(name, &axis)) return FailAt(value[name], member, "no such axis");
       const auto position = Whole(value[name], member);
       if (!position) return false;
       if (*position < -kAxisLimit || *position > kAxisLimit) {
-        return Fail(member, "not from -32000 to 32000");
+        return FailAt(value[name], member, "not from -32000 to 32000");
       }
       change->axes.emplace_back(axis, static_cast<std::int32_t>(*position));
     }
@@ -268,17 +282,19 @@ class Reader {
   }
 
   bool ReadHats(const Json::Value& value, StateChange* change) {
-    if (!value.isObject()) return Fail("povs", "not an object");
+    if (!value.isObject()) return FailAt(value, "povs", "not an object");
     for (const std::string& name : value.getMemberNames()) {
       const std::string member = "povs." + Shown(name);
       const std::string prefix = "POV";
       const bool named = name.size() == prefix.size() + 1 && name.compare(0, 3, prefix) == 0 &&
                          name.back() >= '0' && name.back() <= '9';
       const auto hat = static_cast<std::uint32_t>(named ? name.back() - '0' : 0);
-      if (!named || hat >= recording->device.povs) return Fail(member, "no such hat");
+      if (!named || hat >= recording->device.povs)
+        return FailAt(value[name], member, "no such hat");
       const auto angle = Whole(value[name], member);
       if (!angle) return false;
-      if (*angle < -1 || *angle >= kWholeTurn) return Fail(member, "neither -1 nor 0 to 35999");
+      if (*angle < -1 || *angle >= kWholeTurn)
+        return FailAt(value[name], member, "neither -1 nor 0 to 35999");
       change->povs.emplace_back(hat, *angle < 0 ? kPovCentred : static_cast<std::uint32_t>(*angle));
     }
     return true;
@@ -290,6 +306,7 @@ class Reader {
   Json::CharReaderBuilder builder;
   std::unique_ptr<Json::CharReader> json;
   std::uint64_t number = 0;  // of the line
+  std::size_t column = 0;    // in it, from 1, in bytes; 0 where none is to blame
   std::string fault;
 };
 

@@ -61,8 +61,8 @@ struct Recording {
   friend bool operator==(const Recording&, const Recording&) = default;
 };
 
-// Reads a whole recording. False with *error naming line and member, such as
-// "3: povs.POV9: no such hat" (the caller puts the file and a colon in front).
+// Reads a whole recording. False with *error naming line, column in bytes and member, such as
+// "3:24: povs.POV9: no such hat" (the caller puts the file and a colon in front).
 bool ReadRecording(std::istream& in, Recording* recording, std::string* error);
 
 // The lines of a recording, without their line feeds.

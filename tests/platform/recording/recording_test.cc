@@ -88,36 +88,36 @@ TEST(Recording, NamesLineAndMemberOfAFaultInTheFirstLine) {
   const Case cases[] = {
       {"", "1: the line that describes the device is missing"},
       {"\n\n", "1: the line that describes the device is missing"},
-      {"{\"t\":1}", "1: recording: missing in the line that describes the device"},
-      {"{}", "1: recording: missing in the line that describes the device"},
-      {"[]", "1: not an object"},
-      {R"({"recording":2})", "1: recording: version 2 isn't known"},
-      {R"({"recording":"1"})", "1: recording: not a number"},
-      {R"({"recording":1,"colour":3})", "1: colour: unknown member"},
-      {R"({"recording":1})", "1: device: missing"},
-      {R"({"recording":1,"device":5})", "1: device: not a text"},
-      {R"({"recording":1,"device":{"bytes":5}})", "1: device.bytes: not a text"},
-      {R"({"recording":1,"device":{}})", "1: device.bytes: not a text"},
-      {R"({"recording":1,"device":{"bytes":"abc"}})", "1: device.bytes: an odd count of digits"},
-      {R"({"recording":1,"device":{"bytes":"zz"}})", "1: device.bytes: not hexadecimal"},
-      {R"({"recording":1,"device":"P"})", "1: guid: missing"},
-      {R"({"recording":1,"device":"P","guid":1})", "1: guid: not a text"},
-      {R"({"recording":1,"device":"P","guid":"12"})", "1: guid: not 32 hexadecimal digits"},
+      {"{\"t\":1}", "1:1: recording: missing in the line that describes the device"},
+      {"{}", "1:1: recording: missing in the line that describes the device"},
+      {"[]", "1:1: not an object"},
+      {R"({"recording":2})", "1:14: recording: version 2 isn't known"},
+      {R"({"recording":"1"})", "1:14: recording: not a number"},
+      {R"({"recording":1,"colour":3})", "1:25: colour: unknown member"},
+      {R"({"recording":1})", "1:1: device: missing"},
+      {R"({"recording":1,"device":5})", "1:25: device: not a text"},
+      {R"({"recording":1,"device":{"bytes":5}})", "1:34: device.bytes: not a text"},
+      {R"({"recording":1,"device":{}})", "1:25: device.bytes: missing"},
+      {R"({"recording":1,"device":{"bytes":"abc"}})", "1:34: device.bytes: an odd count of digits"},
+      {R"({"recording":1,"device":{"bytes":"zz"}})", "1:34: device.bytes: not hexadecimal"},
+      {R"({"recording":1,"device":"P"})", "1:1: guid: missing"},
+      {R"({"recording":1,"device":"P","guid":1})", "1:36: guid: not a text"},
+      {R"({"recording":1,"device":"P","guid":"12"})", "1:36: guid: not 32 hexadecimal digits"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b"})",
-       "1: buttons: missing"},
+       "1:1: buttons: missing"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":129})",
-       "1: buttons: not from 0 to 128"},
+       "1:81: buttons: not from 0 to 128"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":-1})",
-       "1: buttons: not from 0 to 128"},
+       "1:81: buttons: not from 0 to 128"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1.5})",
-       "1: buttons: not a whole number"},
+       "1:81: buttons: not a whole number"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
        R"("axes":9})",
-       "1: axes: not from 0 to 8"},
+       "1:90: axes: not from 0 to 8"},
       {R"({"recording":1,"device":"P","guid":"00000001000200030405060708090a0b","buttons":1,)"
        R"("axes":8,"povs":5})",
-       "1: povs: not from 0 to 4"},
-      {R"({"recording":1,"recording":1})", "1: column 16: Duplicate key: 'recording'"},
+       "1:99: povs: not from 0 to 4"},
+      {R"({"recording":1,"recording":1})", "1:16: Duplicate key: 'recording'"},
   };
   for (const Case& faulty : cases) EXPECT_EQ(Read(faulty.text), faulty.error) << faulty.text;
 }
@@ -129,49 +129,50 @@ TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
   };
   // An empty line stands between the header and the faulty one.
   const Case cases[] = {
-      {"{}", "3: t: missing"},
-      {"7", "3: column 1: A valid JSON document must be either an array or an object value."},
-      {"[7]", "3: not an object"},
-      {R"({"t":"5"})", "3: t: not a number"},
-      {R"({"t":true})", "3: t: not a number"},
-      {R"({"t":null})", "3: t: not a number"},
-      {R"({"t":-1})", "3: t: below 0"},
-      {R"({"t":0.5})", "3: t: not a whole number"},
-      {R"({"t":1e300})", "3: t: out of range"},
-      {R"({"t":9007199254740992})", "3: t: out of range"},
-      {R"({"t":18446744073709551615})", "3: t: out of range"},
-      {R"({"t":1,"button":[1]})", "3: button: unknown member"},
-      {R"({"t":1,"recording":1})", "3: recording: unknown member"},
-      {R"({"t":1,"buttons":1})", "3: buttons: not a list"},
-      {R"({"t":1,"buttons":{"0":1}})", "3: buttons: not a list"},
-      {R"({"t":1,"buttons":[1,"2"]})", "3: buttons[1]: not a number"},
-      {R"({"t":1,"buttons":[0]})", "3: buttons[0]: no button 0 on this device, which has 11"},
-      {R"({"t":1,"buttons":[11,12]})", "3: buttons[1]: no button 12 on this device, which has 11"},
-      {R"({"t":1,"axes":[]})", "3: axes: not an object"},
-      {R"({"t":1,"axes":{"Axis_X":1}})", "3: axes.Axis_X: no such axis"},
-      {R"({"t":1,"axes":{"Axis_X4":1}})", "3: axes.Axis_X4: no such axis"},
-      {R"({"t":1,"axes":{"axis_x0":1}})", "3: axes.axis_x0: no such axis"},
-      {R"({"t":1,"axes":{"":1}})", "3: axes.: no such axis"},
-      {R"({"t":1,"axes":{"Axis_X0":32001}})", "3: axes.Axis_X0: not from -32000 to 32000"},
-      {R"({"t":1,"axes":{"Axis_X0":-32001}})", "3: axes.Axis_X0: not from -32000 to 32000"},
-      {R"({"t":1,"axes":{"Axis_X0":"1"}})", "3: axes.Axis_X0: not a number"},
-      {R"({"t":1,"axes":{"Axis_X0":1,"Axis_X0":2}})", "3: column 28: Duplicate key: 'Axis_X0'"},
-      {R"({"t":1,"povs":5})", "3: povs: not an object"},
-      {R"({"t":1,"povs":{"POV2":0}})", "3: povs.POV2: no such hat"},
-      {R"({"t":1,"povs":{"POV9":0}})", "3: povs.POV9: no such hat"},
-      {R"({"t":1,"povs":{"POV00":0}})", "3: povs.POV00: no such hat"},
-      {R"({"t":1,"povs":{"POV":0}})", "3: povs.POV: no such hat"},
-      {R"({"t":1,"povs":{"PQV0":0}})", "3: povs.PQV0: no such hat"},
-      {R"({"t":1,"povs":{"POV0":36000}})", "3: povs.POV0: neither -1 nor 0 to 35999"},
-      {R"({"t":1,"povs":{"POV0":-2}})", "3: povs.POV0: neither -1 nor 0 to 35999"},
-      {R"({"t":1,"lost":1})", "3: lost: neither true nor false"},
-      {R"({"t":1,"lost":"true"})", "3: lost: neither true nor false"},
-      {R"({"t":1)", "3: column 7: Missing ',' or '}' in object declaration"},
-      {R"({"t":1} x)", "3: column 9: Extra non-whitespace after JSON value."},
-      {R"({"t":1} {"t":2})", "3: column 9: Extra non-whitespace after JSON value."},
-      {"{\"t\":1,\"a\\nb\":2}", "3: a?b: unknown member"},
+      {"{}", "3:1: t: missing"},
+      {"7", "3:1: A valid JSON document must be either an array or an object value."},
+      {"[7]", "3:1: not an object"},
+      {R"({"t":"5"})", "3:6: t: not a number"},
+      {R"({"t":true})", "3:6: t: not a number"},
+      {R"({"t":null})", "3:6: t: not a number"},
+      {R"({"t":-1})", "3:6: t: below 0"},
+      {R"({"t":0.5})", "3:6: t: not a whole number"},
+      {R"({"t":1e300})", "3:6: t: out of range"},
+      {R"({"t":9007199254740992})", "3:6: t: out of range"},
+      {R"({"t":18446744073709551615})", "3:6: t: out of range"},
+      {R"({"t":1,"button":[1]})", "3:17: button: unknown member"},
+      {R"({"t":1,"recording":1})", "3:20: recording: unknown member"},
+      {R"({"t":1,"buttons":1})", "3:18: buttons: not a list"},
+      {R"({"t":1,"buttons":{"0":1}})", "3:18: buttons: not a list"},
+      {R"({"t":1,"buttons":[1,"2"]})", "3:21: buttons[1]: not a number"},
+      {R"({"t":1,"buttons":[0]})", "3:19: buttons[0]: no button 0 on this device, which has 11"},
+      {R"({"t":1,"buttons":[11,12]})",
+       "3:22: buttons[1]: no button 12 on this device, which has 11"},
+      {R"({"t":1,"axes":[]})", "3:15: axes: not an object"},
+      {R"({"t":1,"axes":{"Axis_X":1}})", "3:25: axes.Axis_X: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X4":1}})", "3:26: axes.Axis_X4: no such axis"},
+      {R"({"t":1,"axes":{"axis_x0":1}})", "3:26: axes.axis_x0: no such axis"},
+      {R"({"t":1,"axes":{"":1}})", "3:19: axes.: no such axis"},
+      {R"({"t":1,"axes":{"Axis_X0":32001}})", "3:26: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":-32001}})", "3:26: axes.Axis_X0: not from -32000 to 32000"},
+      {R"({"t":1,"axes":{"Axis_X0":"1"}})", "3:26: axes.Axis_X0: not a number"},
+      {R"({"t":1,"axes":{"Axis_X0":1,"Axis_X0":2}})", "3:28: Duplicate key: 'Axis_X0'"},
+      {R"({"t":1,"povs":5})", "3:15: povs: not an object"},
+      {R"({"t":1,"povs":{"POV2":0}})", "3:23: povs.POV2: no such hat"},
+      {R"({"t":1,"povs":{"POV9":0}})", "3:23: povs.POV9: no such hat"},
+      {R"({"t":1,"povs":{"POV00":0}})", "3:24: povs.POV00: no such hat"},
+      {R"({"t":1,"povs":{"POV":0}})", "3:22: povs.POV: no such hat"},
+      {R"({"t":1,"povs":{"PQV0":0}})", "3:23: povs.PQV0: no such hat"},
+      {R"({"t":1,"povs":{"POV0":36000}})", "3:23: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"povs":{"POV0":-2}})", "3:23: povs.POV0: neither -1 nor 0 to 35999"},
+      {R"({"t":1,"lost":1})", "3:15: lost: neither true nor false"},
+      {R"({"t":1,"lost":"true"})", "3:15: lost: neither true nor false"},
+      {R"({"t":1)", "3:7: Missing ',' or '}' in object declaration"},
+      {R"({"t":1} x)", "3:9: Extra non-whitespace after JSON value."},
+      {R"({"t":1} {"t":2})", "3:9: Extra non-whitespace after JSON value."},
+      {"{\"t\":1,\"a\\nb\":2}", "3:15: a?b: unknown member"},
       {"{\"t\":1,\"\xFF\":2}", "3: not UTF-8"},
-      {"{\"t\":1,\"\x1B[31m\":2,\"\x1B[31m\":2}", "3: column 18: Duplicate key: '?[31m'"},
+      {"{\"t\":1,\"\x1B[31m\":2,\"\x1B[31m\":2}", "3:18: Duplicate key: '?[31m'"},
   };
   for (const Case& faulty : cases) {
     EXPECT_EQ(Read(kHeader + "\n\n" + faulty.line + "\n"), faulty.error) << faulty.line;
@@ -180,17 +181,17 @@ TEST(Recording, NamesLineAndMemberOfAFaultInAChange) {
 
 TEST(Recording, QuotesALongNameInPart) {
   const std::string long80(80, 'n');
-  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "\":1}"), "2: " + long80 + ": unknown member");
-  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "m\":1}"), "2: " + long80 + "...: unknown member");
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "\":1}"), "2:85: " + long80 + ": unknown member");
+  EXPECT_EQ(Read(kHeader + "\n{\"" + long80 + "m\":1}"), "2:86: " + long80 + "...: unknown member");
   const std::string long79(79, 'n');
   EXPECT_EQ(Read(kHeader + "\n{\"" + long79 + "\xC3\xBC\":1}"),
-            "2: " + long79 + "...: unknown member")
+            "2:86: " + long79 + "...: unknown member")
       << "a character of two bytes isn't cut";
 }
 
 TEST(Recording, TimesRiseOrAreEqual) {
   EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\n{\"t\":5}\n{\"t\":4}"),
-            "4: t: before the line above, which is at 5");
+            "4:6: t: before the line above, which is at 5");
 }
 
 TEST(Recording, TakesTheOutermostValues) {
@@ -205,7 +206,7 @@ TEST(Recording, TakesTheOutermostValues) {
 TEST(Recording, AFaultLeavesTheRecordingAlone) {
   Recording recording;
   recording.device.name = "before";
-  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\nnonsense", &recording).substr(0, 3), "3: ");
+  EXPECT_EQ(Read(kHeader + "\n{\"t\":5}\nnonsense", &recording).substr(0, 4), "3:1:");
   EXPECT_EQ(recording.device.name, "before");
   EXPECT_TRUE(recording.changes.empty());
 }
