@@ -8,11 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "console/terminal.h"
+
 namespace kelvaro::console {
 
 struct Streams {
   std::ostream& out;
   std::ostream& err;
+  Terminal terminal = {};  // that `out` goes to
 };
 
 struct KeysOptions {

@@ -1,6 +1,7 @@
 #include "console/device_choice.h"
 
 #include "app/platform/recording/recording.h"
+#include "console/did_you_mean.h"
 #include "console/json_text.h"
 
 namespace kelvaro::console {
@@ -14,6 +15,16 @@ std::string ListOfDevices(const DeviceManager& manager) {
     list += (i > 0 ? ", '" : "'") + Bytes(manager.DeviceName(i)) + "'";
   }
   return list;
+}
+
+// " (did you mean 'Pad'?)", or nothing.
+std::string Meant(const DeviceManager& manager, const std::string& name) {
+  std::vector<std::string> names;
+  for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
+    names.push_back(Bytes(manager.DeviceName(i)));
+  }
+  const std::string meant = DidYouMean(name, names);
+  return meant.empty() ? "" : " (" + meant + ")";
 }
 
 // Index of the first device that fits, -1 for none.
@@ -40,7 +51,8 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
   if (index >= 0) return index;
 
   if (choice.name || !name.IsEmpty()) {
-    *error = "there is no device '" + Bytes(name) + "'" + ListOfDevices(manager);
+    *error = "there is no device '" + Bytes(name) + "'" + Meant(manager, Bytes(name)) +
+             ListOfDevices(manager);
   } else if (choice.profileGuid != platform::GUID{}) {
     *error = "there is no device with the guid " + platform::GuidText(choice.profileGuid) +
              ListOfDevices(manager);

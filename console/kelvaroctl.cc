@@ -1,11 +1,12 @@
 #include "console/kelvaroctl.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <functional>
 
 #include "app/platform/byte_text.h"
+#include "console/called_command.h"
 #include "console/console_error.h"
+#include "console/help_text.h"
 #include "console/profile_check.h"
 #include "foundation/version.h"
 
@@ -66,14 +67,15 @@ void Choose(CLI::App* command, Choice& choice, const Options& options,
 void AddKeys(CLI::App& app, Choice& choice) {
   CLI::App* keys = app.add_subcommand("keys", "Read a key text, or write one from its steps");
   keys->footer(
-      "TEXT is plain characters, <NAME> for a special key, << for '<', and <P:500> for a pause\n"
-      "of 500 ms, such as '<Ctrl>c' or 'go<Enter>'. A fault in it gives exit status 1 and a caret\n"
-      "below it. With --json: result (-1 read, -2 read and holding upper case letters, else the\n"
+      "TEXT is plain characters, <NAME> for a special key, << for '<', and <P:500> for a pause "
+      "of 500 ms, such as '<Ctrl>c' or 'go<Enter>'. A fault in it gives exit status 1 and a caret "
+      "below it. With --json: result (-1 read, -2 read and holding upper case letters, else the "
       "offset of the fault), duplicateKey, steps as [vk,scan,flags], and the canonical text.");
   auto* text = keys->add_option("TEXT", choice.keys.text, "the key text");
   auto* steps = keys->add_option("--steps", choice.keys.steps,
                                  "steps to write as text: vk scan flags in hexadecimal, parted by "
-                                 "commas, such as \"41 1e 00, 42 30 08\"");
+                                 "commas, such as \"41 1e 00, 42 30 08\"")
+                    ->type_name("STEPS");
   text->excludes(steps);
   keys->add_flag("--hold-all", choice.keys.holdAll,
                  "read it as held down all together: no key may be there twice");
@@ -87,8 +89,8 @@ void AddKeys(CLI::App& app, Choice& choice) {
 void AddPlay(CLI::App& app, Choice& choice) {
   CLI::App* play = app.add_subcommand("play", "Send a key text's keys, as a Control would");
   play->footer(
-      "Without --simulate the keys go to whatever has the focus, after a countdown of three\n"
-      "seconds. Ctrl-C breaks it off, then or while it sends, and lets go of what is down. With\n"
+      "Without --simulate the keys go to whatever has the focus, after a countdown of three "
+      "seconds. Ctrl-C breaks it off, then or while it sends, and lets go of what is down. With "
       "--simulate nothing is sent: time is virtual and each event is printed with its "
       "millisecond.");
   play->add_option("TEXT", choice.play.text, "the key text, as `kelvaroctl keys` takes it")
@@ -110,8 +112,8 @@ void AddPlay(CLI::App& app, Choice& choice) {
 void AddProfiles(CLI::App& app, Choice& choice) {
   CLI::App* profiles = app.add_subcommand("profiles", "List the stored profiles and their files");
   profiles->footer(
-      "Profiles are stored in the folder Profiles beside the program, or where a file PerUser\n"
-      "lies there, in kelvaro/Profiles of your data folder, and go by the name inside the\n"
+      "Profiles are stored in the folder Profiles beside the program, or where a file PerUser "
+      "lies there, in kelvaro/Profiles of your data folder, and go by the name inside the "
       "file. With --json: name and file.");
   profiles->add_flag("--json", choice.profiles.json, kJsonHelp);
   Choose(profiles, choice, choice.profiles, &ProfilesCommand);
@@ -120,11 +122,9 @@ void AddProfiles(CLI::App& app, Choice& choice) {
 void AddShow(CLI::App& app, Choice& choice) {
   CLI::App* show = app.add_subcommand("show", "Print a profile");
   show->footer(
-      "A line for each Control: its number, its inputs, its keys, its description. With --json\n"
+      "A line for each Control: its number, its inputs, its keys, its description. With --json "
       "the whole profile on one line, as `kelvaroctl pack` takes it.");
-  show->add_option("PROFILE", choice.show.profile, kProfileHelp)
-      ->option_text("FILE|NAME")
-      ->required();
+  show->add_option("FILE|NAME", choice.show.profile, kProfileHelp)->required();
   show->add_flag("--json", choice.show.json, kJsonHelp);
   Choose(show, choice, choice.show, &ShowCommand);
 }
@@ -132,7 +132,7 @@ void AddShow(CLI::App& app, Choice& choice) {
 void AddPack(CLI::App& app, Choice& choice) {
   CLI::App* pack = app.add_subcommand("pack", "Make a profile file of a profile in JSON");
   pack->footer(
-      "Members left out have their defaults, triggerText is ignored, and an action without steps\n"
+      "Members left out have their defaults, triggerText is ignored, and an action without steps "
       "is made of its text. OUT appears whole or not at all.");
   pack->add_option("IN", choice.pack.in,
                    "the profile in JSON, as `kelvaroctl show --json` prints "
@@ -150,10 +150,10 @@ void AddCheck(CLI::App& app, Choice& choice) {
   CLI::App* check =
       app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
   check->footer(
-      "Says of each file whether it loads, what it lacks or holds that a load passes over,\n"
-      "which Controls can never fire, and which keys may come out otherwise than written. Exit\n"
+      "Says of each file whether it loads, what it lacks or holds that a load passes over, "
+      "which Controls can never fire, and which keys may come out otherwise than written. Exit "
       "status 1 when one of the files doesn't load.\n"
-      "With --json: file, loads, error, profileName, controls (how many were read), and findings,\n"
+      "With --json: file, loads, error, profileName, controls (how many were read), and findings, "
       "each with its kind (" +
       kinds + "), where and what.");
   check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
@@ -190,22 +190,21 @@ void AddRecord(CLI::App& app, Choice& choice) {
 void AddRun(CLI::App& app, Choice& choice) {
   CLI::App* run = app.add_subcommand("run", "Run a profile: the pad moves, keys come out");
   run->footer(
-      "It takes the profile's device (or --device, or the recording given by --replay) and ends\n"
-      "on Ctrl-C, at --until, or one second after the last line of the recording; then it lets go\n"
+      "It takes the profile's device (or --device, or the recording given by --replay) and ends "
+      "on Ctrl-C, at --until, or one second after the last line of the recording; then it lets go "
       "of every key and button that it holds down.\n"
-      "With --wake what the pad does brings a poll at once; the next comes a full interval later\n"
-      "at the earliest. A tap between two polls isn't lost: its press and its release are two\n"
-      "changes. So are two buttons that go down a moment apart: a Control for the first of them\n"
+      "With --wake what the pad does brings a poll at once; the next comes a full interval later "
+      "at the earliest. A tap between two polls isn't lost: its press and its release are two "
+      "changes. So are two buttons that go down a moment apart: a Control for the first of them "
       "may fire before the one for both. A recording is answered at once with --simulate alone.");
-  run->add_option("PROFILE", choice.run.profile, kProfileHelp)
-      ->option_text("FILE|NAME")
-      ->required();
+  run->add_option("FILE|NAME", choice.run.profile, kProfileHelp)->required();
   auto* replay =
-      run->add_option("--replay", choice.run.replay, "a recording that plays in place of a pad");
+      run->add_option("--replay", choice.run.replay, "a recording that plays in place of a pad")
+          ->type_name("FILE");
   run->add_flag("--simulate", choice.run.simulate,
                 "send nothing, print the events; time is virtual (needs --replay)")
       ->needs(replay);
-  run->add_option("--device", choice.run.device, "name of the pad to take");
+  run->add_option("--device", choice.run.device, "name of the pad to take")->type_name("NAME");
   run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
   run->add_flag("--wake", choice.run.wake,
                 "answer at once: don't wait for the next poll when the pad does something");
@@ -219,7 +218,7 @@ void AddSettings(CLI::App& app, Choice& choice) {
   CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
   settings->require_subcommand(1);
   settings->footer(
-      "The window reads its settings when it starts, so a change counts from its next start on.\n"
+      "The window reads its settings when it starts, so a change counts from its next start on. "
       "While it runs, what it writes itself when it ends can't be changed.");
   const auto add = [&](const char* name, const char* about, auto command) {
     CLI::App* sub = settings->add_subcommand(name, about);
@@ -244,25 +243,21 @@ void AddSettings(CLI::App& app, Choice& choice) {
                   "0 or 1, a number or a text; `kelvaroctl settings list` tells which")
       ->required();
   set->footer(
-      "Says when the change counts. With --json: the same as `kelvaroctl settings list`, of one,\n"
+      "Says when the change counts. With --json: the same as `kelvaroctl settings list`, of one, "
       "and startAgain, the processes that have to be ended and started again for it to count.");
 }
 
-// The first words as far as they should be commands, if the last of them is none; otherwise empty.
-// The library would only say that a command is missing.
-std::string UnknownCommand(const CLI::App& app, const std::vector<std::string>& words) {
-  const CLI::App* command = &app;
-  std::string path;
-  for (const std::string& word : words) {
-    const auto commands = command->get_subcommands({});
-    if (commands.empty() || word.empty() || word[0] == '-') return {};
-    path += (path.empty() ? "" : " ") + word;
-    const auto found = std::find_if(commands.begin(), commands.end(),
-                                    [&](const CLI::App* each) { return each->get_name() == word; });
-    if (found == commands.end()) return path;
-    command = *found;
-  }
-  return {};
+// A command with commands of its own is called without one: the help says which there are.
+int ShowCommands(const CalledCommand& called, Streams streams) {
+  streams.err << HelpText(*called.command, called.path, streams.terminal.columns) << std::flush;
+  return kUsage;
+}
+
+// The words that no option and no argument takes.
+std::string SurplusWords(const CLI::App& app) {
+  std::string words;
+  for (const std::string& word : app.remaining(true)) words += " '" + word + "'";
+  return "there are more words than it takes:" + words;
 }
 
 }  // namespace
@@ -271,10 +266,10 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   Choice choice;
   CLI::App app(kAbout, "kelvaroctl");
   app.require_subcommand(1);
-  app.set_version_flag("--version", "kelvaroctl");
+  app.set_version_flag("--version", "kelvaroctl", "show the version");
   app.set_help_flag("-h,--help", "show this help");
   app.footer(
-      "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad,\n"
+      "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad, "
       "2 the command line is wrong.");
   AddKeys(app, choice);
   AddPlay(app, choice);
@@ -288,22 +283,26 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   AddRun(app, choice);
   AddSettings(app, choice);
 
-  if (const std::string unknown = UnknownCommand(app, words); !unknown.empty()) {
-    Complain(streams.err, "there is no command '" + unknown + "' (kelvaroctl --help lists them)");
+  const CalledCommand called = FindCommand(app, words);
+  const auto wrong = [&](const std::string& what) {
+    Complain(streams.err, what);
     return kUsage;
-  }
-  std::vector<std::string> backwards(words.rbegin(), words.rend());
+  };
+  if (!called.fault.empty()) return wrong(called.fault);
+  const std::string more = " (" + called.path + " --help tells more)";
   try {
-    app.parse(backwards);
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (const CLI::CallForHelp&) {
-    streams.out << app.help() << std::flush;
+    streams.out << HelpText(*called.command, called.path, streams.terminal.columns) << std::flush;
     return kDone;
   } catch (const CLI::CallForVersion&) {
     streams.out << "kelvaroctl " << VersionNumber().Text() << std::endl;
     return kDone;
+  } catch (const CLI::ExtrasError&) {
+    return wrong(SurplusWords(app) + more);
   } catch (const CLI::ParseError& error) {
-    Complain(streams.err, std::string(error.what()) + " (kelvaroctl --help tells more)");
-    return kUsage;
+    if (!called.command->get_subcommands({}).empty()) return ShowCommands(called, streams);
+    return wrong(error.what() + more);
   }
   const int status = choice.command(streams);
   streams.out.flush();

@@ -1,7 +1,9 @@
 #include "console/key_text.h"
 
 #include "app/platform/byte_text.h"
+#include "console/did_you_mean.h"
 #include "console/json_text.h"
+#include "keys/key_tables.h"
 
 namespace kelvaro::console {
 namespace {
@@ -33,8 +35,12 @@ std::string FaultWords(const std::string& rest, bool duplicateKey) {
   const std::size_t end = rest.find('>');
   if (end == std::string::npos) return "a '<' without its '>' (write << for the character itself)";
   std::string name = rest.substr(1, end - 1);
+  std::vector<std::string> names;
+  for (const KeyToken* row = KeyTokenTable; row->name; ++row) names.emplace_back(row->name);
+  const std::string meant = DidYouMean(name, names, "<>");
   if (name.size() > kLongestName) name = name.substr(0, kLongestName) + "...";
-  return "there is no key <" + name + "> (write << for the character itself)";
+  return "there is no key <" + name + "> (" + (meant.empty() ? "" : meant + " ") +
+         "write << for the character itself)";
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <iostream>
 #include <string>
 #include <vector>
@@ -6,5 +8,6 @@
 
 int main(int argc, char** argv) {
   const std::vector<std::string> words(argv + 1, argv + argc);
-  return kelvaro::console::RunKelvaroctl(words, {std::cout, std::cerr});
+  return kelvaro::console::RunKelvaroctl(
+      words, {std::cout, std::cerr, kelvaro::console::TerminalOn(STDOUT_FILENO)});
 }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <numeric>
 #include <vector>
 
 #include "app/platform/simulation/virtual_disk.h"
+#include "console/did_you_mean.h"
 #include "console/file_machine.h"
 #include "console/json_text.h"
 #include "console/profile_json.h"
@@ -18,7 +18,7 @@ namespace {
 constexpr char kInMemory[] = "/profile";
 
 constexpr std::size_t kNamesTold = 8;
-constexpr std::size_t kNameCompared = 64;  // bytes
+constexpr std::size_t kLongestName = 64;  // bytes of a name that are told
 
 bool IsFile(const std::string& path) {
   const std::uint32_t attributes = platform::files().GetFileAttributesA(path);
@@ -45,26 +45,6 @@ bool LoadStored(const std::string& path, const std::string& name, ProfileFile* p
   return false;
 }
 
-// How many letters differ, case not counting.
-std::size_t Distance(std::string a, std::string b) {
-  for (std::string* text : {&a, &b}) {
-    text->resize(std::min(text->size(), kNameCompared));
-    for (char& c : *text) c = static_cast<char>(FoldUpper(static_cast<std::uint8_t>(c)));
-  }
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), 0);
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t j = 0; j < b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i] != b[j]);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({row[j] + 1, diagonal + 1, replaced});
-    }
-  }
-  return row.back();
-}
-
 // "; the stored ones are 'Walk', 'Race'", the most similar names first.
 std::string StoredNames(const std::string& wanted) {
   LinkedList<ByteString> list;
@@ -76,9 +56,13 @@ std::string StoredNames(const std::string& wanted) {
     names.emplace_back(Distance(name, wanted), name);
   }
   std::sort(names.begin(), names.end());
-  std::string text = names.size() == 1 ? "; stored is " : "; stored are ";
+  std::vector<std::string> plain;
+  for (const auto& each : names) plain.push_back(each.second);
+  const std::string meant = DidYouMean(wanted, plain);
+  std::string text = meant.empty() ? "" : " (" + meant + ")";
+  text += names.size() == 1 ? "; stored is " : "; stored are ";
   for (std::size_t i = 0; i < names.size() && i < kNamesTold; ++i) {
-    text += (i > 0 ? ", '" : "'") + names[i].second.substr(0, kNameCompared) + "'";
+    text += (i > 0 ? ", '" : "'") + names[i].second.substr(0, kLongestName) + "'";
   }
   if (names.size() > kNamesTold)
     text += " and " + std::to_string(names.size() - kNamesTold) + " more";

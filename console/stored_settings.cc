@@ -4,6 +4,7 @@
 #include "app/resources/settings_keys.h"
 #include "app/settings/app_settings.h"
 #include "console/console_error.h"
+#include "console/did_you_mean.h"
 #include "console/json_text.h"
 #include "console/terminal_text.h"
 
@@ -97,12 +98,16 @@ std::string Text(const Holds& holds) {
 
 // By its name, in any case of letters. Complains if there is none.
 const Setting* FindSetting(const std::string& name, Streams streams) {
-  std::string names;
+  std::vector<std::string> names;
+  std::string list;
   for (const Setting& setting : Settings()) {
     if (TextOf(name).Compare(TextOf(setting.name), true) == 0) return &setting;
-    names += std::string(names.empty() ? "'" : ", '") + setting.name + "'";
+    names.emplace_back(setting.name);
+    list += std::string(list.empty() ? "'" : ", '") + setting.name + "'";
   }
-  Complain(streams.err, "there is no setting '" + name + "'; there are " + names);
+  const std::string meant = DidYouMean(name, names);
+  Complain(streams.err, "there is no setting '" + name + "'" +
+                            (meant.empty() ? "" : " (" + meant + ")") + "; there are " + list);
   return nullptr;
 }
 

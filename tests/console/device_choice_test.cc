@@ -63,7 +63,8 @@ TEST_F(DeviceChoiceTest, ANameTakesTheFirstDeviceThatHasIt) {
 
 TEST_F(DeviceChoiceTest, AnUnknownNameListsTheDevicesThatAreThere) {
   Plug({"Wheel", "Pad"});
-  EXPECT_EQ(Choose(Named("pad")), "there is no device 'pad'; there are: 'Wheel', 'Pad'");
+  EXPECT_EQ(Choose(Named("pad")),
+            "there is no device 'pad' (did you mean 'Pad'?); there are: 'Wheel', 'Pad'");
   EXPECT_EQ(Choose(Named("")), "there is no device ''; there are: 'Wheel', 'Pad'");
 }
 

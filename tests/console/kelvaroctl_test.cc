@@ -12,13 +12,11 @@ const std::vector<std::string> kCommands{"keys",    "play",  "profiles", "show",
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
-      {},
       {""},
       {"nonsense"},
       {"KEYS", "a"},
       {"--nonsense"},
       {"--json", "keys", "a"},
-      {"--", "keys", "a"},
       {"keys"},
       {"keys", "a", "b"},
       {"keys", "-a"},
@@ -68,7 +66,6 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"run", "a", "--device"},
       {"run", "a", "--until", "9007199254740992"},
       {"run", "a", "--repeat"},
-      {"settings"},
       {"settings", "nonsense"},
       {"settings", "--json", "list"},
       {"settings", "list", "x"},
@@ -93,11 +90,54 @@ TEST(CommandLine, NamesWhatIsWrong) {
             "kelvaroctl: there is no command 'nonsense' (kelvaroctl --help lists them)\n");
   EXPECT_EQ(Kelvaroctl({"settings", "nonsense"}).err,
             "kelvaroctl: there is no command 'settings nonsense' (kelvaroctl --help lists them)\n");
+  EXPECT_EQ(Kelvaroctl({"settings", "lits"}).err,
+            "kelvaroctl: there is no command 'settings lits' (did you mean 'list'? "
+            "kelvaroctl --help lists them)\n");
   EXPECT_EQ(Kelvaroctl({"run", "a", "--simulate"}).err,
-            "kelvaroctl: --simulate requires --replay (kelvaroctl --help tells more)\n");
+            "kelvaroctl: --simulate requires --replay (kelvaroctl run --help tells more)\n");
+  EXPECT_EQ(Kelvaroctl({"run", "a", "--replay"}).err, "kelvaroctl: --replay needs a value\n");
+  EXPECT_EQ(Kelvaroctl({"show", "a", "b", "c"}).err,
+            "kelvaroctl: there are more words than it takes: 'b' 'c' "
+            "(kelvaroctl show --help tells more)\n");
+  EXPECT_EQ(Kelvaroctl({"show"}).err,
+            "kelvaroctl: FILE|NAME is required (kelvaroctl show --help tells more)\n");
   EXPECT_EQ(Kelvaroctl({"play", "a", "--hold-time", "1e3"}).err,
             "kelvaroctl: --hold-time: '1e3' is not a whole number from 0 to 4294967295 "
-            "(kelvaroctl --help tells more)\n");
+            "(kelvaroctl play --help tells more)\n");
+}
+
+// Wherever it stands, and whatever else is wrong or missing.
+TEST(CommandLine, AnUnknownOptionIsNamed) {
+  EXPECT_EQ(Kelvaroctl({"devices", "--jsn"}).err,
+            "kelvaroctl: kelvaroctl devices has no option '--jsn' (did you mean '--json'? "
+            "kelvaroctl devices --help lists the options)\n");
+  EXPECT_EQ(Kelvaroctl({"keys", "--nonsense"}).err,
+            "kelvaroctl: kelvaroctl keys has no option '--nonsense' (a text that begins with - "
+            "goes behind --; kelvaroctl keys --help lists the options)\n");
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"show", "--until", "5", "a"},
+                                             {"show", "a", "--until=5"},
+                                             {"run", "--device", "--json", "--until"},
+                                             {"play", "--hold-time", "x", "--until"},
+                                             {"--until", "keys"}}) {
+    const Outcome outcome = Kelvaroctl(words);
+    EXPECT_EQ(outcome.status, 2);
+    const bool value = words.back() == "--until" && words[0] == "run";
+    EXPECT_NE(outcome.err.find(value ? "--until needs a value" : "has no option '--until'"),
+              std::string::npos)
+        << testing::PrintToString(words) << outcome.err;
+  }
+}
+
+TEST(CommandLine, WithoutACommandItIsTheHelpThatIsShown) {
+  const Outcome bare = Kelvaroctl({});
+  EXPECT_EQ(bare.status, 2);
+  EXPECT_EQ(bare.out, "");
+  EXPECT_EQ(bare.err, Kelvaroctl({"--help"}).out);
+  EXPECT_EQ(Kelvaroctl({"--", "keys", "a"}).err, bare.err);
+  const Outcome settings = Kelvaroctl({"settings"});
+  EXPECT_EQ(settings.status, 2);
+  EXPECT_EQ(settings.err, Kelvaroctl({"settings", "--help"}).out);
 }
 
 TEST(CommandLine, TwoDashesEndTheOptions) {

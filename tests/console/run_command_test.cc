@@ -131,8 +131,10 @@ TEST(RunCommand, ADeviceThatIsNotThereListsThoseThatAre) {
       {"run", "--simulate", "--replay", recording.path, "--device", "Best Pad", profile.path});
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
-  EXPECT_EQ(outcome.err, "kelvaroctl: " + profile.path +
-                             ": there is no device 'Best Pad'; there is: 'Test Pad'\n");
+  EXPECT_EQ(
+      outcome.err,
+      "kelvaroctl: " + profile.path +
+          ": there is no device 'Best Pad' (did you mean 'Test Pad'?); there is: 'Test Pad'\n");
 }
 
 TEST(RunCommand, AFaultyFileIsNamedWithLineAndMember) {

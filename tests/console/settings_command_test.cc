@@ -195,7 +195,8 @@ TEST_F(SettingsInMemory, AnUnknownNameOrABadValueSaysWhatIsAllowedAndChangesNoth
     const char* error;
   } const kCases[] = {
       {"Smart", "1",
-       "there is no setting 'Smart'; there are 'Show Auto-Detect Usage', 'Start Minimized', "
+       "there is no setting 'Smart' (did you mean 'Smart Check'?); there are 'Show Auto-Detect "
+       "Usage', 'Start Minimized', "
        "'Smart Check', 'Shift Reminder', 'Last Profile', 'No Device Error Msg', "
        "'Autodetect Device Plugin', 'Welcome Display', 'Last Device', 'Answer At Once'"},
       {"smart check", "2", "'Smart Check' can't be '2': it is 0 or 1"},

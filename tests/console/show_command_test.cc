@@ -138,13 +138,13 @@ TEST_F(ShowCommand, AWrongNameIsAnsweredWithTheStoredOnesTheMostSimilarFirst) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");
   EXPECT_EQ(outcome.err,
-            "kelvaroctl: there is no file and no stored profile 'Walk'; stored are 'Talk', "
-            "'WALKS', 'Racing'\n");
+            "kelvaroctl: there is no file and no stored profile 'Walk' (did you mean 'Talk'?); "
+            "stored are 'Talk', 'WALKS', 'Racing'\n");
   for (int i = 3; i < 10; ++i) {
     Put(std::to_string(i) + ".idprof", SmallProfile("Something else " + std::to_string(i)));
   }
   const std::string many = Kelvaroctl({"show", "Walk"}).err;
-  EXPECT_EQ(std::count(many.begin(), many.end(), '\''), 2 * (1 + 8)) << many;
+  EXPECT_EQ(std::count(many.begin(), many.end(), '\''), 2 * (1 + 1 + 8)) << many;
   EXPECT_TRUE(many.ends_with(" and 2 more\n")) << many;
 }
 
@@ -212,7 +212,8 @@ TEST_F(ShowCommand, RunTakesAStoredProfileToo) {
   const Outcome missing = Kelvaroctl({"run", "--simulate", "--replay", recording.path, "Jumps"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_EQ(missing.err,
-            "kelvaroctl: there is no file and no stored profile 'Jumps'; stored is 'Jump'\n");
+            "kelvaroctl: there is no file and no stored profile 'Jumps' (did you mean 'Jump'?); "
+            "stored is 'Jump'\n");
 }
 
 }  // namespace
