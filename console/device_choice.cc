@@ -68,6 +68,12 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
 
 }  // namespace
 
+bool HasChosenDevice(const DeviceChoice& choice, std::string* error) {
+  const DeviceManager manager(platform::kNoWindow);
+  // Selecting one tells that there is no DirectInput.
+  return !manager.DirectInputCreated() || FindChosen(manager, choice, error) >= 0;
+}
+
 bool SelectChosenDevice(DeviceManager* manager, const DeviceChoice& choice, std::string* error) {
   if (!manager->DirectInputCreated()) {
     ByteString text;

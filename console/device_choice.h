@@ -16,6 +16,9 @@ struct DeviceChoice {
   ByteString profileName;
 };
 
+// Looks whether the device is plugged in, without opening it. False, with *error as below.
+bool HasChosenDevice(const DeviceChoice& choice, std::string* error);
+
 // Selects the device, which runs then. False, with *error in words that list what is there.
 bool SelectChosenDevice(DeviceManager* manager, const DeviceChoice& choice, std::string* error);
 

@@ -75,13 +75,18 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
   RealMachine machine;
   std::string error;
   if (options.replay) machine.PlayRecording(recording);
+  // A missing pad is told before a missing way out: it is what a person looks for first.
+  const DeviceChoice choice = ChosenDevice(options, profile);
+  if (!HasChosenDevice(choice, &error)) {
+    return Complain(streams.err, options.profile + ": " + error);
+  }
   if (!machine.OpenOutput(options.json ? &printer : nullptr, &error)) {
     return Complain(streams.err, error);
   }
 
   EngineSession session(profile);
   session.SetAnswerAtOnce(options.wake);
-  if (!session.Begin(ChosenDevice(options, profile), options.mouseActive, &error)) {
+  if (!session.Begin(choice, options.mouseActive, &error)) {
     return Complain(streams.err, options.profile + ": " + error);
   }
   machine.StartOfTime();

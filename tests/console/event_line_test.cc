@@ -63,6 +63,20 @@ TEST(TextEventLine, TellsAllThatOneMouseEventDoes) {
   EXPECT_EQ(TextEventLine(Mouse(5, 0x10, 0, 0, 0)), "       5 ms  right mouse button up");
 }
 
+TEST(EventPrinter, SaysOfAReleaseWithoutAPressThatItComesOfAPause) {
+  std::ostringstream text;
+  EventPrinter printer(text, false);
+  printer.Print(Key(0, 65, 30, 0));
+  printer.Print(Key(1, 65, 30, 2));
+  printer.Print(Key(2, 65, 30, 2));  // another Control's, which had it down, too
+  printer.Print(Key(3, 3, 0xE8, 3));
+  EXPECT_EQ(text.str(),
+            "       0 ms  a down\n"
+            "       1 ms  a up\n"
+            "       2 ms  a up\n"
+            "       3 ms  key 3 scan 232 up (stray, of the pause of 1000 ms)\n");
+}
+
 TEST(EventPrinter, PrintsALineAnEventInTheFormAskedFor) {
   std::ostringstream json;
   EventPrinter(json, true).Print(Key(1, 65, 30, 0));

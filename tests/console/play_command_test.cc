@@ -59,7 +59,7 @@ TEST(PlayCommand, PressesAndReleasesAsAControlWould) {
        {"a<P:500>b", "--release-pause", "10"},
        "       0 ms  a down\n"
        "       0 ms  a up\n"
-       "     500 ms  key 1 scan 244 up\n"
+       "     500 ms  key 1 scan 244 up (stray, of the pause of 500 ms)\n"
        "     500 ms  b down\n"
        "     500 ms  b up\n"},
       {"a mouse button",

@@ -39,5 +39,14 @@ TEST(RealDevices, OneThatIsNotThereIsNamed) {
   }
 }
 
+// Whether or not keys could go out here.
+TEST(RealDevices, RunTellsAMissingPadBeforeAllElse) {
+  const TestFile profile("profile", "{}");
+  const Outcome outcome = Kelvaroctl({"run", "--device", kNobodysPad, profile.path});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("there is no device 'A pad that nobody has'"), std::string::npos)
+      << outcome.err;
+}
+
 }  // namespace
 }  // namespace kelvaro::console
