@@ -9,8 +9,7 @@
 #include <mutex>
 #include <string>
 
-struct DBusConnection;
-struct DBusMessage;
+#include "app/platform/linux/message_bus.h"
 
 namespace platform {
 
@@ -18,7 +17,6 @@ class RealtimeKit {
  public:
   // `address` is the bus's, in D-Bus's form; empty for the system bus.
   explicit RealtimeKit(std::string address = {});
-  ~RealtimeKit();
   RealtimeKit(const RealtimeKit&) = delete;
   RealtimeKit& operator=(const RealtimeKit&) = delete;
 
@@ -34,17 +32,11 @@ class RealtimeKit {
   bool MakeHighPriority(pid_t thread, std::int32_t nice);
 
  private:
-  bool Connect();
-  // The reply, to be given back with dbus_message_unref; null on failure; after any but a refusal
-  // nothing is asked any more. Takes over `request`.
-  DBusMessage* Ask(DBusMessage* request);
   // Calls a method of the service on a thread; `value` points to four bytes of D-Bus's `type`.
   bool Raise(const char* method, pid_t thread, int type, const void* value);
 
-  const std::string address;
   std::mutex mutex;  // guards what follows
-  DBusConnection* connection = nullptr;
-  bool givenUp = false;
+  MessageBus bus;
   std::int64_t longestRunUs = -1;  // not asked yet
 };
 

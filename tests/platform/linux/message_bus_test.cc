@@ -1,0 +1,62 @@
+#include "app/platform/linux/message_bus.h"
+
+#include <dbus/dbus.h>
+#include <gtest/gtest.h>
+
+#include "tests/host/files.h"
+#include "tests/platform/linux/fake_realtime_kit.h"
+
+namespace platform {
+namespace {
+
+using kelvaro::tests::Variable;
+
+TEST(SystemBusAddress, IsThatOfTheEnvironmentElseTheUsualOne) {
+  const Variable address("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/some/bus");
+  EXPECT_EQ(SystemBusAddress(), "unix:path=/some/bus");
+  address.Set("");
+  EXPECT_EQ(SystemBusAddress(), "unix:path=/var/run/dbus/system_bus_socket");
+  address.Set(nullptr);
+  EXPECT_EQ(SystemBusAddress(), "unix:path=/var/run/dbus/system_bus_socket");
+}
+
+TEST(SessionBusAddress, IsThatOfTheEnvironmentElseTheRuntimeFoldersIfThereIsOne) {
+  const Variable address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/some/bus");
+  const Variable runtime("XDG_RUNTIME_DIR", "/run/user/7");
+  EXPECT_EQ(SessionBusAddress(), "unix:path=/some/bus");
+  address.Set(nullptr);
+  EXPECT_EQ(SessionBusAddress(), "unix:path=/run/user/7/bus");
+  runtime.Set(nullptr);
+  EXPECT_EQ(SessionBusAddress(), "");
+}
+
+TEST(MessageBus, AsksNothingMoreOnceNobodyAnswers) {
+  const Bus daemon;
+  ASSERT_NE(daemon.Address(), "");
+  MessageBus bus(daemon.Address());
+  ASSERT_TRUE(bus.Connect());
+  dbus_bool_t value = TRUE;
+  EXPECT_FALSE(bus.ReadProperty("no.such.Service", "/", "Any", false, DBUS_TYPE_BOOLEAN, &value));
+  EXPECT_EQ(value, TRUE);
+  EXPECT_FALSE(bus.Connect());
+}
+
+TEST(MessageBus, APropertyOfAnotherTypeIsNone) {
+  const Bus daemon;
+  ASSERT_NE(daemon.Address(), "");
+  MessageBus bus(daemon.Address());
+  dbus_bool_t value = TRUE;
+  // A list of texts.
+  EXPECT_FALSE(bus.ReadProperty(DBUS_INTERFACE_DBUS, DBUS_PATH_DBUS, "Features", false,
+                                DBUS_TYPE_BOOLEAN, &value));
+  EXPECT_EQ(value, TRUE);
+}
+
+TEST(MessageBus, ThatIsNotThereIsNotConnected) {
+  MessageBus bus("unix:path=/no/such/bus");
+  EXPECT_FALSE(bus.Connect());
+  EXPECT_FALSE(bus.Connect());
+}
+
+}  // namespace
+}  // namespace platform
