@@ -66,6 +66,11 @@ struct DevicesOptions {
 };
 int DevicesCommand(const DevicesOptions& options, Streams streams);
 
+struct DoctorOptions {
+  bool json = false;
+};
+int DoctorCommand(const DoctorOptions& options, Streams streams);
+
 struct WatchOptions {
   std::optional<std::string> device;
   std::optional<std::uint64_t> until;  // ms

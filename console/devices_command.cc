@@ -1,10 +1,10 @@
 // kelvaroctl devices: what is plugged in.
 
-#include "app/platform/linux/device_use.h"
 #include "app/platform/recording/recording.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/json_text.h"
+#include "console/program_list.h"
 #include "console/real_machine.h"
 #include "console/terminal_text.h"
 
@@ -52,16 +52,6 @@ std::string JsonLine(const Listed& device) {
          ",\"mirror\":" + truth(platform::IsMirror(device.place.ids)) +
          ",\"grabbed\":" + truth(device.grabbed) + ",\"openIn\":" + JsonPrograms(device.programs) +
          "}";
-}
-
-// "evtest (812), game (4711)"
-std::string ProgramsText(const std::vector<platform::OtherProgram>& programs) {
-  std::string list;
-  for (const platform::OtherProgram& program : programs) {
-    if (!list.empty()) list += ", ";
-    list += TerminalText(program.name) + " (" + std::to_string(program.process) + ")";
-  }
-  return list;
 }
 
 // The system doesn't tell which of several programs has grabbed a device.

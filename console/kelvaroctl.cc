@@ -48,6 +48,7 @@ struct Choice {
   PackOptions pack;
   CheckOptions check;
   DevicesOptions devices;
+  DoctorOptions doctor;
   WatchOptions watch;
   RecordOptions record;
   RunOptions run;
@@ -167,6 +168,18 @@ void AddDevices(CLI::App& app, Choice& choice) {
   Choose(devices, choice, choice.devices, &DevicesCommand);
 }
 
+void AddDoctor(CLI::App& app, Choice& choice) {
+  CLI::App* doctor = app.add_subcommand("doctor", "Say what keeps Kelvaro from working here");
+  doctor->footer(
+      "Looks at the session, the way out for keys, the pads, the notification area, the folders "
+      "and the windows that run, and sends nothing. Each line says whether it is good, worth a "
+      "note or bad, and what to do. Exit status 1 when something bad keeps Kelvaro from "
+      "working.\n"
+      "With --json: topic, state (good, note or bad), what and next.");
+  doctor->add_flag("--json", choice.doctor.json, kJsonHelp);
+  Choose(doctor, choice, choice.doctor, &DoctorCommand);
+}
+
 void AddWatch(CLI::App& app, Choice& choice) {
   CLI::App* watch = app.add_subcommand("watch", "Print what a pad does, until Ctrl-C");
   watch->footer(
@@ -278,6 +291,7 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   AddPack(app, choice);
   AddCheck(app, choice);
   AddDevices(app, choice);
+  AddDoctor(app, choice);
   AddWatch(app, choice);
   AddRecord(app, choice);
   AddRun(app, choice);

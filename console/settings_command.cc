@@ -2,12 +2,12 @@
 
 #include <functional>
 
-#include "app/platform/linux/instance_socket.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/platform/platform.h"
 #include "app/resources/settings_keys.h"
 #include "console/commands.h"
 #include "console/console_error.h"
+#include "console/running_instances.h"
 #include "console/stored_settings.h"
 
 namespace kelvaro::console {
@@ -46,15 +46,6 @@ int OnSettings(Streams streams, const std::function<int(const std::string& file)
   const std::string reason = WhyUnreadable(places.userFile);
   if (damaged) return kBad;
   return reason.empty() ? work(places.userFile) : Complain(streams.err, reason);
-}
-
-// Windows that are there now. A socket may be left of a program that crashed.
-std::vector<std::uint32_t> RunningInstances() {
-  const std::string folder = platform::InstanceFolder();
-  std::vector<std::uint32_t> running = platform::Instances(folder);
-  std::erase_if(running,
-                [&](std::uint32_t process) { return !platform::IsListening(folder, process); });
-  return running;
 }
 
 }  // namespace

@@ -7,8 +7,9 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys",    "play",  "profiles", "show", "pack",    "check",
-                                         "devices", "watch", "record",   "run",  "settings"};
+const std::vector<std::string> kCommands{"keys",  "play",   "profiles", "show",
+                                         "pack",  "check",  "devices",  "doctor",
+                                         "watch", "record", "run",      "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -54,6 +55,7 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"check", "--simulate", "a"},
       {"devices", "x"},
       {"devices", "--until", "5"},
+      {"doctor", "x"},
       {"watch", "a", "b"},
       {"watch", "--until", "soon"},
       {"record", "a", "b"},
@@ -180,6 +182,7 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"pack", {"IN", "OUT", "--help"}},
       {"check", {"FILE", "--json", "--help"}},
       {"devices", {"--json", "--help"}},
+      {"doctor", {"--json", "--help"}},
       {"watch", {"NAME", "--until", "--json", "--help"}},
       {"record", {"NAME", "--until", "--help"}},
       {"run",
