@@ -67,6 +67,8 @@ struct DevicesOptions {
 int DevicesCommand(const DevicesOptions& options, Streams streams);
 
 struct DoctorOptions {
+  std::optional<std::string> report;   // file
+  std::optional<std::string> profile;  // file or stored name, for the report
   bool json = false;
 };
 int DoctorCommand(const DoctorOptions& options, Streams streams);

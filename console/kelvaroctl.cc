@@ -175,7 +175,16 @@ void AddDoctor(CLI::App& app, Choice& choice) {
       "and the windows that run, and sends nothing. Each line says whether it is good, worth a "
       "note or bad, and what to do. Exit status 1 when something bad keeps Kelvaro from "
       "working.\n"
+      "--report writes the same to a file for a report of a fault, with the version, the system "
+      "and a profile: the one named, or the one that the window opened last. The keys that you "
+      "typed, names and descriptions stay out of it, and so does the name of your home folder.\n"
       "With --json: topic, state (good, note or bad), what and next.");
+  auto* report =
+      doctor->add_option("--report", choice.doctor.report, "write a report to this file as well")
+          ->type_name("FILE");
+  doctor->add_option("--profile", choice.doctor.profile, "the report's profile: a file or a name")
+      ->type_name("FILE|NAME")
+      ->needs(report);
   doctor->add_flag("--json", choice.doctor.json, kJsonHelp);
   Choose(doctor, choice, choice.doctor, &DoctorCommand);
 }

@@ -5,6 +5,7 @@
 #include <pthread.h>
 #include <sched.h>
 #include <string.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -124,6 +125,21 @@ bool CanWriteInto(const std::string& folder) {
   std::error_code error;
   while (path.has_relative_path() && !fs::exists(path, error)) path = path.parent_path();
   return !folder.empty() && fs::is_directory(path, error) && access(path.c_str(), W_OK | X_OK) == 0;
+}
+
+std::string SystemText() {
+  std::string text = "Linux";
+  std::ifstream file("/etc/os-release");
+  const std::string mark = "PRETTY_NAME=";
+  for (std::string line; std::getline(file, line);) {
+    if (!line.starts_with(mark)) continue;
+    text = line.substr(mark.size());
+    std::erase(text, '"');
+  }
+  utsname names{};
+  if (uname(&names) == 0) text += std::string(", kernel ") + names.release + ", " + names.machine;
+  const std::string desktop = Variable("XDG_CURRENT_DESKTOP");
+  return desktop.empty() ? text : text + ", desktop " + desktop;
 }
 
 MachineFacts LookAtMachine() {

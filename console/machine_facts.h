@@ -13,6 +13,9 @@ namespace kelvaro::console {
 // installed behind the seam meanwhile.
 MachineFacts LookAtMachine();
 
+// What the machine is, on one line: distribution, kernel, processor, desktop.
+std::string SystemText();
+
 // The first file in `folders`, in this order, that ends in `suffix` and has a line with `word` that
 // is no comment; empty for none.
 std::string FileWith(const std::vector<std::string>& folders, const std::string& suffix,

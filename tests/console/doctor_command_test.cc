@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
+#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string>
 
 #include "console/machine_facts.h"
 #include "tests/console/console_run.h"
+#include "tests/host/home.h"
 
 namespace kelvaro::console {
 namespace {
@@ -37,6 +39,53 @@ TEST(DoctorCommand, SaysAllInBothForms) {
   for (const std::string& topic : topics) {
     EXPECT_NE(text.out.find(topic + ": "), std::string::npos) << topic;
   }
+}
+
+class DoctorReport : public testing::Test {
+ protected:
+  const tests::Home home;
+  const tests::Variable place{"HOME", home.folder.c_str()};
+  const tests::Variable config{"XDG_CONFIG_HOME", home.In("config").c_str()};
+  const tests::Variable runtime{"XDG_RUNTIME_DIR", home.In("runtime").c_str()};
+  const std::string path = home.In("report.txt");
+};
+
+TEST_F(DoctorReport, HasWhatIsPrintedAndTheProfileNamed) {
+  const TestFile profile("profile", R"({"profileName":"Secret name","deviceName":"Pad",
+      "controls":[{"description":"open my bank","buttonMask":"0x5","actions":[{"text":"secret"}]}]})");
+  const Outcome outcome = Kelvaroctl({"doctor", "--report", path, "--profile", profile.path});
+  EXPECT_EQ(outcome.err, "Wrote " + path + "; read it before you send it.\n");
+  const std::string report = tests::Content(path);
+  EXPECT_EQ(report.rfind("Kelvaro 3.5 on ", 0), 0u) << report;
+  for (const char* told : {"output: ", "pad: ", "\"deviceName\":\"Pad\"", "\"0x5\""}) {
+    EXPECT_NE(report.find(told), std::string::npos) << told << report;
+  }
+  for (const std::string& kept : {std::string("ecret"), std::string("my bank"), home.folder}) {
+    EXPECT_EQ(report.find(kept), std::string::npos) << kept << report;
+  }
+}
+
+TEST_F(DoctorReport, TakesTheProfileThatTheWindowOpenedLast) {
+  const TestFile profile("profile", R"({"deviceName":"Some pad"})");
+  ASSERT_EQ(Kelvaroctl({"settings", "set", "Last Profile", profile.path}).status, 0);
+  Kelvaroctl({"doctor", "--report", path});
+  EXPECT_NE(tests::Content(path).find("Some pad"), std::string::npos);
+}
+
+TEST_F(DoctorReport, IsWrittenWithoutALastProfileButNotWithoutTheOneNamed) {
+  Kelvaroctl({"doctor", "--report", path});
+  EXPECT_NE(tests::Content(path).find("No profile."), std::string::npos);
+  std::filesystem::remove(path);
+  const Outcome outcome = Kelvaroctl({"doctor", "--report", path, "--profile", home.In("none")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "kelvaroctl: " + home.In("none") + ": No such file or directory\n");
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(DoctorReport, ThatCantBeWrittenIsAnError) {
+  const Outcome outcome = Kelvaroctl({"doctor", "--report", home.In("none/report")});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "kelvaroctl: " + home.In("none/report") + ": No such file or directory\n");
 }
 
 TEST(FileWith, IsTheFirstWithTheWordOutsideOfComments) {

@@ -1,0 +1,84 @@
+#include "console/bug_report.h"
+
+#include <errno.h>
+#include <string.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "foundation/version.h"
+#include "keys/key_action.h"
+
+namespace kelvaro::console {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kColumns = 80;
+
+// The folder has a person's name. "/" is nobody's.
+void HideHome(const std::string& home, std::string* text) {
+  if (home.size() < 2) return;
+  for (std::size_t at = text->find(home); at != std::string::npos; at = text->find(home, at)) {
+    text->replace(at, home.size(), "~");
+  }
+}
+
+}  // namespace
+
+void LeaveOutTypedTexts(Profile* profile) {
+  profile->profileName.Empty();
+  for (Control& control : profile->controls) {
+    control.description.Empty();
+    for (InputAction* each : control.actions) {
+      auto* const action = dynamic_cast<KeyAction*>(each);
+      if (!action) continue;
+      for (KeyStep& step : action->steps) {
+        if ((step.flags & KeyFlagPause) == 0) step = KeyStep();
+      }
+    }
+  }
+}
+
+std::string ReportText(const std::string& system, const std::vector<Remark>& remarks,
+                       const std::string& profile, const std::string& home) {
+  std::string text = "Kelvaro " + std::string(VersionNumber().Text()) + " on " + system + "\n\n";
+  for (Remark remark : remarks) {
+    // Before a line is broken: the folder may have blanks.
+    HideHome(home, &remark.what);
+    HideHome(home, &remark.next);
+    text += RemarkText(remark, {kColumns, false});
+  }
+  text += profile.empty() ? "\nNo profile.\n"
+                          : "\nThe profile, without its name, its descriptions and its keys:\n" +
+                                profile + "\n";
+  return text;
+}
+
+bool WriteReport(const std::string& path, const std::string& text, std::string* error) {
+  const auto fail = [error](int errorCode) {
+    *error = strerror(errorCode);
+    return false;
+  };
+  std::error_code problem;
+  if (fs::exists(path, problem) && !fs::is_regular_file(path, problem)) {
+    return fail(fs::is_directory(path, problem) ? EISDIR : EEXIST);
+  }
+  const std::string beside = path + ".new";
+  errno = 0;
+  std::ofstream file(beside, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) {
+    const int errorCode = errno != 0 ? errno : EIO;
+    fs::remove(beside, problem);
+    return fail(errorCode);
+  }
+  fs::rename(beside, path, problem);
+  if (!problem) return true;
+  const int errorCode = problem.value();
+  fs::remove(beside, problem);
+  return fail(errorCode);
+}
+
+}  // namespace kelvaro::console

@@ -1,0 +1,26 @@
+// What a report of a fault has to tell of a machine and a profile, as a text that a person can read
+// before sending it. What was typed stays out of it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/diagnosis.h"
+#include "engine/profile.h"
+
+namespace kelvaro::console {
+
+// Empties the profile's name and its descriptions, and makes each step of its keys one of no key,
+// so that their number and their pauses are still told.
+void LeaveOutTypedTexts(Profile* profile);
+
+// `system` is what the machine is; `profile` its JSON, empty for none. Wherever a remark names the
+// home folder, it has "~" in its place; an empty `home` is none.
+std::string ReportText(const std::string& system, const std::vector<Remark>& remarks,
+                       const std::string& profile, const std::string& home);
+
+// Writes the file beside its place and renames it. False, with *error in words and the place as it
+// was, where that can't be; what is there but is no file, such as a terminal, is left alone.
+bool WriteReport(const std::string& path, const std::string& text, std::string* error);
+
+}  // namespace kelvaro::console

@@ -1,0 +1,79 @@
+#include "console/bug_report.h"
+
+#include <gtest/gtest.h>
+#include <json/json.h>
+
+#include <filesystem>
+
+#include "console/profile_json.h"
+#include "foundation/version.h"
+#include "tests/host/files.h"
+
+namespace kelvaro::console {
+namespace {
+
+const std::vector<Remark> kRemarks = {
+    {Remark::State::Note, "folder of profiles", "/home/an other/Profiles can't be written", "see"}};
+
+TEST(LeaveOutTypedTexts, TakesKeysNamesAndDescriptionsButNotTheirNumber) {
+  Profile profile;
+  JsonFault fault;
+  ASSERT_TRUE(ReadProfile(R"({"profileName":"My bank","deviceName":"Pad","controls":[
+      {"description":"log in","buttonMask":"0x5","repeatDelay":70,
+       "actions":[{"actionFlags":1,"text":"<Ctrl>s<P:500>E"}]}]})",
+                          &profile, &fault))
+      << fault.Text("f");
+  LeaveOutTypedTexts(&profile);
+  const std::string json = ProfileJson(profile);
+  Json::Value value;
+  ASSERT_TRUE(Json::Reader().parse(json, value));
+  EXPECT_EQ(value["profileName"].asString(), "");
+  EXPECT_EQ(value["deviceName"].asString(), "Pad");
+  const Json::Value& control = value["controls"][0];
+  EXPECT_EQ(control["description"].asString(), "");
+  EXPECT_EQ(control["buttonMask"].asString(), "0x5");
+  EXPECT_EQ(control["repeatDelay"].asInt(), 70);
+  const Json::Value& action = control["actions"][0];
+  EXPECT_EQ(action["actionFlags"].asInt(), 1);
+  EXPECT_NE(json.find("\"steps\":[[0,0,0],[1,244,128],[0,0,0]]"), std::string::npos) << json;
+  EXPECT_EQ(action["text"].asString(), "<P:500>");
+}
+
+TEST(ReportText, HasTheVersionTheSystemTheRemarksAndTheProfile) {
+  EXPECT_EQ(ReportText("Some Linux", kRemarks, "{\"pollInterval\":5}", "/home/an other"),
+            "Kelvaro " + std::string(VersionNumber().Text()) +
+                " on Some Linux\n"
+                "\n"
+                "note  folder of profiles: ~/Profiles can't be written; see.\n"
+                "\n"
+                "The profile, without its name, its descriptions and its keys:\n"
+                "{\"pollInterval\":5}\n");
+  const std::string without = ReportText("Some Linux", kRemarks, "", "");
+  EXPECT_NE(without.find("/home/an other/Profiles"), std::string::npos);
+  EXPECT_TRUE(without.ends_with("\nNo profile.\n")) << without;
+  EXPECT_EQ(ReportText("Some Linux", kRemarks, "", "/"), without) << "no home of a person";
+}
+
+TEST(WriteReport, ReplacesAFileAndLeavesNothingBeside) {
+  const tests::TemporaryFolder folder;
+  const std::string path = tests::Put(folder.In("report.txt"), "before");
+  std::string error;
+  EXPECT_TRUE(WriteReport(path, "after", &error)) << error;
+  EXPECT_EQ(tests::Content(path), "after");
+  EXPECT_FALSE(std::filesystem::exists(path + ".new"));
+}
+
+TEST(WriteReport, SaysWhyItCant) {
+  const tests::TemporaryFolder folder;
+  std::string error;
+  EXPECT_FALSE(WriteReport(folder.In("none/report.txt"), "text", &error));
+  EXPECT_EQ(error, "No such file or directory");
+  EXPECT_FALSE(WriteReport(folder.In(""), "text", &error));
+  EXPECT_EQ(error, "Is a directory");
+  EXPECT_FALSE(WriteReport("/dev/null", "text", &error));
+  EXPECT_EQ(error, "File exists");
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+}  // namespace
+}  // namespace kelvaro::console
