@@ -246,6 +246,39 @@ TEST(Commands, DevicesListsGamePadsOnly) {
   EXPECT_EQ(Devices().size(), 1U);
 }
 
+// What the doctor says of the pad at that node.
+Json::Value DoctorsRemark(const std::string& node, const ChildOptions& options = {}) {
+  const Finished doctor = RunToEnd({KelvaroctlPath(), "doctor", "--json"}, options);
+  for (const std::string& line : Lines(doctor.out)) {
+    Json::Value remark;
+    EXPECT_TRUE(Json::Reader().parse(line, remark)) << line;
+    const std::string what = remark["what"].asString();
+    if (remark["topic"].asString() == "pad" && what.find(node + " ") != std::string::npos)
+      return remark;
+  }
+  ADD_FAILURE() << node << " isn't told of: " << doctor.out << doctor.err;
+  return {};
+}
+
+TEST(Commands, DoctorTellsOfAPadThatCantBeRead) {
+  UinputPad pad(OrdinaryPad("Closed Pad"));
+  ASSERT_EQ(chmod(pad.Node().c_str(), 0600), 0);
+  EXPECT_EQ(DoctorsRemark(pad.Node())["state"].asString(), "good");
+  const Json::Value remark = DoctorsRemark(pad.Node(), {.asNobody = true});
+  EXPECT_EQ(remark["state"].asString(), "bad");
+  EXPECT_EQ(remark["what"].asString(),
+            "'Closed Pad' at " + pad.Node() + " can't be read: Permission denied");
+}
+
+TEST(Commands, DoctorTellsOfAGrab) {
+  UinputPad pad(OrdinaryPad("Taken Pad"));
+  const Reader grabs(pad.Node());
+  const Json::Value remark = DoctorsRemark(pad.Node());
+  EXPECT_EQ(remark["state"].asString(), "bad");
+  EXPECT_NE(remark["what"].asString().find("is grabbed; open in "), std::string::npos)
+      << remark["what"].asString();
+}
+
 TEST(Commands, WatchPrintsWhatIsHeld) {
   UinputPad pad(OrdinaryPad("Watched Pad"));
   Child watch({KelvaroctlPath(), "watch", "--json", "Watched Pad"});
