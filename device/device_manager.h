@@ -98,6 +98,10 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // most. Any thread; the end of a change callback does the same.
   void Wake();
 
+  // How many periods were lost since this was made, because deviceLock was taken when they came:
+  // mostly by a change callback that took its time. Any thread; it wraps.
+  std::uint32_t LostPolls() const { return lostPolls; }
+
   // At once: a change of the device is read when it comes, and the next a full interval later at
   // the earliest; and a button that was pressed and let go meanwhile is delivered as two changes.
   // Otherwise, as at first, each is read at the next point of the interval's grid. To be set before
@@ -142,6 +146,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::uint32_t activePeriod = 0;     // as passed to timeBeginPeriod, 0 when none is active
   Relaxed<std::uint32_t> timerId{0};  // 0 when none is active
   Relaxed<bool> answerAtOnce{false};
+  Relaxed<std::uint32_t> lostPolls{0};  // written by the timer's thread alone
 
   // Set before the timer and the notification thread start, and theirs until they have ended; the
   // timer's thread touches them under deviceLock only.

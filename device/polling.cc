@@ -79,7 +79,10 @@ void DeviceManager::StartPolling() {
 void DeviceManager::tick(std::uint32_t id, void* user) {
   DeviceManager* self = static_cast<DeviceManager*>(user);
   // If any thread holds it, this one included, or takes it first, this period is lost.
-  if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) return;
+  if (self->deviceLock.IsTaken() || !self->deviceLock.TryAcquire()) {
+    self->lostPolls = self->lostPolls + 1;
+    return;
+  }
   // Null for a timer that couldn't be ended.
   if (self->device && self->PollDevice()) {
     if (const auto news = self->device->WaitForNews())

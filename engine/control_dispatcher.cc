@@ -12,11 +12,12 @@ bool IsContained(const Control& inner, const Control& outer) {
   return true;
 }
 
-bool IsContainedInAny(const Control& control, const LinkedList<const Control*>& fired) {
+// Null when none of them contains it.
+const Control* ContainerOf(const Control& control, const LinkedList<const Control*>& fired) {
   for (const Control* other : fired) {
-    if (IsContained(control, *other)) return true;
+    if (IsContained(control, *other)) return other;
   }
-  return false;
+  return nullptr;
 }
 
 }  // namespace
@@ -28,6 +29,7 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
   DeviceSnapshot& snapshot = engine.snapshot;
   UpdateSnapshot(&snapshot, *state);
   const std::uint64_t buttons = snapshot.dispatchButtons;
+  if (engine.observer) engine.observer->ChangeBegins(snapshot);
 
   if (engine.host.ControlDialogOpen()) {
     engine.host.ShowDetectedTrigger(*device, snapshot);
@@ -45,27 +47,32 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
 
   snapshot.dispatchButtons = buttons;
   RollSnapshot(&snapshot);
+  if (engine.observer) engine.observer->ChangeEnds();
 }
 
 void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>* fired) {
   // Evaluated in any case, since that advances its arming, even if the result isn't used.
   if (!control->EvaluateTrigger(device, snapshot)) {
-    if (control->triggerDown) EndControl(control);
-    return;
+    if (control->triggerDown) return EndControl(control);
+    return Tell(*control, Verdict::Rests);
   }
   // A Control neither starts nor ends while the mouse has its inputs, or an active Control contains
   // them: triggerDown stays. Of two Controls with the same inputs the first in the DispatchList
   // wins: Profile::RebuildDispatchList settles which one that is.
-  if (MouseIsOn() && UsesMouseInput(*control)) return;
-  if (IsContainedInAny(*control, *fired)) return;
+  if (MouseIsOn() && UsesMouseInput(*control)) return Tell(*control, Verdict::MouseHasIt);
+  if (const Control* container = ContainerOf(*control, *fired)) {
+    return Tell(*control, Verdict::Contained, container);
+  }
 
   // Also if it is down already, since it keeps silencing its parts. Without memory for the note it
   // fires anyway.
   static_cast<void>(fired->AddTail(control));
-  if (!control->triggerDown) FireControl(control);
+  if (control->triggerDown) return Tell(*control, Verdict::DownAlready);
+  FireControl(control);
 }
 
 void ControlEngine::EndControl(Control* control) {
+  Tell(*control, Verdict::Ends);
   if (control == repeatWorker.Repeating()) repeatWorker.Clear();
   control->triggerDown = 0;
   // Each replay of a repeating Control is complete in itself.
@@ -74,6 +81,7 @@ void ControlEngine::EndControl(Control* control) {
 }
 
 void ControlEngine::FireControl(Control* control) {
+  Tell(*control, Verdict::Fires);
   // Fired by a release, it has no later moment at which its keys could be let go.
   const bool releaseAtOnce = !control->activateOnPress && !control->repeatEnabled;
   for (InputAction* action : control->actions) {
@@ -84,7 +92,10 @@ void ControlEngine::FireControl(Control* control) {
     control->triggerDown = 1;
     if (control->repeatEnabled) repeatWorker.Start(control);
   }
-  if (control->toggleMouseControls) mouseActive = !mouseActive;
+  if (control->toggleMouseControls) {
+    mouseActive = !mouseActive;
+    if (observer) observer->MouseSwitched(mouseActive);
+  }
 }
 
 bool ControlEngine::UsesMouseInput(const Control& control) const {

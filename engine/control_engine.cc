@@ -43,6 +43,11 @@ void ControlEngine::Attach() {
   device.EnablePollCallback();
 }
 
+void ControlEngine::SetObserver(DispatchObserver* listener) {
+  observer = listener;
+  repeatWorker.observer = listener;
+}
+
 void ControlEngine::ApplyMouseSlider(std::uint32_t sliderId, std::int32_t position) {
   position = std::clamp(position, std::int32_t{0}, kSliderEnd);
   for (const auto& slider : kSliders) {

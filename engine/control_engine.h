@@ -13,6 +13,7 @@
 #include "device/device_manager.h"
 #include "engine/control.h"
 #include "engine/device_snapshot.h"
+#include "engine/dispatch_observer.h"
 #include "engine/engine_host.h"
 #include "engine/profile.h"
 #include "engine/repeat_worker.h"
@@ -33,6 +34,10 @@ class ControlEngine {
 
   // Registers both steps with the device manager and then enables them.
   void Attach();
+
+  // Has its decisions told from here on; borrowed, null for nobody. Before the device is selected
+  // and the repeat worker started.
+  void SetObserver(DispatchObserver* listener);
 
   // To be called once what the mouse step goes by was changed past this: the profile's mouse
   // settings, or what the host says. Polling may sleep otherwise. Any thread.
@@ -111,7 +116,11 @@ class ControlEngine {
   void LiftMouseButtons();
   void FireControl(Control* control);
   bool UsesMouseInput(const Control& control) const;
+  void Tell(const Control& control, Verdict verdict, const Control* container = nullptr) {
+    if (observer) observer->ControlJudged(control, verdict, container);
+  }
 
+  DispatchObserver* observer = nullptr;
   Relaxed<bool> ended{false};  // by LetGo
   Relaxed<bool> testMode{false};
   // Set after the result, since the notification thread looks at the role first.

@@ -153,6 +153,7 @@ void ControlEngine::MouseButtonStep() {
   // A held button goes away, so that no Control sees it. Kept: the mask of index 31 fills the upper
   // half, which isn't touched here, and a button up there makes bit 31 change sides.
   snapshot.dispatchButtons ^= owned;
+  if (observer && owned != 0) observer->MouseTakes(owned);
   SendButtons(flags);
 }
 

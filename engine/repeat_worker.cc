@@ -21,6 +21,8 @@ RepeatWorker::~RepeatWorker() {
 void RepeatWorker::Start(Control* control) {
   {
     LockGuard guard(repeatLock);
+    const Control* const earlier = Repeating();
+    if (observer && earlier && earlier != control) observer->RepeatLost(*earlier, *control);
     repeatControl.store(control, std::memory_order_relaxed);
     control->repeatStarted = 0;
     control->repeatLastTick = platform::clock().GetTickCount();
@@ -64,6 +66,7 @@ void RepeatWorker::RepeatWhenDue() {
   const std::uint32_t elapsed = platform::clock().GetTickCount() - control->repeatLastTick;
   if (elapsed < (control->repeatStarted ? control->repeatSpeed : control->repeatDelay)) return;
 
+  if (observer) observer->Repeats(*control);
   for (InputAction* action : control->actions) {
     action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
   }

@@ -6,6 +6,7 @@
 #include <atomic>
 
 #include "engine/control.h"
+#include "engine/dispatch_observer.h"
 #include "foundation/worker_thread.h"
 
 namespace kelvaro {
@@ -26,6 +27,7 @@ class RepeatWorker : public WorkerThread {
   Control* Repeating() const { return repeatControl.load(std::memory_order_relaxed); }
 
   RecursiveLock repeatLock{LockRank::Repeat};
+  DispatchObserver* observer = nullptr;  // borrowed; set before the thread starts
 
  protected:
   std::uint32_t Run() override;
