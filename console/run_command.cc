@@ -1,18 +1,13 @@
 // kelvaroctl run: the engine on one profile.
 
-#include <sstream>
-#include <utility>
-
 #include "app/platform/simulation/simulation.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/engine_session.h"
 #include "console/event_printer.h"
-#include "console/file_machine.h"
 #include "console/json_text.h"
-#include "console/profile_source.h"
-#include "console/read_file.h"
 #include "console/real_machine.h"
+#include "console/run_choice.h"
 #include "console/stop_signals.h"
 
 namespace kelvaro::console {
@@ -20,29 +15,6 @@ namespace {
 
 using platform::Recording;
 using platform::simulation::Simulation;
-
-// More than any recording needs: some hours of a busy pad.
-constexpr std::size_t kMostRecording = 256;  // MiB
-
-// A recording ends this much after its last line, so that what it started can be seen.
-constexpr std::uint64_t kAfterRecording = 1000;  // ms
-
-std::optional<std::uint64_t> EndOfRun(const RunOptions& options, const Recording& recording) {
-  if (options.until) return options.until;
-  if (options.replay) return recording.Length() + kAfterRecording;
-  return std::nullopt;
-}
-
-DeviceChoice ChosenDevice(const RunOptions& options, const Profile& profile) {
-  DeviceChoice choice;
-  choice.name = options.device;
-  // A recording is the device, whatever the profile says.
-  if (!options.replay) {
-    choice.profileGuid = profile.deviceGuid;
-    choice.profileName = profile.deviceName;
-  }
-  return choice;
-}
 
 int RunSimulated(const RunOptions& options, Profile& profile, const Recording& recording,
                  Streams streams) {
@@ -101,25 +73,9 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
 
 int RunCommand(const RunOptions& options, Streams streams) {
   ProfileFile profile;
-  {
-    const FileMachine machine;
-    ProfileFault fault;
-    if (!FindProfile(options.profile, &profile, &fault)) {
-      return Complain(streams.err, fault.message, fault.detail);
-    }
-  }
-
   Recording recording;
-  if (options.replay) {
-    std::string text;
-    std::string error;
-    if (!ReadWholeFile(*options.replay, kMostRecording, &text, &error)) {
-      return Complain(streams.err, *options.replay + ": " + error);
-    }
-    std::istringstream lines(std::move(text));
-    if (!platform::ReadRecording(lines, &recording, &error)) {
-      return Complain(streams.err, *options.replay + ":" + error);
-    }
+  if (const int status = ReadRun(options, &profile, &recording, streams); status != kDone) {
+    return status;
   }
   return options.simulate ? RunSimulated(options, profile, recording, streams)
                           : RunForReal(options, profile, recording, streams);
