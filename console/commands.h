@@ -97,6 +97,9 @@ struct RunOptions {
   bool json = false;
 };
 int RunCommand(const RunOptions& options, Streams streams);
+// Those of a run, without simulate: nothing is ever sent, and a recording plays in virtual time.
+int ExplainCommand(const RunOptions& options, Streams streams);
+int TestCommand(const RunOptions& options, Streams streams);
 
 // Which of them count follows from the command.
 struct SettingsOptions {

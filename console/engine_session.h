@@ -32,6 +32,11 @@ class EngineSession {
   // Before Begin; as DeviceManager::SetAnswerAtOnce.
   void SetAnswerAtOnce(bool on) { device.SetAnswerAtOnce(on); }
 
+  // Before Begin; as ControlEngine::SetObserver.
+  void SetObserver(DispatchObserver* observer) { engine.SetObserver(observer); }
+  // As DeviceManager::LostPolls.
+  std::uint32_t LostPolls() const { return device.LostPolls(); }
+
   // Selects the device and starts polling it and the repeat worker; the moment of return is time 0.
   // False, with *error in words, when there is no such device or its interval can't be had.
   bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);

@@ -61,28 +61,35 @@ std::string KeyName(std::uint8_t vk, std::uint8_t scan) {
   return name.empty() ? "key " + std::to_string(vk) + " scan " + std::to_string(scan) : name;
 }
 
-std::string JsonEventLine(const SentEvent& event) {
-  char line[160];
+std::string EventMembers(const SentEvent& event) {
+  char members[120];
   if (event.kind == SentEvent::Kind::Key) {
-    std::snprintf(line, sizeof line,
-                  "{\"t\":%llu,\"event\":\"key\",\"vk\":%u,\"scan\":%u,\"flags\":%u}",
-                  static_cast<unsigned long long>(event.t), unsigned{event.vk},
-                  unsigned{event.scan}, event.flags);
+    std::snprintf(members, sizeof members, "\"event\":\"key\",\"vk\":%u,\"scan\":%u,\"flags\":%u",
+                  unsigned{event.vk}, unsigned{event.scan}, event.flags);
   } else {
-    std::snprintf(line, sizeof line,
-                  "{\"t\":%llu,\"event\":\"mouse\",\"flags\":%u,\"dx\":%d,\"dy\":%d,\"data\":%d}",
-                  static_cast<unsigned long long>(event.t), event.flags, event.dx, event.dy,
-                  event.data);
+    std::snprintf(members, sizeof members,
+                  "\"event\":\"mouse\",\"flags\":%u,\"dx\":%d,\"dy\":%d,\"data\":%d", event.flags,
+                  event.dx, event.dy, event.data);
   }
-  return line;
+  return members;
 }
 
-std::string TextEventLine(const SentEvent& event) {
-  char time[32];
-  std::snprintf(time, sizeof time, "%8llu ms  ", static_cast<unsigned long long>(event.t));
-  if (event.kind == SentEvent::Kind::Mouse) return time + MouseWords(event);
-  return time + KeyName(event.vk, event.scan) +
+std::string JsonEventLine(const SentEvent& event) {
+  return "{\"t\":" + std::to_string(event.t) + "," + EventMembers(event) + "}";
+}
+
+std::string EventWords(const SentEvent& event) {
+  if (event.kind == SentEvent::Kind::Mouse) return MouseWords(event);
+  return KeyName(event.vk, event.scan) +
          (event.flags & platform::KEYEVENTF_KEYUP ? " up" : " down");
 }
+
+std::string TimeText(std::uint64_t ms) {
+  char time[32];
+  std::snprintf(time, sizeof time, "%8llu ms  ", static_cast<unsigned long long>(ms));
+  return time;
+}
+
+std::string TextEventLine(const SentEvent& event) { return TimeText(event.t) + EventWords(event); }
 
 }  // namespace kelvaro::console

@@ -52,6 +52,8 @@ struct Choice {
   WatchOptions watch;
   RecordOptions record;
   RunOptions run;
+  RunOptions explain;
+  RunOptions test;
   SettingsOptions settings;
   std::function<int(Streams)> command;
 };
@@ -209,6 +211,21 @@ void AddRecord(CLI::App& app, Choice& choice) {
   Choose(record, choice, choice.record, &RecordCommand);
 }
 
+// What all commands that run the engine have; gives the option for a recording.
+CLI::Option* AddRunOptions(CLI::App* command, RunOptions* options, const char* jsonHelp) {
+  command->add_option("FILE|NAME", options->profile, kProfileHelp)->required();
+  auto* replay =
+      command->add_option("--replay", options->replay, "a recording that plays in place of a pad")
+          ->type_name("FILE");
+  command->add_option("--device", options->device, "name of the pad to take")->type_name("NAME");
+  command->add_flag("--mouse-active", options->mouseActive, "start with the mouse controls on");
+  command->add_flag("--wake", options->wake,
+                    "answer at once: don't wait for the next poll when the pad does something");
+  AddMilliseconds(command, "--until", &options->until, kMostUntil, kUntilHelp);
+  command->add_flag("--json", options->json, jsonHelp);
+  return replay;
+}
+
 void AddRun(CLI::App& app, Choice& choice) {
   CLI::App* run = app.add_subcommand("run", "Run a profile: the pad moves, keys come out");
   run->footer(
@@ -219,21 +236,40 @@ void AddRun(CLI::App& app, Choice& choice) {
       "at the earliest. A tap between two polls isn't lost: its press and its release are two "
       "changes. So are two buttons that go down a moment apart: a Control for the first of them "
       "may fire before the one for both. A recording is answered at once with --simulate alone.");
-  run->add_option("FILE|NAME", choice.run.profile, kProfileHelp)->required();
-  auto* replay =
-      run->add_option("--replay", choice.run.replay, "a recording that plays in place of a pad")
-          ->type_name("FILE");
+  auto* replay = AddRunOptions(
+      run, &choice.run, "print JSON Lines; on a real run the events are printed beside being sent");
   run->add_flag("--simulate", choice.run.simulate,
                 "send nothing, print the events; time is virtual (needs --replay)")
       ->needs(replay);
-  run->add_option("--device", choice.run.device, "name of the pad to take")->type_name("NAME");
-  run->add_flag("--mouse-active", choice.run.mouseActive, "start with the mouse controls on");
-  run->add_flag("--wake", choice.run.wake,
-                "answer at once: don't wait for the next poll when the pad does something");
-  AddMilliseconds(run, "--until", &choice.run.until, kMostUntil, kUntilHelp);
-  run->add_flag("--json", choice.run.json,
-                "print JSON Lines; on a real run the events are printed beside being sent");
   Choose(run, choice, choice.run, &RunCommand);
+}
+
+void AddExplain(CLI::App& app, Choice& choice) {
+  CLI::App* explain =
+      app.add_subcommand("explain", "Say why a profile does what it does; nothing is sent");
+  explain->footer(
+      "For each change of the pad, or of the recording given by --replay, which plays in virtual "
+      "time: what is held; which Controls match, fire, are down already, or are contained in "
+      "another; what the mouse controls take; what would be sent; which Control loses its repeat "
+      "to another; and how many polls were left out because keys were being sent. A change in "
+      "which all stays as it is isn't told, nor is the pointer's motion.\n"
+      "With --json: t (ms) and event: change (inputs), control (controlId; verdict: fires, ends, "
+      "down, contained, mouse, armed, spoiled, repeats, losesRepeat; in, to, keys), mouseTakes "
+      "(inputs), mouseControls (on), lostPolls (count), key and mouse as `kelvaroctl run` has "
+      "them.");
+  AddRunOptions(explain, &choice.explain, kJsonHelp);
+  Choose(explain, choice, choice.explain, &ExplainCommand);
+}
+
+void AddTest(CLI::App& app, Choice& choice) {
+  CLI::App* test =
+      app.add_subcommand("test", "Try a profile: move the pad and see what it would send");
+  test->footer(
+      "Nothing is sent. Press a button, and a line says which Control fires and with which keys, "
+      "or why none does. `kelvaroctl explain` tells more of the same, and names the members that "
+      "--json prints. A recording given by --replay plays in virtual time.");
+  AddRunOptions(test, &choice.test, kJsonHelp);
+  Choose(test, choice, choice.test, &TestCommand);
 }
 
 void AddSettings(CLI::App& app, Choice& choice) {
@@ -304,6 +340,8 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   AddWatch(app, choice);
   AddRecord(app, choice);
   AddRun(app, choice);
+  AddExplain(app, choice);
+  AddTest(app, choice);
   AddSettings(app, choice);
 
   const CalledCommand called = FindCommand(app, words);

@@ -51,18 +51,6 @@ std::string MouseText(const MouseSettings& mouse) {
          (mouse.mouseAlwaysActive ? "; always on" : "");
 }
 
-std::string KeysText(const Control& control) {
-  std::string text;
-  for (const InputAction* each : control.actions) {
-    const auto* const action = dynamic_cast<const KeyAction*>(each);
-    if (!action) continue;
-    if (!text.empty()) text += " then ";
-    text += TerminalText(action->FormatKeys());
-    if (action->HoldsAllKeys()) text += " (all held)";
-  }
-  return text.empty() ? "-" : text;
-}
-
 std::string FlagsText(const Control& control) {
   std::string text;
   const auto add = [&text](const std::string& flag) { text += (text.empty() ? "" : ", ") + flag; };
@@ -126,6 +114,18 @@ std::string ControlName(const Control& control) {
   std::string name = "Control " + std::to_string(control.controlId);
   if (!control.description.IsEmpty()) name += " '" + TerminalText(control.description) + "'";
   return name;
+}
+
+std::string KeysText(const Control& control) {
+  std::string text;
+  for (const InputAction* each : control.actions) {
+    const auto* const action = dynamic_cast<const KeyAction*>(each);
+    if (!action) continue;
+    if (!text.empty()) text += " then ";
+    text += TerminalText(action->FormatKeys());
+    if (action->HoldsAllKeys()) text += " (all held)";
+  }
+  return text.empty() ? "-" : text;
 }
 
 std::string ProfileText(const Profile& profile) {

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/recording/recorded_devices.h"
@@ -10,38 +11,46 @@
 namespace kelvaro::console {
 namespace {
 
-// Prints each event and passes it on.
-class PrintingInput : public platform::Input {
+// Tells of each event, and passes it on where there is something to pass it to.
+class ToldInput : public platform::Input {
  public:
-  PrintingInput(platform::Input& target, platform::Clock& clock, EventPrinter& printer)
-      : target(target), clock(clock), printer(printer), begin(clock.GetTickCount()) {}
+  using Listener = std::function<void(const SentEvent&)>;
+
+  ToldInput(platform::Input* target, platform::Clock& clock, Listener listener)
+      : target(target), clock(clock), listener(std::move(listener)), begin(clock.GetTickCount()) {}
 
   void StartOfTime() { begin = clock.GetTickCount(); }
 
   void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
                    std::uint32_t extra) override {
-    target.keybd_event(vk, scan, flags, extra);
-    printer.Print(platform::simulation::SentKey(Elapsed(), vk, scan, flags));
+    if (target) target->keybd_event(vk, scan, flags, extra);
+    listener(platform::simulation::SentKey(Elapsed(), vk, scan, flags));
   }
 
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
                    std::uint32_t extra) override {
-    target.mouse_event(flags, dx, dy, data, extra);
-    printer.Print(platform::simulation::SentMouse(Elapsed(), flags, dx, dy, data));
+    if (target) target->mouse_event(flags, dx, dy, data, extra);
+    listener(platform::simulation::SentMouse(Elapsed(), flags, dx, dy, data));
   }
 
  private:
   std::uint32_t Elapsed() const { return clock.GetTickCount() - begin; }
 
-  platform::Input& target;
+  platform::Input* const target;  // null for none
   platform::Clock& clock;
-  EventPrinter& printer;
+  const Listener listener;
   std::atomic<std::uint32_t> begin;
 };
 
 }  // namespace
 
 struct RealMachine::Parts {
+  // To the system's output, or to the listener alone.
+  void TellEvents(platform::Input* target, ToldInput::Listener listener) {
+    told = std::make_unique<ToldInput>(target, *groups.clock, std::move(listener));
+    groups.input = told.get();
+  }
+
   // Makes the groups as they stand now the ones behind the seam.
   void Install() {
     installed.reset();
@@ -52,7 +61,7 @@ struct RealMachine::Parts {
   std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
   platform::LinuxPlatform system;
   std::unique_ptr<platform::RecordedDevices> recorded;
-  std::unique_ptr<PrintingInput> printed;
+  std::unique_ptr<ToldInput> told;
   platform::Platform groups;
   std::unique_ptr<platform::InstalledPlatform> installed;
 };
@@ -83,17 +92,21 @@ bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {
   });
   parts->groups.input = output;
   if (printer) {
-    parts->printed = std::make_unique<PrintingInput>(*output, *parts->groups.clock, *printer);
-    parts->groups.input = parts->printed.get();
+    parts->TellEvents(output, [printer](const SentEvent& event) { printer->Print(event); });
   }
   parts->Install();
   return true;
 }
 
+void RealMachine::KeepEvents(std::function<void(const SentEvent&)> listener) {
+  parts->TellEvents(nullptr, std::move(listener));
+  parts->Install();
+}
+
 const platform::Platform& RealMachine::Groups() const { return parts->groups; }
 
 void RealMachine::StartOfTime() {
-  if (parts->printed) parts->printed->StartOfTime();
+  if (parts->told) parts->told->StartOfTime();
 }
 
 int RealMachine::EndOfOutput(Streams streams) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,10 @@ class RealMachine {
   // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with
   // *error saying what is missing and what to do, when there is no way out.
   bool OpenOutput(EventPrinter* printer, std::string* error);
+
+  // In place of OpenOutput: each event goes to `listener`, on the thread that sends it, and nowhere
+  // else.
+  void KeepEvents(std::function<void(const SentEvent&)> listener);
 
   // What is installed, to put something between.
   const platform::Platform& Groups() const;

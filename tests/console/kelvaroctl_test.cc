@@ -7,9 +7,9 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys",  "play",   "profiles", "show",
-                                         "pack",  "check",  "devices",  "doctor",
-                                         "watch", "record", "run",      "settings"};
+const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",    "pack",
+                                         "check", "devices", "doctor",   "watch",   "record",
+                                         "run",   "explain", "test",     "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -70,6 +70,11 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"run", "a", "--device"},
       {"run", "a", "--until", "9007199254740992"},
       {"run", "a", "--repeat"},
+      {"explain"},
+      {"explain", "a", "b"},
+      {"explain", "--simulate", "a"},
+      {"test"},
+      {"test", "--until", "soon", "a"},
       {"settings", "nonsense"},
       {"settings", "--json", "list"},
       {"settings", "list", "x"},
