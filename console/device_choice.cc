@@ -3,6 +3,7 @@
 #include "app/platform/recording/recording.h"
 #include "console/did_you_mean.h"
 #include "console/json_text.h"
+#include "console/name_choice.h"
 
 namespace kelvaro::console {
 namespace {
@@ -49,6 +50,21 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
     index = FindDevice(manager, [&](std::int32_t i) { return manager.DeviceName(i).Equals(name); });
   }
   if (index >= 0) return index;
+  if (choice.name) {
+    std::vector<std::string> names;
+    for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
+      names.push_back(Bytes(manager.DeviceName(i)));
+    }
+    const std::vector<std::string> meant = NamesThatBegin(names, *choice.name);
+    if (meant.size() == 1) {
+      return FindDevice(manager,
+                        [&](std::int32_t i) { return Bytes(manager.DeviceName(i)) == meant[0]; });
+    }
+    if (meant.size() > 1) {
+      *error = SeveralNames(*choice.name, meant);
+      return -1;
+    }
+  }
 
   if (choice.name || !name.IsEmpty()) {
     *error = "there is no device '" + Bytes(name) + "'" + Meant(manager, Bytes(name)) +

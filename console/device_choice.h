@@ -8,8 +8,8 @@
 
 namespace kelvaro::console {
 
-// By name if one is given; otherwise by identity, otherwise by the name that goes with it; with
-// none of them the only device that is there.
+// By name if one is given, or the beginning of only one; otherwise by identity, otherwise by the
+// name that goes with it; with none of them the only device that is there.
 struct DeviceChoice {
   std::optional<std::string> name;
   platform::GUID profileGuid;

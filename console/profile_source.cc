@@ -1,14 +1,14 @@
 #include "console/profile_source.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
+#include <utility>
 #include <vector>
 
 #include "app/platform/simulation/virtual_disk.h"
 #include "console/did_you_mean.h"
 #include "console/file_machine.h"
 #include "console/json_text.h"
+#include "console/name_choice.h"
 #include "console/profile_json.h"
 #include "console/read_file.h"
 
@@ -45,24 +45,27 @@ bool LoadStored(const std::string& path, const std::string& name, ProfileFile* p
   return false;
 }
 
-// "; the stored ones are 'Walk', 'Race'", the most similar names first.
-std::string StoredNames(const std::string& wanted) {
+std::vector<std::string> StoredNames() {
   LinkedList<ByteString> list;
   ProfileFile().ListProfileNames(&list);
-  if (list.count == 0) return "; no profile is stored in " + Bytes(ProfileLibrary::ProfileFolder());
-  std::vector<std::pair<std::size_t, std::string>> names;
-  for (const ByteString& each : list) {
-    const std::string name = Bytes(each);
-    names.emplace_back(Distance(name, wanted), name);
+  std::vector<std::string> names;
+  for (const ByteString& each : list) names.push_back(Bytes(each));
+  return names;
+}
+
+// "; stored are 'Walk', 'Race'", the most similar names first.
+std::string MostSimilar(std::vector<std::string> names, const std::string& wanted) {
+  if (names.empty()) {
+    return "; no profile is stored in " + Bytes(ProfileLibrary::ProfileFolder());
   }
-  std::sort(names.begin(), names.end());
-  std::vector<std::string> plain;
-  for (const auto& each : names) plain.push_back(each.second);
-  const std::string meant = DidYouMean(wanted, plain);
+  std::sort(names.begin(), names.end(), [&wanted](const std::string& a, const std::string& b) {
+    return std::pair(Distance(a, wanted), a) < std::pair(Distance(b, wanted), b);
+  });
+  const std::string meant = DidYouMean(wanted, names);
   std::string text = meant.empty() ? "" : " (" + meant + ")";
   text += names.size() == 1 ? "; stored is " : "; stored are ";
   for (std::size_t i = 0; i < names.size() && i < kNamesTold; ++i) {
-    text += (i > 0 ? ", '" : "'") + names[i].second.substr(0, kLongestName) + "'";
+    text += (i > 0 ? ", '" : "'") + names[i].substr(0, kLongestName) + "'";
   }
   if (names.size() > kNamesTold)
     text += " and " + std::to_string(names.size() - kNamesTold) + " more";
@@ -92,21 +95,31 @@ bool ReadProfileBytes(const std::string& bytes, const std::string& name, Profile
   return false;
 }
 
+bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFault* fault) {
+  *path = fileOrName;
+  if (fileOrName == "-" || IsFile(fileOrName)) return true;
+  const auto isStored = [path](const std::string& name) {
+    const std::string file = Bytes(ProfileFile().FindProfileFile(TextOf(name)));
+    if (!file.empty()) *path = file;
+    return !file.empty();
+  };
+  // A path that leads nowhere is for the reader to complain of.
+  if (isStored(fileOrName) || fileOrName.find('/') != std::string::npos) return true;
+  const std::vector<std::string> stored = StoredNames();
+  const std::vector<std::string> meant = NamesThatBegin(stored, fileOrName);
+  if (meant.size() == 1 && isStored(meant[0])) return true;
+  fault->message = meant.size() > 1 ? SeveralNames(fileOrName, meant)
+                                    : "there is no file and no stored profile '" + fileOrName +
+                                          "'" + MostSimilar(stored, fileOrName);
+  return false;
+}
+
 bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault) {
-  std::string path = fileOrName;
-  if (path != "-" && !IsFile(path)) {
-    if (HasTemporary(path)) return LoadStored(path, path, profile, fault);
-    path = Bytes(ProfileFile().FindProfileFile(TextOf(fileOrName)));
-    if (path.empty() && fileOrName.find('/') != std::string::npos) {
-      fault->message = fileOrName + ": " + std::strerror(ENOENT);
-      return false;
-    }
-    if (path.empty()) {
-      fault->message =
-          "there is no file and no stored profile '" + fileOrName + "'" + StoredNames(fileOrName);
-      return false;
-    }
+  if (fileOrName != "-" && !IsFile(fileOrName) && HasTemporary(fileOrName)) {
+    return LoadStored(fileOrName, fileOrName, profile, fault);
   }
+  std::string path;
+  if (!FindProfilePath(fileOrName, &path, fault)) return false;
   std::string bytes;
   std::string error;
   if (!ReadWholeFile(path, kMostProfile, &bytes, &error)) {

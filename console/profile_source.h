@@ -25,9 +25,13 @@ bool IsStoredProfile(const std::string& bytes);
 bool ReadProfileBytes(const std::string& bytes, const std::string& name, ProfileFile* profile,
                       ProfileFault* fault);
 
-// Fills *profile, a fresh one, from a file, from standard input for "-", or from the stored profile
-// of that name; a file wins over a name. Under a FileMachine. A file that can't be read whole gives
-// way to its temporary, as it does whenever a profile is loaded.
+// The file that is meant, "-" for standard input: one of that path, or that of the stored profile
+// of that name, or of the only one whose name begins so; each wins over the next. A path with a '/'
+// that leads nowhere is given back as it is. Under a FileMachine.
+bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFault* fault);
+
+// Fills *profile, a fresh one, from what FindProfilePath gives. Under a FileMachine. A file that
+// can't be read whole gives way to its temporary, as it does whenever a profile is loaded.
 bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault);
 
 }  // namespace kelvaro::console

@@ -68,6 +68,18 @@ TEST_F(DeviceChoiceTest, AnUnknownNameListsTheDevicesThatAreThere) {
   EXPECT_EQ(Choose(Named("")), "there is no device ''; there are: 'Wheel', 'Pad'");
 }
 
+TEST_F(DeviceChoiceTest, TheBeginningOfOneNameOnlyIsEnough) {
+  Plug({"Wheel", "Pad two", "Pad", "Wheel"});
+  EXPECT_EQ(Choose(Named("Pad ")), "1");
+  EXPECT_EQ(Choose(Named("Pad")), "2") << "a whole name wins";
+  EXPECT_EQ(Choose(Named("Wh")), "0") << "two of one name are one name";
+  EXPECT_EQ(Choose(Named("P")), "'P' begins several names: 'Pad two', 'Pad'");
+  // The name in a profile is a whole one.
+  EXPECT_EQ(Choose(OfProfile({}, "Whee")),
+            "there is no device 'Whee' (did you mean 'Wheel'?); there are: 'Wheel', 'Pad two', "
+            "'Pad', 'Wheel'");
+}
+
 TEST_F(DeviceChoiceTest, OneDeviceIsListedAsOne) {
   Plug({"Wheel"});
   EXPECT_EQ(Choose(Named("Pad")), "there is no device 'Pad'; there is: 'Wheel'");
