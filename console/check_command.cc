@@ -2,6 +2,7 @@
 
 #include "console/commands.h"
 #include "console/console_error.h"
+#include "console/file_machine.h"
 #include "console/json_text.h"
 #include "console/profile_check.h"
 #include "console/read_file.h"
@@ -14,6 +15,8 @@ const FindingKind& KindOf(const Finding& finding) {
   return kFindingKinds[static_cast<std::size_t>(finding.kind)];
 }
 
+bool IsGood(const ProfileReport& report) { return report.loads && report.isWhole; }
+
 std::string JsonReport(const std::string& file, const ProfileReport& report) {
   std::string findings;
   for (const Finding& finding : report.findings) {
@@ -22,15 +25,15 @@ std::string JsonReport(const std::string& file, const ProfileReport& report) {
     findings.append("\",\"where\":").append(JsonText(finding.where));
     findings.append(",\"what\":").append(JsonText(finding.what)).append("}");
   }
-  return "{\"file\":" + JsonText(file) + ",\"loads\":" + (report.loads ? "true" : "false") +
-         (report.loads ? "" : ",\"error\":" + JsonText(report.fault.message)) +
+  return "{\"file\":" + JsonText(file) + ",\"loads\":" + (IsGood(report) ? "true" : "false") +
+         (IsGood(report) ? "" : ",\"error\":" + JsonText(report.fault.message)) +
          ",\"profileName\":" + JsonText(report.profileName) +
          ",\"controls\":" + std::to_string(report.controls) + ",\"findings\":[" + findings + "]}";
 }
 
 void PrintReport(const std::string& file, const ProfileReport& report, std::ostream& out) {
   const std::string shown = TerminalText(file);
-  if (report.loads) {
+  if (IsGood(report)) {
     out << shown << ": loads, '" << TerminalText(report.profileName) << "', "
         << std::to_string(report.controls) << (report.controls == 1 ? " Control" : " Controls")
         << '\n';
@@ -43,12 +46,17 @@ void PrintReport(const std::string& file, const ProfileReport& report, std::ostr
   out << std::flush;
 }
 
-ProfileReport CheckFile(const std::string& file) {
+// `path` is its file where it goes by a name.
+ProfileReport CheckOne(const std::string& fileOrName, std::string* path) {
+  ProfileReport report;
+  {
+    const FileMachine machine;
+    if (!FindProfilePath(fileOrName, path, &report.fault)) return report;
+  }
   std::string bytes;
   std::string error;
-  if (ReadWholeFile(file, kMostProfile, &bytes, &error)) return CheckProfile(bytes, file);
-  ProfileReport report;
-  report.fault.message = file + ": " + error;
+  if (ReadWholeFile(*path, kMostProfile, &bytes, &error)) return CheckProfile(bytes, *path);
+  report.fault.message = *path + ": " + error;
   return report;
 }
 
@@ -56,14 +64,15 @@ ProfileReport CheckFile(const std::string& file) {
 
 int CheckCommand(const CheckOptions& options, Streams streams) {
   int status = kDone;
-  for (const std::string& file : options.files) {
-    const ProfileReport report = CheckFile(file);
+  for (const std::string& each : options.profiles) {
+    std::string path;
+    const ProfileReport report = CheckOne(each, &path);
     if (options.json) {
-      streams.out << JsonReport(file, report) << std::endl;
+      streams.out << JsonReport(path, report) << std::endl;
     } else {
-      PrintReport(file, report, streams.out);
+      PrintReport(path, report, streams.out);
     }
-    if (!report.loads) status = Complain(streams.err, report.fault.message, report.fault.detail);
+    if (!IsGood(report)) status = Complain(streams.err, report.fault.message, report.fault.detail);
   }
   return status;
 }

@@ -56,7 +56,7 @@ struct PackOptions {
 int PackCommand(const PackOptions& options, Streams streams);
 
 struct CheckOptions {
-  std::vector<std::string> files;
+  std::vector<std::string> profiles;  // files or stored names
   bool json = false;
 };
 int CheckCommand(const CheckOptions& options, Streams streams);

@@ -18,7 +18,7 @@ constexpr char kAbout[] =
 
 constexpr char kJsonHelp[] = "print JSON Lines, one object a line";
 constexpr char kProfileHelp[] =
-    "a profile: a file, stored (.idprof) or in JSON, or the name of a stored one";
+    "a profile: a file, stored (.idprof) or in JSON, or a stored one's name or its beginning";
 constexpr char kUntilHelp[] = "end after this many milliseconds";
 
 constexpr std::uint64_t kMostHold = UINT32_MAX;                     // ms, as a Control has it
@@ -155,11 +155,11 @@ void AddCheck(CLI::App& app, Choice& choice) {
   check->footer(
       "Says of each file whether it loads, what it lacks or holds that a load passes over, "
       "which Controls can never fire, and which keys may come out otherwise than written. Exit "
-      "status 1 when one of the files doesn't load.\n"
+      "status 1 when one of the files doesn't load, or isn't whole.\n"
       "With --json: file, loads, error, profileName, controls (how many were read), and findings, "
       "each with its kind (" +
       kinds + "), where and what.");
-  check->add_option("FILE", choice.check.files, "profiles, stored or in JSON")->required();
+  check->add_option("FILE|NAME", choice.check.profiles, kProfileHelp)->required();
   check->add_flag("--json", choice.check.json, kJsonHelp);
   Choose(check, choice, choice.check, &CheckCommand);
 }
@@ -196,7 +196,8 @@ void AddWatch(CLI::App& app, Choice& choice) {
   watch->footer(
       "Each changed state is a line in the names of a Trigger, such as B1+POV0(up)+Axis_X0(neg).\n"
       "With --json: {\"t\":120,\"text\":\"B1\"}, with the milliseconds since the start.");
-  watch->add_option("NAME", choice.watch.device, "the pad's name; needless with only one");
+  watch->add_option("NAME", choice.watch.device,
+                    "the pad's name or its beginning; needless with only one");
   AddMilliseconds(watch, "--until", &choice.watch.until, kMostUntil, kUntilHelp);
   watch->add_flag("--json", choice.watch.json, kJsonHelp);
   Choose(watch, choice, choice.watch, &WatchCommand);
@@ -206,7 +207,8 @@ void AddRecord(CLI::App& app, Choice& choice) {
   CLI::App* record =
       app.add_subcommand("record", "Write down what a pad does, until Ctrl-C, for --replay");
   record->footer("The recording goes to standard output: kelvaroctl record >FILE");
-  record->add_option("NAME", choice.record.device, "the pad's name; needless with only one");
+  record->add_option("NAME", choice.record.device,
+                     "the pad's name or its beginning; needless with only one");
   AddMilliseconds(record, "--until", &choice.record.until, kMostUntil, kUntilHelp);
   Choose(record, choice, choice.record, &RecordCommand);
 }
@@ -217,7 +219,8 @@ CLI::Option* AddRunOptions(CLI::App* command, RunOptions* options, const char* j
   auto* replay =
       command->add_option("--replay", options->replay, "a recording that plays in place of a pad")
           ->type_name("FILE");
-  command->add_option("--device", options->device, "name of the pad to take")->type_name("NAME");
+  command->add_option("--device", options->device, "name of the pad to take, or its beginning")
+      ->type_name("NAME");
   command->add_flag("--mouse-active", options->mouseActive, "start with the mouse controls on");
   command->add_flag("--wake", options->wake,
                     "answer at once: don't wait for the next poll when the pad does something");

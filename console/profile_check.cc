@@ -6,9 +6,13 @@
 #include <tuple>
 
 #include "app/platform/linux/key_map.h"
+#include "app/platform/recording/recording.h"
 #include "console/event_line.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
+#include "console/terminal_text.h"
+#include "device/device_manager.h"
+#include "engine/input_text.h"
 #include "keys/key_action.h"
 
 namespace kelvaro::console {
@@ -34,6 +38,59 @@ Inputs InputsOf(const Trigger& trigger) {
   return {trigger.activateOnPress != 0, trigger.buttonMask, items};
 }
 
+// The eight ways in which a hat can point.
+constexpr std::uint8_t kHatDirections[] = {PovUp,   PovUp | PovRight,  PovRight, PovDown | PovRight,
+                                           PovDown, PovDown | PovLeft, PovLeft,  PovUp | PovLeft};
+
+// A direction of that hat that all items on it accept; 0 for none.
+std::uint8_t DirectionFor(const Trigger& trigger, std::uint16_t hat) {
+  for (const std::uint8_t direction : kHatDirections) {
+    bool fits = true;
+    for (const TriggerItem& item : trigger.triggerItems) {
+      if (item.kind == input_kind::kPov && item.index == hat) fits &= (item.value & direction) != 0;
+    }
+    if (fits) return direction;
+  }
+  return 0;
+}
+
+// Whether it fires when its inputs are as it wants them, as far as a pad can have them so; the
+// engine is asked.
+bool CanFire(const Control& control) {
+  DeviceSnapshot snapshot;
+  snapshot.dispatchButtons = control.buttonMask;
+  for (const TriggerItem& item : control.triggerItems) {
+    const bool isHat = item.kind == input_kind::kPov && item.index < kHats;
+    if (isHat) snapshot.povDirections[item.index] = DirectionFor(control, item.index);
+    if (item.kind > input_kind::kSliderB || item.index >= kBanks) continue;
+    *platform::AxisField(&snapshot.state, {item.kind, item.index}) =
+        (item.value & 0xFF) == AxisNeg ? DeviceManager::axisMin : DeviceManager::axisMax;
+  }
+  Control probe;
+  probe.CopyTrigger(control);
+  // One that fires when let go is armed first.
+  return probe.EvaluateTrigger(DeviceManager::axisMax, snapshot) ||
+         probe.EvaluateTrigger(DeviceManager::axisMax, snapshot);
+}
+
+// What the mouse controls have of its inputs; "" for nothing.
+std::string MouseInputOf(const MouseSettings& mouse, const Control& control) {
+  for (const MouseRoleInput& input : kMouseRoles) {
+    ByteString text;
+    if (input.axis) {
+      const TriggerItem axis = mouse.*input.axis;
+      if (control.UsesInput(axis)) InputText({axis.kind, axis.index, 0}, &text, false);
+    } else {
+      // The mask of the 32nd button, and one of several, work otherwise (MouseButtonStep).
+      const std::uint64_t mask = mouse.*input.mask;
+      const bool isOne = CountButtons(mask) == 1 && mask < std::uint64_t{1} << 31;
+      if (isOne && (control.buttonMask & mask) != 0) ButtonsText(mask, &text);
+    }
+    if (!text.IsEmpty()) return Bytes(text);
+  }
+  return "";
+}
+
 // Why the key may come out otherwise than written; "" where it doesn't.
 std::string Doubt(const KeyStep& step) {
   if ((step.flags & KeyFlagPause) || step.vk == 0) return "";
@@ -53,19 +110,51 @@ std::string FirstDamage(const std::vector<Finding>& findings) {
   return "";
 }
 
+// A file that is listed, and that a save of its profile leaves as it is.
+void FindOtherFile(const std::string& bytes, const std::string& path, const ProfileFile& profile,
+                   std::vector<Finding>* findings) {
+  if (!IsStoredProfile(bytes) || !path.ends_with(ProfileLibrary::kExtension)) return;
+  const std::string saved = Bytes(ProfileLibrary::ProfileFileName(profile.profileName));
+  if (saved.empty() || path.substr(path.rfind('/') + 1) == saved) return;
+  findings->push_back({Finding::Kind::OtherFile, "root",
+                       "a save of '" + TerminalText(profile.profileName) + "' goes to '" + saved +
+                           "', not to this file"});
+}
+
 }  // namespace
 
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings) {
   std::map<Inputs, const Control*> before;
   for (const Control& control : profile.DispatchList) {
+    std::string why;
     if (control.Weight() == 0) {
-      findings->push_back({Finding::Kind::NeverFires, ControlName(control), "it has no inputs"});
-      continue;
+      why = "it has no inputs";
+    } else if (!CanFire(control)) {
+      ByteString inputs;
+      TriggerText(control, &inputs);
+      why = "no state of a pad fits " + TerminalText(inputs);
+    } else if (const std::string input = MouseInputOf(profile, control);
+               profile.mouseAlwaysActive && !input.empty()) {
+      why = "the mouse controls are always on and have " + input;
+    } else if (const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
+               !isFirst) {
+      why = "it has the same inputs as " + ControlName(*first->second);
     }
-    const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
-    if (isFirst) continue;
-    findings->push_back({Finding::Kind::NeverFires, ControlName(control),
-                         "it has the same inputs as " + ControlName(*first->second)});
+    if (!why.empty()) findings->push_back({Finding::Kind::NeverFires, ControlName(control), why});
+  }
+}
+
+void FindPausesAtTheEnd(const Profile& profile, std::vector<Finding>* findings) {
+  for (const Control& control : profile.controls) {
+    const auto* const action = control.actions.tail
+                                   ? dynamic_cast<const KeyAction*>(*control.actions.tail->value)
+                                   : nullptr;
+    if (!action || !action->steps.tail) continue;
+    if ((action->steps.tail->value->flags & KeyFlagPause) == 0) continue;
+    findings->push_back({Finding::Kind::PauseLast, ControlName(control),
+                         action->HoldsAllKeys()
+                             ? "its keys end in a pause, which only keeps the pad waiting"
+                             : "its keys end in a pause, so that none stays down"});
   }
 }
 
@@ -95,6 +184,10 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
     report.fault.message = name + ": doesn't load" + FirstDamage(report.findings);
   }
   if (report.loads && !profile.DamagedFile().IsEmpty()) {
+    report.isWhole = false;
+    report.fault.message = name + ": isn't whole; " + std::to_string(profile.controls.count) +
+                           (profile.controls.count == 1 ? " Control" : " Controls") +
+                           " of it can be read";
     report.findings.push_back({Finding::Kind::NotWhole, "root",
                                "the first save over it keeps its bytes in a file whose name ends "
                                "in .damaged"});
@@ -106,6 +199,8 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
   if (report.loads) {
     FindControlsThatNeverFire(profile, &report.findings);
     FindUnsureKeys(profile, &report.findings);
+    FindPausesAtTheEnd(profile, &report.findings);
+    FindOtherFile(bytes, name, profile, &report.findings);
   }
   return report;
 }

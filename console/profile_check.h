@@ -1,6 +1,6 @@
 // What is wrong with a profile, or odd about it: whether it loads, what it lacks, what it holds
-// that a reader passes over, which Controls can never fire, and which keys may come out otherwise
-// than written.
+// that a reader passes over, which Controls can never fire, which keys may come out otherwise than
+// written, and where a save would go.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +20,8 @@ struct Finding {
     NotWhole,    // not all that the file claims to hold can be read, and it loads all the same
     NeverFires,  // a Control that nothing can make fire
     UnsureKey,   // one that the system may turn into something else, or into nothing
+    PauseLast,   // keys that end in a pause
+    OtherFile,   // a save would not go to this file
   };
   Kind kind;
   std::string where;  // "list 12 (mouse settings)", "controls[2]"
@@ -32,14 +34,20 @@ struct FindingKind {
   const char* between;  // the words between where and what, for people
 };
 inline constexpr FindingKind kFindingKinds[] = {
-    {"damage", ": damaged: "},           {"lacks", ": lacks "},
-    {"passedOver", ": passed over: "},   {"notWhole", ": not whole: "},
-    {"neverFires", " can never fire: "}, {"unsureKey", ": "},
+    {"damage", ": damaged: "},
+    {"lacks", ": lacks "},
+    {"passedOver", ": passed over: "},
+    {"notWhole", ": not whole: "},
+    {"neverFires", " can never fire: "},
+    {"unsureKey", ": "},
+    {"pauseLast", ": "},
+    {"otherFile", ": "},
 };
 
 struct ProfileReport {
   bool loads = false;
-  ProfileFault fault;  // when it doesn't load
+  bool isWhole = true;  // false where it loads though not all of it can be read
+  ProfileFault fault;   // when it doesn't load, or isn't whole
   ByteString profileName;
   std::int32_t controls = 0;  // that were read
   std::vector<Finding> findings;
@@ -49,10 +57,13 @@ struct ProfileReport {
 // message of a fault.
 ProfileReport CheckProfile(const std::string& bytes, const std::string& name);
 
-// Appends the Controls that can't fire, in dispatch order. One is silenced by another with the same
-// inputs, to the same sides, that comes before it and fires at the same moments. `profile` has a
-// DispatchList.
+// Appends the Controls that can't fire, in dispatch order. No state of a pad fits its inputs; or
+// the mouse controls, always on, have one of them; or another with the same inputs, to the same
+// sides, comes before it and fires at the same moments. `profile` has a DispatchList.
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings);
+
+// Appends the Controls whose keys end in a pause.
+void FindPausesAtTheEnd(const Profile& profile, std::vector<Finding>* findings);
 
 // Appends the keys of each Control that this system can't send, that only a virtual keyboard can,
 // or that depend on Num Lock, each once.

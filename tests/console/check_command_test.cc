@@ -73,20 +73,140 @@ TEST(CheckCommand, PrintsJsonLines) {
           "(profile name) is missing\"}]}\n");
 }
 
-TEST(CheckCommand, SaysThatASaveKeepsTheBytesOfAFileThatIsNotWhole) {
+TEST(CheckCommand, AFileThatIsNotWholeDoesNotCountAsLoaded) {
   const std::string whole = ProfileBytes(
       {TypeList(), RevisionList(), NameList("P"), List(4, {List(5, {Field("lost")})})});
   const TestFile cut("cut", whole.substr(0, whole.size() - 20));  // within the head of list 5
   const Outcome outcome = Kelvaroctl({"check", cut.path});
-  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err,
+            "kelvaroctl: " + cut.path + ": isn't whole; 0 Controls of it can be read\n");
+  EXPECT_EQ(outcome.out.find("loads"), std::string::npos) << outcome.out;
   EXPECT_TRUE(outcome.out.ends_with(
       cut.path +
       ": root: not whole: the first save over it keeps its bytes in a file whose name "
       "ends in .damaged\n"))
       << outcome.out;
   const Outcome json = Kelvaroctl({"check", "--json", cut.path});
+  EXPECT_NE(json.out.find("\"loads\":false,\"error\":\"" + cut.path + ": isn't whole"),
+            std::string::npos)
+      << json.out;
   EXPECT_NE(json.out.find("{\"kind\":\"notWhole\",\"where\":\"root\""), std::string::npos)
       << json.out;
+}
+
+// What check says of a profile in JSON, without the name of its file; the first line aside.
+std::string Warnings(const std::string& members) {
+  const TestFile json("json", "{" + members + "}");
+  const Outcome outcome = Kelvaroctl({"check", json.path});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(outcome.err, "");
+  std::string text = outcome.out.substr(outcome.out.find('\n') + 1);
+  for (std::size_t at; (at = text.find(json.path + ": ")) != std::string::npos;) {
+    text.erase(at, json.path.size() + 2);
+  }
+  return text;
+}
+
+std::string OneControl(const std::string& members) { return "\"controls\":[{" + members + "}]"; }
+
+TEST(CheckCommand, WarnsOfATriggerThatNoStateOfAPadFits) {
+  struct {
+    const char* items;
+    const char* unfit;  // "" where it can fire
+  } const kCases[] = {
+      {R"({"kind":0,"index":0,"value":1},{"kind":0,"index":0,"value":2})",
+       "Axis_X0(neg)+Axis_X0(pos)"},
+      {R"({"kind":0,"index":0,"value":1},{"kind":0,"index":1,"value":2})", ""},
+      {R"({"kind":8,"index":0,"value":2},{"kind":8,"index":0,"value":8})", "POV0(up)+POV0(down)"},
+      {R"({"kind":8,"index":0,"value":2},{"kind":8,"index":0,"value":1})", ""},
+      {R"({"kind":8,"index":0,"value":0})", "POV0()"},
+      {R"({"kind":8,"index":4,"value":2})", "POV4(up)"},
+      {R"({"kind":0,"index":4,"value":2})", "Axis_X4(pos)"},
+      {R"({"kind":0,"index":3,"value":2})", ""},
+      {R"({"kind":0,"index":0,"value":3})", "Axis_X0(pos)"},
+  };
+  for (const auto& c : kCases) {
+    for (const char* activate : {"true", "false"}) {
+      const std::string wanted =
+          *c.unfit
+              ? std::string("Control 1 can never fire: no state of a pad fits ") + c.unfit + "\n"
+              : "";
+      EXPECT_EQ(Warnings(OneControl(std::string("\"activateOnPress\":") + activate +
+                                    ",\"triggerItems\":[" + c.items + "]")),
+                wanted)
+          << c.items;
+    }
+  }
+}
+
+TEST(CheckCommand, WarnsOfATriggerThatTheMouseHasForGood) {
+  const std::string controls = R"("controls":[{"buttonMask":1},{"buttonMask":2},)"
+                               R"({"triggerItems":[{"kind":0,"index":0,"value":2}]}])";
+  const std::string mouse = R"("mouse":{"leftMask":1,"mouseX":{"kind":0,"index":0})";
+  EXPECT_EQ(Warnings(mouse + "}," + controls), "");
+  EXPECT_EQ(Warnings(mouse + R"(,"mouseAlwaysActive":true},)" + controls),
+            "Control 1 can never fire: the mouse controls are always on and have B1\n"
+            "Control 3 can never fire: the mouse controls are always on and have Axis_X0\n");
+}
+
+TEST(CheckCommand, WarnsOfKeysThatEndInAPause) {
+  EXPECT_EQ(Warnings(OneControl(R"("buttonMask":1,"actions":[{"text":"a<P:50>b"}])")), "");
+  EXPECT_EQ(Warnings(OneControl(R"("buttonMask":1,"actions":[{"text":"a<P:50>"}])")),
+            "Control 1: its keys end in a pause, so that none stays down\n");
+  EXPECT_EQ(
+      Warnings(OneControl(R"("buttonMask":1,"actions":[{"actionFlags":1,"text":"a<P:50>"}])")),
+      "Control 1: its keys end in a pause, which only keeps the pad waiting\n");
+}
+
+TEST_F(StoredProfiles, CheckWarnsOfAFileThatASaveDoesNotGoTo) {
+  Store("Walk.idprof", R"({"profileName":"Walk"})");
+  EXPECT_EQ(Kelvaroctl({"check", folder / "Walk.idprof"}).out,
+            (folder / "Walk.idprof").string() + ": loads, 'Walk', 0 Controls\n");
+  const std::string other = Store("Run.idprof", R"({"profileName":"Go: far"})");
+  EXPECT_EQ(Kelvaroctl({"check", other}).out,
+            other + ": loads, 'Go: far', 0 Controls\n" + other +
+                ": root: a save of 'Go: far' goes to 'Go far.idprof', not to this file\n");
+}
+
+TEST_F(StoredProfiles, CheckTakesANameAndItsBeginning) {
+  Store("Walk.idprof", R"({"profileName":"Walk"})");
+  Store("Wade.idprof", R"({"profileName":"Wade"})");
+  for (const char* name : {"Walk", "Wal"}) {
+    const Outcome outcome = Kelvaroctl({"check", "--json", name});
+    EXPECT_EQ(outcome.status, 0) << name << outcome.err;
+    EXPECT_NE(outcome.out.find("\"profileName\":\"Walk\""), std::string::npos) << outcome.out;
+  }
+  const Outcome several = Kelvaroctl({"check", "Wa", "Walk"});
+  EXPECT_EQ(several.status, 1);
+  EXPECT_TRUE(several.err == "kelvaroctl: 'Wa' begins several names: 'Wade', 'Walk'\n" ||
+              several.err == "kelvaroctl: 'Wa' begins several names: 'Walk', 'Wade'\n")
+      << several.err;
+  EXPECT_NE(several.out.find("Walk.idprof: loads"), std::string::npos) << several.out;
+  const Outcome none = Kelvaroctl({"check", "alk"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(none.err,
+            "kelvaroctl: there is no file and no stored profile 'alk' (did you mean 'Walk'?); "
+            "stored are 'Walk', "
+            "'Wade'\n");
+}
+
+TEST_F(StoredProfiles, TheBeginningOfANameServesWhereverOneIsTaken) {
+  Store("Walk.idprof", R"({"profileName":"Walk"})");
+  Store("Walker.idprof", R"({"profileName":"Walker","controls":[{}]})");
+  EXPECT_TRUE(Kelvaroctl({"show", "Walke"}).out.starts_with("Walker\n"));
+  EXPECT_TRUE(Kelvaroctl({"show", "Walk"}).out.starts_with("Walk\n")) << "a whole name wins";
+  const TestFile recording("recording",
+                           R"({"recording":1,"device":"Test Pad","guid":)"
+                           R"("000102030405060708090a0b0c0d0e0f","buttons":1,"axes":0,"povs":0})"
+                           "\n");
+  for (const char* command : {"run", "explain", "test"}) {
+    std::vector<std::string> words{command,    "--replay", recording.path,
+                                   "--device", "Test",     "Walke"};
+    if (words[0] == "run") words.emplace_back("--simulate");
+    const Outcome outcome = Kelvaroctl(words);
+    EXPECT_EQ(outcome.status, 0) << command << outcome.err;
+  }
 }
 
 TEST(CheckCommand, WarnsOfKeysThatDependOnTheDesktop) {
@@ -136,11 +256,18 @@ class ExampleProfiles : public StoredProfiles {
   }
 };
 
+std::string NameIn(const std::string& file) {
+  ProfileFile profile;
+  ProfileFault fault;
+  EXPECT_TRUE(ReadProfileBytes(tests::Content(file), file, &profile, &fault)) << fault.message;
+  return Bytes(profile.profileName);
+}
+
 TEST_F(ExampleProfiles, LoadWithNothingToBeFound) {
   const std::vector<std::string> files = Files();
   EXPECT_EQ(files.size(), 5U);
   for (const std::string& file : files) {
-    const std::string stored = Store("example.idprof", tests::Content(file));
+    const std::string stored = Store(NameIn(file) + ".idprof", tests::Content(file));
     for (const std::string& path : {file, stored}) {
       const Outcome outcome = Kelvaroctl({"check", path});
       EXPECT_EQ(outcome.status, 0) << file << outcome.err;

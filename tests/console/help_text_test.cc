@@ -73,8 +73,8 @@ TEST(Help, TellsOptionsWithTheirValuesAndNothingOfTheParser) {
             "Usage: kelvaroctl show [OPTIONS] FILE|NAME\n"
             "\n"
             "Arguments:\n"
-            "  FILE|NAME  a profile: a file, stored (.idprof) or in JSON, or the name of a\n"
-            "             stored one\n"
+            "  FILE|NAME  a profile: a file, stored (.idprof) or in JSON, or a stored one's\n"
+            "             name or its beginning\n"
             "\n"
             "Options:\n"
             "  -h, --help  show this help\n"
@@ -83,7 +83,8 @@ TEST(Help, TellsOptionsWithTheirValuesAndNothingOfTheParser) {
             "A line for each Control: its number, its inputs, its keys, its description. With\n"
             "--json the whole profile on one line, as `kelvaroctl pack` takes it.\n");
   EXPECT_NE(Kelvaroctl({"keys", "--help"}).out.find("[OPTIONS] [TEXT]\n"), std::string::npos);
-  EXPECT_NE(Kelvaroctl({"check", "--help"}).out.find("[OPTIONS] FILE...\n"), std::string::npos);
+  EXPECT_NE(Kelvaroctl({"check", "--help"}).out.find("[OPTIONS] FILE|NAME...\n"),
+            std::string::npos);
   EXPECT_NE(Kelvaroctl({"play", "--help"}).out.find("--hold-time MS  "), std::string::npos);
 }
 

@@ -215,7 +215,8 @@ TEST(CheckProfile, SaysWhatAControlLacksOrHolds) {
                                          Field(FromHex("0001 0000 0001 FF"))}),
                                 TimingsList()})),
        {"lacks | controls[0] list 6 (Trigger) | field 1: 3 instead of 6 bytes",
-        "passedOver | controls[0] list 6 (Trigger) | field 2: 7 instead of 6 bytes"}},
+        "passedOver | controls[0] list 6 (Trigger) | field 2: 7 instead of 6 bytes",
+        "neverFires | Control 1 | no state of a pad fits B1+Axis_X0(pos)+Axis_Y0(neg)"}},
       {"long timings",
        FileWithControl(ControlList(ActionList(),
                                    List(14, {Field(Timings(0, 500, 50, 0, 0) + "x"), Field("y")}))),
@@ -452,7 +453,7 @@ const struct {
     {"an unknown kind at either end",
      R"({"triggerItems":[{"kind":0,"index":0,"value":1},{"kind":11,"index":0,"value":0}]},
         {"triggerItems":[{"kind":11,"index":0,"value":0},{"kind":0,"index":0,"value":1}]})",
-     {}},
+     {"Control 1 | no state of a pad fits Axis_X0(neg)+"}},
 };
 
 TEST(FindControlsThatNeverFire, KnowsWhichInputsAreTheSame) {
