@@ -152,8 +152,10 @@ void ControlEngine::MouseButtonStep() {
   }
   // A held button goes away, so that no Control sees it. Kept: the mask of index 31 fills the upper
   // half, which isn't touched here, and a button up there makes bit 31 change sides.
+  if (observer && (snapshot.dispatchButtons & owned) != 0) {
+    observer->MouseTakes(snapshot.dispatchButtons & owned);
+  }
   snapshot.dispatchButtons ^= owned;
-  if (observer && owned != 0) observer->MouseTakes(owned);
   SendButtons(flags);
 }
 

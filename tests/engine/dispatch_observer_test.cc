@@ -69,6 +69,14 @@ TEST_F(Observed, WhatTheMouseTakesIsToldOnceItIsOn) {
             "begin 1, #1 ends, release m, #2 fires, press a, #3 fires, press x, end");
 }
 
+// A button above the 32nd makes the 32nd change sides, and stays itself.
+TEST_F(Observed, OnlyAButtonThatWasHeldIsToldAsTaken) {
+  profile.mouseAlwaysActive = true;
+  profile.leftMask = MouseButtonMask(31);
+  EXPECT_EQ(Dispatch({40}), "begin 549755813888, end");
+  EXPECT_EQ(Dispatch({32, 40}), "begin 551903297536, mouse takes 2147483648, end");
+}
+
 TEST_F(Observed, WhatARunLetsGoAtItsEndIsToldOutsideOfAChange) {
   Add({.name = "a", .buttons = {1}});
   Dispatch({1});
