@@ -34,6 +34,7 @@ class EngineSession {
 
   // Before Begin; as ControlEngine::SetObserver.
   void SetObserver(DispatchObserver* observer) { engine.SetObserver(observer); }
+  bool MouseIsOn() const { return engine.MouseIsOn(); }
   // As DeviceManager::LostPolls.
   std::uint32_t LostPolls() const { return device.LostPolls(); }
 

@@ -35,8 +35,10 @@ void Explanation::StartOfTime() {
 void Explanation::Sent(const SentEvent& event) {
   const bool isMotion =
       event.kind == SentEvent::Kind::Mouse && (event.flags & platform::MOUSEEVENTF_MOVE) != 0;
-  if (isMotion || detail != Detail::All) return;
+  if (isMotion) return;
   const std::lock_guard<std::mutex> lock(guard);
+  // Those of a Control follow from its keys; the mouse's own come before any Control.
+  if (detail != Detail::All && (!inChange || judged)) return;
   Say(Weight::Heavy, "    " + EventWords(event), EventMembers(event));
 }
 
@@ -47,13 +49,19 @@ void Explanation::ChangeBegins(const DeviceSnapshot& snapshot) {
   lostBefore = session.LostPolls();
   const std::string inputs = InputsOf(snapshot);
   matched = inputs.empty();
+  judged = false;
   Say(Weight::Light, inputs.empty() ? "(nothing)" : inputs,
       "\"event\":\"change\",\"inputs\":" + JsonText(inputs));
 }
 
 void Explanation::ChangeEnds() {
   const std::lock_guard<std::mutex> lock(guard);
-  if (!matched) Say(Weight::Light, "  no Control has these inputs", "");
+  if (!matched) {
+    Say(Weight::Light,
+        session.MouseIsOn() ? "  no Control has these inputs; the mouse controls are on"
+                            : "  no Control has these inputs",
+        "");
+  }
   const std::uint32_t lost = session.LostPolls() - lostBefore;
   if (lost > 0 && detail == Detail::All) {
     Say(Weight::Heavy,
@@ -79,6 +87,7 @@ void Explanation::MouseTakes(std::uint64_t buttons) {
 
 void Explanation::ControlJudged(const Control& control, Verdict verdict, const Control* container) {
   const std::lock_guard<std::mutex> lock(guard);
+  judged = true;
   const bool all = detail == Detail::All;
   matched = matched || (verdict != Verdict::Rests && verdict != Verdict::Ends);
   switch (verdict) {

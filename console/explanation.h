@@ -19,7 +19,7 @@ namespace kelvaro::console {
 class Explanation : public DispatchObserver {
  public:
   enum class Detail {
-    Outcome,  // what fires, and what keeps it from firing
+    Outcome,  // what fires and what the mouse controls press, and what keeps it from firing
     All,      // each decision, and each event that is sent
   };
 
@@ -75,6 +75,7 @@ class Explanation : public DispatchObserver {
   bool inChange = false;
   bool isTold = false;  // the change under way, since something heavy came
   bool matched = false;
+  bool judged = false;              // a Control of this change has been
   std::uint32_t lostBefore = 0;     // polls, when the change began
   std::vector<Line> held;           // lines of the change that wait for something heavy
   std::vector<std::string> lights;  // the light ones of this change, without their times

@@ -216,6 +216,26 @@ TEST(TestCommand, TellsWhatWouldBeSentAndWhatIsSetForNothing) {
                      "     400 ms    no Control has these inputs\n");
 }
 
+TEST(TestCommand, TellsWhatTheMouseControlsPress) {
+  const std::string out =
+      Explained(R"("mouse":{"leftMask":1,"mouseX":{"kind":0,"index":0},"mouseAlwaysActive":true},)"
+                R"("controls":[{"buttonMask":4,"actions":[{"text":"<LMouse>"}]}])",
+                {R"("buttons":[1])", R"("buttons":[])", R"("axes":{"Axis_X0":32000})",
+                 R"("buttons":[3],"axes":{"Axis_X0":0})"},
+                {}, "test")
+          .out;
+  EXPECT_EQ(out, std::string(kAtRest) +
+                     "     100 ms  B1\n"
+                     "     100 ms    the mouse controls take B1, which no Control sees\n"
+                     "     100 ms      left mouse button down\n"
+                     "     200 ms  (nothing)\n"
+                     "     200 ms      left mouse button up\n"
+                     "     300 ms  Axis_X0(pos)\n"
+                     "     300 ms    no Control has these inputs; the mouse controls are on\n"
+                     "     400 ms  B3\n"
+                     "     400 ms    Control 1 fires: <LMouse>\n");
+}
+
 TEST(TestCommand, ADeviceThatIsNotThereIsNamed) {
   const TestFile profile("profile", std::string("{") + kJumpAndRun + "}");
   for (const char* command : {"test", "explain"}) {

@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <sstream>
+#include <string>
+#include <vector>
 
+#include "app/platform/input.h"
+#include "console/real_machine.h"
 #include "tests/console/console_run.h"
 
 namespace kelvaro::console {
@@ -27,6 +31,16 @@ TEST(RealDevices, AreListedInOrderWithTheirNodes) {
   EXPECT_GE(std::count(text.out.begin(), text.out.end(), '\n'), 3 * count);
   EXPECT_EQ(text.err.find("No game pad is plugged in.") != std::string::npos, count == 0);
   EXPECT_EQ(text.status, listed.status);
+}
+
+TEST(RealMachine, KeptEventsAreTold) {
+  RealMachine machine;
+  std::vector<std::string> told;
+  machine.KeepEvents([&told](const SentEvent& event) { told.push_back(EventWords(event)); });
+  platform::input().keybd_event('A', 0x1E, 0, 0);
+  platform::input().keybd_event('A', 0x1E, platform::KEYEVENTF_KEYUP, 0);
+  platform::input().mouse_event(platform::MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+  EXPECT_EQ(told, (std::vector<std::string>{"a down", "a up", "left mouse button down"}));
 }
 
 TEST(RealDevices, OneThatIsNotThereIsNamed) {
