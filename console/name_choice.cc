@@ -14,10 +14,14 @@ std::vector<std::string> NamesThatBegin(const std::vector<std::string>& names,
   return found;
 }
 
-std::string SeveralNames(const std::string& text, const std::vector<std::string>& names) {
+std::string QuotedList(const std::vector<std::string>& names) {
   std::string list;
   for (const std::string& name : names) list += (list.empty() ? "'" : ", '") + name + "'";
-  return "'" + text + "' begins several names: " + list;
+  return list;
+}
+
+std::string SeveralNames(const std::string& text, const std::vector<std::string>& names) {
+  return "'" + text + "' begins several names: " + QuotedList(names);
 }
 
 }  // namespace kelvaro::console

@@ -11,6 +11,9 @@ namespace kelvaro::console {
 std::vector<std::string> NamesThatBegin(const std::vector<std::string>& names,
                                         const std::string& text);
 
+// "'Plane', 'Platformer'"
+std::string QuotedList(const std::vector<std::string>& names);
+
 // "'Pl' begins several names: 'Plane', 'Platformer'"
 std::string SeveralNames(const std::string& text, const std::vector<std::string>& names);
 

@@ -6,6 +6,7 @@
 #include "console/console_error.h"
 #include "console/did_you_mean.h"
 #include "console/json_text.h"
+#include "console/name_choice.h"
 #include "console/terminal_text.h"
 
 namespace kelvaro::console {
@@ -96,18 +97,31 @@ std::string Text(const Holds& holds) {
          " if not set\n";
 }
 
-// By its name, in any case of letters. Complains if there is none.
+// By its name, or by a beginning that no other has, in any case of letters. Complains if there is
+// none.
 const Setting* FindSetting(const std::string& name, Streams streams) {
+  const ByteString wanted = TextOf(name);
+  const auto length = static_cast<std::int32_t>(wanted.Length());
+  const Setting* found = nullptr;
   std::vector<std::string> names;
-  std::string list;
+  std::vector<std::string> meant;
   for (const Setting& setting : Settings()) {
-    if (TextOf(name).Compare(TextOf(setting.name), true) == 0) return &setting;
+    const ByteString own = TextOf(setting.name);
+    if (own.Compare(wanted, true) == 0) return &setting;
     names.emplace_back(setting.name);
-    list += std::string(list.empty() ? "'" : ", '") + setting.name + "'";
+    if (length == 0 || own.Left(length).Compare(wanted, true) != 0) continue;
+    found = &setting;
+    meant.emplace_back(setting.name);
   }
-  const std::string meant = DidYouMean(name, names);
-  Complain(streams.err, "there is no setting '" + name + "'" +
-                            (meant.empty() ? "" : " (" + meant + ")") + "; there are " + list);
+  if (meant.size() == 1) return found;
+  if (meant.empty()) {
+    const std::string like = DidYouMean(name, names);
+    Complain(streams.err, "there is no setting '" + name + "'" +
+                              (like.empty() ? "" : " (" + like + ")") + "; there are " +
+                              QuotedList(names));
+  } else {
+    Complain(streams.err, SeveralNames(name, meant));
+  }
   return nullptr;
 }
 

@@ -194,9 +194,12 @@ TEST_F(SettingsInMemory, AnUnknownNameOrABadValueSaysWhatIsAllowedAndChangesNoth
     std::string value;
     const char* error;
   } const kCases[] = {
-      {"Smart", "1",
-       "there is no setting 'Smart' (did you mean 'Smart Check'?); there are 'Show Auto-Detect "
-       "Usage', 'Start Minimized', "
+      {"S", "1",
+       "'S' begins several names: 'Show Auto-Detect Usage', 'Start Minimized', 'Smart Check', "
+       "'Shift Reminder'"},
+      {"Smart Chek", "1",
+       "there is no setting 'Smart Chek' (did you mean 'Smart Check'?); there are 'Show "
+       "Auto-Detect Usage', 'Start Minimized', "
        "'Smart Check', 'Shift Reminder', 'Last Profile', 'No Device Error Msg', "
        "'Autodetect Device Plugin', 'Welcome Display', 'Last Device', 'Answer At Once'"},
       {"smart check", "2", "'Smart Check' can't be '2': it is 0 or 1"},
@@ -215,10 +218,18 @@ TEST_F(SettingsInMemory, AnUnknownNameOrABadValueSaysWhatIsAllowedAndChangesNoth
     EXPECT_EQ(outcome.err, std::string("kelvaroctl: ") + c.error + "\n");
   }
   EXPECT_EQ(Set("Last Profile", std::string(16384, 'x')).status, 1);
-  EXPECT_EQ(Run(&ShowSetting, {"Smart", "", true}).status, 1);
+  EXPECT_EQ(Run(&ShowSetting, {"Smarter", "", true}).status, 1);
   EXPECT_EQ(Stored(), before);
   EXPECT_EQ(Set("Last Profile", std::string(16383, 'x')).status, 0);
   EXPECT_EQ(Run(&ShowSetting, {"Last Profile", "", false}).out, std::string(16383, 'x') + "\n");
+}
+
+TEST_F(SettingsInMemory, TheBeginningOfOneNameOnlyIsEnough) {
+  Preset("Smart Check", 0);
+  EXPECT_EQ(Run(&ShowSetting, {"smart", "", false}).out, "0\n");
+  EXPECT_EQ(Set("Smart", "1").status, 0);
+  EXPECT_EQ(Stored(), "Smart Check=1\n");
+  EXPECT_EQ(Run(&ShowSetting, {"", "", false}).status, 1);
 }
 
 TEST_F(SettingsInMemory, WhatTheWindowWritesIsNotChangedWhileItRuns) {
