@@ -1,5 +1,6 @@
 // kelvaroctl check: what is wrong with profiles.
 
+#include "app/platform/linux/keyboard_layout.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/file_machine.h"
@@ -47,7 +48,7 @@ void PrintReport(const std::string& file, const ProfileReport& report, std::ostr
 }
 
 // `path` is its file where it goes by a name.
-ProfileReport CheckOne(const std::string& fileOrName, std::string* path) {
+ProfileReport CheckOne(const std::string& fileOrName, const Typing& types, std::string* path) {
   ProfileReport report;
   {
     const FileMachine machine;
@@ -55,7 +56,7 @@ ProfileReport CheckOne(const std::string& fileOrName, std::string* path) {
   }
   std::string bytes;
   std::string error;
-  if (ReadWholeFile(*path, kMostProfile, &bytes, &error)) return CheckProfile(bytes, *path);
+  if (ReadWholeFile(*path, kMostProfile, &bytes, &error)) return CheckProfile(bytes, *path, types);
   report.fault.message = *path + ": " + error;
   return report;
 }
@@ -63,10 +64,15 @@ ProfileReport CheckOne(const std::string& fileOrName, std::string* path) {
 }  // namespace
 
 int CheckCommand(const CheckOptions& options, Streams streams) {
+  const auto layout = platform::KeyboardLayout::Open();
+  Typing types;
+  if (layout) {
+    types = [&layout](std::uint16_t code, bool shift) { return layout->Types(code, shift); };
+  }
   int status = kDone;
   for (const std::string& each : options.profiles) {
     std::string path;
-    const ProfileReport report = CheckOne(each, &path);
+    const ProfileReport report = CheckOne(each, types, &path);
     if (options.json) {
       streams.out << JsonReport(path, report) << std::endl;
     } else {

@@ -136,7 +136,8 @@ void AddPack(CLI::App& app, Choice& choice) {
   CLI::App* pack = app.add_subcommand("pack", "Make a profile file of a profile in JSON");
   pack->footer(
       "Members left out have their defaults, triggerText is ignored, and an action without steps "
-      "is made of its text. OUT appears whole or not at all.");
+      "is made of its text. docs/profile.schema.json tells all members. OUT appears whole or not "
+      "at all.");
   pack->add_option("IN", choice.pack.in,
                    "the profile in JSON, as `kelvaroctl show --json` prints "
                    "it; - for standard input")
@@ -154,8 +155,9 @@ void AddCheck(CLI::App& app, Choice& choice) {
       app.add_subcommand("check", "Say what is wrong with profiles, or odd about them");
   check->footer(
       "Says of each file whether it loads, what it lacks or holds that a load passes over, "
-      "which Controls can never fire, and which keys may come out otherwise than written. Exit "
-      "status 1 when one of the files doesn't load, or isn't whole.\n"
+      "which Controls can never fire, which keys may come out otherwise than written (also by the "
+      "keyboard layout, where an X server tells it) or end in a pause, and where a save would go "
+      "to another file. Exit status 1 when one of them doesn't load, or isn't whole.\n"
       "With --json: file, loads, error, profileName, controls (how many were read), and findings, "
       "each with its kind (" +
       kinds + "), where and what.");
@@ -288,7 +290,9 @@ void AddSettings(CLI::App& app, Choice& choice) {
     return sub;
   };
   const auto addName = [&](CLI::App* command) {
-    command->add_option("NAME", choice.settings.name, "a setting, such as \"Smart Check\"")
+    command
+        ->add_option("NAME", choice.settings.name,
+                     "a setting, such as \"Smart Check\", or its beginning")
         ->required();
   };
   CLI::App* list =

@@ -59,9 +59,10 @@ std::uint8_t DirectionFor(const Trigger& trigger, std::uint16_t hat) {
 bool CanFire(const Control& control) {
   DeviceSnapshot snapshot;
   snapshot.dispatchButtons = control.buttonMask;
+  for (std::uint16_t hat = 0; hat < kHats; ++hat) {
+    snapshot.povDirections[hat] = DirectionFor(control, hat);
+  }
   for (const TriggerItem& item : control.triggerItems) {
-    const bool isHat = item.kind == input_kind::kPov && item.index < kHats;
-    if (isHat) snapshot.povDirections[item.index] = DirectionFor(control, item.index);
     if (item.kind > input_kind::kSliderB || item.index >= kBanks) continue;
     *platform::AxisField(&snapshot.state, {item.kind, item.index}) =
         (item.value & 0xFF) == AxisNeg ? DeviceManager::axisMin : DeviceManager::axisMax;
@@ -91,6 +92,18 @@ std::string MouseInputOf(const MouseSettings& mouse, const Control& control) {
   return "";
 }
 
+// Why the Control can't fire even alone; "" where it can.
+std::string WhyUnfit(const Profile& profile, const Control& control) {
+  if (control.Weight() == 0) return "it has no inputs";
+  if (!CanFire(control)) {
+    ByteString inputs;
+    TriggerText(control, &inputs);
+    return "no state of a pad fits " + TerminalText(inputs);
+  }
+  const std::string taken = profile.mouseAlwaysActive ? MouseInputOf(profile, control) : "";
+  return taken.empty() ? "" : "the mouse controls are always on and have " + taken;
+}
+
 // Why the key may come out otherwise than written; "" where it doesn't.
 std::string Doubt(const KeyStep& step) {
   if ((step.flags & KeyFlagPause) || step.vk == 0) return "";
@@ -100,6 +113,18 @@ std::string Doubt(const KeyStep& step) {
   if (platform::DependsOnNumLock(code)) return "Num Lock decides what " + name + " types";
   if (!platform::IsInX(code)) return name + " needs /dev/uinput; by XTest nothing is sent";
   return "";
+}
+
+// The character that the step types on a United States keyboard, aside from modifiers that are held
+// with it for their own sake; 0 for a key that types none.
+char TypedCharacter(KeyStep step) {
+  if ((step.flags & KeyFlagPause) != 0 || step.vk == 0) return 0;
+  step.flags &= KeyFlagImpliedShift;
+  KeyAction alone;
+  alone.steps.AddTail(step);
+  const std::string text = Bytes(alone.FormatKeys());
+  if (text == "<<") return '<';
+  return text.size() == 1 ? text[0] : '\0';
 }
 
 // ": list 3 (profile name): field 0 is missing"
@@ -126,21 +151,36 @@ void FindOtherFile(const std::string& bytes, const std::string& path, const Prof
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings) {
   std::map<Inputs, const Control*> before;
   for (const Control& control : profile.DispatchList) {
-    std::string why;
-    if (control.Weight() == 0) {
-      why = "it has no inputs";
-    } else if (!CanFire(control)) {
-      ByteString inputs;
-      TriggerText(control, &inputs);
-      why = "no state of a pad fits " + TerminalText(inputs);
-    } else if (const std::string input = MouseInputOf(profile, control);
-               profile.mouseAlwaysActive && !input.empty()) {
-      why = "the mouse controls are always on and have " + input;
-    } else if (const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
-               !isFirst) {
-      why = "it has the same inputs as " + ControlName(*first->second);
+    std::string why = WhyUnfit(profile, control);
+    if (why.empty()) {
+      const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
+      if (!isFirst) why = "it has the same inputs as " + ControlName(*first->second);
     }
     if (!why.empty()) findings->push_back({Finding::Kind::NeverFires, ControlName(control), why});
+  }
+}
+
+void FindOtherCharacters(const Profile& profile, const Typing& types,
+                         std::vector<Finding>* findings) {
+  for (const Control& control : profile.controls) {
+    std::set<char> looked;
+    std::string others;
+    for (const InputAction* each : control.actions) {
+      const auto* const action = dynamic_cast<const KeyAction*>(each);
+      if (!action) continue;
+      for (const KeyStep& step : action->steps) {
+        const char wanted = TypedCharacter(step);
+        if (wanted == 0 || !looked.insert(wanted).second) continue;
+        const std::string typed = types(platform::KernelKeyCode(step.vk, step.scan),
+                                        (step.flags & KeyFlagImpliedShift) != 0);
+        if (typed == std::string(1, wanted)) continue;
+        others += (others.empty() ? "" : ", ") + std::string(1, wanted) + " into " +
+                  (typed.empty() ? "nothing" : TerminalText(typed));
+      }
+    }
+    if (others.empty()) continue;
+    findings->push_back({Finding::Kind::OtherCharacter, ControlName(control),
+                         "the layout of this desktop turns " + others});
   }
 }
 
@@ -151,10 +191,11 @@ void FindPausesAtTheEnd(const Profile& profile, std::vector<Finding>* findings) 
                                    : nullptr;
     if (!action || !action->steps.tail) continue;
     if ((action->steps.tail->value->flags & KeyFlagPause) == 0) continue;
+    const bool holdsTheLast = !action->HoldsAllKeys() && !control.repeatEnabled;
     findings->push_back({Finding::Kind::PauseLast, ControlName(control),
-                         action->HoldsAllKeys()
-                             ? "its keys end in a pause, which only keeps the pad waiting"
-                             : "its keys end in a pause, so that none stays down"});
+                         holdsTheLast
+                             ? "its keys end in a pause, so that none stays down"
+                             : "its keys end in a pause, which only keeps the pad waiting"});
   }
 }
 
@@ -173,7 +214,7 @@ void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings) {
   }
 }
 
-ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
+ProfileReport CheckProfile(const std::string& bytes, const std::string& name, const Typing& types) {
   ProfileReport report;
   StoredProfileCheck profile(bytes.size(), &report.findings);
   report.loads = ReadProfileBytes(bytes, name, &profile, &report.fault);
@@ -199,6 +240,7 @@ ProfileReport CheckProfile(const std::string& bytes, const std::string& name) {
   if (report.loads) {
     FindControlsThatNeverFire(profile, &report.findings);
     FindUnsureKeys(profile, &report.findings);
+    if (types) FindOtherCharacters(profile, types, &report.findings);
     FindPausesAtTheEnd(profile, &report.findings);
     FindOtherFile(bytes, name, profile, &report.findings);
   }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,14 +15,15 @@ namespace kelvaro::console {
 
 struct Finding {
   enum class Kind {
-    Damage,      // keeps the profile from loading
-    Lacks,       // missing or short; a reader does without
-    PassedOver,  // there, and not read
-    NotWhole,    // not all that the file claims to hold can be read, and it loads all the same
-    NeverFires,  // a Control that nothing can make fire
-    UnsureKey,   // one that the system may turn into something else, or into nothing
-    PauseLast,   // keys that end in a pause
-    OtherFile,   // a save would not go to this file
+    Damage,          // keeps the profile from loading
+    Lacks,           // missing or short; a reader does without
+    PassedOver,      // there, and not read
+    NotWhole,        // not all that the file claims to hold can be read, and it loads all the same
+    NeverFires,      // a Control that nothing can make fire
+    UnsureKey,       // one that the system may turn into something else, or into nothing
+    OtherCharacter,  // one that the layout turns into another
+    PauseLast,       // keys that end in a pause
+    OtherFile,       // a save would not go to this file
   };
   Kind kind;
   std::string where;  // "list 12 (mouse settings)", "controls[2]"
@@ -40,6 +42,7 @@ inline constexpr FindingKind kFindingKinds[] = {
     {"notWhole", ": not whole: "},
     {"neverFires", " can never fire: "},
     {"unsureKey", ": "},
+    {"otherCharacter", ": "},
     {"pauseLast", ": "},
     {"otherFile", ": "},
 };
@@ -53,14 +56,23 @@ struct ProfileReport {
   std::vector<Finding> findings;
 };
 
+// What the key of a kernel code types on the desktop, alone or with Shift: a character in UTF-8, or
+// a name for something else; empty for nothing.
+using Typing = std::function<std::string(std::uint16_t code, bool shift)>;
+
 // Looks at the bytes of a file, in either form, as loading it would; `name` is the file's, for the
-// message of a fault.
-ProfileReport CheckProfile(const std::string& bytes, const std::string& name);
+// message of a fault. Without `types` nothing is said of the layout.
+ProfileReport CheckProfile(const std::string& bytes, const std::string& name,
+                           const Typing& types = nullptr);
 
 // Appends the Controls that can't fire, in dispatch order. No state of a pad fits its inputs; or
 // the mouse controls, always on, have one of them; or another with the same inputs, to the same
 // sides, comes before it and fires at the same moments. `profile` has a DispatchList.
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings);
+
+// Appends the Controls with characters that come out as others, a finding each.
+void FindOtherCharacters(const Profile& profile, const Typing& types,
+                         std::vector<Finding>* findings);
 
 // Appends the Controls whose keys end in a pause.
 void FindPausesAtTheEnd(const Profile& profile, std::vector<Finding>* findings);

@@ -1,3 +1,5 @@
+#include <stdlib.h>
+
 #include "console/json_text.h"
 #include "console/profile_check.h"
 #include "console/profile_source.h"
@@ -8,6 +10,9 @@ namespace kelvaro::console {
 namespace {
 
 namespace fs = std::filesystem;
+
+// The desktop on which the tests run may have any layout.
+[[maybe_unused]] const bool kHasNoDesktop = unsetenv("DISPLAY") == 0;
 
 constexpr char kTwice[] = R"({"profileName":"Walk","controls":[
   {"description":"Jump","buttonMask":1},{"buttonMask":1},{"description":"Nothing"}]})";
@@ -156,6 +161,9 @@ TEST(CheckCommand, WarnsOfKeysThatEndInAPause) {
             "Control 1: its keys end in a pause, so that none stays down\n");
   EXPECT_EQ(
       Warnings(OneControl(R"("buttonMask":1,"actions":[{"actionFlags":1,"text":"a<P:50>"}])")),
+      "Control 1: its keys end in a pause, which only keeps the pad waiting\n");
+  EXPECT_EQ(
+      Warnings(OneControl(R"("buttonMask":1,"repeatEnabled":true,"actions":[{"text":"a<P:50>"}])")),
       "Control 1: its keys end in a pause, which only keeps the pad waiting\n");
 }
 

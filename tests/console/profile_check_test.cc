@@ -1,6 +1,7 @@
 #include "console/profile_check.h"
 
 #include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
 
 #include <random>
 
@@ -404,6 +405,47 @@ TEST(FindUnsureKeys, TellsOfEachInAControlOnce) {
           "unsureKey | Control 1 'Map' | Linux has no key for <Attn>, so nothing is sent",
           "unsureKey | Control 2 | <Zoom> needs /dev/uinput; by XTest nothing is sent",
           "unsureKey | Control 3 | Linux has no key for key 3 scan 244, so nothing is sent"}));
+}
+
+// A layout on which y and z have changed places and the semicolon's key has others.
+std::string TypedElsewhere(std::uint16_t code, bool shift) {
+  if (code == KEY_Y) return shift ? "Z" : "z";
+  if (code == KEY_Z) return shift ? "Y" : "y";
+  if (code == KEY_SEMICOLON) return shift ? "" : "dead_acute";
+  return code == KEY_A ? (shift ? "A" : "a") : "1";
+}
+
+TEST(FindOtherCharacters, TellsEachCharacterThatComesOutAsAnotherOnce) {
+  struct {
+    const char* keys;
+    const char* told;
+  } const kCases[] = {
+      {"aA", ""},
+      {"1", ""},
+      {"<Ctrl><F1><Up>", ""},
+      {"y", "y into z"},
+      {"azyYy", "z into y, y into z, Y into Z"},
+      {"<Ctrl>z", "z into y"},
+      {"<Shift>y", "y into z"},
+      {";:", "; into dead_acute, : into nothing"},
+      {"<P:500>a", ""},
+  };
+  for (const auto& c : kCases) {
+    Profile profile;
+    JsonFault fault;
+    ASSERT_TRUE(
+        ReadProfile(std::string(R"({"controls":[{"actions":[{"text":")") + c.keys + "\"}]}]}",
+                    &profile, &fault))
+        << fault.Text(c.keys);
+    std::vector<Finding> findings;
+    FindOtherCharacters(profile, &TypedElsewhere, &findings);
+    std::vector<std::string> wanted;
+    if (*c.told) {
+      wanted.push_back(
+          std::string("otherCharacter | Control 1 | the layout of this desktop turns ") + c.told);
+    }
+    EXPECT_EQ(Told(findings), wanted) << c.keys;
+  }
 }
 
 const struct {
