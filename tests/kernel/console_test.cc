@@ -304,6 +304,52 @@ TEST(Commands, WatchPrintsWhatIsHeld) {
                           texts));
 }
 
+TEST(Commands, TestTellsWhatAPadWouldSendAndSendsNothing) {
+  UinputPad pad(OrdinaryPad("Tried Pad"));
+  Child test({KelvaroctlPath(), "test", "--device", "Tried",
+              WriteFile(ProfileOf({ButtonControl(0, "a"), ButtonControl(1, "b")}))});
+  ASSERT_TRUE(Polls(test, pad.Node()));
+  pad.Press(0);
+  WaitMs(50);
+  EXPECT_EQ(FindInput([](const InputNode& node) { return node.name == kKeyboardName; }), "");
+  pad.Release(0);
+  WaitMs(50);
+  pad.Press(5);
+  WaitMs(50);
+  test.Signal(SIGINT);
+  EXPECT_EQ(test.WaitForEnd(5s), 0) << test.Err();
+  std::vector<std::string> told;
+  for (const std::string& line : Lines(test.Out())) {
+    const std::size_t behindTime = line.find(" ms  ");
+    ASSERT_NE(behindTime, std::string::npos) << line;
+    told.push_back(line.substr(behindTime + 5));
+  }
+  EXPECT_TRUE(SameColumns({"(nothing)", "B1", "  Control 1 fires: a", "(nothing)", "B6",
+                           "  no Control has these inputs"},
+                          told));
+}
+
+TEST(Commands, ExplainTellsHowManyPollsOfAPadASequenceKeptOut) {
+  UinputPad pad(OrdinaryPad("Slow Pad"));
+  Child explain({KelvaroctlPath(), "explain", "--json",
+                 WriteFile(ProfileOf({ButtonControl(0, "a<P:200>b")}))});
+  ASSERT_TRUE(Polls(explain, pad.Node()));
+  pad.Press(0);
+  WaitMs(300);
+  explain.Signal(SIGINT);
+  EXPECT_EQ(explain.WaitForEnd(5s), 0) << explain.Err();
+  std::vector<std::string> told;
+  int lost = 0;
+  for (const Json::Value& line : JsonLines(explain.Out())) {
+    const std::string event = line["event"].asString();
+    told.push_back(event == "control" ? line["verdict"].asString() : event);
+    if (event == "lostPolls") lost = line["count"].asInt();
+  }
+  EXPECT_TRUE(SameColumns(
+      {"change", "change", "fires", "key", "key", "key", "lostPolls", "ends", "key"}, told));
+  EXPECT_NEAR(lost, 40, 3);  // one each 5 ms
+}
+
 TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
   UinputPad pad(OrdinaryPad("Recorded Pad"));
   Child record({KelvaroctlPath(), "record", "Recorded Pad"});
