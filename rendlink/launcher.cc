@@ -3,6 +3,7 @@
 #include "app/platform/byte_text.h"
 #include "app/platform/files.h"
 #include "app/platform/processes.h"
+#include "app/resources/desktop_id.h"
 #include "foundation/paths.h"
 #include "rendlink/desktop_entry.h"
 #include "rendlink/files.h"
@@ -69,7 +70,7 @@ bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
   entry.comment = "Starts " + Stem(ready.launch.target) + " with " + InWords(ready.launch.profiles);
   entry.icon = IconOf(ready.launch.target, session.ApplicationsFolders());
   // A launcher can do without a picture whose path it can't hold.
-  if (!platform::IsUtf8(entry.icon)) entry.icon = kKelvaroIcon;
+  if (!platform::IsUtf8(entry.icon)) entry.icon = kDesktopId;
   entry.exec = ready.words;
   std::string text;
   if (!DesktopEntryText(entry, &text, refusal)) return false;

@@ -6,6 +6,7 @@
 
 #include "app/platform/entry_text.h"
 #include "app/platform/files.h"
+#include "app/resources/desktop_id.h"
 #include "foundation/paths.h"
 #include "rendlink/desktop_entry.h"
 #include "rendlink/files.h"
@@ -68,7 +69,7 @@ std::string IconOf(const std::string& target, const std::vector<std::string>& fo
   std::string icon = PictureBeside(target);
   for (std::size_t i = 0; icon.empty() && i < folders.size(); ++i)
     icon = IconByEntries(folders[i], target);
-  return icon.empty() ? kKelvaroIcon : icon;
+  return icon.empty() ? kDesktopId : icon;
 }
 
 }  // namespace kelvaro::rendlink

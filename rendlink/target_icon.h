@@ -6,11 +6,9 @@
 
 namespace kelvaro::rendlink {
 
-// Where nothing else is found: the name of Kelvaro's own.
-constexpr char kKelvaroIcon[] = "kelvaro";
-
 // The icon of a program, by its full path: a picture beside it that has its name (or "icon"), else
-// what a desktop entry that starts it names, from the first of `folders` that has one.
+// what a desktop entry that starts it names, from the first of `folders` that has one, else that of
+// Kelvaro.
 std::string IconOf(const std::string& target, const std::vector<std::string>& folders);
 
 }  // namespace kelvaro::rendlink

@@ -15,6 +15,7 @@
 #include "app/platform/qt/stop_requests.h"
 #include "app/program/display.h"
 #include "app/program/no_input.h"
+#include "app/resources/desktop_id.h"
 #include "app/resources/resources.h"
 #include "app/window/run_program.h"
 
@@ -59,7 +60,7 @@ int RunOnDesktop(int& argc, char** argv) {
   usualMessages = qInstallMessageHandler(&OnMessage);
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("kelvaro"));
-  QApplication::setDesktopFileName(QStringLiteral("kelvaro"));
+  QApplication::setDesktopFileName(QLatin1String(kDesktopId));
   platform::qt::QtPlatform qt;
   const platform::qt::StopRequests stop(qt.Desktop());
 

@@ -6,6 +6,7 @@
 #include "app/platform/linux/linux_processes.h"
 #include "app/platform/qt/qt_platform.h"
 #include "app/platform/qt/stop_requests.h"
+#include "app/resources/desktop_id.h"
 #include "rendlink/program/desktop_session.h"
 #include "rendlink/rendlink_dialog.h"
 
@@ -15,7 +16,7 @@ int RunDialogOnDesktop(int& argc, char** argv) {
   platform::LinuxPlatform system;
   QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("rendlink"));
-  QApplication::setDesktopFileName(QStringLiteral("rendlink"));
+  QApplication::setDesktopFileName(QLatin1String(kRendlinkDesktopId));
   platform::qt::QtPlatform qt;
   const platform::qt::StopRequests stop(qt.Desktop());
   platform::Platform groups = system.Groups();

@@ -135,6 +135,14 @@ bool XDesktop::Listed(unsigned long window) {
   return false;
 }
 
+std::string XDesktop::Class(unsigned long window) {
+  // The name of the instance and that of the class, each with a zero behind it.
+  const std::vector<char> names = WindowProperty<char>(display, window, "WM_CLASS");
+  const auto first = std::find(names.begin(), names.end(), '\0');
+  return first == names.end() ? ""
+                              : std::string(first + 1, std::find(first + 1, names.end(), '\0'));
+}
+
 bool XDesktop::Active(unsigned long window) {
   const auto active = Numbers(display, DefaultRootWindow(display), "_NET_ACTIVE_WINDOW");
   return !active.empty() && active[0] == window;

@@ -41,6 +41,8 @@ class XDesktop {
   // Iconic by the window manager's word, and taken off the list of windows.
   bool Iconic(unsigned long window);
   bool Listed(unsigned long window);
+  // The kind of window that it says it is, by which a desktop finds its menu entry.
+  std::string Class(unsigned long window);
   // It has the keyboard.
   bool Active(unsigned long window);
   // Windows that are docked into the notification area.

@@ -9,7 +9,9 @@
 #include <fstream>
 #include <memory>
 
+#include "app/platform/entry_text.h"
 #include "app/platform/linux/instance_socket.h"
+#include "app/resources/desktop_id.h"
 #include "app/resources/settings_keys.h"
 #include "tests/program/machine.h"
 #include "tests/program/stored_settings.h"
@@ -202,6 +204,18 @@ TEST_F(DisplayTest, TheFirstStartWelcomesAndTheSecondDoesNot) {
   const auto second = Run({{"DISPLAY", desktop.Name()}});
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << second->Log();
   EXPECT_EQ(Welcome().id, 0u);
+}
+
+TEST_F(DisplayTest, DesktopsFindTheMenuEntryOfEachWindow) {
+  const auto named = [](const std::string& entry) {
+    return platform::ReadEntry(
+        Content(KELVARO_PACKAGING "/" + entry + ".desktop"))["StartupWMClass"];
+  };
+  const auto program = Begin();
+  EXPECT_EQ(desktop.Class(Window().id), named(kDesktopId));
+  Child rendlink({Program("rendlink")}, {With({{"DISPLAY", desktop.Name()}})});
+  ASSERT_TRUE(Eventually([&] { return desktop.Find("Rendlink", false).id != 0; }));
+  EXPECT_EQ(desktop.Class(desktop.Find("Rendlink", false).id), named(kRendlinkDesktopId));
 }
 
 TEST_F(DisplayTest, TheIconsMenuShowsTheWindowAndEndsTheProgram) {

@@ -97,7 +97,7 @@ TEST_F(RendlinkTest, APictureWhosePathALauncherCantHoldIsLeftOut) {
                      "[Desktop Entry]\nExec=race.sh\nIcon=\xFF\n");
   std::string refusal;
   EXPECT_TRUE(SaveLauncher(ReadyFor({{"Chess"}, kTarget, "", ""}), kFile, session, &refusal));
-  EXPECT_NE(sim.Disk().FileBytes(kFile)->find("\nIcon=kelvaro\n"), std::string::npos);
+  EXPECT_NE(sim.Disk().FileBytes(kFile)->find("\nIcon=com.marnstone.Kelvaro\n"), std::string::npos);
 }
 
 TEST_F(RendlinkTest, StartsKelvaroWithTheSameWords) {

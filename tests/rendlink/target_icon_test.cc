@@ -17,7 +17,7 @@ class TargetIconTest : public RendlinkTest {
   }
 };
 
-TEST_F(TargetIconTest, WithoutAnyItIsKelvarosOwn) { EXPECT_EQ(Icon(), "kelvaro"); }
+TEST_F(TargetIconTest, WithoutAnyItIsKelvarosOwn) { EXPECT_EQ(Icon(), "com.marnstone.Kelvaro"); }
 
 TEST_F(TargetIconTest, APictureBesideTheTargetGoesByItsName) {
   sim.Disk().PutFile("/games/race/icon.png", "");
@@ -34,12 +34,12 @@ TEST_F(TargetIconTest, APictureBesideTheTargetGoesByItsName) {
 
 TEST_F(TargetIconTest, AFolderIsNoPicture) {
   sim.Disk().PutFolder("/games/race/icon.png");
-  EXPECT_EQ(Icon(), "kelvaro");
+  EXPECT_EQ(Icon(), "com.marnstone.Kelvaro");
 }
 
 TEST_F(TargetIconTest, ADesktopEntryOfTheTargetHasItsIcon) {
   PutEntry("/usr/share/applications/other.desktop", "/games/other/race.sh", "other");
-  EXPECT_EQ(Icon(), "kelvaro");
+  EXPECT_EQ(Icon(), "com.marnstone.Kelvaro");
   PutEntry("/usr/share/applications/race.desktop", "\"/games/race/race.sh\" %U", "race-icon");
   EXPECT_EQ(Icon(), "race-icon");
 }
@@ -69,7 +69,7 @@ TEST_F(TargetIconTest, WhatIsNoEntryOrTooLongIsPassedOver) {
   sim.Disk().PutFile("/usr/share/applications/a.desktop", "Exec=/games/race/race.sh\nIcon=a\n");
   sim.Disk().PutFolder("/usr/share/applications/b.desktop");
   PutEntry("/usr/share/applications/c.desktop", kTarget, std::string((1 << 20) + 1, 'x'));
-  EXPECT_EQ(Icon(), "kelvaro");
+  EXPECT_EQ(Icon(), "com.marnstone.Kelvaro");
 }
 
 }  // namespace
