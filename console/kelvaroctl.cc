@@ -312,24 +312,9 @@ void AddSettings(CLI::App& app, Choice& choice) {
       "and startAgain, the processes that have to be ended and started again for it to count.");
 }
 
-// A command with commands of its own is called without one: the help says which there are.
-int ShowCommands(const CalledCommand& called, Streams streams) {
-  streams.err << HelpText(*called.command, called.path, streams.terminal.columns) << std::flush;
-  return kUsage;
-}
-
-// The words that no option and no argument takes.
-std::string SurplusWords(const CLI::App& app) {
-  std::string words;
-  for (const std::string& word : app.remaining(true)) words += " '" + word + "'";
-  return "there are more words than it takes:" + words;
-}
-
-}  // namespace
-
-int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
-  Choice choice;
-  CLI::App app(kAbout, "kelvaroctl");
+void AddAll(CLI::App& app, Choice& choice) {
+  app.name("kelvaroctl");
+  app.description(kAbout);
   app.require_subcommand(1);
   app.set_version_flag("--version", "kelvaroctl", "show the version");
   app.set_help_flag("-h,--help", "show this help");
@@ -350,6 +335,34 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
   AddExplain(app, choice);
   AddTest(app, choice);
   AddSettings(app, choice);
+}
+
+// A command with commands of its own is called without one: the help says which there are.
+int ShowCommands(const CalledCommand& called, Streams streams) {
+  streams.err << HelpText(*called.command, called.path, streams.terminal.columns) << std::flush;
+  return kUsage;
+}
+
+// The words that no option and no argument takes.
+std::string SurplusWords(const CLI::App& app) {
+  std::string words;
+  for (const std::string& word : app.remaining(true)) words += " '" + word + "'";
+  return "there are more words than it takes:" + words;
+}
+
+}  // namespace
+
+void DescribeKelvaroctl(const std::function<void(const CLI::App&)>& look) {
+  Choice choice;
+  CLI::App app;
+  AddAll(app, choice);
+  look(app);
+}
+
+int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
+  Choice choice;
+  CLI::App app;
+  AddAll(app, choice);
 
   const CalledCommand called = FindCommand(app, words);
   const auto wrong = [&](const std::string& what) {

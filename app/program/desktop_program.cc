@@ -36,21 +36,6 @@ void OnMessage(QtMsgType type, const QMessageLogContext& context, const QString&
 
 }  // namespace
 
-const char kUsage[] =
-    "usage: kelvaro [PROFILE] [profile=NAME]... [target=PROGRAM] [args=ARGUMENTS] [dir=FOLDER]\n"
-    "\n"
-    "Shows the window of Kelvaro, which turns a game pad or joystick into keys and mouse.\n"
-    "\n"
-    "  PROFILE         select the first profile whose name begins so\n"
-    "  profile=NAME    the same; each further one is played by an instance of its own\n"
-    "  target=PROGRAM  start this program, and end when it ends; goes with a profile\n"
-    "  args=ARGUMENTS  of the target; [ and ] stand for double quotes\n"
-    "  dir=FOLDER      to start the target in\n"
-    "  --help          print this and end\n"
-    "  --version       print the version and end\n"
-    "\n"
-    "Without a display \"kelvaroctl run\" plays a profile.\n";
-
 int RunOnDesktop(int& argc, char** argv) {
   platform::LinuxPlatform system;
   // First: a desktop needs a moment to take in the new keyboard and mouse.

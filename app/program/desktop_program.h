@@ -3,9 +3,6 @@
 
 namespace kelvaro {
 
-// What "--help" prints.
-extern const char kUsage[];
-
 // The exit status. Arguments that Qt knows are taken out of the array.
 int RunOnDesktop(int& argc, char** argv);
 

@@ -3,13 +3,14 @@
 
 #include "app/program/desktop_program.h"
 #include "app/program/display.h"
+#include "app/start/usage.h"
 #include "foundation/version.h"
 
 int main(int argc, char** argv) {
   using namespace kelvaro;
   const std::string first = argc > 1 ? argv[1] : "";
   if (first == "--help") {
-    std::fputs(kUsage, stdout);
+    std::fputs(UsageText().c_str(), stdout);
     return 0;
   }
   if (first == "--version") {

@@ -67,14 +67,20 @@ int PlayGame(const Options& options, Session& session, Streams streams) {
   return RunCarried(ready.words, socket, game);
 }
 
-}  // namespace
+struct CommandLine {
+  explicit CommandLine(Options* options);
 
-std::optional<int> ReadOptions(const Words& words, Options* options, Streams streams) {
-  const auto gap = std::find(words.begin(), words.end(), "--");
-  CLI::App app(kAbout, "rendlink");
+  CLI::App app{kAbout, "rendlink"};
+  CLI::Option* target;
+  CLI::Option* args;
+  CLI::Option* save;
+  CLI::Option* start;
+};
+
+CommandLine::CommandLine(Options* options) {
   app.footer(kNotes);
   app.set_help_flag("-h,--help", "show this help");
-  app.set_version_flag("--version", "Rendlink");
+  app.set_version_flag("--version", "Rendlink", "print the version and end");
   // One at a time, and as it stands: brackets would be a list.
   app.add_option_function<std::string>(
          "--profile",
@@ -84,16 +90,29 @@ std::optional<int> ReadOptions(const Words& words, Options* options, Streams str
       ->type_name("NAME")
       ->trigger_on_parse()
       ->required();
-  auto* target = app.add_option("--target", options->launch.target, "the program to start");
+  target = app.add_option("--target", options->launch.target, "the program to start");
   target->type_name("FILE");
-  auto* args = app.add_option("--args", options->launch.args,
-                              "its arguments, in one text with double quotes where they need them");
+  args = app.add_option("--args", options->launch.args,
+                        "its arguments, in one text with double quotes where they need them");
   args->type_name("TEXT");
   app.add_option("--dir", options->launch.dir, "the folder to start it in")->type_name("FOLDER");
-  auto* save = app.add_option("--save", options->save, "write a launcher, a .desktop file");
+  save = app.add_option("--save", options->save, "write a launcher, a .desktop file");
   save->type_name("FILE");
-  auto* start = app.add_flag("--start", options->start, "start it now");
+  start = app.add_flag("--start", options->start, "start it now");
   save->excludes(start);
+}
+
+}  // namespace
+
+void DescribeRendlink(const std::function<void(const CLI::App&)>& look) {
+  Options options;
+  look(CommandLine(&options).app);
+}
+
+std::optional<int> ReadOptions(const Words& words, Options* options, Streams streams) {
+  const auto gap = std::find(words.begin(), words.end(), "--");
+  CommandLine line(options);
+  auto& [app, target, args, save, start] = line;
   Words backwards(std::make_reverse_iterator(gap), words.rend());
   try {
     app.parse(backwards);

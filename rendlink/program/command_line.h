@@ -1,11 +1,16 @@
 // The command line of rendlink.
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
 
 #include "rendlink/launcher.h"
+
+namespace CLI {
+class App;
+}
 
 namespace kelvaro::rendlink {
 
@@ -31,6 +36,9 @@ struct Options {
 // Reads the words (without the program's own name). An exit status when that is all, with what it
 // had to say written: help, the version, or what is wrong.
 std::optional<int> ReadOptions(const Words& words, Options* options, Streams streams);
+
+// Hands over all options, which are gone when `look` has returned.
+void DescribeRendlink(const std::function<void(const CLI::App&)>& look);
 
 // Does what the options ask for, on an installed platform, and gives the exit status.
 int RunOptions(const Options& options, Session& session, Streams streams);
