@@ -10,7 +10,7 @@ namespace {
 constexpr char kNames[] = R"shell(
 _@_names() {
   kelvaroctl "$@" --json 2>/dev/null |
-    sed -n 's/^{"name":"\(\([^"\\]\|\\.\)*\)".*/\1/p' | sed 's/\\\(.\)/\1/g'
+    sed -n 's/^{\("[a-z]*":[0-9]*,\)*"name":"\(\([^"\\]\|\\.\)*\)".*/\2/p' | sed 's/\\\(.\)/\1/g'
 }
 )shell";
 
@@ -141,8 +141,9 @@ _@ "$@"
 
 constexpr char kFish[] = R"shell(
 function __@_names
-    kelvaroctl $argv --json 2>/dev/null | string match -r '^\{"name":"(?:[^"\\\\]|\\\\.)*"' |
-        string replace -r '^\{"name":"(.*)"$' '$1' | string replace -ra '\\\\(.)' '$1'
+    kelvaroctl $argv --json 2>/dev/null |
+        string match -r '^\{(?:"[a-z]*":[0-9]*,)*"name":"(?:[^"\\\\]|\\\\.)*"' |
+        string replace -r '^.*?"name":"(.*)"$' '$1' | string replace -ra '\\\\(.)' '$1'
 end
 function __@_words # before the one that is typed, without options
     set -l words (commandline -opc)
