@@ -26,6 +26,7 @@ string(REGEX MATCH "[(]c[)][^\n]*" owner "${licence}")
 string(REGEX REPLACE "^MIT License\n .\n Copyright[^\n]*\n .\n" "" licence "${licence}")
 string(STRIP "${licence}" licence)
 configure_file(debian/copyright.in debian-copyright @ONLY)
+
 # kelvaro_packed(FILE NAME): without its name and time, so that it is always the same.
 set(packed "")
 function(kelvaro_packed file name)
