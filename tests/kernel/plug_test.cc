@@ -23,6 +23,14 @@ std::vector<std::string> Guids(const std::string& name) {
   return guids;
 }
 
+// What a pad that has just been plugged in holds is sent when it is known again, however long that
+// takes: a busy host makes the machine's clock leap.
+::testing::AssertionResult SentOnceItIsBack(Reader& reader,
+                                            const std::vector<std::string>& expected) {
+  reader.WaitFor(expected.size(), 20000);
+  return Sent(reader, expected);
+}
+
 TEST(Plug, PulledPadLetsGoAndWorksAgainEachTimeItIsBack) {
   auto pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
   ProfileRun run(ProfileOf({ButtonControl(0, "a"), ButtonControl(1, "b")}), "Plug Pad",
@@ -39,9 +47,11 @@ TEST(Plug, PulledPadLetsGoAndWorksAgainEachTimeItIsBack) {
     ASSERT_TRUE(Sent(run.Keyboard(), expected)) << "the button was down when the pad went away";
     WaitMs(200);
     pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
-    WaitMs(200);
-    pad->Tap(1);
-    expected.insert(expected.end(), {"KEY_B down", "KEY_B up"});
+    pad->Press(1);
+    expected.push_back("KEY_B down");
+    ASSERT_TRUE(SentOnceItIsBack(run.Keyboard(), expected));
+    pad->Release(1);
+    expected.push_back("KEY_B up");
     ASSERT_TRUE(Sent(run.Keyboard(), expected));
   }
   EXPECT_TRUE(run.Process().Running());
@@ -80,9 +90,8 @@ TEST(Plug, AnotherPadInItsPlaceIsNotTakenForIt) {
   other.Report(1);
   EXPECT_TRUE(Sent(run.Keyboard(), {}));
   pad = std::make_unique<UhidPad>("Descriptor Pad", "serial-1");
-  WaitMs(200);
   pad->Report(1);
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+  EXPECT_TRUE(SentOnceItIsBack(run.Keyboard(), {"KEY_A down"}));
 }
 
 // Nothing but the make and the name is the same, and then not even the port of the time before.
@@ -111,9 +120,11 @@ TEST(Plug, PadWithoutASerialNumberWorksAgainWhereverItIsPluggedIn) {
     there.bus = place.bus;
     there.version = place.version;
     pad = std::make_unique<UinputPad>(there);
-    WaitMs(2000);  // another like it might have followed
-    pad->Tap(1);
-    expected.insert(expected.end(), {"KEY_B down", "KEY_B up"});
+    pad->Press(1);
+    expected.push_back("KEY_B down");
+    ASSERT_TRUE(SentOnceItIsBack(run.Keyboard(), expected));
+    pad->Release(1);
+    expected.push_back("KEY_B up");
     ASSERT_TRUE(Sent(run.Keyboard(), expected));
   }
 }
@@ -131,9 +142,8 @@ TEST(Plug, OfTwoEqualPadsOnOtherPortsNeitherIsTaken) {
   other.Press(0);
   EXPECT_TRUE(Sent(run.Keyboard(), {}));
   pad = std::make_unique<UinputPad>(PlugPad("test/port0"));
-  WaitMs(200);
   pad->Press(0);
-  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down"}));
+  EXPECT_TRUE(SentOnceItIsBack(run.Keyboard(), {"KEY_A down"}));
 }
 
 TEST(Plug, ASerialNumberIsKnownAgainByCableAndByRadio) {
@@ -146,11 +156,11 @@ TEST(Plug, ASerialNumberIsKnownAgainByCableAndByRadio) {
     pad.reset();
     WaitMs(100);
     pad = std::make_unique<UhidPad>("Descriptor Pad", "serial-1", bus);
-    WaitMs(200);
     pad->Report(1);
-    WaitMs(50);
+    expected.push_back("KEY_A down");
+    ASSERT_TRUE(SentOnceItIsBack(run.Keyboard(), expected));
     pad->Report(0);
-    expected.insert(expected.end(), {"KEY_A down", "KEY_A up"});
+    expected.push_back("KEY_A up");
     ASSERT_TRUE(Sent(run.Keyboard(), expected));
   }
 }
