@@ -318,9 +318,6 @@ void AddAll(CLI::App& app, Choice& choice) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "kelvaroctl", "show the version");
   app.set_help_flag("-h,--help", "show this help");
-  app.footer(
-      "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad, "
-      "2 the command line is wrong.");
   AddKeys(app, choice);
   AddPlay(app, choice);
   AddProfiles(app, choice);
@@ -335,6 +332,10 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddExplain(app, choice);
   AddTest(app, choice);
   AddSettings(app, choice);
+  // Last: commands take over what their program has as they are added.
+  app.footer(
+      "kelvaroctl COMMAND --help tells more. Exit status: 0 done, 1 the thing asked about is bad, "
+      "2 the command line is wrong.");
 }
 
 // A command with commands of its own is called without one: the help says which there are.

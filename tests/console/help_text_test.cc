@@ -28,9 +28,9 @@ TEST(Wrapped, IndentsAllLinesButTheFirst) {
 // The help of each command, as wide as told.
 std::vector<std::string> Helps(std::size_t columns) {
   std::vector<std::string> helps;
-  for (const char* words :
-       {"", "keys", "play", "profiles", "show", "pack", "check", "devices", "doctor", "watch",
-        "record", "run", "settings", "settings list", "settings get", "settings set"}) {
+  for (const char* words : {"", "keys", "play", "profiles", "show", "pack", "check", "devices",
+                            "doctor", "watch", "record", "run", "explain", "test", "settings",
+                            "settings list", "settings get", "settings set"}) {
     std::istringstream in(words);
     std::vector<std::string> call;
     for (std::string word; in >> word;) call.push_back(word);
@@ -82,6 +82,13 @@ TEST(Help, TellsOptionsWithTheirValuesAndNothingOfTheParser) {
             "\n"
             "A line for each Control: its number, its inputs, its keys, its description. With\n"
             "--json the whole profile on one line, as `kelvaroctl pack` takes it.\n");
+  EXPECT_EQ(Kelvaroctl({"devices", "--help"}).out,
+            "List the game pads that are plugged in\n"
+            "Usage: kelvaroctl devices [OPTIONS]\n"
+            "\n"
+            "Options:\n"
+            "  -h, --help  show this help\n"
+            "  --json      print JSON Lines, one object a line\n");
   EXPECT_NE(Kelvaroctl({"keys", "--help"}).out.find("[OPTIONS] [TEXT]\n"), std::string::npos);
   EXPECT_NE(Kelvaroctl({"check", "--help"}).out.find("[OPTIONS] FILE|NAME...\n"),
             std::string::npos);
