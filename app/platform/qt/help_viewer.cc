@@ -143,7 +143,6 @@ class HelpWindow : public QWidget {
   void Search(Way way) {
     const QString text = wanted->text();
     if (text.isEmpty()) return wanted->setFocus();
-    found->clear();
     const QTextDocument::FindFlags flags =
         way == Way::Back ? QTextDocument::FindBackward : QTextDocument::FindFlags();
     if (pages->find(text, flags)) return;

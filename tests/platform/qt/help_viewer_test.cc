@@ -135,6 +135,7 @@ class HelpSearchTest : public HelpViewerTest {
   HelpSearchTest() {
     Write("A.htm", "A", "<p>One <b>lamp</b> and another Lamp.</p>");
     Write("B.htm", "B", "<p>The lamp is green.</p>");
+    Write("C.htm", "C", "<p>A third lamp.</p>");
     Show("A.htm");
     EXPECT_TRUE(QTest::qWaitForWindowActive(Browser()->window()));
   }
@@ -173,7 +174,11 @@ TEST_F(HelpSearchTest, EnterFindsOnePlaceAfterTheOtherOnAllPages) {
   Key(Qt::Key_F3);
   EXPECT_EQ(Marked(), "B 4-8 lamp");
   Key(Qt::Key_F3);
+  EXPECT_EQ(Marked(), "C 8-12 lamp");
+  Key(Qt::Key_F3);
   EXPECT_EQ(Marked(), "A 4-8 lamp");
+  Key(Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(Marked(), "C 8-12 lamp");
   Key(Qt::Key_F3, Qt::ShiftModifier);
   EXPECT_EQ(Marked(), "B 4-8 lamp");
   Key(Qt::Key_F3, Qt::ShiftModifier);
@@ -186,6 +191,13 @@ TEST_F(HelpSearchTest, TheOnlyPlaceIsFoundAgain) {
   EXPECT_EQ(Marked(), "B 12-17 green");
   Key(Qt::Key_Return);
   EXPECT_EQ(Marked(), "B 12-17 green");
+  EXPECT_FALSE(SaysNotFound());
+}
+
+TEST_F(HelpSearchTest, WithNothingToSearchForTheKeyAsksForIt) {
+  Key(Qt::Key_F3);
+  EXPECT_TRUE(Field()->hasFocus());
+  EXPECT_EQ(Marked(), "A 0-0 ");
 }
 
 TEST_F(HelpSearchTest, ASearchForWhatNoPageHasSaysSoAndStaysOnItsPage) {
