@@ -146,7 +146,7 @@ TEST_F(ProgramTest, TheConsoleTakesTheUsersProfilesWhereEachUserHasAFolder) {
   };
   const std::string own = home.In("data/kelvaro/Profiles");
   const std::string first = list();
-  EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 5) << first;
+  EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 9) << first;
   EXPECT_NE(first.find(own + "/Platformer.idprof"), std::string::npos) << first;
   for (const auto& entry : fs::directory_iterator(own))
     if (entry.path().stem() != "Platformer") fs::remove(entry.path());
