@@ -418,6 +418,46 @@ TEST_F(AnotherUserTest, IsToldThatNothingIsKeptUnlessEachUserHasAFolder) {
   ExpectEndsInOrder(*program);
 }
 
+std::map<std::string, std::string> ProfilesIn(const std::string& folder) {
+  std::map<std::string, std::string> bytes;
+  for (const auto& entry : fs::directory_iterator(folder))
+    bytes[entry.path().filename()] = Content(entry.path());
+  return bytes;
+}
+
+TEST_F(AnotherUserTest, HasTheExamplesAsTheyAreAndOneThatIsDeletedIsNotThereAtTheNextStart) {
+  std::ofstream(installed + "/PerUser").flush();
+  const std::string own = home.In("data/kelvaro/Profiles");
+  const auto shipped = ProfilesIn(installed + "/Profiles");
+  ASSERT_TRUE(shipped.contains("Browser.idprof"));
+  auto left = shipped;
+  left.erase("Browser.idprof");
+  {
+    const auto program = RunAsNobody();
+    ASSERT_TRUE(Eventually([&] { return Welcome().id != 0; })) << program->Log();
+    desktop.CloseWindow(Welcome().id);
+    CloseBox();
+    EXPECT_EQ(ProfilesIn(own), shipped);
+    ASSERT_TRUE(Eventually([&] {
+      desktop.Press(Window().x + 30, Window().y + 59);  // the tab "Control"
+      desktop.Type("Alt_L+d");                          // "Delete..." of the first in the list
+      return Eventually([&] { return desktop.Find("Delete Profile", true).id != 0; }, 2s);
+    }));
+    ASSERT_TRUE(
+        Eventually([&] { return desktop.Active(desktop.Find("Delete Profile", true).id); }));
+    desktop.Type("Alt_L+y");
+    EXPECT_TRUE(Eventually([&] { return ProfilesIn(own) == left; }));
+    CloseBox();  // of the next one
+    ExpectEndsInOrder(*program);
+  }
+  const auto program = RunAsNobody();
+  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
+  CloseBox();
+  EXPECT_EQ(ProfilesIn(own), left);
+  EXPECT_EQ(ProfilesIn(installed + "/Profiles"), shipped);
+  ExpectEndsInOrder(*program);
+}
+
 // Without a notification area nothing could bring a hidden window back.
 class NoNotificationAreaTest : public DisplayTest {
  protected:
