@@ -16,6 +16,12 @@ foreach(program kelvaro kelvaroctl rendlink)
   install_part(machine FILES ${made}/links/${program} DESTINATION bin)
 endforeach()
 
+# Debian wants a maintainer's address of each package. By its ending this one is nobody's.
+set(KELVARO_MAINTAINER "Marnstone <nobody@kelvaro.invalid>")
+if(KELVARO_SUPPORT_ADDRESS)
+  set(KELVARO_MAINTAINER "Marnstone <${KELVARO_SUPPORT_ADDRESS}>")
+endif()
+
 # What Debian wants to know of each package. SOURCE_DATE_EPOCH gives the date, where it is set.
 string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(debian/changelog.in debian-changelog @ONLY)
@@ -43,7 +49,8 @@ install_part(machine FILES ${made}/debian-copyright DESTINATION ${documents} REN
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kelvaro)
 set(CPACK_PACKAGE_VENDOR Marnstone)
-set(CPACK_PACKAGE_CONTACT "Marnstone <${KELVARO_SUPPORT_ADDRESS}>")
+set(CPACK_PACKAGE_CONTACT "${KELVARO_MAINTAINER}")
+set(CPACK_PACKAGE_HOMEPAGE_URL "${KELVARO_WEB_ADDRESS}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "turn a game pad into keys and mouse motion")
 set(CPACK_PACKAGE_DESCRIPTION
 "Kelvaro lets you play games with a game pad or joystick that know nothing of

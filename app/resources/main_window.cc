@@ -106,6 +106,12 @@ constexpr ControlTemplate kDevicePage[] = {
     {Label, kTimerMax, "", 250, 133, 110, 9},
 };
 
+// A link, or plain words where the build has no address.
+constexpr ControlTemplate Contact(std::uint32_t id, const char* address, std::int16_t y) {
+  if (*address) return {Link, id, address, 44, y, 200, 9};
+  return {Label, id, "none in this build", 44, y, 200, 9};
+}
+
 constexpr ControlTemplate kSettingsPage[] = {
     {Box, kSettingsPageBox, "", 6, 46, 366, 175},
     {Picture, kBanner, "", 6, 46, 160, 36, 0, "Kelvaro"},
@@ -119,9 +125,9 @@ constexpr ControlTemplate kSettingsPage[] = {
     {Label, kUnnamed + 42, "Contact", 6, 150, 36, 9},
     {Rule, kUnnamed + 43, "", 44, 153, 323, 2},
     {Label, kUnnamed + 44, "&web:", 6, 162, 30, 9},
-    {Link, kWebLink, KELVARO_WEB_ADDRESS, 44, 162, 200, 9},
+    Contact(kWebLink, KELVARO_WEB_ADDRESS, 162),
     {Label, kUnnamed + 45, "&email:", 6, 175, 30, 9},
-    {Link, kMailLink, KELVARO_SUPPORT_ADDRESS, 44, 175, 200, 9},
+    Contact(kMailLink, KELVARO_SUPPORT_ADDRESS, 175),
     {Label, kCopyright, "Copyright (c) 2026 the Kelvaro authors", 6, 193, 361, 9},
     {Label, kLicense, "Free software under the MIT License, without any warranty.", 6, 204, 361, 9},
 };

@@ -37,7 +37,7 @@ constexpr std::uint32_t kUpBitmap = 145;      // an arrow, of the button that mo
 constexpr std::uint32_t kDownBitmap = 146;    // and down
 constexpr std::uint32_t kBannerBitmap = 148;  // of the Settings tab and the welcome
 
-// Addresses of the maker, chosen when the program is built.
+// Addresses of the maker, chosen when the program is built; empty for none.
 extern const char* const kWebAddress;      // a whole address, such as "https://kelvaro.example/"
 extern const char* const kSupportAddress;  // of mail, such as "support@kelvaro.example"
 

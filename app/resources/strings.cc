@@ -15,6 +15,8 @@ struct TableString {
   const char* text;
 };
 
+constexpr char kNoAddress[] = "This build has no address.";
+
 constexpr TableString kStrings[] = {
     // The tabs of the main window.
     {tab_tip::kControl,
@@ -103,8 +105,11 @@ constexpr TableString kStrings[] = {
      "enter key controls. This will catch things like forgetting to put angle brackets \"<>\" "
      "around special key input designations."},
     {main_window::kAdvanced, "Open the advanced settings dialog window."},
-    {main_window::kWebLink, "Open your browser to " KELVARO_WEB_ADDRESS "."},
-    {main_window::kMailLink, "Start a new email addressed to " KELVARO_SUPPORT_ADDRESS "."},
+    {main_window::kWebLink,
+     *KELVARO_WEB_ADDRESS ? "Open your browser to " KELVARO_WEB_ADDRESS "." : kNoAddress},
+    {main_window::kMailLink, *KELVARO_SUPPORT_ADDRESS
+                                 ? "Start a new email addressed to " KELVARO_SUPPORT_ADDRESS "."
+                                 : kNoAddress},
 
     // "Define Control".
     {platform::IDOK, "Save control definition."},

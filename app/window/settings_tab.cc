@@ -53,10 +53,14 @@ void SettingsTab::ShowCheckBoxes() {
 }
 
 void SettingsTab::AttachLinks() {
-  webLink.hyperlink.target = resources::kWebAddress;
-  mailLink.hyperlink.target = ByteString("mailto:").Concat(resources::kSupportAddress);
-  webLink.Attach(dialog.window, kWebLink);
-  mailLink.Attach(dialog.window, kMailLink);
+  if (*resources::kWebAddress) {
+    webLink.hyperlink.target = resources::kWebAddress;
+    webLink.Attach(dialog.window, kWebLink);
+  }
+  if (*resources::kSupportAddress) {
+    mailLink.hyperlink.target = ByteString("mailto:").Concat(resources::kSupportAddress);
+    mailLink.Attach(dialog.window, kMailLink);
+  }
 }
 
 void SettingsTab::OnLaunchAtStartup() {
