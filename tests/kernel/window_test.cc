@@ -236,6 +236,30 @@ TEST_F(WindowOnScreen, ControlMadeByHandSendsItsKeyToTheKernel) {
   EXPECT_TRUE(Sent(*keyboard, {"KEY_X down", "KEY_X up"}));
 }
 
+// What a person does whose pad is there at the first start.
+TEST_F(WindowOnScreen, AnExampleOfTheFirstStartPlaysOnceItsDeviceIsChosen) {
+  program.AddExample("Platformer");
+  program.Set("Welcome Display", 0);
+  const auto pad = PlugIn();
+  child = program.Start(desktop.Name());
+  ASSERT_TRUE(HasKeyboard("Welcome to Kelvaro", true)) << child->Err();
+  desktop.Type("Return");
+  ASSERT_TRUE(HasKeyboard("Kelvaro", true)) << "no word of the missing device: " << child->Err();
+  EXPECT_FALSE(Polls(*pad)) << "it took a device by itself";
+  desktop.Type("Return");
+  ASSERT_TRUE(HasKeyboard("Kelvaro", false));
+  desktop.Type("Alt_L+v Down");  // the list of devices, and the first below "-- None --"
+  ASSERT_TRUE(Begins(*pad)) << child->Err();
+  Reader keys(Named(kKeyboardName));
+  pad->Report(1);
+  EXPECT_TRUE(Sent(keys, {"KEY_SPACE down"}));
+  pad->Report(0);
+  EXPECT_TRUE(Sent(keys, {"KEY_SPACE down", "KEY_SPACE up"}));
+  pad->Report(0, {255, 128, 128, 128});
+  EXPECT_TRUE(Sent(keys, {"KEY_SPACE down", "KEY_SPACE up", "KEY_RIGHT down"}));
+  EndsInOrder();
+}
+
 TEST_F(WindowOnScreen, NothingWakesItWhileThePadLiesStill) {
   AddProfile({});
   const auto pad = PlugIn();
