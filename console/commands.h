@@ -101,6 +101,13 @@ int RunCommand(const RunOptions& options, Streams streams);
 int ExplainCommand(const RunOptions& options, Streams streams);
 int TestCommand(const RunOptions& options, Streams streams);
 
+struct PlayBackOptions {
+  std::string recording;               // file
+  std::uint64_t delay = 3000;          // ms, so that a program can find the pad
+  std::optional<std::uint64_t> until;  // ms
+};
+int PlayBackCommand(const PlayBackOptions& options, Streams streams);
+
 // Which of them count follows from the command.
 struct SettingsOptions {
   std::string name;

@@ -54,6 +54,7 @@ struct Choice {
   RunOptions run;
   RunOptions explain;
   RunOptions test;
+  PlayBackOptions playBack;
   SettingsOptions settings;
   std::function<int(Streams)> command;
 };
@@ -277,6 +278,21 @@ void AddTest(CLI::App& app, Choice& choice) {
   Choose(test, choice, choice.test, &TestCommand);
 }
 
+void AddPlayBack(CLI::App& app, Choice& choice) {
+  CLI::App* playBack = app.add_subcommand("play-back", "Play a recording as a pad of its own");
+  playBack->footer(
+      "Makes a virtual pad of the recording's name, buttons, axes and hats, which all programs see "
+      "as one that is plugged in, and moves it as it was recorded: a fault can be shown to others "
+      "with any program. The pad goes one second after the last line, at --until, or on Ctrl-C. "
+      "Where the recording loses its pad, this one is pulled out.");
+  playBack->add_option("FILE", choice.playBack.recording, "the recording")->required();
+  AddMilliseconds(playBack, "--delay", &choice.playBack.delay, kMostUntil,
+                  "ms from plugging in to the recording's begin (3000)");
+  AddMilliseconds(playBack, "--until", &choice.playBack.until, kMostUntil,
+                  "end after this many milliseconds of the recording");
+  Choose(playBack, choice, choice.playBack, &PlayBackCommand);
+}
+
 void AddSettings(CLI::App& app, Choice& choice) {
   CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
   settings->require_subcommand(1);
@@ -331,6 +347,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddRun(app, choice);
   AddExplain(app, choice);
   AddTest(app, choice);
+  AddPlayBack(app, choice);
   AddSettings(app, choice);
   // Last: commands take over what their program has as they are added.
   app.footer(

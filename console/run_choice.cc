@@ -14,9 +14,6 @@ namespace {
 // More than any recording needs: some hours of a busy pad.
 constexpr std::size_t kMostRecording = 256;  // MiB
 
-// A recording ends this much after its last line, so that what it started can be seen.
-constexpr std::uint64_t kAfterRecording = 1000;  // ms
-
 }  // namespace
 
 int ReadRun(const RunOptions& options, ProfileFile* profile, platform::Recording* recording,
@@ -28,15 +25,18 @@ int ReadRun(const RunOptions& options, ProfileFile* profile, platform::Recording
       return Complain(streams.err, fault.message, fault.detail);
     }
   }
-  if (!options.replay) return kDone;
+  return options.replay ? ReadReplay(*options.replay, recording, streams) : kDone;
+}
+
+int ReadReplay(const std::string& file, platform::Recording* recording, Streams streams) {
   std::string text;
   std::string error;
-  if (!ReadWholeFile(*options.replay, kMostRecording, &text, &error)) {
-    return Complain(streams.err, *options.replay + ": " + error);
+  if (!ReadWholeFile(file, kMostRecording, &text, &error)) {
+    return Complain(streams.err, file + ": " + error);
   }
   std::istringstream lines(std::move(text));
   if (!platform::ReadRecording(lines, recording, &error)) {
-    return Complain(streams.err, *options.replay + ":" + error);
+    return Complain(streams.err, file + ":" + error);
   }
   return kDone;
 }

@@ -16,6 +16,12 @@ namespace kelvaro::console {
 int ReadRun(const RunOptions& options, ProfileFile* profile, platform::Recording* recording,
             Streams streams);
 
+// The same of a recording alone.
+int ReadReplay(const std::string& file, platform::Recording* recording, Streams streams);
+
+// A recording ends this much after its last line, so that what it started can be seen.
+constexpr std::uint64_t kAfterRecording = 1000;  // ms
+
 // In ms; nothing where only a signal ends the run.
 std::optional<std::uint64_t> EndOfRun(const RunOptions& options,
                                       const platform::Recording& recording);

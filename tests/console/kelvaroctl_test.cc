@@ -7,9 +7,9 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",    "pack",
-                                         "check", "devices", "doctor",   "watch",   "record",
-                                         "run",   "explain", "test",     "settings"};
+const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",      "pack",
+                                         "check", "devices", "doctor",   "watch",     "record",
+                                         "run",   "explain", "test",     "play-back", "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
