@@ -1,8 +1,8 @@
 // The manual's page of the example profiles, held against the profiles.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -46,10 +46,8 @@ void AddInputs(const Profile& profile, std::set<std::string>* inputs) {
   }
 }
 
-struct Examples {
-  std::set<std::string> names;
-  std::set<std::string> inputs;
-};
+// Names of examples, with the inputs that each uses.
+using Examples = std::map<std::string, std::set<std::string>>;
 
 Examples AllExamples() {
   Examples all;
@@ -60,18 +58,53 @@ Examples AllExamples() {
     EXPECT_TRUE(
         console::ReadProfileBytes(tests::Content(entry.path()), entry.path(), &profile, &fault))
         << fault.message;
-    all.names.insert(Bytes(profile.profileName));
-    AddInputs(profile, &all.inputs);
+    AddInputs(profile, &all[Bytes(profile.profileName)]);
   }
   return all;
 }
 
-TEST(ExampleProfilesPage, TellsOfEachOfThem) {
-  std::set<std::string> told;
-  for (const std::string& heading : Between(PageNamed(kPage).html, "<h2>", "</h2>")) {
-    told.insert(OneLine(heading));
+// "B1 to B4, B7"
+void AddButtonWords(const std::set<std::string>& inputs, std::string* words) {
+  const auto has = [&](int button) { return inputs.contains("B" + std::to_string(button)); };
+  for (int first = 1; first <= 64; ++first) {
+    if (!has(first)) continue;
+    int last = first;
+    while (has(last + 1)) ++last;
+    *words += ", B" + std::to_string(first);
+    if (last > first) *words += (last > first + 1 ? " to B" : ", B") + std::to_string(last);
+    first = last;
   }
-  for (const std::string& name : AllExamples().names) EXPECT_TRUE(told.contains(name)) << name;
+}
+
+// As a player knows the parts of a pad: "Uses both sticks, the direction pad, B1 to B4."
+std::string WordsFor(const std::set<std::string>& inputs) {
+  const auto uses = [&](const char* axis) {
+    return inputs.contains(std::string(axis) + "(neg)") ||
+           inputs.contains(std::string(axis) + "(pos)");
+  };
+  const bool left = uses("Axis_X0") || uses("Axis_Y0");
+  const bool right = uses("Axis_RX0") || uses("Axis_RY0");
+  std::string words;
+  if (left || right)
+    words += left && right ? ", both sticks" : left ? ", the left stick" : ", the right stick";
+  if (uses("Axis_Z0") || uses("Axis_RZ0")) words += ", both triggers";
+  for (const std::string& input : inputs) {
+    if (!input.starts_with("POV0")) continue;
+    words += ", the direction pad";
+    break;
+  }
+  AddButtonWords(inputs, &words);
+  return "Uses" + words.substr(1) + ".";
+}
+
+TEST(ExampleProfilesPage, TellsOfEachOfThemWhatItUses) {
+  const std::string html = PageNamed(kPage).html;
+  for (const auto& [name, inputs] : AllExamples()) {
+    const std::vector<std::string> told = Between(html, ">" + name + "</a></h2>", "<h2>");
+    ASSERT_EQ(told.size(), 1u) << name;
+    EXPECT_NE(OneLine(told[0]).find(WordsFor(inputs)), std::string::npos)
+        << name << ": " << WordsFor(inputs);
+  }
 }
 
 TEST(ExampleProfilesPage, ShowsWhereEachInputThatTheyUseIsOnAPadAndNoOther) {
@@ -81,7 +114,9 @@ TEST(ExampleProfilesPage, ShowsWhereEachInputThatTheyUseIsOnAPadAndNoOther) {
   for (const std::string& name : Between(tables[0], "<tt>", "</tt>")) {
     EXPECT_TRUE(told.insert(PlainText(name)).second) << name;
   }
-  EXPECT_EQ(told, AllExamples().inputs);
+  std::set<std::string> used;
+  for (const auto& [name, inputs] : AllExamples()) used.insert(inputs.begin(), inputs.end());
+  EXPECT_EQ(told, used);
 }
 
 }  // namespace
