@@ -55,6 +55,17 @@ struct PackOptions {
 };
 int PackCommand(const PackOptions& options, Streams streams);
 
+struct ImportOptions {
+  std::string in;                  // file, "-" for standard input
+  std::optional<std::string> out;  // file; stored under its name without it
+  std::optional<std::string> name;
+  std::uint32_t section = 0;  // set or joystick; 0 for the first
+  std::vector<std::uint16_t> axes;
+  bool playStation = false;
+  bool json = false;
+};
+int ImportCommand(const ImportOptions& options, Streams streams);
+
 struct CheckOptions {
   std::vector<std::string> profiles;  // files or stored names
   bool json = false;

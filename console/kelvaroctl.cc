@@ -6,6 +6,7 @@
 #include "app/platform/byte_text.h"
 #include "console/called_command.h"
 #include "console/console_error.h"
+#include "console/foreign_profile.h"
 #include "console/help_text.h"
 #include "console/profile_check.h"
 #include "foundation/version.h"
@@ -46,6 +47,7 @@ struct Choice {
   ProfilesOptions profiles;
   ShowOptions show;
   PackOptions pack;
+  ImportOptions import;
   CheckOptions check;
   DevicesOptions devices;
   DoctorOptions doctor;
@@ -145,6 +147,50 @@ void AddPack(CLI::App& app, Choice& choice) {
       ->required();
   pack->add_option("OUT", choice.pack.out, "the file to make, such as walk.idprof")->required();
   Choose(pack, choice, choice.pack, &PackCommand);
+}
+
+void AddImport(CLI::App& app, Choice& choice) {
+  CLI::App* import =
+      app.add_subcommand("import", "Make a profile of another program's .amgp or .lyt");
+  import->footer(
+      "Without OUT the profile is stored under its name: --name, or the file's. No file is "
+      "overwritten. What can't be brought over, or works otherwise, is listed with its place.\n"
+      "Buttons go by their numbers, those of a standard pad by the order of an Xbox pad or of the "
+      "one that --pad names. The axes are taken to be X, Y, Z, RX, RY, RZ, and then the hats of a "
+      ".lyt or SliderA and SliderB; --axes names others.\n"
+      "With --json: file, profile, profileName, controls, and notes, each with line, column, kind "
+      "(left-out or different) and what.");
+  import->add_option("IN", choice.import.in, "the .amgp or .lyt; - for standard input")->required();
+  import->add_option("OUT", choice.import.out, "the file to make, such as walk.idprof");
+  import->add_option("--name", choice.import.name, "name of the profile")->type_name("NAME");
+  const auto section = [&choice](const std::string& text) {
+    const auto number = platform::ParseWholeNumber(text);
+    if (!number || *number == 0 || *number > UINT32_MAX) {
+      throw CLI::ValidationError("--set", "'" + text + "' is not a number from 1 on");
+    }
+    choice.import.section = static_cast<std::uint32_t>(*number);
+  };
+  import
+      ->add_option_function<std::string>(
+          "--set", section, "which set of an .amgp, or joystick of a .lyt, to take (the first)")
+      ->type_name("NUMBER");
+  const auto axes = [&choice](const std::string& text) {
+    if (ParseAxes(text, &choice.import.axes)) return;
+    throw CLI::ValidationError("--axes", "'" + text + "' is no list such as X,Y,RX,RY,SliderA");
+  };
+  import->add_option_function<std::string>("--axes", axes, "the pad's axes, in the file's order")
+      ->type_name("AXES");
+  const auto pad = [&choice](const std::string& text) {
+    if (text != "xbox" && text != "playstation") {
+      throw CLI::ValidationError("--pad", "'" + text + "' is neither xbox nor playstation");
+    }
+    choice.import.playStation = text == "playstation";
+  };
+  import
+      ->add_option_function<std::string>("--pad", pad, "xbox or playstation: order of the buttons")
+      ->type_name("PAD");
+  import->add_flag("--json", choice.import.json, kJsonHelp);
+  Choose(import, choice, choice.import, &ImportCommand);
 }
 
 void AddCheck(CLI::App& app, Choice& choice) {
@@ -339,6 +385,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddProfiles(app, choice);
   AddShow(app, choice);
   AddPack(app, choice);
+  AddImport(app, choice);
   AddCheck(app, choice);
   AddDevices(app, choice);
   AddDoctor(app, choice);

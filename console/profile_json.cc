@@ -15,9 +15,6 @@
 namespace kelvaro::console {
 namespace {
 
-// Far more than a pad has use for.
-constexpr Json::ArrayIndex kMostControls = 10'000;
-
 // Reading: each member by its type.
 
 void Read(const JsonElement& element, platform::GUID& guid) {

@@ -46,4 +46,22 @@ bool WriteProfile(ProfileFile& profile, const std::string& path, std::string* er
   return false;
 }
 
+bool StoreProfile(ProfileFile& profile, std::string* path, std::string* error) {
+  const std::string name = Bytes(profile.profileName);
+  const ByteString fileName = ProfileLibrary::ProfileFileName(profile.profileName);
+  if (fileName.IsEmpty() || ProfileLibrary::IsTooLong(fileName)) {
+    *error = "no file name can be made of '" + name + "'";
+    return false;
+  }
+  *path =
+      Bytes(ProfileLibrary::ProfileFolder()) + platform::files().PathSeparator() + Bytes(fileName);
+  const ByteString other = profile.FindProfileFile(profile.profileName);
+  if (!other.IsEmpty() || FileExists(TextOf(*path))) {
+    *error =
+        (other.IsEmpty() ? *path : Bytes(other)) + ": there is a profile '" + name + "' already";
+    return false;
+  }
+  return Save(profile, *path, error);
+}
+
 }  // namespace kelvaro::console
