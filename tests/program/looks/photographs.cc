@@ -1,18 +1,12 @@
 // photographs FOLDER
 //
-// Makes the pictures of docs/screenshots/ again, which the README and the manual show: drives the
-// real dialogs off the screen, with a recorded pad and the profile of stage.cc, and writes a PNG of
-// each into the folder.
-//
-//     cmake --build build/debug --target photographs
-//     QT_QPA_PLATFORM=offscreen build/debug/tests/program/looks/photographs docs/screenshots
-//
-// Then make them small: for each, convert X.png -strip +dither -colors 96 png8:X.png (ImageMagick).
+// Takes the pictures of docs/screenshots/, which the README and the manual show: drives the real
+// dialogs off the screen, with a recorded pad and the profile of stage.cc, and writes a PNG of each
+// into the folder. scripts/pictures runs it and makes them small.
 //
 // The notification icon's menu is the one that Qt draws; a desktop may draw it in its own way.
 #include <QApplication>
 #include <QDir>
-#include <QHeaderView>
 #include <QImage>
 #include <QImageWriter>
 #include <QPainter>
@@ -29,6 +23,7 @@
 #include "engine/mouse_emulation.h"
 #include "rendlink/rendlink_dialog.h"
 #include "rendlink/resources.h"
+#include "tests/program/looks/hands.h"
 #include "tests/program/looks/stage.h"
 
 namespace {
@@ -51,50 +46,6 @@ void Save(const QImage& image, const char* name) {
 void Photograph(QWidget& window, const char* name) {
   Stage::Settle();
   Save(window.grab().toImage().convertToFormat(QImage::Format_RGB888), name);
-}
-
-DialogWindow& Dialog(QWidget& window) { return dynamic_cast<DialogWindow&>(window); }
-
-QWidget* Widget(QWidget& window, std::uint32_t id) {
-  return Dialog(window).Find(id)->FocusWidget();
-}
-
-// At its left, where a check box has its box.
-void Click(QWidget& window, std::uint32_t id) {
-  QWidget* const widget = Widget(window, id);
-  QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(8, widget->height() / 2));
-}
-
-void Type(QWidget& window, std::uint32_t id, const char* text) {
-  QWidget* const field = Widget(window, id);
-  field->setFocus();
-  QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-  QTest::keyClicks(field, QString::fromLatin1(text));
-}
-
-void ShowTab(DialogWindow& window, int tab) {
-  platform::Rect rect;
-  platform::controls().TabGetItemRect(window.Handle(), kTabControl, tab, &rect);
-  QTest::mouseClick(Widget(window, kTabControl), Qt::LeftButton, {},
-                    QPoint((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2));
-}
-
-void SelectRow(DialogWindow& window, int row) {
-  for (int other = 0; other < platform::controls().ListGetItemCount(window.Handle(), kControlList);
-       ++other) {
-    platform::controls().ListSelectItem(window.Handle(), kControlList, other, other == row);
-  }
-}
-
-// As a person does with a double click on each divider, so that whole texts are seen.
-void FitColumns(DialogWindow& window) {
-  auto* const header = Widget(window, kControlList)->findChild<QHeaderView*>();
-  for (const int column : {0, 1}) {
-    const QPoint divider(header->sectionViewportPosition(column) + header->sectionSize(column) - 1,
-                         header->height() / 2);
-    QTest::mouseMove(header->viewport(), divider);
-    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, divider);
-  }
 }
 
 void Tabs(const char* const (&names)[4]) {

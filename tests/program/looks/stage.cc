@@ -98,7 +98,10 @@ platform::Platform Stage::Groups() {
   return groups;
 }
 
-Stage::Stage() : pad(ExamplePad(), *system.Groups().clock), installed(Groups()) {
+Stage::Stage(platform::Input* sink)
+    : pad(ExamplePad(), *system.Groups().clock),
+      input(sink ? *sink : nowhere),
+      installed(Groups()) {
   registry.PutDword(kSettings, "Welcome Display", 1);
   registry.PutString(kSettings, "Last Profile", kProfile);
   StoreExamples();

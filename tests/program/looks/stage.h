@@ -56,8 +56,9 @@ class QuietShell final : public platform::Shell {
 
 class Stage {
  public:
-  // With the profile kProfile and two shorter ones, and settings that know of the welcome.
-  Stage();
+  // With the profile kProfile and two shorter ones, and settings that know of the welcome. What is
+  // sent goes to `sink`, which is borrowed, or nowhere.
+  explicit Stage(platform::Input* sink = nullptr);
   Stage(const Stage&) = delete;
   Stage& operator=(const Stage&) = delete;
 
@@ -88,7 +89,8 @@ class Stage {
   platform::RecordedDevices pad;
   platform::qt::QtPlatform qt;
   QuietShell shell;
-  NoInput input;
+  NoInput nowhere;
+  platform::Input& input;
   platform::InstalledPlatform installed;
 
   platform::Platform Groups();
