@@ -427,11 +427,13 @@ TEST(ImportAmgp, AStandardPadGoesByPlace) {
            notes}},
          {"--pad", "playstation"});
   const std::string trigger = "<triggerbutton index='2'>" + Slots(Key("0x41")) + "</triggerbutton>";
-  Expect({{"the triggers, in both numberings",
-           Set("<trigger index='1'><throttle>positivehalf</throttle>" + trigger +
-                   "</trigger><trigger index='6'>" + trigger + "</trigger>",
-               "gamecontroller"),
-           "Axis_Z0(pos) = a\nAxis_RZ0(pos) = a\n"}});
+  for (const auto& [left, right] : {std::pair("1", "2"), std::pair("5", "6")}) {
+    Expect({{"the triggers, in both numberings",
+             Set("<trigger index='" + std::string(left) + "'><throttle>positivehalf</throttle>" +
+                     trigger + "</trigger><trigger index='" + right + "'>" + trigger + "</trigger>",
+                 "gamecontroller"),
+             "Axis_Z0(pos) = a\nAxis_RZ0(pos) = a\n"}});
+  }
   const std::string up = "<stickbutton index='1'>" + Slots(Key("0x41")) + "</stickbutton>";
   Expect({{"the sticks",
            Set("<stick index='1'>" + up + "</stick><stick index='2'>" + up + "</stick>",
