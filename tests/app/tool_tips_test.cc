@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -15,10 +16,21 @@ using namespace main_window;
 
 using namespace main_window;
 
-using ToolTipsTest = MainWindowTest;
+class ToolTipsTest : public MainWindowTest {
+ protected:
+  // Those of the set-up; each question for a tip, such as a screen reader's, sets its limits again.
+  Strings CallsUpToTheEnd();
+};
 
 const Strings kToolCalls = {"CreateToolTip", "SetToolTip", "ActivateToolTip",
                             "AddTabTool",    "AddTool",    "EnableToolTips"};
+
+Strings ToolTipsTest::CallsUpToTheEnd() {
+  Strings calls = CallsOf(sim, kToolCalls);
+  const auto end = std::find(calls.begin(), calls.end(), "EnableToolTips");
+  if (end != calls.end()) calls.erase(end + 1, calls.end());
+  return calls;
+}
 
 // The text that the tip of a control, or of a tab, is to have.
 std::string TextOfTip(std::uint32_t number) {
@@ -97,8 +109,7 @@ TEST_F(ToolTipsTest, WithoutTheControlNothingIsFilledInAndTipsAreEnabledAllTheSa
   sim.FailNext("CreateToolTip");
   sim.LogCalls(true);
   Begin();
-  const Strings calls = CallsOf(sim, kToolCalls);
-  EXPECT_EQ(calls, (Strings{"CreateToolTip", "EnableToolTips"}));
+  EXPECT_EQ(CallsUpToTheEnd(), (Strings{"CreateToolTip", "EnableToolTips"}));
   EXPECT_EQ(screen.HoverTab(kTabControl, 0), "");
   EXPECT_TRUE(Window()->InitComplete());
 }
@@ -106,14 +117,13 @@ TEST_F(ToolTipsTest, WithoutTheControlNothingIsFilledInAndTipsAreEnabledAllTheSa
 TEST_F(ToolTipsTest, TheTabsComeFirstAndThenTheControlsInTheirOrder) {
   sim.LogCalls(true);
   Begin();
-  const Strings calls = CallsOf(sim, kToolCalls);
   Strings wanted = {"CreateToolTip",     "SetToolTipWidth 300", "SetToolTipTime 10000",
                     "ActivateToolTip",   "AddTabTool 1000 0",   "AddTabTool 1000 1",
                     "AddTabTool 1000 2", "AddTabTool 1000 3"};
   for (const auto& tools : kTools)
     for (const std::uint32_t id : tools) wanted.push_back("AddTool " + std::to_string(id));
   wanted.push_back("EnableToolTips");
-  EXPECT_EQ(calls, wanted);
+  EXPECT_EQ(CallsUpToTheEnd(), wanted);
 }
 
 }  // namespace

@@ -126,17 +126,43 @@ class PictureButton final : public PushButton {
   PictureButtonWidget* const button;
 };
 
+// Knows a click, by pointer or key, from what a screen reader does.
+template <typename Button>
+class CheckWidget : public Button {
+ public:
+  using Button::Button;
+  bool IsClicked() const { return clicking; }
+
+ protected:
+  void nextCheckState() override {
+    clicking = true;
+    Button::nextCheckState();
+    clicking = false;
+  }
+
+ private:
+  bool clicking = false;
+};
+
 class CheckControl final : public Control {
  public:
-  CheckControl(ControlHost& host, const ControlTemplate& from, QAbstractButton* button)
+  template <typename Button>
+  CheckControl(ControlHost& host, const ControlTemplate& from, CheckWidget<Button>* button)
       : Control(host, from), button(button) {
     connect(button, &QAbstractButton::clicked, this, [this] { Clicked(); });
+    connect(button, &QAbstractButton::toggled, this, [this, button](bool on) {
+      // Of a run the one that loses the choice has nothing to tell.
+      if (button->IsClicked() || (!on && button->group())) return;
+      // It waits for an answer, which a box that comes up would keep from it.
+      this->host.NotifyInTurn(id, Notice::Clicked);
+    });
     Adopt(button);
   }
 
   bool HasText() const override { return true; }
   bool IsChecked() const override { return button->isChecked(); }
   bool SetChecked(bool checked) override {
+    const QSignalBlocker quiet(button);
     // In a run of radio buttons one is always chosen, but for a moment.
     QButtonGroup* const run = button->group();
     if (run && !checked) run->setExclusive(false);
@@ -166,12 +192,12 @@ std::unique_ptr<Control> MakeDrawnButton(ControlHost& host, const ControlTemplat
 }
 
 std::unique_ptr<Control> MakeCheckBox(ControlHost& host, const ControlTemplate& from) {
-  return std::make_unique<CheckControl>(host, from, new QCheckBox(host.Inside()));
+  return std::make_unique<CheckControl>(host, from, new CheckWidget<QCheckBox>(host.Inside()));
 }
 
 std::unique_ptr<Control> MakeRadioButton(ControlHost& host, const ControlTemplate& from,
                                          QButtonGroup* run) {
-  auto* button = new QRadioButton(host.Inside());
+  auto* button = new CheckWidget<QRadioButton>(host.Inside());
   if (run) run->addButton(button);
   return std::make_unique<CheckControl>(host, from, button);
 }

@@ -37,13 +37,18 @@ bool Control::SetText(const std::string& bytes) {
   text = bytes;
   const QString shown = Shown(bytes);
   ShowText(IsContent() ? shown : Marked(shown));
-  if (labelled && NamesNext()) labelled->SetSpokenName(shown);
+  if (labelled && labelled->namedBy == this) labelled->SetSpokenName(shown);
   return true;
 }
 
+void Control::TakeNameFrom(Control& label) {
+  namedBy = &label;
+  if (!SaysItself()) label.BindTo(FocusWidget());
+  SetSpokenName(WithoutMnemonic(Shown(label.Text())));
+}
+
 void Control::SetSpokenName(const QString& name) {
-  const bool saysItself = HasText() && !IsContent() && !text.empty();
-  if (!spokenName && !saysItself) FocusWidget()->setAccessibleName(name);
+  if (!spokenName && !SaysItself()) FocusWidget()->setAccessibleName(name);
 }
 
 void Control::SetFont(const std::string& face, std::int32_t height, std::int32_t weight,

@@ -79,14 +79,15 @@ class Control : public QObject {
   void SetBackgroundColour(Colour colour);
   void SetHandCursor() { widget->setCursor(Qt::PointingHandCursor); }
 
-  // The control that this one, a label or group box, stands before and names.
+  // A label or group box: its mnemonic goes to that control.
   void SetLabelled(Control* control) { labelled = control; }
-  // What a screen reader says, where neither the own text nor the template does.
-  void SetSpokenName(const QString& name);
-  // Where its mnemonic goes.
   Control* Labelled() const { return labelled; }
-  // The present text is a name for what comes behind.
   bool NamesNext() const { return kind == ControlKind::Label || kind == ControlKind::GroupBox; }
+  // The present text of that one, the nearest before it, is what a screen reader says where neither
+  // the own text nor the template does.
+  void TakeNameFrom(Control& label);
+  // What a screen reader says beside the name.
+  void SetDescription(const QString& text) { FocusWidget()->setAccessibleDescription(text); }
 
   // The palette of the window is another one.
   void TakeColours();
@@ -100,6 +101,8 @@ class Control : public QObject {
   void Adopt(QWidget* made);
   // Of a kind that has mnemonics: with its marks.
   virtual void ShowText(const QString&) {}
+  // It is the label of that widget.
+  virtual void BindTo(QWidget*) {}
   void Clicked() { host.Notify(id, Notice::Clicked); }
 
   ControlHost& host;
@@ -108,10 +111,13 @@ class Control : public QObject {
  private:
   // The text is what the person reads or types, not what says what the control is for.
   bool IsContent() const { return kind == ControlKind::Edit || kind == ControlKind::TextArea; }
+  bool SaysItself() const { return HasText() && !IsContent() && !text.empty(); }
+  void SetSpokenName(const QString& name);
 
   const char* const spokenName;
   QWidget* widget = nullptr;
   Control* labelled = nullptr;
+  Control* namedBy = nullptr;
   std::optional<Colour> ink;
   std::optional<Colour> background;
   bool shown = true;

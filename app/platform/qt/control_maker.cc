@@ -7,7 +7,6 @@
 #include "app/platform/qt/list_view.h"
 #include "app/platform/qt/slider.h"
 #include "app/platform/qt/tab_control.h"
-#include "app/platform/qt/text.h"
 
 namespace platform::qt {
 namespace {
@@ -53,8 +52,7 @@ std::unique_ptr<Control> MakeControl(ControlHost& host, const ControlTemplate& f
   return MakeBox(host, from);
 }
 
-// A label or group box names the control behind it, and its mnemonic goes to the next one that can
-// have the focus.
+// The mnemonic of a label or group box goes to the next control that can have the focus.
 void Label(const std::vector<std::unique_ptr<Control>>& controls) {
   for (std::size_t i = 0; i < controls.size(); ++i) {
     if (!controls[i]->NamesNext()) continue;
@@ -66,12 +64,14 @@ void Label(const std::vector<std::unique_ptr<Control>>& controls) {
   }
 }
 
-// In the order of the table, so that of several labels before a control the last one counts.
+// Of several labels before a control the last one is its name: the others may be values.
 void Name(const std::vector<std::unique_ptr<Control>>& controls) {
+  Control* before = nullptr;
   for (const auto& control : controls) {
-    if (Control* const next = control->Labelled()) {
-      next->SetSpokenName(WithoutMnemonic(Shown(control->Text())));
-    }
+    if (control->NamesNext()) before = control.get();
+    if (!control->TakesFocus()) continue;
+    if (before) control->TakeNameFrom(*before);
+    before = nullptr;
   }
 }
 

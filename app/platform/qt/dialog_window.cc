@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "app/platform/clock.h"
+#include "app/platform/qt/accessible.h"
 #include "app/platform/qt/control_maker.h"
 #include "app/platform/qt/edits.h"
 #include "app/platform/qt/list_view.h"
@@ -71,6 +72,7 @@ DialogWindow::DialogWindow(const DialogTemplate& from, DialogWindow* owner,
       listener(listener),
       around(around),
       style(from.style) {
+  InstallAccessible();
   setWindowTitle(Shown(from.title));
   if (owner) {
     setWindowModality(Qt::WindowModal);
@@ -110,6 +112,7 @@ void DialogWindow::MakeInside(const DialogTemplate& from) {
 std::int32_t DialogWindow::Run() {
   listener.OnInitDialog(handle);
   initialised = true;
+  if (!ended) Describe();
   if (!ended) around.isSetUp();
   if (!ended) {
     MakeRoom();
@@ -283,6 +286,15 @@ bool DialogWindow::ShowTip(const QPoint& inside, const QPoint& screen) {
   }
   tips.Show(text, screen, this, place);
   return true;
+}
+
+// A screen reader reads tips aloud.
+void DialogWindow::Describe() {
+  for (const auto& control : controls)
+    if (tips.IsTool(control->id)) control->SetDescription(Shown(listener.OnToolTip(control->id)));
+  for (const ToolTips::TabTool& tool : tips.tabTools)
+    if (auto* const tabs = dynamic_cast<TabControl*>(Find(tool.control)))
+      tabs->DescribeTab(tool.tab, Shown(tool.text));
 }
 
 // The tip of a part of a control, such as a tab, covers that part alone.

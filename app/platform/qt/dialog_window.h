@@ -131,6 +131,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   void FocusMoved() override;
 
   void MakeInside(const DialogTemplate& from);
+  void Describe();
   void ApplyLimits();
   void MakeRoom();
   void FirstPlace();

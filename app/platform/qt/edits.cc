@@ -5,6 +5,7 @@
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
+#include <QSignalBlocker>
 #include <algorithm>
 
 #include "app/platform/qt/text.h"
@@ -83,7 +84,8 @@ Edit::Edit(ControlHost& host, const ControlTemplate& from)
     static const QRegularExpression digits(QStringLiteral("[0-9]*"));
     line->setValidator(new QRegularExpressionValidator(digits, line));
   }
-  connect(line, &QLineEdit::textEdited, this, [this] {
+  // A screen reader puts a text there without typing it.
+  connect(line, &QLineEdit::textChanged, this, [this] {
     edited = true;
     this->host.Notify(id, Notice::Changed);
   });
@@ -107,6 +109,7 @@ void Edit::SetCaret(std::uint32_t offset) {
 void Edit::ShowText(const QString& shown) {
   edited = false;
   latin1 = !IsUtf8(text);
+  const QSignalBlocker quiet(line);
   line->setText(shown);
 }
 

@@ -50,7 +50,9 @@ class LabelWidget : public QLabel {
 
   void ShowMarked(const QString& text) {
     marked = templateStyle & kStyleWrap ? Breakable(text) : text;
-    setText(WithoutMnemonic(text));
+    const QString plain = WithoutMnemonic(text);
+    // The label of something makes a shortcut of a mark.
+    setText(buddy() ? Marked(plain) : plain);
     update();
   }
 
@@ -130,11 +132,6 @@ class AccessibleLink : public QAccessibleWidget {
   LinkWidget* Link() const { return static_cast<LinkWidget*>(widget()); }
 };
 
-QAccessibleInterface* MakeAccessibleLink(const QString&, QObject* object) {
-  auto* link = dynamic_cast<LinkWidget*>(object);
-  return link ? new AccessibleLink(link) : nullptr;
-}
-
 class LabelControl final : public Control {
  public:
   LabelControl(ControlHost& host, const ControlTemplate& from, LabelWidget* label)
@@ -150,6 +147,10 @@ class LabelControl final : public Control {
   void ShowText(const QString& shown) override {
     label->ShowMarked(shown);
     mnemonic.Take(shown);
+  }
+  void BindTo(QWidget* field) override {
+    label->setBuddy(field);
+    label->ShowMarked(Shown(text));
   }
 
   LabelWidget* const label;
@@ -183,6 +184,13 @@ class PictureControl final : public Control {
 
  private:
   PictureWidget* const picture;
+};
+
+class RuleWidget : public QFrame {
+ public:
+  explicit RuleWidget(QWidget* parent) : QFrame(parent) {
+    setFrameStyle(QFrame::HLine | QFrame::Sunken);
+  }
 };
 
 class PlainControl final : public Control {
@@ -238,15 +246,20 @@ class GroupBoxControl final : public Control {
 
 }  // namespace
 
+QAccessibleInterface* MakeAccessibleLabel(QObject* object) {
+  if (auto* const link = dynamic_cast<LinkWidget*>(object)) return new AccessibleLink(link);
+  if (auto* const picture = dynamic_cast<PictureWidget*>(object))
+    return new QAccessibleWidget(picture, QAccessible::Graphic);
+  if (auto* const rule = dynamic_cast<RuleWidget*>(object))
+    return new QAccessibleWidget(rule, QAccessible::Separator);
+  return nullptr;
+}
+
 std::unique_ptr<Control> MakeLabel(ControlHost& host, const ControlTemplate& from) {
   return std::make_unique<LabelControl>(host, from, new LabelWidget(host.Inside(), from.style));
 }
 
 std::unique_ptr<Control> MakeLink(ControlHost& host, const ControlTemplate& from) {
-  [[maybe_unused]] static const bool once = [] {
-    QAccessible::installFactory(&MakeAccessibleLink);
-    return true;
-  }();
   auto* link = new LinkWidget(host.Inside(), from.style);
   link->setFocusPolicy(Qt::StrongFocus);
   return std::make_unique<LabelControl>(host, from, link);
@@ -257,9 +270,7 @@ std::unique_ptr<Control> MakePicture(ControlHost& host, const ControlTemplate& f
 }
 
 std::unique_ptr<Control> MakeRule(ControlHost& host, const ControlTemplate& from) {
-  auto* line = new QFrame(host.Inside());
-  line->setFrameStyle(QFrame::HLine | QFrame::Sunken);
-  return std::make_unique<PlainControl>(host, from, line);
+  return std::make_unique<PlainControl>(host, from, new RuleWidget(host.Inside()));
 }
 
 std::unique_ptr<Control> MakeGroupBox(ControlHost& host, const ControlTemplate& from) {

@@ -2,6 +2,7 @@
 // room.
 #pragma once
 
+#include <QAccessible>
 #include <memory>
 
 #include "app/platform/qt/control.h"
@@ -14,5 +15,8 @@ std::unique_ptr<Control> MakePicture(ControlHost& host, const ControlTemplate& f
 std::unique_ptr<Control> MakeRule(ControlHost& host, const ControlTemplate& from);
 std::unique_ptr<Control> MakeGroupBox(ControlHost& host, const ControlTemplate& from);
 std::unique_ptr<Control> MakeBox(ControlHost& host, const ControlTemplate& from);
+
+// What a screen reader is told of such a widget; null where Qt itself tells it.
+QAccessibleInterface* MakeAccessibleLabel(QObject* widget);
 
 }  // namespace platform::qt

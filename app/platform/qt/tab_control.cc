@@ -14,9 +14,26 @@
 
 namespace platform::qt {
 
+namespace {
+
+// Leaves tips to the window, which shows them in its own width and for its own time.
+class TabBar : public QTabBar {
+ public:
+  using QTabBar::QTabBar;
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::ToolTip) return QTabBar::event(event);
+    event->ignore();
+    return false;
+  }
+};
+
+}  // namespace
+
 class TabControl::Frame : public QWidget {
  public:
-  explicit Frame(QWidget* parent) : QWidget(parent), bar(new QTabBar(this)) {
+  explicit Frame(QWidget* parent) : QWidget(parent), bar(new TabBar(this)) {
     bar->setExpanding(false);
     bar->setDrawBase(false);
     // A click takes the focus from a control that may be on the page that goes.

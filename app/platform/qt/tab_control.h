@@ -16,6 +16,8 @@ class TabControl final : public Control {
   std::int32_t Insert(const std::string& text);
   // From the control's corner.
   bool TabRect(std::int32_t tab, Rect* rect) const;
+  // As SetDescription, of one tab.
+  void DescribeTab(std::int32_t tab, const QString& text) { bar->setTabToolTip(tab, text); }
   bool Select(std::int32_t tab);
   std::int32_t Selected() const { return selected; }
 

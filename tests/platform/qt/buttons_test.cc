@@ -1,5 +1,7 @@
 #include "app/platform/qt/buttons.h"
 
+#include <QAccessible>
+
 #include "app/platform/qt/colours.h"
 #include "app/platform/qt/qt_canvas.h"
 #include "qt_fixture.h"
@@ -40,6 +42,22 @@ WINDOW_TEST(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
   EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioC));
   EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioD));
   EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
+}
+
+WINDOW_TEST(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
+  const auto toggle = [&](std::uint32_t id) {
+    QAccessible::queryAccessibleInterface(Widget(id))
+        ->actionInterface()
+        ->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_TRUE(recorder.lines.empty()) << "before the reader has its answer";
+    Settle();
+    return recorder.TakeLines();
+  };
+  EXPECT_EQ(toggle(kCheck), Lines{std::to_string(kCheck) + " clicked"});
+  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
+  controls().CheckDlgButton(Window(), kRadioA, true);
+  EXPECT_EQ(toggle(kRadioB), Lines{std::to_string(kRadioB) + " clicked"});
+  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
 }
 
 WINDOW_TEST(ButtonsTest, ARunCanBeLeftWithoutAChoice) {

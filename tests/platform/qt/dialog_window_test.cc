@@ -1,5 +1,6 @@
 #include "app/platform/qt/dialog_window.h"
 
+#include <QAccessible>
 #include <QCloseEvent>
 #include <QPixmapCache>
 
@@ -471,6 +472,13 @@ WINDOW_TEST(DialogWindowTest, HasTheIconThatItIsGiven) {
   EXPECT_TRUE(desktop().SetWindowIcon(Window(), icon, true));
   EXPECT_FALSE(Dialog()->windowIcon().isNull());
   EXPECT_FALSE(desktop().SetWindowIcon(99, icon, true));
+}
+
+WINDOW_TEST(DialogWindowTest, AScreenReaderIsToldOfAWindow) {
+  QAccessibleInterface* const window = QAccessible::queryAccessibleInterface(Dialog());
+  EXPECT_EQ(window->role(), QAccessible::Window);
+  EXPECT_EQ(window->text(QAccessible::Name), QStringLiteral("All kinds"));
+  EXPECT_FALSE(window->state().modal);
 }
 
 }  // namespace

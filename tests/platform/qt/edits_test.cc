@@ -1,5 +1,6 @@
 #include "app/platform/qt/edits.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -13,6 +14,15 @@ class EditsTest : public QtTest {
  protected:
   QLineEdit* Line(std::uint32_t id) const { return static_cast<QLineEdit*>(Widget(id)); }
 };
+
+WINDOW_TEST(EditsTest, ATextThatAScreenReaderPutsThereCounts) {
+  controls().SetDlgItemTextA(Window(), kNameEdit, "before");
+  EXPECT_TRUE(recorder.lines.empty()) << "the program's own doing is no news";
+  QAccessible::queryAccessibleInterface(Widget(kNameEdit))
+      ->setText(QAccessible::Value, QStringLiteral("spoken"));
+  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "spoken");
+  EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{std::to_string(kNameEdit) + " changed"});
+}
 
 WINDOW_TEST(EditsTest, GiveBackWhatWasSet) {
   for (const char* text : {"", "plain", "\xC3\xBC", "\xFC", "two  blanks "}) {

@@ -29,7 +29,8 @@ TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
     for (const std::uint32_t id : {kNameLabel, kLink}) {
       EXPECT_TRUE(controls().SetDlgItemTextA(Window(), id, kText));
       EXPECT_EQ(controls().GetDlgItemTextA(Window(), id), kText);
-      EXPECT_EQ(static_cast<QLabel*>(Widget(id))->text(), QString::fromLatin1(kText));
+      EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(id))->text(QAccessible::Name),
+                QString::fromLatin1(kText));
     }
     EXPECT_EQ(Widget(kNameEdit)->accessibleName(), QString::fromLatin1(kText));
     controls().SetDlgItemTextA(Window(), kNameLabel, "a&b");
@@ -176,6 +177,37 @@ WINDOW_TEST(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->text(QAccessible::Name).toStdString(), c.name) << c.id;
   }
+}
+
+WINDOW_TEST(LabelsTest, WhatIsOnlySeenSaysWhatItIs) {
+  const std::pair<std::uint32_t, QAccessible::Role> kRoles[] = {{kPicture, QAccessible::Graphic},
+                                                                {kRule, QAccessible::Separator}};
+  for (const auto& [id, role] : kRoles)
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(id))->role(), role) << id;
+}
+
+WINDOW_TEST(LabelsTest, ALabelIsBoundToItsField) {
+  const auto relations = QAccessible::queryAccessibleInterface(Widget(kNameEdit))->relations();
+  ASSERT_EQ(relations.size(), 1);
+  EXPECT_EQ(relations[0].first->object(), Widget(kNameLabel));
+  EXPECT_TRUE(relations[0].second.testFlag(QAccessible::Label));
+}
+
+// The label before it is a value of something else.
+constexpr ControlTemplate kValueBefore[] = {
+    {ControlKind::Label, kNameLabel, "0", 5, 5, 50, 8},
+    {ControlKind::Label, kLink, "Interval", 5, 15, 50, 8},
+    {ControlKind::Edit, kNameEdit, "", 60, 14, 80, 12},
+};
+
+TEST_F(LabelsTest, TheNameIsTheNearestLabelsWhateverTheOthersShow) {
+  static constexpr DialogTemplate dialog = {3, "Values", 100, 40, 0, kValueBefore};
+  Run(dialog, [&] {
+    controls().SetDlgItemTextA(Window(), kNameLabel, "12");
+    EXPECT_EQ(Widget(kNameEdit)->accessibleName(), QStringLiteral("Interval"));
+    controls().SetDlgItemTextA(Window(), kLink, "Rate");
+    EXPECT_EQ(Widget(kNameEdit)->accessibleName(), QStringLiteral("Rate"));
+  });
 }
 
 WINDOW_TEST(LabelsTest, ANameFollowsTheLabel) {

@@ -1,5 +1,6 @@
 #include "app/platform/qt/tool_tips.h"
 
+#include <QAccessible>
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QToolTip>
@@ -126,6 +127,26 @@ TEST_F(ToolTipsTest, AWindowThatIsntThereHasNone) {
   EXPECT_FALSE(controls().ActivateToolTip(99, true));
   EXPECT_FALSE(controls().AddTool(99, kButton));
   EXPECT_FALSE(controls().EnableToolTips(99));
+}
+
+TEST_F(ToolTipsTest, AScreenReaderReadsThemAloud) {
+  recorder.tip = [](std::uint32_t id) { return "tip of " + std::to_string(id); };
+  recorder.onInit = [&](WindowHandle window) {
+    controls().CreateToolTip(window);
+    controls().AddTool(window, kButton);
+    controls().TabInsertItem(window, kTabs, "First");
+    controls().AddTabTool(window, kTabs, 0, "tip of the tab");
+  };
+  Run([&] {
+    const auto description = [](QAccessibleInterface* object) {
+      return object->text(QAccessible::Description).toStdString();
+    };
+    EXPECT_EQ(description(QAccessible::queryAccessibleInterface(Widget(kButton))),
+              "tip of " + std::to_string(kButton));
+    EXPECT_EQ(description(QAccessible::queryAccessibleInterface(Widget(kCheck))), "");
+    EXPECT_EQ(description(QAccessible::queryAccessibleInterface(Widget(kTabs))->child(0)),
+              "tip of the tab");
+  });
 }
 
 }  // namespace

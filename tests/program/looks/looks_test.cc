@@ -133,6 +133,7 @@ QAccessible::Role RoleOf(ControlKind kind) {
   using enum ControlKind;
   static const std::map<ControlKind, QAccessible::Role> roles = {
       {Link, QAccessible::Link},
+      {Picture, QAccessible::Graphic},
       {Edit, QAccessible::EditableText},
       {TextArea, QAccessible::EditableText},
       {CheckBox, QAccessible::CheckBox},
