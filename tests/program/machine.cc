@@ -66,14 +66,14 @@ void Walk(Display* display, Window window, const std::function<void(Window)>& vi
 
 }  // namespace
 
-XDesktop::XDesktop(bool withNotificationArea) {
+XDesktop::XDesktop(bool withNotificationArea, const std::string& windowManager) {
   if (server.Address().empty()) return;
   display = XOpenDisplay(Name().c_str());
   XSetErrorHandler(IgnoreError);
   if (!display) return;
   std::filesystem::create_directory(folder.In(".icewm"));
   if (!withNotificationArea) Put(folder.In(".icewm/preferences"), "ShowTaskBar=0\n");
-  manager = std::make_unique<Child>(std::vector<std::string>{"icewm"},
+  manager = std::make_unique<Child>(std::vector<std::string>{windowManager},
                                     ChildOptions{{{"DISPLAY", Name()},
                                                   {"HOME", folder.folder},
                                                   {"XDG_CONFIG_HOME", folder.In("config")}}});
@@ -288,6 +288,22 @@ void XDesktop::Type(const std::string& keys) {
     XSync(display, False);
     std::this_thread::sleep_for(30ms);
   }
+}
+
+std::vector<std::uint32_t> XDesktop::Pixels(int x, int y, int width, int height) {
+  std::vector<std::uint32_t> pixels;
+  XImage* const image =
+      XGetImage(display, DefaultRootWindow(display), x, y, static_cast<unsigned>(width),
+                static_cast<unsigned>(height), AllPlanes, ZPixmap);
+  if (!image) return pixels;
+  // The server has 24 bits in 32, in this machine's order.
+  for (int row = 0; row < height; ++row) {
+    const auto* const first =
+        reinterpret_cast<const std::uint32_t*>(image->data + row * image->bytes_per_line);
+    pixels.insert(pixels.end(), first, first + width);
+  }
+  XDestroyImage(image);
+  return pixels;
 }
 
 void XDesktop::Photograph(const std::string& file) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,8 +26,8 @@ struct XWindow {
 
 class XDesktop {
  public:
-  // Starts the server and a window manager, with its notification area if that is wanted.
-  explicit XDesktop(bool withNotificationArea);
+  // Starts the server and a window manager; a notification area, if that is wanted, is icewm's.
+  explicit XDesktop(bool withNotificationArea, const std::string& windowManager = "icewm");
   ~XDesktop();
   XDesktop(const XDesktop&) = delete;
   XDesktop& operator=(const XDesktop&) = delete;
@@ -69,6 +70,8 @@ class XDesktop {
   // Names of keys, parted by blanks: "Tab a Return"; "Alt_L+w" holds the first meanwhile.
   void Type(const std::string& keys);
 
+  // What is seen, row by row; of a place that isn't on the screen nothing.
+  std::vector<std::uint32_t> Pixels(int x, int y, int width, int height);
   // The whole screen, as a picture file; for a person to look at when a test fails.
   void Photograph(const std::string& file);
 

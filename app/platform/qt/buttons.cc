@@ -6,9 +6,9 @@
 #include <QRadioButton>
 #include <QSignalBlocker>
 #include <QStyleOptionButton>
-#include <QStyleOptionFocusRect>
 #include <QStylePainter>
 
+#include "app/platform/qt/focus.h"
 #include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/text.h"
 
@@ -23,6 +23,16 @@ class ButtonWidget : public QPushButton {
   }
 
  protected:
+  // Some styles draw one that has the focus as the one that Enter presses, and nothing more.
+  void paintEvent(QPaintEvent* event) override {
+    QPushButton::paintEvent(event);
+    if (!hasFocus()) return;
+    QStylePainter painter(this);
+    QStyleOptionButton button;
+    initStyleOption(&button);
+    DrawFocus(painter, *this,
+              style()->subElementRect(QStyle::SE_PushButtonFocusRect, &button, this));
+  }
   void focusInEvent(QFocusEvent* event) override {
     QPushButton::focusInEvent(event);
     host.FocusMoved();

@@ -2,12 +2,14 @@
 
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 #include <QRegularExpressionValidator>
 #include <QSignalBlocker>
 #include <algorithm>
 
+#include "app/platform/qt/focus.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
@@ -33,6 +35,26 @@ class TextAreaWidget : public QPlainTextEdit {
       default:
         QPlainTextEdit::keyPressEvent(event);
     }
+  }
+  // It has no cursor that would tell.
+  void paintEvent(QPaintEvent* event) override {
+    QPlainTextEdit::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(viewport());
+    DrawFocusFrame(painter, *this, viewport()->rect());
+  }
+  // The frame doesn't scroll.
+  void scrollContentsBy(int dx, int dy) override {
+    QPlainTextEdit::scrollContentsBy(dx, dy);
+    viewport()->update();
+  }
+  void focusInEvent(QFocusEvent* event) override {
+    QPlainTextEdit::focusInEvent(event);
+    viewport()->update();
+  }
+  void focusOutEvent(QFocusEvent* event) override {
+    QPlainTextEdit::focusOutEvent(event);
+    viewport()->update();
   }
 };
 

@@ -11,11 +11,11 @@
 #include <QPainter>
 #include <QShortcut>
 #include <QStyle>
-#include <QStyleOptionFocusRect>
 #include <QStyleOptionGroupBox>
 #include <QStylePainter>
 #include <functional>
 
+#include "app/platform/qt/focus.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
@@ -69,11 +69,7 @@ class LabelWidget : public QLabel {
     QPainter painter(this);
     style()->drawItemText(&painter, rect(), Flags(), palette(), isEnabled(), marked,
                           foregroundRole());
-    if (!hasFocus()) return;
-    QStyleOptionFocusRect option;
-    option.initFrom(this);
-    option.backgroundColor = palette().color(backgroundRole());
-    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    if (hasFocus()) DrawFocus(painter, *this, rect());
   }
 
   void mousePressEvent(QMouseEvent* event) override {

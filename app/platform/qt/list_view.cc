@@ -11,6 +11,7 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "app/platform/qt/focus.h"
 #include "app/platform/qt/text.h"
 #include "app/platform/qt/virtual_keys.h"
 
@@ -150,7 +151,16 @@ class ListView::Widget : public QTreeView {
   void paintEvent(QPaintEvent* event) override {
     QTreeView::paintEvent(event);
     PaintGrid();
+    if (hasFocus()) {
+      QPainter painter(viewport());
+      DrawFocusFrame(painter, *this, viewport()->rect());
+    }
     host.Notify(id, Notice::Painted);
+  }
+  // The frame of the focus doesn't scroll.
+  void scrollContentsBy(int dx, int dy) override {
+    QTreeView::scrollContentsBy(dx, dy);
+    viewport()->update();
   }
 
  private:

@@ -60,6 +60,14 @@ WINDOW_TEST(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
   EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
 }
 
+WINDOW_TEST(ButtonsTest, TheOneThatEnterPressesShowsTheFocus) {
+  Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
+  controls().SetControlFocus(Window(), kNameEdit);
+  const QImage without = Widget(kButton)->grab().toImage();
+  Widget(kButton)->setFocus(Qt::TabFocusReason);
+  EXPECT_NE(Widget(kButton)->grab().toImage(), without);
+}
+
 WINDOW_TEST(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
   controls().CheckDlgButton(Window(), kRadioA, true);
   EXPECT_TRUE(controls().CheckDlgButton(Window(), kRadioA, false));

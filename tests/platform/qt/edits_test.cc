@@ -15,6 +15,14 @@ class EditsTest : public QtTest {
   QLineEdit* Line(std::uint32_t id) const { return static_cast<QLineEdit*>(Widget(id)); }
 };
 
+WINDOW_TEST(EditsTest, ATextAreaShowsTheFocus) {
+  Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
+  controls().SetControlFocus(Window(), kNameEdit);
+  const QImage without = Widget(kArea)->grab().toImage();
+  Widget(kArea)->setFocus(Qt::TabFocusReason);
+  EXPECT_NE(Widget(kArea)->grab().toImage(), without);
+}
+
 WINDOW_TEST(EditsTest, ATextThatAScreenReaderPutsThereCounts) {
   controls().SetDlgItemTextA(Window(), kNameEdit, "before");
   EXPECT_TRUE(recorder.lines.empty()) << "the program's own doing is no news";

@@ -37,6 +37,14 @@ class ListViewTest : public QtTest {
   }
 };
 
+WINDOW_TEST(ListViewTest, AnEmptyOneShowsTheFocus) {
+  Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
+  controls().SetControlFocus(Window(), kNameEdit);
+  const QImage without = Widget(kSingleList)->grab().toImage();
+  Widget(kSingleList)->setFocus(Qt::TabFocusReason);
+  EXPECT_NE(Widget(kSingleList)->grab().toImage(), without);
+}
+
 WINDOW_TEST(ListViewTest, HoldsRowsOfTexts) {
   AddColumns();
   AddRows(2);
