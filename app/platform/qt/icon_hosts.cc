@@ -17,7 +17,7 @@
 namespace platform::qt {
 namespace {
 
-constexpr int kFirstAnswerWithin = 500;  // ms
+constexpr int kAnswerWithin = 500;  // ms
 // One that is busy answers when it can, and the bus does so for one that is gone.
 constexpr int kNoTimeLimit = std::numeric_limits<int>::max();
 
@@ -137,6 +137,7 @@ bool IconHosts::OnX() const { return onX && onX->there; }
 void IconHosts::WatchBus() {
   QDBusConnection bus = QDBusConnection::sessionBus();
   if (!bus.isConnected()) return;
+  watching = true;
   asking.setSingleShot(true);
   connect(&asking, &QTimer::timeout, this, [this, bus] {
     auto* const answer = new QDBusPendingCallWatcher(bus.asyncCall(Question(), kNoTimeLimit), this);
@@ -152,7 +153,12 @@ void IconHosts::WatchBus() {
   connect(owner, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { asking.start(); });
   for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
     bus.connect(kWatcher, kPath, kWatcher, QString::fromLatin1(signal), &asking, SLOT(start()));
-  Answered(bus.call(Question(), QDBus::Block, kFirstAnswerWithin));
+  AskBus();
+}
+
+void IconHosts::AskBus() {
+  const QDBusConnection bus = QDBusConnection::sessionBus();
+  if (watching) Answered(bus.call(Question(), QDBus::Block, kAnswerWithin));
 }
 
 void IconHosts::Answered(const QDBusMessage& answer) {

@@ -1,6 +1,6 @@
 // Whether somebody shows the icons that programs offer: on the session bus, as desktops of today
-// do, or on the X server, as they have since long. Looked at once and then watched: only the first
-// look waits, and shortly. User interface's thread.
+// do, or on the X server, as they have since long. Looked at once and then watched. User
+// interface's thread.
 #pragma once
 
 #include <QDBusMessage>
@@ -19,6 +19,8 @@ class IconHosts : public QObject {
 
   bool OnBus() const { return onBus; }
   bool OnX() const;
+  // Asks the bus once more, and waits shortly: one that has just come may not have been heard of.
+  void AskBus();
 
  private:
   class OnXServer;
@@ -26,7 +28,8 @@ class IconHosts : public QObject {
   void Answered(const QDBusMessage& answer);
 
   const std::function<void()> changed;
-  QTimer asking;  // runs out as soon as there is time to ask the bus
+  QTimer asking;          // runs out as soon as there is time to ask the bus
+  bool watching = false;  // there is a bus
   bool onBus = false;
   std::unique_ptr<OnXServer> onX;  // null without such a server
 };

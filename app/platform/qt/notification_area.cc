@@ -58,9 +58,11 @@ bool NotificationArea::Lacks(WindowHandle window) const {
 // Qt settles on a way to show icons when it is first asked, and for good. So it isn't asked before
 // there is one.
 void NotificationArea::Look() {
-  if (way == Way::NotKnown && (hosts->OnBus() || hosts->OnX()) &&
-      QSystemTrayIcon::isSystemTrayAvailable())
-    way = hosts->OnBus() ? Way::Bus : Way::X;
+  if (way == Way::NotKnown && (hosts->OnBus() || hosts->OnX())) {
+    // It prefers the bus, where a panel that shows icons by both ways may be a moment later.
+    hosts->AskBus();
+    if (QSystemTrayIcon::isSystemTrayAvailable()) way = hosts->OnBus() ? Way::Bus : Way::X;
+  }
   const bool now = way == Way::Bus ? hosts->OnBus() : way == Way::X && hosts->OnX();
   if (now == there) return;
   there = now;

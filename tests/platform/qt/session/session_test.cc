@@ -1,6 +1,8 @@
 // On an X server with a session bus, both of the test's own.
 #include <QDBusConnection>
 #include <QProcess>
+#include <cstdlib>
+#include <string_view>
 
 #include <QtGui/qguiapplication_platform.h>
 #include "notification_host.h"
@@ -14,6 +16,45 @@ namespace {
 constexpr std::uint32_t kCallback = 0x8000;
 
 constexpr int kSoon = 20000;  // ms
+
+// A notification area on the X server, which shows nothing of what is docked.
+class XArea {
+ public:
+  XArea() : connection(xcb_connect(nullptr, nullptr)) {
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const xcb_window_t window = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, root, 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    const xcb_atom_t selection = Atom("_NET_SYSTEM_TRAY_S0");
+    xcb_set_selection_owner(connection, window, selection, XCB_CURRENT_TIME);
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = root;
+    event.type = Atom("MANAGER");
+    event.data.data32[1] = selection;
+    event.data.data32[2] = window;
+    xcb_send_event(connection, 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+    Atom("a round trip");
+  }
+  ~XArea() { xcb_disconnect(connection); }
+  XArea(const XArea&) = delete;
+  XArea& operator=(const XArea&) = delete;
+
+ private:
+  xcb_atom_t Atom(std::string_view name) const {
+    auto* const reply = xcb_intern_atom_reply(
+        connection,
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+        nullptr);
+    const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    std::free(reply);
+    return atom;
+  }
+
+  xcb_connection_t* const connection;
+};
 
 class SessionTest : public QtTest {
  protected:
@@ -86,6 +127,21 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, icon));
+  });
+}
+
+// The bus's answer is still under way when the X server tells of its area.
+TEST_F(SessionTest, WhereAPanelShowsIconsByBothWaysItIsTheBusThatCounts) {
+  Run([&] {
+    EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
+    Settle();
+    NotificationHost host;
+    const XArea area;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
+    recorder.lines.clear();
+    host.Click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}));
   });
 }
 
