@@ -155,8 +155,11 @@ TEST_F(ProgramTest, TheConsoleTakesTheUsersProfilesWhereEachUserHasAFolder) {
 
 class DisplayTest : public ProgramTest {
  protected:
-  explicit DisplayTest(bool withNotificationArea = true) : desktop(withNotificationArea) {}
-  void SetUp() override { SKIP_UNLESS(desktop.Works(), "xvfb", "Xvfb and icewm can't be started"); }
+  explicit DisplayTest(bool withNotificationArea = true, const char* windowManager = "icewm")
+      : desktop(withNotificationArea, windowManager) {}
+  void SetUp() override {
+    SKIP_UNLESS(desktop.Works(), "xvfb", "Xvfb and the window manager can't be started");
+  }
   void TearDown() override {
     if (HasFailure() && desktop.Works()) desktop.Photograph("/tmp/kelvaro-failed-test.png");
   }
@@ -456,6 +459,33 @@ TEST_F(AnotherUserTest, HasTheExamplesAsTheyAreAndOneThatIsDeletedIsNotThereAtTh
   EXPECT_EQ(ProfilesIn(own), left);
   EXPECT_EQ(ProfilesIn(installed + "/Profiles"), shipped);
   ExpectEndsInOrder(*program);
+}
+
+// Its frames have other borders, and it shows no icons.
+class OpenboxTest : public DisplayTest {
+ protected:
+  OpenboxTest() : DisplayTest(false, "openbox") {}
+};
+
+TEST_F(OpenboxTest, ThePlaceIsRememberedAndAMinimisedWindowStays) {
+  auto program = Begin();
+  const XWindow first = Window();
+  desktop.Move(first.id, 40, 60);
+  XWindow moved;
+  ASSERT_TRUE(Eventually([&] {
+    moved = Window();
+    return moved.id != 0 && moved.x < first.x && moved.y < first.y;
+  }));
+  desktop.CloseWindow(first.id);
+  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  program = Run({{"DISPLAY", desktop.Name()}});
+  EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
+      << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;
+  CloseBox();
+  const unsigned long window = Window().id;
+  desktop.Minimise(window);
+  EXPECT_TRUE(Eventually([&] { return desktop.Iconic(window); }));
+  EXPECT_TRUE(desktop.Listed(window)) << "nothing could bring it back";
 }
 
 // Without a notification area nothing could bring a hidden window back.
