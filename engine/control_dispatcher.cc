@@ -1,16 +1,8 @@
 #include "engine/control_engine.h"
+#include "engine/precedence.h"
 
 namespace kelvaro {
 namespace {
-
-// Whether all inputs of `inner` are among those of `outer`, in any direction.
-bool IsContained(const Control& inner, const Control& outer) {
-  if ((inner.buttonMask & ~outer.buttonMask) != 0) return false;
-  for (const TriggerItem& item : inner.triggerItems) {
-    if (!outer.UsesInput(item)) return false;
-  }
-  return true;
-}
 
 // Null when none of them contains it.
 const Control* ContainerOf(const Control& control, const LinkedList<const Control*>& fired) {
@@ -59,7 +51,7 @@ void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>
   // A Control neither starts nor ends while the mouse has its inputs, or an active Control contains
   // them: triggerDown stays. Of two Controls with the same inputs the first in the DispatchList
   // wins: Profile::RebuildDispatchList settles which one that is.
-  if (MouseIsOn() && UsesMouseInput(*control)) return Tell(*control, Verdict::MouseHasIt);
+  if (MouseIsOn() && UsesMouseInput(profile, *control)) return Tell(*control, Verdict::MouseHasIt);
   if (const Control* container = ContainerOf(*control, *fired)) {
     return Tell(*control, Verdict::Contained, container);
   }
@@ -96,12 +88,6 @@ void ControlEngine::FireControl(Control* control) {
     mouseActive = !mouseActive;
     if (observer) observer->MouseSwitched(mouseActive);
   }
-}
-
-bool ControlEngine::UsesMouseInput(const Control& control) const {
-  return control.triggerItems.count != 0 &&
-         (control.UsesInput(profile.mouseX) || control.UsesInput(profile.mouseY) ||
-          control.UsesInput(profile.mouseWheel));
 }
 
 }  // namespace kelvaro

@@ -7,11 +7,6 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::int32_t kSliderEnd = 50;
-
-// A slider has no position that makes the pointer stand still: the factor starts at 2.
-constexpr std::int32_t kFactorOffset = 2;
-
 constexpr struct {
   std::uint32_t id;
   Relaxed<std::int32_t> MouseSettings::*position;
@@ -49,12 +44,12 @@ void ControlEngine::SetObserver(DispatchObserver* listener) {
 }
 
 void ControlEngine::ApplyMouseSlider(std::uint32_t sliderId, std::int32_t position) {
-  position = std::clamp(position, std::int32_t{0}, kSliderEnd);
+  position = std::clamp(position, std::int32_t{0}, kMouseSliderEnd);
   for (const auto& slider : kSliders) {
     if (slider.id != sliderId) continue;
     profile.*slider.position = position;
     this->*slider.derived =
-        slider.isDamper ? MouseDeadZone(position, device.axisMax) : position + kFactorOffset;
+        slider.isDamper ? MouseDeadZone(position, device.axisMax) : MouseFactor(position);
   }
   MouseChanged();
 }

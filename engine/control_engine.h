@@ -115,7 +115,6 @@ class ControlEngine {
   void EndControls();  // all that are down, and the repeat
   void LiftMouseButtons();
   void FireControl(Control* control);
-  bool UsesMouseInput(const Control& control) const;
   void Tell(const Control& control, Verdict verdict, const Control* container = nullptr) {
     if (observer) observer->ControlJudged(control, verdict, container);
   }

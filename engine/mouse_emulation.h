@@ -15,7 +15,13 @@ struct MouseCurve {
   double gain = 1.0;          // weight of the square
 };
 
-// For a dead zone and a factor (slider position plus 2) as ControlEngine holds them.
+constexpr std::int32_t kMouseSliderEnd = 50;  // of each of the four sliders; they begin at 0
+
+// The factor of a sensitivity: the slider's position plus 2, so that none makes the pointer stand
+// still.
+constexpr std::int32_t MouseFactor(std::int32_t position) { return position + 2; }
+
+// For a dead zone and a factor as ControlEngine holds them.
 MouseCurve MakeMouseCurve(std::int32_t axisMax, std::int32_t deadZone, std::int32_t factor);
 
 // The dead zone of a damper at `position` percent. 5 gives 1599 of 32000, not 1600: the hundredth
