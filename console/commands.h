@@ -72,6 +72,14 @@ struct CheckOptions {
 };
 int CheckCommand(const CheckOptions& options, Streams streams);
 
+struct ConflictsOptions {
+  std::string profile;  // file or stored name
+  bool json = false;
+  bool dot = false;
+  bool svg = false;
+};
+int ConflictsCommand(const ConflictsOptions& options, Streams streams);
+
 struct DevicesOptions {
   bool json = false;
 };

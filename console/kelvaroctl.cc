@@ -49,6 +49,7 @@ struct Choice {
   PackOptions pack;
   ImportOptions import;
   CheckOptions check;
+  ConflictsOptions conflicts;
   DevicesOptions devices;
   DoctorOptions doctor;
   WatchOptions watch;
@@ -211,6 +212,31 @@ void AddCheck(CLI::App& app, Choice& choice) {
   check->add_option("FILE|NAME", choice.check.profiles, kProfileHelp)->required();
   check->add_flag("--json", choice.check.json, kJsonHelp);
   Choose(check, choice, choice.check, &CheckCommand);
+}
+
+void AddConflicts(CLI::App& app, Choice& choice) {
+  CLI::App* conflicts =
+      app.add_subcommand("conflicts", "Say which Controls of a profile are in one another's way");
+  conflicts->footer(
+      "A Control whose inputs another one has as well is silent while that one is active; what "
+      "comes of it depends on which inputs are pressed first. Also said: what the mouse controls "
+      "take away, which Controls stop repeating when another one begins, and which can never fire. "
+      "The engine is asked about each two of them, with nobody else there.\n"
+      "With --json a line for each Control, in the order in which the engine goes through them: "
+      "controlId, description, inputs, silences and silencedBy (controlId, and atOnce, first and "
+      "last: fires, late, silent, rests, or null where there is no such order), mouseTakes, "
+      "repeatGoesTo and neverFires.\n"
+      "In the graphs a line leads from a Control to one that it keeps silent, a heavy one where "
+      "that one doesn't fire when it is pressed first either; and a broken one to the Control to "
+      "which it loses its repeat. Those that take it from one another are marked \"repeats\".");
+  conflicts->add_option("FILE|NAME", choice.conflicts.profile, kProfileHelp)->required();
+  auto* json = conflicts->add_flag("--json", choice.conflicts.json, kJsonHelp);
+  auto* dot =
+      conflicts->add_flag("--dot", choice.conflicts.dot, "print a graph for Graphviz and its like");
+  auto* svg = conflicts->add_flag("--svg", choice.conflicts.svg, "print a picture");
+  json->excludes(dot)->excludes(svg);
+  dot->excludes(svg);
+  Choose(conflicts, choice, choice.conflicts, &ConflictsCommand);
 }
 
 void AddDevices(CLI::App& app, Choice& choice) {
@@ -387,6 +413,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddPack(app, choice);
   AddImport(app, choice);
   AddCheck(app, choice);
+  AddConflicts(app, choice);
   AddDevices(app, choice);
   AddDoctor(app, choice);
   AddWatch(app, choice);

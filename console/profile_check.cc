@@ -6,13 +6,13 @@
 #include <tuple>
 
 #include "app/platform/linux/key_map.h"
-#include "app/platform/recording/recording.h"
 #include "console/event_line.h"
+#include "console/fitting_states.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
 #include "console/terminal_text.h"
-#include "device/device_manager.h"
 #include "engine/input_text.h"
+#include "engine/precedence.h"
 #include "keys/key_action.h"
 
 namespace kelvaro::console {
@@ -38,56 +38,27 @@ Inputs InputsOf(const Trigger& trigger) {
   return {trigger.activateOnPress != 0, trigger.buttonMask, items};
 }
 
-// The eight ways in which a hat can point.
-constexpr std::uint8_t kHatDirections[] = {PovUp,   PovUp | PovRight,  PovRight, PovDown | PovRight,
-                                           PovDown, PovDown | PovLeft, PovLeft,  PovUp | PovLeft};
-
-// A direction of that hat that all items on it accept; 0 for none.
-std::uint8_t DirectionFor(const Trigger& trigger, std::uint16_t hat) {
-  for (const std::uint8_t direction : kHatDirections) {
-    bool fits = true;
-    for (const TriggerItem& item : trigger.triggerItems) {
-      if (item.kind == input_kind::kPov && item.index == hat) fits &= (item.value & direction) != 0;
-    }
-    if (fits) return direction;
-  }
-  return 0;
-}
-
-// Whether it fires when its inputs are as it wants them, as far as a pad can have them so; the
-// engine is asked.
+// Whether it fires when its inputs are as it wants them, as far as a pad can have them so.
 bool CanFire(const Control& control) {
-  DeviceSnapshot snapshot;
-  snapshot.dispatchButtons = control.buttonMask;
-  for (std::uint16_t hat = 0; hat < kHats; ++hat) {
-    snapshot.povDirections[hat] = DirectionFor(control, hat);
-  }
-  for (const TriggerItem& item : control.triggerItems) {
-    if (item.kind > input_kind::kSliderB || item.index >= kBanks) continue;
-    *platform::AxisField(&snapshot.state, {item.kind, item.index}) =
-        (item.value & 0xFF) == AxisNeg ? DeviceManager::axisMin : DeviceManager::axisMax;
-  }
-  Control probe;
-  probe.CopyTrigger(control);
-  // One that fires when let go is armed first.
-  return probe.EvaluateTrigger(DeviceManager::axisMax, snapshot) ||
-         probe.EvaluateTrigger(DeviceManager::axisMax, snapshot);
+  const auto isHeld = [&](const DIJOYSTATE2& state) { return IsHeld(control, state); };
+  return FindState({&control}, isHeld).has_value();
 }
 
 // What the mouse controls have of its inputs; "" for nothing.
 std::string MouseInputOf(const MouseSettings& mouse, const Control& control) {
-  for (const MouseRoleInput& input : kMouseRoles) {
-    ByteString text;
-    if (input.axis) {
-      const TriggerItem axis = mouse.*input.axis;
-      if (control.UsesInput(axis)) InputText({axis.kind, axis.index, 0}, &text, false);
-    } else {
-      // The mask of the 32nd button, and one of several, work otherwise (MouseButtonStep).
-      const std::uint64_t mask = mouse.*input.mask;
-      const bool isOne = CountButtons(mask) == 1 && mask < std::uint64_t{1} << 31;
-      if (isOne && (control.buttonMask & mask) != 0) ButtonsText(mask, &text);
-    }
+  ByteString text;
+  for (const TriggerItem& item : control.triggerItems) {
+    if (!IsMouseInput(mouse, item)) continue;
+    InputText({item.kind, item.index, 0}, &text, false);
     if (!text.IsEmpty()) return Bytes(text);
+  }
+  for (const MouseRoleInput& input : kMouseRoles) {
+    // The mask of the 32nd button, and one of several, work otherwise (MouseButtonStep).
+    const std::uint64_t mask = input.mask ? static_cast<std::uint64_t>(mouse.*input.mask) : 0;
+    const bool isOne = CountButtons(mask) == 1 && mask < std::uint64_t{1} << 31;
+    if (!isOne || (control.buttonMask & mask) == 0) continue;
+    ButtonsText(mask, &text);
+    return Bytes(text);
   }
   return "";
 }
@@ -148,7 +119,8 @@ void FindOtherFile(const std::string& bytes, const std::string& path, const Prof
 
 }  // namespace
 
-void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings) {
+std::vector<UnfitControl> ControlsThatNeverFire(const Profile& profile) {
+  std::vector<UnfitControl> unfit;
   std::map<Inputs, const Control*> before;
   for (const Control& control : profile.DispatchList) {
     std::string why = WhyUnfit(profile, control);
@@ -156,7 +128,14 @@ void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* fin
       const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
       if (!isFirst) why = "it has the same inputs as " + ControlName(*first->second);
     }
-    if (!why.empty()) findings->push_back({Finding::Kind::NeverFires, ControlName(control), why});
+    if (!why.empty()) unfit.push_back({&control, why});
+  }
+  return unfit;
+}
+
+void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings) {
+  for (const UnfitControl& unfit : ControlsThatNeverFire(profile)) {
+    findings->push_back({Finding::Kind::NeverFires, ControlName(*unfit.control), unfit.why});
   }
 }
 

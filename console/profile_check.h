@@ -65,9 +65,17 @@ using Typing = std::function<std::string(std::uint16_t code, bool shift)>;
 ProfileReport CheckProfile(const std::string& bytes, const std::string& name,
                            const Typing& types = nullptr);
 
-// Appends the Controls that can't fire, in dispatch order. No state of a pad fits its inputs; or
-// the mouse controls, always on, have one of them; or another with the same inputs, to the same
-// sides, comes before it and fires at the same moments. `profile` has a DispatchList.
+struct UnfitControl {
+  const Control* control;  // of the DispatchList
+  std::string why;         // in words
+};
+
+// The Controls that can't fire, in dispatch order. No state of a pad fits its inputs; or the mouse
+// controls, always on, have one of them; or another with the same inputs, to the same sides, comes
+// before it and fires at the same moments. `profile` has a DispatchList.
+std::vector<UnfitControl> ControlsThatNeverFire(const Profile& profile);
+
+// Appends a finding for each of these.
 void FindControlsThatNeverFire(const Profile& profile, std::vector<Finding>* findings);
 
 // Appends the Controls with characters that come out as others, a finding each.

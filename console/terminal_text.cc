@@ -1,5 +1,7 @@
 #include "console/terminal_text.h"
 
+#include <algorithm>
+
 #include "app/platform/byte_text.h"
 #include "console/json_text.h"
 
@@ -12,6 +14,8 @@ bool IsControl(const char* bytes, std::size_t length) {
   // U+0080 to U+009F: the same orders in one byte less.
   return length == 2 && first == 0xC2 && static_cast<unsigned char>(bytes[1]) < 0xA0;
 }
+
+bool BeginsCharacter(char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }
 
 }  // namespace
 
@@ -32,9 +36,14 @@ std::string TerminalText(const std::string& text) {
 std::string TerminalText(const ByteString& text) { return TerminalText(Bytes(text)); }
 
 std::size_t Characters(const std::string& text) {
+  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
+}
+
+std::string FirstCharacters(const std::string& text, std::size_t most) {
   std::size_t count = 0;
-  for (const char c : text) count += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  return count;
+  const auto end = std::find_if(text.begin(), text.end(),
+                                [&](char c) { return BeginsCharacter(c) && count++ == most; });
+  return {text.begin(), end};
 }
 
 }  // namespace kelvaro::console

@@ -14,4 +14,7 @@ std::string TerminalText(const ByteString& text);
 // Of a text on one line: its characters, combining ones and wide ones as one each.
 std::size_t Characters(const std::string& text);
 
+// The text up to that many of its characters.
+std::string FirstCharacters(const std::string& text, std::size_t most);
+
 }  // namespace kelvaro::console

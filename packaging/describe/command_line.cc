@@ -44,6 +44,7 @@ constexpr Known kKnown[] = {
     {"kelvaroctl import", "--axes", Kind::Text},
     {"kelvaroctl import", "--pad", Kind::Text},
     {"kelvaroctl check", "FILE|NAME", Kind::ProfileOrFile},
+    {"kelvaroctl conflicts", "FILE|NAME", Kind::ProfileOrFile},
     {"kelvaroctl doctor", "--report", Kind::File},
     {"kelvaroctl doctor", "--profile", Kind::ProfileOrFile},
     {"kelvaroctl watch", "NAME", Kind::Pad},

@@ -29,5 +29,14 @@ TEST(Characters, AreNotBytes) {
   EXPECT_EQ(Characters("F\xC3\xBCr \xE2\x82\xAC"), 5U);
 }
 
+TEST(Characters, AreCutAtTheirBounds) {
+  const std::string text = "F\xC3\xBCr \xE2\x82\xAC";
+  EXPECT_EQ(FirstCharacters(text, 0), "");
+  EXPECT_EQ(FirstCharacters(text, 2), "F\xC3\xBC");
+  EXPECT_EQ(FirstCharacters(text, 4), "F\xC3\xBCr ");
+  EXPECT_EQ(FirstCharacters(text, 5), text);
+  EXPECT_EQ(FirstCharacters(text, 6), text);
+}
+
 }  // namespace
 }  // namespace kelvaro::console
