@@ -14,7 +14,8 @@ constexpr std::uint32_t kPollInterval = 5;  // ms
 
 bool DeviceWatch::Begin(const std::optional<std::string>& name, Visit visitor, std::string* error) {
   visit = std::move(visitor);
-  manager.SetPollInterval(kPollInterval);
+  manager.SetPollInterval(eachReport ? manager.TimerMin() : kPollInterval);
+  manager.SetAnswerAtOnce(eachReport);
   manager.SetChangeCallback(OnChange, this);
   manager.EnableChangeCallback();
   begin = platform::clock().GetTickCount();
@@ -23,9 +24,21 @@ bool DeviceWatch::Begin(const std::optional<std::string>& name, Visit visitor, s
   return SelectChosenDevice(&manager, choice, error);
 }
 
+std::uint64_t DeviceWatch::Elapsed() const { return platform::clock().GetTickCount() - begin; }
+
+platform::DeviceDescription DeviceWatch::Description() const {
+  platform::DeviceDescription device;
+  device.name = Bytes(manager.SelectedName());
+  device.guid = manager.SelectedGuid();
+  device.buttons = manager.DeviceCaps().dwButtons;
+  device.axes = manager.DeviceCaps().dwAxes;
+  device.povs = manager.DeviceCaps().dwPOVs;
+  return device;
+}
+
 void DeviceWatch::OnChange(DeviceManager*, const platform::DIJOYSTATE2* state, void* self) {
   auto* watch = static_cast<DeviceWatch*>(self);
-  watch->visit(platform::clock().GetTickCount() - watch->begin, *state);
+  watch->visit(watch->Elapsed(), *state);
 }
 
 }  // namespace kelvaro::console

@@ -35,20 +35,13 @@ int RecordCommand(const RecordOptions& options, Streams streams) {
   DeviceWatch watch;  // behind what its thread uses, so that it ends first
   std::string error;
   if (!watch.Begin(options.device, note, &error)) return Complain(streams.err, error);
+  const platform::DeviceDescription device = watch.Description();
   {
-    const DeviceManager& manager = watch.Manager();
-    platform::DeviceDescription device;
-    device.name = Bytes(manager.SelectedName());
-    device.guid = manager.SelectedGuid();
-    device.buttons = manager.DeviceCaps().dwButtons;
-    device.axes = manager.DeviceCaps().dwAxes;
-    device.povs = manager.DeviceCaps().dwPOVs;
     const std::lock_guard<std::mutex> whole(outMutex);
     streams.out << platform::RecordingHeaderLine(device) << '\n' << pending << std::flush;
     headerWritten = true;
   }
-  streams.err << "Recording '" << Bytes(watch.Manager().SelectedName()) << "'; Ctrl-C ends it."
-              << std::endl;
+  streams.err << "Recording '" << device.name << "'; Ctrl-C ends it." << std::endl;
   signals.Wait(options.until);
   return kDone;
 }

@@ -45,8 +45,7 @@ int WatchCommand(const WatchOptions& options, Streams streams) {
   DeviceWatch watch;  // behind what its thread uses, so that it ends first
   std::string error;
   if (!watch.Begin(options.device, show, &error)) return Complain(streams.err, error);
-  streams.err << "Watching '" << Bytes(watch.Manager().SelectedName()) << "'; Ctrl-C ends it."
-              << std::endl;
+  streams.err << "Watching '" << watch.Description().name << "'; Ctrl-C ends it." << std::endl;
   signals.Wait(options.until);
   return kDone;
 }
