@@ -105,6 +105,15 @@ struct RecordOptions {
 };
 int RecordCommand(const RecordOptions& options, Streams streams);
 
+struct TuneOptions {
+  std::optional<std::string> device;
+  std::optional<std::string> replay;   // file of a recording
+  std::optional<std::string> profile;  // file or stored name, to be changed
+  bool yes = false;
+  bool json = false;
+};
+int TuneCommand(const TuneOptions& options, Streams streams);
+
 struct RunOptions {
   std::string profile;  // file or stored name
   bool simulate = false;

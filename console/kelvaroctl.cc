@@ -54,6 +54,7 @@ struct Choice {
   DoctorOptions doctor;
   WatchOptions watch;
   RecordOptions record;
+  TuneOptions tune;
   RunOptions run;
   RunOptions explain;
   RunOptions test;
@@ -288,6 +289,38 @@ void AddRecord(CLI::App& app, Choice& choice) {
   Choose(record, choice, choice.record, &RecordCommand);
 }
 
+void AddTune(CLI::App& app, Choice& choice) {
+  CLI::App* tune =
+      app.add_subcommand("tune", "Watch a pad for a minute and say which mouse settings fit it");
+  tune->footer(
+      "Says what to do: 10 seconds of rest, 30 in which you turn the sticks, 20 in which you press "
+      "the buttons. It shows of each axis where it rests, its noise in a second, its drift from "
+      "second to second, how far it goes, and the damper that keeps it still; how often each "
+      "button was pressed, and how often reports come. It names axes that rest off their centre "
+      "and buttons that bounce. The damper that it proposes holds what the sticks do at rest, with "
+      "a quarter to spare; the sensitivity moves the pointer at the end that each stick reaches as "
+      "fast as the present one does at a full end.\n"
+      "With --apply that is for the axes that the profile uses, and is written into it once you "
+      "say yes. Otherwise it is for all sticks.\n"
+      "A recording by `kelvaroctl record --until 60000` that keeps to the same seconds will do in "
+      "place of a pad; it tells of reports each 5 ms at the most.\n"
+      "With --json lines with a topic: pad (name, buttons, axes; interval, in ms, or null), axis "
+      "(axis, rest, noise, drift, furthest, returned, from, to, damper; from -32000 to 32000), "
+      "button (button, presses, bounces), note (what), proposal (setting, value, was, lack), "
+      "written (file).");
+  auto* device = tune->add_option("NAME", choice.tune.device,
+                                  "the pad's name or its beginning; needless with only one");
+  tune->add_option("--replay", choice.tune.replay, "a recording in place of a pad")
+      ->type_name("FILE")
+      ->excludes(device);
+  auto* apply = tune->add_option("--apply", choice.tune.profile,
+                                 "write what is proposed into this stored profile")
+                    ->type_name("FILE|NAME");
+  tune->add_flag("--yes", choice.tune.yes, "write it without asking")->needs(apply);
+  tune->add_flag("--json", choice.tune.json, kJsonHelp);
+  Choose(tune, choice, choice.tune, &TuneCommand);
+}
+
 // What all commands that run the engine have; gives the option for a recording.
 CLI::Option* AddRunOptions(CLI::App* command, RunOptions* options, const char* jsonHelp) {
   command->add_option("FILE|NAME", options->profile, kProfileHelp)->required();
@@ -418,6 +451,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddDoctor(app, choice);
   AddWatch(app, choice);
   AddRecord(app, choice);
+  AddTune(app, choice);
   AddRun(app, choice);
   AddExplain(app, choice);
   AddTest(app, choice);

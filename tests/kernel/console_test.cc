@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <map>
 
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
@@ -393,6 +394,70 @@ TEST(Commands, RecordWritesWhatHappensWithItsTimes) {
   const std::vector<Json::Value> sent = JsonLines(replay.out);
   ASSERT_EQ(sent.size(), 2U) << replay.out;
   EXPECT_EQ(sent[0]["vk"].asInt(), 'A');
+}
+
+// Whether the child comes to say this on its standard error.
+bool Says(const Child& child, const std::string& text) {
+  return Eventually([&] { return child.Err().find(text) != std::string::npos; }, 60000);
+}
+
+TEST(Commands, TuneWatchesAPadForAMinute) {
+  UinputPad pad(OrdinaryPad("Tuned Pad"));
+  Child tune({KelvaroctlPath(), "tune", "--json", "Tuned"});
+  ASSERT_TRUE(Says(tune, "Put the pad down")) << tune.Err();
+  pad.Move(ABS_X, 2000);
+  ASSERT_TRUE(Says(tune, "Turn each stick")) << tune.Err();
+  for (const unsigned int axis : {ABS_X, ABS_Y}) {
+    pad.Move(axis, 32000);
+    WaitMs(100);
+    pad.Move(axis, -32000);
+    WaitMs(100);
+    pad.Move(axis, 2000);
+    WaitMs(100);
+  }
+  for (int i = 0; i < 30; ++i) {
+    pad.Move(ABS_X, 2000 + 100 * (i % 2));
+    WaitMs(8);
+  }
+  ASSERT_TRUE(Says(tune, "Press each button")) << tune.Err();
+  EXPECT_NE(tune.Err().find("2 axes moved, 0 buttons pressed"), std::string::npos) << tune.Err();
+  for (const int pause : {10, 200}) {  // the first one is no finger's
+    pad.Press(2);
+    WaitMs(100);
+    pad.Release(2);
+    WaitMs(pause);
+  }
+  ASSERT_EQ(tune.WaitForEnd(60s), 0) << tune.Err();
+
+  std::map<std::string, std::vector<Json::Value>> told;
+  for (const Json::Value& line : JsonLines(tune.Out())) {
+    told[line["topic"].asString()].push_back(line);
+  }
+  ASSERT_EQ(told["pad"].size(), 1U) << tune.Out();
+  EXPECT_EQ(told["pad"][0]["name"].asString(), "Tuned Pad");
+  EXPECT_NEAR(told["pad"][0]["interval"].asDouble(), 8, 2);
+  ASSERT_EQ(told["axis"].size(), 2U) << tune.Out();
+  const Json::Value& x = told["axis"][0];
+  EXPECT_EQ(x["axis"].asString(), "Axis_X0");
+  EXPECT_EQ(x["rest"].asInt(), 2000);
+  EXPECT_EQ(x["from"].asInt(), -32000);
+  EXPECT_EQ(x["to"].asInt(), 32000);
+  ASSERT_EQ(told["button"].size(), 1U) << tune.Out();
+  EXPECT_EQ(told["button"][0]["button"].asInt(), 3);
+  EXPECT_EQ(told["button"][0]["presses"].asInt(), 2);
+  EXPECT_EQ(told["button"][0]["bounces"].asInt(), 1);
+  // X rests at 2000, and it came back to 2100: 2625 take 9 percent, which hold 2879.
+  ASSERT_EQ(told["proposal"].size(), 2U) << tune.Out();
+  EXPECT_EQ(told["proposal"][0]["value"].asInt(), 9);
+}
+
+TEST(Commands, TuneThatIsBrokenOffProposesNothing) {
+  UinputPad pad(OrdinaryPad("Tuned Pad"));
+  Child tune({KelvaroctlPath(), "tune"});
+  ASSERT_TRUE(Says(tune, "Put the pad down")) << tune.Err();
+  tune.Signal(SIGINT);
+  EXPECT_EQ(tune.WaitForEnd(5s), 128 + SIGINT) << tune.Err();
+  EXPECT_EQ(tune.Out(), "");
 }
 
 TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {
