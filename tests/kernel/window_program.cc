@@ -54,10 +54,6 @@ void WindowProgram::AddProfile(const std::string& name, const std::string& json)
   Set("Last Profile", name);
 }
 
-void WindowProgram::AddExample(const std::string& name) const {
-  fs::copy_file(std::string(KELVARO_STORED_EXAMPLES "/") + name + ".idprof", ProfilePath(name));
-}
-
 void WindowProgram::Set(const std::string& name, std::uint32_t value) const {
   Check(tests::StoredSettings(home).Set(name, value), name);
 }

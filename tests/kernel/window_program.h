@@ -21,8 +21,6 @@ class WindowProgram {
 
   // Packs `json`, a profile that calls itself `name`, and has the program open it at its start.
   void AddProfile(const std::string& name, const std::string& json) const;
-  // The example profile of that name, as it comes with the program.
-  void AddExample(const std::string& name) const;
   std::string ProfilePath(const std::string& name) const;
 
   // A setting under its name. Before the start.

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -238,7 +239,8 @@ TEST_F(WindowOnScreen, ControlMadeByHandSendsItsKeyToTheKernel) {
 
 // What a person does whose pad is there at the first start.
 TEST_F(WindowOnScreen, AnExampleOfTheFirstStartPlaysOnceItsDeviceIsChosen) {
-  program.AddExample("Platformer");
+  std::filesystem::copy_file(KELVARO_STORED_EXAMPLES "/Platformer.idprof",
+                             program.ProfilePath("Platformer"));
   program.Set("Welcome Display", 0);
   const auto pad = PlugIn();
   child = program.Start(desktop.Name());
