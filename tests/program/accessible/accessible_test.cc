@@ -227,7 +227,7 @@ TEST_F(AccessibleTest, AControlIsMadeAndChangedByAScreenReaderAlone) {
   Press(made, "OK");
   AwaitEnd("dialog", "Define Control");
   const std::string whole = Console({"show", "Desktop", "--json"});
-  for (const char* text : {"\"Reload & wait\"", "r<P:50>e", "30"})
+  for (const char* text : {"\"Reload & wait\"", "r<P:50>e", "\"keyHoldTime\":30"})
     EXPECT_NE(whole.find(text), std::string::npos) << text << " in\n" << whole;
 
   // Found in the list, chosen there and edited.
@@ -249,7 +249,7 @@ TEST_F(AccessibleTest, AControlIsMadeAndChangedByAScreenReaderAlone) {
   EXPECT_EQ(changed.find("Reload & wait"), std::string::npos) << changed;
 }
 
-TEST_F(AccessibleTest, AValueIsSetAndARowChosenByAScreenReaderAlone) {
+TEST_F(AccessibleTest, ASliderIsMovedByAScreenReaderAlone) {
   BeginQuietly();
   const Accessible mouse = Open("Mouse");
   const Accessible* const slider = mouse.Find("slider", "Movement Sensitivity");
