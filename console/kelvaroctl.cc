@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <optional>
 
 #include "app/platform/byte_text.h"
 #include "console/called_command.h"
@@ -476,19 +477,11 @@ std::string SurplusWords(const CLI::App& app) {
   return "there are more words than it takes:" + words;
 }
 
-}  // namespace
-
-void DescribeKelvaroctl(const std::function<void(const CLI::App&)>& look) {
-  Choice choice;
+// Fills *choice with the command and its options. Otherwise all is said, and the result is the exit
+// status.
+std::optional<int> Parse(const std::vector<std::string>& words, Choice* choice, Streams streams) {
   CLI::App app;
-  AddAll(app, choice);
-  look(app);
-}
-
-int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
-  Choice choice;
-  CLI::App app;
-  AddAll(app, choice);
+  AddAll(app, *choice);
 
   const CalledCommand called = FindCommand(app, words);
   const auto wrong = [&](const std::string& what) {
@@ -511,6 +504,22 @@ int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
     if (!called.command->get_subcommands({}).empty()) return ShowCommands(called, streams);
     return wrong(error.what() + more);
   }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void DescribeKelvaroctl(const std::function<void(const CLI::App&)>& look) {
+  Choice choice;
+  CLI::App app;
+  AddAll(app, choice);
+  look(app);
+}
+
+int RunKelvaroctl(const std::vector<std::string>& words, Streams streams) {
+  Choice choice;
+  // Its memory is given back before the command begins, which may run for hours.
+  if (const auto status = Parse(words, &choice, streams)) return *status;
   const int status = choice.command(streams);
   streams.out.flush();
   if (!streams.out) return Complain(streams.err, "the output can't be written");
