@@ -5,8 +5,7 @@
 #include <memory>
 
 #include "app/platform/linux/kernel_events.h"
-
-struct libevdev_uinput;
+#include "app/platform/linux/uinput_device.h"
 
 namespace platform {
 
@@ -23,16 +22,10 @@ class UinputInput : public KernelEvents {
   std::string MouseNode() const;
 
  private:
-  struct Destroy {
-    void operator()(libevdev_uinput* device) const;
-  };
-  using Device = std::unique_ptr<libevdev_uinput, Destroy>;
+  UinputInput(UinputDevice keyboard, UinputDevice mouse);
 
-  UinputInput(Device keyboard, Device mouse);
-  static Device Create(bool isKeyboard, int* errorCode);
-
-  const Device keyboard;
-  const Device mouse;
+  const UinputDevice keyboard;
+  const UinputDevice mouse;
 };
 
 }  // namespace platform

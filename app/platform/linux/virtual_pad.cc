@@ -1,19 +1,13 @@
 #include "app/platform/linux/virtual_pad.h"
 
-#include <errno.h>
 #include <libevdev/libevdev-uinput.h>
 #include <libevdev/libevdev.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace platform {
 namespace {
-
-// Stands in for a maker's number, beside those of the keyboard and the mouse. On the USB bus, since
-// axes alone are a pad's only where they are plugged in.
-constexpr int kVendor = 0x4B56;
-constexpr int kProduct = 3;
-constexpr int kVersion = 1;
 
 // First what an ordinary pad has, then whatever the kernel has names for.
 constexpr unsigned kPadButtons[] = {BTN_SOUTH,  BTN_EAST,  BTN_NORTH, BTN_WEST,   BTN_TL,    BTN_TR,
@@ -67,9 +61,6 @@ DeviceFacts FactsOf(const VirtualPadShape& shape) {
   DeviceFacts facts;
   facts.ids.name = shape.name;
   facts.ids.bus = BUS_USB;
-  facts.ids.vendor = kVendor;
-  facts.ids.product = kProduct;
-  facts.ids.version = kVersion;
   AddButtons(shape.buttons, &facts.keys);
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot) {
     const bool bringsAlong = slot == kFirstSliderSlot && shape.axes[kFirstSliderSlot + 1];
@@ -81,34 +72,17 @@ DeviceFacts FactsOf(const VirtualPadShape& shape) {
   return facts;
 }
 
-void VirtualPad::Destroy::operator()(libevdev_uinput* made) const { libevdev_uinput_destroy(made); }
-
 std::unique_ptr<VirtualPad> VirtualPad::Open(const VirtualPadShape& shape, int* errorCode) {
   const DeviceFacts facts = FactsOf(shape);
-  libevdev* model = libevdev_new();
-  if (!model) {
-    *errorCode = ENOMEM;
-    return nullptr;
-  }
-  libevdev_set_name(model, facts.ids.name.c_str());
-  libevdev_set_id_bustype(model, facts.ids.bus);
-  libevdev_set_id_vendor(model, facts.ids.vendor);
-  libevdev_set_id_product(model, facts.ids.product);
-  libevdev_set_id_version(model, facts.ids.version);
-  libevdev_uinput* device = nullptr;
-  const int result = Enable(model, facts) ? libevdev_uinput_create_from_device(
-                                                model, LIBEVDEV_UINPUT_OPEN_MANAGED, &device)
-                                          : -EINVAL;
-  libevdev_free(model);
-  if (result != 0) {
-    *errorCode = -result;
-    return nullptr;
-  }
-  return std::unique_ptr<VirtualPad>(new VirtualPad(facts, device));
+  UinputDevice device = MakeUinput(
+      shape.name, UinputProduct::Pad, [&](libevdev* model) { return Enable(model, facts); },
+      errorCode);
+  if (!device) return nullptr;
+  return std::unique_ptr<VirtualPad>(new VirtualPad(facts, std::move(device)));
 }
 
-VirtualPad::VirtualPad(const DeviceFacts& facts, libevdev_uinput* made)
-    : layout(LayOut(facts)), device(made) {}
+VirtualPad::VirtualPad(const DeviceFacts& facts, UinputDevice made)
+    : layout(LayOut(facts)), device(std::move(made)) {}
 
 bool VirtualPad::Send(const DIJOYSTATE2& state, int* errorCode) {
   // The kernel drops what changes nothing.
@@ -132,11 +106,6 @@ bool VirtualPad::Send(const DIJOYSTATE2& state, int* errorCode) {
   put(EV_SYN, SYN_REPORT, 0);
   *errorCode = -result;
   return result == 0;
-}
-
-std::string VirtualPad::Node() const {
-  const char* node = libevdev_uinput_get_devnode(device.get());
-  return node ? node : "";
 }
 
 }  // namespace platform

@@ -9,8 +9,7 @@
 #include <string>
 
 #include "app/platform/linux/device_layout.h"
-
-struct libevdev_uinput;
+#include "app/platform/linux/uinput_device.h"
 
 namespace platform {
 
@@ -37,17 +36,11 @@ class VirtualPad {
   // doesn't take it.
   bool Send(const DIJOYSTATE2& state, int* errorCode);
 
-  // Where it shows up, such as "/dev/input/event7"; empty if that can't be told.
-  std::string Node() const;
-
  private:
-  struct Destroy {
-    void operator()(libevdev_uinput* device) const;
-  };
-  VirtualPad(const DeviceFacts& facts, libevdev_uinput* device);
+  VirtualPad(const DeviceFacts& facts, UinputDevice device);
 
   const DeviceLayout layout;
-  const std::unique_ptr<libevdev_uinput, Destroy> device;
+  const UinputDevice device;
 };
 
 }  // namespace platform
