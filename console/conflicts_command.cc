@@ -218,10 +218,7 @@ void PrintJson(const Profile& profile, const Conflicts& conflicts, std::ostream&
 int ConflictsCommand(const ConflictsOptions& options, Streams streams) {
   const FileMachine machine;
   ProfileFile profile;
-  ProfileFault fault;
-  if (!FindProfile(options.profile, &profile, &fault)) {
-    return Complain(streams.err, fault.message, fault.detail);
-  }
+  if (!FindProfile(options.profile, &profile, streams.err)) return kBad;
   const Conflicts conflicts = FindConflicts(profile);
   if (options.json) {
     PrintJson(profile, conflicts, streams.out);

@@ -38,11 +38,7 @@ bool FindReported(const DoctorOptions& options, std::string* json, Streams strea
   if (name.empty()) return true;
   const FileMachine machine;
   ProfileFile profile;
-  ProfileFault fault;
-  if (!FindProfile(name, &profile, &fault)) {
-    Complain(streams.err, fault.message, fault.detail);
-    return !options.profile;
-  }
+  if (!FindProfile(name, &profile, streams.err)) return !options.profile;
   LeaveOutTypedTexts(&profile);
   *json = ProfileJson(profile);
   return true;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/platform/simulation/virtual_disk.h"
+#include "console/console_error.h"
 #include "console/did_you_mean.h"
 #include "console/file_machine.h"
 #include "console/json_text.h"
@@ -129,6 +130,13 @@ bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFau
   // Even when it doesn't begin as one: it may have been emptied.
   if (HasTemporary(path) && !LooksLikeJson(bytes)) return LoadStored(path, path, profile, fault);
   return ReadProfileBytes(bytes, path, profile, fault);
+}
+
+bool FindProfile(const std::string& fileOrName, ProfileFile* profile, std::ostream& err) {
+  ProfileFault fault;
+  if (FindProfile(fileOrName, profile, &fault)) return true;
+  Complain(err, fault.message, fault.detail);
+  return false;
 }
 
 }  // namespace kelvaro::console

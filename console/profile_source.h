@@ -2,6 +2,7 @@
 // stored. A file that begins as a stored profile does is one; any other is JSON.
 #pragma once
 
+#include <ostream>
 #include <string>
 
 #include "storage/profile_file.h"
@@ -33,5 +34,7 @@ bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFa
 // Fills *profile, a fresh one, from what FindProfilePath gives. Under a FileMachine. A file that
 // can't be read whole gives way to its temporary, as it does whenever a profile is loaded.
 bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault);
+// The same, having complained.
+bool FindProfile(const std::string& fileOrName, ProfileFile* profile, std::ostream& err);
 
 }  // namespace kelvaro::console

@@ -20,10 +20,7 @@ int ReadRun(const RunOptions& options, ProfileFile* profile, platform::Recording
             Streams streams) {
   {
     const FileMachine machine;
-    ProfileFault fault;
-    if (!FindProfile(options.profile, profile, &fault)) {
-      return Complain(streams.err, fault.message, fault.detail);
-    }
+    if (!FindProfile(options.profile, profile, streams.err)) return kBad;
   }
   return options.replay ? ReadReplay(*options.replay, recording, streams) : kDone;
 }

@@ -12,10 +12,7 @@ namespace kelvaro::console {
 int ShowCommand(const ShowOptions& options, Streams streams) {
   const FileMachine machine;
   ProfileFile profile;
-  ProfileFault fault;
-  if (!FindProfile(options.profile, &profile, &fault)) {
-    return Complain(streams.err, fault.message, fault.detail);
-  }
+  if (!FindProfile(options.profile, &profile, streams.err)) return kBad;
   if (options.json) {
     streams.out << ProfileJson(profile) << std::endl;
   } else {
