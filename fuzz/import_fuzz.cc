@@ -4,23 +4,16 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "console/foreign_profile.h"
 #include "console/profile_json.h"
+#include "fuzz/check.h"
 
 namespace {
 
 using namespace kelvaro;
 using namespace kelvaro::console;
-
-void Check(bool holds, const char* what, const std::string& text) {
-  if (holds) return;
-  std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
-  std::abort();
-}
 
 void CheckPlace(Place place, const std::string& text) {
   const auto lines =

@@ -3,24 +3,17 @@
 // shown of a profile reads back as the same.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "console/profile_check.h"
 #include "console/profile_json.h"
 #include "console/profile_text.h"
+#include "fuzz/check.h"
 
 namespace {
 
 using namespace kelvaro;
 using namespace kelvaro::console;
-
-void Check(bool holds, const char* what, const std::string& text) {
-  if (holds) return;
-  std::fprintf(stderr, "%s: %s\n", what, text.c_str());
-  std::abort();
-}
 
 }  // namespace
 

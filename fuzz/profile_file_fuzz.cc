@@ -3,12 +3,11 @@
 // profile that loads is saved, loads again, and is then saved to the same bytes.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
 #include "app/platform/simulation/simulation.h"
+#include "fuzz/check.h"
 #include "storage/profile_file.h"
 
 namespace {
@@ -20,12 +19,6 @@ using platform::simulation::VirtualDisk;
 
 constexpr char kPath[] = "/data/fuzz.idprof";
 constexpr char kTemporary[] = "/data/fuzz.idprof.tmp";
-
-void Check(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "%s\n", what);
-  std::abort();
-}
 
 ByteString SavedPath(const ProfileFile& profile) {
   ByteString path = ProfileFile::ProfileFolder();

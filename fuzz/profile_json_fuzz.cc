@@ -5,25 +5,18 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "app/platform/byte_text.h"
 #include "console/profile_json.h"
 #include "engine/device_snapshot.h"
 #include "engine/mouse_emulation.h"
+#include "fuzz/check.h"
 
 namespace {
 
 using namespace kelvaro;
 using namespace kelvaro::console;
-
-void Check(bool holds, const char* what, const std::string& text) {
-  if (holds) return;
-  std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
-  std::abort();
-}
 
 void CheckFault(const JsonFault& fault, const std::string& text) {
   const auto lines =

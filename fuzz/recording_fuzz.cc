@@ -4,23 +4,16 @@
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <sstream>
 #include <string>
 
 #include "app/platform/recording/recording.h"
+#include "fuzz/check.h"
 
 namespace {
 
 using platform::Recording;
 using platform::StateChange;
-
-void Check(bool holds, const char* what, const std::string& text) {
-  if (holds) return;
-  std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
-  std::abort();
-}
 
 bool Read(const std::string& text, Recording* recording, std::string* error) {
   std::istringstream in(text);
