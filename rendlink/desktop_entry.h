@@ -1,5 +1,5 @@
 // Desktop entries, the files by which desktops start programs: how one is written, and what its
-// Exec says. By the Desktop Entry Specification, 1.5.
+// Exec says. By freedesktop.org's standard of desktop entries, 1.5.
 #pragma once
 
 #include <string>

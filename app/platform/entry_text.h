@@ -1,5 +1,5 @@
 // The text of desktop entries, the files by which desktops start programs: how their values
-// are written and read. By the Desktop Entry Specification, 1.5.
+// are written and read. By freedesktop.org's standard of desktop entries, 1.5.
 #pragma once
 
 #include <map>

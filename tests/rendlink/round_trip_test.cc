@@ -1,5 +1,5 @@
 // Whatever is chosen comes out again behind a launcher file and Kelvaro's command line, or is
-// refused. The file is taken apart here by the words of the Desktop Entry Specification, apart from
+// refused. The file is taken apart here by the words of freedesktop.org's standard, apart from
 // the code that wrote it.
 #include <gtest/gtest.h>
 
