@@ -204,10 +204,7 @@ TEST_F(StoredProfiles, TheBeginningOfANameServesWhereverOneIsTaken) {
   Store("Walker.idprof", R"({"profileName":"Walker","controls":[{}]})");
   EXPECT_TRUE(Kelvaroctl({"show", "Walke"}).out.starts_with("Walker\n"));
   EXPECT_TRUE(Kelvaroctl({"show", "Walk"}).out.starts_with("Walk\n")) << "a whole name wins";
-  const TestFile recording("recording",
-                           R"({"recording":1,"device":"Test Pad","guid":)"
-                           R"("000102030405060708090a0b0c0d0e0f","buttons":1,"axes":0,"povs":0})"
-                           "\n");
+  const TestFile recording("recording", kPad);
   for (const char* command : {"run", "explain", "test"}) {
     std::vector<std::string> words{command,    "--replay", recording.path,
                                    "--device", "Test",     "Walke"};

@@ -28,6 +28,12 @@ inline Outcome Kelvaroctl(const std::vector<std::string>& words) {
   return outcome;
 }
 
+// The first line of a recording of a usual pad.
+constexpr char kPad[] =
+    R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
+    R"("buttons":11,"axes":6,"povs":1})"
+    "\n";
+
 // A file in a folder of its own.
 class TestFile {
  public:

@@ -8,11 +8,6 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr char kPad[] =
-    R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
-    R"("buttons":11,"axes":6,"povs":1})"
-    "\n";
-
 // One line of a recording for each text, such as R"("buttons":[1])", 100 ms apart from 100 on.
 std::string Recorded(const std::vector<std::string>& changes) {
   std::string text = kPad;

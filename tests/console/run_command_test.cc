@@ -3,10 +3,6 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr char kPad[] =
-    R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
-    R"("buttons":11,"axes":6,"povs":1})"
-    "\n";
 constexpr char kJump[] = R"({"controls":[{"buttonMask":"0x1","actions":[{"text":"a"}]}]})";
 
 // One profile and one recording, and what comes out.

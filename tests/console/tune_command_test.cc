@@ -9,11 +9,6 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr char kPad[] =
-    R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
-    R"("buttons":11,"axes":6,"povs":1})"
-    "\n";
-
 std::string At(int t, const std::string& members) {
   return "{\"t\":" + std::to_string(t) + "," + members + "}\n";
 }

@@ -187,6 +187,16 @@ class DisplayTest : public ProgramTest {
     }));
   }
 
+  // Up and to the left; *moved is where it stands then.
+  void MoveWindow(XWindow* moved) {
+    const XWindow first = Window();
+    desktop.Move(first.id, 40, 60);
+    ASSERT_TRUE(Eventually([&] {
+      *moved = Window();
+      return moved->id != 0 && moved->x < first.x && moved->y < first.y;
+    }));
+  }
+
   // Hides the window behind its icon, which it gives.
   XWindow Hide() {
     EXPECT_TRUE(Eventually([&] { return desktop.Icons().size() == 1; }));
@@ -311,13 +321,8 @@ TEST_F(DisplayTest, ADialogThatNobodyMovesIsInTheSamePlaceAtEachOpening) {
 
 TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBackWhereItWasMoved) {
   const auto program = Begin();
-  const XWindow first = Window();
-  desktop.Move(first.id, 40, 60);
   XWindow moved;
-  ASSERT_TRUE(Eventually([&] {
-    moved = Window();
-    return moved.id != 0 && moved.x < first.x && moved.y < first.y;
-  }));
+  ASSERT_NO_FATAL_FAILURE(MoveWindow(&moved));
   const XWindow icon = Hide();
   desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
   ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
@@ -469,14 +474,9 @@ class OpenboxTest : public DisplayTest {
 
 TEST_F(OpenboxTest, ThePlaceIsRememberedAndAMinimisedWindowStays) {
   auto program = Begin();
-  const XWindow first = Window();
-  desktop.Move(first.id, 40, 60);
   XWindow moved;
-  ASSERT_TRUE(Eventually([&] {
-    moved = Window();
-    return moved.id != 0 && moved.x < first.x && moved.y < first.y;
-  }));
-  desktop.CloseWindow(first.id);
+  ASSERT_NO_FATAL_FAILURE(MoveWindow(&moved));
+  desktop.CloseWindow(moved.id);
   ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
   program = Run({{"DISPLAY", desktop.Name()}});
   EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
