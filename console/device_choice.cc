@@ -18,14 +18,12 @@ std::string ListOfDevices(const DeviceManager& manager) {
   return list;
 }
 
-// " (did you mean 'Pad'?)", or nothing.
-std::string Meant(const DeviceManager& manager, const std::string& name) {
+std::vector<std::string> NamesOf(const DeviceManager& manager) {
   std::vector<std::string> names;
   for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
     names.push_back(Bytes(manager.DeviceName(i)));
   }
-  const std::string meant = DidYouMean(name, names);
-  return meant.empty() ? "" : " (" + meant + ")";
+  return names;
 }
 
 // Index of the first device that fits, -1 for none.
@@ -51,11 +49,7 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
   }
   if (index >= 0) return index;
   if (choice.name) {
-    std::vector<std::string> names;
-    for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
-      names.push_back(Bytes(manager.DeviceName(i)));
-    }
-    const std::vector<std::string> meant = NamesThatBegin(names, *choice.name);
+    const std::vector<std::string> meant = NamesThatBegin(NamesOf(manager), *choice.name);
     if (meant.size() == 1) {
       return FindDevice(manager,
                         [&](std::int32_t i) { return Bytes(manager.DeviceName(i)) == meant[0]; });
@@ -67,8 +61,8 @@ std::int32_t FindChosen(const DeviceManager& manager, const DeviceChoice& choice
   }
 
   if (choice.name || !name.IsEmpty()) {
-    *error = "there is no device '" + Bytes(name) + "'" + Meant(manager, Bytes(name)) +
-             ListOfDevices(manager);
+    *error = "there is no device '" + Bytes(name) + "'" +
+             MeantInBrackets(Bytes(name), NamesOf(manager)) + ListOfDevices(manager);
   } else if (choice.profileGuid != platform::GUID{}) {
     *error = "there is no device with the guid " + platform::GuidText(choice.profileGuid) +
              ListOfDevices(manager);

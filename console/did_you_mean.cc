@@ -64,4 +64,9 @@ std::string DidYouMean(const std::string& wanted, const std::vector<std::string>
   return best ? std::string("did you mean ") + quotes[0] + *best + quotes[1] + "?" : std::string();
 }
 
+std::string MeantInBrackets(const std::string& wanted, const std::vector<std::string>& names) {
+  const std::string meant = DidYouMean(wanted, names);
+  return meant.empty() ? "" : " (" + meant + ")";
+}
+
 }  // namespace kelvaro::console

@@ -15,4 +15,7 @@ std::size_t Distance(std::string a, std::string b);
 std::string DidYouMean(const std::string& wanted, const std::vector<std::string>& names,
                        const char* quotes = "''");
 
+// The same as " (did you mean 'Walk'?)", or nothing.
+std::string MeantInBrackets(const std::string& wanted, const std::vector<std::string>& names);
+
 }  // namespace kelvaro::console

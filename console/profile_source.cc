@@ -62,8 +62,7 @@ std::string MostSimilar(std::vector<std::string> names, const std::string& wante
   std::sort(names.begin(), names.end(), [&wanted](const std::string& a, const std::string& b) {
     return std::pair(Distance(a, wanted), a) < std::pair(Distance(b, wanted), b);
   });
-  const std::string meant = DidYouMean(wanted, names);
-  std::string text = meant.empty() ? "" : " (" + meant + ")";
+  std::string text = MeantInBrackets(wanted, names);
   text += names.size() == 1 ? "; stored is " : "; stored are ";
   for (std::size_t i = 0; i < names.size() && i < kNamesTold; ++i) {
     text += (i > 0 ? ", '" : "'") + names[i].substr(0, kLongestName) + "'";

@@ -115,10 +115,8 @@ const Setting* FindSetting(const std::string& name, Streams streams) {
   }
   if (meant.size() == 1) return found;
   if (meant.empty()) {
-    const std::string like = DidYouMean(name, names);
-    Complain(streams.err, "there is no setting '" + name + "'" +
-                              (like.empty() ? "" : " (" + like + ")") + "; there are " +
-                              QuotedList(names));
+    Complain(streams.err, "there is no setting '" + name + "'" + MeantInBrackets(name, names) +
+                              "; there are " + QuotedList(names));
   } else {
     Complain(streams.err, SeveralNames(name, meant));
   }

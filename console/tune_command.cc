@@ -1,7 +1,6 @@
 // kelvaroctl tune: what a pad does, and which of the mouse's settings fit it.
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -42,13 +41,6 @@ constexpr struct {
     {kSticksEnd, "Turn each stick in full circles, pull each trigger; then let go"},
     {kStudyEnds, "Press each button a few times"},
 };
-
-// "12.5 %" of the way from the middle to an end.
-std::string Percent(std::int32_t value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.1f %%", value * 100.0 / DeviceManager::axisMax);
-  return text;
-}
 
 std::string NumberOrNull(const std::optional<std::int32_t>& number) {
   return number ? std::to_string(*number) : "null";

@@ -57,11 +57,6 @@ std::int32_t CountsAt(std::int32_t value, std::int32_t damper, std::int32_t sens
 
 std::string AxisText(const AxisStudy& axis) { return platform::AxisNameText(axis.name); }
 
-std::string Percent(std::int32_t value) {
-  const std::int32_t tenths = (std::abs(value) * 1000 + kFull / 2) / kFull;
-  return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " %";
-}
-
 // The least of the ends that these axes reach; nothing where one of them wasn't moved both ways.
 std::optional<std::int32_t> ReachOf(const std::vector<AxisStudy>& axes) {
   std::int32_t reach = kFull;
@@ -131,6 +126,12 @@ std::vector<AxisStudy> AxesOf(const std::vector<AxisStudy>& axes, const Kind& ki
 
 }  // namespace
 
+std::string Percent(std::int32_t value) {
+  const std::int32_t tenths = (std::abs(value) * 1000 + kFull / 2) / kFull;
+  return (value < 0 && tenths > 0 ? "-" : "") + std::to_string(tenths / 10) + "." +
+         std::to_string(tenths % 10) + " %";
+}
+
 std::optional<std::int32_t> DamperFor(const AxisStudy& axis) {
   const std::int32_t needed = StillAt(axis) + StillAt(axis) / 4;
   for (std::int32_t damper = 0; damper <= kMouseSliderEnd; ++damper) {
@@ -162,7 +163,7 @@ std::vector<std::string> Warnings(const PadStudy& study) {
   for (const AxisStudy& axis : study.Axes()) {
     const std::string name = AxisText(axis);
     if (axis.IsOffCentre()) {
-      warnings.push_back(name + " rests off its centre, by " + Percent(axis.rest));
+      warnings.push_back(name + " rests off its centre, by " + Percent(std::abs(axis.rest)));
     }
     if (axis.drift > kFull / 100) {
       warnings.push_back(name + " drifts while nobody touches it, by " + Percent(axis.drift));
@@ -170,11 +171,11 @@ std::vector<std::string> Warnings(const PadStudy& study) {
     if (axis.returned && !axis.RestsAtAnEnd() &&
         std::abs(*axis.returned - axis.rest) > kFull / 20) {
       warnings.push_back(name + " comes to rest elsewhere once it was moved, off by " +
-                         Percent(*axis.returned - axis.rest));
+                         Percent(std::abs(*axis.returned - axis.rest)));
     }
     if (axis.moved && (axis.from > -kNearlyFull || axis.to < kNearlyFull)) {
-      warnings.push_back(name + " reaches " + (axis.from < 0 ? "-" : "") + Percent(axis.from) +
-                         " to " + (axis.to < 0 ? "-" : "") + Percent(axis.to) + " only");
+      warnings.push_back(name + " reaches " + Percent(axis.from) + " to " + Percent(axis.to) +
+                         " only");
     }
   }
   for (const auto& [number, button] : study.Buttons()) {

@@ -10,6 +10,9 @@
 
 namespace kelvaro::console {
 
+// "-12.5 %" of the way from the middle to an end, for a value of an axis.
+std::string Percent(std::int32_t value);
+
 // One of the settings for movement or for the wheel.
 struct Proposal {
   const char* name;   // as a profile in JSON has it
