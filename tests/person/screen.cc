@@ -524,17 +524,18 @@ void Screen::Type(std::uint32_t id, const std::string& text) {
 std::vector<std::string> Screen::Rows(std::uint32_t id) const {
   const auto& list = state->Look<qt::DropList>(id);
   std::vector<std::string> rows;
-  for (std::int32_t row = 0; row < list.Count(); ++row) rows.push_back(list.RowText(row));
+  for (std::int32_t row = 0; row < list.Rows().Count(); ++row)
+    rows.push_back(list.Rows().Text(row));
   return rows;
 }
 
 std::string Screen::Chosen(std::uint32_t id) const {
   const auto& list = state->Look<qt::DropList>(id);
-  return list.RowText(list.Selected());
+  return list.Rows().Text(list.Rows().Selected());
 }
 
 std::int32_t Screen::ChosenRow(std::uint32_t id) const {
-  return state->Look<qt::DropList>(id).Selected();
+  return state->Look<qt::DropList>(id).Rows().Selected();
 }
 
 void Screen::Choose(std::uint32_t id, const std::string& row) {

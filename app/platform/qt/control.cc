@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/platform/qt/colours.h"
+#include "app/platform/qt/qt_canvas.h"
 #include "app/platform/qt/text.h"
 
 namespace platform::qt {
@@ -31,6 +32,16 @@ void Control::Show(bool show) {
 }
 
 bool Control::IsEnabled() const { return widget->isEnabledTo(host.Inside()); }
+
+Rect Control::Place() const { return RectOf(widget->geometry()); }
+
+void Control::SetPlace(const Rect& rect, std::uint32_t flags) {
+  if (flags & SWP_NOSIZE) {
+    widget->move(rect.left, rect.top);
+  } else {
+    widget->setGeometry(RectOf(rect));
+  }
+}
 
 bool Control::SetText(const std::string& bytes) {
   if (!HasText()) return false;

@@ -58,6 +58,11 @@ class Control : public QObject {
   void Show(bool show);
   bool IsShown() const { return shown; }
   void Enable(bool enable) { widget->setEnabled(enable); }
+  void Redraw() { widget->update(); }
+
+  Rect Place() const;  // in the window's inside
+  void SetPlace(const Rect& rect, std::uint32_t flags);
+
   bool IsEnabled() const;
 
   // The kinds that have a text: false, and empty, for the others.
@@ -77,7 +82,10 @@ class Control : public QObject {
   void SetFont(const std::string& face, std::int32_t height, std::int32_t weight, bool underline);
   void SetTextColour(Colour colour);
   void SetBackgroundColour(Colour colour);
-  void SetHandCursor() { widget->setCursor(Qt::PointingHandCursor); }
+  bool SetHandCursor() {
+    widget->setCursor(Qt::PointingHandCursor);
+    return true;
+  }
 
   // A label or group box: its mnemonic goes to that control.
   void SetLabelled(Control* control) { labelled = control; }

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/platform/hooks.h"
 #include "app/platform/qt/control.h"
 #include "app/platform/qt/dialog_units.h"
-#include "app/platform/qt/hooks.h"
 #include "app/platform/qt/tool_tips.h"
 #include "app/platform/qt/window_table.h"
 

@@ -3,9 +3,7 @@
 #include <QKeyEvent>
 #include <QProxyStyle>
 #include <QSignalBlocker>
-#include <algorithm>
 
-#include "app/platform/file_pattern.h"
 #include "app/platform/qt/scrolled_past.h"
 #include "app/platform/qt/text.h"
 
@@ -47,7 +45,7 @@ class DropList::Widget : public ScrolledPast<QComboBox> {
 };
 
 DropList::DropList(ControlHost& host, const ControlTemplate& from)
-    : Control(host, from), box(new Widget(host.Inside())) {
+    : Control(host, from), box(new Widget(host.Inside())), rows((from.style & kStyleSorted) != 0) {
   box->setFocusPolicy(Qt::StrongFocus);
   box->setMaxVisibleItems(kRowsInView);
   QFont bold;
@@ -59,22 +57,14 @@ DropList::DropList(ControlHost& host, const ControlTemplate& from)
   connect(box, &QComboBox::activated, this, [this](int row) {
     // Also when the same row is chosen again: selecting its device or profile may have failed
     // before.
-    selected = row;
+    rows.Select(row);
     this->host.Notify(id, Notice::SelectionChanged, row);
   });
   Adopt(box);
 }
 
 std::int32_t DropList::Add(const std::string& row) {
-  auto place = rows.end();
-  if (style & kStyleSorted) {
-    place = std::upper_bound(rows.begin(), rows.end(), row, [](const auto& text, const Row& other) {
-      return Folded(text) < Folded(other.text);
-    });
-  }
-  const auto index = static_cast<std::int32_t>(place - rows.begin());
-  rows.insert(place, Row{row, 0});
-  if (selected >= index) ++selected;
+  const std::int32_t index = rows.Add(row);
   const QSignalBlocker quiet(box);
   box->insertItem(index, Shown(row));
   Sync();
@@ -82,13 +72,7 @@ std::int32_t DropList::Add(const std::string& row) {
 }
 
 bool DropList::Delete(std::int32_t row) {
-  if (!IsRow(row)) return false;
-  rows.erase(rows.begin() + row);
-  if (selected == row) {
-    selected = kNoRow;
-  } else if (selected > row) {
-    --selected;
-  }
+  if (!rows.Delete(row)) return false;
   const QSignalBlocker quiet(box);
   box->removeItem(row);
   Sync();
@@ -96,51 +80,21 @@ bool DropList::Delete(std::int32_t row) {
 }
 
 void DropList::Reset() {
-  rows.clear();
-  selected = kNoRow;
+  rows.Clear();
   const QSignalBlocker quiet(box);
   box->clear();
 }
 
-std::string DropList::RowText(std::int32_t row) const {
-  return IsRow(row) ? rows[static_cast<std::size_t>(row)].text : std::string();
-}
-
-std::int32_t DropList::FindPrefix(const std::string& prefix) const {
-  const std::string wanted = Folded(prefix);
-  const auto found = std::find_if(rows.begin(), rows.end(), [&](const Row& row) {
-    return Folded(row.text).starts_with(wanted);
-  });
-  return found == rows.end() ? kNoRow : static_cast<std::int32_t>(found - rows.begin());
-}
-
-std::int32_t DropList::FindExact(const std::string& text) const {
-  const std::string wanted = Folded(text);
-  const auto found = std::find_if(rows.begin(), rows.end(),
-                                  [&](const Row& row) { return Folded(row.text) == wanted; });
-  return found == rows.end() ? kNoRow : static_cast<std::int32_t>(found - rows.begin());
-}
-
 bool DropList::Select(std::int32_t row) {
-  selected = IsRow(row) ? row : kNoRow;
+  rows.Select(row);
   Sync();
-  return selected == row;
-}
-
-bool DropList::SetData(std::int32_t row, std::int32_t data) {
-  if (!IsRow(row)) return false;
-  rows[static_cast<std::size_t>(row)].data = data;
-  return true;
-}
-
-std::int32_t DropList::Data(std::int32_t row) const {
-  return IsRow(row) ? rows[static_cast<std::size_t>(row)].data : -1;
+  return rows.Selected() == row;
 }
 
 // The box chooses a row by itself when it gets its first one, or loses the chosen one.
 void DropList::Sync() {
   const QSignalBlocker quiet(box);
-  box->setCurrentIndex(selected);
+  box->setCurrentIndex(rows.Selected());
   box->update();
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <QComboBox>
-#include <vector>
 
+#include "app/platform/drop_rows.h"
 #include "app/platform/qt/control.h"
 
 namespace platform::qt {
@@ -15,28 +15,16 @@ class DropList final : public Control {
   std::int32_t Add(const std::string& row);  // where it is
   bool Delete(std::int32_t row);
   void Reset();
-  std::int32_t Count() const { return static_cast<std::int32_t>(rows.size()); }
-  std::string RowText(std::int32_t row) const;
-  std::int32_t FindPrefix(const std::string& prefix) const;
-  std::int32_t FindExact(const std::string& wanted) const;
-  // Of a row that isn't there, as of -1, none is selected.
+  const DropRows& Rows() const { return rows; }
   bool Select(std::int32_t row);
-  std::int32_t Selected() const { return selected; }
-  bool SetData(std::int32_t row, std::int32_t data);
-  std::int32_t Data(std::int32_t row) const;
+  bool SetData(std::int32_t row, std::int32_t data) { return rows.SetData(row, data); }
 
  private:
   class Widget;
-  struct Row {
-    std::string text;
-    std::int32_t data = 0;
-  };
-  bool IsRow(std::int32_t row) const { return row >= 0 && row < Count(); }
   void Sync();
 
   QComboBox* const box;
-  std::vector<Row> rows;
-  std::int32_t selected = kNoRow;
+  DropRows rows;
 };
 
 }  // namespace platform::qt

@@ -1,7 +1,6 @@
 #include "app/platform/qt/window_table.h"
 
 #include <QCoreApplication>
-#include <algorithm>
 
 #include "app/platform/qt/dialog_window.h"
 #include "app/platform/threads.h"
@@ -63,46 +62,27 @@ bool WindowTable::UpdateLater(WindowHandle handle, std::uint32_t control,
   const std::lock_guard<std::mutex> guard(mutex);
   const auto found = windows.find(handle);
   if (found == windows.end() || !found->second.controls.contains(control)) return false;
-  Updates& updates = found->second.updates;
-  const bool first = updates.empty();
-
-  ControlUpdate all = update;
-  const auto former = std::find_if(updates.begin(), updates.end(),
-                                   [&](const auto& entry) { return entry.first == control; });
-  if (former != updates.end()) {
-    if (!all.text) all.text = std::move(former->second.text);
-    if (!all.checked) all.checked = former->second.checked;
-    all.redraw = all.redraw || former->second.redraw;
-    updates.erase(former);
-  }
-  updates.emplace_back(control, std::move(all));
+  const bool first = found->second.updates.Add(control, update);
   if (first) PostTo(found->second.window, [](DialogWindow& window) { window.ApplyUpdates(); });
   return true;
 }
 
-WindowTable::Updates WindowTable::TakeUpdates(WindowHandle handle) {
+PendingUpdates::All WindowTable::TakeUpdates(WindowHandle handle) {
   const std::lock_guard<std::mutex> guard(mutex);
   const auto found = windows.find(handle);
-  return found == windows.end() ? Updates() : std::exchange(found->second.updates, {});
-}
-
-ControlUpdate* WindowTable::FindUpdate(WindowHandle handle, std::uint32_t control) {
-  const auto found = windows.find(handle);
-  if (found == windows.end()) return nullptr;
-  for (auto& [id, update] : found->second.updates) {
-    if (id == control) return &update;
-  }
-  return nullptr;
+  return found == windows.end() ? PendingUpdates::All() : found->second.updates.Take();
 }
 
 void WindowTable::DropText(WindowHandle handle, std::uint32_t control) {
   const std::lock_guard<std::mutex> guard(mutex);
-  if (ControlUpdate* update = FindUpdate(handle, control)) update->text.reset();
+  const auto found = windows.find(handle);
+  if (found != windows.end()) found->second.updates.DropText(control);
 }
 
 void WindowTable::DropCheck(WindowHandle handle, std::uint32_t control) {
   const std::lock_guard<std::mutex> guard(mutex);
-  if (ControlUpdate* update = FindUpdate(handle, control)) update->checked.reset();
+  const auto found = windows.find(handle);
+  if (found != windows.end()) found->second.updates.DropCheck(control);
 }
 
 }  // namespace platform::qt

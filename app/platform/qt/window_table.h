@@ -7,30 +7,19 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <set>
-#include <string>
-#include <utility>
 #include <vector>
 
 #include "app/platform/desktop.h"
+#include "app/platform/pending_updates.h"
 #include "app/platform/processes.h"
 
 namespace platform::qt {
 
 class DialogWindow;
 
-// What is to become of a control.
-struct ControlUpdate {
-  std::optional<std::string> text = std::nullopt;
-  std::optional<bool> checked = std::nullopt;
-  bool redraw = false;
-};
-
 class WindowTable {
  public:
-  using Updates = std::vector<std::pair<std::uint32_t, ControlUpdate>>;
-
   // Whether the caller is on the user interface's thread, which is the one that makes windows:
   // until there has been one, any thread is.
   bool OnOwnThread() const;
@@ -52,7 +41,7 @@ class WindowTable {
   bool UpdateLater(WindowHandle handle, std::uint32_t control, const ControlUpdate& update);
 
   // Takes over what other threads have asked for, oldest first.
-  Updates TakeUpdates(WindowHandle handle);
+  PendingUpdates::All TakeUpdates(WindowHandle handle);
   // What is set now goes over what was asked for before.
   void DropText(WindowHandle handle, std::uint32_t control);
   void DropCheck(WindowHandle handle, std::uint32_t control);
@@ -61,11 +50,10 @@ class WindowTable {
   struct Entry {
     DialogWindow* window = nullptr;
     std::set<std::uint32_t> controls;
-    Updates updates = {};
+    PendingUpdates updates = {};
     bool visible = false;
     bool iconic = false;
   };
-  ControlUpdate* FindUpdate(WindowHandle handle, std::uint32_t control);
   static void PostTo(DialogWindow* window, std::function<void(DialogWindow&)> act);
 
   std::atomic<std::int32_t> userInterface = 0;  // its thread, from the first window on

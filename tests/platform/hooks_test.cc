@@ -1,10 +1,10 @@
-#include "app/platform/qt/hooks.h"
+#include "app/platform/hooks.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-namespace platform::qt {
+namespace platform {
 namespace {
 
 std::vector<int> calls;
@@ -40,4 +40,4 @@ TEST(Hooks, AProcedureThatIsNoneIsRefused) {
 }
 
 }  // namespace
-}  // namespace platform::qt
+}  // namespace platform

@@ -6,7 +6,7 @@
 
 #include "app/platform/desktop.h"
 
-namespace platform::qt {
+namespace platform {
 
 class Hooks {
  public:
@@ -22,4 +22,4 @@ class Hooks {
   HookHandle last = 0;
 };
 
-}  // namespace platform::qt
+}  // namespace platform

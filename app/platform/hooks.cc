@@ -1,8 +1,8 @@
-#include "app/platform/qt/hooks.h"
+#include "app/platform/hooks.h"
 
 #include <algorithm>
 
-namespace platform::qt {
+namespace platform {
 
 HookHandle Hooks::Add(HookProc procedure) {
   if (!procedure) return 0;
@@ -25,4 +25,4 @@ void Hooks::TellMinimising(WindowHandle window) const {
   if (!hooks.empty()) hooks.back().second(HCBT_MINMAX, window, SW_MINIMIZE);
 }
 
-}  // namespace platform::qt
+}  // namespace platform
