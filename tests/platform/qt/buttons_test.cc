@@ -13,37 +13,6 @@ using Lines = std::vector<std::string>;
 
 class ButtonsTest : public QtTest {};
 
-WINDOW_TEST(ButtonsTest, ADisabledOneIsDead) {
-  EXPECT_TRUE(controls().EnableControl(Window(), kButton, false));
-  EXPECT_FALSE(controls().IsControlEnabled(Window(), kButton));
-  QTest::mouseClick(Widget(kButton), Qt::LeftButton);
-  EXPECT_TRUE(recorder.lines.empty());
-  EXPECT_TRUE(controls().EnableControl(Window(), kButton, true));
-  EXPECT_TRUE(controls().IsControlEnabled(Window(), kButton));
-}
-
-WINDOW_TEST(ButtonsTest, CheckingByTheProgramIsNoNews) {
-  EXPECT_TRUE(controls().CheckDlgButton(Window(), kCheck, true));
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
-  EXPECT_TRUE(recorder.lines.empty());
-  EXPECT_FALSE(controls().CheckDlgButton(Window(), kButton, true));
-  EXPECT_FALSE(controls().CheckDlgButton(Window(), 999, true));
-}
-
-WINDOW_TEST(ButtonsTest, ARunOfRadioButtonsIsOneChoice) {
-  controls().SetControlFocus(Window(), kSlider);
-  controls().CheckDlgButton(Window(), kRadioA, true);
-  controls().CheckDlgButton(Window(), kRadioC, true);
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioA)) << "another run";
-  controls().CheckDlgButton(Window(), kRadioB, true);
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioB));
-  QTest::mouseClick(Widget(kRadioD), Qt::LeftButton, {}, QPoint(5, 5));
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioC));
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kRadioD));
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"113 clicked"}));
-}
-
 WINDOW_TEST(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
   const auto toggle = [&](std::uint32_t id) {
     QAccessible::queryAccessibleInterface(Widget(id))
@@ -66,15 +35,6 @@ WINDOW_TEST(ButtonsTest, TheOneThatEnterPressesShowsTheFocus) {
   const QImage without = Widget(kButton)->grab().toImage();
   Widget(kButton)->setFocus(Qt::TabFocusReason);
   EXPECT_NE(Widget(kButton)->grab().toImage(), without);
-}
-
-WINDOW_TEST(ButtonsTest, ARunCanBeLeftWithoutAChoice) {
-  controls().CheckDlgButton(Window(), kRadioA, true);
-  EXPECT_TRUE(controls().CheckDlgButton(Window(), kRadioA, false));
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
-  controls().CheckDlgButton(Window(), kRadioA, true);
-  controls().CheckDlgButton(Window(), kRadioB, true);
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA)) << "still one choice";
 }
 
 TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
@@ -113,32 +73,6 @@ WINDOW_TEST(ButtonsTest, APictureButtonShowsItsBitmap) {
   EXPECT_TRUE(controls().SetPicture(Window(), kPictureButton, desktop().LoadBitmapA(145)));
   EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);
   EXPECT_FALSE(controls().SetPicture(Window(), kButton, desktop().LoadBitmapA(145)));
-}
-
-TEST_F(ButtonsTest, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {
-  std::vector<bool> focused;
-  recorder.onDraw = [&](const DrawItem& item, Canvas&) {
-    if (item.focusAction) focused.push_back(item.focused);
-  };
-  Run([&] {
-    controls().SetControlFocus(Window(), kDrawnButton);
-    EXPECT_EQ(focused, (std::vector<bool>{true}));
-    controls().SetControlFocus(Window(), kNameEdit);
-    EXPECT_EQ(focused, (std::vector<bool>{true, false}));
-  });
-}
-
-TEST_F(ButtonsTest, AClickThatLeavingAnEditPreventsPressesNoButton) {
-  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
-    if (notice == Notice::FocusLost) controls().SetControlFocus(Window(), kNameEdit);
-  };
-  Run([&] {
-    controls().SetControlFocus(Window(), kNameEdit);
-    const QPoint point = Widget(kButton)->geometry().center();
-    QTest::mouseClick(Dialog()->windowHandle(), Qt::LeftButton, {}, point);
-    EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));
-    recorder.onNotice = nullptr;
-  });
 }
 
 }  // namespace

@@ -24,54 +24,6 @@ class DialogWindowTest : public QtTest {
 
 // --- Its life
 
-TEST_F(DialogWindowTest, IsMadeBeforeItIsShownAndTakesItsResultFromItsEnd) {
-  recorder.onInit = [&](WindowHandle window) {
-    EXPECT_FALSE(desktop().IsWindowVisible(window));
-    EXPECT_TRUE(controls().HasControl(window, kButton));
-    Rect client;
-    EXPECT_TRUE(desktop().GetClientRect(window, &client));
-    EXPECT_GT(client.Width(), 0);
-  };
-  const std::int32_t result = Run([&] {
-    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-    EXPECT_TRUE(desktop().EndDialog(Window(), 7));
-    EXPECT_TRUE(controls().HasControl(Window(), kButton)) << "it goes when its handler returns";
-    EXPECT_TRUE(desktop().EndDialog(Window(), 8));
-  });
-  EXPECT_EQ(result, IDOK) << "the last one counts";
-  EXPECT_TRUE(recorder.destroyed);
-  EXPECT_FALSE(controls().HasControl(recorder.window, kButton));
-  EXPECT_FALSE(desktop().EndDialog(recorder.window, 1));
-}
-
-TEST_F(DialogWindowTest, OneThatEndsInItsFirstMessageIsNeverSeen) {
-  recorder.onInit = [&](WindowHandle window) { desktop().EndDialog(window, 5); };
-  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), 5);
-  EXPECT_TRUE(recorder.destroyed);
-  EXPECT_TRUE(recorder.LinesOf(kButton).empty());
-}
-
-TEST_F(DialogWindowTest, AnOwnerThatIsntThereMakesNone) {
-  EXPECT_EQ(desktop().RunDialog(kAllKinds, 99, recorder), -1);
-  EXPECT_EQ(recorder.window, kNoWindow);
-}
-
-TEST_F(DialogWindowTest, TheCloseBoxIsTheListeners) {
-  recorder.onClose = [] {};
-  Run([&] {
-    Dialog()->close();
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"close"}));
-    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-  });
-}
-
-TEST_F(DialogWindowTest, WhatWasPostedWhileItWasMadeComesBeforeItIsSeen) {
-  bool seen = true;
-  recorder.onInit = [&](WindowHandle window) { desktop().PostMessageA(window, 0x8001, 0, 0); };
-  recorder.onMessage = [&](std::uint32_t) { seen = desktop().IsWindowVisible(recorder.window); };
-  Run([&] { EXPECT_FALSE(seen); });
-}
-
 WINDOW_TEST(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
   const QString picture = QStringLiteral("a picture");
   ASSERT_TRUE(QPixmapCache::insert(picture, QPixmap(8, 8)));
@@ -79,26 +31,6 @@ WINDOW_TEST(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
   EXPECT_TRUE(QPixmapCache::find(picture, nullptr));
   desktop().ShowWindow(Window(), SW_HIDE);
   EXPECT_TRUE(QTest::qWaitFor([&] { return !QPixmapCache::find(picture, nullptr); }, 20000));
-}
-
-TEST_F(DialogWindowTest, OneThatIsToBeHiddenAtOnceIsNeverSeen) {
-  recorder.onInit = [&](WindowHandle window) {
-    desktop().PostMessageA(window, 0x8001, 0, 0);
-    desktop().SetTimer(window, 1, 50);
-  };
-  recorder.onMessage = [&](std::uint32_t) { desktop().ShowWindow(recorder.window, SW_HIDE); };
-  int looks = 0;
-  recorder.onTimer = [&](std::uint32_t) {
-    EXPECT_FALSE(desktop().IsWindowVisible(recorder.window));
-    if (++looks == 1) {
-      desktop().ShowWindow(recorder.window, SW_SHOW);
-      desktop().ShowWindow(recorder.window, SW_RESTORE);
-      EXPECT_TRUE(desktop().IsWindowVisible(recorder.window));
-      desktop().EndDialog(recorder.window, IDOK);
-    }
-  };
-  EXPECT_EQ(desktop().RunDialog(kAllKinds, kNoWindow, recorder), IDOK);
-  EXPECT_EQ(looks, 1);
 }
 
 // --- Keys
@@ -125,59 +57,6 @@ WINDOW_TEST(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
   EXPECT_EQ(controls().GetControlFocus(Window()), kNameEdit);
 }
 
-WINDOW_TEST(DialogWindowTest, EnterPressesTheDefaultButton) {
-  controls().SetControlFocus(Window(), kNameEdit);
-  Key(Qt::Key_Return);
-  Key(Qt::Key_Enter);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked", "105 clicked"}));
-  EXPECT_TRUE(controls().SetDefaultButton(Window(), kDrawnButton));
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
-  EXPECT_FALSE(controls().SetDefaultButton(Window(), kCheck));
-  EXPECT_FALSE(controls().SetDefaultButton(Window(), 999));
-}
-
-WINDOW_TEST(DialogWindowTest, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {
-  controls().SetControlFocus(Window(), kNameEdit);
-  controls().ShowControl(Window(), kButton, SW_HIDE);
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
-  controls().EnableControl(Window(), kButton, false);
-  Key(Qt::Key_Return);
-  EXPECT_TRUE(recorder.lines.empty());
-}
-
-WINDOW_TEST(DialogWindowTest, EnterPressesTheButtonThatHasTheFocus) {
-  controls().SetControlFocus(Window(), IDCANCEL);
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-  controls().SetControlFocus(Window(), kPictureButton);
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"106 clicked"}));
-  controls().SetControlFocus(Window(), kButton);
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "once, though it is the default";
-  controls().SetControlFocus(Window(), kCheck);
-  Key(Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"})) << "a check box is no push button";
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
-}
-
-WINDOW_TEST(DialogWindowTest, EscIsCancel) {
-  Key(Qt::Key_Escape);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-  controls().EnableControl(Window(), IDCANCEL, false);
-  Key(Qt::Key_Escape);
-  EXPECT_TRUE(recorder.lines.empty());
-}
-
-TEST_F(DialogWindowTest, EscIsCancelWithoutSuchAButton) {
-  Run(kOneButton, [&] {
-    Key(Qt::Key_Escape);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"2 clicked"}));
-  });
-}
-
 WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
   QWidget* const focused = Dialog()->focusWidget();
   if (focused) focused->clearFocus();
@@ -202,34 +81,6 @@ WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseFo
       Key(key, Qt::ControlModifier);
     EXPECT_TRUE(recorder.LinesOf(0).empty()) << id;
   }
-}
-
-WINDOW_TEST(DialogWindowTest, F1IsTheWindowsWhateverHasTheFocus) {
-  for (const std::uint32_t id : {kNameEdit, kReadOnlyEdit, kArea, kButton, kDrawnButton, kCheck,
-                                 kRadioA, kDropList, kList, kTabs, kSlider, kLink}) {
-    EXPECT_TRUE(controls().SetControlFocus(Window(), id));
-    recorder.lines.clear();
-    Key(Qt::Key_F1);
-    EXPECT_EQ(recorder.TakeLines(), (Lines{"0 key down 112"})) << id;
-  }
-}
-
-WINDOW_TEST(DialogWindowTest, AMnemonicPressesItsButton) {
-  Key(Qt::Key_E, Qt::AltModifier);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.LinesOf(kButton).empty(); }));
-  EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
-}
-
-TEST_F(DialogWindowTest, TheFocusCanBeSetBeforeItIsSeen) {
-  recorder.onInit = [](WindowHandle window) {
-    EXPECT_TRUE(controls().SetControlFocus(window, kCheck));
-  };
-  Run([&] {
-    EXPECT_EQ(controls().GetControlFocus(Window()), kCheck);
-    EXPECT_FALSE(controls().SetControlFocus(Window(), kNameLabel));
-    EXPECT_FALSE(controls().SetControlFocus(Window(), 999));
-    EXPECT_EQ(controls().GetControlFocus(99), 0u);
-  });
 }
 
 // --- Places
@@ -278,23 +129,6 @@ WINDOW_TEST(DialogWindowTest, ControlsStandWhereTheyAreSet) {
   EXPECT_FALSE(controls().GetControlRect(Window(), 999, &rect));
 }
 
-WINDOW_TEST(DialogWindowTest, SeveralMoveAtOnce) {
-  Rect before;
-  controls().GetControlRect(Window(), kButton, &before);
-  const DeferHandle defer = controls().BeginDeferWindowPos(2);
-  ASSERT_NE(defer, 0u);
-  EXPECT_EQ(controls().DeferWindowPos(defer, Window(), kButton, {1, 2, 11, 12}, 0), defer);
-  EXPECT_EQ(controls().DeferWindowPos(defer, Window(), 999, {}, 0), 0u);
-  Rect rect;
-  controls().GetControlRect(Window(), kButton, &rect);
-  EXPECT_EQ(rect, before);
-  EXPECT_TRUE(controls().EndDeferWindowPos(defer));
-  controls().GetControlRect(Window(), kButton, &rect);
-  EXPECT_EQ(rect, (Rect{1, 2, 11, 12}));
-  EXPECT_FALSE(controls().EndDeferWindowPos(defer));
-  EXPECT_EQ(controls().BeginDeferWindowPos(-1), 0u);
-}
-
 WINDOW_TEST(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
   EXPECT_TRUE(desktop().MoveWindow(Window(), {40, 50, 740, 550}));
   Rect rect;
@@ -310,20 +144,6 @@ WINDOW_TEST(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
   EXPECT_TRUE(desktop().SetWindowTextA(Window(), "Title"));
   EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Title"));
   EXPECT_TRUE(desktop().SetForegroundWindow(Window()));
-}
-
-TEST_F(DialogWindowTest, AMoveBeforeItIsSeenTellsTheSizeAtOnce) {
-  recorder.onInit = [&](WindowHandle window) {
-    EXPECT_TRUE(desktop().MoveWindow(window, {30, 40, 830, 640}));
-    Rect client;
-    desktop().GetClientRect(window, &client);
-    EXPECT_EQ(recorder.lines.back(), SizeLine(client));
-  };
-  Run([&] {
-    Rect rect;
-    desktop().GetWindowRect(Window(), &rect);
-    EXPECT_EQ(rect, (Rect{30, 40, 830, 640})) << "with the frame that it has got meanwhile";
-  });
 }
 
 TEST_F(DialogWindowTest, TheFrameThatItGetsLeavesItsInsideAsItIs) {
@@ -380,22 +200,6 @@ WINDOW_TEST(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
   EXPECT_EQ(Dialog()->childAt(Widget(kButton)->geometry().center()), Widget(kButton));
 }
 
-TEST_F(DialogWindowTest, VisibleIsWhatTheProgramSetWhetherTheWindowIsSeenOrNot) {
-  recorder.onInit = [](WindowHandle window) {
-    EXPECT_TRUE(controls().IsControlVisible(window, kButton));
-    EXPECT_FALSE(controls().IsControlVisible(window, kHiddenButton));
-    EXPECT_TRUE(controls().ShowControl(window, kHiddenButton, SW_SHOWNOACTIVATE));
-    EXPECT_TRUE(controls().IsControlVisible(window, kHiddenButton));
-    EXPECT_TRUE(controls().ShowControl(window, kButton, SW_HIDE));
-    EXPECT_FALSE(controls().IsControlVisible(window, kButton));
-    EXPECT_FALSE(controls().ShowControl(window, 999, SW_HIDE));
-  };
-  Run([&] {
-    EXPECT_TRUE(Widget(kHiddenButton)->isVisible());
-    EXPECT_FALSE(Widget(kButton)->isVisible());
-  });
-}
-
 // --- Painting
 
 TEST_F(DialogWindowTest, TheListenerPaintsBehindTheControls) {
@@ -408,64 +212,6 @@ TEST_F(DialogWindowTest, TheListenerPaintsBehindTheControls) {
 }
 
 // --- Shown, hidden, minimised
-
-int hookCalls = 0;
-std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr_t lParam) {
-  if (code == HCBT_MINMAX && lParam == SW_MINIMIZE && wParam != kNoWindow) ++hookCalls;
-  return 0;
-}
-
-TEST_F(DialogWindowTest, MinimisingIsToldToTheHookOnce) {
-  hookCalls = 0;
-  Run([&] {
-    const HookHandle hook = desktop().SetWindowsHookExA(WH_CBT, &CountingHook);
-    EXPECT_NE(hook, 0u);
-    EXPECT_EQ(desktop().SetWindowsHookExA(WH_CBT + 1, &CountingHook), 0u);
-    Dialog()->showMinimized();  // as the person does
-    Settle();
-    EXPECT_EQ(hookCalls, 1);
-    EXPECT_TRUE(desktop().IsIconic(Window()));
-    EXPECT_EQ(recorder.TakeLines().back(), "size 1 0x0");
-    EXPECT_TRUE(desktop().ShowWindow(Window(), SW_RESTORE));
-    Settle();
-    EXPECT_FALSE(desktop().IsIconic(Window()));
-    EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-    EXPECT_TRUE(desktop().ShowWindow(Window(), SW_MINIMIZE));
-    Settle();
-    EXPECT_EQ(hookCalls, 2);
-    desktop().ShowWindow(Window(), SW_SHOWNORMAL);
-    EXPECT_TRUE(desktop().UnhookWindowsHookEx(hook));
-    EXPECT_FALSE(desktop().UnhookWindowsHookEx(hook));
-    desktop().ShowWindow(Window(), SW_MINIMIZE);
-    Settle();
-    EXPECT_EQ(hookCalls, 2);
-  });
-}
-
-WINDOW_TEST(DialogWindowTest, AMinimisedOneThatIsOnlyShownStaysMinimised) {
-  desktop().ShowWindow(Window(), SW_MINIMIZE);
-  desktop().ShowWindow(Window(), SW_HIDE);
-  desktop().ShowWindow(Window(), SW_SHOW);
-  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
-  Settle();
-  EXPECT_TRUE(desktop().IsIconic(Window()));
-  EXPECT_TRUE(Dialog()->isMinimized());
-}
-
-WINDOW_TEST(DialogWindowTest, AMaximisedOneComesBackMaximised) {
-  Dialog()->showMaximized();
-  Settle();
-  EXPECT_TRUE(desktop().IsZoomed(Window()));
-  EXPECT_EQ(recorder.TakeLines().back().substr(0, 6), "size 2");
-  desktop().ShowWindow(Window(), SW_MINIMIZE);
-  EXPECT_FALSE(desktop().IsZoomed(Window()));
-  desktop().ShowWindow(Window(), SW_RESTORE);
-  Settle();
-  EXPECT_TRUE(desktop().IsZoomed(Window()));
-  desktop().ShowWindow(Window(), SW_RESTORE);
-  Settle();
-  EXPECT_FALSE(desktop().IsZoomed(Window()));
-}
 
 WINDOW_TEST(DialogWindowTest, HasTheIconThatItIsGiven) {
   const IconHandle icon = desktop().LoadIconA(128);

@@ -23,12 +23,6 @@ class DropListTest : public QtTest {
   }
 };
 
-WINDOW_TEST(DropListTest, HasTheTemplatesRowsAndNoneChosen) {
-  EXPECT_EQ(Rows(kDropList), (std::vector<std::string>{"one", "two", "three"}));
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kDropList), -1);
-  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
-}
-
 // A long list would lie over what it is to help with.
 WINDOW_TEST(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
   for (int row = 0; row < 132; ++row) {
@@ -61,51 +55,6 @@ TEST_F(DropListTest, HeadingsOfTheTemplateAreBold) {
   });
 }
 
-WINDOW_TEST(DropListTest, RowsOfASortedListStandInOrderWhateverTheCase) {
-  EXPECT_EQ(controls().ComboAddString(Window(), kSortedList, "b"), 0);
-  EXPECT_EQ(controls().ComboAddString(Window(), kSortedList, "A"), 0);
-  EXPECT_EQ(controls().ComboAddString(Window(), kSortedList, "C"), 2);
-  EXPECT_EQ(controls().ComboAddString(Window(), kSortedList, "B"), 2);  // behind its equal
-  EXPECT_EQ(Rows(kSortedList), (std::vector<std::string>{"A", "b", "B", "C"}));
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kSortedList), -1);
-}
-
-WINDOW_TEST(DropListTest, TheChoiceStaysWithItsRow) {
-  controls().ComboAddString(Window(), kSortedList, "m");
-  EXPECT_TRUE(controls().ComboSetCurSel(Window(), kSortedList, 0));
-  controls().ComboAddString(Window(), kSortedList, "a");
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kSortedList), 1);
-  EXPECT_EQ(Box(kSortedList)->currentText(), QStringLiteral("m"));
-  EXPECT_TRUE(controls().ComboDeleteString(Window(), kSortedList, 0));
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kSortedList), 0);
-  EXPECT_TRUE(controls().ComboDeleteString(Window(), kSortedList, 0));
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kSortedList), -1);
-  EXPECT_FALSE(controls().ComboDeleteString(Window(), kSortedList, 0));
-}
-
-WINDOW_TEST(DropListTest, DeletingTheChosenRowChoosesNoOther) {
-  controls().ComboSetCurSel(Window(), kDropList, 1);
-  controls().ComboDeleteString(Window(), kDropList, 1);
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kDropList), -1);
-  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
-}
-
-WINDOW_TEST(DropListTest, SearchesFoldTheCaseOfAsciiLetters) {
-  EXPECT_EQ(controls().ComboFindString(Window(), kDropList, "T"), 1);
-  EXPECT_EQ(controls().ComboFindString(Window(), kDropList, "THR"), 2);
-  EXPECT_EQ(controls().ComboFindString(Window(), kDropList, "x"), -1);
-  EXPECT_EQ(controls().ComboFindStringExact(Window(), kDropList, "TWO"), 1);
-  EXPECT_EQ(controls().ComboFindStringExact(Window(), kDropList, "tw"), -1);
-}
-
-WINDOW_TEST(DropListTest, EachRowCarriesANumber) {
-  EXPECT_EQ(controls().ComboGetItemData(Window(), kDropList, 1), 0);
-  EXPECT_TRUE(controls().ComboSetItemData(Window(), kDropList, 1, -2));
-  EXPECT_EQ(controls().ComboGetItemData(Window(), kDropList, 1), -2);
-  EXPECT_FALSE(controls().ComboSetItemData(Window(), kDropList, 3, 1));
-  EXPECT_EQ(controls().ComboGetItemData(Window(), kDropList, 3), -1);
-}
-
 WINDOW_TEST(DropListTest, TheChosenRowChosenAgainIsNews) {
   controls().ComboSetCurSel(Window(), kDropList, 1);
   controls().SetControlFocus(Window(), kDropList);
@@ -117,20 +66,6 @@ WINDOW_TEST(DropListTest, TheChosenRowChosenAgainIsNews) {
   EXPECT_TRUE(recorder.lines.empty()) << "nothing was chosen";
 }
 
-WINDOW_TEST(DropListTest, OnlyAChoiceOfThePersonIsNews) {
-  EXPECT_FALSE(controls().ComboSetCurSel(Window(), kDropList, 3));
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kDropList), -1)
-      << "none, as the published one has it";
-  EXPECT_TRUE(controls().ComboSetCurSel(Window(), kDropList, 1));
-  EXPECT_TRUE(recorder.lines.empty());
-  controls().SetControlFocus(Window(), kDropList);
-  QTest::keyClick(Widget(kDropList), Qt::Key_Down);
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kDropList), 2);
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 2"}));
-  QTest::keyClick(Widget(kDropList), Qt::Key_Down);
-  EXPECT_TRUE(recorder.lines.empty()) << "it was the last one";
-}
-
 WINDOW_TEST(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
   controls().ComboSetCurSel(Window(), kDropList, 0);
   controls().SetControlFocus(Window(), kNameEdit);
@@ -138,23 +73,6 @@ WINDOW_TEST(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
                     Qt::NoScrollPhase, false);
   QApplication::sendEvent(Widget(kDropList), &wheel);
   EXPECT_EQ(controls().ComboGetCurSel(Window(), kDropList), 0);
-}
-
-WINDOW_TEST(DropListTest, ResettingEmptiesIt) {
-  EXPECT_TRUE(controls().ComboResetContent(Window(), kDropList));
-  EXPECT_EQ(controls().ComboGetCount(Window(), kDropList), 0);
-  EXPECT_EQ(controls().ComboGetLBText(Window(), kDropList, 0), "");
-}
-
-WINDOW_TEST(DropListTest, AnotherKindIsNoDropList) {
-  EXPECT_EQ(controls().ComboAddString(Window(), kList, "x"), -1);
-  EXPECT_EQ(controls().ComboGetCount(Window(), kList), -1);
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kList), -1);
-  EXPECT_FALSE(controls().ComboSetCurSel(Window(), kList, 0));
-  EXPECT_EQ(controls().ComboFindString(Window(), kList, ""), -1);
-  EXPECT_FALSE(controls().ComboResetContent(Window(), kList));
-  EXPECT_FALSE(controls().SetDlgItemTextA(Window(), kDropList, "x"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDropList), "");
 }
 
 }  // namespace

@@ -32,14 +32,6 @@ WINDOW_TEST(EditsTest, ATextThatAScreenReaderPutsThereCounts) {
   EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{std::to_string(kNameEdit) + " changed"});
 }
 
-WINDOW_TEST(EditsTest, GiveBackWhatWasSet) {
-  for (const char* text : {"", "plain", "\xC3\xBC", "\xFC", "two  blanks "}) {
-    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, text));
-    EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), text);
-  }
-  EXPECT_TRUE(recorder.LinesOf(kNameEdit).empty()) << "the program's doing is no news";
-}
-
 WINDOW_TEST(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
   const auto inside = [&](std::uint32_t id) {
     QWidget* const field = Widget(id);
@@ -70,36 +62,10 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
   QApplication::setCursorFlashTime(blinking);
 }
 
-WINDOW_TEST(EditsTest, TellOfEachChangeByThePerson) {
-  controls().SetDlgItemTextA(Window(), kNameEdit, "ab");
-  QTest::keyClicks(Line(kNameEdit), QStringLiteral("cd"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "abcd");
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 changed", "101 changed"}));
-}
-
 WINDOW_TEST(EditsTest, TypedTextIsUtf8) {
   Line(kNameEdit)->insert(QStringLiteral("ü"));
   QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
-}
-
-WINDOW_TEST(EditsTest, TypingAfterBytesThatArentUtf8KeepsThem) {
-  controls().SetDlgItemTextA(Window(), kNameEdit, "\xFC");
-  QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "\xFCx");
-}
-
-WINDOW_TEST(EditsTest, AnEditForDigitsTakesThemAlone) {
-  QTest::keyClicks(Line(kDigitsEdit), QStringLiteral("1a2-3"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDigitsEdit), "123");
-}
-
-WINDOW_TEST(EditsTest, AReadOnlyOneCanBeReachedAndNotChanged) {
-  EXPECT_TRUE(controls().SetControlFocus(Window(), kReadOnlyEdit));
-  QTest::keyClicks(Line(kReadOnlyEdit), QStringLiteral("x"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");
-  EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kReadOnlyEdit, "other"));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kReadOnlyEdit), "other");
 }
 
 WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
@@ -120,14 +86,6 @@ WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
   EXPECT_FALSE(controls().SetCaret(Window(), kButton, 0));
 }
 
-WINDOW_TEST(EditsTest, LosingTheFocusToThePersonIsToldInItsTurn) {
-  controls().SetControlFocus(Window(), kNameEdit);
-  QTest::keyClick(Line(kNameEdit), Qt::Key_Tab);
-  EXPECT_TRUE(recorder.lines.empty()) << "not in the middle of the change";
-  Settle();
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost"}));
-}
-
 WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
   controls().SetControlFocus(Window(), kNameEdit);
   QTest::mouseClick(Widget(kCheck), Qt::LeftButton, {}, QPoint(5, 5));
@@ -139,28 +97,6 @@ WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
   EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost", "108 clicked"}));
   Settle();
   EXPECT_TRUE(recorder.lines.empty()) << "told once";
-}
-
-WINDOW_TEST(EditsTest, LosingTheFocusToTheProgramIsNoNews) {
-  controls().SetControlFocus(Window(), kNameEdit);
-  controls().SetControlFocus(Window(), kDigitsEdit);
-  controls().EnableControl(Window(), kDigitsEdit, false);
-  controls().SetControlFocus(Window(), kNameEdit);
-  controls().ShowControl(Window(), kNameEdit, SW_HIDE);
-  Settle();
-  EXPECT_TRUE(recorder.lines.empty());
-}
-
-WINDOW_TEST(EditsTest, AnAreaShowsItsLinesAndLeavesTabEnterAndEscToTheDialog) {
-  auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
-  EXPECT_EQ(area->document()->blockCount(), 2);
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kArea), "first\r\nsecond");
-  controls().SetControlFocus(Window(), kArea);
-  QTest::keyClick(area, Qt::Key_Return);
-  QTest::keyClick(area, Qt::Key_Escape);
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"105 clicked", "2 clicked"}));
-  QTest::keyClick(area, Qt::Key_Tab);
-  EXPECT_EQ(controls().GetControlFocus(Window()), kButton);
 }
 
 }  // namespace

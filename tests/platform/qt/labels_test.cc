@@ -49,38 +49,12 @@ TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
   });
 }
 
-WINDOW_TEST(LabelsTest, AMnemonicGoesToTheNextControlThatTakesTheFocus) {
-  controls().SetControlFocus(Window(), kCheck);
-  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-  EXPECT_EQ(controls().GetControlFocus(Window()), kNameEdit);
-  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_G, Qt::AltModifier);
-  EXPECT_EQ(controls().GetControlFocus(Window()), kRadioC);
-}
-
-WINDOW_TEST(LabelsTest, AHiddenLabelsMnemonicIsDead) {
-  controls().SetControlFocus(Window(), kCheck);
-  controls().ShowControl(Window(), kNameLabel, SW_HIDE);
-  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_N, Qt::AltModifier);
-  EXPECT_EQ(controls().GetControlFocus(Window()), kCheck);
-}
-
 WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
   QTest::mousePress(Widget(kNameLabel), Qt::LeftButton);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"100 clicked"}));
   QTest::mouseRelease(Widget(kNameLabel), Qt::LeftButton);
   QTest::mouseClick(Widget(kNameLabel), Qt::RightButton);
   EXPECT_TRUE(recorder.lines.empty());
-}
-
-WINDOW_TEST(LabelsTest, ALinkIsReachedAndPressedByKeyboard) {
-  controls().SetControlFocus(Window(), kSlider);
-  QTest::keyClick(Widget(kSlider), Qt::Key_Tab);
-  EXPECT_EQ(controls().GetControlFocus(Window()), kLink);
-  recorder.lines.clear();
-  QTest::keyClick(Widget(kLink), Qt::Key_Space);
-  QTest::keyClick(Widget(kLink), Qt::Key_Return);
-  QTest::mouseClick(Widget(kLink), Qt::LeftButton);
-  EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked", "120 clicked", "120 clicked"}));
 }
 
 WINDOW_TEST(LabelsTest, ALinkIsOneForAScreenReader) {

@@ -121,42 +121,6 @@ WINDOW_TEST(QtDesktopTest, ABoxBeforeAWindowIsADialogWithATitle) {
   EXPECT_EQ(desktop().MessageBoxA(Window(), "!", "Caption", MB_OK), IDOK);
 }
 
-TEST_F(QtDesktopTest, TimersAndMessagesGoOnBehindABox) {
-  int ticks = 0;
-  recorder.onTimer = [&](std::uint32_t) {
-    if (++ticks == 3) BoxThatIsUp()->reject();
-  };
-  Run([&] {
-    controls().SetControlFocus(Window(), kCheck);
-    EXPECT_EQ(desktop().SetTimer(Window(), 1, 10), 1u);
-    desktop().PostMessageA(Window(), 0x8001, 1, 2);
-    EXPECT_EQ(desktop().MessageBoxA(Window(), "!", "", MB_OK), IDOK);
-    EXPECT_EQ(ticks, 3);
-    EXPECT_EQ(recorder.lines, (Lines{"message 32769 1 2"}));
-  });
-}
-
-TEST_F(QtDesktopTest, ABoxWorksWithoutAWindow) {
-  WithBox([](QMessageBox& box) { box.accept(); });
-  EXPECT_EQ(desktop().MessageBoxA(kNoWindow, "!", "", MB_OK), IDOK);
-}
-
-TEST_F(QtDesktopTest, ABoxOfAnotherThreadBlocksThatThreadAlone) {
-  int ticks = 0;
-  recorder.onTimer = [&](std::uint32_t) { ++ticks; };
-  std::thread other;
-  Run([&] {
-    desktop().SetTimer(Window(), 1, 5);
-    other = Ask(MB_YESNO);
-    ASSERT_TRUE(ABoxComesUp());
-    EXPECT_EQ(answer, -1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ticks > 2; })) << "the window goes on";
-    BoxThatIsUp()->button(QMessageBox::Yes)->click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return answer == IDYES; }));
-  });
-  other.join();
-}
-
 TEST_F(QtDesktopTest, ABoxOfAnotherThreadGoesWithItsWindow) {
   std::thread other;
   Run([&] {
@@ -165,16 +129,6 @@ TEST_F(QtDesktopTest, ABoxOfAnotherThreadGoesWithItsWindow) {
   });
   other.join();
   EXPECT_EQ(answer, 0);
-}
-
-// Nothing but the dismissal answers: the loop stands still until the thread has ended.
-WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadIsDismissedBeforeThatThreadIsWaitedFor) {
-  std::thread other = Ask(MB_YESNO);
-  EXPECT_TRUE(ABoxComesUp());
-  desktop().DismissBoxesOfOtherThreads();
-  other.join();
-  EXPECT_EQ(answer, IDNO) << "as if it had been closed";
-  EXPECT_EQ(BoxThatIsUp(), nullptr);
 }
 
 WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
@@ -186,28 +140,6 @@ WINDOW_TEST(QtDesktopTest, ABoxOfAnotherThreadThatIsNotUpYetIsDismissedToo) {
   Settle();
   EXPECT_EQ(answer, 0);
   EXPECT_EQ(BoxThatIsUp(), nullptr);
-}
-
-WINDOW_TEST(QtDesktopTest, AfterADismissalOnlyOtherThreadsGetNoBox) {
-  desktop().DismissBoxesOfOtherThreads();
-  std::thread other = Ask(MB_OK);
-  other.join();
-  EXPECT_EQ(answer, 0);
-  WithBox([](QMessageBox& box) { box.button(QMessageBox::Yes)->click(); });
-  EXPECT_EQ(desktop().MessageBoxA(Window(), "?", "", MB_YESNO), IDYES);
-}
-
-TEST_F(QtDesktopTest, WhatThePersonShouldKnowIsToldOnceAWindowIsUp) {
-  qt.Desktop().Tell("The settings were damaged.");
-  Run([&] {
-    ASSERT_TRUE(ABoxComesUp());
-    EXPECT_EQ(BoxThatIsUp()->text(), QStringLiteral("The settings were damaged."));
-    BoxThatIsUp()->accept();
-    qt.Desktop().Tell("The disk is full.");
-    ASSERT_TRUE(ABoxComesUp());
-    EXPECT_EQ(BoxThatIsUp()->text(), QStringLiteral("The disk is full."));
-    BoxThatIsUp()->accept();
-  });
 }
 
 // --- Dialogs in front of one another
@@ -233,22 +165,6 @@ WINDOW_TEST(QtDesktopTest, ADialogInFrontOfAnotherTakesItsInput) {
   QTest::mouseClick(owner->windowHandle(), Qt::LeftButton, {},
                     owner->Find(kButton)->Widget()->geometry().center());
   EXPECT_EQ(recorder.LinesOf(kButton), (Lines{"105 clicked"}));
-}
-
-TEST_F(QtDesktopTest, EndingADialogEndsWhatIsInFrontOfIt) {
-  std::int32_t innerResult = -5;
-  const std::int32_t result = Run([&] {
-    Recorder inner;
-    const WindowHandle behind = Window();
-    QTimer::singleShot(0, &context, [&] {
-      WithBox([&](QMessageBox&) { desktop().EndDialog(behind, 9); });
-      desktop().MessageBoxA(inner.window, "?", "", MB_OK);
-    });
-    innerResult = desktop().RunDialog(kOneButton, behind, inner);
-    EXPECT_TRUE(inner.destroyed);
-  });
-  EXPECT_EQ(innerResult, IDCANCEL);
-  EXPECT_EQ(result, IDOK) << "the script's own end came last";
 }
 
 TEST_F(QtDesktopTest, AllIsClosedFromTheFrontWhenTheSessionEnds) {
@@ -314,115 +230,7 @@ TEST_F(QtDesktopTest, TheSessionsWishToQuitDoesThatToo) {
 
 // --- Messages, timers, other threads
 
-TEST_F(QtDesktopTest, ATimerTicksUntilItIsKilled) {
-  std::vector<std::uint32_t> ticks;
-  recorder.onTimer = [&](std::uint32_t id) { ticks.push_back(id); };
-  Run([&] {
-    EXPECT_EQ(desktop().SetTimer(Window(), 3, 5), 3u);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ticks.size() >= 3; }));
-    EXPECT_TRUE(desktop().KillTimer(Window(), 3));
-    EXPECT_FALSE(desktop().KillTimer(Window(), 3));
-    ticks.clear();
-    QTest::qWait(30);
-    EXPECT_TRUE(ticks.empty());
-    EXPECT_EQ(desktop().SetTimer(99, 1, 5), 0u);
-  });
-}
-
-TEST_F(QtDesktopTest, ATimerThatSleepsTicksOnceItIsWoken) {
-  int ticks = 0;
-  recorder.onTimer = [&](std::uint32_t id) {
-    ++ticks;
-    EXPECT_TRUE(desktop().SleepTimer(Window(), id));
-  };
-  Run([&] {
-    desktop().SetTimer(Window(), 3, 5);
-    for (const int before : {0, 1, 2}) {
-      EXPECT_TRUE(desktop().WakeTimer(Window(), 3));
-      EXPECT_TRUE(QTest::qWaitFor([&] { return ticks > before; }));
-      QTest::qWait(30);
-      EXPECT_EQ(ticks, before + 1);
-    }
-    desktop().KillTimer(Window(), 3);
-    EXPECT_FALSE(desktop().SleepTimer(Window(), 3));
-    EXPECT_FALSE(desktop().WakeTimer(Window(), 3));
-    EXPECT_FALSE(desktop().SleepTimer(99, 3));
-    EXPECT_FALSE(desktop().WakeTimer(99, 3));
-  });
-}
-
-WINDOW_TEST(QtDesktopTest, TextOfAnotherThreadIsShownWithoutItsWaiting) {
-  // The user interface's thread is busy here until the other one has ended.
-  std::thread other([&] {
-    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, "first"));
-    EXPECT_TRUE(controls().SetDlgItemTextA(Window(), kNameEdit, "second"));
-    EXPECT_TRUE(controls().CheckDlgButton(Window(), kCheck, true));
-    EXPECT_TRUE(controls().InvalidateControl(Window(), kNameEdit));
-    EXPECT_FALSE(controls().SetDlgItemTextA(Window(), 999, "x"));
-    EXPECT_FALSE(controls().SetDlgItemTextA(99, kNameEdit, "x"));
-    EXPECT_TRUE(desktop().PostMessageA(Window(), 0x8001, 0, 0));
-  });
-  other.join();
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "");
-  Settle();
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "second");
-  EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
-  EXPECT_EQ(recorder.lines, (Lines{"message 32769 0 0"}));
-}
-
-WINDOW_TEST(QtDesktopTest, WhatWasSetLastIsWhatIsShown) {
-  std::thread other([&] {
-    controls().SetDlgItemTextA(Window(), kNameEdit, "older");
-    controls().CheckDlgButton(Window(), kCheck, true);
-    controls().SetDlgItemTextA(Window(), kDigitsEdit, "1");
-  });
-  other.join();
-  controls().SetDlgItemTextA(Window(), kNameEdit, "newer");
-  controls().CheckDlgButton(Window(), kCheck, false);
-  Settle();
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "newer");
-  EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kCheck));
-  EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDigitsEdit), "1");
-}
-
-TEST_F(QtDesktopTest, AWindowThatGoesMeanwhileDoesAnotherThreadNoHarm) {
-  std::atomic<bool> go{true};
-  std::atomic<WindowHandle> window{kNoWindow};
-  std::thread other([&] {
-    while (go) {
-      controls().SetDlgItemTextA(window, kNameEdit, "text");
-      desktop().PostMessageA(window, 0x8001, 0, 0);
-    }
-  });
-  for (int i = 0; i < 5; ++i) {
-    Run([&] {
-      window = Window();
-      Settle();
-    });
-  }
-  go = false;
-  other.join();
-  EXPECT_FALSE(controls().SetDlgItemTextA(window, kNameEdit, "text"));
-  EXPECT_FALSE(desktop().PostMessageA(window, 0x8001, 0, 0));
-}
-
 // --- The rest of the desktop
-
-TEST_F(QtDesktopTest, KnowsItsSizesAndColours) {
-  Rect whole;
-  EXPECT_TRUE(desktop().GetDesktopRect(&whole));
-  EXPECT_EQ(whole.left, 0);
-  EXPECT_GT(whole.Width(), 100);
-  EXPECT_EQ(desktop().GetSystemMetrics(SM_CXICON), 32);
-  EXPECT_EQ(desktop().GetSystemMetrics(SM_CYICON), 32);
-  EXPECT_GT(desktop().GetSystemMetrics(SM_CXVSCROLL), 0);
-  EXPECT_EQ(desktop().GetSystemMetrics(SM_CYHSCROLL), desktop().GetSystemMetrics(SM_CXVSCROLL));
-  EXPECT_EQ(desktop().GetSystemMetrics(12345), 0);
-  EXPECT_NE(desktop().GetSysColor(COLOR_3DFACE), desktop().GetSysColor(COLOR_BTNTEXT));
-  EXPECT_NE(desktop().GetSysColor(COLOR_3DHILIGHT), desktop().GetSysColor(COLOR_3DDKSHADOW));
-  Point point;
-  EXPECT_TRUE(desktop().GetCursorPos(&point));
-}
 
 TEST_F(QtDesktopTest, AChosenEntryOfAMenuComesAsAClick) {
   constexpr MenuItem items[] = {{"Exit", 32772}, {"", 0}, {"Show Kelvaro", 32771}};
