@@ -121,6 +121,7 @@ struct RunOptions {
   std::optional<std::string> device;
   bool mouseActive = false;
   bool wake = false;
+  bool grab = false;
   std::optional<std::uint64_t> until;  // ms
   bool json = false;
 };

@@ -95,6 +95,11 @@ bool SelectChosenDevice(DeviceManager* manager, const DeviceChoice& choice, std:
   if (index < 0) return false;
   const ByteString name = manager->DeviceName(index);
   if (manager->SelectDevice(index)) return true;
+  if (manager->TakenByAnother()) {
+    *error = "another program keeps the device '" + Bytes(name) +
+             "' for itself; kelvaroctl doctor tells which ones use it";
+    return false;
+  }
   *error = "the device '" + Bytes(name) + "' can't be opened; may this user read it?";
   return false;
 }

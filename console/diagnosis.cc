@@ -80,7 +80,9 @@ Remark OutputRemark(const MachineFacts& facts) {
           "see to /dev/uinput"};
 }
 
-bool IsUsable(const PadFacts& pad) { return pad.whyClosed.empty() && !pad.grabbed; }
+bool IsUsable(const PadFacts& pad) {
+  return pad.whyClosed.empty() && (!pad.grabbed || pad.openInKelvaro);
+}
 
 Remark PadRemark(const PadFacts& pad, State unusable) {
   const std::string where = "'" + pad.name + "' at " + pad.node;
@@ -88,6 +90,12 @@ Remark PadRemark(const PadFacts& pad, State unusable) {
     return {unusable, "pad", where + " can't be read: " + pad.whyClosed,
             "log in at the machine itself; if that isn't enough, add a udev rule for it "
             "(packaging/README.md tells how)"};
+  }
+  if (pad.grabbed && pad.openInKelvaro) {
+    return {
+        State::Note, "pad", where + " is grabbed; open in " + pad.openIn,
+        "nothing to do if Kelvaro is to have it alone, by 'Only For Kelvaro' or run --grab; end "
+        "the other program otherwise"};
   }
   if (pad.grabbed) {
     return {unusable, "pad",

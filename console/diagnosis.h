@@ -13,11 +13,12 @@ namespace kelvaro::console {
 // One pad of the machine.
 struct PadFacts {
   std::string name;
-  std::string node;       // "/dev/input/event3"
-  std::string whyClosed;  // the system's reason; empty where it can be read
-  bool mirror = false;    // a program made it
-  bool grabbed = false;   // by another program
-  std::string openIn;     // other programs, "game (4711)"; empty for none that is known
+  std::string node;            // "/dev/input/event3"
+  std::string whyClosed;       // the system's reason; empty where it can be read
+  bool mirror = false;         // a program made it
+  bool grabbed = false;        // by another program
+  bool openInKelvaro = false;  // another instance
+  std::string openIn;          // other programs, "game (4711)"; empty for none that is known
 };
 
 struct FolderFacts {

@@ -32,6 +32,11 @@ class EngineSession {
   // Before Begin; as DeviceManager::SetAnswerAtOnce.
   void SetAnswerAtOnce(bool on) { device.SetAnswerAtOnce(on); }
 
+  // Before Begin: no other program is to get anything of the device.
+  void TakeDeviceAlone() {
+    device.SetExclusive([](const ByteString&) { return true; });
+  }
+
   // Before Begin; as ControlEngine::SetObserver.
   void SetObserver(DispatchObserver* observer) { engine.SetObserver(observer); }
   bool MouseIsOn() const { return engine.MouseIsOn(); }
@@ -43,6 +48,7 @@ class EngineSession {
   bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);
 
   const ByteString& DeviceName() const { return device.SelectedName(); }
+  platform::GUID DeviceGuid() const { return device.SelectedGuid(); }
 
   // Lets go of what is held, after a replay that is under way, and stops everything.
   void End();

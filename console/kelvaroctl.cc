@@ -347,12 +347,19 @@ void AddRun(CLI::App& app, Choice& choice) {
       "With --wake what the pad does brings a poll at once; the next comes a full interval later "
       "at the earliest. A tap between two polls isn't lost: its press and its release are two "
       "changes. So are two buttons that go down a moment apart: a Control for the first of them "
-      "may fire before the one for both. A recording is answered at once with --simulate alone.");
+      "may fire before the one for both. A recording is answered at once with --simulate alone.\n"
+      "With --grab programs that read the pad's event or joystick node get nothing of it until "
+      "this "
+      "ends, in whatever way. The raw reports of a pad (hidraw), which some games read, can't be "
+      "kept from them. A button that is down at the start stays down for the others.");
   auto* replay = AddRunOptions(
       run, &choice.run, "print JSON Lines; on a real run the events are printed beside being sent");
   run->add_flag("--simulate", choice.run.simulate,
                 "send nothing, print the events; time is virtual (needs --replay)")
       ->needs(replay);
+  run->add_flag("--grab", choice.run.grab,
+                "keep what the pad does from other programs, such as the game")
+      ->excludes(replay);
   Choose(run, choice, choice.run, &RunCommand);
 }
 

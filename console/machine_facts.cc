@@ -8,6 +8,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -58,6 +59,10 @@ void LookAtOutput(MachineFacts* facts) {
   if (!node) platform::XTestInput::Open({}, &facts->xtestTrouble);
 }
 
+bool IsKelvaro(const platform::OtherProgram& program) {
+  return program.name == "kelvaro" || program.name == "kelvaroctl";
+}
+
 std::vector<PadFacts> LookAtPads() {
   platform::UdevNodes nodes;
   std::vector<PadFacts> pads;
@@ -68,7 +73,9 @@ std::vector<PadFacts> LookAtPads() {
     if (node.openError != 0) pad.whyClosed = strerror(node.openError);
     pad.mirror = platform::IsMirror(node.place.ids);
     pad.grabbed = platform::IsGrabbed(node.place.path);
-    pad.openIn = ProgramsText(platform::ProgramsWithOpen(node.place.path));
+    const auto programs = platform::ProgramsWithOpen(node.place.path);
+    pad.openIn = ProgramsText(programs);
+    pad.openInKelvaro = std::any_of(programs.begin(), programs.end(), IsKelvaro);
     pads.push_back(pad);
   }
   return pads;

@@ -1,5 +1,6 @@
 // kelvaroctl run: the engine on one profile.
 
+#include "app/platform/linux/device_use.h"
 #include "app/platform/simulation/simulation.h"
 #include "console/commands.h"
 #include "console/console_error.h"
@@ -40,6 +41,16 @@ int RunSimulated(const RunOptions& options, Profile& profile, const Recording& r
   return kDone;
 }
 
+// A pad that another program has grabbed looks like one that nobody touches.
+void TellOfGrab(RealMachine& machine, const EngineSession& session, Streams streams) {
+  const auto place = machine.PlaceOf(session.DeviceGuid());
+  if (!place || !platform::IsGrabbed(place->path)) return;
+  streams.err << "Another program keeps '" << Bytes(session.DeviceName())
+              << "' for itself, so that nothing comes of it until that one ends; kelvaroctl doctor "
+                 "tells which ones use it."
+              << std::endl;
+}
+
 int RunForReal(const RunOptions& options, Profile& profile, const Recording& recording,
                Streams streams) {
   StopSignals signals;
@@ -58,12 +69,14 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
 
   EngineSession session(profile);
   session.SetAnswerAtOnce(options.wake);
+  if (options.grab) session.TakeDeviceAlone();
   if (!session.Begin(choice, options.mouseActive, &error)) {
     return Complain(streams.err, options.profile + ": " + error);
   }
   machine.StartOfTime();
   streams.err << "Running " << options.profile << " on '" << Bytes(session.DeviceName())
               << "'; Ctrl-C ends it." << std::endl;
+  if (!options.grab && !options.replay) TellOfGrab(machine, session, streams);
   signals.Wait(EndOfRun(options, recording));
   session.End();
   return machine.EndOfOutput(streams);

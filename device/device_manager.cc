@@ -112,8 +112,12 @@ bool DeviceManager::SelectDevice(std::int32_t index) {
     device = nullptr;
     return false;
   }
-  if (!PrepareDevice()) {
+  const bool alone = exclusive && exclusive(entry->tszInstanceName);
+  if (!PrepareDevice(platform::DISCL_BACKGROUND |
+                     (alone ? platform::DISCL_EXCLUSIVE : platform::DISCL_NONEXCLUSIVE))) {
+    const bool taken = takenByAnother;
     StopDevice();
+    takenByAnother = taken;
     return false;
   }
   // Before the threads that may ask for it.
@@ -123,11 +127,11 @@ bool DeviceManager::SelectDevice(std::int32_t index) {
   return true;
 }
 
-bool DeviceManager::PrepareDevice() {
+bool DeviceManager::PrepareDevice(std::uint32_t cooperativeLevel) {
   if (device->SetDataFormat() != platform::DI_OK) return false;
-  // The game in front has the focus and keeps the device; this only reads along.
-  if (device->SetCooperativeLevel(static_cast<platform::Handle>(windowHandle),
-                                  platform::DISCL_BACKGROUND | platform::DISCL_NONEXCLUSIVE) !=
+  // The game in front has the focus and, unless the person wants it otherwise, keeps the device;
+  // this only reads along.
+  if (device->SetCooperativeLevel(static_cast<platform::Handle>(windowHandle), cooperativeLevel) !=
       platform::DI_OK) {
     return false;
   }
@@ -144,7 +148,9 @@ bool DeviceManager::PrepareDevice() {
   };
   if (device->EnumObjects(setRange, platform::DIDFT_AXIS) != platform::DI_OK) return false;
   device->SetTapsApart(answerAtOnce);
-  return Succeeded(device->Acquire());
+  const platform::HRESULT acquired = device->Acquire();
+  takenByAnother = acquired == platform::DIERR_OTHERAPPHASPRIO;
+  return Succeeded(acquired);
 }
 
 bool DeviceManager::ReselectDevice() { return selectedIndex >= 0 && SelectDevice(selectedIndex); }

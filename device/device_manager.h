@@ -15,6 +15,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <utility>
 
 #include "app/platform/desktop.h"
 #include "app/platform/devices.h"
@@ -108,6 +110,14 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // the device is selected.
   void SetAnswerAtOnce(bool atOnce) { answerAtOnce = atOnce; }
 
+  // Which devices, by their names, no other program is to get anything of while they are selected;
+  // `wanted` is asked at each selection, none is at first. To be set before the device is selected.
+  void SetExclusive(std::function<bool(const ByteString& name)> wanted) {
+    exclusive = std::move(wanted);
+  }
+  // Whether no device is selected since another program has the one asked for to itself.
+  bool TakenByAnother() const { return takenByAnother; }
+
   // Held over each poll and each callback. Outermost of all locks.
   RecursiveLock deviceLock{LockRank::Device};
 
@@ -124,7 +134,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   const platform::DIDEVICEINSTANCE* Entry(std::int32_t index) const;  // null outside the list
   template <typename Matches>
   bool SelectFirst(Matches matches);
-  bool PrepareDevice();  // all that a created device needs before it is polled
+  // All that a created device needs before it is polled.
+  bool PrepareDevice(std::uint32_t cooperativeLevel);
   void ReadTimerLimits();
   void StartPolling();
   // On the timer's thread, each period. No waiting, no allocation.
@@ -146,6 +157,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::uint32_t activePeriod = 0;     // as passed to timeBeginPeriod, 0 when none is active
   Relaxed<std::uint32_t> timerId{0};  // 0 when none is active
   Relaxed<bool> answerAtOnce{false};
+  std::function<bool(const ByteString&)> exclusive;
+  bool takenByAnother = false;
   Relaxed<std::uint32_t> lostPolls{0};  // written by the timer's thread alone
 
   // Set before the timer and the notification thread start, and theirs until they have ended; the

@@ -150,6 +150,7 @@ void DeviceManager::StopDevice() {
     device = nullptr;
   }
   if (locked) deviceLock.Release();
+  takenByAnother = false;
   selectedIndex = -1;
   selectedName.Empty();
 }

@@ -18,6 +18,8 @@ class DirectInputDevice {
  public:
   // The standard format, DIJOYSTATE2, is the only one.
   virtual HRESULT SetDataFormat() = 0;
+  // In the background, shared or exclusive. What an exclusive device says reaches no other program
+  // while it is acquired, as far as the platform can see to that.
   virtual HRESULT SetCooperativeLevel(Handle window, std::uint32_t flags) = 0;
   virtual HRESULT GetCapabilities(DIDEVCAPS* caps) = 0;
 
@@ -31,6 +33,7 @@ class DirectInputDevice {
 
   // DI_OK or DI_NOEFFECT when the device answers. A lost one is taken up again once the platform
   // has found it; this call doesn't look for it, and so it may come at every tick.
+  // DIERR_OTHERAPPHASPRIO where it is to be exclusive and another program has it so.
   virtual HRESULT Acquire() = 0;
   virtual HRESULT Unacquire() = 0;
 

@@ -1,5 +1,8 @@
 #include "app/settings/app_settings.h"
 
+#include <sstream>
+#include <string>
+
 #include "app/platform/registry.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/settings_keys.h"
@@ -13,6 +16,7 @@ using Saved = Setting::Saved;
 
 constexpr char kLastProfile[] = "Last Profile";
 constexpr char kAnswerAtOnce[] = "Answer At Once";
+constexpr char kOnlyForKelvaro[] = "Only For Kelvaro";
 
 // Load reports whether the first one is there.
 constexpr Setting kSettings[] = {
@@ -33,6 +37,8 @@ constexpr Setting kSettings[] = {
      Saved::WithTheDevice},
     {kAnswerAtOnce, "take in what a device does when it does it, not at the next poll",
      &AppSettings::answerAtOnce, Saved::Never},
+    {kOnlyForKelvaro, "pads that no other program gets while they are in use, with ; between two",
+     &AppSettings::onlyForKelvaro, Saved::Never},
 };
 
 bool Read(RegistryKey* key, const char* name, bool* flag) {
@@ -70,7 +76,18 @@ bool Setting::Store(RegistryKey* key, const AppSettings& settings) const {
 bool AppSettings::LoadBeforeDevice(RegistryKey* key) {
   const bool isThere = Read(key, kLastDevice, &lastDevice);
   Read(key, kAnswerAtOnce, &answerAtOnce);
+  Read(key, kOnlyForKelvaro, &onlyForKelvaro);
   return isThere;
+}
+
+bool AppSettings::IsOnlyForKelvaro(const ByteString& device) const {
+  std::istringstream names(Bytes(onlyForKelvaro));
+  for (std::string name; std::getline(names, name, ';');) {
+    const std::size_t begin = name.find_first_not_of(' ');
+    if (begin == std::string::npos) continue;
+    if (name.substr(begin, name.find_last_not_of(' ') + 1 - begin) == Bytes(device)) return true;
+  }
+  return false;
 }
 
 bool AppSettings::Load(RegistryKey* key, bool deviceLoaded) {

@@ -24,9 +24,12 @@ struct AppSettings {
   std::uint32_t welcomeDisplay = 0;
   ByteString lastDevice;  // as it was loaded
   bool answerAtOnce = false;
+  ByteString onlyForKelvaro;  // names of devices, with a semicolon between two
 
-  // Take what is stored under the product key, opened as `key`. First lastDevice and answerAtOnce:
-  // false unless there is a last device.
+  bool IsOnlyForKelvaro(const ByteString& device) const;
+
+  // Take what is stored under the product key, opened as `key`. First what a selection of the last
+  // device goes by: false unless there is one.
   bool LoadBeforeDevice(RegistryKey* key);
   // Then the others; showAutoDetectUsage only if `deviceLoaded`. False unless that is so and that
   // one value is there.

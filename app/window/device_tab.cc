@@ -28,6 +28,13 @@ constexpr char kDeviceMissingEnd[] =
     "\"Refresh Device List\" to\n"
     "automatically select it.";
 
+constexpr char kDeviceTakenCaption[] = "Device in Use";
+constexpr char kDeviceTakenText[] = "Another program keeps the device \"";
+constexpr char kDeviceTakenEnd[] =
+    "\" for itself.\n\n"
+    "End that program, or choose another device. \"kelvaroctl doctor\" tells which programs use "
+    "it.";
+
 constexpr char kOutOfRangeCaption[] = "Value Out of Range";
 constexpr char kIntervalRangeText[] = "Please enter a value from 1 to 1000";
 // Kept: the spelling.
@@ -37,6 +44,10 @@ constexpr char kPollRateCaption[] = "Internal Error";
 constexpr char kPollRateText[] = "Error Setting Poll Rate";
 constexpr char kSelectCaption[] = "Unknown Error";
 constexpr char kSelectText[] = "Error selecting device. Please try again.";
+
+ByteString TakenText(const ByteString& device) {
+  return ByteString(kDeviceTakenText).Concat(device).Concat(kDeviceTakenEnd);
+}
 
 ByteString Number(std::uint32_t value) { return ToDecimal(value, false, 1); }
 
@@ -130,7 +141,12 @@ void DeviceTab::OnDeviceSelected() {
     if (deviceManager->DeviceGuid(index) == session.currentDeviceGuid) return;
     if (!deviceManager->SelectDevice(index)) {
       session.LetGoWithoutDevice();  // before the box, which a key that goes on would answer
-      dialog.Box(kSelectText, kSelectCaption, platform::MB_OK);
+      if (deviceManager->TakenByAnother()) {
+        dialog.Box(TakenText(deviceManager->DeviceName(index)), kDeviceTakenCaption,
+                   platform::MB_OK);
+      } else {
+        dialog.Box(kSelectText, kSelectCaption, platform::MB_OK);
+      }
       return;
     }
     session.currentDeviceGuid = deviceManager->SelectedGuid();
@@ -274,6 +290,7 @@ bool DeviceTab::AwaitsDevice() const {
 ByteString DeviceTab::WarningText() const {
   if (profile.deviceName.IsEmpty()) return kNoDeviceSelectedText;
   if (session.settings.noDeviceErrorMsg) return {};
+  if (deviceManager->TakenByAnother()) return TakenText(profile.deviceName);
   return ByteString(kDeviceMissingText).Concat(profile.deviceName).Concat(kDeviceMissingEnd);
 }
 

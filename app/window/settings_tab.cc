@@ -35,6 +35,8 @@ bool SettingsTab::LoadAppSettings() {
   AppSettings& settings = session.settings;
   const bool hasLastDevice = settings.LoadBeforeDevice(&key);
   session.deviceManager->SetAnswerAtOnce(settings.answerAtOnce);
+  session.deviceManager->SetExclusive(
+      [&settings](const ByteString& name) { return settings.IsOnlyForKelvaro(name); });
   const bool deviceLoaded = !hasLastDevice || deviceTab.LoadLastDevice(settings.lastDevice);
   return settings.Load(&key, deviceLoaded);
 }

@@ -314,6 +314,36 @@ TEST_F(DeviceTabTest, ADeviceThatCannotBeOpenedIsSaidAndNothingElseHappens) {
   EXPECT_EQ(CurrentDeviceName(), "Stick");
 }
 
+TEST_F(DeviceTabTest, ADeviceIsTakenAloneWhereItsNameIsStored) {
+  AddStick();
+  PresetText("Only For Kelvaro", "Wheel; Stick ;Pad 2");
+  BeginHere();
+  sim.LogCalls(true);
+  const auto levelOf = [&](const char* device) {
+    screen.Choose(kDeviceList, device);
+    const std::string call = CallsOf(sim, {"SetCooperativeLevel"}).back();
+    return call.substr(call.rfind(' '));
+  };
+  EXPECT_EQ(levelOf("Stick"), " 9");
+  EXPECT_EQ(levelOf("Pad"), " 10");
+  CloseAll();
+  EXPECT_EQ(SettingText("Only For Kelvaro"), "Wheel; Stick ;Pad 2");
+}
+
+TEST_F(DeviceTabTest, ADeviceThatAnotherProgramKeepsForItselfIsSaid) {
+  AddStick();
+  BeginHere();
+  sim.FailNext("Acquire", platform::DIERR_OTHERAPPHASPRIO);
+  screen.Choose(kDeviceList, "Stick");
+  ExpectBox(
+      "Another program keeps the device \"Stick\" for itself.\n\n"
+      "End that program, or choose another device. \"kelvaroctl doctor\" tells which programs use "
+      "it.",
+      "Device in Use", platform::MB_OK);
+  screen.Answer(platform::IDOK);
+  EXPECT_EQ(CurrentDeviceName(), "Pad");
+}
+
 TEST_F(DeviceTabTest, ChoosingADeviceWaitsForTheProfilesLock) {
   BeginHere();
   for (const char* row : {kNone, "Pad"}) {

@@ -54,6 +54,21 @@ TEST_F(ProfileDeviceTest, NoDeviceRunsForAProfileWhoseDeviceIsNotThere) {
             Strings({"timeKillEvent 1", "Unacquire", "Release"}));
 }
 
+TEST_F(ProfileDeviceTest, AProfilesDeviceThatAnotherProgramKeepsForItselfIsSaid) {
+  AddStick();
+  Store("Alpha", [](ProfileFile* file) { SetDevice(file, "Stick", kStickGuid); });
+  StoreWithPad("Beta");
+  Begin();
+  sim.FailNext("Acquire", platform::DIERR_OTHERAPPHASPRIO, 2);  // by its identity, by its name
+  Choose("Beta");
+  ExpectBoxAndAnswer(
+      "Another program keeps the device \"Pad\" for itself.\n\n"
+      "End that program, or choose another device. \"kelvaroctl doctor\" tells which programs use "
+      "it.",
+      "Kelvaro", MB_OK);
+  ExpectNoDevice();
+}
+
 TEST_F(ProfileDeviceTest, WithoutANameTheGuidCountsForNothing) {
   StoreWithPad("Alpha");
   Store("Beta", [](ProfileFile* file) { SetDevice(file, "", kPadGuid); });

@@ -55,6 +55,15 @@ struct DeviceChoiceTest : testing::Test {
   Simulation sim;
 };
 
+TEST_F(DeviceChoiceTest, ADeviceThatAnotherProgramKeepsForItselfIsSaid) {
+  Plug({"Wheel"});
+  sim.FailNext("Acquire", platform::DIERR_OTHERAPPHASPRIO);
+  EXPECT_EQ(
+      Choose(Named("Wheel")),
+      "another program keeps the device 'Wheel' for itself; kelvaroctl doctor tells which ones "
+      "use it");
+}
+
 TEST_F(DeviceChoiceTest, ANameTakesTheFirstDeviceThatHasIt) {
   Plug({"Wheel", "Pad", "Pad"});
   EXPECT_EQ(Choose(Named("Wheel")), "0");

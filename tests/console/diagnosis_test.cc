@@ -106,6 +106,21 @@ TEST(Diagnose, APadThatNobodyElseHasIsEnough) {
   EXPECT_FALSE(KeepsFromWorking(Diagnose(facts)));
 }
 
+TEST(Diagnose, APadThatKelvaroMayKeepForItselfIsNoFault) {
+  MachineFacts facts = GoodMachine();
+  PadFacts grabbed = Pad("Grabbed");
+  grabbed.grabbed = true;
+  grabbed.openIn = "kelvaroctl (4711)";
+  facts.pads = {grabbed};
+  EXPECT_EQ(StateOf("pad", facts), State::Bad);
+  facts.pads[0].openInKelvaro = true;
+  const Remark remark = On("pad", facts)[0];
+  EXPECT_EQ(remark.state, State::Note);
+  EXPECT_NE(remark.what.find("is grabbed; open in kelvaroctl (4711)"), std::string::npos);
+  EXPECT_NE(remark.next.find("'Only For Kelvaro'"), std::string::npos);
+  EXPECT_FALSE(KeepsFromWorking(Diagnose(facts)));
+}
+
 TEST(Diagnose, WhatIsMissingAtTheNextStartIsANote) {
   MachineFacts facts = GoodMachine();
   facts.moduleFile = "";

@@ -193,8 +193,8 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"watch", {"NAME", "--until", "--json", "--help"}},
       {"record", {"NAME", "--until", "--help"}},
       {"run",
-       {"FILE", "NAME", "--simulate", "--replay", "--device", "--mouse-active", "--wake", "--until",
-        "--json", "--help"}},
+       {"FILE", "NAME", "--simulate", "--replay", "--device", "--mouse-active", "--wake", "--grab",
+        "--until", "--json", "--help"}},
       {"settings", {"list", "get", "set", "--help"}},
   };
   for (const auto& c : kCases) {

@@ -94,7 +94,10 @@ TEST_F(SettingsInMemory, AListSaysWhatHoldsAndWhatItMeans) {
       "set\n"
       "Answer At Once = 0 (not set)\n"
       "  take in what a device does when it does it, not at the next poll: 0 or 1; 0 if not "
-      "set\n");
+      "set\n"
+      "Only For Kelvaro = '' (not set)\n"
+      "  pads that no other program gets while they are in use, with ; between two: a text of up "
+      "to 16383 bytes; '' if not set\n");
 }
 
 TEST_F(SettingsInMemory, AListInJsonIsAnObjectALine) {
@@ -201,7 +204,8 @@ TEST_F(SettingsInMemory, AnUnknownNameOrABadValueSaysWhatIsAllowedAndChangesNoth
        "there is no setting 'Smart Chek' (did you mean 'Smart Check'?); there are 'Show "
        "Auto-Detect Usage', 'Start Minimized', "
        "'Smart Check', 'Shift Reminder', 'Last Profile', 'No Device Error Msg', "
-       "'Autodetect Device Plugin', 'Welcome Display', 'Last Device', 'Answer At Once'"},
+       "'Autodetect Device Plugin', 'Welcome Display', 'Last Device', 'Answer At Once', "
+       "'Only For Kelvaro'"},
       {"smart check", "2", "'Smart Check' can't be '2': it is 0 or 1"},
       {"Smart Check", "", "'Smart Check' can't be '': it is 0 or 1"},
       {"Smart Check", "on", "'Smart Check' can't be 'on': it is 0 or 1"},

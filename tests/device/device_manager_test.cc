@@ -352,6 +352,43 @@ TEST(DeviceSelectionFailures, WhatAFailedCreateDeviceLeavesBehindIsNoDevice) {
   EXPECT_EQ(nobodys.asked, 0);
 }
 
+TEST(DeviceExclusive, OnlyTheDevicesThatAreWantedAloneAreExclusive) {
+  Machine machine;
+  machine.simulation.AddDevice(Pad("Pad", 1));
+  machine.simulation.AddDevice(Pad("Stick", 2));
+  DeviceManager& manager = machine.Make();
+  manager.SetExclusive([](const ByteString& name) { return name.Equals("Stick"); });
+  const auto levelOf = [&](std::int32_t index) {
+    machine.simulation.ClearCalls();
+    EXPECT_TRUE(manager.SelectDevice(index));
+    for (const std::string& call : DeviceCalls(machine.simulation))
+      if (call.rfind("SetCooperativeLevel", 0) == 0) return call;
+    return std::string();
+  };
+  EXPECT_EQ(levelOf(1), "SetCooperativeLevel 77 9");
+  EXPECT_EQ(levelOf(0), "SetCooperativeLevel 77 10");
+}
+
+TEST(DeviceExclusive, WhatAnotherProgramHasIsToldUntilTheNextSelection) {
+  Machine machine;
+  machine.simulation.AddDevice(Pad("Pad", 1));
+  DeviceManager& manager = machine.Make();
+  machine.simulation.FailNext("Acquire");
+  EXPECT_FALSE(manager.SelectDevice(0));
+  EXPECT_FALSE(manager.TakenByAnother());
+  machine.simulation.FailNext("Acquire", platform::DIERR_OTHERAPPHASPRIO);
+  EXPECT_FALSE(manager.SelectDevice(0));
+  EXPECT_TRUE(manager.TakenByAnother());
+  EXPECT_FALSE(manager.SelectDeviceByName("No such pad"));
+  EXPECT_TRUE(manager.TakenByAnother());
+  EXPECT_TRUE(manager.SelectDevice(0));
+  EXPECT_FALSE(manager.TakenByAnother());
+  machine.simulation.FailNext("Acquire", platform::DIERR_OTHERAPPHASPRIO);
+  EXPECT_FALSE(manager.SelectDevice(0));
+  manager.StopDevice();
+  EXPECT_FALSE(manager.TakenByAnother());
+}
+
 TEST(DeviceSelectionFailures, AFailureOfAnyLaterStepGivesTheDeviceUpAgain) {
   struct Case {
     const char* operation;

@@ -18,7 +18,7 @@ struct NodePlace {
   DeviceIds ids;
 };
 
-// Open for reading, not grabbed; closed with the object. One thread at a time.
+// Open for reading, not grabbed at first; closed with the object. One thread at a time.
 class DeviceNode {
  public:
   virtual ~DeviceNode() = default;
@@ -34,6 +34,11 @@ class DeviceNode {
   // when events were lost (read on with `resync` until -EAGAIN), -EAGAIN when there is nothing, or
   // another negative errno value when the device is gone. Never blocks.
   virtual int Next(bool resync, input_event* event) = 0;
+
+  // From here on nobody else who reads the device gets its events, or everybody does again. 0, or
+  // the errno value: EBUSY where another program has grabbed it. The end of the object, or of the
+  // process in whatever way, lets go too.
+  virtual int Grab(bool on) = 0;
 };
 
 // Listens from its making on. One thread at a time.

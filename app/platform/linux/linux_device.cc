@@ -78,7 +78,8 @@ void LinuxDevice::PutHat(std::uint32_t hat) {
 }
 
 // Nobody can say where an axis of a lost device rests. The middle triggers nothing.
-void LinuxDevice::PutToRest() {
+void LinuxDevice::Lose() {
+  itsReturn.Lost(std::move(node));
   state = DIJOYSTATE2();
   for (std::uint32_t slot = 0; slot < kAxisSlots; ++slot)
     if (layout.axisCode[slot] >= 0)
@@ -88,10 +89,12 @@ void LinuxDevice::PutToRest() {
 
 HRESULT LinuxDevice::SetDataFormat() { return DI_OK; }
 
-// The kernel hands every reader its own copy of all events, so the only level that callers ask for,
-// shared and in the background, is the only one that there is.
+// The kernel hands every reader its own copy of all events, whoever has the focus.
 HRESULT LinuxDevice::SetCooperativeLevel(Handle /*window*/, std::uint32_t flags) {
-  return flags == (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE) ? DI_OK : DIERR_INVALIDPARAM;
+  const bool alone = flags == (DISCL_BACKGROUND | DISCL_EXCLUSIVE);
+  if (!alone && flags != (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE)) return DIERR_INVALIDPARAM;
+  exclusive = alone;
+  return DI_OK;
 }
 
 HRESULT LinuxDevice::GetCapabilities(DIDEVCAPS* caps) {
@@ -132,16 +135,23 @@ HRESULT LinuxDevice::Acquire() {
     std::unique_ptr<DeviceNode> found = itsReturn.Take();
     if (!found) return DIERR_INPUTLOST;
     Adopt(std::move(found));
-    acquired = true;
-    return DI_OK;
+    acquired = false;
   }
   if (acquired) return DI_NOEFFECT;
+  if (const int trouble = exclusive && node ? node->Grab(true) : 0; trouble == EBUSY) {
+    return DIERR_OTHERAPPHASPRIO;
+  } else if (trouble != 0) {
+    Lose();
+    condition = Condition::Lost;
+    return DIERR_INPUTLOST;
+  }
   acquired = true;
   return DI_OK;
 }
 
 HRESULT LinuxDevice::Unacquire() {
   if (!acquired) return DI_NOEFFECT;
+  if (exclusive && node) node->Grab(false);
   acquired = false;
   return DI_OK;
 }
@@ -171,8 +181,7 @@ HRESULT LinuxDevice::Poll() {
     } else if (result == -EAGAIN) {
       return DI_OK;
     } else if (result != -EINTR) {
-      itsReturn.Lost(std::move(node));
-      PutToRest();
+      Lose();
       condition = Condition::AtRest;
       return DI_OK;
     }

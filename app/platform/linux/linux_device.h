@@ -22,6 +22,8 @@ class LinuxDevice : public DirectInputDevice {
   virtual ~LinuxDevice() = default;
 
   HRESULT SetDataFormat() override;
+  // An exclusive device is grabbed: of all that can read it, programs that go by its event or
+  // joystick node get nothing, those that read its raw reports (hidraw) go on as before.
   HRESULT SetCooperativeLevel(Handle window, std::uint32_t flags) override;
   HRESULT GetCapabilities(DIDEVCAPS* caps) override;
   HRESULT EnumObjects(const std::function<bool(std::uint32_t id)>& visit,
@@ -29,7 +31,7 @@ class LinuxDevice : public DirectInputDevice {
   HRESULT SetProperty(std::uint32_t property, const DIPROPRANGE& range) override;
 
   // Takes up a lost device again once it has been found, on a thread of its own (DeviceReturn). No
-  // system call.
+  // system call, but for the one that grabs.
   HRESULT Acquire() override;
   HRESULT Unacquire() override;
 
@@ -59,7 +61,7 @@ class LinuxDevice : public DirectInputDevice {
   // Whether it is a second change of a button in this poll, and taps are to be kept apart.
   bool MustWait(const input_event& event);
   void PutHat(std::uint32_t hat);
-  void PutToRest();
+  void Lose();  // the node, with all put to rest
 
   DeviceReturn itsReturn;
   std::unique_ptr<DeviceNode> node;  // null while lost
@@ -73,6 +75,7 @@ class LinuxDevice : public DirectInputDevice {
       changedButtons;                   // in this poll, while taps are kept apart
   std::optional<input_event> heldBack;  // for the next poll
   Condition condition = Condition::Attached;
+  bool exclusive = false;
   bool acquired = false;
 };
 

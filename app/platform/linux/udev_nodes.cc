@@ -82,6 +82,9 @@ class EvdevNode : public DeviceNode {
     return libevdev_next_event(device, resync ? LIBEVDEV_READ_FLAG_SYNC : LIBEVDEV_READ_FLAG_NORMAL,
                                event);
   }
+  int Grab(bool on) override {
+    return -libevdev_grab(device, on ? LIBEVDEV_GRAB : LIBEVDEV_UNGRAB);
+  }
 
  private:
   const Descriptor node;

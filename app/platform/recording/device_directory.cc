@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::uint32_t kAbsoluteAxis = 2;  // the published DIDFT_ABSAXIS
 constexpr std::uint32_t kForeground = 4;    // the published DISCL_FOREGROUND
-constexpr std::uint32_t kExclusive = 1;     // the published DISCL_EXCLUSIVE
 constexpr std::uint32_t kAttached = 1;      // the published DIDC_ATTACHED
 constexpr std::uint32_t kAllClasses = 0;    // the published DI8DEVCLASS_ALL
 constexpr std::uint32_t kMostButtons = 128;
@@ -242,7 +241,7 @@ class OpenDevice final : public DirectInputDevice {
     if (const auto planned = directory.Enter("SetCooperativeLevel", {window, flags})) {
       return *planned;
     }
-    const bool oneShare = !(flags & kExclusive) != !(flags & DISCL_NONEXCLUSIVE);
+    const bool oneShare = !(flags & DISCL_EXCLUSIVE) != !(flags & DISCL_NONEXCLUSIVE);
     const bool onePlace = !(flags & kForeground) != !(flags & DISCL_BACKGROUND);
     return oneShare && onePlace ? DI_OK : DIERR_INVALIDPARAM;
   }

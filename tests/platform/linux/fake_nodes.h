@@ -25,6 +25,8 @@
 namespace platform {
 
 // What a test and the nodes it made share. Counts may be read while nothing else runs.
+class FakeNode;
+
 struct FakeMachine {
   struct Read {
     int result;
@@ -37,6 +39,11 @@ struct FakeMachine {
     bool pulled = false;     // reads fail
     std::deque<Read> reads;  // of the one reader
     int readsDone = 0;
+    const FakeNode* grabbedBy = nullptr;
+    bool grabbedElsewhere = false;
+    int grabs = 0;  // that were asked for
+
+    bool IsGrabbed() const { return grabbedBy != nullptr; }
     int fd = -1;  // what its readers can wait for
   };
 
@@ -100,6 +107,7 @@ class FakeNode : public DeviceNode {
   ~FakeNode() override {
     const std::lock_guard<std::mutex> lock(machine.mutex);
     machine.busy.insert(std::this_thread::get_id());
+    if (device->grabbedBy == this) device->grabbedBy = nullptr;
   }
   const DeviceFacts& Facts() const override { return facts; }
   int Fd() const override { return device->fd; }
@@ -114,6 +122,14 @@ class FakeNode : public DeviceNode {
     device->reads.pop_front();
     *event = read.event;
     return read.result;
+  }
+  int Grab(bool on) override {
+    const std::lock_guard<std::mutex> lock(machine.mutex);
+    device->grabs += on ? 1 : 0;
+    if (device->pulled) return ENODEV;
+    if (device->grabbedElsewhere) return EBUSY;
+    device->grabbedBy = on ? this : nullptr;
+    return 0;
   }
 
  private:

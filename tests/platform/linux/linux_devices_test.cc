@@ -62,16 +62,17 @@ class LinuxDevicesTest : public ::testing::Test {
   }
 
   // The device at that place of the list, as it is selected: scaled to -32000..32000, acquired.
-  Opened Open(std::size_t index = 0) {
+  Opened Open(std::size_t index = 0, std::uint32_t share = DISCL_NONEXCLUSIVE,
+              HRESULT acquired = DI_OK) {
     const std::vector<DIDEVICEINSTANCE> list = List();
     DirectInputDevice* device = nullptr;
     EXPECT_LT(index, list.size());
     if (index >= list.size()) return nullptr;
     EXPECT_EQ(directInput->CreateDevice(list[index].guidInstance, &device), DI_OK);
     EXPECT_EQ(device->SetDataFormat(), DI_OK);
-    EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_BACKGROUND | DISCL_NONEXCLUSIVE), DI_OK);
+    EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_BACKGROUND | share), DI_OK);
     ScaleAxes(*device);
-    EXPECT_EQ(device->Acquire(), DI_OK);
+    EXPECT_EQ(device->Acquire(), acquired);
     return Opened(device);
   }
 
@@ -233,7 +234,62 @@ TEST_F(LinuxDevicesTest, OtherPropertiesAndLevelsAreRefused) {
   range.lMin = 0;
   range.diph.dwObj = 0x202;  // lZ, which this pad lacks
   EXPECT_EQ(device->SetProperty(DIPROP_RANGE, range), DIERR_INVALIDPARAM);
-  EXPECT_EQ(device->SetCooperativeLevel(0, 1 | DISCL_BACKGROUND), DIERR_INVALIDPARAM);
+  EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_EXCLUSIVE), DIERR_INVALIDPARAM);
+  EXPECT_EQ(device->SetCooperativeLevel(0, DISCL_BACKGROUND), DIERR_INVALIDPARAM);
+}
+
+TEST_F(LinuxDevicesTest, ASharedDeviceIsNeverGrabbed) {
+  PlugAndOpen(Pad("a"));
+  EXPECT_EQ(pad->grabs, 0);
+  device.reset();
+  EXPECT_EQ(pad->grabs, 0);
+}
+
+TEST_F(LinuxDevicesTest, AnExclusiveDeviceIsGrabbedWhileItIsAcquired) {
+  pad = machine.Plug(1, Pad("a"));
+  device = Open(0, DISCL_EXCLUSIVE);
+  EXPECT_TRUE(pad->IsGrabbed());
+  EXPECT_EQ(device->Acquire(), DI_NOEFFECT);
+  EXPECT_EQ(pad->grabs, 1);
+  EXPECT_EQ(device->Unacquire(), DI_OK);
+  EXPECT_FALSE(pad->IsGrabbed());
+  EXPECT_EQ(device->Acquire(), DI_OK);
+  EXPECT_TRUE(pad->IsGrabbed());
+  device.reset();
+  EXPECT_FALSE(pad->IsGrabbed());
+}
+
+TEST_F(LinuxDevicesTest, AnExclusiveDeviceThatIsBackIsGrabbedAgain) {
+  pad = machine.Plug(1, Pad("a", "serial"));
+  device = Open(0, DISCL_EXCLUSIVE);
+  machine.Pull(pad);
+  Lose(*device);
+  pad = machine.Plug(2, Pad("a", "serial"));
+  ASSERT_TRUE(ComesBack(*device));
+  EXPECT_TRUE(pad->IsGrabbed());
+}
+
+TEST_F(LinuxDevicesTest, ADeviceThatAnotherProgramHasGrabbedIsSoToldAndTakenOnceItIsFree) {
+  pad = machine.Plug(1, Pad("a"));
+  pad->grabbedElsewhere = true;
+  device = Open(0, DISCL_EXCLUSIVE, DIERR_OTHERAPPHASPRIO);
+  EXPECT_FALSE(Tick(*device));
+  pad->grabbedElsewhere = false;
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+  EXPECT_TRUE(pad->IsGrabbed());
+}
+
+TEST_F(LinuxDevicesTest, ADeviceThatIsPulledWhileAnotherProgramHasItComesBackAsWell) {
+  pad = machine.Plug(1, Pad("a", "serial"));
+  pad->grabbedElsewhere = true;
+  device = Open(0, DISCL_EXCLUSIVE, DIERR_OTHERAPPHASPRIO);
+  machine.Pull(pad);
+  EXPECT_EQ(device->Acquire(), DIERR_INPUTLOST);
+  EXPECT_EQ(device->Poll(), DIERR_INPUTLOST);
+  pad = machine.Plug(2, Pad("a", "serial"));
+  ASSERT_TRUE(ComesBack(*device));
+  EXPECT_TRUE(pad->IsGrabbed());
 }
 
 TEST_F(LinuxDevicesTest, TheFirstStateIsWhatTheKernelHolds) {
