@@ -1,18 +1,10 @@
 #include "console/bug_report.h"
 
-#include <errno.h>
-#include <string.h>
-
-#include <filesystem>
-#include <fstream>
-
 #include "foundation/version.h"
 #include "keys/key_action.h"
 
 namespace kelvaro::console {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kColumns = 80;
 
@@ -53,32 +45,6 @@ std::string ReportText(const std::string& system, const std::vector<Remark>& rem
                           : "\nThe profile, without its name, its descriptions and its keys:\n" +
                                 profile + "\n";
   return text;
-}
-
-bool WriteReport(const std::string& path, const std::string& text, std::string* error) {
-  const auto fail = [error](int errorCode) {
-    *error = strerror(errorCode);
-    return false;
-  };
-  std::error_code problem;
-  if (fs::exists(path, problem) && !fs::is_regular_file(path, problem)) {
-    return fail(fs::is_directory(path, problem) ? EISDIR : EEXIST);
-  }
-  const std::string beside = path + ".new";
-  errno = 0;
-  std::ofstream file(beside, std::ios::binary);
-  file << text;
-  file.close();
-  if (!file) {
-    const int errorCode = errno != 0 ? errno : EIO;
-    fs::remove(beside, problem);
-    return fail(errorCode);
-  }
-  fs::rename(beside, path, problem);
-  if (!problem) return true;
-  const int errorCode = problem.value();
-  fs::remove(beside, problem);
-  return fail(errorCode);
 }
 
 }  // namespace kelvaro::console

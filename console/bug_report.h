@@ -19,8 +19,4 @@ void LeaveOutTypedTexts(Profile* profile);
 std::string ReportText(const std::string& system, const std::vector<Remark>& remarks,
                        const std::string& profile, const std::string& home);
 
-// Writes the file beside its place and renames it. False, with *error in words and the place as it
-// was, where that can't be; what is there but is no file, such as a terminal, is left alone.
-bool WriteReport(const std::string& path, const std::string& text, std::string* error);
-
 }  // namespace kelvaro::console

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "console/profile_text.h"
+#include "console/svg.h"
 #include "console/terminal_text.h"
 #include "engine/input_text.h"
 
@@ -56,21 +57,10 @@ std::vector<Line> Lines(const Profile& profile, const Conflicts& conflicts) {
 
 bool MayComeFirst(const Silencing& silencing) { return silencing.first == Effect::Fires; }
 
-std::string Escaped(const std::string& text, const std::map<char, std::string>& escapes) {
-  std::string escaped;
-  for (const char c : text) {
-    const auto found = escapes.find(c);
-    escaped += found == escapes.end() ? std::string(1, c) : found->second;
-  }
-  return escaped;
-}
-
 std::string DotText(const std::string& text) {
-  return Escaped(text, {{'"', "\\\""}, {'\\', "\\\\"}});
-}
-
-std::string XmlText(const std::string& text) {
-  return Escaped(text, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}});
+  std::string escaped;
+  for (const char c : text) escaped += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
+  return escaped;
 }
 
 constexpr std::size_t kRow = 28;      // from line to line; all in the picture's own units
@@ -94,20 +84,12 @@ class Picture {
   }
 
   std::string Svg() const {
-    const std::string width = std::to_string(left + text + right + 2 * (kMargin + kGap));
-    const std::string height = std::to_string(lines.size() * kRow + 2 * kMargin);
     std::string svg =
-        "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + width + "\" height=\"" + height +
-        "\" viewBox=\"0 0 " + width + " " + height +
-        "\" font-family=\"monospace\" font-size=\"13\">\n"
         "<defs><marker id=\"end\" viewBox=\"0 0 10 10\" refX=\"9\" refY=\"5\" "
         "markerWidth=\"9\" markerHeight=\"9\" markerUnits=\"userSpaceOnUse\" orient=\"auto\">"
-        "<path d=\"M0 0L10 5L0 10z\"/></marker></defs>\n"
-        "<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n";
+        "<path d=\"M0 0L10 5L0 10z\"/></marker></defs>\n";
     for (const Line& line : lines) {
-      svg += "<text x=\"" + std::to_string(kMargin + left + kGap) + "\" y=\"" +
-             std::to_string(Middle(line.place) + 4) + "\">" + XmlText(TextOfLine(line)) +
-             "</text>\n";
+      svg += SvgText(kMargin + left + kGap, Middle(line.place) + 4, TextOfLine(line));
     }
     for (const Silencing& each : conflicts.silencings) {
       svg += Arc(each.by, each.silenced, true,
@@ -117,7 +99,8 @@ class Picture {
       if (!IsOneWay(each, conflicts.repeatLosses)) continue;
       svg += Arc(each.loser, each.winner, false, "stroke-dasharray=\"4 3\"");
     }
-    return svg + "</svg>\n";
+    return SvgPicture(left + text + right + 2 * (kMargin + kGap), lines.size() * kRow + 2 * kMargin,
+                      svg);
   }
 
  private:

@@ -14,6 +14,7 @@
 #include "console/machine_facts.h"
 #include "console/profile_json.h"
 #include "console/profile_source.h"
+#include "console/write_file.h"
 
 namespace kelvaro::console {
 namespace {
@@ -50,7 +51,7 @@ bool Report(const DoctorOptions& options, const std::vector<Remark>& remarks, St
   const char* const home = std::getenv("HOME");
   const std::string text = ReportText(SystemText(), remarks, json, home ? home : "");
   std::string error;
-  if (!WriteReport(*options.report, text, &error)) {
+  if (!WriteWholeFile(*options.report, text, &error)) {
     Complain(streams.err, *options.report + ": " + error);
     return false;
   }

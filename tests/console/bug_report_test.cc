@@ -3,11 +3,8 @@
 #include <gtest/gtest.h>
 #include <json/json.h>
 
-#include <filesystem>
-
 #include "console/profile_json.h"
 #include "foundation/version.h"
-#include "tests/host/files.h"
 
 namespace kelvaro::console {
 namespace {
@@ -52,27 +49,6 @@ TEST(ReportText, HasTheVersionTheSystemTheRemarksAndTheProfile) {
   EXPECT_NE(without.find("/home/an other/Profiles"), std::string::npos);
   EXPECT_TRUE(without.ends_with("\nNo profile.\n")) << without;
   EXPECT_EQ(ReportText("Some Linux", kRemarks, "", "/"), without) << "no home of a person";
-}
-
-TEST(WriteReport, ReplacesAFileAndLeavesNothingBeside) {
-  const tests::TemporaryFolder folder;
-  const std::string path = tests::Put(folder.In("report.txt"), "before");
-  std::string error;
-  EXPECT_TRUE(WriteReport(path, "after", &error)) << error;
-  EXPECT_EQ(tests::Content(path), "after");
-  EXPECT_FALSE(std::filesystem::exists(path + ".new"));
-}
-
-TEST(WriteReport, SaysWhyItCant) {
-  const tests::TemporaryFolder folder;
-  std::string error;
-  EXPECT_FALSE(WriteReport(folder.In("none/report.txt"), "text", &error));
-  EXPECT_EQ(error, "No such file or directory");
-  EXPECT_FALSE(WriteReport(folder.In(""), "text", &error));
-  EXPECT_EQ(error, "Is a directory");
-  EXPECT_FALSE(WriteReport("/dev/null", "text", &error));
-  EXPECT_EQ(error, "File exists");
-  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
 }
 
 }  // namespace
