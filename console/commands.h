@@ -137,6 +137,14 @@ struct PlayBackOptions {
 };
 int PlayBackCommand(const PlayBackOptions& options, Streams streams);
 
+struct LatencyOptions {
+  std::optional<std::string> profile;  // file or stored name, for its interval
+  std::optional<std::uint32_t> presses;
+  std::optional<std::string> svg;  // file
+  bool json = false;
+};
+int LatencyCommand(const LatencyOptions& options, Streams streams);
+
 // Which of them count follows from the command.
 struct SettingsOptions {
   std::string name;

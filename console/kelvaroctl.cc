@@ -60,6 +60,7 @@ struct Choice {
   RunOptions explain;
   RunOptions test;
   PlayBackOptions playBack;
+  LatencyOptions latency;
   SettingsOptions settings;
   std::function<int(Streams)> command;
 };
@@ -406,6 +407,44 @@ void AddPlayBack(CLI::App& app, Choice& choice) {
   Choose(playBack, choice, choice.playBack, &PlayBackCommand);
 }
 
+void AddLatency(CLI::App& app, Choice& choice) {
+  CLI::App* latency =
+      app.add_subcommand("latency", "Measure the time from press to key on this machine");
+  latency->footer(
+      "Makes a pad and a keyboard of its own, presses a button of the pad, and measures until a "
+      "program that waits for the key has read it: with a program that does nothing but that (the "
+      "machine alone), and with Kelvaro at the profile's interval (5 ms without one) and at once, "
+      "as by --wake. It also counts short taps that give no key. That takes half a minute. No "
+      "other "
+      "program gets anything of the pad or the keys, though the desktop may show for a moment that "
+      "they are there. It takes /dev/uinput.\n"
+      "--svg draws which share of the presses had their key after which time.\n"
+      "With --json a line for each of the three: way (machine, interval, wake), interval (ms), "
+      "presses, lost, kernel and read (until the kernel has the key, until it was read; each with "
+      "least, median, p95, p99 and slowest, in microseconds), taps and tapsLost.");
+  latency->add_option("FILE|NAME", choice.latency.profile, kProfileHelp);
+  const auto presses = [&choice](const std::string& text) {
+    constexpr std::uint32_t kFewest = 10;
+    constexpr std::uint32_t kMost = 100000;
+    const auto number = platform::ParseWholeNumber(text);
+    if (!number || *number < kFewest || *number > kMost) {
+      throw CLI::ValidationError("--presses", "'" + text + "' is not a number from " +
+                                                  std::to_string(kFewest) + " to " +
+                                                  std::to_string(kMost));
+    }
+    choice.latency.presses = static_cast<std::uint32_t>(*number);
+  };
+  latency
+      ->add_option_function<std::string>("--presses", presses,
+                                         "how often to press in each way (200, fewer where the "
+                                         "interval is long)")
+      ->type_name("NUMBER");
+  latency->add_option("--svg", choice.latency.svg, "draw a picture into this file as well")
+      ->type_name("FILE");
+  latency->add_flag("--json", choice.latency.json, kJsonHelp);
+  Choose(latency, choice, choice.latency, &LatencyCommand);
+}
+
 void AddSettings(CLI::App& app, Choice& choice) {
   CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
   settings->require_subcommand(1);
@@ -464,6 +503,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddExplain(app, choice);
   AddTest(app, choice);
   AddPlayBack(app, choice);
+  AddLatency(app, choice);
   AddSettings(app, choice);
   // Last: commands take over what their program has as they are added.
   app.footer(

@@ -76,7 +76,7 @@ class Playing {
     if (change.hasLost && change.lost) pad.reset();
     if (change.hasLost && !change.lost && !pad && !PlugIn(error)) return false;
     int errorCode = 0;
-    if (!pad || pad->Send(state, &errorCode)) return true;
+    if (!pad || pad->Send(pad->ReportOf(state), &errorCode)) return true;
     *error = "the pad can't be moved: " + platform::UinputAdvice(errorCode);
     return false;
   }

@@ -103,6 +103,11 @@ void RealMachine::KeepEvents(std::function<void(const SentEvent&)> listener) {
   parts->Install();
 }
 
+void RealMachine::SendTo(platform::Input& output) {
+  parts->groups.input = &output;
+  parts->Install();
+}
+
 const platform::Platform& RealMachine::Groups() const { return parts->groups; }
 
 void RealMachine::StartOfTime() {

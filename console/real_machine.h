@@ -38,6 +38,9 @@ class RealMachine {
   // else.
   void KeepEvents(std::function<void(const SentEvent&)> listener);
 
+  // In place of OpenOutput: keys and mouse events go to `output`, which must outlive this.
+  void SendTo(platform::Input& output);
+
   // What is installed, to put something between.
   const platform::Platform& Groups() const;
 

@@ -4,6 +4,7 @@
 #include <linux/input.h>
 #include <linux/uinput.h>
 #include <signal.h>
+#include <string.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +15,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "console/percentile.h"
 #include "tests/kernel/trace.h"
 #include "tests/kernel/wait.h"
 
@@ -43,6 +45,15 @@ std::string WaitForInput(const char* name) {
     Fail(std::string("there is no ") + name);
   }
   return path;
+}
+
+std::unique_ptr<platform::KeyWatch> WatchKeys(const char* name) {
+  int errorCode = 0;
+  auto keys = platform::KeyWatch::Open(WaitForInput(name), &errorCode);
+  if (!keys) {
+    Fail(std::string(name) + " can't be read: " + strerror(errorCode));
+  }
+  return keys;
 }
 
 int BareDevice(const char* name, int type, const std::vector<int>& codes) {
@@ -102,7 +113,7 @@ void OpenForAll(const std::string& node) {
 Program::Program(const UinputPad& pad, const std::string& profile, const ProgramOptions& options)
     : child((OpenForAll(pad.Node()), OpenForAll("/dev/uinput"), Command(profile, options)),
             ChildOptions{.asNobody = options.asNobody}) {
-  keyboard = std::make_unique<Reader>(WaitForInput(kKeyboardName));
+  keyboard = WatchKeys(kKeyboardName);
   mouse = std::make_unique<Reader>(WaitForInput(kMouseName));
   if (!Eventually([&] { return DescriptorOf(child.Id(), pad.Node()) >= 0; }, 20000)) {
     Fail("kelvaroctl doesn't start: " + child.Err());
@@ -154,15 +165,8 @@ void PrintShare(const std::string& what, const Usage& before, const Usage& after
 
 void PrintTimes(const std::string& what, std::vector<double> us) {
   std::sort(us.begin(), us.end());
-  // Between the two nearest where it falls between.
-  const auto at = [&](double part) {
-    const double place = part * static_cast<double>(us.size() - 1);
-    const std::size_t below = static_cast<std::size_t>(place);
-    const std::size_t above = std::min(below + 1, us.size() - 1);
-    return us[below] + (us[above] - us[below]) * (place - static_cast<double>(below));
-  };
-  std::printf("%-52s %7.0f %7.0f %7.0f %7.0f\n", what.c_str(), us.front(), at(0.5), at(0.95),
-              us.back());
+  std::printf("%-52s %7.0f %7.0f %7.0f %7.0f\n", what.c_str(), us.front(), Percentile(us, 0.5),
+              Percentile(us, 0.95), us.back());
   std::fflush(stdout);
 }
 

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/linux/press_timing.h"
 #include "tests/kernel/child.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/reader.h"
@@ -24,6 +25,10 @@ PadShape BenchPad();
 
 // The node of the input device of that name, as soon as there is one.
 std::string WaitForInput(const char* name);
+
+// The keys of the device of that name, as soon as there is one, for us alone: the console would
+// type them too.
+std::unique_ptr<platform::KeyWatch> WatchKeys(const char* name);
 
 // An input device of the kernel's that sends events of one type, without any library between us and
 // the kernel: its descriptor. Closing it takes it away.
@@ -54,13 +59,13 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  Reader& Keyboard() { return *keyboard; }
+  platform::KeyWatch& Keyboard() { return *keyboard; }
   Reader& Mouse() { return *mouse; }
   pid_t Id() const { return child.Id(); }
 
  private:
   Child child;
-  std::unique_ptr<Reader> keyboard;
+  std::unique_ptr<platform::KeyWatch> keyboard;
   std::unique_ptr<Reader> mouse;
 };
 

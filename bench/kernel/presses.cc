@@ -1,19 +1,12 @@
 #include <fcntl.h>
 #include <linux/input.h>
-#include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <ctime>
-#include <numeric>
-#include <random>
 
 #include "bench/kernel/measure.h"
-#include "tests/kernel/trace.h"
-#include "tests/kernel/wait.h"
 
 namespace kelvaro::kernel {
 namespace {
@@ -59,80 +52,44 @@ void MeasureReadBack() {
   PrintTimes("uinput write, read straight back", times);
 }
 
-// From just before the pad's event on, in microseconds.
-struct Times {
-  std::vector<double> sent;  // to the time that the kernel gives the key event
-  std::vector<double> seen;  // to when a thread that waited for it has read it
-};
-
-// The presses come in random order at evenly spread phases of `intervalUs`: the median then doesn't
-// depend on luck, as it would by some 15 us with phases taken at random.
-Times PressTimes(UinputPad& pad, Reader& keyboard, int intervalUs) {
-  std::mt19937 random(20240229);
-  std::vector<int> phases(kPresses + kWarmUp);
-  std::iota(phases.begin(), phases.end(), -kWarmUp);
-  std::shuffle(phases.begin() + kWarmUp, phases.end(), random);
-  Times times;
-  const auto next = [&](int phase) {
-    const std::int64_t whole = (NowUs() + 25000) / intervalUs * intervalUs;
-    const std::int64_t step = intervalUs / kPresses;
-    std::uniform_int_distribution<std::int64_t> within(0, step);
-    WaitUntilUs(whole + (phase + kPresses) % kPresses * intervalUs / kPresses + within(random));
+platform::PressButton ButtonOf(UinputPad& pad) {
+  return [&pad](bool down) {
+    down ? pad.Press(0) : pad.Release(0);
+    return true;
   };
-  for (const int phase : phases) {
-    keyboard.Clear();
-    next(phase);
-    const std::int64_t begin = NowUs();
-    pad.Press(0);
-    if (!keyboard.WaitFor(1, 2000)) {
-      Fail("a press doesn't come through");
-    }
-    if (phase >= 0) {
-      const KernelEvent key = keyboard.Events()[0];
-      times.sent.push_back(static_cast<double>(key.us - begin));
-      times.seen.push_back(static_cast<double>(key.seenUs - begin));
-    }
-    next(phase);
-    pad.Release(0);
-    if (!keyboard.WaitFor(2, 2000)) {
-      Fail("a release doesn't come through");
-    }
+}
+
+bool GoOn() { return true; }
+
+platform::PressTimes PressTimes(UinputPad& pad, platform::KeyWatch& keyboard, int intervalUs) {
+  const platform::PressTimes times = platform::TimePresses(
+      ButtonOf(pad), keyboard, {.intervalUs = intervalUs, .presses = kPresses, .warmUp = kWarmUp},
+      GoOn);
+  if (times.lost > 0) {
+    Fail("a press doesn't come through");
   }
   return times;
 }
 
-void Print(const std::string& what, const Times& times) {
+void Print(const std::string& what, const platform::PressTimes& times) {
   PrintTimes(what, times.sent);
   PrintTimes("  until a waiting thread has read it", times.seen);
 }
 
-// A program that does nothing but wait for the pad and send a key.
 void MeasureForwarder() {
   UinputPad pad(BenchPad());
-  const pid_t forwarder = fork();
-  if (forwarder == 0) {
-    const int out = BareDevice(kForwarderName, EV_KEY, {KEY_A});
-    const int in = open(pad.Node().c_str(), O_RDONLY | O_CLOEXEC);
-    input_event events[16];
-    ssize_t size;
-    while ((size = read(in, events, sizeof events)) > 0) {
-      for (std::size_t i = 0; i < static_cast<std::size_t>(size) / sizeof events[0]; ++i) {
-        if (events[i].type == EV_KEY && events[i].code == BTN_SOUTH) {
-          SendKey(out, events[i].value);
-        }
-      }
-    }
-    _exit(0);
-  }
+  const int out = BareDevice(kForwarderName, EV_KEY, {KEY_A});
   {
-    Reader keyboard(WaitForInput(kForwarderName));
-    if (!Eventually([&] { return DescriptorOf(forwarder, pad.Node()) >= 0; }, 5000)) {
+    const auto keyboard = WatchKeys(kForwarderName);
+    int errorCode = 0;
+    const auto forwarder =
+        platform::Forwarder::Start(pad.Node(), BTN_SOUTH, out, KEY_A, &errorCode);
+    if (!forwarder) {
       Fail("the forwarder doesn't start");
     }
-    Print("blocking forwarder, pad to key", PressTimes(pad, keyboard, 1000));
+    Print("blocking forwarder, pad to key", PressTimes(pad, *keyboard, 1000));
   }
-  kill(forwarder, SIGKILL);
-  waitpid(forwarder, nullptr, 0);
+  close(out);
 }
 
 std::string Named(int intervalMs, const ProgramOptions& options) {
@@ -156,24 +113,10 @@ void CountLostTaps(int intervalMs, const ProgramOptions& options = {}) {
   constexpr int kTaps = 100;
   UinputPad pad(BenchPad());
   Program program(pad, Profile(intervalMs), options);
-  std::mt19937 random(20240229);
-  std::uniform_int_distribution<int> phase(0, intervalMs * 1000);
-  std::uniform_int_distribution<int> length(1000, 4000);
-  for (int i = 0; i < kTaps; ++i) {
-    const std::int64_t press = NowUs() + 50000 + phase(random);
-    WaitUntilUs(press);
-    pad.Press(0);
-    WaitUntilUs(press + length(random));
-    pad.Release(0);
-  }
-  WaitMs(100);
-  int downs = 0;
-  for (const KernelEvent& event : program.Keyboard().Events()) {
-    downs += event.value;
-  }
+  const auto lost =
+      platform::CountLostTaps(ButtonOf(pad), program.Keyboard(), intervalMs * 1000, kTaps, GoOn);
   std::printf("%-52s %7d of %d\n",
-              (Named(intervalMs, options) + ", taps of 1 to 4 ms lost").c_str(), kTaps - downs,
-              kTaps);
+              (Named(intervalMs, options) + ", taps of 1 to 4 ms lost").c_str(), *lost, kTaps);
   std::fflush(stdout);
 }
 

@@ -7,9 +7,9 @@
 namespace kelvaro::console {
 namespace {
 
-const std::vector<std::string> kCommands{"keys",  "play",    "profiles", "show",      "pack",
-                                         "check", "devices", "doctor",   "watch",     "record",
-                                         "run",   "explain", "test",     "play-back", "settings"};
+const std::vector<std::string> kCommands{
+    "keys",  "play",   "profiles", "show",    "pack", "check",     "devices", "doctor",
+    "watch", "record", "run",      "explain", "test", "play-back", "latency", "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -38,6 +38,12 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"play", "a", "--hold-time", "4294967296"},
       {"play", "a", "--hold-time", "18446744073709551616"},
       {"play", "a", "--hold-time", "1.5"},
+      {"latency", "--presses", "9"},
+      {"latency", "--presses", "100001"},
+      {"latency", "--presses", "1e2"},
+      {"latency", "--presses"},
+      {"latency", "--svg"},
+      {"latency", "a", "b"},
       {"play", "a", "--hold-time", "0x10"},
       {"play", "a", "--hold-time", "5 "},
       {"play", "a", "--hold-time", ""},
@@ -195,6 +201,7 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"run",
        {"FILE", "NAME", "--simulate", "--replay", "--device", "--mouse-active", "--wake", "--grab",
         "--until", "--json", "--help"}},
+      {"latency", {"FILE", "NAME", "--presses", "--svg", "--json", "--help"}},
       {"settings", {"list", "get", "set", "--help"}},
   };
   for (const auto& c : kCases) {

@@ -122,7 +122,8 @@ bool HasLetters(const DeviceFacts& facts) {
 }
 
 bool IsGameDevice(const DeviceFacts& facts) {
-  if (facts.ids.name == kKeyboardName || facts.ids.name == kMouseName) return false;
+  for (const char* own : {kKeyboardName, kMouseName, kMeasuredKeysName})
+    if (facts.ids.name == own) return false;
   if (facts.properties[INPUT_PROP_ACCELEROMETER]) return false;
   if (IsKeyboard(facts) || IsMouse(facts) || IsTouched(facts)) return false;
   return HasGameButtons(facts) || HasGameAxes(facts);

@@ -11,6 +11,8 @@ namespace platform {
 
 constexpr char kKeyboardName[] = "Kelvaro Keyboard";
 constexpr char kMouseName[] = "Kelvaro Mouse";
+// Takes the keys of a measurement in place of the keyboard; see console/latency_command.cc.
+constexpr char kMeasuredKeysName[] = "Kelvaro Measured Keys";
 
 class UinputInput : public KernelEvents {
  public:

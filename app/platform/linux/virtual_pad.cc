@@ -1,10 +1,14 @@
 #include "app/platform/linux/virtual_pad.h"
 
+#include <errno.h>
 #include <libevdev/libevdev-uinput.h>
 #include <libevdev/libevdev.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <utility>
+
+#include "app/platform/linux/descriptor.h"
 
 namespace platform {
 namespace {
@@ -84,11 +88,14 @@ std::unique_ptr<VirtualPad> VirtualPad::Open(const VirtualPadShape& shape, int* 
 VirtualPad::VirtualPad(const DeviceFacts& facts, UinputDevice made)
     : layout(LayOut(facts)), device(std::move(made)) {}
 
-bool VirtualPad::Send(const DIJOYSTATE2& state, int* errorCode) {
-  // The kernel drops what changes nothing.
-  int result = 0;
+std::vector<input_event> VirtualPad::ReportOf(const DIJOYSTATE2& state) const {
+  std::vector<input_event> events;
   const auto put = [&](unsigned type, unsigned code, std::int32_t value) {
-    if (result == 0) result = libevdev_uinput_write_event(device.get(), type, code, value);
+    input_event event{};  // the kernel fills in the time
+    event.type = static_cast<std::uint16_t>(type);
+    event.code = static_cast<std::uint16_t>(code);
+    event.value = value;
+    events.push_back(event);
   };
   for (unsigned code = 0; code < KEY_CNT; ++code)
     if (layout.buttonSlot[code] != kNoSlot)
@@ -104,8 +111,15 @@ bool VirtualPad::Send(const DIJOYSTATE2& state, int* errorCode) {
     put(EV_ABS, x + 1, Down(state.rgdwPOV[hat]));
   }
   put(EV_SYN, SYN_REPORT, 0);
-  *errorCode = -result;
-  return result == 0;
+  return events;
+}
+
+bool VirtualPad::Send(const std::vector<input_event>& report, int* errorCode) {
+  const std::size_t size = report.size() * sizeof report[0];
+  const ssize_t written =
+      Retry([&] { return write(libevdev_uinput_get_fd(device.get()), report.data(), size); });
+  *errorCode = written < 0 ? errno : EIO;
+  return written == static_cast<ssize_t>(size);
 }
 
 }  // namespace platform

@@ -3,10 +3,13 @@
 // way, the kernel takes it away. One thread at a time.
 #pragma once
 
+#include <linux/input.h>
+
 #include <bitset>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/platform/linux/device_layout.h"
 #include "app/platform/linux/uinput_device.h"
@@ -31,10 +34,14 @@ class VirtualPad {
   // All at rest. Null on failure, with the errno value in *errorCode.
   static std::unique_ptr<VirtualPad> Open(const VirtualPadShape& shape, int* errorCode);
 
-  // One report of what isn't as it was in the state sent before. Slots that the shape lacks are
-  // passed over, and values beyond the ends are the ends. False, with *errorCode, where the kernel
-  // doesn't take it.
-  bool Send(const DIJOYSTATE2& state, int* errorCode);
+  // The state as one report, of which the kernel drops what is as it was. Slots that the shape
+  // lacks are passed over, and values beyond the ends are the ends.
+  std::vector<input_event> ReportOf(const DIJOYSTATE2& state) const;
+  // One system call. False, with *errorCode, where the kernel doesn't take it.
+  bool Send(const std::vector<input_event>& report, int* errorCode);
+
+  // Where it shows up, such as "/dev/input/event7"; empty if that can't be told.
+  std::string Node() const { return NodeOf(device); }
 
  private:
   VirtualPad(const DeviceFacts& facts, UinputDevice device);

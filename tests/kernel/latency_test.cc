@@ -1,0 +1,153 @@
+// kelvaroctl latency: what it measures, and that nobody else gets anything of it.
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/input.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "app/platform/linux/descriptor.h"
+#include "tests/host/files.h"
+#include "tests/kernel/pad.h"
+#include "tests/kernel/profile_run.h"
+#include "tests/kernel/wait.h"
+
+namespace kelvaro::kernel {
+namespace {
+
+constexpr char kMeasured[] = "Kelvaro Measured ";  // the pad's and the keys' names begin so
+
+std::vector<InputNode> MeasuredNodes() {
+  std::vector<InputNode> nodes = InputNodes();
+  std::erase_if(nodes, [](const InputNode& node) { return node.name.rfind(kMeasured, 0) != 0; });
+  return nodes;
+}
+
+void ExpectOrdered(const Json::Value& times) {
+  const char* const kNames[] = {"least", "median", "p95", "p99", "slowest"};
+  for (std::size_t i = 0; i < std::size(kNames); ++i) {
+    ASSERT_TRUE(times[kNames[i]].isDouble()) << kNames[i];
+    EXPECT_GT(times[kNames[i]].asDouble(), 0) << kNames[i];
+    if (i == 0) continue;
+    EXPECT_GE(times[kNames[i]].asDouble(), times[kNames[i - 1]].asDouble()) << kNames[i];
+  }
+}
+
+TEST(Latency, AnIdleMachineLosesNothing) {
+  const std::string profile = WriteFile("{\"pollInterval\":3}");
+  const std::string picture = WriteFile("");
+  Child latency(
+      {KelvaroctlPath(), "latency", "--json", "--presses", "20", "--svg", picture, profile});
+  ASSERT_EQ(latency.WaitForEnd(120s), 0) << latency.Err();
+  const std::vector<Json::Value> ways = JsonLines(latency.Out());
+  ASSERT_EQ(ways.size(), 3U);
+  for (const Json::Value& way : ways) {
+    SCOPED_TRACE(way["way"].asString());
+    EXPECT_EQ(way["presses"].asInt(), 20);
+    EXPECT_EQ(way["lost"].asInt(), 0);
+    ExpectOrdered(way["kernel"]);
+    ExpectOrdered(way["read"]);
+    EXPECT_LE(way["kernel"]["median"].asDouble(), way["read"]["median"].asDouble());
+  }
+  EXPECT_EQ(ways[0]["way"].asString(), "machine");
+  EXPECT_EQ(ways[1]["way"].asString(), "interval");
+  EXPECT_EQ(ways[1]["interval"].asInt(), 3);
+  EXPECT_EQ(ways[1]["taps"].asInt(), 20);
+  EXPECT_LE(ways[1]["tapsLost"].asInt(), 20);
+  EXPECT_EQ(ways[2]["taps"].asInt(), 20);
+  EXPECT_EQ(ways[2]["way"].asString(), "wake");
+  EXPECT_EQ(ways[2]["tapsLost"].asInt(), 0);
+  const std::string svg = tests::Content(picture);
+  EXPECT_EQ(svg.rfind("<svg ", 0), 0U) << svg;
+  EXPECT_TRUE(MeasuredNodes().empty());
+}
+
+// The buttons and keys that an open node has told of.
+int Told(const platform::Descriptor& node) {
+  int told = 0;
+  input_event event;
+  while (read(node.Get(), &event, sizeof event) == sizeof event) told += event.type == EV_KEY;
+  return told;
+}
+
+TEST(Latency, NobodyElseGetsThePadOrTheKeys) {
+  Child latency({KelvaroctlPath(), "latency", "--presses", "10"});
+  std::vector<InputNode> nodes;
+  ASSERT_TRUE(Eventually(
+      [&] {
+        nodes = MeasuredNodes();
+        return nodes.size() == 2;
+      },
+      10000))
+      << latency.Err();
+  std::vector<platform::Descriptor> others;
+  for (const InputNode& node : nodes) {
+    others.emplace_back(open(node.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(others.back()) << node.path;
+  }
+  ASSERT_EQ(latency.WaitForEnd(120s), 0) << latency.Err();
+  for (const platform::Descriptor& other : others) EXPECT_EQ(Told(other), 0);
+  EXPECT_NE(latency.Out().find("the machine alone"), std::string::npos) << latency.Out();
+}
+
+// That is how the user at the machine gets the right to read them.
+TEST(Latency, TheSystemTakesBothForGamePads) {
+  Child latency({KelvaroctlPath(), "latency"});
+  const auto arePads = [] {
+    const std::vector<InputNode> nodes = MeasuredNodes();
+    for (const InputNode& node : nodes) {
+      struct stat status = {};
+      stat(node.path.c_str(), &status);
+      const std::string told =
+          tests::Content("/run/udev/data/c" + std::to_string(major(status.st_rdev)) + ":" +
+                         std::to_string(minor(status.st_rdev)));
+      if (told.find("E:ID_INPUT_JOYSTICK=1\n") == std::string::npos) return false;
+    }
+    return nodes.size() == 2;
+  };
+  EXPECT_TRUE(Eventually(arePads, 20000)) << latency.Err();
+  // Kelvaro itself takes the keys for none.
+  for (const Json::Value& device : Devices())
+    EXPECT_NE(device["name"].asString(), "Kelvaro Measured Keys");
+  latency.Signal(SIGINT);
+  latency.WaitForEnd(10s);
+}
+
+TEST(Latency, CtrlCEndsItWithoutAWord) {
+  const std::string picture = WriteFile("as it was");
+  Child latency({KelvaroctlPath(), "latency", "--presses", "20", "--svg", picture});
+  ASSERT_TRUE(Eventually([&] { return latency.Err().find("2 of 3") != std::string::npos; }, 120000))
+      << latency.Err();
+  latency.Signal(SIGINT);
+  EXPECT_NE(latency.WaitForEnd(10s), 0);
+  EXPECT_EQ(latency.Out(), "");
+  EXPECT_EQ(latency.Err().find("kelvaroctl: "), std::string::npos) << latency.Err();
+  EXPECT_EQ(tests::Content(picture), "as it was");
+  EXPECT_TRUE(Eventually([] { return MeasuredNodes().empty(); }, 5000));
+}
+
+TEST(Latency, MissingUinputIsSaidWithWhatToDo) {
+  ASSERT_EQ(rename("/dev/uinput", "/dev/uinput.away"), 0);
+  const Finished latency = RunToEnd({KelvaroctlPath(), "latency"});
+  ASSERT_EQ(rename("/dev/uinput.away", "/dev/uinput"), 0);
+  EXPECT_EQ(latency.status, 1);
+  EXPECT_EQ(latency.out, "");
+  EXPECT_NE(latency.err.find("uinput is not loaded"), std::string::npos) << latency.err;
+}
+
+// Nobody sits at this machine.
+TEST(Latency, AUserWhoMayNotReadPadsIsToldSo) {
+  ASSERT_EQ(chmod("/dev/uinput", 0666), 0);
+  const Finished latency = RunToEnd({KelvaroctlPath(), "latency"}, {.asNobody = true});
+  ASSERT_EQ(chmod("/dev/uinput", 0600), 0);
+  EXPECT_EQ(latency.status, 1);
+  EXPECT_EQ(latency.out, "");
+  EXPECT_NE(latency.err.find("can't be kept for itself: Permission denied"), std::string::npos)
+      << latency.err;
+}
+
+}  // namespace
+}  // namespace kelvaro::kernel
