@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include "app/platform/recording/recording.h"
-#include "app/platform/simulation/simulation.h"
-#include "console/engine_session.h"
+#include "console/engine_trial.h"
 #include "console/fitting_states.h"
 #include "console/profile_check.h"
 #include "engine/input_text.h"
@@ -19,73 +17,9 @@ namespace {
 using platform::StateAtRest;
 using States = std::vector<DIJOYSTATE2>;
 
-// An engine with one or two Controls, which send nothing, and what it decides about them.
-class Trial : public DispatchObserver {
- public:
-  explicit Trial(const MouseSettings& mouse) : device(platform::kNoWindow) {
-    static_cast<MouseSettings&>(profile) = mouse;
-    engine.Attach();
-    engine.SetObserver(this);
-  }
-
-  // Goes through the states from rest, and back. The Controls in the order of the DispatchList.
-  void Play(const std::vector<const Control*>& controls, bool mouseActive, const States& states) {
-    engine.repeatWorker.Clear();
-    profile.controls.Clear();
-    for (const Control* control : controls) Add(*control);
-    profile.RebuildDispatchList();
-    engine.mouseActive = mouseActive;
-    firings.clear();
-    takenButtons = 0;
-    repeatLosers.clear();
-    moment = 0;
-    for (const DIJOYSTATE2& state : states) Dispatch(state);
-    Dispatch(StateAtRest());
-  }
-
-  // Of the last Play. The moments at which the last of the Controls fires: its state's number.
-  std::vector<std::size_t> firings;
-  std::uint64_t takenButtons = 0;
-  std::set<std::uint32_t> repeatLosers;  // places, from 1
-
-  void ChangeBegins(const DeviceSnapshot&) override {}
-  void ChangeEnds() override { ++moment; }
-  void MouseTakes(std::uint64_t buttons) override { takenButtons |= buttons; }
-  void ControlJudged(const Control& control, Verdict verdict, const Control*) override {
-    const auto count = static_cast<std::uint32_t>(profile.controls.count);
-    if (verdict == Verdict::Fires && control.controlId == count) firings.push_back(moment);
-  }
-  void MouseSwitched(bool) override {}
-  void RepeatLost(const Control& control, const Control&) override {
-    repeatLosers.insert(control.controlId);
-  }
-  void Repeats(const Control&) override {}
-
- private:
-  void Add(const Control& source) {
-    if (!profile.controls.AddTail({})) return;
-    Control& control = *profile.controls.tail->value;
-    control.CopyTrigger(source);
-    control.repeatEnabled = source.repeatEnabled;
-    control.controlId = static_cast<std::uint32_t>(profile.controls.count);
-  }
-
-  void Dispatch(const DIJOYSTATE2& state) {
-    LockGuard guard(device.deviceLock);
-    ControlDispatcher(&device, &state, &engine);
-  }
-
-  platform::simulation::Simulation machine;
-  Profile profile;
-  ConsoleHost host;
-  DeviceManager device;
-  ControlEngine engine{profile, device, host};
-  std::size_t moment = 0;
-};
-
 // What comes of `inner` when these states lead to the one in which both are held. `alone`, where
 // there is one, is that in which only the inner is.
-Effect Judge(Trial* trial, const Control& outer, const Control& inner, const States& states,
+Effect Judge(EngineTrial* trial, const Control& outer, const Control& inner, const States& states,
              const std::optional<DIJOYSTATE2>& alone) {
   trial->Play({&inner}, false, states);
   const std::vector<std::size_t> without = trial->firings;
@@ -117,7 +51,8 @@ bool IsAtRest(const DIJOYSTATE2& state) {
 }
 
 // Whether it keeps the inner silent in any order.
-bool JudgeOrders(Trial* trial, const Control& outer, const Control& inner, Silencing* silencing) {
+bool JudgeOrders(EngineTrial* trial, const Control& outer, const Control& inner,
+                 Silencing* silencing) {
   const auto both = SharedState(outer, inner);
   if (!both) return false;
   const auto alone = AloneState(inner, outer);
@@ -136,7 +71,8 @@ bool JudgeOrders(Trial* trial, const Control& outer, const Control& inner, Silen
 bool Repeats(const Control& control) { return control.repeatEnabled && control.activateOnPress; }
 
 // Whether `loser`, which is held, stops to repeat when `winner` is held as well.
-bool LosesRepeat(Trial* trial, const std::vector<const Control*>& both, std::size_t loserPlace) {
+bool LosesRepeat(EngineTrial* trial, const std::vector<const Control*>& both,
+                 std::size_t loserPlace) {
   const Control& loser = *both[loserPlace];
   const Control& winner = *both[1 - loserPlace];
   const auto shared = SharedState(loser, winner);
@@ -148,29 +84,12 @@ bool LosesRepeat(Trial* trial, const std::vector<const Control*>& both, std::siz
   return trial->repeatLosers.count(static_cast<std::uint32_t>(loserPlace) + 1) > 0;
 }
 
-// What the mouse controls have of a Control that doesn't fire while they are on; "" where it does.
-std::string TakenInputs(Trial* trial, const MouseSettings& mouse, const Control& control) {
-  const auto held =
-      FindState({&control}, [&](const DIJOYSTATE2& state) { return IsHeld(control, state); });
-  if (!held) return "";
-  trial->Play({&control}, true, {*held});
-  if (!trial->firings.empty()) return "";
-  Trigger taken;
-  taken.SetButtonMask(trial->takenButtons & control.buttonMask);
-  for (const TriggerItem& item : control.triggerItems) {
-    if (IsMouseInput(mouse, item)) taken.triggerItems.AddTail(item);
-  }
-  ByteString text;
-  TriggerText(taken, &text);
-  return Bytes(text);
-}
-
 }  // namespace
 
 Conflicts FindConflicts(const Profile& profile) {
   Conflicts conflicts;
   const std::vector<UnfitControl> unfit = ControlsThatNeverFire(profile);
-  Trial trial(profile);
+  EngineTrial trial(profile);
   std::vector<std::pair<std::size_t, const Control*>> fit;
   std::size_t place = 0;
   for (const Control& control : profile.DispatchList) {
@@ -182,8 +101,11 @@ Conflicts FindConflicts(const Profile& profile) {
     } else {
       conflicts.neverFiring.push_back({place, found->why});
     }
-    const std::string taken = TakenInputs(&trial, profile, control);
-    if (!taken.empty()) conflicts.mouseTakings.push_back({place, taken});
+    if (Trigger taken; trial.TakenInputs(control, &taken)) {
+      ByteString inputs;
+      TriggerText(taken, &inputs);
+      conflicts.mouseTakings.push_back({place, Bytes(inputs)});
+    }
     ++place;
   }
   for (auto later = fit.begin(); later != fit.end(); ++later) {

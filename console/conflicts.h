@@ -53,8 +53,7 @@ struct Conflicts {
   std::vector<NeverFiring> neverFiring;
 };
 
-// `profile` has a DispatchList. On a simulated machine of its own: not while another platform than
-// that of a FileMachine is installed.
+// `profile` has a DispatchList. Of the engine on a machine of its own (EngineTrial).
 Conflicts FindConflicts(const Profile& profile);
 
 }  // namespace kelvaro::console

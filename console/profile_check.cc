@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 #include <tuple>
 
 #include "app/platform/linux/key_map.h"
+#include "console/engine_trial.h"
 #include "console/event_line.h"
 #include "console/fitting_states.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
 #include "console/terminal_text.h"
 #include "engine/input_text.h"
-#include "engine/precedence.h"
 #include "keys/key_action.h"
 
 namespace kelvaro::console {
@@ -44,35 +45,40 @@ bool CanFire(const Control& control) {
   return FindState({&control}, isHeld).has_value();
 }
 
-// What the mouse controls have of its inputs; "" for nothing.
-std::string MouseInputOf(const MouseSettings& mouse, const Control& control) {
-  ByteString text;
-  for (const TriggerItem& item : control.triggerItems) {
-    if (!IsMouseInput(mouse, item)) continue;
-    InputText({item.kind, item.index, 0}, &text, false);
-    if (!text.IsEmpty()) return Bytes(text);
-  }
+// Without the masks that other buttons can have a Control of them fire by: one of several buttons,
+// or of the 32nd (MouseButtonStep).
+MouseSettings WithPlainMasks(MouseSettings mouse) {
   for (const MouseRoleInput& input : kMouseRoles) {
-    // The mask of the 32nd button, and one of several, work otherwise (MouseButtonStep).
-    const std::uint64_t mask = input.mask ? static_cast<std::uint64_t>(mouse.*input.mask) : 0;
-    const bool isOne = CountButtons(mask) == 1 && mask < std::uint64_t{1} << 31;
-    if (!isOne || (control.buttonMask & mask) == 0) continue;
-    ButtonsText(mask, &text);
-    return Bytes(text);
+    if (!input.mask) continue;
+    const std::uint64_t mask = mouse.*input.mask;
+    if (CountButtons(mask) != 1 || mask >= std::uint64_t{1} << 31) mouse.*input.mask = 0;
   }
-  return "";
+  return mouse;
 }
 
-// Why the Control can't fire even alone; "" where it can.
-std::string WhyUnfit(const Profile& profile, const Control& control) {
+// "B1+Axis_X0": the mouse has an axis or a hat to both sides.
+std::string NamesText(const Trigger& trigger) {
+  ByteString text;
+  ButtonsText(trigger.buttonMask, &text);
+  for (const TriggerItem& item : trigger.triggerItems) {
+    if (!text.IsEmpty()) text.Append("+");
+    InputText({item.kind, item.index, 0}, &text, false);
+  }
+  return Bytes(text);
+}
+
+// Why the Control can't fire even alone; "" where it can. With a trial the mouse controls are
+// always on.
+std::string WhyUnfit(EngineTrial* mouseTrial, const Control& control) {
   if (control.Weight() == 0) return "it has no inputs";
   if (!CanFire(control)) {
     ByteString inputs;
     TriggerText(control, &inputs);
     return "no state of a pad fits " + TerminalText(inputs);
   }
-  const std::string taken = profile.mouseAlwaysActive ? MouseInputOf(profile, control) : "";
-  return taken.empty() ? "" : "the mouse controls are always on and have " + taken;
+  Trigger taken;
+  if (!mouseTrial || !mouseTrial->TakenInputs(control, &taken)) return "";
+  return "the mouse controls are always on and have " + NamesText(taken);
 }
 
 // Why the key may come out otherwise than written; "" where it doesn't.
@@ -122,8 +128,10 @@ void FindOtherFile(const std::string& bytes, const std::string& path, const Prof
 std::vector<UnfitControl> ControlsThatNeverFire(const Profile& profile) {
   std::vector<UnfitControl> unfit;
   std::map<Inputs, const Control*> before;
+  std::optional<EngineTrial> mouseTrial;
+  if (profile.mouseAlwaysActive) mouseTrial.emplace(WithPlainMasks(profile));
   for (const Control& control : profile.DispatchList) {
-    std::string why = WhyUnfit(profile, control);
+    std::string why = WhyUnfit(mouseTrial ? &*mouseTrial : nullptr, control);
     if (why.empty()) {
       const auto [first, isFirst] = before.emplace(InputsOf(control), &control);
       if (!isFirst) why = "it has the same inputs as " + ControlName(*first->second);

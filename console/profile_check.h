@@ -72,7 +72,8 @@ struct UnfitControl {
 
 // The Controls that can't fire, in dispatch order. No state of a pad fits its inputs; or the mouse
 // controls, always on, have one of them; or another with the same inputs, to the same sides, comes
-// before it and fires at the same moments. `profile` has a DispatchList.
+// before it and fires at the same moments. `profile` has a DispatchList. Where the mouse controls
+// are always on, the engine is asked (EngineTrial).
 std::vector<UnfitControl> ControlsThatNeverFire(const Profile& profile);
 
 // Appends a finding for each of these.

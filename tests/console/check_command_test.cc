@@ -155,6 +155,22 @@ TEST(CheckCommand, WarnsOfATriggerThatTheMouseHasForGood) {
             "Control 3 can never fire: the mouse controls are always on and have Axis_X0\n");
 }
 
+TEST(CheckCommand, AsksTheEngineWhatTheMouseHasForGood) {
+  const auto warnings = [](const std::string& mouse, const std::string& control) {
+    return Warnings(R"("mouse":{"mouseAlwaysActive":true,)" + mouse + R"(},"controls":[{)" +
+                    control + "}]");
+  };
+  const char kTaken[] = "Control 1 can never fire: the mouse controls are always on and have ";
+  EXPECT_EQ(warnings(R"("leftMask":1,"mouseX":{"kind":0,"index":0})",
+                     R"("buttonMask":3,"triggerItems":[{"kind":0,"index":0,"value":2}])"),
+            kTaken + std::string("B1+Axis_X0\n"));
+  EXPECT_EQ(warnings(R"("leftMask":1,"rightMask":2)", R"("buttonMask":7)"),
+            kTaken + std::string("B1+B2\n"));
+  // The 32nd button's mask and one of several work otherwise.
+  EXPECT_EQ(warnings(R"("leftMask":"0x80000000")", R"("buttonMask":"0x80000000")"), "");
+  EXPECT_EQ(warnings(R"("leftMask":3)", R"("buttonMask":1)"), "");
+}
+
 TEST(CheckCommand, WarnsOfKeysThatEndInAPause) {
   EXPECT_EQ(Warnings(OneControl(R"("buttonMask":1,"actions":[{"text":"a<P:50>b"}])")), "");
   EXPECT_EQ(Warnings(OneControl(R"("buttonMask":1,"actions":[{"text":"a<P:50>"}])")),
