@@ -42,6 +42,7 @@ struct LinuxTimers::Timer {
   std::thread::id calling;  // its thread, while a call is under way
   bool woken = false;       // since the last call began
   std::optional<Rest> rest;
+  bool asleep = false;         // its thread, in that rest
   MonotonicCondition changed;  // it was killed, or the last call has ended
 
   void Kill() {
@@ -50,7 +51,7 @@ struct LinuxTimers::Timer {
     EndRest();
   }
   void EndRest() {
-    if (rest) eventfd_write(wakeUp.Get(), 1);
+    if (rest && asleep) eventfd_write(wakeUp.Get(), 1);
     rest.reset();
   }
   // False when it was killed meanwhile. `lock` is the state's.
@@ -104,11 +105,7 @@ std::uint32_t LinuxTimers::timeEndPeriod(std::uint32_t periodMs) {
 // Until the rest is over; whether that was by news.
 bool LinuxTimers::Sleep(const Timer& timer, const Rest& rest) {
   pollfd readable[] = {{timer.wakeUp.Get(), POLLIN, 0}, {static_cast<int>(rest.news), POLLIN, 0}};
-  const bool isOver = poll(readable, 2, -1) > 0;
-  if (readable[0].revents == 0) return isOver;
-  eventfd_t count;
-  eventfd_read(timer.wakeUp.Get(), &count);
-  return false;
+  return poll(readable, 2, -1) > 0 && readable[0].revents == 0;
 }
 
 void* LinuxTimers::RunTimer(void* start) {
@@ -133,6 +130,7 @@ void* LinuxTimers::RunTimer(void* start) {
   while (!timer->killed) {
     if (timer->rest) {
       const Rest rest = *timer->rest;
+      timer->asleep = true;
       lock.unlock();
       const bool byNews = Sleep(*timer, rest);
       const std::int64_t now = MonotonicNow();
@@ -142,6 +140,10 @@ void* LinuxTimers::RunTimer(void* start) {
         goOn();
       }
       lock.lock();
+      timer->asleep = false;
+      // What ended it would end the next one too.
+      eventfd_t count;
+      if (!timer->rest) eventfd_read(timer->wakeUp.Get(), &count);
       timer->rest.reset();
       continue;
     }

@@ -178,6 +178,7 @@ class SleepingTimerTest : public LinuxTimersTest {
     eventfd_read(self->source.Get(), &count);
     if (self->wokenWithin) self->timers.WakeTimer(own);
     self->timers.SleepTimer(own, self->source.Get(), self->atOnce);
+    if (self->wokenAfterwards.exchange(false)) self->timers.WakeTimer(own);
     ++self->ticks.count;
   }
   void Tell() const { EXPECT_EQ(eventfd_write(source.Get(), 1), 0); }
@@ -185,6 +186,7 @@ class SleepingTimerTest : public LinuxTimersTest {
   const Descriptor source{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
   bool atOnce = false;
   std::atomic<bool> wokenWithin{false};
+  std::atomic<bool> wokenAfterwards{false};
   std::atomic<std::int64_t> calledAt{0};
   std::int64_t start = 0;
   std::uint32_t id = 0;
@@ -224,6 +226,14 @@ TEST_F(SleepingTimerTest, ASleepThatIsAskedForAfterItsWakeUpIsNone) {
   Start();
   EXPECT_TRUE(Reaches(ticks.count, 5));
   wokenWithin = false;
+}
+
+TEST_F(SleepingTimerTest, ASleepThatEndsBeforeItBeganEndsNoOther) {
+  wokenAfterwards = true;
+  Start();
+  ASSERT_TRUE(Reaches(ticks.count, 2));
+  Pause(30);
+  EXPECT_EQ(ticks.count, 2);
 }
 
 TEST_F(SleepingTimerTest, AtOnceCallsComeAPeriodApartAtLeast) {
