@@ -145,6 +145,20 @@ std::string NameOf(pid_t process) {
   return name;
 }
 
+std::string StatusWord(pid_t process, const std::string& label) {
+  std::ifstream status(ProcFile(process, "status"));
+  for (std::string word; status >> word;)
+    if (word == label) return status >> word ? word : "";
+  return "";
+}
+
+bool IsAsleep(pid_t thread) { return StatusWord(thread, "State:") == "S"; }
+
+bool Handles(pid_t process, int signal) {
+  const std::string handled = StatusWord(process, "SigCgt:");
+  return !handled.empty() && (std::stoull(handled, nullptr, 16) >> (signal - 1) & 1) != 0;
+}
+
 std::map<int, std::string> OpenFiles(pid_t process) {
   std::map<int, std::string> files;
   std::error_code gone;
@@ -165,12 +179,9 @@ pid_t ThreadOf(pid_t process, const std::string& name) {
 std::map<pid_t, std::string> ChildrenOf(pid_t process) {
   std::map<pid_t, std::string> children;
   for (const auto& entry : fs::directory_iterator("/proc")) {
-    std::ifstream status(entry.path() / "status");
-    pid_t parent = 0;
-    for (std::string word; parent == 0 && status >> word;)
-      if (word == "PPid:") status >> parent;
     const pid_t child = atoi(entry.path().filename().c_str());
-    if (parent == process) children[child] = NameOf(child);
+    if (child > 0 && StatusWord(child, "PPid:") == std::to_string(process))
+      children[child] = NameOf(child);
   }
   return children;
 }

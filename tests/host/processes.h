@@ -15,7 +15,7 @@ namespace kelvaro::tests {
 using namespace std::chrono_literals;
 
 // How long what takes a moment may take. To be changed where the clock isn't the real one.
-inline std::chrono::milliseconds patience = 20s;
+inline std::chrono::milliseconds patience = 60s;
 
 // True as soon as `holds` is; false if it wasn't within `limit`. Looks once a `step`.
 bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience,
@@ -55,7 +55,7 @@ class Child {
   bool Running() { return WaitForEnd(0ms) == -1; }
   void Signal(int signal) const;
   // As StatusOf; -1 when it still runs after `limit`.
-  int WaitForEnd(std::chrono::milliseconds limit = 20s);
+  int WaitForEnd(std::chrono::milliseconds limit = patience);
 
   // What it has written so far.
   std::string Out() const;
@@ -91,10 +91,16 @@ class Server {
 // The words of an X server without a screen, whose line is the display's number.
 std::vector<std::string> XServerCommand(const std::string& pipe, const std::string& size);
 
-// What "/proc" tells of a process or thread: its name, and the files that it holds open by their
-// descriptors.
+// What "/proc" tells of a process or thread: its name, the word behind a label such as "State:" in
+// its status, and the files that it holds open by their descriptors. Empty for one that isn't
+// there.
 std::string NameOf(pid_t process);
+std::string StatusWord(pid_t process, const std::string& label);
 std::map<int, std::string> OpenFiles(pid_t process);
+// Whether a thread sleeps until something wakes it.
+bool IsAsleep(pid_t thread);
+// Whether a process has a handler of its own for that signal.
+bool Handles(pid_t process, int signal);
 // Its thread of that name, 0 for none.
 pid_t ThreadOf(pid_t process, const std::string& name);
 // The processes that it has started and that are there, by their names.

@@ -38,6 +38,9 @@ using namespace main_window;
 constexpr std::uint32_t kDetectBoxes[] = {kDetectMouseX,       kDetectMouseY,
                                           kDetectMouseWheel,   kDetectLeftButton,
                                           kDetectMiddleButton, kDetectRightButton};
+// So often at most a person does something again until the pad has come in between, which a busy
+// machine keeps it from.
+constexpr std::uint32_t kMostRounds = 5000;
 constexpr std::uint32_t kSliders[] = {kMovementSensitivity, kMovementDamper, kWheelDamper,
                                       kWheelSensitivity};
 
@@ -146,6 +149,14 @@ struct WindowThreads : testing::Test {
     if (path.IsEmpty() || !read->Load(path)) return nullptr;
     return read;
   }
+  // Controls of that profile that have one.
+  static std::uint32_t Triggers(const char* name) {
+    std::uint32_t count = 0;
+    if (const auto stored = Stored(name))
+      for (const Control& control : stored->controls)
+        if (control.Weight() > 0) ++count;
+    return count;
+  }
   static std::uint32_t Kept(const char* name) {
     std::uint32_t number = 0xFFFFFFFFu;
     RegistryKey(platform::HKEY_CURRENT_USER, kProductKey, false)
@@ -171,7 +182,7 @@ TEST_F(WindowThreads, ADetectionEndsOnTheOtherThreadWhileThePersonEditsTheTab) {
   std::uint32_t endedByButtons = 0;
   Run([&] {
     ChooseTab(MainWindow::kMouseTab);
-    for (std::uint32_t i = 0; i < 36; ++i) {
+    for (std::uint32_t i = 0; i < 36 || (endedByButtons == 0 && i < kMostRounds); ++i) {
       const std::uint32_t box = kDetectBoxes[i % 6];
       ClickBox(box);
       Pass(3);
@@ -260,7 +271,7 @@ TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
   };
   std::int32_t rows = 0;
   Run([&] {
-    for (; i < 60; ++i) {
+    for (; i < 60 || (Triggers("Game") == 0 && i < kMostRounds); ++i) {
       rows = Rows();
       if (rows > 0) controls.ListSelectItem(desktop.Front(), kControlList, 0, true);
       Click(i % 2 == 0 ? kNewControl : kEditControl);
@@ -278,11 +289,7 @@ TEST_F(WindowThreads, ControlsAreDefinedAndDeletedWhileThePadPlays) {
   ASSERT_TRUE(stored);
   EXPECT_GT(rows, 0);
   EXPECT_EQ(stored->controls.count, rows);
-  std::uint32_t detected = 0;
-  for (const Control& control : stored->controls) {
-    if (control.Weight() > 0) ++detected;
-  }
-  EXPECT_GT(detected, 0u);
+  EXPECT_GT(Triggers("Game"), 0u);
 }
 
 }  // namespace

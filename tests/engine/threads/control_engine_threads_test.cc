@@ -11,6 +11,7 @@
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "tests/device/one_pad.h"
+#include "tests/host/processes.h"
 
 namespace kelvaro {
 namespace {
@@ -135,12 +136,17 @@ struct Session {
 };
 
 constexpr int kRounds = 150;
+constexpr int kMostRounds = 10000;  // where the machine is busy
 
 TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
   Session session;
   ControlEngine& engine = session.engine;
   ASSERT_TRUE(session.Begin());
-  for (int round = 0; round < kRounds; ++round) {
+  const auto allSeen = [&] {
+    return session.host.triggers > 0 && session.host.inputs > 0 && session.actions[0]->presses > 0;
+  };
+  int detections = 0;
+  for (int round = 0; round < kRounds || (round < kMostRounds && !allSeen()); ++round) {
     engine.mouseActive = round % 8 != 0;
     session.host.dialogOpen = round % 16 == 5;
     {
@@ -160,6 +166,7 @@ TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
     }
     if (round % 2 == 0) {
       engine.StartMouseDetection(round % 4 == 0 ? MouseRole::X : MouseRole::LeftButton);
+      ++detections;
     }
     platform::clock().Sleep(3);
     engine.EndMouseDetection();
@@ -167,7 +174,7 @@ TEST_F(RealThreads, TheUserInterfaceMayChangeAnythingWhileThePadPlays) {
     platform::clock().Sleep(3);
   }
   engine.LetGo();
-  EXPECT_EQ(session.host.ended, kRounds / 2);
+  EXPECT_EQ(session.host.ended, detections);
   EXPECT_GT(session.host.triggers, 0);
   EXPECT_GT(session.host.inputs, 0);
   EXPECT_GT(session.actions[0]->presses, 0);
@@ -178,7 +185,9 @@ TEST_F(RealThreads, LetGoLeavesNothingDownWhereverItCatchesThem) {
     Session session;
     session.profile.leftMask = MouseButtonMask(1);
     session.engine.mouseActive = true;
+    const int movesBefore = input.moves;
     ASSERT_TRUE(session.Begin());
+    ASSERT_TRUE(tests::Eventually([&] { return input.moves > movesBefore; }));
     platform::clock().Sleep(static_cast<std::uint32_t>(40 + 7 * run));
     session.engine.LetGo();
     for (int n = 0; n < 3; ++n) EXPECT_EQ(session.actions[n]->held, 0) << "Control " << n;
@@ -189,7 +198,6 @@ TEST_F(RealThreads, LetGoLeavesNothingDownWhereverItCatchesThem) {
     EXPECT_EQ(session.actions[0]->presses + session.actions[3]->presses, presses);
     EXPECT_EQ(input.moves, moves);
   }
-  EXPECT_GT(input.moves, 0);
 }
 
 }  // namespace

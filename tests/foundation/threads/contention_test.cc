@@ -104,7 +104,7 @@ TEST(Contention, ALostRaceGivesItsCountBack) {
   Together([&](int) {
     std::int64_t own = 0;
     for (std::uint32_t round = 0; lost < kLostRaces; ++round) {
-      if (round % 1024 == 0 && Time::now() > end) break;
+      if (round % 1024 == 1023 && Time::now() > end) break;
       if (!lock.TryAcquire()) continue;
       ++count;
       ++own;
@@ -195,12 +195,13 @@ TEST(Workers, StopEndsARunThatWaitsForTheEvent) {
     platform::threads().WaitForSingleObject(self.stopEvent, platform::WAIT_FOREVER);
     ended = true;
   });
+  worker.stopTimeout = 600000;
   ASSERT_TRUE(worker.Start(true, 0));
   const Time::time_point start = Time::now();
   worker.Stop();
   EXPECT_TRUE(ended);
   EXPECT_FALSE(worker.IsRunning());
-  EXPECT_LT(Time::now() - start, std::chrono::seconds(10));  // well below the 15 of the force
+  EXPECT_LT(Time::now() - start, std::chrono::seconds(300));  // well below the time of the force
 }
 
 TEST(Workers, AnEndIsSignalledToThoseWhoWaitForIt) {
@@ -213,7 +214,7 @@ TEST(Workers, AnEndIsSignalledToThoseWhoWaitForIt) {
     });
     worker.exitEvent = exitEvent;
     ASSERT_TRUE(worker.Start(false, 0));
-    EXPECT_EQ(platform::threads().WaitForSingleObject(exitEvent, 10000), platform::WAIT_OBJECT_0);
+    EXPECT_EQ(platform::threads().WaitForSingleObject(exitEvent, 60000), platform::WAIT_OBJECT_0);
     EXPECT_EQ(result, 7);
   }
   platform::threads().CloseHandle(exitEvent);
@@ -231,16 +232,15 @@ TEST(Workers, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
   });
   worker.stopTimeout = 50;
   ASSERT_TRUE(worker.Start(true, 0));
+  while (rounds == 0) platform::clock().Sleep(1);
   const Time::time_point start = Time::now();
   worker.Stop();
   EXPECT_GE(Time::now() - start, std::chrono::milliseconds(50));
   EXPECT_FALSE(worker.IsRunning());
   // The round that was under way may still be counted, but none after it.
-  platform::clock().Sleep(20);
   const int before = rounds;
-  EXPECT_GT(before, 0);
   platform::clock().Sleep(50);
-  EXPECT_EQ(rounds, before);
+  EXPECT_LE(rounds, before + 1);
   EXPECT_TRUE(held.IsTaken());
   EXPECT_FALSE(held.TryAcquire());
 }
@@ -281,13 +281,13 @@ TEST(Workers, StateIsAskedForFromAllSidesWhileItChanges) {
   }
   for (int i = 0; i < 20; ++i) {
     ASSERT_TRUE(worker.Start(true, 0));
-    platform::clock().Sleep(2);
+    const int before = seen;
+    while (seen == before) platform::clock().Sleep(1);
     worker.RequestStop();
     while (worker.IsRunning()) platform::clock().Sleep(1);
   }
   done = true;
   lookers.clear();
-  EXPECT_GT(seen, 0);
 }
 
 }  // namespace
