@@ -205,7 +205,10 @@ TEST_F(InstancesTest, ThePersonNeedNotReadThatTheTargetFailedBeforeTheProgramEnd
 // A launch waits half a second at most for an instance that is stopped, and leaves it there.
 TEST_F(InstancesTest, AnInstanceThatDoesNotAnswerHoldsUpNobodyForLong) {
   const auto stopped = Run({});
-  ASSERT_TRUE(Eventually([&] { return Sockets() == 1; })) << stopped->Log();
+  // Not in the middle of its start, with the settings locked.
+  ASSERT_TRUE(Eventually([&] {
+    return ThreadOf(stopped->Id(), "repeat") != 0 && IsAsleep(stopped->Id());
+  })) << stopped->Log();
   stopped->Signal(SIGSTOP);
   const auto second = Run({"profile=Two", "target=" + Game()});
   const pid_t game = GameId();

@@ -123,6 +123,11 @@ XWindow XDesktop::Find(const std::string& title, bool transient) {
   return {};
 }
 
+bool XDesktop::Viewable(unsigned long window) {
+  XWindow found;
+  return Describe(display, window, &found) && found.viewable;
+}
+
 bool XDesktop::Iconic(unsigned long window) {
   const auto state = Numbers(display, window, "WM_STATE");
   return !state.empty() && state[0] == IconicState;
@@ -213,15 +218,11 @@ bool XDesktop::AwaitPainted(const std::string& title, std::chrono::milliseconds 
 }
 
 void XDesktop::Minimise(unsigned long window) {
-  const auto inSight = [&] {
-    XWindow found;
-    return Describe(display, window, &found) && found.viewable;
-  };
   // The window manager passes over a window in front of which a box has only just gone.
   Eventually([&] {
     XIconifyWindow(display, window, DefaultScreen(display));
     XSync(display, False);
-    return Eventually([&] { return !inSight(); }, 500ms);
+    return Eventually([&] { return !Viewable(window); }, 500ms);
   });
 }
 

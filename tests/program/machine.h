@@ -39,6 +39,7 @@ class XDesktop {
   std::vector<XWindow> Windows();
   // The first with that title that is on the screen, a transient one or not; id 0 for none.
   XWindow Find(const std::string& title, bool transient);
+  bool Viewable(unsigned long window);
   // Iconic by the window manager's word, and taken off the list of windows.
   bool Iconic(unsigned long window);
   bool Listed(unsigned long window);

@@ -37,6 +37,8 @@ class ProgramTest : public testing::Test {
   }
 
   static void ExpectEndsInOrder(Child& program, int signal = SIGTERM) {
+    // Until then the signal would end it as any program.
+    EXPECT_TRUE(Eventually([&] { return Handles(program.Id(), signal); })) << program.Log();
     program.Signal(signal);
     EXPECT_EQ(program.WaitForEnd(), 0) << program.Log();
   }
@@ -170,7 +172,7 @@ class DisplayTest : public ProgramTest {
     auto program = Run({{"DISPLAY", desktop.Name()}});
     EXPECT_TRUE(Eventually([&] { return Welcome().id != 0; })) << program->Log();
     EXPECT_EQ(Window().id, 0u) << "the window before the welcome is read";
-    desktop.CloseWindow(Welcome().id);
+    CloseWelcome();
     EXPECT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
     CloseBox();
     return program;
@@ -180,11 +182,20 @@ class DisplayTest : public ProgramTest {
   XWindow Box() { return desktop.Find("Kelvaro", true); }
   void CloseBox() {
     ASSERT_TRUE(Eventually([&] { return Box().id != 0; })) << "no word of the missing device";
+    Close(Box().id);
+  }
+  void CloseWelcome() { Close(Welcome().id); }
+  void Close(unsigned long window) {
     // One that the window manager has just shown may not hear it yet.
     EXPECT_TRUE(Eventually([&] {
-      if (const XWindow box = Box(); box.id != 0) desktop.CloseWindow(box.id);
-      return Eventually([&] { return Box().id == 0; }, 500ms);
+      desktop.CloseWindow(window);
+      return Eventually([&] { return !desktop.Viewable(window); }, 500ms);
     }));
+  }
+  // By the window's close box.
+  void ExpectCloses(Child& program) {
+    Close(Window().id);
+    EXPECT_EQ(program.WaitForEnd(), 0) << program.Log();
   }
 
   // Up and to the left; *moved is where it stands then.
@@ -206,6 +217,13 @@ class DisplayTest : public ProgramTest {
         << "still on the list of windows: iconic " << desktop.Iconic(window.id) << ", in sight "
         << (Window().id != 0);
     return desktop.Icons().at(0);
+  }
+  // By a double click, which a busy display server may take for two clicks.
+  void ShowAgain(const XWindow& icon) {
+    EXPECT_TRUE(Eventually([&] {
+      desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
+      return Eventually([&] { return Window().id != 0; }, 5s);
+    })) << "the window stays away";
   }
 
   XDesktop desktop;
@@ -234,18 +252,21 @@ TEST_F(DisplayTest, DesktopsFindTheMenuEntryOfEachWindow) {
 TEST_F(DisplayTest, TheIconsMenuShowsTheWindowAndEndsTheProgram) {
   const auto program = Begin();
   const XWindow icon = Hide();
-  const auto openMenu = [&] {
-    // A click in the moment in which the window manager brings a window up is lost.
+  // A click in the moment in which the window manager brings a window up is lost, and so are keys
+  // in the moment in which the menu comes up.
+  const auto choose = [&](const char* keys, const std::function<bool()>& done) {
     return Eventually([&] {
       desktop.Press(icon.x + icon.width / 2, icon.y + icon.height / 2, 3);
-      return Eventually([&] { return !desktop.Popups().empty(); }, 1s);
+      if (!Eventually([&] { return !desktop.Popups().empty(); }, 3s)) return false;
+      desktop.Type(keys);
+      if (Eventually(done, 3s)) return true;
+      desktop.Type("Escape");
+      return false;
     });
   };
-  ASSERT_TRUE(openMenu());
-  desktop.Type("Up Return");  // from the end: "Show Kelvaro"
-  ASSERT_TRUE(Eventually([&] { return Window().id != 0; }));
-  ASSERT_TRUE(openMenu());
-  desktop.Type("Down Return");  // "Exit"
+  // From the end: "Show Kelvaro".
+  ASSERT_TRUE(choose("Up Return", [&] { return Window().id != 0; }));
+  EXPECT_TRUE(choose("Down Return", [&] { return !program->Running(); }));  // "Exit"
   EXPECT_EQ(program->WaitForEnd(), 0) << program->Log();
   EXPECT_TRUE(Eventually([&] { return desktop.Icons().empty(); }));
 }
@@ -254,8 +275,7 @@ TEST_F(DisplayTest, TheCloseBoxEndsTheProgramAndItsPlaceIsRemembered) {
   auto program = Begin();
   desktop.Resize(Window().id, 900, 600);
   ASSERT_TRUE(Eventually([&] { return Window().width == 900 && Window().height == 600; }));
-  desktop.CloseWindow(Window().id);
-  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  ExpectCloses(*program);
   program = Run({{"DISPLAY", desktop.Name()}});
   EXPECT_TRUE(Eventually([&] { return Window().width == 900 && Window().height == 600; }))
       << Window().width << " x " << Window().height;
@@ -276,18 +296,14 @@ std::vector<std::uint32_t> StoredColumns(const Home& home) {
 
 TEST_F(DisplayTest, ColumnsThatNobodyTouchesAreAsWideAfterEachStart) {
   auto program = Begin();
-  const auto end = [&] {
-    desktop.CloseWindow(Window().id);
-    ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
-  };
-  end();
+  ExpectCloses(*program);
   const std::vector<std::uint32_t> first = StoredColumns(home);
   ASSERT_GT(first.at(0), 8u);
   for (int start = 2; start <= 4; ++start) {
     program = Run({{"DISPLAY", desktop.Name()}});
     ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << program->Log();
     CloseBox();
-    end();
+    ExpectCloses(*program);
     EXPECT_EQ(StoredColumns(home), first) << "start " << start;
   }
 }
@@ -304,18 +320,19 @@ TEST_F(DisplayTest, ADialogThatNobodyMovesIsInTheSamePlaceAtEachOpening) {
       const XWindow window = Window();
       desktop.Press(window.x + 30, window.y + 59);  // the tab "Control"
       desktop.Type("Alt_L+w");                      // "New..."
-      return Eventually([&] { return dialog().id != 0 && desktop.Active(dialog().id); }, 2s);
+      return Eventually([&] { return dialog().id != 0 && desktop.Active(dialog().id); }, 5s);
     }));
-    desktop.Type("Escape");
-    ASSERT_TRUE(Eventually([&] { return dialog().id == 0; }));
+    ASSERT_TRUE(Eventually([&] {
+      desktop.Type("Escape");
+      return Eventually([&] { return dialog().id == 0; }, 5s);
+    }));
     if (opening > 1) continue;
     ASSERT_TRUE(Eventually([&] {
       first = stored();
       return first.at(3) > 0;
     }));
   }
-  desktop.CloseWindow(Window().id);
-  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  ExpectCloses(*program);
   EXPECT_EQ(stored(), first);
 }
 
@@ -323,9 +340,7 @@ TEST_F(DisplayTest, MinimisingHidesAndADoubleClickOnTheIconBringsTheWindowBackWh
   const auto program = Begin();
   XWindow moved;
   ASSERT_NO_FATAL_FAILURE(MoveWindow(&moved));
-  const XWindow icon = Hide();
-  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
-  ASSERT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  ShowAgain(Hide());
   EXPECT_FALSE(desktop.Iconic(Window().id));
   EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
       << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;
@@ -350,8 +365,7 @@ TEST_F(DisplayTest, AWindowThatIsHiddenGivesBackTheCodeThatShowedIt) {
   ASSERT_GT(shown, 0);
   const XWindow icon = Hide();
   EXPECT_TRUE(Eventually([&] { return code() < shown / 2; })) << code() << " of " << shown;
-  desktop.DoubleClick(icon.x + icon.width / 2, icon.y + icon.height / 2);
-  EXPECT_TRUE(Eventually([&] { return Window().id != 0; })) << "the window stays away";
+  ShowAgain(icon);
   ExpectEndsInOrder(*program);
 }
 
@@ -364,12 +378,23 @@ TEST_F(DisplayTest, ItsGripMakesItLargerAndNotSmallerThanItFirstWas) {
     const int bottom = now.y + now.height - 4;
     desktop.Drag(right, bottom, right + dx, bottom + dy);
   };
-  // The window manager takes over behind the drag's first steps.
-  drag(100, 80);
-  EXPECT_TRUE(Eventually([&] { return Window().width > first.width + 60; })) << Window().width;
-  EXPECT_GT(Window().height, first.height + 40);
+  // The window manager takes over behind the drag's first steps, or, where it is busy, not at all.
+  EXPECT_TRUE(Eventually([&] {
+    drag(100, 80);
+    return Eventually(
+        [&] {
+          const XWindow now = Window();
+          return now.width > first.width + 60 && now.height > first.height + 40;
+        },
+        3s);
+  }));
+  EXPECT_TRUE(Eventually([&] {
+    drag(-400, -300);
+    return Eventually(
+        [&] { return Window().width == first.width && Window().height == first.height; }, 3s);
+  }));
   drag(-400, -300);
-  EXPECT_TRUE(Eventually([&] { return Window().width == first.width; })) << Window().width;
+  EXPECT_EQ(Window().width, first.width);
   EXPECT_EQ(Window().height, first.height);
 }
 
@@ -405,7 +430,7 @@ TEST_F(AnotherUserTest, IsToldThatNothingIsKeptUnlessEachUserHasAFolder) {
   {
     const auto program = RunAsNobody();
     ASSERT_TRUE(Eventually([&] { return Welcome().id != 0; })) << program->Log();
-    desktop.CloseWindow(Welcome().id);
+    CloseWelcome();
     ASSERT_TRUE(Eventually([&] { return Box().id != 0; })) << program->Log();
     const unsigned long noDevice = Box().id;
     EXPECT_TRUE(Eventually([&] {
@@ -443,18 +468,19 @@ TEST_F(AnotherUserTest, HasTheExamplesAsTheyAreAndOneThatIsDeletedIsNotThereAtTh
   {
     const auto program = RunAsNobody();
     ASSERT_TRUE(Eventually([&] { return Welcome().id != 0; })) << program->Log();
-    desktop.CloseWindow(Welcome().id);
+    CloseWelcome();
     CloseBox();
     EXPECT_EQ(ProfilesIn(own), shipped);
     ASSERT_TRUE(Eventually([&] {
       desktop.Press(Window().x + 30, Window().y + 59);  // the tab "Control"
       desktop.Type("Alt_L+d");                          // "Delete..." of the first in the list
-      return Eventually([&] { return desktop.Find("Delete Profile", true).id != 0; }, 2s);
+      return Eventually([&] { return desktop.Find("Delete Profile", true).id != 0; }, 5s);
     }));
-    ASSERT_TRUE(
-        Eventually([&] { return desktop.Active(desktop.Find("Delete Profile", true).id); }));
-    desktop.Type("Alt_L+y");
-    EXPECT_TRUE(Eventually([&] { return ProfilesIn(own) == left; }));
+    EXPECT_TRUE(Eventually([&] {
+      const XWindow question = desktop.Find("Delete Profile", true);
+      if (question.id != 0 && desktop.Active(question.id)) desktop.Type("Alt_L+y");
+      return Eventually([&] { return ProfilesIn(own) == left; }, 3s);
+    }));
     CloseBox();  // of the next one
     ExpectEndsInOrder(*program);
   }
@@ -476,8 +502,7 @@ TEST_F(OpenboxTest, ThePlaceIsRememberedAndAMinimisedWindowStays) {
   auto program = Begin();
   XWindow moved;
   ASSERT_NO_FATAL_FAILURE(MoveWindow(&moved));
-  desktop.CloseWindow(moved.id);
-  ASSERT_EQ(program->WaitForEnd(), 0) << program->Log();
+  ExpectCloses(*program);
   program = Run({{"DISPLAY", desktop.Name()}});
   EXPECT_TRUE(Eventually([&] { return Window().x == moved.x && Window().y == moved.y; }))
       << Window().x << ',' << Window().y << " instead of " << moved.x << ',' << moved.y;

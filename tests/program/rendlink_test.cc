@@ -251,6 +251,7 @@ TEST_F(RendlinkProgramTest, WithoutADisplayTheWindowSaysSoInOneSentence) {
 TEST_F(RendlinkProgramTest, TheWindowComesUpAndEndsWhenItIsAskedTo) {
   const auto child = Run({});
   EXPECT_EQ(child->WaitForEnd(1s), -1) << child->Log();
+  EXPECT_TRUE(Eventually([&] { return Handles(child->Id(), SIGTERM); })) << child->Log();
   child->Signal(SIGTERM);
   EXPECT_EQ(child->WaitForEnd(), 0) << child->Log();
 }

@@ -71,7 +71,7 @@ class DesktopTest : public ::testing::Test {
   void Later(std::function<void()> act);
   // Handles what is posted.
   void Settle();
-  // For at most ten seconds.
+  // For at most a minute.
   bool WaitFor(const std::function<bool()>& condition);
 
   struct Machine;

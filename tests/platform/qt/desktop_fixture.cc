@@ -71,7 +71,7 @@ std::int32_t DesktopTest::Run(const DialogTemplate& dialog, std::function<void()
                               WindowHandle owner) {
   Later([this, script = std::move(script)] {
     const WindowHandle window = recorder.window;
-    EXPECT_TRUE(QTest::qWaitForWindowActive(machine->Find(window)));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(machine->Find(window), qt::kSoon));
     recorder.lines.clear();
     script();
     desktop().EndDialog(window, IDOK);
@@ -140,7 +140,7 @@ void DesktopTest::Later(std::function<void()> act) {
 void DesktopTest::Settle() { QTest::qWait(20); }
 
 bool DesktopTest::WaitFor(const std::function<bool()>& condition) {
-  return QTest::qWaitFor(condition, 10000);
+  return QTest::qWaitFor(condition, qt::kSoon);
 }
 
 }  // namespace platform

@@ -30,7 +30,7 @@ WINDOW_TEST(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
   Settle();
   EXPECT_TRUE(QPixmapCache::find(picture, nullptr));
   desktop().ShowWindow(Window(), SW_HIDE);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return !QPixmapCache::find(picture, nullptr); }, 20000));
+  EXPECT_TRUE(Soon([&] { return !QPixmapCache::find(picture, nullptr); }));
 }
 
 // --- Keys

@@ -49,7 +49,7 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
   QApplication::setCursorFlashTime(0);
   Run([&] {
     Dialog()->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(Dialog()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Dialog(), kSoon));
     controls().SetControlFocus(Window(), kArea);
     auto* const area = static_cast<QPlainTextEdit*>(Widget(kArea));
     const QImage atStart = area->grab().toImage();

@@ -99,7 +99,7 @@ TEST_F(HelpViewerTest, AMissingPageSaysSoAndWhereItWasLookedFor) {
 TEST_F(HelpViewerTest, EscClosesIt) {
   Show("Second.htm");
   ASSERT_NE(Browser(), nullptr);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(Browser()->window()));
+  ASSERT_TRUE(QTest::qWaitForWindowActive(Browser()->window(), kSoon));
   QTest::keyClick(Browser()->window()->windowHandle(), Qt::Key_Escape);
   EXPECT_EQ(Browser(), nullptr);
   Show("Second.htm");
@@ -137,7 +137,7 @@ class HelpSearchTest : public HelpViewerTest {
     Write("B.htm", "B", "<p>The lamp is green.</p>");
     Write("C.htm", "C", "<p>A third lamp.</p>");
     Show("A.htm");
-    EXPECT_TRUE(QTest::qWaitForWindowActive(Browser()->window()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Browser()->window(), kSoon));
   }
 
   static QLineEdit* Field() { return Browser()->window()->findChild<QLineEdit*>(); }

@@ -44,7 +44,7 @@ class QtDesktopTest : public QtTest {
   }
 
   static bool ABoxComesUp() {
-    return QTest::qWaitFor([] { return BoxThatIsUp() != nullptr; });
+    return Soon([] { return BoxThatIsUp() != nullptr; });
   }
   // Another thread asks, and waits for the answer.
   std::thread Ask(std::uint32_t type) {

@@ -23,8 +23,8 @@ std::int32_t QtTest::Run(const DialogTemplate& dialog, std::function<void()> scr
     DialogWindow* const shown = qt.Desktop().Windows().Find(window);
     // An X server without a window manager makes no window the active one.
     const bool activates = QGuiApplication::platformName() == QLatin1String("offscreen");
-    EXPECT_TRUE(activates ? QTest::qWaitForWindowActive(shown)
-                          : QTest::qWaitForWindowExposed(shown));
+    EXPECT_TRUE(activates ? QTest::qWaitForWindowActive(shown, kSoon)
+                          : QTest::qWaitForWindowExposed(shown, kSoon));
     recorder.lines.clear();
     script();
     desktop().EndDialog(window, IDOK);

@@ -19,6 +19,9 @@
 
 namespace platform::qt {
 
+// How long what takes a moment may take, in milliseconds.
+constexpr int kSoon = 60000;
+
 class QtTest : public ::testing::Test {
  protected:
   QtTest();
@@ -34,6 +37,8 @@ class QtTest : public ::testing::Test {
   QWidget* Widget(std::uint32_t id) const;  // the one that has the focus
   // Handles what is posted.
   static void Settle();
+  // True as soon as `holds` is; false if it wasn't within kSoon.
+  static bool Soon(const std::function<bool()>& holds) { return QTest::qWaitFor(holds, kSoon); }
 
   LinuxPlatform system;
   QtPlatform qt;

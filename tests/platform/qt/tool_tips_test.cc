@@ -38,7 +38,7 @@ class ToolTipsTest : public QtTest {
     QWidget* const widget = Dialog()->Find(id)->Widget();
     if (point.x() < 0) point = widget->rect().center();
     QToolTip::hideText();
-    EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
+    EXPECT_TRUE(Soon([] { return !QToolTip::isVisible(); }));
     QHelpEvent event(QEvent::ToolTip, point, widget->mapToGlobal(point));
     QApplication::sendEvent(widget, &event);
     return QToolTip::isVisible() ? QToolTip::text() : QString();

@@ -15,8 +15,6 @@ namespace {
 
 constexpr std::uint32_t kCallback = 0x8000;
 
-constexpr int kSoon = 20000;  // ms
-
 // A notification area on the X server, which shows nothing of what is docked.
 class XArea {
  public:
@@ -89,12 +87,12 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     QTest::qWait(100);
     EXPECT_TRUE(host->Item().isEmpty());
     host->Show();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !desktop().IsWindowVisible(Window()); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
+    EXPECT_TRUE(Soon([&] { return !desktop().IsWindowVisible(Window()); }));
 
     recorder.lines.clear();
     host->Click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}))
         << "the double click, of which such a host tells nothing";
     desktop().ShowWindow(Window(), SW_SHOW);
@@ -106,25 +104,24 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
 
     recorder.lines.clear();
     host->RightClick();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines().back(), "message 32768 0 516");
 
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     recorder.lines.clear();
     host->Choose("Exit");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{"50 clicked"});
 
     desktop().ShowWindow(Window(), SW_HIDE);
     EXPECT_FALSE(desktop().IsWindowVisible(Window()));
     host.reset();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return desktop().IsWindowVisible(Window()); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return desktop().IsWindowVisible(Window()); }));
     EXPECT_TRUE(desktop().IsIconic(Window()));
 
     host = std::make_unique<NotificationHost>();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !desktop().IsWindowVisible(Window()); }, kSoon))
-        << "again";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !desktop().IsWindowVisible(Window()); })) << "again";
+    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, icon));
   });
@@ -137,10 +134,10 @@ TEST_F(SessionTest, WhereAPanelShowsIconsByBothWaysItIsTheBusThatCounts) {
     Settle();
     NotificationHost host;
     const XArea area;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
     recorder.lines.clear();
     host.Click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !recorder.lines.empty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}));
   });
 }
@@ -156,24 +153,23 @@ TEST_F(SessionTest, AnIconicWindowThatHidesDoesNotAskToBeShown) {
         xcb_get_input_focus_reply(x->connection(), xcb_get_input_focus(x->connection()), nullptr));
     manager.Handle();
   };
-  const auto until = [](auto holds) { return QTest::qWaitFor(holds, kSoon); };
   QTimer managing;
   QObject::connect(&managing, &QTimer::timeout, handle);
   managing.start(1);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(until([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
+    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
     manager.MakeIconic(static_cast<xcb_window_t>(Dialog()->winId()));
-    EXPECT_TRUE(until([&] { return desktop().IsIconic(Window()); }));
+    EXPECT_TRUE(Soon([&] { return desktop().IsIconic(Window()); }));
     desktop().ShowWindow(Window(), SW_HIDE);
-    EXPECT_TRUE(until([&] { return manager.Withdrawn() == 1; }));
+    EXPECT_TRUE(Soon([&] { return manager.Withdrawn() == 1; }));
     Settle();
     handle();
     EXPECT_EQ(manager.Shown(), 1);
 
     desktop().ShowWindow(Window(), SW_SHOW);
     desktop().ShowWindow(Window(), SW_RESTORE);
-    EXPECT_TRUE(until([&] { return manager.Shown() > 1; }));
+    EXPECT_TRUE(Soon([&] { return manager.Shown() > 1; }));
     EXPECT_TRUE(desktop().IsWindowVisible(Window()));
     EXPECT_FALSE(desktop().IsIconic(Window()));
   });
@@ -184,7 +180,7 @@ TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
   host.MissOneQuestion();
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
   });
 }
 
@@ -194,12 +190,12 @@ TEST_F(SessionTest, AWatcherThatHangsIsAskedOnceMoreAndThenAwaited) {
   host.HoldQuestions(true);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return host.Questions() == 2; }, kSoon));
+    EXPECT_TRUE(Soon([&] { return host.Questions() == 2; }));
     QTest::qWait(27000);
     EXPECT_EQ(host.Questions(), 2);
     EXPECT_TRUE(host.Item().isEmpty());
     host.HoldQuestions(false);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host.Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
   });
 }
 
@@ -208,10 +204,10 @@ TEST_F(SessionTest, AWatcherThatHungAndIsGoneIsNotAwaited) {
   host->HoldQuestions(true);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return host->Questions() == 2; }, kSoon));
+    EXPECT_TRUE(Soon([&] { return host->Questions() == 2; }));
     host.reset();
     host = std::make_unique<NotificationHost>();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !host->Item().isEmpty(); }, kSoon));
+    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
   });
 }
 
@@ -220,7 +216,7 @@ TEST_F(SessionTest, WhenABoxHasBeenAnsweredItsOwnerHasTheFocusAgain) {
   manager.start(QStringLiteral("icewm"), QStringList());
   ASSERT_TRUE(manager.waitForStarted()) << "icewm can't be started";
   Run([&] {
-    ASSERT_TRUE(QTest::qWaitFor([&] { return Dialog()->isActiveWindow(); }, kSoon));
+    ASSERT_TRUE(Soon([&] { return Dialog()->isActiveWindow(); }));
     for (int i = 0; i < 5; ++i) {
       QTimer look;
       QObject::connect(&look, &QTimer::timeout, &look, [&] {
