@@ -13,8 +13,9 @@ if(KELVARO_SANITIZE)
     -fsanitize=${KELVARO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(kelvaro_options INTERFACE -fsanitize=${KELVARO_SANITIZE})
 endif()
-# What fuzzing looks at: the product's code, and none of the tests'.
+# What fuzzing looks at, and which lock guards what: the product's code, and none of the tests'.
 add_library(kelvaro_watched INTERFACE)
+target_compile_options(kelvaro_watched INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
 if(KELVARO_FUZZ)
   target_compile_options(kelvaro_watched INTERFACE -fsanitize=fuzzer-no-link)
 endif()

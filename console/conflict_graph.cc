@@ -44,6 +44,7 @@ std::vector<Line> Lines(const Profile& profile, const Conflicts& conflicts) {
   for (const auto& [place, note] : notes) places.insert(place);
   std::vector<Line> lines;
   std::size_t place = 0;
+  profile.profileLock.NotNeeded();
   for (const Control& control : profile.DispatchList) {
     if (places.count(place) > 0) {
       ByteString inputs;

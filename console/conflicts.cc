@@ -92,6 +92,7 @@ Conflicts FindConflicts(const Profile& profile) {
   EngineTrial trial(profile);
   std::vector<std::pair<std::size_t, const Control*>> fit;
   std::size_t place = 0;
+  profile.profileLock.NotNeeded();
   for (const Control& control : profile.DispatchList) {
     const auto found = std::find_if(unfit.begin(), unfit.end(), [&](const UnfitControl& each) {
       return each.control == &control;

@@ -40,6 +40,7 @@ const auto& Of(Effect effect) { return kEffects[static_cast<std::size_t>(effect)
 // By their places.
 std::vector<const Control*> InOrder(const Profile& profile) {
   std::vector<const Control*> controls;
+  profile.profileLock.NotNeeded();
   for (const Control& control : profile.DispatchList) controls.push_back(&control);
   return controls;
 }

@@ -19,6 +19,7 @@ void EngineTrial::Play(const std::vector<const Control*>& controls, bool mouseAc
   engine.repeatWorker.Clear();
   profile.controls.Clear();
   for (const Control* control : controls) Add(*control);
+  profile.profileLock.NotNeeded();
   profile.RebuildDispatchList();
   engine.mouseActive = mouseActive;
   firings.clear();

@@ -125,6 +125,7 @@ void ForeignProfile::Finish() {
   SetMotion(ForeignMotion::Wheel, &profile.mouseWheel);
   TellOfHats();
   profile.mouseAlwaysActive = movesMouse;
+  profile.profileLock.NotNeeded();
   profile.RebuildDispatchList();
   std::stable_sort(notes.begin(), notes.end(),
                    [](const ForeignNote& a, const ForeignNote& b) { return a.place < b.place; });

@@ -130,6 +130,7 @@ std::vector<UnfitControl> ControlsThatNeverFire(const Profile& profile) {
   std::map<Inputs, const Control*> before;
   std::optional<EngineTrial> mouseTrial;
   if (profile.mouseAlwaysActive) mouseTrial.emplace(WithPlainMasks(profile));
+  profile.profileLock.NotNeeded();
   for (const Control& control : profile.DispatchList) {
     std::string why = WhyUnfit(mouseTrial ? &*mouseTrial : nullptr, control);
     if (why.empty()) {

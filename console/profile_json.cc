@@ -212,6 +212,7 @@ bool ReadProfile(const std::string& text, Profile* profile, JsonFault* fault) {
     return false;
   }
   NumberControls(document.Root().value, profile);
+  profile->profileLock.NotNeeded();
   profile->RebuildDispatchList();
   return true;
 }

@@ -95,7 +95,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
 
   // For the poll callback, during its call: as long as the state stays as it is, each further call
   // would do nothing.
-  void NothingUntilChange() { pollMayRest = true; }
+  void NothingUntilChange() KELVARO_NEEDS(deviceLock) { pollMayRest = true; }
   // Something else than the state that the poll callback goes by may have changed. Costs a tick at
   // most. Any thread; the end of a change callback does the same.
   void Wake();
@@ -141,7 +141,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // On the timer's thread, each period. No waiting, no allocation.
   static void tick(std::uint32_t timerId, void* user);
   // Whether the next poll can wait until the device has news, or Wake is called.
-  bool PollDevice();
+  bool PollDevice() KELVARO_NEEDS(deviceLock);
 
   // Of the thread that made the object. The two of the selection stay as they are while the
   // notification thread runs, which therefore may look at them.
@@ -165,19 +165,21 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // timer's thread touches them under deviceLock only.
   platform::DirectInputDevice* device = nullptr;
   platform::DIJOYSTATE2 stateBuffers[2];
-  std::uint32_t writeIndex = 0;        // the next read's block; the other holds the last good read
-  platform::DIJOYSTATE2 changedState;  // guarded by deviceLock: what the change callback gets
+  std::uint32_t writeIndex = 0;  // the next read's block; the other holds the last good read
+  // What the change callback gets.
+  platform::DIJOYSTATE2 changedState KELVARO_GUARDED_BY(deviceLock);
   platform::Handle changeEvent = platform::kInvalidHandle;  // auto-reset
 
   // Set under deviceLock. The notification thread looks at the first two before it takes the lock,
   // so that a change that nobody wants costs no tick.
   Relaxed<bool> changeEnabled{false};
   Relaxed<DeviceCallback> changeCallback{nullptr};
-  void* changeContext = nullptr;
-  bool pollEnabled = false;
-  DeviceCallback pollCallback = nullptr;
-  bool pollMayRest = false;  // of the call of pollCallback that is under way
-  void* pollContext = nullptr;
+  void* changeContext KELVARO_GUARDED_BY(deviceLock) = nullptr;
+  bool pollEnabled KELVARO_GUARDED_BY(deviceLock) = false;
+  DeviceCallback pollCallback KELVARO_GUARDED_BY(deviceLock) = nullptr;
+  // Of the call of pollCallback that is under way.
+  bool pollMayRest KELVARO_GUARDED_BY(deviceLock) = false;
+  void* pollContext KELVARO_GUARDED_BY(deviceLock) = nullptr;
 };
 
 }  // namespace kelvaro

@@ -90,12 +90,14 @@ class ControlEngine {
   Relaxed<std::int32_t> wheelFactor{0};
   Relaxed<std::int32_t> movementDeadZone{0};  // axis units
   Relaxed<std::int32_t> wheelDeadZone{0};     // axis units
-  bool leftDown = false;                      // last event sent; guarded by mouseLock, as are the
-  bool middleDown = false;                    // next five
-  bool rightDown = false;
-  double accumulatedX = 0.0;  // counts not yet sent
-  double accumulatedY = 0.0;
-  double accumulatedWheel = 0.0;
+  // Last events sent.
+  bool leftDown KELVARO_GUARDED_BY(mouseLock) = false;
+  bool middleDown KELVARO_GUARDED_BY(mouseLock) = false;
+  bool rightDown KELVARO_GUARDED_BY(mouseLock) = false;
+  // Counts not yet sent.
+  double accumulatedX KELVARO_GUARDED_BY(mouseLock) = 0.0;
+  double accumulatedY KELVARO_GUARDED_BY(mouseLock) = 0.0;
+  double accumulatedWheel KELVARO_GUARDED_BY(mouseLock) = 0.0;
 
   Profile& profile;
   DeviceManager& device;
@@ -108,13 +110,14 @@ class ControlEngine {
   // Sends the mouse buttons' edges and takes the held buttons of the mouse out of dispatchButtons.
   // During a detection it detects instead.
   void MouseButtonStep();
-  void DetectMouseInput();
+  void DetectMouseInput() KELVARO_NEEDS(mouseLock);
   // One Control of the DispatchList; `fired` holds the active ones before it.
-  void DispatchControl(Control* control, LinkedList<const Control*>* fired);
-  void EndControl(Control* control);
+  void DispatchControl(Control* control, LinkedList<const Control*>* fired)
+      KELVARO_NEEDS(profile.profileLock);
+  void EndControl(Control* control) KELVARO_NEEDS(profile.profileLock);
   void EndControls();  // all that are down, and the repeat
   void LiftMouseButtons();
-  void FireControl(Control* control);
+  void FireControl(Control* control) KELVARO_NEEDS(profile.profileLock);
   void Tell(const Control& control, Verdict verdict, const Control* container = nullptr) {
     if (observer) observer->ControlJudged(control, verdict, container);
   }

@@ -79,6 +79,7 @@ double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const
 
 void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   auto& engine = *static_cast<ControlEngine*>(context);
+  device->deviceLock.NotNeeded();  // whoever calls this holds it
   if (engine.IsDetecting() || engine.ended || engine.host.ControlDialogOpen() ||
       !engine.MouseIsOn()) {
     return device->NothingUntilChange();

@@ -21,12 +21,12 @@ class Profile : public MouseSettings {
 
   // Makes DispatchList a copy of controls, every copy borrowing its actions, heaviest Trigger
   // first. Among equal weights the user's order is a first preference only (SortHeaviestFirst).
-  // Takes no lock. Sorting takes no memory, and one walk for each different weight.
-  void RebuildDispatchList();
+  // Sorting takes no memory, and one walk for each different weight.
+  void RebuildDispatchList() KELVARO_NEEDS(profileLock);
 
-  LinkedList<Control> controls;      // the master list, in the user's order
-  LinkedList<Control> DispatchList;  // guarded by profileLock
+  LinkedList<Control> controls;  // the master list, in the user's order
   RecursiveLock profileLock{LockRank::Profile};
+  LinkedList<Control> DispatchList KELVARO_GUARDED_BY(profileLock);
   ByteString profileName;
   ByteString deviceName;
   std::uint32_t nextControlId = 1;

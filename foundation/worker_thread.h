@@ -56,15 +56,15 @@ class WorkerThread {
  private:
   static std::uint32_t Entry(void* self);
   bool HasBegun();
-  void Forget();  // closes the handle; under stateLock
+  void Forget() KELVARO_NEEDS(stateLock);  // closes the handle
 
   RecursiveLock stateLock;
-  platform::Handle threadHandle = platform::kInvalidHandle;
-  std::int32_t threadId = 0;
-  std::uint32_t exitCode = 0;  // guarded by stateLock, as are the handle, the id and the next three
-  bool stopRequested = false;
-  bool isRunning = false;
-  std::int32_t priority = 0;
+  platform::Handle threadHandle KELVARO_GUARDED_BY(stateLock) = platform::kInvalidHandle;
+  std::int32_t threadId KELVARO_GUARDED_BY(stateLock) = 0;
+  std::uint32_t exitCode KELVARO_GUARDED_BY(stateLock) = 0;
+  bool stopRequested KELVARO_GUARDED_BY(stateLock) = false;
+  bool isRunning KELVARO_GUARDED_BY(stateLock) = false;
+  std::int32_t priority KELVARO_GUARDED_BY(stateLock) = 0;
   const char* const name;
 };
 

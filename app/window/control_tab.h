@@ -37,7 +37,8 @@ class ControlTab : public Pane {
   Control* FindControl(std::uint32_t controlId);
   bool RunDefineControlDialog();  // of defineControl.scratch; whether it ended with OK
   void BringShiftReminderBack();
-  void RebuildDispatchList();  // with no Control repeating; profileLock is held
+  // With no Control repeating.
+  void RebuildDispatchList() KELVARO_NEEDS(profile.profileLock);
   void OnNewControl();
   void OnEditControl();
   void OnDeleteControls();
