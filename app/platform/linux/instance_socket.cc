@@ -2,19 +2,13 @@
 
 #include <errno.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
-#include <optional>
 #include <utility>
 
 #include "app/platform/linux/detached_thread.h"
-#include "app/platform/linux/program_file.h"
 
 namespace platform {
 namespace {
@@ -25,7 +19,7 @@ constexpr std::uint32_t kPost = 2;
 constexpr std::size_t kMostWindows = 64;
 constexpr int kAnswerWithinMs = 500;
 constexpr int kRequestWithinMs = 100;
-constexpr char kSuffix[] = ".socket";
+constexpr char kEnding[] = ".socket";
 
 struct Request {
   std::uint32_t magic = kMagic;
@@ -46,52 +40,14 @@ struct Answer {
 };
 constexpr std::size_t kAnswerHead = offsetof(Answer, windows);
 
-bool Address(const std::string& path, sockaddr_un* address) {
-  *address = {};
-  address->sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address->sun_path) return false;
-  std::memcpy(address->sun_path, path.c_str(), path.size() + 1);
-  return true;
-}
-
-Descriptor MakeSocket() {
-  return Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+// The other end belongs to this user and runs this program.
+bool IsOneOfUs(int connection) {
+  const std::string own = OwnProgram();
+  return !own.empty() && PeerProgram(connection) == own;
 }
 
 std::string SocketPath(const std::string& folder, std::uint32_t process) {
-  return folder + "/" + std::to_string(process) + kSuffix;
-}
-
-std::string ProgramOf(const std::string& process) {
-  const std::string path = ProgramFileOf(process);
-  return path.substr(path.rfind('/') + 1);
-}
-
-// The other end belongs to this user and runs this program.
-bool IsOneOfUs(int connection) {
-  ucred peer{};
-  socklen_t size = sizeof peer;
-  if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return false;
-  if (peer.uid != geteuid()) return false;
-  const std::string own = ProgramOf("self");
-  return !own.empty() && ProgramOf(std::to_string(peer.pid)) == own;
-}
-
-bool Readable(int fd, int ms) {
-  pollfd wanted{fd, POLLIN, 0};
-  return Retry([&] { return poll(&wanted, 1, ms); }) > 0;
-}
-
-// None when nobody listens there.
-Descriptor ConnectTo(const std::string& path) {
-  sockaddr_un address;
-  if (!Address(path, &address)) return Descriptor(-1);
-  Descriptor connection = MakeSocket();
-  if (connection &&
-      connect(connection.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    return Descriptor(-1);
-  }
-  return connection;
+  return InstanceSocketPath(folder, process, kEnding);
 }
 
 // False when the instance isn't there, isn't one of us or doesn't answer in time.
@@ -106,45 +62,22 @@ bool Ask(const std::string& path, const Request& request, Answer* answer) {
          answer->count <= kMostWindows;
 }
 
-bool OwnFolder(const std::string& path) {
-  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) return false;
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
-         status.st_uid == geteuid() && (status.st_mode & 022) == 0;
-}
-
 }  // namespace
-
-std::string InstanceFolder() {
-  const char* runtime = getenv("XDG_RUNTIME_DIR");
-  const std::string folder = runtime && runtime[0] == '/'
-                                 ? std::string(runtime) + "/kelvaro"
-                                 : "/tmp/kelvaro-" + std::to_string(geteuid());
-  return OwnFolder(folder) ? folder : std::string();
-}
 
 std::unique_ptr<InstanceSocket> InstanceSocket::Open(const std::string& folder,
                                                      WindowSource windows, WindowPost post) {
-  sockaddr_un address;
   std::unique_ptr<InstanceSocket> made(new InstanceSocket);
   if (folder.empty()) return nullptr;
   const std::string path = SocketPath(folder, static_cast<std::uint32_t>(getpid()));
-  if (!Address(path, &address)) return nullptr;
-  made->listener = MakeSocket();
   made->wake = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
   made->ended = Descriptor(eventfd(0, EFD_CLOEXEC));
-  if (!made->listener || !made->wake || !made->ended) return nullptr;
-  Instances(folder);     // so that those of crashed ones don't pile up
-  unlink(path.c_str());  // of a crashed one that had the same id
-  const mode_t before = umask(0177);
-  const bool bound =
-      bind(made->listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  umask(before);
-  if (!bound) return nullptr;
+  if (!made->wake || !made->ended) return nullptr;
+  Instances(folder);  // so that those of crashed ones don't pile up
+  made->listener = ListenAt(path);
+  if (!made->listener) return nullptr;
   made->path = path;
   made->windows = std::move(windows);
   made->post = std::move(post);
-  if (listen(made->listener.Get(), 16) != 0) return nullptr;
   made->listens = StartDetachedThread(Listen, made.get());
   return made->listens ? std::move(made) : nullptr;
 }
@@ -205,13 +138,7 @@ void InstanceSocket::Serve(int connection) {
 }
 
 std::vector<std::uint32_t> Instances(const std::string& folder) {
-  std::vector<std::uint32_t> processes = ProcessesIn(folder, kSuffix);
-  std::erase_if(processes, [&](std::uint32_t process) {
-    if (access(("/proc/" + std::to_string(process)).c_str(), F_OK) == 0) return false;
-    unlink(SocketPath(folder, process).c_str());
-    return true;
-  });
-  return processes;
+  return InstancesWith(folder, kEnding);
 }
 
 bool IsListening(const std::string& folder, std::uint32_t process) {

@@ -15,6 +15,7 @@
 
 #include "app/platform/desktop.h"
 #include "app/platform/linux/descriptor.h"
+#include "app/platform/linux/instance_folder.h"
 
 namespace platform {
 
@@ -27,10 +28,6 @@ struct OfferedWindow {
 
 using WindowSource = std::function<std::vector<OfferedWindow>()>;
 using WindowPost = std::function<bool(WindowHandle window, std::uint32_t message)>;
-
-// $XDG_RUNTIME_DIR/kelvaro, or a folder of the user's own in /tmp where there is no runtime folder;
-// made if it is missing, for its owner alone. Empty where that can't be.
-std::string InstanceFolder();
 
 // The listening end.
 class InstanceSocket {
