@@ -7,6 +7,18 @@ namespace {
 
 Platform installed;
 
+// Nobody calls, and nobody answers.
+class NoCalls final : public Calls {
+ public:
+  bool Answer(CallReceiver*) override { return false; }
+  void StopAnswering() override {}
+  bool Send(CallId, const std::string&) override { return true; }
+  void HangUp(CallId) override {}
+  void Wake() override {}
+  std::vector<std::uint32_t> Answering() override { return {}; }
+  std::unique_ptr<Conversation> Call(std::uint32_t) override { return nullptr; }
+};
+
 const Platform& Reach() {
   StopHereIfCutOff();
   return installed;
@@ -32,5 +44,11 @@ Desktop& desktop() { return *Reach().desktop; }
 Controls& controls() { return *Reach().controls; }
 Shell& shell() { return *Reach().shell; }
 Processes& processes() { return *Reach().processes; }
+
+Calls& calls() {
+  static NoCalls none;
+  Calls* const group = Reach().calls;
+  return group ? *group : none;
+}
 
 }  // namespace platform

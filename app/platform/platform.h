@@ -5,6 +5,7 @@
 // and keep no reference: it is where a thread that was ended by force stops. Any thread.
 #pragma once
 
+#include "app/platform/calls.h"
 #include "app/platform/clock.h"
 #include "app/platform/controls.h"
 #include "app/platform/desktop.h"
@@ -19,7 +20,8 @@
 
 namespace platform {
 
-// Borrowed pointers; a group that a program has no use for may be null, and is then never called.
+// Borrowed pointers; a group that a program has no use for may be null, and is then never called;
+// but `calls`, which then are none.
 struct Platform {
   Clock* clock = nullptr;
   Threads* threads = nullptr;
@@ -33,6 +35,7 @@ struct Platform {
   Controls* controls = nullptr;
   Shell* shell = nullptr;
   Processes* processes = nullptr;
+  Calls* calls = nullptr;
 };
 
 // Installs `platform` for the life of this object, and the previous one again after it. Not to be
