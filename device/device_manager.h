@@ -3,7 +3,8 @@
 // on the timer's thread; a state that differs from the last one in any byte goes to the change
 // callback on the notification thread. Both run with deviceLock held, and a period that finds it
 // taken is lost: the timer's thread never waits, and several changes during a long callback come
-// out as one, the latest. While the device doesn't answer, nothing is delivered and nobody is told.
+// out as one, the latest. While the device doesn't answer, nothing is delivered; that it doesn't is
+// told to the presence callback alone.
 //
 // A period in which nothing could happen is left out, and the timer sleeps until the device has
 // something new: the last good state was as the one before, and the poll callback, if there is one,
@@ -35,6 +36,8 @@ class DeviceManager;
 // `state` is valid during the call only.
 using DeviceCallback = void (*)(DeviceManager* device, const platform::DIJOYSTATE2* state,
                                 void* context);
+// On the timer's thread, with deviceLock held: must not wait.
+using PresenceCallback = void (*)(bool answers, void* context);
 
 class DeviceManager : public WorkerThread, public DeviceErrorObject {
  public:
@@ -93,6 +96,17 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   void EnableChangeCallback();
   void EnablePollCallback();
 
+  // Called when a poll finds that the selected device has gone, or is back. Null for nobody. Waits
+  // for a tick that is under way.
+  void SetPresenceCallback(PresenceCallback callback, void* context);
+  // Whether the selected device answered the last poll; before the first one it counts as
+  // answering. Any thread.
+  bool Answers() const { return answers; }
+
+  // The next good poll counts as a change, as the first one of a selection does. Waits for a
+  // callback that is under way.
+  void DeliverAnew();
+
   // For the poll callback, during its call: as long as the state stays as it is, each further call
   // would do nothing.
   void NothingUntilChange() KELVARO_NEEDS(deviceLock) { pollMayRest = true; }
@@ -142,6 +156,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   static void tick(std::uint32_t timerId, void* user);
   // Whether the next poll can wait until the device has news, or Wake is called.
   bool PollDevice() KELVARO_NEEDS(deviceLock);
+  void NoteAnswer(bool answered) KELVARO_NEEDS(deviceLock);
 
   // Of the thread that made the object. The two of the selection stay as they are while the
   // notification thread runs, which therefore may look at them.
@@ -160,6 +175,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   std::function<bool(const ByteString&)> exclusive;
   bool takenByAnother = false;
   Relaxed<std::uint32_t> lostPolls{0};  // written by the timer's thread alone
+  Relaxed<bool> answers{true};          // the same, once polling goes on
 
   // Set before the timer and the notification thread start, and theirs until they have ended; the
   // timer's thread touches them under deviceLock only.
@@ -180,6 +196,8 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // Of the call of pollCallback that is under way.
   bool pollMayRest KELVARO_GUARDED_BY(deviceLock) = false;
   void* pollContext KELVARO_GUARDED_BY(deviceLock) = nullptr;
+  PresenceCallback presenceCallback KELVARO_GUARDED_BY(deviceLock) = nullptr;
+  void* presenceContext KELVARO_GUARDED_BY(deviceLock) = nullptr;
 };
 
 }  // namespace kelvaro

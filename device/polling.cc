@@ -49,6 +49,20 @@ void DeviceManager::SetPollCallback(DeviceCallback callback, void* context) {
   Wake();
 }
 
+void DeviceManager::SetPresenceCallback(PresenceCallback callback, void* context) {
+  LockGuard guard(deviceLock);
+  presenceCallback = callback;
+  presenceContext = context;
+}
+
+// Against zero blocks, as at the start of polling.
+void DeviceManager::DeliverAnew() {
+  LockGuard guard(deviceLock);
+  stateBuffers[0] = {};
+  stateBuffers[1] = {};
+  Wake();
+}
+
 void DeviceManager::EnableChangeCallback() {
   LockGuard guard(deviceLock);
   changeEnabled = true;
@@ -66,6 +80,7 @@ void DeviceManager::StartPolling() {
   writeIndex = 0;
   stateBuffers[0] = {};
   stateBuffers[1] = {};
+  answers = true;
   platform::threads().ResetEvent(changeEvent);
   Start(false, platform::THREAD_PRIORITY_TIME_CRITICAL);
   activePeriod = pollInterval;
@@ -95,8 +110,10 @@ bool DeviceManager::PollDevice() {
   if (!Succeeded(device->Poll())) {
     // A lost device: this tries to get it back, and what isn't back is waited for. Nothing stays
     // held: the device itself puts a pulled pad to rest, in one last good poll before (devices.h).
+    NoteAnswer(false);
     return !Succeeded(device->Acquire());
   }
+  NoteAnswer(true);
   platform::DIJOYSTATE2& state = stateBuffers[writeIndex];
   if (device->GetDeviceState(sizeof state, &state) != platform::DI_OK) return false;
   const bool changed = std::memcmp(&stateBuffers[0], &stateBuffers[1], sizeof state) != 0;
@@ -108,6 +125,12 @@ bool DeviceManager::PollDevice() {
   if (!pollMayRest) pollCallback(this, &state, pollContext);
   writeIndex ^= 1;
   return !changed && pollMayRest;
+}
+
+void DeviceManager::NoteAnswer(bool answered) {
+  if (answers == answered) return;
+  answers = answered;
+  if (presenceCallback) presenceCallback(answered, presenceContext);
 }
 
 std::uint32_t DeviceManager::Run() {

@@ -62,7 +62,7 @@ struct KeyTimings {
 struct ControlSettings : Trigger, KeyTimings {
   ByteString description;
   std::uint32_t controlId = 0;   // unique within the profile
-  std::uint8_t triggerDown = 0;  // run-time: fired on press and not yet inactive
+  std::uint8_t triggerDown = 0;  // run-time: fired on press and not yet inactive; see below
   std::uint8_t toggleMouseControls = 0;
   std::uint8_t repeatStarted = 0;    // run-time: 0 in repeatDelay, 1 at repeatSpeed
   std::uint32_t repeatLastTick = 0;  // run-time
@@ -70,6 +70,11 @@ struct ControlSettings : Trigger, KeyTimings {
 
 class Control : public ControlSettings {
  public:
+  // Values of triggerDown. A Control that was let go early fires again only once its Trigger has
+  // been inactive.
+  static constexpr std::uint8_t kDown = 1;
+  static constexpr std::uint8_t kDownButLetGo = 2;
+
   Control() = default;
   // Shares the actions of `source`; actionsBorrowed is 0, so the caller makes sure that only one
   // of the two deletes them.

@@ -16,12 +16,12 @@ const Control* ContainerOf(const Control& control, const LinkedList<const Contro
 
 void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   auto& engine = *static_cast<ControlEngine*>(context);
-  if (engine.ended) return;
+  if (engine.StandsStill()) return;
 
   DeviceSnapshot& snapshot = engine.snapshot;
   UpdateSnapshot(&snapshot, *state);
   const std::uint64_t buttons = snapshot.dispatchButtons;
-  if (engine.observer) engine.observer->ChangeBegins(snapshot);
+  if (DispatchObserver* const told = engine.observer) told->ChangeBegins(snapshot);
 
   if (engine.host.ControlDialogOpen()) {
     engine.host.ShowDetectedTrigger(*device, snapshot);
@@ -39,7 +39,7 @@ void ControlDispatcher(DeviceManager* device, const DIJOYSTATE2* state, void* co
 
   snapshot.dispatchButtons = buttons;
   RollSnapshot(&snapshot);
-  if (engine.observer) engine.observer->ChangeEnds();
+  if (DispatchObserver* const told = engine.observer) told->ChangeEnds();
 }
 
 void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>* fired) {
@@ -60,15 +60,16 @@ void ControlEngine::DispatchControl(Control* control, LinkedList<const Control*>
   // fires anyway.
   static_cast<void>(fired->AddTail(control));
   if (control->triggerDown) return Tell(*control, Verdict::DownAlready);
-  FireControl(control);
+  if (!paused) FireControl(control);
 }
 
 void ControlEngine::EndControl(Control* control) {
   Tell(*control, Verdict::Ends);
   if (control == repeatWorker.Repeating()) repeatWorker.Clear();
+  const bool keysAreDown = control->triggerDown == Control::kDown;
   control->triggerDown = 0;
   // Each replay of a repeating Control is complete in itself.
-  if (control->repeatEnabled) return;
+  if (control->repeatEnabled || !keysAreDown) return;
   for (InputAction* action : control->actions) action->Release();
 }
 
@@ -81,12 +82,12 @@ void ControlEngine::FireControl(Control* control) {
     if (releaseAtOnce) action->Release();
   }
   if (control->activateOnPress) {
-    control->triggerDown = 1;
+    control->triggerDown = Control::kDown;
     if (control->repeatEnabled) repeatWorker.Start(control);
   }
   if (control->toggleMouseControls) {
     mouseActive = !mouseActive;
-    if (observer) observer->MouseSwitched(mouseActive);
+    if (DispatchObserver* const told = observer) told->MouseSwitched(mouseActive);
   }
 }
 

@@ -77,6 +77,42 @@ void ControlEngine::LetGo() {
   LiftMouseButtons();
 }
 
+void ControlEngine::ReleaseAll() {
+  LockGuard noStep(device.deviceLock);
+  {
+    LockGuard guard(profile.profileLock);
+    repeatWorker.Clear();
+    for (Control& control : profile.DispatchList) {
+      if (control.triggerDown != Control::kDown) continue;
+      EndControl(&control);
+      control.triggerDown = Control::kDownButLetGo;
+    }
+  }
+  LiftMouseButtons();
+}
+
+void ControlEngine::Pause() {
+  paused = true;
+  LockGuard noStep(device.deviceLock);
+  EndControls();
+  LiftMouseButtons();
+}
+
+void ControlEngine::Resume() {
+  LockGuard noStep(device.deviceLock);
+  if (!paused) return;
+  {
+    LockGuard guard(profile.profileLock);
+    for (Control& control : profile.DispatchList) {
+      control.triggerArmed = 0;
+      control.triggerSpoiled = 0;
+    }
+  }
+  snapshot = DeviceSnapshot();
+  paused = false;
+  device.DeliverAnew();
+}
+
 void ControlEngine::LetGoWithoutDevice() {
   EndControls();
   if (MouseIsOn()) LiftMouseButtons();

@@ -35,8 +35,9 @@ class ControlEngine {
   // Registers both steps with the device manager and then enables them.
   void Attach();
 
-  // Has its decisions told from here on; borrowed, null for nobody. Before the device is selected
-  // and the repeat worker started.
+  // Has its decisions told from here on; borrowed, null for nobody. One that is taken away may
+  // still hear of what is under way, so it must outlive the engine's threads, and be made before
+  // them.
   void SetObserver(DispatchObserver* listener);
 
   // To be called once what the mouse step goes by was changed past this: the profile's mouse
@@ -80,6 +81,19 @@ class ControlEngine {
   // has been down since the mouse controls went off stays so, as it does with a device.
   void LetGoWithoutDevice();
 
+  // Lets go of everything that is held, as LetGo, and goes on: what is held of the pad presses
+  // nothing anew until it has been let go. Any thread but the engine's own.
+  void ReleaseAll();
+
+  // From here on no state counts, until Resume, also of another profile or device; what is held is
+  // let go. Of the change under way nothing more fires; a replay under way is waited for. Any
+  // thread but the engine's own, as Resume.
+  void Pause();
+  // What the pad does now counts as it does at the start of a run: what was held before is
+  // forgotten, what is held now fires.
+  void Resume();
+  bool IsPaused() const { return paused; }
+
   DeviceSnapshot snapshot;  // of the notification thread
   RepeatWorker repeatWorker;
 
@@ -116,14 +130,16 @@ class ControlEngine {
       KELVARO_NEEDS(profile.profileLock);
   void EndControl(Control* control) KELVARO_NEEDS(profile.profileLock);
   void EndControls();  // all that are down, and the repeat
+  bool StandsStill() const { return ended || paused; }
   void LiftMouseButtons();
   void FireControl(Control* control) KELVARO_NEEDS(profile.profileLock);
   void Tell(const Control& control, Verdict verdict, const Control* container = nullptr) {
-    if (observer) observer->ControlJudged(control, verdict, container);
+    if (DispatchObserver* const told = observer) told->ControlJudged(control, verdict, container);
   }
 
-  DispatchObserver* observer = nullptr;
+  Relaxed<DispatchObserver*> observer{nullptr};
   Relaxed<bool> ended{false};  // by LetGo
+  Relaxed<bool> paused{false};
   Relaxed<bool> testMode{false};
   // Set after the result, since the notification thread looks at the role first.
   std::atomic<MouseRole> detectedRole{MouseRole::None};

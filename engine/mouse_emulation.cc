@@ -80,7 +80,7 @@ double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const
 void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {
   auto& engine = *static_cast<ControlEngine*>(context);
   device->deviceLock.NotNeeded();  // whoever calls this holds it
-  if (engine.IsDetecting() || engine.ended || engine.host.ControlDialogOpen() ||
+  if (engine.IsDetecting() || engine.StandsStill() || engine.host.ControlDialogOpen() ||
       !engine.MouseIsOn()) {
     return device->NothingUntilChange();
   }
@@ -153,8 +153,9 @@ void ControlEngine::MouseButtonStep() {
   }
   // A held button goes away, so that no Control sees it. Kept: the mask of index 31 fills the upper
   // half, which isn't touched here, and a button up there makes bit 31 change sides.
-  if (observer && (snapshot.dispatchButtons & owned) != 0) {
-    observer->MouseTakes(snapshot.dispatchButtons & owned);
+  DispatchObserver* const told = observer;
+  if (told && (snapshot.dispatchButtons & owned) != 0) {
+    told->MouseTakes(snapshot.dispatchButtons & owned);
   }
   snapshot.dispatchButtons ^= owned;
   SendButtons(flags);

@@ -22,7 +22,8 @@ void RepeatWorker::Start(Control* control) {
   {
     LockGuard guard(repeatLock);
     const Control* const earlier = Repeating();
-    if (observer && earlier && earlier != control) observer->RepeatLost(*earlier, *control);
+    DispatchObserver* const told = observer;
+    if (told && earlier && earlier != control) told->RepeatLost(*earlier, *control);
     repeatControl.store(control, std::memory_order_relaxed);
     control->repeatStarted = 0;
     control->repeatLastTick = platform::clock().GetTickCount();
@@ -66,7 +67,7 @@ void RepeatWorker::RepeatWhenDue() {
   const std::uint32_t elapsed = platform::clock().GetTickCount() - control->repeatLastTick;
   if (elapsed < (control->repeatStarted ? control->repeatSpeed : control->repeatDelay)) return;
 
-  if (observer) observer->Repeats(*control);
+  if (DispatchObserver* const told = observer) told->Repeats(*control);
   for (InputAction* action : control->actions) {
     action->Replay(control->repeatEnabled, control->keyHoldTime, control->keyReleasePause);
   }

@@ -7,6 +7,7 @@
 
 #include "engine/control.h"
 #include "engine/dispatch_observer.h"
+#include "foundation/relaxed.h"
 #include "foundation/worker_thread.h"
 
 namespace kelvaro {
@@ -27,7 +28,7 @@ class RepeatWorker : public WorkerThread {
   Control* Repeating() const { return repeatControl.load(std::memory_order_relaxed); }
 
   RecursiveLock repeatLock{LockRank::Repeat};
-  DispatchObserver* observer = nullptr;  // borrowed; set before the thread starts
+  Relaxed<DispatchObserver*> observer{nullptr};  // borrowed; see ControlEngine::SetObserver
 
  protected:
   std::uint32_t Run() override;

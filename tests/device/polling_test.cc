@@ -400,6 +400,51 @@ TEST_F(Rest, ALostDeviceIsAskedForOnceAndTakenUpOnTheGrid) {
   EXPECT_EQ(changes[0].t, 100'010u);
 }
 
+TEST_F(Rest, DeliveredAnewAStateThatStaysCountsAsAChangeAtTheNextTick) {
+  pad.Press({1});
+  BeginAndForget(1000);
+  RunTo(1003);
+  manager.DeliverAnew();
+  RunTo(2000);
+  ASSERT_EQ(changes.size(), 1u);
+  EXPECT_EQ(changes[0].t, 1010u);
+  EXPECT_NE(changes[0].state.rgbButtons[0], 0);
+}
+
+TEST_F(Rest, ADeviceThatGoesAndComesBackIsToldOnceEachAtTheTickThatSeesIt) {
+  struct Told {
+    Rest* self;
+    std::vector<std::string> lines;
+  } told{this, {}};
+  manager.SetPresenceCallback(
+      [](bool answers, void* context) {
+        auto& there = *static_cast<Told*>(context);
+        EXPECT_TRUE(there.self->manager.deviceLock.IsTaken());
+        EXPECT_EQ(there.self->manager.Answers(), answers);
+        there.lines.push_back(std::to_string(there.self->Now()) + (answers ? " back" : " gone"));
+      },
+      &told);
+  BeginAndForget(1000);
+  EXPECT_TRUE(manager.Answers());
+  RunTo(1003);
+  pad.Lose();
+  RunTo(2003);
+  EXPECT_EQ(told.lines, std::vector<std::string>{"1010 gone"});
+  EXPECT_FALSE(manager.Answers());
+  pad.Return();
+  RunTo(3000);
+  ASSERT_EQ(told.lines.size(), 2u);
+  EXPECT_EQ(told.lines[1].substr(4), " back");
+  EXPECT_TRUE(manager.Answers());
+  pad.Lose();
+  RunTo(4000);
+  EXPECT_FALSE(manager.Answers());
+  pad.Return();
+  ASSERT_TRUE(manager.SelectDevice(0));
+  EXPECT_TRUE(manager.Answers()) << "until the first poll of a selection says otherwise";
+  manager.SetPresenceCallback(nullptr, nullptr);
+}
+
 TEST_F(Rest, AFailureThatTheDeviceCanNotExplainIsTriedAgainAtEachTick) {
   BeginAndForget(1000);
   manager.Wake();

@@ -193,6 +193,106 @@ TEST_F(Engine, LetGoHoldsTheDeviceThroughout) {
   EXPECT_TRUE(takenAtTheMouse);
 }
 
+TEST_F(Engine, PausedItTakesNoStateAndHoldsNothing) {
+  Add({.name = "a", .buttons = {1}});
+  Add({.name = "r", .buttons = {2}, .repeats = true, .delay = 0, .speed = 0});
+  profile.mouseX = MouseInput(0);
+  profile.leftMask = MouseButtonMask(4);
+  engine.mouseActive = true;
+  Dispatch({1, 2, 5});
+  MouseEvents();
+  engine.Pause();
+  EXPECT_TRUE(engine.IsPaused());
+  EXPECT_EQ(journal.Take(), "release a");
+  EXPECT_EQ(MouseEvents(), "4 0 0 0");
+  EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
+  EXPECT_EQ(Dispatch({2}), "");
+  EXPECT_EQ(Dispatch({1, 5}), "");
+  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  engine.Attach();
+  EXPECT_EQ(Dispatch({1}), "") << "attached anew it is still paused";
+}
+
+TEST_F(Engine, ResumedItTakesWhatIsHeldAsAtTheStartOfARun) {
+  Add({.name = "a", .buttons = {1}});
+  Add({.name = "release", .buttons = {2}, .onPress = false});
+  Plug(10);
+  Hold(15, {1, 2}, 35);
+  EXPECT_EQ(journal.Take(), "20 press a");
+  engine.Pause();
+  EXPECT_EQ(journal.Take(), "35 release a");
+  Hold(45, {1}, 65);
+  engine.Resume();
+  EXPECT_FALSE(engine.IsPaused());
+  RunTo(200);
+  EXPECT_EQ(journal.Take(), "70 press a") << "it is held, and the other was let go meanwhile";
+  engine.Resume();
+  RunTo(300);
+  EXPECT_EQ(journal.Take(), "") << "it wasn't paused";
+}
+
+TEST_F(Engine, APauseStopsTheChangeUnderWayBehindTheReplayUnderWay) {
+  Add({.name = "a", .buttons = {1}, .pressMs = 30});
+  Add({.name = "b", .buttons = {2}});
+  Plug(10);
+  Hold(15, {1, 2}, 25);
+  engine.Pause();
+  EXPECT_EQ(sim.Now() - start, 50u);
+  RunTo(200);
+  EXPECT_EQ(journal.Take(), "20 press a, 50 release a");
+}
+
+TEST_F(Engine, ReleaseAllLetsGoOnceAndOfWhatIsHeldNothingFiresUntilItWasLetGo) {
+  Add({.name = "a", .buttons = {1}});
+  Add({.name = "r", .buttons = {2}, .repeats = true, .delay = 0, .speed = 0});
+  Plug(10);
+  Hold(15, {1, 2}, 15);
+  RunTo(22);
+  journal.Take();
+  engine.ReleaseAll();
+  EXPECT_EQ(journal.Take(), "22 release a");
+  EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
+  engine.ReleaseAll();
+  Hold(30, {1, 2, 3}, 50);
+  EXPECT_EQ(journal.Take(), "") << "both are still held";
+  Hold(50, {}, 70);
+  EXPECT_EQ(journal.Take(), "") << "they are up already";
+  Hold(70, {1}, 90);
+  EXPECT_EQ(journal.Take(), "80 press a");
+  engine.LetGo();
+  EXPECT_EQ(journal.Take(), "90 release a");
+}
+
+TEST_F(Engine, ReleaseAllLiftsMouseButtonsAlsoWhenTheMouseControlsWentOff) {
+  profile.leftMask = MouseButtonMask(4);
+  engine.mouseActive = true;
+  Dispatch({5});
+  MouseEvents();
+  engine.mouseActive = false;
+  engine.ReleaseAll();
+  EXPECT_EQ(MouseEvents(), "4 0 0 0");
+}
+
+// An observer may come and go while the engine runs.
+TEST_F(Engine, AnObserverHearsFromWhenItIsSetUntilItIsTakenAway) {
+  struct Observer final : DispatchObserver {
+    void ChangeBegins(const DeviceSnapshot&) override { ++changes; }
+    void ChangeEnds() override {}
+    void MouseTakes(std::uint64_t) override {}
+    void ControlJudged(const Control&, Verdict, const Control*) override {}
+    void MouseSwitched(bool) override {}
+    void RepeatLost(const Control&, const Control&) override {}
+    void Repeats(const Control&) override {}
+    int changes = 0;
+  } observer;
+  Dispatch({1});
+  engine.SetObserver(&observer);
+  Dispatch({2});
+  engine.SetObserver(nullptr);
+  Dispatch({1});
+  EXPECT_EQ(observer.changes, 1);
+}
+
 TEST_F(Engine, LetGoLeavesTheLocksFree) {
   engine.LetGo();
   EXPECT_FALSE(device.deviceLock.IsTaken());
