@@ -145,6 +145,19 @@ struct LatencyOptions {
 };
 int LatencyCommand(const LatencyOptions& options, Streams streams);
 
+// What runs is asked and steered; the profile is select's.
+struct SteerOptions {
+  std::optional<std::uint32_t> instance;  // process; all without it
+  std::string profile;                    // stored name
+  bool json = false;
+};
+int StatusCommand(const SteerOptions& options, Streams streams);
+int SelectCommand(const SteerOptions& options, Streams streams);
+int PauseCommand(const SteerOptions& options, Streams streams);
+int ResumeCommand(const SteerOptions& options, Streams streams);
+int ReleaseAllCommand(const SteerOptions& options, Streams streams);
+int FollowEventsCommand(const SteerOptions& options, Streams streams);
+
 // Which of them count follows from the command.
 struct SettingsOptions {
   std::string name;

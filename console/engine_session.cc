@@ -9,20 +9,36 @@ EngineSession::EngineSession(Profile& profile)
 
 EngineSession::~EngineSession() { End(); }
 
-bool EngineSession::Begin(const DeviceChoice& choice, bool mouseActive, std::string* error) {
+bool EngineSession::SelectDevice(const DeviceChoice& choice, std::string* error) {
   if (!device.SetPollInterval(profile.pollInterval)) {
     *error = "pollInterval: " + std::to_string(profile.pollInterval) + " ms is not from " +
              std::to_string(device.TimerMin()) + " to " + std::to_string(device.TimerMax());
     return false;
   }
+  return SelectChosenDevice(&device, choice, error);
+}
+
+bool EngineSession::Begin(const DeviceChoice& choice, bool mouseActive, std::string* error) {
   engine.mouseActive = mouseActive;
-  if (!SelectChosenDevice(&device, choice, error)) return false;
+  if (!SelectDevice(choice, error)) return false;
   running = true;
   if (!engine.repeatWorker.Start(false, WorkerThread::kPriorityOfCaller)) {
     *error = "the thread that repeats keys can't be started";
     return false;
   }
   return true;
+}
+
+bool EngineSession::Change(const std::function<void()>& load, const DeviceChoice& choice,
+                           std::string* error) {
+  engine.LetGo();
+  device.StopDevice();
+  load();
+  engine.ApplyMouseSettings();
+  engine.mouseActive = false;
+  engine.snapshot = DeviceSnapshot();
+  engine.Attach();
+  return SelectDevice(choice, error);
 }
 
 void EngineSession::End() {

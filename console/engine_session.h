@@ -3,6 +3,7 @@
 // installed.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "console/device_choice.h"
@@ -47,6 +48,14 @@ class EngineSession {
   // False, with *error in words, when there is no such device or its interval can't be had.
   bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);
 
+  // Goes on with what `load` puts into the profile, which is asked for once what was held is let
+  // go. On a device that can't be had the run goes on without one: false, with *error in words.
+  // While the run is paused it stays so.
+  bool Change(const std::function<void()>& load, const DeviceChoice& choice, std::string* error);
+
+  // What is steered; from the construction on.
+  ControlEngine& Engine() { return engine; }
+
   const ByteString& DeviceName() const { return device.SelectedName(); }
   platform::GUID DeviceGuid() const { return device.SelectedGuid(); }
 
@@ -54,6 +63,8 @@ class EngineSession {
   void End();
 
  private:
+  bool SelectDevice(const DeviceChoice& choice, std::string* error);
+
   Profile& profile;
   ConsoleHost host;
   DeviceManager device;

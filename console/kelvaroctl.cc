@@ -61,6 +61,12 @@ struct Choice {
   RunOptions test;
   PlayBackOptions playBack;
   LatencyOptions latency;
+  SteerOptions status;
+  SteerOptions select;
+  SteerOptions pause;
+  SteerOptions resume;
+  SteerOptions releaseAll;
+  SteerOptions followEvents;
   SettingsOptions settings;
   std::function<int(Streams)> command;
 };
@@ -445,6 +451,63 @@ void AddLatency(CLI::App& app, Choice& choice) {
   Choose(latency, choice, choice.latency, &LatencyCommand);
 }
 
+// A command for what runs.
+CLI::App* AddSteering(CLI::App& app, Choice& choice, const char* name, const char* about,
+                      SteerOptions* options, int (*run)(const SteerOptions&, Streams)) {
+  CLI::App* command = app.add_subcommand(name, about);
+  const auto read = [options](const std::string& text) {
+    const auto process = platform::ParseWholeNumber(text);
+    if (!process || *process == 0 || *process > INT32_MAX)
+      throw CLI::ValidationError("--instance", "'" + text + "' is not the number of a process");
+    options->instance = static_cast<std::uint32_t>(*process);
+  };
+  command
+      ->add_option_function<std::string>("-i,--instance", read,
+                                         "the process of one of several; all without it")
+      ->type_name("PID");
+  Choose(command, choice, *options, run);
+  return command;
+}
+
+void AddSteeringCommands(CLI::App& app, Choice& choice) {
+  const auto add = [&](const char* name, const char* about, SteerOptions* options,
+                       int (*run)(const SteerOptions&, Streams), const char* footer) {
+    CLI::App* command = AddSteering(app, choice, name, about, options, run);
+    command->footer(footer);
+    command->add_flag("--json", options->json, kJsonHelp);
+    return command;
+  };
+  add("status", "Say how each running Kelvaro stands", &choice.status, &StatusCommand,
+      "Windows and `kelvaroctl run` alike. With --json: process, program (window or run), version, "
+      "profile, device, deviceAnswers, paused, mouseControls.");
+  add("select", "Have a running Kelvaro open another profile", &choice.select, &SelectCommand,
+      "The window does what it does when you choose the profile in its list, but asks nothing: "
+      "where a dialog or a box is open, or changes couldn't be stored, it says so and stays as it "
+      "is. With --json: process, done.")
+      ->add_option("NAME", choice.select.profile, "the whole name of a stored profile")
+      ->required();
+  add("pause", "Have a running Kelvaro do nothing, with all let go", &choice.pause, &PauseCommand,
+      "From here on nothing that the pad does counts, and every key and button that was held is "
+      "let "
+      "go. Keys that are being sent are sent to their end first. With --json: process, done.");
+  add("resume", "Have a paused Kelvaro go on", &choice.resume, &ResumeCommand,
+      "What you hold on the pad now counts as pressed now. With --json: process, done.");
+  add("release-all", "Have a running Kelvaro let go of all keys and buttons", &choice.releaseAll,
+      &ReleaseAllCommand,
+      "What you still hold on the pad does nothing until you have let go of it. Keys that are "
+      "being "
+      "sent are sent to their end first, and what repeats ends. With --json: process, done.");
+  AddSteering(app, choice, "follow-events", "Print what a running Kelvaro does, until Ctrl-C",
+              &choice.followEvents, &FollowEventsCommand)
+      ->footer(
+          "JSON Lines with process, event and t (ms since that one began to answer). Events: "
+          "following (no t; from here on all is told), profile and device (name; empty for none), "
+          "deviceLost, deviceBack, controlFired (controlId), mouseControls (on), paused, resumed, "
+          "missed (count of events that were dropped because they weren't read), ended (no t). "
+          "What "
+          "starts later isn't followed.");
+}
+
 void AddSettings(CLI::App& app, Choice& choice) {
   CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
   settings->require_subcommand(1);
@@ -504,6 +567,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddTest(app, choice);
   AddPlayBack(app, choice);
   AddLatency(app, choice);
+  AddSteeringCommands(app, choice);
   AddSettings(app, choice);
   // Last: commands take over what their program has as they are added.
   app.footer(

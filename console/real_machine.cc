@@ -4,6 +4,7 @@
 #include <mutex>
 #include <utility>
 
+#include "app/platform/linux/linux_calls.h"
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/recording/recorded_devices.h"
 #include "console/console_error.h"
@@ -61,6 +62,7 @@ struct RealMachine::Parts {
   std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
   platform::LinuxPlatform system;
   std::unique_ptr<platform::RecordedDevices> recorded;
+  std::unique_ptr<platform::LinuxCalls> calls;
   std::unique_ptr<ToldInput> told;
   platform::Platform groups;
   std::unique_ptr<platform::InstalledPlatform> installed;
@@ -81,6 +83,12 @@ void RealMachine::PlayRecording(const platform::Recording& recording) {
 
 std::optional<platform::NodePlace> RealMachine::PlaceOf(const platform::GUID& device) {
   return parts->system.GameDevices().PlaceOf(device);
+}
+
+void RealMachine::TakeCalls() {
+  parts->calls = std::make_unique<platform::LinuxCalls>();
+  parts->groups.calls = parts->calls.get();
+  parts->Install();
 }
 
 bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {

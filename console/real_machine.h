@@ -30,6 +30,9 @@ class RealMachine {
   // Where a device that is plugged in is; nothing if it isn't any more.
   std::optional<platform::NodePlace> PlaceOf(const platform::GUID& device);
 
+  // Lets others call: platform::calls() is the machine's own from here on.
+  void TakeCalls();
+
   // Where keys and mouse events go out; with a printer (borrowed) each is printed too. False, with
   // *error saying what is missing and what to do, when there is no way out.
   bool OpenOutput(EventPrinter* printer, std::string* error);

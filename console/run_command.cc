@@ -9,6 +9,7 @@
 #include "console/json_text.h"
 #include "console/real_machine.h"
 #include "console/run_choice.h"
+#include "console/steered_run.h"
 #include "console/stop_signals.h"
 
 namespace kelvaro::console {
@@ -51,7 +52,7 @@ void TellOfGrab(RealMachine& machine, const EngineSession& session, Streams stre
               << std::endl;
 }
 
-int RunForReal(const RunOptions& options, Profile& profile, const Recording& recording,
+int RunForReal(const RunOptions& options, ProfileFile& profile, const Recording& recording,
                Streams streams) {
   StopSignals signals;
   EventPrinter printer(streams.out, true, &StopSignals::Ask);
@@ -66,8 +67,10 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
   if (!machine.OpenOutput(options.json ? &printer : nullptr, &error)) {
     return Complain(streams.err, error);
   }
+  machine.TakeCalls();
 
   EngineSession session(profile);
+  SteeredRun steered(session, profile, options);
   session.SetAnswerAtOnce(options.wake);
   if (options.grab) session.TakeDeviceAlone();
   if (!session.Begin(choice, options.mouseActive, &error)) {
@@ -77,7 +80,9 @@ int RunForReal(const RunOptions& options, Profile& profile, const Recording& rec
   streams.err << "Running " << options.profile << " on '" << Bytes(session.DeviceName())
               << "'; Ctrl-C ends it." << std::endl;
   if (!options.grab && !options.replay) TellOfGrab(machine, session, streams);
+  steered.Begin();
   signals.Wait(EndOfRun(options, recording));
+  steered.End();
   session.End();
   return machine.EndOfOutput(streams);
 }

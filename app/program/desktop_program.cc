@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/platform/linux/linux_calls.h"
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/linux/linux_processes.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
@@ -69,6 +70,8 @@ int RunOnDesktop(int& argc, char** argv) {
         return qt.Desktop().PostMessageA(window, message, 0, 0);
       });
   groups.processes = &processes;
+  platform::LinuxCalls calls;
+  groups.calls = &calls;
   if (hasInput) {
     system.Sender()->OnFailure([&qt](const std::string& reason) {
       qt.Desktop().Tell("The system refuses the keys and mouse events that are sent: " + reason);

@@ -14,5 +14,6 @@ constexpr std::uint32_t WM_DEVICE_WARNING = 0x8006;
 constexpr std::uint32_t WM_CLOSE_PROGRAM = 0x8007;
 constexpr std::uint32_t WM_START_LAUNCH = 0x8008;
 constexpr std::uint32_t WM_SHOW_WELCOME = 0x8009;
+constexpr std::uint32_t WM_STEERED = 0x800A;
 
 }  // namespace kelvaro

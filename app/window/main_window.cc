@@ -103,6 +103,7 @@ void MainWindow::OnInit() {
   initComplete = true;
   Session::TellUnlessProfilesCanBeSaved();
   SetText(kVersionText, ByteString("Version ").Concat(VersionNumber()));
+  steered.Begin();
 }
 
 bool MainWindow::CreateDeviceManager() {
@@ -180,6 +181,7 @@ void MainWindow::Cleanup() {
   notificationArea.EndHideWhenMinimised();
   // The launcher's own box may be up, and this thread must not wait for the person to read it.
   platform::desktop().DismissBoxesOfOtherThreads();
+  steered.End();
   if (session.engine) session.engine->repeatWorker.Stop();
   launcher.Stop();
   session.SaveAppSettings();
@@ -207,6 +209,11 @@ void MainWindow::OnDestroy() {
 // objects of a handler are gone by then.
 void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   if (session.shuttingDown) return;
+  const SteeredWindow::Busy busy(steered);
+  HandleNotice(id, notice, value);
+}
+
+void MainWindow::HandleNotice(std::uint32_t id, Notice notice, std::int32_t value) {
   if (notice == Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
   for (Pane* const pane :
        std::initializer_list<Pane*>{&profileRow, &controlTab, &mouseTab, &deviceTab, &settingsTab})
@@ -227,6 +234,12 @@ void MainWindow::OnNotice(std::uint32_t id, Notice notice, std::int32_t value) {
 
 void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
   if (session.shuttingDown) return;
+  if (message == WM_STEERED) return steered.OnRequests();
+  const SteeredWindow::Busy busy(steered);
+  HandleMessage(message, wParam, lParam);
+}
+
+void MainWindow::HandleMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
   switch (message) {
     case WM_TRAY_CALLBACK:
       return notificationArea.OnTrayCallback(wParam, lParam);
@@ -249,6 +262,7 @@ void MainWindow::OnMessage(std::uint32_t message, std::uintptr_t wParam, std::in
 
 void MainWindow::OnTimer(std::uint32_t) {
   if (session.shuttingDown) return;
+  const SteeredWindow::Busy busy(steered);
   if (deviceTab.AwaitsDevice()) deviceTab.RefreshDeviceList();
   SleepUnlessDeviceAwaited();
 }

@@ -19,6 +19,7 @@
 #include "app/window/profile_row.h"
 #include "app/window/session.h"
 #include "app/window/settings_tab.h"
+#include "app/window/steered_window.h"
 
 namespace kelvaro {
 
@@ -42,6 +43,7 @@ class MainWindow : public ResizableDialog {
   Launcher launcher;
   ProfileRow profileRow{session, controlTab, mouseTab, deviceTab, launcher};
   NotificationArea notificationArea{*this};
+  SteeredWindow steered{session, profileRow};
 
  protected:
   void OnInit() override;
@@ -57,6 +59,8 @@ class MainWindow : public ResizableDialog {
   void Layout(const platform::Rect& client) override;
 
  private:
+  void HandleNotice(std::uint32_t id, platform::Notice notice, std::int32_t value);
+  void HandleMessage(std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam);
   bool CreateDeviceManager();  // false, after the message, without DirectInput
   void PrepareControls();
   void DeclareLayout(std::int32_t topMargin);

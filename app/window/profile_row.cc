@@ -5,6 +5,7 @@
 #include "app/resources/control_ids.h"
 #include "app/start/window_messages.h"
 #include "foundation/paths.h"
+#include "steering/steering.h"
 
 namespace kelvaro {
 
@@ -89,16 +90,42 @@ void ProfileRow::SelectByCommandLine() {
   launcher.commandLineProfileSelected = true;
 }
 
+std::string ProfileRow::Choose(const std::string& name) {
+  const ByteString wanted = TextOf(name);
+  if (wanted.Equals(profile.profileName)) return {};
+  if (session.unsaved)
+    return "changes of '" + Bytes(profile.profileName) + "' couldn't be stored and would be lost";
+  ProfileFile looked;
+  const ByteString path = looked.FindProfileFile(wanted);
+  if (path.IsEmpty()) return NoStoredProfile(name);
+  if (!looked.Load(path)) return UnreadableProfile(name);
+  std::int32_t row =
+      platform::controls().ComboFindStringExact(dialog.window, kProfileList, Bytes(wanted));
+  // One that another program has stored meanwhile.
+  if (row == platform::kNoRow)
+    row = platform::controls().ComboAddString(dialog.window, kProfileList, Bytes(wanted));
+  platform::controls().ComboSetCurSel(dialog.window, kProfileList, row);
+  LoadSelectedProfile();
+  return {};
+}
+
 void ProfileRow::OnProfileSelected() {
+  // By message, so that it comes after anything that leads to another profile now.
+  if (LoadSelectedProfile())
+    platform::desktop().PostMessageA(dialog.window, WM_DEVICE_WARNING, 0, 0);
+}
+
+bool ProfileRow::LoadSelectedProfile() {
   for (;;) {
     const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kProfileList);
-    if (row == platform::kNoRow) return;
+    if (row == platform::kNoRow) return false;
     engine->repeatWorker.Clear();
     const ByteString name =
         TextOf(platform::controls().ComboGetLBText(dialog.window, kProfileList, row));
     // Before the load: one that can't be read is remembered, too.
     session.settings.RememberLastProfile(name);
-    if (LoadProfile(name) || session.shuttingDown) return;
+    if (LoadProfile(name)) return true;
+    if (session.shuttingDown) return false;
     platform::controls().ComboDeleteString(dialog.window, kProfileList, row);
     platform::controls().ComboSetCurSel(dialog.window, kProfileList, 0);
   }
@@ -127,8 +154,7 @@ bool ProfileRow::LoadProfile(const ByteString& name) {
   controlTab.FillControlList();
   deviceTab.ShowMouseAndDeviceState();
   engine->mouseActive = false;
-  // By message, so that it comes after anything that leads to another profile now.
-  platform::desktop().PostMessageA(dialog.window, WM_DEVICE_WARNING, 0, 0);
+  session.unsaved = false;
   return true;
 }
 

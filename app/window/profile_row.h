@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "app/start/launcher.h"
 #include "app/window/control_tab.h"
@@ -23,11 +24,17 @@ class ProfileRow : public Pane {
 
   void Fill();  // and select by the command line, or the last profile
 
+  // Does what the person's choice of that profile does, without a question or a box. Otherwise the
+  // result says why not, and all is as it was. The profile that is open stays so.
+  std::string Choose(const std::string& name);
+
   bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
  private:
   void SelectByCommandLine();
   void OnProfileSelected();
+  // Or another, after a box, where it can't be read. Whether one was loaded.
+  bool LoadSelectedProfile();
   bool LoadProfile(const ByteString& name);
   void EndDetection();  // and wait for what it saves
   void ClearProfile();  // and what repeats of it

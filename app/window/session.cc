@@ -26,11 +26,15 @@ void Session::TellUnlessProfilesCanBeSaved() {
 
 // Also on the notification thread, with locks held.
 bool Session::SaveProfile() {
-  if (profile.Save()) return true;
+  if (profile.Save()) {
+    unsaved = false;
+    return true;
+  }
   ByteString reason = SystemErrorText(platform::files().GetLastError());
   reason.Trim(0, 32);
   // Without a name there is nothing to store.
   if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) return false;
+  unsaved = true;
   if (failedSaveTold.exchange(true)) return false;
   ByteString text = Around(kNotSavedText, profile.profileName, kNotSavedFolder);
   text.Append(ProfileFile::ProfileFolder());

@@ -11,6 +11,7 @@
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "foundation/byte_string.h"
+#include "foundation/relaxed.h"
 #include "storage/profile_file.h"
 
 namespace kelvaro {
@@ -64,6 +65,8 @@ struct Session {
   std::uint16_t currentTab = kControlTab;
   std::uint32_t initGuard = 0;  // above 0 while controls are filled: their notices don't count
   bool shuttingDown = false;
+  // The open profile has changes that couldn't be stored. Any thread.
+  Relaxed<bool> unsaved{false};
 
  private:
   std::unique_ptr<DeviceManager> ownedManager;

@@ -8,8 +8,10 @@ namespace kelvaro::console {
 namespace {
 
 const std::vector<std::string> kCommands{
-    "keys",  "play",   "profiles", "show",    "pack", "check",     "devices", "doctor",
-    "watch", "record", "run",      "explain", "test", "play-back", "latency", "settings"};
+    "keys",    "play",        "profiles",      "show",    "pack",   "check",
+    "devices", "doctor",      "watch",         "record",  "run",    "explain",
+    "test",    "play-back",   "latency",       "status",  "select", "pause",
+    "resume",  "release-all", "follow-events", "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -69,6 +71,13 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"record", "a", "b"},
       {"record", "--json"},
       {"record", "--until", "-1"},
+      {"status", "x"},
+      {"select"},
+      {"select", "a", "b"},
+      {"pause", "x"},
+      {"resume", "--instance"},
+      {"release-all", "-i", "x"},
+      {"follow-events", "--json"},
       {"run"},
       {"run", "a", "b"},
       {"run", "a", "--simulate"},
