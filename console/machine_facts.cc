@@ -8,7 +8,6 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -59,10 +58,6 @@ void LookAtOutput(MachineFacts* facts) {
   if (!node) platform::XTestInput::Open({}, &facts->xtestTrouble);
 }
 
-bool IsKelvaro(const platform::OtherProgram& program) {
-  return program.name == "kelvaro" || program.name == "kelvaroctl";
-}
-
 std::vector<PadFacts> LookAtPads() {
   platform::UdevNodes nodes;
   std::vector<PadFacts> pads;
@@ -75,7 +70,7 @@ std::vector<PadFacts> LookAtPads() {
     pad.grabbed = platform::IsGrabbed(node.place.path);
     const auto programs = platform::ProgramsWithOpen(node.place.path);
     pad.openIn = ProgramsText(programs);
-    pad.openInKelvaro = std::any_of(programs.begin(), programs.end(), IsKelvaro);
+    pad.openInKelvaro = HasKelvaro(programs);
     pads.push_back(pad);
   }
   return pads;

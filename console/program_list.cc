@@ -1,5 +1,8 @@
 #include "console/program_list.h"
 
+#include <algorithm>
+#include <fstream>
+
 #include "console/terminal_text.h"
 
 namespace kelvaro::console {
@@ -11,6 +14,15 @@ std::string ProgramsText(const std::vector<platform::OtherProgram>& programs) {
     list += TerminalText(program.name) + " (" + std::to_string(program.process) + ")";
   }
   return list;
+}
+
+bool HasKelvaro(const std::vector<platform::OtherProgram>& programs) {
+  std::ifstream file("/proc/self/comm");
+  std::string own;
+  std::getline(file, own);
+  return std::any_of(programs.begin(), programs.end(), [&](const platform::OtherProgram& program) {
+    return program.name == "kelvaro" || program.name == "kelvaroctl" || program.name == own;
+  });
 }
 
 }  // namespace kelvaro::console

@@ -11,4 +11,7 @@ namespace kelvaro::console {
 // "evtest (812), game (4711)", with their processes; empty for none.
 std::string ProgramsText(const std::vector<platform::OtherProgram>& programs);
 
+// Whether one of them is Kelvaro, by its name: that of one of our programs, or this one's own.
+bool HasKelvaro(const std::vector<platform::OtherProgram>& programs);
+
 }  // namespace kelvaro::console

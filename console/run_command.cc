@@ -7,6 +7,7 @@
 #include "console/engine_session.h"
 #include "console/event_printer.h"
 #include "console/json_text.h"
+#include "console/program_list.h"
 #include "console/real_machine.h"
 #include "console/run_choice.h"
 #include "console/steered_run.h"
@@ -42,10 +43,14 @@ int RunSimulated(const RunOptions& options, Profile& profile, const Recording& r
   return kDone;
 }
 
-// A pad that another program has grabbed looks like one that nobody touches.
+// A pad that another program has grabbed looks like one that nobody touches. Only asked where an
+// instance of Kelvaro may have done it: to ask is to grab the pad for an instant.
 void TellOfGrab(RealMachine& machine, const EngineSession& session, Streams streams) {
   const auto place = machine.PlaceOf(session.DeviceGuid());
-  if (!place || !platform::IsGrabbed(place->path)) return;
+  if (!place || !HasKelvaro(platform::ProgramsWithOpen(place->path)) ||
+      !platform::IsGrabbed(place->path)) {
+    return;
+  }
   streams.err << "Another program keeps '" << Bytes(session.DeviceName())
               << "' for itself, so that nothing comes of it until that one ends; kelvaroctl doctor "
                  "tells which ones use it."
