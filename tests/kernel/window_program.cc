@@ -39,6 +39,7 @@ void Check(bool set, const std::string& name) {
 WindowProgram::WindowProgram() {
   // The program looks for its profiles beside the file that it was started from.
   fs::create_hard_link(Copy(), home.In("kelvaro"));
+  fs::create_hard_link(KelvaroctlPath(), home.In("kelvaroctl"));  // by the name that it answers to
   fs::create_directory(home.In("Profiles"));
   fs::create_directory(home.In("config/kelvaro"));
   Set("Welcome Display", 1);
@@ -67,6 +68,12 @@ void WindowProgram::GiveToNobody() const {
   for (const auto& entry : fs::recursive_directory_iterator(home.folder)) {
     if (chown(entry.path().c_str(), kNobody, kNobody) != 0) Fail("can't be given away");
   }
+}
+
+Finished WindowProgram::Steer(const std::vector<std::string>& words) const {
+  std::vector<std::string> command = {home.In("kelvaroctl")};
+  command.insert(command.end(), words.begin(), words.end());
+  return RunToEnd(command, {home.Environment()});
 }
 
 std::unique_ptr<Child> WindowProgram::Start(const std::string& display, bool asNobody) const {

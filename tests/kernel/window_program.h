@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "tests/host/home.h"
 #include "tests/kernel/child.h"
@@ -29,6 +30,9 @@ class WindowProgram {
 
   // Makes everything the ordinary user's who Child knows as nobody.
   void GiveToNobody() const;
+
+  // Runs kelvaroctl beside it to its end.
+  Finished Steer(const std::vector<std::string>& words) const;
 
   // On that X display, or off-screen for an empty one.
   std::unique_ptr<Child> Start(const std::string& display = "", bool asNobody = false) const;

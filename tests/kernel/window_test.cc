@@ -159,6 +159,40 @@ TEST_F(Window, WithAnswerAtOnceATapBetweenTwoPollsGivesItsKey) {
   EndsInOrder();
 }
 
+TEST_F(Window, IsPausedResumedAndGivenAnotherProfileFromOutside) {
+  const std::string other = "Other Profile";
+  program.AddProfile(
+      other, ProfileOf({ButtonControl(0, "b")},
+                       "\"profileName\":\"" + other + "\",\"deviceName\":\"" + kPad + "\""));
+  AddProfile({ButtonControl(0, "a")});
+  const auto pad = PlugIn();
+  ASSERT_TRUE(Start());
+  ASSERT_TRUE(Begins(*pad)) << child->Err();
+  const auto steer = [&](const std::vector<std::string>& words) { return program.Steer(words); };
+  ASSERT_TRUE(InTime([&] { return steer({"status"}).out.find(kProfile) != std::string::npos; }))
+      << child->Err();
+  pad->Report(1);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down"}));
+  EXPECT_EQ(steer({"pause"}).status, 0);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down", "KEY_A up"}));
+  pad->Report(0);
+  WaitMs(50);
+  pad->Report(1);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down", "KEY_A up"}));
+  pad->Report(0);
+  WaitMs(50);
+  EXPECT_EQ(steer({"resume"}).status, 0);
+  pad->Report(1);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down", "KEY_A up", "KEY_A down"}));
+  pad->Report(0);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down", "KEY_A up", "KEY_A down", "KEY_A up"}));
+  const Finished selected = steer({"select", other});
+  EXPECT_EQ(selected.status, 0) << selected.err;
+  pad->Report(1);
+  EXPECT_TRUE(Sent(*keyboard, {"KEY_A down", "KEY_A up", "KEY_A down", "KEY_A up", "KEY_B down"}));
+  EndsInOrder();
+}
+
 TEST_F(Window, PadThatComesAfterTheStartIsFoundByTheNextLook) {
   AddProfile({ButtonControl(0, "a")});
   program.Set("Autodetect Device Plugin", 1);

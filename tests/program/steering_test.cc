@@ -1,0 +1,261 @@
+// Windows and runs under the hands of kelvaroctl: each a process, and each of them killed.
+#include <gtest/gtest.h>
+
+#include <json/json.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/program/machine.h"
+#include "tests/program/stored_settings.h"
+// Last: it makes macros of ordinary names.
+#include <X11/Xlib.h>
+
+namespace kelvaro::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned kA = 38;  // X key code
+
+// What kelvaroctl did to the end.
+struct Said {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+class SteeringTest : public testing::Test {
+ protected:
+  SteeringTest() {
+    fs::create_directories(folder);
+    // In one folder with the profiles.
+    for (const char* name : {"kelvaro", "kelvaroctl"}) fs::copy_file(Program(name), folder + name);
+    for (const char* name : {"One", "Two"}) StoreProfile(name);
+    EXPECT_TRUE(StoredSettings(home).SetQuiet());
+    EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "One"));
+  }
+
+  void StoreProfile(const std::string& name) {
+    const std::string json = Put(folder + "profile.json",
+                                 R"({"profileName":")" + name +
+                                     R"(","deviceName":"Test Pad","controls":[{"buttonMask":"0x1",)"
+                                     R"("actions":[{"text":"a"}]}]})");
+    fs::create_directories(folder + "Profiles");
+    const Said packed = Ctl({"pack", json, folder + "Profiles/" + name + ".idprof"});
+    EXPECT_EQ(packed.status, 0) << packed.err;
+  }
+
+  std::unique_ptr<Child> Start(const std::string& program, const std::vector<std::string>& words,
+                               const std::string& display = "") {
+    auto environment = home.Environment();
+    environment["DISPLAY"] = display;
+    environment["QT_QPA_PLATFORM"] = "offscreen";
+    std::vector<std::string> command = {folder + program};
+    command.insert(command.end(), words.begin(), words.end());
+    return std::make_unique<Child>(command, ChildOptions{environment});
+  }
+  Said Ctl(const std::vector<std::string>& words) {
+    const auto child = Start("kelvaroctl", words);
+    Said said;
+    said.status = child->WaitForEnd(60s);
+    said.out = child->Out();
+    said.err = child->Err();
+    return said;
+  }
+  static std::string Pid(const std::unique_ptr<Child>& child) {
+    return std::to_string(child->Id());
+  }
+  // What status says of that one; null while it doesn't answer.
+  Json::Value StatusOf(const std::unique_ptr<Child>& child) {
+    const Said said = Ctl({"status", "--json", "-i", Pid(child)});
+    Json::Value status;
+    std::string errors;
+    std::istringstream in(said.out);
+    Json::parseFromStream(Json::CharReaderBuilder(), in, &status, &errors);
+    return status;
+  }
+  // A window that answers.
+  std::unique_ptr<Child> Window() {
+    auto window = Start("kelvaro", {});
+    EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"] == "One"; }, 60s))
+        << window->Log();
+    return window;
+  }
+  // A follower that is told all from here on.
+  std::unique_ptr<Child> Follower() {
+    auto follower = Start("kelvaroctl", {"follow-events"});
+    EXPECT_TRUE(
+        Eventually([&] { return follower->Out().find("\"following\"") != std::string::npos; }, 60s))
+        << follower->Log();
+    return follower;
+  }
+  static bool Tells(const std::unique_ptr<Child>& follower, const std::string& text) {
+    return Eventually([&] { return follower->Out().find(text) != std::string::npos; }, 60s);
+  }
+  std::size_t Sockets() {
+    std::size_t sockets = 0;
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator(home.In("runtime/kelvaro"), none))
+      sockets += entry.path().extension() == ".steering" ? 1u : 0u;
+    return sockets;
+  }
+
+  Home home;
+  const std::string folder = home.folder + "/programs/";
+};
+
+TEST_F(SteeringTest, OfTwoWindowsOneIsNamedOrBothDoIt) {
+  const auto first = Window();
+  const auto second = Window();
+  EXPECT_EQ(Ctl({"select", "Two", "-i", Pid(second)}).status, 0);
+  EXPECT_EQ(StatusOf(first)["profile"], "One");
+  EXPECT_EQ(StatusOf(second)["profile"], "Two");
+  const Said paused = Ctl({"pause"});
+  EXPECT_EQ(paused.status, 0) << paused.err;
+  EXPECT_NE(paused.out.find(Pid(first) + ": paused\n"), std::string::npos);
+  EXPECT_NE(paused.out.find(Pid(second) + ": paused\n"), std::string::npos);
+  EXPECT_EQ(StatusOf(first)["paused"], true);
+  EXPECT_EQ(Ctl({"resume", "-i", Pid(first)}).status, 0);
+  EXPECT_EQ(StatusOf(first)["paused"], false);
+  EXPECT_EQ(StatusOf(second)["paused"], true);
+  const Said none = Ctl({"select", "Three"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find(Pid(first) + ": there is no stored profile 'Three'"), std::string::npos);
+  EXPECT_NE(none.err.find(Pid(second) + ": there is no stored profile 'Three'"), std::string::npos);
+}
+
+TEST_F(SteeringTest, AFollowerSeesTheProfileThePauseAndTheEnd) {
+  const auto window = Window();
+  const auto follower = Follower();
+  Ctl({"select", "Two"});
+  EXPECT_TRUE(Tells(follower, "\"event\":\"profile\"")) << follower->Log();
+  EXPECT_TRUE(Tells(follower, "\"name\":\"Two\"")) << follower->Log();
+  Ctl({"pause"});
+  EXPECT_TRUE(Tells(follower, "\"event\":\"paused\"")) << follower->Log();
+  window->Signal(SIGTERM);
+  EXPECT_EQ(follower->WaitForEnd(60s), 0) << follower->Log();
+  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\""));
+  EXPECT_EQ(window->WaitForEnd(60s), 0);
+  EXPECT_EQ(Sockets(), 0u);
+}
+
+TEST_F(SteeringTest, AWindowThatIsKilledIsGoneForAll) {
+  const auto window = Window();
+  const auto follower = Follower();
+  window->Signal(SIGKILL);
+  EXPECT_EQ(window->WaitForEnd(60s), 128 + SIGKILL);
+  EXPECT_EQ(follower->WaitForEnd(60s), 0) << follower->Log();
+  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\""));
+  const Said status = Ctl({"status"});
+  EXPECT_EQ(status.status, 1);
+  EXPECT_EQ(status.err, "kelvaroctl: no Kelvaro is running that could be asked\n");
+  EXPECT_EQ(Sockets(), 0u) << "what it left is taken away";
+}
+
+TEST_F(SteeringTest, FollowersThatAreKilledOrStoppedHoldUpNobody) {
+  const auto window = Window();
+  const auto killed = Follower();
+  const auto stopped = Follower();
+  const auto third = Follower();
+  stopped->Signal(SIGSTOP);
+  killed->Signal(SIGKILL);
+  for (int i = 0; i < 20; ++i) {
+    EXPECT_EQ(Ctl({"pause"}).status, 0);
+    EXPECT_EQ(Ctl({"resume"}).status, 0);
+  }
+  EXPECT_EQ(Ctl({"select", "Two"}).status, 0);
+  EXPECT_TRUE(Tells(third, "\"name\":\"Two\"")) << third->Log();
+  stopped->Signal(SIGCONT);
+  EXPECT_TRUE(Tells(stopped, "\"name\":\"Two\"")) << stopped->Log();
+}
+
+// The window stands still; whoever asks isn't held up for ever.
+TEST_F(SteeringTest, AWindowThatIsStoppedIsToldNotToAnswer) {
+  const auto window = Window();
+  window->Signal(SIGSTOP);
+  const Said status = Ctl({"status"});
+  EXPECT_EQ(status.status, 1);
+  EXPECT_EQ(status.err.find("kelvaroctl: " + Pid(window) + ": it hasn't answered"), 0u)
+      << status.err;
+  window->Signal(SIGCONT);
+  EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"] == "One"; }, 60s));
+}
+
+// A run that plays a button which is held, with its keys at the X server.
+class SteeredRunTest : public SteeringTest {
+ protected:
+  void SetUp() override {
+    if (access("/dev/uinput", R_OK | W_OK) == 0) GTEST_SKIP() << "keys go out by uinput here";
+    SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
+    viewer = XOpenDisplay(desktop.Name().c_str());
+    ASSERT_NE(viewer, nullptr);
+    const std::string recording =
+        Put(folder + "held.recording",
+            R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
+            R"("buttons":11,"axes":6,"povs":1})"
+            "\n{\"t\":1,\"buttons\":[1]}\n");
+    run = Start("kelvaroctl", {"run", "One", "--replay", recording, "--until", "600000"},
+                desktop.Name());
+    ASSERT_TRUE(Eventually([&] { return Down(); }, 60s)) << run->Log();
+    ASSERT_TRUE(Eventually([&] { return StatusOf(run)["profile"] == "One"; }, 60s)) << run->Log();
+  }
+  void TearDown() override {
+    if (viewer) XCloseDisplay(viewer);
+  }
+  bool Down() {
+    char keys[32];
+    XQueryKeymap(viewer, keys);
+    return (keys[kA / 8] >> (kA % 8)) & 1;
+  }
+
+  XDesktop desktop{false};
+  Display* viewer = nullptr;
+  std::unique_ptr<Child> run;
+};
+
+TEST_F(SteeredRunTest, PauseLetsGoOfTheKeyAndResumePressesItAgain) {
+  const Json::Value status = StatusOf(run);
+  EXPECT_EQ(status["program"], "run");
+  EXPECT_EQ(status["device"], "Test Pad");
+  EXPECT_EQ(status["deviceAnswers"], true);
+  EXPECT_EQ(Ctl({"pause"}).status, 0);
+  EXPECT_TRUE(Eventually([&] { return !Down(); }));
+  EXPECT_EQ(Ctl({"resume"}).status, 0);
+  EXPECT_TRUE(Eventually([&] { return Down(); }, 60s));
+  EXPECT_EQ(Ctl({"release-all"}).status, 0);
+  EXPECT_TRUE(Eventually([&] { return !Down(); }));
+  EXPECT_EQ(StatusOf(run)["paused"], false);
+  run->Signal(SIGTERM);
+  EXPECT_EQ(run->WaitForEnd(60s), 0) << run->Log();
+  EXPECT_EQ(Sockets(), 0u);
+}
+
+TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
+  const auto follower = Follower();
+  EXPECT_EQ(Ctl({"select", "Two"}).status, 0);
+  EXPECT_EQ(StatusOf(run)["profile"], "Two");
+  EXPECT_TRUE(Tells(follower, "\"event\":\"controlFired\"")) << follower->Log();
+  EXPECT_TRUE(Eventually([&] { return Down(); }, 60s));
+  const Said none = Ctl({"select", "Three"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(StatusOf(run)["profile"], "Two");
+  EXPECT_TRUE(Down());
+}
+
+TEST_F(SteeredRunTest, KilledItHoldsNothingAndIsGone) {
+  const auto follower = Follower();
+  run->Signal(SIGKILL);
+  EXPECT_EQ(run->WaitForEnd(60s), 128 + SIGKILL);
+  EXPECT_TRUE(Eventually([&] { return !Down(); }, 60s));
+  EXPECT_EQ(follower->WaitForEnd(60s), 0);
+  EXPECT_EQ(Ctl({"status"}).status, 1);
+}
+
+}  // namespace
+}  // namespace kelvaro::tests
