@@ -24,6 +24,8 @@ static_assert(ProfileLibrary::kLongestName ==
               kLongestFileName - (sizeof ProfileLibrary::kExtension - 1) - (sizeof ".tmp" - 1));
 
 constexpr char kFolder[] = "Profiles";
+// Beside it while the examples are being copied.
+constexpr char kUnfinished[] = "Profiles.unfinished";
 
 ByteString In(const ByteString& folder, const char* name) {
   ByteString path = folder;
@@ -39,19 +41,31 @@ void ListFiles(const ByteString& folder, LinkedList<ByteString>* list) {
   while (walker.Next(&file)) list->AddTail(file.path);
 }
 
-// Once: examples that a person deletes stay away.
+bool MakeEmptyFile(const ByteString& path) {
+  const auto file = platform::files().CreateFileA(Bytes(path), platform::GENERIC_WRITE, 0,
+                                                  platform::CREATE_ALWAYS);
+  return file && file->CloseHandle();
+}
+
+// Once: examples that a person deletes stay away. A start that was cut off is made up for by the
+// next look.
 void MakeUsersFolder() {
   const ByteString data = DataFolder();
   const ByteString program = ProgramFolder();
   const ByteString folder = In(data, kFolder);
+  const ByteString unfinished = In(data, kUnfinished);
   if (data.Equals(program)) return;
-  // If several programs start at once, the one that makes the folder copies.
-  if (!CreateFolders(data) || !platform::files().CreateDirectoryA(Bytes(folder))) return;
+  if (!FileExists(unfinished) &&
+      (FileExists(folder) || !CreateFolders(data) || !MakeEmptyFile(unfinished)))
+    return;
+  // There already where another start made it, or was cut off.
+  platform::files().CreateDirectoryA(Bytes(folder));
   LinkedList<ByteString> shipped;
   ListFiles(In(program, kFolder), &shipped);
   for (const ByteString& path : shipped) {
     platform::files().CopyFileA(Bytes(path), Bytes(In(folder, FileNameOf(path))), true);
   }
+  platform::files().DeleteFileA(Bytes(unfinished));
 }
 
 bool FitsFileName(char c) { return c >= 32 && c < 127 && !std::strchr(kForbidden, c); }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,10 @@ class DataFolderTest : public testing::Test {
     LinkedList<ByteString> list;
     reader.ListProfileNames(&list);
     return Texts(list);
+  }
+  static Strings Sorted(Strings names) {
+    std::sort(names.begin(), names.end());
+    return names;
   }
   static std::string Folder() { return DataFolder().Text(); }
   static std::string Profiles() { return ProfileFile::ProfileFolder().Text(); }
@@ -90,6 +96,39 @@ TEST_F(DataFolderTest, TheExamplesAreCopiedWhenTheUsersFolderIsMadeAndNeverAgain
   EXPECT_EQ(Disk().FileBytes("/game/Profiles/Two.idprof"), shipped);
   EXPECT_EQ(Disk().List("/game/Profiles"),
             (Strings{"One.idprof", "Two.idprof", "Three.idprof", "New.idprof"}));
+}
+
+TEST_F(DataFolderTest, ACopyOfTheExamplesThatWasCutOffIsMadeUpForAtTheNextLook) {
+  const Strings all = {"One", "Three", "Two"};
+  const auto begin = [&] {
+    for (const std::string& name : all) Store(name);
+    PutMarker();
+    Disk().ClearLog();
+  };
+  begin();
+  EXPECT_EQ(Sorted(Names()), all);
+  const std::uint64_t operations = Disk().Log().size();
+  ASSERT_GE(operations, 5u);
+  for (std::uint64_t n = 1; n <= operations; ++n) {
+    for (const bool after : {false, true}) {
+      Disk().Format('/');
+      begin();
+      if (after) {
+        Disk().StopAfter(n);
+      } else {
+        Disk().StopBefore(n);
+      }
+      Names();
+      EXPECT_TRUE(Disk().IsStopped());
+      Disk().Restart();
+      EXPECT_EQ(Sorted(Names()), all) << "stopped at operation " << n << ", after " << after;
+      ProfileFile gone;
+      gone.profileName = "Two";
+      ASSERT_TRUE(gone.DeleteProfileFile());
+      EXPECT_EQ(Sorted(Names()), (Strings{"One", "Three"})) << n;
+      EXPECT_EQ(Disk().List(kUsers), Strings{"Profiles"}) << n;
+    }
+  }
 }
 
 TEST_F(DataFolderTest, AnEmptyUsersFolderIsOneThatWasMade) {
