@@ -8,7 +8,7 @@
 #include "tests/console/console_run.h"
 #include "tests/console/held_inputs.h"
 #include "tests/console/random_change.h"
-#include "tests/console/random_profile.h"
+#include "tests/console/random_json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -52,7 +52,7 @@ TEST(RandomRuns, AreTheSameTwiceAndLeaveNothingDown) {
   std::uint64_t presses = 0;
   for (std::uint32_t seed = 1; seed <= kRuns; ++seed) {
     Random random(seed);
-    const TestFile profile("profile", RandomProfile(random).Json());
+    const TestFile profile("profile", RandomJson(random).Profile());
     const TestFile recording("recording", RandomRecording(random));
     std::vector<std::string> words{"run",      "--simulate",   "--json",
                                    "--replay", recording.path, profile.path};

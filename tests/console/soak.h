@@ -12,7 +12,7 @@
 #include "console/profile_json.h"
 #include "tests/console/held_inputs.h"
 #include "tests/console/random_change.h"
-#include "tests/console/random_profile.h"
+#include "tests/console/random_json.h"
 
 namespace kelvaro::console {
 
@@ -146,7 +146,7 @@ class Soak {
   void Edit() {
     Profile next;
     JsonFault fault;
-    ASSERT_TRUE(ReadProfile(RandomProfile(random).Json(), &next, &fault)) << fault.Text("random");
+    ASSERT_TRUE(ReadProfile(RandomJson(random).Profile(), &next, &fault)) << fault.Text("random");
     Pause([&] {
       Take(next);
       if (random.OneIn(3)) return;

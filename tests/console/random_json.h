@@ -8,11 +8,11 @@
 
 namespace kelvaro {
 
-class RandomProfile {
+class RandomJson {
  public:
-  explicit RandomProfile(Random& random) : random(random) {}
+  explicit RandomJson(Random& random) : random(random) {}
 
-  std::string Json() {
+  std::string Profile() {
     std::string json = "{\"pollInterval\":" + Number(1, 12) + ",\"mouse\":" + Mouse() +
                        ",\"controls\":[" + Control();
     for (std::uint32_t more = random.Below(12); more > 0; --more) json += ",\n" + Control();
