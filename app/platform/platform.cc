@@ -47,8 +47,8 @@ Processes& processes() { return *Reach().processes; }
 
 Calls& calls() {
   static NoCalls none;
-  Calls* const group = Reach().calls;
-  return group ? *group : none;
+  if (Calls* const group = Reach().calls) return *group;
+  return none;
 }
 
 }  // namespace platform
