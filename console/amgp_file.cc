@@ -69,25 +69,25 @@ std::optional<std::uint64_t> Hexadecimal(const std::string& digits) {
 
 // The directions that a dpad or a stick has: words, and the directions of a hat.
 struct Direction {
-  std::uint32_t index;
   const char* name;
+  std::uint32_t index;
   std::uint16_t directions;
 };
 constexpr Direction kDpadDirections[] = {
-    {1, "up", PovUp},
-    {2, "right", PovRight},
-    {4, "down", PovDown},
-    {8, "left", PovLeft},
-    {3, "up and right", PovUp | PovRight},
-    {6, "down and right", PovDown | PovRight},
-    {12, "down and left", PovDown | PovLeft},
-    {9, "up and left", PovUp | PovLeft},
+    {"up", 1, PovUp},
+    {"right", 2, PovRight},
+    {"down", 4, PovDown},
+    {"left", 8, PovLeft},
+    {"up and right", 3, PovUp | PovRight},
+    {"down and right", 6, PovDown | PovRight},
+    {"down and left", 12, PovDown | PovLeft},
+    {"up and left", 9, PovUp | PovLeft},
 };
 constexpr Direction kStickDirections[] = {
-    {1, "up", PovUp},       {2, "up and right", PovUp | PovRight},
-    {3, "right", PovRight}, {4, "down and right", PovDown | PovRight},
-    {5, "down", PovDown},   {6, "down and left", PovDown | PovLeft},
-    {7, "left", PovLeft},   {8, "up and left", PovUp | PovLeft},
+    {"up", 1, PovUp},       {"up and right", 2, PovUp | PovRight},
+    {"right", 3, PovRight}, {"down and right", 4, PovDown | PovRight},
+    {"down", 5, PovDown},   {"down and left", 6, PovDown | PovLeft},
+    {"left", 7, PovLeft},   {"up and left", 8, PovUp | PovLeft},
 };
 
 template <std::size_t N>
@@ -217,8 +217,9 @@ class AmgpReader {
         for (const XmlElement& each : set.children) ReadInput(each);
       } else if (DoesAnything(set)) {
         const std::string number = std::to_string(set.Index());
-        profile.LeaveOut(set.place, "set " + number + ": a profile has one; --set " + number +
-                                        " takes this one");
+        std::string note = "set " + number;
+        note.append(": a profile has one; --set ").append(number).append(" takes this one");
+        profile.LeaveOut(set.place, note);
       }
     }
   }

@@ -137,6 +137,7 @@ std::string NeverText(const std::vector<const Control*>& controls,
                       const std::vector<NeverFiring>& never) {
   if (never.empty()) return "";
   std::vector<std::vector<std::string>> rows;
+  rows.reserve(never.size());
   for (const NeverFiring& each : never) rows.push_back({Named(*controls[each.control]), each.why});
   return "  Can never fire:\n" + TextTable(rows);
 }

@@ -20,6 +20,7 @@ std::string ListOfDevices(const DeviceManager& manager) {
 
 std::vector<std::string> NamesOf(const DeviceManager& manager) {
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(manager.DeviceCount()));
   for (std::int32_t i = 0; i < manager.DeviceCount(); ++i) {
     names.push_back(Bytes(manager.DeviceName(i)));
   }

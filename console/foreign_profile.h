@@ -20,7 +20,8 @@ struct Place {
   std::size_t line = 1;
   std::size_t column = 1;
 
-  friend auto operator<=>(const Place&, const Place&) = default;
+  // clang-tidy 14 takes the comparison with 0 in it for a pointer's.
+  friend auto operator<=>(const Place&, const Place&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 // What keeps a file from being read.
@@ -35,7 +36,9 @@ struct ForeignNote {
   bool leftOut = false;  // otherwise it is in the profile, but works otherwise
   std::string what;
 
-  friend auto operator<=>(const ForeignNote&, const ForeignNote&) = default;
+  // As above.
+  friend auto operator<=>(const ForeignNote&,
+                          const ForeignNote&) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 // What the file doesn't say.

@@ -8,19 +8,19 @@ namespace kelvaro {
 namespace {
 
 constexpr struct {
-  std::uint32_t id;
   Relaxed<std::int32_t> MouseSettings::*position;
   Relaxed<std::int32_t> ControlEngine::*derived;
+  std::uint32_t id;
   bool isDamper;
 } kSliders[] = {
-    {ControlEngine::kMovementDamperSlider, &MouseSettings::movementDamper,
-     &ControlEngine::movementDeadZone, true},
-    {ControlEngine::kMovementSensitivitySlider, &MouseSettings::movementSensitivity,
-     &ControlEngine::movementFactor, false},
-    {ControlEngine::kWheelDamperSlider, &MouseSettings::wheelDamper, &ControlEngine::wheelDeadZone,
+    {&MouseSettings::movementDamper, &ControlEngine::movementDeadZone,
+     ControlEngine::kMovementDamperSlider, true},
+    {&MouseSettings::movementSensitivity, &ControlEngine::movementFactor,
+     ControlEngine::kMovementSensitivitySlider, false},
+    {&MouseSettings::wheelDamper, &ControlEngine::wheelDeadZone, ControlEngine::kWheelDamperSlider,
      true},
-    {ControlEngine::kWheelSensitivitySlider, &MouseSettings::wheelSensitivity,
-     &ControlEngine::wheelFactor, false},
+    {&MouseSettings::wheelSensitivity, &ControlEngine::wheelFactor,
+     ControlEngine::kWheelSensitivitySlider, false},
 };
 
 }  // namespace

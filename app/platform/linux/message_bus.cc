@@ -113,7 +113,7 @@ std::string SystemBusAddress() {
 }
 
 std::string SessionBusAddress() {
-  const std::string set = Variable("DBUS_SESSION_BUS_ADDRESS");
+  std::string set = Variable("DBUS_SESSION_BUS_ADDRESS");
   const std::string runtime = Variable("XDG_RUNTIME_DIR");
   if (!set.empty() || runtime.empty()) return set;
   return "unix:path=" + runtime + "/bus";

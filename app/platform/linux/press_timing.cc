@@ -199,7 +199,7 @@ std::optional<int> CountLostTaps(const PressButton& press, KeyWatch& keys, int i
     SleepUntilUs(begin + length(random));
     if (!press(false)) return std::nullopt;
   }
-  SleepUntilUs(NowUs() + 2 * (kTapGapUs + intervalUs));  // for the last one's key
+  SleepUntilUs(NowUs() + std::int64_t{2} * (kTapGapUs + intervalUs));  // for the last one's key
   return taps - keys.Downs();
 }
 

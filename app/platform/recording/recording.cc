@@ -373,8 +373,8 @@ StateChange ChangeBetween(const DIJOYSTATE2& before, const DIJOYSTATE2& after) {
   DIJOYSTATE2 old = before;
   DIJOYSTATE2 now = after;
   for (std::uint16_t bank = 0; bank < 4; ++bank) {
-    for (std::uint16_t kind = 0; kind < std::size(kAxisKinds); ++kind) {
-      const AxisName axis{kind, bank};
+    for (std::size_t kind = 0; kind < std::size(kAxisKinds); ++kind) {
+      const AxisName axis{static_cast<std::uint16_t>(kind), bank};
       const std::int32_t value = *AxisField(&now, axis);
       if (value != *AxisField(&old, axis)) change.axes.emplace_back(axis, value);
     }
