@@ -1,6 +1,7 @@
 #include <cstdio>
 #include <string>
 
+#include "app/platform/linux/standard_streams.h"
 #include "app/program/desktop_program.h"
 #include "app/program/display.h"
 #include "app/start/usage.h"
@@ -8,6 +9,7 @@
 
 int main(int argc, char** argv) {
   using namespace kelvaro;
+  platform::OpenStandardStreams();
   const std::string first = argc > 1 ? argv[1] : "";
   if (first == "--help") {
     std::fputs(UsageText().c_str(), stdout);

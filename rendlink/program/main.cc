@@ -5,6 +5,7 @@
 
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/linux/linux_processes.h"
+#include "app/platform/linux/standard_streams.h"
 #include "app/platform/platform.h"
 #include "app/program/display.h"
 #include "rendlink/program/carrier.h"
@@ -46,6 +47,7 @@ int RunWithoutWindow(const Words& words) {
 
 int main(int argc, char** argv) {
   using namespace kelvaro::rendlink;
+  platform::OpenStandardStreams();
   const Words words(argv + 1, argv + argc);
   if (words.empty()) return ShowWindow(argc, argv);
   if (words.size() == 2 && words[0] == "--carry") return Carry(words[1]);
