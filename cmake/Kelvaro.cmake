@@ -13,6 +13,19 @@ if(KELVARO_SANITIZE)
     -fsanitize=${KELVARO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(kelvaro_options INTERFACE -fsanitize=${KELVARO_SANITIZE})
 endif()
+# What makes a fault of memory hard to use: addresses that nobody knows beforehand, tables of
+# functions that are filled at the start and read-only from then on, no memory that is both written
+# and run, and checks where a buffer's size or the stack tells of a fault. tests/packaging/hardened
+# looks for it in the programs.
+if(NOT WIN32 AND NOT KELVARO_SANITIZE)
+  target_link_options(kelvaro_options INTERFACE LINKER:-z,relro,-z,now,-z,noexecstack)
+  set(optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+  target_compile_options(kelvaro_options INTERFACE
+    $<${optimised}:-fPIC> $<${optimised}:-fstack-protector-strong>
+    $<${optimised}:-fstack-clash-protection>
+    $<${optimised}:-U_FORTIFY_SOURCE> $<${optimised}:-D_FORTIFY_SOURCE=3>)
+  target_link_options(kelvaro_options INTERFACE $<${optimised}:-pie>)
+endif()
 # What fuzzing looks at, and which lock guards what: the product's code, and none of the tests'.
 add_library(kelvaro_watched INTERFACE)
 target_compile_options(kelvaro_watched INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>)
