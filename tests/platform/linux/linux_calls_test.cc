@@ -40,7 +40,7 @@ class Echo final : public CallReceiver {
     }
     if (message == "bye") return calls.HangUp(call);
     if (message == "fill") {
-      while (calls.Send(call, std::string(1000, 'x'))) ++sent;
+      while (calls.Send(call, std::string(1000, 'x'))) Note(&sent);
       Note(&filled);
       return;
     }
@@ -56,16 +56,20 @@ class Echo final : public CallReceiver {
     return changed.wait_for(lock, std::chrono::milliseconds(kPatience),
                             [&] { return this->*count >= wanted; });
   }
+  int Count(int Echo::*count) {
+    const std::lock_guard<std::mutex> guard(mutex);
+    return this->*count;
+  }
   std::vector<std::string> Got() {
     const std::lock_guard<std::mutex> guard(mutex);
     return got;
   }
 
-  int rooms = 0;  // guarded by mutex, as are all but sent
+  int rooms = 0;  // guarded by mutex, as are the others
   int hungUp = 0;
   int wakes = 0;
   int filled = 0;
-  int sent = 0;  // of the calls' thread until `filled`
+  int sent = 0;
 
  private:
   void Note(int* count) {
@@ -165,9 +169,10 @@ TEST_F(LinuxCallsTest, ACallerThatDoesNotReadIsNotWaitedForAndIsToldOfLater) {
   ASSERT_TRUE(slow && slow->Send("fill"));
   ASSERT_TRUE(echo.Await(&Echo::filled, 1));
   EXPECT_EQ(Ask("beside it"), "beside it!");
-  EXPECT_EQ(echo.rooms, 0);
+  EXPECT_EQ(echo.Count(&Echo::rooms), 0);
   std::string answer;
-  for (int i = 0; i < echo.sent; ++i) {
+  const int sent = echo.Count(&Echo::sent);
+  for (int i = 0; i < sent; ++i) {
     ASSERT_EQ(slow->Receive(&answer, kPatience), Heard::Message);
     EXPECT_EQ(answer.size(), 1000u);
   }
