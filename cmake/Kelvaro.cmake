@@ -76,12 +76,23 @@ function(kelvaro_library name)
   kelvaro_share_headers(kelvaro_${name} ${arg_HEADERS})
 endfunction()
 
+# kelvaro_manifest(TARGET): what Windows reads before it starts that program, such as that its text is
+# UTF-8. Nothing elsewhere.
+function(kelvaro_manifest target)
+  if(WIN32)
+    target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/app/platform/windows/manifest.rc)
+    set_property(SOURCE ${CMAKE_SOURCE_DIR}/app/platform/windows/manifest.rc APPEND PROPERTY
+                 OBJECT_DEPENDS ${CMAKE_SOURCE_DIR}/app/platform/windows/program.manifest)
+  endif()
+endfunction()
+
 # kelvaro_program(NAME LIBRARY): the program NAME of this folder's main.cc, beside the others and
 # installed.
 function(kelvaro_program name library)
   add_executable(${name} main.cc)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KELVARO_BIN})
   target_link_libraries(${name} PRIVATE ${library})
+  kelvaro_manifest(${name})
   install(TARGETS ${name} DESTINATION .)
 endfunction()
 
@@ -101,6 +112,7 @@ function(kelvaro_test name)
   target_link_libraries(test_${name} PRIVATE
     kelvaro_options ${arg_UNPARSED_ARGUMENTS} GTest::gtest GTest::gtest_main)
   kelvaro_share_headers(test_${name} ${arg_HEADERS})
+  kelvaro_manifest(test_${name})
   add_test(NAME ${name} COMMAND test_${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT 900)
   if(arg_THREADS)
@@ -116,7 +128,12 @@ endfunction()
 # (tests/foundation/allocations.h).
 function(kelvaro_own_allocator target)
   target_sources(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests/foundation/allocations.cc)
-  foreach(operator _Znwm _Znam _ZnwmRKSt9nothrow_t _ZnamRKSt9nothrow_t)
+  # The letter is the type of a size: long long on 64-bit Windows.
+  set(size m)
+  if(WIN32)
+    set(size y)
+  endif()
+  foreach(operator _Znw${size} _Zna${size} _Znw${size}RKSt9nothrow_t _Zna${size}RKSt9nothrow_t)
     target_link_options(${target} PRIVATE LINKER:--wrap=${operator})
   endforeach()
 endfunction()

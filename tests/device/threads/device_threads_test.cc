@@ -10,10 +10,10 @@
 #include <memory>
 #include <thread>
 
-#include "app/platform/linux/linux_platform.h"
 #include "device/device_manager.h"
 #include "tests/device/one_pad.h"
 #include "tests/host/processes.h"
+#include "tests/platform/this_machine.h"
 
 namespace kelvaro {
 namespace {
@@ -74,7 +74,7 @@ struct DeviceThreads : testing::Test {
   DeviceThreads() : installed(Groups()), manager(std::make_unique<DeviceManager>(0)) {}
 
   platform::Platform Groups() {
-    platform::Platform groups = linux.Groups();
+    platform::Platform groups = machine.Groups();
     groups.devices = &devices;
     return groups;
   }
@@ -122,7 +122,7 @@ struct DeviceThreads : testing::Test {
                           tests::patience, std::chrono::milliseconds(1)));
   }
 
-  platform::LinuxPlatform linux;
+  platform::ThisMachine machine;
   ScriptedDevices devices;
   platform::InstalledPlatform installed;
   std::unique_ptr<DeviceManager> manager;

@@ -7,11 +7,11 @@
 #include <cstdint>
 
 #include "app/platform/clock.h"
-#include "app/platform/linux/linux_platform.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "tests/device/one_pad.h"
 #include "tests/host/processes.h"
+#include "tests/platform/this_machine.h"
 
 namespace kelvaro {
 namespace {
@@ -95,7 +95,7 @@ class RealThreads : public ::testing::Test {
     return groups;
   }
 
-  platform::LinuxPlatform machine;
+  platform::ThisMachine machine;
   RestlessPad pad;
   CountingInput input;
   platform::InstalledPlatform installed{Groups()};

@@ -10,11 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/platform/linux/linux_clock.h"
-#include "app/platform/linux/linux_threads.h"
 #include "app/platform/platform.h"
 #include "foundation/recursive_lock.h"
 #include "foundation/worker_thread.h"
+#include "tests/platform/this_machine.h"
 
 namespace kelvaro {
 namespace {
@@ -25,12 +24,8 @@ constexpr int kThreads = 4;
 
 // Installed once and for all: a thread that was cut off may call at any time.
 platform::Platform RealGroups() {
-  static platform::LinuxClock clock;
-  static platform::LinuxThreads threads;
-  platform::Platform groups;
-  groups.clock = &clock;
-  groups.threads = &threads;
-  return groups;
+  static platform::ThisMachine machine;
+  return machine.Groups();
 }
 
 const platform::InstalledPlatform kInstalled(RealGroups());

@@ -1,0 +1,11 @@
+#include "app/platform/windows/windows_clock.h"
+
+#include "app/platform/windows/win32.h"
+
+namespace platform {
+
+void WindowsClock::Sleep(std::uint32_t ms) { ::Sleep(ms); }
+
+std::uint32_t WindowsClock::GetTickCount() { return ::GetTickCount(); }
+
+}  // namespace platform

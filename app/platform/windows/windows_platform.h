@@ -1,0 +1,28 @@
+// Windows behind the seam: owns one object for each group of operations but what is seen, which
+// ui/ adds. A program makes one at its start and installs Groups().
+#pragma once
+
+#include "app/platform/platform.h"
+#include "app/platform/windows/windows_clock.h"
+#include "app/platform/windows/windows_input.h"
+#include "app/platform/windows/windows_threads.h"
+
+namespace platform {
+
+class WindowsPlatform {
+ public:
+  WindowsPlatform();
+  WindowsPlatform(const WindowsPlatform&) = delete;
+  WindowsPlatform& operator=(const WindowsPlatform&) = delete;
+
+  // Pointers into this object.
+  const Platform& Groups() const { return groups; }
+
+ private:
+  WindowsClock clock;
+  WindowsThreads threads;
+  WindowsInput input;
+  Platform groups;
+};
+
+}  // namespace platform
