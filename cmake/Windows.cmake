@@ -11,7 +11,11 @@ target_link_options(kelvaro_options INTERFACE -static)
 
 # The folder of the host's headers as a whole would hide Windows' own ones.
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
-file(CREATE_LINK ${KELVARO_HOST_INCLUDE}/CLI ${CMAKE_BINARY_DIR}/include/CLI SYMBOLIC)
+foreach(library CLI rapidjson)
+  file(CREATE_LINK ${KELVARO_HOST_INCLUDE}/${library} ${CMAKE_BINARY_DIR}/include/${library}
+       SYMBOLIC)
+endforeach()
+set(RAPIDJSON_INCLUDE_DIRS ${CMAKE_BINARY_DIR}/include)
 add_library(CLI11::CLI11 INTERFACE IMPORTED)
 set_target_properties(CLI11::CLI11 PROPERTIES
   INTERFACE_INCLUDE_DIRECTORIES ${CMAKE_BINARY_DIR}/include)

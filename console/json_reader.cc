@@ -1,9 +1,7 @@
 #include "console/json_reader.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 
 #include "app/platform/byte_text.h"
 #include "console/json_text.h"
@@ -22,7 +20,7 @@ std::string Shortened(const std::string& text) {
   return text.size() <= kLongestQuote ? text : text.substr(0, kLongestQuote) + "...";
 }
 
-// Sets where `offset` lies. A lone carriage return ends a line, too, as it does for the parser.
+// Sets where `offset` lies. A lone carriage return ends a line, too.
 void SetPlace(const std::string& text, std::size_t offset, JsonFault* fault) {
   fault->line = 1;
   std::size_t begin = 0;
@@ -35,57 +33,16 @@ void SetPlace(const std::string& text, std::size_t offset, JsonFault* fault) {
   fault->column = offset - begin + 1;
 }
 
-// Offset of the bracket that opens one level too many, npos when there is none. Looks at brackets
-// outside strings only, so it is right for JSON and harmless for anything else.
-std::size_t FindTooDeep(const std::string& text) {
-  int depth = 0;
-  bool inString = false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (inString) {
-      if (c == '\\') {
-        ++i;
-      } else if (c == '"') {
-        inString = false;
-      }
-    } else if (c == '"') {
-      inString = true;
-    } else if (c == '[' || c == '{') {
-      if (++depth > kDeepestNesting) return i;
-    } else if (c == ']' || c == '}') {
-      --depth;
-    }
-  }
-  return std::string::npos;
-}
-
 // A whole number from 0 to the most that the target holds.
 template <typename T>
 void ReadWhole(const JsonElement& element, T* out) {
   constexpr std::uint64_t most = std::numeric_limits<T>::max();
-  if (!element.value.isNumeric()) return element.Fail("not a number");
-  if (!element.value.isUInt64() || element.value.asUInt64() > most) {
+  if (!element.value.IsNumber()) return element.Fail("not a number");
+  const auto number = element.value.Unsigned();
+  if (!number || *number > most) {
     return element.Fail("not a whole number from 0 to " + std::to_string(most));
   }
-  *out = static_cast<T>(element.value.asUInt64());
-}
-
-// Turns the parser's "* Line 3, Column 5\n  Syntax error: ...\n" into its parts.
-void SplitParserError(const std::string& errors, JsonFault* fault) {
-  unsigned line = 0;
-  unsigned column = 0;
-  if (std::sscanf(errors.c_str(), "* Line %u, Column %u", &line, &column) != 2) {
-    fault->what = "not JSON";
-    return;
-  }
-  const std::size_t begin = errors.find('\n');
-  const std::size_t end = begin == std::string::npos ? begin : errors.find('\n', begin + 1);
-  std::string what = begin == std::string::npos ? "" : errors.substr(begin + 1, end - begin - 1);
-  what.erase(0, what.find_first_not_of(' '));
-  if (!what.empty() && what.back() == '.') what.pop_back();
-  fault->line = line;
-  fault->column = column;
-  fault->what = what.empty() ? "not JSON" : Shortened(what);
+  *out = static_cast<T>(*number);
 }
 
 }  // namespace
@@ -101,38 +58,18 @@ std::string JsonFault::Text(const std::string& file) const {
 
 bool JsonDocument::Parse(const std::string& text) {
   source = text;
-  // The parser would take it for the end.
-  if (const std::size_t offset = source.find('\0'); offset != std::string::npos) {
-    FailAt(offset, {}, "a zero byte");
+  platform::json::Fault wrong;
+  if (!platform::json::Parse(source, kDeepestNesting, &root, &wrong)) {
+    FailAt(wrong.offset, {}, Shortened(wrong.what));
     return false;
   }
-  if (const std::size_t offset = FindTooDeep(source); offset != std::string::npos) {
-    FailAt(offset, {}, "nested too deeply");
-    return false;
-  }
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  builder["stackLimit"] = kDeepestNesting + 2;  // it counts the root and the value as well
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  std::string errors;
-  try {
-    if (!reader->parse(source.data(), source.data() + source.size(), &root, &errors)) {
-      failed = true;
-      SplitParserError(errors, &fault);
-      return false;
-    }
-  } catch (const std::exception& problem) {
-    failed = true;
-    fault.what = problem.what();
-    return false;
-  }
-  if (!root.isObject()) Root().Fail("not an object");
+  if (!root.IsObject()) Root().Fail("not an object");
   return !failed;
 }
 
 void JsonElement::Fail(const std::string& what, const std::string& detail) const {
   if (document.failed) return;
-  document.FailAt(static_cast<std::size_t>(value.getOffsetStart()), name, what);
+  document.FailAt(value.Offset(), name, what);
   document.fault.detail = detail;
 }
 
@@ -144,8 +81,8 @@ void JsonDocument::FailAt(std::size_t offset, const std::string& member, const s
 }
 
 void Read(const JsonElement& element, bool& flag) {
-  if (!element.value.isBool()) return element.Fail("neither true nor false");
-  flag = element.value.asBool();
+  if (!element.value.IsBool()) return element.Fail("neither true nor false");
+  flag = element.value.Bool();
 }
 
 void Read(const JsonElement& element, std::uint8_t& flag) {
@@ -159,14 +96,17 @@ void Read(const JsonElement& element, std::uint16_t& number) { ReadWhole(element
 void Read(const JsonElement& element, std::uint32_t& number) { ReadWhole(element, &number); }
 
 void Read(const JsonElement& element, std::int32_t& number) {
-  if (!element.value.isNumeric()) return element.Fail("not a number");
-  if (!element.value.isInt()) return element.Fail("not a whole number of 32 bits");
-  number = element.value.asInt();
+  if (!element.value.IsNumber()) return element.Fail("not a number");
+  const auto whole = element.value.Signed();
+  if (!whole || *whole < INT32_MIN || *whole > INT32_MAX) {
+    return element.Fail("not a whole number of 32 bits");
+  }
+  number = static_cast<std::int32_t>(*whole);
 }
 
 void Read(const JsonElement& element, std::uint64_t& mask) {
-  if (!element.value.isString()) return ReadWhole(element, &mask);
-  const std::string text = element.value.asString();
+  if (!element.value.IsText()) return ReadWhole(element, &mask);
+  const std::string& text = element.value.Text();
   const bool hex = text.size() > 2 && text.size() <= 18 && text[0] == '0' && text[1] == 'x' &&
                    text.find_first_not_of("0123456789abcdefABCDEF", 2) == std::string::npos;
   if (!hex) return element.Fail("not a mask such as \"0x5\"");
@@ -174,16 +114,19 @@ void Read(const JsonElement& element, std::uint64_t& mask) {
 }
 
 void Read(const JsonElement& element, ByteString& text) {
-  const Json::Value& value = element.value;
+  const platform::json::Value& value = element.value;
   std::string bytes;
-  if (value.isString()) {
-    bytes = value.asString();
+  if (value.IsText()) {
+    bytes = value.Text();
     if (!platform::IsUtf8(bytes)) {
       return element.Fail("not valid UTF-8; other bytes are written {\"bytes\":\"<hex>\"}");
     }
-  } else if (!value.isObject() || value.size() != 1 || !value["bytes"].isString() ||
-             !platform::ParseHexBytes(value["bytes"].asString(), &bytes)) {
-    return element.Fail("not a text");
+  } else {
+    const platform::json::Value* const hex = value.Find("bytes");
+    if (!hex || value.ByName().size() != 1 || !hex->IsText() ||
+        !platform::ParseHexBytes(hex->Text(), &bytes)) {
+      return element.Fail("not a text");
+    }
   }
   text = TextOf(bytes);
 }
@@ -191,25 +134,26 @@ void Read(const JsonElement& element, ByteString& text) {
 void ReadByte(const JsonElement& element, std::uint8_t* byte) { ReadWhole(element, byte); }
 
 JsonObject::JsonObject(const JsonElement& element) : element(element) {
-  if (!element.value.isObject()) element.Fail("not an object");
+  if (!element.value.IsObject()) element.Fail("not an object");
 }
 
 std::optional<JsonElement> JsonObject::Find(const char* name) {
   known.insert(name);
-  if (!element.value.isObject() || !element.value.isMember(name)) return std::nullopt;
-  return MemberOf(name);
+  const platform::json::Value* const member = element.value.Find(name);
+  if (!member) return std::nullopt;
+  return MemberOf(name, *member);
 }
 
 void JsonObject::RefuseOthers() {
-  if (!element.value.isObject()) return;
-  for (const std::string& name : element.value.getMemberNames()) {
-    if (!known.contains(name)) MemberOf(name).Fail("unknown member");
+  for (const auto& [name, member] : element.value.ByName()) {
+    if (!known.contains(name)) MemberOf(name, member).Fail("unknown member");
   }
 }
 
-JsonElement JsonObject::MemberOf(const std::string& name) const {
+JsonElement JsonObject::MemberOf(const std::string& name,
+                                 const platform::json::Value& member) const {
   const std::string path = element.name.empty() ? "" : element.name + ".";
-  return {element.document, element.value[name], path + Shortened(name)};
+  return {element.document, member, path + Shortened(name)};
 }
 
 }  // namespace kelvaro::console

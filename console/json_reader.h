@@ -1,13 +1,12 @@
 // Reads JSON whose faults are to be told to a person: by line and column, by member, in words.
 #pragma once
 
-#include <json/json.h>
-
 #include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
 
+#include "app/platform/recording/json.h"
 #include "foundation/byte_string.h"
 
 namespace kelvaro::console {
@@ -29,7 +28,7 @@ class JsonDocument;
 // A value of a document, and its name in a message: "controls[2].buttonMask", "" for the whole.
 struct JsonElement {
   JsonDocument& document;
-  const Json::Value& value;
+  const platform::json::Value& value;
   std::string name;
 
   // Notes a fault here; the first one of a document stands.
@@ -52,7 +51,7 @@ class JsonDocument {
   void FailAt(std::size_t offset, const std::string& member, const std::string& what);
 
   std::string source;
-  Json::Value root;
+  platform::json::Value root;
   bool failed = false;
   JsonFault fault;
 };
@@ -74,9 +73,10 @@ void ReadByte(const JsonElement& element, std::uint8_t* byte);
 // Calls read(element) for each element of a list, up to the first fault.
 template <typename Read>
 void ForEach(const JsonElement& list, Read read) {
-  if (!list.value.isArray()) list.Fail("not a list");
-  for (Json::ArrayIndex i = 0; i < list.value.size() && !list.document.Failed(); ++i) {
-    read(JsonElement{list.document, list.value[i], list.name + "[" + std::to_string(i) + "]"});
+  if (!list.value.IsList()) list.Fail("not a list");
+  const auto& elements = list.value.Elements();
+  for (std::size_t i = 0; i < elements.size() && !list.document.Failed(); ++i) {
+    read(JsonElement{list.document, elements[i], list.name + "[" + std::to_string(i) + "]"});
   }
 }
 
@@ -95,7 +95,7 @@ class JsonObject {
   void RefuseOthers();
 
  private:
-  JsonElement MemberOf(const std::string& name) const;
+  JsonElement MemberOf(const std::string& name, const platform::json::Value& member) const;
 
   const JsonElement element;
   std::set<std::string> known;

@@ -18,7 +18,7 @@ namespace {
 // Reading: each member by its type.
 
 void Read(const JsonElement& element, platform::GUID& guid) {
-  if (!element.value.isString() || !platform::ParseGuid(element.value.asString(), &guid)) {
+  if (!element.value.IsText() || !platform::ParseGuid(element.value.Text(), &guid)) {
     element.Fail("not 32 hex digits");
   }
 }
@@ -70,7 +70,7 @@ void Read(const JsonElement& element, LinkedList<TriggerItem>& items) {
 }
 
 void ReadStep(const JsonElement& element, KeyAction* action) {
-  if (!element.value.isArray() || element.value.size() != 3) {
+  if (element.value.Elements().size() != 3) {
     element.Fail("not a step such as [65,30,0]");
     return;
   }
@@ -100,7 +100,7 @@ void Read(const JsonElement& element, LinkedList<InputAction*>& actions) {
 }
 
 void Read(const JsonElement& element, LinkedList<Control>& controls) {
-  if (element.value.isArray() && element.value.size() > kMostControls) {
+  if (element.value.Elements().size() > kMostControls) {
     element.Fail("more than " + std::to_string(kMostControls));
   }
   ForEach(element, [&controls](const JsonElement& each) {
@@ -112,22 +112,26 @@ void Read(const JsonElement& element, LinkedList<Control>& controls) {
 }
 
 // Numbers the Controls that have no number.
-void NumberControls(const Json::Value& root, Profile* profile) {
-  const Json::Value& list = root["controls"];
+void NumberControls(const platform::json::Value& root, Profile* profile) {
+  const platform::json::Value* const list = root.Find("controls");
+  if (!list) return;
+  const auto isNumbered = [&](std::size_t i) {
+    return list->Elements()[i].Find("controlId") != nullptr;
+  };
   std::set<std::uint32_t> taken;
-  Json::ArrayIndex i = 0;
+  std::size_t i = 0;
   for (const Control& control : profile->controls) {
-    if (list[i++].isMember("controlId")) taken.insert(control.controlId);
+    if (isNumbered(i++)) taken.insert(control.controlId);
   }
   std::uint32_t& next = profile->nextControlId;
   i = 0;
   for (Control& control : profile->controls) {
-    if (list[i++].isMember("controlId")) continue;
+    if (isNumbered(i++)) continue;
     while (taken.contains(next)) ++next;
     control.controlId = next++;
   }
   const std::uint32_t highest = taken.empty() ? 0 : *taken.rbegin();
-  if (!root.isMember("nextControlId") && highest >= next && highest != UINT32_MAX) {
+  if (!root.Find("nextControlId") && highest >= next && highest != UINT32_MAX) {
     next = highest + 1;
   }
 }

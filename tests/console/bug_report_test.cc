@@ -1,10 +1,10 @@
 #include "console/bug_report.h"
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include "console/profile_json.h"
 #include "foundation/version.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -22,18 +22,17 @@ TEST(LeaveOutTypedTexts, TakesKeysNamesAndDescriptionsButNotTheirNumber) {
       << fault.Text("f");
   LeaveOutTypedTexts(&profile);
   const std::string json = ProfileJson(profile);
-  Json::Value value;
-  ASSERT_TRUE(Json::Reader().parse(json, value));
-  EXPECT_EQ(value["profileName"].asString(), "");
-  EXPECT_EQ(value["deviceName"].asString(), "Pad");
-  const Json::Value& control = value["controls"][0];
-  EXPECT_EQ(control["description"].asString(), "");
-  EXPECT_EQ(control["buttonMask"].asString(), "0x5");
-  EXPECT_EQ(control["repeatDelay"].asInt(), 70);
-  const Json::Value& action = control["actions"][0];
-  EXPECT_EQ(action["actionFlags"].asInt(), 1);
+  const tests::Json value = tests::Parsed(json);
+  EXPECT_EQ(value["profileName"].Text(), "");
+  EXPECT_EQ(value["deviceName"].Text(), "Pad");
+  const tests::Json& control = value["controls"][0];
+  EXPECT_EQ(control["description"].Text(), "");
+  EXPECT_EQ(control["buttonMask"].Text(), "0x5");
+  EXPECT_EQ(control["repeatDelay"].Signed(), 70);
+  const tests::Json& action = control["actions"][0];
+  EXPECT_EQ(action["actionFlags"].Signed(), 1);
   EXPECT_NE(json.find("\"steps\":[[0,0,0],[1,244,128],[0,0,0]]"), std::string::npos) << json;
-  EXPECT_EQ(action["text"].asString(), "<P:500>");
+  EXPECT_EQ(action["text"].Text(), "<P:500>");
 }
 
 TEST(ReportText, HasTheVersionTheSystemTheRemarksAndTheProfile) {

@@ -1,6 +1,5 @@
 // What the doctor says of this machine, whatever it is like.
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <filesystem>
 #include <set>
@@ -10,6 +9,7 @@
 #include "console/machine_facts.h"
 #include "tests/console/console_run.h"
 #include "tests/host/home.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -21,12 +21,11 @@ TEST(DoctorCommand, SaysAllInBothForms) {
   std::set<std::string> topics;
   bool bad = false;
   for (std::string line; std::getline(lines, line);) {
-    Json::Value remark;
-    ASSERT_TRUE(Json::Reader().parse(line, remark)) << line;
-    topics.insert(remark["topic"].asString());
-    bad = bad || remark["state"].asString() == "bad";
-    EXPECT_NE(remark["what"].asString(), "") << line;
-    EXPECT_NE(remark["next"].asString(), "") << line;
+    const tests::Json remark = tests::Parsed(line);
+    topics.insert(remark["topic"].Text());
+    bad = bad || remark["state"].Text() == "bad";
+    EXPECT_NE(remark["what"].Text(), "") << line;
+    EXPECT_NE(remark["next"].Text(), "") << line;
   }
   for (const char* topic :
        {"session", "/dev/uinput", "module", "udev rule", "output", "pad", "notification area",

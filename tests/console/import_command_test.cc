@@ -1,49 +1,43 @@
-#include <json/json.h>
 
 #include <memory>
 
 #include "tests/console/stored_profiles.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
 
 namespace fs = std::filesystem;
 
-Json::Value Parsed(const std::string& text) {
-  Json::Value value;
-  std::istringstream in(text);
-  std::string errors;
-  EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors)) << text;
-  return value;
-}
+// A whole number, as it is written.
+std::string Digits(const tests::Json& number) { return std::to_string(number.Signed().value()); }
 
 // "B1 = a, held" and what else isn't as usual.
-std::string LineOf(const Json::Value& control) {
-  std::string line = control["triggerText"].asString() + " =";
-  for (const Json::Value& action : control["actions"]) {
-    line += " " + action["text"].asString();
-    if (action["actionFlags"].asUInt() == 1) line += ", held";
+std::string LineOf(const tests::Json& control) {
+  std::string line = control["triggerText"].Text() + " =";
+  for (const tests::Json& action : control["actions"].Elements()) {
+    line += " " + action["text"].Text();
+    if (action["actionFlags"].Unsigned() == 1) line += ", held";
   }
-  if (control["repeatEnabled"].asBool()) {
-    line +=
-        ", every " + control["repeatDelay"].asString() + "/" + control["repeatSpeed"].asString();
+  if (control["repeatEnabled"].Bool()) {
+    line += ", every " + Digits(control["repeatDelay"]) + "/" + Digits(control["repeatSpeed"]);
   }
-  if (control["keyHoldTime"].asUInt() != 0) line += ", taps " + control["keyHoldTime"].asString();
-  if (!control["activateOnPress"].asBool()) line += ", let go";
-  if (!control["description"].asString().empty()) line += ", " + control["description"].asString();
+  if (control["keyHoldTime"].Unsigned() != 0) line += ", taps " + Digits(control["keyHoldTime"]);
+  if (!control["activateOnPress"].Bool()) line += ", let go";
+  if (!control["description"].Text().empty()) line += ", " + control["description"].Text();
   return line + "\n";
 }
 
 // What becomes of a file: its Controls, mouse settings, and the notes.
 struct Imported {
   Outcome outcome;
-  Json::Value profile;
+  tests::Json profile;
   std::string controls;  // a line each
   std::string notes;     // "line:column kind what", a line each
 
   std::string Mouse(const char* name) const {
-    const Json::Value& input = profile["mouse"][name];
-    return input["kind"].asString() + "," + input["index"].asString();
+    const tests::Json& input = profile["mouse"][name];
+    return Digits(input["kind"]) + "," + Digits(input["index"]);
   }
 };
 
@@ -59,17 +53,17 @@ Imported Import(const std::string& content, std::vector<std::string> options = {
     EXPECT_FALSE(fs::exists(out)) << content;
     return imported;
   }
-  const Json::Value report = Parsed(imported.outcome.out);
-  EXPECT_EQ(report["file"].asString(), in.path);
-  EXPECT_EQ(report["profile"].asString(), out);
-  for (const Json::Value& note : report["notes"]) {
-    imported.notes += note["line"].asString() + ":" + note["column"].asString() + " " +
-                      note["kind"].asString() + " " + note["what"].asString() + "\n";
+  const tests::Json report = tests::Parsed(imported.outcome.out);
+  EXPECT_EQ(report["file"].Text(), in.path);
+  EXPECT_EQ(report["profile"].Text(), out);
+  for (const tests::Json& note : report["notes"].Elements()) {
+    imported.notes += Digits(note["line"]) + ":" + Digits(note["column"]) + " " +
+                      note["kind"].Text() + " " + note["what"].Text() + "\n";
   }
-  imported.profile = Parsed(Kelvaroctl({"show", "--json", out}).out);
-  EXPECT_EQ(report["profileName"], imported.profile["profileName"]);
-  EXPECT_EQ(report["controls"].asUInt(), imported.profile["controls"].size());
-  for (const Json::Value& control : imported.profile["controls"]) {
+  imported.profile = tests::Parsed(Kelvaroctl({"show", "--json", out}).out);
+  EXPECT_EQ(report["profileName"].Text(), imported.profile["profileName"].Text());
+  EXPECT_EQ(report["controls"].Unsigned(), imported.profile["controls"].Elements().size());
+  for (const tests::Json& control : imported.profile["controls"].Elements()) {
     imported.controls += LineOf(control);
   }
   return imported;
@@ -178,11 +172,11 @@ TEST(ImportLyt, AnAxisMovesThePointer) {
   EXPECT_EQ(imported.Mouse("mouseX"), "3,0");
   EXPECT_EQ(imported.Mouse("mouseY"), "4,0");
   EXPECT_EQ(imported.Mouse("mouseWheel"), "11,0");
-  const Json::Value& mouse = imported.profile["mouse"];
-  EXPECT_TRUE(mouse["mouseAlwaysActive"].asBool());
-  EXPECT_EQ(mouse["movementDamper"].asInt(), 10);
+  const tests::Json& mouse = imported.profile["mouse"];
+  EXPECT_TRUE(mouse["mouseAlwaysActive"].Bool());
+  EXPECT_EQ(mouse["movementDamper"].Signed(), 10);
   // 15 pixels in 10 ms are 7.5 a poll: 1 + (31 + 2) / 5 is 7.6.
-  EXPECT_EQ(mouse["movementSensitivity"].asInt(), 31);
+  EXPECT_EQ(mouse["movementSensitivity"].Signed(), 31);
 }
 
 TEST(ImportLyt, TheMouseHasOneInputForEachMotion) {
@@ -458,16 +452,16 @@ TEST(ImportAmgp, AStickMovesThePointer) {
   EXPECT_EQ(imported.notes, "");
   EXPECT_EQ(imported.Mouse("mouseX"), "3,0");
   EXPECT_EQ(imported.Mouse("mouseY"), "4,0");
-  const Json::Value& mouse = imported.profile["mouse"];
-  EXPECT_TRUE(mouse["mouseAlwaysActive"].asBool());
-  EXPECT_EQ(mouse["movementDamper"].asInt(), 10);
+  const tests::Json& mouse = imported.profile["mouse"];
+  EXPECT_TRUE(mouse["mouseAlwaysActive"].Bool());
+  EXPECT_EQ(mouse["movementDamper"].Signed(), 10);
   // 600 pixels a second are 3 a poll: 1 + (8 + 2) / 5.
-  EXPECT_EQ(mouse["movementSensitivity"].asInt(), 8);
+  EXPECT_EQ(mouse["movementSensitivity"].Signed(), 8);
 
   const Imported fast = Import(MouseStick("<mousespeedx>300</mousespeedx>"));
-  EXPECT_EQ(fast.profile["mouse"]["movementSensitivity"].asInt(), 50);
+  EXPECT_EQ(fast.profile["mouse"]["movementSensitivity"].Signed(), 50);
   const Imported spring = Import(MouseStick("<mousemode>spring</mousemode>"));
-  EXPECT_EQ(spring.profile["mouse"]["movementSensitivity"].asInt(), 18);
+  EXPECT_EQ(spring.profile["mouse"]["movementSensitivity"].Signed(), 18);
   EXPECT_EQ(spring.notes.substr(0, 57),
             "5:24 left-out stick 2 up: <mousemode> spring\n6:24 left-ou");
 }
@@ -502,8 +496,8 @@ TEST(ImportAmgp, NamesComeAlong) {
   const Imported imported =
       Import(head + Slots(Key("0x41")) + "</button><dpad index='1'><dpadbutton index='1'>" +
              Slots(Key("0x42")) + "</dpadbutton></dpad></set></sets></joystick>");
-  EXPECT_EQ(imported.profile["profileName"].asString(), "Walk");
-  EXPECT_EQ(imported.profile["deviceName"].asString(), "");
+  EXPECT_EQ(imported.profile["profileName"].Text(), "Walk");
+  EXPECT_EQ(imported.profile["deviceName"].Text(), "");
   EXPECT_EQ(imported.controls, "B1 = a, Jump\nPOV0(up) = b, Look\n");
   EXPECT_EQ(imported.notes,
             "1:43 left-out the device 'My Pad': choose yours on the tab Device\n"
@@ -580,7 +574,7 @@ TEST(ImportCommand, SizesAreBounded) {
   std::string lines;
   for (int i = 0; i < 10'001; ++i) lines += "Button 1: key 38\n";
   const Imported controls = Import(Layout(lines));
-  EXPECT_EQ(controls.profile["controls"].size(), 10'000u);
+  EXPECT_EQ(controls.profile["controls"].Elements().size(), 10'000u);
   EXPECT_TRUE(controls.notes.ends_with("10002:1 left-out more than 10000 Controls\n"));
 
   std::string words = "Axis 1:";

@@ -1,11 +1,9 @@
 #include "console/latency_report.h"
 
 #include <gtest/gtest.h>
-#include <json/json.h>
-
-#include <sstream>
 
 #include "console/percentile.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -62,31 +60,25 @@ TEST(LatencyText, IsATableAndTheTaps) {
 }
 
 TEST(LatencyJson, IsALineForEachWay) {
-  std::istringstream lines(LatencyJson(Ways()));
-  std::vector<Json::Value> values;
-  for (std::string line; std::getline(lines, line);) {
-    Json::Value value;
-    ASSERT_TRUE(Json::Reader().parse(line, value)) << line;
-    values.push_back(value);
-  }
+  const std::vector<tests::Json> values = tests::ParsedLines(LatencyJson(Ways()));
   ASSERT_EQ(values.size(), 3u);
-  EXPECT_EQ(values[0]["way"], "machine");
-  EXPECT_TRUE(values[0]["interval"].isNull());
-  EXPECT_EQ(values[0]["presses"], 3);
-  EXPECT_EQ(values[0]["kernel"]["median"].asDouble(), 5);
-  EXPECT_EQ(values[0]["read"]["median"].asDouble(), 9);
-  EXPECT_TRUE(values[0]["tapsLost"].isNull());
-  EXPECT_EQ(values[1]["way"], "interval");
-  EXPECT_EQ(values[1]["interval"], 5);
-  EXPECT_EQ(values[1]["presses"], 103);
-  EXPECT_EQ(values[1]["lost"], 2);
-  EXPECT_EQ(values[1]["read"]["least"].asDouble(), 10);
-  EXPECT_EQ(values[1]["read"]["p95"].asDouble(), 960);
-  EXPECT_EQ(values[1]["read"]["p99"].asDouble(), 1000);
-  EXPECT_EQ(values[1]["read"]["slowest"].asDouble(), 1010);
-  EXPECT_EQ(values[1]["tapsLost"], 46);
-  EXPECT_EQ(values[2]["way"], "wake");
-  EXPECT_TRUE(values[2]["read"].isNull());
+  EXPECT_EQ(values[0]["way"].Text(), "machine");
+  EXPECT_FALSE(values[0]["interval"].IsNumber());
+  EXPECT_EQ(values[0]["presses"].Signed(), 3);
+  EXPECT_EQ(values[0]["kernel"]["median"].Real(), 5);
+  EXPECT_EQ(values[0]["read"]["median"].Real(), 9);
+  EXPECT_FALSE(values[0]["tapsLost"].IsNumber());
+  EXPECT_EQ(values[1]["way"].Text(), "interval");
+  EXPECT_EQ(values[1]["interval"].Signed(), 5);
+  EXPECT_EQ(values[1]["presses"].Signed(), 103);
+  EXPECT_EQ(values[1]["lost"].Signed(), 2);
+  EXPECT_EQ(values[1]["read"]["least"].Real(), 10);
+  EXPECT_EQ(values[1]["read"]["p95"].Real(), 960);
+  EXPECT_EQ(values[1]["read"]["p99"].Real(), 1000);
+  EXPECT_EQ(values[1]["read"]["slowest"].Real(), 1010);
+  EXPECT_EQ(values[1]["tapsLost"].Signed(), 46);
+  EXPECT_EQ(values[2]["way"].Text(), "wake");
+  EXPECT_FALSE(values[2]["read"].IsObject());
 }
 
 std::size_t Count(const std::string& text, const std::string& what) {

@@ -1,9 +1,7 @@
 // The published schema of a profile in JSON, held against what reads and writes it.
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <filesystem>
-#include <functional>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -11,6 +9,7 @@
 #include "console/profile_json.h"
 #include "tests/console/console_run.h"
 #include "tests/console/schema.h"
+#include "tests/host/json.h"
 #include "tests/keys/random_keys.h"
 #include "tests/storage/random_profile.h"
 
@@ -22,30 +21,24 @@ const Schema& Published() {
   return schema;
 }
 
-Json::Value Parsed(const std::string& text) {
-  Json::Value value;
-  EXPECT_TRUE(Json::Reader().parse(text, value)) << text;
-  return value;
-}
-
-std::string Written(const Json::Value& value) {
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  return Json::writeString(builder, value);
+std::vector<std::string> NamesIn(const tests::Json& object) {
+  std::vector<std::string> names;
+  for (const auto& [name, member] : object.ByName()) names.push_back(name);
+  return names;
 }
 
 // What show prints of a profile in JSON.
-Json::Value Shown(const std::string& json) {
+tests::Json Shown(const std::string& json) {
   Profile profile;
   JsonFault fault;
   EXPECT_TRUE(ReadProfile(json, &profile, &fault)) << fault.Text("profile");
-  return Parsed(ProfileJson(profile));
+  return tests::Parsed(ProfileJson(profile));
 }
 
-Json::Value RandomShown(std::uint32_t seed) {
+tests::Json RandomShown(std::uint32_t seed) {
   ProfileFile profile;
   RandomProfile(seed).Fill(&profile, 3);
-  return Parsed(ProfileJson(profile));
+  return tests::Parsed(ProfileJson(profile));
 }
 
 bool IsRead(const std::string& json) {
@@ -59,13 +52,13 @@ constexpr char kOfEach[] =
 
 struct Kind {
   const char* definition;
-  Json::Value shown;
+  tests::Json shown;
 };
 
 // One object of each kind that there is.
 std::vector<Kind> Kinds() {
-  const Json::Value profile = Shown(kOfEach);
-  const Json::Value& control = profile["controls"][0];
+  const tests::Json profile = Shown(kOfEach);
+  const tests::Json& control = profile["controls"][0];
   return {{"profile", profile},
           {"mouse", profile["mouse"]},
           {"mouseInput", profile["mouse"]["mouseX"]},
@@ -76,15 +69,14 @@ std::vector<Kind> Kinds() {
 
 TEST(ProfileSchema, NamesTheMembersThatAreShownAndNoOthers) {
   for (const Kind& kind : Kinds()) {
-    EXPECT_EQ(kind.shown.getMemberNames(),
-              Published().Definition(kind.definition)["properties"].getMemberNames())
+    EXPECT_EQ(NamesIn(kind.shown), NamesIn(Published().Definition(kind.definition)["properties"]))
         << kind.definition;
   }
 }
 
 TEST(ProfileSchema, TellsTheDefaultsThatHold) {
-  const Json::Value profile = Shown(R"({"controls":[{"triggerItems":[{}],"actions":[{}]}]})");
-  const Json::Value& control = profile["controls"][0];
+  const tests::Json profile = Shown(R"({"controls":[{"triggerItems":[{}],"actions":[{}]}]})");
+  const tests::Json& control = profile["controls"][0];
   const Kind kinds[] = {{"profile", Shown("{}")},
                         {"mouse", profile["mouse"]},
                         {"mouseInput", profile["mouse"]["mouseX"]},
@@ -93,10 +85,10 @@ TEST(ProfileSchema, TellsTheDefaultsThatHold) {
                         {"action", control["actions"][0]}};
   int told = 0;
   for (const Kind& kind : kinds) {
-    const Json::Value& members = Published().Definition(kind.definition)["properties"];
-    for (const std::string& name : members.getMemberNames()) {
-      if (!members[name].isMember("default")) continue;
-      EXPECT_EQ(Written(kind.shown[name]), Written(members[name]["default"]))
+    const tests::Json& members = Published().Definition(kind.definition)["properties"];
+    for (const auto& [name, member] : members.ByName()) {
+      if (!member.Find("default")) continue;
+      EXPECT_EQ(tests::Written(kind.shown[name]), tests::Written(member["default"]))
           << kind.definition << " " << name;
       ++told;
     }
@@ -107,8 +99,8 @@ TEST(ProfileSchema, TellsTheDefaultsThatHold) {
 TEST(ProfileSchema, FitsWhatIsShown) {
   for (const auto& entry : std::filesystem::directory_iterator(KELVARO_EXAMPLES)) {
     if (entry.path().extension() != ".json") continue;
-    const std::string json = tests::Content(entry.path());
-    EXPECT_EQ(Published().Misfit(Parsed(json)), "") << entry.path();
+    const std::string json = tests::Content(entry.path().string());
+    EXPECT_EQ(Published().Misfit(tests::Parsed(json)), "") << entry.path();
     EXPECT_EQ(Published().Misfit(Shown(json)), "") << entry.path();
   }
   for (std::uint32_t seed = 1; seed <= 50; ++seed) {
@@ -116,7 +108,7 @@ TEST(ProfileSchema, FitsWhatIsShown) {
   }
   const std::string bytes = R"({"profileName":{"bytes":"ff00"},"controls":[{"description":)"
                             R"({"bytes":""}}]})";
-  EXPECT_EQ(Published().Misfit(Parsed(bytes)), "");
+  EXPECT_EQ(Published().Misfit(tests::Parsed(bytes)), "");
   EXPECT_EQ(Published().Misfit(Shown(bytes)), "");
 }
 
@@ -161,16 +153,16 @@ TEST(ProfileSchema, FitsWhatIsReadAndNothingElse) {
   };
   for (const auto& c : kCases) {
     EXPECT_EQ(IsRead(c.json), c.isRead) << c.json;
-    EXPECT_EQ(Published().Misfit(Parsed(c.json)).empty(), c.isRead)
-        << c.json << " " << Published().Misfit(Parsed(c.json));
+    EXPECT_EQ(Published().Misfit(tests::Parsed(c.json)).empty(), c.isRead)
+        << c.json << " " << Published().Misfit(tests::Parsed(c.json));
   }
 }
 
-// Calls visit for the value and all in it.
-void ForEachValue(Json::Value& value, const std::function<void(Json::Value&)>& visit) {
-  visit(value);
-  if (!value.isArray() && !value.isObject()) return;
-  for (Json::Value& each : value) ForEachValue(each, visit);
+// The value and all in it.
+void AddAll(const tests::Json& value, std::vector<const tests::Json*>* values) {
+  values->push_back(&value);
+  for (const tests::Json& each : value.Elements()) AddAll(each, values);
+  for (const auto& [name, each] : value.ByName()) AddAll(each, values);
 }
 
 TEST(ProfileSchema, AgreesWithTheReaderOnProfilesInWhichSomethingWasExchanged) {
@@ -182,18 +174,14 @@ TEST(ProfileSchema, AgreesWithTheReaderOnProfilesInWhichSomethingWasExchanged) {
   int read = 0;
   int refused = 0;
   for (int i = 0; i < 1000; ++i) {
-    Json::Value profile = RandomShown(static_cast<std::uint32_t>(i));
-    std::uint32_t values = 0;
-    ForEachValue(profile, [&values](Json::Value&) { ++values; });
-    std::uint32_t at = random.Below(values);
+    const tests::Json profile = RandomShown(static_cast<std::uint32_t>(i));
+    std::vector<const tests::Json*> values;
+    AddAll(profile, &values);
     const std::string other = kOthers[random.Below(std::size(kOthers))];
-    const Json::Value exchanged = Parsed(other);
-    ForEachValue(profile, [&](Json::Value& value) {
-      if (at-- == 0) value = exchanged;
-    });
-    const std::string json = Written(profile);
+    const std::string json = tests::Written(
+        profile, values[random.Below(static_cast<std::uint32_t>(values.size()))], other);
     const bool isRead = IsRead(json);
-    EXPECT_EQ(Published().Misfit(Parsed(json)).empty(), isRead) << other << "\n" << json;
+    EXPECT_EQ(Published().Misfit(tests::Parsed(json)).empty(), isRead) << other << "\n" << json;
     ++(isRead ? read : refused);
   }
   EXPECT_GT(read, 100);

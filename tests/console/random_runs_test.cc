@@ -1,14 +1,13 @@
 // Random profiles on random recordings: whatever comes out, it is the same a second time, its times
 // never fall, and at the end nothing is down.
 
-#include <json/json.h>
-
 #include <memory>
 
 #include "tests/console/console_run.h"
 #include "tests/console/held_inputs.h"
 #include "tests/console/random_change.h"
 #include "tests/console/random_json.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -34,18 +33,18 @@ std::string RandomRecording(Random& random) {
 }
 
 SentEvent Parse(const std::string& line) {
-  Json::Value value;
-  std::string errors;
-  const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-  EXPECT_TRUE(reader->parse(line.data(), line.data() + line.size(), &value, &errors)) << line;
-  const std::uint64_t t = value["t"].asUInt64();
-  const std::uint32_t flags = value["flags"].asUInt();
-  if (value["event"] == "key") {
-    return SentKey(t, static_cast<std::uint8_t>(value["vk"].asUInt()),
-                   static_cast<std::uint8_t>(value["scan"].asUInt()), flags);
+  const tests::Json value = tests::Parsed(line);
+  const auto number = [&value](const char* name) { return value[name].Signed().value_or(0); };
+  const auto t = static_cast<std::uint64_t>(number("t"));
+  const auto flags = static_cast<std::uint32_t>(number("flags"));
+  if (value["event"].Text() == "key") {
+    return SentKey(t, static_cast<std::uint8_t>(number("vk")),
+                   static_cast<std::uint8_t>(number("scan")), flags);
   }
-  EXPECT_EQ(value["event"], "mouse") << line;
-  return SentMouse(t, flags, value["dx"].asInt(), value["dy"].asInt(), value["data"].asInt());
+  EXPECT_EQ(value["event"].Text(), "mouse") << line;
+  return SentMouse(t, flags, static_cast<std::int32_t>(number("dx")),
+                   static_cast<std::int32_t>(number("dy")),
+                   static_cast<std::int32_t>(number("data")));
 }
 
 TEST(RandomRuns, AreTheSameTwiceAndLeaveNothingDown) {

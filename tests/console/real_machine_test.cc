@@ -1,6 +1,5 @@
 // The commands that look at this machine's own devices, whatever they are.
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <algorithm>
 #include <sstream>
@@ -10,6 +9,7 @@
 #include "app/platform/input.h"
 #include "console/real_machine.h"
 #include "tests/console/console_run.h"
+#include "tests/host/json.h"
 
 namespace kelvaro::console {
 namespace {
@@ -21,10 +21,9 @@ TEST(RealDevices, AreListedInOrderWithTheirNodes) {
   std::istringstream lines(listed.out);
   int count = 0;
   for (std::string line; std::getline(lines, line); ++count) {
-    Json::Value device;
-    ASSERT_TRUE(Json::Reader().parse(line, device)) << line;
-    EXPECT_EQ(device["index"].asInt(), count) << line;
-    EXPECT_EQ(device["guid"].asString().size(), 32u) << line;
+    const tests::Json device = tests::Parsed(line);
+    EXPECT_EQ(device["index"].Signed(), count) << line;
+    EXPECT_EQ(device["guid"].Text().size(), 32u) << line;
   }
   // In text, a line each for its name, its make and its node; more where there is more to say.
   const Outcome text = Kelvaroctl({"devices"});

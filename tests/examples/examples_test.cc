@@ -1,10 +1,10 @@
 // Each example profile is played by the recording beside it, on the simulated machine, and sends
 // the events that stand beside it, too.
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,6 +12,7 @@
 #include "app/platform/recording/recording.h"
 #include "tests/cases/case_file.h"
 #include "tests/console/console_run.h"
+#include "tests/host/json.h"
 
 namespace kelvaro {
 namespace {
@@ -41,13 +42,6 @@ Lines LinesOf(const std::string& text) {
     if (!line.empty() && line[0] != '#') lines.push_back(line);
   }
   return lines;
-}
-
-Json::Value ProfileOf(const std::string& name) {
-  Json::Value profile;
-  std::istringstream in(Example(name + ".json"));
-  EXPECT_NO_THROW(in >> profile) << name;
-  return profile;
 }
 
 platform::Recording RecordingOf(const std::string& name) {
@@ -89,21 +83,24 @@ TEST_P(ExampleTest, SendsTheEventsBesideIt) {
 
 // Whatever is taken out of the profile, other events come.
 TEST_P(ExampleTest, ItsRecordingShowsAllThatTheProfileDoes) {
-  const Json::Value whole = ProfileOf(name);
+  const tests::Json whole = tests::Parsed(Example(name + ".json"));
   const std::string recording = Example(name + ".recording");
-  const Lines events = Played(whole.toStyledString(), recording);
-  for (Json::ArrayIndex i = 0; i < whole["controls"].size(); ++i) {
-    Json::Value without = whole;
-    Json::Value removed;
-    ASSERT_TRUE(without["controls"].removeIndex(i, &removed));
-    EXPECT_NE(Played(without.toStyledString(), recording), events) << removed["description"];
+  const Lines events = Played(tests::Written(whole), recording);
+  const auto without = [&](const tests::Json& member, const char* nothing) {
+    return Played(tests::Written(whole, &member, nothing), recording);
+  };
+  for (const tests::Json& control : whole["controls"].Elements()) {
+    EXPECT_NE(without(control, "{}"), events) << control["description"].Text();
   }
-  for (const char* member :
-       {"mouseX", "mouseY", "mouseWheel", "leftMask", "middleMask", "rightMask"}) {
-    if (!whole["mouse"].isMember(member)) continue;
-    Json::Value without = whole;
-    without["mouse"].removeMember(member);
-    EXPECT_NE(Played(without.toStyledString(), recording), events) << member;
+  for (const auto& [name, nothing] : std::map<std::string, const char*>{{"mouseX", "{}"},
+                                                                        {"mouseY", "{}"},
+                                                                        {"mouseWheel", "{}"},
+                                                                        {"leftMask", "0"},
+                                                                        {"middleMask", "0"},
+                                                                        {"rightMask", "0"}}) {
+    const tests::Json* const member = whole["mouse"].Find(name);
+    if (!member) continue;
+    EXPECT_NE(without(*member, nothing), events) << name;
   }
 }
 

@@ -4,7 +4,6 @@
 // too, with some milliseconds of grace.
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 #include <linux/input.h>
 #include <sys/syscall.h>
 
@@ -18,6 +17,7 @@
 #include "app/platform/input.h"
 #include "app/platform/recording/recording.h"
 #include "tests/cases/case_file.h"
+#include "tests/host/json.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
 #include "tests/kernel/trace.h"
@@ -56,6 +56,9 @@ unsigned int KeyCodeOf(unsigned int scan, bool press) {
   return found->second;
 }
 
+// A whole number; it is one wherever this is asked.
+int Number(const tests::Json& value) { return static_cast<int>(value.Signed().value()); }
+
 // What the kernel passes on of the events of a case: it drops what changes nothing. A release that
 // its own virtual key hadn't pressed doesn't get so far.
 std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
@@ -74,13 +77,13 @@ std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
     }
   };
   for (const std::string& line : lines) {
-    const Json::Value event = Parsed(line);
-    const std::int64_t t = event["t"].asInt64();
-    const unsigned int flags = event["flags"].asUInt();
-    if (event["event"] == "key") {
+    const tests::Json event = tests::Parsed(line);
+    const std::int64_t t = event["t"].Signed().value();
+    const auto flags = static_cast<unsigned int>(Number(event["flags"]));
+    if (event["event"].Text() == "key") {
       const bool press = (flags & platform::KEYEVENTF_KEYUP) == 0;
-      const unsigned int code = KeyCodeOf(event["scan"].asUInt(), press);
-      const unsigned int vk = event["vk"].asUInt();
+      const unsigned int code = KeyCodeOf(static_cast<unsigned int>(Number(event["scan"])), press);
+      const auto vk = static_cast<unsigned int>(Number(event["vk"]));
       std::set<unsigned int>& vks = holders[code];
       if (press) {
         vks.insert(vk);
@@ -91,11 +94,11 @@ std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
       continue;
     }
     if ((flags & platform::MOUSEEVENTF_MOVE) != 0) {
-      turn(t, REL_X, event["dx"].asInt());
-      turn(t, REL_Y, event["dy"].asInt());
+      turn(t, REL_X, Number(event["dx"]));
+      turn(t, REL_Y, Number(event["dy"]));
     }
     if ((flags & platform::MOUSEEVENTF_WHEEL) != 0) {
-      turn(t, REL_WHEEL_HI_RES, event["data"].asInt());
+      turn(t, REL_WHEEL_HI_RES, Number(event["data"]));
     }
     const struct {
       std::uint32_t down;
@@ -119,12 +122,9 @@ std::vector<TimedText> KernelTexts(const std::vector<std::string>& lines) {
 std::vector<TimedText> PrintedTexts(const std::vector<std::string>& lines) {
   std::vector<TimedText> texts;
   for (const std::string& line : lines) {
-    Json::Value event = Parsed(line);
-    const std::int64_t t = event["t"].asInt64();
-    event.removeMember("t");
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    texts.push_back({t, Json::writeString(builder, event)});
+    // The time is the first member of each.
+    const std::int64_t t = tests::Parsed(line)["t"].Signed().value();
+    texts.push_back({t, line.substr(line.find(',') + 1)});
   }
   return texts;
 }
@@ -233,8 +233,8 @@ TEST_P(KernelCase, SendsTheseEvents) {
   Recording recording;
   std::istringstream lines(wanted.recording);
   ASSERT_TRUE(platform::ReadRecording(lines, &recording, &error)) << error;
-  const Json::Value profile = Parsed(wanted.profile);
-  const int interval = profile.get("pollInterval", 5).asInt();
+  const tests::Json profile = tests::Parsed(wanted.profile);
+  const int interval = static_cast<int>(profile["pollInterval"].Signed().value_or(5));
 
   std::vector<std::string> options;
   std::int64_t end = static_cast<std::int64_t>(recording.Length()) + 1000;
@@ -283,8 +283,8 @@ TEST_P(KernelCase, SendsTheseEvents) {
   }
   // The repeat worker looks every 10 ms, from a start of its own.
   bool repeats = false;
-  for (const Json::Value& control : profile["controls"]) {
-    repeats = repeats || control.get("repeatEnabled", false).asBool();
+  for (const tests::Json& control : profile["controls"].Elements()) {
+    repeats = repeats || control["repeatEnabled"].Bool();
   }
   const std::int64_t early = repeats ? 10 : 0;
   const std::int64_t late = repeats ? 25 : 4;

@@ -141,10 +141,10 @@ TEST(Grab, TheDoctorSeesNoFaultInAPadThatKelvaroHas) {
   ASSERT_TRUE(Polls(run, pad.Node()));
   const Finished doctor = RunToEnd({KelvaroctlPath(), "doctor", "--json"});
   for (const std::string& line : Lines(doctor.out)) {
-    const Json::Value remark = Parsed(line);
-    if (remark["topic"].asString() != "pad") continue;
-    EXPECT_EQ(remark["state"].asString(), "note") << line;
-    EXPECT_NE(remark["what"].asString().find("is grabbed; open in kelvaroctl ("), std::string::npos)
+    const tests::Json remark = tests::Parsed(line);
+    if (remark["topic"].Text() != "pad") continue;
+    EXPECT_EQ(remark["state"].Text(), "note") << line;
+    EXPECT_NE(remark["what"].Text().find("is grabbed; open in kelvaroctl ("), std::string::npos)
         << line;
   }
   run.Signal(SIGTERM);

@@ -11,6 +11,7 @@
 
 #include "app/platform/linux/descriptor.h"
 #include "tests/host/files.h"
+#include "tests/host/json.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
 #include "tests/kernel/wait.h"
@@ -26,13 +27,13 @@ std::vector<InputNode> MeasuredNodes() {
   return nodes;
 }
 
-void ExpectOrdered(const Json::Value& times) {
+void ExpectOrdered(const tests::Json& times) {
   const char* const kNames[] = {"least", "median", "p95", "p99", "slowest"};
   for (std::size_t i = 0; i < std::size(kNames); ++i) {
-    ASSERT_TRUE(times[kNames[i]].isDouble()) << kNames[i];
-    EXPECT_GT(times[kNames[i]].asDouble(), 0) << kNames[i];
+    ASSERT_TRUE(times[kNames[i]].IsNumber()) << kNames[i];
+    EXPECT_GT(times[kNames[i]].Real(), 0) << kNames[i];
     if (i == 0) continue;
-    EXPECT_GE(times[kNames[i]].asDouble(), times[kNames[i - 1]].asDouble()) << kNames[i];
+    EXPECT_GE(times[kNames[i]].Real(), times[kNames[i - 1]].Real()) << kNames[i];
   }
 }
 
@@ -42,24 +43,24 @@ TEST(Latency, AnIdleMachineLosesNothing) {
   Child latency(
       {KelvaroctlPath(), "latency", "--json", "--presses", "20", "--svg", picture, profile});
   ASSERT_EQ(latency.WaitForEnd(120s), 0) << latency.Err();
-  const std::vector<Json::Value> ways = JsonLines(latency.Out());
+  const std::vector<tests::Json> ways = tests::ParsedLines(latency.Out());
   ASSERT_EQ(ways.size(), 3U);
-  for (const Json::Value& way : ways) {
-    SCOPED_TRACE(way["way"].asString());
-    EXPECT_EQ(way["presses"].asInt(), 20);
-    EXPECT_EQ(way["lost"].asInt(), 0);
+  for (const tests::Json& way : ways) {
+    SCOPED_TRACE(way["way"].Text());
+    EXPECT_EQ(way["presses"].Signed(), 20);
+    EXPECT_EQ(way["lost"].Signed(), 0);
     ExpectOrdered(way["kernel"]);
     ExpectOrdered(way["read"]);
-    EXPECT_LE(way["kernel"]["median"].asDouble(), way["read"]["median"].asDouble());
+    EXPECT_LE(way["kernel"]["median"].Real(), way["read"]["median"].Real());
   }
-  EXPECT_EQ(ways[0]["way"].asString(), "machine");
-  EXPECT_EQ(ways[1]["way"].asString(), "interval");
-  EXPECT_EQ(ways[1]["interval"].asInt(), 3);
-  EXPECT_EQ(ways[1]["taps"].asInt(), 20);
-  EXPECT_LE(ways[1]["tapsLost"].asInt(), 20);
-  EXPECT_EQ(ways[2]["taps"].asInt(), 20);
-  EXPECT_EQ(ways[2]["way"].asString(), "wake");
-  EXPECT_EQ(ways[2]["tapsLost"].asInt(), 0);
+  EXPECT_EQ(ways[0]["way"].Text(), "machine");
+  EXPECT_EQ(ways[1]["way"].Text(), "interval");
+  EXPECT_EQ(ways[1]["interval"].Signed(), 3);
+  EXPECT_EQ(ways[1]["taps"].Signed(), 20);
+  EXPECT_LE(ways[1]["tapsLost"].Signed(), 20);
+  EXPECT_EQ(ways[2]["taps"].Signed(), 20);
+  EXPECT_EQ(ways[2]["way"].Text(), "wake");
+  EXPECT_EQ(ways[2]["tapsLost"].Signed(), 0);
   const std::string svg = tests::Content(picture);
   EXPECT_EQ(svg.rfind("<svg ", 0), 0U) << svg;
   EXPECT_TRUE(MeasuredNodes().empty());
@@ -110,8 +111,8 @@ TEST(Latency, TheSystemTakesBothForGamePads) {
   };
   EXPECT_TRUE(Eventually(arePads, 20000)) << latency.Err();
   // Kelvaro itself takes the keys for none.
-  for (const Json::Value& device : Devices())
-    EXPECT_NE(device["name"].asString(), "Kelvaro Measured Keys");
+  for (const tests::Json& device : Devices())
+    EXPECT_NE(device["name"].Text(), "Kelvaro Measured Keys");
   latency.Signal(SIGINT);
   latency.WaitForEnd(10s);
 }

@@ -17,8 +17,8 @@ PadShape PlugPad(const std::string& port) { return OrdinaryPad("Plug Pad", port)
 // The identities of all devices called `name`, in the order of the list.
 std::vector<std::string> Guids(const std::string& name) {
   std::vector<std::string> guids;
-  for (const Json::Value& device : Devices()) {
-    if (device["name"] == name) guids.push_back(device["guid"].asString());
+  for (const tests::Json& device : Devices()) {
+    if (device["name"].Text() == name) guids.push_back(device["guid"].Text());
   }
   return guids;
 }

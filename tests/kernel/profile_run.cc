@@ -54,31 +54,16 @@ std::string ProfileOf(const std::vector<std::string>& controls, const std::strin
   return "{\"controls\":[" + Joined(controls) + "]" + With(more) + "}\n";
 }
 
-Json::Value Parsed(const std::string& text) {
-  Json::Value value;
-  std::istringstream in(text);
-  std::string errors;
-  EXPECT_TRUE(Json::parseFromStream(Json::CharReaderBuilder(), in, &value, &errors))
-      << text << ": " << errors;
-  return value;
-}
-
-std::vector<Json::Value> JsonLines(const std::string& text) {
-  std::vector<Json::Value> values;
-  for (const std::string& line : Lines(text)) values.push_back(Parsed(line));
-  return values;
-}
-
-std::vector<Json::Value> Devices(const ChildOptions& options) {
+std::vector<tests::Json> Devices(const ChildOptions& options) {
   const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"}, options);
   EXPECT_EQ(devices.status, 0) << devices.err;
-  return JsonLines(devices.out);
+  return tests::ParsedLines(devices.out);
 }
 
-Json::Value OnlyDevice() {
-  const std::vector<Json::Value> devices = Devices();
+tests::Json OnlyDevice() {
+  const std::vector<tests::Json> devices = Devices();
   EXPECT_EQ(devices.size(), 1U);
-  return devices.empty() ? Json::Value() : devices[0];
+  return devices.empty() ? tests::Json() : devices[0];
 }
 
 bool Polls(const Child& child, const std::string& node) {

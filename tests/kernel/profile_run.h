@@ -2,12 +2,12 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <json/json.h>
 
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "tests/host/json.h"
 #include "tests/kernel/child.h"
 #include "tests/kernel/reader.h"
 
@@ -20,12 +20,9 @@ std::string ButtonControl(std::size_t button, const std::string& text,
 std::string ItemControl(int kind, int index, int value, const std::string& text);
 std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more = "");
 
-// One value of JSON, and one a line. What is none is a failure of the test.
-Json::Value Parsed(const std::string& text);
-std::vector<Json::Value> JsonLines(const std::string& text);
 // What `kelvaroctl devices` tells, a device an entry.
-std::vector<Json::Value> Devices(const ChildOptions& options = {});
-Json::Value OnlyDevice();
+std::vector<tests::Json> Devices(const ChildOptions& options = {});
+tests::Json OnlyDevice();
 
 // Comes back once `child` has the node open. False, and a failure, if it doesn't.
 bool Polls(const Child& child, const std::string& node);

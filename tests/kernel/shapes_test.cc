@@ -49,10 +49,10 @@ class OddPad : public ::testing::Test {
   void Start(const PadShape& shape, std::size_t buttons, unsigned int axes, unsigned int povs,
              const std::vector<std::string>& controls) {
     pad = std::make_unique<UinputPad>(shape);
-    const Json::Value device = OnlyDevice();
-    EXPECT_EQ(device["buttons"].asUInt(), buttons);
-    EXPECT_EQ(device["axes"].asUInt(), axes);
-    EXPECT_EQ(device["povs"].asUInt(), povs);
+    const tests::Json device = OnlyDevice();
+    EXPECT_EQ(device["buttons"].Unsigned(), buttons);
+    EXPECT_EQ(device["axes"].Unsigned(), axes);
+    EXPECT_EQ(device["povs"].Unsigned(), povs);
     run = std::make_unique<ProfileRun>(ProfileOf(controls), shape.name, pad->Node());
     ASSERT_TRUE(run->Started());
   }
@@ -215,7 +215,7 @@ TEST(NoPad, SystemControlOfAKeyboard) {
                      .buttons = {KEY_POWER, KEY_HELP, KEY_MENU, KEY_SLEEP, KEY_WAKEUP, KEY_SELECT},
                      .hats = 1});
   UinputPad pad({.name = "Real Pad", .buttons = GamePadButtons(4)});
-  EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
+  EXPECT_EQ(OnlyDevice()["name"].Text(), "Real Pad");
 }
 
 // Rules of udev's for the life of the object. `file` is a name that no other rules have.
@@ -246,7 +246,7 @@ TEST(NoPad, WhatARuleOfUdevsSaysIsNoJoystick) {
                         WriteFile("ATTRS{name}==\"Lamp\", ENV{ID_INPUT_JOYSTICK}=\"0\"\n"));
   UinputPad lamp(OrdinaryPad("Lamp", "test/port1"));
   UinputPad pad(OrdinaryPad("Real Pad", "test/port2"));
-  EXPECT_EQ(OnlyDevice()["name"].asString(), "Real Pad");
+  EXPECT_EQ(OnlyDevice()["name"].Text(), "Real Pad");
 }
 
 // What udev notes for a node: the person at the machine may open it.

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/host/home.h"
+#include "tests/host/json.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
 #include "tests/kernel/wait.h"
@@ -24,7 +25,8 @@ class Steered : public ::testing::Test {
     run = std::make_unique<ProfileRun>(
         ProfileOf(controls, "\"profileName\":\"First\"" + (more.empty() ? "" : "," + more)), kPad,
         pad.Node(), std::vector<std::string>{}, options);
-    return run->Started() && tests::Eventually([&] { return Status()["profile"] == "First"; }, 60s);
+    return run->Started() &&
+           tests::Eventually([&] { return Status()["profile"].Text() == "First"; }, 60s);
   }
   Finished Ctl(const std::vector<std::string>& words) const {
     std::vector<std::string> command = {KelvaroctlPath()};
@@ -35,9 +37,9 @@ class Steered : public ::testing::Test {
     const Finished done = Ctl({word});
     EXPECT_EQ(done.status, 0) << word << done.err;
   }
-  Json::Value Status() const {
+  tests::Json Status() const {
     const Finished status = Ctl({"status", "--json"});
-    return status.status == 0 ? Parsed(status.out) : Json::Value();
+    return status.status == 0 ? tests::Parsed(status.out) : tests::Json();
   }
 
   const tests::Home home{"/dev/shm"};
@@ -55,13 +57,13 @@ TEST_F(Steered, PauseLetsGoOfWhatIsHeldAndResumeTakesThePadAsItIs) {
   pad.Press(2);
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down"}));
   EXPECT_TRUE(Sent(run->Mouse(), {"BTN_LEFT down"}));
-  EXPECT_EQ(Status()["mouseControls"], true);
+  EXPECT_TRUE(Status()["mouseControls"].Bool());
   Tell("pause");
   EXPECT_TRUE(
       Sent(run->Keyboard(), {"KEY_LEFTCTRL down", "KEY_A down", "KEY_LEFTCTRL up", "KEY_A up"}));
   EXPECT_TRUE(Sent(run->Mouse(), {"BTN_LEFT down", "BTN_LEFT up"}));
   EXPECT_FALSE(run->Keyboard().AnyDown() || run->Mouse().AnyDown());
-  EXPECT_EQ(Status()["paused"], true);
+  EXPECT_TRUE(Status()["paused"].Bool());
   run->Keyboard().Clear();
   run->Mouse().Clear();
   pad.Release(0);
@@ -108,7 +110,7 @@ TEST_F(Steered, SelectGoesOnWithAStoredProfileOnTheSamePad) {
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_A down"}));
   const Finished selected = Ctl({"select", "Second"});
   EXPECT_EQ(selected.status, 0) << selected.err;
-  EXPECT_EQ(Status()["profile"], "Second");
+  EXPECT_EQ(Status()["profile"].Text(), "Second");
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_A down", "KEY_A up", "KEY_C down"}));
   pad.Release(0);
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_A down", "KEY_A up", "KEY_C down", "KEY_C up"}));

@@ -1,7 +1,6 @@
 // Windows and runs under the hands of kelvaroctl: each a process, and each of them killed.
 #include <gtest/gtest.h>
 
-#include <json/json.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/host/json.h"
 #include "tests/program/machine.h"
 #include "tests/program/stored_settings.h"
 // Last: it makes macros of ordinary names.
@@ -72,18 +72,14 @@ class SteeringTest : public testing::Test {
     return std::to_string(child->Id());
   }
   // What status says of that one; null while it doesn't answer.
-  Json::Value StatusOf(const std::unique_ptr<Child>& child) {
+  tests::Json StatusOf(const std::unique_ptr<Child>& child) {
     const Said said = Ctl({"status", "--json", "-i", Pid(child)});
-    Json::Value status;
-    std::string errors;
-    std::istringstream in(said.out);
-    Json::parseFromStream(Json::CharReaderBuilder(), in, &status, &errors);
-    return status;
+    return said.out.empty() ? tests::Json() : tests::Parsed(said.out);
   }
   // A window that answers.
   std::unique_ptr<Child> Window() {
     auto window = Start("kelvaro", {});
-    EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"] == "One"; }, 60s))
+    EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"].Text() == "One"; }, 60s))
         << window->Log();
     return window;
   }
@@ -114,16 +110,16 @@ TEST_F(SteeringTest, OfTwoWindowsOneIsNamedOrBothDoIt) {
   const auto first = Window();
   const auto second = Window();
   EXPECT_EQ(Ctl({"select", "Two", "-i", Pid(second)}).status, 0);
-  EXPECT_EQ(StatusOf(first)["profile"], "One");
-  EXPECT_EQ(StatusOf(second)["profile"], "Two");
+  EXPECT_EQ(StatusOf(first)["profile"].Text(), "One");
+  EXPECT_EQ(StatusOf(second)["profile"].Text(), "Two");
   const Said paused = Ctl({"pause"});
   EXPECT_EQ(paused.status, 0) << paused.err;
   EXPECT_NE(paused.out.find(Pid(first) + ": paused\n"), std::string::npos);
   EXPECT_NE(paused.out.find(Pid(second) + ": paused\n"), std::string::npos);
-  EXPECT_EQ(StatusOf(first)["paused"], true);
+  EXPECT_EQ(tests::Written(StatusOf(first)["paused"]), "true");
   EXPECT_EQ(Ctl({"resume", "-i", Pid(first)}).status, 0);
-  EXPECT_EQ(StatusOf(first)["paused"], false);
-  EXPECT_EQ(StatusOf(second)["paused"], true);
+  EXPECT_EQ(tests::Written(StatusOf(first)["paused"]), "false");
+  EXPECT_EQ(tests::Written(StatusOf(second)["paused"]), "true");
   const Said none = Ctl({"select", "Three"});
   EXPECT_EQ(none.status, 1);
   EXPECT_NE(none.err.find(Pid(first) + ": there is no stored profile 'Three'"), std::string::npos);
@@ -184,7 +180,7 @@ TEST_F(SteeringTest, AWindowThatIsStoppedIsToldNotToAnswer) {
   EXPECT_EQ(status.err.find("kelvaroctl: " + Pid(window) + ": it hasn't answered"), 0u)
       << status.err;
   window->Signal(SIGCONT);
-  EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"] == "One"; }, 60s));
+  EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"].Text() == "One"; }, 60s));
 }
 
 // A run that plays a button which is held, with its keys at the X server.
@@ -203,7 +199,8 @@ class SteeredRunTest : public SteeringTest {
     run = Start("kelvaroctl", {"run", "One", "--replay", recording, "--until", "600000"},
                 desktop.Name());
     ASSERT_TRUE(Eventually([&] { return Down(); }, 60s)) << run->Log();
-    ASSERT_TRUE(Eventually([&] { return StatusOf(run)["profile"] == "One"; }, 60s)) << run->Log();
+    ASSERT_TRUE(Eventually([&] { return StatusOf(run)["profile"].Text() == "One"; }, 60s))
+        << run->Log();
   }
   void TearDown() override {
     if (viewer) XCloseDisplay(viewer);
@@ -220,17 +217,17 @@ class SteeredRunTest : public SteeringTest {
 };
 
 TEST_F(SteeredRunTest, PauseLetsGoOfTheKeyAndResumePressesItAgain) {
-  const Json::Value status = StatusOf(run);
-  EXPECT_EQ(status["program"], "run");
-  EXPECT_EQ(status["device"], "Test Pad");
-  EXPECT_EQ(status["deviceAnswers"], true);
+  const tests::Json status = StatusOf(run);
+  EXPECT_EQ(status["program"].Text(), "run");
+  EXPECT_EQ(status["device"].Text(), "Test Pad");
+  EXPECT_EQ(tests::Written(status["deviceAnswers"]), "true");
   EXPECT_EQ(Ctl({"pause"}).status, 0);
   EXPECT_TRUE(Eventually([&] { return !Down(); }));
   EXPECT_EQ(Ctl({"resume"}).status, 0);
   EXPECT_TRUE(Eventually([&] { return Down(); }, 60s));
   EXPECT_EQ(Ctl({"release-all"}).status, 0);
   EXPECT_TRUE(Eventually([&] { return !Down(); }));
-  EXPECT_EQ(StatusOf(run)["paused"], false);
+  EXPECT_EQ(tests::Written(StatusOf(run)["paused"]), "false");
   run->Signal(SIGTERM);
   EXPECT_EQ(run->WaitForEnd(60s), 0) << run->Log();
   EXPECT_EQ(Sockets(), 0u);
@@ -239,12 +236,12 @@ TEST_F(SteeredRunTest, PauseLetsGoOfTheKeyAndResumePressesItAgain) {
 TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
   const auto follower = Follower();
   EXPECT_EQ(Ctl({"select", "Two"}).status, 0);
-  EXPECT_EQ(StatusOf(run)["profile"], "Two");
+  EXPECT_EQ(StatusOf(run)["profile"].Text(), "Two");
   EXPECT_TRUE(Tells(follower, "\"event\":\"controlFired\"")) << follower->Log();
   EXPECT_TRUE(Eventually([&] { return Down(); }, 60s));
   const Said none = Ctl({"select", "Three"});
   EXPECT_EQ(none.status, 1);
-  EXPECT_EQ(StatusOf(run)["profile"], "Two");
+  EXPECT_EQ(StatusOf(run)["profile"].Text(), "Two");
   EXPECT_TRUE(Down());
 }
 

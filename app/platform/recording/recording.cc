@@ -1,20 +1,16 @@
 #include "app/platform/recording/recording.h"
 
-#include <json/json.h>
-
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <exception>
 #include <initializer_list>
 #include <istream>
 #include <iterator>
-#include <memory>
 #include <optional>
 #include <streambuf>
 #include <string_view>
 
 #include "app/platform/byte_text.h"
+#include "app/platform/recording/json.h"
 
 namespace platform {
 namespace {
@@ -33,18 +29,14 @@ const char* const kAxisKinds[] = {"Axis_X",  "Axis_Y",  "Axis_Z",  "Axis_RX",
 // Reads lines of JSON; the first fault ends it and is kept.
 class Reader {
  public:
-  Reader(std::istream& in, Recording* recording) : in(in), recording(recording) {
-    Json::CharReaderBuilder::strictMode(&builder.settings_);
-    builder["stackLimit"] = kDeepestNesting;
-    json.reset(builder.newCharReader());
-  }
+  Reader(std::istream& in, Recording* recording) : in(in), recording(recording) {}
 
   bool Run(std::string* error) {
     bool started = false;
     std::string line;
     while (fault.empty() && NextLine(&line)) {
       if (std::all_of(line.begin(), line.end(), IsBlank)) continue;
-      Json::Value value;
+      json::Value value;
       if (!Parse(line, &value)) break;
       if (started) {
         ReadChange(value);
@@ -76,8 +68,8 @@ class Reader {
   }
 
   // At the beginning of `value`, which is to blame.
-  bool FailAt(const Json::Value& value, const std::string& member, const std::string& what) {
-    if (fault.empty()) column = static_cast<std::size_t>(value.getOffsetStart()) + 1;
+  bool FailAt(const json::Value& value, const std::string& member, const std::string& what) {
+    if (fault.empty()) column = value.Offset() + 1;
     return Fail(member, what);
   }
 
@@ -100,41 +92,22 @@ class Reader {
     }
   }
 
-  bool Parse(const std::string& line, Json::Value* value) {
-    std::string errors;
-    bool good = false;
+  bool Parse(const std::string& line, json::Value* value) {
     if (!IsUtf8(line)) return Fail("", "not UTF-8");
-    // The library would take it for the end.
-    if (line.find('\0') != std::string::npos) return Fail("", "a zero byte");
-    try {
-      good = json->parse(line.data(), line.data() + line.size(), value, &errors);
-    } catch (const std::exception&) {
-      return Fail("", "nested too deeply");
+    json::Fault wrong;
+    if (!json::Parse(line, kDeepestNesting, value, &wrong)) {
+      column = wrong.offset + 1;
+      return Fail("", Shown(wrong.what));
     }
-    if (!good) return Refuse(errors);
-    if (!value->isObject()) return FailAt(*value, "", "not an object");
+    if (!value->IsObject()) return FailAt(*value, "", "not an object");
     return true;
   }
 
-  // Takes the library's report apart: "* Line 1, Column 5\n  Text\n", and more of them.
-  bool Refuse(const std::string& report) {
-    const std::string mark = "Column ";
-    const std::size_t begin = report.find(mark);
-    const std::size_t end = report.find('\n', begin);
-    if (begin == std::string::npos || end == std::string::npos) return Fail("", "not JSON");
-    column = std::strtoul(report.c_str() + begin + mark.size(), nullptr, 10);
-    std::size_t text = report.find_first_not_of(' ', end + 1);
-    if (text == std::string::npos) text = end;
-    const std::size_t textEnd = std::min(report.find('\n', text), report.size());
-    return Fail("", Shown(report.substr(text, textEnd - text)));
-  }
-
   // False for a member whose name isn't in `known`.
-  bool OnlyKnown(const Json::Value& value, std::initializer_list<std::string_view> known) {
-    for (auto member = value.begin(); member != value.end(); ++member) {
-      const std::string name = member.name();
+  bool OnlyKnown(const json::Value& value, std::initializer_list<std::string_view> known) {
+    for (const auto& [name, member] : value.ByName()) {
       if (std::find(known.begin(), known.end(), name) == known.end()) {
-        return FailAt(*member, Shown(name), "unknown member");
+        return FailAt(member, Shown(name), "unknown member");
       }
     }
     return true;
@@ -154,109 +127,110 @@ class Reader {
   }
 
   // The whole number `value`; nothing, with the fault kept, for any other value.
-  std::optional<std::int64_t> Whole(const Json::Value& value, const std::string& member) {
-    if (!value.isNumeric()) {
+  std::optional<std::int64_t> Whole(const json::Value& value, const std::string& member) {
+    if (!value.IsNumber()) {
       FailAt(value, member, "not a number");
-    } else if (value.isInt64()) {
-      return value.asInt64();
-    } else {
-      const double number = value.asDouble();
+    } else if (!value.Signed()) {
+      const double number = value.Real();
       FailAt(value, member, number == std::trunc(number) ? "out of range" : "not a whole number");
     }
+    return value.Signed();
+  }
+
+  std::optional<std::int64_t> Required(const json::Value& value, const char* member) {
+    if (const json::Value* const found = value.Find(member)) return Whole(*found, member);
+    FailAt(value, member, "missing");
     return std::nullopt;
   }
 
-  std::optional<std::int64_t> Required(const Json::Value& value, const char* member) {
-    if (!value.isMember(member)) {
-      FailAt(value, member, "missing");
-      return std::nullopt;
-    }
-    return Whole(value[member], member);
-  }
-
-  bool ReadCount(const Json::Value& value, const char* member, std::uint32_t most,
+  bool ReadCount(const json::Value& value, const char* member, std::uint32_t most,
                  std::uint32_t* count) {
     const auto number = Required(value, member);
     if (!number) return false;
     if (*number < 0 || *number > most) {
-      return FailAt(value[member], member, "not from 0 to " + std::to_string(most));
+      return FailAt(*value.Find(member), member, "not from 0 to " + std::to_string(most));
     }
     *count = static_cast<std::uint32_t>(*number);
     return true;
   }
 
-  bool ReadHeader(const Json::Value& value) {
-    if (!value.isMember("recording")) {
-      return FailAt(value, "recording", "missing in the line that describes the device");
-    }
-    const auto version = Whole(value["recording"], "recording");
+  bool ReadHeader(const json::Value& value) {
+    const json::Value* const number = value.Find("recording");
+    if (!number) return FailAt(value, "recording", "missing in the line that describes the device");
+    const auto version = Whole(*number, "recording");
     if (!version) return false;
     if (*version != kVersion) {
-      return FailAt(value["recording"], "recording",
-                    "version " + std::to_string(*version) + " isn't known");
+      return FailAt(*number, "recording", "version " + std::to_string(*version) + " isn't known");
     }
     if (!OnlyKnown(value, {"recording", "device", "guid", "buttons", "axes", "povs"})) return false;
     DeviceDescription& device = recording->device;
-    if (!value.isMember("device")) return FailAt(value, "device", "missing");
-    if (!ReadText(value["device"], "device", &device.name)) return false;
-    if (!value.isMember("guid")) return FailAt(value, "guid", "missing");
-    if (!value["guid"].isString()) return FailAt(value["guid"], "guid", "not a text");
-    if (!ParseGuid(value["guid"].asString(), &device.guid)) {
-      return FailAt(value["guid"], "guid", "not 32 hexadecimal digits");
+    const json::Value* const name = value.Find("device");
+    if (!name) return FailAt(value, "device", "missing");
+    if (!ReadText(*name, "device", &device.name)) return false;
+    const json::Value* const guid = value.Find("guid");
+    if (!guid) return FailAt(value, "guid", "missing");
+    if (!guid->IsText()) return FailAt(*guid, "guid", "not a text");
+    if (!ParseGuid(guid->Text(), &device.guid)) {
+      return FailAt(*guid, "guid", "not 32 hexadecimal digits");
     }
     return ReadCount(value, "buttons", 128, &device.buttons) &&
            ReadCount(value, "axes", 8, &device.axes) && ReadCount(value, "povs", 4, &device.povs);
   }
 
   // A text, or {"bytes":"<hex>"} for what isn't UTF-8.
-  bool ReadText(const Json::Value& value, const std::string& member, std::string* text) {
-    if (value.isString()) {
-      *text = value.asString();
+  bool ReadText(const json::Value& value, const std::string& member, std::string* text) {
+    if (value.IsText()) {
+      *text = value.Text();
       return true;
     }
-    if (!value.isObject()) return FailAt(value, member, "not a text");
+    if (!value.IsObject()) return FailAt(value, member, "not a text");
     if (!OnlyKnown(value, {"bytes"})) return false;
-    if (!value.isMember("bytes")) return FailAt(value, member + ".bytes", "missing");
-    const Json::Value& bytes = value["bytes"];
-    if (!bytes.isString()) return FailAt(bytes, member + ".bytes", "not a text");
-    const std::string digits = bytes.asString();
-    if (digits.size() % 2 != 0) return FailAt(bytes, member + ".bytes", "an odd count of digits");
-    return ParseHexBytes(digits, text) || FailAt(bytes, member + ".bytes", "not hexadecimal");
+    const json::Value* const bytes = value.Find("bytes");
+    if (!bytes) return FailAt(value, member + ".bytes", "missing");
+    if (!bytes->IsText()) return FailAt(*bytes, member + ".bytes", "not a text");
+    const std::string& digits = bytes->Text();
+    if (digits.size() % 2 != 0) return FailAt(*bytes, member + ".bytes", "an odd count of digits");
+    return ParseHexBytes(digits, text) || FailAt(*bytes, member + ".bytes", "not hexadecimal");
   }
 
-  bool ReadChange(const Json::Value& value) {
+  bool ReadChange(const json::Value& value) {
     if (!OnlyKnown(value, {"t", "buttons", "axes", "povs", "lost"})) return false;
     StateChange change;
     const auto t = Required(value, "t");
     if (!t) return false;
-    if (*t < 0) return FailAt(value["t"], "t", "below 0");
+    const json::Value& time = *value.Find("t");
+    if (*t < 0) return FailAt(time, "t", "below 0");
     change.t = static_cast<std::uint64_t>(*t);
-    if (change.t > kLatestTime) return FailAt(value["t"], "t", "out of range");
+    if (change.t > kLatestTime) return FailAt(time, "t", "out of range");
     if (change.t < recording->Length()) {
-      return FailAt(value["t"], "t",
+      return FailAt(time, "t",
                     "before the line above, which is at " + std::to_string(recording->Length()));
     }
-    if (value.isMember("buttons") && !ReadButtons(value["buttons"], &change)) return false;
-    if (value.isMember("axes") && !ReadAxes(value["axes"], &change)) return false;
-    if (value.isMember("povs") && !ReadHats(value["povs"], &change)) return false;
-    if (value.isMember("lost")) {
-      if (!value["lost"].isBool()) return FailAt(value["lost"], "lost", "neither true nor false");
+    const json::Value* const buttons = value.Find("buttons");
+    if (buttons && !ReadButtons(*buttons, &change)) return false;
+    const json::Value* const axes = value.Find("axes");
+    if (axes && !ReadAxes(*axes, &change)) return false;
+    const json::Value* const povs = value.Find("povs");
+    if (povs && !ReadHats(*povs, &change)) return false;
+    if (const json::Value* const lost = value.Find("lost")) {
+      if (!lost->IsBool()) return FailAt(*lost, "lost", "neither true nor false");
       change.hasLost = true;
-      change.lost = value["lost"].asBool();
+      change.lost = lost->Bool();
     }
     recording->changes.push_back(std::move(change));
     return true;
   }
 
-  bool ReadButtons(const Json::Value& value, StateChange* change) {
-    if (!value.isArray()) return FailAt(value, "buttons", "not a list");
+  bool ReadButtons(const json::Value& value, StateChange* change) {
+    if (!value.IsList()) return FailAt(value, "buttons", "not a list");
     change->hasButtons = true;
-    for (Json::ArrayIndex index = 0; index < value.size(); ++index) {
+    for (std::size_t index = 0; index < value.Elements().size(); ++index) {
+      const json::Value& element = value.Elements()[index];
       const std::string member = "buttons[" + std::to_string(index) + "]";
-      const auto button = Whole(value[index], member);
+      const auto button = Whole(element, member);
       if (!button) return false;
       if (*button < 1 || *button > recording->device.buttons) {
-        return FailAt(value[index], member,
+        return FailAt(element, member,
                       "no button " + std::to_string(*button) + " on this device, which has " +
                           std::to_string(recording->device.buttons));
       }
@@ -265,36 +239,35 @@ class Reader {
     return true;
   }
 
-  bool ReadAxes(const Json::Value& value, StateChange* change) {
-    if (!value.isObject()) return FailAt(value, "axes", "not an object");
-    for (const std::string& name : value.getMemberNames()) {
+  bool ReadAxes(const json::Value& value, StateChange* change) {
+    if (!value.IsObject()) return FailAt(value, "axes", "not an object");
+    for (const auto& [name, number] : value.ByName()) {
       const std::string member = "axes." + Shown(name);
       AxisName axis;
-      if (!ParseAxisName(name, &axis)) return FailAt(value[name], member, "no such axis");
-      const auto position = Whole(value[name], member);
+      if (!ParseAxisName(name, &axis)) return FailAt(number, member, "no such axis");
+      const auto position = Whole(number, member);
       if (!position) return false;
       if (*position < -kAxisLimit || *position > kAxisLimit) {
-        return FailAt(value[name], member, "not from -32000 to 32000");
+        return FailAt(number, member, "not from -32000 to 32000");
       }
       change->axes.emplace_back(axis, static_cast<std::int32_t>(*position));
     }
     return true;
   }
 
-  bool ReadHats(const Json::Value& value, StateChange* change) {
-    if (!value.isObject()) return FailAt(value, "povs", "not an object");
-    for (const std::string& name : value.getMemberNames()) {
+  bool ReadHats(const json::Value& value, StateChange* change) {
+    if (!value.IsObject()) return FailAt(value, "povs", "not an object");
+    for (const auto& [name, number] : value.ByName()) {
       const std::string member = "povs." + Shown(name);
       const std::string prefix = "POV";
       const bool named = name.size() == prefix.size() + 1 && name.compare(0, 3, prefix) == 0 &&
                          name.back() >= '0' && name.back() <= '9';
       const auto hat = static_cast<std::uint32_t>(named ? name.back() - '0' : 0);
-      if (!named || hat >= recording->device.povs)
-        return FailAt(value[name], member, "no such hat");
-      const auto angle = Whole(value[name], member);
+      if (!named || hat >= recording->device.povs) return FailAt(number, member, "no such hat");
+      const auto angle = Whole(number, member);
       if (!angle) return false;
       if (*angle < -1 || *angle >= kWholeTurn)
-        return FailAt(value[name], member, "neither -1 nor 0 to 35999");
+        return FailAt(number, member, "neither -1 nor 0 to 35999");
       change->povs.emplace_back(hat, *angle < 0 ? kPovCentred : static_cast<std::uint32_t>(*angle));
     }
     return true;
@@ -303,8 +276,6 @@ class Reader {
  private:
   std::istream& in;
   Recording* const recording;
-  Json::CharReaderBuilder builder;
-  std::unique_ptr<Json::CharReader> json;
   std::uint64_t number = 0;  // of the line
   std::size_t column = 0;    // in it, from 1, in bytes; 0 where none is to blame
   std::string fault;
@@ -468,10 +439,7 @@ bool ParseGuid(const std::string& text, GUID* guid) {
 
 std::string JsonText(const std::string& text) {
   if (!IsUtf8(text)) return "{\"bytes\":\"" + HexBytes(text) + "\"}";
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  builder["emitUTF8"] = true;
-  return Json::writeString(builder, Json::Value(text));
+  return json::Quoted(text);
 }
 
 }  // namespace platform
