@@ -4,8 +4,14 @@
 
 #include "app/platform/platform.h"
 #include "app/platform/windows/windows_clock.h"
+#include "app/platform/windows/windows_devices.h"
+#include "app/platform/windows/windows_files.h"
 #include "app/platform/windows/windows_input.h"
+#include "app/platform/windows/windows_processes.h"
+#include "app/platform/windows/windows_registry.h"
+#include "app/platform/windows/windows_system.h"
 #include "app/platform/windows/windows_threads.h"
+#include "app/platform/windows/windows_timers.h"
 
 namespace platform {
 
@@ -21,7 +27,13 @@ class WindowsPlatform {
  private:
   WindowsClock clock;
   WindowsThreads threads;
+  WindowsDevices devices;
   WindowsInput input;
+  WindowsTimers timers;  // ends its calls before what they use goes
+  WindowsFiles files;
+  WindowsSystem system;
+  WindowsRegistry registry;
+  WindowsProcesses processes;
   Platform groups;
 };
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/platform/windows/held_wakes.h"
 #include "app/platform/windows/win32.h"
 
 namespace platform {
@@ -62,7 +63,9 @@ bool WindowsThreads::GetExitCodeThread(Handle thread, std::uint32_t* exitCode) {
 }
 
 bool WindowsThreads::TerminateThread(Handle thread, std::uint32_t exitCode) {
-  return ::TerminateThread(SystemHandle(thread), exitCode) != FALSE;
+  // One that has ended keeps its exit code.
+  return WaitForSingleObject(thread, 0) == WAIT_TIMEOUT &&
+         ::TerminateThread(SystemHandle(thread), exitCode);
 }
 
 bool WindowsThreads::SetCurrentThreadPriority(std::int32_t priority) {
@@ -81,12 +84,18 @@ Handle WindowsThreads::CreateEventA(bool manualReset, bool initialState) {
   return SeamHandle(::CreateEventA(nullptr, manualReset, initialState, nullptr));
 }
 
-bool WindowsThreads::SetEvent(Handle event) { return ::SetEvent(SystemHandle(event)) != FALSE; }
+bool WindowsThreads::SetEvent(Handle event) {
+  return HeldWakes::Keep(SystemHandle(event)) || ::SetEvent(SystemHandle(event));
+}
 
-bool WindowsThreads::ResetEvent(Handle event) { return ::ResetEvent(SystemHandle(event)) != FALSE; }
+bool WindowsThreads::ResetEvent(Handle event) {
+  HeldWakes::LetOut();
+  return ::ResetEvent(SystemHandle(event)) != FALSE;
+}
 
 std::uint32_t WindowsThreads::WaitForSingleObject(Handle handle, std::uint32_t timeoutMs) {
   if (!IsHandle(handle)) return WAIT_FAILED;
+  HeldWakes::LetOut();
   return ::WaitForSingleObject(SystemHandle(handle), timeoutMs);
 }
 
@@ -96,10 +105,12 @@ std::uint32_t WindowsThreads::WaitForMultipleObjects(std::uint32_t count, const 
   if (!std::all_of(handles, handles + count, IsHandle)) return WAIT_FAILED;
   HANDLE waitedFor[MAXIMUM_WAIT_OBJECTS];
   std::transform(handles, handles + count, waitedFor, SystemHandle);
+  HeldWakes::LetOut();
   return ::WaitForMultipleObjects(count, waitedFor, FALSE, timeoutMs);
 }
 
 bool WindowsThreads::CloseHandle(Handle handle) {
+  HeldWakes::LetOut();
   return IsHandle(handle) && ::CloseHandle(SystemHandle(handle));
 }
 
