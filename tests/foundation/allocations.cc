@@ -25,6 +25,21 @@ struct Fault {
 thread_local std::uint64_t allocations = 0;
 thread_local Fault fault;
 
+// An operator of a library that is part of the program comes here too when it calls another one:
+// only the first of them counts.
+class Allocation {
+ public:
+  Allocation() {
+    if (depth++ == 0) ++allocations;
+  }
+  ~Allocation() { --depth; }
+  Allocation(const Allocation&) = delete;
+  Allocation& operator=(const Allocation&) = delete;
+
+ private:
+  static inline thread_local int depth = 0;
+};
+
 }  // namespace
 
 std::uint64_t Allocations() { return allocations; }
@@ -42,33 +57,40 @@ std::uint32_t FailingAllocations::Failed() const { return fault.failed; }
 // The linker leads every operator new of the program to the wrapped one here, and the original
 // stays within reach. To define the operators instead wouldn't do under sanitizers, which bring
 // definitions of their own.
+// Their names end with the letter of a size's type, which on 64-bit Windows is a long long.
+#ifdef _WIN64
+#define OPERATOR(kind, name, tag) __##kind##__Zn##name##y##tag
+#else
+#define OPERATOR(kind, name, tag) __##kind##__Zn##name##m##tag
+#endif
+
 extern "C" {
 
-void* __real__Znwm(std::size_t size);
-void* __real__Znam(std::size_t size);
-void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
-void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept;
+void* OPERATOR(real, w, )(std::size_t size);
+void* OPERATOR(real, a, )(std::size_t size);
+void* OPERATOR(real, w, RKSt9nothrow_t)(std::size_t size, const std::nothrow_t& tag) noexcept;
+void* OPERATOR(real, a, RKSt9nothrow_t)(std::size_t size, const std::nothrow_t& tag) noexcept;
 
-void* __wrap__Znwm(std::size_t size) {
-  ++kelvaro::allocations;
-  return __real__Znwm(size);
+void* OPERATOR(wrap, w, )(std::size_t size) {
+  const kelvaro::Allocation counted;
+  return OPERATOR(real, w, )(size);
 }
 
-void* __wrap__Znam(std::size_t size) {
-  ++kelvaro::allocations;
-  return __real__Znam(size);
+void* OPERATOR(wrap, a, )(std::size_t size) {
+  const kelvaro::Allocation counted;
+  return OPERATOR(real, a, )(size);
 }
 
-void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
+void* OPERATOR(wrap, w, RKSt9nothrow_t)(std::size_t size, const std::nothrow_t& tag) noexcept {
   if (kelvaro::fault.StrikesNow()) return nullptr;
-  ++kelvaro::allocations;
-  return __real__ZnwmRKSt9nothrow_t(size, tag);
+  const kelvaro::Allocation counted;
+  return OPERATOR(real, w, RKSt9nothrow_t)(size, tag);
 }
 
-void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
+void* OPERATOR(wrap, a, RKSt9nothrow_t)(std::size_t size, const std::nothrow_t& tag) noexcept {
   if (kelvaro::fault.ofArrays && kelvaro::fault.StrikesNow()) return nullptr;
-  ++kelvaro::allocations;
-  return __real__ZnamRKSt9nothrow_t(size, tag);
+  const kelvaro::Allocation counted;
+  return OPERATOR(real, a, RKSt9nothrow_t)(size, tag);
 }
 
 }  // extern "C"

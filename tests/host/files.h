@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 namespace kelvaro::tests {
@@ -15,7 +16,7 @@ class TemporaryFolder {
  public:
   explicit TemporaryFolder(
       const std::string& parent = std::filesystem::temp_directory_path().string())
-      : folder(Make(std::filesystem::canonical(parent).string() + "/kelvaro-XXXXXX")) {}
+      : folder(Make(std::filesystem::canonical(parent))) {}
   ~TemporaryFolder() {
     std::error_code ignored;  // a program that is still ending may hold something
     std::filesystem::remove_all(folder, ignored);
@@ -23,14 +24,21 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  std::string In(const std::string& name) const { return folder + "/" + name; }
+  std::string In(const std::string& name) const {
+    return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;
+  }
 
   const std::string folder;
 
  private:
-  static std::string Make(std::string pattern) {
-    if (!mkdtemp(pattern.data())) abort();
-    return pattern;
+  static std::string Make(const std::filesystem::path& parent) {
+    std::random_device random;
+    for (;;) {
+      const auto made = parent / ("kelvaro-" + std::to_string(random()));
+      if (!std::filesystem::create_directory(made)) continue;
+      std::filesystem::permissions(made, std::filesystem::perms::owner_all);
+      return made.string();
+    }
   }
 };
 
@@ -68,11 +76,15 @@ class Variable {
   Variable& operator=(const Variable&) = delete;
 
   void Set(const char* value) const {
+#ifdef _WIN32
+    _putenv_s(name, value ? value : "");
+#else
     if (value) {
       setenv(name, value, 1);
     } else {
       unsetenv(name);
     }
+#endif
   }
 
  private:

@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include "tests/host/files.h"
 
@@ -40,21 +39,6 @@ std::string ProcFile(pid_t process, const std::string& name) {
 }
 
 }  // namespace
-
-bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit,
-                std::chrono::milliseconds step) {
-  const auto end = std::chrono::steady_clock::now() + limit;
-  for (;;) {
-    if (holds()) return true;
-    if (std::chrono::steady_clock::now() >= end) return false;
-    std::this_thread::sleep_for(step);
-  }
-}
-
-bool Required(const std::string& thing) {
-  const char* const list = getenv("KELVARO_REQUIRE");
-  return list && ("," + std::string(list) + ",").find("," + thing + ",") != std::string::npos;
-}
 
 int StatusOf(pid_t child) {
   int raw = 0;

@@ -4,31 +4,14 @@
 
 #include <sys/types.h>
 
-#include <chrono>
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "tests/host/patience.h"
+
 namespace kelvaro::tests {
-
-using namespace std::chrono_literals;
-
-// How long what takes a moment may take. To be changed where the clock isn't the real one.
-inline std::chrono::milliseconds patience = 60s;
-
-// True as soon as `holds` is; false if it wasn't within `limit`. Looks once a `step`.
-bool Eventually(const std::function<bool()>& holds, std::chrono::milliseconds limit = patience,
-                std::chrono::milliseconds step = 20ms);
-
-// Whether KELVARO_REQUIRE names a thing, whose absence is then a failure, not a skip.
-bool Required(const std::string& thing);
-// Ends a test where that thing doesn't work.
-#define SKIP_UNLESS(works, thing, reason)                  \
-  if (!(works)) {                                          \
-    if (kelvaro::tests::Required(thing)) FAIL() << reason; \
-    GTEST_SKIP() << reason;                                \
-  }
 
 // Waits for the end of a child: its exit status, 128 and the signal for one that was killed, -1
 // where there is no such child.

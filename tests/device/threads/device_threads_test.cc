@@ -10,10 +10,10 @@
 #include <memory>
 #include <thread>
 
+#include "app/platform/machine/this_machine.h"
 #include "device/device_manager.h"
 #include "tests/device/one_pad.h"
-#include "tests/host/processes.h"
-#include "tests/platform/this_machine.h"
+#include "tests/host/patience.h"
 
 namespace kelvaro {
 namespace {

@@ -2,8 +2,6 @@
 // poll callback goes by, at any moment of the timer falling asleep, and each change is seen without
 // another one to push it.
 #include <gtest/gtest.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -12,11 +10,11 @@
 #include <random>
 #include <thread>
 
-#include "app/platform/linux/descriptor.h"
-#include "app/platform/linux/linux_platform.h"
+#include "app/platform/machine/this_machine.h"
 #include "device/device_manager.h"
 #include "tests/device/one_pad.h"
-#include "tests/host/processes.h"
+#include "tests/host/patience.h"
+#include "tests/platform/news.h"
 
 namespace kelvaro {
 namespace {
@@ -25,16 +23,15 @@ using platform::DIJOYSTATE2;
 
 // Its state is the number of the last report.
 struct ReportingPad : test::OnePad {
-  const platform::Descriptor node{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  platform::News news;
   std::int32_t seen = 0;
   std::atomic<std::uint32_t> polls{0};
 
-  void Report() const { eventfd_write(node.Get(), 1); }
+  void Report() { news.Report(); }
 
   platform::HRESULT Poll() override {
     ++polls;
-    eventfd_t reports = 0;
-    if (eventfd_read(node.Get(), &reports) == 0) seen += static_cast<std::int32_t>(reports);
+    seen += news.Take();
     return platform::DI_OK;
   }
   platform::HRESULT GetDeviceState(std::uint32_t, DIJOYSTATE2* state) override {
@@ -42,7 +39,7 @@ struct ReportingPad : test::OnePad {
     state->lX = seen;
     return platform::DI_OK;
   }
-  std::optional<platform::Handle> WaitForNews() override { return node.Get(); }
+  std::optional<platform::Handle> WaitForNews() override { return news.Get(); }
 };
 
 struct RestThreads : testing::Test {
@@ -68,7 +65,7 @@ struct RestThreads : testing::Test {
   ~RestThreads() override { manager.StopDevice(); }
 
   platform::Platform Groups() {
-    platform::Platform groups = linux.Groups();
+    platform::Platform groups = machine.Groups();
     groups.devices = &pad;
     return groups;
   }
@@ -79,7 +76,7 @@ struct RestThreads : testing::Test {
     return tests::Eventually(holds, tests::patience, std::chrono::milliseconds(1));
   }
 
-  platform::LinuxPlatform linux;
+  platform::ThisMachine machine;
   ReportingPad pad;
   platform::InstalledPlatform installed{Groups()};
   DeviceManager manager{0};

@@ -7,11 +7,11 @@
 #include <cstdint>
 
 #include "app/platform/clock.h"
+#include "app/platform/machine/this_machine.h"
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "tests/device/one_pad.h"
-#include "tests/host/processes.h"
-#include "tests/platform/this_machine.h"
+#include "tests/host/patience.h"
 
 namespace kelvaro {
 namespace {

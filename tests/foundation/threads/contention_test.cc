@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
+#include "app/platform/machine/this_machine.h"
 #include "app/platform/platform.h"
 #include "foundation/recursive_lock.h"
 #include "foundation/worker_thread.h"
-#include "tests/platform/this_machine.h"
 
 namespace kelvaro {
 namespace {
@@ -240,7 +240,8 @@ TEST(Workers, ARunThatIgnoresTheStopIsEndedAfterTheTimeout) {
   EXPECT_FALSE(held.TryAcquire());
 }
 
-// Such a Run can't be stopped in its tracks, and its worker is gone before it comes to its end.
+#ifndef _WIN32  // which stops a thread in its tracks
+// Such a Run can't be stopped there, and its worker is gone before it comes to its end.
 TEST(Workers, ARunThatWasCutOffTouchesItsWorkerNoMore) {
   static std::atomic<bool> go{false};
   static std::atomic<bool> over{false};
@@ -257,6 +258,7 @@ TEST(Workers, ARunThatWasCutOffTouchesItsWorkerNoMore) {
   platform::clock().Sleep(
       50);  // time enough for an address or thread sanitizer to see what it shouldn't do
 }
+#endif
 
 TEST(Workers, StateIsAskedForFromAllSidesWhileItChanges) {
   Worker worker([](Worker& self) {

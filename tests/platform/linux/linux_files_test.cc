@@ -171,27 +171,6 @@ TEST_F(LinuxFilesTest, AnOpenFileAndASearchStopAThreadThatWasCutOff) {
             Names());
 }
 
-TEST_F(LinuxFilesTest, WritesReadsAndSeeks) {
-  const std::unique_ptr<File> file = Create(In("a"));
-  ASSERT_TRUE(file);
-  EXPECT_TRUE(Write(*file, "hello world"));
-  std::int64_t position = 0;
-  EXPECT_TRUE(file->SetFilePointer(6, FILE_BEGIN, &position));
-  EXPECT_EQ(position, 6);
-  EXPECT_EQ(ReadAll(*file), "world");
-  EXPECT_EQ(ReadAll(*file), "");
-  EXPECT_TRUE(file->SetFilePointer(-11, FILE_CURRENT, nullptr));
-  EXPECT_TRUE(Write(*file, "J"));
-  EXPECT_TRUE(file->SetFilePointer(2, FILE_END, &position));
-  EXPECT_EQ(position, 13);
-  EXPECT_TRUE(Write(*file, "!"));
-  EXPECT_FALSE(file->SetFilePointer(-1, FILE_BEGIN, nullptr));
-  EXPECT_EQ(Error(), EINVAL);
-  EXPECT_FALSE(file->SetFilePointer(0, 3, nullptr));
-  EXPECT_TRUE(file->CloseHandle());
-  EXPECT_EQ(Bytes("a"), std::string("Jello world\0\0!", 14));
-}
-
 TEST_F(LinuxFilesTest, CreatingEmptiesWhatIsThereAndKeepsItsPermissions) {
   Put("a", "long before", 0600);
   EXPECT_TRUE(Create(In("a")));
@@ -244,25 +223,6 @@ TEST_F(LinuxFilesTest, APipeIsRefusedWithoutWaitingForItsOtherEnd) {
   EXPECT_EQ(List(), (Names{"a", "pipe"}));
 }
 
-TEST_F(LinuxFilesTest, APathWithAZeroByteNamesNothing) {
-  Put("a", "1");
-  const std::string path = In("a") + std::string("\0.idprof", 8);
-  EXPECT_FALSE(OpenToRead(path));
-  EXPECT_FALSE(Create(path));
-  EXPECT_FALSE(files.CopyFileA(path, In("b"), false));
-  EXPECT_FALSE(files.CopyFileA(In("a"), path, false));
-  EXPECT_FALSE(files.DeleteFileA(path));
-  EXPECT_EQ(files.GetFileAttributesA(path), INVALID_FILE_ATTRIBUTES);
-  EXPECT_FALSE(files.SetFileAttributesA(path, FILE_ATTRIBUTE_READONLY));
-  EXPECT_FALSE(files.CreateDirectoryA(path));
-  EXPECT_FALSE(files.SetCurrentDirectoryA(folder + std::string("\0", 1)));
-  FindData data;
-  EXPECT_FALSE(files.FindFirstFileA(path, &data));
-  EXPECT_EQ(List(), Names{"a"});
-  EXPECT_EQ(Bytes("a"), "1");
-  EXPECT_EQ(Error(), EINVAL);
-}
-
 TEST_F(LinuxFilesTest, AFolderIsReadOnlyForAUserWhoMayNotWriteIt) {
   if (geteuid() != 0) GTEST_SKIP() << "needs root, who can be anybody";
   chmod(folder.c_str(), 0755);
@@ -291,22 +251,6 @@ TEST_F(LinuxFilesTest, ReadOnlyIsTheOwnersWritePermission) {
   EXPECT_FALSE(files.SetFileAttributesA(In("none"), FILE_ATTRIBUTE_NORMAL));
 }
 
-// Root included, whom the system itself would let through.
-TEST_F(LinuxFilesTest, AReadOnlyFileIsNotWrittenReplacedOrDeleted) {
-  Put("a", "old", 0444);
-  Put("b", "new");
-  EXPECT_FALSE(Create(In("a")));
-  EXPECT_EQ(Error(), EACCES);
-  EXPECT_FALSE(files.CreateFileA(In("a"), GENERIC_WRITE, 0, OPEN_EXISTING));
-  EXPECT_FALSE(Copy("b", "a"));
-  EXPECT_EQ(Error(), EACCES);
-  EXPECT_FALSE(files.DeleteFileA(In("a")));
-  EXPECT_EQ(Error(), EACCES);
-  EXPECT_EQ(Bytes("a"), "old");
-  EXPECT_TRUE(OpenToRead(In("a")));
-  EXPECT_EQ(List(), (Names{"a", "b"}));
-}
-
 TEST_F(LinuxFilesTest, DeletingTakesFilesAndLinksButNoFolders) {
   Put("a", "1");
   Link("nowhere", "dangling");
@@ -320,42 +264,6 @@ TEST_F(LinuxFilesTest, DeletingTakesFilesAndLinksButNoFolders) {
   EXPECT_EQ(Error(), ENOENT);
   EXPECT_FALSE(files.DeleteFileA(In("sub")));
   EXPECT_EQ(List(), Names{"sub"});
-}
-
-TEST_F(LinuxFilesTest, AWriterThatDoesntShareWritingIsTheOnlyOne) {
-  std::unique_ptr<File> first = Create(In("a"));
-  ASSERT_TRUE(first);
-  EXPECT_TRUE(Write(*first, "first"));
-  EXPECT_FALSE(Create(In("a")));
-  EXPECT_EQ(Error(), EBUSY);
-  EXPECT_EQ(Bytes("a"), "first") << "not emptied";
-  EXPECT_FALSE(files.CreateFileA(In("a"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING));
-  EXPECT_FALSE(files.DeleteFileA(In("a")));
-  EXPECT_EQ(Error(), EBUSY);
-  EXPECT_TRUE(OpenToRead(In("a"))) << "who shares writing is let in";
-  EXPECT_TRUE(Copy("a", "b"));
-  EXPECT_TRUE(Create(In("b"))) << "another file";
-  EXPECT_TRUE(first->CloseHandle());
-  EXPECT_FALSE(Create(In("a"))) << "until the object goes";
-  first.reset();
-  EXPECT_TRUE(Create(In("a")));
-  EXPECT_TRUE(files.DeleteFileA(In("a")));
-}
-
-TEST_F(LinuxFilesTest, ReadersThatDontShareWritingKeepWritersOutTogether) {
-  Put("a", "old");
-  const auto open = [this] {
-    return files.CreateFileA(In("a"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
-  };
-  std::unique_ptr<File> one = open();
-  std::unique_ptr<File> two = open();
-  ASSERT_TRUE(one && two);
-  EXPECT_FALSE(Create(In("a")));
-  EXPECT_EQ(Bytes("a"), "old");
-  one.reset();
-  EXPECT_FALSE(Create(In("a")));
-  two.reset();
-  EXPECT_TRUE(Create(In("a")));
 }
 
 TEST_F(LinuxFilesTest, AFileDeletedBeforeItCouldBeClaimedIsMadeAnew) {
@@ -560,21 +468,6 @@ TEST_F(LinuxFilesTest, ANewCopyTakesTheSourcesPermissions) {
   EXPECT_EQ(Bytes("b"), "1");
 }
 
-TEST_F(LinuxCopyTest, ACopyIsRefusedOverAFileThatMustNotBeThere) {
-  EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), true));
-  EXPECT_EQ(Error(), EEXIST);
-  EXPECT_EQ(Bytes("b"), "old");
-}
-
-TEST_F(LinuxFilesTest, ACopyNeedsAFileOnBothSides) {
-  Put("a", "1");
-  EXPECT_FALSE(Copy("none", "b"));
-  EXPECT_FALSE(files.CopyFileA(folder, In("b"), false));
-  EXPECT_FALSE(files.CopyFileA(In("a"), folder, false));
-  EXPECT_FALSE(Copy("a", "none/b"));
-  EXPECT_EQ(List(), Names{"a"});
-}
-
 TEST_F(LinuxFilesTest, ACopyOverALinkReplacesWhatItLeadsTo) {
   ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
   Put("a", "new");
@@ -605,26 +498,6 @@ TEST_F(LinuxFilesTest, LinksInARingAreAFailure) {
   EXPECT_FALSE(OpenToRead(In("one")));
 }
 
-TEST_F(LinuxFilesTest, ACopyToAPlainNameGoesToTheCurrentFolder) {
-  Put("a", "1");
-  EXPECT_TRUE(files.CopyFileA("a", "b", false));
-  EXPECT_EQ(Bytes("b"), "1");
-  EXPECT_EQ(List(), (Names{"a", "b"}));
-}
-
-TEST_F(LinuxFilesTest, SearchesFitNamesWithoutRegardToCase) {
-  for (const char* name : {"a.idprof", "B.IDPROF", "c.idprof.tmp", "d", ".hidden"}) Put(name, "");
-  EXPECT_EQ(Found(In("*.idprof")), (Names{"B.IDPROF", "a.idprof"}));
-  EXPECT_EQ(Found("*.idprof"), (Names{"B.IDPROF", "a.idprof"}));
-  EXPECT_EQ(Found(In("?")), (Names{".", "d"}));
-  EXPECT_EQ(Found(In("*")),
-            (Names{".", "..", ".hidden", "B.IDPROF", "a.idprof", "c.idprof.tmp", "d"}));
-  EXPECT_EQ(Found(In("none*")), Names());
-  EXPECT_EQ(Found(In("")), Names());
-  EXPECT_EQ(Found(In("none/*")), Names());
-  EXPECT_EQ(Found(In("d/*")), Names());
-}
-
 TEST_F(LinuxFilesTest, OnlyTheLastPartOfASearchIsAPattern) {
   ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
   Put("sub/a", "");
@@ -642,13 +515,6 @@ TEST_F(LinuxFilesTest, ASearchForANameFindsJustThatOneFirst) {
   EXPECT_EQ(data.size, 2u);
   EXPECT_EQ(Found(In("name")), Names{"name"});
   EXPECT_EQ(Found(In("nAmE")), (Names{"NAME", "name"}));
-}
-
-TEST_F(LinuxFilesTest, NamesComeInTheOrderOfTheFileSystem) {
-  for (int number = 0; number < 30; ++number) Put(std::to_string(number * 7 % 31), "");
-  Names found = platform::Found(files, In("*"));
-  std::erase_if(found, [](const std::string& name) { return name == "." || name == ".."; });
-  EXPECT_EQ(found, Listed());
 }
 
 TEST_F(LinuxFilesTest, DataOfWhatIsFound) {
@@ -707,17 +573,6 @@ TEST_F(LinuxFilesTest, TheProgramsOwnFile) {
 TEST_F(LinuxFilesTest, ThereAreNoDrives) {
   EXPECT_EQ(files.GetLogicalDrives(), 0u);
   EXPECT_EQ(files.PathSeparator(), '/');
-}
-
-TEST_F(LinuxFilesTest, EveryThreadHasItsOwnLastError) {
-  EXPECT_FALSE(files.DeleteFileA(In("none")));
-  std::thread other([this] {
-    EXPECT_EQ(files.GetLastError(), 0u);
-    EXPECT_FALSE(files.SetCurrentDirectoryA(std::string("\0", 1)));
-    EXPECT_EQ(Error(), EINVAL);
-  });
-  other.join();
-  EXPECT_EQ(Error(), ENOENT);
 }
 
 }  // namespace

@@ -1,0 +1,95 @@
+#include "app/platform/windows/windows_files.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "app/platform/machine/this_machine.h"
+#include "tests/host/files.h"
+#include "tests/platform/files_by_hand.h"
+
+// Last.
+#include "app/platform/windows/win32.h"
+
+namespace platform {
+namespace {
+
+class WindowsFilesTest : public ::testing::Test, protected kelvaro::tests::TemporaryFolder {
+ protected:
+  WindowsFiles files;
+};
+
+TEST_F(WindowsFilesTest, TextIsUtf8) { EXPECT_EQ(GetACP(), 65001u); }
+
+TEST_F(WindowsFilesTest, DevicesAreNoFiles) {
+  for (const char* name : {"NUL", "CON"}) {
+    EXPECT_FALSE(OpenToRead(files, name));
+    EXPECT_FALSE(Create(files, name));
+  }
+  EXPECT_FALSE(Create(files, In("a?b")));
+  EXPECT_FALSE(OpenToRead(files, folder));
+}
+
+TEST_F(WindowsFilesTest, BothSeparatorsPartAPath) {
+  EXPECT_EQ(files.PathSeparator(), '\\');
+  ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
+  ASSERT_TRUE(Create(files, folder + "/sub/a"));
+  EXPECT_EQ(Found(files, folder + "/sub\\a*"), Names{"a"});
+  EXPECT_TRUE(files.CopyFileA(folder + "/sub/a", folder + "\\sub/b", true));
+  EXPECT_EQ(Found(files, In("sub\\b")), Names{"b"});
+}
+
+TEST_F(WindowsFilesTest, ADotIsNoWildcard) {
+  ASSERT_TRUE(Create(files, In("plain")));
+  ASSERT_TRUE(Create(files, In("a.b")));
+  EXPECT_EQ(Found(files, In("*.*")), (Names{".", "..", "a.b"}));
+  EXPECT_EQ(Found(files, In("PLAIN")).size(), 1u);
+}
+
+TEST_F(WindowsFilesTest, DataOfWhatIsFound) {
+  {
+    const std::unique_ptr<File> file = Create(files, In("a"));
+    ASSERT_TRUE(Write(*file, "12345"));
+  }
+  const HANDLE file =
+      ::CreateFileA(In("a").c_str(), FILE_WRITE_ATTRIBUTES, 0, nullptr, 3, 0, nullptr);
+  // 2001-02-03 04:05:06.7 UTC.
+  constexpr std::uint64_t kWritten = 126'256'467'067'000'000u;
+  const FILETIME written = {static_cast<DWORD>(kWritten), static_cast<DWORD>(kWritten >> 32)};
+  EXPECT_TRUE(SetFileTime(file, nullptr, nullptr, &written));
+  ::CloseHandle(file);
+  ASSERT_TRUE(files.SetFileAttributesA(In("a"), 1));
+  FindData data;
+  ASSERT_TRUE(files.FindFirstFileA(In("a*"), &data));
+  EXPECT_EQ(data.name, "a");
+  EXPECT_EQ(data.attributes, 1u);
+  EXPECT_EQ(data.size, 5u);
+  EXPECT_EQ(data.written, kWritten);
+  ASSERT_TRUE(files.FindFirstFileA(folder, &data));
+  EXPECT_EQ(data.attributes, 0x10u);
+  EXPECT_TRUE(files.SetFileAttributesA(In("a"), 0));
+}
+
+TEST_F(WindowsFilesTest, DrivesHaveTheirBits) { EXPECT_NE(files.GetLogicalDrives() & 4, 0u); }
+
+TEST_F(WindowsFilesTest, AFileInUseByAnotherProgramIsNeitherReplacedNorDeleted) {
+  ASSERT_TRUE(Create(files, In("a")));
+  ASSERT_TRUE(Create(files, In("b")));
+  const HANDLE other = ::CreateFileA(In("b").c_str(), 0x80000000u, 0, nullptr, 3, 0, nullptr);
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_FALSE(files.DeleteFileA(In("b")));
+  EXPECT_EQ(files.GetLastError(), 32u);
+  ::CloseHandle(other);
+  EXPECT_EQ(Found(files, In("*")), (Names{".", "..", "a", "b"}));
+}
+
+TEST(WindowsSystem, TellsErrorsAndFolders) {
+  WindowsSystem system;
+  EXPECT_TRUE(system.FormatMessageA(2).ends_with("\r\n"));
+  EXPECT_EQ(system.FormatMessageA(0x2FFFFFFFu), "");
+  EXPECT_NE(WindowsFiles().GetFileAttributesA(system.GetUserDataFolder()), 0xFFFFFFFFu);
+}
+
+}  // namespace
+}  // namespace platform
