@@ -2,8 +2,10 @@
 // object.
 #pragma once
 
-#include "app/platform/linux/linux_calls.h"
 #include "app/platform/platform.h"
+#ifndef _WIN32
+#include "app/platform/linux/linux_calls.h"
+#endif
 
 namespace kelvaro::console {
 
@@ -16,11 +18,15 @@ class CallsMachine {
  private:
   platform::Platform Groups() {
     platform::Platform groups;
+#ifndef _WIN32  // where nobody can be called yet
     groups.calls = &calls;
+#endif
     return groups;
   }
 
+#ifndef _WIN32
   platform::LinuxCalls calls;
+#endif
   const platform::InstalledPlatform installed;
 };
 

@@ -1,6 +1,5 @@
 // kelvaroctl check: what is wrong with profiles.
 
-#include "app/platform/linux/keyboard_layout.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/file_machine.h"
@@ -8,6 +7,7 @@
 #include "console/profile_check.h"
 #include "console/read_file.h"
 #include "console/terminal_text.h"
+#include "console/this_system.h"
 
 namespace kelvaro::console {
 namespace {
@@ -64,11 +64,7 @@ ProfileReport CheckOne(const std::string& fileOrName, const Typing& types, std::
 }  // namespace
 
 int CheckCommand(const CheckOptions& options, Streams streams) {
-  const auto layout = platform::KeyboardLayout::Open();
-  Typing types;
-  if (layout) {
-    types = [&layout](std::uint16_t code, bool shift) { return layout->Types(code, shift); };
-  }
+  const Typing types = DesktopTyping();
   int status = kDone;
   for (const std::string& each : options.profiles) {
     std::string path;

@@ -2,10 +2,7 @@
 // object: the real clock and threads, and the real files or others in their place.
 #pragma once
 
-#include "app/platform/linux/linux_clock.h"
-#include "app/platform/linux/linux_files.h"
-#include "app/platform/linux/linux_system.h"
-#include "app/platform/linux/linux_threads.h"
+#include "app/platform/machine/this_machine.h"
 #include "app/platform/platform.h"
 
 namespace kelvaro::console {
@@ -28,10 +25,10 @@ class FileMachine {
     return groups;
   }
 
-  platform::LinuxClock clock;
-  platform::LinuxThreads threads;
-  platform::LinuxFiles realFiles;
-  platform::LinuxSystem system;
+  platform::ThisClock clock;
+  platform::ThisThreads threads;
+  platform::ThisFiles realFiles;
+  platform::ThisSystem system;
   platform::InstalledPlatform installed;
 };
 

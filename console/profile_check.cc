@@ -6,13 +6,13 @@
 #include <set>
 #include <tuple>
 
-#include "app/platform/linux/key_map.h"
 #include "console/engine_trial.h"
 #include "console/event_line.h"
 #include "console/fitting_states.h"
 #include "console/profile_text.h"
 #include "console/stored_profile_check.h"
 #include "console/terminal_text.h"
+#include "console/this_system.h"
 #include "engine/input_text.h"
 #include "keys/key_action.h"
 
@@ -81,17 +81,6 @@ std::string WhyUnfit(EngineTrial* mouseTrial, const Control& control) {
   return "the mouse controls are always on and have " + NamesText(taken);
 }
 
-// Why the key may come out otherwise than written; "" where it doesn't.
-std::string Doubt(const KeyStep& step) {
-  if ((step.flags & KeyFlagPause) || step.vk == 0) return "";
-  const std::uint16_t code = platform::KernelKeyCode(step.vk, step.scan);
-  const std::string name = KeyName(step.vk, step.scan);
-  if (code == 0) return "Linux has no key for " + name + ", so nothing is sent";
-  if (platform::DependsOnNumLock(code)) return "Num Lock decides what " + name + " types";
-  if (!platform::IsInX(code)) return name + " needs /dev/uinput; by XTest nothing is sent";
-  return "";
-}
-
 // The character that the step types on a United States keyboard, aside from modifiers that are held
 // with it for their own sake; 0 for a key that types none.
 char TypedCharacter(KeyStep step) {
@@ -117,7 +106,7 @@ void FindOtherFile(const std::string& bytes, const std::string& path, const Prof
                    std::vector<Finding>* findings) {
   if (!IsStoredProfile(bytes) || !path.ends_with(ProfileLibrary::kExtension)) return;
   const std::string saved = Bytes(ProfileLibrary::ProfileFileName(profile.profileName));
-  if (saved.empty() || path.substr(path.rfind('/') + 1) == saved) return;
+  if (saved.empty() || path.substr(path.find_last_of("\\/") + 1) == saved) return;
   findings->push_back({Finding::Kind::OtherFile, "root",
                        "a save of '" + TerminalText(profile.profileName) + "' goes to '" + saved +
                            "', not to this file"});
@@ -159,8 +148,7 @@ void FindOtherCharacters(const Profile& profile, const Typing& types,
       for (const KeyStep& step : action->steps) {
         const char wanted = TypedCharacter(step);
         if (wanted == 0 || !looked.insert(wanted).second) continue;
-        const std::string typed = types(platform::KernelKeyCode(step.vk, step.scan),
-                                        (step.flags & KeyFlagImpliedShift) != 0);
+        const std::string typed = types(KeyCodeOf(step), (step.flags & KeyFlagImpliedShift) != 0);
         if (typed == std::string(1, wanted)) continue;
         others += (others.empty() ? "" : ", ") + std::string(1, wanted) + " into " +
                   (typed.empty() ? "nothing" : TerminalText(typed));
@@ -194,7 +182,7 @@ void FindUnsureKeys(const Profile& profile, std::vector<Finding>* findings) {
       const auto* const action = dynamic_cast<const KeyAction*>(each);
       if (!action) continue;
       for (const KeyStep& step : action->steps) {
-        const std::string doubt = Doubt(step);
+        const std::string doubt = KeyDoubt(step);
         if (doubt.empty() || !told.insert(doubt).second) continue;
         findings->push_back({Finding::Kind::UnsureKey, ControlName(control), doubt});
       }

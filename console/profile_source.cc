@@ -104,7 +104,9 @@ bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFa
     return !file.empty();
   };
   // A path that leads nowhere is for the reader to complain of.
-  if (isStored(fileOrName) || fileOrName.find('/') != std::string::npos) return true;
+  const char separators[] = {'/', platform::files().PathSeparator(), '\0'};
+  if (isStored(fileOrName) || fileOrName.find_first_of(separators) != std::string::npos)
+    return true;
   const std::vector<std::string> stored = StoredNames();
   const std::vector<std::string> meant = NamesThatBegin(stored, fileOrName);
   if (meant.size() == 1 && isStored(meant[0])) return true;

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 namespace kelvaro::console {
@@ -15,7 +16,9 @@ bool ReadWholeFile(const std::string& path, std::size_t mostMiB, std::string* co
   const std::unique_ptr<std::FILE, decltype(close)> file(
       path == "-" ? stdin : std::fopen(path.c_str(), "rb"), close);
   if (!file) {
-    *error = std::strerror(errno);
+    const int reason = errno;
+    std::error_code unknown;
+    *error = std::strerror(std::filesystem::is_directory(path, unknown) ? EISDIR : reason);
     return false;
   }
   content->clear();

@@ -4,10 +4,12 @@
 #include <mutex>
 #include <utility>
 
-#include "app/platform/linux/linux_calls.h"
-#include "app/platform/linux/linux_platform.h"
+#include "app/platform/machine/this_machine.h"
 #include "app/platform/recording/recorded_devices.h"
 #include "console/console_error.h"
+#ifndef _WIN32
+#include "app/platform/linux/linux_calls.h"
+#endif
 
 namespace kelvaro::console {
 namespace {
@@ -60,9 +62,11 @@ struct RealMachine::Parts {
 
   std::mutex refusalMutex;
   std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
-  platform::LinuxPlatform system;
+  platform::ThisMachine system;
   std::unique_ptr<platform::RecordedDevices> recorded;
+#ifndef _WIN32
   std::unique_ptr<platform::LinuxCalls> calls;
+#endif
   std::unique_ptr<ToldInput> told;
   platform::Platform groups;
   std::unique_ptr<platform::InstalledPlatform> installed;
@@ -81,23 +85,27 @@ void RealMachine::PlayRecording(const platform::Recording& recording) {
   parts->Install();
 }
 
-std::optional<platform::NodePlace> RealMachine::PlaceOf(const platform::GUID& device) {
-  return parts->system.GameDevices().PlaceOf(device);
-}
+platform::ThisMachine& RealMachine::System() { return parts->system; }
 
 void RealMachine::TakeCalls() {
+#ifndef _WIN32  // where nobody can be called yet
   parts->calls = std::make_unique<platform::LinuxCalls>();
   parts->groups.calls = parts->calls.get();
   parts->Install();
+#endif
 }
 
-bool RealMachine::OpenOutput(EventPrinter* printer, std::string* error) {
+bool RealMachine::OpenOutput(EventPrinter* printer, [[maybe_unused]] std::string* error) {
+#ifdef _WIN32
+  platform::Input* const output = parts->system.Groups().input;
+#else
   if (!parts->system.OpenInput(platform::InputChoice::Auto, error)) return false;
   platform::LinuxInput* output = parts->system.Sender();
   output->OnFailure([this](const std::string& text) {
     const std::lock_guard<std::mutex> guard(parts->refusalMutex);
     parts->refusal = text;
   });
+#endif
   parts->groups.input = output;
   if (printer) {
     parts->TellEvents(output, [printer](const SentEvent& event) { printer->Print(event); });
@@ -122,12 +130,16 @@ void RealMachine::StartOfTime() {
   if (parts->told) parts->told->StartOfTime();
 }
 
-int RealMachine::EndOfOutput(Streams streams) {
+int RealMachine::EndOfOutput([[maybe_unused]] Streams streams) {
+#ifdef _WIN32
+  return kDone;  // the system tells nothing
+#else
   const std::uint32_t failed = parts->system.Sender()->FailedEvents();
   if (failed == 0) return kDone;
   const std::lock_guard<std::mutex> guard(parts->refusalMutex);
   return Complain(streams.err, "the system refused " + std::to_string(failed) +
                                    " of the events: " + parts->refusal);
+#endif
 }
 
 }  // namespace kelvaro::console

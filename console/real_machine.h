@@ -5,10 +5,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "app/platform/linux/device_nodes.h"
+#include "app/platform/machine/this_machine.h"
 #include "app/platform/platform.h"
 #include "app/platform/recording/recording.h"
 #include "console/commands.h"
@@ -27,8 +26,8 @@ class RealMachine {
   // One device that plays a recording in real time, in place of those that are plugged in.
   void PlayRecording(const platform::Recording& recording);
 
-  // Where a device that is plugged in is; nothing if it isn't any more.
-  std::optional<platform::NodePlace> PlaceOf(const platform::GUID& device);
+  // For what this system alone has.
+  platform::ThisMachine& System();
 
   // Lets others call: platform::calls() is the machine's own from here on.
   void TakeCalls();

@@ -1,17 +1,16 @@
 // kelvaroctl run: the engine on one profile.
 
-#include "app/platform/linux/device_use.h"
 #include "app/platform/simulation/simulation.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/engine_session.h"
 #include "console/event_printer.h"
 #include "console/json_text.h"
-#include "console/program_list.h"
 #include "console/real_machine.h"
 #include "console/run_choice.h"
 #include "console/steered_run.h"
 #include "console/stop_signals.h"
+#include "console/this_system.h"
 
 namespace kelvaro::console {
 namespace {
@@ -43,14 +42,9 @@ int RunSimulated(const RunOptions& options, Profile& profile, const Recording& r
   return kDone;
 }
 
-// A pad that another program has grabbed looks like one that nobody touches. Only asked where an
-// instance of Kelvaro may have done it: to ask is to grab the pad for an instant.
+// A pad that another program has grabbed looks like one that nobody touches.
 void TellOfGrab(RealMachine& machine, const EngineSession& session, Streams streams) {
-  const auto place = machine.PlaceOf(session.DeviceGuid());
-  if (!place || !HasKelvaro(platform::ProgramsWithOpen(place->path)) ||
-      !platform::IsGrabbed(place->path)) {
-    return;
-  }
+  if (!IsTakenByAnother(session.DeviceGuid(), machine)) return;
   streams.err << "Another program keeps '" << Bytes(session.DeviceName())
               << "' for itself, so that nothing comes of it until that one ends; kelvaroctl doctor "
                  "tells which ones use it."

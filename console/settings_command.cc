@@ -2,13 +2,13 @@
 
 #include <functional>
 
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/platform/platform.h"
 #include "app/resources/settings_keys.h"
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/running_instances.h"
 #include "console/stored_settings.h"
+#include "console/this_system.h"
 
 namespace kelvaro::console {
 namespace {
@@ -33,19 +33,10 @@ std::string WhyUnreadable(const std::string& file) {
 
 // `work` with the registry installed, if what is stored can be read.
 int OnSettings(Streams streams, const std::function<int(const std::string& file)>& work) {
-  const platform::RegistryPlaces places = platform::UsualRegistryPlaces();
-  platform::SqliteRegistry registry(places);
-  bool damaged = false;
-  registry.OnTrouble([&](const std::string& text) {
-    damaged = true;
-    Complain(streams.err, text);
-  });
-  platform::Platform groups;
-  groups.registry = &registry;
-  const platform::InstalledPlatform installed(groups);
-  const std::string reason = WhyUnreadable(places.userFile);
-  if (damaged) return kBad;
-  return reason.empty() ? work(places.userFile) : Complain(streams.err, reason);
+  const SettingsStore store(streams);
+  const std::string reason = WhyUnreadable(store.Place());
+  if (store.IsDamaged()) return kBad;
+  return reason.empty() ? work(store.Place()) : Complain(streams.err, reason);
 }
 
 }  // namespace

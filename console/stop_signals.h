@@ -3,6 +3,16 @@
 // reads any more does not end the program; the write fails.
 #pragma once
 
+#ifdef _WIN32
+
+#include "app/platform/windows/stop_requests.h"
+
+namespace kelvaro::console {
+using StopSignals = platform::StopRequests;
+}
+
+#else
+
 #include <signal.h>
 
 #include <cstdint>
@@ -37,3 +47,5 @@ class StopSignals {
 };
 
 }  // namespace kelvaro::console
+
+#endif

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // The desktop on which the tests run may have any layout.
-[[maybe_unused]] const bool kHasNoDesktop = unsetenv("DISPLAY") == 0;
+const tests::Variable kNoDesktop("DISPLAY");
 
 constexpr char kTwice[] = R"({"profileName":"Walk","controls":[
   {"description":"Jump","buttonMask":1},{"buttonMask":1},{"description":"Nothing"}]})";
@@ -64,15 +64,16 @@ TEST(CheckCommand, PrintsJsonLines) {
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(
       outcome.out,
-      "{\"file\":\"" + json.path +
-          "\",\"loads\":true,\"profileName\":\"Walk\",\"controls\":3,\"findings\":["
+      "{\"file\":" + JsonText(json.path) +
+          ",\"loads\":true,\"profileName\":\"Walk\",\"controls\":3,\"findings\":["
           "{\"kind\":\"neverFires\",\"where\":\"Control 2\",\"what\":\"it has the same inputs as "
           "Control 1 'Jump'\"},"
           "{\"kind\":\"neverFires\",\"where\":\"Control 3 'Nothing'\",\"what\":\"it has no "
           "inputs\"}]}\n"
-          "{\"file\":\"" +
-          damaged.path + "\",\"loads\":false,\"error\":\"" + damaged.path +
-          ": doesn't load: root: list 3 (profile name) is missing\",\"profileName\":\"\","
+          "{\"file\":" +
+          JsonText(damaged.path) + ",\"loads\":false,\"error\":" +
+          JsonText(damaged.path + ": doesn't load: root: list 3 (profile name) is missing") +
+          ",\"profileName\":\"\","
           "\"controls\":0,\"findings\":[{\"kind\":\"passedOver\",\"where\":\"root\",\"what\":\"1 "
           "byte behind the root list\"},{\"kind\":\"damage\",\"where\":\"root\",\"what\":\"list 3 "
           "(profile name) is missing\"}]}\n");
@@ -93,7 +94,8 @@ TEST(CheckCommand, AFileThatIsNotWholeDoesNotCountAsLoaded) {
       "ends in .damaged\n"))
       << outcome.out;
   const Outcome json = Kelvaroctl({"check", "--json", cut.path});
-  EXPECT_NE(json.out.find("\"loads\":false,\"error\":\"" + cut.path + ": isn't whole"),
+  EXPECT_NE(json.out.find("\"loads\":false,\"error\":" +
+                          JsonText(cut.path + ": isn't whole; 0 Controls of it can be read")),
             std::string::npos)
       << json.out;
   EXPECT_NE(json.out.find("{\"kind\":\"notWhole\",\"where\":\"root\""), std::string::npos)
@@ -185,7 +187,7 @@ TEST(CheckCommand, WarnsOfKeysThatEndInAPause) {
 
 TEST_F(StoredProfiles, CheckWarnsOfAFileThatASaveDoesNotGoTo) {
   Store("Walk.idprof", R"({"profileName":"Walk"})");
-  EXPECT_EQ(Kelvaroctl({"check", folder / "Walk.idprof"}).out,
+  EXPECT_EQ(Kelvaroctl({"check", (folder / "Walk.idprof").string()}).out,
             (folder / "Walk.idprof").string() + ": loads, 'Walk', 0 Controls\n");
   const std::string other = Store("Run.idprof", R"({"profileName":"Go: far"})");
   EXPECT_EQ(Kelvaroctl({"check", other}).out,
@@ -230,6 +232,7 @@ TEST_F(StoredProfiles, TheBeginningOfANameServesWhereverOneIsTaken) {
   }
 }
 
+#ifndef _WIN32  // where keys go out as they are written
 TEST(CheckCommand, WarnsOfKeysThatDependOnTheDesktop) {
   const TestFile json("json", R"({"controls":[{"buttonMask":1,"actions":[{"text":"<NP.>"}]}]})");
   EXPECT_EQ(Kelvaroctl({"check", json.path}).out,
@@ -242,6 +245,7 @@ TEST(CheckCommand, WarnsOfKeysThatDependOnTheDesktop) {
             std::string::npos)
       << outcome.out;
 }
+#endif
 
 TEST(CheckCommand, LeavesTheFileAndItsTemporaryAsTheyAre) {
   const TestFile damaged("p.idprof", SmallProfile("P").substr(0, 60));
@@ -271,7 +275,7 @@ class ExampleProfiles : public StoredProfiles {
   static std::vector<std::string> Files() {
     std::vector<std::string> files;
     for (const fs::directory_entry& entry : fs::directory_iterator(KELVARO_EXAMPLES)) {
-      if (entry.path().extension() == ".json") files.push_back(entry.path());
+      if (entry.path().extension() == ".json") files.push_back(entry.path().string());
     }
     return files;
   }

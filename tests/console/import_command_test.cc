@@ -1,5 +1,6 @@
 
 #include <memory>
+#include <regex>
 
 #include "tests/console/stored_profiles.h"
 #include "tests/host/json.h"
@@ -504,6 +505,14 @@ TEST(ImportAmgp, NamesComeAlong) {
             "3:1 left-out <future>\n");
 }
 
+// Windows' parser of XML stands in another column of the line when it finds out a fault.
+std::string WithoutColumn(const std::string& message, [[maybe_unused]] bool byParser) {
+#ifdef _WIN32
+  if (byParser) return std::regex_replace(message, std::regex(":(\\d+):\\d+: "), ":$1: ");
+#endif
+  return message;
+}
+
 TEST(ImportCommand, AFaultHasItsPlaceAndNothingIsWritten) {
   std::string deep;
   for (int i = 0; i < 100'000; ++i) deep += "<a>";
@@ -511,6 +520,7 @@ TEST(ImportCommand, AFaultHasItsPlaceAndNothingIsWritten) {
     const char* why;
     std::string content;
     const char* fault;  // behind the file's name
+    bool byParser = false;
   } kCases[] = {
       {"nothing", "", ":1:1: neither an .amgp nor a .lyt: it has no 'Joystick 1 {'"},
       {"a foreign text", "# x\nhello",
@@ -528,17 +538,19 @@ TEST(ImportCommand, AFaultHasItsPlaceAndNothingIsWritten) {
       {"a number too few", Layout("Axis 1: dZone, +key 38"), ":2:9: one number belongs here"},
       {"a key without a number", Layout("Axis 1: +key"), ":2:9: a number belongs behind it"},
       {"foreign XML", "<svg>\n</svg>", ":1:1: not an .amgp: it begins with <svg>"},
-      {"cut XML", "<joystick>\n<sets>", ":2:7: no element found"},
-      {"crossed elements", "<joystick>\n <sets></joystick>", ":2:10: mismatched tag"},
+      {"cut XML", "<joystick>\n<sets>", ":2:7: no element found", true},
+      {"crossed elements", "<joystick>\n <sets></joystick>", ":2:10: mismatched tag", true},
       {"no set", "<joystick>\n</joystick>", ":1:1: it has no set"},
       {"a code that is none", Button("\n" + Slots(Key("x1"))), ":5:14: not a number"},
       {"a code too large", Button("\n" + Slots(Key("0x100000000"))), ":5:14: not a number"},
       {"a slot without a code", Button("\n" + Slots("<slot><mode>keyboard</mode></slot>")),
        ":5:8: this slot has no code"},
       {"entities", "<!DOCTYPE a [\n<!ENTITY x \"xxxxxxxx\">]>\n<joystick>&x;</joystick>",
-       ":1:13: a document type isn't taken"},
+       ":1:13: a document type isn't taken", true},
       {"a file from elsewhere", "<!DOCTYPE a SYSTEM \"/etc/passwd\">\n<joystick/>",
-       ":1:33: a document type isn't taken"},
+       ":1:33: a document type isn't taken", true},
+      {"an attribute twice", "<joystick a='1'\n a='2'/>", ":2:2: duplicate attribute", true},
+      {"text alone", "<!-- x -->", ":1:11: no element found", true},
       {"depth", deep, ":1:97: elements are nested too deeply"},
   };
   for (const auto& c : kCases) {
@@ -547,7 +559,9 @@ TEST(ImportCommand, AFaultHasItsPlaceAndNothingIsWritten) {
     const Outcome outcome = Kelvaroctl({"import", in.path, out});
     EXPECT_EQ(outcome.status, 1) << c.why;
     EXPECT_EQ(outcome.out, "") << c.why;
-    EXPECT_EQ(outcome.err, "kelvaroctl: " + in.path + c.fault + "\n") << c.why;
+    EXPECT_EQ(WithoutColumn(outcome.err, c.byParser),
+              WithoutColumn("kelvaroctl: " + in.path + c.fault + "\n", c.byParser))
+        << c.why;
     EXPECT_FALSE(fs::exists(out)) << c.why;
   }
 }

@@ -1,14 +1,17 @@
+#ifndef _WIN32
 #include <unistd.h>
 
 #include "app/platform/linux/instance_socket.h"
 #include "app/platform/linux/settings/sqlite_registry.h"
+#include "tests/host/home.h"
+#endif
+
 #include "app/platform/platform.h"
 #include "app/platform/simulation/simulation.h"
 #include "app/settings/app_settings.h"
 #include "console/stored_settings.h"
 #include "foundation/registry_key.h"
 #include "tests/console/console_run.h"
-#include "tests/host/home.h"
 
 namespace kelvaro::console {
 namespace {
@@ -278,6 +281,8 @@ TEST_F(SettingsInMemory, ARegistryThatRefusesIsNamed) {
   EXPECT_EQ(outcome.err, "kelvaroctl: the file: the settings can't be written\n");
 }
 
+#ifndef _WIN32
+
 // ---- In a home folder.
 
 class SettingsCommand : public testing::Test {
@@ -374,6 +379,8 @@ TEST_F(SettingsCommand, AFileThatCannotBeReadOrWrittenIsNamed) {
             "kelvaroctl: " + home.SettingsFile() + ": the settings can't be written\n");
   EXPECT_EQ(Number("Smart Check"), 0);
 }
+
+#endif
 
 }  // namespace
 }  // namespace kelvaro::console

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <string>
 
+#include "app/platform/machine/this_machine.h"
 #include "tests/console/console_run.h"
 
 namespace kelvaro::console {
@@ -44,22 +45,23 @@ class StandardInput {
 class StoredProfiles : public testing::Test {
  protected:
   StoredProfiles()
-      : folder(std::filesystem::read_symlink("/proc/self/exe").parent_path() / "Profiles") {
+      : folder(std::filesystem::path(platform::ThisFiles().GetModuleFileNameA()).parent_path() /
+               "Profiles") {
     std::filesystem::remove_all(folder);
   }
   ~StoredProfiles() override { std::filesystem::remove_all(folder); }
 
   // Full path of the file.
   std::string Put(const std::string& fileName, const std::string& bytes) {
-    return tests::Put(folder / fileName, bytes);
+    return tests::Put((folder / fileName).string(), bytes);
   }
   // Packs a profile in JSON.
   std::string Store(const std::string& fileName, const std::string& json) {
     const TestFile in("in_" + fileName, json);
     std::filesystem::create_directory(folder);
-    const Outcome outcome = Kelvaroctl({"pack", in.path, folder / fileName});
+    const Outcome outcome = Kelvaroctl({"pack", in.path, (folder / fileName).string()});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return folder / fileName;
+    return (folder / fileName).string();
   }
 
   const std::filesystem::path folder;
