@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,7 +13,7 @@
 #include "app/platform/machine/this_machine.h"
 #include "device/device_manager.h"
 #include "tests/host/patience.h"
-#include "tests/windows/dinput8/scripted_pad.h"
+#include "tests/windows/dinput8/pad_hands.h"
 
 // Last.
 #include "app/platform/windows/win32.h"
@@ -22,41 +21,7 @@
 namespace platform {
 namespace {
 
-using kelvaro::tests::PadMemory;
-
-// The test's hands on the pad.
-class PadHands {
- public:
-  PadHands() {
-    // Of a test before.
-    std::memset(static_cast<void*>(memory), 0, sizeof *memory);
-  }
-  ~PadHands() {
-    UnmapViewOfFile(memory);
-    ::CloseHandle(section);
-    ::CloseHandle(news);
-  }
-  PadHands(const PadHands&) = delete;
-  PadHands& operator=(const PadHands&) = delete;
-
-  void Change(std::size_t offset, std::int32_t data) {
-    memory->changes[memory->count] = {static_cast<std::uint32_t>(offset),
-                                      static_cast<std::uint32_t>(data)};
-    memory->count = memory->count + 1;
-    ::SetEvent(news);
-  }
-  void Button(std::size_t number, bool down) {
-    Change(offsetof(DIJOYSTATE2, rgbButtons) + number, down ? 0x80 : 0);
-  }
-  PadMemory& Memory() { return *memory; }
-
- private:
-  const HANDLE section = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
-                                            sizeof(PadMemory), kelvaro::tests::kPadMemory);
-  PadMemory* const memory =
-      static_cast<PadMemory*>(MapViewOfFile(section, FILE_MAP_ALL_ACCESS, 0, 0, 0));
-  const HANDLE news = ::CreateEventA(nullptr, FALSE, FALSE, kelvaro::tests::kPadNews);
-};
+using kelvaro::tests::PadHands;
 
 class WindowsDevicesTest : public ::testing::Test {
  protected:

@@ -3,76 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
-#include "app/platform/machine/this_machine.h"
-#include "tests/host/patience.h"
-
 // Last.
-#include "app/platform/windows/win32.h"
+#include "tests/windows/key_window.h"
 
 namespace platform {
 namespace {
 
-using kelvaro::tests::Eventually;
-
-std::vector<std::string> got;
-
-std::string KeyText(const char* what, WPARAM vk, LPARAM how) {
-  return std::string(what) + " " + std::to_string(vk) + " scan " +
-         std::to_string(how >> 16 & 0xFF) + (how >> 24 & 1 ? " extended" : "");
-}
-
-LRESULT CALLBACK Note(HWND window, UINT message, WPARAM first, LPARAM second) {
-  switch (message) {
-    case WM_KEYDOWN:
-      got.push_back(KeyText("down", first, second));
-      return 0;
-    case WM_KEYUP:
-      got.push_back(KeyText("up", first, second));
-      return 0;
-    case WM_LBUTTONDOWN:
-      got.emplace_back("left down");
-      return 0;
-    case WM_LBUTTONUP:
-      got.emplace_back("left up");
-      return 0;
-    case WM_MOUSEWHEEL:
-      got.push_back("wheel " + std::to_string(static_cast<short>(HIWORD(first))));
-      return 0;
-    default:
-      return DefWindowProcA(window, message, first, second);
-  }
-}
-
-class WindowsInputTest : public ::testing::Test {
+class WindowsInputTest : public kelvaro::tests::KeyWindow {
  protected:
-  WindowsInputTest() {
-    got.clear();
-    WNDCLASSA kind{};
-    kind.lpfnWndProc = Note;
-    kind.hInstance = GetModuleHandleA(nullptr);
-    kind.lpszClassName = "KelvaroInputWindow";
-    RegisterClassA(&kind);
-    window = CreateWindowExA(WS_EX_TOPMOST, kind.lpszClassName, "", WS_POPUP | WS_VISIBLE, 0, 0,
-                             400, 300, nullptr, nullptr, kind.hInstance, nullptr);
-    SetForegroundWindow(window);
-    SetFocus(window);
-  }
-  ~WindowsInputTest() override { DestroyWindow(window); }
-
-  void ExpectGot(const std::vector<std::string>& expected) {
-    Eventually([&] {
-      for (MSG message; PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);)
-        DispatchMessageA(&message);
-      return got.size() >= expected.size();
-    });
-    EXPECT_EQ(got, expected);
-  }
-
   WindowsInput input;
-  HWND window = nullptr;
 };
 
 TEST_F(WindowsInputTest, KeysArriveInOrderWithTheirScanCodes) {
