@@ -1,4 +1,6 @@
+#ifndef _WIN32
 #include <sys/resource.h>
+#endif
 
 #include <csignal>
 
@@ -22,7 +24,7 @@ struct OutFile {
 std::vector<std::string> Beside(const std::string& path) {
   std::vector<std::string> names;
   for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(path).parent_path())) {
-    const std::string name = entry.path().filename();
+    const std::string name = entry.path().filename().string();
     if (name.starts_with(fs::path(path).filename().string())) names.push_back(name);
   }
   return names;
@@ -113,6 +115,7 @@ TEST(PackCommand, AFailureLeavesWhatWasThere) {
   EXPECT_EQ(Beside(out.path).size(), 1U);
 }
 
+#ifndef _WIN32  // the system's words, and what it allows, are Linux's
 TEST(PackCommand, AFolderThatCannotBeWrittenToIsAFault) {
   const TestFile in("in", "{}");
   const OutFile folder("folder");
@@ -178,6 +181,7 @@ TEST(PackCommand, PathsHaveAnyBytes) {
   EXPECT_EQ(Kelvaroctl({"pack", in.path, out.path}).status, 0);
   EXPECT_TRUE(fs::exists(out.path));
 }
+#endif
 
 TEST(PackCommand, AFileInTheCurrentFolderNeedsNoPath) {
   const TestFile in("in", "{}");
