@@ -85,7 +85,11 @@ bool IsUsable(const PadFacts& pad) {
 }
 
 Remark PadRemark(const PadFacts& pad, State unusable) {
-  const std::string where = "'" + pad.name + "' at " + pad.node;
+  const std::string where = "'" + pad.name + "'" + (pad.node.empty() ? "" : " at " + pad.node);
+  if (!pad.whyClosed.empty() && pad.node.empty()) {
+    return {unusable, "pad", where + " can't be read: " + pad.whyClosed,
+            "end other programs that use it, or pull it out and plug it in again"};
+  }
   if (!pad.whyClosed.empty()) {
     return {unusable, "pad", where + " can't be read: " + pad.whyClosed,
             "log in at the machine itself; if that isn't enough, add a udev rule for it "
@@ -119,14 +123,31 @@ void AddPads(const std::vector<PadFacts>& pads, std::vector<Remark>* remarks) {
   for (const PadFacts& pad : pads) remarks->push_back(PadRemark(pad, unusable));
 }
 
-Remark IconRemark(const MachineFacts& facts) {
-  if (facts.iconsOnBus || facts.iconsOnX) {
-    return {State::Good, "notification area",
-            facts.iconsOnBus ? "the desktop shows icons" : "there is one on the X server",
-            kNothing};
-  }
+Remark IconRemark(const char* area, const char* advice) {
+  if (area) return {State::Good, "notification area", area, kNothing};
   return {State::Note, "notification area", "none: the window is minimised in place of hiding",
-          "turn on the desktop's tray, or its extension for app indicators"};
+          advice};
+}
+
+Remark IconRemark(const MachineFacts& facts) {
+  const char* const area = facts.iconsOnBus ? "the desktop shows icons"
+                           : facts.iconsOnX ? "there is one on the X server"
+                                            : nullptr;
+  return IconRemark(area, "turn on the desktop's tray, or its extension for app indicators");
+}
+
+Remark DirectInputRemark(const WindowsFacts& facts) {
+  if (facts.directInputTrouble.empty())
+    return {State::Good, "DirectInput", "version 8 is there", kNothing};
+  return {State::Bad, "DirectInput", "pads can't be read: " + facts.directInputTrouble,
+          "repair Windows: dinput8.dll belongs to it"};
+}
+
+Remark OutputRemark(const WindowsFacts& facts) {
+  const std::string what = "Windows' own keyboard and mouse events, to the program in front";
+  if (facts.isAdministrator) return {State::Good, "output", what, kNothing};
+  return {State::Good, "output", what + ", but to none that an administrator started",
+          "nothing to do, but for such a program: start Kelvaro as an administrator, too"};
 }
 
 Remark RealtimeRemark(const MachineFacts& facts) {
@@ -180,6 +201,16 @@ std::vector<Remark> Diagnose(const MachineFacts& facts) {
   AddPads(facts.pads, &remarks);
   remarks.push_back(IconRemark(facts));
   remarks.push_back(RealtimeRemark(facts));
+  for (const FolderFacts& folder : facts.folders) remarks.push_back(FolderRemark(folder));
+  remarks.push_back(RunningRemark(facts.running));
+  return remarks;
+}
+
+std::vector<Remark> Diagnose(const WindowsFacts& facts) {
+  std::vector<Remark> remarks = {DirectInputRemark(facts), OutputRemark(facts)};
+  if (facts.directInputTrouble.empty()) AddPads(facts.pads, &remarks);
+  remarks.push_back(IconRemark(facts.hasNotificationArea ? "the desktop has one" : nullptr,
+                               "start the desktop, which is explorer.exe"));
   for (const FolderFacts& folder : facts.folders) remarks.push_back(FolderRemark(folder));
   remarks.push_back(RunningRemark(facts.running));
   return remarks;

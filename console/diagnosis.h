@@ -27,6 +27,7 @@ struct FolderFacts {
   bool writable = false;  // or can be made
 };
 
+// Of a machine with Linux.
 struct MachineFacts {
   std::string sessionType;  // as the login says: "wayland", "x11", "tty"; may be empty
   bool hasWayland = false;  // a display is named
@@ -45,6 +46,16 @@ struct MachineFacts {
   std::vector<std::uint32_t> running;  // windows of Kelvaro, by their processes
 };
 
+// Of one with Windows.
+struct WindowsFacts {
+  std::string directInputTrouble;  // empty where DirectInput 8 is there
+  std::vector<PadFacts> pads;      // without nodes: DirectInput names none
+  bool hasNotificationArea = false;
+  bool isAdministrator = false;
+  std::vector<FolderFacts> folders;
+  std::vector<std::uint32_t> running;
+};
+
 // One line of the answer.
 struct Remark {
   enum class State {
@@ -59,6 +70,7 @@ struct Remark {
 };
 
 std::vector<Remark> Diagnose(const MachineFacts& facts);
+std::vector<Remark> Diagnose(const WindowsFacts& facts);
 
 // Whether one of them is bad.
 bool KeepsFromWorking(const std::vector<Remark>& remarks);

@@ -254,7 +254,6 @@ void AddDevices(CLI::App& app, Choice& choice) {
   Choose(devices, choice, choice.devices, &DevicesCommand);
 }
 
-#ifndef _WIN32  // it knows what Linux needs
 void AddDoctor(CLI::App& app, Choice& choice) {
   CLI::App* doctor = app.add_subcommand("doctor", "Say what keeps Kelvaro from working here");
   doctor->footer(
@@ -275,7 +274,6 @@ void AddDoctor(CLI::App& app, Choice& choice) {
   doctor->add_flag("--json", choice.doctor.json, kJsonHelp);
   Choose(doctor, choice, choice.doctor, &DoctorCommand);
 }
-#endif
 
 void AddWatch(CLI::App& app, Choice& choice) {
   CLI::App* watch = app.add_subcommand("watch", "Print what a pad does, until Ctrl-C");
@@ -562,9 +560,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddCheck(app, choice);
   AddConflicts(app, choice);
   AddDevices(app, choice);
-#ifndef _WIN32
   AddDoctor(app, choice);
-#endif
   AddWatch(app, choice);
   AddRecord(app, choice);
   AddTune(app, choice);

@@ -129,6 +129,8 @@ bool CanWriteInto(const std::string& folder) {
   return !folder.empty() && fs::is_directory(path, error) && access(path.c_str(), W_OK | X_OK) == 0;
 }
 
+std::string HomeFolder() { return Variable("HOME"); }
+
 std::string SystemText() {
   std::string text = "Linux";
   std::ifstream file("/etc/os-release");
@@ -144,7 +146,7 @@ std::string SystemText() {
   return desktop.empty() ? text : text + ", desktop " + desktop;
 }
 
-MachineFacts LookAtMachine() {
+std::vector<Remark> ExamineMachine() {
   MachineFacts facts;
   facts.sessionType = Variable("XDG_SESSION_TYPE");
   facts.hasWayland = !Variable("WAYLAND_DISPLAY").empty();
@@ -156,7 +158,7 @@ MachineFacts LookAtMachine() {
   facts.realtime = MayBeRealtime();
   facts.folders = LookAtFolders();
   facts.running = RunningInstances();
-  return facts;
+  return Diagnose(facts);
 }
 
 }  // namespace kelvaro::console

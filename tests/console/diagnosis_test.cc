@@ -152,6 +152,49 @@ TEST(Diagnose, WhatOnlyBothersIsANote) {
   EXPECT_EQ(StateOf("running", facts), State::Good);
 }
 
+WindowsFacts GoodWindows() {
+  WindowsFacts facts;
+  facts.pads = {Pad("Pad")};
+  facts.pads[0].node = "";
+  facts.hasNotificationArea = true;
+  facts.isAdministrator = true;
+  facts.folders = {{"profiles", "C:\\Profiles", true}};
+  return facts;
+}
+
+TEST(DiagnoseWindows, EachLineEndsWithWhatToDo) {
+  for (const Remark& remark : Diagnose(GoodWindows())) {
+    EXPECT_EQ(remark.state, State::Good) << remark.topic;
+    EXPECT_EQ(remark.next, "nothing to do") << remark.topic;
+  }
+  WindowsFacts bad = GoodWindows();
+  bad.pads[0].whyClosed = "another program has it";
+  bad.hasNotificationArea = false;
+  bad.isAdministrator = false;
+  bad.folders[0].writable = false;
+  bad.running = {7, 8};
+  int states[3] = {};
+  for (const Remark& remark : Diagnose(bad)) {
+    EXPECT_NE(remark.next, "") << remark.topic;
+    ++states[static_cast<int>(remark.state)];
+  }
+  EXPECT_EQ(states[static_cast<int>(State::Good)], 2) << "DirectInput and the output";
+  EXPECT_EQ(states[static_cast<int>(State::Note)], 3);
+  EXPECT_EQ(states[static_cast<int>(State::Bad)], 1) << "the pad";
+}
+
+TEST(DiagnoseWindows, WithoutDirectInputNothingIsSaidOfPads) {
+  WindowsFacts facts = GoodWindows();
+  facts.directInputTrouble = "it isn't there";
+  facts.pads.clear();
+  const std::vector<Remark> remarks = Diagnose(facts);
+  EXPECT_TRUE(KeepsFromWorking(remarks));
+  EXPECT_EQ(remarks[0].topic, "DirectInput");
+  for (const Remark& remark : remarks) EXPECT_NE(remark.topic, "pad");
+  facts.directInputTrouble = "";
+  EXPECT_TRUE(KeepsFromWorking(Diagnose(facts))) << "no pad is there";
+}
+
 TEST(RemarkText, IsAParagraphWithItsStateInFront) {
   const Remark remark{State::Bad, "pad", "none is there", "plug one in"};
   EXPECT_EQ(RemarkText(remark, {80, false}), "bad   pad: none is there; plug one in.\n");

@@ -27,16 +27,22 @@ TEST(DoctorCommand, SaysAllInBothForms) {
     EXPECT_NE(remark["what"].Text(), "") << line;
     EXPECT_NE(remark["next"].Text(), "") << line;
   }
-  for (const char* topic :
-       {"session", "/dev/uinput", "module", "udev rule", "output", "pad", "notification area",
-        "real-time threads", "folder of profiles", "folder of settings", "running"}) {
+#ifdef _WIN32
+  const std::vector<std::string> own{"DirectInput"};
+#else
+  const std::vector<std::string> own{"session", "/dev/uinput", "module", "udev rule",
+                                     "real-time threads"};
+#endif
+  for (const std::string& topic : own) EXPECT_TRUE(topics.contains(topic)) << topic;
+  for (const char* topic : {"output", "pad", "notification area", "folder of profiles",
+                            "folder of settings", "running"}) {
     EXPECT_TRUE(topics.contains(topic)) << topic;
   }
   EXPECT_EQ(json.status, bad ? 1 : 0);
   const Outcome text = Kelvaroctl({"doctor"});
   EXPECT_EQ(text.status, json.status);
   for (const std::string& topic : topics) {
-    EXPECT_NE(text.out.find(topic + ": "), std::string::npos) << topic;
+    EXPECT_NE(text.out.find(topic + ":"), std::string::npos) << topic;
   }
 }
 
@@ -64,12 +70,15 @@ TEST_F(DoctorReport, HasWhatIsPrintedAndTheProfileNamed) {
   }
 }
 
+#ifndef _WIN32
 TEST_F(DoctorReport, TakesTheProfileThatTheWindowOpenedLast) {
   const TestFile profile("profile", R"({"deviceName":"Some pad"})");
   ASSERT_EQ(Kelvaroctl({"settings", "set", "Last Profile", profile.path}).status, 0);
   Kelvaroctl({"doctor", "--report", path});
   EXPECT_NE(tests::Content(path).find("Some pad"), std::string::npos);
 }
+
+#endif
 
 TEST_F(DoctorReport, IsWrittenWithoutALastProfileButNotWithoutTheOneNamed) {
   Kelvaroctl({"doctor", "--report", path});
@@ -87,6 +96,7 @@ TEST_F(DoctorReport, ThatCantBeWrittenIsAnError) {
   EXPECT_EQ(outcome.err, "kelvaroctl: " + home.In("none/report") + ": No such file or directory\n");
 }
 
+#ifndef _WIN32
 TEST(FileWith, IsTheFirstWithTheWordOutsideOfComments) {
   const tests::TemporaryFolder folder;
   tests::Put(folder.In("a/1.rules"), "# uinput\n  ; uinput\nother\n");
@@ -108,6 +118,7 @@ TEST(CanWriteInto, AFolderThatIsThereOrThatCanBeMade) {
   EXPECT_FALSE(CanWriteInto(folder.In("file/below")));
   EXPECT_FALSE(CanWriteInto(""));
 }
+#endif
 
 }  // namespace
 }  // namespace kelvaro::console

@@ -28,35 +28,32 @@ TEST(Wrapped, IndentsAllLinesButTheFirst) {
 // The help of each command, as wide as told.
 std::vector<std::string> Helps(std::size_t columns) {
   std::vector<std::string> helps;
-  for (const char* words : {
-#ifndef _WIN32
-           "doctor",
-#endif
-           "",
-           "keys",
-           "play",
-           "profiles",
-           "show",
-           "pack",
-           "check",
-           "devices",
-           "watch",
-           "record",
-           "run",
-           "explain",
-           "test",
-           "play-back",
-           "latency",
-           "status",
-           "select",
-           "pause",
-           "resume",
-           "release-all",
-           "follow-events",
-           "settings",
-           "settings list",
-           "settings get",
-           "settings set"}) {
+  for (const char* words : {"",
+                            "keys",
+                            "play",
+                            "profiles",
+                            "show",
+                            "pack",
+                            "check",
+                            "devices",
+                            "doctor",
+                            "watch",
+                            "record",
+                            "run",
+                            "explain",
+                            "test",
+                            "play-back",
+                            "latency",
+                            "status",
+                            "select",
+                            "pause",
+                            "resume",
+                            "release-all",
+                            "follow-events",
+                            "settings",
+                            "settings list",
+                            "settings get",
+                            "settings set"}) {
     std::istringstream in(words);
     std::vector<std::string> call;
     for (std::string word; in >> word;) call.push_back(word);

@@ -8,12 +8,10 @@ namespace kelvaro::console {
 namespace {
 
 const std::vector<std::string> kCommands{
-#ifndef _WIN32
-    "doctor",
-#endif
-    "keys",   "play",   "profiles", "show",    "pack",        "check",         "devices",
-    "watch",  "record", "run",      "explain", "test",        "play-back",     "latency",
-    "status", "select", "pause",    "resume",  "release-all", "follow-events", "settings"};
+    "keys",    "play",        "profiles",      "show",    "pack",   "check",
+    "devices", "doctor",      "watch",         "record",  "run",    "explain",
+    "test",    "play-back",   "latency",       "status",  "select", "pause",
+    "resume",  "release-all", "follow-events", "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -206,9 +204,7 @@ TEST(CommandLine, HelpOfEachCommandNamesAllItsOptions) {
       {"pack", {"IN", "OUT", "--help"}},
       {"check", {"FILE", "--json", "--help"}},
       {"devices", {"--json", "--help"}},
-#ifndef _WIN32
       {"doctor", {"--report", "--profile", "--json", "--help"}},
-#endif
       {"watch", {"NAME", "--until", "--json", "--help"}},
       {"record", {"NAME", "--until", "--help"}},
       {"run",

@@ -1,8 +1,5 @@
 // kelvaroctl doctor: whether Kelvaro can work on this machine.
 
-#include <cstdlib>
-
-#include "app/platform/linux/settings/sqlite_registry.h"
 #include "app/resources/settings_keys.h"
 #include "app/settings/app_settings.h"
 #include "console/bug_report.h"
@@ -14,6 +11,7 @@
 #include "console/machine_facts.h"
 #include "console/profile_json.h"
 #include "console/profile_source.h"
+#include "console/this_system.h"
 #include "console/write_file.h"
 
 namespace kelvaro::console {
@@ -21,11 +19,7 @@ namespace {
 
 // The name of the one that the window opened last; empty for none.
 std::string LastProfile(Streams streams) {
-  platform::SqliteRegistry registry;
-  registry.OnTrouble([&](const std::string& text) { Complain(streams.err, text); });
-  platform::Platform groups;
-  groups.registry = &registry;
-  const platform::InstalledPlatform installed(groups);
+  const SettingsStore store(streams);
   AppSettings settings;
   RegistryKey key(platform::HKEY_CURRENT_USER, kProductKey, false);
   settings.Load(&key, false);
@@ -48,8 +42,7 @@ bool FindReported(const DoctorOptions& options, std::string* json, Streams strea
 bool Report(const DoctorOptions& options, const std::vector<Remark>& remarks, Streams streams) {
   std::string json;
   if (!FindReported(options, &json, streams)) return false;
-  const char* const home = std::getenv("HOME");
-  const std::string text = ReportText(SystemText(), remarks, json, home ? home : "");
+  const std::string text = ReportText(SystemText(), remarks, json, HomeFolder());
   std::string error;
   if (!WriteWholeFile(*options.report, text, &error)) {
     Complain(streams.err, *options.report + ": " + error);
@@ -62,7 +55,7 @@ bool Report(const DoctorOptions& options, const std::vector<Remark>& remarks, St
 }  // namespace
 
 int DoctorCommand(const DoctorOptions& options, Streams streams) {
-  const std::vector<Remark> remarks = Diagnose(LookAtMachine());
+  const std::vector<Remark> remarks = ExamineMachine();
   for (const Remark& remark : remarks) {
     streams.out << (options.json ? RemarkJson(remark) + "\n" : RemarkText(remark, streams.terminal))
                 << std::flush;
