@@ -14,22 +14,58 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// False, with the error set, for a path that the system would see cut short.
-bool IsPath(const std::string& path) { return !HasZeroByte(path) || Fail(ERROR_INVALID_NAME); }
+std::wstring Wide(const std::string& text) {
+  const int size = static_cast<int>(text.size());
+  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), length);
+  return wide;
+}
 
-// With the separator behind it; empty where the path has none.
-std::string FolderOfPath(const std::string& path) {
-  return path.substr(0, path.find_last_of("\\/:") + 1);
+std::string Utf8(const std::wstring& text) {
+  const int length = static_cast<int>(text.size());
+  const int size =
+      WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+  return bytes;
+}
+
+// Of operations that give a text into a buffer and tell its length, or the room that it needs.
+std::wstring TextOfAnyLength(const std::function<DWORD(wchar_t* buffer, DWORD room)>& get) {
+  std::vector<wchar_t> buffer(MAX_PATH);
+  for (;;) {
+    const auto room = static_cast<DWORD>(buffer.size());
+    const DWORD length = get(buffer.data(), room);
+    if (length == 0) return Fail();
+    if (length < room) return {buffer.data(), length};
+    buffer.resize(std::max<std::size_t>(length, 2 * buffer.size()));
+  }
+}
+
+// A path as the system takes it, of any length. Empty, with the error set, for one that it would
+// see cut short, and for one that is a device's, as "CON.txt" is in each folder.
+std::wstring SystemPath(const std::string& path) {
+  if (path.empty()) return Fail(ERROR_PATH_NOT_FOUND);
+  if (HasZeroByte(path)) return Fail(ERROR_INVALID_NAME);
+  const std::wstring wide = Wide(path);
+  const std::wstring whole = TextOfAnyLength([&wide](wchar_t* buffer, DWORD room) {
+    return GetFullPathNameW(wide.c_str(), room, buffer, nullptr);
+  });
+  if (whole.starts_with(L"\\\\.\\")) return Fail(ERROR_INVALID_NAME);
+  constexpr std::size_t kLongest = MAX_PATH - 12;  // of a folder, which is to hold names as of old
+  if (whole.size() < kLongest || whole.starts_with(L"\\\\?\\")) return whole;
+  return whole.starts_with(L"\\\\") ? L"\\\\?\\UNC" + whole.substr(1) : L"\\\\?\\" + whole;
 }
 
 // Opens a file to read its data or what is known of it, without shutting out anybody.
-OwnedHandle Look(const std::string& path, DWORD access) {
-  return OwnedHandle(::CreateFileA(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
+OwnedHandle Look(const std::wstring& path, DWORD access) {
+  return OwnedHandle(::CreateFileW(path.c_str(), access, kShareAll, nullptr, OPEN_EXISTING,
                                    FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
 // Whether this program may make a file in that folder. Asks, and makes none.
-bool MayMakeFiles(const std::string& folder) {
+bool MayMakeFiles(const std::wstring& folder) {
   return static_cast<bool>(Look(folder, FILE_ADD_FILE));
 }
 
@@ -102,20 +138,21 @@ void Describe(const Found& found, FindData* data) {
   data->written = FileTime(found.ftLastWriteTime);
 }
 
-void Describe(const std::string& folder, const WIN32_FIND_DATAA& found, FindData* data) {
-  data->name = found.cFileName;
+void Describe(const std::wstring& folder, const WIN32_FIND_DATAW& found, FindData* data) {
+  data->name = Utf8(found.cFileName);
   Describe(found, data);
   if (!(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) return;
   BY_HANDLE_FILE_INFORMATION target;
-  const OwnedHandle file = Look(folder + data->name, FILE_READ_ATTRIBUTES);
+  const OwnedHandle file = Look(folder + found.cFileName, FILE_READ_ATTRIBUTES);
   if (file && GetFileInformationByHandle(file.Get(), &target)) Describe(target, data);
   data->attributes = (data->attributes & ~FILE_ATTRIBUTE_NORMAL) | FILE_ATTRIBUTE_REPARSE_POINT;
 }
 
 class WindowsSearch final : public FileSearch {
  public:
-  explicit WindowsSearch(const std::string& wanted)
-      : folder(FolderOfPath(wanted)), pattern(wanted.substr(folder.size())) {}
+  // `folder` with its separator.
+  WindowsSearch(std::wstring folder, std::string pattern)
+      : folder(std::move(folder)), pattern(std::move(pattern)) {}
   WindowsSearch(const WindowsSearch&) = delete;
   WindowsSearch& operator=(const WindowsSearch&) = delete;
   ~WindowsSearch() override {
@@ -123,12 +160,11 @@ class WindowsSearch final : public FileSearch {
   }
 
   bool FindFirst(FindData* data) {
-    if (pattern.empty()) return Fail(ERROR_FILE_NOT_FOUND);
     const bool isName = !HasWildcards(pattern);
-    WIN32_FIND_DATAA found;
-    search = ::FindFirstFileA((folder + (isName ? pattern : "*")).c_str(), &found);
+    WIN32_FIND_DATAW found;
+    search = ::FindFirstFileW((folder + (isName ? Wide(pattern) : L"*")).c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return Fail();
-    if (isName || FitsPattern(found.cFileName, pattern)) {
+    if (isName || FitsPattern(Utf8(found.cFileName), pattern)) {
       Describe(folder, found, data);
       return true;
     }
@@ -136,9 +172,9 @@ class WindowsSearch final : public FileSearch {
   }
 
   bool FindNextFileA(FindData* data) override {
-    WIN32_FIND_DATAA found;
-    while (::FindNextFileA(search, &found)) {
-      if (!FitsPattern(found.cFileName, pattern)) continue;
+    WIN32_FIND_DATAW found;
+    while (::FindNextFileW(search, &found)) {
+      if (!FitsPattern(Utf8(found.cFileName), pattern)) continue;
       Describe(folder, found, data);
       return true;
     }
@@ -146,22 +182,10 @@ class WindowsSearch final : public FileSearch {
   }
 
  private:
-  const std::string folder;  // with its separator
+  const std::wstring folder;
   const std::string pattern;
   HANDLE search = INVALID_HANDLE_VALUE;
 };
-
-// Of operations that give a text into a buffer and tell its length, or the room that it needs.
-std::string TextOfAnyLength(const std::function<DWORD(char* buffer, DWORD room)>& get) {
-  std::vector<char> buffer(MAX_PATH);
-  for (;;) {
-    const auto room = static_cast<DWORD>(buffer.size());
-    const DWORD length = get(buffer.data(), room);
-    if (length == 0) return Fail();
-    if (length < room) return {buffer.data(), length};
-    buffer.resize(std::max<std::size_t>(length, 2 * buffer.size()));
-  }
-}
 
 bool CopyBytes(HANDLE from, HANDLE to) {
   std::vector<char> buffer(std::size_t{1} << 16);
@@ -176,31 +200,44 @@ bool CopyBytes(HANDLE from, HANDLE to) {
   }
 }
 
+// An empty file of a name that no other has; an empty path on failure.
+OwnedHandle MakeFileIn(const std::wstring& folder, std::wstring* path) {
+  constexpr int kTries = 10'000;
+  for (int i = 0; i < kTries; ++i) {
+    *path = folder + L"kel" + std::to_wstring(GetCurrentProcessId() + i) + L".tmp";
+    OwnedHandle made(::CreateFileW(path->c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                   FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (made) return made;
+    if (::GetLastError() != ERROR_FILE_EXISTS) break;
+  }
+  Fail();
+  path->clear();
+  return OwnedHandle();
+}
+
 // A new file with the content of `source`, on the disk. Empty on failure.
-std::string CopyInto(const std::string& folder, HANDLE source) {
-  char path[MAX_PATH];
-  if (!GetTempFileNameA(folder.empty() ? "." : folder.c_str(), "kel", 0, path)) return Fail();
-  OwnedHandle copy(::CreateFileA(path, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr));
-  bool good = static_cast<bool>(copy) || Fail();
-  if (good) good = CopyBytes(source, copy.Get());
+std::wstring CopyInto(const std::wstring& folder, HANDLE source) {
+  std::wstring path;
+  OwnedHandle copy = MakeFileIn(folder, &path);
+  if (!copy) return {};
+  bool good = CopyBytes(source, copy.Get());
   if (good) good = FlushFileBuffers(copy.Get()) || Fail();
   if (!copy.Close() && good) good = Fail();
   if (good) return path;
-  ::DeleteFileA(path);
+  ::DeleteFileW(path.c_str());
   return {};
 }
 
 // Puts the file `copy` in the place of `target`, which keeps what is its own, or there anew with
 // the attributes of the source.
-bool PutInPlace(const std::string& copy, const std::string& target, bool replaces,
+bool PutInPlace(const std::wstring& copy, const std::wstring& target, bool replaces,
                 DWORD attributes) {
   if (replaces)
-    return ReplaceFileA(target.c_str(), copy.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+    return ReplaceFileW(target.c_str(), copy.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                         nullptr, nullptr) ||
            Fail();
-  return (::SetFileAttributesA(copy.c_str(), attributes) &&
-          MoveFileExA(copy.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH)) ||
+  return (::SetFileAttributesW(copy.c_str(), attributes) &&
+          MoveFileExW(copy.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH)) ||
          Fail();
 }
 
@@ -208,95 +245,108 @@ bool PutInPlace(const std::string& copy, const std::string& target, bool replace
 
 std::unique_ptr<File> WindowsFiles::CreateFileA(const std::string& path, std::uint32_t access,
                                                 std::uint32_t share, std::uint32_t disposition) {
-  if (!IsPath(path)) return nullptr;
+  const std::wstring system = SystemPath(path);
+  if (system.empty()) return nullptr;
   // Wine lets root write such a file.
-  const DWORD now = ::GetFileAttributesA(path.c_str());
+  const DWORD now = ::GetFileAttributesW(system.c_str());
   if ((access & GENERIC_WRITE) && now != INVALID_FILE_ATTRIBUTES && (now & FILE_ATTRIBUTE_READONLY))
     return Fail(ERROR_ACCESS_DENIED);
   // Whoever shares writing reads beside any writer, and holds up no replacing.
   DWORD shared = share | FILE_SHARE_READ;
   if (share & FILE_SHARE_WRITE) shared |= FILE_SHARE_DELETE;
-  OwnedHandle file(::CreateFileA(path.c_str(), access, shared, nullptr, disposition,
+  OwnedHandle file(::CreateFileW(system.c_str(), access, shared, nullptr, disposition,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!file) return Fail();
-  // A name such as "CON" opens a device.
   if (GetFileType(file.Get()) != FILE_TYPE_DISK) return Fail(ERROR_INVALID_NAME);
   return std::make_unique<WindowsFile>(std::move(file), access & GENERIC_WRITE);
 }
 
 bool WindowsFiles::CopyFileA(const std::string& from, const std::string& to, bool failIfExists) {
-  if (!IsPath(from) || !IsPath(to)) return false;
-  const OwnedHandle source(::CreateFileA(from.c_str(), GENERIC_READ, kShareAll, nullptr,
+  const std::wstring old = SystemPath(from);
+  const std::wstring target = old.empty() ? std::wstring() : SystemPath(to);
+  if (target.empty()) return false;
+  const OwnedHandle source(::CreateFileW(old.c_str(), GENERIC_READ, kShareAll, nullptr,
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   BY_HANDLE_FILE_INFORMATION known;
   if (!source || !GetFileInformationByHandle(source.Get(), &known)) return Fail();
-  const DWORD old = ::GetFileAttributesA(to.c_str());
-  const bool replaces = old != INVALID_FILE_ATTRIBUTES;
+  const DWORD attributes = ::GetFileAttributesW(target.c_str());
+  const bool replaces = attributes != INVALID_FILE_ATTRIBUTES;
   if (replaces) {
     if (failIfExists) return Fail(ERROR_FILE_EXISTS);
-    if (old & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))
+    if (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))
       return Fail(ERROR_ACCESS_DENIED);
     // Replacing a file needs no right to write it, but a copy over it does.
-    if (!Look(to, GENERIC_WRITE)) return Fail();
+    if (!Look(target, GENERIC_WRITE)) return Fail();
   }
-  const std::string copy = CopyInto(FolderOfPath(to), source.Get());
+  const std::wstring copy = CopyInto(target.substr(0, target.rfind(L'\\') + 1), source.Get());
   if (copy.empty()) return false;
-  if (PutInPlace(copy, to, replaces, known.dwFileAttributes)) return true;
-  ::SetFileAttributesA(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
-  ::DeleteFileA(copy.c_str());
+  if (PutInPlace(copy, target, replaces, known.dwFileAttributes)) return true;
+  ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
+  ::DeleteFileW(copy.c_str());
   return false;
 }
 
 bool WindowsFiles::DeleteFileA(const std::string& path) {
-  return IsPath(path) && (::DeleteFileA(path.c_str()) || Fail());
+  const std::wstring system = SystemPath(path);
+  return !system.empty() && (::DeleteFileW(system.c_str()) || Fail());
 }
 
 std::uint32_t WindowsFiles::GetFileAttributesA(const std::string& path) {
-  if (!IsPath(path)) return INVALID_FILE_ATTRIBUTES;
-  const DWORD system = ::GetFileAttributesA(path.c_str());
-  if (system == INVALID_FILE_ATTRIBUTES) {
+  const std::wstring system = SystemPath(path);
+  if (system.empty()) return INVALID_FILE_ATTRIBUTES;
+  const DWORD known = ::GetFileAttributesW(system.c_str());
+  if (known == INVALID_FILE_ATTRIBUTES) {
     Fail();
     return INVALID_FILE_ATTRIBUTES;
   }
-  const std::uint32_t attributes = AttributesOf(system);
-  const bool isClosed = (attributes & FILE_ATTRIBUTE_DIRECTORY) && !MayMakeFiles(path);
+  const std::uint32_t attributes = AttributesOf(known);
+  const bool isClosed = (attributes & FILE_ATTRIBUTE_DIRECTORY) && !MayMakeFiles(system);
   return isClosed ? attributes | FILE_ATTRIBUTE_READONLY : attributes;
 }
 
 bool WindowsFiles::SetFileAttributesA(const std::string& path, std::uint32_t attributes) {
-  if (!IsPath(path)) return false;
-  const DWORD now = ::GetFileAttributesA(path.c_str());
+  const std::wstring system = SystemPath(path);
+  if (system.empty()) return false;
+  const DWORD now = ::GetFileAttributesW(system.c_str());
   if (now == INVALID_FILE_ATTRIBUTES) return Fail();
   const DWORD wanted =
       (now & ~DWORD{FILE_ATTRIBUTE_READONLY}) | (attributes & FILE_ATTRIBUTE_READONLY);
   // Nothing to do is no failure, on somebody else's file either.
-  return wanted == now || ::SetFileAttributesA(path.c_str(), wanted) || Fail();
+  return wanted == now || ::SetFileAttributesW(system.c_str(), wanted) || Fail();
 }
 
 bool WindowsFiles::CreateDirectoryA(const std::string& path) {
-  return IsPath(path) && (::CreateDirectoryA(path.c_str(), nullptr) || Fail());
+  const std::wstring system = SystemPath(path);
+  return !system.empty() && (::CreateDirectoryW(system.c_str(), nullptr) || Fail());
 }
 
 std::unique_ptr<FileSearch> WindowsFiles::FindFirstFileA(const std::string& pattern,
                                                          FindData* data) {
-  if (!IsPath(pattern)) return nullptr;
-  auto search = std::make_unique<WindowsSearch>(pattern);
+  const std::size_t name = pattern.find_last_of("\\/:") + 1;
+  if (HasZeroByte(pattern)) return Fail(ERROR_INVALID_NAME);
+  if (name == pattern.size()) return Fail(ERROR_FILE_NOT_FOUND);
+  std::wstring folder = SystemPath(name == 0 ? "." : pattern.substr(0, name));
+  if (folder.empty()) return nullptr;
+  if (folder.back() != L'\\') folder += L'\\';
+  auto search = std::make_unique<WindowsSearch>(folder, pattern.substr(name));
   if (!search->FindFirst(data)) return nullptr;
   return search;
 }
 
 std::string WindowsFiles::GetCurrentDirectoryA() {
-  return TextOfAnyLength(
-      [](char* buffer, DWORD room) { return ::GetCurrentDirectoryA(room, buffer); });
+  return Utf8(TextOfAnyLength(
+      [](wchar_t* buffer, DWORD room) { return ::GetCurrentDirectoryW(room, buffer); }));
 }
 
+// The system's limit for a current folder stands.
 bool WindowsFiles::SetCurrentDirectoryA(const std::string& path) {
-  return IsPath(path) && (::SetCurrentDirectoryA(path.c_str()) || Fail());
+  if (HasZeroByte(path)) return Fail(ERROR_INVALID_NAME);
+  return ::SetCurrentDirectoryW(Wide(path).c_str()) || Fail();
 }
 
 std::string WindowsFiles::GetModuleFileNameA() {
-  return TextOfAnyLength(
-      [](char* buffer, DWORD room) { return ::GetModuleFileNameA(nullptr, buffer, room); });
+  return Utf8(TextOfAnyLength(
+      [](wchar_t* buffer, DWORD room) { return ::GetModuleFileNameW(nullptr, buffer, room); }));
 }
 
 std::uint32_t WindowsFiles::GetLogicalDrives() { return ::GetLogicalDrives(); }

@@ -1,7 +1,7 @@
-// Files and folders of Windows, with both separators. A folder's own read-only attribute means
-// nothing to the system and is left out; a folder is read-only where this program may not make
-// anything. The system's sharing goes one step further than the seam's: a file that one writes
-// alone is shut to others that would write, even to those that share. Any thread.
+// Files and folders of Windows, with both separators and paths of any length. A folder's own
+// read-only attribute means nothing to the system and is left out; a folder is read-only where this
+// program may not make anything. The system's sharing goes one step further than the seam's: a file
+// that one writes alone is shut to others that would write, even to those that share. Any thread.
 #pragma once
 
 #include <memory>

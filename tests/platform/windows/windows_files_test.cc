@@ -22,11 +22,16 @@ class WindowsFilesTest : public ::testing::Test, protected kelvaro::tests::Tempo
 
 TEST_F(WindowsFilesTest, TextIsUtf8) { EXPECT_EQ(GetACP(), 65001u); }
 
-TEST_F(WindowsFilesTest, DevicesAreNoFiles) {
-  for (const char* name : {"NUL", "CON"}) {
-    EXPECT_FALSE(OpenToRead(files, name));
-    EXPECT_FALSE(Create(files, name));
+TEST_F(WindowsFilesTest, DevicesAreNoFilesInAnyFolder) {
+  for (const std::string& name :
+       {std::string("NUL"), std::string("CON"), In("NUL.x"), In("con.idprof"), In("COM1 .y")}) {
+    EXPECT_FALSE(OpenToRead(files, name)) << name;
+    EXPECT_EQ(files.GetLastError(), ERROR_INVALID_NAME) << name;
+    EXPECT_FALSE(Create(files, name)) << name;
+    EXPECT_EQ(files.GetFileAttributesA(name), 0xFFFFFFFFu) << name;
+    EXPECT_EQ(files.GetLastError(), ERROR_INVALID_NAME) << name;
   }
+  EXPECT_TRUE(Create(files, In("CONS.x")));
   EXPECT_FALSE(Create(files, In("a?b")));
   EXPECT_FALSE(OpenToRead(files, folder));
 }
@@ -69,6 +74,28 @@ TEST_F(WindowsFilesTest, DataOfWhatIsFound) {
   ASSERT_TRUE(files.FindFirstFileA(folder, &data));
   EXPECT_EQ(data.attributes, 0x10u);
   EXPECT_TRUE(files.SetFileAttributesA(In("a"), 0));
+}
+
+// Levels of 60 characters, until the path is longer than any that the old limit allows.
+TEST_F(WindowsFilesTest, APathMayHaveAnyLength) {
+  std::string deep = folder;
+  while (deep.size() < 1000) {
+    deep += "\\" + std::string(60, 'd');
+    ASSERT_TRUE(files.CreateDirectoryA(deep)) << deep.size() << ": " << files.GetLastError();
+    const std::string path = deep + "\\file";
+    {
+      const std::unique_ptr<File> file = Create(files, path);
+      ASSERT_TRUE(file) << path.size() << ": " << files.GetLastError();
+      ASSERT_TRUE(Write(*file, "12345"));
+    }
+    EXPECT_EQ(files.GetFileAttributesA(path), FILE_ATTRIBUTE_NORMAL) << path.size();
+    EXPECT_TRUE(files.SetFileAttributesA(path, FILE_ATTRIBUTE_READONLY)) << path.size();
+    EXPECT_TRUE(files.SetFileAttributesA(path, FILE_ATTRIBUTE_NORMAL)) << path.size();
+    EXPECT_TRUE(files.CopyFileA(path, deep + "\\copy", true)) << path.size();
+    EXPECT_TRUE(files.CopyFileA(path, deep + "\\copy", false)) << path.size();
+    EXPECT_TRUE(files.DeleteFileA(path)) << path.size();
+    EXPECT_EQ(Found(files, deep + "\\*y"), Names{"copy"}) << path.size();
+  }
 }
 
 TEST_F(WindowsFilesTest, DrivesHaveTheirBits) { EXPECT_NE(files.GetLogicalDrives() & 4, 0u); }
