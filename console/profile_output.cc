@@ -53,6 +53,10 @@ bool StoreProfile(ProfileFile& profile, std::string* path, std::string* error) {
     *error = "no file name can be made of '" + name + "'";
     return false;
   }
+  if (ProfileLibrary::IsTakenBySystem(fileName)) {
+    *error = "'" + Bytes(fileName) + "' can't be a file: this system has that name for a device";
+    return false;
+  }
   *path =
       Bytes(ProfileLibrary::ProfileFolder()) + platform::files().PathSeparator() + Bytes(fileName);
   const ByteString other = profile.FindProfileFile(profile.profileName);

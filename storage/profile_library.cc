@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "app/platform/error_codes.h"
 #include "app/platform/files.h"
 #include "foundation/binary_file.h"
 #include "foundation/directory_walker.h"
@@ -95,6 +96,13 @@ ByteString ProfileLibrary::ProfileFileName(const ByteString& name) {
 
 bool ProfileLibrary::IsTooLong(const ByteString& fileName) {
   return fileName.Length() > kLongestName + (sizeof kExtension - 1);
+}
+
+bool ProfileLibrary::IsTakenBySystem(const ByteString& fileName) {
+  const std::string path =
+      Bytes(ProfileFolder()) + platform::files().PathSeparator() + Bytes(fileName);
+  return platform::files().GetFileAttributesA(path) == platform::INVALID_FILE_ATTRIBUTES &&
+         platform::files().GetLastError() == platform::ERROR_INVALID_NAME;
 }
 
 ByteString ProfileLibrary::ProfileFolder() { return In(DataFolder(), kFolder); }

@@ -26,6 +26,9 @@ class ProfileLibrary {
   static ByteString ProfileFileName(const ByteString& name);
   // Whether such a file name has more of the profile's name than kLongestName: no save would work.
   static bool IsTooLong(const ByteString& fileName);
+  // Whether the system has another use for such a file name, in whatever folder, so that no save
+  // would work: on Windows "CON.idprof" is the console.
+  static bool IsTakenBySystem(const ByteString& fileName);
 
   // Without a separator at its end. It need not be there; the first save makes it. One of a user's
   // own is made by the first look for profiles, with copies of those that came with the program.

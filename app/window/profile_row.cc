@@ -38,6 +38,9 @@ constexpr char kNoFileNameEnd[] =
 constexpr char kTooLongText[] =
     "The profile name is too long.\nIts file on disk can take at most 244 of its characters.";
 static_assert(ProfileFile::kLongestName == 244);
+constexpr char kSystemNameText[] = "The file name \"";
+constexpr char kSystemNameEnd[] =
+    "\" can't be used: this system has it for a device. Please choose another name.";
 constexpr char kFileTakenCaption[] = "Profile File Already Exists";
 constexpr char kFileTakenText[] = "The profile file named \"";
 // Kept: no blank behind the quote.
@@ -187,6 +190,11 @@ bool ProfileRow::ValidateNewProfileName(const ByteString& name) {
   }
   if (ProfileFile::IsTooLong(fileName)) {
     dialog.Box(kTooLongText, kNoFileNameCaption, platform::MB_OK);
+    return false;
+  }
+  if (ProfileFile::IsTakenBySystem(fileName)) {
+    dialog.Box(Around(kSystemNameText, fileName, kSystemNameEnd), kNoFileNameCaption,
+               platform::MB_OK);
     return false;
   }
   ByteString path = ProfileFile::ProfileFolder();

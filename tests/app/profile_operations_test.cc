@@ -211,6 +211,18 @@ TEST_F(RefusedNameTest, ForANewProfile) {
   }
 }
 
+TEST_F(RefusedNameTest, ThatTheSystemHasForADevice) {
+  Disk().Format('\\');
+  Begin();
+  ClickNew("NUL.x");
+  ExpectBoxAndAnswer(
+      "The file name \"NUL.x.idprof\" can't be used: this system has it for a device. Please "
+      "choose "
+      "another name.",
+      "Invalid Profile File Name", MB_OK);
+  EXPECT_EQ(Profiles(), Strings());
+}
+
 TEST_F(RefusedNameTest, ForACopyAndForARename) {
   BeginWithThem();
   for (const std::uint32_t button : {kCopyProfile, kRenameProfile}) {

@@ -223,6 +223,28 @@ TEST_F(ProfileLibraryTest, TheLongestNameIsTheLongestThatCanBeSaved) {
   EXPECT_TRUE(longest.Save());
 }
 
+TEST_F(ProfileLibraryTest, WhatTheSystemHasForADeviceIsNoProfile) {
+  Disk().Format('\\');
+  struct {
+    const char* name;
+    bool isTaken;
+  } const kCases[] = {
+      {"CON", true},   {"con", true},    {"NUL.x", true},        {"Aux  .y", true},
+      {"prn", true},   {"COM1", true},   {"lpt9.profile", true}, {"COM0", false},
+      {"CONS", false}, {"x CON", false}, {"COM10", false},       {"COM", false},
+      {"a.", false},   {"a ", false},    {"a:b", false},
+  };
+  for (const auto& c : kCases) {
+    ProfileFile named;
+    named.profileName = TextOf(c.name);
+    EXPECT_EQ(ProfileFile::IsTakenBySystem(ProfileFile::ProfileFileName(named.profileName)),
+              c.isTaken)
+        << c.name;
+    EXPECT_EQ(named.Save(), !c.isTaken) << c.name;
+    EXPECT_EQ(named.FindProfileFile(named.profileName).IsEmpty(), c.isTaken) << c.name;
+  }
+}
+
 TEST_F(ProfileLibraryTest, ListingReadsEachFileOnceAndLeavesTheLoadedProfileAlone) {
   ASSERT_TRUE(LoadBytes(&profile, SmallProfile("loaded")));
   for (const char* name : {"1", "2", "3"}) Put(std::string(name) + ".idprof", name);

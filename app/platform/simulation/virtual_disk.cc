@@ -16,6 +16,19 @@ constexpr std::size_t kLargestFile = std::size_t{1} << 30;
 
 constexpr std::size_t kLongestName = 255;  // bytes of one level of a path
 
+// As Windows has devices in each folder, whatever stands behind a dot.
+bool IsDevice(const std::string& name) {
+  std::string device = name.substr(0, name.find('.'));
+  device.erase(device.find_last_not_of(' ') + 1);
+  const bool isNumbered = device.size() == 4 && device[3] >= '1' && device[3] <= '9';
+  if (isNumbered) device.pop_back();
+  for (const char* known : {"COM", "LPT"})
+    if (isNumbered && SameName(device, known)) return true;
+  for (const char* known : {"CON", "PRN", "AUX", "NUL"})
+    if (!isNumbered && SameName(device, known)) return true;
+  return false;
+}
+
 // 2001-01-01 00:00 UTC, where the simulation's time starts, and a millisecond, in units of 100 ns.
 constexpr std::uint64_t kStartOfTime = 126'227'808'000'000'000;
 constexpr std::uint64_t kMillisecond = 10'000;
@@ -490,6 +503,7 @@ std::optional<VirtualDisk::Names> VirtualDisk::Parts(const std::string& path) co
     at = end + 1;
     if (name.empty() || name == ".") continue;
     if (name.size() > kLongestName) return std::nullopt;
+    if (separator == '\\' && IsDevice(name)) return std::nullopt;
     if (name == "..") {
       if (parts.size() > 1) parts.pop_back();
     } else {

@@ -41,7 +41,7 @@ constexpr std::uint32_t ERROR_NOT_READY = 21;  // of every operation while the m
 constexpr std::uint32_t ERROR_SHARING_VIOLATION = 32;
 constexpr std::uint32_t ERROR_FILE_EXISTS = 80;
 using platform::ERROR_DISK_FULL;
-constexpr std::uint32_t ERROR_INVALID_NAME = 123;
+using platform::ERROR_INVALID_NAME;
 constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
 constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
 
