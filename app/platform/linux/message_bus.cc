@@ -41,6 +41,9 @@ bool MessageBus::Connect() {
   DBusMessage* reply = Ask(dbus_message_new_method_call(DBUS_SERVICE_DBUS, DBUS_PATH_DBUS,
                                                         DBUS_INTERFACE_DBUS, "Hello"));
   if (!reply) return false;
+  const char* name = nullptr;
+  if (dbus_message_get_args(reply, nullptr, DBUS_TYPE_STRING, &name, DBUS_TYPE_INVALID))
+    dbus_bus_set_unique_name(connection, name);
   dbus_message_unref(reply);
   return true;
 }
@@ -105,6 +108,43 @@ bool MessageBus::ReadProperty(const char* interface, const char* path, const cha
   }
   dbus_message_unref(reply);
   return read;
+}
+
+std::string MessageBus::OwnName() const {
+  const char* const name = connection ? dbus_bus_get_unique_name(connection) : nullptr;
+  return name ? name : "";
+}
+
+void MessageBus::Listen(std::function<bool(DBusMessage*)> take) {
+  listener = std::move(take);
+  const auto filter = [](DBusConnection* from, DBusMessage* message, void* self) {
+    if (!static_cast<MessageBus*>(self)->listener(message))
+      return DBUS_HANDLER_RESULT_NOT_YET_HANDLED;
+    if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL &&
+        !dbus_message_get_no_reply(message)) {
+      if (DBusMessage* const reply = dbus_message_new_method_return(message)) {
+        dbus_connection_send(from, reply, nullptr);
+        dbus_message_unref(reply);
+      }
+    }
+    return DBUS_HANDLER_RESULT_HANDLED;
+  };
+  dbus_connection_add_filter(connection, filter, this, nullptr);
+}
+
+int MessageBus::Watched() const {
+  int fd = -1;
+  if (connection) dbus_connection_get_unix_fd(connection, &fd);
+  return fd;
+}
+
+bool MessageBus::Receive() {
+  if (!connection) return false;
+  const bool connected = dbus_connection_read_write(connection, 0);
+  while (dbus_connection_dispatch(connection) == DBUS_DISPATCH_DATA_REMAINS) {
+  }
+  dbus_connection_flush(connection);
+  return connected;
 }
 
 std::string SystemBusAddress() {

@@ -2,6 +2,7 @@
 // the service asked doesn't answer. No question waits longer than a second. One thread at a time.
 #pragma once
 
+#include <functional>
 #include <string>
 
 struct DBusConnection;
@@ -28,10 +29,21 @@ class MessageBus {
   bool ReadProperty(const char* interface, const char* path, const char* property, bool start,
                     int type, void* value);
 
+  // The name that others reach this connection by; empty while not connected.
+  std::string OwnName() const;
+  // Once connected: has `take` called with each message that is no reply, while something is asked
+  // and in Receive; true where it is dealt with. A call is then answered with nothing.
+  void Listen(std::function<bool(DBusMessage*)> take);
+  // Readable when there may be messages; -1 while not connected.
+  int Watched() const;
+  // Takes in the messages that have come. False once the bus has ended.
+  bool Receive();
+
  private:
   const std::string address;
   DBusConnection* connection = nullptr;
   bool givenUp = false;
+  std::function<bool(DBusMessage*)> listener;
 };
 
 // Of the environment, else the usual ones; empty where there is no session's.

@@ -3,7 +3,11 @@
 #include <dbus/dbus.h>
 #include <gtest/gtest.h>
 
+#include <string>
+#include <thread>
+
 #include "tests/host/files.h"
+#include "tests/host/processes.h"
 #include "tests/platform/linux/fake_realtime_kit.h"
 
 namespace platform {
@@ -56,6 +60,40 @@ TEST(MessageBus, ThatIsNotThereIsNotConnected) {
   MessageBus bus("unix:path=/no/such/bus");
   EXPECT_FALSE(bus.Connect());
   EXPECT_FALSE(bus.Connect());
+}
+
+TEST(MessageBus, HearsWhatOthersCallByItsName) {
+  const Bus daemon;
+  ASSERT_NE(daemon.Address(), "");
+  MessageBus called(daemon.Address());
+  EXPECT_EQ(called.OwnName(), "");
+  EXPECT_EQ(called.Watched(), -1);
+  ASSERT_TRUE(called.Connect());
+  EXPECT_GE(called.Watched(), 0);
+  std::string heard;
+  called.Listen([&heard](DBusMessage* message) {
+    heard = dbus_message_get_member(message);
+    return true;
+  });
+  std::thread caller([&] {
+    MessageBus bus(daemon.Address());
+    if (!bus.Connect()) return;
+    DBusMessage* const answer = bus.Ask(
+        dbus_message_new_method_call(called.OwnName().c_str(), "/", "some.Interface", "Told"));
+    if (answer) dbus_message_unref(answer);
+  });
+  EXPECT_TRUE(kelvaro::tests::Eventually([&] { return called.Receive() && heard == "Told"; }));
+  caller.join();
+}
+
+TEST(MessageBus, SaysWhenItHasEnded) {
+  Bus daemon;
+  ASSERT_NE(daemon.Address(), "");
+  MessageBus bus(daemon.Address());
+  ASSERT_TRUE(bus.Connect());
+  EXPECT_TRUE(bus.Receive());
+  daemon.Stop();
+  EXPECT_TRUE(kelvaro::tests::Eventually([&] { return !bus.Receive(); }));
 }
 
 }  // namespace
