@@ -157,6 +157,12 @@ int PauseCommand(const SteerOptions& options, Streams streams);
 int ResumeCommand(const SteerOptions& options, Streams streams);
 int ReleaseAllCommand(const SteerOptions& options, Streams streams);
 int FollowEventsCommand(const SteerOptions& options, Streams streams);
+struct FollowOptions {
+  std::string rules;  // file, "-" for standard input
+  bool dryRun = false;
+  bool json = false;
+};
+int FollowCommand(const FollowOptions& options, Streams streams);
 
 // Which of them count follows from the command.
 struct SettingsOptions {

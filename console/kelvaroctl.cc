@@ -60,6 +60,7 @@ struct Choice {
   RunOptions explain;
   RunOptions test;
   PlayBackOptions playBack;
+  FollowOptions follow;
   LatencyOptions latency;
   SteerOptions status;
   SteerOptions select;
@@ -508,6 +509,30 @@ void AddSteeringCommands(CLI::App& app, Choice& choice) {
           "starts later isn't followed.");
 }
 
+void AddFollow(CLI::App& app, Choice& choice) {
+  CLI::App* follow =
+      app.add_subcommand("follow", "Select a profile by the window in front, until Ctrl-C");
+  follow->footer(
+      "RULES is JSON: {\"default\":\"Desktop\",\"rules\":[{\"program\":\"doom*\",\"profile\":"
+      "\"Shooter\"}]}. A rule names patterns for the program's file name, the window's class or "
+      "its title, in which * stands for any text and ? for one character, and a stored profile. "
+      "The first rule counts of which all fits the window in front; where none does, the default. "
+      "Each Kelvaro that runs, and each that comes, is asked for that profile. "
+      "docs/follow.schema.json tells all members.\n"
+      "X servers tell the window in front, sway and KWin do; other desktops on Wayland, such as "
+      "GNOME Shell, tell it of X11 programs alone. Start with --dry-run, and go from window to "
+      "window: each is a line. Exit status 1 when the desktop has ended.\n"
+      "With --json: event (window in a dry run, selected, or waiting where no Kelvaro runs), and "
+      "with the first two program, class, title (null where there is no window), rule (from 1; 0 "
+      "for the default) and profile.");
+  follow->add_option("RULES", choice.follow.rules, "the file of rules; - for standard input")
+      ->required();
+  follow->add_flag("--dry-run", choice.follow.dryRun,
+                   "select nothing; say of each window which rule fits it");
+  follow->add_flag("--json", choice.follow.json, kJsonHelp);
+  Choose(follow, choice, choice.follow, &FollowCommand);
+}
+
 void AddSettings(CLI::App& app, Choice& choice) {
   CLI::App* settings = app.add_subcommand("settings", "Show or change what the window remembers");
   settings->require_subcommand(1);
@@ -570,6 +595,7 @@ void AddAll(CLI::App& app, Choice& choice) {
   AddPlayBack(app, choice);
   AddLatency(app, choice);
   AddSteeringCommands(app, choice);
+  AddFollow(app, choice);
   AddSettings(app, choice);
   // Last: commands take over what their program has as they are added.
   app.footer(

@@ -95,6 +95,10 @@ bool ReadProfileBytes(const std::string& bytes, const std::string& name, Profile
   return false;
 }
 
+std::string NoStoredProfile(const std::string& name) {
+  return "no stored profile '" + name + "'" + MostSimilar(StoredNames(), name);
+}
+
 bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFault* fault) {
   *path = fileOrName;
   if (fileOrName == "-" || IsFile(fileOrName)) return true;
@@ -111,8 +115,7 @@ bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFa
   const std::vector<std::string> meant = NamesThatBegin(stored, fileOrName);
   if (meant.size() == 1 && isStored(meant[0])) return true;
   fault->message = meant.size() > 1 ? SeveralNames(fileOrName, meant)
-                                    : "there is no file and no stored profile '" + fileOrName +
-                                          "'" + MostSimilar(stored, fileOrName);
+                                    : "there is no file and " + NoStoredProfile(fileOrName);
   return false;
 }
 

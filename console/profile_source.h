@@ -31,6 +31,9 @@ bool ReadProfileBytes(const std::string& bytes, const std::string& name, Profile
 // that leads nowhere is given back as it is. Under a FileMachine.
 bool FindProfilePath(const std::string& fileOrName, std::string* path, ProfileFault* fault);
 
+// That no profile of that name is stored, and which may be meant or are there. Under a FileMachine.
+std::string NoStoredProfile(const std::string& name);
+
 // Fills *profile, a fresh one, from what FindProfilePath gives. Under a FileMachine. A file that
 // can't be read whole gives way to its temporary, as it does whenever a profile is loaded.
 bool FindProfile(const std::string& fileOrName, ProfileFile* profile, ProfileFault* fault);

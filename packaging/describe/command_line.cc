@@ -79,6 +79,7 @@ constexpr Known kKnown[] = {
     {"kelvaroctl resume", "--instance", Kind::Text},
     {"kelvaroctl release-all", "--instance", Kind::Text},
     {"kelvaroctl follow-events", "--instance", Kind::Text},
+    {"kelvaroctl follow", "RULES", Kind::File},
     {"kelvaroctl settings get", "NAME", Kind::Setting},
     {"kelvaroctl settings set", "NAME", Kind::Setting},
     {"kelvaroctl settings set", "VALUE", Kind::Text},

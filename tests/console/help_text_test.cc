@@ -50,6 +50,7 @@ std::vector<std::string> Helps(std::size_t columns) {
                             "resume",
                             "release-all",
                             "follow-events",
+                            "follow",
                             "settings",
                             "settings list",
                             "settings get",

@@ -8,10 +8,10 @@ namespace kelvaro::console {
 namespace {
 
 const std::vector<std::string> kCommands{
-    "keys",    "play",        "profiles",      "show",    "pack",   "check",
-    "devices", "doctor",      "watch",         "record",  "run",    "explain",
-    "test",    "play-back",   "latency",       "status",  "select", "pause",
-    "resume",  "release-all", "follow-events", "settings"};
+    "keys",    "play",        "profiles",      "show",   "pack",    "check",
+    "devices", "doctor",      "watch",         "record", "run",     "explain",
+    "test",    "play-back",   "latency",       "status", "select",  "pause",
+    "resume",  "release-all", "follow-events", "follow", "settings"};
 
 TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
   const std::vector<std::string> kCases[] = {
@@ -55,6 +55,9 @@ TEST(CommandLine, AWrongOneIsOneLineAndStatusTwo) {
       {"show"},
       {"show", "a", "b"},
       {"show", "--until", "5", "a"},
+      {"follow"},
+      {"follow", "a", "b"},
+      {"follow", "--dryrun", "a"},
       {"pack"},
       {"pack", "a"},
       {"pack", "a", "b", "c"},
