@@ -61,6 +61,13 @@ endfunction()
 kelvaro_headers(kelvaro_headers_standard <algorithm> <cstdint> <cstring> <functional> <map> <memory>
   <optional> <string> <vector> LINKS kelvaro_watched)
 
+# kelvaro_apart(FILES...): sources of this folder that are compiled by themselves where others are
+# compiled several at a time (CMAKE_UNITY_BUILD, as in the presets of the sanitizers): their own names,
+# or the macros of X11 that they include, clash with a neighbour's.
+function(kelvaro_apart)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
 # kelvaro_library(NAME [HEADERS name] [links...]): target kelvaro_NAME of this folder's *.cc. A main.cc
 # stays out: all of a program but main is a library, so that tests link it too.
 function(kelvaro_library name)
