@@ -32,6 +32,10 @@ target_compile_options(kelvaro_watched INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wth
 if(KELVARO_FUZZ)
   target_compile_options(kelvaro_watched INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+# The sanitizers' checks cost tests and fuzzing many times what compiling a little better does.
+if(KELVARO_SANITIZE)
+  target_compile_options(kelvaro_watched INTERFACE -O1)
+endif()
 
 # Headers that many sources begin with are compiled once for all, where KELVARO_SHARED_HEADERS asks
 # for it: in the presets that ./test builds. A build without it tells of an include that is missing.
