@@ -5,16 +5,12 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <cstring>
+
+#include "app/platform/linux/environment.h"
 
 namespace kelvaro {
 namespace {
-
-std::string Variable(const char* name) {
-  const char* const value = getenv(name);
-  return value ? value : "";
-}
 
 bool XAnswers() {
   xcb_connection_t* const connection = xcb_connect(nullptr, nullptr);
@@ -24,9 +20,9 @@ bool XAnswers() {
 }
 
 bool WaylandAnswers() {
-  std::string path = Variable("WAYLAND_DISPLAY");
+  std::string path = platform::Variable("WAYLAND_DISPLAY");
   if (path.empty()) path = "wayland-0";
-  if (path.front() != '/') path = Variable("XDG_RUNTIME_DIR") + '/' + path;
+  if (path.front() != '/') path = platform::Variable("XDG_RUNTIME_DIR") + '/' + path;
   sockaddr_un address = {};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path) return false;
@@ -41,7 +37,7 @@ bool WaylandAnswers() {
 
 }  // namespace
 
-DisplaySystem RealDisplaySystem() { return {&Variable, &XAnswers, &WaylandAnswers}; }
+DisplaySystem RealDisplaySystem() { return {&platform::Variable, &XAnswers, &WaylandAnswers}; }
 
 std::string NoDisplay(const std::string& reason) {
   return "kelvaro: there is no display to show the window on (" + reason +

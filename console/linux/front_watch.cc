@@ -5,11 +5,11 @@
 #include <sys/inotify.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <thread>
 #include <utility>
 
 #include "app/platform/linux/descriptor.h"
+#include "app/platform/linux/environment.h"
 #include "app/platform/linux/instance_socket.h"
 #include "app/platform/linux/message_bus.h"
 #include "console/linux/front_source.h"
@@ -32,11 +32,6 @@ constexpr char kOnlyX11[] =
 constexpr char kNobodyTells[] =
     "nobody tells here which window is in front: sway (SWAYSOCK), KWin (on the session's bus) and "
     "X servers (DISPLAY) do, other desktops on Wayland such as GNOME Shell don't";
-
-std::string Variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value ? value : "";
-}
 
 // The folder in which each that runs has its socket.
 class InstanceNews {
@@ -85,9 +80,9 @@ struct FrontWatch::Parts {
 
 void FrontWatch::Parts::Open(std::string* error) {
   *error = kNobodyTells;
-  const std::string sway = Variable("SWAYSOCK");
-  const std::string display = Variable("DISPLAY");
-  const bool wayland = !Variable("WAYLAND_DISPLAY").empty();
+  const std::string sway = platform::Variable("SWAYSOCK");
+  const std::string display = platform::Variable("DISPLAY");
+  const bool wayland = !platform::Variable("WAYLAND_DISPLAY").empty();
   if (!sway.empty()) {
     teller = "sway";
     source = OpenSwayFront(sway, error);

@@ -8,13 +8,13 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/device_use.h"
+#include "app/platform/linux/environment.h"
 #include "app/platform/linux/icon_area.h"
 #include "app/platform/linux/instance_socket.h"
 #include "app/platform/linux/linux_input.h"
@@ -33,11 +33,6 @@ namespace kelvaro::console {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value ? value : "";
-}
 
 void LookAtOutput(MachineFacts* facts) {
   const platform::Descriptor node(open("/dev/uinput", O_WRONLY | O_NONBLOCK | O_CLOEXEC));
@@ -129,7 +124,7 @@ bool CanWriteInto(const std::string& folder) {
   return !folder.empty() && fs::is_directory(path, error) && access(path.c_str(), W_OK | X_OK) == 0;
 }
 
-std::string HomeFolder() { return Variable("HOME"); }
+std::string HomeFolder() { return platform::Variable("HOME"); }
 
 std::string SystemText() {
   std::string text = "Linux";
@@ -142,15 +137,15 @@ std::string SystemText() {
   }
   utsname names{};
   if (uname(&names) == 0) text += std::string(", kernel ") + names.release + ", " + names.machine;
-  const std::string desktop = Variable("XDG_CURRENT_DESKTOP");
+  const std::string desktop = platform::Variable("XDG_CURRENT_DESKTOP");
   return desktop.empty() ? text : text + ", desktop " + desktop;
 }
 
 std::vector<Remark> ExamineMachine() {
   MachineFacts facts;
-  facts.sessionType = Variable("XDG_SESSION_TYPE");
-  facts.hasWayland = !Variable("WAYLAND_DISPLAY").empty();
-  facts.hasX = !Variable("DISPLAY").empty();
+  facts.sessionType = platform::Variable("XDG_SESSION_TYPE");
+  facts.hasWayland = !platform::Variable("WAYLAND_DISPLAY").empty();
+  facts.hasX = !platform::Variable("DISPLAY").empty();
   LookAtOutput(&facts);
   facts.pads = LookAtPads();
   facts.iconsOnBus = platform::BusShowsIcons();

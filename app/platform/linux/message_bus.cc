@@ -2,9 +2,9 @@
 
 #include <dbus/dbus.h>
 
-#include <cstdlib>
 #include <utility>
 
+#include "app/platform/linux/environment.h"
 #include "app/platform/linux/monotonic_time.h"
 
 namespace platform {
@@ -12,11 +12,6 @@ namespace {
 
 constexpr char kSystemBus[] = "unix:path=/var/run/dbus/system_bus_socket";
 constexpr std::int64_t kTimeoutMs = 1000;
-
-std::string Variable(const char* name) {
-  const char* const set = std::getenv(name);
-  return set ? set : "";
-}
 
 }  // namespace
 
