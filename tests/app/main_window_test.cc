@@ -415,11 +415,11 @@ TEST_F(WindowLifeTest, TheCleanupGoesStepByStep) {
       (Strings{
           "KillTimer 1",
           "UnhookWindowsHookEx",
-          "SetEvent 4",  // stops the repeat thread
+          "SetEvent 6",  // stops the repeat thread
           "RegSetValueExA " + settings + " Last Device",
           "RegSetValueExA " + settings + " Welcome Display",
           "timeKillEvent 1",
-          "SetEvent 2",  // and the notification thread, with the manager
+          "SetEvent 4",  // and the notification thread, with the manager
           "Unacquire",
           "Release",
           "Release DirectInput",
@@ -441,10 +441,10 @@ TEST_F(WindowLifeTest, ALaunchIsStoppedBehindTheRepeatThreadAndBeforeTheSettings
   EXPECT_EQ(CallsOf(sim, {"UnhookWindowsHookEx", "SetEvent", lastDevice, "timeKillEvent"}),
             (Strings{
                 "UnhookWindowsHookEx",
-                "SetEvent 4",  // stops the repeat thread
+                "SetEvent 6",  // stops the repeat thread
                 "SetEvent 1",  // and then the launch
                 lastDevice, "timeKillEvent 1",
-                "SetEvent 2",  // and the notification thread, with the manager
+                "SetEvent 4",  // and the notification thread, with the manager
             }));
 }
 

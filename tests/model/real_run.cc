@@ -91,6 +91,10 @@ class Run {
     Select(script.profiles[0]);
   }
 
+  ~Run() { device.StopDevice(); }
+  Run(const Run&) = delete;
+  Run& operator=(const Run&) = delete;
+
   std::vector<Event> Events() {
     for (const PersonAct& act : script.person) {
       simulation.RunUntil(act.t);
