@@ -72,6 +72,7 @@ class Control : public ControlSettings {
  public:
   // Values of triggerDown. A Control that was let go early fires again only once its Trigger has
   // been inactive.
+  static constexpr std::uint8_t kUp = 0;
   static constexpr std::uint8_t kDown = 1;
   static constexpr std::uint8_t kDownButLetGo = 2;
 

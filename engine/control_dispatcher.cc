@@ -67,7 +67,7 @@ void ControlEngine::EndControl(Control* control) {
   Tell(*control, Verdict::Ends);
   if (control == repeatWorker.Repeating()) repeatWorker.Clear();
   const bool keysAreDown = control->triggerDown == Control::kDown;
-  control->triggerDown = 0;
+  control->triggerDown = Control::kUp;
   // Each replay of a repeating Control is complete in itself.
   if (control->repeatEnabled || !keysAreDown) return;
   for (InputAction* action : control->actions) action->Release();

@@ -73,28 +73,20 @@ bool ControlEngine::MouseIsOn() const {
 void ControlEngine::LetGo() {
   LockGuard noStep(device.deviceLock);
   ended = true;
-  EndControls();
+  EndControls(Control::kUp);
   LiftMouseButtons();
 }
 
 void ControlEngine::ReleaseAll() {
   LockGuard noStep(device.deviceLock);
-  {
-    LockGuard guard(profile.profileLock);
-    repeatWorker.Clear();
-    for (Control& control : profile.DispatchList) {
-      if (control.triggerDown != Control::kDown) continue;
-      EndControl(&control);
-      control.triggerDown = Control::kDownButLetGo;
-    }
-  }
+  EndControls(Control::kDownButLetGo);
   LiftMouseButtons();
 }
 
 void ControlEngine::Pause() {
   paused = true;
   LockGuard noStep(device.deviceLock);
-  EndControls();
+  EndControls(Control::kUp);
   LiftMouseButtons();
 }
 
@@ -114,15 +106,17 @@ void ControlEngine::Resume() {
 }
 
 void ControlEngine::LetGoWithoutDevice() {
-  EndControls();
+  EndControls(Control::kUp);
   if (MouseIsOn()) LiftMouseButtons();
 }
 
-void ControlEngine::EndControls() {
+void ControlEngine::EndControls(std::uint8_t triggerDown) {
   LockGuard guard(profile.profileLock);
   repeatWorker.Clear();
   for (Control& control : profile.DispatchList) {
-    if (control.triggerDown) EndControl(&control);
+    if (!control.triggerDown) continue;
+    EndControl(&control);
+    control.triggerDown = triggerDown;
   }
 }
 

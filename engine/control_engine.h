@@ -129,7 +129,8 @@ class ControlEngine {
   void DispatchControl(Control* control, LinkedList<const Control*>* fired)
       KELVARO_NEEDS(profile.profileLock);
   void EndControl(Control* control) KELVARO_NEEDS(profile.profileLock);
-  void EndControls();  // all that are down, and the repeat
+  // All that are down, which then have this triggerDown, and the repeat.
+  void EndControls(std::uint8_t triggerDown);
   bool StandsStill() const { return ended || paused; }
   void LiftMouseButtons();
   void FireControl(Control* control) KELVARO_NEEDS(profile.profileLock);
