@@ -51,6 +51,25 @@ bool IsUtf8(std::string_view bytes) {
   return true;
 }
 
+std::string Utf8Of(std::uint32_t character) {
+  if (character < 0x80) return std::string(1, static_cast<char>(character));
+  std::string bytes;
+  const auto add = [&bytes](std::uint32_t byte) { bytes += static_cast<char>(byte); };
+  if (character < 0x800) {
+    add(0xC0 | character >> 6);
+  } else {
+    if (character < 0x10000) {
+      add(0xE0 | character >> 12);
+    } else {
+      add(0xF0 | character >> 18);
+      add(0x80 | (character >> 12 & 0x3F));
+    }
+    add(0x80 | (character >> 6 & 0x3F));
+  }
+  add(0x80 | (character & 0x3F));
+  return bytes;
+}
+
 std::string HexBytes(std::string_view bytes) {
   static const char digits[] = "0123456789abcdef";
   std::string hex;

@@ -11,6 +11,8 @@ namespace platform {
 // Bytes of the well-formed UTF-8 sequence that `bytes` starts with, 1 to 4; 0 when there is none.
 std::size_t Utf8Sequence(std::string_view bytes);
 bool IsUtf8(std::string_view bytes);
+// One character, a number up to 0x10FFFF.
+std::string Utf8Of(std::uint32_t character);
 
 std::string HexBytes(std::string_view bytes);
 // False, with *bytes untouched, unless `hex` is pairs of hex digits.

@@ -2,6 +2,7 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -26,19 +27,11 @@ struct Free {
 template <typename T>
 using Owned = std::unique_ptr<T, Free>;
 
-// Older properties are in Latin 1.
-std::string Utf8Of(const std::string& bytes) {
+// Older properties are in Latin 1, whose bytes are the numbers of their characters.
+std::string Shown(const std::string& bytes) {
   if (platform::IsUtf8(bytes)) return bytes;
   std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(0xC0 | byte >> 6);
-      text += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
+  for (const char c : bytes) text += platform::Utf8Of(static_cast<unsigned char>(c));
   return text;
 }
 
@@ -151,9 +144,9 @@ class X11Front : public FrontSource {
     // The name of the instance and that of the class, each with a zero behind it.
     const std::string names = Property(active, XCB_ATOM_WM_CLASS);
     const std::size_t zero = names.find('\0');
-    if (zero != std::string::npos) window.kind = Utf8Of(names.c_str() + zero + 1);
+    if (zero != std::string::npos) window.kind = Shown(names.c_str() + zero + 1);
     const std::string title = Property(active, atoms[kUtf8Title]);
-    window.title = Utf8Of(title.empty() ? Property(active, XCB_ATOM_WM_NAME) : title);
+    window.title = Shown(title.empty() ? Property(active, XCB_ATOM_WM_NAME) : title);
     return window;
   }
 

@@ -73,6 +73,21 @@ TEST(IsUtf8, RefusesWhatLiesBesideThem) {
   }
 }
 
+TEST(Utf8Of, SpellsACharacterOfEachLength) {
+  const struct {
+    std::uint32_t character;
+    const char* bytes;
+  } kCases[] = {{0x41, "A"},
+                {0x7F, "\x7F"},
+                {0x80, "\xC2\x80"},
+                {0x7FF, "\xDF\xBF"},
+                {0x800, "\xE0\xA0\x80"},
+                {0xFFFF, "\xEF\xBF\xBF"},
+                {0x10000, "\xF0\x90\x80\x80"},
+                {0x10FFFF, "\xF4\x8F\xBF\xBF"}};
+  for (const auto& each : kCases) EXPECT_EQ(Utf8Of(each.character), each.bytes) << each.character;
+}
+
 TEST(Utf8Sequence, IsTheFirstOneOnly) {
   EXPECT_EQ(Utf8Sequence("ab"), 1U);
   EXPECT_EQ(Utf8Sequence("\xC3\xA4z"), 2U);

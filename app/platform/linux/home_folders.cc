@@ -2,25 +2,26 @@
 
 #include <errno.h>
 #include <pwd.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <system_error>
+
+#include "app/platform/linux/environment.h"
 
 namespace platform {
 namespace {
 
 std::string FolderOf(const char* variable, const char* inHome) {
   // The rules want anything but a full path to be ignored.
-  const char* chosen = getenv(variable);
-  if (chosen && *chosen == '/') return chosen;
-  const char* home = getenv("HOME");
-  if (!home || !*home) {
-    const passwd* person = getpwuid(getuid());
-    home = person ? person->pw_dir : nullptr;
+  const std::string chosen = Variable(variable);
+  if (chosen.starts_with('/')) return chosen;
+  std::string home = Variable("HOME");
+  if (home.empty()) {
+    const passwd* const person = getpwuid(getuid());
+    if (person && person->pw_dir) home = person->pw_dir;
   }
-  return home && *home == '/' ? std::string(home) + inHome : std::string();
+  return home.starts_with('/') ? home + inHome : std::string();
 }
 
 }  // namespace

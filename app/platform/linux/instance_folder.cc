@@ -2,7 +2,6 @@
 
 #include <errno.h>
 #include <poll.h>
-#include <stdlib.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -10,6 +9,7 @@
 
 #include <cstring>
 
+#include "app/platform/linux/environment.h"
 #include "app/platform/linux/program_file.h"
 
 namespace platform {
@@ -44,10 +44,9 @@ bool OwnFolder(const std::string& path) {
 }  // namespace
 
 std::string InstanceFolder() {
-  const char* runtime = getenv("XDG_RUNTIME_DIR");
-  const std::string folder = runtime && runtime[0] == '/'
-                                 ? std::string(runtime) + "/kelvaro"
-                                 : "/tmp/kelvaro-" + std::to_string(geteuid());
+  const std::string runtime = Variable("XDG_RUNTIME_DIR");
+  const std::string folder =
+      runtime.starts_with('/') ? runtime + "/kelvaro" : "/tmp/kelvaro-" + std::to_string(geteuid());
   return OwnFolder(folder) ? folder : std::string();
 }
 

@@ -3,6 +3,7 @@
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 
+#include "app/platform/byte_text.h"
 #include "app/platform/linux/key_map.h"
 
 namespace platform {
@@ -13,33 +14,14 @@ constexpr unsigned kKeycodeOffset = 8;
 // Symbols of this range are characters, by their numbers.
 constexpr KeySym kCharacters = 0x01000000;
 
-std::string Utf8(std::uint32_t character) {
-  if (character < 0x80) return std::string(1, static_cast<char>(character));
-  std::string bytes;
-  const auto add = [&bytes](std::uint32_t byte) { bytes += static_cast<char>(byte); };
-  if (character < 0x800) {
-    add(0xC0 | character >> 6);
-  } else {
-    if (character < 0x10000) {
-      add(0xE0 | character >> 12);
-    } else {
-      add(0xF0 | character >> 18);
-      add(0x80 | (character >> 12 & 0x3F));
-    }
-    add(0x80 | (character >> 6 & 0x3F));
-  }
-  add(0x80 | (character & 0x3F));
-  return bytes;
-}
-
 std::string TextOf(KeySym symbol) {
   if (symbol == NoSymbol) return {};
   // Those of Latin 1 are their characters.
   if ((symbol >= 0x20 && symbol <= 0x7E) || (symbol >= 0xA0 && symbol <= 0xFF)) {
-    return Utf8(static_cast<std::uint32_t>(symbol));
+    return Utf8Of(static_cast<std::uint32_t>(symbol));
   }
   if (symbol > kCharacters && symbol <= kCharacters + 0x10FFFF) {
-    return Utf8(static_cast<std::uint32_t>(symbol - kCharacters));
+    return Utf8Of(static_cast<std::uint32_t>(symbol - kCharacters));
   }
   const char* const name = XKeysymToString(symbol);
   return name ? name : "";
