@@ -27,6 +27,8 @@ class KelvaroctlRun : public KeyWindow {
         R"({"profileName":"Walk","controls":[{"buttonMask":4,"actions":[{"text":"a"}]}]})");
   }
   ~KelvaroctlRun() override {
+    // Which as a process would be this one.
+    if (started.hProcess == kInvalidHandle) return;
     TerminateProcess(SystemHandle(started.hProcess), 0);
     threads.WaitForSingleObject(started.hProcess, 20'000);
     threads.CloseHandle(started.hProcess);
