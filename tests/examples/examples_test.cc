@@ -24,7 +24,7 @@ using Lines = std::vector<std::string>;
 Lines NamesOf(const std::string& ending) {
   Lines names;
   for (const fs::directory_entry& entry : fs::directory_iterator(KELVARO_EXAMPLES)) {
-    if (entry.path().extension() == ending) names.push_back(entry.path().stem());
+    if (entry.path().extension() == ending) names.push_back(entry.path().stem().string());
   }
   std::sort(names.begin(), names.end());
   return names;
