@@ -17,6 +17,7 @@
 #include "app/platform/linux/thread_priority.h"
 #include "app/platform/linux/waiting.h"
 #include "app/platform/threads.h"
+#include "app/platform/timer_grid.h"
 
 namespace platform {
 namespace {
@@ -123,8 +124,7 @@ void* LinuxTimers::RunTimer(void* start) {
   // To the next point that is still ahead.
   const auto goOn = [&] {
     last = next;
-    next +=
-        (std::max<std::int64_t>(MonotonicNow() - next, 0) / timer->periodNs + 1) * timer->periodNs;
+    next = NextGridPoint(next, MonotonicNow(), timer->periodNs);
   };
   std::unique_lock<PriorityMutex> lock(state->mutex);
   while (!timer->killed) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "app/platform/timer_grid.h"
 #include "app/platform/windows/held_wakes.h"
 #include "app/platform/windows/owned_handle.h"
 #include "app/platform/windows/win32.h"
@@ -135,7 +136,7 @@ class WindowsTimers::Timer : public std::enable_shared_from_this<Timer> {
     if (isByNews && until.atOnce) {
       start = next = std::max(now, last + Period());
     } else {
-      next = start + ((now - start) / Period() + 1) * Period();
+      next = NextGridPoint(start, now, Period());
       // The call before came a little late or early.
       if (next - last < Period() / 2) next += Period();
     }
