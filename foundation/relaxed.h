@@ -23,15 +23,15 @@ class Relaxed {
   operator T() const {  // NOLINT
     const std::uint64_t bytes = word.load(std::memory_order_relaxed);
     T value{};
-    std::memcpy(static_cast<void*>(&value), &bytes, sizeof value);
+    std::memcpy(static_cast<void*>(&value), &bytes, sizeof value);  // NOLINT: of a pointer, too
     return value;
   }
 
  private:
   static std::uint64_t Packed(T value) {
-    static_assert(std::is_trivially_copyable_v<T> && sizeof(T) <= sizeof(std::uint64_t));
+    static_assert(std::is_trivially_copyable_v<T> && sizeof(T) <= sizeof(std::uint64_t));  // NOLINT
     std::uint64_t bytes = 0;
-    std::memcpy(&bytes, &value, sizeof value);
+    std::memcpy(&bytes, &value, sizeof value);  // NOLINT
     return bytes;
   }
 

@@ -132,7 +132,7 @@ void Steering::OnPresence(bool answers, void* self) {
 
 // ---- Answers
 
-void Steering::Reply(std::uint32_t ticket, SteeringMessage answer) {
+void Steering::Reply(std::uint32_t ticket, const SteeringMessage& answer) {
   {
     LockGuard guard(boardLock);
     replies.emplace_back(ticket, answer.Text());

@@ -117,7 +117,7 @@ class Steering final : public platform::CallReceiver,
   // Any thread.
   void Tell(Event event);
   void TellAndWake(const Event& event);
-  void Reply(std::uint32_t ticket, SteeringMessage answer);
+  void Reply(std::uint32_t ticket, const SteeringMessage& answer);
   void NameIs(Happened what, std::string* place, const ByteString& name);
 
   // On the calls' thread.
