@@ -36,6 +36,25 @@ inline std::string ReadAll(File& file) {
   return std::string(buffer, read);
 }
 
+// What every file does, from an empty one on, until a seek to before its start is refused. Leaves
+// "Jello world", two zeros and "!".
+inline void WritesReadsAndSeeks(File& file) {
+  EXPECT_TRUE(Write(file, "hello world"));
+  std::int64_t position = 0;
+  EXPECT_TRUE(file.SetFilePointer(6, FILE_BEGIN, &position));
+  EXPECT_EQ(position, 6);
+  EXPECT_EQ(ReadAll(file), "world");
+  EXPECT_EQ(ReadAll(file), "");
+  EXPECT_TRUE(file.SetFilePointer(-11, FILE_CURRENT, &position));
+  EXPECT_EQ(position, 0);
+  EXPECT_TRUE(Write(file, "J"));
+  EXPECT_TRUE(file.SetFilePointer(2, FILE_END, &position));
+  EXPECT_EQ(position, 13);
+  EXPECT_EQ(ReadAll(file), "");
+  EXPECT_TRUE(Write(file, "!"));
+  EXPECT_FALSE(file.SetFilePointer(-1, FILE_BEGIN, &position));
+}
+
 // In the order in which they are found.
 inline Names Found(Files& files, const std::string& pattern) {
   Names names;

@@ -9,7 +9,6 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdarg>
 #include <filesystem>
@@ -20,10 +19,9 @@
 #include <vector>
 
 #include "app/platform/linux/linux_platform.h"
-#include "tests/host/files.h"
 #include "tests/host/processes.h"
 #include "tests/platform/cut_off_thread.h"
-#include "tests/platform/files_by_hand.h"
+#include "tests/platform/machine/files_fixture.h"
 
 namespace {
 
@@ -77,11 +75,9 @@ int __wrap_fcntl(int fd, int command, ...) {
 namespace platform {
 namespace {
 
-using kelvaro::tests::Content;
 using kelvaro::tests::Fork;
 using kelvaro::tests::OpenFiles;
 using kelvaro::tests::StatusOf;
-using kelvaro::tests::TemporaryFolder;
 
 class Watching {
  public:
@@ -95,16 +91,8 @@ class Watching {
   Watch mine;
 };
 
-// A temporary folder, which is also the current one.
-class LinuxFilesTest : public ::testing::Test, protected TemporaryFolder {
+class LinuxFilesTest : public FilesTest {
  protected:
-  LinuxFilesTest() { std::filesystem::current_path(folder); }
-  ~LinuxFilesTest() override { std::filesystem::current_path(before); }
-
-  void Put(const std::string& name, const std::string& bytes, mode_t mode = 0644) const {
-    kelvaro::tests::Put(In(name), bytes, mode);
-  }
-  std::string Bytes(const std::string& name) const { return Content(In(name)); }
   void Link(const std::string& to, const std::string& name) const {
     ASSERT_EQ(symlink(to.c_str(), In(name).c_str()), 0);
   }
@@ -113,32 +101,6 @@ class LinuxFilesTest : public ::testing::Test, protected TemporaryFolder {
     struct stat status;
     return lstat(In(name).c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
   }
-
-  // In the order of the file system, hidden ones included.
-  Names Listed() const {
-    Names names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-      names.push_back(entry.path().filename().string());
-    return names;
-  }
-  static Names Sorted(Names names) {
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-  Names List() const { return Sorted(Listed()); }
-  Names Found(const std::string& pattern) { return Sorted(platform::Found(files, pattern)); }
-
-  std::unique_ptr<File> OpenToRead(const std::string& path) {
-    return platform::OpenToRead(files, path);
-  }
-  std::unique_ptr<File> Create(const std::string& path) { return platform::Create(files, path); }
-  bool Copy(const std::string& from, const std::string& to) {
-    return files.CopyFileA(In(from), In(to), false);
-  }
-  int Error() { return static_cast<int>(files.GetLastError()); }
-
-  LinuxFiles files;
-  const std::filesystem::path before = std::filesystem::current_path();
 };
 
 // Two files, and nothing else in the end.

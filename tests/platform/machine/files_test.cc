@@ -1,22 +1,16 @@
 // Files and folders, as every system has them.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <thread>
 
-#include "app/platform/machine/this_machine.h"
-#include "tests/host/files.h"
-#include "tests/platform/files_by_hand.h"
+#include "tests/platform/machine/files_fixture.h"
 
 namespace platform {
 namespace {
-
-using kelvaro::tests::Content;
-using kelvaro::tests::TemporaryFolder;
 
 // The system's own numbers: of a path that names nothing, and the rest.
 #ifdef _WIN32
@@ -25,67 +19,21 @@ constexpr int kBusy = 32;
 constexpr int kDenied = 5;
 constexpr int kExists = 80;
 constexpr int kNotFound = 2;
+constexpr int kBeforeItsStart = 131;
 #else
 constexpr int kNoPath = EINVAL;
 constexpr int kBusy = EBUSY;
 constexpr int kDenied = EACCES;
 constexpr int kExists = EEXIST;
 constexpr int kNotFound = ENOENT;
+constexpr int kBeforeItsStart = EINVAL;
 #endif
-
-// A temporary folder, which is also the current one.
-class FilesTest : public ::testing::Test, protected TemporaryFolder {
- protected:
-  FilesTest() { std::filesystem::current_path(folder); }
-  ~FilesTest() override { std::filesystem::current_path(before); }
-
-  void Put(const std::string& name, const std::string& bytes, unsigned mode = 0644) const {
-    kelvaro::tests::Put(In(name), bytes, mode);
-  }
-  std::string Bytes(const std::string& name) const { return Content(In(name)); }
-
-  // In the order of the file system, hidden ones included.
-  Names Listed() const {
-    Names names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-      names.push_back(entry.path().filename().string());
-    return names;
-  }
-  static Names Sorted(Names names) {
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-  Names List() const { return Sorted(Listed()); }
-  Names Found(const std::string& pattern) { return Sorted(platform::Found(files, pattern)); }
-
-  std::unique_ptr<File> OpenToRead(const std::string& path) {
-    return platform::OpenToRead(files, path);
-  }
-  std::unique_ptr<File> Create(const std::string& path) { return platform::Create(files, path); }
-  bool Copy(const std::string& from, const std::string& to) {
-    return files.CopyFileA(In(from), In(to), false);
-  }
-  int Error() { return static_cast<int>(files.GetLastError()); }
-
-  ThisFiles files;
-  const std::filesystem::path before = std::filesystem::current_path();
-};
 
 TEST_F(FilesTest, WritesReadsAndSeeks) {
   const std::unique_ptr<File> file = Create(In("a"));
   ASSERT_TRUE(file);
-  EXPECT_TRUE(Write(*file, "hello world"));
-  std::int64_t position = 0;
-  EXPECT_TRUE(file->SetFilePointer(6, FILE_BEGIN, &position));
-  EXPECT_EQ(position, 6);
-  EXPECT_EQ(ReadAll(*file), "world");
-  EXPECT_EQ(ReadAll(*file), "");
-  EXPECT_TRUE(file->SetFilePointer(-11, FILE_CURRENT, nullptr));
-  EXPECT_TRUE(Write(*file, "J"));
-  EXPECT_TRUE(file->SetFilePointer(2, FILE_END, &position));
-  EXPECT_EQ(position, 13);
-  EXPECT_TRUE(Write(*file, "!"));
-  EXPECT_FALSE(file->SetFilePointer(-1, FILE_BEGIN, nullptr));
+  WritesReadsAndSeeks(*file);
+  EXPECT_EQ(Error(), kBeforeItsStart);
   EXPECT_FALSE(file->SetFilePointer(0, 3, nullptr));
   EXPECT_TRUE(file->CloseHandle());
   EXPECT_EQ(Bytes("a"), std::string("Jello world\0\0!", 14));

@@ -5,9 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "app/platform/machine/this_machine.h"
-#include "tests/host/files.h"
-#include "tests/platform/files_by_hand.h"
+#include "tests/platform/machine/files_fixture.h"
 
 // Last.
 #include "app/platform/windows/win32.h"
@@ -15,46 +13,43 @@
 namespace platform {
 namespace {
 
-class WindowsFilesTest : public ::testing::Test, protected kelvaro::tests::TemporaryFolder {
- protected:
-  WindowsFiles files;
-};
+using WindowsFilesTest = FilesTest;
 
 TEST_F(WindowsFilesTest, TextIsUtf8) { EXPECT_EQ(GetACP(), 65001u); }
 
 TEST_F(WindowsFilesTest, DevicesAreNoFilesInAnyFolder) {
   for (const std::string& name :
        {std::string("NUL"), std::string("CON"), In("NUL.x"), In("con.idprof"), In("COM1 .y")}) {
-    EXPECT_FALSE(OpenToRead(files, name)) << name;
+    EXPECT_FALSE(OpenToRead(name)) << name;
     EXPECT_EQ(files.GetLastError(), ERROR_INVALID_NAME) << name;
-    EXPECT_FALSE(Create(files, name)) << name;
+    EXPECT_FALSE(Create(name)) << name;
     EXPECT_EQ(files.GetFileAttributesA(name), 0xFFFFFFFFu) << name;
     EXPECT_EQ(files.GetLastError(), ERROR_INVALID_NAME) << name;
   }
-  EXPECT_TRUE(Create(files, In("CONS.x")));
-  EXPECT_FALSE(Create(files, In("a?b")));
-  EXPECT_FALSE(OpenToRead(files, folder));
+  EXPECT_TRUE(Create(In("CONS.x")));
+  EXPECT_FALSE(Create(In("a?b")));
+  EXPECT_FALSE(OpenToRead(folder));
 }
 
 TEST_F(WindowsFilesTest, BothSeparatorsPartAPath) {
   EXPECT_EQ(files.PathSeparator(), '\\');
   ASSERT_TRUE(files.CreateDirectoryA(In("sub")));
-  ASSERT_TRUE(Create(files, folder + "/sub/a"));
-  EXPECT_EQ(Found(files, folder + "/sub\\a*"), Names{"a"});
+  ASSERT_TRUE(Create(folder + "/sub/a"));
+  EXPECT_EQ(Found(folder + "/sub\\a*"), Names{"a"});
   EXPECT_TRUE(files.CopyFileA(folder + "/sub/a", folder + "\\sub/b", true));
-  EXPECT_EQ(Found(files, In("sub\\b")), Names{"b"});
+  EXPECT_EQ(Found(In("sub\\b")), Names{"b"});
 }
 
 TEST_F(WindowsFilesTest, ADotIsNoWildcard) {
-  ASSERT_TRUE(Create(files, In("plain")));
-  ASSERT_TRUE(Create(files, In("a.b")));
-  EXPECT_EQ(Found(files, In("*.*")), (Names{".", "..", "a.b"}));
-  EXPECT_EQ(Found(files, In("PLAIN")).size(), 1u);
+  ASSERT_TRUE(Create(In("plain")));
+  ASSERT_TRUE(Create(In("a.b")));
+  EXPECT_EQ(Found(In("*.*")), (Names{".", "..", "a.b"}));
+  EXPECT_EQ(Found(In("PLAIN")).size(), 1u);
 }
 
 TEST_F(WindowsFilesTest, DataOfWhatIsFound) {
   {
-    const std::unique_ptr<File> file = Create(files, In("a"));
+    const std::unique_ptr<File> file = Create(In("a"));
     ASSERT_TRUE(Write(*file, "12345"));
   }
   const HANDLE file =
@@ -84,7 +79,7 @@ TEST_F(WindowsFilesTest, APathMayHaveAnyLength) {
     ASSERT_TRUE(files.CreateDirectoryA(deep)) << deep.size() << ": " << files.GetLastError();
     const std::string path = deep + "\\file";
     {
-      const std::unique_ptr<File> file = Create(files, path);
+      const std::unique_ptr<File> file = Create(path);
       ASSERT_TRUE(file) << path.size() << ": " << files.GetLastError();
       ASSERT_TRUE(Write(*file, "12345"));
     }
@@ -94,21 +89,21 @@ TEST_F(WindowsFilesTest, APathMayHaveAnyLength) {
     EXPECT_TRUE(files.CopyFileA(path, deep + "\\copy", true)) << path.size();
     EXPECT_TRUE(files.CopyFileA(path, deep + "\\copy", false)) << path.size();
     EXPECT_TRUE(files.DeleteFileA(path)) << path.size();
-    EXPECT_EQ(Found(files, deep + "\\*y"), Names{"copy"}) << path.size();
+    EXPECT_EQ(Found(deep + "\\*y"), Names{"copy"}) << path.size();
   }
 }
 
 TEST_F(WindowsFilesTest, DrivesHaveTheirBits) { EXPECT_NE(files.GetLogicalDrives() & 4, 0u); }
 
 TEST_F(WindowsFilesTest, AFileInUseByAnotherProgramIsNeitherReplacedNorDeleted) {
-  ASSERT_TRUE(Create(files, In("a")));
-  ASSERT_TRUE(Create(files, In("b")));
+  ASSERT_TRUE(Create(In("a")));
+  ASSERT_TRUE(Create(In("b")));
   const HANDLE other = ::CreateFileA(In("b").c_str(), 0x80000000u, 0, nullptr, 3, 0, nullptr);
   EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), false));
   EXPECT_FALSE(files.DeleteFileA(In("b")));
-  EXPECT_EQ(files.GetLastError(), 32u);
+  EXPECT_EQ(Error(), 32);
   ::CloseHandle(other);
-  EXPECT_EQ(Found(files, In("*")), (Names{".", "..", "a", "b"}));
+  EXPECT_EQ(Found(In("*")), (Names{".", "..", "a", "b"}));
 }
 
 TEST(WindowsSystem, TellsErrorsAndFolders) {
