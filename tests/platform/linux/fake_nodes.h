@@ -24,9 +24,9 @@
 
 namespace platform {
 
-// What a test and the nodes it made share. Counts may be read while nothing else runs.
 class FakeNode;
 
+// What a test and the nodes it made share. Counts may be read while nothing else runs.
 struct FakeMachine {
   struct Read {
     int result;
@@ -42,9 +42,9 @@ struct FakeMachine {
     const FakeNode* grabbedBy = nullptr;
     bool grabbedElsewhere = false;
     int grabs = 0;  // that were asked for
+    int fd = -1;    // what its readers can wait for
 
     bool IsGrabbed() const { return grabbedBy != nullptr; }
-    int fd = -1;  // what its readers can wait for
   };
 
   std::mutex mutex;  // of all that follows, once there is a device in use
