@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/platform/platform.h"
@@ -16,6 +18,7 @@
 namespace platform {
 
 using Lines = std::vector<std::string>;
+using Numbers = std::vector<std::int32_t>;
 
 // Keys by their published virtual numbers.
 namespace key {
@@ -67,6 +70,43 @@ class DesktopTest : public ::testing::Test {
   void Answer(std::int32_t button);  // of the box: IDOK, IDYES or IDNO
   bool IsSeen(std::uint32_t id) const;
 
+  // What stands in the lists and the tabs.
+  void AddColumns(std::uint32_t id = kList) {
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Trigger", 100), 0);
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Action", 50), 1);
+    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Description", 150), 2);
+  }
+  void AddRows(int count, std::uint32_t id = kList) {
+    for (int row = 0; row < count; ++row) {
+      EXPECT_EQ(controls().ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
+    }
+  }
+  void AddTabs() {
+    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "One"), 0);
+    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "Two"), 1);
+  }
+  // With the focus in an edit before.
+  void ClickSecondTab() {
+    controls().SetControlFocus(Window(), kNameEdit);
+    Rect rect;
+    ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &rect));
+    ClickAt(kTabs, {rect.left + 4, rect.top + 4});
+  }
+
+  // What the recorder writes down of a window that has got this inside.
+  static std::string SizeLine(const Rect& inside) {
+    return "size 0 " + std::to_string(inside.Width()) + 'x' + std::to_string(inside.Height());
+  }
+
+  // Another thread asks in a box, and waits for the answer.
+  std::thread Ask(std::uint32_t type) {
+    return std::thread(
+        [this, type] { answer = desktop().MessageBoxA(Window(), "Launched?", "Game", type); });
+  }
+  bool ABoxComesUp() {
+    return WaitFor([this] { return Box().has_value(); });
+  }
+
   // Once the loop runs that runs next, that of a box too.
   void Later(std::function<void()> act);
   // Handles what is posted.
@@ -77,6 +117,7 @@ class DesktopTest : public ::testing::Test {
   struct Machine;
   std::unique_ptr<Machine> machine;
   Recorder recorder;
+  std::atomic<std::int32_t> answer{-1};
 };
 
 // A test whose body runs inside of the loop of kAllKinds.

@@ -12,19 +12,7 @@ std::intptr_t CountingHook(std::int32_t code, std::uintptr_t wParam, std::intptr
   return 0;
 }
 
-class DesktopCase : public DesktopTest {
- protected:
-  // Another thread asks, and waits for the answer.
-  std::thread Ask(std::uint32_t type) {
-    return std::thread(
-        [this, type] { answer = desktop().MessageBoxA(Window(), "Launched?", "Game", type); });
-  }
-  bool ABoxComesUp() {
-    return WaitFor([this] { return Box().has_value(); });
-  }
-
-  std::atomic<std::int32_t> answer{-1};
-};
+class DesktopCase : public DesktopTest {};
 
 // --- Boxes
 

@@ -39,7 +39,6 @@ IN_WINDOW(EditCase, AnEditForDigitsTakesThemAlone) {
 
 IN_WINDOW(EditCase, AReadOnlyOneCanBeReachedAndNotChanged) {
   EXPECT_TRUE(controls().SetControlFocus(Window(), kReadOnlyEdit));
-  controls().SetControlFocus(Window(), kReadOnlyEdit);
   Key(key::kEnd);
   Type("x");
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kReadOnlyEdit), "fixed");

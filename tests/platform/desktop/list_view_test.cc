@@ -3,20 +3,8 @@
 namespace platform {
 namespace {
 
-using Numbers = std::vector<std::int32_t>;
-
 class ListViewCase : public DesktopTest {
  protected:
-  void AddColumns(std::uint32_t id = kList) {
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Trigger", 100), 0);
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Action", 50), 1);
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Description", 150), 2);
-  }
-  void AddRows(int count, std::uint32_t id = kList) {
-    for (int row = 0; row < count; ++row) {
-      EXPECT_EQ(controls().ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
-    }
-  }
   Numbers Selected(std::uint32_t id = kList) const {
     Numbers rows;
     for (int row = controls().ListGetNextSelected(Window(), id, -1); row != kNoRow;

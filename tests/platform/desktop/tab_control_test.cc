@@ -3,20 +3,7 @@
 namespace platform {
 namespace {
 
-class TabControlCase : public DesktopTest {
- protected:
-  void AddTabs() {
-    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "One"), 0);
-    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "Two"), 1);
-  }
-  // With the focus in an edit before.
-  void ClickSecondTab() {
-    controls().SetControlFocus(Window(), kNameEdit);
-    Rect rect;
-    ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &rect));
-    ClickAt(kTabs, {rect.left + 4, rect.top + 4});
-  }
-};
+class TabControlCase : public DesktopTest {};
 
 IN_WINDOW(TabControlCase, ShowsTheFirstTabUntilAnotherIsSet) {
   AddTabs();

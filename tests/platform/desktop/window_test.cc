@@ -6,12 +6,7 @@
 namespace platform {
 namespace {
 
-class WindowCase : public DesktopTest {
- protected:
-  static std::string SizeLine(const Rect& inside) {
-    return "size 0 " + std::to_string(inside.Width()) + 'x' + std::to_string(inside.Height());
-  }
-};
+class WindowCase : public DesktopTest {};
 
 TEST_F(WindowCase, IsMadeBeforeItIsShownAndTakesItsResultFromItsEnd) {
   recorder.onInit = [&](WindowHandle window) {

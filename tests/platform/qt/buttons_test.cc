@@ -9,11 +9,9 @@
 namespace platform::qt {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class ButtonsTest : public QtTest {};
 
-WINDOW_TEST(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
+IN_WINDOW(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
   const auto toggle = [&](std::uint32_t id) {
     QAccessible::queryAccessibleInterface(Widget(id))
         ->actionInterface()
@@ -29,7 +27,7 @@ WINDOW_TEST(ButtonsTest, WhatAScreenReaderChecksIsToldInItsTurn) {
   EXPECT_FALSE(controls().IsDlgButtonChecked(Window(), kRadioA));
 }
 
-WINDOW_TEST(ButtonsTest, TheOneThatEnterPressesShowsTheFocus) {
+IN_WINDOW(ButtonsTest, TheOneThatEnterPressesShowsTheFocus) {
   Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
   controls().SetControlFocus(Window(), kNameEdit);
   const QImage without = Widget(kButton)->grab().toImage();
@@ -68,7 +66,7 @@ TEST_F(ButtonsTest, ADrawnButtonIsDrawnByTheListenerInItsStates) {
   });
 }
 
-WINDOW_TEST(ButtonsTest, APictureButtonShowsItsBitmap) {
+IN_WINDOW(ButtonsTest, APictureButtonShowsItsBitmap) {
   const QImage bare = Widget(kPictureButton)->grab().toImage();
   EXPECT_TRUE(controls().SetPicture(Window(), kPictureButton, desktop().LoadBitmapA(145)));
   EXPECT_NE(Widget(kPictureButton)->grab().toImage(), bare);

@@ -10,32 +10,27 @@
 namespace platform::qt {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class DialogWindowTest : public QtTest {
  protected:
   void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
     QTest::keyClick(Dialog()->windowHandle(), key, modifiers);
   }
-  static std::string SizeLine(const Rect& inside) {
-    return "size 0 " + std::to_string(inside.Width()) + 'x' + std::to_string(inside.Height());
-  }
 };
 
 // --- Its life
 
-WINDOW_TEST(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
+IN_WINDOW(DialogWindowTest, OneThatIsHiddenKeepsNoPictures) {
   const QString picture = QStringLiteral("a picture");
   ASSERT_TRUE(QPixmapCache::insert(picture, QPixmap(8, 8)));
   Settle();
   EXPECT_TRUE(QPixmapCache::find(picture, nullptr));
   desktop().ShowWindow(Window(), SW_HIDE);
-  EXPECT_TRUE(Soon([&] { return !QPixmapCache::find(picture, nullptr); }));
+  EXPECT_TRUE(WaitFor([&] { return !QPixmapCache::find(picture, nullptr); }));
 }
 
 // --- Keys
 
-WINDOW_TEST(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
+IN_WINDOW(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTheTable) {
   std::vector<std::uint32_t> order;
   for (int i = 0; i < 10; ++i) {
     order.push_back(controls().GetControlFocus(Window()));
@@ -47,7 +42,7 @@ WINDOW_TEST(DialogWindowTest, TheFirstControlHasTheFocusAndTabGoesInTheOrderOfTh
                                         kPictureButton, kDrawnButton, kCheck, kRadioA, kRadioC}));
 }
 
-WINDOW_TEST(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
+IN_WINDOW(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
   controls().SetControlFocus(Window(), kNameEdit);
   controls().EnableControl(Window(), kDigitsEdit, false);
   controls().ShowControl(Window(), kReadOnlyEdit, SW_HIDE);
@@ -57,7 +52,13 @@ WINDOW_TEST(DialogWindowTest, TabPassesWhatIsHiddenOrDisabled) {
   EXPECT_EQ(controls().GetControlFocus(Window()), kNameEdit);
 }
 
-WINDOW_TEST(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
+IN_WINDOW(DialogWindowTest, EnterOfTheKeypadPressesTheDefaultButton) {
+  controls().SetControlFocus(Window(), kNameEdit);
+  Key(Qt::Key_Enter);
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"105 clicked"}));
+}
+
+IN_WINDOW(DialogWindowTest, KeysReachTheWindowItselfWhereverTheFocusHasNoUseForThem) {
   QWidget* const focused = Dialog()->focusWidget();
   if (focused) focused->clearFocus();
   EXPECT_EQ(controls().GetControlFocus(Window()), 0u);
@@ -117,7 +118,7 @@ TEST_F(DialogWindowTest, ALongTextIsSeenWhole) {
   }
 }
 
-WINDOW_TEST(DialogWindowTest, ControlsStandWhereTheyAreSet) {
+IN_WINDOW(DialogWindowTest, ControlsStandWhereTheyAreSet) {
   EXPECT_TRUE(controls().SetControlPos(Window(), kButton, {10, 20, 17, 23}, 0));
   Rect rect;
   EXPECT_TRUE(controls().GetControlRect(Window(), kButton, &rect));
@@ -129,7 +130,7 @@ WINDOW_TEST(DialogWindowTest, ControlsStandWhereTheyAreSet) {
   EXPECT_FALSE(controls().GetControlRect(Window(), 999, &rect));
 }
 
-WINDOW_TEST(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
+IN_WINDOW(DialogWindowTest, IsMovedAsAWholeAndToldItsNewInside) {
   EXPECT_TRUE(desktop().MoveWindow(Window(), {40, 50, 740, 550}));
   Rect rect;
   EXPECT_TRUE(desktop().GetWindowRect(Window(), &rect));
@@ -162,7 +163,7 @@ TEST_F(DialogWindowTest, TheFrameThatItGetsLeavesItsInsideAsItIs) {
   });
 }
 
-WINDOW_TEST(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
+IN_WINDOW(DialogWindowTest, OneThatThePersonMovedStaysThereWhenItIsHiddenAndComesBack) {
   Dialog()->move(17, 23);
   desktop().ShowWindow(Window(), SW_HIDE);
   desktop().ShowWindow(Window(), SW_SHOW);
@@ -191,7 +192,7 @@ TEST_F(DialogWindowTest, AFixedOneCantBeSized) {
   Run(kOneButton, [&] { EXPECT_EQ(Dialog()->minimumSize(), Dialog()->maximumSize()); });
 }
 
-WINDOW_TEST(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
+IN_WINDOW(DialogWindowTest, FramesAndTabsLieBelowWhatStandsInThem) {
   const QPoint inGroup = Widget(kRadioC)->geometry().center();
   EXPECT_EQ(Dialog()->childAt(inGroup), Widget(kRadioC));
   EXPECT_EQ(Dialog()->childAt(Widget(kSlider)->geometry().center()), Widget(kSlider));
@@ -213,18 +214,26 @@ TEST_F(DialogWindowTest, TheListenerPaintsBehindTheControls) {
 
 // --- Shown, hidden, minimised
 
-WINDOW_TEST(DialogWindowTest, HasTheIconThatItIsGiven) {
+IN_WINDOW(DialogWindowTest, HasTheIconThatItIsGiven) {
   const IconHandle icon = desktop().LoadIconA(128);
   EXPECT_TRUE(desktop().SetWindowIcon(Window(), icon, true));
   EXPECT_FALSE(Dialog()->windowIcon().isNull());
   EXPECT_FALSE(desktop().SetWindowIcon(99, icon, true));
 }
 
-WINDOW_TEST(DialogWindowTest, AScreenReaderIsToldOfAWindow) {
+IN_WINDOW(DialogWindowTest, AScreenReaderIsToldOfAWindow) {
   QAccessibleInterface* const window = QAccessible::queryAccessibleInterface(Dialog());
   EXPECT_EQ(window->role(), QAccessible::Window);
   EXPECT_EQ(window->text(QAccessible::Name), QStringLiteral("All kinds"));
   EXPECT_FALSE(window->state().modal);
+}
+
+IN_WINDOW(DialogWindowTest, AMinimisedOneThatIsOnlyShownIsSeenMinimised) {
+  desktop().ShowWindow(Window(), SW_MINIMIZE);
+  desktop().ShowWindow(Window(), SW_HIDE);
+  desktop().ShowWindow(Window(), SW_SHOW);
+  Settle();
+  EXPECT_TRUE(Dialog()->isMinimized());
 }
 
 }  // namespace

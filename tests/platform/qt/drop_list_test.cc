@@ -13,18 +13,36 @@ namespace {
 class DropListTest : public QtTest {
  protected:
   QComboBox* Box(std::uint32_t id) const { return static_cast<QComboBox*>(Widget(id)); }
-  std::vector<std::string> Rows(std::uint32_t id) const {
-    std::vector<std::string> rows;
-    for (int row = 0; row < controls().ComboGetCount(Window(), id); ++row) {
-      rows.push_back(controls().ComboGetLBText(Window(), id, row));
-      EXPECT_EQ(Box(id)->itemText(row).toStdString(), rows.back());
-    }
+  // What the person sees of it.
+  Lines Shown(std::uint32_t id) const {
+    Lines rows;
+    for (int row = 0; row < Box(id)->count(); ++row)
+      rows.push_back(Box(id)->itemText(row).toStdString());
     return rows;
   }
 };
 
+IN_WINDOW(DropListTest, TheBoxShowsTheRowsAndTheChosenOne) {
+  EXPECT_EQ(Shown(kDropList), (Lines{"one", "two", "three"}));
+  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
+  controls().ComboSetCurSel(Window(), kDropList, 1);
+  EXPECT_EQ(Box(kDropList)->currentIndex(), 1);
+  controls().ComboDeleteString(Window(), kDropList, 1);
+  EXPECT_EQ(Shown(kDropList), (Lines{"one", "three"}));
+  EXPECT_EQ(Box(kDropList)->currentIndex(), -1);
+
+  controls().ComboAddString(Window(), kSortedList, "m");
+  EXPECT_EQ(Box(kSortedList)->currentIndex(), -1) << "its first row";
+  controls().ComboSetCurSel(Window(), kSortedList, 0);
+  controls().ComboAddString(Window(), kSortedList, "a");
+  EXPECT_EQ(Shown(kSortedList), (Lines{"a", "m"}));
+  EXPECT_EQ(Box(kSortedList)->currentText(), QStringLiteral("m"));
+  controls().ComboResetContent(Window(), kSortedList);
+  EXPECT_EQ(Shown(kSortedList), Lines());
+}
+
 // A long list would lie over what it is to help with.
-WINDOW_TEST(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
+IN_WINDOW(DropListTest, UnfoldsTwentyRowsAndAScrollBar) {
   for (int row = 0; row < 132; ++row) {
     controls().ComboAddString(Window(), kDropList, "row " + std::to_string(row));
   }
@@ -55,18 +73,18 @@ TEST_F(DropListTest, HeadingsOfTheTemplateAreBold) {
   });
 }
 
-WINDOW_TEST(DropListTest, TheChosenRowChosenAgainIsNews) {
+IN_WINDOW(DropListTest, TheChosenRowChosenAgainIsNews) {
   controls().ComboSetCurSel(Window(), kDropList, 1);
   controls().SetControlFocus(Window(), kDropList);
   Box(kDropList)->showPopup();
   QTest::keyClick(Box(kDropList)->view(), Qt::Key_Return);
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"114 selection changed 1"}));
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"114 selection changed 1"}));
   Box(kDropList)->showPopup();
   QTest::keyClick(Box(kDropList)->view(), Qt::Key_Escape);
   EXPECT_TRUE(recorder.lines.empty()) << "nothing was chosen";
 }
 
-WINDOW_TEST(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
+IN_WINDOW(DropListTest, TheWheelPassesAListThatDoesntHaveTheFocus) {
   controls().ComboSetCurSel(Window(), kDropList, 0);
   controls().SetControlFocus(Window(), kNameEdit);
   QWheelEvent wheel({5, 5}, Widget(kDropList)->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},

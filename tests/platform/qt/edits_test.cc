@@ -15,7 +15,7 @@ class EditsTest : public QtTest {
   QLineEdit* Line(std::uint32_t id) const { return static_cast<QLineEdit*>(Widget(id)); }
 };
 
-WINDOW_TEST(EditsTest, ATextAreaShowsTheFocus) {
+IN_WINDOW(EditsTest, ATextAreaShowsTheFocus) {
   Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
   controls().SetControlFocus(Window(), kNameEdit);
   const QImage without = Widget(kArea)->grab().toImage();
@@ -23,16 +23,16 @@ WINDOW_TEST(EditsTest, ATextAreaShowsTheFocus) {
   EXPECT_NE(Widget(kArea)->grab().toImage(), without);
 }
 
-WINDOW_TEST(EditsTest, ATextThatAScreenReaderPutsThereCounts) {
+IN_WINDOW(EditsTest, ATextThatAScreenReaderPutsThereCounts) {
   controls().SetDlgItemTextA(Window(), kNameEdit, "before");
   EXPECT_TRUE(recorder.lines.empty()) << "the program's own doing is no news";
   QAccessible::queryAccessibleInterface(Widget(kNameEdit))
       ->setText(QAccessible::Value, QStringLiteral("spoken"));
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "spoken");
-  EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{std::to_string(kNameEdit) + " changed"});
+  EXPECT_EQ(recorder.TakeLines(), Lines{std::to_string(kNameEdit) + " changed"});
 }
 
-WINDOW_TEST(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
+IN_WINDOW(EditsTest, AFieldToReadDoesNotLookAsIfOneCouldTypeIntoIt) {
   const auto inside = [&](std::uint32_t id) {
     QWidget* const field = Widget(id);
     return PixelOf(field, field->width() / 2 + 10, field->height() / 2);
@@ -62,13 +62,13 @@ TEST_F(EditsTest, ATextToReadHasNoCaret) {
   QApplication::setCursorFlashTime(blinking);
 }
 
-WINDOW_TEST(EditsTest, TypedTextIsUtf8) {
+IN_WINDOW(EditsTest, TypedTextIsUtf8) {
   Line(kNameEdit)->insert(QStringLiteral("ü"));
   QTest::keyClicks(Line(kNameEdit), QStringLiteral("x"));
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameEdit), "\xC3\xBCx");
 }
 
-WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
+IN_WINDOW(EditsTest, TheCaretStandsBehindThatManyBytes) {
   controls().SetDlgItemTextA(Window(), kNameEdit,
                              "a\xC3\xBC"
                              "bc");
@@ -86,7 +86,19 @@ WINDOW_TEST(EditsTest, TheCaretStandsBehindThatManyBytes) {
   EXPECT_FALSE(controls().SetCaret(Window(), kButton, 0));
 }
 
-WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
+IN_WINDOW(EditsTest, LosingTheFocusIsToldInItsTurn) {
+  controls().SetControlFocus(Window(), kNameEdit);
+  QTest::keyClick(Line(kNameEdit), Qt::Key_Tab);
+  EXPECT_TRUE(recorder.lines.empty()) << "not in the middle of the change";
+  Settle();
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"101 focus lost"}));
+}
+
+IN_WINDOW(EditsTest, AnAreaShowsEachLineByItself) {
+  EXPECT_EQ(static_cast<QPlainTextEdit*>(Widget(kArea))->document()->blockCount(), 2);
+}
+
+IN_WINDOW(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
   controls().SetControlFocus(Window(), kNameEdit);
   QTest::mouseClick(Widget(kCheck), Qt::LeftButton, {}, QPoint(5, 5));
   EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
@@ -94,7 +106,7 @@ WINDOW_TEST(EditsTest, LosingTheFocusComesBeforeTheClickThatTookIt) {
   recorder.lines.clear();
   Widget(kCheck)->setFocus(Qt::MouseFocusReason);
   QTest::keyClick(Widget(kCheck), Qt::Key_Space);
-  EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"101 focus lost", "108 clicked"}));
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"101 focus lost", "108 clicked"}));
   Settle();
   EXPECT_TRUE(recorder.lines.empty()) << "told once";
 }

@@ -11,11 +11,9 @@
 namespace platform::qt {
 namespace {
 
-using Lines = std::vector<std::string>;
-
 class LabelsTest : public QtTest {};
 
-WINDOW_TEST(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
+IN_WINDOW(LabelsTest, GiveBackTheirTextWithItsMnemonicMark) {
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kNameLabel), "&Name");
   EXPECT_EQ(static_cast<QLabel*>(Widget(kNameLabel))->text(), QStringLiteral("Name"));
 }
@@ -49,7 +47,7 @@ TEST_F(LabelsTest, ATextThatIsSetShowsAsItIs) {
   });
 }
 
-WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
+IN_WINDOW(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
   QTest::mousePress(Widget(kNameLabel), Qt::LeftButton);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"100 clicked"}));
   QTest::mouseRelease(Widget(kNameLabel), Qt::LeftButton);
@@ -57,7 +55,7 @@ WINDOW_TEST(LabelsTest, AClickOnALabelIsToldWhenTheButtonGoesDown) {
   EXPECT_TRUE(recorder.lines.empty());
 }
 
-WINDOW_TEST(LabelsTest, ALinkIsOneForAScreenReader) {
+IN_WINDOW(LabelsTest, ALinkIsOneForAScreenReader) {
   QAccessibleInterface* const link = QAccessible::queryAccessibleInterface(Widget(kLink));
   ASSERT_NE(link, nullptr);
   EXPECT_EQ(link->role(), QAccessible::Link);
@@ -68,7 +66,7 @@ WINDOW_TEST(LabelsTest, ALinkIsOneForAScreenReader) {
   EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked"}));
 }
 
-WINDOW_TEST(LabelsTest, TheLooksThatTheProgramGives) {
+IN_WINDOW(LabelsTest, TheLooksThatTheProgramGives) {
   EXPECT_TRUE(controls().SetControlFont(Window(), kLink, "Arial", 14, 700, true));
   EXPECT_EQ(Widget(kLink)->font().family(), QStringLiteral("Arial"));
   EXPECT_EQ(Widget(kLink)->font().pixelSize(), 14);
@@ -108,14 +106,14 @@ TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
   QApplication::setPalette(before);
 }
 
-WINDOW_TEST(LabelsTest, APictureShowsItsBitmap) {
+IN_WINDOW(LabelsTest, APictureShowsItsBitmap) {
   const QImage bare = Widget(kPicture)->grab().toImage();
   EXPECT_TRUE(controls().SetPicture(Window(), kPicture, desktop().LoadBitmapA(148)));
   EXPECT_NE(Widget(kPicture)->grab().toImage(), bare);
   EXPECT_FALSE(controls().SetPicture(Window(), kLink, desktop().LoadBitmapA(148)));
 }
 
-WINDOW_TEST(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
+IN_WINDOW(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
   EXPECT_TRUE(controls().HasControl(Window(), kBox));
   EXPECT_TRUE(controls().IsControlVisible(Window(), kBox));
   EXPECT_FALSE(Dialog()->Find(kBox)->Widget()->isVisible());
@@ -127,7 +125,7 @@ WINDOW_TEST(LabelsTest, ABoxTakesRoomAndIsNeverSeen) {
   EXPECT_EQ(rect, (Rect{1, 2, 33, 44}));
 }
 
-WINDOW_TEST(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
+IN_WINDOW(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
   struct Case {
     std::uint32_t id;
     const char* name;
@@ -153,14 +151,14 @@ WINDOW_TEST(LabelsTest, EveryControlThatTakesTheFocusHasAName) {
   }
 }
 
-WINDOW_TEST(LabelsTest, WhatIsOnlySeenSaysWhatItIs) {
+IN_WINDOW(LabelsTest, WhatIsOnlySeenSaysWhatItIs) {
   const std::pair<std::uint32_t, QAccessible::Role> kRoles[] = {{kPicture, QAccessible::Graphic},
                                                                 {kRule, QAccessible::Separator}};
   for (const auto& [id, role] : kRoles)
     EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(id))->role(), role) << id;
 }
 
-WINDOW_TEST(LabelsTest, ALabelIsBoundToItsField) {
+IN_WINDOW(LabelsTest, ALabelIsBoundToItsField) {
   const auto relations = QAccessible::queryAccessibleInterface(Widget(kNameEdit))->relations();
   ASSERT_EQ(relations.size(), 1);
   EXPECT_EQ(relations[0].first->object(), Widget(kNameLabel));
@@ -184,7 +182,7 @@ TEST_F(LabelsTest, TheNameIsTheNearestLabelsWhateverTheOthersShow) {
   });
 }
 
-WINDOW_TEST(LabelsTest, ANameFollowsTheLabel) {
+IN_WINDOW(LabelsTest, ANameFollowsTheLabel) {
   controls().SetDlgItemTextA(Window(), kSliderGroup, "Speed (25)");
   EXPECT_EQ(static_cast<QGroupBox*>(Widget(kSliderGroup))->title(), QStringLiteral("Speed (25)"));
   EXPECT_EQ(QAccessible::queryAccessibleInterface(Widget(kSlider))->text(QAccessible::Name),

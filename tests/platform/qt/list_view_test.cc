@@ -8,41 +8,46 @@
 namespace platform::qt {
 namespace {
 
-using Lines = std::vector<std::string>;
-using Numbers = std::vector<std::int32_t>;
-
 class ListViewTest : public QtTest {
  protected:
   QTreeView* List(std::uint32_t id = kList) const { return static_cast<QTreeView*>(Widget(id)); }
-  void AddColumns(std::uint32_t id = kList) {
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Trigger", 100), 0);
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Action", 50), 1);
-    EXPECT_EQ(controls().ListInsertColumn(Window(), id, "Description", 150), 2);
-  }
-  void AddRows(int count, std::uint32_t id = kList) {
-    for (int row = 0; row < count; ++row) {
-      EXPECT_EQ(controls().ListInsertItem(Window(), id, 1000u + static_cast<unsigned>(row)), row);
-    }
-  }
-  Numbers Selected(std::uint32_t id = kList) const {
-    Numbers rows;
-    for (int row = controls().ListGetNextSelected(Window(), id, -1); row != kNoRow;
-         row = controls().ListGetNextSelected(Window(), id, row)) {
-      rows.push_back(row);
-    }
-    return rows;
-  }
   QPoint RowPoint(int row, std::uint32_t id = kList) const {
     return List(id)->visualRect(List(id)->model()->index(row, 0)).center();
   }
 };
 
-WINDOW_TEST(ListViewTest, AnEmptyOneShowsTheFocus) {
+IN_WINDOW(ListViewTest, AnEmptyOneShowsTheFocus) {
   Dialog()->setAttribute(Qt::WA_KeyboardFocusChange);  // as the Tab key does
   controls().SetControlFocus(Window(), kNameEdit);
   const QImage without = Widget(kSingleList)->grab().toImage();
   Widget(kSingleList)->setFocus(Qt::TabFocusReason);
   EXPECT_NE(Widget(kSingleList)->grab().toImage(), without);
+}
+
+IN_WINDOW(ListViewTest, ShowsItsTextsAndItsColumnsInTheirOrder) {
+  AddColumns();
+  AddRows(2);
+  controls().ListSetItemText(Window(), kList, 1, 2, "jump \xFC");
+  EXPECT_EQ(List()->model()->index(1, 2).data().toString(), QStringLiteral("jump ü"));
+  controls().ListSetColumnOrder(Window(), kList, {2, 0, 1});
+  EXPECT_EQ(List()->header()->logicalIndex(0), 2);
+  EXPECT_EQ(List()->header()->logicalIndex(2), 1);
+}
+
+TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterThePersonSetsIt) {
+  Numbers seen;
+  recorder.onNotice = [&](std::uint32_t, Notice, std::int32_t column) {
+    seen.push_back(controls().ListGetColumnWidth(Window(), kList, column));
+  };
+  Run([&] {
+    AddColumns();
+    seen.clear();
+    recorder.lines.clear();
+    List()->header()->resizeSection(1, 90);  // as a drag of its divider does
+    EXPECT_EQ(recorder.TakeLines(), (Lines{"116 header changing 1", "116 header changed 1"}));
+    EXPECT_EQ(seen, (Numbers{50, 90}));
+    EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 1), 90);
+  });
 }
 
 TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
@@ -62,7 +67,7 @@ TEST_F(ListViewTest, ADroppedHeaderCountsOnlyAfterItsNotice) {
   });
 }
 
-WINDOW_TEST(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
+IN_WINDOW(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
   AddColumns();
   QHeaderView* const header = List()->header();
   QWidget* const area = header->viewport();
@@ -75,7 +80,7 @@ WINDOW_TEST(ListViewTest, ADragOfAHeaderWithTheMouseMovesItsColumn) {
   EXPECT_EQ(order, (Numbers{1, 0, 2}));
 }
 
-WINDOW_TEST(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
+IN_WINDOW(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
   const int width = controls().ListGetClientWidth(Window(), kList);
   EXPECT_LT(width, List()->width());
   EXPECT_EQ(List()->viewport()->width(), width) << "or a column without a heading stands there";
@@ -87,7 +92,7 @@ WINDOW_TEST(ListViewTest, TheScrollBarsRoomIsNotTheColumns) {
   EXPECT_LE(width, List()->viewport()->width());
 }
 
-WINDOW_TEST(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
+IN_WINDOW(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
   AddColumns();
   AddRows(2);
   controls().ListSetItemText(Window(), kList, 0, 1, "<Ctrl><Shift>abc<P:500>def");
@@ -103,7 +108,7 @@ WINDOW_TEST(ListViewTest, ADoubleClickOnADividerFitsTheContents) {
   EXPECT_EQ(controls().ListGetColumnWidth(Window(), kList, 0), 100);
 }
 
-WINDOW_TEST(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
+IN_WINDOW(ListViewTest, ARowThatIsToBeSeenIsScrolledTo) {
   AddColumns();
   AddRows(100);
   EXPECT_TRUE(controls().ListEnsureVisible(Window(), kList, 80));
@@ -124,7 +129,7 @@ TEST_F(ListViewTest, PaintingIsTold) {
   });
 }
 
-WINDOW_TEST(ListViewTest, LinesStandBetweenTheCells) {
+IN_WINDOW(ListViewTest, LinesStandBetweenTheCells) {
   AddColumns();
   AddRows(2);
   Settle();

@@ -1,66 +1,56 @@
-// A fixture with Qt behind the seam, off the screen, and a dialog that has a control of each kind.
+// The fixture of every desktop with Qt behind the seam, and what is Qt's own of it.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QMessageBox>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
-#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/platform/linux/linux_platform.h"
 #include "app/platform/platform.h"
 #include "app/platform/qt/qt_platform.h"
-#include "recorder.h"
+#include "desktop_fixture.h"
 
-namespace platform::qt {
+namespace platform {
+
+struct DesktopTest::Machine {
+  qt::DialogWindow* Find(WindowHandle window) { return qt.Desktop().Windows().Find(window); }
+
+  LinuxPlatform system;
+  qt::QtPlatform qt;
+  InstalledPlatform installed{[this] {
+    Platform groups = system.Groups();
+    groups.desktop = &qt.Desktop();
+    groups.controls = &qt.Controls();
+    groups.shell = &qt.Shell();
+    return groups;
+  }()};
+  QObject context;
+};
+
+namespace qt {
 
 // How long what takes a moment may take, in milliseconds.
 constexpr int kSoon = 60000;
 
-class QtTest : public ::testing::Test {
+class QtTest : public DesktopTest {
  protected:
-  QtTest();
-
-  // Runs `dialog` with `script` inside of its loop, and ends it with `result` unless the script
-  // did.
-  std::int32_t Run(const DialogTemplate& dialog, std::function<void()> script,
-                   WindowHandle owner = kNoWindow);
-  std::int32_t Run(std::function<void()> script) { return Run(kAllKinds, std::move(script)); }
-
-  WindowHandle Window() const { return recorder.window; }
-  DialogWindow* Dialog() const;
+  DialogWindow* Dialog() const { return machine->Find(Window()); }
   QWidget* Widget(std::uint32_t id) const;  // the one that has the focus
-  // Handles what is posted.
-  static void Settle();
-  // True as soon as `holds` is; false if it wasn't within kSoon.
-  static bool Soon(const std::function<bool()>& holds) { return QTest::qWaitFor(holds, kSoon); }
 
-  LinuxPlatform system;
-  QtPlatform qt;
-  Platform groups;
-  InstalledPlatform installed;
-  Recorder recorder;
+  QtPlatform& qt = machine->qt;
 };
 
-// A test whose body runs inside of the loop of kAllKinds.
-#define WINDOW_TEST(Fixture, Name)                                                 \
-  class Fixture##Name : public Fixture {                                           \
-    void TestBody() override {                                                     \
-      Run([this] { Body(); });                                                     \
-    }                                                                              \
-    void Body();                                                                   \
-  };                                                                               \
-  [[maybe_unused]] const auto* const registered##Fixture##Name =                   \
-      testing::RegisterTest(#Fixture, #Name, nullptr, nullptr, __FILE__, __LINE__, \
-                            []() -> Fixture* { return new Fixture##Name; });       \
-  void Fixture##Name::Body()
+// Null when there is none.
+QMessageBox* BoxThatIsUp();
 
 // What is seen at a pixel.
 QColor PixelOf(QWidget* widget, int x, int y);
 
-}  // namespace platform::qt
+}  // namespace qt
+}  // namespace platform

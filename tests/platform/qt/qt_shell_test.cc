@@ -124,14 +124,14 @@ TEST_F(ShellTest, AFolderIsChosen) {
   });
 }
 
-WINDOW_TEST(ShellTest, WhereNoneIsChosenThePathStays) {
+IN_WINDOW(ShellTest, WhereNoneIsChosenThePathStays) {
   std::string path = "before";
   AtFileDialog([](QFileDialog& dialog) { dialog.reject(); });
   EXPECT_FALSE(shell().ChooseFile(Window(), "Target", false, "", &path));
   EXPECT_EQ(path, "before");
 }
 
-WINDOW_TEST(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
+IN_WINDOW(ShellTest, AskingForAFileGoesWithTheRestWhenTheProgramIsToEnd) {
   std::string path = "before";
   AtFileDialog([&](QFileDialog&) { qt.Desktop().CloseAll(); });
   EXPECT_FALSE(shell().ChooseFile(Window(), "Target", false, "", &path));

@@ -7,14 +7,13 @@ namespace {
 
 class SliderTest : public QtTest {};
 
-WINDOW_TEST(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
+IN_WINDOW(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
   controls().SliderSetRange(Window(), kSlider, 0, 50);
   controls().SliderSetPos(Window(), kSlider, 25);
   QTest::keyClick(Widget(kSlider), Qt::Key_Right);
   QTest::keyClick(Widget(kSlider), Qt::Key_Left);
   QTest::keyClick(Widget(kSlider), Qt::Key_PageUp);
-  EXPECT_EQ(recorder.TakeLines(),
-            (std::vector<std::string>{"119 scrolled 26", "119 scrolled 25", "119 scrolled 35"}));
+  EXPECT_EQ(recorder.TakeLines(), (Lines{"119 scrolled 26", "119 scrolled 25", "119 scrolled 35"}));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "app/platform/qt/tab_control.h"
 
+#include <QTabBar>
+
 #include "qt_fixture.h"
 
 namespace platform::qt {
@@ -7,13 +9,10 @@ namespace {
 
 class TabControlTest : public QtTest {
  protected:
-  void AddTabs() {
-    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "One"), 0);
-    EXPECT_EQ(controls().TabInsertItem(Window(), kTabs, "Two"), 1);
-  }
+  int Shown() const { return static_cast<QTabBar*>(Widget(kTabs))->currentIndex(); }
 };
 
-WINDOW_TEST(TabControlTest, TabsStandBesideOneAnother) {
+IN_WINDOW(TabControlTest, TabsStandBesideOneAnother) {
   AddTabs();
   Rect first;
   Rect second;
@@ -26,6 +25,29 @@ WINDOW_TEST(TabControlTest, TabsStandBesideOneAnother) {
   EXPECT_FALSE(controls().TabGetItemRect(Window(), kButton, 0, &second));
   EXPECT_EQ(controls().TabGetCurSel(Window(), kButton), -1);
   EXPECT_EQ(controls().TabInsertItem(Window(), kButton, "x"), -1);
+}
+
+// A box, or the focus alone, holds back a person who leaves the edit.
+TEST_F(TabControlTest, TheBarShowsTheOldTabWhileAnEditIsLeftAndWhenThatIsPrevented) {
+  for (const bool box : {true, false}) {
+    recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t) {
+      if (notice != Notice::FocusLost) return;
+      EXPECT_EQ(Shown(), 0) << "already";
+      if (box) {
+        Later([] { BoxThatIsUp()->close(); });
+        desktop().MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
+      } else {
+        controls().SetControlFocus(Window(), kNameEdit);
+      }
+    };
+    Run([&] {
+      AddTabs();
+      ClickSecondTab();
+      EXPECT_EQ(recorder.TakeLines(), (Lines{"101 focus lost"})) << box;
+      EXPECT_EQ(Shown(), 0) << box;
+      recorder.onNotice = nullptr;
+    });
+  }
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ class ToolTipsTest : public QtTest {
     QWidget* const widget = Dialog()->Find(id)->Widget();
     if (point.x() < 0) point = widget->rect().center();
     QToolTip::hideText();
-    EXPECT_TRUE(Soon([] { return !QToolTip::isVisible(); }));
+    EXPECT_TRUE(WaitFor([] { return !QToolTip::isVisible(); }));
     QHelpEvent event(QEvent::ToolTip, point, widget->mapToGlobal(point));
     QApplication::sendEvent(widget, &event);
     return QToolTip::isVisible() ? QToolTip::text() : QString();
@@ -59,7 +59,7 @@ TEST_F(ToolTipsTest, AToolShowsTheTextThatTheProgramGives) {
   });
 }
 
-WINDOW_TEST(ToolTipsTest, AnEmptyTextIsNoTip) {
+IN_WINDOW(ToolTipsTest, AnEmptyTextIsNoTip) {
   controls().EnableToolTips(Window());
   EXPECT_EQ(Hover(kButton), QString());
 }
@@ -96,7 +96,7 @@ TEST_F(ToolTipsTest, AnInactiveOneShowsNothing) {
   });
 }
 
-WINDOW_TEST(ToolTipsTest, EachTabHasATextOfItsOwn) {
+IN_WINDOW(ToolTipsTest, EachTabHasATextOfItsOwn) {
   controls().TabInsertItem(Window(), kTabs, "One");
   controls().TabInsertItem(Window(), kTabs, "Two");
   EXPECT_TRUE(controls().AddTabTool(Window(), kTabs, 0, "the first"));

@@ -87,12 +87,12 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
     QTest::qWait(100);
     EXPECT_TRUE(host->Item().isEmpty());
     host->Show();
-    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
-    EXPECT_TRUE(Soon([&] { return !desktop().IsWindowVisible(Window()); }));
+    EXPECT_TRUE(WaitFor([&] { return !host->Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !desktop().IsWindowVisible(Window()); }));
 
     recorder.lines.clear();
     host->Click();
-    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}))
         << "the double click, of which such a host tells nothing";
     desktop().ShowWindow(Window(), SW_SHOW);
@@ -104,24 +104,24 @@ TEST_F(SessionTest, TheNotificationAreaComesAndGoes) {
 
     recorder.lines.clear();
     host->RightClick();
-    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines().back(), "message 32768 0 516");
 
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     recorder.lines.clear();
     host->Choose("Exit");
-    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), std::vector<std::string>{"50 clicked"});
 
     desktop().ShowWindow(Window(), SW_HIDE);
     EXPECT_FALSE(desktop().IsWindowVisible(Window()));
     host.reset();
-    EXPECT_TRUE(Soon([&] { return desktop().IsWindowVisible(Window()); }));
+    EXPECT_TRUE(WaitFor([&] { return desktop().IsWindowVisible(Window()); }));
     EXPECT_TRUE(desktop().IsIconic(Window()));
 
     host = std::make_unique<NotificationHost>();
-    EXPECT_TRUE(Soon([&] { return !desktop().IsWindowVisible(Window()); })) << "again";
-    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !desktop().IsWindowVisible(Window()); })) << "again";
+    EXPECT_TRUE(WaitFor([&] { return !host->Item().isEmpty(); }));
     EXPECT_EQ(host->Menu(), (std::vector<std::string>{"Exit", "-", "Show it"}));
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_DELETE, icon));
   });
@@ -134,10 +134,10 @@ TEST_F(SessionTest, WhereAPanelShowsIconsByBothWaysItIsTheBusThatCounts) {
     Settle();
     NotificationHost host;
     const XArea area;
-    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !host.Item().isEmpty(); }));
     recorder.lines.clear();
     host.Click();
-    EXPECT_TRUE(Soon([&] { return !recorder.lines.empty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !recorder.lines.empty(); }));
     EXPECT_EQ(recorder.TakeLines(), (std::vector<std::string>{"message 32768 0 515"}));
   });
 }
@@ -158,18 +158,18 @@ TEST_F(SessionTest, AnIconicWindowThatHidesDoesNotAskToBeShown) {
   managing.start(1);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
+    EXPECT_TRUE(WaitFor([&] { return !host.Item().isEmpty() && manager.Shown() == 1; }));
     manager.MakeIconic(static_cast<xcb_window_t>(Dialog()->winId()));
-    EXPECT_TRUE(Soon([&] { return desktop().IsIconic(Window()); }));
+    EXPECT_TRUE(WaitFor([&] { return desktop().IsIconic(Window()); }));
     desktop().ShowWindow(Window(), SW_HIDE);
-    EXPECT_TRUE(Soon([&] { return manager.Withdrawn() == 1; }));
+    EXPECT_TRUE(WaitFor([&] { return manager.Withdrawn() == 1; }));
     Settle();
     handle();
     EXPECT_EQ(manager.Shown(), 1);
 
     desktop().ShowWindow(Window(), SW_SHOW);
     desktop().ShowWindow(Window(), SW_RESTORE);
-    EXPECT_TRUE(Soon([&] { return manager.Shown() > 1; }));
+    EXPECT_TRUE(WaitFor([&] { return manager.Shown() > 1; }));
     EXPECT_TRUE(desktop().IsWindowVisible(Window()));
     EXPECT_FALSE(desktop().IsIconic(Window()));
   });
@@ -180,7 +180,7 @@ TEST_F(SessionTest, AWatcherThatIsTooBusyToAnswerIsAskedAgain) {
   host.MissOneQuestion();
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !host.Item().isEmpty(); }));
   });
 }
 
@@ -190,12 +190,12 @@ TEST_F(SessionTest, AWatcherThatHangsIsAskedOnceMoreAndThenAwaited) {
   host.HoldQuestions(true);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(Soon([&] { return host.Questions() == 2; }));
+    EXPECT_TRUE(WaitFor([&] { return host.Questions() == 2; }));
     QTest::qWait(27000);
     EXPECT_EQ(host.Questions(), 2);
     EXPECT_TRUE(host.Item().isEmpty());
     host.HoldQuestions(false);
-    EXPECT_TRUE(Soon([&] { return !host.Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !host.Item().isEmpty(); }));
   });
 }
 
@@ -204,10 +204,10 @@ TEST_F(SessionTest, AWatcherThatHungAndIsGoneIsNotAwaited) {
   host->HoldQuestions(true);
   Run([&] {
     EXPECT_TRUE(desktop().Shell_NotifyIconA(NIM_ADD, Icon()));
-    EXPECT_TRUE(Soon([&] { return host->Questions() == 2; }));
+    EXPECT_TRUE(WaitFor([&] { return host->Questions() == 2; }));
     host.reset();
     host = std::make_unique<NotificationHost>();
-    EXPECT_TRUE(Soon([&] { return !host->Item().isEmpty(); }));
+    EXPECT_TRUE(WaitFor([&] { return !host->Item().isEmpty(); }));
   });
 }
 
@@ -216,7 +216,7 @@ TEST_F(SessionTest, WhenABoxHasBeenAnsweredItsOwnerHasTheFocusAgain) {
   manager.start(QStringLiteral("icewm"), QStringList());
   ASSERT_TRUE(manager.waitForStarted()) << "icewm can't be started";
   Run([&] {
-    ASSERT_TRUE(Soon([&] { return Dialog()->isActiveWindow(); }));
+    ASSERT_TRUE(WaitFor([&] { return Dialog()->isActiveWindow(); }));
     for (int i = 0; i < 5; ++i) {
       QTimer look;
       QObject::connect(&look, &QTimer::timeout, &look, [&] {
