@@ -1,18 +1,16 @@
 #include "app/platform/linux/instance_socket.h"
 
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <mutex>
 
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/platform/linux/local_socket.h"
 
 namespace platform {
 namespace {
@@ -20,20 +18,10 @@ namespace {
 namespace fs = std::filesystem;
 using namespace kelvaro::tests;
 
-// A connection as any program can make one.
-int ConnectTo(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  std::strcpy(address.sun_path, path.c_str());
-  const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-  EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  return fd;
-}
-
 // Asks for the windows as AskWindows does; bytes of the answer, 0 for none.
 ssize_t AskByHand(const std::string& path) {
   const std::uint32_t request[] = {0x4B56494E, 1, 0, 0, 0, 0};
-  const int fd = ConnectTo(path);
+  const int fd = ConnectByHand(path);
   char answer[4096];
   ssize_t size = send(fd, request, sizeof request, MSG_NOSIGNAL);
   if (size > 0) size = recv(fd, answer, sizeof answer, 0);
@@ -58,7 +46,7 @@ class InstanceSocketTest : public testing::Test, protected TemporaryFolder {
 
   std::string OwnSocket() const { return In(std::to_string(getpid()) + ".socket"); }
 
-  int Connect() const { return ConnectTo(OwnSocket()); }
+  int Connect() const { return ConnectByHand(OwnSocket()); }
 
   const std::uint32_t self = static_cast<std::uint32_t>(getpid());
   std::mutex mutex;

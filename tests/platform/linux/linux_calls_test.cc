@@ -3,14 +3,11 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <condition_variable>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <mutex>
 #include <string>
@@ -18,6 +15,7 @@
 
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/platform/linux/local_socket.h"
 
 namespace platform {
 namespace {
@@ -84,23 +82,13 @@ class Echo final : public CallReceiver {
   std::vector<std::string> got;
 };
 
-// A connection as any program can make one.
-int ConnectTo(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  std::strcpy(address.sun_path, path.c_str());
-  const int fd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-  EXPECT_EQ(connect(fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  return fd;
-}
-
 class LinuxCallsTest : public testing::Test, protected TemporaryFolder {
  protected:
   ~LinuxCallsTest() override { calls.StopAnswering(); }
 
   std::string OwnSocket() const { return In(std::to_string(self) + ".steering"); }
 
-  int ConnectByHand() const { return ConnectTo(OwnSocket()); }
+  int Connect() const { return ConnectByHand(OwnSocket()); }
   // What is answered to a request; empty for none.
   std::string Ask(const std::string& request) {
     const auto conversation = calls.Call(self);
@@ -200,14 +188,14 @@ TEST_F(LinuxCallsTest, WakeBringsTheReceiverRound) {
 
 TEST_F(LinuxCallsTest, WhatIsTooLongOrEmptyEndsTheCallAlone) {
   ASSERT_TRUE(calls.Answer(&echo));
-  const int fd = ConnectByHand();
+  const int fd = Connect();
   const std::string tooLong(kLongestMessage + 1, 'x');
   EXPECT_EQ(send(fd, tooLong.data(), tooLong.size(), MSG_NOSIGNAL),
             static_cast<ssize_t>(tooLong.size()));
   char answer;
   EXPECT_LE(recv(fd, &answer, 1, 0), 0);
   close(fd);
-  close(ConnectByHand());
+  close(Connect());
   EXPECT_EQ(Ask("still there"), "still there!");
   EXPECT_EQ(echo.Got(), std::vector<std::string>{"still there"});
 }
@@ -232,7 +220,7 @@ TEST(DISABLED_CallByAnotherProgram, IsAnsweredAsOneOfItsNameIs) {
   const char* const path = std::getenv("KELVARO_TEST_SOCKET");
   const char* const answered = std::getenv("KELVARO_TEST_ANSWERED");
   ASSERT_TRUE(path && answered);
-  const int fd = ConnectTo(path);
+  const int fd = ConnectByHand(path);
   const bool sent = send(fd, "a", 1, MSG_NOSIGNAL) == 1;
   char answer[4] = {};
   const ssize_t size = recv(fd, answer, sizeof answer, 0);
@@ -304,7 +292,7 @@ TEST_F(LinuxCallsTest, AnotherUserCanNotConnect) {
   fs::permissions(OwnSocket(), fs::perms::all);  // even where the file would let them
   const pid_t child = Fork([&] {
     if (setgid(65534) != 0 || setuid(65534) != 0) return 1;
-    const int fd = ConnectByHand();
+    const int fd = Connect();
     if (HasFailure()) return 2;
     send(fd, "a", 1, MSG_NOSIGNAL);
     char answer;

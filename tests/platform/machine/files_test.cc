@@ -194,6 +194,7 @@ TEST_F(FilesTest, TheReadOnlyAttributeOfAFileGoesOnAndOff) {
   EXPECT_EQ(files.GetFileAttributesA(In("a")), FILE_ATTRIBUTE_NORMAL);
   EXPECT_EQ(files.GetFileAttributesA(folder), FILE_ATTRIBUTE_DIRECTORY);
   EXPECT_EQ(files.GetFileAttributesA(In("none")), INVALID_FILE_ATTRIBUTES);
+  EXPECT_FALSE(files.SetFileAttributesA(In("none"), FILE_ATTRIBUTE_NORMAL));
 }
 
 TEST_F(FilesTest, AFolderIsMadeOnce) {
