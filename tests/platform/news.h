@@ -2,6 +2,9 @@
 // reports that it tells of. Any thread.
 #pragma once
 
+#include <atomic>
+
+#include "app/platform/threads.h"
 #ifdef _WIN32
 #include "app/platform/windows/windows_threads.h"
 #else
@@ -9,10 +12,6 @@
 
 #include "app/platform/linux/descriptor.h"
 #endif
-
-#include <atomic>
-
-#include "app/platform/threads.h"
 
 namespace platform {
 
