@@ -92,6 +92,15 @@ class DesktopTest : public ::testing::Test {
     ASSERT_TRUE(controls().TabGetItemRect(Window(), kTabs, 1, &rect));
     ClickAt(kTabs, {rect.left + 4, rect.top + 4});
   }
+  // In the notice of a lost focus: a person isn't let go, by a box or by the focus alone.
+  void HoldBack(bool byABox) {
+    if (byABox) {
+      Later([this] { Answer(IDOK); });
+      desktop().MessageBoxA(Window(), "Please enter another", "Refused", MB_OK);
+    } else {
+      controls().SetControlFocus(Window(), kNameEdit);
+    }
+  }
 
   // What the recorder writes down of a window that has got this inside.
   static std::string SizeLine(const Rect& inside) {

@@ -1,6 +1,7 @@
 #include "qt_fixture.h"
 
 namespace platform::qt {
+
 QWidget* QtTest::Widget(std::uint32_t id) const { return Dialog()->Find(id)->FocusWidget(); }
 
 QMessageBox* BoxThatIsUp() {
