@@ -5,8 +5,8 @@
 namespace kelvaro::console {
 
 void SteeredRun::Begin() {
-  steering.Begin(session.Engine());
   TellNames();
+  steering.Begin(session.Engine());
 }
 
 void SteeredRun::TellNames() {

@@ -79,7 +79,6 @@ void Steering::Forget(Event* event) {
 }
 
 void Steering::NameIs(Happened what, std::string* place, const ByteString& name) {
-  if (!answering) return;
   const std::string text = Bytes(name);
   {
     LockGuard guard(boardLock);

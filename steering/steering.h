@@ -57,8 +57,8 @@ class Steering final : public platform::CallReceiver,
   // Nothing is answered or carried out any more. Waits for what is under way.
   void End();
 
-  // What is open and in use now, empty for none; a change is told to followers. One thread at a
-  // time; not the engine's.
+  // What is open and in use now, empty for none; a change is told to followers. Also before Begin:
+  // the first who asks may ask at once. One thread at a time; not the engine's.
   void ProfileIs(const ByteString& name);
   void DeviceIs(const ByteString& name);
   // The mouse controls may have gone on or off otherwise than by a Control. Any thread.

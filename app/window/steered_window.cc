@@ -5,8 +5,8 @@
 namespace kelvaro {
 
 void SteeredWindow::Begin() {
-  steering.Begin(*session.engine);
   TellState();
+  steering.Begin(*session.engine);
 }
 
 void SteeredWindow::SelectProfile(std::uint32_t ticket, const std::string& name) {

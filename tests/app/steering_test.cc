@@ -52,6 +52,12 @@ TEST_F(SteeredWindowTest, StatusTellsWhatIsOpen) {
             "| paused no | mouseControls no");
 }
 
+TEST_F(SteeredWindowTest, TheFirstStatusTellsWhatIsOpen) {
+  calls.saidAtOnce = "kelvaro 1 status";
+  BeginWithTwo();
+  EXPECT_NE(calls.Heard(1).find("profile Alpha | device Pad | "), std::string::npos);
+}
+
 TEST_F(SteeredWindowTest, SelectDoesWhatTheChoiceOfAPersonDoes) {
   BeginWithTwo();
   Choose("Beta");

@@ -58,6 +58,14 @@ TEST_F(SteeringTest, StatusTellsHowItStands) {
             "| paused yes | mouseControls yes");
 }
 
+TEST_F(SteeringTest, TheFirstStatusTellsWhatWasOpenBefore) {
+  calls.saidAtOnce = "kelvaro 1 status";
+  steering.ProfileIs("Game");
+  steering.DeviceIs("Pad");
+  steering.Begin(engine);
+  EXPECT_NE(calls.Heard(1).find("profile Game | device Pad | "), std::string::npos);
+}
+
 TEST_F(SteeringTest, WhatIsNoRequestIsAnsweredByAnError) {
   Begin();
   EXPECT_EQ(Ask(1, "nonsense"), "error | text there is no request 'nonsense'");

@@ -18,6 +18,7 @@ class VirtualCalls final : public platform::Calls {
 
   bool Answer(platform::CallReceiver* called) override {
     receiver = called;
+    if (!saidAtOnce.empty()) Say(1, saidAtOnce);
     return answers;
   }
   void StopAnswering() override { receiver = nullptr; }
@@ -67,6 +68,7 @@ class VirtualCalls final : public platform::Calls {
   }
 
   bool answers = true;
+  std::string saidAtOnce;  // by caller 1, as soon as anybody answers
   std::uint32_t wakes = 0;
   std::vector<platform::CallId> hungUp;
 
