@@ -172,6 +172,8 @@ void Steering::OnMessage(platform::CallId call, const std::string& message) {
 }
 
 void Steering::HandOver(platform::CallId call, SteeringMessage request) {
+  if (!IsRunning() && !Start(false, kPriorityOfCaller))
+    return SendOrKeep(call, Refusal("no thread can be started").Text());
   callers[call];  // so that its answer finds it
   bool full;
   {
@@ -180,7 +182,6 @@ void Steering::HandOver(platform::CallId call, SteeringMessage request) {
     if (!full) work.push_back({call, std::move(request)});
   }
   if (full) return SendOrKeep(call, Refusal("too many requests are waiting").Text());
-  if (!IsRunning()) Start(false, kPriorityOfCaller);
   platform::threads().SetEvent(workCame);
 }
 

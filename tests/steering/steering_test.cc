@@ -193,6 +193,15 @@ TEST_F(SteeringTest, NoThreadIsThereBeforeItHasWork) {
   EXPECT_EQ(sim.LivingThreads(), before);
 }
 
+TEST_F(SteeringTest, WithoutAThreadThatWouldDoItARequestIsRefused) {
+  Begin();
+  sim.FailNext("CreateThread");
+  EXPECT_EQ(Ask(1, "pause"), "error | text no thread can be started");
+  EXPECT_FALSE(engine.IsPaused());
+  EXPECT_EQ(Ask(1, "release-all"), "done");
+  EXPECT_FALSE(engine.IsPaused()) << "what was refused isn't done later";
+}
+
 // ---- What is told
 
 TEST_F(SteeringTest, FollowersAreToldWhatHappens) {
