@@ -483,8 +483,8 @@ void AddSteeringCommands(CLI::App& app, Choice& choice) {
       "profile, device, deviceAnswers, paused, mouseControls.");
   add("select", "Have a running Kelvaro open another profile", &choice.select, &SelectCommand,
       "The window does what it does when you choose the profile in its list, but asks nothing: "
-      "where a dialog or a box is open, or changes couldn't be stored, it says so and stays as it "
-      "is. With --json: process, done.")
+      "where a dialog or a box is open, changes couldn't be stored, or a number is being typed, it "
+      "says so and stays as it is. With --json: process, done.")
       ->add_option("NAME", choice.select.profile, "the whole name of a stored profile")
       ->required();
   add("pause", "Have a running Kelvaro do nothing, with all let go", &choice.pause, &PauseCommand,

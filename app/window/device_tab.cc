@@ -198,6 +198,11 @@ bool DeviceTab::PollFieldsCount() const {
   return session.initGuard == 0 && deviceManager && deviceManager->DeviceSelected();
 }
 
+bool DeviceTab::IsBeingTyped() const {
+  return PollFieldsCount() && (ParseNumber(dialog.Text(kInterval)) != intervalField ||
+                               ParseNumber(dialog.Text(kRate)) != rateField);
+}
+
 bool DeviceTab::ReadPollFields() {
   const struct {
     std::uint32_t id;

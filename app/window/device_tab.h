@@ -24,6 +24,7 @@ class DeviceTab : public Pane {
   // The profile's device comes into use. False, with none in use, when it can't.
   bool ApplyProfileDevice();
   void RefreshDeviceList();
+  bool IsBeingTyped() const;  // a number of the poll interval that its field wasn't left with yet
   bool AwaitsDevice() const;  // each look of the timer could bring one into use
   // What a person is to be told of a profile whose device isn't in use; empty for nothing.
   ByteString WarningText() const;

@@ -145,6 +145,19 @@ TEST_F(SteeredWindowTest, ChangesThatCouldNotBeStoredAreNotLost) {
   EXPECT_EQ(Select("Beta"), "done");
 }
 
+TEST_F(SteeredWindowTest, ANumberThatIsBeingTypedIsNotLost) {
+  BeginWithTwo();
+  for (const std::uint32_t field : {kInterval, kRate}) {
+    screen.ChooseTab(kTabControl, MainWindow::kDeviceTab);
+    screen.Type(field, "50");
+    EXPECT_EQ(Select("Beta"), "error | text a number is being typed into the window");
+    EXPECT_EQ(screen.Text(field), "50");
+    EXPECT_EQ(OpenName(), "Alpha");
+    screen.Type(field, field == kInterval ? "5" : "200");
+  }
+  EXPECT_EQ(Select("Beta"), "done");
+}
+
 TEST_F(SteeredWindowTest, FollowersAreToldWhatThePersonDoes) {
   BeginWithTwo();
   EXPECT_EQ(Ask("follow-events"), "done");
