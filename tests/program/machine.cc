@@ -153,6 +153,12 @@ bool XDesktop::Active(unsigned long window) {
   return !active.empty() && active[0] == window;
 }
 
+bool XDesktop::KeyIsDown(unsigned keycode) {
+  char keys[32];
+  XQueryKeymap(display, keys);
+  return (keys[keycode / 8] >> (keycode % 8)) & 1;
+}
+
 std::vector<XWindow> XDesktop::Icons() {
   std::vector<XWindow> icons;
   Walk(display, DefaultRootWindow(display), [&](Window window) {

@@ -47,6 +47,8 @@ class XDesktop {
   std::string Class(unsigned long window);
   // It has the keyboard.
   bool Active(unsigned long window);
+  // Of the keyboard, by X's key code.
+  bool KeyIsDown(unsigned keycode);
   // Windows that are docked into the notification area.
   std::vector<XWindow> Icons();
   // A notification area where there is none: it shows nothing of what is docked.

@@ -1,7 +1,6 @@
 // kelvaroctl sending keys for real, by the X server: broken off, and killed.
 #include <gtest/gtest.h>
 
-#include <X11/Xlib.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -21,11 +20,6 @@ class PlayTest : public testing::Test {
   void SetUp() override {
     if (access("/dev/uinput", R_OK | W_OK) == 0) GTEST_SKIP() << "keys go out by uinput here";
     SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
-    viewer = XOpenDisplay(desktop.Name().c_str());
-    ASSERT_NE(viewer, nullptr);
-  }
-  void TearDown() override {
-    if (viewer) XCloseDisplay(viewer);
   }
 
   // Plays a text that holds Shift and A for longer than any test waits.
@@ -37,17 +31,11 @@ class PlayTest : public testing::Test {
                                    ChildOptions{environment});
   }
 
-  bool IsDown(unsigned keycode) {
-    char keys[32];
-    XQueryKeymap(viewer, keys);
-    return (keys[keycode / 8] >> (keycode % 8)) & 1;
-  }
-  bool BothDown() { return IsDown(kLeftShift) && IsDown(kA); }
-  bool BothUp() { return !IsDown(kLeftShift) && !IsDown(kA); }
+  bool BothDown() { return desktop.KeyIsDown(kLeftShift) && desktop.KeyIsDown(kA); }
+  bool BothUp() { return !desktop.KeyIsDown(kLeftShift) && !desktop.KeyIsDown(kA); }
 
   Home home;
   XDesktop desktop{false};
-  Display* viewer = nullptr;
 };
 
 TEST_F(PlayTest, ASignalEndsItAtOnceWithNothingDown) {

@@ -13,8 +13,6 @@
 #include "tests/host/json.h"
 #include "tests/program/machine.h"
 #include "tests/program/stored_settings.h"
-// Last: it makes macros of ordinary names.
-#include <X11/Xlib.h>
 
 namespace kelvaro::tests {
 namespace {
@@ -189,8 +187,6 @@ class SteeredRunTest : public SteeringTest {
   void SetUp() override {
     if (access("/dev/uinput", R_OK | W_OK) == 0) GTEST_SKIP() << "keys go out by uinput here";
     SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
-    viewer = XOpenDisplay(desktop.Name().c_str());
-    ASSERT_NE(viewer, nullptr);
     const std::string recording =
         Put(folder + "held.recording",
             R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
@@ -202,17 +198,9 @@ class SteeredRunTest : public SteeringTest {
     ASSERT_TRUE(Eventually([&] { return StatusOf(run)["profile"].Text() == "One"; }, 60s))
         << run->Log();
   }
-  void TearDown() override {
-    if (viewer) XCloseDisplay(viewer);
-  }
-  bool Down() {
-    char keys[32];
-    XQueryKeymap(viewer, keys);
-    return (keys[kA / 8] >> (kA % 8)) & 1;
-  }
+  bool Down() { return desktop.KeyIsDown(kA); }
 
   XDesktop desktop{false};
-  Display* viewer = nullptr;
   std::unique_ptr<Child> run;
 };
 
