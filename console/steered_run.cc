@@ -23,7 +23,7 @@ std::string SteeredRun::Open(const std::string& name) {
   // Looked at first: a run goes on as it is when the other profile can't be had.
   ProfileFile wanted;
   const ByteString path = wanted.FindProfileFile(TextOf(name));
-  if (path.IsEmpty()) return NoStoredProfile(name);
+  if (path.IsEmpty()) return MissingProfile(name);
   if (!wanted.Load(path)) return UnreadableProfile(name);
   const DeviceChoice choice = ChosenDevice(options, wanted);
   std::string error;

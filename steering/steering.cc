@@ -20,7 +20,7 @@ SteeringMessage Refusal(const std::string& why) { return Answer("error").Add("te
 
 }  // namespace
 
-std::string NoStoredProfile(const std::string& name) {
+std::string MissingProfile(const std::string& name) {
   return "there is no stored profile '" + name + "'";
 }
 

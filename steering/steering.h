@@ -37,7 +37,7 @@ class SteeringHost {
 };
 
 // What both say of a name that can't be opened.
-std::string NoStoredProfile(const std::string& name);
+std::string MissingProfile(const std::string& name);
 std::string UnreadableProfile(const std::string& name);
 
 class Steering final : public platform::CallReceiver,

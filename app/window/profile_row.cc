@@ -102,7 +102,7 @@ std::string ProfileRow::Choose(const std::string& name) {
   if (deviceTab.IsBeingTyped()) return "a number is being typed into the window";
   ProfileFile looked;
   const ByteString path = looked.FindProfileFile(wanted);
-  if (path.IsEmpty()) return NoStoredProfile(name);
+  if (path.IsEmpty()) return MissingProfile(name);
   if (!looked.Load(path)) return UnreadableProfile(name);
   std::int32_t row =
       platform::controls().ComboFindStringExact(dialog.window, kProfileList, Bytes(wanted));
