@@ -9,18 +9,17 @@ EngineSession::EngineSession(Profile& profile)
 
 EngineSession::~EngineSession() { End(); }
 
-bool EngineSession::SelectDevice(const DeviceChoice& choice, std::string* error) {
-  if (!device.SetPollInterval(profile.pollInterval)) {
-    *error = "pollInterval: " + std::to_string(profile.pollInterval) + " ms is not from " +
-             std::to_string(device.TimerMin()) + " to " + std::to_string(device.TimerMax());
-    return false;
-  }
-  return SelectChosenDevice(&device, choice, error);
+bool EngineSession::TakeInterval(std::uint32_t ms, std::string* error) {
+  if (device.SetPollInterval(ms)) return true;
+  *error = "pollInterval: " + std::to_string(ms) + " ms is not from " +
+           std::to_string(device.TimerMin()) + " to " + std::to_string(device.TimerMax());
+  return false;
 }
 
 bool EngineSession::Begin(const DeviceChoice& choice, bool mouseActive, std::string* error) {
   engine.mouseActive = mouseActive;
-  if (!SelectDevice(choice, error)) return false;
+  if (!TakeInterval(profile.pollInterval, error) || !SelectChosenDevice(&device, choice, error))
+    return false;
   running = true;
   if (!engine.repeatWorker.Start(false, WorkerThread::kPriorityOfCaller)) {
     *error = "the thread that repeats keys can't be started";
@@ -38,7 +37,7 @@ bool EngineSession::Change(const std::function<void()>& load, const DeviceChoice
   engine.mouseActive = false;
   engine.snapshot = DeviceSnapshot();
   engine.Attach();
-  return SelectDevice(choice, error);
+  return SelectChosenDevice(&device, choice, error);
 }
 
 void EngineSession::End() {

@@ -48,9 +48,13 @@ class EngineSession {
   // False, with *error in words, when there is no such device or its interval can't be had.
   bool Begin(const DeviceChoice& choice, bool mouseActive, std::string* error);
 
-  // Goes on with what `load` puts into the profile, which is asked for once what was held is let
-  // go. On a device that can't be had the run goes on without one: false, with *error in words.
-  // While the run is paused it stays so.
+  // The interval of the next device. False, with *error in words and the old one, when it can't be
+  // had.
+  bool TakeInterval(std::uint32_t ms, std::string* error);
+
+  // Goes on, at the interval that was taken, with what `load` puts into the profile, which is asked
+  // for once what was held is let go. On a device that can't be had the run goes on without one:
+  // false, with *error in words. While the run is paused it stays so.
   bool Change(const std::function<void()>& load, const DeviceChoice& choice, std::string* error);
 
   // What is steered; from the construction on.
@@ -63,8 +67,6 @@ class EngineSession {
   void End();
 
  private:
-  bool SelectDevice(const DeviceChoice& choice, std::string* error);
-
   Profile& profile;
   ConsoleHost host;
   DeviceManager device;

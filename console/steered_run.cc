@@ -27,7 +27,8 @@ std::string SteeredRun::Open(const std::string& name) {
   if (!wanted.Load(path)) return UnreadableProfile(name);
   const DeviceChoice choice = ChosenDevice(options, wanted);
   std::string error;
-  if (!HasChosenDevice(choice, &error)) return error;
+  if (!HasChosenDevice(choice, &error) || !session.TakeInterval(wanted.pollInterval, &error))
+    return error;
   session.Change([&] { static_cast<void>(profile.Load(path)); }, choice, &error);
   TellNames();
   return error;

@@ -39,11 +39,12 @@ class SteeringTest : public testing::Test {
     EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "One"));
   }
 
-  void StoreProfile(const std::string& name) {
-    const std::string json = Put(folder + "profile.json",
-                                 R"({"profileName":")" + name +
-                                     R"(","deviceName":"Test Pad","controls":[{"buttonMask":"0x1",)"
-                                     R"("actions":[{"text":"a"}]}]})");
+  void StoreProfile(const std::string& name, const std::string& interval = "5") {
+    const std::string json =
+        Put(folder + "profile.json", R"({"profileName":")" + name +
+                                         R"(","deviceName":"Test Pad","pollInterval":)" + interval +
+                                         R"(,"controls":[{"buttonMask":"0x1",)"
+                                         R"("actions":[{"text":"a"}]}]})");
     fs::create_directories(folder + "Profiles");
     const Said packed = Ctl({"pack", json, folder + "Profiles/" + name + ".idprof"});
     EXPECT_EQ(packed.status, 0) << packed.err;
@@ -230,6 +231,16 @@ TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
   const Said none = Ctl({"select", "Three"});
   EXPECT_EQ(none.status, 1);
   EXPECT_EQ(StatusOf(run)["profile"].Text(), "Two");
+  EXPECT_TRUE(Down());
+}
+
+TEST_F(SteeredRunTest, AProfileThatCanNotBePolledLeavesTheRunAsItIs) {
+  StoreProfile("Never", "0");
+  const Said never = Ctl({"select", "Never"});
+  EXPECT_EQ(never.status, 1);
+  EXPECT_NE(never.err.find("pollInterval: 0 ms is not from 1 to "), std::string::npos) << never.err;
+  EXPECT_EQ(StatusOf(run)["profile"].Text(), "One");
+  EXPECT_EQ(StatusOf(run)["device"].Text(), "Test Pad");
   EXPECT_TRUE(Down());
 }
 
