@@ -26,19 +26,27 @@ constexpr char kUntilHelp[] = "end after this many milliseconds";
 constexpr std::uint64_t kMostHold = UINT32_MAX;                     // ms, as a Control has it
 constexpr std::uint64_t kMostUntil = (std::uint64_t{1} << 53) - 1;  // ms, as a recording has it
 
-// An option of whole milliseconds, in decimal whatever zeros it starts with.
+// An option of a whole number, in decimal whatever zeros it starts with. A fault in it goes by the
+// last of its names.
 template <typename T>
-void AddMilliseconds(CLI::App* command, const std::string& name, T* out, std::uint64_t most,
-                     const std::string& help) {
-  const auto read = [name, out, most](const std::string& text) {
+CLI::Option* AddNumber(CLI::App* command, const std::string& name, T* out, std::uint64_t least,
+                       std::uint64_t most, const std::string& help) {
+  const auto read = [name = name.substr(name.rfind(',') + 1), out, least,
+                     most](const std::string& text) {
     const auto number = platform::ParseWholeNumber(text);
-    if (!number || *number > most) {
-      throw CLI::ValidationError(
-          name, "'" + text + "' is not a whole number from 0 to " + std::to_string(most));
+    if (!number || *number < least || *number > most) {
+      throw CLI::ValidationError(name, "'" + text + "' is not a whole number from " +
+                                           std::to_string(least) + " to " + std::to_string(most));
     }
     *out = static_cast<T>(*number);
   };
-  command->add_option_function<std::string>(name, read, help)->type_name("MS");
+  return command->add_option_function<std::string>(name, read, help);
+}
+
+template <typename T>
+void AddMilliseconds(CLI::App* command, const std::string& name, T* out, std::uint64_t most,
+                     const std::string& help) {
+  AddNumber(command, name, out, 0, most, help)->type_name("MS");
 }
 
 // All options of all commands, and which command was chosen.
@@ -357,9 +365,8 @@ void AddRun(CLI::App& app, Choice& choice) {
       "changes. So are two buttons that go down a moment apart: a Control for the first of them "
       "may fire before the one for both. A recording is answered at once with --simulate alone.\n"
       "With --grab programs that read the pad's event or joystick node get nothing of it until "
-      "this "
-      "ends, in whatever way. The raw reports of a pad (hidraw), which some games read, can't be "
-      "kept from them. A button that is down at the start stays down for the others.");
+      "this ends, in whatever way. The raw reports of a pad (hidraw), which some games read, can't "
+      "be kept from them. A button that is down at the start stays down for the others.");
   auto* replay = AddRunOptions(
       run, &choice.run, "print JSON Lines; on a real run the events are printed beside being sent");
   run->add_flag("--simulate", choice.run.simulate,
@@ -422,29 +429,15 @@ void AddLatency(CLI::App& app, Choice& choice) {
       "program that waits for the key has read it: with a program that does nothing but that (the "
       "machine alone), and with Kelvaro at the profile's interval (5 ms without one) and at once, "
       "as by --wake. It also counts short taps that give no key. That takes half a minute. No "
-      "other "
-      "program gets anything of the pad or the keys, though the desktop may show for a moment that "
-      "they are there. It takes /dev/uinput.\n"
+      "other program gets anything of the pad or the keys, though the desktop may show for a "
+      "moment that they are there. It takes /dev/uinput.\n"
       "--svg draws which share of the presses had their key after which time.\n"
       "With --json a line for each of the three: way (machine, interval, wake), interval (ms), "
       "presses, lost, kernel and read (until the kernel has the key, until it was read; each with "
       "least, median, p95, p99 and slowest, in microseconds), taps and tapsLost.");
   latency->add_option("FILE|NAME", choice.latency.profile, kProfileHelp);
-  const auto presses = [&choice](const std::string& text) {
-    constexpr std::uint32_t kFewest = 10;
-    constexpr std::uint32_t kMost = 100000;
-    const auto number = platform::ParseWholeNumber(text);
-    if (!number || *number < kFewest || *number > kMost) {
-      throw CLI::ValidationError("--presses", "'" + text + "' is not a number from " +
-                                                  std::to_string(kFewest) + " to " +
-                                                  std::to_string(kMost));
-    }
-    choice.latency.presses = static_cast<std::uint32_t>(*number);
-  };
-  latency
-      ->add_option_function<std::string>("--presses", presses,
-                                         "how often to press in each way (200, fewer where the "
-                                         "interval is long)")
+  AddNumber(latency, "--presses", &choice.latency.presses, 10, 100000,
+            "how often to press in each way (200, fewer where the interval is long)")
       ->type_name("NUMBER");
   latency->add_option("--svg", choice.latency.svg, "draw a picture into this file as well")
       ->type_name("FILE");
@@ -456,15 +449,8 @@ void AddLatency(CLI::App& app, Choice& choice) {
 CLI::App* AddSteering(CLI::App& app, Choice& choice, const char* name, const char* about,
                       SteerOptions* options, int (*run)(const SteerOptions&, Streams)) {
   CLI::App* command = app.add_subcommand(name, about);
-  const auto read = [options](const std::string& text) {
-    const auto process = platform::ParseWholeNumber(text);
-    if (!process || *process == 0 || *process > INT32_MAX)
-      throw CLI::ValidationError("--instance", "'" + text + "' is not the number of a process");
-    options->instance = static_cast<std::uint32_t>(*process);
-  };
-  command
-      ->add_option_function<std::string>("-i,--instance", read,
-                                         "the process of one of several; all without it")
+  AddNumber(command, "-i,--instance", &options->instance, 1, INT32_MAX,
+            "the process of one of several; all without it")
       ->type_name("PID");
   Choose(command, choice, *options, run);
   return command;
@@ -489,15 +475,13 @@ void AddSteeringCommands(CLI::App& app, Choice& choice) {
       ->required();
   add("pause", "Have a running Kelvaro do nothing, with all let go", &choice.pause, &PauseCommand,
       "From here on nothing that the pad does counts, and every key and button that was held is "
-      "let "
-      "go. Keys that are being sent are sent to their end first. With --json: process, done.");
+      "let go. Keys that are being sent are sent to their end first. With --json: process, done.");
   add("resume", "Have a paused Kelvaro go on", &choice.resume, &ResumeCommand,
       "What you hold on the pad now counts as pressed now. With --json: process, done.");
   add("release-all", "Have a running Kelvaro let go of all keys and buttons", &choice.releaseAll,
       &ReleaseAllCommand,
       "What you still hold on the pad does nothing until you have let go of it. Keys that are "
-      "being "
-      "sent are sent to their end first, and what repeats ends. With --json: process, done.");
+      "being sent are sent to their end first, and what repeats ends. With --json: process, done.");
   AddSteering(app, choice, "follow-events", "Print what a running Kelvaro does, until Ctrl-C",
               &choice.followEvents, &FollowEventsCommand)
       ->footer(
@@ -505,8 +489,7 @@ void AddSteeringCommands(CLI::App& app, Choice& choice) {
           "following (no t; from here on all is told), profile and device (name; empty for none), "
           "deviceLost, deviceBack, controlFired (controlId), mouseControls (on), paused, resumed, "
           "missed (count of events that were dropped because they weren't read), ended (no t). "
-          "What "
-          "starts later isn't followed.");
+          "What starts later isn't followed.");
 }
 
 void AddFollow(CLI::App& app, Choice& choice) {

@@ -70,6 +70,7 @@ TEST_F(SteerCommand, AProcessIsAWholeNumberAboveZero) {
   for (const char* instance : {"0", "-1", "x", "", "2147483648", "1.5"}) {
     const Outcome outcome = Kelvaroctl({"status", "--instance", instance});
     EXPECT_EQ(outcome.status, 2) << instance;
+    EXPECT_TRUE(outcome.err.starts_with("kelvaroctl: --instance: ")) << outcome.err;
   }
 }
 
