@@ -6,6 +6,7 @@
 #include "app/platform/linux/environment.h"
 
 namespace kelvaro::console {
+
 Terminal TerminalOn(int descriptor) {
   Terminal terminal;
   if (isatty(descriptor) == 0) return terminal;
