@@ -140,13 +140,16 @@ TEST(Grab, TheDoctorSeesNoFaultInAPadThatKelvaroHas) {
   Child run({named, "run", "--grab", "--device", "Kept Pad", WriteFile(Presses())});
   ASSERT_TRUE(Polls(run, pad.Node()));
   const Finished doctor = RunToEnd({KelvaroctlPath(), "doctor", "--json"});
+  int pads = 0;
   for (const std::string& line : Lines(doctor.out)) {
     const tests::Json remark = tests::Parsed(line);
     if (remark["topic"].Text() != "pad") continue;
+    ++pads;
     EXPECT_EQ(remark["state"].Text(), "note") << line;
     EXPECT_NE(remark["what"].Text().find("is grabbed; open in kelvaroctl ("), std::string::npos)
         << line;
   }
+  EXPECT_EQ(pads, 1) << doctor.out;
   run.Signal(SIGTERM);
   EXPECT_EQ(run.WaitForEnd(5s), 0);
 }
