@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "tests/program/machine.h"
+#include "tests/program/stored_profile.h"
 #include "tests/program/stored_settings.h"
 
 // Last, as its macros hide others' names.
@@ -42,19 +43,11 @@ class FollowTest : public testing::Test {
       fs::copy_file(Program(name), folder + "/" + name);
     EXPECT_TRUE(StoredSettings(home).SetQuiet());
     EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "Desk"));
-    for (const char* name : {"Desk", "Second", "Doom", "Tetris"}) StoreProfile(name);
+    for (const char* name : {"Desk", "Second", "Doom", "Tetris"})
+      StoreProfile(home, folder, name, R"("deviceName":"No such pad")");
     for (const char* name : {"doom2", "tetris"})
       fs::copy_file(KELVARO_SHOWN_WINDOW, folder + "/" + name);
     environment = home.Environment();
-  }
-
-  void StoreProfile(const std::string& name) {
-    const std::string json = Put(folder + "/profile.json",
-                                 R"({"profileName":")" + name + R"(","deviceName":"No such pad"})");
-    fs::create_directories(folder + "/Profiles");
-    Child pack({folder + "/kelvaroctl", "pack", json, folder + "/Profiles/" + name + ".idprof"},
-               {home.Environment()});
-    EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
   }
 
   std::unique_ptr<Child> Start(std::vector<std::string> command) {

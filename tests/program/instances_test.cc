@@ -10,6 +10,7 @@
 #include <fstream>
 
 #include "tests/program/machine.h"
+#include "tests/program/stored_profile.h"
 #include "tests/program/stored_settings.h"
 
 namespace kelvaro::tests {
@@ -24,18 +25,12 @@ class InstancesTest : public testing::Test {
     // Named as no other program is here, since a launch closes every instance of its own name.
     fs::create_directories(folder);
     fs::copy_file(Program("kelvaro"), program);
-    for (const char* name : {"One", "Two", "Three"}) StoreProfile(name);
+    for (const char* name : {"One", "Two", "Three"}) Store(name);
     EXPECT_TRUE(StoredSettings(home).SetQuiet());
   }
 
-  void StoreProfile(const std::string& name) {
-    const std::string json =
-        Put(folder + "/profile.json",
-            R"({"profileName": ")" + name + R"(", "deviceName": "No such pad"})");
-    fs::create_directories(folder + "/Profiles");
-    Child pack({Program("kelvaroctl"), "pack", json, folder + "/Profiles/" + name + ".idprof"},
-               {home.Environment()});
-    EXPECT_EQ(pack.WaitForEnd(), 0) << pack.Log();
+  void Store(const std::string& name) {
+    StoreProfile(home, folder, name, R"("deviceName":"No such pad")");
   }
 
   // A game: writes down its process id, its words and its folder, then waits for its end.
@@ -112,7 +107,7 @@ TEST_F(InstancesTest, ThreeStartTogetherWithAGameAndEndWhenItEnds) {
 
 // As shells hand them over: a word may bring the characters that stand for quotes.
 TEST_F(InstancesTest, WordsWithBlanksAndWithQuotesOfTheirOwnMeanWhatTheySay) {
-  StoreProfile("My Game");
+  Store("My Game");
   const struct {
     std::vector<std::string> arguments;  // besides the target
     const char* profile;                 // that was open at the end

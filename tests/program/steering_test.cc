@@ -12,6 +12,7 @@
 
 #include "tests/host/json.h"
 #include "tests/program/machine.h"
+#include "tests/program/stored_profile.h"
 #include "tests/program/stored_settings.h"
 
 namespace kelvaro::tests {
@@ -34,20 +35,15 @@ class SteeringTest : public testing::Test {
     fs::create_directories(folder);
     // In one folder with the profiles.
     for (const char* name : {"kelvaro", "kelvaroctl"}) fs::copy_file(Program(name), folder + name);
-    for (const char* name : {"One", "Two"}) StoreProfile(name);
+    for (const char* name : {"One", "Two"}) Store(name);
     EXPECT_TRUE(StoredSettings(home).SetQuiet());
     EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "One"));
   }
 
-  void StoreProfile(const std::string& name, const std::string& interval = "5") {
-    const std::string json =
-        Put(folder + "profile.json", R"({"profileName":")" + name +
-                                         R"(","deviceName":"Test Pad","pollInterval":)" + interval +
-                                         R"(,"controls":[{"buttonMask":"0x1",)"
-                                         R"("actions":[{"text":"a"}]}]})");
-    fs::create_directories(folder + "Profiles");
-    const Said packed = Ctl({"pack", json, folder + "Profiles/" + name + ".idprof"});
-    EXPECT_EQ(packed.status, 0) << packed.err;
+  void Store(const std::string& name, const std::string& interval = "5") {
+    StoreProfile(home, folder, name,
+                 R"("deviceName":"Test Pad","pollInterval":)" + interval +
+                     R"(,"controls":[{"buttonMask":"0x1","actions":[{"text":"a"}]}])");
   }
 
   std::unique_ptr<Child> Start(const std::string& program, const std::vector<std::string>& words,
@@ -235,7 +231,7 @@ TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
 }
 
 TEST_F(SteeredRunTest, AProfileThatCanNotBePolledLeavesTheRunAsItIs) {
-  StoreProfile("Never", "0");
+  Store("Never", "0");
   const Said never = Ctl({"select", "Never"});
   EXPECT_EQ(never.status, 1);
   EXPECT_NE(never.err.find("pollInterval: 0 ms is not from 1 to "), std::string::npos) << never.err;
