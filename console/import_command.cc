@@ -1,5 +1,7 @@
 // kelvaroctl import: a profile of another program's.
 
+#include <filesystem>
+
 #include "console/commands.h"
 #include "console/console_error.h"
 #include "console/file_machine.h"
@@ -21,7 +23,7 @@ std::string PlaceText(const std::string& file, Place place) {
 
 // What a file of that name may be called, without the folder and the endings of such files.
 std::string NameOf(const std::string& path) {
-  std::string name = path.substr(path.rfind('/') + 1);
+  std::string name = std::filesystem::path(path).filename().string();
   for (const char* const ending : {".amgp", ".lyt", ".xml", ".gamecontroller", ".joystick"}) {
     if (name.ends_with(ending)) name.erase(name.size() - std::string(ending).size());
   }

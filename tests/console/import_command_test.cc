@@ -622,14 +622,15 @@ TEST(ImportCommand, AStoredProfileIsNotTaken) {
 }
 
 TEST(ImportCommand, WhatHasNoCounterpartAtAllIsListedAndNotWritten) {
-  const Imported imported = Import(Layout("Button 2: mouse 4"));
-  EXPECT_EQ(imported.outcome.status, 1);
-  EXPECT_EQ(imported.outcome.out, "");
-  const std::size_t end = imported.outcome.err.find('\n');
-  EXPECT_TRUE(
-      imported.outcome.err.substr(0, end).ends_with("/in: nothing of it can be brought over"));
-  EXPECT_TRUE(imported.outcome.err.ends_with(
-      "/in:2:17: left out: only an axis or a hat can move the wheel\n"));
+  const TestFile in("in", Layout("Button 2: mouse 4"));
+  const std::string out = in.path + ".idprof";
+  const Outcome outcome = Kelvaroctl({"import", "--json", in.path, out});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "kelvaroctl: " + in.path + ": nothing of it can be brought over\n" +
+                             in.path +
+                             ":2:17: left out: only an axis or a hat can move the wheel\n");
+  EXPECT_FALSE(fs::exists(out));
 }
 
 TEST(ImportCommand, PeopleReadWhatBecameOfIt) {
