@@ -77,7 +77,7 @@ void PrintEvents(InstanceAnswer& one, std::mutex& printing, std::ostream& out) {
     return bool(out);
   };
   SteeringMessage own;
-  own.Add("event", std::string("following"));
+  own.Add("event", "following");
   if (!print(own)) return;
   std::string text;
   while (one.conversation->Receive(&text, std::nullopt) != platform::Conversation::Heard::End) {

@@ -22,11 +22,10 @@ std::string SteeredRun::Open(const std::string& name) {
   if (TextOf(name).Equals(profile.profileName)) return {};
   // Looked at first: a run goes on as it is when the other profile can't be had.
   ProfileFile wanted;
-  const ByteString path = wanted.FindProfileFile(TextOf(name));
-  if (path.IsEmpty()) return MissingProfile(name);
-  if (!wanted.Load(path)) return UnreadableProfile(name);
+  ByteString path;
+  std::string error = FindStoredProfile(name, &wanted, &path);
+  if (!error.empty()) return error;
   const DeviceChoice choice = ChosenDevice(options, wanted);
-  std::string error;
   if (!HasChosenDevice(choice, &error) || !session.TakeInterval(wanted.pollInterval, &error))
     return error;
   session.Change([&] { static_cast<void>(profile.Load(path)); }, choice, &error);

@@ -25,7 +25,7 @@ class Host final : public SteeringHost, public EngineHost {
  public:
   const char* ProgramKind() const override { return "run"; }
   void SelectProfile(std::uint32_t ticket, const std::string& name) override {
-    steering->Selected(ticket, name == "Game" ? "" : MissingProfile(name));
+    steering->Selected(ticket, name == "Game" ? "" : "no");
   }
   bool ControlDialogOpen() const override { return false; }
   void ShowDetectedTrigger(const DeviceManager&, const DeviceSnapshot&) override {}

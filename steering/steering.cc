@@ -20,12 +20,11 @@ SteeringMessage Refusal(const std::string& why) { return Answer("error").Add("te
 
 }  // namespace
 
-std::string MissingProfile(const std::string& name) {
-  return "there is no stored profile '" + name + "'";
-}
-
-std::string UnreadableProfile(const std::string& name) {
-  return "the profile '" + name + "' can't be read";
+std::string FindStoredProfile(const std::string& name, ProfileFile* looked, ByteString* path) {
+  *path = looked->FindProfileFile(TextOf(name));
+  if (path->IsEmpty()) return "there is no stored profile '" + name + "'";
+  if (!looked->Load(*path)) return "the profile '" + name + "' can't be read";
+  return {};
 }
 
 Steering::Steering(SteeringHost& host)
@@ -215,7 +214,7 @@ bool Steering::Flush(platform::CallId call, Caller* caller) {
     if (!platform::calls().Send(call, caller->waiting.front())) return false;
   if (caller->missed == 0) return true;
   SteeringMessage told = Answer("event");
-  told.Add("event", std::string("missed")).Add("count", caller->missed);
+  told.Add("event", "missed").Add("count", caller->missed);
   if (!platform::calls().Send(call, told.Text())) return false;
   caller->missed = 0;
   return true;
@@ -244,14 +243,14 @@ void Steering::TellMouse(bool on, std::uint32_t tick) {
   if (on == mouseTold) return;
   mouseTold = on;
   SteeringMessage told = Answer("event");
-  told.Add("event", std::string("mouseControls")).Add("t", tick - beginTick).AddFlag("on", on);
+  told.Add("event", "mouseControls").Add("t", tick - beginTick).AddFlag("on", on);
   TellFollowers(told.Text());
 }
 
 void Steering::TellFollowers(const Event& event) {
   if (event.what == Happened::Mouse) return TellMouse(event.on, event.tick);
   SteeringMessage told = Answer("event");
-  told.Add("event", std::string(kEventNames[static_cast<std::size_t>(event.what)]));
+  told.Add("event", kEventNames[static_cast<std::size_t>(event.what)]);
   told.Add("t", event.tick - beginTick);
   if (event.what == Happened::ControlFired) told.Add("controlId", event.controlId);
   if (event.name) told.Add("name", *event.name);

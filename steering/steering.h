@@ -22,6 +22,7 @@
 #include "foundation/worker_thread.h"
 #include "steering/event_ring.h"
 #include "steering/message.h"
+#include "storage/profile_file.h"
 
 namespace kelvaro {
 
@@ -36,9 +37,9 @@ class SteeringHost {
   virtual void SelectProfile(std::uint32_t ticket, const std::string& name) = 0;
 };
 
-// What both say of a name that can't be opened.
-std::string MissingProfile(const std::string& name);
-std::string UnreadableProfile(const std::string& name);
+// The file of a profile that is to be opened, which `looked` holds then. Returns what both answer
+// when there is none, or none that can be read; empty otherwise.
+std::string FindStoredProfile(const std::string& name, ProfileFile* looked, ByteString* path);
 
 class Steering final : public platform::CallReceiver,
                        private DispatchObserver,

@@ -101,9 +101,9 @@ std::string ProfileRow::Choose(const std::string& name) {
   // A person who chooses another profile leaves the field first, which stores it.
   if (deviceTab.IsBeingTyped()) return "a number is being typed into the window";
   ProfileFile looked;
-  const ByteString path = looked.FindProfileFile(wanted);
-  if (path.IsEmpty()) return MissingProfile(name);
-  if (!looked.Load(path)) return UnreadableProfile(name);
+  ByteString path;
+  const std::string refusal = FindStoredProfile(name, &looked, &path);
+  if (!refusal.empty()) return refusal;
   std::int32_t row =
       platform::controls().ComboFindStringExact(dialog.window, kProfileList, Bytes(wanted));
   // One that another program has stored meanwhile.

@@ -91,7 +91,6 @@ TEST_F(SteeringTest, AStatusTakesNoLockOfTheEngine) {
   LockGuard mouseTaken(engine.mouseLock);
   LockGuard profileTaken(profile.profileLock);
   LockGuard repeatTaken(engine.repeatWorker.repeatLock);
-  std::string told;
   const platform::Handle asker = platform::threads().CreateThread(
       [](void* self) -> std::uint32_t {
         static_cast<VirtualCalls*>(self)->Say(1, "kelvaro 1 status");
