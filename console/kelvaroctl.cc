@@ -7,8 +7,8 @@
 #include "app/platform/byte_text.h"
 #include "console/called_command.h"
 #include "console/console_error.h"
-#include "console/foreign_profile.h"
 #include "console/help_text.h"
+#include "console/import/foreign_profile.h"
 #include "console/profile_check.h"
 #include "foundation/version.h"
 

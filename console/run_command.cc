@@ -8,7 +8,7 @@
 #include "console/json_text.h"
 #include "console/real_machine.h"
 #include "console/run_choice.h"
-#include "console/steered_run.h"
+#include "console/steering/steered_run.h"
 #include "console/stop_signals.h"
 #include "console/this_system.h"
 

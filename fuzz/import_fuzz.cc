@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "console/foreign_profile.h"
+#include "console/import/foreign_profile.h"
 #include "console/profile_json.h"
 #include "fuzz/check.h"
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "console/follow_rules.h"
+#include "console/follow/follow_rules.h"
 
 namespace kelvaro::console {
 

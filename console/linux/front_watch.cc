@@ -1,4 +1,4 @@
-#include "console/front_watch.h"
+#include "console/follow/front_watch.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>

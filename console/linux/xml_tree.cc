@@ -1,11 +1,11 @@
-#include "console/xml_tree.h"
+#include "console/import/xml_tree.h"
 
 #include <expat.h>
 
 #include <memory>
 #include <utility>
 
-#include "console/xml_builder.h"
+#include "console/import/xml_builder.h"
 
 namespace kelvaro::console {
 namespace {

@@ -1,4 +1,4 @@
-#include "console/machine_facts.h"
+#include "console/doctor/machine_facts.h"
 
 #include <cstdlib>
 

@@ -1,11 +1,11 @@
 // By XmlLite, the system's own reader, bound by name.
-#include "console/xml_tree.h"
+#include "console/import/xml_tree.h"
 
 #include <cstdio>
 #include <memory>
 #include <utility>
 
-#include "console/xml_builder.h"
+#include "console/import/xml_builder.h"
 
 // Last.
 #include "app/platform/windows/win32.h"
