@@ -1,0 +1,35 @@
+#include <string>
+
+#include "app/platform/windows/ui/windows_ui.h"
+#include "app/platform/windows/windows_platform.h"
+#include "app/start/usage.h"
+#include "app/window/run_program.h"
+#include "foundation/version.h"
+
+namespace kelvaro {
+namespace {
+
+// A program of Windows' desktop has no console to print to.
+int Say(const std::string& text) {
+  platform::desktop().MessageBoxA(platform::kNoWindow, text, "Kelvaro", MB_OK);
+  return 0;
+}
+
+int Run(const std::string& firstWord) {
+  platform::WindowsPlatform system;
+  platform::ui::WindowsUi ui;
+  platform::Platform groups = system.Groups();
+  groups.desktop = &ui.Desktop();
+  groups.controls = &ui.Controls();
+  groups.shell = &ui.Shell();
+  const platform::InstalledPlatform installed(groups);
+  if (firstWord == "--help") return Say(UsageText());
+  if (firstWord == "--version")
+    return Say(std::string("Kelvaro, Version ") + VersionNumber().Text());
+  return RunProgram();
+}
+
+}  // namespace
+}  // namespace kelvaro
+
+int main(int argc, char** argv) { return kelvaro::Run(argc > 1 ? argv[1] : ""); }

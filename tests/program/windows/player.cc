@@ -1,0 +1,226 @@
+#include "player.h"
+
+#include "tests/host/patience.h"
+
+// Last.
+#include <windows.h>
+
+#include <commctrl.h>
+
+namespace kelvaro::tests {
+namespace {
+
+constexpr char kProductKey[] = "Software\\Marnstone\\Kelvaro";
+constexpr char kRunKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+HWND SystemWindow(std::uintptr_t window) { return reinterpret_cast<HWND>(window); }
+HWND ControlOf(std::uintptr_t window, std::uint32_t control) {
+  return GetDlgItem(SystemWindow(window), static_cast<int>(control));
+}
+
+std::string TextOf(HWND window) {
+  std::string text(4096, '\0');
+  text.resize(static_cast<std::size_t>(
+      SendMessageA(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+  return text;
+}
+
+struct Wanted {
+  DWORD process;
+  const std::string& title;
+  bool visible;
+  HWND found;
+};
+
+BOOL CALLBACK Keep(HWND window, LPARAM wanted) {
+  auto& sought = *reinterpret_cast<Wanted*>(wanted);
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  const bool visible = IsWindowVisible(window);
+  if (process != sought.process || visible != sought.visible || TextOf(window) != sought.title)
+    return TRUE;
+  sought.found = window;
+  return FALSE;
+}
+
+}  // namespace
+
+// --- The program
+
+Program::Program(const std::string& folder, const std::string& arguments) {
+  STARTUPINFOA start = {};
+  start.cb = sizeof start;
+  PROCESS_INFORMATION made = {};
+  std::string line = '"' + folder + "\\kelvaro.exe\"" + (arguments.empty() ? "" : ' ' + arguments);
+  if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+                      &start, &made))
+    made = {};
+  if (made.hThread) CloseHandle(made.hThread);
+  process = made.hProcess;
+  id = made.dwProcessId;
+}
+
+Program::~Program() {
+  if (!process) return;
+  TerminateProcess(process, 99);
+  WaitForSingleObject(process, INFINITE);
+  CloseHandle(process);
+}
+
+std::uintptr_t Program::Find(const std::string& title, bool visible) const {
+  Wanted wanted{static_cast<DWORD>(id), title, visible, nullptr};
+  EnumWindows(&Keep, reinterpret_cast<LPARAM>(&wanted));
+  return reinterpret_cast<std::uintptr_t>(wanted.found);
+}
+
+std::uintptr_t Program::Await(const std::string& title) {
+  return Eventually([&] { return Find(title) != 0; }) ? Find(title) : 0;
+}
+
+// Not one that is yet to be shown.
+std::uintptr_t Program::AwaitUnseen(const std::string& title) {
+  constexpr int kLooks = 50;
+  std::uintptr_t found = 0;
+  int looks = 0;
+  Eventually([&] {
+    found = Find(title, false);
+    looks = found ? looks + 1 : 0;
+    return looks == kLooks;
+  });
+  return looks == kLooks ? found : 0;
+}
+
+bool Program::AwaitMenu() {
+  return Eventually([&] {
+    const HWND menu = FindWindowA("#32768", nullptr);
+    return menu && IsWindowVisible(menu);
+  });
+}
+
+bool Program::AwaitGone(const std::string& title) {
+  return Eventually([&] { return Find(title) == 0; });
+}
+
+bool Program::AwaitHidden(std::uintptr_t window) {
+  return Eventually([&] { return !IsWindowVisible(SystemWindow(window)); });
+}
+
+std::int32_t Program::AwaitEnd() {
+  DWORD status = 0;
+  const bool ended = Eventually([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; });
+  return ended && GetExitCodeProcess(process, &status) ? static_cast<std::int32_t>(status) : -1;
+}
+
+void Click(std::uintptr_t window, std::uint32_t control) {
+  PostMessageA(ControlOf(window, control), BM_CLICK, 0, 0);
+}
+
+bool Check(std::uintptr_t window, std::uint32_t control, bool checked) {
+  return Eventually([&] {
+    const HWND box = ControlOf(window, control);
+    const bool is = SendMessageA(box, BM_GETCHECK, 0, 0) == BST_CHECKED;
+    if (is != checked) SendMessageA(box, BM_CLICK, 0, 0);
+    return is == checked;
+  });
+}
+
+void Enter(std::uintptr_t window, std::uint32_t control, const std::string& text) {
+  SendMessageA(ControlOf(window, control), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+std::string Text(std::uintptr_t window, std::uint32_t control) {
+  return TextOf(ControlOf(window, control));
+}
+
+std::string Title(std::uintptr_t window) { return TextOf(SystemWindow(window)); }
+
+std::uint32_t Rows(std::uintptr_t window, std::uint32_t list) {
+  return static_cast<std::uint32_t>(SendMessageA(ControlOf(window, list), CB_GETCOUNT, 0, 0));
+}
+
+bool Choose(std::uintptr_t window, std::uint32_t list, std::uint32_t row) {
+  const HWND control = ControlOf(window, list);
+  if (row >= Rows(window, list)) return false;
+  SendMessageA(control, CB_SETCURSEL, row, 0);
+  PostMessageA(SystemWindow(window), WM_COMMAND, MAKEWPARAM(list, CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(control));
+  return true;
+}
+
+void Post(std::uintptr_t window, std::uint32_t message, std::uintptr_t w, std::intptr_t l) {
+  PostMessageA(SystemWindow(window), message, w, l);
+}
+
+Place PlaceOf(std::uintptr_t window) {
+  RECT rect = {};
+  GetWindowRect(SystemWindow(window), &rect);
+  return {static_cast<std::int32_t>(rect.left), static_cast<std::int32_t>(rect.top),
+          static_cast<std::int32_t>(rect.right), static_cast<std::int32_t>(rect.bottom)};
+}
+
+void MoveTo(std::uintptr_t window, const Place& place) {
+  SetWindowPos(SystemWindow(window), nullptr, place.left, place.top, place.right - place.left,
+               place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+std::int32_t ColumnWidth(std::uintptr_t window, std::uint32_t list, std::int32_t column) {
+  return static_cast<std::int32_t>(
+      SendMessageA(ControlOf(window, list), LVM_GETCOLUMNWIDTH, static_cast<WPARAM>(column), 0));
+}
+
+// --- The other program
+
+bool AwaitFront(std::uintptr_t window) {
+  return Eventually([&] { return GetForegroundWindow() == SystemWindow(window); });
+}
+
+Receiver::Receiver()
+    : window(CreateWindowExA(WS_EX_TOPMOST, "Edit", "", WS_POPUP | WS_VISIBLE | WS_BORDER, 0, 0,
+                             300, 40, nullptr, nullptr, GetModuleHandleA(nullptr), nullptr)) {
+  SetForegroundWindow(static_cast<HWND>(window));
+  SetFocus(static_cast<HWND>(window));
+}
+
+Receiver::~Receiver() { DestroyWindow(static_cast<HWND>(window)); }
+
+std::string Receiver::Typed() {
+  const HWND own = static_cast<HWND>(window);
+  MSG message = {};
+  while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+  if (GetForegroundWindow() != own) SetForegroundWindow(own);
+  SetFocus(own);
+  return TextOf(own);
+}
+
+void PressKey(std::uint8_t vk) {
+  keybd_event(vk, static_cast<BYTE>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)), 0, 0);
+  keybd_event(vk, static_cast<BYTE>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)), KEYEVENTF_KEYUP, 0);
+}
+
+// --- The registry
+
+void ForgetSettings() {
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Marnstone");
+  RegDeleteKeyValueA(HKEY_CURRENT_USER, kRunKey, "Kelvaro");
+}
+
+std::string StartedWithSession(const std::string& name) {
+  std::string path(1024, '\0');
+  DWORD size = static_cast<DWORD>(path.size());
+  if (RegGetValueA(HKEY_CURRENT_USER, kRunKey, name.c_str(), RRF_RT_REG_SZ, nullptr, path.data(),
+                   &size) != ERROR_SUCCESS)
+    return {};
+  path.resize(size - 1);
+  return path;
+}
+
+void MarkAsWelcomed() {
+  const DWORD shown = 1;
+  RegSetKeyValueA(HKEY_CURRENT_USER, kProductKey, "Welcome Display", REG_DWORD, &shown,
+                  sizeof shown);
+}
+
+}  // namespace kelvaro::tests

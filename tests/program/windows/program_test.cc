@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "app/resources/control_ids.h"
+#include "app/start/window_messages.h"
+#include "player.h"
+#include "tests/host/files.h"
+#include "tests/host/patience.h"
+
+// Last.
+#include "tests/windows/dinput8/pad_hands.h"
+
+namespace kelvaro::tests {
+namespace {
+
+class WindowsProgram : public ::testing::Test {
+ protected:
+  WindowsProgram() {
+    ForgetSettings();
+    std::filesystem::copy_file(KELVARO_PROGRAM, folder.In("kelvaro.exe"));
+    std::filesystem::copy_file(KELVARO_DINPUT, folder.In("dinput8.dll"));
+    std::filesystem::create_directory(folder.In("Profiles"));
+  }
+  ~WindowsProgram() override { ForgetSettings(); }
+
+  // Past the welcome, with its main window up.
+  void Start(const std::string& arguments = "") {
+    MarkAsWelcomed();
+    program = std::make_unique<Program>(folder.folder, arguments);
+    window = program->Await("Kelvaro");
+    ASSERT_NE(window, 0u);
+  }
+  void MakeProfile(const std::string& name) {
+    Click(window, main_window::kNewProfile);
+    const std::uintptr_t question = program->Await("New Profile");
+    ASSERT_NE(question, 0u);
+    Enter(question, new_profile::kName, name);
+    Click(question, IDOK);
+    ASSERT_TRUE(program->AwaitGone("New Profile"));
+  }
+  std::int32_t Close() {
+    Post(window, WM_CLOSE);
+    return program->AwaitEnd();
+  }
+
+  TemporaryFolder folder;
+  PadHands pad;
+  std::unique_ptr<Program> program;
+  std::uintptr_t window = 0;
+};
+
+TEST_F(WindowsProgram, AFirstStartWelcomesOnce) {
+  program = std::make_unique<Program>(folder.folder);
+  const std::uintptr_t welcome = program->Await("Welcome to Kelvaro");
+  ASSERT_NE(welcome, 0u);
+  EXPECT_NE(Text(welcome, welcome::kText).find("Welcome to Kelvaro by Marnstone"),
+            std::string::npos);
+  Post(welcome, WM_CLOSE);
+  window = program->Await("Kelvaro");
+  ASSERT_NE(window, 0u);
+  EXPECT_EQ(Text(window, main_window::kVersionText), "Version 3.5");
+  EXPECT_EQ(Close(), 0);
+  program = std::make_unique<Program>(folder.folder);
+  window = program->Await("Kelvaro");
+  ASSERT_NE(window, 0u) << "without the welcome";
+  EXPECT_EQ(Close(), 0);
+}
+
+// From the pad through the window to a key in another program.
+TEST_F(WindowsProgram, AControlIsMadeByDetectionAndItsKeyReachesAnotherProgram) {
+  Start();
+  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+  ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+  MakeProfile("Jump");
+  EXPECT_TRUE(
+      Eventually([&] { return std::filesystem::exists(folder.In("Profiles\\Jump.idprof")); }));
+
+  Click(window, main_window::kNewControl);
+  const std::uintptr_t dialog = program->Await("Define Control");
+  ASSERT_NE(dialog, 0u);
+  ASSERT_TRUE(Check(dialog, define_control::kDetectTrigger, true));
+  pad.Button(2, true);
+  EXPECT_TRUE(Eventually([&] { return Text(dialog, define_control::kTriggerText) == "B3"; }))
+      << Text(dialog, define_control::kTriggerText);
+  ASSERT_TRUE(Check(dialog, define_control::kDetectTrigger, false));
+  Enter(dialog, define_control::kDescriptionText, "J\xC3\xBCmp");
+  Enter(dialog, define_control::kKeysText, "j");
+  Click(dialog, IDOK);
+  ASSERT_TRUE(program->AwaitGone("Define Control"));
+  pad.Button(2, false);
+
+  ASSERT_TRUE(AwaitFront(window));
+  // Again where a window of the program has taken the first ones.
+  Receiver other;
+  EXPECT_TRUE(Eventually(
+      [&] {
+        pad.Button(2, true);
+        const bool came = Eventually([&] { return !other.Typed().empty(); }, 1s);
+        pad.Button(2, false);
+        return came;
+      },
+      patience));
+  EXPECT_EQ(other.Typed().front(), 'j');
+  EXPECT_EQ(Close(), 0);
+  EXPECT_NE(Content(folder.In("Profiles\\Jump.idprof")).find("J\xC3\xBCmp"), std::string::npos);
+}
+
+TEST_F(WindowsProgram, MinimisingHidesItAndItsIconBringsItBack) {
+  Start();
+  constexpr std::uintptr_t kMinimise = 0xF020;
+  constexpr std::uint32_t kSysCommand = 0x112;
+  Post(window, kSysCommand, kMinimise);
+  EXPECT_TRUE(program->AwaitHidden(window));
+  Post(window, WM_TRAY_CALLBACK, 0, WM_LBUTTONDBLCLK);
+  EXPECT_EQ(program->Await("Kelvaro"), window);
+  Post(window, WM_CLOSE_PROGRAM);
+  EXPECT_EQ(program->AwaitEnd(), 0) << "as another instance asks for it";
+}
+
+TEST_F(WindowsProgram, ItsPlaceAndItsColumnsAreKept) {
+  Start();
+  const Place first = PlaceOf(window);
+  const Place place{40, 30, 40 + first.right - first.left + 120,
+                    30 + first.bottom - first.top + 50};
+  const std::int32_t before = ColumnWidth(window, main_window::kControlList, 2);
+  MoveTo(window, place);
+  EXPECT_EQ(PlaceOf(window), place);
+  const std::int32_t width = ColumnWidth(window, main_window::kControlList, 2);
+  EXPECT_GT(width, before);
+  EXPECT_EQ(Close(), 0);
+  Start();
+  EXPECT_EQ(PlaceOf(window), place);
+  EXPECT_EQ(ColumnWidth(window, main_window::kControlList, 2), width);
+  MoveTo(window, {40, 30, 140, 130});
+  EXPECT_EQ(PlaceOf(window).right - 40, first.right - first.left) << "its least size";
+  EXPECT_EQ(Close(), 0);
+}
+
+TEST_F(WindowsProgram, WithoutDirectInputItSaysSoAndEnds) {
+  constexpr std::uint32_t kAnyFailure = 0x80004005;
+  MarkAsWelcomed();
+  pad.Memory().failure = kAnyFailure;
+  program = std::make_unique<Program>(folder.folder);
+  const std::uintptr_t box = program->Await("Invalid DirectX Object");
+  ASSERT_NE(box, 0u);
+  constexpr std::uint32_t kTextOfBox = 0xFFFF;
+  EXPECT_EQ(Text(box, kTextOfBox).rfind("Error Creating a DirectInput Object.", 0), 0u);
+  Post(box, WM_CLOSE);
+  EXPECT_EQ(program->AwaitEnd(), 0);
+}
+
+TEST_F(WindowsProgram, ItsVersionComesInABox) {
+  program = std::make_unique<Program>(folder.folder, "--version");
+  const std::uintptr_t box = program->Await("Kelvaro");
+  ASSERT_NE(box, 0u);
+  constexpr std::uint32_t kTextOfBox = 0xFFFF;
+  EXPECT_EQ(Text(box, kTextOfBox), "Kelvaro, Version 3.5");
+  Post(box, WM_CLOSE);
+  EXPECT_EQ(program->AwaitEnd(), 0);
+}
+
+TEST_F(WindowsProgram, TwoRunBesideOneAnother) {
+  Start();
+  Program second(folder.folder);
+  const std::uintptr_t other = second.Await("Kelvaro");
+  ASSERT_NE(other, 0u);
+  EXPECT_NE(other, window);
+  Post(other, WM_CLOSE);
+  EXPECT_EQ(second.AwaitEnd(), 0);
+  EXPECT_EQ(Close(), 0);
+}
+
+TEST_F(WindowsProgram, TheMenuOfItsIconEndsIt) {
+  Start();
+  Post(window, WM_TRAY_CALLBACK, 0, WM_RBUTTONDOWN);
+  ASSERT_TRUE(program->AwaitMenu());
+  constexpr std::uint8_t kDown = 0x28;
+  constexpr std::uint8_t kReturn = 0x0D;
+  PressKey(kDown);
+  PressKey(kReturn);
+  EXPECT_EQ(program->AwaitEnd(), 0) << "Exit is the first entry";
+}
+
+TEST_F(WindowsProgram, StartsMinimisedAndWithTheSessionWhereThePersonWantsIt) {
+  Start();
+  Click(window, main_window::kStartMinimized);
+  Click(window, main_window::kLaunchAtStartup);
+  EXPECT_TRUE(
+      Eventually([&] { return StartedWithSession("Kelvaro") == folder.In("kelvaro.exe"); }));
+  EXPECT_EQ(Close(), 0);
+  program = std::make_unique<Program>(folder.folder);
+  window = program->AwaitUnseen("Kelvaro");
+  ASSERT_NE(window, 0u);
+  Post(window, WM_SHOW_FROM_TRAY);
+  EXPECT_EQ(program->Await("Kelvaro"), window);
+  Click(window, main_window::kLaunchAtStartup);
+  EXPECT_TRUE(Eventually([&] { return StartedWithSession("Kelvaro").empty(); }));
+  EXPECT_EQ(Close(), 0);
+}
+
+TEST_F(WindowsProgram, AGameIsLaunchedWithItsProfileAndEndsIt) {
+  Start();
+  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+  ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+  MakeProfile("Jump");
+  EXPECT_EQ(Close(), 0);
+  const std::string note = folder.In("played.txt");
+  program = std::make_unique<Program>(
+      folder.folder,
+      "profile=Jump target=C:\\windows\\system32\\cmd.exe args=\"/c echo x>[" + note + "]\"");
+  EXPECT_EQ(program->AwaitEnd(), 0);
+  EXPECT_TRUE(std::filesystem::exists(note));
+}
+
+}  // namespace
+}  // namespace kelvaro::tests
