@@ -430,6 +430,8 @@ std::uint32_t Screen::Focus() const {
   return control ? control->id : 0;
 }
 
+std::uint32_t Screen::DefaultButton() const { return state->Look().DefaultButton(); }
+
 std::uint32_t Screen::Caret(std::uint32_t id) const {
   const auto* const line = qobject_cast<QLineEdit*>(state->Look<qt::Edit>(id).FocusWidget());
   return static_cast<std::uint32_t>(line->cursorPosition());

@@ -140,6 +140,7 @@ class Screen {
   bool Checked(std::uint32_t id) const;
   Rect ControlPlace(std::uint32_t id) const;
   std::uint32_t Focus() const;
+  std::uint32_t DefaultButton() const;  // which Enter presses where no button has the focus
   std::uint32_t Caret(std::uint32_t id) const;
   BitmapHandle Picture(std::uint32_t id) const;
   Colour TextColour(std::uint32_t id) const;

@@ -13,7 +13,7 @@
 
 namespace platform::ui {
 
-class WindowsDesktop final : public Desktop {
+class WindowsDesktop : public Desktop {
  public:
   WindowsDesktop();
   ~WindowsDesktop() override;
