@@ -1,5 +1,6 @@
 #include "player.h"
 
+#include "app/resources/settings_keys.h"
 #include "tests/host/patience.h"
 
 // Last.
@@ -9,9 +10,6 @@
 
 namespace kelvaro::tests {
 namespace {
-
-constexpr char kProductKey[] = "Software\\Marnstone\\Kelvaro";
-constexpr char kRunKey[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 
 HWND SystemWindow(std::uintptr_t window) { return reinterpret_cast<HWND>(window); }
 HWND ControlOf(std::uintptr_t window, std::uint32_t control) {
@@ -41,6 +39,11 @@ BOOL CALLBACK Keep(HWND window, LPARAM wanted) {
     return TRUE;
   sought.found = window;
   return FALSE;
+}
+
+void MarkAsWelcomedIn(const char* key) {
+  const DWORD shown = 1;
+  RegSetKeyValueA(HKEY_CURRENT_USER, key, "Welcome Display", REG_DWORD, &shown, sizeof shown);
 }
 
 }  // namespace
@@ -217,10 +220,7 @@ std::string StartedWithSession(const std::string& name) {
   return path;
 }
 
-void MarkAsWelcomed() {
-  const DWORD shown = 1;
-  RegSetKeyValueA(HKEY_CURRENT_USER, kProductKey, "Welcome Display", REG_DWORD, &shown,
-                  sizeof shown);
-}
+void MarkAsWelcomed() { MarkAsWelcomedIn(kProductKey); }
+void MarkAsWelcomedFormerly() { MarkAsWelcomedIn(kFormerProductKey); }
 
 }  // namespace kelvaro::tests

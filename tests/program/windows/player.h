@@ -78,5 +78,7 @@ std::string StartedWithSession(const std::string& name);
 // All that the program keeps in the registry; and that the person has read the welcome.
 void ForgetSettings();
 void MarkAsWelcomed();
+// The same under the program's former name.
+void MarkAsWelcomedFormerly();
 
 }  // namespace kelvaro::tests

@@ -152,6 +152,30 @@ TEST_F(WindowsProgram, WithoutDirectInputItSaysSoAndEnds) {
   EXPECT_EQ(program->AwaitEnd(), 0);
 }
 
+TEST_F(WindowsProgram, APadThatIsPulledOutIsGoneUntilItIsBack) {
+  Start();
+  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+  const auto buttons = [&] { return Text(window, main_window::kNumButtons); };
+  ASSERT_TRUE(Eventually([&] { return buttons() == "11"; }));
+  MakeProfile("Jump");
+  pad.Memory().unplugged = 1;
+  Click(window, main_window::kRefreshDeviceList);
+  EXPECT_TRUE(Eventually([&] { return buttons() == "0"; })) << buttons();
+  EXPECT_EQ(Rows(window, main_window::kDeviceList), 1u);
+  pad.Memory().unplugged = 0;
+  Click(window, main_window::kRefreshDeviceList);
+  EXPECT_TRUE(Eventually([&] { return buttons() == "11"; })) << buttons();
+  EXPECT_EQ(Close(), 0);
+}
+
+TEST_F(WindowsProgram, TakesOverTheSettingsOfItsFormerName) {
+  MarkAsWelcomedFormerly();
+  program = std::make_unique<Program>(folder.folder);
+  window = program->Await("Kelvaro");
+  ASSERT_NE(window, 0u) << "it has welcomed the person already";
+  EXPECT_EQ(Close(), 0);
+}
+
 TEST_F(WindowsProgram, ItsVersionComesInABox) {
   program = std::make_unique<Program>(folder.folder, "--version");
   const std::uintptr_t box = program->Await("Kelvaro");
