@@ -97,13 +97,16 @@ function(kelvaro_manifest target)
   endif()
 endfunction()
 
-# kelvaro_program(NAME LIBRARY): the program NAME of this folder's main.cc, beside the others and
-# installed.
+# kelvaro_program(NAME LIBRARY [DESCRIPTION text] [VERSION version]): the program NAME of this folder's
+# main.cc, beside the others and installed. The last two are for Windows (kelvaro_resources).
 function(kelvaro_program name library)
   add_executable(${name} main.cc)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KELVARO_BIN})
   target_link_libraries(${name} PRIVATE ${library})
   kelvaro_manifest(${name})
+  if(WIN32)
+    kelvaro_resources(${name} ${ARGN})
+  endif()
   install(TARGETS ${name} DESTINATION .)
 endfunction()
 

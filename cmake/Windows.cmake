@@ -7,7 +7,8 @@ set(KELVARO_GOOGLETEST /usr/src/googletest CACHE PATH "Where GoogleTest's source
 
 target_compile_definitions(kelvaro_options INTERFACE
   _WIN32_WINNT=0x0A00 WIN32_LEAN_AND_MEAN NOMINMAX STRICT)
-target_link_options(kelvaro_options INTERFACE -static)
+# Without the time, which would make other bytes of the same sources.
+target_link_options(kelvaro_options INTERFACE -static LINKER:--no-insert-timestamp)
 
 # The folder of the host's headers as a whole would hide Windows' own ones.
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/include)
@@ -31,3 +32,22 @@ if(KELVARO_TESTS)
   endforeach()
   target_link_libraries(gtest_main PUBLIC gtest)
 endif()
+
+file(STRINGS ${CMAKE_SOURCE_DIR}/LICENSE KELVARO_COPYRIGHT REGEX "^Copyright")
+set(KELVARO_SHOWN_VERSION ${PROJECT_VERSION})
+string(REGEX REPLACE "\\.0$" "" KELVARO_SHOWN_VERSION ${KELVARO_SHOWN_VERSION})
+
+# kelvaro_resources(TARGET [DESCRIPTION text] [VERSION version]): what Windows shows of a program in its
+# folder and in its properties: icon, and version, which is the project's unless another is told.
+function(kelvaro_resources target)
+  cmake_parse_arguments(arg "" "DESCRIPTION;VERSION" "" ${ARGN})
+  if(NOT arg_VERSION)
+    set(arg_VERSION ${KELVARO_SHOWN_VERSION})
+  endif()
+  string(REPLACE "." ";" numbers "${arg_VERSION}.0.0")
+  list(SUBLIST numbers 0 4 numbers)
+  string(JOIN ", " numbers ${numbers})
+  configure_file(${CMAKE_SOURCE_DIR}/app/platform/windows/version.rc.in ${target}-version.rc @ONLY)
+  target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}-version.rc)
+  kelvaro_drawn(${target} icons)
+endfunction()
