@@ -48,7 +48,7 @@ install_part(machine FILES ${made}/debian-copyright DESTINATION ${documents} REN
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME kelvaro)
-set(CPACK_PACKAGE_VENDOR Marnstone)
+set(CPACK_PACKAGE_VENDOR ${KELVARO_MAKER})
 set(CPACK_PACKAGE_CONTACT "${KELVARO_MAINTAINER}")
 set(CPACK_PACKAGE_HOMEPAGE_URL "${KELVARO_WEB_ADDRESS}")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "turn a game pad into keys and mouse motion")

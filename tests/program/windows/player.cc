@@ -141,6 +141,20 @@ std::uint32_t Rows(std::uintptr_t window, std::uint32_t list) {
   return static_cast<std::uint32_t>(SendMessageA(ControlOf(window, list), CB_GETCOUNT, 0, 0));
 }
 
+// Wide: Wine cuts the others of another process to half of their length.
+std::string RowText(std::uintptr_t window, std::uint32_t list, std::uint32_t row) {
+  const HWND control = ControlOf(window, list);
+  const LRESULT length = SendMessageW(control, CB_GETLBTEXTLEN, row, 0);
+  if (length < 0) return {};
+  std::wstring wide(static_cast<std::size_t>(length), L'\0');
+  SendMessageW(control, CB_GETLBTEXT, row, reinterpret_cast<LPARAM>(wide.data()));
+  std::string text(4 * wide.size(), '\0');
+  text.resize(static_cast<std::size_t>(
+      WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), text.data(),
+                          static_cast<int>(text.size()), nullptr, nullptr)));
+  return text;
+}
+
 bool Choose(std::uintptr_t window, std::uint32_t list, std::uint32_t row) {
   const HWND control = ControlOf(window, list);
   if (row >= Rows(window, list)) return false;

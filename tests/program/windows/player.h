@@ -42,6 +42,7 @@ std::string Title(std::uintptr_t window);
 // In a drop list; false when there is no such row.
 bool Choose(std::uintptr_t window, std::uint32_t list, std::uint32_t row);
 std::uint32_t Rows(std::uintptr_t window, std::uint32_t list);
+std::string RowText(std::uintptr_t window, std::uint32_t list, std::uint32_t row);
 void Post(std::uintptr_t window, std::uint32_t message, std::uintptr_t w = 0, std::intptr_t l = 0);
 struct Place {
   std::int32_t left, top, right, bottom;
