@@ -489,7 +489,8 @@ void AddSteeringCommands(CLI::App& app, Choice& choice) {
           "following (no t; from here on all is told), profile and device (name; empty for none), "
           "deviceLost, deviceBack, controlFired (controlId), mouseControls (on), paused, resumed, "
           "missed (count of events that were dropped because they weren't read), ended (no t). "
-          "What starts later isn't followed.");
+          "A Kelvaro that starts later is followed, too; with --instance only that one is, until "
+          "it ends.");
 }
 
 void AddFollow(CLI::App& app, Choice& choice) {

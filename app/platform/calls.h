@@ -18,6 +18,9 @@ using CallId = std::uint32_t;
 // Bytes; a longer one ends the call. An empty one can't be sent.
 constexpr std::size_t kLongestMessage = 4096;
 
+// How often arrivals are looked for where the system doesn't tell of them.
+constexpr std::uint32_t kLookForArrivalsMs = 1000;
+
 // The side that is called. All of it comes on one thread, which does nothing else.
 class CallReceiver {
  public:
@@ -32,7 +35,7 @@ class CallReceiver {
   virtual void OnWake() = 0;
 };
 
-// The calling side, of one call. One thread at a time.
+// The calling side, of one call. One thread at a time, but for End.
 class Conversation {
  public:
   enum class Heard { Message, Nothing, End };
@@ -41,6 +44,18 @@ class Conversation {
   virtual bool Send(const std::string& message) = 0;
   // Waits `ms`, or for as long as it takes.
   virtual Heard Receive(std::string* message, std::optional<std::uint32_t> ms) = 0;
+  // Hangs up: a Receive that waits just now, and each later one, has Heard::End. Any thread.
+  virtual void End() = 0;
+};
+
+// Tells that programs begin to answer. One thread, but for End.
+class Arrivals {
+ public:
+  virtual ~Arrivals() = default;
+  // Waits until another one may have begun since this was made or the last call; who looks for it
+  // then can call it. Comes too often rather than never. False once End was called.
+  virtual bool Wait() = 0;
+  virtual void End() = 0;  // any thread
 };
 
 class Calls {
@@ -64,6 +79,8 @@ class Calls {
   virtual std::vector<std::uint32_t> Answering() = 0;
   // Null when that one doesn't answer, or isn't one of Kelvaro's own.
   virtual std::unique_ptr<Conversation> Call(std::uint32_t process) = 0;
+  // Null where nobody can be called.
+  virtual std::unique_ptr<Arrivals> WatchArrivals() = 0;
 };
 
 // Of the installed platform; see platform.h. Where there is none, one that nobody can call.

@@ -17,6 +17,7 @@ class NoCalls final : public Calls {
   void Wake() override {}
   std::vector<std::uint32_t> Answering() override { return {}; }
   std::unique_ptr<Conversation> Call(std::uint32_t) override { return nullptr; }
+  std::unique_ptr<Arrivals> WatchArrivals() override { return nullptr; }
 };
 
 const Platform& Reach() {

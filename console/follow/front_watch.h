@@ -17,8 +17,7 @@ class FrontWatch {
   struct Listener {
     // Nothing for no window. At first, and each time that it is another or its texts are.
     std::function<void(const std::optional<FrontWindow>& window)> window;
-    // One that runs may have come or gone; some times within the next seconds, too, as one that
-    // comes isn't ready at once.
+    // One that runs may have come, or gone by itself.
     std::function<void()> instances;
     // The desktop has ended, or can't be understood any more; nothing is called after it.
     std::function<void(const std::string& error)> ended;

@@ -2,7 +2,6 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/inotify.h>
 
 #include <cerrno>
 #include <thread>
@@ -10,17 +9,13 @@
 
 #include "app/platform/linux/descriptor.h"
 #include "app/platform/linux/environment.h"
-#include "app/platform/linux/instance_socket.h"
+#include "app/platform/linux/instance_folder.h"
+#include "app/platform/linux/instance_news.h"
 #include "app/platform/linux/message_bus.h"
 #include "console/linux/front_source.h"
 
 namespace kelvaro::console {
 namespace {
-
-// One that begins isn't ready at once when its socket appears: it is looked for again after twice
-// as long each time, for some ten seconds in all.
-constexpr int kFirstLook = 10;   // ms
-constexpr int kLastLook = 5120;  // ms
 
 // On the way from one window to another there may be a moment without any, which would let go of
 // what is held.
@@ -33,36 +28,6 @@ constexpr char kNobodyTells[] =
     "nobody tells here which window is in front: sway (SWAYSOCK), KWin (on the session's bus) and "
     "X servers (DISPLAY) do, other desktops on Wayland such as GNOME Shell don't";
 
-// The folder in which each that runs has its socket.
-class InstanceNews {
- public:
-  InstanceNews() : changes(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) { Watch(); }
-
-  int Descriptor() const { return changes.Get(); }
-
-  void Read() {
-    alignas(inotify_event) char block[4096] = {};
-    bool folderGone = false;
-    ssize_t size;
-    while ((size = platform::Retry([&] { return read(changes.Get(), block, sizeof block); })) > 0) {
-      for (ssize_t at = 0; at < size;) {
-        const auto& event = reinterpret_cast<const inotify_event&>(block[at]);
-        folderGone |= (event.mask & IN_IGNORED) != 0;
-        at += static_cast<ssize_t>(sizeof event + event.len);
-      }
-    }
-    if (folderGone) Watch();
-  }
-
- private:
-  void Watch() {
-    inotify_add_watch(changes.Get(), platform::InstanceFolder().c_str(),
-                      IN_CREATE | IN_DELETE | IN_MOVED_TO | IN_ONLYDIR);
-  }
-
-  const platform::Descriptor changes;
-};
-
 }  // namespace
 
 struct FrontWatch::Parts {
@@ -70,7 +35,7 @@ struct FrontWatch::Parts {
   std::unique_ptr<FrontSource> source;
   std::string teller;
   std::string lack;
-  InstanceNews instances;
+  platform::InstanceNews instances{platform::InstanceFolder()};
   platform::Descriptor wake{eventfd(0, EFD_CLOEXEC)};
   std::thread thread;
 
@@ -107,7 +72,6 @@ void FrontWatch::Parts::Watch() {
     listener.window(window);
   };
   bool without = false;  // no window is in front, which isn't told yet
-  int look = 0;          // ms; 0 for no further look
   for (;;) {
     std::optional<FrontWindow> window;
     std::string error;
@@ -118,17 +82,15 @@ void FrontWatch::Parts::Watch() {
 
     pollfd wanted[] = {{wake.Get(), POLLIN, 0},
                        {source->Descriptor(), POLLIN, 0},
-                       {instances.Descriptor(), POLLIN, 0}};
-    const int wait = without ? kMomentWithout : look > 0 ? look : -1;
+                       {instances.Readable(), POLLIN, 0}};
+    const int wait = without ? kMomentWithout : instances.LongestWait();
     const int ready = platform::Retry([&] { return poll(wanted, 3, wait); });
     if (ready < 0 || wanted[0].revents != 0) return;
     if (ready == 0 && without) {
       without = false;
       tell(std::nullopt);
     } else if (ready == 0 || wanted[2].revents != 0) {
-      look = ready == 0 ? look * 2 : kFirstLook;
-      if (look > kLastLook) look = 0;
-      if (wanted[2].revents != 0) instances.Read();
+      instances.Read();
       listener.instances();
     }
   }

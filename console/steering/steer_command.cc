@@ -1,8 +1,5 @@
-// kelvaroctl status, select, pause, resume, release-all, follow-events: what runs is asked and
-// steered.
+// kelvaroctl status, select, pause, resume, release-all: what runs is asked and steered.
 
-#include <mutex>
-#include <thread>
 #include <vector>
 
 #include "console/commands.h"
@@ -35,7 +32,7 @@ std::string StatusWords(const SteeringMessage& status) {
 // Complains of those that didn't do it, and has `show` print the others.
 template <typename Show>
 int Finish(const std::vector<InstanceAnswer>& asked, Streams streams, Show show) {
-  if (asked.empty()) return Complain(streams.err, "no Kelvaro is running that could be asked");
+  if (asked.empty()) return Complain(streams.err, kNobodyToAsk);
   int status = kDone;
   for (const InstanceAnswer& one : asked) {
     if (one.done) {
@@ -69,25 +66,6 @@ int SteerBy(const SteerOptions& options, const char* kind, const char* words, St
   return Steer(Ask(options, kind), options.json, words, streams);
 }
 
-// Prints what one tells until it ends, or nothing can be printed any more.
-void PrintEvents(InstanceAnswer& one, std::mutex& printing, std::ostream& out) {
-  const auto print = [&](const SteeringMessage& message) {
-    const std::lock_guard<std::mutex> guard(printing);
-    out << JsonLine(one.process, message) << std::endl;
-    return bool(out);
-  };
-  SteeringMessage own;
-  own.Add("event", "following");
-  if (!print(own)) return;
-  std::string text;
-  while (one.conversation->Receive(&text, std::nullopt) != platform::Conversation::Heard::End) {
-    const auto message = ParseSteeringMessage(text, &one.error);
-    if (message && !print(*message)) return;
-  }
-  own.fields = {{"event", "ended"}};
-  print(own);
-}
-
 }  // namespace
 
 int StatusCommand(const SteerOptions& options, Streams streams) {
@@ -117,18 +95,6 @@ int ResumeCommand(const SteerOptions& options, Streams streams) {
 
 int ReleaseAllCommand(const SteerOptions& options, Streams streams) {
   return SteerBy(options, "release-all", "has let go of all that it held", streams);
-}
-
-int FollowEventsCommand(const SteerOptions& options, Streams streams) {
-  const CallsMachine machine;
-  std::vector<InstanceAnswer> asked = Ask(options, "follow-events");
-  const int status = Finish(asked, streams, [](const InstanceAnswer&) {});
-  std::mutex printing;
-  std::vector<std::thread> threads;
-  for (InstanceAnswer& one : asked)
-    if (one.done) threads.emplace_back([&] { PrintEvents(one, printing, streams.out); });
-  for (std::thread& thread : threads) thread.join();
-  return status;
 }
 
 }  // namespace kelvaro::console

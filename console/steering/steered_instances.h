@@ -14,6 +14,9 @@
 
 namespace kelvaro::console {
 
+// Where there is none.
+constexpr char kNobodyToAsk[] = "no Kelvaro is running that could be asked";
+
 // One that was asked, and what it said.
 struct InstanceAnswer {
   std::uint32_t process = 0;

@@ -1,6 +1,7 @@
 // Windows and runs under the hands of kelvaroctl: each a process, and each of them killed.
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -79,12 +80,20 @@ class SteeringTest : public testing::Test {
     return window;
   }
   // A follower that is told all from here on.
-  std::unique_ptr<Child> Follower() {
-    auto follower = Start("kelvaroctl", {"follow-events"});
+  std::unique_ptr<Child> Follower(std::vector<std::string> words = {}) {
+    words.insert(words.begin(), "follow-events");
+    auto follower = Start("kelvaroctl", words);
     EXPECT_TRUE(
         Eventually([&] { return follower->Out().find("\"following\"") != std::string::npos; }, 60s))
         << follower->Log();
     return follower;
+  }
+  static std::string Line(const std::unique_ptr<Child>& child, const std::string& event) {
+    return "{\"process\":" + Pid(child) + ",\"event\":\"" + event + "\"}\n";
+  }
+  static void ExpectEndsByCtrlC(Child& follower) {
+    follower.Signal(SIGINT);
+    EXPECT_EQ(follower.WaitForEnd(60s), 0) << follower.Log();
   }
   static bool Tells(const std::unique_ptr<Child>& follower, const std::string& text) {
     return Eventually([&] { return follower->Out().find(text) != std::string::npos; }, 60s);
@@ -130,10 +139,58 @@ TEST_F(SteeringTest, AFollowerSeesTheProfileThePauseAndTheEnd) {
   Ctl({"pause"});
   EXPECT_TRUE(Tells(follower, "\"event\":\"paused\"")) << follower->Log();
   window->Signal(SIGTERM);
-  EXPECT_EQ(follower->WaitForEnd(60s), 0) << follower->Log();
-  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\""));
+  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\"")) << follower->Log();
   EXPECT_EQ(window->WaitForEnd(60s), 0);
   EXPECT_EQ(Sockets(), 0u);
+  ExpectEndsByCtrlC(*follower);
+}
+
+TEST_F(SteeringTest, AFollowerOfOneEndsWithIt) {
+  const auto window = Window();
+  const auto other = Window();
+  const auto follower = Follower({"-i", Pid(window)});
+  EXPECT_EQ(Ctl({"pause", "-i", Pid(other)}).status, 0);
+  window->Signal(SIGTERM);
+  EXPECT_EQ(follower->WaitForEnd(60s), 0) << follower->Log();
+  EXPECT_EQ(follower->Out(), Line(window, "following") + Line(window, "ended"));
+  const auto asked = Follower({"-i", Pid(other)});
+  ExpectEndsByCtrlC(*asked);
+}
+
+TEST_F(SteeringTest, AFollowerHearsOfThoseThatStartLater) {
+  const auto follower = Start("kelvaroctl", {"follow-events"});
+  ASSERT_TRUE(Eventually([&] { return !follower->Err().empty(); }, 60s));
+  EXPECT_EQ(follower->Err(), "No Kelvaro runs; its events are printed as soon as one does.\n");
+  for (const int signal : {SIGTERM, SIGKILL}) {
+    const auto first = Window();
+    EXPECT_TRUE(Tells(follower, Line(first, "following"))) << follower->Log();
+    const auto second = Window();
+    EXPECT_TRUE(Tells(follower, Line(second, "following"))) << follower->Log();
+    EXPECT_EQ(Ctl({"pause", "-i", Pid(second)}).status, 0);
+    EXPECT_TRUE(Tells(follower, "{\"process\":" + Pid(second) + ",\"event\":\"paused\""))
+        << follower->Log();
+    first->Signal(signal);
+    EXPECT_TRUE(Tells(follower, Line(first, "ended"))) << follower->Log();
+    second->Signal(signal);
+    EXPECT_TRUE(Tells(follower, Line(second, "ended"))) << follower->Log();
+  }
+  ExpectEndsByCtrlC(*follower);
+}
+
+TEST_F(SteeringTest, AFollowerWhoseReaderIsGoneEnds) {
+  const auto window = Window();
+  int pipe[2];
+  ASSERT_EQ(pipe2(pipe, O_CLOEXEC), 0);
+  const std::string out = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(pipe[1]);
+  Child shell({"sh", "-c", "exec \"$0\" follow-events >" + out, folder + "kelvaroctl"},
+              ChildOptions{home.Environment()});
+  char line[100];
+  ASSERT_GT(read(pipe[0], line, sizeof line), 0);
+  close(pipe[0]);
+  close(pipe[1]);
+  EXPECT_EQ(Ctl({"pause"}).status, 0);
+  EXPECT_EQ(shell.WaitForEnd(60s), 1);
+  EXPECT_EQ(shell.Err(), "kelvaroctl: the output can't be written\n");
 }
 
 TEST_F(SteeringTest, AWindowThatIsKilledIsGoneForAll) {
@@ -141,8 +198,7 @@ TEST_F(SteeringTest, AWindowThatIsKilledIsGoneForAll) {
   const auto follower = Follower();
   window->Signal(SIGKILL);
   EXPECT_EQ(window->WaitForEnd(60s), 128 + SIGKILL);
-  EXPECT_EQ(follower->WaitForEnd(60s), 0) << follower->Log();
-  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\""));
+  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\"")) << follower->Log();
   const Said status = Ctl({"status"});
   EXPECT_EQ(status.status, 1);
   EXPECT_EQ(status.err, "kelvaroctl: no Kelvaro is running that could be asked\n");
@@ -245,7 +301,7 @@ TEST_F(SteeredRunTest, KilledItHoldsNothingAndIsGone) {
   run->Signal(SIGKILL);
   EXPECT_EQ(run->WaitForEnd(60s), 128 + SIGKILL);
   EXPECT_TRUE(Eventually([&] { return !Down(); }, 60s));
-  EXPECT_EQ(follower->WaitForEnd(60s), 0);
+  EXPECT_TRUE(Tells(follower, "\"event\":\"ended\"")) << follower->Log();
   EXPECT_EQ(Ctl({"status"}).status, 1);
 }
 

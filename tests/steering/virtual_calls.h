@@ -34,6 +34,7 @@ class VirtualCalls final : public platform::Calls {
   void Wake() override { ++wakes; }
   std::vector<std::uint32_t> Answering() override { return {}; }
   std::unique_ptr<platform::Conversation> Call(std::uint32_t) override { return nullptr; }
+  std::unique_ptr<platform::Arrivals> WatchArrivals() override { return nullptr; }
 
   // What woke the receiver's thread.
   void Pump() {

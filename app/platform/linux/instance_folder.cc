@@ -76,7 +76,9 @@ Descriptor ListenAt(const std::string& path) {
       bind(listener.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   umask(before);
   if (!bound) return Descriptor();
-  if (listen(listener.Get(), kCallersInLine) == 0) return listener;
+  // That the rights are set again, now that it can be called, is news to who watches the folder.
+  if (listen(listener.Get(), kCallersInLine) == 0 && chmod(path.c_str(), 0600) == 0)
+    return listener;
   unlink(path.c_str());
   return Descriptor();
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "app/platform/linux/detached_thread.h"
+#include "app/platform/linux/instance_news.h"
 
 namespace platform {
 namespace {
@@ -55,7 +56,9 @@ class LinuxConversation final : public Conversation {
 
   Heard Receive(std::string* message, std::optional<std::uint32_t> ms) override {
     const int wait = ms ? static_cast<int>(std::min<std::uint32_t>(*ms, INT32_MAX)) : -1;
-    if (!Readable(connection.Get(), wait)) return Heard::Nothing;
+    const bool came = Readable(connection.Get(), wait);
+    if (ended) return Heard::End;
+    if (!came) return Heard::Nothing;
     switch (TakePacket(connection.Get(), message)) {
       case Packet::Message:
         return Heard::Message;
@@ -67,8 +70,33 @@ class LinuxConversation final : public Conversation {
     return Heard::End;
   }
 
+  void End() override {
+    ended = true;
+    shutdown(connection.Get(), SHUT_RDWR);
+  }
+
  private:
   const Descriptor connection;
+  std::atomic<bool> ended{false};
+};
+
+class LinuxArrivals final : public Arrivals {
+ public:
+  explicit LinuxArrivals(const std::string& folder)
+      : end(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), news(folder) {}
+
+  bool Wait() override {
+    pollfd wanted[] = {{end.Get(), POLLIN, 0}, {news.Readable(), POLLIN, 0}};
+    if (Retry([&] { return poll(wanted, 2, news.LongestWait()); }) < 0) return false;
+    if (wanted[0].revents != 0) return false;
+    news.Read();
+    return true;
+  }
+  void End() override { eventfd_write(end.Get(), 1); }
+
+ private:
+  const Descriptor end;
+  InstanceNews news;
 };
 
 }  // namespace
@@ -201,6 +229,11 @@ std::unique_ptr<Conversation> LinuxCalls::Call(std::uint32_t process) {
   Descriptor connection = ConnectTo(InstanceSocketPath(folder, process, kEnding));
   if (!connection || !IsOneOfOurs(connection.Get())) return nullptr;
   return std::make_unique<LinuxConversation>(std::move(connection));
+}
+
+std::unique_ptr<Arrivals> LinuxCalls::WatchArrivals() {
+  if (folder.empty()) return nullptr;
+  return std::make_unique<LinuxArrivals>(folder);
 }
 
 }  // namespace platform

@@ -34,6 +34,7 @@ class LinuxCalls final : public Calls {
   void Wake() override;
   std::vector<std::uint32_t> Answering() override;
   std::unique_ptr<Conversation> Call(std::uint32_t process) override;
+  std::unique_ptr<Arrivals> WatchArrivals() override;
 
  private:
   struct Caller {

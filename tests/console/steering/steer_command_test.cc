@@ -49,21 +49,18 @@ class SteerCommand : public testing::Test {
 };
 
 TEST_F(SteerCommand, WithNothingRunningEachSaysSo) {
-  for (const std::vector<std::string>& words :
-       std::vector<std::vector<std::string>>{{"status"},
-                                             {"select", "Game"},
-                                             {"pause"},
-                                             {"resume"},
-                                             {"release-all"},
-                                             {"follow-events"}}) {
+  for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+           {"status"}, {"select", "Game"}, {"pause"}, {"resume"}, {"release-all"}}) {
     const Outcome outcome = Kelvaroctl(words);
     EXPECT_EQ(outcome.status, 1) << words[0];
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err, "kelvaroctl: no Kelvaro is running that could be asked\n");
   }
-  const Outcome named = Kelvaroctl({"pause", "-i", "1"});
-  EXPECT_EQ(named.status, 1);
-  EXPECT_EQ(named.err, "kelvaroctl: 1: no running Kelvaro answers there\n");
+  for (const char* word : {"pause", "follow-events"}) {
+    const Outcome named = Kelvaroctl({word, "-i", "1"});
+    EXPECT_EQ(named.status, 1) << word;
+    EXPECT_EQ(named.err, "kelvaroctl: 1: no running Kelvaro answers there\n");
+  }
 }
 
 TEST_F(SteerCommand, AProcessIsAWholeNumberAboveZero) {
@@ -165,7 +162,7 @@ TEST_F(SteerCommand, FollowedEventsAreLinesUntilTheProgramEnds) {
                                     "kelvaro 1 event\nevent missed\ncount 2",
                                     ""};
   });
-  const Outcome outcome = Kelvaroctl({"follow-events"});
+  const Outcome outcome = Kelvaroctl({"follow-events", "-i", self});
   const std::string begin = "{\"process\":" + self + ",\"event\":";
   EXPECT_EQ(outcome.out, begin + "\"following\"}\n" + begin +
                              "\"controlFired\",\"t\":20,\"controlId\":3}\n" + begin +

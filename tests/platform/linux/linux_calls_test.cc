@@ -6,9 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -150,6 +152,7 @@ TEST_F(LinuxCallsTest, NobodyCanCallWhereThereIsNoFolderOrItsNameIsTooLong) {
     EXPECT_FALSE(nowhere.Answer(&echo));
     EXPECT_FALSE(nowhere.Call(self));
     EXPECT_TRUE(nowhere.Answering().empty());
+    EXPECT_EQ(nowhere.WatchArrivals() == nullptr, none.empty());
   }
 }
 
@@ -184,6 +187,102 @@ TEST_F(LinuxCallsTest, WakeBringsTheReceiverRound) {
   EXPECT_TRUE(echo.Await(&Echo::wakes, 1));
   calls.StopAnswering();
   calls.Wake();
+}
+
+TEST_F(LinuxCallsTest, ACallerCanEndItsCallWhileItWaits) {
+  ASSERT_TRUE(calls.Answer(&echo));
+  const auto conversation = calls.Call(self);
+  ASSERT_TRUE(conversation);
+  std::string answer;
+  auto heard =
+      std::async(std::launch::async, [&] { return conversation->Receive(&answer, std::nullopt); });
+  conversation->End();
+  EXPECT_EQ(heard.get(), Heard::End);
+  EXPECT_TRUE(echo.Await(&Echo::hungUp, 1));
+  EXPECT_FALSE(conversation->Send("a"));
+}
+
+TEST_F(LinuxCallsTest, WhatWasSentBeforeTheEndIsNotHeardAfterIt) {
+  ASSERT_TRUE(calls.Answer(&echo));
+  const auto conversation = calls.Call(self);
+  ASSERT_TRUE(conversation && conversation->Send("a"));
+  EXPECT_EQ(Ask("b"), "b!") << "so the first was answered, too";
+  conversation->End();
+  std::string answer;
+  EXPECT_EQ(conversation->Receive(&answer, std::nullopt), Heard::End);
+}
+
+// The processes that answer once the watch tells of one; none when it doesn't within patience.
+std::vector<std::uint32_t> Arrived(Calls& calls, Arrivals& arrivals) {
+  auto arrived = std::async(std::launch::async, [&] {
+    std::vector<std::uint32_t> answering;
+    while (answering.empty() && arrivals.Wait()) answering = calls.Answering();
+    return answering;
+  });
+  if (arrived.wait_for(std::chrono::milliseconds(kPatience)) != std::future_status::ready)
+    arrivals.End();
+  return arrived.get();
+}
+
+// Not too early, either: nothing tells of it a second time.
+TEST_F(LinuxCallsTest, OneThatArrivesIsToldOfOnceItCanBeCalled) {
+  for (int i = 0; i < 20; ++i) {
+    const auto arrivals = calls.WatchArrivals();
+    ASSERT_TRUE(arrivals);
+    auto answers = std::async(std::launch::async, [&] { return calls.Answer(&echo); });
+    LinuxCalls others{folder};
+    EXPECT_EQ(Arrived(others, *arrivals), std::vector<std::uint32_t>{self}) << i;
+    EXPECT_TRUE(answers.get());
+    calls.StopAnswering();
+  }
+}
+
+TEST_F(LinuxCallsTest, TheWatchOfArrivalsSleepsUntilItsEnd) {
+  const auto arrivals = calls.WatchArrivals();
+  ASSERT_TRUE(arrivals);
+  std::atomic<pid_t> waiter{0};
+  auto waited = std::async(std::launch::async, [&] {
+    waiter = gettid();
+    return arrivals->Wait();
+  });
+  ASSERT_TRUE(Eventually([&] { return waiter != 0 && IsAsleep(waiter); }));
+  arrivals->End();
+  EXPECT_FALSE(waited.get());
+  EXPECT_FALSE(arrivals->Wait()) << "for good";
+}
+
+TEST_F(LinuxCallsTest, AFolderThatIsMadeAnewIsWatchedToo) {
+  const std::string again = In("again");
+  for (const bool wasThere : {true, false}) {
+    if (wasThere) fs::create_directory(again);
+    LinuxCalls later{again};
+    const auto arrivals = later.WatchArrivals();
+    ASSERT_TRUE(arrivals);
+    fs::remove_all(again);
+    fs::create_directory(again);
+    LinuxCalls answering{again};
+    Echo receiver{answering};
+    ASSERT_TRUE(answering.Answer(&receiver));
+    EXPECT_EQ(Arrived(later, *arrivals), std::vector<std::uint32_t>{self}) << wasThere;
+    answering.StopAnswering();
+    fs::remove_all(again);
+  }
+}
+
+TEST_F(LinuxCallsTest, WhereTheSystemTellsNothingArrivalsAreLookedFor) {
+  // There is room for one descriptor more, which the watch needs for its end.
+  const int next = dup(0);
+  close(next);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+  rlimit scarce = before;
+  scarce.rlim_cur = static_cast<rlim_t>(next) + 1;
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &scarce), 0);
+  const auto arrivals = calls.WatchArrivals();
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+  ASSERT_TRUE(arrivals);
+  ASSERT_TRUE(calls.Answer(&echo));
+  EXPECT_EQ(Arrived(calls, *arrivals), std::vector<std::uint32_t>{self});
 }
 
 TEST_F(LinuxCallsTest, WhatIsTooLongOrEmptyEndsTheCallAlone) {
