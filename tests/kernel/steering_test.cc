@@ -10,6 +10,7 @@
 
 #include "tests/host/home.h"
 #include "tests/host/json.h"
+#include "tests/kernel/asking.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
 #include "tests/kernel/wait.h"
@@ -127,6 +128,67 @@ TEST_F(Steered, AFollowerIsToldWhatFiresAndTheEnd) {
   EXPECT_TRUE(tells("\"event\":\"controlFired\"")) << follower.Log();
   run->Process().Signal(SIGTERM);
   EXPECT_TRUE(tells("\"event\":\"ended\"")) << follower.Log();
+}
+
+// 200 Controls: each of 40 buttons alone, and with a stick to one of its four sides.
+constexpr std::size_t kWideButtons = 40;
+struct Side {
+  unsigned int axis;
+  int value;
+};
+constexpr Side kSides[] = {
+    {ABS_X, 0}, {ABS_X, -32000}, {ABS_X, 32000}, {ABS_Y, -32000}, {ABS_Y, 32000}};
+
+char LetterOf(std::size_t control) { return static_cast<char>('a' + control % 26); }
+
+std::string WideControl(std::size_t side, std::size_t button) {
+  const std::size_t control = side * kWideButtons + button;
+  const std::string text = (control % 3 == 0 ? "<Ctrl>" : "") + std::string(1, LetterOf(control));
+  if (side == 0) return ButtonControl(button, text);
+  const Side& to = kSides[side];
+  return ButtonControl(button, text,
+                       "\"triggerItems\":[{\"kind\":" + std::to_string(to.axis) +
+                           ",\"index\":0,\"value\":" + (to.value < 0 ? "1" : "2") + "}]");
+}
+
+void AddKeys(std::size_t control, std::vector<std::string>* keys) {
+  const std::string key = std::string("KEY_") + static_cast<char>(LetterOf(control) - 'a' + 'A');
+  const bool withCtrl = control % 3 == 0;
+  for (const char* way : {" down", " up"}) {
+    if (withCtrl) keys->push_back(std::string("KEY_LEFTCTRL") + way);
+    keys->push_back(key + way);
+  }
+}
+
+TEST(SteeredLoad, AThousandRequestsASecondChangeNoKeyOf200Controls) {
+  const tests::Home home("/dev/shm");
+  const ChildOptions options{home.Environment()};
+  PadShape shape;
+  shape.name = "Wide Pad";
+  shape.buttons = ManyButtons(kWideButtons);
+  shape.axes = {{ABS_X}, {ABS_Y}};
+  UinputPad pad(shape);
+  std::vector<std::string> controls;
+  std::vector<std::string> expected;
+  for (std::size_t side = 0; side < std::size(kSides); ++side) {
+    for (std::size_t button = 0; button < kWideButtons; ++button) {
+      controls.push_back(WideControl(side, button));
+      AddKeys(side * kWideButtons + button, &expected);
+    }
+  }
+  ProfileRun run(ProfileOf(controls), shape.name, pad.Node(), {}, options);
+  ASSERT_TRUE(run.Started());
+  Asking asking(run.Process().Id(), 1000, options);
+  for (const Side& side : kSides) {
+    pad.Move(side.axis, side.value);
+    WaitMs(20);
+    for (std::size_t button = 0; button < kWideButtons; ++button) pad.Tap(button, 20);
+    pad.Move(side.axis, 0);
+    WaitMs(20);
+  }
+  EXPECT_TRUE(Sent(run.Keyboard(), expected));
+  // Eight seconds of play; of the requests nearly half are answered by another thread later.
+  EXPECT_GE(asking.End(), 4000) << asking.Err();
 }
 
 }  // namespace
