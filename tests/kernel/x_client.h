@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 struct _XDisplay;
@@ -26,5 +27,8 @@ class XClient {
   unsigned long window = 0;
   std::vector<std::string> texts;
 };
+
+// Where the pointer is on that display.
+std::pair<int, int> PointerOn(const std::string& display);
 
 }  // namespace kelvaro::kernel
