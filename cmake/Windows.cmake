@@ -33,6 +33,13 @@ if(KELVARO_TESTS)
   target_link_libraries(gtest_main PUBLIC gtest)
 endif()
 
+# kelvaro_desktop_test(NAME COMMAND...): a test that tests/windows/desktop runs. They take turns, and
+# begin first, so that all the others run beside them.
+function(kelvaro_desktop_test name)
+  add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/tests/windows/desktop ${ARGN})
+  set_tests_properties(${name} PROPERTIES RESOURCE_LOCK desktop COST 1000 TIMEOUT 900)
+endfunction()
+
 file(STRINGS ${CMAKE_SOURCE_DIR}/LICENSE KELVARO_COPYRIGHT REGEX "^Copyright")
 set(KELVARO_SHOWN_VERSION ${PROJECT_VERSION})
 string(REGEX REPLACE "\\.0$" "" KELVARO_SHOWN_VERSION ${KELVARO_SHOWN_VERSION})
