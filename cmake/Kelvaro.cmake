@@ -32,6 +32,12 @@ target_compile_options(kelvaro_watched INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wth
 if(KELVARO_FUZZ)
   target_compile_options(kelvaro_watched INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+# From all threads, and by paths that mean the same from anywhere.
+if(KELVARO_COVERAGE)
+  target_compile_options(kelvaro_watched INTERFACE --coverage -fprofile-update=atomic
+                         -fprofile-abs-path)
+  target_link_options(kelvaro_options INTERFACE --coverage)
+endif()
 # The sanitizers' checks cost tests and fuzzing many times what compiling a little better does.
 if(KELVARO_SANITIZE)
   target_compile_options(kelvaro_watched INTERFACE -O1)
