@@ -6,9 +6,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "tests/program/machine.h"
-#include "tests/program/stored_profile.h"
-#include "tests/program/stored_settings.h"
+#include "tests/program/own_programs.h"
 
 // Last, as its macros hide others' names.
 #include <X11/Xlib.h>
@@ -30,21 +28,15 @@ constexpr char kTetrisLine[] =
     "program 'tetris', class 'tetris', title 'Blocks': rule 3, profile 'Tetris'";
 
 // The programs in a folder of their own, with the profiles that the rules name.
-class FollowTest : public testing::Test {
+class FollowTest : public OwnPrograms {
  protected:
-  FollowTest() {
+  FollowTest()
+      : OwnPrograms({"Desk", "Second", "Doom", "Tetris"}, R"("deviceName":"No such pad")") {
     // Sway runs as nobody, who has to reach all of this.
     fs::permissions(home.folder, fs::perms::all);
     for (const char* name : {"config", "runtime", "cache", "data"})
       fs::permissions(home.In(name), fs::perms::all);
     fs::permissions(home.In("runtime"), fs::perms::owner_all);
-    fs::create_directories(folder);
-    for (const char* name : {"kelvaro", "kelvaroctl"})
-      fs::copy_file(Program(name), folder + "/" + name);
-    EXPECT_TRUE(StoredSettings(home).SetQuiet());
-    EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "Desk"));
-    for (const char* name : {"Desk", "Second", "Doom", "Tetris"})
-      StoreProfile(home, folder, name, R"("deviceName":"No such pad")");
     for (const char* name : {"doom2", "tetris"})
       fs::copy_file(KELVARO_SHOWN_WINDOW, folder + "/" + name);
     environment = home.Environment();
@@ -89,13 +81,6 @@ class FollowTest : public testing::Test {
     return testing::AssertionFailure() << "not " << profile << " but: " << said;
   }
 
-  static void ExpectEndsByCtrlC(Child& follow) {
-    follow.Signal(SIGINT);
-    EXPECT_EQ(follow.WaitForEnd(), 0) << follow.Log();
-  }
-
-  const Home home;
-  const std::string folder = home.folder + "/programs";
   std::map<std::string, std::string> environment;
   bool asNobody = false;
 };
@@ -178,6 +163,35 @@ TEST_F(FollowOnX11, SaysThatOtherWindowsOfAWaylandDesktopAreUntold) {
   EXPECT_TRUE(Eventually([&] {
     return follow->Err().find("tells of no windows but those of X11 programs") != std::string::npos;
   })) << follow->Log();
+}
+
+TEST_F(FollowOnX11, KelvarosOwnWindowChangesNothing) {
+  const auto follow = Follow({"--dry-run"});
+  ASSERT_TRUE(Says(*follow, "no window: the default, profile 'Desk'"));
+  const auto window = Start({"kelvaro"});
+  EXPECT_TRUE(Says(*follow, "Kelvaro's own window: all stays as it is")) << window->Log();
+}
+
+TEST_F(FollowOnX11, WhatIsRefusedIsToldAndAskedForAgain) {
+  const std::string profile = folder + "/Profiles/Doom.idprof";
+  const std::string elsewhere = home.In("Doom.idprof");
+  environment["QT_QPA_PLATFORM"] = "offscreen";
+  const auto window = Start({"kelvaro"});
+  const auto follow = Follow({});
+  ASSERT_TRUE(Says(*follow, "no window: the default, profile 'Desk'")) << window->Log();
+  fs::rename(profile, elsewhere);
+  environment["QT_QPA_PLATFORM"] = "xcb";
+  const auto doom = Start({"doom2", "Doom: Level 1"});
+  const std::string refusal =
+      "kelvaroctl: " + std::to_string(window->Id()) + ": there is no stored profile 'Doom'";
+  ASSERT_TRUE(Eventually([&] { return follow->Err().find(refusal) != std::string::npos; }))
+      << follow->Log();
+  EXPECT_TRUE(Plays("Desk"));
+  fs::rename(elsewhere, profile);
+  SetTitle(desktop->Find("Doom: Level 1", false).id, "Doom: Level 3");
+  EXPECT_TRUE(Says(
+      *follow, "program 'doom2', class 'doom2', title 'Doom: Level 3': rule 2, profile 'Doom'"));
+  EXPECT_TRUE(Plays("Doom"));
 }
 
 TEST_F(FollowOnX11, TheEndOfTheServerEndsIt) {

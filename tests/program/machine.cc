@@ -66,17 +66,19 @@ void Walk(Display* display, Window window, const std::function<void(Window)>& vi
 
 }  // namespace
 
-XDesktop::XDesktop(bool withNotificationArea, const std::string& windowManager) {
+XDesktop::XDesktop(bool withNotificationArea, const std::string& windowManager,
+                   const std::map<std::string, std::string>& more) {
   if (server.Address().empty()) return;
   display = XOpenDisplay(Name().c_str());
   XSetErrorHandler(IgnoreError);
   if (!display) return;
   std::filesystem::create_directory(folder.In(".icewm"));
   if (!withNotificationArea) Put(folder.In(".icewm/preferences"), "ShowTaskBar=0\n");
-  manager = std::make_unique<Child>(std::vector<std::string>{windowManager},
-                                    ChildOptions{{{"DISPLAY", Name()},
-                                                  {"HOME", folder.folder},
-                                                  {"XDG_CONFIG_HOME", folder.In("config")}}});
+  auto environment = more;
+  environment.insert(
+      {{"DISPLAY", Name()}, {"HOME", folder.folder}, {"XDG_CONFIG_HOME", folder.In("config")}});
+  manager =
+      std::make_unique<Child>(std::vector<std::string>{windowManager}, ChildOptions{environment});
   const Atom tray = XInternAtom(display, "_NET_SYSTEM_TRAY_S0", False);
   const auto ready = [&] {
     return withNotificationArea

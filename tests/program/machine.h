@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +28,9 @@ struct XWindow {
 class XDesktop {
  public:
   // Starts the server and a window manager; a notification area, if that is wanted, is icewm's.
-  explicit XDesktop(bool withNotificationArea, const std::string& windowManager = "icewm");
+  // `more`: variables that the window manager gets, too.
+  explicit XDesktop(bool withNotificationArea, const std::string& windowManager = "icewm",
+                    const std::map<std::string, std::string>& more = {});
   ~XDesktop();
   XDesktop(const XDesktop&) = delete;
   XDesktop& operator=(const XDesktop&) = delete;

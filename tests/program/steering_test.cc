@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <sstream>
@@ -12,9 +13,7 @@
 #include <vector>
 
 #include "tests/host/json.h"
-#include "tests/program/machine.h"
-#include "tests/program/stored_profile.h"
-#include "tests/program/stored_settings.h"
+#include "tests/program/own_programs.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -30,21 +29,13 @@ struct Said {
   std::string err;
 };
 
-class SteeringTest : public testing::Test {
+class SteeringTest : public OwnPrograms {
  protected:
-  SteeringTest() {
-    fs::create_directories(folder);
-    // In one folder with the profiles.
-    for (const char* name : {"kelvaro", "kelvaroctl"}) fs::copy_file(Program(name), folder + name);
-    for (const char* name : {"One", "Two"}) Store(name);
-    EXPECT_TRUE(StoredSettings(home).SetQuiet());
-    EXPECT_TRUE(StoredSettings(home).Set("Last Profile", "One"));
-  }
+  SteeringTest() : OwnPrograms({"One", "Two"}, MembersWith("5")) {}
 
-  void Store(const std::string& name, const std::string& interval = "5") {
-    StoreProfile(home, folder, name,
-                 R"("deviceName":"Test Pad","pollInterval":)" + interval +
-                     R"(,"controls":[{"buttonMask":"0x1","actions":[{"text":"a"}]}])");
+  static std::string MembersWith(const std::string& interval) {
+    return R"("deviceName":"Test Pad","pollInterval":)" + interval +
+           R"(,"controls":[{"buttonMask":"0x1","actions":[{"text":"a"}]}])";
   }
 
   std::unique_ptr<Child> Start(const std::string& program, const std::vector<std::string>& words,
@@ -52,7 +43,7 @@ class SteeringTest : public testing::Test {
     auto environment = home.Environment();
     environment["DISPLAY"] = display;
     environment["QT_QPA_PLATFORM"] = "offscreen";
-    std::vector<std::string> command = {folder + program};
+    std::vector<std::string> command = {folder + "/" + program};
     command.insert(command.end(), words.begin(), words.end());
     return std::make_unique<Child>(command, ChildOptions{environment});
   }
@@ -91,10 +82,6 @@ class SteeringTest : public testing::Test {
   static std::string Line(const std::unique_ptr<Child>& child, const std::string& event) {
     return "{\"process\":" + Pid(child) + ",\"event\":\"" + event + "\"}\n";
   }
-  static void ExpectEndsByCtrlC(Child& follower) {
-    follower.Signal(SIGINT);
-    EXPECT_EQ(follower.WaitForEnd(60s), 0) << follower.Log();
-  }
   static bool Tells(const std::unique_ptr<Child>& follower, const std::string& text) {
     return Eventually([&] { return follower->Out().find(text) != std::string::npos; }, 60s);
   }
@@ -105,9 +92,6 @@ class SteeringTest : public testing::Test {
       sockets += entry.path().extension() == ".steering" ? 1u : 0u;
     return sockets;
   }
-
-  Home home;
-  const std::string folder = home.folder + "/programs/";
 };
 
 TEST_F(SteeringTest, OfTwoWindowsOneIsNamedOrBothDoIt) {
@@ -182,7 +166,7 @@ TEST_F(SteeringTest, AFollowerWhoseReaderIsGoneEnds) {
   int pipe[2];
   ASSERT_EQ(pipe2(pipe, O_CLOEXEC), 0);
   const std::string out = "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(pipe[1]);
-  Child shell({"sh", "-c", "exec \"$0\" follow-events >" + out, folder + "kelvaroctl"},
+  Child shell({"sh", "-c", "exec \"$0\" follow-events >" + out, folder + "/kelvaroctl"},
               ChildOptions{home.Environment()});
   char line[100];
   ASSERT_GT(read(pipe[0], line, sizeof line), 0);
@@ -234,6 +218,33 @@ TEST_F(SteeringTest, AWindowThatIsStoppedIsToldNotToAnswer) {
   EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"].Text() == "One"; }, 60s));
 }
 
+// As the manual has them for icewm.
+TEST_F(SteeringTest, TheKeysOfTheManualPauseAndResume) {
+  const std::string page = Content(Program("Help/Kelvaro/Stopping Everything.htm"));
+  const std::size_t begin = page.find("<pre>\n", page.find("name=\"icewm\"")) + 6;
+  fs::create_directory(home.In("icewm"));
+  Put(home.In("icewm/keys"), page.substr(begin, page.find("</pre>", begin) - begin));
+  auto environment = home.Environment();
+  environment.erase("DISPLAY");
+  environment["PATH"] = folder + ":" + std::getenv("PATH");
+  environment["ICEWM_PRIVCFG"] = home.In("icewm");
+  XDesktop desktop(false, "icewm", environment);
+  SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
+  const auto window = Window();
+  const struct {
+    const char* keys;
+    const char* paused;
+  } kCases[] = {{"Control_L+Alt_L+p", "true"},
+                {"Control_L+Alt_L+r", "false"},
+                {"Shift_L+Control_L+Alt_L+p", "true"}};
+  for (const auto& each : kCases) {
+    desktop.Type(each.keys);
+    EXPECT_TRUE(
+        Eventually([&] { return tests::Written(StatusOf(window)["paused"]) == each.paused; }, 60s))
+        << each.keys;
+  }
+}
+
 // A run that plays a button which is held, with its keys at the X server.
 class SteeredRunTest : public SteeringTest {
  protected:
@@ -241,7 +252,7 @@ class SteeredRunTest : public SteeringTest {
     if (access("/dev/uinput", R_OK | W_OK) == 0) GTEST_SKIP() << "keys go out by uinput here";
     SKIP_UNLESS(desktop.Works(), "xvfb", "no X server");
     const std::string recording =
-        Put(folder + "held.recording",
+        Put(folder + "/held.recording",
             R"({"recording":1,"device":"Test Pad","guid":"000102030405060708090a0b0c0d0e0f",)"
             R"("buttons":11,"axes":6,"povs":1})"
             "\n{\"t\":1,\"buttons\":[1]}\n");
@@ -287,7 +298,7 @@ TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
 }
 
 TEST_F(SteeredRunTest, AProfileThatCanNotBePolledLeavesTheRunAsItIs) {
-  Store("Never", "0");
+  StoreProfile(home, folder, "Never", MembersWith("0"));
   const Said never = Ctl({"select", "Never"});
   EXPECT_EQ(never.status, 1);
   EXPECT_NE(never.err.find("pollInterval: 0 ms is not from 1 to "), std::string::npos) << never.err;
