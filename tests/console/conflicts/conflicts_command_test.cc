@@ -33,13 +33,15 @@ TEST(ConflictsCommand, OneThatFiresWhenLetGoIsSpoiledOrSilent) {
   EXPECT_NE(out.find("1, B1        2, B1+B2  fires    late   rests\n"), std::string::npos) << out;
 }
 
+// The mouse controls take from the first two, the next two repeat, and the last has no chance.
+constexpr char kMouseRepeatNever[] =
+    R"("mouse":{"leftMask":1,"mouseX":{"kind":0,"index":0}},"controls":[{"buttonMask":3},)"
+    R"({"triggerItems":[{"kind":0,"index":0,"value":1}],"buttonMask":4},)"
+    R"({"buttonMask":16,"repeatEnabled":true},{"buttonMask":32,"repeatEnabled":true},)"
+    R"({"buttonMask":32}])";
+
 TEST(ConflictsCommand, TellsWhatTheMouseControlsTakeAndWhoseRepeatGoesWhere) {
-  EXPECT_EQ(Conflicting(R"("mouse":{"leftMask":1,"mouseX":{"kind":0,"index":0}},"controls":[)"
-                        R"({"buttonMask":3},)"
-                        R"({"triggerItems":[{"kind":0,"index":0,"value":1}],"buttonMask":4},)"
-                        R"({"buttonMask":16,"repeatEnabled":true},)"
-                        R"({"buttonMask":32,"repeatEnabled":true},)"
-                        R"({"buttonMask":32}])"),
+  EXPECT_EQ(Conflicting(kMouseRepeatNever),
             "Two, 5 Controls\n"
             "  Silent while the mouse controls are on:\n"
             "  1, B1+B2            loses B1\n"
@@ -103,6 +105,31 @@ TEST(ConflictsCommand, PrintsALineOfJsonForEachControl) {
       hats.find(R"("silencedBy":[{"controlId":1,"atOnce":"late","first":"fires","last":null}])"),
       std::string::npos)
       << hats;
+}
+
+TEST(ConflictsCommand, JsonAndGraphTellOfTheMouseOfRepeatsAndOfWhatNeverFires) {
+  const auto line = [](const char* begin, const char* mouse, const char* repeat,
+                       const char* never) {
+    return std::string("{\"controlId\":") + begin +
+           "\",\"silences\":[],\"silencedBy\":[],\"mouseTakes\":\"" + mouse +
+           "\",\"repeatGoesTo\":[" + repeat + "],\"neverFires\":\"" + never + "\"}\n";
+  };
+  EXPECT_EQ(Conflicting(kMouseRepeatNever, {"--json"}),
+            line(R"(1,"description":"","inputs":"B1+B2)", "B1", "", "") +
+                line(R"(2,"description":"","inputs":"B3+Axis_X0(neg))", "Axis_X0(neg)", "", "") +
+                line(R"(3,"description":"","inputs":"B5)", "", "4", "") +
+                line(R"(4,"description":"","inputs":"B6)", "", "3", "") +
+                line(R"(5,"description":"","inputs":"B6)", "", "",
+                     "it has the same inputs as Control 4"));
+  EXPECT_EQ(Conflicting(kMouseRepeatNever, {"--dot"}),
+            "digraph \"Two\" {\n"
+            "  node [shape=box];\n"
+            "  c1 [label=\"Control 1\\nB1+B2\\nmouse: B1\"];\n"
+            "  c2 [label=\"Control 2\\nB3+Axis_X0(neg)\\nmouse: Axis_X0(neg)\"];\n"
+            "  c3 [label=\"Control 3\\nB5\\nrepeats\"];\n"
+            "  c4 [label=\"Control 4\\nB6\\nrepeats\"];\n"
+            "  c5 [label=\"Control 5\\nB6\\nnever: it has the same inputs as Control 4\"];\n"
+            "}\n");
 }
 
 // A toggle of the mouse controls on the way would change what the next input does.
