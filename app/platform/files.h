@@ -92,8 +92,10 @@ class Files {
   // The target holds the whole source afterwards; where the platform can, it holds either the old
   // content or the new one at every moment in between, a power cut included. An old target keeps
   // its attributes and permissions, a new one gets the source's. A read-only target is a failure.
+  // Lasting once this is true, where the file system can.
   virtual bool CopyFileA(const std::string& from, const std::string& to, bool failIfExists) = 0;
   // Fails for a read-only file, for a folder, and for a file that somebody shuts others out of.
+  // Lasting once this is true, where the file system can: a power cut doesn't bring the file back.
   virtual bool DeleteFileA(const std::string& path) = 0;
 
   // FILE_ATTRIBUTE_ bits of a file or folder, INVALID_FILE_ATTRIBUTES when there is none. A folder

@@ -371,7 +371,8 @@ bool LinuxFiles::DeleteFileA(const std::string& path) {
       if (!claim && lastError == EBUSY) return false;
     }
   }
-  return unlink(path.c_str()) == 0 || Fail();
+  if (unlink(path.c_str()) != 0) return Fail();
+  return FlushFolder(OpenFolder(FolderOfPath(path))) || Fail();
 }
 
 std::uint32_t LinuxFiles::GetFileAttributesA(const std::string& path) {

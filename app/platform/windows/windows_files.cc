@@ -69,6 +69,13 @@ bool MayMakeFiles(const std::wstring& folder) {
   return static_cast<bool>(Look(folder, FILE_ADD_FILE));
 }
 
+// Makes the names in the folder of `path` lasting. Not every file system can, and that is no
+// failure.
+void FlushFolderOf(const std::wstring& path) {
+  const OwnedHandle folder = Look(path.substr(0, path.rfind(L'\\') + 1), FILE_ADD_FILE);
+  if (folder) FlushFileBuffers(folder.Get());
+}
+
 std::uint32_t AttributesOf(DWORD system) {
   std::uint32_t attributes = system & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY);
   if (attributes & FILE_ATTRIBUTE_DIRECTORY) attributes &= ~FILE_ATTRIBUTE_READONLY;
@@ -280,7 +287,10 @@ bool WindowsFiles::CopyFileA(const std::string& from, const std::string& to, boo
   }
   const std::wstring copy = CopyInto(target.substr(0, target.rfind(L'\\') + 1), source.Get());
   if (copy.empty()) return false;
-  if (PutInPlace(copy, target, replaces, known.dwFileAttributes)) return true;
+  if (PutInPlace(copy, target, replaces, known.dwFileAttributes)) {
+    FlushFolderOf(target);
+    return true;
+  }
   ::SetFileAttributesW(copy.c_str(), FILE_ATTRIBUTE_NORMAL);
   ::DeleteFileW(copy.c_str());
   return false;
@@ -288,7 +298,10 @@ bool WindowsFiles::CopyFileA(const std::string& from, const std::string& to, boo
 
 bool WindowsFiles::DeleteFileA(const std::string& path) {
   const std::wstring system = SystemPath(path);
-  return !system.empty() && (::DeleteFileW(system.c_str()) || Fail());
+  if (system.empty()) return false;
+  if (!::DeleteFileW(system.c_str())) return Fail();
+  FlushFolderOf(system);
+  return true;
 }
 
 std::uint32_t WindowsFiles::GetFileAttributesA(const std::string& path) {

@@ -287,6 +287,20 @@ TEST_F(LinuxFilesTest, ANewFolderIsFlushedIntoItsParent) {
   EXPECT_FALSE(files.CreateDirectoryA(In("none/sub")));
 }
 
+TEST_F(LinuxFilesTest, ADeletionIsFlushedIntoItsFolder) {
+  Put("a", "1");
+  const Watching watching;
+  EXPECT_TRUE(files.DeleteFileA(In("a")));
+  EXPECT_EQ(watching.Calls(), Names{"fsync folder"});
+}
+
+TEST_F(LinuxFilesTest, ADeletionThatIsNotLastingYetCountsAsFailed) {
+  Put("a", "1");
+  const Watching watching(1);
+  EXPECT_FALSE(files.DeleteFileA(In("a")));
+  EXPECT_FALSE(std::filesystem::exists(In("a")));
+}
+
 TEST_F(LinuxCopyTest, ACopyIsWholeOnTheDiskBeforeItTakesTheTargetsPlace) {
   Watching watching;
   EXPECT_TRUE(Copy("a", "b"));
