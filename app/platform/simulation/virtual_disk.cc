@@ -49,6 +49,7 @@ struct VirtualDisk::Node {
   std::string name;
   std::uint32_t attributes = FILE_ATTRIBUTE_NORMAL;
   std::string bytes;
+  std::optional<std::string> lastingBytes;      // while those above aren't
   std::vector<std::shared_ptr<Node>> children;  // in the order of their making
   std::uint64_t created = 0;
   std::uint64_t written = 0;
@@ -102,6 +103,7 @@ class VirtualDisk::OpenFile final : public File {
     if (position > kLargestFile || size > kLargestFile - position) return refuse(ERROR_DISK_FULL);
     const std::uint32_t n = fate.error ? std::min(size, fate.bytes) : size;
     if (n > 0) {
+      disk.NoteBytes(node);
       // A gap behind the old end reads as zeros.
       if (node->bytes.size() < position + n) node->bytes.resize(position + n);
       std::memcpy(node->bytes.data() + position, data, n);
@@ -131,6 +133,7 @@ class VirtualDisk::OpenFile final : public File {
   bool CloseHandle() override {
     const bool works = disk.Enter("CloseHandle", path, (access & GENERIC_WRITE) != 0);
     const bool usable = Usable();
+    if (works && usable && (access & GENERIC_WRITE)) disk.MakeLasting(node);
     closed = true;
     return works && (usable || disk.Fail(ERROR_INVALID_HANDLE));
   }
@@ -199,6 +202,8 @@ VirtualDisk::~VirtualDisk() = default;
 
 void VirtualDisk::Format(char newSeparator) {
   separator = newSeparator;
+  nameChanges.clear();
+  unflushed.clear();
   top = std::make_shared<Node>();
   top->attributes = FILE_ATTRIBUTE_DIRECTORY;
   currentFolder.clear();
@@ -213,7 +218,9 @@ void VirtualDisk::Format(char newSeparator) {
 }
 
 void VirtualDisk::PutFile(const std::string& path, std::string bytes, std::uint32_t attributes) {
-  Make(path, attributes)->bytes = std::move(bytes);
+  const std::shared_ptr<Node> node = Make(path, attributes);
+  node->bytes = std::move(bytes);
+  MakeLasting(node);
 }
 
 void VirtualDisk::PutFolder(const std::string& path, std::uint32_t attributes) {
@@ -226,7 +233,9 @@ void VirtualDisk::Remove(const std::string& path) {
   const std::shared_ptr<Node> node = Find(*parts);
   parts->pop_back();
   const std::shared_ptr<Node> folder = Find(*parts);
-  if (node && folder) std::erase(folder->children, node);
+  if (!node || !folder) return;
+  std::erase(folder->children, node);
+  MakeNameLasting(folder, node->name);
 }
 
 bool VirtualDisk::Exists(const std::string& path) const { return Look(path) != nullptr; }
@@ -276,6 +285,64 @@ void VirtualDisk::Restart() {
   stopped = false;
   faults.clear();
   ++life;
+}
+
+void VirtualDisk::CutPower(const std::function<std::uint32_t(std::uint32_t)>& choose) {
+  Restart();
+  while (!nameChanges.empty()) {
+    const NameChange first = nameChanges.front();
+    std::vector<std::shared_ptr<Node>> states = {first.before};
+    std::erase_if(nameChanges, [&](const NameChange& change) {
+      if (change.folder != first.folder || change.name != first.name) return false;
+      states.push_back(change.after);
+      return true;
+    });
+    auto& children = first.folder->children;
+    std::erase(children, states.back());
+    const std::shared_ptr<Node> left = states[choose(static_cast<std::uint32_t>(states.size()))];
+    if (left) children.push_back(left);
+  }
+  for (const std::shared_ptr<Node>& node : unflushed) {
+    if (!node->lastingBytes) continue;
+    const std::string& was = *node->lastingBytes;
+    const std::string& is = node->bytes;
+    const std::string half = is.substr(0, is.size() / 2);
+    const std::string zeros(is.size() - half.size(), '\0');
+    std::vector<std::string> states = {
+        was, is, "", half, half + zeros, std::string(half.size(), '\0') + is.substr(half.size())};
+    if (was.size() > half.size()) states.push_back(half + was.substr(half.size()));
+    std::sort(states.begin(), states.end());
+    states.erase(std::unique(states.begin(), states.end()), states.end());
+    node->bytes = states[choose(static_cast<std::uint32_t>(states.size()))];
+    node->lastingBytes.reset();
+  }
+  unflushed.clear();
+}
+
+void VirtualDisk::NoteBytes(const std::shared_ptr<Node>& node) {
+  if (node->lastingBytes) return;
+  node->lastingBytes = node->bytes;
+  unflushed.push_back(node);
+}
+
+void VirtualDisk::NoteName(const std::shared_ptr<Node>& folder, const std::string& name,
+                           std::shared_ptr<Node> before, std::shared_ptr<Node> after) {
+  nameChanges.push_back({folder, name, std::move(before), std::move(after)});
+}
+
+void VirtualDisk::MakeLasting(const std::shared_ptr<Node>& node) {
+  node->lastingBytes.reset();
+  std::erase(unflushed, node);
+  const auto named = std::find_if(nameChanges.begin(), nameChanges.end(),
+                                  [&](const NameChange& change) { return change.after == node; });
+  if (named != nameChanges.end()) MakeNameLasting(named->folder, named->name);
+}
+
+void VirtualDisk::MakeNameLasting(const std::shared_ptr<Node>& folder, const std::string& name) {
+  std::erase_if(nameChanges, [&](const NameChange& change) {
+    return change.folder == folder && change.name == name;
+  });
+  MakeLasting(folder);
 }
 
 std::uint32_t VirtualDisk::Count(std::string_view operation) const {
@@ -330,12 +397,14 @@ std::unique_ptr<File> VirtualDisk::CreateFileA(const std::string& path, std::uin
     if (!makes) return refuse(ERROR_FILE_NOT_FOUND);
     if (IsReadOnly(folder->attributes)) return refuse(ERROR_ACCESS_DENIED);
     node = Add(*folder, name, FILE_ATTRIBUTE_NORMAL);
+    NoteName(folder, name, nullptr, node);
   } else {
     if (IsFolder(node->attributes) || (changes && IsReadOnly(node->attributes))) {
       return refuse(ERROR_ACCESS_DENIED);
     }
     if (claims && IsClaimed(*node, changes)) return refuse(ERROR_SHARING_VIOLATION);
     if (makes) {
+      NoteBytes(node);
       node->bytes.clear();
       node->written = FileTime();
     }
@@ -371,6 +440,8 @@ bool VirtualDisk::CopyFileA(const std::string& from, const std::string& to, bool
   target->written = source->written;
   if (copyStep == 0) {
     target->bytes = bytes;
+    target->lastingBytes.reset();
+    MakeNameLasting(folder, name);
     return true;
   }
   target->bytes.clear();
@@ -422,7 +493,7 @@ bool VirtualDisk::CreateDirectoryA(const std::string& path) {
   if (!folder) return false;
   if (Child(*folder, name)) return Fail(ERROR_ALREADY_EXISTS);
   if (IsReadOnly(folder->attributes)) return Fail(ERROR_ACCESS_DENIED);
-  Add(*folder, name, FILE_ATTRIBUTE_DIRECTORY);
+  NoteName(folder, name, nullptr, Add(*folder, name, FILE_ATTRIBUTE_DIRECTORY));
   return true;
 }
 

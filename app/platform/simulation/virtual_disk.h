@@ -114,6 +114,15 @@ class VirtualDisk final : public Files {
   // The disk as it was left, without faults to come; what was open stays unusable.
   void Restart();
 
+  // The power fails, and the disk comes back as Restart leaves it, without some of what was never
+  // made lasting: choose(n) says for each such thing which of its n states it is in, from 0 on. Of
+  // a file these are what its bytes were, what they are, and what may be had of both: nothing, a
+  // beginning, zeros where bytes hadn't been put down. Of a name: each of what stood there since.
+  // Lasting is what the seam promises: the bytes and the name of a written file once it is closed,
+  // the target of a copy at once, a deletion, and the folders that lead to any of them. Not for
+  // copies in steps.
+  void CutPower(const std::function<std::uint32_t(std::uint32_t n)>& choose);
+
   // Every operation since the start, or since ClearLog, those that failed included.
   const std::vector<DiskOperation>& Log() const { return log; }
   void ClearLog() { log.clear(); }
@@ -143,6 +152,15 @@ class VirtualDisk final : public Files {
   class OpenFile;
   class Search;
   using Names = std::vector<std::string>;
+
+  // What stood at a name before something that isn't lasting yet was done to it, and after; null
+  // for nothing.
+  struct NameChange {
+    std::shared_ptr<Node> folder;
+    std::string name;
+    std::shared_ptr<Node> before;
+    std::shared_ptr<Node> after;
+  };
 
   // What becomes of one operation.
   struct Fate {
@@ -178,6 +196,12 @@ class VirtualDisk final : public Files {
   // What stands at `path`, made with all above it where it is missing.
   std::shared_ptr<Node> Make(const std::string& path, std::uint32_t attributes);
   std::shared_ptr<Node> Add(Node& folder, const std::string& name, std::uint32_t attributes);
+  // Before the bytes of a file change.
+  void NoteBytes(const std::shared_ptr<Node>& node);
+  void NoteName(const std::shared_ptr<Node>& folder, const std::string& name,
+                std::shared_ptr<Node> before, std::shared_ptr<Node> after);
+  void MakeLasting(const std::shared_ptr<Node>& node);
+  void MakeNameLasting(const std::shared_ptr<Node>& folder, const std::string& name);
   FindData Data(const Node& node, const std::string& name) const;
   std::uint64_t FileTime() const;
 
@@ -195,7 +219,9 @@ class VirtualDisk final : public Files {
   std::vector<DiskOperation> log;
   std::map<std::uint64_t, Fault> faults;  // by the number of the operation
   bool stopped = false;
-  std::uint64_t life = 0;  // restarts so far: a handle works in its own only
+  std::vector<NameChange> nameChanges;           // not lasting yet, in their order
+  std::vector<std::shared_ptr<Node>> unflushed;  // files with bytes that aren't
+  std::uint64_t life = 0;                        // restarts so far: a handle works in its own only
 };
 
 }  // namespace platform::simulation

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <set>
+#include <string>
+
 #include "app/platform/simulation/simulation.h"
 #include "tests/platform/files_by_hand.h"
 
@@ -406,6 +410,55 @@ TEST(VirtualDisk, ACopyAtOnceIsTheOldOrTheNewAndOneInStepsCanBeCutAnywhere) {
     EXPECT_EQ(disk.FileBytes("/a"), "the new");
     EXPECT_EQ(whole, std::string(row.left) == "the new");
   }
+}
+
+TEST(VirtualDisk, APowerCutLeavesAnyStateOfWhatIsNotLasting) {
+  const std::string zeros(2, '\0');
+  std::set<std::optional<std::string>> made;
+  std::set<std::optional<std::string>> overwritten;
+  for (std::uint32_t name = 0; name < 2; ++name) {
+    for (std::uint32_t bytes = 0; bytes < 7; ++bytes) {
+      VirtualDisk disk;
+      disk.PutFile("/old", "1234");
+      const auto file = Create(disk, "/new");
+      Write(*file, "abcd");
+      const auto again = Create(disk, "/old");
+      Write(*again, "ab");
+      bool isName = true;
+      disk.CutPower([&](std::uint32_t n) {
+        const std::uint32_t chosen = isName ? name : bytes % n;
+        isName = false;
+        return chosen;
+      });
+      made.insert(disk.FileBytes("/new"));
+      overwritten.insert(disk.FileBytes("/old"));
+      EXPECT_FALSE(Write(*file, "x")) << "opened before";
+    }
+  }
+  EXPECT_EQ(made, (std::set<std::optional<std::string>>{std::nullopt, "", "ab", "ab" + zeros,
+                                                        zeros + "cd", "abcd"}));
+  EXPECT_EQ(overwritten,
+            (std::set<std::optional<std::string>>{"", "1234", "a", "a" + zeros.substr(1),
+                                                  zeros.substr(1) + "b", "ab", "a234"}));
+}
+
+TEST(VirtualDisk, APowerCutTakesNothingThatIsLasting) {
+  VirtualDisk disk;
+  disk.PutFile("/gone", "1");
+  disk.PutFile("/target", "1");
+  EXPECT_TRUE(disk.CreateDirectoryA("/folder"));
+  const auto file = Create(disk, "/folder/new");
+  Write(*file, "whole");
+  EXPECT_TRUE(file->CloseHandle());
+  EXPECT_TRUE(disk.CopyFileA("/folder/new", "/target", false));
+  EXPECT_TRUE(disk.DeleteFileA("/gone"));
+  disk.CutPower([](std::uint32_t n) {
+    ADD_FAILURE() << n << " states";
+    return 0;
+  });
+  EXPECT_EQ(disk.FileBytes("/folder/new"), "whole");
+  EXPECT_EQ(disk.FileBytes("/target"), "whole");
+  EXPECT_FALSE(disk.Exists("/gone"));
 }
 
 TEST(VirtualDisk, TimesAreThoseOfTheMachine) {
