@@ -18,6 +18,7 @@ namespace {
 constexpr char kPattern[] = "*.idprof";
 constexpr char kForbidden[] = "\\/*?\"<>|:";
 constexpr char kDamaged[] = ".damaged";
+constexpr char kRenamed[] = ".was";              // behind the new file's name
 constexpr std::uint32_t kLongestFileName = 255;  // bytes, on file systems in use
 constexpr int kMostCopies = 1000;
 
@@ -35,9 +36,9 @@ ByteString In(const ByteString& folder, const char* name) {
   return path;
 }
 
-void ListFiles(const ByteString& folder, LinkedList<ByteString>* list) {
+void ListFiles(const ByteString& folder, const char* pattern, LinkedList<ByteString>* list) {
   list->Clear();
-  DirectoryWalker walker(WalkFiles | WalkFullPaths, kPattern, folder, "", false);
+  DirectoryWalker walker(WalkFiles | WalkFullPaths, pattern, folder, "", false);
   WalkResult file;
   while (walker.Next(&file)) list->AddTail(file.path);
 }
@@ -62,11 +63,18 @@ void MakeUsersFolder() {
   // There already where another start made it, or was cut off.
   platform::files().CreateDirectoryA(Bytes(folder));
   LinkedList<ByteString> shipped;
-  ListFiles(In(program, kFolder), &shipped);
+  ListFiles(In(program, kFolder), kPattern, &shipped);
   for (const ByteString& path : shipped) {
     platform::files().CopyFileA(Bytes(path), Bytes(In(folder, FileNameOf(path))), true);
   }
   platform::files().DeleteFileA(Bytes(unfinished));
+}
+
+// What a rename keeps, shut off from other programs. Null while one of them has it.
+std::unique_ptr<platform::File> Claim(const ByteString& path) {
+  return platform::files().CreateFileA(Bytes(path),
+                                       platform::GENERIC_READ | platform::GENERIC_WRITE,
+                                       platform::FILE_SHARE_READ, platform::OPEN_EXISTING);
 }
 
 bool FitsFileName(char c) { return c >= 32 && c < 127 && !std::strchr(kForbidden, c); }
@@ -120,11 +128,12 @@ bool ProfileLibrary::CanSave() {
 
 bool ProfileLibrary::ListProfileFiles(LinkedList<ByteString>* list) {
   MakeUsersFolder();
-  ListFiles(ProfileFolder(), list);
+  ListFiles(ProfileFolder(), kPattern, list);
   return true;
 }
 
 bool ProfileLibrary::ListProfileNames(LinkedList<ByteString>* list) {
+  BringBack();
   list->Clear();
   // The folder first and the files after it: reading one may bring it back from its temporary,
   // which changes the folder.
@@ -138,6 +147,11 @@ bool ProfileLibrary::ListProfileNames(LinkedList<ByteString>* list) {
 }
 
 ByteString ProfileLibrary::FindProfileFile(const ByteString& name) {
+  const ByteString path = FindFile(name);
+  return path.IsEmpty() && BringBack() ? FindFile(name) : path;
+}
+
+ByteString ProfileLibrary::FindFile(const ByteString& name) {
   LinkedList<ByteString> files;
   ListProfileFiles(&files);
   for (const ByteString& file : files) {
@@ -161,6 +175,51 @@ bool ProfileLibrary::KeepCopy(const ByteString& path) {
     if (HaveSameBytes(path, copy)) return true;
   }
   return false;
+}
+
+bool ProfileLibrary::BeginRename(const ByteString& name, const ByteString& newName) {
+  const ByteString path = FindProfileFile(name);
+  // A file that can't be deleted isn't kept either.
+  if (path.IsEmpty() ||
+      (platform::files().GetFileAttributesA(Bytes(path)) & platform::FILE_ATTRIBUTE_READONLY) != 0)
+    return false;
+  keptPath = In(ProfileFolder(), ProfileFileName(newName).Concat(kRenamed).Text());
+  if (!platform::files().CopyFileA(Bytes(path), Bytes(keptPath), false)) return false;
+  keptFile = Claim(keptPath);
+  if (platform::files().DeleteFileA(Bytes(path))) return true;
+  EndRename();
+  return false;
+}
+
+void ProfileLibrary::EndRename() {
+  keptFile.reset();
+  platform::files().DeleteFileA(Bytes(keptPath));
+  keptPath.Empty();
+}
+
+bool ProfileLibrary::BringBack() {
+  LinkedList<ByteString> kept;
+  ListFiles(ProfileFolder(), ByteString(kPattern).Concat(kRenamed).Text(), &kept);
+  bool cameBack = false;
+  for (const ByteString& path : kept) cameBack |= BringBack(path);
+  return cameBack;
+}
+
+bool ProfileLibrary::BringBack(const ByteString& kept) {
+  auto claim = Claim(kept);
+  if (!claim) return false;  // another program is at it
+  bool cameBack = false;
+  bool isStored =
+      FileExists(kept.Left(static_cast<std::int32_t>(kept.Length() - (sizeof kRenamed - 1))));
+  const ByteString oldFile = ProfileFileName(ReadProfileName(kept));
+  if (!isStored && !oldFile.IsEmpty()) {
+    const ByteString old = In(ProfileFolder(), oldFile.Text());
+    cameBack = platform::files().CopyFileA(Bytes(kept), Bytes(old), true);
+    isStored = cameBack || FileExists(old);
+  }
+  claim.reset();
+  if (isStored) platform::files().DeleteFileA(Bytes(kept));
+  return cameBack;
 }
 
 bool ProfileLibrary::DeleteFileOf(const ByteString& name) {

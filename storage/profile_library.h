@@ -5,7 +5,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
+#include "app/platform/files.h"
 #include "foundation/byte_string.h"
 #include "foundation/linked_list.h"
 
@@ -52,6 +54,13 @@ class ProfileLibrary {
   // The name stored in a file; empty when it can't be opened or isn't a profile.
   virtual ByteString ReadProfileName(const ByteString& path) = 0;
 
+  // Deletes the file that FindProfileFile gives for `name`, as its profile is about to be saved as
+  // `newName`. Until EndRename its bytes lie beside the new file: where the machine stops before
+  // that is there, the next look for profiles brings the old one back. False, with nothing done, as
+  // for a deletion, and where the bytes can't be kept.
+  bool BeginRename(const ByteString& name, const ByteString& newName);
+  void EndRename();
+
  protected:
   // Deletes the file that FindProfileFile gives. False for an empty name, when there is none, and
   // when the system refuses, as for a read-only file.
@@ -61,6 +70,15 @@ class ProfileLibrary {
   // already that holds something else, to ".damaged2" and so on. A name too long for that loses its
   // end. True when such a copy is there, and when there is no file.
   static bool KeepCopy(const ByteString& path);
+
+ private:
+  ByteString FindFile(const ByteString& name);
+  // Of renames that were cut off. True when a file came back.
+  bool BringBack();
+  bool BringBack(const ByteString& kept);
+
+  ByteString keptPath;  // while a profile is renamed
+  std::unique_ptr<platform::File> keptFile;
 };
 
 }  // namespace kelvaro

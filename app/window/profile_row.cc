@@ -310,12 +310,12 @@ void ProfileRow::OnRenameProfile() {
     LockGuard guard(profile.profileLock);
     // Kept: the old file goes before the new one is there, so that a failure to write leaves the
     // profile in memory alone. Test: ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone.
-    ProfileFile old;
-    old.profileName = oldName;
     // If part of it couldn't be read, it only goes once its bytes are kept.
-    if (profile.KeepDamagedFile()) static_cast<void>(old.DeleteProfileFile());
+    ProfileFile old;
+    const bool isGoing = profile.KeepDamagedFile() && old.BeginRename(oldName, question.name);
     profile.profileName = question.name;
     session.SaveProfile();
+    if (isGoing) old.EndRename();
   }
   ListNewProfile(question.name);
 }

@@ -130,10 +130,10 @@ TEST_F(ProfileOperationsTest, TheProfileIsLockedWhileItIsWrittenAndFreeBeforeAny
 
   writes.clear();
   ClickForName(kRenameProfile, "Delta");
-  ASSERT_GE(writes.size(), 3u);
-  EXPECT_EQ(writes[0].substr(0, writes[0].rfind(' ')), "delete /game/Profiles/Gamma.idprof");
-  EXPECT_EQ(writes[1], "write /game/Profiles/Delta.idprof.tmp locked");
-  EXPECT_EQ(writes[2], "copy /game/Profiles/Delta.idprof locked");
+  ASSERT_GE(writes.size(), 5u);
+  EXPECT_EQ(writes[2].substr(0, writes[2].rfind(' ')), "delete /game/Profiles/Gamma.idprof");
+  EXPECT_EQ(writes[3], "write /game/Profiles/Delta.idprof.tmp locked");
+  EXPECT_EQ(writes[4], "copy /game/Profiles/Delta.idprof locked");
   EXPECT_FALSE(AnyLockTaken());
 }
 
@@ -574,8 +574,10 @@ TEST_F(ProfileOperationsTest, TheOldFileGoesBeforeTheNewOneIsBegun) {
                              });
   ClickForName(kRenameProfile, "Beta");
   EXPECT_EQ(seen,
-            Strings({"delete /game/Profiles/Alpha.idprof", "write /game/Profiles/Beta.idprof.tmp",
-                     "copy /game/Profiles/Beta.idprof", "delete /game/Profiles/Beta.idprof.tmp"}));
+            Strings({"copy /game/Profiles/Beta.idprof.was", "write /game/Profiles/Beta.idprof.was",
+                     "delete /game/Profiles/Alpha.idprof", "write /game/Profiles/Beta.idprof.tmp",
+                     "copy /game/Profiles/Beta.idprof", "delete /game/Profiles/Beta.idprof.tmp",
+                     "delete /game/Profiles/Beta.idprof.was"}));
 }
 
 TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone) {
@@ -630,6 +632,37 @@ TEST_F(ProfileOperationsTest, ARenameWhoseWriteFailsKeepsTheProfileInMemoryAlone
   }
   EXPECT_GE(kept, 2u) << "where the old one couldn't be found or deleted";
   EXPECT_GE(lost, 3u) << "where it was, and the new one couldn't be written";
+}
+
+TEST_F(ProfileOperationsTest, APowerCutInARenameLeavesTheProfileUnderItsOldOrItsNewName) {
+  StoreWithPad("Alpha", "a");
+  Begin();
+  Disk().ClearLog();
+  ClickForName(kRenameProfile, "Beta");
+  const std::size_t operations = Disk().Log().size();
+  EXPECT_EQ(Files(), Strings({"Beta.idprof"}));
+  for (std::uint64_t n = 1; n <= operations; ++n) {
+    SCOPED_TRACE(n);
+    const char* const from = n % 2 ? "Beta" : "Alpha";
+    const char* const to = n % 2 ? "Alpha" : "Beta";
+    Disk().StopBefore(n);
+    ClickForName(kRenameProfile, to);
+    ASSERT_TRUE(Disk().IsStopped());
+    Disk().CutPower([](std::uint32_t) { return 0; });
+    LinkedList<ByteString> names;
+    ProfileFile().ListProfileNames(&names);
+    ASSERT_EQ(names.count, 1);
+    const std::string left = Bytes(*names.head->value);
+    EXPECT_TRUE(left == from || left == to);
+    EXPECT_EQ(Stored(left)->controls.count, 1);
+    EXPECT_FALSE(Disk().Exists(PathOf(std::string(to) + ".idprof.was")));
+    // A start for the next round: the new file alone.
+    for (const std::string& file : Files()) Disk().Remove(PathOf(file));
+    Store(to, [](ProfileFile* file) {
+      SetDevice(file, "Pad", kPadGuid);
+      AddControl(file, 1, "a");
+    });
+  }
 }
 
 TEST_F(ProfileOperationsTest, WhatOfTheFileCouldNotBeReadOutlivesARename) {
