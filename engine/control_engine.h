@@ -77,7 +77,11 @@ class ControlEngine {
   // nothing anew, until Attach is called again.
   void LetGo();
 
-  // The same where the device has been stopped and the run goes on without one. A mouse button that
+  // The Controls' share of it alone, and the run goes on: before they are replaced or go. Takes
+  // profileLock.
+  void LetGoOfControls() { EndControls(Control::kUp); }
+
+  // As LetGo where the device has been stopped and the run goes on without one. A mouse button that
   // has been down since the mouse controls went off stays so, as it does with a device.
   void LetGoWithoutDevice();
 

@@ -159,8 +159,8 @@ void ControlTab::OnEditControl() {
   }
   if (RunDefineControlDialog()) {
     LockGuard guard(profile.profileLock);
-    // A Control may have begun to repeat just before the dialog was open.
-    engine->repeatWorker.Clear();
+    // Its keys may be down, or it may have begun to repeat, since just before the dialog was open.
+    engine->LetGoOfControls();
     // Another look, since the lock was free meanwhile.
     if (Control* control = FindSelectedControl()) {
       control->CopyShared(scratch);
@@ -182,8 +182,8 @@ void ControlTab::OnDeleteControls() {
   SelectedControlIds(&ids);
   {
     LockGuard guard(profile.profileLock);
-    // Before the actions go, which it may be replaying.
-    engine->repeatWorker.Clear();
+    // Before the actions go, which may be replayed or hold their keys.
+    engine->LetGoOfControls();
     for (const std::uint32_t id : ids) {
       for (auto* node = profile.controls.head; node;) {
         auto* const next = node->next;
@@ -273,7 +273,7 @@ bool ControlTab::OnControlListKey(std::int32_t vk) {
 }
 
 void ControlTab::RebuildDispatchList() {
-  engine->repeatWorker.Clear();
+  engine->LetGoOfControls();
   profile.RebuildDispatchList();
 }
 

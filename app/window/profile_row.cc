@@ -173,7 +173,7 @@ void ProfileRow::EndDetection() {
 void ProfileRow::ClearProfile() {
   // Under one lock: a Control that fires between the two would stay with the worker after its end.
   LockGuard guard(profile.profileLock);
-  engine->repeatWorker.Clear();
+  engine->LetGoOfControls();
   profile.Clear();
 }
 

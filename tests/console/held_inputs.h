@@ -28,11 +28,16 @@ class HeldInputs {
                    {platform::MOUSEEVENTF_MIDDLEDOWN, platform::MOUSEEVENTF_MIDDLEUP},
                    {platform::MOUSEEVENTF_RIGHTDOWN, platform::MOUSEEVENTF_RIGHTUP}};
     for (const auto& button : buttons) {
-      const std::pair<std::uint32_t, std::uint32_t> name{kMouse, button.down};
+      const Input name{kMouse, button.down};
       if (event.flags & button.down) Set(false, name);
       if (event.flags & button.up) Set(true, name);
     }
   }
+
+  // What is down: a key as {virtual key, scan code}, a mouse button as {kMouse, its down event}.
+  static constexpr std::uint32_t kMouse = 256;  // no virtual key
+  using Input = std::pair<std::uint32_t, std::uint32_t>;
+  const std::set<Input>& Down() const { return held; }
 
   // "key 41 scan 1e", "mouse 2" (its down event), parted by blanks; empty when all is up.
   std::string Text() const {
@@ -53,9 +58,7 @@ class HeldInputs {
   std::uint64_t presses = 0;
 
  private:
-  static constexpr std::uint32_t kMouse = 256;  // no virtual key
-
-  void Set(bool up, std::pair<std::uint32_t, std::uint32_t> name) {
+  void Set(bool up, Input name) {
     if (up) {
       held.erase(name);
     } else {
@@ -64,7 +67,7 @@ class HeldInputs {
     }
   }
 
-  std::set<std::pair<std::uint32_t, std::uint32_t>> held;
+  std::set<Input> held;
 };
 
 }  // namespace kelvaro
