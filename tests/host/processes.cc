@@ -52,10 +52,8 @@ pid_t Fork(const std::function<int()>& work) {
 }
 
 Child::Child(const std::vector<std::string>& command, const ChildOptions& options)
-    : out(memfd_create("out", MFD_CLOEXEC)),
-      err(memfd_create("err", MFD_CLOEXEC)),
-      process(fork()) {
-  if (process != 0) return;
+    : out(memfd_create("out", MFD_CLOEXEC)), err(memfd_create("err", MFD_CLOEXEC)), id(fork()) {
+  if (id != 0) return;
   if (options.asNobody && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0))
     _exit(126);
   for (const auto& [name, value] : options.environment) {
@@ -69,23 +67,26 @@ Child::Child(const std::vector<std::string>& command, const ChildOptions& option
 }
 
 Child::~Child() {
-  if (Running()) {
-    kill(process, SIGKILL);
-    StatusOf(process);
-  }
+  Kill();
   close(out);
   close(err);
 }
 
+void Child::Kill() {
+  if (!Running()) return;
+  Signal(SIGKILL);
+  status = StatusOf(id);
+}
+
 void Child::Signal(int signal) const {
-  if (status == -1) kill(process, signal);
+  if (status == -1) kill(id, signal);
 }
 
 int Child::WaitForEnd(std::chrono::milliseconds limit) {
   Eventually(
       [this] {
         int raw = 0;
-        if (status == -1 && waitpid(process, &raw, WNOHANG) == process) status = Status(raw);
+        if (status == -1 && waitpid(id, &raw, WNOHANG) == id) status = Status(raw);
         return status != -1;
       },
       limit, 2ms);

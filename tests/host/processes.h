@@ -1,5 +1,5 @@
-// Processes of the machine on which the tests run: those that a test starts, and what can be seen
-// of any.
+// Processes of a Linux machine on which the tests run: those that a test starts, and what can be
+// seen of any.
 #pragma once
 
 #include <sys/types.h>
@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/host/patience.h"
+#include "tests/host/child.h"
 
 namespace kelvaro::tests {
 
@@ -18,39 +18,6 @@ namespace kelvaro::tests {
 int StatusOf(pid_t child);
 // Runs `work` in a process of its own, whose exit status is its result.
 pid_t Fork(const std::function<int()>& work);
-
-struct ChildOptions {
-  // Variables that it gets in place of ours; an empty value takes one away.
-  std::map<std::string, std::string> environment = {};
-  bool asNobody = false;  // without root's rights
-};
-
-// A program that runs in the background; killed with this object.
-class Child {
- public:
-  // Its output goes to memory, so that it never waits for us.
-  explicit Child(const std::vector<std::string>& command, const ChildOptions& options = {});
-  ~Child();
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
-
-  pid_t Id() const { return process; }
-  bool Running() { return WaitForEnd(0ms) == -1; }
-  void Signal(int signal) const;
-  // As StatusOf; -1 when it still runs after `limit`.
-  int WaitForEnd(std::chrono::milliseconds limit = patience);
-
-  // What it has written so far.
-  std::string Out() const;
-  std::string Err() const;
-  std::string Log() const { return Out() + Err(); }
-
- private:
-  const int out;
-  const int err;
-  const pid_t process;
-  int status = -1;
-};
 
 // A server that tells where it is by a line of text.
 class Server {
