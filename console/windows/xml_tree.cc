@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "app/platform/windows/wide_text.h"
 #include "console/import/xml_builder.h"
 
 // Last.
@@ -22,14 +23,6 @@ struct Free {
 };
 template <typename T>
 using Owned = std::unique_ptr<T, Free>;
-
-std::string Utf8(const wchar_t* text, UINT length) {
-  const int units = static_cast<int>(length);
-  const int size = WideCharToMultiByte(CP_UTF8, 0, text, units, nullptr, 0, nullptr, nullptr);
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text, units, bytes.data(), size, nullptr, nullptr);
-  return bytes;
-}
 
 Owned<IXmlReader> MakeReader() {
   using Create = ::HRESULT(WINAPI*)(REFIID kind, void** made, IMalloc* memory);
@@ -117,12 +110,12 @@ class Parser {
   std::string Name() const {
     const wchar_t* text = nullptr;
     UINT length = 0;
-    return reader.GetQualifiedName(&text, &length) == S_OK ? Utf8(text, length) : "";
+    return reader.GetQualifiedName(&text, &length) == S_OK ? platform::Utf8Of({text, length}) : "";
   }
   std::string Value() const {
     const wchar_t* text = nullptr;
     UINT length = 0;
-    return reader.GetValue(&text, &length) == S_OK ? Utf8(text, length) : "";
+    return reader.GetValue(&text, &length) == S_OK ? platform::Utf8Of({text, length}) : "";
   }
 
   IXmlReader& reader;

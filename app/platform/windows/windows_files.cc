@@ -8,28 +8,12 @@
 #include "app/platform/file_pattern.h"
 #include "app/platform/windows/last_error.h"
 #include "app/platform/windows/owned_handle.h"
+#include "app/platform/windows/wide_text.h"
 
 namespace platform {
 namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-std::wstring Wide(const std::string& text) {
-  const int size = static_cast<int>(text.size());
-  const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(length), L'\0');
-  MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), length);
-  return wide;
-}
-
-std::string Utf8(const std::wstring& text) {
-  const int length = static_cast<int>(text.size());
-  const int size =
-      WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
-  return bytes;
-}
 
 // Of operations that give a text into a buffer and tell its length, or the room that it needs.
 std::wstring TextOfAnyLength(const std::function<DWORD(wchar_t* buffer, DWORD room)>& get) {
@@ -48,7 +32,7 @@ std::wstring TextOfAnyLength(const std::function<DWORD(wchar_t* buffer, DWORD ro
 std::wstring SystemPath(const std::string& path) {
   if (path.empty()) return Fail(ERROR_PATH_NOT_FOUND);
   if (HasZeroByte(path)) return Fail(ERROR_INVALID_NAME);
-  const std::wstring wide = Wide(path);
+  const std::wstring wide = Utf16Of(path);
   const std::wstring whole = TextOfAnyLength([&wide](wchar_t* buffer, DWORD room) {
     return GetFullPathNameW(wide.c_str(), room, buffer, nullptr);
   });
@@ -146,7 +130,7 @@ void Describe(const Found& found, FindData* data) {
 }
 
 void Describe(const std::wstring& folder, const WIN32_FIND_DATAW& found, FindData* data) {
-  data->name = Utf8(found.cFileName);
+  data->name = Utf8Of(found.cFileName);
   Describe(found, data);
   if (!(found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT)) return;
   BY_HANDLE_FILE_INFORMATION target;
@@ -169,9 +153,9 @@ class WindowsSearch final : public FileSearch {
   bool FindFirst(FindData* data) {
     const bool isName = !HasWildcards(pattern);
     WIN32_FIND_DATAW found;
-    search = ::FindFirstFileW((folder + (isName ? Wide(pattern) : L"*")).c_str(), &found);
+    search = ::FindFirstFileW((folder + (isName ? Utf16Of(pattern) : L"*")).c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return Fail();
-    if (isName || FitsPattern(Utf8(found.cFileName), pattern)) {
+    if (isName || FitsPattern(Utf8Of(found.cFileName), pattern)) {
       Describe(folder, found, data);
       return true;
     }
@@ -181,7 +165,7 @@ class WindowsSearch final : public FileSearch {
   bool FindNextFileA(FindData* data) override {
     WIN32_FIND_DATAW found;
     while (::FindNextFileW(search, &found)) {
-      if (!FitsPattern(Utf8(found.cFileName), pattern)) continue;
+      if (!FitsPattern(Utf8Of(found.cFileName), pattern)) continue;
       Describe(folder, found, data);
       return true;
     }
@@ -347,18 +331,18 @@ std::unique_ptr<FileSearch> WindowsFiles::FindFirstFileA(const std::string& patt
 }
 
 std::string WindowsFiles::GetCurrentDirectoryA() {
-  return Utf8(TextOfAnyLength(
+  return Utf8Of(TextOfAnyLength(
       [](wchar_t* buffer, DWORD room) { return ::GetCurrentDirectoryW(room, buffer); }));
 }
 
 // The system's limit for a current folder stands.
 bool WindowsFiles::SetCurrentDirectoryA(const std::string& path) {
   if (HasZeroByte(path)) return Fail(ERROR_INVALID_NAME);
-  return ::SetCurrentDirectoryW(Wide(path).c_str()) || Fail();
+  return ::SetCurrentDirectoryW(Utf16Of(path).c_str()) || Fail();
 }
 
 std::string WindowsFiles::GetModuleFileNameA() {
-  return Utf8(TextOfAnyLength(
+  return Utf8Of(TextOfAnyLength(
       [](wchar_t* buffer, DWORD room) { return ::GetModuleFileNameW(nullptr, buffer, room); }));
 }
 

@@ -4,32 +4,20 @@
 
 #include "app/platform/byte_text.h"
 #include "app/platform/windows/ui/system.h"
+#include "app/platform/windows/wide_text.h"
 
 namespace platform::ui {
 
 std::wstring Wide(std::string_view bytes) {
-  if (bytes.empty()) return {};
   if (!IsUtf8(bytes)) {
     std::wstring text;
     for (const char byte : bytes) text += static_cast<wchar_t>(static_cast<unsigned char>(byte));
     return text;
   }
-  const int size = static_cast<int>(bytes.size());
-  std::wstring text(bytes.size(), L'\0');
-  text.resize(static_cast<std::size_t>(
-      MultiByteToWideChar(CP_UTF8, 0, bytes.data(), size, text.data(), size)));
-  return text;
+  return Utf16Of(bytes);
 }
 
-std::string Bytes(std::wstring_view text) {
-  if (text.empty()) return {};
-  const int size = static_cast<int>(text.size());
-  std::string bytes(text.size() * 3, '\0');
-  bytes.resize(static_cast<std::size_t>(
-      WideCharToMultiByte(CP_UTF8, 0, text.data(), size, bytes.data(),
-                          static_cast<int>(bytes.size()), nullptr, nullptr)));
-  return bytes;
-}
+std::string Bytes(std::wstring_view text) { return Utf8Of(text); }
 
 bool Latin1Bytes(std::wstring_view text, std::string* bytes) {
   if (std::any_of(text.begin(), text.end(), [](wchar_t c) { return c > 0xFF; })) return false;
