@@ -7,9 +7,6 @@
 #include "app/platform/machine/this_machine.h"
 #include "app/platform/recording/recorded_devices.h"
 #include "console/console_error.h"
-#ifndef _WIN32
-#include "app/platform/linux/linux_calls.h"
-#endif
 
 namespace kelvaro::console {
 namespace {
@@ -64,9 +61,7 @@ struct RealMachine::Parts {
   std::string refusal;  // the system's reason for the first refused event; guarded by refusalMutex
   platform::ThisMachine system;
   std::unique_ptr<platform::RecordedDevices> recorded;
-#ifndef _WIN32
-  std::unique_ptr<platform::LinuxCalls> calls;
-#endif
+  std::unique_ptr<platform::ThisCalls> calls;
   std::unique_ptr<ToldInput> told;
   platform::Platform groups;
   std::unique_ptr<platform::InstalledPlatform> installed;
@@ -88,11 +83,9 @@ void RealMachine::PlayRecording(const platform::Recording& recording) {
 platform::ThisMachine& RealMachine::System() { return parts->system; }
 
 void RealMachine::TakeCalls() {
-#ifndef _WIN32  // where nobody can be called yet
-  parts->calls = std::make_unique<platform::LinuxCalls>();
+  parts->calls = std::make_unique<platform::ThisCalls>();
   parts->groups.calls = parts->calls.get();
   parts->Install();
-#endif
 }
 
 bool RealMachine::OpenOutput(EventPrinter* printer, [[maybe_unused]] std::string* error) {

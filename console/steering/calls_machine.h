@@ -2,10 +2,8 @@
 // object.
 #pragma once
 
+#include "app/platform/machine/this_machine.h"
 #include "app/platform/platform.h"
-#ifndef _WIN32
-#include "app/platform/linux/linux_calls.h"
-#endif
 
 namespace kelvaro::console {
 
@@ -18,15 +16,11 @@ class CallsMachine {
  private:
   platform::Platform Groups() {
     platform::Platform groups;
-#ifndef _WIN32  // where nobody can be called yet
     groups.calls = &calls;
-#endif
     return groups;
   }
 
-#ifndef _WIN32
-  platform::LinuxCalls calls;
-#endif
+  platform::ThisCalls calls;
   const platform::InstalledPlatform installed;
 };
 

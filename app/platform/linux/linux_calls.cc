@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/platform/callers.h"
 #include "app/platform/linux/detached_thread.h"
 #include "app/platform/linux/instance_news.h"
 
@@ -20,8 +21,7 @@ constexpr int kRestWithoutDescriptorsMs = 100;
 
 bool IsOneOfOurs(int connection) {
   const auto program = PeerProgram(connection);
-  if (!program || program->empty()) return false;
-  return *program == "kelvaro" || *program == "kelvaroctl" || *program == OwnProgram();
+  return program && BearsOurName(*program, OwnProgram());
 }
 
 enum class Packet { Message, Nothing, End };

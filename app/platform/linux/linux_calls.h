@@ -19,8 +19,6 @@ namespace platform {
 
 class LinuxCalls final : public Calls {
  public:
-  static constexpr std::size_t kMostCallers = 64;  // further ones are turned away
-
   // `folder`: where the sockets are; empty where there is none, and then nobody can call.
   explicit LinuxCalls(std::string folder = InstanceFolder());
   ~LinuxCalls() override;

@@ -3,8 +3,10 @@
 #pragma once
 
 #ifdef _WIN32
+#include "app/platform/windows/windows_calls.h"
 #include "app/platform/windows/windows_platform.h"
 #else
+#include "app/platform/linux/linux_calls.h"
 #include "app/platform/linux/linux_platform.h"
 #endif
 
@@ -17,6 +19,7 @@ using ThisThreads = WindowsThreads;
 using ThisTimers = WindowsTimers;
 using ThisFiles = WindowsFiles;
 using ThisSystem = WindowsSystem;
+using ThisCalls = WindowsCalls;
 #else
 using ThisMachine = LinuxPlatform;
 using ThisClock = LinuxClock;
@@ -24,6 +27,7 @@ using ThisThreads = LinuxThreads;
 using ThisTimers = LinuxTimers;
 using ThisFiles = LinuxFiles;
 using ThisSystem = LinuxSystem;
+using ThisCalls = LinuxCalls;
 #endif
 
 }  // namespace platform

@@ -1,6 +1,7 @@
 #include <string>
 
 #include "app/platform/windows/ui/windows_ui.h"
+#include "app/platform/windows/windows_calls.h"
 #include "app/platform/windows/windows_platform.h"
 #include "app/start/usage.h"
 #include "app/window/run_program.h"
@@ -22,6 +23,8 @@ int Run(const std::string& firstWord) {
   groups.desktop = &ui.Desktop();
   groups.controls = &ui.Controls();
   groups.shell = &ui.Shell();
+  platform::WindowsCalls calls;
+  groups.calls = &calls;
   const platform::InstalledPlatform installed(groups);
   if (firstWord == "--help") return Say(UsageText());
   if (firstWord == "--version")

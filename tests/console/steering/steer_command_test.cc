@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/platform/linux/linux_calls.h"
+#include "app/platform/machine/this_machine.h"
 #include "console/steering/steered_instances.h"
 #include "tests/console/console_run.h"
 
@@ -36,7 +36,7 @@ class Answering final : public platform::CallReceiver {
 
  private:
   const Reply reply;
-  platform::LinuxCalls calls;
+  platform::ThisCalls calls;
 };
 
 class SteerCommand : public testing::Test {

@@ -9,6 +9,7 @@
 #include "player.h"
 #include "tests/host/files.h"
 #include "tests/host/patience.h"
+#include "tests/windows/own_kelvaroctl.h"
 
 // Last.
 #include "tests/windows/dinput8/pad_hands.h"
@@ -237,6 +238,31 @@ TEST_F(WindowsProgram, AGameIsLaunchedWithItsProfileAndEndsIt) {
       "profile=Jump target=C:\\windows\\system32\\cmd.exe args=\"/c echo x>[" + note + "]\"");
   EXPECT_EQ(program->AwaitEnd(), 0);
   EXPECT_TRUE(std::filesystem::exists(note));
+}
+
+TEST_F(WindowsProgram, KelvaroctlAsksAndSteersIt) {
+  const OwnKelvaroctl ctl;
+  Start();
+  MakeProfile("One");
+  MakeProfile("Two");
+  EXPECT_TRUE(ctl.Tells("window: profile 'Two'"));
+  EXPECT_EQ(ctl.Do({"select", "One"}).status, 0);
+  EXPECT_TRUE(ctl.Tells("window: profile 'One'"));
+  EXPECT_EQ(ctl.Do({"pause"}).status, 0);
+  EXPECT_TRUE(ctl.Tells("paused"));
+  EXPECT_EQ(ctl.Do({"resume"}).status, 0);
+
+  Click(window, main_window::kNewProfile);
+  const std::uintptr_t question = program->Await("New Profile");
+  ASSERT_NE(question, 0u);
+  const OwnKelvaroctl::Said busy = ctl.Do({"select", "Two"});
+  EXPECT_EQ(busy.status, 1);
+  EXPECT_NE(busy.err.find("the window has a dialog"), std::string::npos) << busy.err;
+  Click(question, IDCANCEL);
+  ASSERT_TRUE(program->AwaitGone("New Profile"));
+  EXPECT_EQ(ctl.Do({"select", "Two"}).status, 0);
+  EXPECT_EQ(Close(), 0);
+  EXPECT_EQ(ctl.Do({"status"}).status, 1);
 }
 
 }  // namespace
