@@ -15,7 +15,7 @@ namespace kelvaro::console {
 // What a desktop tells of a window, in UTF-8; empty where it doesn't.
 struct FrontWindow {
   std::string program;  // name of its program's file, without the folder
-  std::string kind;     // WM_CLASS's class on X11, the app_id on Wayland
+  std::string kind;     // its class on X11 and Windows, its app_id on Wayland
   std::string title;
 
   bool operator==(const FrontWindow&) const = default;

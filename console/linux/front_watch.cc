@@ -12,14 +12,11 @@
 #include "app/platform/linux/instance_folder.h"
 #include "app/platform/linux/instance_news.h"
 #include "app/platform/linux/message_bus.h"
+#include "console/follow/front_tale.h"
 #include "console/linux/front_source.h"
 
 namespace kelvaro::console {
 namespace {
-
-// On the way from one window to another there may be a moment without any, which would let go of
-// what is held.
-constexpr int kMomentWithout = 100;  // ms
 
 constexpr char kOnlyX11[] =
     "This Wayland desktop tells of no windows but those of X11 programs (XWayland), so all others "
@@ -65,30 +62,23 @@ void FrontWatch::Parts::Open(std::string* error) {
 }
 
 void FrontWatch::Parts::Watch() {
-  std::optional<std::optional<FrontWindow>> told;
-  const auto tell = [&](const std::optional<FrontWindow>& window) {
-    if (told && *told == window) return;
-    told = window;
-    listener.window(window);
-  };
-  bool without = false;  // no window is in front, which isn't told yet
+  FrontTale tale(listener.window);
   for (;;) {
     std::optional<FrontWindow> window;
     std::string error;
     const FrontNews news = source->Read(&window, &error);
     if (news == FrontNews::Ended) return listener.ended(error);
-    if (news == FrontNews::Window) without = !window;
-    if (news == FrontNews::Window && window) tell(window);
+    if (news == FrontNews::Window) tale.See(window);
 
     pollfd wanted[] = {{wake.Get(), POLLIN, 0},
                        {source->Descriptor(), POLLIN, 0},
                        {instances.Readable(), POLLIN, 0}};
-    const int wait = without ? kMomentWithout : instances.LongestWait();
+    const auto moment = tale.Wait();
+    const int wait = moment ? static_cast<int>(*moment) : instances.LongestWait();
     const int ready = platform::Retry([&] { return poll(wanted, 3, wait); });
     if (ready < 0 || wanted[0].revents != 0) return;
-    if (ready == 0 && without) {
-      without = false;
-      tell(std::nullopt);
+    if (ready == 0 && moment) {
+      tale.Passed();
     } else if (ready == 0 || wanted[2].revents != 0) {
       instances.Read();
       listener.instances();
