@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "app/platform/linux/find_program.h"
 #include "app/platform/linux/instance_socket.h"
 
 namespace kelvaro::rendlink {
@@ -263,7 +264,34 @@ CarrierSocket::~CarrierSocket() {
   rmdir(folder.c_str());
 }
 
-int RunCarried(const Words& kelvaro, const CarrierSocket& socket, const Game& game) {
+std::string SocketCarrier::FindProgram(const std::string& typed, std::string* reason,
+                                       bool* isThere) {
+  int error = 0;
+  const std::string found = platform::FindProgram(typed, &error);
+  *isThere = error != ENOENT && error != ENOTDIR;
+  if (found.empty()) *reason = strerror(error);
+  return found;
+}
+
+bool SocketCarrier::Prepare(const Game& carried, std::string* args, std::string* refusal) {
+  socket = std::make_unique<CarrierSocket>();
+  game = &carried;
+  const std::string& path = socket->Path();
+  if (path.empty()) {
+    *refusal = "There is no folder in which the game could be waited for.";
+    return false;
+  }
+  if (path.find('"') != std::string::npos) {
+    *refusal = "The path " + path + " has a double quote.";
+    return false;
+  }
+  // Where it goes without quotes it depends on no character that stands for one.
+  const bool blanks = path.find_first_of(" \t") != std::string::npos;
+  *args = blanks ? "--carry \"" + path + "\"" : "--carry " + path;
+  return true;
+}
+
+int SocketCarrier::Run(const Words& kelvaro) {
   const Signals signals;
   const pid_t process = fork();
   if (process < 0) return Complain(std::string("Kelvaro can't be started: ") + strerror(errno));
@@ -273,7 +301,7 @@ int RunCarried(const Words& kelvaro, const CarrierSocket& socket, const Game& ga
     signals.Restore();
     Become(kelvaro[0], kelvaro);
   }
-  return Wait(process, socket, game).Run(signals);
+  return Wait(process, *socket, *game).Run(signals);
 }
 
 int Carry(const std::string& socketPath) {

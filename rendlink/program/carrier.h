@@ -4,17 +4,12 @@
 // words and signals go one way, the exit status comes back.
 #pragma once
 
+#include <memory>
 #include <string>
 
-#include "rendlink/launch.h"
+#include "rendlink/program/command_line.h"
 
 namespace kelvaro::rendlink {
-
-struct Game {
-  std::string program;  // full path
-  Words words;          // the first stands for the program
-  std::string folder;   // to start it in
-};
 
 // The folder and the waiting end of the socket in it; gone with this object.
 class CarrierSocket {
@@ -34,11 +29,18 @@ class CarrierSocket {
   int listener = -1;
 };
 
-// Starts Kelvaro by `kelvaro`, whose target is to be this program with "--carry" and the socket's
-// path, and waits until both the game and Kelvaro have ended. SIGINT, SIGTERM and SIGHUP go to the
-// game; while there is none, they end Kelvaro. The game's exit status, 128 and the number for a
-// signal; 1, after a line on standard error, when there was no game.
-int RunCarried(const Words& kelvaro, const CarrierSocket& socket, const Game& game);
+// While it waits, SIGINT, SIGTERM and SIGHUP go to the game; as long as there is none, they end
+// Kelvaro. A game's exit status is 128 and the number where a signal ended it.
+class SocketCarrier final : public GameCarrier {
+ public:
+  std::string FindProgram(const std::string& typed, std::string* reason, bool* isThere) override;
+  bool Prepare(const Game& game, std::string* args, std::string* refusal) override;
+  int Run(const Words& kelvaro) override;
+
+ private:
+  std::unique_ptr<CarrierSocket> socket;
+  const Game* game = nullptr;
+};
 
 // The carrier: starts the game that the socket tells, waits for its end, and gives its status.
 int Carry(const std::string& socketPath);

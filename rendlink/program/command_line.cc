@@ -1,17 +1,13 @@
 #include "rendlink/program/command_line.h"
 
-#include <string.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <ostream>
 
 #include "app/platform/files.h"
-#include "app/platform/linux/find_program.h"
 #include "foundation/paths.h"
 #include "foundation/version.h"
 #include "rendlink/files.h"
-#include "rendlink/program/carrier.h"
 
 namespace kelvaro::rendlink {
 namespace {
@@ -31,40 +27,28 @@ constexpr char kNotes[] =
     "126,\n"
     "of one that isn't there 127.";
 
-int Complain(Streams streams, const std::string& text, int status) {
-  streams.err << "rendlink: " << text << std::endl;
-  return status;
-}
-
-int PlayGame(const Options& options, Session& session, Streams streams) {
+int PlayGame(const Options& options, Session& session, GameCarrier& carrier, Streams streams) {
   const Words& words = *options.game;
-  int error = 0;
-  Game game{platform::FindProgram(words[0], &error), words,
+  std::string refusal;
+  bool isThere = false;
+  Game game{carrier.FindProgram(words[0], &refusal, &isThere), words,
             platform::files().GetCurrentDirectoryA()};
   if (game.program.empty())
-    return Complain(streams, words[0] + ": " + strerror(error),
-                    error == ENOENT || error == ENOTDIR ? kNotThere : kCantRun);
+    return Complain(streams.err, words[0] + ": " + refusal, isThere ? kCantRun : kNotThere);
   if (!options.launch.dir.empty()) game.folder = session.FullPath(options.launch.dir);
   if (!IsFolder(game.folder))
-    return Complain(streams, "There is no folder " + game.folder + ".", kRefused);
+    return Complain(streams.err, "There is no folder " + game.folder + ".", kRefused);
 
-  const CarrierSocket socket;
-  if (socket.Path().empty())
-    return Complain(streams, "There is no folder in which the game could be waited for.", kFailed);
   Launch launch;
   launch.profiles = options.launch.profiles;
   launch.target = Bytes(ProgramPath());
-  launch.args = "--carry \"" + socket.Path() + "\"";
-  // Where it goes without quotes it depends on no character that stands for one.
-  if (socket.Path().find_first_of(" \t") == std::string::npos)
-    launch.args = "--carry " + socket.Path();
+  if (!carrier.Prepare(game, &launch.args, &refusal))
+    return Complain(streams.err, refusal, kFailed);
   Ready ready;
-  std::string refusal;
-  if (socket.Path().find('"') != std::string::npos)
-    return Complain(streams, "The path " + socket.Path() + " has a double quote.", kFailed);
-  if (!MakeReady(launch, session, &ready, &refusal)) return Complain(streams, refusal, kRefused);
+  if (!MakeReady(launch, session, &ready, &refusal))
+    return Complain(streams.err, refusal, kRefused);
   streams.out.flush();
-  return RunCarried(ready.words, socket, game);
+  return carrier.Run(ready.words);
 }
 
 struct CommandLine {
@@ -104,6 +88,11 @@ CommandLine::CommandLine(Options* options) {
 
 }  // namespace
 
+int Complain(std::ostream& err, const std::string& text, int status) {
+  err << "rendlink: " << text << std::endl;
+  return status;
+}
+
 void DescribeRendlink(const std::function<void(const CLI::App&)>& look) {
   Options options;
   look(CommandLine(&options).app);
@@ -134,29 +123,30 @@ std::optional<int> ReadOptions(const Words& words, Options* options, Streams str
     streams.out << "Rendlink, Version " << VersionNumber().Text() << std::endl;
     return kDone;
   } catch (const CLI::ParseError& error) {
-    return Complain(streams, std::string(error.what()) + " (rendlink --help tells more)", kRefused);
+    return Complain(streams.err, std::string(error.what()) + " (rendlink --help tells more)",
+                    kRefused);
   }
   return std::nullopt;
 }
 
-int RunOptions(const Options& options, Session& session, Streams streams) {
+int RunOptions(const Options& options, Session& session, GameCarrier& carrier, Streams streams) {
   std::string refusal;
   std::string kelvaro;
-  if (!FindKelvaro(&kelvaro, &refusal)) return Complain(streams, refusal, kFailed);
-  if (options.game) return PlayGame(options, session, streams);
+  if (!FindKelvaro(&kelvaro, &refusal)) return Complain(streams.err, refusal, kFailed);
+  if (options.game) return PlayGame(options, session, carrier, streams);
   Ready ready;
   if (!MakeReady(options.launch, session, &ready, &refusal))
-    return Complain(streams, refusal, kRefused);
+    return Complain(streams.err, refusal, kRefused);
   if (!options.save.empty()) {
     if (SaveLauncher(ready, options.save, session, &refusal)) return kDone;
-    return Complain(streams, refusal, kFailed);
+    return Complain(streams.err, refusal, kFailed);
   }
   if (options.start) {
     if (StartNow(ready, &refusal)) return kDone;
-    return Complain(streams, refusal, kFailed);
+    return Complain(streams.err, refusal, kFailed);
   }
   streams.out << ShellLine(ready.words) << std::endl;
-  return streams.out ? kDone : Complain(streams, "the output can't be written", kFailed);
+  return streams.out ? kDone : Complain(streams.err, "the output can't be written", kFailed);
 }
 
 }  // namespace kelvaro::rendlink

@@ -39,7 +39,8 @@ int RunWithoutWindow(const Words& words) {
   groups.processes = &processes;
   const platform::InstalledPlatform installed(groups);
   DesktopSession session;
-  return RunOptions(options, session, streams);
+  SocketCarrier carrier;
+  return RunOptions(options, session, carrier, streams);
 }
 
 }  // namespace
