@@ -6,7 +6,7 @@
 
 #include "app/start/usage.h"
 #include "console/kelvaroctl.h"
-#include "rendlink/program/command_line.h"
+#include "rendlink/command_line.h"
 
 namespace kelvaro::describe {
 namespace {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "rendlink/program/command_line.h"
+#include "rendlink/command_line.h"
 
 namespace kelvaro::rendlink {
 

@@ -8,8 +8,8 @@
 #include "app/platform/linux/standard_streams.h"
 #include "app/platform/platform.h"
 #include "app/program/display.h"
+#include "rendlink/command_line.h"
 #include "rendlink/program/carrier.h"
-#include "rendlink/program/command_line.h"
 #include "rendlink/program/desktop_session.h"
 #include "rendlink/program/dialog_program.h"
 

@@ -1,4 +1,4 @@
-#include "rendlink/program/command_line.h"
+#include "rendlink/command_line.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
