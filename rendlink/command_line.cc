@@ -80,7 +80,8 @@ CommandLine::CommandLine(Options* options) {
                         "its arguments, in one text with double quotes where they need them");
   args->type_name("TEXT");
   app.add_option("--dir", options->launch.dir, "the folder to start it in")->type_name("FOLDER");
-  save = app.add_option("--save", options->save, "write a launcher, a .desktop file");
+  save = app.add_option("--save", options->save,
+                        "write a launcher (a .desktop file, on Windows a .lnk file)");
   save->type_name("FILE");
   start = app.add_flag("--start", options->start, "start it now");
   save->excludes(start);
@@ -145,7 +146,7 @@ int RunOptions(const Options& options, Session& session, GameCarrier& carrier, S
     if (StartNow(ready, &refusal)) return kDone;
     return Complain(streams.err, refusal, kFailed);
   }
-  streams.out << ShellLine(ready.words) << std::endl;
+  streams.out << session.Launchers().CommandText(ready.words) << std::endl;
   return streams.out ? kDone : Complain(streams.err, "the output can't be written", kFailed);
 }
 

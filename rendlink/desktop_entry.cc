@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "app/platform/byte_text.h"
 #include "app/platform/entry_text.h"
+#include "rendlink/launcher_kind.h"
 
 namespace kelvaro::rendlink {
 
@@ -20,18 +20,6 @@ std::string ExecValue(const Words& words) {
   return value;
 }
 
-// No control character and nothing but UTF-8.
-bool CanHold(const char* what, const std::string& text, std::string* refusal) {
-  for (const char c : text) {
-    if ((static_cast<unsigned char>(c) >= 32 && c != 127) || c == '\t') continue;
-    *refusal = std::string(what) + " has a control character in it, which a launcher can't hold.";
-    return false;
-  }
-  if (platform::IsUtf8(text)) return true;
-  *refusal = std::string(what) + " isn't UTF-8 text, and a launcher can't hold other.";
-  return false;
-}
-
 }  // namespace
 
 bool DesktopEntryText(const DesktopEntry& entry, std::string* text, std::string* refusal) {
@@ -41,8 +29,7 @@ bool DesktopEntryText(const DesktopEntry& entry, std::string* text, std::string*
   }
   if (!CanHold("The launcher's name", entry.name, refusal)) return false;
   if (!CanHold("The path of the icon", entry.icon, refusal)) return false;
-  for (const std::string& word : entry.exec)
-    if (!CanHold(("The word \"" + word + "\"").c_str(), word, refusal)) return false;
+  if (!CanHold(entry.exec, refusal)) return false;
   if (!CanHold("The comment", entry.comment, refusal)) return false;
   *text = "[Desktop Entry]\nType=Application\nName=" + EscapedForEntry(entry.name) +
           "\nComment=" + EscapedForEntry(entry.comment) +

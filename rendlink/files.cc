@@ -1,6 +1,5 @@
 #include "rendlink/files.h"
 
-#include "app/platform/files.h"
 #include "foundation/byte_string.h"
 
 namespace kelvaro::rendlink {
@@ -39,10 +38,20 @@ bool WriteFile(const std::string& path, const std::string& bytes, std::string* e
   if (file && file->WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &written) &&
       file->CloseHandle())
     return true;
-  ByteString text = SystemErrorText(platform::files().GetLastError());
-  text.Trim(0, 32);
-  *error = Bytes(text);
+  *error = ErrorText();
   return false;
+}
+
+std::string ErrorText(std::uint32_t error) {
+  ByteString text = SystemErrorText(error);
+  text.Trim(0, 32);
+  return Bytes(text);
+}
+
+std::string Stem(const std::string& path) {
+  const std::string name = path.substr(path.rfind(platform::files().PathSeparator()) + 1);
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
 }
 
 }  // namespace kelvaro::rendlink

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "app/platform/files.h"
+
 namespace kelvaro::rendlink {
 
 bool IsFile(const std::string& path);
@@ -14,5 +16,11 @@ bool ReadFile(const std::string& path, std::uint32_t most, std::string* bytes);
 
 // False with the system's words for it in *error.
 bool WriteFile(const std::string& path, const std::string& bytes, std::string* error);
+
+// The system's words for that number; of the last operation of files, unless another is told.
+std::string ErrorText(std::uint32_t error = platform::files().GetLastError());
+
+// "supertux2" of "/usr/games/supertux2.sh": what a launcher goes by.
+std::string Stem(const std::string& path);
 
 }  // namespace kelvaro::rendlink

@@ -1,14 +1,10 @@
 #include "rendlink/launcher.h"
 
-#include "app/platform/byte_text.h"
 #include "app/platform/files.h"
 #include "app/platform/processes.h"
-#include "app/resources/desktop_id.h"
 #include "foundation/paths.h"
-#include "rendlink/desktop_entry.h"
 #include "rendlink/files.h"
 #include "rendlink/profiles.h"
-#include "rendlink/target_icon.h"
 
 namespace kelvaro::rendlink {
 namespace {
@@ -22,19 +18,16 @@ std::string InWords(const std::vector<std::string>& profiles) {
   return text;
 }
 
-std::string SystemError() {
-  ByteString text = SystemErrorText(platform::files().GetLastError());
-  text.Trim(0, 32);
-  return Bytes(text);
-}
-
 }  // namespace
 
 bool FindKelvaro(std::string* path, std::string* refusal) {
+  const std::string own = Bytes(ProgramPath());
+  const std::string ending = own.substr(own.rfind(Stem(own)) + Stem(own).size());
+  const std::string name = "kelvaro" + ending;
   const std::string folder = Bytes(ProgramFolder());
-  *path = folder + platform::files().PathSeparator() + "kelvaro";
+  *path = folder + platform::files().PathSeparator() + name;
   if (IsFile(*path)) return true;
-  *refusal = "The program kelvaro isn't in " + (folder.empty() ? std::string("/") : folder) +
+  *refusal = "The program " + name + " isn't in " + (folder.empty() ? std::string("/") : folder) +
              ", where Rendlink lies.";
   return false;
 }
@@ -65,42 +58,21 @@ bool MakeReady(const Launch& chosen, Session& session, Ready* ready, std::string
 
 bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
                   std::string* refusal) {
-  DesktopEntry entry;
-  entry.name = Stem(path);
-  entry.comment = "Starts " + Stem(ready.launch.target) + " with " + InWords(ready.launch.profiles);
-  entry.icon = IconOf(ready.launch.target, session.ApplicationsFolders());
-  // A launcher can do without a picture whose path it can't hold.
-  if (!platform::IsUtf8(entry.icon)) entry.icon = kDesktopId;
-  entry.exec = ready.words;
-  std::string text;
-  if (!DesktopEntryText(entry, &text, refusal)) return false;
-  std::string error;
-  if (!WriteFile(path, text, &error)) {
-    *refusal = "The launcher " + path + " can't be written: " + error + ".";
-    return false;
-  }
-  if (session.AllowStart(path)) return true;
-  *refusal = "The launcher " + path +
-             " was written, but the system refuses to make it one that can be started.";
-  return false;
+  const std::string comment =
+      "Starts " + Stem(ready.launch.target) + " with " + InWords(ready.launch.profiles);
+  return session.Launchers().Save({comment, ready.launch.target, ready.words}, path, refusal);
 }
 
 bool StartNow(const Ready& ready, std::string* refusal) {
   platform::PROCESS_INFORMATION started;
   if (!platform::processes().CreateProcessA(ready.words[0], ProcessLine(ready.words),
                                             platform::CREATE_NEW_CONSOLE, nullptr, &started)) {
-    *refusal = "Kelvaro can't be started: " + SystemError() + ".";
+    *refusal = "Kelvaro can't be started: " + ErrorText() + ".";
     return false;
   }
   if (started.hThread != platform::kInvalidHandle) platform::threads().CloseHandle(started.hThread);
   platform::threads().CloseHandle(started.hProcess);
   return true;
-}
-
-std::string Stem(const std::string& path) {
-  const std::string name = path.substr(path.rfind(platform::files().PathSeparator()) + 1);
-  const std::size_t dot = name.rfind('.');
-  return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);
 }
 
 }  // namespace kelvaro::rendlink

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "rendlink/launch.h"
+#include "rendlink/launcher_kind.h"
 
 namespace kelvaro::rendlink {
 
@@ -16,13 +17,10 @@ class Session {
 
   // Full paths; empty where there is none.
   virtual std::string DesktopFolder() = 0;
-  virtual std::string MenuFolder() = 0;  // launchers of the person's own applications menu
-  // All folders of launchers, the person's own first.
-  virtual std::vector<std::string> ApplicationsFolders() = 0;
+  virtual std::string MenuFolder() = 0;  // launchers of the person's own menu of programs
   // The full path of a file that was typed; of a program without a folder, where it is found.
   virtual std::string FullPath(const std::string& typed) = 0;
-  // Lets a launcher be started by who opens it.
-  virtual bool AllowStart(const std::string& path) = 0;
+  virtual LauncherKind& Launchers() = 0;
 };
 
 // A choice that has been checked.
@@ -31,8 +29,8 @@ struct Ready {
   Words words;    // of Kelvaro's command line
 };
 
-// Kelvaro lies beside this program. The following are false, with a sentence for the person in
-// *refusal and nothing changed.
+// Kelvaro lies beside this program, and its file has the same ending. The following are false, with
+// a sentence for the person in *refusal and nothing changed.
 
 // Kelvaro's path, checked.
 bool FindKelvaro(std::string* path, std::string* refusal);
@@ -41,8 +39,5 @@ bool MakeReady(const Launch& chosen, Session& session, Ready* ready, std::string
 bool SaveLauncher(const Ready& ready, const std::string& path, Session& session,
                   std::string* refusal);
 bool StartNow(const Ready& ready, std::string* refusal);
-
-// "supertux2" of "/usr/games/supertux2.sh": what a launcher goes by.
-std::string Stem(const std::string& path);
 
 }  // namespace kelvaro::rendlink

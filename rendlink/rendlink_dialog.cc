@@ -5,6 +5,7 @@
 #include "app/platform/shell.h"
 #include "app/resources/resources.h"
 #include "foundation/paths.h"
+#include "rendlink/files.h"
 #include "rendlink/profiles.h"
 #include "rendlink/resources.h"
 
@@ -12,7 +13,6 @@ namespace kelvaro::rendlink {
 namespace {
 
 constexpr char kTitle[] = "Rendlink";
-constexpr char kEnding[] = ".desktop";
 constexpr std::int32_t kToDesktop = 0;  // rows of kPlace
 constexpr std::int32_t kToMenu = 1;
 
@@ -33,6 +33,8 @@ void RendlinkDialog::OnInit() {
     platform::controls().ListSetItemText(window, kProfiles, row, 0, profiles[i]);
   }
   if (!profiles.empty()) platform::controls().ListSelectItem(window, kProfiles, 0, true);
+  for (const char* place : {"Desktop", session.Launchers().MenuName()})
+    platform::controls().ComboAddString(window, kPlace, place);
   platform::controls().ComboSetCurSel(window, kPlace,
                                       session.DesktopFolder().empty() ? kToMenu : kToDesktop);
   ShowCommand();
@@ -92,7 +94,8 @@ void RendlinkDialog::ShowCommand() {
   shown = chosen;
   Ready ready;
   std::string text;
-  if (MakeReady(chosen, session, &ready, &text)) text = ShellLine(ready.words);
+  if (MakeReady(chosen, session, &ready, &text))
+    text = session.Launchers().CommandText(ready.words);
   SetText(kCommand, TextOf(text));
 }
 
@@ -113,14 +116,19 @@ void RendlinkDialog::OnBrowseFolder() {
 void RendlinkDialog::OnSave() {
   Ready ready;
   if (!CheckOrTell(&ready)) return;
+  const std::string ending = session.Launchers().Ending();
   const bool toMenu = platform::controls().ComboGetCurSel(window, kPlace) == kToMenu;
   ByteString path = TextOf(toMenu ? session.MenuFolder() : session.DesktopFolder());
   // A first launcher makes its folder; where that can't be, saving says so.
   CreateFolders(path);
   if (!path.IsEmpty()) EnsureTrailingSeparator(&path);
-  std::string file = Bytes(path) + Stem(ready.launch.target) + kEnding;
+  std::string file = Bytes(path) + Stem(ready.launch.target) + ending;
   if (!platform::shell().ChooseFile(window, "Save Launcher", true, file, &file)) return;
-  if (!file.ends_with(kEnding)) file += kEnding;
+  if (!file.ends_with(ending)) {
+    file += ending;
+    // The question whether to replace a file was about another name.
+    if (IsFile(file) && !Confirm("\"" + file + "\" is there already. Replace it?")) return;
+  }
   std::string refusal;
   if (!SaveLauncher(ready, file, session, &refusal)) return Tell(refusal);
   Box(TextOf("The launcher was saved as \"" + file + "\"."), kTitle, platform::MB_OK);
@@ -139,6 +147,11 @@ bool RendlinkDialog::CheckOrTell(Ready* ready) {
   if (MakeReady(Chosen(), session, ready, &refusal)) return true;
   Tell(refusal);
   return false;
+}
+
+bool RendlinkDialog::Confirm(const std::string& question) {
+  return Box(TextOf(question), kTitle, platform::MB_ICONQUESTION | platform::MB_YESNO) ==
+         platform::IDYES;
 }
 
 void RendlinkDialog::Tell(const std::string& text) {

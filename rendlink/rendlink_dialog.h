@@ -29,6 +29,7 @@ class RendlinkDialog : public Dialog {
   void OnSave();
   void OnStart();
   bool CheckOrTell(Ready* ready);  // false after a box that tells why not
+  bool Confirm(const std::string& question);
   void Tell(const std::string& text);
 
   Session& session;

@@ -10,8 +10,6 @@ using enum platform::ControlKind;
 using platform::kStyleDefault;
 using platform::kStyleMultiSelect;
 
-constexpr const char* kPlaces[] = {"Desktop", "Applications menu"};
-
 constexpr ControlTemplate kControls[] = {
     {Label, 2000, "&Profiles", 7, 7, 286, 9},
     {ListView, kProfiles, "", 7, 17, 286, 66, kStyleMultiSelect},
@@ -26,7 +24,7 @@ constexpr ControlTemplate kControls[] = {
     {Label, 2010, "&Command", 7, 146, 286, 9},
     {TextArea, kCommand, "", 7, 156, 286, 48},
     {Label, 2012, "Save &in", 7, 214, 30, 9},
-    {DropList, kPlace, "", 39, 212, 80, 14, 0, nullptr, kPlaces},
+    {DropList, kPlace, "", 39, 212, 80, 14},
     {Button, kSave, "&Save...", 133, 212, 50, 14, kStyleDefault},
     {Button, kStart, "Sta&rt", 188, 212, 50, 14},
     {Button, platform::IDCANCEL, "Close", 243, 212, 50, 14},

@@ -21,22 +21,6 @@ std::string NameOf(const std::string& path) {
   return path.substr(path.rfind(platform::files().PathSeparator()) + 1);
 }
 
-std::string PictureBeside(const std::string& target) {
-  const std::string name = NameOf(target);
-  const std::string folder = target.substr(0, target.size() - name.size());
-  const std::size_t dot = name.rfind('.');
-  std::vector<std::string> stems = {name};
-  if (dot != std::string::npos && dot > 0) stems.insert(stems.begin(), name.substr(0, dot));
-  stems.emplace_back("icon");
-  for (const std::string& stem : stems) {
-    for (const char* ending : {".svg", ".png", ".xpm"}) {
-      std::string path = folder + stem + ending;
-      if (path != target && IsFile(path)) return path;
-    }
-  }
-  return {};
-}
-
 // An entry names its program by the full path, or by the name alone, as a shell would find it.
 bool Starts(const std::map<std::string, std::string>& entry, const std::string& target) {
   const auto exec = entry.find("Exec");
@@ -65,8 +49,24 @@ std::string IconByEntries(const std::string& folder, const std::string& target) 
 
 }  // namespace
 
+std::string PictureBeside(const std::string& target, const std::vector<const char*>& endings) {
+  const std::string name = NameOf(target);
+  const std::string folder = target.substr(0, target.size() - name.size());
+  const std::size_t dot = name.rfind('.');
+  std::vector<std::string> stems = {name};
+  if (dot != std::string::npos && dot > 0) stems.insert(stems.begin(), name.substr(0, dot));
+  stems.emplace_back("icon");
+  for (const std::string& stem : stems) {
+    for (const char* ending : endings) {
+      std::string path = folder + stem + ending;
+      if (path != target && IsFile(path)) return path;
+    }
+  }
+  return {};
+}
+
 std::string IconOf(const std::string& target, const std::vector<std::string>& folders) {
-  std::string icon = PictureBeside(target);
+  std::string icon = PictureBeside(target, {".svg", ".png", ".xpm"});
   for (std::size_t i = 0; icon.empty() && i < folders.size(); ++i)
     icon = IconByEntries(folders[i], target);
   return icon.empty() ? kDesktopId : icon;

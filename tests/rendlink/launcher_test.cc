@@ -1,6 +1,7 @@
 #include "rendlink/launcher.h"
 
 #include "app/platform/processes.h"
+#include "rendlink/files.h"
 #include "tests/rendlink/rendlink_fixture.h"
 
 namespace kelvaro::rendlink {
@@ -118,6 +119,15 @@ TEST_F(RendlinkTest, SaysWhyKelvaroCantBeStarted) {
   std::string refusal;
   EXPECT_FALSE(StartNow(ReadyFor({{"Chess"}, kTarget, "", ""}), &refusal));
   EXPECT_EQ(refusal, "Kelvaro can't be started: No such file.");
+}
+
+// As it is on Windows.
+TEST_F(RendlinkTest, KelvarosFileHasTheEndingOfRendlinks) {
+  sim.Disk().SetProgramPath("/game/rendlink.exe");
+  EXPECT_EQ(Refusal({{"Chess"}, kTarget, "", ""}),
+            "The program kelvaro.exe isn't in /game, where Rendlink lies.");
+  sim.Disk().PutFile("/game/kelvaro.exe", "program");
+  EXPECT_EQ(WordsOf({{"Chess"}, kTarget, "", ""}).at(0), "/game/kelvaro.exe");
 }
 
 TEST_F(RendlinkTest, AStemIsTheNameWithoutItsEnding) {

@@ -7,22 +7,23 @@
 #include <vector>
 
 #include "app/layout/dialog.h"
+#include "app/platform/simulation/simulation.h"
+#include "rendlink/desktop_entries.h"
 #include "rendlink/launcher.h"
 #include "storage/profile_file.h"
-#include "tests/person/desktop_simulation.h"
-#include "tests/person/screen.h"
 
 namespace kelvaro::rendlink {
 
-class TestSession final : public Session {
+class TestSession final : public Session, public EntrySystem {
  public:
   std::string DesktopFolder() override { return desktop; }
   std::string MenuFolder() override { return "/home/player/applications"; }
-  std::vector<std::string> ApplicationsFolders() override {
-    return {"/home/player/applications", "/usr/share/applications"};
-  }
   std::string FullPath(const std::string& typed) override {
     return typed.empty() || typed.front() == '/' ? typed : "/home/player/" + typed;
+  }
+  LauncherKind& Launchers() override { return entries; }
+  std::vector<std::string> ApplicationsFolders() override {
+    return {"/home/player/applications", "/usr/share/applications"};
   }
   bool AllowStart(const std::string& path) override {
     allowed.push_back(path);
@@ -32,11 +33,14 @@ class TestSession final : public Session {
   std::string desktop = "/home/player/Desktop";
   bool allows = true;
   std::vector<std::string> allowed;
+  DesktopEntries entries{*this};
 };
 
-class RendlinkTest : public testing::Test {
+// On a machine with windows, or without.
+template <typename Machine>
+class RendlinkTestOn : public testing::Test {
  protected:
-  RendlinkTest() {
+  RendlinkTestOn() {
     sim.Disk().SetProgramPath("/game/rendlink");
     sim.Disk().PutFile("/game/kelvaro", "program");
     sim.Disk().PutFile("/games/race/race.sh", "game");
@@ -66,9 +70,10 @@ class RendlinkTest : public testing::Test {
     return ready;
   }
 
-  platform::simulation::DesktopSimulation sim;
-  platform::simulation::Screen& screen = sim.Screen();
+  Machine sim;
   TestSession session;
 };
+
+using RendlinkTest = RendlinkTestOn<platform::simulation::Simulation>;
 
 }  // namespace kelvaro::rendlink

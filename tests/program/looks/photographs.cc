@@ -21,6 +21,7 @@
 #include "app/resources/control_ids.h"
 #include "app/window/main_window.h"
 #include "engine/mouse_emulation.h"
+#include "rendlink/desktop_entries.h"
 #include "rendlink/rendlink_dialog.h"
 #include "rendlink/resources.h"
 #include "tests/program/looks/hands.h"
@@ -159,13 +160,18 @@ void NotificationMenu() {
   });
 }
 
-class RendlinkSession final : public kelvaro::rendlink::Session {
+class RendlinkSession final : public kelvaro::rendlink::Session,
+                              private kelvaro::rendlink::EntrySystem {
  public:
   std::string DesktopFolder() override { return "/home/player/Desktop"; }
   std::string MenuFolder() override { return "/home/player/applications"; }
-  std::vector<std::string> ApplicationsFolders() override { return {MenuFolder()}; }
   std::string FullPath(const std::string& typed) override { return typed; }
+  kelvaro::rendlink::LauncherKind& Launchers() override { return entries; }
+  std::vector<std::string> ApplicationsFolders() override { return {MenuFolder()}; }
   bool AllowStart(const std::string&) override { return true; }
+
+ private:
+  kelvaro::rendlink::DesktopEntries entries{*this};
 };
 
 void Rendlink() {

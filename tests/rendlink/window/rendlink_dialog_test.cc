@@ -6,6 +6,8 @@
 #include "app/resources/resources.h"
 #include "rendlink/resources.h"
 #include "tests/app/resources/dialog_tables.h"
+#include "tests/person/desktop_simulation.h"
+#include "tests/person/screen.h"
 #include "tests/rendlink/rendlink_fixture.h"
 
 namespace kelvaro::rendlink {
@@ -16,7 +18,7 @@ using platform::IDOK;
 
 constexpr char kTarget[] = "/games/race/race.sh";
 
-class RendlinkDialogTest : public RendlinkTest {
+class RendlinkDialogTest : public RendlinkTestOn<platform::simulation::DesktopSimulation> {
  protected:
   void Begin() {
     screen.Start([this] { return RendlinkDialog(session).DoModal(platform::kNoWindow); });
@@ -41,6 +43,7 @@ class RendlinkDialogTest : public RendlinkTest {
   }
 
   static constexpr std::uint32_t kTarget_ = rendlink::kTarget;
+  platform::simulation::Screen& screen = sim.Screen();
 };
 
 TEST_F(RendlinkDialogTest, ShowsTheProfilesAndWhatIsMissing) {
@@ -139,6 +142,25 @@ TEST_F(RendlinkDialogTest, TheApplicationsMenuIsMadeWhereItIsMissingAndTheEnding
   EXPECT_EQ(screen.AskedPaths()[0].suggested, "/home/player/applications/race.desktop");
   EXPECT_TRUE(sim.Disk().Exists("/home/player/applications/My Race.desktop"));
   ExpectSuccess("The launcher was saved as \"/home/player/applications/My Race.desktop\".");
+}
+
+TEST_F(RendlinkDialogTest, AFileThatIsThereOnlyWithTheEndingIsAskedAbout) {
+  const std::string there = "/home/player/Desktop/Race.desktop";
+  sim.Disk().PutFile(there, "another's");
+  Begin();
+  Fill();
+  screen.ChooseNextPath("/home/player/Desktop/Race");
+  screen.Click(kSave);
+  ASSERT_TRUE(screen.BoxUp());
+  EXPECT_EQ(screen.Box().text, "\"" + there + "\" is there already. Replace it?");
+  EXPECT_EQ(screen.Box().type, platform::MB_ICONQUESTION | platform::MB_YESNO);
+  screen.Answer(platform::IDNO);
+  EXPECT_EQ(sim.Disk().FileBytes(there), "another's");
+  screen.ChooseNextPath("/home/player/Desktop/Race");
+  screen.Click(kSave);
+  screen.Answer(platform::IDYES);
+  EXPECT_NE(sim.Disk().FileBytes(there), "another's");
+  ExpectSuccess("The launcher was saved as \"" + there + "\".");
 }
 
 TEST_F(RendlinkDialogTest, NothingIsSavedWhereNoFileIsChosen) {
