@@ -2,27 +2,21 @@
 #include "console/import/xml_tree.h"
 
 #include <cstdio>
-#include <memory>
 #include <utility>
 
 #include "app/platform/windows/wide_text.h"
 #include "console/import/xml_builder.h"
 
 // Last.
-#include "app/platform/windows/win32.h"
+#include "app/platform/windows/owned_interface.h"
 
-#include <objbase.h>
 #include <shlwapi.h>
 #include <xmllite.h>
 
 namespace kelvaro::console {
 namespace {
 
-struct Free {
-  void operator()(IUnknown* each) const { each->Release(); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Free>;
+using platform::Owned;
 
 Owned<IXmlReader> MakeReader() {
   using Create = ::HRESULT(WINAPI*)(REFIID kind, void** made, IMalloc* memory);

@@ -1,22 +1,14 @@
 #include "app/platform/windows/ui/windows_shell.h"
 
-// COM's, which a lean windows.h leaves out.
-#include <objbase.h>
+#include "app/platform/windows/owned_interface.h"
+#include "app/platform/windows/ui/text.h"
+
+// Last.
 #include <shlobj.h>
 #include <shobjidl.h>
 
-#include <memory>
-
-#include "app/platform/windows/ui/text.h"
-
 namespace platform::ui {
 namespace {
-
-struct Release {
-  void operator()(IUnknown* object) const { object->Release(); }
-};
-template <typename Interface>
-using Owned = std::unique_ptr<Interface, Release>;
 
 Owned<IShellItem> ItemOf(const std::wstring& path) {
   IShellItem* item = nullptr;
@@ -90,8 +82,10 @@ std::string WindowsShell::GetCommandLineA(char) { return Bytes(GetCommandLineW()
 
 bool WindowsShell::ChooseFile(WindowHandle owner, const std::string& title, bool forSaving,
                               const std::string& suggested, std::string* path) {
-  const DWORD options =
-      FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR | (forSaving ? FOS_OVERWRITEPROMPT : FOS_FILEMUSTEXIST);
+  // A shortcut that is saved is itself the file; one that is opened stands for its target.
+  const DWORD purpose =
+      forSaving ? FOS_OVERWRITEPROMPT | FOS_NODEREFERENCELINKS : FOS_FILEMUSTEXIST;
+  const DWORD options = FOS_FORCEFILESYSTEM | FOS_NOCHANGEDIR | purpose;
   const Owned<IFileDialog> dialog = MakeDialog(forSaving, options);
   return dialog && Choose(desktop, owner, *dialog, title, suggested, path);
 }
