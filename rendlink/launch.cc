@@ -167,4 +167,20 @@ std::string ProcessLine(const Words& words) {
   return line;
 }
 
+std::string LineBehind(std::string_view line, std::size_t words) {
+  const auto blank = [&](std::size_t i) { return line[i] == ' ' || line[i] == '\t'; };
+  std::size_t at = 0;
+  for (std::size_t word = 0; word < words; ++word) {
+    bool quoted = false;
+    std::size_t backslashes = 0;  // right before this byte
+    for (; at < line.size() && (quoted || !blank(at)); ++at) {
+      // In the program's own path, the first word, a backslash is one.
+      if (line[at] == '"' && (backslashes % 2 == 0 || word == 0)) quoted = !quoted;
+      backslashes = line[at] == '\\' ? backslashes + 1 : 0;
+    }
+    while (at < line.size() && blank(at)) ++at;
+  }
+  return std::string(line.substr(at));
+}
+
 }  // namespace kelvaro::rendlink

@@ -3,6 +3,7 @@
 // inside of "args=", so some texts can't be carried: those are refused, never changed.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,5 +34,9 @@ std::string ShellLine(const Words& words);
 
 // The words as one line for CreateProcessA; none of them may have a double quote.
 std::string ProcessLine(const Words& words);
+
+// What stands in a process's line on Windows behind that many words, to the last byte: each program
+// takes its line apart in its own way. By the rules of Microsoft's compilers, as main's words are.
+std::string LineBehind(std::string_view line, std::size_t words);
 
 }  // namespace kelvaro::rendlink

@@ -281,9 +281,7 @@ Section
   SetOutPath "$INSTDIR"
   CreateDirectory "$SMPROGRAMS\Kelvaro"
   CreateShortcut "$SMPROGRAMS\Kelvaro\Kelvaro.lnk" "$INSTDIR\kelvaro.exe"
-  !ifdef RENDLINK
-    CreateShortcut "$SMPROGRAMS\Kelvaro\Rendlink.lnk" "$INSTDIR\rendlink.exe"
-  !endif
+  CreateShortcut "$SMPROGRAMS\Kelvaro\Rendlink.lnk" "$INSTDIR\rendlink.exe"
   CreateShortcut "$SMPROGRAMS\Kelvaro\Kelvaro Help.lnk" "$INSTDIR\Help\Kelvaro.chm"
 
   WriteRegStr SHCTX "${CLASSES}\.idprof" "" "${PROFILE_CLASS}"

@@ -127,5 +127,26 @@ TEST(ProcessLine, PutsEachWordIntoDoubleQuotes) {
   EXPECT_EQ(ProcessLine({"/a b/k", "profile=x", ""}), "\"/a b/k\" \"profile=x\" \"\"");
 }
 
+TEST(LineBehind, LeavesWhatFollowsAsItStands) {
+  const struct {
+    const char* line;
+    std::size_t words;
+    const char* behind;
+  } kRows[] = {
+      {"a b  c", 0, "a b  c"},
+      {"a b  c ", 2, "c "},
+      {"\"C:\\My Games\\r.exe\" --profile \"A b\" -- g.exe  -x=\"a b\" \\\"", 4,
+       "g.exe  -x=\"a b\" \\\""},
+      {"\"C:\\x\\\" -- g", 2, "g"},    // the first word's last backslash is one
+      {"r \"a\\\" b\" -- g", 3, "g"},  // a quote behind one is part of the word
+      {"r \"a\\\\\" -- g", 3, "g"},    // behind two it ends it
+      {"r a\" \"b\t--\tg \xC3\xA9", 3, "g \xC3\xA9"},
+      {"r \"a\"\" b\" g", 2, "g"},  // two in quotes are one of the word
+      {"r", 1, ""},
+      {"r a", 5, ""},
+  };
+  for (const auto& row : kRows) EXPECT_EQ(LineBehind(row.line, row.words), row.behind) << row.line;
+}
+
 }  // namespace
 }  // namespace kelvaro::rendlink

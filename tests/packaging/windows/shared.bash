@@ -5,8 +5,7 @@ root=$(realpath "$(dirname "${BASH_SOURCE[0]}")/../../..")
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 version=$(sed -n 's/^!define VERSION "\(.*\)"/\1/p' "$build/packaging/windows/names.nsh")
-programs="kelvaro.exe kelvaroctl.exe"
-[ ! -e "$build/bin/rendlink.exe" ] || programs+=" rendlink.exe"
+programs="kelvaro.exe kelvaroctl.exe rendlink.exe"
 
 fail() { printf 'FAILED: %s\n' "$1"; exit 1; }
 expect() { # what, wanted, got

@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <tlhelp32.h>
 
 namespace kelvaro::tests {
 namespace {
@@ -41,34 +42,52 @@ BOOL CALLBACK Keep(HWND window, LPARAM wanted) {
   return FALSE;
 }
 
-void MarkAsWelcomedIn(const char* key) {
-  const DWORD shown = 1;
-  RegSetKeyValueA(HKEY_CURRENT_USER, key, "Welcome Display", REG_DWORD, &shown, sizeof shown);
+void Check(const char* key, const char* value) {
+  const DWORD checked = 1;
+  RegSetKeyValueA(HKEY_CURRENT_USER, key, value, REG_DWORD, &checked, sizeof checked);
 }
 
 }  // namespace
 
 // --- The program
 
-Program::Program(const std::string& folder, const std::string& arguments) {
+Program::Program(const std::string& folder, const std::string& arguments, const std::string& name,
+                 const std::string& output) {
   STARTUPINFOA start = {};
   start.cb = sizeof start;
+  SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+  const BOOL prints = !output.empty();
+  if (prints) {
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput =
+        CreateFileA(output.c_str(), FILE_APPEND_DATA | SYNCHRONIZE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited, CREATE_ALWAYS, 0, nullptr);
+    start.hStdError = start.hStdOutput;
+  }
   PROCESS_INFORMATION made = {};
-  std::string line = '"' + folder + "\\kelvaro.exe\"" + (arguments.empty() ? "" : ' ' + arguments);
-  if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(),
+  std::string line = '"' + folder + '\\' + name + '"' + (arguments.empty() ? "" : ' ' + arguments);
+  if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, prints, 0, nullptr, folder.c_str(),
                       &start, &made))
     made = {};
   if (made.hThread) CloseHandle(made.hThread);
+  if (prints) CloseHandle(start.hStdOutput);
   process = made.hProcess;
   id = made.dwProcessId;
 }
 
+Program::Program(std::uint32_t running)
+    : process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, running)), id(running) {}
+
 Program::~Program() {
   if (!process) return;
-  TerminateProcess(process, 99);
+  End();
   WaitForSingleObject(process, INFINITE);
   CloseHandle(process);
 }
+
+bool Program::Runs() const { return WaitForSingleObject(process, 0) == WAIT_TIMEOUT; }
+
+void Program::End() { TerminateProcess(process, 99); }
 
 std::uintptr_t Program::Find(const std::string& title, bool visible) const {
   Wanted wanted{static_cast<DWORD>(id), title, visible, nullptr};
@@ -76,7 +95,7 @@ std::uintptr_t Program::Find(const std::string& title, bool visible) const {
   return reinterpret_cast<std::uintptr_t>(wanted.found);
 }
 
-std::uintptr_t Program::Await(const std::string& title) {
+std::uintptr_t Program::Await(const std::string& title) const {
   return Eventually([&] { return Find(title) != 0; }) ? Find(title) : 0;
 }
 
@@ -112,6 +131,18 @@ std::int32_t Program::AwaitEnd() {
   DWORD status = 0;
   const bool ended = Eventually([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; });
   return ended && GetExitCodeProcess(process, &status) ? static_cast<std::int32_t>(status) : -1;
+}
+
+std::uint32_t ProcessOf(const std::string& name) {
+  const HANDLE list = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
+  PROCESSENTRY32 entry = {};
+  entry.dwSize = sizeof entry;
+  DWORD found = 0;
+  for (BOOL more = Process32First(list, &entry); more && found == 0;
+       more = Process32Next(list, &entry))
+    if (name == entry.szExeFile) found = entry.th32ProcessID;
+  CloseHandle(list);
+  return found;
 }
 
 void Click(std::uintptr_t window, std::uint32_t control) {
@@ -234,7 +265,11 @@ std::string StartedWithSession(const std::string& name) {
   return path;
 }
 
-void MarkAsWelcomed() { MarkAsWelcomedIn(kProductKey); }
-void MarkAsWelcomedFormerly() { MarkAsWelcomedIn(kFormerProductKey); }
+void MarkAsWelcomed() { Check(kProductKey, "Welcome Display"); }
+void MarkAsWelcomedFormerly() { Check(kFormerProductKey, "Welcome Display"); }
+void KeepQuiet() {
+  MarkAsWelcomed();
+  Check(kProductKey, "No Device Error Msg");
+}
 
 }  // namespace kelvaro::tests

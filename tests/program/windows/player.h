@@ -1,5 +1,6 @@
-// A person before kelvaro.exe, which runs in a process and a folder of its own: starts it, finds
-// its windows, clicks and reads; and their pad, which the DirectInput beside the program plays.
+// A person before kelvaro.exe or rendlink.exe, which runs in a process and a folder of its own:
+// starts it, finds its windows, clicks and reads; and their pad, which the DirectInput beside the
+// program plays.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +11,23 @@ namespace kelvaro::tests {
 // One run of the program.
 class Program {
  public:
-  // In `folder`, with these arguments.
-  Program(const std::string& folder, const std::string& arguments = "");
-  ~Program();  // ended by force where it still runs
+  // The one of that name in `folder`, with these arguments; what it prints goes into the file
+  // `output`, where one is told.
+  Program(const std::string& folder, const std::string& arguments = "",
+          const std::string& name = "kelvaro.exe", const std::string& output = "");
+  explicit Program(std::uint32_t process);  // that runs
+  ~Program();                               // ended by force where it still runs
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
   // Handles of windows are numbers here, 0 for none. Each waits for what it asks for.
-  std::uintptr_t Await(const std::string& title);  // a visible window
+  std::uintptr_t Await(const std::string& title) const;  // a visible window
   std::uintptr_t AwaitUnseen(const std::string& title);
   bool AwaitMenu();
   bool AwaitGone(const std::string& title);
   bool AwaitHidden(std::uintptr_t window);
+  void End();  // by force
+  bool Runs() const;
   // Its exit status; -1 where it doesn't end.
   std::int32_t AwaitEnd();
 
@@ -31,6 +37,9 @@ class Program {
   void* process;
   std::uint32_t id;
 };
+
+// A process of that file's name; 0 for none.
+std::uint32_t ProcessOf(const std::string& name);
 
 // Of a window of the program.
 void Click(std::uintptr_t window, std::uint32_t control);
@@ -81,5 +90,7 @@ void ForgetSettings();
 void MarkAsWelcomed();
 // The same under the program's former name.
 void MarkAsWelcomedFormerly();
+// And that no box is wanted about a profile's pad that isn't there.
+void KeepQuiet();
 
 }  // namespace kelvaro::tests
