@@ -10,10 +10,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <numbers>
 
 #include "console/percentile.h"
 #include "tests/kernel/trace.h"
@@ -128,19 +130,21 @@ Program::~Program() {
   }
 }
 
-Usage UsageOf(pid_t process) {
+Usage UsageOf(const std::vector<pid_t>& processes) {
   Usage sum;
-  for (const auto& task :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
-    std::ifstream times(task.path() / "schedstat");
-    double ns = 0;
-    double waitedNs = 0;
-    double runs = 0;
-    if (!(times >> ns >> waitedNs >> runs)) {
-      Fail("no processor time of a thread");
+  for (const pid_t process : processes) {
+    for (const auto& task :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+      std::ifstream times(task.path() / "schedstat");
+      double ns = 0;
+      double waitedNs = 0;
+      double runs = 0;
+      if (!(times >> ns >> waitedNs >> runs)) {
+        Fail("no processor time of a thread");
+      }
+      sum.ns += ns;
+      sum.switches += runs;
     }
-    sum.ns += ns;
-    sum.switches += runs;
   }
   return sum;
 }
@@ -161,6 +165,45 @@ void PrintShare(const std::string& what, const Usage& before, const Usage& after
               (after.ns - before.ns) / seconds / 1e9 * 100,
               (after.switches - before.switches) / seconds);
   std::fflush(stdout);
+}
+
+void PrintStillUse(const std::string& what, const std::vector<pid_t>& processes) {
+  PrintUse(what, processes, [] { WaitMs(kSeconds * 1000); });
+}
+
+void PrintUse(const std::string& what, const std::vector<pid_t>& processes,
+              const std::function<void()>& meanwhile) {
+  const std::int64_t begin = NowUs();
+  const Usage before = UsageOf(processes);
+  meanwhile();
+  const Usage after = UsageOf(processes);
+  PrintShare(what, before, after, static_cast<double>(NowUs() - begin) / 1e6);
+}
+
+Circle::Circle(UinputPad& pad) : pad(pad), next(NowUs()) {}
+
+void Circle::Play(int seconds) {
+  for (int i = 0; i < seconds * 250; ++i) {
+    const double angle = 2 * std::numbers::pi * step++ / 62.5;
+    pad.Put(EV_ABS, ABS_X, static_cast<int>(30000 * std::cos(angle)));
+    pad.Put(EV_ABS, ABS_Y, static_cast<int>(30000 * std::sin(angle)));
+    pad.Sync();
+    WaitUntilUs(next += 4000);
+  }
+}
+
+platform::PressTimes TimesOf(UinputPad& pad, platform::KeyArrivals& keys, int intervalUs,
+                             int presses) {
+  const auto press = [&pad](bool down) {
+    down ? pad.Press(0) : pad.Release(0);
+    return true;
+  };
+  const platform::PressTimes times = platform::TimePresses(
+      press, keys, {.intervalUs = intervalUs, .presses = presses}, [] { return true; });
+  if (times.lost > 0) {
+    Fail("a press doesn't come through");
+  }
+  return times;
 }
 
 void PrintTimes(const std::string& what, std::vector<double> us) {

@@ -5,6 +5,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -69,12 +70,12 @@ class Program {
   std::unique_ptr<Reader> mouse;
 };
 
-// What all threads of a process have used so far.
+// What all threads of some processes have used so far.
 struct Usage {
   double ns = 0;        // on a processor
   double switches = 0;  // times that one of them was given a processor
 };
-Usage UsageOf(pid_t process);
+Usage UsageOf(const std::vector<pid_t>& processes);
 
 // A figure of the kernel's about a process's memory, in KB: "Rss:", or "Pss:", the proportional set
 // size, in which what several processes share counts by its part.
@@ -85,6 +86,35 @@ void PrintShare(const std::string& what, const Usage& before, const Usage& after
 
 // Least, median, 95 % and most of some microseconds.
 void PrintTimes(const std::string& what, std::vector<double> us);
+
+// Presses the pad's first button at all phases of an interval; every key has to come.
+platform::PressTimes TimesOf(UinputPad& pad, platform::KeyArrivals& keys, int intervalUs,
+                             int presses);
+
+// For how long what is used is measured.
+constexpr int kSeconds = 10;
+void PrintUse(const std::string& what, const std::vector<pid_t>& processes,
+              const std::function<void()>& meanwhile);
+// While nothing happens to them.
+void PrintStillUse(const std::string& what, const std::vector<pid_t>& processes);
+
+// A stick that goes round in a circle, four times a second, always beyond the dead zone in one axis
+// or the other; a new position each 4 ms.
+class Circle {
+ public:
+  explicit Circle(UinputPad& pad);
+  void Play(int seconds);
+
+ private:
+  UinputPad& pad;
+  std::int64_t next;
+  int step = 0;
+};
+
+// Members of a profile: that stick moves the pointer.
+constexpr char kMouseOfStick[] =
+    ",\"mouse\":{\"mouseX\":{\"kind\":0,\"index\":0},"
+    "\"mouseY\":{\"kind\":1,\"index\":0},\"mouseAlwaysActive\":true}";
 
 // The measurements, each of which prints lines of its own: from press to key, then what is used.
 void MeasurePresses();

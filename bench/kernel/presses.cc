@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "bench/kernel/measure.h"
+#include "tests/kernel/asking.h"
 
 namespace kelvaro::kernel {
 namespace {
@@ -61,16 +62,6 @@ platform::PressButton ButtonOf(UinputPad& pad) {
 
 bool GoOn() { return true; }
 
-platform::PressTimes PressTimes(UinputPad& pad, platform::KeyWatch& keyboard, int intervalUs) {
-  const platform::PressTimes times = platform::TimePresses(
-      ButtonOf(pad), keyboard, {.intervalUs = intervalUs, .presses = kPresses, .warmUp = kWarmUp},
-      GoOn);
-  if (times.lost > 0) {
-    Fail("a press doesn't come through");
-  }
-  return times;
-}
-
 void Print(const std::string& what, const platform::PressTimes& times) {
   PrintTimes(what, times.sent);
   PrintTimes("  until a waiting thread has read it", times.seen);
@@ -87,7 +78,7 @@ void MeasureForwarder() {
     if (!forwarder) {
       Fail("the forwarder doesn't start");
     }
-    Print("blocking forwarder, pad to key", PressTimes(pad, *keyboard, 1000));
+    Print("blocking forwarder, pad to key", TimesOf(pad, *keyboard, 1000, kPresses));
   }
   close(out);
 }
@@ -105,7 +96,32 @@ void MeasureProgram(int intervalMs, const ProgramOptions& options = {}) {
   UinputPad pad(BenchPad());
   Program program(pad, Profile(intervalMs), options);
   Print(Named(intervalMs, options) + ", pad to key",
-        PressTimes(pad, program.Keyboard(), intervalMs * 1000));
+        TimesOf(pad, program.Keyboard(), intervalMs * 1000, kPresses));
+}
+
+// One of 200 Controls, while others ask on and on, and alone.
+void MeasureSteered(int intervalMs) {
+  std::string others;
+  for (int i = 1; i < 200; ++i) {
+    others += ",{\"buttonMask\":\"0x" + std::to_string(2 + 2 * (i % 4)) +
+              "\",\"triggerItems\":[{\"kind\":" + std::to_string(i % 2) +
+              ",\"index\":0,\"value\":" + std::to_string(1 + i / 2 % 2) +
+              "}],\"actions\":[{\"text\":\"b\"}]}";
+  }
+  std::string profile = Profile(intervalMs);
+  profile.insert(profile.rfind(']'), others);
+  UinputPad pad(BenchPad());
+  Program program(pad, profile);
+  const std::string what = "200 Controls, " + std::to_string(intervalMs) + " ms";
+  Print(what, TimesOf(pad, program.Keyboard(), intervalMs * 1000, kPresses));
+  Asking asking(program.Id(), 1000);
+  Print(what + ", 1000 requests a second",
+        TimesOf(pad, program.Keyboard(), intervalMs * 1000, kPresses));
+  const int answers = asking.End();
+  if (answers == 0) {
+    Fail("nobody answers: " + asking.Err());
+  }
+  std::printf("%-52s %7d\n", "  answers", answers);
 }
 
 // Of taps shorter than the interval.
@@ -131,6 +147,9 @@ void MeasurePresses() {
     MeasureProgram(intervalMs, {.asNobody = true});
     MeasureProgram(intervalMs, {.words = {"--wake"}});
     MeasureProgram(intervalMs, {.words = {"--wake"}, .asNobody = true});
+  }
+  for (const int intervalMs : {1, 5}) {
+    MeasureSteered(intervalMs);
   }
   CountLostTaps(5);
   CountLostTaps(5, {.words = {"--wake"}});

@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdio>
 #include <ctime>
-#include <numbers>
 
 #include "bench/kernel/measure.h"
 #include "tests/kernel/trace.h"
@@ -21,7 +20,6 @@
 namespace kelvaro::kernel {
 namespace {
 
-constexpr int kSeconds = 10;
 constexpr char kPointerName[] = "Bench Pointer";
 
 // A thread that sleeps until the next millisecond and reads; with `pointer` it also sends a motion.
@@ -61,12 +59,9 @@ void MeasureBareLoop(bool pointer) {
   const std::unique_ptr<Reader> reader =
       pointer ? std::make_unique<Reader>(WaitForInput(kPointerName)) : nullptr;
   WaitMs(500);
-  const std::int64_t begin = NowUs();
-  const Usage before = UsageOf(loop);
-  WaitMs(kSeconds * 1000);
-  PrintShare(pointer ? "bare loop, 1000 sleeps, reads and motions a second"
-                     : "bare loop, 1000 sleeps and reads a second",
-             before, UsageOf(loop), static_cast<double>(NowUs() - begin) / 1e6);
+  PrintStillUse(pointer ? "bare loop, 1000 sleeps, reads and motions a second"
+                        : "bare loop, 1000 sleeps and reads a second",
+                {loop});
   int status = 0;
   kill(loop, SIGKILL);
   if (waitpid(loop, &status, 0) != loop || !WIFSIGNALED(status)) {
@@ -74,18 +69,10 @@ void MeasureBareLoop(bool pointer) {
   }
 }
 
-// While nothing happens to the process.
-void PrintStillUse(const std::string& what, pid_t process) {
-  const std::int64_t begin = NowUs();
-  const Usage before = UsageOf(process);
-  WaitMs(kSeconds * 1000);
-  PrintShare(what, before, UsageOf(process), static_cast<double>(NowUs() - begin) / 1e6);
-}
-
 void MeasureStillPad(int intervalMs) {
   UinputPad pad(BenchPad());
   Program program(pad, Profile(intervalMs));
-  PrintStillUse("kelvaroctl, pad still, " + std::to_string(intervalMs) + " ms", program.Id());
+  PrintStillUse("kelvaroctl, pad still, " + std::to_string(intervalMs) + " ms", {program.Id()});
 }
 
 // kelvaro, off-screen, with a still pad.
@@ -103,7 +90,7 @@ void MeasureWindow(bool hidden, int intervalMs) {
   }
   WaitMs(3000);
   const std::string what = hidden ? "window hidden" : "window open";
-  PrintStillUse(what + ", pad still, " + std::to_string(intervalMs) + " ms", child->Id());
+  PrintStillUse(what + ", pad still, " + std::to_string(intervalMs) + " ms", {child->Id()});
   std::printf("%-52s %9ld KB, %ld KB\n", (what + ", memory: resident, proportional").c_str(),
               MemoryKbOf(child->Id(), "Rss:"), MemoryKbOf(child->Id(), "Pss:"));
   std::fflush(stdout);
@@ -115,32 +102,14 @@ void MeasureWindow(bool hidden, int intervalMs) {
 
 void MeasurePointer(int intervalMs) {
   UinputPad pad(BenchPad());
-  Program program(pad, Profile(intervalMs,
-                               ",\"mouse\":{\"mouseX\":{\"kind\":0,\"index\":0},"
-                               "\"mouseY\":{\"kind\":1,\"index\":0},\"mouseAlwaysActive\":true}"));
+  Program program(pad, Profile(intervalMs, kMouseOfStick));
   std::printf("%-52s %9ld KB\n", "memory (proportional) at rest", MemoryKbOf(program.Id(), "Pss:"));
-  // Round in a circle, four times a second, always beyond the dead zone in one axis or the other;
-  // a new position each 4 ms.
-  const auto position = [&](int step) {
-    const double angle = 2 * std::numbers::pi * step / 62.5;
-    pad.Put(EV_ABS, ABS_X, static_cast<int>(30000 * std::cos(angle)));
-    pad.Put(EV_ABS, ABS_Y, static_cast<int>(30000 * std::sin(angle)));
-    pad.Sync();
-  };
-  std::int64_t next = NowUs();
-  int step = 0;
-  const auto play = [&](int steps) {
-    for (int i = 0; i < steps; ++i) {
-      position(step++);
-      WaitUntilUs(next += 4000);
-    }
-  };
-  play(250);
+  Circle circle(pad);
+  circle.Play(1);
   program.Mouse().Clear();
   const std::int64_t begin = NowUs();
-  const Usage before = UsageOf(program.Id());
-  play(kSeconds * 250);
-  const Usage after = UsageOf(program.Id());
+  PrintUse("stick at 250 Hz, pointer moving, " + std::to_string(intervalMs) + " ms", {program.Id()},
+           [&] { circle.Play(kSeconds); });
   const std::int64_t end = NowUs();
   std::vector<std::int64_t> frames;
   for (const KernelEvent& event : program.Mouse().Events()) {
@@ -148,8 +117,6 @@ void MeasurePointer(int intervalMs) {
       frames.push_back(event.us);
     }
   }
-  PrintShare("stick at 250 Hz, pointer moving, " + std::to_string(intervalMs) + " ms", before,
-             after, static_cast<double>(end - begin) / 1e6);
   std::printf("%-52s %9.1f\n", "pointer frames a second",
               static_cast<double>(frames.size()) * 1e6 / static_cast<double>(end - begin));
   double squares = 0;

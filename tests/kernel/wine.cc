@@ -11,14 +11,14 @@
 namespace kelvaro::kernel {
 namespace {
 
-[[noreturn]] void Fail(const std::string& what) {
+[[noreturn]] void GiveUp(const std::string& what) {
   std::fprintf(stderr, "Wine: %s\n", what.c_str());
   std::exit(1);
 }
 
 std::string Given(const char* name) {
   const char* const value = std::getenv(name);
-  if (value == nullptr) Fail(std::string(name) + " isn't set; start by tests/kernel/with_wine");
+  if (value == nullptr) GiveUp(std::string(name) + " isn't set; start by tests/kernel/with_wine");
   return value;
 }
 
@@ -36,10 +36,10 @@ std::int64_t AheadUs() {
 Wine::Wine()
     : server([](const std::string& pipe) { return tests::XServerCommand(pipe, "640x480x24"); }),
       options{home.Environment()} {
-  if (server.Address().empty()) Fail("no X server starts");
+  if (server.Address().empty()) GiveUp("no X server starts");
   const std::string folder = Given("KELVARO_WINE");
   // Wine works only in a folder of its user's own, and here that is root.
-  if (chown(folder.c_str(), 0, 0) != 0) Fail(folder + " can't be made root's");
+  if (chown(folder.c_str(), 0, 0) != 0) GiveUp(folder + " can't be made root's");
   options.environment["DISPLAY"] = Display();
   options.environment["WINEPREFIX"] = folder;
   options.environment["WINEDEBUG"] = "-all";
@@ -81,7 +81,7 @@ std::vector<pid_t> Wine::Shared() const {
 TypedKeys::TypedKeys(const Wine& wine)
     : child(wine.Start("tests/windows/typed_keys/typed_keys.exe")) {
   const auto ready = [this] { return child->Out().rfind("ready", 0) == 0; };
-  if (!tests::Eventually(ready, kWinePatience)) Fail("no window to type into: " + child->Log());
+  if (!tests::Eventually(ready, kWinePatience)) GiveUp("no window to type into: " + child->Log());
   taken = child->Out().find('\n') + 1;
 }
 

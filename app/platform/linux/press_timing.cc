@@ -149,7 +149,7 @@ Forwarder::~Forwarder() {
 
 // The presses
 
-PressTimes TimePresses(const PressButton& press, KeyWatch& keys, const PressPlan& plan,
+PressTimes TimePresses(const PressButton& press, KeyArrivals& keys, const PressPlan& plan,
                        const std::function<bool()>& goOn) {
   std::mt19937 random(kSeed);
   std::vector<int> phases(static_cast<std::size_t>(plan.presses + plan.warmUp));
@@ -171,7 +171,7 @@ PressTimes TimePresses(const PressButton& press, KeyWatch& keys, const PressPlan
     waitFor(phase);
     const std::int64_t begin = NowUs();
     if (!press(true)) return times;
-    const std::optional<KeyWatch::Key> key = keys.Next(true, limit);
+    const std::optional<KeyArrivals::Key> key = keys.Next(true, limit);
     if (phase >= 0 && key) {
       times.sent.push_back(static_cast<double>(key->sentUs - begin));
       times.seen.push_back(static_cast<double>(key->seenUs - begin));

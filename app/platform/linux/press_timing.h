@@ -20,27 +20,36 @@
 
 namespace platform {
 
-// Reads a keyboard's node on a thread of its own, which waits for each key. The node is grabbed: no
-// other program gets the keys.
-class KeyWatch {
+// Where the keys of presses arrive. One thread at a time.
+class KeyArrivals {
  public:
   struct Key {
     bool down = false;
     std::int64_t sentUs = 0;  // the kernel's time of the event
-    std::int64_t seenUs = 0;  // when the thread had read it
+    std::int64_t seenUs = 0;  // when somebody who waited for it had it
   };
 
-  // Null on failure, with the errno value in *errorCode: EBUSY where another program has grabbed
-  // the keyboard.
-  static std::unique_ptr<KeyWatch> Open(const std::string& node, int* errorCode);
-  ~KeyWatch();
-  KeyWatch(const KeyWatch&) = delete;
-  KeyWatch& operator=(const KeyWatch&) = delete;
+  virtual ~KeyArrivals() = default;
 
   // Takes the first key event that goes this way, and forgets those before it. Nothing once `limit`
   // is over.
-  std::optional<Key> Next(bool down, std::chrono::milliseconds limit);
-  void Forget();
+  virtual std::optional<Key> Next(bool down, std::chrono::milliseconds limit) = 0;
+  virtual void Forget() = 0;
+};
+
+// Reads a keyboard's node on a thread of its own, which waits for each key. The node is grabbed: no
+// other program gets the keys.
+class KeyWatch final : public KeyArrivals {
+ public:
+  // Null on failure, with the errno value in *errorCode: EBUSY where another program has grabbed
+  // the keyboard.
+  static std::unique_ptr<KeyWatch> Open(const std::string& node, int* errorCode);
+  ~KeyWatch() override;
+  KeyWatch(const KeyWatch&) = delete;
+  KeyWatch& operator=(const KeyWatch&) = delete;
+
+  std::optional<Key> Next(bool down, std::chrono::milliseconds limit) override;
+  void Forget() override;
   // That went down and haven't been taken or forgotten.
   int Downs();
 
@@ -94,7 +103,7 @@ struct PressTimes {
 
 // The presses come in random order at evenly spread phases of the interval: the median then doesn't
 // depend on luck. Ends early, with what it has so far, as soon as `goOn` says no or the pad fails.
-PressTimes TimePresses(const PressButton& press, KeyWatch& keys, const PressPlan& plan,
+PressTimes TimePresses(const PressButton& press, KeyArrivals& keys, const PressPlan& plan,
                        const std::function<bool()>& goOn);
 
 // How many of `taps` of 1 to 4 ms, at random phases of the interval, gave no key. Nothing where
