@@ -21,6 +21,7 @@
 #include "tests/foundation/texts.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/random_profile.h"
+#include "tests/swarm/reasons.h"
 
 namespace kelvaro {
 namespace {
@@ -70,6 +71,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     WithoutProfiles();
     Preset("Show Auto-Detect Usage", 0);
     sim.KeepEvents(false);
+    sim.OnEvent([this](const auto& event) { held.See(event); });
     for (const char* name : {"Alpha", "Bravo", "Charlie", "Foxtrot", "Golf"}) {
       StoreProfile(name, [this](ProfileFile& made) { FillProfile(&made); });
     }
@@ -294,6 +296,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     }
     unsaved = false;
     leftBehind.clear();
+    held = {};  // by the system, which takes back what an ended program has down
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     listed = Texts(names);
@@ -376,15 +379,14 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   std::string OpenName() { return Bytes(OpenProfile().profileName); }
 
   // A replay has its locks for as long as it takes, and gives them back.
-  void ExpectFreeSoon(const RecursiveLock& lock) {
-    for (int i = 0; i < 2000 && lock.IsTaken(); ++i) sim.RunFor(1);
-    EXPECT_FALSE(lock.IsTaken());
-  }
   void ExpectNoLock() {
-    ExpectFreeSoon(Device()->deviceLock);
-    ExpectFreeSoon(Engine().mouseLock);
-    ExpectFreeSoon(OpenProfile().profileLock);
-    ExpectFreeSoon(Engine().repeatWorker.repeatLock);
+    const RecursiveLock* const locks[] = {&Device()->deviceLock, &Engine().mouseLock,
+                                          &OpenProfile().profileLock,
+                                          &Engine().repeatWorker.repeatLock};
+    const auto isTaken = [](const RecursiveLock* lock) { return lock->IsTaken(); };
+    const auto anyTaken = [&] { return std::any_of(std::begin(locks), std::end(locks), isTaken); };
+    for (int i = 0; i < 8000 && anyTaken(); ++i) sim.RunFor(1);
+    EXPECT_FALSE(anyTaken());
   }
 
   // As a save would write it now.
@@ -478,6 +480,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     if (mouseShown) {
       EXPECT_EQ(Engine().movementFactor, open.movementSensitivity + 2);
     }
+    EXPECT_EQ(reasons.Disagreement(Engine(), held), "");
     if (Device()->DeviceSelected()) {
       EXPECT_EQ(CurrentDeviceName(), Bytes(Device()->SelectedName()));
     }
@@ -502,6 +505,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   }
 
   Random random;
+  HeldInputs held;
+  swarm::Reasons reasons;
   SimulatedDevice& stick = MainWindowTest::AddPad("Stick");
   Strings listed;                    // names that the list should show
   std::set<std::string> leftBehind;  // names that are in the list or the folder alone

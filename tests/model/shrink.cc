@@ -4,6 +4,7 @@
 
 #include "console/profile_json.h"
 #include "tests/model/real_run.h"
+#include "tests/model/take_out.h"
 
 namespace kelvaro::plain {
 namespace {
@@ -37,19 +38,16 @@ class Shrinker {
     return true;
   }
 
-  // Takes elements out of a list, first many at once.
   template <typename List>
   void Shorten(List list) {
-    for (std::size_t chunk = list(best).size(); chunk > 0; chunk /= 2) {
-      for (std::size_t i = 0; i + chunk <= list(best).size();) {
-        const bool taken = Try([&](Script& s) {
-          auto& elements = list(s);
-          const auto first = elements.begin() + static_cast<std::ptrdiff_t>(i);
-          elements.erase(first, first + static_cast<std::ptrdiff_t>(chunk));
-        });
-        if (!taken) ++i;
-      }
-    }
+    TakeOut([&] { return list(best).size(); },
+            [&](std::size_t i, std::size_t count) {
+              return Try([&](Script& s) {
+                auto& elements = list(s);
+                const auto first = elements.begin() + static_cast<std::ptrdiff_t>(i);
+                elements.erase(first, first + static_cast<std::ptrdiff_t>(count));
+              });
+            });
   }
 
   void ShortenEnd() {
