@@ -30,6 +30,20 @@ enum class ControlKind : std::uint8_t {
   Slider,         // horizontal, ticks below
 };
 
+// Whether the person can come to such a control by keyboard.
+constexpr bool TakesFocus(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::Label:
+    case ControlKind::Picture:
+    case ControlKind::Rule:
+    case ControlKind::GroupBox:
+    case ControlKind::Box:
+      return false;
+    default:
+      return true;
+  }
+}
+
 // Of a control.
 constexpr std::uint32_t kStyleHidden = 0x1;  // at first
 constexpr std::uint32_t kStyleDisabled = 0x2;

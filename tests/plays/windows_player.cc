@@ -16,6 +16,7 @@
 #include "app/platform/windows/ui/windows_ui.h"
 #include "app/platform/windows/windows_platform.h"
 #include "tests/windows/dinput8/pad_hands.h"
+#include "tests/windows/hands.h"
 
 namespace kelvaro::tests {
 namespace {
@@ -97,30 +98,6 @@ HWND LastDialog() {
   for (HWND before = nullptr;; before = last) {
     EnumThreadWindows(GetCurrentThreadId(), &KeepLast, reinterpret_cast<LPARAM>(&last));
     if (last == before) return last;
-  }
-}
-
-void SendKey(WORD vk, DWORD flags) {
-  const bool extended = vk >= VK_PRIOR && vk <= VK_DELETE;
-  keybd_event(static_cast<BYTE>(vk), static_cast<BYTE>(MapVirtualKeyW(vk, MAPVK_VK_TO_VSC)),
-              flags | (extended ? KEYEVENTF_EXTENDEDKEY : 0), 0);
-}
-
-void PressKey(WORD vk) {
-  SendKey(vk, 0);
-  SendKey(vk, KEYEVENTF_KEYUP);
-}
-
-void TypeText(const std::string& text) {
-  for (const wchar_t letter : platform::ui::Wide(text)) {
-    INPUT keys[2] = {};
-    for (INPUT& input : keys) {
-      input.type = INPUT_KEYBOARD;
-      input.ki.wScan = static_cast<WORD>(letter);
-      input.ki.dwFlags = KEYEVENTF_UNICODE;
-    }
-    keys[1].ki.dwFlags |= KEYEVENTF_KEYUP;
-    SendInput(2, keys, sizeof keys[0]);
   }
 }
 
@@ -235,7 +212,7 @@ HWND WindowsPlayer::Reach(std::uint32_t id) {
 
 void WindowsPlayer::Do(const Act& act) {
   if (act.verb == "answer") return Answer(std::stoi(act.rest));
-  if (act.verb == "key") return PressKey(static_cast<WORD>(std::stoi(act.rest)));
+  if (act.verb == "key") return PressKey(static_cast<std::uint8_t>(std::stoi(act.rest)));
   if (act.verb == "press" || act.verb == "release")
     return pad.Button(static_cast<std::size_t>(std::stoi(act.rest) - 1), act.verb == "press");
   if (act.verb == "close") {

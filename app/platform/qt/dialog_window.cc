@@ -194,28 +194,21 @@ bool DialogWindow::SetDefaultButton(std::uint32_t id) {
 
 void DialogWindow::Notify(std::uint32_t id, Notice notice, std::int32_t value) {
   if (ended || handle == kNoWindow) return;
-  if (!IsInPassing(notice)) TellInTurn();
+  if (!IsInPassing(notice)) inTurn.Tell(listener, ended);
   if (!ended) listener.OnNotice(id, notice, value);
 }
 
 void DialogWindow::NotifyInTurn(std::uint32_t id, Notice notice) {
   if (ended || handle == kNoWindow || quiet > 0) return;
-  inTurn.emplace_back(id, notice);
-  around.windows.Post(handle, [](DialogWindow& window) { window.TellInTurn(); });
-}
-
-void DialogWindow::TellInTurn() {
-  while (!inTurn.empty() && !ended) {
-    const auto [id, notice] = inTurn.front();
-    inTurn.erase(inTurn.begin());
-    listener.OnNotice(id, notice, 0);
-  }
+  inTurn.Add(id, notice);
+  around.windows.Post(
+      handle, [](DialogWindow& window) { window.inTurn.Tell(window.listener, window.ended); });
 }
 
 bool DialogWindow::GoesOn() {
   const Control* const focused = Focused();
   const std::uint64_t askedBefore = around.windows.asked;
-  TellInTurn();
+  inTurn.Tell(listener, ended);
   return !ended && Focused() == focused && around.windows.asked == askedBefore;
 }
 
@@ -229,7 +222,7 @@ void DialogWindow::SendMessage(std::uint32_t message, std::uintptr_t wParam, std
 
 void DialogWindow::Close() {
   if (ended) return;
-  TellInTurn();
+  inTurn.Tell(listener, ended);
   if (!ended) listener.OnClose();
 }
 

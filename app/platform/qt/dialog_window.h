@@ -16,6 +16,7 @@
 
 #include "app/platform/desktop.h"
 #include "app/platform/hooks.h"
+#include "app/platform/notices_in_turn.h"
 #include "app/platform/qt/control.h"
 #include "app/platform/qt/dialog_units.h"
 #include "app/platform/qt/tool_tips.h"
@@ -147,7 +148,6 @@ class DialogWindow final : public QWidget, private ControlHost {
   bool IsGrip(const QPoint& screen);
   void Minimise();
   void HideOrMinimise();
-  void TellInTurn();
 
   WindowListener& listener;
   const Surroundings around;
@@ -161,7 +161,7 @@ class DialogWindow final : public QWidget, private ControlHost {
   std::int32_t result = IDCANCEL;
   std::uint32_t defaultButton = 0;
   int quiet = 0;  // above 0: what happens is the program's doing
-  std::vector<std::pair<std::uint32_t, Notice>> inTurn;
+  NoticesInTurn inTurn;
   std::map<std::uint32_t, std::unique_ptr<WindowTimer>> timers;
   std::vector<std::uint32_t> timersDue;
 

@@ -54,20 +54,6 @@ inline bool Inside(const ControlTemplate& inner, const ControlTemplate& outer) {
          inner.y + inner.height <= outer.y + outer.height;
 }
 
-// Takes the focus.
-inline bool Operable(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::Label:
-    case ControlKind::Picture:
-    case ControlKind::Rule:
-    case ControlKind::GroupBox:
-    case ControlKind::Box:
-      return false;
-    default:
-      return true;
-  }
-}
-
 // One number for a table of words that people know and documents quote: a change of a word on
 // purpose changes the number in its test, and nobody types the table again.
 inline std::uint64_t Fingerprint(const std::vector<std::string>& words) {

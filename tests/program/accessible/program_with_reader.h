@@ -21,11 +21,6 @@ using platform::ControlTemplate;
 using platform::DialogTemplate;
 using Rows = std::vector<ControlTemplate>;
 
-inline bool TakesFocus(ControlKind kind) {
-  using enum ControlKind;
-  return kind != Label && kind != Picture && kind != Rule && kind != GroupBox && kind != Box;
-}
-
 // Of a text with mnemonic marks; none of ours has a "&" of its own.
 inline std::string Plain(std::string text) {
   std::erase(text, '&');

@@ -243,11 +243,6 @@ std::string Receiver::Typed() {
   return TextOf(own);
 }
 
-void PressKey(std::uint8_t vk) {
-  keybd_event(vk, static_cast<BYTE>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)), 0, 0);
-  keybd_event(vk, static_cast<BYTE>(MapVirtualKeyA(vk, MAPVK_VK_TO_VSC)), KEYEVENTF_KEYUP, 0);
-}
-
 // --- The registry
 
 void ForgetSettings() {

@@ -79,9 +79,6 @@ class Receiver {
   void* window;
 };
 
-// To whatever program is in front.
-void PressKey(std::uint8_t vk);
-
 // What is started with the session by that name; empty for nothing.
 std::string StartedWithSession(const std::string& name);
 

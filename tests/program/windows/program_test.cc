@@ -13,6 +13,7 @@
 
 // Last.
 #include "tests/windows/dinput8/pad_hands.h"
+#include "tests/windows/hands.h"
 
 namespace kelvaro::tests {
 namespace {

@@ -39,19 +39,6 @@ LRESULT CALLBACK Control::Procedure(HWND, UINT message, WPARAM w, LPARAM l, UINT
   return self.Message(message, w, l);
 }
 
-bool Control::TakesFocus() const {
-  switch (kind) {
-    case ControlKind::Label:
-    case ControlKind::Picture:
-    case ControlKind::Rule:
-    case ControlKind::GroupBox:
-    case ControlKind::Box:
-      return false;
-    default:
-      return true;
-  }
-}
-
 void Control::Show(bool show) {
   shown = show;
   // A box takes room and is never seen.

@@ -40,7 +40,7 @@ class Control {
   Control& operator=(const Control&) = delete;
 
   HWND Handle() const { return handle; }
-  bool TakesFocus() const;
+  bool TakesFocus() const { return platform::TakesFocus(kind); }
   // Buttons of all kinds that Enter presses.
   bool IsPushButton() const {
     return kind == ControlKind::Button || kind == ControlKind::PictureButton ||

@@ -228,14 +228,16 @@ void DialogWindow::ApplyUpdates() {
 
 void DialogWindow::Notify(std::uint32_t id, Notice notice, std::int32_t value) {
   if (ended || (quiet > 0 && !IsInPassing(notice))) return;
-  if (!IsInPassing(notice)) TellInTurn();
+  if (!IsInPassing(notice)) inTurn.Tell(listener, ended);
   if (!ended) listener.OnNotice(id, notice, value);
 }
 
 void DialogWindow::NotifyInTurn(std::uint32_t id, Notice notice) {
   if (ended || quiet > 0) return;
-  inTurn.emplace_back(id, notice);
-  around.windows.Post(SeamWindow(handle), [](DialogWindow& window) { window.TellInTurn(); });
+  inTurn.Add(id, notice);
+  around.windows.Post(SeamWindow(handle), [](DialogWindow& window) {
+    window.inTurn.Tell(window.listener, window.ended);
+  });
 }
 
 void DialogWindow::PostInTurn(std::uint32_t id) {
@@ -243,18 +245,10 @@ void DialogWindow::PostInTurn(std::uint32_t id) {
                       [id](DialogWindow& window) { window.Find(id)->InTurn(); });
 }
 
-void DialogWindow::TellInTurn() {
-  while (!inTurn.empty() && !ended) {
-    const auto [id, notice] = inTurn.front();
-    inTurn.erase(inTurn.begin());
-    listener.OnNotice(id, notice, 0);
-  }
-}
-
 bool DialogWindow::GoesOn() {
   const Control* const focused = Focused();
   const std::uint64_t askedBefore = around.windows.asked;
-  TellInTurn();
+  inTurn.Tell(listener, ended);
   return !ended && Focused() == focused && around.windows.asked == askedBefore;
 }
 
@@ -264,7 +258,7 @@ void DialogWindow::SendNotice(std::uint32_t id, Notice notice, std::int32_t valu
 
 void DialogWindow::Close() {
   if (ended) return;
-  TellInTurn();
+  inTurn.Tell(listener, ended);
   if (!ended) listener.OnClose();
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/platform/hooks.h"
+#include "app/platform/notices_in_turn.h"
 #include "app/platform/windows/ui/control.h"
 #include "app/platform/windows/ui/tool_tips.h"
 #include "app/platform/windows/ui/window_table.h"
@@ -125,7 +126,6 @@ class DialogWindow final : private ControlHost {
   void FirstPlace();
   void FirstFocus();
   void HideOrMinimise();
-  void TellInTurn();
 
   const DialogTemplate& from;
   WindowListener& listener;
@@ -141,7 +141,7 @@ class DialogWindow final : private ControlHost {
   bool finished = false;
   std::int32_t result = IDCANCEL;
   int quiet = 0;  // above 0: what happens is the program's doing
-  std::vector<std::pair<std::uint32_t, Notice>> inTurn;
+  NoticesInTurn inTurn;
   std::map<std::uint32_t, Timer> timers;
   std::wstring tipText;
 

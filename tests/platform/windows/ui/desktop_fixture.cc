@@ -5,6 +5,7 @@
 #include "app/platform/windows/ui/text.h"
 #include "app/platform/windows/ui/windows_ui.h"
 #include "app/platform/windows/windows_platform.h"
+#include "tests/windows/hands.h"
 
 namespace platform {
 namespace {
@@ -43,12 +44,6 @@ std::string TextOf(HWND window) {
   std::wstring text(1024, L'\0');
   text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), 1024)));
   return ui::Bytes(text);
-}
-
-void SendKey(std::uint8_t vk, DWORD flags) {
-  const bool extended = vk >= VK_PRIOR && vk <= VK_DOWN;
-  keybd_event(vk, static_cast<BYTE>(MapVirtualKeyW(vk, MAPVK_VK_TO_VSC)),
-              flags | (extended ? KEYEVENTF_EXTENDEDKEY : 0), 0);
 }
 
 }  // namespace
@@ -105,26 +100,16 @@ void DesktopTest::Key(std::uint8_t vk, unsigned held) {
     std::uint8_t vk;
   } kHeld[] = {{kShift, VK_SHIFT}, {kControl, VK_CONTROL}, {kAlt, VK_MENU}};
   for (const auto& row : kHeld)
-    if (held & row.flag) SendKey(row.vk, 0);
-  SendKey(vk, 0);
-  SendKey(vk, KEYEVENTF_KEYUP);
+    if (held & row.flag) kelvaro::tests::SendKey(row.vk, 0);
+  kelvaro::tests::SendKey(vk, 0);
+  kelvaro::tests::SendKey(vk, KEYEVENTF_KEYUP);
   for (const auto& row : kHeld)
-    if (held & row.flag) SendKey(row.vk, KEYEVENTF_KEYUP);
+    if (held & row.flag) kelvaro::tests::SendKey(row.vk, KEYEVENTF_KEYUP);
   Settle();
 }
 
-// As their codes are, whatever keyboard the system takes its own to be.
 void DesktopTest::Type(const std::string& ascii) {
-  for (const char letter : ascii) {
-    INPUT keys[2] = {};
-    for (INPUT& input : keys) {
-      input.type = INPUT_KEYBOARD;
-      input.ki.wScan = static_cast<WORD>(letter);
-      input.ki.dwFlags = KEYEVENTF_UNICODE;
-    }
-    keys[1].ki.dwFlags |= KEYEVENTF_KEYUP;
-    SendInput(2, keys, sizeof keys[0]);
-  }
+  kelvaro::tests::TypeText(ascii);
   Settle();
 }
 
