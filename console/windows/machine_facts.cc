@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "app/platform/windows/windows_registry.h"
 #include "app/resources/settings_keys.h"
 #include "console/file_machine.h"
 #include "console/json_text.h"
@@ -41,20 +42,9 @@ FolderFacts LookAtProfiles() {
   return {"profiles", Bytes(ProfileLibrary::ProfileFolder()), ProfileLibrary::CanSave()};
 }
 
-// The key, or where it isn't there yet the nearest one above.
 FolderFacts LookAtSettings() {
-  std::string path = kProductKey;
-  const std::string place = "HKEY_CURRENT_USER\\" + path;
-  for (;;) {
-    HKEY key = nullptr;
-    const LSTATUS result =
-        RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_SET_VALUE | KEY_CREATE_SUB_KEY, &key);
-    if (result == ERROR_SUCCESS) RegCloseKey(key);
-    const std::size_t above = path.rfind('\\');
-    if (result != ERROR_FILE_NOT_FOUND || above == std::string::npos)
-      return {"settings", place, result == ERROR_SUCCESS};
-    path.resize(above);
-  }
+  return {"settings", std::string("HKEY_CURRENT_USER\\") + kProductKey,
+          platform::WindowsRegistry::CanStore(kProductKey)};
 }
 
 }  // namespace

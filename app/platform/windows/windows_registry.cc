@@ -60,6 +60,19 @@ DWORD* Word(std::uint32_t* number) { return reinterpret_cast<DWORD*>(number); }
 
 }  // namespace
 
+bool WindowsRegistry::CanStore(std::string path) {
+  for (;;) {
+    ::HKEY key = nullptr;
+    const LSTATUS result = RegOpenKeyExA(SystemKey(HKEY_CURRENT_USER), path.c_str(), 0,
+                                         KEY_SET_VALUE | KEY_CREATE_SUB_KEY, &key);
+    if (result == ERROR_SUCCESS) ::RegCloseKey(key);
+    const std::size_t above = path.rfind('\\');
+    if (result != ERROR_FILE_NOT_FOUND || above == std::string::npos)
+      return result == ERROR_SUCCESS;
+    path.resize(above);
+  }
+}
+
 std::uint32_t WindowsRegistry::RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) {
   return OpenBy(OpenKey, key, path, opened);
 }

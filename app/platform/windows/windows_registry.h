@@ -10,6 +10,10 @@ namespace platform {
 
 class WindowsRegistry final : public Registry {
  public:
+  // Whether values can be stored in that key of the user's; where it isn't there yet the nearest
+  // one above decides.
+  static bool CanStore(std::string path);
+
   std::uint32_t RegOpenKeyA(HKEY key, const std::string& path, HKEY* opened) override;
   std::uint32_t RegCreateKeyA(HKEY key, const std::string& path, HKEY* opened) override;
   std::uint32_t RegCloseKey(HKEY key) override;

@@ -3,6 +3,7 @@
 #include "app/platform/windows/ui/windows_ui.h"
 #include "app/platform/windows/windows_calls.h"
 #include "app/platform/windows/windows_platform.h"
+#include "app/resources/settings_keys.h"
 #include "app/start/usage.h"
 #include "app/window/run_program.h"
 #include "foundation/version.h"
@@ -14,6 +15,14 @@ namespace {
 int Say(const std::string& text) {
   platform::desktop().MessageBoxA(platform::kNoWindow, text, "Kelvaro", MB_OK);
   return 0;
+}
+
+void TellUnlessSettingsCanBeStored() {
+  if (platform::WindowsRegistry::CanStore(kProductKey)) return;
+  platform::desktop().Tell(
+      std::string("Settings can't be stored in HKEY_CURRENT_USER\\") + kProductKey +
+      ".\n\nChanges of them last until Kelvaro ends, and are then lost. To keep them, "
+      "give yourself the right to write to that key.");
 }
 
 int Run(const std::string& firstWord) {
@@ -29,6 +38,7 @@ int Run(const std::string& firstWord) {
   if (firstWord == "--help") return Say(UsageText());
   if (firstWord == "--version")
     return Say(std::string("Kelvaro, Version ") + VersionNumber().Text());
+  TellUnlessSettingsCanBeStored();
   return RunProgram();
 }
 

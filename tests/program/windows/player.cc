@@ -1,5 +1,7 @@
 #include "player.h"
 
+#include <gtest/gtest.h>
+
 #include "app/resources/settings_keys.h"
 #include "tests/host/patience.h"
 
@@ -7,6 +9,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <sddl.h>
 #include <tlhelp32.h>
 
 namespace kelvaro::tests {
@@ -24,6 +27,8 @@ std::string TextOf(HWND window) {
   return text;
 }
 
+constexpr int kTextOfBox = 0xFFFF;
+
 struct Wanted {
   DWORD process;
   const std::string& title;
@@ -40,6 +45,29 @@ BOOL CALLBACK Keep(HWND window, LPARAM wanted) {
     return TRUE;
   sought.found = window;
   return FALSE;
+}
+
+BOOL CALLBACK KeepBox(HWND window, LPARAM wanted) {
+  auto& sought = *reinterpret_cast<Wanted*>(wanted);
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  const HWND text = GetDlgItem(window, kTextOfBox);
+  if (process != sought.process || !text || !IsWindowVisible(window) ||
+      TextOf(text).rfind(sought.title, 0) != 0)
+    return TRUE;
+  sought.found = window;
+  return FALSE;
+}
+
+// In the system's words for who may do what.
+void AllowForSettings(const char* rights) {
+  PSECURITY_DESCRIPTOR wanted = nullptr;
+  ConvertStringSecurityDescriptorToSecurityDescriptorA(rights, SDDL_REVISION_1, &wanted, nullptr);
+  HKEY key = nullptr;
+  RegOpenKeyExA(HKEY_CURRENT_USER, kProductKey, 0, WRITE_DAC, &key);
+  EXPECT_EQ(RegSetKeySecurity(key, DACL_SECURITY_INFORMATION, wanted), ERROR_SUCCESS);
+  RegCloseKey(key);
+  LocalFree(wanted);
 }
 
 void Check(const char* key, const char* value) {
@@ -121,6 +149,15 @@ bool Program::AwaitMenu() {
 
 bool Program::AwaitGone(const std::string& title) {
   return Eventually([&] { return Find(title) == 0; });
+}
+
+std::uintptr_t Program::AwaitBox(const std::string& beginning) {
+  Wanted wanted{static_cast<DWORD>(id), beginning, true, nullptr};
+  Eventually([&] {
+    EnumWindows(&KeepBox, reinterpret_cast<LPARAM>(&wanted));
+    return wanted.found != nullptr;
+  });
+  return reinterpret_cast<std::uintptr_t>(wanted.found);
 }
 
 bool Program::AwaitHidden(std::uintptr_t window) {
@@ -258,6 +295,19 @@ std::string StartedWithSession(const std::string& name) {
     return {};
   path.resize(size - 1);
   return path;
+}
+
+LockedSettings::LockedSettings() { AllowForSettings("D:P(A;;KRWDSD;;;WD)"); }
+LockedSettings::~LockedSettings() { AllowForSettings("D:P(A;;KA;;;WD)"); }
+
+std::uint32_t StoredSettings() {
+  HKEY key = nullptr;
+  RegOpenKeyExA(HKEY_CURRENT_USER, kProductKey, 0, KEY_READ, &key);
+  DWORD values = 0;
+  RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr,
+                   nullptr, nullptr, nullptr);
+  RegCloseKey(key);
+  return values;
 }
 
 void MarkAsWelcomed() { Check(kProductKey, "Welcome Display"); }

@@ -25,6 +25,8 @@ class Program {
   std::uintptr_t AwaitUnseen(const std::string& title);
   bool AwaitMenu();
   bool AwaitGone(const std::string& title);
+  // A box whose text begins so.
+  std::uintptr_t AwaitBox(const std::string& beginning);
   bool AwaitHidden(std::uintptr_t window);
   void End();  // by force
   bool Runs() const;
@@ -81,6 +83,17 @@ class Receiver {
 
 // What is started with the session by that name; empty for nothing.
 std::string StartedWithSession(const std::string& name);
+
+// As long as it lives, the key of the settings may only be read.
+class LockedSettings {
+ public:
+  LockedSettings();
+  ~LockedSettings();
+  LockedSettings(const LockedSettings&) = delete;
+  LockedSettings& operator=(const LockedSettings&) = delete;
+};
+// How many values that key has.
+std::uint32_t StoredSettings();
 
 // All that the program keeps in the registry; and that the person has read the welcome.
 void ForgetSettings();

@@ -43,6 +43,13 @@ class WindowsProgram : public ::testing::Test {
     Click(question, IDOK);
     ASSERT_TRUE(program->AwaitGone("New Profile"));
   }
+  // Past a box that begins so.
+  void Read(const std::string& beginning) {
+    const std::uintptr_t box = program->AwaitBox(beginning);
+    ASSERT_NE(box, 0u) << beginning;
+    Post(box, WM_CLOSE);
+    ASSERT_TRUE(program->AwaitHidden(box));
+  }
   std::int32_t Close() {
     Post(window, WM_CLOSE);
     return program->AwaitEnd();
@@ -176,6 +183,32 @@ TEST_F(WindowsProgram, TakesOverTheSettingsOfItsFormerName) {
   window = program->Await("Kelvaro");
   ASSERT_NE(window, 0u) << "it has welcomed the person already";
   EXPECT_EQ(Close(), 0);
+}
+
+TEST_F(WindowsProgram, ANameThatTheSystemHasForADeviceIsRefused) {
+  Start();
+  Click(window, main_window::kNewProfile);
+  const std::uintptr_t question = program->Await("New Profile");
+  ASSERT_NE(question, 0u);
+  Enter(question, new_profile::kName, "CON");
+  Click(question, IDOK);
+  Read("The file name \"CON.idprof\" can't be used");
+  MakeProfile("Ends with a dot.");
+  EXPECT_EQ(Close(), 0);
+  EXPECT_TRUE(std::filesystem::exists(folder.In("Profiles\\Ends with a dot..idprof")));
+}
+
+TEST_F(WindowsProgram, SettingsThatMayOnlyBeReadAreReadAndTheirLossIsTold) {
+  MarkAsWelcomed();
+  const LockedSettings locked;
+  program = std::make_unique<Program>(folder.folder);
+  Read("Settings can't be stored in HKEY_CURRENT_USER\\Software\\Marnstone\\Kelvaro");
+  window = program->Await("Kelvaro");
+  ASSERT_NE(window, 0u) << "without the welcome, which the person has read";
+  MakeProfile("Jump");
+  EXPECT_EQ(Close(), 0);
+  EXPECT_TRUE(std::filesystem::exists(folder.In("Profiles\\Jump.idprof")));
+  EXPECT_EQ(StoredSettings(), 1u) << "as it was";
 }
 
 TEST_F(WindowsProgram, ItsVersionComesInABox) {
