@@ -449,11 +449,13 @@ TEST(Commands, TuneWatchesAPadForAMinute) {
 
 TEST(Commands, TuneThatIsBrokenOffProposesNothing) {
   UinputPad pad(OrdinaryPad("Tuned Pad"));
-  Child tune({KelvaroctlPath(), "tune"});
-  ASSERT_TRUE(Says(tune, "Put the pad down")) << tune.Err();
-  tune.Signal(SIGINT);
-  EXPECT_EQ(tune.WaitForEnd(5s), 128 + SIGINT) << tune.Err();
-  EXPECT_EQ(tune.Out(), "");
+  for (const int signal : {SIGINT, SIGKILL}) {
+    Child tune({KelvaroctlPath(), "tune"});
+    ASSERT_TRUE(Says(tune, "Put the pad down")) << tune.Err();
+    tune.Signal(signal);
+    EXPECT_EQ(tune.WaitForEnd(5s), 128 + signal) << tune.Err();
+    EXPECT_EQ(tune.Out(), "");
+  }
 }
 
 TEST(Commands, PlaySendsTheKeysOfATextAfterItsCountdown) {

@@ -130,6 +130,14 @@ TEST(Latency, CtrlCEndsItWithoutAWord) {
   EXPECT_TRUE(Eventually([] { return MeasuredNodes().empty(); }, 5000));
 }
 
+TEST(Latency, KilledItLeavesNoDeviceBehind) {
+  Child latency({KelvaroctlPath(), "latency"});
+  ASSERT_TRUE(Eventually([] { return MeasuredNodes().size() == 2; }, 20000)) << latency.Err();
+  latency.Signal(SIGKILL);
+  EXPECT_EQ(latency.WaitForEnd(5s), 128 + SIGKILL);
+  EXPECT_TRUE(Eventually([] { return MeasuredNodes().empty(); }, 5000));
+}
+
 TEST(Latency, MissingUinputIsSaidWithWhatToDo) {
   ASSERT_EQ(rename("/dev/uinput", "/dev/uinput.away"), 0);
   const Finished latency = RunToEnd({KelvaroctlPath(), "latency"});

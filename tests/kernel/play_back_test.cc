@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <csignal>
 #include <regex>
 
 #include "tests/host/files.h"
@@ -22,12 +22,13 @@ constexpr char kRecording[] =
     "{\"t\":400,\"buttons\":[],\"axes\":{\"Axis_X0\":0,\"SliderA0\":0},\"povs\":{\"POV0\":-1,"
     "\"POV1\":-1}}\n";
 
-// Whether the kernel has an input device of that name.
-bool IsThere(const std::string& name) {
-  for (const auto& node : std::filesystem::directory_iterator("/sys/class/input"))
-    if (tests::Content(node.path() / "device/name") == name + "\n") return true;
-  return false;
+// The event node of that name; empty where the kernel has none.
+std::string NodeOf(const std::string& name) {
+  for (const InputNode& node : InputNodes())
+    if (node.name == name) return node.path;
+  return {};
 }
+bool IsThere(const std::string& name) { return !NodeOf(name).empty(); }
 
 // Its lines, without the times and what the header can't know.
 std::string Changes(const std::string& text) {
@@ -67,6 +68,27 @@ TEST(PlayBack, APadThatTheRecordingLosesIsPulledOut) {
   player.Signal(SIGINT);
   EXPECT_EQ(player.WaitForEnd(5s), 0) << player.Err();
   EXPECT_FALSE(isThere());
+}
+
+TEST(PlayBack, KilledItTakesItsPadAlongAndWhatThatHeldIsLetGo) {
+  // Held for long, and again and again, as the run may begin within the first times.
+  std::string recording =
+      "{\"recording\":1,\"device\":\"Held Pad\",\"guid\":"
+      "\"000102030405060708090a0b0c0d0e0f\",\"buttons\":4,\"axes\":0,\"povs\":0}\n";
+  for (int time = 1; time < 20; ++time) {
+    recording += "{\"t\":" + std::to_string(time * 11000) +
+                 ",\"buttons\":[1]}\n{\"t\":" + std::to_string(time * 11000 + 10000) +
+                 ",\"buttons\":[]}\n";
+  }
+  Child player({KelvaroctlPath(), "play-back", "--delay", "0", WriteFile(recording)});
+  ASSERT_TRUE(Eventually([] { return IsThere("Held Pad"); }, 20000)) << player.Err();
+  ProfileRun run(ProfileOf({ButtonControl(0, "a")}), "Held Pad", NodeOf("Held Pad"));
+  ASSERT_TRUE(run.Started());
+  ASSERT_TRUE(run.Keyboard().WaitFor(1, 30000));
+  player.Signal(SIGKILL);
+  EXPECT_EQ(player.WaitForEnd(5s), 128 + SIGKILL);
+  EXPECT_TRUE(Sent(run.Keyboard(), {"KEY_A down", "KEY_A up"}));
+  EXPECT_TRUE(Eventually([] { return !IsThere("Held Pad"); }, 5000));
 }
 
 }  // namespace

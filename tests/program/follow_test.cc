@@ -240,6 +240,24 @@ TEST_F(FollowOnX11, ARunningWindowGetsTheProfileAndANewOneToo) {
   ExpectEndsByCtrlC(*follow);
 }
 
+TEST_F(FollowOnX11, KilledItLeavesTheProfileAsItIsAndTheNextOneGoesOn) {
+  const auto doom = Start({"doom2", "Doom: Level 1"});
+  ASSERT_TRUE(Eventually([&] { return desktop->Find("Doom: Level 1", false).id != 0; }));
+  environment["QT_QPA_PLATFORM"] = "offscreen";
+  const auto window = Start({"kelvaro"});
+  ASSERT_TRUE(Plays("Desk")) << window->Log();
+  const auto killed = Follow({});
+  EXPECT_TRUE(Plays("Doom")) << killed->Log();
+  killed->Signal(SIGKILL);
+  EXPECT_EQ(killed->WaitForEnd(), 128 + SIGKILL);
+  doom->Signal(SIGKILL);
+  EXPECT_EQ(doom->WaitForEnd(), 128 + SIGKILL);
+  EXPECT_TRUE(Plays("Doom"));
+  const auto next = Follow({});
+  EXPECT_TRUE(Plays("Desk")) << next->Log();
+  ExpectEndsByCtrlC(*next);
+}
+
 // A desktop on Wayland, which doesn't run for root.
 class FollowOnWayland : public FollowTest {
  protected:
