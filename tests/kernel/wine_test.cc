@@ -114,7 +114,7 @@ TEST_F(WinePad, AStickMovesThePointerForTheSystemsOwnPrograms) {
 }
 
 // What is held stays so meanwhile, as DirectInput has it.
-TEST_F(WinePad, APulledPadIsListedNoMoreAndTheRunGoesOn) {
+TEST_F(WinePad, APulledPadIsListedNoMoreAndWorksAgainWhenItIsBack) {
   TypedKeys keys(*wine);
   PlugIn();
   ASSERT_TRUE(Run(ProfileOf({ButtonControl(0, "a")})));
@@ -125,6 +125,12 @@ TEST_F(WinePad, APulledPadIsListedNoMoreAndTheRunGoesOn) {
   const Finished told = wine->RunKelvaroctl({"devices"});
   EXPECT_NE((told.out + told.err).find("No game pad is plugged in."), std::string::npos);
   EXPECT_TRUE(run->Running());
+  PlugIn();
+  ASSERT_TRUE(InTime([] { return !Listed().empty(); }));
+  pad->Press(1);
+  ExpectTyped(keys, {"up 65 scan 30"});
+  pad->Press(0);
+  ExpectTyped(keys, {"down 65 scan 30"});
 }
 
 }  // namespace

@@ -8,6 +8,9 @@ namespace {
 // Changes that the device keeps for one poll; more are taken in as they stand at its end.
 constexpr DWORD kMostChanges = 256;
 
+// How often a device is asked that tells nothing. Not each loss of one is told of.
+constexpr DWORD kLookMs = 1000;
+
 constexpr std::size_t kButtons = offsetof(DIJOYSTATE2, rgbButtons);
 constexpr std::size_t kMostButtons = sizeof(DIJOYSTATE2::rgbButtons);
 
@@ -18,9 +21,12 @@ BOOL CALLBACK Visit(const DIDEVICEOBJECTINSTANCEA* object, void* visit) {
   return wanted(object->dwType) ? DIENUM_CONTINUE : DIENUM_STOP;
 }
 
+void CALLBACK Report(void* news, BOOLEAN) { SetEvent(news); }
+
 }  // namespace
 
 WindowsDevice::~WindowsDevice() {
+  if (look) DeleteTimerQueueTimer(nullptr, look, INVALID_HANDLE_VALUE);
   system->SetEventNotification(nullptr);
   system->Release();
 }
@@ -51,7 +57,9 @@ void WindowsDevice::Prepare() {
   isPrepared = true;
   news = OwnedHandle(CreateEventA(nullptr, FALSE, FALSE, nullptr));
   // A device that has to be polled to tell anything says so by another success.
-  tellsOfNews = news && system->SetEventNotification(news.Get()) == DI_OK;
+  tellsOfNews = news && system->SetEventNotification(news.Get()) == DI_OK &&
+                CreateTimerQueueTimer(&look, nullptr, &Report, news.Get(), kLookMs, kLookMs,
+                                      WT_EXECUTEINTIMERTHREAD);
   if (!tapsApart) return;
   ::DIPROPDWORD size{};
   size.diph.dwSize = sizeof size;

@@ -30,8 +30,9 @@ class WindowsDevice final : public DirectInputDevice {
   HRESULT Acquire() override;
   HRESULT Unacquire() override;
   HRESULT Poll() override;
-  // The event that DirectInput signals for a change and for the loss of the device. None for a
-  // device that tells of nothing by itself, and none while it is lost: nothing tells of its return.
+  // The event that DirectInput signals for a change and mostly for the loss of the device, too; it
+  // also comes each second. None for a device that tells of nothing by itself, and none while it is
+  // lost: nothing tells of its return.
   std::optional<Handle> WaitForNews() override;
   // By DirectInput's buffer of changes; set before Acquire.
   void SetTapsApart(bool apart) override { tapsApart = apart; }
@@ -49,6 +50,7 @@ class WindowsDevice final : public DirectInputDevice {
 
   IDirectInputDevice8A* const system;
   OwnedHandle news;
+  HANDLE look = nullptr;  // a timer that reports news
   bool isPrepared = false;
   bool tellsOfNews = false;
   bool answers = false;  // as the last operation on it found

@@ -120,11 +120,12 @@ TEST_F(WindowsDevicesTest, AxesReadInTheRangeThatWasSetAndButtonsAsBytes) {
 
 TEST_F(WindowsDevicesTest, AChangeIsNews) {
   Open();
-  EXPECT_FALSE(IsDown(0));
-  EXPECT_FALSE(HasNews(50));
-  pad.Button(0, true);
-  EXPECT_TRUE(HasNews(20'000));
-  EXPECT_TRUE(IsDown(0));
+  for (const bool down : {true, false, true}) {
+    EXPECT_EQ(IsDown(0), !down);
+    pad.Button(0, down);
+    EXPECT_TRUE(HasNews(20'000));
+    EXPECT_EQ(IsDown(0), down);
+  }
 }
 
 TEST_F(WindowsDevicesTest, APadThatMustBePolledHasNoNews) {
@@ -190,33 +191,57 @@ TEST_F(WindowsDevicesTest, MoreChangesThanAPadKeepsAreTakenAsTheyStand) {
 }
 
 // The whole device layer above it: selected, polled by a timer that sleeps, lost and back.
-TEST(WindowsDeviceManager, APressReachesTheProgramAlsoAfterThePadWasGone) {
+class WindowsDeviceManager : public ::testing::Test {
+ protected:
+  ~WindowsDeviceManager() override { manager.StopDevice(); }
+
+  void Select() {
+    ASSERT_TRUE(manager.DirectInputCreated());
+    manager.SetChangeCallback(
+        [](kelvaro::DeviceManager*, const DIJOYSTATE2* state, void* context) {
+          *static_cast<std::atomic<int>*>(context) = state->rgbButtons[2] != 0;
+        },
+        &down);
+    manager.EnableChangeCallback();
+    ASSERT_TRUE(manager.SetPollInterval(5));
+    ASSERT_TRUE(manager.SelectDeviceByName("Scripted pad"));
+    EXPECT_TRUE(ComesTo(0));
+  }
+  bool ComesTo(int wanted) {
+    return kelvaro::tests::Eventually([&] { return down == wanted; });
+  }
+
   PadHands pad;
   const ThisMachine machine;
-  const InstalledPlatform installed(machine.Groups());
-  kelvaro::DeviceManager manager(0);
-  ASSERT_TRUE(manager.DirectInputCreated());
+  const InstalledPlatform installed{machine.Groups()};
   std::atomic<int> down{-1};
-  manager.SetChangeCallback(
-      [](kelvaro::DeviceManager*, const DIJOYSTATE2* state, void* context) {
-        *static_cast<std::atomic<int>*>(context) = state->rgbButtons[2] != 0;
-      },
-      &down);
-  manager.EnableChangeCallback();
-  ASSERT_TRUE(manager.SetPollInterval(5));
-  ASSERT_TRUE(manager.SelectDeviceByName("Scripted pad"));
-  EXPECT_TRUE(kelvaro::tests::Eventually([&] { return down == 0; }));
+  kelvaro::DeviceManager manager{0};
+};
+
+TEST_F(WindowsDeviceManager, APressReachesTheProgramAlsoAfterThePadWasGone) {
+  Select();
   for (const bool press : {true, false, true}) {
     pad.Button(2, press);
-    EXPECT_TRUE(kelvaro::tests::Eventually([&] { return down == (press ? 1 : 0); }));
+    EXPECT_TRUE(ComesTo(press ? 1 : 0));
   }
   pad.Memory().unplugged = 1;
   pad.Button(2, false);
   WindowsClock().Sleep(50);
   EXPECT_EQ(down, 1);
   pad.Memory().unplugged = 0;
-  EXPECT_TRUE(kelvaro::tests::Eventually([&] { return down == 0; }));
-  manager.StopDevice();
+  EXPECT_TRUE(ComesTo(0));
+}
+
+TEST_F(WindowsDeviceManager, APadThatGoesWithoutAWordWhileTheTimerSleepsIsMissed) {
+  Select();
+  pad.Button(2, true);
+  EXPECT_TRUE(ComesTo(1));
+  WindowsClock().Sleep(100);  // with nothing new, it sleeps
+  pad.Memory().unplugged = 1;
+  EXPECT_TRUE(kelvaro::tests::Eventually([&] { return pad.Memory().missed != 0; }));
+  pad.Memory().unplugged = 0;
+  pad.Button(2, false);
+  EXPECT_TRUE(ComesTo(0));
 }
 
 }  // namespace

@@ -99,7 +99,7 @@ class Pad final : public Counted<IDirectInputDevice8A> {
 
   HRESULT WINAPI Acquire() override {
     if (!hasFormat) return DIERR_INVALIDPARAM;
-    if (Memory()->unplugged) return DIERR_UNPLUGGED;
+    if (IsUnplugged()) return DIERR_UNPLUGGED;
     if (acquired) return DI_NOEFFECT;
     acquired = true;
     told = Memory()->count;
@@ -198,10 +198,16 @@ class Pad final : public Counted<IDirectInputDevice8A> {
     return offset >= offsetof(DIJOYSTATE2, rgbButtons) && offset < offsetof(DIJOYSTATE2, lVX);
   }
 
+  static bool IsUnplugged() {
+    if (!Memory()->unplugged) return false;
+    Memory()->missed = Memory()->missed + 1;
+    return true;
+  }
+
   // A lost device is told of once, and isn't acquired any more.
   HRESULT Look() {
     if (!acquired) return DIERR_NOTACQUIRED;
-    if (!Memory()->unplugged) return DI_OK;
+    if (!IsUnplugged()) return DI_OK;
     acquired = false;
     return DIERR_INPUTLOST;
   }

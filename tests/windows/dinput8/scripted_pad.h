@@ -16,7 +16,8 @@ struct PadMemory {
     std::uint32_t offset;  // in DIJOYSTATE2
     std::uint32_t data;    // of an axis -1000 to 1000, to be scaled
   };
-  volatile std::uint32_t unplugged;
+  volatile std::uint32_t unplugged;     // of which nothing tells
+  volatile std::uint32_t missed;        // times that it was asked for while it was unplugged
   volatile std::uint32_t mustBePolled;  // tells of nothing by itself
   volatile std::uint32_t failure;       // what DirectInput8Create gives
   volatile std::uint32_t count;         // of the changes; written last
