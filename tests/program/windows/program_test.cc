@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -209,6 +210,22 @@ TEST_F(WindowsProgram, SettingsThatMayOnlyBeReadAreReadAndTheirLossIsTold) {
   EXPECT_EQ(Close(), 0);
   EXPECT_TRUE(std::filesystem::exists(folder.In("Profiles\\Jump.idprof")));
   EXPECT_EQ(StoredSettings(), 1u) << "as it was";
+}
+
+TEST_F(WindowsProgram, ProfilesThatCanNotBeStoredAreToldOf) {
+  std::filesystem::remove(folder.In("Profiles"));
+  std::ofstream(folder.In("Profiles")) << "in the place of the folder";
+  MarkAsWelcomed();
+  program = std::make_unique<Program>(folder.folder);
+  Read("Changes to profiles can't be stored in the folder\n" + folder.In("Profiles"));
+  window = program->Await("Kelvaro");
+  ASSERT_NE(window, 0u);
+  MakeProfile("Jump");
+  Read("The profile \"Jump\" couldn't be stored in the folder\n" + folder.In("Profiles"));
+  Read("Error Creating Profile \"Jump\"");
+  EXPECT_EQ(Rows(window, main_window::kProfileList), 0u);
+  EXPECT_EQ(Close(), 0);
+  EXPECT_EQ(Content(folder.In("Profiles")), "in the place of the folder");
 }
 
 TEST_F(WindowsProgram, ItsVersionComesInABox) {
