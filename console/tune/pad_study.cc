@@ -19,8 +19,6 @@ constexpr std::size_t kLeastRest = 3;  // seconds
 constexpr std::uint64_t kLongestInterval = 50;  // ms
 constexpr std::uint32_t kLeastIntervals = 20;
 
-constexpr std::int32_t kFull = DeviceManager::axisMax;
-
 std::int32_t Average(std::int64_t sum, std::int64_t count) {
   const std::int64_t half = sum < 0 ? -count / 2 : count / 2;
   return static_cast<std::int32_t>((sum + half) / count);
@@ -28,9 +26,9 @@ std::int32_t Average(std::int64_t sum, std::int64_t count) {
 
 }  // namespace
 
-bool AxisStudy::RestsAtAnEnd() const { return std::abs(rest) > kFull / 4 * 3; }
+bool AxisStudy::RestsAtAnEnd() const { return std::abs(rest) > kFullWay / 4 * 3; }
 
-bool AxisStudy::IsOffCentre() const { return !RestsAtAnEnd() && std::abs(rest) > kFull / 20; }
+bool AxisStudy::IsOffCentre() const { return !RestsAtAnEnd() && std::abs(rest) > kFullWay / 20; }
 
 void PadStudy::See(std::uint64_t t, const DIJOYSTATE2& state) {
   DIJOYSTATE2 seen = state;
@@ -102,7 +100,7 @@ AxisStudy PadStudy::StudyOf(AxisName name, const Track& track) const {
     study.from = std::min(study.from, value);
     study.to = std::max(study.to, value);
   }
-  study.moved = study.to - study.from >= kFull / 4;
+  study.moved = study.to - study.from >= kFullWay / 4;
 
   const std::vector<Second> rest = Seconds(track, kSecond, kRestEnds);
   if (!rest.empty()) {

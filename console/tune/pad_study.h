@@ -9,8 +9,12 @@
 #include <vector>
 
 #include "app/platform/recording/recording.h"
+#include "device/device_manager.h"
 
 namespace kelvaro::console {
+
+// From the middle of an axis to its end.
+constexpr std::int32_t kFullWay = DeviceManager::axisMax;
 
 // Ends of the phases. The pad's rest is looked at in whole seconds from the second one on, since it
 // takes a moment to put it down.

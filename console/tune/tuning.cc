@@ -10,8 +10,7 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr std::int32_t kFull = DeviceManager::axisMax;
-constexpr std::int32_t kNearlyFull = kFull / 100 * 95;
+constexpr std::int32_t kNearlyFull = kFullWay / 100 * 95;
 
 // The settings of movement, and those of the wheel.
 struct Kind {
@@ -51,7 +50,7 @@ std::int32_t CountsAt(std::int32_t value, std::int32_t damper, std::int32_t sens
   DIJOYSTATE2 state;
   state.lX = value;
   const MouseCurve curve =
-      MakeMouseCurve(kFull, MouseDeadZone(damper, kFull), MouseFactor(sensitivity));
+      MakeMouseCurve(kFullWay, MouseDeadZone(damper, kFullWay), MouseFactor(sensitivity));
   return static_cast<std::int32_t>(NextAccumulated(input, state, curve, 0.0));
 }
 
@@ -59,9 +58,9 @@ std::string AxisText(const AxisStudy& axis) { return platform::AxisNameText(axis
 
 // The least of the ends that these axes reach; nothing where one of them wasn't moved both ways.
 std::optional<std::int32_t> ReachOf(const std::vector<AxisStudy>& axes) {
-  std::int32_t reach = kFull;
+  std::int32_t reach = kFullWay;
   for (const AxisStudy& axis : axes) {
-    if (!axis.moved || -axis.from < kFull / 4 || axis.to < kFull / 4) return std::nullopt;
+    if (!axis.moved || -axis.from < kFullWay / 4 || axis.to < kFullWay / 4) return std::nullopt;
     reach = std::min({reach, -axis.from, axis.to});
   }
   return reach;
@@ -88,7 +87,7 @@ Proposal ProposeSensitivity(const std::vector<AxisStudy>& axes, const Kind& kind
     proposal.lack = "not all of its axes were turned both ways, so this is the present one";
     return proposal;
   }
-  const std::int32_t wanted = CountsAt(kFull, damper, present);
+  const std::int32_t wanted = CountsAt(kFullWay, damper, present);
   while (CountsAt(*reach, damper, proposal.value) < wanted && proposal.value < kMouseSliderEnd) {
     ++proposal.value;
   }
@@ -127,7 +126,7 @@ std::vector<AxisStudy> AxesOf(const std::vector<AxisStudy>& axes, const Kind& ki
 }  // namespace
 
 std::string Percent(std::int32_t value) {
-  const std::int32_t tenths = (std::abs(value) * 1000 + kFull / 2) / kFull;
+  const std::int32_t tenths = (std::abs(value) * 1000 + kFullWay / 2) / kFullWay;
   return (value < 0 && tenths > 0 ? "-" : "") + std::to_string(tenths / 10) + "." +
          std::to_string(tenths % 10) + " %";
 }
@@ -135,7 +134,7 @@ std::string Percent(std::int32_t value) {
 std::optional<std::int32_t> DamperFor(const AxisStudy& axis) {
   const std::int32_t needed = StillAt(axis) + StillAt(axis) / 4;
   for (std::int32_t damper = 0; damper <= kMouseSliderEnd; ++damper) {
-    if (MouseDeadZone(damper, kFull) >= needed) return damper;
+    if (MouseDeadZone(damper, kFullWay) >= needed) return damper;
   }
   return std::nullopt;
 }
@@ -165,11 +164,11 @@ std::vector<std::string> Warnings(const PadStudy& study) {
     if (axis.IsOffCentre()) {
       warnings.push_back(name + " rests off its centre, by " + Percent(std::abs(axis.rest)));
     }
-    if (axis.drift > kFull / 100) {
+    if (axis.drift > kFullWay / 100) {
       warnings.push_back(name + " drifts while nobody touches it, by " + Percent(axis.drift));
     }
     if (axis.returned && !axis.RestsAtAnEnd() &&
-        std::abs(*axis.returned - axis.rest) > kFull / 20) {
+        std::abs(*axis.returned - axis.rest) > kFullWay / 20) {
       warnings.push_back(name + " comes to rest elsewhere once it was moved, off by " +
                          Percent(std::abs(*axis.returned - axis.rest)));
     }
