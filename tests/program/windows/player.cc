@@ -312,6 +312,10 @@ std::uint32_t StoredSettings() {
 
 void MarkAsWelcomed() { Check(kProductKey, "Welcome Display"); }
 void MarkAsWelcomedFormerly() { Check(kFormerProductKey, "Welcome Display"); }
+void KeepAlone(const std::string& device) {
+  RegSetKeyValueA(HKEY_CURRENT_USER, kProductKey, "Only For Kelvaro", REG_SZ, device.c_str(),
+                  static_cast<DWORD>(device.size() + 1));
+}
 void KeepQuiet() {
   MarkAsWelcomed();
   Check(kProductKey, "No Device Error Msg");

@@ -102,5 +102,7 @@ void MarkAsWelcomed();
 void MarkAsWelcomedFormerly();
 // And that no box is wanted about a profile's pad that isn't there.
 void KeepQuiet();
+// The pad of that name is "Only For Kelvaro".
+void KeepAlone(const std::string& device);
 
 }  // namespace kelvaro::tests

@@ -178,6 +178,17 @@ TEST_F(WindowsProgram, APadThatIsPulledOutIsGoneUntilItIsBack) {
   EXPECT_EQ(Close(), 0);
 }
 
+TEST_F(WindowsProgram, APadOnlyForKelvaroIsAskedForAlone) {
+  for (const bool alone : {false, true}) {
+    if (alone) KeepAlone("Scripted pad");
+    Start();
+    ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+    ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+    EXPECT_EQ(pad.Memory().alone, alone ? 1u : 0u);
+    EXPECT_EQ(Close(), 0);
+  }
+}
+
 TEST_F(WindowsProgram, TakesOverTheSettingsOfItsFormerName) {
   MarkAsWelcomedFormerly();
   program = std::make_unique<Program>(folder.folder);

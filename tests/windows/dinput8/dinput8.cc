@@ -156,8 +156,12 @@ class Pad final : public Counted<IDirectInputDevice8A> {
     if (event && !watcher) watcher = CreateThread(nullptr, 0, Watch, this, 0, nullptr);
     return event && Memory()->mustBePolled ? DI_POLLEDDEVICE : DI_OK;
   }
-  HRESULT WINAPI SetCooperativeLevel(HWND, DWORD flags) override {
-    return flags == (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE) ? DI_OK : DIERR_INVALIDPARAM;
+  // Alone is something for a window.
+  HRESULT WINAPI SetCooperativeLevel(HWND window, DWORD flags) override {
+    const bool alone = flags == (DISCL_BACKGROUND | DISCL_EXCLUSIVE) && IsWindow(window);
+    if (!alone && flags != (DISCL_BACKGROUND | DISCL_NONEXCLUSIVE)) return DIERR_INVALIDPARAM;
+    Memory()->alone = alone;
+    return DI_OK;
   }
 
   HRESULT WINAPI GetObjectInfo(DIDEVICEOBJECTINSTANCEA*, DWORD, DWORD) override {

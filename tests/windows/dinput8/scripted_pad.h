@@ -18,6 +18,7 @@ struct PadMemory {
   };
   volatile std::uint32_t unplugged;     // of which nothing tells
   volatile std::uint32_t missed;        // times that it was asked for while it was unplugged
+  volatile std::uint32_t alone;         // it was asked for so by the last who opened it
   volatile std::uint32_t mustBePolled;  // tells of nothing by itself
   volatile std::uint32_t failure;       // what DirectInput8Create gives
   volatile std::uint32_t count;         // of the changes; written last
