@@ -29,9 +29,7 @@ int Run(const std::string& firstWord) {
   platform::WindowsPlatform system;
   platform::ui::WindowsUi ui;
   platform::Platform groups = system.Groups();
-  groups.desktop = &ui.Desktop();
-  groups.controls = &ui.Controls();
-  groups.shell = &ui.Shell();
+  ui.AddTo(&groups);
   platform::WindowsCalls calls;
   groups.calls = &calls;
   const platform::InstalledPlatform installed(groups);

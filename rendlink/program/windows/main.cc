@@ -33,9 +33,7 @@ int Run(const Words& words) {
   platform::WindowsPlatform system;
   platform::ui::WindowsUi ui;
   platform::Platform groups = system.Groups();
-  groups.desktop = &ui.Desktop();
-  groups.controls = &ui.Controls();
-  groups.shell = &ui.Shell();
+  ui.AddTo(&groups);
   const platform::InstalledPlatform installed(groups);
   WindowsSession session;
   if (words.empty()) return RendlinkDialog(session).DoModal(platform::kNoWindow) == -1 ? 1 : 0;

@@ -2,6 +2,7 @@
 // user interface's.
 #pragma once
 
+#include "app/platform/platform.h"
 #include "app/platform/windows/ui/windows_controls.h"
 #include "app/platform/windows/ui/windows_desktop.h"
 #include "app/platform/windows/ui/windows_shell.h"
@@ -18,6 +19,13 @@ class WindowsUi {
   WindowsDesktop& Desktop() { return desktop; }
   WindowsControls& Controls() { return controls; }
   WindowsShell& Shell() { return shell; }
+
+  // Its groups, borrowed. For before the platform is installed.
+  void AddTo(Platform* groups) {
+    groups->desktop = &desktop;
+    groups->controls = &controls;
+    groups->shell = &shell;
+  }
 
  private:
   // Before all others: they make use of what it prepares.

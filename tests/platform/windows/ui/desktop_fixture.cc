@@ -50,9 +50,7 @@ std::string TextOf(HWND window) {
 
 struct DesktopTest::Machine {
   Machine() : groups(system.Groups()) {
-    groups.desktop = &ui.Desktop();
-    groups.controls = &ui.Controls();
-    groups.shell = &ui.Shell();
+    ui.AddTo(&groups);
     installed = std::make_unique<InstalledPlatform>(groups);
   }
 

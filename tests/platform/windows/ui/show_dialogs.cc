@@ -96,9 +96,7 @@ class Shown final : public Dialog {
 int Show(std::uint32_t number, int tab) {
   platform::ui::WindowsUi ui;
   platform::Platform groups;
-  groups.desktop = &ui.Desktop();
-  groups.controls = &ui.Controls();
-  groups.shell = &ui.Shell();
+  ui.AddTo(&groups);
   const platform::InstalledPlatform installed(groups);
   for (const platform::DialogTemplate* table : resources::Dialogs())
     if (table->id == number) return Shown(*table, tab).DoModal(platform::kNoWindow);
