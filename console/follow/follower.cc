@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "app/resources/desktop_id.h"
+
 namespace kelvaro::console {
 
 Follower::Follower(const FollowRules& rules, const FollowReach& reach, const FollowNews& news)
@@ -47,6 +49,7 @@ void Follower::SelectEverywhere() {
 }
 
 bool IsOwnWindow(const FrontWindow& window) {
+  if (window.program.empty()) return window.kind == kDesktopId;
   return window.program == "kelvaro" || window.program == "kelvaro.exe";
 }
 

@@ -37,6 +37,9 @@ std::unique_ptr<FrontSource> OpenX11Front(const std::string& display, std::strin
 std::unique_ptr<FrontSource> OpenSwayFront(const std::string& socket, std::string* error);
 // Of KWin, by a script that it is given over the session's bus.
 std::unique_ptr<FrontSource> OpenKWinFront(const std::string& bus, std::string* error);
+// Of a compositor that offers wlr-foreign-toplevel-management, without the windows' programs.
+// `display` as WAYLAND_DISPLAY has it. *error stays as it is where the compositor doesn't offer it.
+std::unique_ptr<FrontSource> OpenWlrootsFront(const std::string& display, std::string* error);
 
 // The file name of a process's program, without the folder; of one that runs in Wine that of the
 // Windows program. Empty where the system doesn't tell.

@@ -21,9 +21,13 @@ namespace {
 constexpr char kOnlyX11[] =
     "This Wayland desktop tells of no windows but those of X11 programs (XWayland), so all others "
     "get the default.";
+constexpr char kNoPrograms[] =
+    "This Wayland desktop doesn't tell which programs its windows belong to, so no rule with a "
+    "program fits; name the class instead.";
 constexpr char kNobodyTells[] =
-    "nobody tells here which window is in front: sway (SWAYSOCK), KWin (on the session's bus) and "
-    "X servers (DISPLAY) do, other desktops on Wayland such as GNOME Shell don't";
+    "nobody tells here which window is in front: sway (SWAYSOCK), KWin (on the session's bus), "
+    "wlroots compositors (WAYLAND_DISPLAY) and X servers (DISPLAY) do, other desktops on Wayland "
+    "such as GNOME Shell don't";
 
 }  // namespace
 
@@ -44,20 +48,26 @@ void FrontWatch::Parts::Open(std::string* error) {
   *error = kNobodyTells;
   const std::string sway = platform::Variable("SWAYSOCK");
   const std::string display = platform::Variable("DISPLAY");
-  const bool wayland = !platform::Variable("WAYLAND_DISPLAY").empty();
+  const std::string wayland = platform::Variable("WAYLAND_DISPLAY");
   if (!sway.empty()) {
     teller = "sway";
     source = OpenSwayFront(sway, error);
   }
-  if (!source && wayland) {
+  // Who tells the programs, too, goes first.
+  if (!source && !wayland.empty()) {
     std::string reason;  // that there is no KWin is no fault
     teller = "KWin";
     source = OpenKWinFront(platform::SessionBusAddress(), &reason);
   }
+  if (!source && !wayland.empty()) {
+    teller = "the Wayland compositor " + wayland;
+    source = OpenWlrootsFront(wayland, error);
+    if (source) lack = kNoPrograms;
+  }
   if (!source && !display.empty()) {
     teller = "the X server " + display;
     source = OpenX11Front(display, error);
-    if (wayland) lack = kOnlyX11;
+    if (!wayland.empty()) lack = kOnlyX11;
   }
 }
 

@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 constexpr char kRules[] = R"({"default":"Desk","rules":[
   {"program":"doom*","title":"*level 2*","profile":"Second"},
   {"program":"DOOM*","profile":"Doom"},
-  {"class":"tetris","profile":"Tetris"}]})";
+  {"class":"tetris","profile":"Tetris"},
+  {"class":"doom*","title":"*level 3*","profile":"Second"}]})";
 
 constexpr char kDoomLine[] =
     "program 'doom2', class 'doom2', title 'Doom: Level 1': rule 2, profile 'Doom'";
@@ -72,9 +73,9 @@ class FollowTest : public OwnPrograms {
   testing::AssertionResult Plays(const std::string& profile) {
     std::string said;
     const auto plays = [&] {
-      Child status({folder + "/kelvaroctl", "status", "--json"}, {environment});
-      status.WaitForEnd();
-      said = status.Log();
+      const auto status = Start({"kelvaroctl", "status", "--json"});
+      status->WaitForEnd();
+      said = status->Log();
       return said.find(R"("profile":")" + profile + '"') != std::string::npos;
     };
     if (Eventually(plays)) return testing::AssertionSuccess();
@@ -273,36 +274,99 @@ class FollowOnWayland : public FollowTest {
     return Eventually([&] { return fs::is_socket(home.In("runtime/" + socket)); });
   }
 
-  void ExpectFollowsWindows(Child& follow) {
+  void ExpectFollowsWindows(Child& follow, const std::string& doomLine = kDoomLine,
+                            const std::string& tetrisLine = kTetrisLine) {
     ASSERT_TRUE(Says(follow, "no window: the default, profile 'Desk'"));
     const auto doom = Start({"doom2", "Doom: Level 1"});
-    ASSERT_TRUE(Says(follow, kDoomLine)) << doom->Log();
+    ASSERT_TRUE(Says(follow, doomLine)) << doom->Log();
     {
       const auto tetris = Start({"tetris", "Blocks"});
-      ASSERT_TRUE(Says(follow, kTetrisLine)) << tetris->Log();
+      ASSERT_TRUE(Says(follow, tetrisLine)) << tetris->Log();
     }
-    ASSERT_TRUE(Says(follow, kDoomLine));
+    ASSERT_TRUE(Says(follow, doomLine));
     doom->Signal(SIGKILL);
     ASSERT_TRUE(Says(follow, "no window: the default, profile 'Desk'"));
   }
 };
 
-TEST_F(FollowOnWayland, SwayTellsItsWindowsAndItsEnd) {
-  environment["SWAYSOCK"] = home.In("runtime/sway");
-  environment["WLR_BACKENDS"] = "headless";
-  environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
-  environment["WLR_RENDERER"] = "pixman";
-  Child sway({"sway", "-c", Put(home.In("sway.conf"), "xwayland disable\n")},
-             {environment, asNobody});
-  SKIP_UNLESS(IsThere("sway") && IsThere("wayland-1"), "sway",
-              "sway can't be started: " << sway.Log());
-  environment["WAYLAND_DISPLAY"] = "wayland-1";
+class FollowOnSway : public FollowOnWayland {
+ protected:
+  void SetUp() override {
+    environment["SWAYSOCK"] = home.In("runtime/sway");
+    environment["WLR_BACKENDS"] = "headless";
+    environment["WLR_LIBINPUT_NO_DEVICES"] = "1";
+    environment["WLR_RENDERER"] = "pixman";
+    const std::vector<std::string> command = {"sway", "-c",
+                                              Put(home.In("sway.conf"), "xwayland disable\n")};
+    sway = std::make_unique<Child>(command, ChildOptions{environment, asNobody});
+    SKIP_UNLESS(IsThere("sway") && IsThere("wayland-1"), "sway",
+                "sway can't be started: " << sway->Log());
+    environment["WAYLAND_DISPLAY"] = "wayland-1";
+  }
+
+  std::unique_ptr<Child> sway;
+};
+
+TEST_F(FollowOnSway, TellsItsWindowsAndItsEnd) {
   const auto follow = Follow({"--dry-run"});
   EXPECT_NE(follow->Err().find("as sway tells it"), std::string::npos) << follow->Log();
   ExpectFollowsWindows(*follow);
-  sway.Signal(SIGTERM);
+  sway->Signal(SIGTERM);
   EXPECT_EQ(follow->WaitForEnd(), 1);
   EXPECT_NE(follow->Err().find("kelvaroctl: sway has ended\n"), std::string::npos) << follow->Log();
+}
+
+// Other compositors of its kind have no such socket.
+class FollowOnWlroots : public FollowOnSway {
+ protected:
+  void SetUp() override {
+    FollowOnSway::SetUp();
+    environment["SWAYSOCK"] = "";
+  }
+};
+
+constexpr char kUntoldDoomLine[] =
+    "class 'doom2', title 'Doom: Level 1': the default, profile 'Desk'";
+constexpr char kUntoldTetrisLine[] = "class 'tetris', title 'Blocks': rule 3, profile 'Tetris'";
+
+TEST_F(FollowOnWlroots, TellsItsWindowsWithoutTheirProgramsAndItsEnd) {
+  const auto follow = Follow({"--dry-run"});
+  EXPECT_NE(follow->Err().find("as the Wayland compositor wayland-1 tells it"), std::string::npos)
+      << follow->Log();
+  EXPECT_TRUE(Eventually([&] {
+    return follow->Err().find("no rule with a program fits") != std::string::npos;
+  })) << follow->Log();
+  ExpectFollowsWindows(*follow, kUntoldDoomLine, kUntoldTetrisLine);
+  sway->Signal(SIGKILL);
+  EXPECT_EQ(follow->WaitForEnd(), 1);
+  EXPECT_NE(follow->Err().find("kelvaroctl: the Wayland compositor has ended\n"), std::string::npos)
+      << follow->Log();
+}
+
+TEST_F(FollowOnWlroots, AnotherTitleIsToldAndKelvarosOwnWindowChangesNothing) {
+  const auto doom = Start({"doom2", "Doom: Level 1", "Doom: Level 3"});
+  const auto follow = Follow({"--dry-run"});
+  ASSERT_TRUE(Says(*follow, kUntoldDoomLine)) << doom->Log();
+  doom->Signal(SIGUSR1);
+  ASSERT_TRUE(Says(*follow, "class 'doom2', title 'Doom: Level 3': rule 4, profile 'Second'"));
+  const auto window = Start({"kelvaro"});
+  EXPECT_TRUE(Says(*follow, "Kelvaro's own window: all stays as it is")) << window->Log();
+  ExpectEndsByCtrlC(*follow);
+}
+
+TEST_F(FollowOnWlroots, ARunningWindowGetsTheProfile) {
+  environment["QT_QPA_PLATFORM"] = "offscreen";
+  const auto window = Start({"kelvaro"});
+  environment["QT_QPA_PLATFORM"] = "wayland";
+  const auto follow = Follow({});
+  ASSERT_TRUE(Says(*follow, "no window: the default, profile 'Desk'")) << window->Log();
+  {
+    const auto tetris = Start({"tetris", "Blocks"});
+    ASSERT_TRUE(Says(*follow, kUntoldTetrisLine)) << tetris->Log();
+    EXPECT_TRUE(Plays("Tetris"));
+  }
+  EXPECT_TRUE(Says(*follow, "no window: the default, profile 'Desk'"));
+  EXPECT_TRUE(Plays("Desk"));
 }
 
 TEST_F(FollowOnWayland, KWinTellsItsWindowsAndItsEnd) {

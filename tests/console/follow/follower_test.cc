@@ -74,6 +74,9 @@ TEST_F(FollowerTest, ItsOwnWindowChangesNothing) {
   Happened();
   follower.SeeWindow(FrontWindow{"kelvaro", "Kelvaro", "Kelvaro"});
   EXPECT_EQ(Happened(), "");
+  // Where no program is told, by the id on Wayland.
+  follower.SeeWindow(FrontWindow{"", "com.marnstone.Kelvaro", "Kelvaro"});
+  EXPECT_EQ(Happened(), "");
   follower.SeeWindow(kGame);
   EXPECT_EQ(Happened(), "");
 }
