@@ -331,6 +331,9 @@ TEST(ImportAmgp, WhatWorksOtherwiseOrNotAtAllIsListed) {
        "5:1 left-out only an axis or a hat can move the pointer up and down\n"
        "6:1 left-out only an axis or a hat can move the wheel\n"
        "7:1 left-out button 1: no key for mousebutton 6\n"},
+      {"the pointer in no direction",
+       Button(Slots(Key("0x41") + "\n" + Slot("mousemovement", "5"))), "B1 = a\n",
+       "5:1 left-out button 1: mousemovement 5\n"},
       {"motion",
        Set("<button index='1'>" + Slots(Key("0x41")) +
            "</button>\n<sensor type='1'><sensorbutton>" + Slots(Key("0x41")) +
@@ -465,6 +468,20 @@ TEST(ImportAmgp, AStickMovesThePointer) {
   EXPECT_EQ(spring.profile["mouse"]["movementSensitivity"].Signed(), 18);
   EXPECT_EQ(spring.notes.substr(0, 57),
             "5:24 left-out stick 2 up: <mousemode> spring\n6:24 left-ou");
+}
+
+TEST(ImportAmgp, AHatMovesThePointer) {
+  const char* const directions[][2] = {{"1", "1"}, {"4", "2"}, {"8", "3"}, {"2", "4"}};
+  std::string hat = "<dpad index='2'>";
+  for (const auto& [direction, code] : directions) {
+    hat += "<dpadbutton index='" + std::string(direction) + "'>" +
+           Slots(Slot("mousemovement", code)) + "</dpadbutton>";
+  }
+  const Imported imported = Import(Set(hat + "</dpad>"));
+  EXPECT_EQ(imported.Mouse("mouseX"), "8,1");
+  EXPECT_EQ(imported.Mouse("mouseY"), "9,1");
+  EXPECT_EQ(imported.notes, "");
+  EXPECT_EQ(imported.controls, "");
 }
 
 TEST(ImportAmgp, AStickTurnsTheWheel) {
