@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/allocations.h"
 #include "tests/foundation/texts.h"
 
 namespace kelvaro {
@@ -492,6 +493,29 @@ TEST_F(RegistryCopyTest, ASubkeyThatCanNotBeOpenedOrMadeIsAFailure) {
   sim.FailNext("RegCreateKeyA", 5);
   EXPECT_FALSE(to.CopyTree(&from));
   EXPECT_EQ(registry.Number(game + "\\two", "b"), 2u);
+}
+
+// A list takes two elements for each entry: its node and the copy.
+TEST_F(RegistryCopyTest, WithoutMemoryForTheListsOfAKeyTheCopyFailsAndNothingOldIsLost) {
+  registry.PutDword(old, "a", 1);
+  registry.PutDword(old, "b", 2);
+  registry.PutDword(old + "\\sub", "c", 3);
+  for (const std::uint32_t nth : {1u, 2u, 4u, 5u, 6u}) {
+    SCOPED_TRACE(nth);
+    registry.RemoveKey(game);
+    registry.PutDword(game, "kept", 7);
+    {
+      const FailingAllocation failing(nth, true);
+      EXPECT_FALSE(CopyTree());
+      EXPECT_GT(failing.Failed(), 0u);
+    }
+    EXPECT_EQ(registry.Number(game, "kept"), 7u);
+    // The values go before the subkeys, and only once all of them are known.
+    EXPECT_EQ(registry.ValueNames(game).size(), nth <= 4 ? 1u : 3u);
+    EXPECT_EQ(registry.ValueNames(game + "\\sub"), Lines{});
+  }
+  EXPECT_TRUE(CopyTree());
+  EXPECT_EQ(registry.Number(game + "\\sub", "c"), 3u);
 }
 
 TEST_F(RegistryCopyTest, TheOrderOfACopy) {
