@@ -54,6 +54,28 @@ std::string ProfileOf(const std::vector<std::string>& controls, const std::strin
   return "{\"controls\":[" + Joined(controls) + "]" + With(more) + "}\n";
 }
 
+std::vector<NamedKey> SixtyFourKeys() {
+  std::vector<NamedKey> keys;
+  for (char c = 'a'; c <= 'z'; ++c) {
+    keys.push_back({std::string(1, c), std::string(1, static_cast<char>(c - 'a' + 'A'))});
+  }
+  for (char c = '0'; c <= '9'; ++c) {
+    keys.push_back({std::string(1, c), std::string(1, c)});
+    keys.push_back({std::string("<NP") + c + ">", std::string("KP") + c});
+  }
+  for (int i = 1; i <= 12; ++i) {
+    const std::string name = "F" + std::to_string(i);
+    keys.push_back({"<" + name + ">", name});
+  }
+  keys.insert(keys.end(), {{"-", "MINUS"},
+                           {"=", "EQUAL"},
+                           {";", "SEMICOLON"},
+                           {",", "COMMA"},
+                           {".", "DOT"},
+                           {"/", "SLASH"}});
+  return keys;
+}
+
 std::vector<tests::Json> Devices(const ChildOptions& options) {
   const Finished devices = RunToEnd({KelvaroctlPath(), "devices", "--json"}, options);
   EXPECT_EQ(devices.status, 0) << devices.err;

@@ -20,6 +20,13 @@ std::string ButtonControl(std::size_t button, const std::string& text,
 std::string ItemControl(int kind, int index, int value, const std::string& text);
 std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more = "");
 
+// Key texts of 64 different keys with the names that the kernel has for them behind "KEY_".
+struct NamedKey {
+  std::string text;
+  std::string name;
+};
+std::vector<NamedKey> SixtyFourKeys();
+
 // What `kelvaroctl devices` tells, a device an entry.
 std::vector<tests::Json> Devices(const ChildOptions& options = {});
 tests::Json OnlyDevice();

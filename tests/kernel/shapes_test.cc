@@ -15,34 +15,6 @@
 namespace kelvaro::kernel {
 namespace {
 
-// Key texts of 64 different keys with the names that the kernel has for them behind "KEY_".
-struct NamedKey {
-  std::string text;
-  std::string name;
-};
-
-std::vector<NamedKey> SixtyFourKeys() {
-  std::vector<NamedKey> keys;
-  for (char c = 'a'; c <= 'z'; ++c) {
-    keys.push_back({std::string(1, c), std::string(1, static_cast<char>(c - 'a' + 'A'))});
-  }
-  for (char c = '0'; c <= '9'; ++c) {
-    keys.push_back({std::string(1, c), std::string(1, c)});
-    keys.push_back({std::string("<NP") + c + ">", std::string("KP") + c});
-  }
-  for (int i = 1; i <= 12; ++i) {
-    const std::string name = "F" + std::to_string(i);
-    keys.push_back({"<" + name + ">", name});
-  }
-  keys.insert(keys.end(), {{"-", "MINUS"},
-                           {"=", "EQUAL"},
-                           {";", "SEMICOLON"},
-                           {",", "COMMA"},
-                           {".", "DOT"},
-                           {"/", "SLASH"}});
-  return keys;
-}
-
 class OddPad : public ::testing::Test {
  protected:
   // Plugs it in, compares what the list of devices counts, and starts a profile on it.
