@@ -185,13 +185,15 @@ void UinputPad::Stir() {
   Sync();
 }
 
+void UinputPad::PutButton(std::size_t button, bool down) { Put(EV_KEY, buttons.at(button), down); }
+
 void UinputPad::Press(std::size_t button) {
-  Put(EV_KEY, buttons.at(button), 1);
+  PutButton(button, true);
   Sync();
 }
 
 void UinputPad::Release(std::size_t button) {
-  Put(EV_KEY, buttons.at(button), 0);
+  PutButton(button, false);
   Sync();
 }
 

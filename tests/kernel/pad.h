@@ -65,8 +65,9 @@ class UinputPad {
   void Nudge(unsigned int axis, int value, int ms = 30);
   void NudgeHat(int hat, int angle, int ms = 30);
 
-  // As TurnHat, without the sync.
+  // As TurnHat, Press and Release, without the sync.
   void PutHat(int hat, int angle);
+  void PutButton(std::size_t button, bool down);
 
   // A whole report that its readers have to read and that changes nothing.
   void Stir();

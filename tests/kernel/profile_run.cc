@@ -1,7 +1,6 @@
 #include "tests/kernel/profile_run.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <set>
 #include <sstream>
 
@@ -39,9 +38,13 @@ std::string With(const std::string& more) { return more.empty() ? "" : "," + mor
 }  // namespace
 
 std::string ButtonControl(std::size_t button, const std::string& text, const std::string& more) {
-  char mask[32];
-  std::snprintf(mask, sizeof mask, "0x%llx", 1ULL << button);
-  return std::string("{\"buttonMask\":\"") + mask + "\"," + ActionsOf(text) + With(more) + "}";
+  return MaskControl(1ULL << button, text, more);
+}
+
+std::string MaskControl(std::uint64_t buttons, const std::string& text, const std::string& more) {
+  std::ostringstream mask;
+  mask << "0x" << std::hex << buttons;
+  return "{\"buttonMask\":\"" + mask.str() + "\"," + ActionsOf(text) + With(more) + "}";
 }
 
 std::string ItemControl(int kind, int index, int value, const std::string& text) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +18,8 @@ namespace kelvaro::kernel {
 // "\"repeatEnabled\":true". `text` is the key text.
 std::string ButtonControl(std::size_t button, const std::string& text,
                           const std::string& more = "");  // button from 0
+std::string MaskControl(std::uint64_t buttons, const std::string& text,
+                        const std::string& more = "");
 std::string ItemControl(int kind, int index, int value, const std::string& text);
 std::string ProfileOf(const std::vector<std::string>& controls, const std::string& more = "");
 
