@@ -199,6 +199,8 @@ bool LinuxDevice::MustWait(const input_event& event) {
 
 std::optional<Handle> LinuxDevice::WaitForNews() {
   if (condition == Condition::AtRest || heldBack) return std::nullopt;
+  // Nothing tells when the program that has it lets go.
+  if (condition == Condition::Attached && !acquired) return std::nullopt;
   const int fd = condition == Condition::Attached ? node->Fd() : itsReturn.Fd();
   if (fd < 0) return std::nullopt;
   return fd;

@@ -280,6 +280,25 @@ TEST_F(LinuxDevicesTest, ADeviceThatAnotherProgramHasGrabbedIsSoToldAndTakenOnce
   EXPECT_TRUE(pad->IsGrabbed());
 }
 
+// Nothing tells when the other program lets go: the timer must not sleep until then.
+TEST_F(LinuxDevicesTest, ADeviceThatIsBackInAnotherProgramsHandIsAskedForAtEachTick) {
+  pad = machine.Plug(1, Pad("a", "serial"));
+  device = Open(0, DISCL_EXCLUSIVE);
+  machine.Pull(pad);
+  Lose(*device);
+  pollfd back{static_cast<int>(device->WaitForNews().value_or(-1)), POLLIN, 0};
+  pad = machine.Plug(2, Pad("a", "serial"));
+  pad->grabbedElsewhere = true;
+  pad->fd = 77;
+  ASSERT_EQ(poll(&back, 1, 20000), 1);
+  EXPECT_EQ(device->Acquire(), DIERR_OTHERAPPHASPRIO);
+  EXPECT_EQ(device->WaitForNews(), std::nullopt);
+  pad->grabbedElsewhere = false;
+  EXPECT_FALSE(Tick(*device));
+  EXPECT_TRUE(Tick(*device));
+  EXPECT_EQ(device->WaitForNews(), 77);
+}
+
 TEST_F(LinuxDevicesTest, ADeviceThatIsPulledWhileAnotherProgramHasItComesBackAsWell) {
   pad = machine.Plug(1, Pad("a", "serial"));
   pad->grabbedElsewhere = true;
