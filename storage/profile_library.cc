@@ -186,7 +186,7 @@ bool ProfileLibrary::BeginRename(const ByteString& name, const ByteString& newNa
   keptPath = In(ProfileFolder(), ProfileFileName(newName).Concat(kRenamed).Text());
   if (!platform::files().CopyFileA(Bytes(path), Bytes(keptPath), false)) return false;
   keptFile = Claim(keptPath);
-  if (platform::files().DeleteFileA(Bytes(path))) return true;
+  if (Remove(path)) return true;
   EndRename();
   return false;
 }
@@ -225,7 +225,15 @@ bool ProfileLibrary::BringBack(const ByteString& kept) {
 bool ProfileLibrary::DeleteFileOf(const ByteString& name) {
   if (name.IsEmpty()) return false;
   const ByteString path = FindProfileFile(name);
-  return !path.IsEmpty() && platform::files().DeleteFileA(Bytes(path));
+  return !path.IsEmpty() && Remove(path);
+}
+
+// The file that is still there says that the rename came through: once it is gone, what was kept
+// would come back.
+bool ProfileLibrary::Remove(const ByteString& path) {
+  const ByteString kept = path.Concat(kRenamed);
+  if (FileExists(kept)) BringBack(kept);
+  return platform::files().DeleteFileA(Bytes(path));
 }
 
 }  // namespace kelvaro

@@ -76,6 +76,8 @@ class ProfileLibrary {
   // Of renames that were cut off. True when a file came back.
   bool BringBack();
   bool BringBack(const ByteString& kept);
+  // A profile's file, and what a rename to it has left.
+  bool Remove(const ByteString& path);
 
   ByteString keptPath;  // while a profile is renamed
   std::unique_ptr<platform::File> keptFile;

@@ -110,6 +110,42 @@ TEST_F(ProfileLibraryTest, NamesAreFoundWithCaseAndInFullLength) {
   EXPECT_EQ(Find(std::string("zero\0byte", 9)), PathOf("2.idprof"));
 }
 
+// Whatever of a rename to "new" failed, so that the old bytes may still lie beside the new file.
+TEST_F(ProfileLibraryTest, WhatARenameLeftGoesWithTheNewProfile) {
+  const auto rename = [this](const char* from, const char* to) {
+    ProfileFile old;
+    const bool isGoing = old.BeginRename(from, to);
+    Put(std::string(to) + ".idprof", to);
+    if (isGoing) old.EndRename();
+  };
+  for (const bool isDeleted : {true, false}) {
+    std::uint64_t failing = 1;
+    std::uint32_t left = 0;
+    for (bool isAll = false; !isAll; ++failing) {
+      SCOPED_TRACE(failing);
+      Put("old.idprof", "old");
+      Disk().ClearLog();
+      Disk().FailOperation(failing);
+      rename("old", "new");
+      isAll = Disk().Log().size() < failing;
+      Disk().Restart();
+      const bool isOldThere = Disk().Exists(PathOf("old.idprof"));
+      left += Disk().Exists(PathOf("new.idprof.was")) ? 1 : 0;
+      profile.profileName = "new";
+      if (isDeleted) {
+        EXPECT_TRUE(profile.DeleteProfileFile());
+      } else {
+        rename("new", "newer");
+      }
+      EXPECT_FALSE(Disk().Exists(PathOf("new.idprof")));
+      Names();  // brings back what there is to bring back
+      EXPECT_EQ(Disk().Exists(PathOf("old.idprof")), isOldThere);
+      for (const std::string& file : Disk().List(kFolder)) Disk().Remove(PathOf(file));
+    }
+    EXPECT_GE(left, 1u) << "none of the failures left anything";
+  }
+}
+
 TEST_F(ProfileLibraryTest, FilesAreListedInTheOrderOfTheFileSystemWithFullPaths) {
   Put("c.idprof", "3");
   Put("a.IDPROF", "1");
