@@ -92,6 +92,16 @@ Script RandomScript(std::uint32_t seed) {
   return script;
 }
 
+Script WakefulScript(std::uint32_t seed) {
+  constexpr std::uint32_t kLongestWait = 2000;  // ms
+  Script script = RandomScript(seed);
+  std::erase_if(script, [](const Step& step) {
+    return step.act == Act::ReadsFail || step.act == Act::StartFails;
+  });
+  for (Step& step : script) step.wait = std::min(step.wait, kLongestWait);
+  return script;
+}
+
 std::string Text(const Script& script) {
   std::string text;
   for (const Step& step : script) {

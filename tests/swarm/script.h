@@ -55,6 +55,9 @@ struct Step {
 using Script = std::vector<Step>;
 
 Script RandomScript(std::uint32_t seed);
+// One without long waits, and without what fails so often, or at its next call, whoever makes it:
+// for timers that never sleep, which make more calls.
+Script WakefulScript(std::uint32_t seed);
 
 // A line for each step, such as "Pad 1 17 wait 40" or "Edit 0 5 wait 20 PowerCut 7".
 std::string Text(const Script& script);

@@ -69,6 +69,7 @@ World::~World() { static_cast<void>(End()); }
 
 std::string World::Do(const Step& step) {
   changing.clear();
+  isTroubled = step.trouble != Trouble::None;
   afterTrouble = nullptr;
   simulation.Disk().ClearLog();
   Perform(step);
@@ -428,14 +429,24 @@ void World::CheckFiles() {
     const auto now = BytesAt(path);
     const auto before = files.find(path);
     States states = {before == files.end() ? std::nullopt : std::optional(before->second)};
-    if (const auto change = changing.find(path); change != changing.end()) states = change->second;
-    // A load brings a file that was cut back from what an earlier save had left of it.
-    if (const auto left = leftOver.find(path + ".tmp");
-        left != leftOver.end() && cut.contains(path))
+    const auto change = changing.find(path);
+    if (change != changing.end()) states = change->second;
+    // A load that can't read a file, since it was cut or a read fails, brings it back from what a
+    // save has left of its temporary, whole or not: an earlier one, or one that failed in this
+    // step, of which anything may be left.
+    const bool isAnything = cut.contains(path) && states.size() > 1;
+    const auto left = leftOver.find(path + ".tmp");
+    if (left != leftOver.end() && (isTroubled || cut.contains(path)))
       states.push_back(left->second);
-    Require(std::find(states.begin(), states.end(), now) != states.end(),
+    Require(isAnything || std::find(states.begin(), states.end(), now) != states.end(),
             path + " is neither as it was nor as it should be");
-    if (before == files.end() || now != before->second) cut.erase(path);
+    const bool isOther = before == files.end() || now != before->second;
+    const bool isBack = isOther && left != leftOver.end() && now == left->second;
+    if (isBack || (isOther && isAnything)) {
+      cut.insert(path);
+    } else if (before == files.end() || (isOther && change != changing.end())) {
+      cut.erase(path);
+    }
     files.erase(path);
     if (now) files[path] = *now;
   }
@@ -480,18 +491,36 @@ void World::CheckHandles() {
   Require(simulation.Disk().OpenHandles() == 0, "a file stays open");
 }
 
-std::string Play(const Script& script, Lived* lived) {
-  World world;
+namespace {
+
+// The number of steps, and the first thing that doesn't hold.
+std::pair<std::size_t, std::string> Live(World* world, const Script& script) {
   std::string fault;
   std::size_t at = 0;
-  for (; at < script.size() && fault.empty(); ++at) fault = world.Do(script[at]);
-  if (fault.empty()) fault = world.End();
+  for (; at < script.size() && fault.empty(); ++at) fault = world->Do(script[at]);
+  if (fault.empty()) fault = world->End();
+  return {at, fault};
+}
+
+}  // namespace
+
+std::string Play(const Script& script, Lived* lived) {
+  World world;
+  const auto [at, fault] = Live(&world, script);
   if (lived) {
     lived->ms += world.Now();
     lived->presses += world.presses;
     lived->steps += at;
   }
   return fault.empty() ? fault : "step " + std::to_string(at) + ": " + fault;
+}
+
+std::string Sent(const Script& script, bool timersSleep) {
+  World world;
+  world.Machine().KeepEvents(true);
+  world.Machine().LetTimersSleep(timersSleep);
+  const std::string fault = Live(&world, script).second;
+  return world.Machine().EventText() + fault;
 }
 
 }  // namespace kelvaro::swarm

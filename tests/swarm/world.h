@@ -31,6 +31,7 @@ class World {
   std::string End();
 
   std::uint64_t Now() const { return simulation.Now(); }
+  platform::simulation::Simulation& Machine() { return simulation; }
   std::uint64_t presses = 0;  // sent so far
 
   // For the instances: who sends what the calling thread sends from now on.
@@ -100,6 +101,7 @@ class World {
 
   std::map<std::string, std::string> files;     // what the profiles' files hold
   std::map<std::string, States> changing;       // in this step
+  bool isTroubled = false;                      // the disk, in this step
   std::map<std::string, std::string> leftOver;  // temporaries, at the last look
   std::set<std::string> cut;
   std::vector<Found> found;
@@ -114,5 +116,9 @@ struct Lived {
   std::uint64_t steps = 0;
 };
 std::string Play(const Script& script, Lived* lived = nullptr);
+
+// All that is sent in it, with timers that sleep where nothing can happen or with such that never
+// do. What fails by its count, such as the next ten polls, has no place in such a script.
+std::string Sent(const Script& script, bool timersSleep);
 
 }  // namespace kelvaro::swarm
