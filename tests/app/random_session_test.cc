@@ -1,19 +1,25 @@
 // Long sessions of a person who clicks about in the window, at a machine on which pads come and go,
-// files vanish and the disk fails; the same ones for the same seed. After each act: what is shown
-// is what is in memory, what is in memory is what lies on the disk unless that failed just now, and
-// nobody holds a lock while the program waits. KELVARO_SESSIONS makes it longer.
+// files vanish, the disk fails and loses its power, games are started and end, and a replay hangs;
+// the same ones for the same seed. After each act: what is shown is what is in memory, what is in
+// memory is what lies on the disk unless that failed just now, nobody else's file has changed, what
+// runs is what always runs, and nobody holds a lock while the program waits. KELVARO_SESSIONS makes
+// it longer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cstdint>
 #include <cstdlib>
 #include <initializer_list>
 #include <iterator>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "app/platform/simulation/scheduler.h"
+#include "app/platform/simulation/virtual_processes.h"
 #include "app/resources/control_ids.h"
 #include "keys/key_action.h"
 #include "tests/app/main_window_fixture.h"
@@ -30,6 +36,8 @@ using namespace main_window;
 
 using platform::IDCANCEL;
 using platform::IDOK;
+using platform::simulation::ProcessDescription;
+using platform::simulation::SentEvent;
 
 using Strings = std::vector<std::string>;
 
@@ -43,6 +51,11 @@ constexpr DetectBox kDetectBoxes[] = {{kDetectMouseX, kMouseX},
                                       {kDetectLeftButton, kLeftButton},
                                       {kDetectMiddleButton, kMiddleButton},
                                       {kDetectRightButton, kRightButton}};
+
+constexpr char kFolder[] = "/game/Profiles/";
+constexpr char kGame[] = "/games/x/play";
+// ms; three threads that are waited for and then ended by force
+constexpr std::uint64_t kLongestEnd = 50'000;
 
 // Two of them give the same file name, the last ones none.
 const std::initializer_list<const char*> kNames = {"Alpha", "Bravo", "Charlie", "Delta", "Echo 1",
@@ -71,7 +84,12 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     WithoutProfiles();
     Preset("Show Auto-Detect Usage", 0);
     sim.KeepEvents(false);
-    sim.OnEvent([this](const auto& event) { held.See(event); });
+    sim.OnEvent([this](const SentEvent& event) { See(event); });
+    ProcessDescription program;
+    for (const std::string& path : {std::string(kGame), own}) {
+      program.path = path;
+      sim.Processes().Provide(program);
+    }
     for (const char* name : {"Alpha", "Bravo", "Charlie", "Foxtrot", "Golf"}) {
       StoreProfile(name, [this](ProfileFile& made) { FillProfile(&made); });
     }
@@ -133,10 +151,10 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     }
   }
   void TouchTheFolder() {
-    const Strings files = sim.Disk().List("/game/Profiles");
+    const Strings files = sim.Disk().List(kFolder);
     if (files.empty()) return;
     const std::string path =
-        "/game/Profiles/" + files[random.Below(static_cast<std::uint32_t>(files.size()))];
+        kFolder + files[random.Below(static_cast<std::uint32_t>(files.size()))];
     const std::string bytes = sim.Disk().FileBytes(path).value_or("");
     touched.insert(path);
     everTouched.insert(path);
@@ -151,6 +169,61 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       default:
         return sim.Disk().PutFile(path, bytes);
     }
+  }
+
+  // A key of a replay, in or out of a repeat, may be the last thing that its thread ever does.
+  void See(const SentEvent& event) {
+    held.See(event);
+    const std::string& thread = sim.Scheduler().Current().name;
+    if (!hangs || event.kind != SentEvent::Kind::Key) return;
+    if (thread != "notification" && thread != "repeat") return;
+    hangs = false;
+    platform::clock().Sleep(UINT32_MAX - 1);
+  }
+
+  std::map<std::string, std::string> Files() {
+    std::map<std::string, std::string> files;
+    for (const std::string& name : sim.Disk().List(kFolder)) {
+      files[kFolder + name] = sim.Disk().FileBytes(kFolder + name).value_or("");
+    }
+    return files;
+  }
+
+  // ---- Games
+
+  // The name of a profile for which a game is to be started; empty for none.
+  std::string AskForAGame() {
+    const std::string line = "\"" + own + "\"";
+    if (listed.empty() || !random.OneIn(3)) {
+      screen.SetCommandLine(line);
+      return "";
+    }
+    const std::string name = OneListed();
+    const std::string further = random.OneIn(3) ? " profile=\"" + OneListed() + "\"" : "";
+    screen.SetCommandLine(line + " profile=\"" + name + "\"" + further + " target=" + kGame);
+    return name;
+  }
+  void ExpectTheGame(std::size_t startedBefore, std::uint32_t otherInstance) {
+    AnswerBoxes();
+    sim.RunFor(5000);  // the other one closes, and the further one gets its time
+    AnswerBoxes();
+    const auto& started = sim.Processes().Started();
+    ASSERT_GT(started.size(), startedBefore);
+    EXPECT_FALSE(sim.Processes().Runs(otherInstance));
+    for (std::size_t n = startedBefore; n < started.size(); ++n) {
+      const bool isGame = n + 1 == started.size();
+      EXPECT_EQ(started[n].application, isGame ? kGame : own);
+      EXPECT_TRUE(sim.Processes().Runs(started[n].id));
+      (isGame ? game : further) = started[n].id;
+    }
+  }
+  // The program ends with it, and so does the further one.
+  void EndGame() {
+    sim.Processes().End(game);
+    for (int i = 0; i < 60 && screen.Running(); ++i) sim.RunFor(1000);
+    ASSERT_FALSE(screen.Running()) << "the program outlives its game";
+    ++gamesEnded;
+    Restart();
   }
 
   // ---- The person
@@ -193,7 +266,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
 
   void ChooseProfile() {
     if (listed.empty()) return;
-    const std::string name = listed[random.Below(static_cast<std::uint32_t>(listed.size()))];
+    const std::string name = OneListed();
     screen.Choose(kProfileList, name);
     AfterAChoice(name, AnswerBoxes());
   }
@@ -215,6 +288,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     const std::string before = screen.Chosen(kProfileList);
     screen.Click(kDeleteProfile);
     if (random.OneIn(3)) return screen.Click(IDCANCEL);
+    deleted = before;
     screen.Click(IDOK);
     const Strings captions = AnswerBoxes();
     if (Has(captions, "Profile Deletion Error")) return;
@@ -287,20 +361,53 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     screen.IconDoubleClick();
   }
 
+  // However long its replay would still take.
+  void CloseWhileAReplayHangs() {
+    hangs = true;
+    for (int i = 0; i < 20 && hangs; ++i) {
+      PlayPad();
+      sim.RunFor(100);
+    }
+    if (!hangs) ++replaysHung;
+    hangs = false;
+    const std::uint64_t asked = sim.Now();
+    CloseAll();
+    EXPECT_LE(sim.Now() - asked, kLongestEnd);
+  }
+
+  void End() {
+    if (screen.Running()) {
+      // A thread that is ended by force keeps what it has, which a sanitizer calls a leak.
+      if (!KELVARO_SANITIZED && random.OneIn(4)) {
+        CloseWhileAReplayHangs();
+      } else {
+        CloseAll();
+      }
+      ASSERT_FALSE(screen.Running());
+    }
+    ExpectNothingLeft();
+    if (further != 0) {
+      EXPECT_FALSE(sim.Processes().Runs(further));
+    }
+    if (game != 0) sim.Processes().End(game);
+    game = further = 0;
+  }
+
   // The program ends and begins again: its list is what the folder holds.
   void Restart() {
-    if (screen.Running()) {
-      CloseAll();
-      ASSERT_FALSE(screen.Running());
-      ExpectNothingLeft();
-    }
+    End();
     unsaved = false;
     leftBehind.clear();
     held = {};  // by the system, which takes back what an ended program has down
     LinkedList<ByteString> names;
     ProfileFile().ListProfileNames(&names);
     listed = Texts(names);
-    const std::string last = SettingText("Last Profile").value_or("");
+    const std::string played = AskForAGame();
+    const std::string last = played.empty() ? SettingText("Last Profile").value_or("") : played;
+    ProcessDescription instance;
+    instance.path = own;
+    const std::uint32_t other = sim.Processes().Add(instance);
+    const std::size_t startedBefore = sim.Processes().Started().size();
     Begin();
     std::string first;
     for (const std::string& name : listed) {
@@ -310,6 +417,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
       first = *std::min_element(listed.begin(), listed.end(), ComesBefore);
     }
     AfterAChoice(first, AnswerBoxes());
+    if (!played.empty()) ExpectTheGame(startedBefore, other);
+    if (sim.Processes().Runs(other)) sim.Processes().End(other);
   }
 
   void Act() {
@@ -354,29 +463,62 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
 
   void Step() {
     if (random.OneIn(60)) return Restart();
+    if (game != 0 && random.OneIn(20)) return EndGame();
     if (random.OneIn(30)) TouchTheFolder();
     if (random.OneIn(3)) PlayPad();
     const std::string name = OpenName();
-    const std::string path = "/game/Profiles/" + FileNameOf(name);
-    const std::string before = sim.Disk().FileBytes(path).value_or("");
+    const auto files = Files();
     const bool faulty = random.OneIn(5);
-    if (faulty) {
-      const std::uint64_t n = random.Between(1, 40);
-      if (random.OneIn(2)) {
-        sim.Disk().FailOperation(n);
-      } else {
-        sim.Disk().FailInside(n, random.Below(300));
-      }
-    }
+    if (faulty) PlanAFault();
+    deleted.clear();
     Act();
     AnswerBoxes();
+    if (sim.Disk().IsStopped()) return LosePower(name, files);
     if (faulty) sim.Disk().Restart();
-    Check(faulty, name, before);
+    Check(faulty, name, files);
+  }
+  void PlanAFault() {
+    const std::uint64_t n = random.Between(1, 40);
+    switch (random.Below(5)) {
+      case 0:
+        return sim.Disk().StopBefore(n);
+      case 1:
+      case 2:
+        return sim.Disk().FailOperation(n);
+      default:
+        return sim.Disk().FailInside(n, random.Below(300));
+    }
+  }
+  // The machine stopped within the act. Each profile is back as it was, or whole as it was to be.
+  void LosePower(const std::string& nameBefore, const std::map<std::string, std::string>& before) {
+    const std::string path = PathOf(OpenName());
+    CloseAll();
+    ASSERT_FALSE(screen.Running());
+    sim.Disk().CutPower([this](std::uint32_t n) { return random.Below(n); });
+    LinkedList<ByteString> names;
+    ProfileFile().ListProfileNames(&names);
+    CheckOthers(nameBefore, path, before);
+    const auto isWhole = [](const std::string& file) {
+      ProfileFile profile;
+      return profile.Load(TextOf(file)) && profile.DamagedFile().IsEmpty();
+    };
+    const auto old = before.find(PathOf(nameBefore));
+    if (old != before.end() && touched.count(old->first) == 0) {
+      const auto now = sim.Disk().FileBytes(old->first);
+      const bool isGone = !now && (deleted == nameBefore || isWhole(path));
+      EXPECT_TRUE(isGone || now == old->second || isWhole(old->first)) << old->first;
+    }
+    ++powerCuts;
+    Restart();
   }
 
   // ---- What holds after each act
 
   std::string OpenName() { return Bytes(OpenProfile().profileName); }
+  static std::string PathOf(const std::string& name) { return kFolder + FileNameOf(name); }
+  std::string OneListed() {
+    return listed[random.Below(static_cast<std::uint32_t>(listed.size()))];
+  }
 
   // A replay has its locks for as long as it takes, and gives them back.
   void ExpectNoLock() {
@@ -397,7 +539,8 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     return bytes;
   }
 
-  void Check(bool faulty, const std::string& nameBefore, const std::string& before) {
+  void Check(bool faulty, const std::string& nameBefore,
+             const std::map<std::string, std::string>& before) {
     EXPECT_FALSE(screen.BoxUp());
     EXPECT_EQ(screen.Front(), main_window::kDialog);
     EXPECT_EQ(sim.Disk().OpenHandles(), 0u);
@@ -405,9 +548,34 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     ExpectNoLock();
     CheckList();
     CheckFolder(faulty);
-    CheckFile(faulty, nameBefore, before);
+    const auto old = before.find(PathOf(nameBefore));
+    CheckFile(faulty, nameBefore, old == before.end() ? "" : old->second);
+    CheckOthers(nameBefore, PathOf(OpenName()), before);
     CheckEngine();
     CheckScreen();
+    CheckWhatRuns();
+  }
+
+  // The files of profiles that the act didn't concern. What is left of a save may take the place of
+  // one that can't be read.
+  void CheckOthers(const std::string& nameBefore, const std::string& openNow,
+                   const std::map<std::string, std::string>& before) {
+    for (const auto& [path, bytes] : before) {
+      if (!path.ends_with(".idprof") || path == PathOf(nameBefore) || path == openNow) continue;
+      if (touched.count(path) != 0 || touched.count(path + ".tmp") != 0) continue;
+      if (before.count(path + ".tmp") != 0) continue;
+      EXPECT_EQ(sim.Disk().FileBytes(path), bytes) << path;
+    }
+  }
+
+  // Threads, handles and what else the program has: always the same where the same is open.
+  void CheckWhatRuns() {
+    screen.Settle();  // its look for pads each five seconds selects one, and may be under way
+    const std::vector<std::uint32_t> now = {sim.LivingThreads(), sim.OpenHandles(),
+                                            sim.OpenDeviceObjects(), sim.OpenTimerPeriods()};
+    const std::array open = {Device()->DeviceSelected(), game != 0, further != 0};
+    EXPECT_EQ(now, running.emplace(open, now).first->second)
+        << "threads, handles, device objects, timer periods";
   }
 
   void CheckList() {
@@ -435,7 +603,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     std::set_symmetric_difference(held.begin(), held.end(), shown.begin(), shown.end(),
                                   std::inserter(differing, differing.end()));
     for (const std::string& name : differing) {
-      const std::string path = "/game/Profiles/" + FileNameOf(name);
+      const std::string path = PathOf(name);
       EXPECT_TRUE(faulty || leftBehind.count(name) != 0 || everTouched.count(path) != 0 ||
                   everTouched.count(path + ".tmp") != 0)
           << name << (held.count(name) != 0 ? " isn't shown" : " has no file");
@@ -446,7 +614,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   void CheckFile(bool faulty, const std::string& nameBefore, const std::string& before) {
     const std::string name = OpenName();
     if (name.empty()) return;
-    const std::string path = "/game/Profiles/" + FileNameOf(name);
+    const std::string path = PathOf(name);
     const std::string now = BytesInMemory();
     const std::string stored = sim.Disk().FileBytes(path).value_or("");
     if (stored == now) {
@@ -504,6 +672,7 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
     }
   }
 
+  const std::string own = sim.Disk().GetModuleFileNameA();
   Random random;
   HeldInputs held;
   swarm::Reasons reasons;
@@ -514,6 +683,15 @@ class RandomSessionTest : public MainWindowTest, public testing::WithParamInterf
   std::set<std::string> touched;  // files, by somebody else
   bool mouseShown = false;        // the settings of the mouse, since the last load
   bool unsaved = false;           // the open profile, by a failure
+  std::string deleted;            // in this act, if it wasn't refused
+  bool hangs = false;             // the replay that sends the next key
+  std::uint32_t game = 0;         // processes, 0 for none
+  std::uint32_t further = 0;
+  std::map<std::array<bool, 3>, std::vector<std::uint32_t>> running;
+  // What has been lived through.
+  int gamesEnded = 0;
+  int powerCuts = 0;
+  int replaysHung = 0;
 };
 
 TEST_P(RandomSessionTest, HoldsTogether) {
@@ -538,6 +716,10 @@ class PlayedSession : public RandomSessionTest {
     return sim.EventText();
   }
 
+  using RandomSessionTest::gamesEnded;
+  using RandomSessionTest::powerCuts;
+  using RandomSessionTest::replaysHung;
+
  private:
   void TestBody() override {}
 };
@@ -545,13 +727,23 @@ class PlayedSession : public RandomSessionTest {
 // Whatever the person does may be what the sleeping poll has to hear of.
 TEST(RandomSessionTwice, SendsTheSameWhetherThePollsSleepOrNot) {
   std::ptrdiff_t events = 0;
+  int games = 0;
+  int powerCuts = 0;
+  int hung = 0;
   for (std::uint32_t seed = 1; seed <= Sessions(); ++seed) {
-    const std::string with = PlayedSession(seed).Sent(true);
     const std::string without = PlayedSession(seed).Sent(false);
+    PlayedSession played(seed);
+    const std::string with = played.Sent(true);
     ASSERT_EQ(with, without) << "seed " << seed;
     events += std::count(with.begin(), with.end(), '\n');
+    games += played.gamesEnded;
+    powerCuts += played.powerCuts;
+    hung += played.replaysHung;
   }
   EXPECT_GT(events, 100 * Sessions());
+  EXPECT_GT(games, 2);
+  EXPECT_GT(powerCuts, 2);
+  EXPECT_TRUE(hung > 2 || KELVARO_SANITIZED);
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomSessionTest, testing::Range(1u, 1u + Sessions()));
