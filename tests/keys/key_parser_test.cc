@@ -320,6 +320,7 @@ TEST(ParseKeysHoldingAll, OnlyTokensCheckModifiers) {
           {"<Shift>aB", "41 1e 01, 42 30 08"},
           {"A<Shift>b", "41 1e 08, 42 30 01"},
           {"AB", "41 1e 08, 42 30 08"},
+          {"<Shift>a<<", "41 1e 01, bc 33 08"},
       },
       true);
 }
@@ -353,9 +354,10 @@ TEST(ParseKeys, UpperCaseLetterIsToBeReminded) {
     bool shiftReminder;
     int result;
   } kCases[] = {
-      {"B", true, -2},          {"aBc", true, -2}, {"<Shift>A", true, -2}, {"Esc", true, -2},
-      {"B", false, -1},         {"b", true, -1},   {"!?_", true, -1},      {"<Shift>a", true, -1},
-      {"<TAB><Esc>", true, -1}, {"", true, -1},    {"B<Nope>", true, 1},
+      {"B", true, -2},      {"aBc", true, -2},      {"<Shift>A", true, -2},   {"Esc", true, -2},
+      {"A", true, -2},      {"Z", true, -2},        {"B", false, -1},         {"b", true, -1},
+      {"!?_", true, -1},    {"<Shift>a", true, -1}, {"<TAB><Esc>", true, -1}, {"", true, -1},
+      {"B<Nope>", true, 1},
   };
   for (const auto& c : kCases) {
     EXPECT_EQ(KeyAction().ParseKeys(c.text, nullptr, c.shiftReminder), c.result) << c.text;

@@ -72,6 +72,7 @@ TEST(KeyTokenTable, KeepsTheRowsThatLookLikeSlips) {
       {"VolUp", "af 00 00"},   {"VolDn", "ae 00 00"},    {"VolMute", "ad 00 00"},
       {"MediaPP", "b3 00 00"}, {"MediaSel", "b5 00 00"}, {"StartMail", "b4 00 00"},
       {"ErEOF", "f9 00 00"},   {"OEMClear", "fe 00 00"}, {"CAPS", "14 3a 00"},
+      {"TAB", "09 0f 00"},
   };
   for (const auto& expected : kRows) {
     EXPECT_EQ(TokenText(Token(expected.name)), expected.row) << expected.name;
@@ -122,6 +123,16 @@ TEST(KeyTokenTable, JustTheseKeysAreExtended) {
     if (KeyTokenTable[i].scan & 0x80) extended.insert(KeyTokenTable[i].name);
   }
   EXPECT_EQ(extended, kExtended);
+}
+
+// The plain keyboard's own keys have one, and what later keyboards and terminals added has none.
+TEST(KeyTokenTable, JustTheKeysOfThePlainKeyboardHaveAScanCode) {
+  const std::set<std::string> kWithout = {"Cancel", "Help", "X1Mouse", "X2Mouse"};
+  for (std::size_t i = 0; i < kKeyTokenCount; ++i) {
+    const KeyToken& row = KeyTokenTable[i];
+    const bool added = row.vk == 0 || row.vk >= 0xA4 || kWithout.count(row.name) == 1;
+    EXPECT_EQ(row.scan == 0, added) << row.name;
+  }
 }
 
 TEST(KeyTokenTable, RunsOfKeysCountUp) {

@@ -24,18 +24,27 @@ bool ClaimTheMachine() {
   return alive = true;
 }
 
+// What is sent carries no word for those who listen in.
+void RequireNone(std::uint32_t extra) {
+  if (extra == 0) return;
+  std::fputs("simulation: an event is sent with an extra word\n", stderr);
+  std::abort();
+}
+
 class KeptInput final : public Input {
  public:
   KeptInput(Scheduler& scheduler, Journal& journal) : scheduler(scheduler), journal(journal) {}
 
   void keybd_event(std::uint8_t vk, std::uint8_t scan, std::uint32_t flags,
-                   std::uint32_t) override {
+                   std::uint32_t extra) override {
+    RequireNone(extra);
     if (journal.EnterUnnoted("keybd_event")) return;
     Send(SentKey(scheduler.Now(), vk, scan, flags));
   }
 
   void mouse_event(std::uint32_t flags, std::int32_t dx, std::int32_t dy, std::int32_t data,
-                   std::uint32_t) override {
+                   std::uint32_t extra) override {
+    RequireNone(extra);
     if (journal.EnterUnnoted("mouse_event")) return;
     Send(SentMouse(scheduler.Now(), flags, dx, dy, data));
   }
