@@ -105,7 +105,7 @@ bool Parser::LiteralBracket() {
 bool Parser::Token() {
   const char* const name = at + 1;
   const void* const close = std::memchr(name, '>', static_cast<std::size_t>(end - name));
-  if (!close || close == name) return false;
+  if (!close) return false;
   const auto nameLength = static_cast<std::size_t>(static_cast<const char*>(close) - name);
 
   std::uint16_t ms = 0;
