@@ -51,7 +51,8 @@ class Builder : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Builder> 
     if (text.starts_with(kMark)) end = kMark.size();  // as some editors save it
     while (stream.Tell() < end) stream.Take();
     rapidjson::Reader reader;
-    const auto result = reader.Parse<rapidjson::kParseFullPrecisionFlag>(stream, *this);
+    // Not in its full precision, in which it counts the bits before the first one of a zero.
+    const auto result = reader.Parse(stream, *this);
     if (!result.IsError()) return true;
     if (result.Code() == rapidjson::kParseErrorTermination) return false;
     std::string what = rapidjson::GetParseError_En(result.Code());
