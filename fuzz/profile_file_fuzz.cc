@@ -9,16 +9,24 @@
 #include "app/platform/simulation/simulation.h"
 #include "fuzz/check.h"
 #include "storage/profile_file.h"
+#include "storage/profile_library.h"
 
 namespace {
 
 using kelvaro::ByteString;
 using kelvaro::ProfileFile;
+using kelvaro::ProfileLibrary;
 using platform::simulation::Simulation;
 using platform::simulation::VirtualDisk;
 
 constexpr char kPath[] = "/data/fuzz.idprof";
 constexpr char kTemporary[] = "/data/fuzz.idprof.tmp";
+
+// What the window asks for another name otherwise.
+bool CanBeAFile(const ByteString& name) {
+  const ByteString fileName = ProfileFile::ProfileFileName(name);
+  return !fileName.IsEmpty() && !ProfileLibrary::IsTooLong(fileName);
+}
 
 ByteString SavedPath(const ProfileFile& profile) {
   ByteString path = ProfileFile::ProfileFolder();
@@ -58,7 +66,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(!disk.Exists(kTemporary), "the temporary stays after a restore");
 
   if (!loaded) return 0;
-  if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) profile.profileName = "fuzz";
+  if (!CanBeAFile(profile.profileName)) profile.profileName = "fuzz";
   const std::string first = Saved(disk, &profile);
   ProfileFile again;
   Check(again.Load(SavedPath(profile)), "a saved profile doesn't load");
