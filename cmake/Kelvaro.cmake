@@ -72,11 +72,15 @@ kelvaro_headers(kelvaro_headers_standard <algorithm> <cstdint> <cstring> <functi
   <optional> <string> <vector> LINKS kelvaro_watched)
 
 # kelvaro_apart(FILES...): sources of this folder that are compiled by themselves where others are
-# compiled several at a time (CMAKE_UNITY_BUILD, as in the presets of the sanitizers): their own names,
+# compiled several at a time (CMAKE_UNITY_BUILD, as in most presets): their own names,
 # or the macros of X11 that they include, clash with a neighbour's.
 function(kelvaro_apart)
   set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
+# g++ takes each of them for a header then.
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  add_compile_options(-Wno-subobject-linkage)
+endif()
 
 # kelvaro_library(NAME [HEADERS name] [links...]): target kelvaro_NAME of this folder's *.cc. A main.cc
 # stays out: all of a program but main is a library, so that tests link it too.

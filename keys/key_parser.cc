@@ -15,7 +15,7 @@ namespace {
 // text is looked at before that table is.
 constexpr KeyStep kLessThan = {0xBC, 0x33, KeyFlagImpliedShift};
 
-constexpr std::uint8_t kModifiers = KeyFlagShift | KeyFlagCtrl | KeyFlagAlt;
+constexpr std::uint8_t kModifierFlags = KeyFlagShift | KeyFlagCtrl | KeyFlagAlt;
 
 // Whether a token's name is that of a pause, "P:" and digits, and its length in ms. The number
 // wraps at 2^32 and only the low 16 bits of it are kept; the limit isn't told to the user.
@@ -124,7 +124,7 @@ bool Parser::TableToken(const KeyToken& row, std::size_t length) {
   const bool isMouse = (row.flags & KeyFlagMouse) != 0;
   if (isMouse) {
     Flush();
-  } else if (PendingFlags() & row.flags & kModifiers) {
+  } else if (PendingFlags() & row.flags & kModifierFlags) {
     duplicateKey = action.HoldsAllKeys();
     if (duplicateKey) return false;
     Flush();

@@ -12,7 +12,6 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr std::uint32_t kMostButtons = 64;
 constexpr std::size_t kMostSlots = 1000;  // of one input; far more than any profile has
 // What the format has where a file says nothing: ms, and a twentieth of pixels a second.
 constexpr std::uint32_t kTurboInterval = 100;

@@ -15,6 +15,8 @@
 
 namespace kelvaro::console {
 
+constexpr std::uint32_t kMostButtons = 64;  // that a Trigger can ask for
+
 // Where something stands in a file: line, and place in the line, both from 1.
 struct Place {
   std::size_t line = 1;

@@ -15,7 +15,6 @@ constexpr std::uint32_t kRapidFire = 100;
 // The format counts the pointer's speed in pixels of such a time. ms.
 constexpr std::uint32_t kSpeedUnit = 10;
 
-constexpr std::uint32_t kMostButtons = 64;
 constexpr std::size_t kMostWords = 1000;  // in a line; far more than any layout has
 
 struct Word {

@@ -18,7 +18,7 @@ constexpr const char* kAtoms[] = {"_NET_ACTIVE_WINDOW", "_NET_WM_NAME", "_NET_WM
                                   "WM_CLIENT_MACHINE"};
 enum AtomNumber { kActiveWindow, kUtf8Title, kProcess, kMachine, kAtomCount };
 
-struct Disconnect {
+struct DisconnectFromX11 {
   void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
 struct Free {
@@ -156,7 +156,7 @@ class X11Front : public FrontSource {
     return reply != nullptr;
   }
 
-  const std::unique_ptr<xcb_connection_t, Disconnect> connection;
+  const std::unique_ptr<xcb_connection_t, DisconnectFromX11> connection;
   xcb_window_t root = XCB_WINDOW_NONE;
   xcb_window_t front = XCB_WINDOW_NONE;
   xcb_atom_t atoms[kAtomCount] = {};

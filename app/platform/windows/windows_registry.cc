@@ -15,7 +15,7 @@ namespace {
 }
 
 // Without the empty parts, which the system would take for names.
-std::string SystemPath(const std::string& path) {
+std::string KeyPath(const std::string& path) {
   std::string joined;
   for (const std::string& name : KeyNames(path)) joined += (joined.empty() ? "" : "\\") + name;
   return joined;
@@ -38,7 +38,7 @@ using Open = LSTATUS (*)(::HKEY key, const char* path, ::HKEY* opened);
 std::uint32_t OpenBy(Open open, HKEY key, const std::string& path, HKEY* opened) {
   if (HasZeroByte(path)) return ERROR_INVALID_PARAMETER;
   ::HKEY handle = nullptr;
-  const LSTATUS result = open(SystemKey(key), SystemPath(path).c_str(), &handle);
+  const LSTATUS result = open(SystemKey(key), KeyPath(path).c_str(), &handle);
   if (result == ERROR_SUCCESS) *opened = reinterpret_cast<std::uintptr_t>(handle);
   return static_cast<std::uint32_t>(result);
 }
