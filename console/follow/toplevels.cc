@@ -15,9 +15,11 @@ void Toplevels::SetActive(Key window, bool isActive) { told[window].active = isA
 void Toplevels::Settle(Key window) {
   const Told& now = told[window];
   settled[window] = now.window;
-  const auto place = std::find(active.begin(), active.end(), window);
-  if (now.active && place == active.end()) active.push_back(window);
-  if (!now.active && place != active.end()) active.erase(place);
+  if (!now.active) {
+    std::erase(active, window);
+  } else if (std::find(active.begin(), active.end(), window) == active.end()) {
+    active.push_back(window);
+  }
 }
 
 void Toplevels::Remove(Key window) {
