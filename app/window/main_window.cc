@@ -78,6 +78,7 @@ void MainWindow::OnInit() {
                            reinterpret_cast<std::uintptr_t>(&helpCookie)) != 0;
   controlTab.defineControl.helpAvailable = helpAvailable;
   if (!CreateDeviceManager()) return OnCancel();
+  const SteeredWindow::Busy busy(steered);
   deviceTab.pollInterval = kDefaultPollInterval;
   session.deviceManager->SetPollInterval(kDefaultPollInterval);
   session.engine->Attach();
@@ -85,6 +86,7 @@ void MainWindow::OnInit() {
   session.programPath = ProgramPath();
   PrepareControls();
   if (!notificationArea.AddTrayIcon()) return OnCancel();
+  steered.BeginByMessage();
   settingsTab.LoadAppSettings();
   if (session.settings.welcomeDisplay == 0) ShowWelcome();
   if (session.shuttingDown) return;
@@ -103,7 +105,6 @@ void MainWindow::OnInit() {
   initComplete = true;
   Session::TellUnlessProfilesCanBeSaved();
   SetText(kVersionText, ByteString("Version ").Concat(VersionNumber()));
-  steered.Begin();
 }
 
 bool MainWindow::CreateDeviceManager() {

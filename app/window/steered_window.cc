@@ -4,9 +4,8 @@
 
 namespace kelvaro {
 
-void SteeredWindow::Begin() {
-  TellState();
-  steering.Begin(*session.engine);
+void SteeredWindow::BeginByMessage() {
+  platform::desktop().PostMessageA(session.dialog.window, WM_STEERED, 0, 0);
 }
 
 void SteeredWindow::SelectProfile(std::uint32_t ticket, const std::string& name) {
@@ -19,6 +18,10 @@ void SteeredWindow::SelectProfile(std::uint32_t ticket, const std::string& name)
 }
 
 void SteeredWindow::OnRequests() {
+  if (!std::exchange(begun, true)) {
+    TellState();
+    steering.Begin(*session.engine);
+  }
   std::vector<std::pair<std::uint32_t, std::string>> due;
   {
     LockGuard guard(requestLock);

@@ -19,7 +19,9 @@ class SteeredWindow : private SteeringHost {
   SteeredWindow(Session& session, ProfileRow& profileRow)
       : session(session), profileRow(profileRow) {}
 
-  void Begin();
+  // Answers from the next message on, which comes once all is set up, or before that to a box of
+  // the set-up: who reads that has to be answered, too.
+  void BeginByMessage();
   // Requests that have come are not carried out any more.
   void End() { steering.End(); }
 
@@ -50,6 +52,7 @@ class SteeredWindow : private SteeringHost {
   Session& session;
   ProfileRow& profileRow;
   std::uint32_t busy = 0;
+  bool begun = false;
   RecursiveLock requestLock;
   // Tickets and names.
   std::vector<std::pair<std::uint32_t, std::string>> requests KELVARO_GUARDED_BY(requestLock);

@@ -100,6 +100,7 @@ TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
       "RegQueryValueExA " + place + " Col 0 Width",  // the columns
       "LoadIconA 128",                               // 12
       "Shell_NotifyIconA 0",
+      "PostMessageA 32778",                             // WM_STEERED
       "RegQueryValueExA " + settings + " Last Device",  // 13
       "CreateDevice",
       "CreateThread notification",

@@ -14,6 +14,8 @@ using namespace main_window;
 
 class SteeredWindowTest : public ProfileRowTest {
  protected:
+  static constexpr char kBusy[] = "error | text the window has a dialog, a box or a menu open";
+
   void BeginWithTwo() {
     StoreWithPad("Alpha", "a");
     StoreWithPad("Beta", "b");
@@ -56,6 +58,25 @@ TEST_F(SteeredWindowTest, TheFirstStatusTellsWhatIsOpen) {
   calls.saidAtOnce = "kelvaro 1 status";
   BeginWithTwo();
   EXPECT_NE(calls.Heard(1).find("profile Alpha | device Pad | "), std::string::npos);
+}
+
+TEST_F(SteeredWindowTest, WhileTheFirstStartWaitsForThePersonItAnswers) {
+  StoreWithPad("Alpha", "a");
+  StoreWithPad("Beta", "b");
+  FirstStart();
+  Begin();
+  ASSERT_EQ(screen.Front(), welcome::kDialog);
+  EXPECT_EQ(Ask("status"),
+            "status | program window | version 3.5 | profile  | device  | deviceAnswers no "
+            "| paused no | mouseControls no");
+  EXPECT_EQ(Select("Beta"), kBusy);
+  EXPECT_EQ(Ask("pause"), "done");
+  screen.Close();
+  EXPECT_EQ(
+      Ask("status"),
+      "status | program window | version 3.5 | profile Alpha | device Pad | deviceAnswers yes "
+      "| paused yes | mouseControls no");
+  EXPECT_EQ(Select("Beta"), "done");
 }
 
 TEST_F(SteeredWindowTest, SelectDoesWhatTheChoiceOfAPersonDoes) {
@@ -117,16 +138,15 @@ TEST_F(SteeredWindowTest, AProfileWithoutItsPadIsOpenedWithoutAWarning) {
 }
 
 TEST_F(SteeredWindowTest, WhileADialogOrABoxIsOpenNothingIsSelected) {
-  const std::string busy = "error | text the window has a dialog, a box or a menu open";
   BeginWithTwo();
   screen.Click(kNewProfile);
   ASSERT_EQ(screen.Front(), new_profile::kDialog);
-  EXPECT_EQ(Select("Beta"), busy);
+  EXPECT_EQ(Select("Beta"), kBusy);
   EXPECT_EQ(OpenName(), "Alpha");
   screen.Type(new_profile::kName, "Beta");
   screen.Click(platform::IDOK);
   ASSERT_TRUE(screen.BoxUp()) << "there is one of that name";
-  EXPECT_EQ(Select("Beta"), busy);
+  EXPECT_EQ(Select("Beta"), kBusy);
   EXPECT_NE(Ask("pause").find("done"), std::string::npos) << "which needs no window";
   screen.Answer(platform::IDOK);
   EXPECT_EQ(Select("Beta"), "done");

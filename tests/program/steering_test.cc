@@ -218,6 +218,20 @@ TEST_F(SteeringTest, AWindowThatIsStoppedIsToldNotToAnswer) {
   EXPECT_TRUE(Eventually([&] { return StatusOf(window)["profile"].Text() == "One"; }, 60s));
 }
 
+TEST_F(SteeringTest, AWindowThatWelcomesThePersonAnswers) {
+  ASSERT_TRUE(StoredSettings(home).Set("Welcome Display", 0u));
+  const auto window = Start("kelvaro", {});
+  ASSERT_TRUE(Eventually([&] { return StatusOf(window)["program"].Text() == "window"; }))
+      << window->Log();
+  EXPECT_EQ(StatusOf(window)["profile"].Text(), "");
+  const Said refused = Ctl({"select", "Two"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_NE(refused.err.find("has a dialog, a box or a menu open"), std::string::npos)
+      << refused.err;
+  EXPECT_EQ(Ctl({"pause"}).status, 0);
+  EXPECT_TRUE(StatusOf(window)["paused"].Bool());
+}
+
 // As the manual has them for icewm.
 TEST_F(SteeringTest, TheKeysOfTheManualPauseAndResume) {
   const std::string page = Content(Program("Help/Kelvaro/Stopping Everything.htm"));
