@@ -8,9 +8,6 @@ namespace {
 // Changes that the device keeps for one poll; more are taken in as they stand at its end.
 constexpr DWORD kMostChanges = 256;
 
-// How often a device is asked that tells nothing. Not each loss of one is told of.
-constexpr DWORD kLookMs = 1000;
-
 constexpr std::size_t kButtons = offsetof(DIJOYSTATE2, rgbButtons);
 constexpr std::size_t kMostButtons = sizeof(DIJOYSTATE2::rgbButtons);
 
@@ -58,7 +55,7 @@ void WindowsDevice::Prepare() {
   news = OwnedHandle(CreateEventA(nullptr, FALSE, FALSE, nullptr));
   // A device that has to be polled to tell anything says so by another success.
   tellsOfNews = news && system->SetEventNotification(news.Get()) == DI_OK &&
-                CreateTimerQueueTimer(&look, nullptr, &Report, news.Get(), kLookMs, kLookMs,
+                CreateTimerQueueTimer(&look, nullptr, &Report, news.Get(), lookMs, lookMs,
                                       WT_EXECUTEINTIMERTHREAD);
   if (!tapsApart) return;
   ::DIPROPDWORD size{};

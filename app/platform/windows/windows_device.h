@@ -15,8 +15,9 @@ namespace platform {
 
 class WindowsDevice final : public DirectInputDevice {
  public:
-  // Takes over the reference.
-  explicit WindowsDevice(IDirectInputDevice8A* system) : system(system) {}
+  // Takes over the reference. It is asked each `lookMs` while it tells nothing.
+  WindowsDevice(IDirectInputDevice8A* system, std::uint32_t lookMs)
+      : system(system), lookMs(lookMs) {}
   virtual ~WindowsDevice();
   WindowsDevice(const WindowsDevice&) = delete;
   WindowsDevice& operator=(const WindowsDevice&) = delete;
@@ -31,8 +32,8 @@ class WindowsDevice final : public DirectInputDevice {
   HRESULT Unacquire() override;
   HRESULT Poll() override;
   // The event that DirectInput signals for a change and mostly for the loss of the device, too; it
-  // also comes each second. None for a device that tells of nothing by itself, and none while it is
-  // lost: nothing tells of its return.
+  // also comes each `lookMs`. None for a device that tells of nothing by itself, and none while it
+  // is lost: nothing tells of its return.
   std::optional<Handle> WaitForNews() override;
   // By DirectInput's buffer of changes; set before Acquire.
   void SetTapsApart(bool apart) override { tapsApart = apart; }
@@ -49,6 +50,7 @@ class WindowsDevice final : public DirectInputDevice {
   void Apply(const Change& change);
 
   IDirectInputDevice8A* const system;
+  const std::uint32_t lookMs;
   OwnedHandle news;
   HANDLE look = nullptr;  // a timer that reports news
   bool isPrepared = false;

@@ -16,7 +16,8 @@ BOOL CALLBACK Visit(const DIDEVICEINSTANCEA* instance, void* visit) {
 class WindowsDirectInput final : public DirectInput {
  public:
   // Takes over the reference and the library.
-  WindowsDirectInput(IDirectInput8A* system, HMODULE library) : system(system), library(library) {}
+  WindowsDirectInput(IDirectInput8A* system, HMODULE library, DWORD lookMs)
+      : system(system), library(library), lookMs(lookMs) {}
   virtual ~WindowsDirectInput() {
     system->Release();
     FreeLibrary(library);
@@ -34,7 +35,7 @@ class WindowsDirectInput final : public DirectInput {
   HRESULT CreateDevice(const GUID& instance, DirectInputDevice** device) override {
     IDirectInputDevice8A* made = nullptr;
     const ::HRESULT result = system->CreateDevice(std::bit_cast<::GUID>(instance), &made, nullptr);
-    if (result == DI_OK) *device = new WindowsDevice(made);
+    if (result == DI_OK) *device = new WindowsDevice(made, lookMs);
     return Result(result);
   }
 
@@ -43,6 +44,7 @@ class WindowsDirectInput final : public DirectInput {
  private:
   IDirectInput8A* const system;
   const HMODULE library;
+  const DWORD lookMs;
 };
 
 using Create = ::HRESULT(WINAPI*)(HINSTANCE program, DWORD version, const ::IID& kind, void** made,
@@ -62,7 +64,7 @@ HRESULT WindowsDevices::DirectInput8Create(std::uint32_t version, DirectInput** 
   const ::HRESULT result =
       create(GetModuleHandleA(nullptr), version, IID_IDirectInput8A, &made, nullptr);
   if (result == DI_OK) {
-    *directInput = new WindowsDirectInput(static_cast<IDirectInput8A*>(made), library);
+    *directInput = new WindowsDirectInput(static_cast<IDirectInput8A*>(made), library, lookMs);
   } else {
     FreeLibrary(library);
   }

@@ -10,6 +10,8 @@
 // Last.
 #include "app/platform/windows/win32.h"
 
+extern "C" decltype(&FlushFileBuffers) __imp_FlushFileBuffers;
+
 namespace platform {
 namespace {
 
@@ -91,6 +93,56 @@ TEST_F(WindowsFilesTest, APathMayHaveAnyLength) {
     EXPECT_TRUE(files.DeleteFileA(path)) << path.size();
     EXPECT_EQ(Found(deep + "\\*y"), Names{"copy"}) << path.size();
   }
+}
+
+// What is flushed as long as it lives, by this program's own import of the operation.
+class Flushes {
+ public:
+  Flushes() {
+    SetImport(&Count);
+    folders = 0;
+    rest = 0;
+  }
+  ~Flushes() { SetImport(system); }
+  Flushes(const Flushes&) = delete;
+  Flushes& operator=(const Flushes&) = delete;
+
+  static inline int folders = 0;
+  static inline int rest = 0;
+
+ private:
+  using Flush = decltype(&FlushFileBuffers);
+
+  static void SetImport(Flush flush) {
+    DWORD before = 0;
+    VirtualProtect(&__imp_FlushFileBuffers, sizeof flush, PAGE_READWRITE, &before);
+    __imp_FlushFileBuffers = flush;
+    VirtualProtect(&__imp_FlushFileBuffers, sizeof flush, before, &before);
+  }
+  static BOOL WINAPI Count(HANDLE file) {
+    BY_HANDLE_FILE_INFORMATION known = {};
+    GetFileInformationByHandle(file, &known);
+    ++(known.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY ? folders : rest);
+    return system(file);
+  }
+
+  static inline const Flush system = __imp_FlushFileBuffers;
+};
+
+TEST_F(WindowsFilesTest, AFolderIsFlushedWhereANameInItChanges) {
+  const Flushes flushes;
+  ASSERT_TRUE(Write(*Create(In("a")), "12345"));
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), true));
+  EXPECT_EQ(flushes.folders, 1);
+  EXPECT_EQ(flushes.rest, 1) << "the copy";
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), false));
+  EXPECT_EQ(flushes.folders, 2);
+  EXPECT_TRUE(files.DeleteFileA(In("b")));
+  EXPECT_EQ(flushes.folders, 3);
+  EXPECT_TRUE(files.CopyFileA(In("a"), In("b"), true));
+  EXPECT_FALSE(files.CopyFileA(In("a"), In("b"), true));
+  EXPECT_FALSE(files.DeleteFileA(In("c")));
+  EXPECT_EQ(flushes.folders, 4) << "what fails changes nothing";
 }
 
 TEST_F(WindowsFilesTest, DrivesHaveTheirBits) { EXPECT_NE(files.GetLogicalDrives() & 4, 0u); }
