@@ -21,10 +21,13 @@ bool IsBareDrive(const ByteString& path, char separator) {
   return IsLetter(path[0]) && path[1] == ':';
 }
 
+bool Fits(const std::string& path, char separator) {
+  return !HasDrives(separator) || path.size() < PathBufferSize;
+}
+
 // Empty where the system's answer wouldn't fit.
 ByteString Told(const std::string& path, char separator) {
-  if (HasDrives(separator) && path.size() >= PathBufferSize) return ByteString();
-  return TextOf(path);
+  return Fits(path, separator) ? TextOf(path) : ByteString();
 }
 
 }  // namespace
@@ -98,6 +101,14 @@ ByteString ProgramFolder(char separator) {
 
 ByteString ProgramPath(char separator) {
   return Told(platform::files().GetModuleFileNameA(), separator);
+}
+
+std::string ProgramPathRefusal(char separator) {
+  const std::string path = platform::files().GetModuleFileNameA();
+  if (Fits(path, separator)) return {};
+  return "This program's path is too long: it has " + std::to_string(path.size()) +
+         " bytes, and may have " + std::to_string(PathBufferSize - 1) +
+         ". Move the folder to a place with a shorter path, and start the program there.";
 }
 
 bool CreateFolders(const ByteString& path, char separator) {

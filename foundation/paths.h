@@ -63,6 +63,10 @@ ByteString CurrentFolder(char separator = platform::files().PathSeparator());
 ByteString ProgramFolder(char separator = platform::files().PathSeparator());
 ByteString ProgramPath(char separator = platform::files().PathSeparator());
 
+// Why the running program's path is empty, and what a person can do: it doesn't fit. Profiles would
+// then be looked for in a folder that isn't the program's. Empty where the path fits.
+std::string ProgramPathRefusal(char separator = platform::files().PathSeparator());
+
 // Makes every level of a folder's path that is missing, below its root. True for an empty path and
 // a bare root, and where a file stands in the place of a level: opening what lies in it fails then.
 // False at the first level that can't be made; those above it stay.

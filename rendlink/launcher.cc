@@ -21,6 +21,8 @@ std::string InWords(const std::vector<std::string>& profiles) {
 }  // namespace
 
 bool FindKelvaro(std::string* path, std::string* refusal) {
+  *refusal = ProgramPathRefusal();
+  if (!refusal->empty()) return false;
   const std::string own = Bytes(ProgramPath());
   const std::string ending = own.substr(own.rfind(Stem(own)) + Stem(own).size());
   const std::string name = "kelvaro" + ending;

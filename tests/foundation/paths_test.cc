@@ -320,6 +320,12 @@ TEST_F(DrivePathsTest, APathThatDoesNotFitCountsAsNone) {
     disk.SetProgramPath(folder);
     EXPECT_EQ(Bytes(ProgramPath()), folder == fits ? fits : "");
     EXPECT_EQ(Bytes(ProgramFolder()), folder == fits ? fits.substr(0, 3 + 128) : "");
+    EXPECT_EQ(ProgramPathRefusal(),
+              folder == fits
+                  ? ""
+                  : "This program's path is too long: it has 262 bytes, and may have 261. "
+                    "Move the folder to a place with a shorter path, and start the "
+                    "program there.");
   }
 }
 

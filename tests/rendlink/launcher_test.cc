@@ -130,6 +130,15 @@ TEST_F(RendlinkTest, KelvarosFileHasTheEndingOfRendlinks) {
   EXPECT_EQ(WordsOf({{"Chess"}, kTarget, "", ""}).at(0), "/game/kelvaro.exe");
 }
 
+TEST_F(RendlinkTest, AnOwnPathThatIsTooLongIsTold) {
+  sim.Disk().Format('\\');
+  sim.Disk().SetProgramPath("C:\\" + std::string(300, 'f') + "\\rendlink.exe");
+  std::string kelvaro;
+  std::string refusal;
+  EXPECT_FALSE(FindKelvaro(&kelvaro, &refusal));
+  EXPECT_TRUE(refusal.starts_with("This program's path is too long: it has 316 bytes")) << refusal;
+}
+
 TEST_F(RendlinkTest, AStemIsTheNameWithoutItsEnding) {
   EXPECT_EQ(Stem("/games/race.x.sh"), "race.x");
   EXPECT_EQ(Stem("race"), "race");

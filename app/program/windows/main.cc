@@ -6,6 +6,7 @@
 #include "app/resources/settings_keys.h"
 #include "app/start/usage.h"
 #include "app/window/run_program.h"
+#include "foundation/paths.h"
 #include "foundation/version.h"
 
 namespace kelvaro {
@@ -36,6 +37,11 @@ int Run(const std::string& firstWord) {
   if (firstWord == "--help") return Say(UsageText());
   if (firstWord == "--version")
     return Say(std::string("Kelvaro, Version ") + VersionNumber().Text());
+  const std::string refusal = ProgramPathRefusal();
+  if (!refusal.empty()) {
+    Say(refusal);
+    return 1;
+  }
   TellUnlessSettingsCanBeStored();
   return RunProgram();
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/platform/windows/wide_text.h"
 #include "app/resources/settings_keys.h"
 #include "tests/host/patience.h"
 
@@ -11,6 +12,7 @@
 #include <commctrl.h>
 #include <sddl.h>
 #include <tlhelp32.h>
+#include <winternl.h>
 
 namespace kelvaro::tests {
 namespace {
@@ -59,6 +61,33 @@ BOOL CALLBACK KeepBox(HWND window, LPARAM wanted) {
   return FALSE;
 }
 
+// Operations of the system's below CreateProcess, which no header declares.
+struct StartedProcess {
+  ULONG size;
+  HANDLE process;
+  HANDLE thread;
+  CLIENT_ID id;
+  char image[256];  // more than the system writes
+};
+using MakeParameters = NTSTATUS(WINAPI*)(void** made, UNICODE_STRING* program, UNICODE_STRING*,
+                                         UNICODE_STRING*, UNICODE_STRING* line, void*,
+                                         UNICODE_STRING*, UNICODE_STRING*, UNICODE_STRING*,
+                                         UNICODE_STRING*);
+using MakeProcess = NTSTATUS(WINAPI*)(UNICODE_STRING* program, ULONG, void* parameters, void*,
+                                      void*, HANDLE, BOOLEAN, HANDLE, HANDLE, StartedProcess*);
+
+template <typename Function>
+Function Internal(const char* name) {
+  return reinterpret_cast<Function>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), name)));
+}
+
+// Of a text that outlives it.
+UNICODE_STRING Borrowed(std::wstring& text) {
+  const auto size = static_cast<USHORT>(text.size() * sizeof text[0]);
+  return {size, static_cast<USHORT>(size + sizeof text[0]), text.data()};
+}
+
 // In the system's words for who may do what.
 void AllowForSettings(const char* rights) {
   PSECURITY_DESCRIPTOR wanted = nullptr;
@@ -105,6 +134,26 @@ Program::Program(const std::string& folder, const std::string& arguments, const 
 
 Program::Program(std::uint32_t running)
     : process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, running)), id(running) {}
+
+std::unique_ptr<Program> Program::AtAnyPath(const std::string& path, const std::string& arguments) {
+  std::wstring texts[] = {platform::Utf16Of("\\??\\" + path), platform::Utf16Of(path),
+                          platform::Utf16Of('"' + path + "\" " + arguments)};
+  UNICODE_STRING object = Borrowed(texts[0]);
+  UNICODE_STRING program = Borrowed(texts[1]);
+  UNICODE_STRING line = Borrowed(texts[2]);
+  void* parameters = nullptr;
+  Internal<MakeParameters>("RtlCreateProcessParameters")(
+      &parameters, &program, nullptr, nullptr, &line, nullptr, nullptr, nullptr, nullptr, nullptr);
+  StartedProcess started = {};
+  EXPECT_EQ(Internal<MakeProcess>("RtlCreateUserProcess")(&object, OBJ_CASE_INSENSITIVE, parameters,
+                                                          nullptr, nullptr, nullptr, FALSE, nullptr,
+                                                          nullptr, &started),
+            0);
+  ResumeThread(started.thread);
+  CloseHandle(started.thread);
+  return std::unique_ptr<Program>(
+      new Program(started.process, static_cast<std::uint32_t>(GetProcessId(started.process))));
+}
 
 Program::~Program() {
   if (!process) return;

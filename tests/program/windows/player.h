@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace kelvaro::tests {
@@ -16,7 +17,10 @@ class Program {
   Program(const std::string& folder, const std::string& arguments = "",
           const std::string& name = "kelvaro.exe", const std::string& output = "");
   explicit Program(std::uint32_t process);  // that runs
-  ~Program();                               // ended by force where it still runs
+  // The one of that path, which may be longer than CreateProcess takes.
+  static std::unique_ptr<Program> AtAnyPath(const std::string& path,
+                                            const std::string& arguments = "");
+  ~Program();  // ended by force where it still runs
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
@@ -34,6 +38,7 @@ class Program {
   std::int32_t AwaitEnd();
 
  private:
+  Program(void* process, std::uint32_t id) : process(process), id(id) {}
   std::uintptr_t Find(const std::string& title, bool visible = true) const;
 
   void* process;

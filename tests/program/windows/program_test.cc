@@ -32,9 +32,20 @@ class WindowsProgram : public ::testing::Test {
   // Past the welcome, with its main window up.
   void Start(const std::string& arguments = "") {
     MarkAsWelcomed();
-    program = std::make_unique<Program>(folder.folder, arguments);
+    program = std::make_unique<Program>(place, arguments);
     window = program->Await("Kelvaro");
     ASSERT_NE(window, 0u);
+  }
+  // Into a folder whose path has up to 50 characters fewer.
+  void MoveProgram(std::size_t length) {
+    while (place.size() + 50 < length) place += '\\' + std::string(49, 'd');
+    std::filesystem::create_directories(place + "\\Profiles");
+    for (const char* const file : {"\\kelvaro.exe", "\\dinput8.dll"})
+      std::filesystem::rename(folder.folder + file, place + file);
+  }
+  void ChoosePad() {
+    ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+    ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
   }
   void MakeProfile(const std::string& name) {
     Click(window, main_window::kNewProfile);
@@ -57,6 +68,7 @@ class WindowsProgram : public ::testing::Test {
   }
 
   TemporaryFolder folder;
+  std::string place = folder.folder;  // of the program
   PadHands pad;
   std::unique_ptr<Program> program;
   std::uintptr_t window = 0;
@@ -82,8 +94,7 @@ TEST_F(WindowsProgram, AFirstStartWelcomesOnce) {
 // From the pad through the window to a key in another program.
 TEST_F(WindowsProgram, AControlIsMadeByDetectionAndItsKeyReachesAnotherProgram) {
   Start();
-  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
-  ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+  ChoosePad();
   MakeProfile("Jump");
   EXPECT_TRUE(
       Eventually([&] { return std::filesystem::exists(folder.In("Profiles\\Jump.idprof")); }));
@@ -164,9 +175,8 @@ TEST_F(WindowsProgram, WithoutDirectInputItSaysSoAndEnds) {
 
 TEST_F(WindowsProgram, APadThatIsPulledOutIsGoneUntilItIsBack) {
   Start();
-  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
+  ChoosePad();
   const auto buttons = [&] { return Text(window, main_window::kNumButtons); };
-  ASSERT_TRUE(Eventually([&] { return buttons() == "11"; }));
   MakeProfile("Jump");
   pad.Memory().unplugged = 1;
   Click(window, main_window::kRefreshDeviceList);
@@ -182,8 +192,7 @@ TEST_F(WindowsProgram, APadOnlyForKelvaroIsAskedForAlone) {
   for (const bool alone : {false, true}) {
     if (alone) KeepAlone("Scripted pad");
     Start();
-    ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
-    ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+    ChoosePad();
     EXPECT_EQ(pad.Memory().alone, alone ? 1u : 0u);
     EXPECT_EQ(Close(), 0);
   }
@@ -239,6 +248,44 @@ TEST_F(WindowsProgram, ProfilesThatCanNotBeStoredAreToldOf) {
   EXPECT_EQ(Content(folder.In("Profiles")), "in the place of the folder");
 }
 
+TEST_F(WindowsProgram, ProfilesMayHavePathsBeyondTheLimitOfOld) {
+  MoveProgram(240);
+  constexpr std::size_t kLength = 300;
+  const std::string before = place + "\\Profiles\\";
+  const std::string ending = ".idprof";
+  const std::string name(kLength - before.size() - ending.size(), 'n');
+  Start();
+  ChoosePad();
+  MakeProfile(name);
+  EXPECT_EQ(Close(), 0);
+  EXPECT_TRUE(std::filesystem::exists(before + name + ending));
+
+  Start();
+  ASSERT_EQ(Rows(window, main_window::kProfileList), 1u);
+  EXPECT_EQ(RowText(window, main_window::kProfileList, 0), name);
+  const std::string other(name.size(), 'o');
+  Click(window, main_window::kRenameProfile);
+  const std::uintptr_t question = program->Await("Rename Profile");
+  ASSERT_NE(question, 0u);
+  Enter(question, profile_name::kName, other);
+  Click(question, IDOK);
+  ASSERT_TRUE(program->AwaitGone("Rename Profile"));
+  EXPECT_EQ(Close(), 0);
+  EXPECT_TRUE(std::filesystem::exists(before + other + ending));
+  EXPECT_FALSE(std::filesystem::exists(before + name + ending));
+}
+
+TEST_F(WindowsProgram, WhereItsOwnPathIsTooLongItSaysSoAndEnds) {
+  MoveProgram(360);
+  std::filesystem::copy_file(KELVAROCTL, place + "\\kelvaroctl.exe");
+  MarkAsWelcomed();
+  program = Program::AtAnyPath(place + "\\kelvaro.exe");
+  Read("This program's path is too long: it has " +
+       std::to_string(place.size() + std::string("\\kelvaro.exe").size()) + " bytes");
+  EXPECT_EQ(program->AwaitEnd(), 1);
+  EXPECT_EQ(Program::AtAnyPath(place + "\\kelvaroctl.exe", "profiles")->AwaitEnd(), 1);
+}
+
 TEST_F(WindowsProgram, ItsVersionComesInABox) {
   program = std::make_unique<Program>(folder.folder, "--version");
   const std::uintptr_t box = program->Await("Kelvaro");
@@ -290,8 +337,7 @@ TEST_F(WindowsProgram, StartsMinimisedAndWithTheSessionWhereThePersonWantsIt) {
 
 TEST_F(WindowsProgram, AGameIsLaunchedWithItsProfileAndEndsIt) {
   Start();
-  ASSERT_TRUE(Choose(window, main_window::kDeviceList, 1));
-  ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
+  ChoosePad();
   MakeProfile("Jump");
   EXPECT_EQ(Close(), 0);
   const std::string note = folder.In("played.txt");
