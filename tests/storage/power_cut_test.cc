@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/allocations.h"
 #include "tests/storage/chunks.h"
 #include "tests/storage/random_profile.h"
 
@@ -256,6 +257,33 @@ TEST(FailedOperation, OfASaveIsToldAndLeavesTheOldOrTheNewProfile) {
       EXPECT_TRUE(profile.Save()) << "the next one works";
     };
     AtEach(OperationsOfASave(setting), setting.name, Failures, fail);
+  }
+}
+
+// One element of a list alone, and all from there on. A list that can't be begun ends the file
+// where it is, so that the old profile may be gone; the window still has the new one.
+TEST(OutOfMemory, AnywhereInASaveIsToldAndTheNextSaveWorks) {
+  for (const Setting& setting : kSettings) {
+    for (const bool onwards : {false, true}) {
+      bool untouched = false;
+      for (std::uint32_t nth = 1; !untouched; ++nth) {
+        SCOPED_TRACE(testing::Message() << setting.name << ", allocation " << nth);
+        Machine machine(setting);
+        ProfileFile profile;
+        Fill(&profile, kNewSeed);
+        bool saved = false;
+        {
+          const FailingAllocation failing(nth, onwards);
+          saved = profile.Save();
+          untouched = failing.Failed() == 0;
+        }
+        EXPECT_EQ(saved, untouched);
+        EXPECT_EQ(machine.Disk().OpenHandles(), 0u);
+        EXPECT_TRUE(profile.Save());
+        EXPECT_EQ(machine.WhatIsFound(), "new");
+        if (testing::Test::HasFailure()) return;
+      }
+    }
   }
 }
 
