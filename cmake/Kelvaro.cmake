@@ -39,8 +39,10 @@ if(KELVARO_COVERAGE)
   target_link_options(kelvaro_options INTERFACE --coverage)
 endif()
 # The sanitizers' checks cost tests and fuzzing many times what compiling a little better does.
+set(KELVARO_SANITIZED 0)
 if(KELVARO_SANITIZE)
   target_compile_options(kelvaro_watched INTERFACE -O1)
+  set(KELVARO_SANITIZED 1)
 endif()
 
 # Headers that many sources begin with are compiled once for all, where KELVARO_SHARED_HEADERS asks
