@@ -48,12 +48,19 @@ class WindowsProgram : public ::testing::Test {
     ASSERT_TRUE(Eventually([&] { return Text(window, main_window::kNumButtons) == "11"; }));
   }
   void MakeProfile(const std::string& name) {
-    Click(window, main_window::kNewProfile);
-    const std::uintptr_t question = program->Await("New Profile");
+    Name(main_window::kNewProfile, "New Profile", new_profile::kName, name);
+  }
+  void RenameProfile(const std::string& name) {
+    Name(main_window::kRenameProfile, "Rename Profile", profile_name::kName, name);
+  }
+  // By a button, and the field of the dialog that it opens.
+  void Name(std::uint32_t button, const char* title, std::uint32_t field, const std::string& name) {
+    Click(window, button);
+    const std::uintptr_t question = program->Await(title);
     ASSERT_NE(question, 0u);
-    Enter(question, new_profile::kName, name);
+    Enter(question, field, name);
     Click(question, IDOK);
-    ASSERT_TRUE(program->AwaitGone("New Profile"));
+    ASSERT_TRUE(program->AwaitGone(title));
   }
   // Past a box that begins so.
   void Read(const std::string& beginning) {
@@ -264,12 +271,7 @@ TEST_F(WindowsProgram, ProfilesMayHavePathsBeyondTheLimitOfOld) {
   ASSERT_EQ(Rows(window, main_window::kProfileList), 1u);
   EXPECT_EQ(RowText(window, main_window::kProfileList, 0), name);
   const std::string other(name.size(), 'o');
-  Click(window, main_window::kRenameProfile);
-  const std::uintptr_t question = program->Await("Rename Profile");
-  ASSERT_NE(question, 0u);
-  Enter(question, profile_name::kName, other);
-  Click(question, IDOK);
-  ASSERT_TRUE(program->AwaitGone("Rename Profile"));
+  ASSERT_NO_FATAL_FAILURE(RenameProfile(other));
   EXPECT_EQ(Close(), 0);
   EXPECT_TRUE(std::filesystem::exists(before + other + ending));
   EXPECT_FALSE(std::filesystem::exists(before + name + ending));
