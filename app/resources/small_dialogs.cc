@@ -77,7 +77,7 @@ constexpr ControlTemplate kAutoDetectModeControls[] = {
 
 constexpr platform::MenuItem kFloater[] = {
     {"Exit", floater_menu::kExit},
-    {nullptr, 0},
+    {},  // a separator
     {"Show Kelvaro", floater_menu::kShowKelvaro},
 };
 
