@@ -1,5 +1,8 @@
 #include "app/dialogs/define_control_dialog.h"
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <string>
@@ -65,22 +68,20 @@ constexpr std::uint8_t kRightScan = 0xCD;
 
 // The name of the machine's value that offers a Control on release is the two, byte by byte XORed,
 // so that nobody comes across it in the program. docs/settings.md tells it to those who ask.
-constexpr std::size_t kReleaseNameLength = 22;
-constexpr unsigned char kReleaseName1[kReleaseNameLength] = {
-    0xD2, 0xA6, 0xE5, 0x8C, 0x92, 0x98, 0xDD, 0x8E, 0xB6, 0x89, 0x96,
-    0xEF, 0xEB, 0x91, 0xBD, 0x97, 0xEC, 0x8F, 0x9F, 0xB9, 0x8F, 0xE5};
-constexpr unsigned char kReleaseName2[kReleaseNameLength] = {
-    0x81, 0xCE, 0x8A, 0xFB, 0xB2, 0xC8, 0xAF, 0xEB, 0xC5, 0xFA, 0xB6,
-    0xAE, 0x85, 0xF5, 0x9D, 0xC5, 0x89, 0xE3, 0xFA, 0xD8, 0xFC, 0x80};
+constexpr unsigned char kReleaseName1[] = {0xD2, 0xA6, 0xE5, 0x8C, 0x92, 0x98, 0xDD, 0x8E,
+                                           0xB6, 0x89, 0x96, 0xEF, 0xEB, 0x91, 0xBD, 0x97,
+                                           0xEC, 0x8F, 0x9F, 0xB9, 0x8F, 0xE5};
+constexpr unsigned char kReleaseName2[] = {0x81, 0xCE, 0x8A, 0xFB, 0xB2, 0xC8, 0xAF, 0xEB,
+                                           0xC5, 0xFA, 0xB6, 0xAE, 0x85, 0xF5, 0x9D, 0xC5,
+                                           0x89, 0xE3, 0xFA, 0xD8, 0xFC, 0x80};
 
 bool ReleaseIsOffered() {
-  char name[kReleaseNameLength + 1] = {};
-  for (std::size_t i = 0; i < kReleaseNameLength; ++i) {
-    name[i] = static_cast<char>(kReleaseName1[i] ^ kReleaseName2[i]);
-  }
+  std::string name;
+  std::transform(std::begin(kReleaseName1), std::end(kReleaseName1), std::begin(kReleaseName2),
+                 std::back_inserter(name), std::bit_xor<char>());
   std::uint32_t value = 0;
   RegistryKey key(platform::HKEY_LOCAL_MACHINE, kProductKey, false);
-  return key.GetDword(nullptr, name, &value) && value != 0;
+  return key.GetDword(nullptr, name.c_str(), &value) && value != 0;
 }
 
 void PressExtendedKey(std::uint8_t vk, std::uint8_t scan) {
