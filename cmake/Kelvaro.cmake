@@ -32,11 +32,17 @@ target_compile_options(kelvaro_watched INTERFACE $<$<CXX_COMPILER_ID:Clang>:-Wth
 if(KELVARO_FUZZ)
   target_compile_options(kelvaro_watched INTERFACE -fsanitize=fuzzer-no-link)
 endif()
-# From all threads, and by paths that mean the same from anywhere.
+# From all threads, and by paths that mean the same from anywhere. The tests, too: of a function in
+# a header the linker takes one copy, and that may be theirs.
 if(KELVARO_COVERAGE)
-  target_compile_options(kelvaro_watched INTERFACE --coverage -fprofile-update=atomic
+  target_compile_options(kelvaro_options INTERFACE --coverage -fprofile-update=atomic
                          -fprofile-abs-path)
-  target_link_options(kelvaro_options INTERFACE --coverage)
+  add_library(kelvaro_exits STATIC ${CMAKE_SOURCE_DIR}/tests/coverage/exits.cc)
+  target_link_options(kelvaro_options INTERFACE --coverage LINKER:--undefined=_exit)
+  target_link_libraries(kelvaro_options INTERFACE kelvaro_exits)
+  # Else each call that might throw brings branches of its own, which are taken only on the way out
+  # of a throw that nobody here catches.
+  target_compile_options(kelvaro_watched INTERFACE -fno-exceptions)
 endif()
 # The sanitizers' checks cost tests and fuzzing many times what compiling a little better does.
 set(KELVARO_SANITIZED 0)
@@ -83,6 +89,14 @@ endfunction()
 if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   add_compile_options(-Wno-subobject-linkage)
 endif()
+
+# kelvaro_throws(FILES...): sources of this folder that throw or catch.
+function(kelvaro_throws)
+  if(KELVARO_COVERAGE)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -fexceptions
+                                SKIP_PRECOMPILE_HEADERS ON)
+  endif()
+endfunction()
 
 # kelvaro_library(NAME [HEADERS name] [links...]): target kelvaro_NAME of this folder's *.cc. A main.cc
 # stays out: all of a program but main is a library, so that tests link it too.
