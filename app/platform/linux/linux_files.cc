@@ -293,7 +293,7 @@ std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint
   const bool makes = disposition == CREATE_ALWAYS;
   const bool isWriting = makes || (access & GENERIC_WRITE);
   int flags = access & GENERIC_WRITE ? (access & GENERIC_READ ? O_RDWR : O_WRONLY) : O_RDONLY;
-  // What is there already is looked at before it is emptied.
+  // What is there already is emptied last, when nothing else can fail.
   if (makes) flags |= O_CREAT;
   const bool claims = !(share & FILE_SHARE_WRITE);
   Descriptor file = Open(path, flags, claims, isWriting);
@@ -307,12 +307,12 @@ std::unique_ptr<File> LinuxFiles::CreateFileA(const std::string& path, std::uint
     refusal = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
   }
   if (refusal) return Fail(refusal);
-  if (makes && status.st_size > 0 && ftruncate(file.Get(), 0) != 0) return Fail();
   Descriptor claim;
   if (claims) {
     claim = Descriptor(fcntl(file.Get(), F_DUPFD_CLOEXEC, 0));
     if (!claim) return Fail();
   }
+  if (makes && status.st_size > 0 && ftruncate(file.Get(), 0) != 0) return Fail();
   Descriptor folder;
   if (isWriting) folder = OpenFolder(FolderOfPath(path));
   return std::make_unique<LinuxFile>(std::move(file), std::move(claim), std::move(folder),

@@ -20,6 +20,7 @@
 
 #include "app/platform/linux/linux_platform.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 #include "tests/platform/cut_off_thread.h"
 #include "tests/platform/machine/files_fixture.h"
 
@@ -77,7 +78,9 @@ namespace {
 
 using kelvaro::tests::Fork;
 using kelvaro::tests::OpenFiles;
+using kelvaro::tests::Refusal;
 using kelvaro::tests::StatusOf;
+using kelvaro::tests::WhereRefused;
 
 class Watching {
  public:
@@ -342,6 +345,69 @@ TEST_F(LinuxFilesTest, ACopyThatFindsNoRoomLeavesTheTargetAndNothingBeside) {
   EXPECT_EQ(List(), (Names{"a", "b"}));
 }
 
+TEST_F(LinuxFilesTest, WhatTheSystemRefusesIsTold) {
+  Put("a", "new");
+  Put("b", "old");
+  Link("b", "link");
+  const std::unique_ptr<File> reading = OpenToRead(In("a"));
+  const std::unique_ptr<File> writing = Create(In("c"));
+  Write(*writing, "text");
+  char byte;
+  std::uint32_t read;
+  FindData data;
+  const struct {
+    Refusal refusal;
+    std::function<bool()> act;
+  } rows[] = {
+      {{SYS_read, EIO}, [&] { return reading->ReadFile(&byte, 1, &read); }},
+      {{SYS_write, ENOSPC}, [&] { return Write(*writing, "more"); }},
+      {{SYS_lseek, EIO}, [&] { return reading->SetFilePointer(0, FILE_BEGIN, nullptr); }},
+      {{SYS_newfstatat, EIO}, [&] { return OpenToRead(In("b")) != nullptr; }},
+      {{SYS_newfstatat, EBUSY}, [&] { return Create(In("b")) != nullptr; }},
+      {{SYS_ftruncate, EIO}, [&] { return Create(In("b")) != nullptr; }},
+      {{SYS_fcntl, EMFILE, F_DUPFD_CLOEXEC}, [&] { return Create(In("b")) != nullptr; }},
+      {{SYS_chmod, EPERM},
+       [&] { return files.SetFileAttributesA(In("b"), FILE_ATTRIBUTE_READONLY); }},
+      {{SYS_chdir, EACCES}, [&] { return files.SetCurrentDirectoryA(folder); }},
+      {{SYS_getcwd, ENOENT}, [&] { return !files.GetCurrentDirectoryA().empty(); }},
+      {{SYS_getdents64, EIO}, [&] { return files.FindFirstFileA(In("*"), &data) != nullptr; }},
+      {{SYS_statx, ENOENT}, [&] { return files.FindFirstFileA(In("*"), &data) != nullptr; }},
+      {{SYS_readlink, EIO}, [&] { return Copy("a", "link"); }},
+      {{SYS_read, EIO}, [&] { return Copy("a", "b"); }},
+      {{SYS_write, ENOSPC}, [&] { return Copy("a", "b"); }},
+      {{SYS_fchmod, EPERM}, [&] { return Copy("a", "b"); }},
+      {{SYS_fchmod, EPERM}, [&] { return Copy("a", "d"); }},
+      {{SYS_faccessat2, EACCES}, [&] { return Copy("a", "b"); }},
+      {{SYS_renameat2, EIO}, [&] { return files.CopyFileA(In("a"), In("d"), true); }},
+      {{SYS_close, EIO}, [&] { return writing->CloseHandle(); }},
+  };
+  for (const auto& row : rows) {
+    WhereRefused({row.refusal}, [&] {
+      EXPECT_FALSE(row.act()) << &row - rows;
+      EXPECT_EQ(Error(), row.refusal.error) << &row - rows;
+    });
+    EXPECT_EQ(Bytes("b"), "old") << &row - rows;
+    EXPECT_EQ(List(), (Names{"a", "b", "c", "link"})) << &row - rows;
+  }
+}
+
+TEST_F(LinuxFilesTest, AFileSystemWithoutLocksAndLastingFoldersWillDo) {
+  Put("a", "new");
+  WhereRefused({{SYS_fcntl, ENOLCK, F_OFD_SETLK}}, [&] {
+    const std::unique_ptr<File> file = Create(In("b"));
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(Write(*file, "1"));
+    EXPECT_TRUE(Create(In("b"))) << "nobody has claimed it";
+  });
+  for (const int error : {EINVAL, ENOTSUP, ENOSYS})
+    WhereRefused({{SYS_fsync, error}},
+                 [&] { EXPECT_TRUE(files.CreateDirectoryA(In(std::to_string(error)))); });
+  for (const int error : {EINVAL, ENOSYS})
+    WhereRefused({{SYS_renameat2, error}}, [&] {
+      EXPECT_TRUE(files.CopyFileA(In("a"), In("c" + std::to_string(error)), true));
+    });
+}
+
 TEST_F(LinuxFilesTest, AReaderSeesTheOldOrTheNewAndNothingElse) {
   const std::string one(200'000, '1');
   const std::string two(150'000, '2');
@@ -386,6 +452,21 @@ TEST_F(LinuxCopyTest, ACopyKeepsTheTargetsOwnerWhereThatIsAllowed) {
   EXPECT_EQ(Bytes("b"), "new");
 }
 
+TEST_F(LinuxCopyTest, ACopyIsNotMadeWhereTheTargetsOwnerCanNotBeKeptForAnotherReason) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+  for (const auto& [owner, group] : {std::pair(12'345, 0), std::pair(0, 23'456)}) {
+    Put("b", "old");
+    ASSERT_EQ(chown(In("b").c_str(), static_cast<uid_t>(owner), static_cast<gid_t>(group)), 0);
+    WhereRefused({{SYS_fchown, EIO}}, [&] {
+      EXPECT_FALSE(Copy("a", "b"));
+      EXPECT_EQ(Error(), EIO);
+    });
+    EXPECT_EQ(Bytes("b"), "old");
+    WhereRefused({{SYS_fchown, EPERM}}, [&] { EXPECT_TRUE(Copy("a", "b")); });
+    EXPECT_EQ(Bytes("b"), "new");
+  }
+}
+
 // Permissions of the published form: version 2, then tag, rights and id of each entry.
 std::string AccessList(std::uint16_t rightsOfAnother) {
   struct Entry {
@@ -414,6 +495,8 @@ constexpr char kNoLists[] = "the temporary folder's file system has no access li
 TEST_F(LinuxCopyTest, ACopyKeepsTheTargetsListOfFurtherUsers) {
   const std::string list = AccessList(6);
   SKIP_UNLESS(SetAccessList(In("b"), "system.posix_acl_access", list), "acl", kNoLists);
+  WhereRefused({{SYS_fsetxattr, ENOSPC}}, [&] { EXPECT_FALSE(Copy("a", "b")); });
+  EXPECT_EQ(Bytes("b"), "old");
   EXPECT_TRUE(Copy("a", "b"));
   char kept[256];
   const ssize_t size = getxattr(In("b").c_str(), "system.posix_acl_access", kept, sizeof kept);
