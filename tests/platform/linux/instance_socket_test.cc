@@ -10,6 +10,7 @@
 
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 #include "tests/platform/linux/local_socket.h"
 
 namespace platform {
@@ -97,6 +98,28 @@ TEST_F(InstanceSocketTest, CannotBeOpenedWhereThereIsNoFolderOrItsNameIsTooLong)
   for (const std::string& none : {std::string(), In("gone"), "/tmp/" + std::string(120, 'x')})
     EXPECT_FALSE(InstanceSocket::Open(
         none, [] { return std::vector<OfferedWindow>(); }, nullptr));
+}
+
+TEST_F(InstanceSocketTest, WhereTheSystemRefusesItCanNotBeOpenedAndNothingIsLeft) {
+  std::vector<std::vector<Refusal>> all = {kNoThreads};
+  for (const long call : {SYS_eventfd2, SYS_socket, SYS_bind, SYS_listen, SYS_chmod})
+    all.push_back({{call, ENOMEM}});
+  for (const std::vector<Refusal>& refusals : all)
+    WhereRefused(refusals, [&] {
+      EXPECT_FALSE(Open()) << refusals.front().call;
+      EXPECT_FALSE(fs::exists(OwnSocket())) << refusals.front().call;
+    });
+  EXPECT_TRUE(Open());
+}
+
+TEST_F(InstanceSocketTest, WhoCanNotBeAskedHasNoWindows) {
+  const auto socket = Open();
+  std::vector<OfferedWindow> windows;
+  for (const long call : {SYS_socket, SYS_getsockopt, SYS_sendto, SYS_poll, SYS_recvfrom})
+    WhereRefused({{call, ENOMEM}}, [&] {
+      EXPECT_FALSE(AskWindows(folder, self, &windows)) << call;
+      EXPECT_TRUE(windows.empty());
+    });
 }
 
 TEST_F(InstanceSocketTest, GarbageDoesNothing) {

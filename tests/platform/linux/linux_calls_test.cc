@@ -15,6 +15,7 @@
 
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 #include "tests/platform/machine/arrived.h"
 #include "tests/platform/machine/calls_by_hand.h"
 
@@ -117,6 +118,37 @@ TEST_F(LinuxCallsTest, WhereTheSystemTellsNothingArrivalsAreLookedFor) {
   ASSERT_TRUE(arrivals);
   ASSERT_TRUE(calls.Answer(&listener));
   EXPECT_EQ(Arrived(calls, *arrivals), std::vector<std::uint32_t>{OwnProcess()});
+}
+
+TEST_F(LinuxCallsTest, WhereTheSystemRefusesNobodyAnswersAndNothingIsLeft) {
+  std::vector<std::vector<Refusal>> all = {kNoThreads};
+  for (const long call : {SYS_eventfd2, SYS_socket, SYS_bind, SYS_listen, SYS_chmod})
+    all.push_back({{call, ENOMEM}});
+  for (const std::vector<Refusal>& refusals : all)
+    WhereRefused(refusals, [&] {
+      LinuxCalls refused(folder);
+      EXPECT_FALSE(refused.Answer(&listener)) << refusals.front().call;
+      EXPECT_FALSE(fs::exists(OwnSocket())) << refusals.front().call;
+    });
+  EXPECT_TRUE(calls.Answer(&listener));
+}
+
+TEST_F(LinuxCallsTest, WhoCanNotBeKnownIsNotCalled) {
+  ASSERT_TRUE(calls.Answer(&listener));
+  for (const long call : {SYS_socket, SYS_connect, SYS_getsockopt, SYS_readlink})
+    WhereRefused({{call, EACCES}}, [&] { EXPECT_FALSE(calls.Call(OwnProcess())) << call; });
+  EXPECT_TRUE(calls.Call(OwnProcess()));
+}
+
+TEST_F(LinuxCallsTest, ACallThatCanNotBeHeardHasEnded) {
+  ASSERT_TRUE(calls.Answer(&listener));
+  const auto call = calls.Call(OwnProcess());
+  ASSERT_TRUE(call);
+  std::string message;
+  WhereRefused({{SYS_sendmsg, ENOMEM}, {SYS_sendto, ENOMEM}},
+               [&] { EXPECT_FALSE(call->Send("text")); });
+  const auto arrivals = calls.WatchArrivals();
+  WhereRefused({{SYS_poll, ENOMEM}}, [&] { EXPECT_FALSE(arrivals->Wait()); });
 }
 
 TEST_F(LinuxCallsTest, AnotherUserCanNotConnect) {

@@ -16,6 +16,7 @@
 #include "app/platform/linux/linux_threads.h"
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 
 namespace platform {
 namespace {
@@ -156,6 +157,22 @@ TEST_F(LinuxProcessesTest, TheNewProcessIsNotOfARaisedPriority) {
   EXPECT_EQ(Run(script, ""), 0);
   setpriority(PRIO_PROCESS, 0, before);
   EXPECT_EQ(Written(), "0\n");
+}
+
+TEST_F(LinuxProcessesTest, WhatTheSystemRefusesToStartIsTold) {
+  PROCESS_INFORMATION process;
+  const auto start = [&] {
+    return processes.CreateProcessA("/bin/true", "true", CREATE_NEW_CONSOLE, nullptr, &process);
+  };
+  WhereRefused(kNoThreads, [&] {
+    EXPECT_FALSE(start());
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EAGAIN));
+  });
+  WhereRefused({{SYS_pipe2, EMFILE}}, [&] {
+    EXPECT_FALSE(start());
+    EXPECT_EQ(files.GetLastError(), static_cast<std::uint32_t>(EMFILE));
+  });
+  EXPECT_TRUE(ChildrenOf(getpid()).empty());
 }
 
 TEST_F(LinuxProcessesTest, NothingIsLeftOfAProcessThatHasEndedWithoutAHandle) {

@@ -6,13 +6,17 @@
 
 #include <string>
 
+#include "app/platform/linux/linux_timers.h"
 #include "app/platform/linux/waiting.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 #include "tests/platform/machine/threads_fixture.h"
 
 namespace platform {
 namespace {
 
+using kelvaro::tests::kNoThreads;
+using kelvaro::tests::WhereRefused;
 using LinuxThreadsTest = ThreadsTest;
 
 TEST_F(LinuxThreadsTest, IdIsTheKernels) {
@@ -30,6 +34,16 @@ TEST_F(LinuxThreadsTest, NameIsTheThreadsOwnCutAtFifteenBytes) {
       "notification-thread");
   shared.ExpectEnd(thread);
   EXPECT_EQ(shared.name, "notification-th");
+}
+
+TEST_F(LinuxThreadsTest, NoThreadAndNoTimerIsGivenWhereTheSystemHasNone) {
+  WhereRefused(kNoThreads, [&] {
+    EXPECT_EQ(threads.CreateThread([](void*) { return 0u; }, nullptr, "none", nullptr),
+              kInvalidHandle);
+    EXPECT_EQ(LinuxTimers().timeSetEvent(
+                  10, 1, [](std::uint32_t, void*) {}, nullptr, TIME_PERIODIC),
+              0u);
+  });
 }
 
 TEST_F(LinuxThreadsTest, AClosedHandleIsGone) {

@@ -11,8 +11,11 @@
 #include <string>
 #include <thread>
 
+#include "app/platform/linux/linux_processes.h"
+#include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/thread_priority.h"
 #include "app/platform/threads.h"
+#include "tests/host/refused_calls.h"
 #include "tests/platform/linux/fake_realtime_kit.h"
 #include "tests/platform/linux/new_process.h"
 
@@ -168,6 +171,20 @@ TEST(ProgramStart, TellsTheSystemsErrorFromTheStarterToo) {
       EXPECT_HOLDS(StartProgram({"/bin/true", {"true", std::string(200000, 'x')}, ""}, &child) ==
                    E2BIG);
       EXPECT_HOLDS(process.Run({"/bin/true", {"true"}, ""}) == 0);
+    });
+  });
+}
+
+TEST(ProgramStart, AProgramWhoseEndNobodyCouldAwaitIsEnded) {
+  InANewProcess([] {
+    KeepLimitsForPrograms();
+    LinuxThreads threads;
+    LinuxProcesses processes(threads, std::string());
+    WhereRefused(kNoThreads, [&] {
+      PROCESS_INFORMATION process;
+      EXPECT_HOLDS(!processes.CreateProcessA("/bin/sleep", "sleep 1000", CREATE_NEW_CONSOLE,
+                                             nullptr, &process));
+      EXPECT_HOLDS(ChildrenOf(getpid()).size() == 1 && Starter() > 0);
     });
   });
 }

@@ -17,6 +17,7 @@
 #include "app/platform/linux/linux_clock.h"
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 
 // Where a connection breaks and the library's handlers return, it gives its own lock back twice.
 // The connection isn't used again, so nothing comes of it.
@@ -232,6 +233,23 @@ TEST_F(XTestInputTest, TheGuardEndsWithTheObject) {
   input.reset();
   EXPECT_EQ(Guard(), 0);
   EXPECT_EQ(kill(guard, 0), -1);
+}
+
+TEST_F(XTestInputTest, WithoutAGuardNothingOpens) {
+  const std::string told = "the process that is to let go of keys can't be started: ";
+  const auto length = static_cast<std::uint32_t>(sizeof(XTestGuard::Held));
+  const std::pair<std::vector<Refusal>, std::string> rows[] = {
+      {kNoThreads, "Resource temporarily unavailable"},
+      {{{SYS_socketpair, EMFILE}}, "Too many open files"},
+      {{{SYS_mmap, ENOMEM, length}}, "Cannot allocate memory"},
+      {{{SYS_chdir, EACCES}}, "No child processes"},  // in the guard, which ends then
+  };
+  for (const auto& [refusals, why] : rows)
+    WhereRefused(refusals, [&, &why = why] {
+      std::string error;
+      EXPECT_EQ(XTestInput::Open(name, &error), nullptr);
+      EXPECT_EQ(error, told + why);
+    });
 }
 
 TEST_F(XTestInputTest, AServerThatGoesAwayIsCountedAndReportedOnce) {
