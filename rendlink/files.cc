@@ -31,15 +31,25 @@ bool ReadFile(const std::string& path, std::uint32_t most, std::string* bytes) {
   }
 }
 
-bool WriteFile(const std::string& path, const std::string& bytes, std::string* error) {
+namespace {
+
+bool WriteWhole(const std::string& path, const std::string& bytes) {
   const auto file =
       platform::files().CreateFileA(path, platform::GENERIC_WRITE, 0, platform::CREATE_ALWAYS);
   std::uint32_t written = 0;
-  if (file && file->WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &written) &&
-      file->CloseHandle())
-    return true;
-  *error = ErrorText();
-  return false;
+  return file &&
+         file->WriteFile(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &written) &&
+         file->CloseHandle();
+}
+
+}  // namespace
+
+bool WriteFile(const std::string& path, const std::string& bytes, std::string* error) {
+  const std::string aside = path + ".tmp";
+  const bool written = WriteWhole(aside, bytes) && platform::files().CopyFileA(aside, path, false);
+  if (!written) *error = ErrorText();
+  platform::files().DeleteFileA(aside);  // a rest is written over the next time
+  return written;
 }
 
 std::string ErrorText(std::uint32_t error) {

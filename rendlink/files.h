@@ -14,7 +14,8 @@ bool IsFolder(const std::string& path);
 // False for what can't be read, or is longer than `most` bytes.
 bool ReadFile(const std::string& path, std::uint32_t most, std::string* bytes);
 
-// False with the system's words for it in *error.
+// False with the system's words for it in *error, and what stood there as it was: a power cut
+// leaves that or the new bytes, too.
 bool WriteFile(const std::string& path, const std::string& bytes, std::string* error);
 
 // The system's words for that number; of the last operation of files, unless another is told.

@@ -2,7 +2,9 @@
 
 #include "app/platform/processes.h"
 #include "rendlink/files.h"
+#include "rendlink/launcher_kind.h"
 #include "tests/rendlink/rendlink_fixture.h"
+#include "tests/storage/cut_everywhere.h"
 
 namespace kelvaro::rendlink {
 namespace {
@@ -80,6 +82,38 @@ TEST_F(RendlinkTest, SaysWhyALauncherCantBeWritten) {
   EXPECT_EQ(refusal,
             std::string("The launcher ") + kFile +
                 " was written, but the system refuses to make it one that can be started.");
+}
+
+TEST_F(RendlinkTest, ALauncherThatCantBeWrittenWholeStaysAsItWas) {
+  std::string refusal;
+  ASSERT_TRUE(WriteLauncher(kFile, "old", &refusal)) << refusal;
+  sim.Disk().ClearLog();
+  ASSERT_TRUE(WriteLauncher(kFile, "old", &refusal)) << refusal;
+  const std::size_t operations = sim.Disk().Log().size();
+  for (std::size_t n = 1; n <= operations; ++n) {
+    sim.Disk().FailInside(n, 1);
+    const bool isWritten = WriteLauncher(kFile, "new", &refusal);
+    EXPECT_EQ(sim.Disk().FileBytes(kFile), isWritten ? "new" : "old") << "operation " << n;
+    sim.Disk().Restart();
+    ASSERT_TRUE(WriteLauncher(kFile, "old", &refusal)) << refusal;
+    EXPECT_EQ(sim.Disk().List("/home/player/Desktop"), (Words{"My Race.desktop"}));
+  }
+}
+
+TEST(LauncherOnAForgetfulDisk, IsTheOldOneOrTheNewOne) {
+  std::string refusal;
+  for (const bool first : {false, true}) {
+    CutEverywhere({[&](platform::simulation::Simulation& sim) {
+                     sim.Disk().PutFolder("/home/player/Desktop");
+                     if (!first) WriteLauncher(kFile, "old", &refusal);
+                   },
+                   [&] { WriteLauncher(kFile, "new", &refusal); },
+                   [&](platform::simulation::Simulation& sim, bool isDone) {
+                     const auto found = sim.Disk().FileBytes(kFile);
+                     EXPECT_TRUE(found == "new" || (!isDone && (first ? !found : found == "old")))
+                         << found.value_or("none");
+                   }});
+  }
 }
 
 TEST_F(RendlinkTest, WhatALauncherCantHoldIsRefusedBeforeAnythingIsWritten) {
