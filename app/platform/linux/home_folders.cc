@@ -14,7 +14,7 @@ namespace {
 
 std::string FolderOf(const char* variable, const char* inHome) {
   // The rules want anything but a full path to be ignored.
-  const std::string chosen = Variable(variable);
+  std::string chosen = Variable(variable);
   if (chosen.starts_with('/')) return chosen;
   std::string home = Variable("HOME");
   if (home.empty()) {

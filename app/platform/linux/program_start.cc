@@ -25,7 +25,7 @@ namespace {
 
 // A request is texts, each with its zero: the folder of this process (empty where it is gone), the
 // one wanted, the file, and the words.
-constexpr std::size_t kMostBytes = 128 * 1024;
+constexpr std::size_t kMostBytes = std::size_t{128} * 1024;
 
 // Only for new processes: other threads may have held the allocator, so nothing is allocated.
 std::array<char, kMostBytes> received;
