@@ -62,7 +62,6 @@ bool DeviceManager::CreateDirectInput() {
   const platform::HRESULT result =
       platform::devices().DirectInput8Create(platform::DIRECTINPUT_VERSION_8, &directInput);
   if (result != platform::DI_OK) {
-    directInput = nullptr;
     SetErrorText(1, ResultText("DirectInput8Create", result, kCreateResults));
     return false;
   }

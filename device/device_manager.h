@@ -181,7 +181,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   // timer's thread touches them under deviceLock only.
   platform::DirectInputDevice* device = nullptr;
   platform::DIJOYSTATE2 stateBuffers[2];
-  std::uint32_t writeIndex = 0;  // the next read's block; the other holds the last good read
+  std::uint32_t writeIndex{};  // the next read's block; the other holds the last good read
   // What the change callback gets.
   platform::DIJOYSTATE2 changedState KELVARO_GUARDED_BY(deviceLock);
   platform::Handle changeEvent = platform::kInvalidHandle;  // auto-reset
@@ -194,7 +194,7 @@ class DeviceManager : public WorkerThread, public DeviceErrorObject {
   bool pollEnabled KELVARO_GUARDED_BY(deviceLock) = false;
   DeviceCallback pollCallback KELVARO_GUARDED_BY(deviceLock) = nullptr;
   // Of the call of pollCallback that is under way.
-  bool pollMayRest KELVARO_GUARDED_BY(deviceLock) = false;
+  bool pollMayRest KELVARO_GUARDED_BY(deviceLock){};
   void* pollContext KELVARO_GUARDED_BY(deviceLock) = nullptr;
   PresenceCallback presenceCallback KELVARO_GUARDED_BY(deviceLock) = nullptr;
   void* presenceContext KELVARO_GUARDED_BY(deviceLock) = nullptr;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "app/platform/clock.h"
@@ -22,8 +23,7 @@ void DeviceManager::ReadTimerLimits() {
     timerMin = caps.wPeriodMin;
     timerMax = caps.wPeriodMax;
   }
-  if (pollInterval < timerMin) pollInterval = timerMin;
-  if (pollInterval > timerMax) pollInterval = timerMax;
+  pollInterval = std::min(std::max<std::uint32_t>(pollInterval, timerMin), timerMax);
 }
 
 bool DeviceManager::SetPollInterval(std::uint32_t ms) {
@@ -55,11 +55,10 @@ void DeviceManager::SetPresenceCallback(PresenceCallback callback, void* context
   presenceContext = context;
 }
 
-// Against zero blocks, as at the start of polling.
+// Against a zero block, as at the start of polling.
 void DeviceManager::DeliverAnew() {
   LockGuard guard(deviceLock);
-  stateBuffers[0] = {};
-  stateBuffers[1] = {};
+  stateBuffers[writeIndex ^ 1] = {};
   Wake();
 }
 
@@ -77,9 +76,7 @@ void DeviceManager::EnablePollCallback() {
 void DeviceManager::StartPolling() {
   // Against a zero block the first good read almost always counts as a change: a centred hat is
   // not 0.
-  writeIndex = 0;
-  stateBuffers[0] = {};
-  stateBuffers[1] = {};
+  stateBuffers[writeIndex ^ 1] = {};
   answers = true;
   platform::threads().ResetEvent(changeEvent);
   Start(false, platform::THREAD_PRIORITY_TIME_CRITICAL);

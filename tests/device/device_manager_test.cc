@@ -135,6 +135,9 @@ TEST_F(DeviceManagerConstruction, ListsTheDevicesThenReadsTheTimerThenMakesTheEv
   EXPECT_EQ(manager.PeekError(nullptr), 0);
   EXPECT_EQ(ErrorTextOf(manager), "No Error");
   ExpectNothingSelected(manager);
+  EXPECT_FALSE(manager.TakenByAnother());
+  EXPECT_TRUE(manager.Answers());
+  EXPECT_EQ(manager.LostPolls(), 0u);
 }
 
 TEST_F(DeviceManagerConstruction, SucceedsWithoutAnyDevice) {
@@ -212,6 +215,17 @@ TEST_F(DeviceManagerDestruction, StopsTheDeviceAndThenReleasesDirectInput) {
   manager.reset();
   EXPECT_EQ(DeviceCalls(simulation), kStop + Calls{"Release DirectInput"});
   EXPECT_EQ(simulation.LivingThreads(), 0u);
+}
+
+TEST_F(DeviceManagerDestruction, ClosesTheEventOfChangesIfThereIsOne) {
+  Make();
+  manager.reset();
+  EXPECT_EQ(CountDeviceCalls(simulation, "CloseHandle 2"), 1);
+
+  simulation.FailNext("CreateEventA auto");
+  Make();
+  manager.reset();
+  EXPECT_EQ(CountDeviceCalls(simulation, "CloseHandle -1"), 0);
 }
 
 TEST_F(DeviceManagerDestruction, ReleasesNothingTwice) {
@@ -428,6 +442,31 @@ TEST_F(DeviceSelection, AnAxisThatRefusesItsRangeIsNoFailure) {
   EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"} + kSelection + kPollingBegins);
 }
 
+// Of one axis, which knows what was set of it last.
+struct OneAxis final : test::ManualMachine {
+  static constexpr std::uint32_t kAxis = 0x102;
+  platform::HRESULT EnumObjects(const std::function<bool(std::uint32_t)>& visit,
+                                std::uint32_t) override {
+    visit(kAxis);
+    return platform::DI_OK;
+  }
+  platform::HRESULT SetProperty(std::uint32_t, const platform::DIPROPRANGE& wanted) override {
+    range = wanted;
+    return platform::DI_OK;
+  }
+  platform::DIPROPRANGE range;
+};
+
+TEST(DeviceAxes, HaveTheirRangeSetEachByItsIdentity) {
+  OneAxis pad;
+  DeviceManager manager(kWindow);
+  ASSERT_TRUE(manager.SelectDevice(0));
+  EXPECT_EQ(pad.range.diph.dwHow, platform::DIPH_BYID);
+  EXPECT_EQ(pad.range.diph.dwObj, OneAxis::kAxis);
+  EXPECT_EQ(pad.range.lMin, -32000);
+  EXPECT_EQ(pad.range.lMax, 32000);
+}
+
 TEST_F(DeviceSelection, AcquireWithoutEffectIsSuccessAndAnyOtherResultFailure) {
   DeviceManager& manager = MakeWithPad();
   simulation.FailNext("Acquire", platform::DI_NOEFFECT);
@@ -520,6 +559,9 @@ TEST_F(StopDevice, TakesItsStepsInOrder) {
   EXPECT_EQ(DeviceCalls(simulation), kStop);
   EXPECT_EQ(simulation.Now() - before, 100u);
   ExpectNothingSelected(manager);
+  simulation.ClearCalls();
+  manager.StopDevice();
+  EXPECT_EQ(DeviceCalls(simulation), Calls{"Sleep 100"}) << "it has stopped already";
 }
 
 TEST_F(StopDevice, WaitsItsHundredMillisecondsEvenWhenNothingRuns) {

@@ -187,6 +187,7 @@ TEST_F(Polling, WhileAnyoneHoldsTheLockPeriodsAreLost) {
     RunTo(55);
     EXPECT_TRUE(DeviceCalls(simulation).empty());
   }
+  EXPECT_EQ(manager.LostPolls(), 4u);
   RunTo(60);
   // Not made up for.
   EXPECT_EQ(polls.size(), 1u);

@@ -73,6 +73,15 @@ TEST_F(TickCost, AChangeBackIsAChangeToo) {
   EXPECT_EQ(machine.eventsSet, 4u);
 }
 
+TEST_F(TickCost, DeliveredAnewAnyStateIsAChange) {
+  ASSERT_TRUE(selected);
+  for (std::uint32_t i = 1; i <= 4; ++i) {
+    manager.DeliverAnew();
+    machine.Tick();
+    EXPECT_EQ(machine.eventsSet, i);
+  }
+}
+
 // The lock would let its owner in again; a period is lost all the same.
 TEST_F(TickCost, ATickGivesUpEvenWhereItsOwnThreadHoldsTheLock) {
   ASSERT_TRUE(selected);
@@ -115,6 +124,27 @@ TEST_F(TickCost, ATickThatComesAfterTheDeviceWentAwayDoesNothing) {
   machine.Tick();
   EXPECT_EQ(polls, 0u);
   EXPECT_FALSE(manager.deviceLock.IsTaken());
+}
+
+// A timer whose first ticks come before it has told its number.
+struct EarlyTicks final : test::ManualMachine {
+  std::uint32_t timeSetEvent(std::uint32_t interval, std::uint32_t resolution,
+                             platform::TimerCallback timerCallback, void* timerUser,
+                             std::uint32_t flags) override {
+    const std::uint32_t id =
+        ManualMachine::timeSetEvent(interval, resolution, timerCallback, timerUser, flags);
+    Tick();
+    Tick();
+    return id;
+  }
+};
+
+TEST(EarlyTicks, ATimerThatFellAsleepBeforeItsNumberWasKnownIsWoken) {
+  EarlyTicks machine;
+  DeviceManager manager(platform::kNoWindow);
+  ASSERT_TRUE(manager.SelectDevice(0));
+  EXPECT_EQ(machine.rests, 1u);
+  EXPECT_EQ(machine.wakes, 1u);
 }
 
 // Construction gives up DirectInput when the list can't be made in full, but what was listed by
