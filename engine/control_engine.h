@@ -104,10 +104,11 @@ class ControlEngine {
   Relaxed<bool> mouseActive{false};  // no lock; a stale read costs one dispatch
 
   RecursiveLock mouseLock{LockRank::Mouse};
-  Relaxed<std::int32_t> movementFactor{3};
-  Relaxed<std::int32_t> wheelFactor{0};
-  Relaxed<std::int32_t> movementDeadZone{0};  // axis units
-  Relaxed<std::int32_t> wheelDeadZone{0};     // axis units
+  // Derived from the profile.
+  Relaxed<std::int32_t> movementFactor;
+  Relaxed<std::int32_t> wheelFactor;
+  Relaxed<std::int32_t> movementDeadZone;  // axis units
+  Relaxed<std::int32_t> wheelDeadZone;     // axis units
   // Last events sent.
   bool leftDown KELVARO_GUARDED_BY(mouseLock) = false;
   bool middleDown KELVARO_GUARDED_BY(mouseLock) = false;
@@ -143,12 +144,12 @@ class ControlEngine {
   }
 
   Relaxed<DispatchObserver*> observer{nullptr};
-  Relaxed<bool> ended{false};  // by LetGo
+  Relaxed<bool> ended;  // by LetGo, until Attach
   Relaxed<bool> paused{false};
   Relaxed<bool> testMode{false};
   // Set after the result, since the notification thread looks at the role first.
   std::atomic<MouseRole> detectedRole{MouseRole::None};
-  Relaxed<TriggerItem> detectResult{TriggerItem{input_kind::kNone, 0, 0}};
+  Relaxed<TriggerItem> detectResult{kNoInput};
 };
 
 // The callbacks of the device manager; `context` is the ControlEngine.

@@ -8,8 +8,6 @@
 namespace kelvaro {
 namespace {
 
-constexpr TriggerItem kNothing{input_kind::kNone, 0, 0};
-
 bool IsSideways(std::uint32_t angle) {
   return (angle >= 7000 && angle <= 11000) || (angle >= 25000 && angle <= 29000);
 }
@@ -63,11 +61,10 @@ void ControlEngine::DetectMouseInput() {
   if (role == MouseRole::None) return;
 
   ByteString text;
-  TriggerItem found = kNothing;
+  TriggerItem found = kNoInput;
   if (InputOf(role).axis) {
     if (DetectMouseAxis(device.axisMax, snapshot.state, &found)) InputText(found, &text, false);
   } else if (snapshot.dispatchButtons != 0) {
-    found = detectResult;
     found.kind = input_kind::kButton;
     found.index = static_cast<std::uint16_t>(std::countr_zero(snapshot.dispatchButtons));
     ButtonsText(snapshot.dispatchButtons, &text);

@@ -55,16 +55,14 @@ std::uint64_t ButtonMaskFromState(const DIJOYSTATE2& state) {
 std::uint8_t PovDirectionsFromAngle(std::uint32_t angle) {
   const std::uint32_t a = angle & 0xFFFF;
   if (a == 0xFFFF) return 0;
-  if (a > 6000 && a < 30000) {
-    if (a < 12000) return PovRight;
-    if (a > 24000) return PovLeft;
-    if (a < 13501) return PovRight | PovDown;
-    if (a >= 22500) return PovLeft | PovDown;
-    return PovDown;
-  }
-  if (a >= 4500 && a <= 6000) return PovUp | PovRight;
-  if (a >= 30000 && a <= 31500) return PovLeft | PovUp;
-  return PovUp;
+  if (a < 4500 || a > 31500) return PovUp;
+  if (a <= 6000) return PovUp | PovRight;
+  if (a < 12000) return PovRight;
+  if (a <= 13500) return PovRight | PovDown;
+  if (a < 22500) return PovDown;
+  if (a <= 24000) return PovDown | PovLeft;
+  if (a < 30000) return PovLeft;
+  return PovLeft | PovUp;
 }
 
 std::int32_t AxisValue(const DIJOYSTATE2& state, std::uint16_t kind, std::uint16_t index) {
@@ -96,7 +94,7 @@ void AxisFieldOffset(TriggerItem* item) {
 }
 
 TriggerItem MouseInput(std::uint16_t kind, std::uint16_t index) {
-  TriggerItem item{kind, index, 0};
+  TriggerItem item{.kind = kind, .index = index};
   AxisFieldOffset(&item);
   return item;
 }

@@ -38,15 +38,17 @@ constexpr std::uint8_t AxisPos = 2;
 // position, 1 velocity, 2 acceleration, 3 force) or the number of a hat, 0 to 3. value: in a
 // Trigger the wanted direction; in the mouse emulation the byte offset of the field in DIJOYSTATE2.
 struct TriggerItem {
-  std::uint16_t kind = 0;
-  std::uint16_t index = 0;
-  std::uint16_t value = 0;
+  std::uint16_t kind{};
+  std::uint16_t index{};
+  std::uint16_t value{};
 
   // Whether both name the same input, whatever the direction.
   bool SameInput(const TriggerItem& other) const {
     return kind == other.kind && index == other.index;
   }
 };
+
+constexpr TriggerItem kNoInput{.kind = input_kind::kNone};
 
 // Touched by the notification thread only, inside a dispatch.
 struct DeviceSnapshot {

@@ -1,7 +1,5 @@
 #include "engine/input_text.h"
 
-#include <iterator>
-
 namespace kelvaro {
 namespace {
 
@@ -46,7 +44,7 @@ void AppendInput(const TriggerItem& item, bool detailed, bool* wordWritten, Byte
 }  // namespace
 
 ByteString InputName(std::uint16_t kind) {
-  return kind < std::size(kNames) ? ByteString(kNames[kind]) : ByteString();
+  return kind > input_kind::kPovVertical ? ByteString() : ByteString(kNames[kind]);
 }
 
 void ButtonsText(std::uint64_t mask, ByteString* text) {

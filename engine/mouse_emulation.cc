@@ -74,7 +74,7 @@ double NextAccumulated(const TriggerItem& input, const DIJOYSTATE2& state, const
   if (distance <= curve.deadZone) return 0.0;
   const double r = (distance - curve.deadZone) / curve.span;
   const double m = r + r * r * curve.gain;
-  return accumulated + (value < 0 ? -m : m);
+  return accumulated + std::copysign(m, value);
 }
 
 void MouseStep(DeviceManager* device, const DIJOYSTATE2* state, void* context) {

@@ -25,9 +25,9 @@ struct MouseSettings {
   Relaxed<std::uint64_t> middleMask{0};
   Relaxed<std::uint64_t> rightMask{0};
   // `value` is what AxisFieldOffset gives.
-  Relaxed<TriggerItem> mouseX{TriggerItem{input_kind::kNone, 0, 0}};
-  Relaxed<TriggerItem> mouseY{TriggerItem{input_kind::kNone, 0, 0}};
-  Relaxed<TriggerItem> mouseWheel{TriggerItem{input_kind::kNone, 0, 0}};
+  Relaxed<TriggerItem> mouseX{kNoInput};
+  Relaxed<TriggerItem> mouseY{kNoInput};
+  Relaxed<TriggerItem> mouseWheel{kNoInput};
   Relaxed<bool> mouseAlwaysActive{false};
 };
 

@@ -35,6 +35,33 @@ TEST_F(Engine, AttachedItIsDrivenByThePad) {
   EXPECT_EQ(MouseEvents(), "1 4 0 0, 1 4 0 0, 1 4 0 0");  // at 20, 30 and 40
 }
 
+// On the way back to the other side nothing is left of a count at one poll, which is no rest.
+TEST_F(Engine, AnAxisThatIsPushedTheOtherWayMovesThePointerOn) {
+  profile.mouseX = MouseInput(0);
+  profile.mouseY = MouseInput(1);
+  engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, 0);
+  engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 0);
+  engine.mouseActive = true;
+  auto& pad = Plug(10);
+  const struct {
+    const char* axis;
+    const char* moved;
+  } rows[] = {{"Axis_X0", "1 1 0 0"}, {"Axis_Y0", "1 0 1 0"}};
+  std::uint64_t at = 15;
+  for (const auto& row : rows) {
+    RunTo(at);
+    pad.MoveAxis(row.axis, -8000);  // 0.3125 of a count at each of three polls
+    RunTo(at + 30);
+    pad.MoveAxis(row.axis, 8000);
+    RunTo(at + 90);
+    EXPECT_EQ(MouseEvents(), "") << row.axis;
+    RunTo(at + 100);
+    EXPECT_EQ(MouseEvents(), row.moved) << row.axis;
+    pad.MoveAxis(row.axis, 0);
+    at += 200;
+  }
+}
+
 TEST_F(Engine, ChangesDuringALongReplayFoldIntoOne) {
   Add({.name = "long", .buttons = {1}, .pressMs = 100});
   Add({.name = "b", .buttons = {2}});
@@ -227,8 +254,47 @@ TEST_F(Engine, ResumedItTakesWhatIsHeldAsAtTheStartOfARun) {
   RunTo(200);
   EXPECT_EQ(journal.Take(), "70 press a") << "it is held, and the other was let go meanwhile";
   engine.Resume();
-  RunTo(300);
-  EXPECT_EQ(journal.Take(), "") << "it wasn't paused";
+  Hold(200, {}, 300);
+  EXPECT_EQ(journal.Take(), "210 release a") << "it wasn't paused";
+}
+
+TEST_F(Engine, ResumedItKnowsNothingOfWhatWasPressedBeside) {
+  Add({.name = "release", .buttons = {2}, .onPress = false});
+  Plug(10);
+  Hold(15, {2}, 25);
+  Hold(25, {3}, 35);  // spoils it
+  engine.Pause();
+  Hold(45, {2}, 55);
+  engine.Resume();
+  Hold(75, {}, 95);
+  EXPECT_EQ(journal.Take(), "80 press release, 80 release release");
+}
+
+TEST_F(Engine, ResumedItPressesTheMouseButtonThatIsHeldStill) {
+  profile.leftMask = MouseButtonMask(4);
+  engine.mouseActive = true;
+  Plug(10);
+  Hold(15, {5}, 35);
+  engine.Pause();
+  EXPECT_EQ(MouseEvents(), "2 0 0 0, 4 0 0 0");
+  engine.Resume();
+  RunTo(55);
+  EXPECT_EQ(MouseEvents(), "2 0 0 0");
+}
+
+TEST_F(Engine, WithoutADeviceItLetsGoOfTheMouseButtonsOnlyWhileTheMouseControlsAreOn) {
+  Add({.name = "a", .buttons = {1}});
+  profile.leftMask = MouseButtonMask(4);
+  engine.mouseActive = true;
+  Dispatch({1, 5});
+  MouseEvents();
+  engine.mouseActive = false;
+  engine.LetGoWithoutDevice();
+  EXPECT_EQ(journal.Take(), "release a");
+  EXPECT_EQ(MouseEvents(), "");
+  engine.mouseActive = true;
+  engine.LetGoWithoutDevice();
+  EXPECT_EQ(MouseEvents(), "4 0 0 0");
 }
 
 TEST_F(Engine, APauseStopsTheChangeUnderWayBehindTheReplayUnderWay) {
@@ -245,6 +311,7 @@ TEST_F(Engine, APauseStopsTheChangeUnderWayBehindTheReplayUnderWay) {
 TEST_F(Engine, ReleaseAllLetsGoOnceAndOfWhatIsHeldNothingFiresUntilItWasLetGo) {
   Add({.name = "a", .buttons = {1}});
   Add({.name = "r", .buttons = {2}, .repeats = true, .delay = 0, .speed = 0});
+  Add({.name = "up", .buttons = {4}});
   Plug(10);
   Hold(15, {1, 2}, 15);
   RunTo(22);
@@ -253,10 +320,10 @@ TEST_F(Engine, ReleaseAllLetsGoOnceAndOfWhatIsHeldNothingFiresUntilItWasLetGo) {
   EXPECT_EQ(journal.Take(), "22 release a");
   EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
   engine.ReleaseAll();
-  Hold(30, {1, 2, 3}, 50);
-  EXPECT_EQ(journal.Take(), "") << "both are still held";
+  Hold(30, {1, 2, 4}, 50);
+  EXPECT_EQ(journal.Take(), "40 press up") << "the other two are still held";
   Hold(50, {}, 70);
-  EXPECT_EQ(journal.Take(), "") << "they are up already";
+  EXPECT_EQ(journal.Take(), "60 release up") << "the other two are up already";
   Hold(70, {1}, 90);
   EXPECT_EQ(journal.Take(), "80 press a");
   engine.LetGo();

@@ -159,6 +159,8 @@ TEST(AxisState, FollowsTheLimitThatIsHandedIn) {
   EXPECT_EQ(AxisState(100, state, 0, 0), AxisPos);
   EXPECT_EQ(AxisState(101, state, 0, 0), AxisPos);
   EXPECT_EQ(AxisState(102, state, 0, 0), AxisCentre);
+  state.lX = 1;
+  EXPECT_EQ(AxisState(1, state, 0, 0), AxisPos);
 }
 
 TEST(AxisThreshold, IsHalfOfTheLimitRoundedDown) {
@@ -265,10 +267,12 @@ TEST(UpdateSnapshot, DerivesMaskAndHatsFromTheWholeState) {
 TEST(UpdateSnapshot, LeavesThePreviousStateAlone) {
   DeviceSnapshot snapshot;
   snapshot.previousButtons = 7;
+  snapshot.previousPovDirections[0] = PovDown;
   snapshot.previousPovDirections[3] = PovLeft;
   snapshot.previousState.lY = 4;
   UpdateSnapshot(&snapshot, BusyState());
   EXPECT_EQ(snapshot.previousButtons, 7u);
+  EXPECT_EQ(snapshot.previousPovDirections[0], PovDown);
   EXPECT_EQ(snapshot.previousPovDirections[1], 0);
   EXPECT_EQ(snapshot.previousPovDirections[3], PovLeft);
   EXPECT_EQ(snapshot.previousState.lX, 0);

@@ -170,6 +170,8 @@ struct Captured {
   Trigger trigger;
 };
 
+TEST(InputText, GroupsTheDigitsOfANumber) { EXPECT_EQ(TextOf({0, 1234, 0}, false), "Axis_X1,234"); }
+
 TEST(CaptureTrigger, OfNothingEmptiesTextAndTrigger) {
   Trigger trigger;
   trigger.activateOnPress = 0;
@@ -218,6 +220,12 @@ TEST(CaptureTrigger, EveryHatThatIsPushedBecomesAnItem) {
   const Captured captured(snapshot);
   EXPECT_EQ(captured.text, "B2+POV0(left)+POV2(up+right)");
   EXPECT_EQ(ItemsText(captured.trigger), "8 0 1, 8 2 6");
+}
+
+TEST(CaptureTrigger, AHatThatWasPushedBeforeIsNoItem) {
+  DeviceSnapshot snapshot;
+  for (std::uint8_t& directions : snapshot.previousPovDirections) directions = PovUp;
+  EXPECT_EQ(Captured(snapshot).text, "");
 }
 
 TEST(CaptureTrigger, LaterHatBeginsWithAPlus) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <string>
+
 #include "tests/device/device_calls.h"
 #include "tests/engine/engine_fixture.h"
 
@@ -43,6 +46,12 @@ TEST_F(Repeat, WithoutDelayAndSpeedEachLookReplays) {
   Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 0, .speed = 0});
   Hold(18, {1}, 40);
   EXPECT_EQ(journal.Take(), "20 press a, 20 press a, 30 press a, 40 press a");
+}
+
+TEST_F(Repeat, ItLooksFirstAtTheNextTimeOfALook) {
+  Add({.name = "a", .buttons = {1}, .repeats = true, .delay = 0, .speed = 0});
+  Hold(22, {1}, 42);
+  EXPECT_EQ(journal.Take(), "25 press a, 30 press a, 40 press a");
 }
 
 TEST_F(Repeat, ALaterControlTakesTheSlotAndKeepsItWhenTheEarlierIsLetGo) {
@@ -203,6 +212,32 @@ TEST(RepeatWorker, StopsWhenAskedAndWhenItGoes) {
     ASSERT_TRUE(worker.Start(true, WorkerThread::kPriorityOfCaller));
   }
   EXPECT_EQ(sim.LivingThreads(), 0u);
+}
+
+// What becomes of its thread and of its event, which is the second one, at its end.
+test::Calls EndOfARepeatWorker(platform::simulation::Simulation& sim) {
+  auto worker = std::make_unique<RepeatWorker>();
+  EXPECT_TRUE(worker->Start(false, WorkerThread::kPriorityOfCaller));
+  sim.RunFor(5);
+  sim.LogCalls(true);
+  worker.reset();
+  test::Calls calls = sim.Calls();
+  std::erase_if(calls, [](const std::string& call) {
+    return call != "ThreadEnded repeat 0" && call != "CloseHandle 2" && call != "CloseHandle -1";
+  });
+  return calls;
+}
+
+TEST(RepeatWorkerEnd, TheThreadEndsBeforeTheEventGoes) {
+  platform::simulation::Simulation sim;
+  EXPECT_EQ(EndOfARepeatWorker(sim), (test::Calls{"ThreadEnded repeat 0", "CloseHandle 2"}));
+}
+
+TEST(RepeatWorkerEnd, AnEventThatCouldNotBeMadeIsNotClosed) {
+  platform::simulation::Simulation sim;
+  sim.FailNext("CreateEventA auto");
+  // The second handle is the thread's then.
+  EXPECT_EQ(EndOfARepeatWorker(sim), (test::Calls{"ThreadEnded repeat 0", "CloseHandle 2"}));
 }
 
 }  // namespace
