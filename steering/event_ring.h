@@ -7,10 +7,11 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace kelvaro {
 
-// `kPlaces` is a power of two; T is copied.
+// `kPlaces` is a power of two; T is moved, which must not throw.
 template <typename T, std::uint32_t kPlaces>
 class EventRing {
   static_assert((kPlaces & (kPlaces - 1)) == 0);
@@ -21,17 +22,16 @@ class EventRing {
   }
 
   // Any thread. False when all places are taken.
-  bool Put(const T& value) {
+  bool Put(T value) {
     std::uint32_t place = next.load(std::memory_order_relaxed);
     for (;;) {
       Cell& cell = cells[place % kPlaces];
       const auto ahead =
           static_cast<std::int32_t>(cell.turn.load(std::memory_order_acquire) - place);
       if (ahead < 0) return false;
-      if (ahead > 0) {
-        place = next.load(std::memory_order_relaxed);
-      } else if (next.compare_exchange_weak(place, place + 1, std::memory_order_relaxed)) {
-        cell.value = value;
+      // If another thread has it meanwhile, `place` becomes the next one.
+      if (next.compare_exchange_weak(place, place + 1, std::memory_order_relaxed)) {
+        cell.value = std::move(value);
         cell.turn.store(place + 1, std::memory_order_release);
         return true;
       }
@@ -42,7 +42,7 @@ class EventRing {
   bool Take(T* value) {
     Cell& cell = cells[first % kPlaces];
     if (cell.turn.load(std::memory_order_acquire) != first + 1) return false;
-    *value = cell.value;
+    *value = std::move(cell.value);
     cell.turn.store(first + kPlaces, std::memory_order_release);
     ++first;
     return true;

@@ -1,5 +1,7 @@
 #include "steering/steering.h"
 
+#include <algorithm>
+
 #include "app/platform/clock.h"
 #include "app/platform/threads.h"
 #include "foundation/version.h"
@@ -50,46 +52,34 @@ void Steering::End() {
   // The calls' thread may start the other one: so it goes first.
   platform::calls().StopAnswering();
   Stop();
-  followers = 0;
+  followed = false;
   engine->SetObserver(nullptr);
   engine->device.SetPresenceCallback(nullptr, nullptr);
-  callers.clear();
-  for (Event event; ring.Take(&event);) Forget(&event);
 }
 
 // ---- What is told
 
 void Steering::Tell(Event event) {
   event.tick = platform::clock().GetTickCount();
-  if (followers != 0 && ring.Put(event)) return;
-  if (followers != 0) ++missedByRing;
-  Forget(&event);
+  if (followed && !ring.Put(std::move(event))) ++missedByRing;
 }
 
-void Steering::TellAndWake(const Event& event) {
-  if (followers == 0) return;
-  Tell(event);
+void Steering::TellAndWake(Event event) {
+  if (!followed) return;
+  Tell(std::move(event));
   platform::calls().Wake();
-}
-
-void Steering::Forget(Event* event) {
-  delete event->name;
-  event->name = nullptr;
 }
 
 void Steering::NameIs(Happened what, std::string* place, const ByteString& name) {
-  const std::string text = Bytes(name);
-  {
-    LockGuard guard(boardLock);
-    if (*place == text) return;
-    *place = text;
-  }
-  if (followers == 0) return;
   Event event;
   event.what = what;
-  event.name = new std::string(text);
-  Tell(event);
-  platform::calls().Wake();
+  event.name = Bytes(name);
+  {
+    LockGuard guard(boardLock);
+    if (*place == event.name) return;
+    *place = event.name;
+  }
+  TellAndWake(std::move(event));
 }
 
 void Steering::ProfileIs(const ByteString& name) { NameIs(Happened::Profile, &profileName, name); }
@@ -97,7 +87,7 @@ void Steering::ProfileIs(const ByteString& name) { NameIs(Happened::Profile, &pr
 void Steering::DeviceIs(const ByteString& name) { NameIs(Happened::Device, &deviceName, name); }
 
 void Steering::MouseMayHaveChanged() {
-  if (followers != 0) platform::calls().Wake();
+  if (followed) platform::calls().Wake();
 }
 
 // The wake waits for the end of the change: it would come between a press and its keys.
@@ -115,7 +105,6 @@ void Steering::MouseSwitched(bool) {
   event.what = Happened::Mouse;
   event.on = engine->MouseIsOn();
   Tell(event);
-  toldInChange = true;
 }
 
 void Steering::ChangeEnds() {
@@ -186,17 +175,16 @@ void Steering::HandOver(platform::CallId call, SteeringMessage request) {
 
 void Steering::Follow(platform::CallId call) {
   Caller& caller = callers[call];
-  if (!caller.follows && followers == 0) mouseTold = engine->MouseIsOn();
+  if (!followed) mouseTold = engine->MouseIsOn();
   caller.follows = true;
   FollowersChanged();
   SendOrKeep(call, Answer("done").Text());
 }
 
 void Steering::FollowersChanged() {
-  std::uint32_t count = 0;
-  for (const auto& [call, caller] : callers) count += caller.follows ? 1 : 0;
-  followers = count;
-  engine->SetObserver(count == 0 ? nullptr : this);
+  followed = std::any_of(callers.begin(), callers.end(),
+                         [](const auto& caller) { return caller.second.follows; });
+  engine->SetObserver(followed ? this : nullptr);
 }
 
 void Steering::OnHungUp(platform::CallId call) {
@@ -253,16 +241,17 @@ void Steering::TellFollowers(const Event& event) {
   told.Add("event", kEventNames[static_cast<std::size_t>(event.what)]);
   told.Add("t", event.tick - beginTick);
   if (event.what == Happened::ControlFired) told.Add("controlId", event.controlId);
-  if (event.name) told.Add("name", *event.name);
+  if (event.what == Happened::Profile || event.what == Happened::Device)
+    told.Add("name", event.name);
   TellFollowers(told.Text());
 }
 
 void Steering::OnWake() {
-  for (Event event; ring.Take(&event); Forget(&event)) TellFollowers(event);
-  if (const std::uint32_t missed = missedByRing.exchange(0))
-    for (auto& [call, caller] : callers)
-      if (caller.follows) caller.missed += missed;
-  if (followers != 0) TellMouse(engine->MouseIsOn(), platform::clock().GetTickCount());
+  for (Event event; ring.Take(&event);) TellFollowers(event);
+  const std::uint32_t missed = missedByRing.exchange(0);
+  for (auto& [call, caller] : callers)
+    if (caller.follows) caller.missed += missed;
+  TellMouse(engine->MouseIsOn(), platform::clock().GetTickCount());
   std::vector<std::pair<std::uint32_t, std::string>> due;
   {
     LockGuard guard(boardLock);
@@ -270,8 +259,7 @@ void Steering::OnWake() {
   }
   for (const auto& [call, answer] : due)
     if (callers.count(call) != 0) SendOrKeep(call, answer);
-  for (auto& [call, caller] : callers)
-    if (caller.missed != 0) Flush(call, &caller);
+  for (auto& [call, caller] : callers) Flush(call, &caller);
 }
 
 // ---- The thread that carries out

@@ -87,10 +87,10 @@ class Steering final : public platform::CallReceiver,
   };
   struct Event {
     Happened what = Happened::Mouse;
-    bool on = false;              // of Mouse
-    std::uint32_t controlId = 0;  // of ControlFired
-    std::uint32_t tick = 0;
-    std::string* name = nullptr;  // of Profile and Device; the ring's to delete
+    bool on{};                  // of Mouse
+    std::uint32_t controlId{};  // of ControlFired
+    std::uint32_t tick{};
+    std::string name;  // of Profile and Device
   };
   struct Caller {
     bool follows = false;
@@ -98,7 +98,7 @@ class Steering final : public platform::CallReceiver,
     std::uint32_t missed = 0;         // events that found no place there
   };
   struct Work {
-    std::uint32_t ticket = 0;  // the caller's id
+    std::uint32_t ticket{};  // the caller's id
     SteeringMessage request;
   };
 
@@ -117,7 +117,7 @@ class Steering final : public platform::CallReceiver,
 
   // Any thread.
   void Tell(Event event);
-  void TellAndWake(const Event& event);
+  void TellAndWake(Event event);
   void Reply(std::uint32_t ticket, const SteeringMessage& answer);
   void NameIs(Happened what, std::string* place, const ByteString& name);
 
@@ -131,16 +131,15 @@ class Steering final : public platform::CallReceiver,
   void TellFollowers(const std::string& message);
   void TellFollowers(const Event& event);
   void TellMouse(bool on, std::uint32_t tick);
-  void Forget(Event* event);
 
   SteeringHost& host;
   ControlEngine* engine = nullptr;
-  std::uint32_t beginTick = 0;
+  std::uint32_t beginTick{};
   bool answering = false;
 
   std::map<platform::CallId, Caller> callers;  // of the calls' thread, as is the next
-  bool mouseTold = false;                      // to followers
-  std::atomic<std::uint32_t> followers{0};
+  bool mouseTold{};                            // to followers
+  std::atomic<bool> followed{false};           // by any of them
 
   EventRing<Event, 512> ring;
   std::atomic<std::uint32_t> missedByRing{0};

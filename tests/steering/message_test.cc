@@ -39,6 +39,19 @@ TEST(SteeringMessage, TheFirstFieldOfANameCounts) {
   EXPECT_EQ(read->Find("nam"), nullptr);
 }
 
+TEST(SteeringMessage, AKindIsLettersAndHyphensAndANameLetters) {
+  std::string error;
+  const auto read = ParseSteeringMessage("kelvaro 1 aAz-Z\nazAZ x\nm n", &error);
+  ASSERT_TRUE(read) << error;
+  EXPECT_EQ(read->kind, "aAz-Z");
+  EXPECT_NE(read->Find("azAZ"), nullptr);
+  EXPECT_NE(read->Find("m"), nullptr);
+  for (const char c : {'@', '[', '`', '{', '_', '0'}) {
+    EXPECT_FALSE(ParseSteeringMessage(std::string("kelvaro 1 ") + c, &error)) << c;
+    EXPECT_FALSE(ParseSteeringMessage(std::string("kelvaro 1 k\n") + c + " x", &error)) << c;
+  }
+}
+
 TEST(SteeringMessage, AnotherVersionIsRefusedByItsNumber) {
   for (const char* text : {"kelvaro 2 status", "kelvaro 01 status", "kelvaro  status",
                            "kelvaro 18446744073709551617 status", "kelvaro 1x status"}) {

@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "keys/key_action.h"
 #include "tests/engine/engine_fixture.h"
 #include "tests/steering/virtual_calls.h"
+#include "tests/storage/profile_bytes.h"
 
 namespace kelvaro {
 namespace {
@@ -35,6 +38,9 @@ class SteeringTest : public EngineTest {
     calls.Say(call, "kelvaro 1 " + request);
     sim.RunFor(0);
     return calls.Heard(call);
+  }
+  std::ptrdiff_t ThreadsThatEndedWithZero() const {
+    return std::count(sim.Calls().begin(), sim.Calls().end(), "ThreadEnded steered 0");
   }
 
   VirtualCalls calls{sim.Groups()};
@@ -85,6 +91,16 @@ TEST_F(SteeringTest, WithoutCallsNothingIsAnsweredOrSetUp) {
   EXPECT_EQ(calls.wakes, 0u);
 }
 
+TEST_F(SteeringTest, WithoutCallsTheDevicesNewsIsLeftToOthers) {
+  bool lost = false;
+  device.SetPresenceCallback([](bool, void* told) { *static_cast<bool*>(told) = true; }, &lost);
+  calls.answers = false;
+  Begin();
+  Plug(10).Lose();
+  RunTo(30);
+  EXPECT_TRUE(lost);
+}
+
 TEST_F(SteeringTest, AStatusTakesNoLockOfTheEngine) {
   Begin();
   LockGuard deviceTaken(device.deviceLock);
@@ -100,6 +116,19 @@ TEST_F(SteeringTest, AStatusTakesNoLockOfTheEngine) {
   sim.RunFor(0);
   EXPECT_EQ(calls.Heard(1).substr(0, 6), "status");
   platform::threads().CloseHandle(asker);
+}
+
+TEST_F(ProfileTest, AStoredProfileIsFoundByItsNameIfItCanBeRead) {
+  Disk().PutFile(PathOf("a.idprof"), SmallProfile("Game"));
+  Disk().PutFile(PathOf("b.idprof"), ProfileBytes({TypeList(), RevisionList(),
+                                                   NameList("Broken", 2), List(4, {List(5, {})})}));
+  ProfileFile looked;
+  ByteString path;
+  EXPECT_EQ(FindStoredProfile("Game", &looked, &path), "");
+  EXPECT_EQ(Bytes(path), PathOf("a.idprof"));
+  EXPECT_EQ(Bytes(looked.profileName), "Game");
+  EXPECT_EQ(FindStoredProfile("game", &looked, &path), "there is no stored profile 'game'");
+  EXPECT_EQ(FindStoredProfile("Broken", &looked, &path), "the profile 'Broken' can't be read");
 }
 
 // ---- What is done
@@ -233,6 +262,32 @@ TEST_F(SteeringTest, FollowersAreToldWhatHappens) {
   EXPECT_EQ(calls.Heard(1), "event | event mouseControls | t 65 | on no");
 }
 
+TEST_F(SteeringTest, EachSwitchOfTheMouseIsToldWithItsTime) {
+  Add({.name = "a", .buttons = {1}, .toggles = true});
+  Plug(10);
+  Begin();
+  Ask(1, "follow-events");
+  Hold(15, {1}, 35);
+  Hold(35, {}, 55);
+  Hold(55, {1}, 75);
+  EXPECT_EQ(calls.Heard(1),
+            "event | event controlFired | t 20 | controlId 1, event | event mouseControls | t 20 | "
+            "on yes, event | event controlFired | t 60 | controlId 1, event | event mouseControls "
+            "| t 60 | on no");
+}
+
+TEST_F(SteeringTest, AFollowerIsToldWhatTheMouseDoesFromThenOn) {
+  Begin();
+  engine.mouseActive = true;
+  EXPECT_EQ(Ask(1, "follow-events"), "done");
+  steering.MouseMayHaveChanged();
+  EXPECT_EQ(calls.Heard(1), "");
+  engine.mouseActive = false;
+  EXPECT_EQ(Ask(2, "follow-events"), "done");
+  steering.MouseMayHaveChanged();
+  EXPECT_EQ(calls.Heard(1), "event | event mouseControls | t 0 | on no");
+}
+
 TEST_F(SteeringTest, NothingIsToldOrWokenWithoutAFollower) {
   Add({.name = "a", .buttons = {1}, .toggles = true});
   auto& pad = Plug(10);
@@ -244,13 +299,15 @@ TEST_F(SteeringTest, NothingIsToldOrWokenWithoutAFollower) {
   pad.Lose();
   RunTo(100);
   steering.ProfileIs("Other");
+  steering.MouseMayHaveChanged();
   EXPECT_EQ(calls.wakes, before);
-  Ask(1, "follow-events");
-  calls.HangUpBy(1);
+  Ask(2, "follow-events");
+  calls.HangUpBy(2);
   pad.Return();
   Hold(115, {1}, 200);
   EXPECT_EQ(calls.wakes, before);
   EXPECT_EQ(calls.Heard(1), "");
+  EXPECT_EQ(calls.Heard(2), "");
 }
 
 // The wake comes behind the keys: a thread that it wakes could stand between a press and its keys.
@@ -265,6 +322,8 @@ TEST_F(SteeringTest, TheEngineWakesNobodyBeforeAllKeysOfTheChangeAreSent) {
   EXPECT_EQ(calls.wakes, before);
   RunTo(70);
   EXPECT_EQ(calls.wakes, before + 1);
+  Hold(70, {}, 90);
+  EXPECT_EQ(calls.wakes, before + 1) << "nothing fires";
   EXPECT_EQ(calls.Heard(1),
             "event | event controlFired | t 20 | controlId 1, event | event controlFired | t 60 | "
             "controlId 2");
@@ -299,6 +358,8 @@ TEST_F(SteeringTest, ACallerThatAsksOnAndOnAndReadsNothingIsHungUpOn) {
   for (std::size_t i = 0; i <= Steering::kMostWaiting && calls.hungUp.empty(); ++i)
     calls.Say(1, "kelvaro 1 status");
   EXPECT_EQ(calls.hungUp, std::vector<platform::CallId>{1});
+  calls.Fill(1, false);
+  EXPECT_EQ(calls.Heard(1), "") << "what waited for it is gone";
 }
 
 TEST_F(SteeringTest, MoreThanTheRingHoldsIsCounted) {
@@ -317,9 +378,59 @@ TEST_F(SteeringTest, AtItsEndNothingIsToldAnyMore) {
   Ask(1, "follow-events");
   steering.ProfileIs("kept in the ring");
   steering.End();
+  const std::uint32_t before = calls.wakes;
   Hold(15, {1}, 45);
   EXPECT_EQ(journal.Take(), "20 press a");
+  pad->Lose();
+  RunTo(65);
+  steering.ProfileIs("told to nobody");
+  EXPECT_EQ(calls.wakes, before);
   EXPECT_EQ(calls.Heard(1), "");
+}
+
+TEST_F(SteeringTest, WhatWaitsAtItsEndIsNotDone) {
+  Add({.name = "a", .buttons = {1}, .pressMs = 300});
+  Begin();
+  Plug(10);
+  Hold(15, {1}, 45);
+  Ask(1, "pause");  // waits for the replay
+  Ask(1, "select\nname Other");
+  sim.LogCalls(true);
+  steering.End();
+  EXPECT_EQ(sim.Now() - start, 320u);
+  EXPECT_TRUE(engine.IsPaused());
+  EXPECT_TRUE(steeredHost.asked.empty());
+  EXPECT_EQ(ThreadsThatEndedWithZero(), 1);
+}
+
+TEST_F(SteeringTest, ItsThreadEndsWithZero) {
+  Begin();
+  Ask(1, "pause");
+  sim.LogCalls(true);
+  steering.End();
+  EXPECT_EQ(ThreadsThatEndedWithZero(), 1);
+}
+
+TEST_F(SteeringTest, AfterItsEndAnotherMayAnswer) {
+  auto first = std::make_unique<Steering>(steeredHost);
+  first->Begin(engine);
+  first->End();
+  Begin();
+  first.reset();
+  EXPECT_EQ(Ask(1, "status").substr(0, 6), "status");
+}
+
+TEST_F(SteeringTest, WhatItWaitsForGoesWithIt) {
+  const auto closed = [this] {
+    sim.LogCalls(true);
+    sim.ClearCalls();
+    std::make_unique<Steering>(steeredHost).reset();
+    return std::count_if(sim.Calls().begin(), sim.Calls().end(),
+                         [](const std::string& call) { return call.starts_with("CloseHandle"); });
+  };
+  EXPECT_EQ(closed(), 2);
+  sim.FailNext("CreateEventA auto");
+  EXPECT_EQ(closed(), 1);
 }
 
 // ---- Under load
