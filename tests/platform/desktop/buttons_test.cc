@@ -19,7 +19,6 @@ IN_WINDOW(ButtonCase, CheckingByTheProgramIsNoNews) {
   EXPECT_TRUE(controls().IsDlgButtonChecked(Window(), kCheck));
   EXPECT_TRUE(recorder.lines.empty());
   EXPECT_FALSE(controls().CheckDlgButton(Window(), kButton, true));
-  EXPECT_FALSE(controls().CheckDlgButton(Window(), 999, true));
 }
 
 IN_WINDOW(ButtonCase, ARunOfRadioButtonsIsOneChoice) {

@@ -81,13 +81,7 @@ IN_WINDOW(DropListCase, ResettingEmptiesIt) {
   EXPECT_EQ(controls().ComboGetLBText(Window(), kDropList, 0), "");
 }
 
-IN_WINDOW(DropListCase, AnotherKindIsNoDropList) {
-  EXPECT_EQ(controls().ComboAddString(Window(), kList, "x"), -1);
-  EXPECT_EQ(controls().ComboGetCount(Window(), kList), -1);
-  EXPECT_EQ(controls().ComboGetCurSel(Window(), kList), -1);
-  EXPECT_FALSE(controls().ComboSetCurSel(Window(), kList, 0));
-  EXPECT_EQ(controls().ComboFindString(Window(), kList, ""), -1);
-  EXPECT_FALSE(controls().ComboResetContent(Window(), kList));
+IN_WINDOW(DropListCase, HasNoTextOfItsOwn) {
   EXPECT_FALSE(controls().SetDlgItemTextA(Window(), kDropList, "x"));
   EXPECT_EQ(controls().GetDlgItemTextA(Window(), kDropList), "");
 }

@@ -17,12 +17,5 @@ IN_WINDOW(SliderCase, APositionBeyondAnEndBecomesTheEnd) {
   EXPECT_TRUE(recorder.lines.empty());
 }
 
-IN_WINDOW(SliderCase, AnotherKindIsNoSlider) {
-  EXPECT_FALSE(controls().SliderSetRange(Window(), kButton, 0, 1));
-  EXPECT_FALSE(controls().SliderSetTicFreq(Window(), kButton, 1));
-  EXPECT_FALSE(controls().SliderSetPos(Window(), kButton, 1));
-  EXPECT_EQ(controls().SliderGetPos(Window(), kButton), -1);
-}
-
 }  // namespace
 }  // namespace platform

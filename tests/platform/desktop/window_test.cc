@@ -85,7 +85,6 @@ IN_WINDOW(WindowCase, EnterPressesTheDefaultButton) {
   Key(key::kReturn);
   EXPECT_EQ(recorder.TakeLines(), (Lines{"107 clicked"}));
   EXPECT_FALSE(controls().SetDefaultButton(Window(), kCheck));
-  EXPECT_FALSE(controls().SetDefaultButton(Window(), 999));
 }
 
 IN_WINDOW(WindowCase, EnterPressesAHiddenDefaultButtonAndNotADisabledOne) {

@@ -82,9 +82,6 @@ IN_WINDOW(LabelsTest, TheLooksThatTheProgramGives) {
   EXPECT_EQ(Widget(kLink)->palette().color(QPalette::WindowText), QColor(0, 0, 255));
   EXPECT_TRUE(controls().SetHandCursor(Window(), kLink));
   EXPECT_EQ(Widget(kLink)->cursor().shape(), Qt::PointingHandCursor);
-  EXPECT_FALSE(controls().SetTextColour(Window(), 999, 0));
-  EXPECT_FALSE(controls().SetHandCursor(Window(), 999));
-  EXPECT_FALSE(controls().SetControlFont(Window(), 999, "", 0, 0, false));
 }
 
 TEST_F(LabelsTest, AColourThatTheProgramGivesCanBeReadOnADarkDesktop) {
