@@ -240,9 +240,7 @@ void PositionNode(LayoutNode* node, const LayoutNode& parent, const LayoutRect& 
   if (!(parent.state & layout_state::kCollapsed)) Move(&node->rect, offset.across, offset.down);
   MeetPageEdges(node, page);
   SetEdges(node, parent.rect, page);
-  const std::int32_t across = node->rect.left - before.left;
-  const std::int32_t down = node->rect.top - before.top;
-  if (across != 0 || down != 0) MoveDescendants(node->children, across, down);
+  MoveDescendants(node->children, node->rect.left - before.left, node->rect.top - before.top);
 }
 
 void LayOutTree(LayoutNode* node, const LayoutNode& parent, const LayoutRect& page) {

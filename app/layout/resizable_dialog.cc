@@ -138,7 +138,7 @@ void ResizableDialog::RestorePlacement(const ByteString& keyPath, const ByteStri
   registrySubkey = subkey;
   RegistryKey key(platform::HKEY_CURRENT_USER, keyPath, false);
   const auto load = [&](const char* name, std::int64_t* edge) {
-    std::uint32_t number = 0;
+    std::uint32_t number{};
     if (!key.GetDword(subkey.Text(), name, &number)) return false;
     *edge = static_cast<std::int32_t>(number);
     return true;

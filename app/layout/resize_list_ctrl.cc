@@ -1,6 +1,7 @@
 #include "app/layout/resize_list_ctrl.h"
 
 #include <algorithm>
+#include <numeric>
 #include <string>
 
 #include "foundation/registry_key.h"
@@ -30,7 +31,7 @@ std::string OrderName(std::uint32_t column) { return "Col " + std::to_string(col
 
 ResizeListCtrl::ResizeListCtrl(std::uint32_t maxColumns)
     : maxColumns(maxColumns), order(maxColumns), proportion(maxColumns) {
-  for (std::uint32_t i = 0; i < maxColumns; ++i) order[i] = Column(i);
+  std::iota(order.begin(), order.end(), 0);
 }
 
 void ResizeListCtrl::Attach(platform::WindowHandle newWindow, std::uint32_t newId) {
@@ -54,7 +55,7 @@ void ResizeListCtrl::LoadColumns() {
     RegistryKey key(platform::HKEY_CURRENT_USER, registryKey, false);
     bool allFound = true;
     for (std::uint32_t i = 0; i < columnCount; ++i) {
-      std::uint32_t number = 0;
+      std::uint32_t number{};
       if (key.GetDword(nullptr, WidthName(i).c_str(), &number)) {
         platform::controls().ListSetColumnWidth(window, id, Column(i),
                                                 static_cast<std::int32_t>(number));
@@ -166,15 +167,14 @@ void ResizeListCtrl::ComputeProportions() {
   double sum = 0;
   for (std::uint32_t i = 0; i < columnCount; ++i) sum += Width(Column(i));
   if (sum == 0) sum = 1.0;
-  for (std::uint32_t i = 0; i < columnCount; ++i) proportion[i] = Width(Column(i)) / sum;
+  std::int32_t column = 0;
+  for (double& each : proportion) each = Width(column++) / sum;
 }
 
 bool ResizeListCtrl::ReadOrder() {
   std::vector<std::int32_t> present;
-  if (!platform::controls().ListGetColumnOrder(window, id, &present) ||
-      present.size() != columnCount) {
-    return false;
-  }
+  platform::controls().ListGetColumnOrder(window, id, &present);
+  if (present.size() != columnCount) return false;  // or it can't be read
   std::copy(present.begin(), present.end(), order.begin());
   orderKnown = true;
   return true;

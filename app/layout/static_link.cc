@@ -32,7 +32,7 @@ void CStaticLink::OnClick() {
   }
   if (hyperlink.target.IsEmpty()) return;
   if (hyperlink.Navigate() <= kLastShellError) {
-    platform::shell().MessageBeep(0);
+    platform::shell().MessageBeep(platform::MB_OK);
     return;
   }
   colour = kVisitedColour;

@@ -10,6 +10,7 @@
 
 #include "tests/app/calls.h"
 #include "tests/person/desktop_simulation.h"
+#include "tests/person/recorded_desktop.h"
 #include "tests/person/screen.h"
 
 namespace platform {
@@ -165,6 +166,7 @@ TEST_F(ResizableDialogTest, StartsWithOnePageAndNothingMeasured) {
 }
 
 TEST_F(ResizableDialogTest, TakesItsLeastSizeItsOriginAndTheGripFromTheWindow) {
+  dialog.windowOrigin = {-1, -1};
   Open([&] {
     Rect window;
     ASSERT_TRUE(platform::desktop().GetWindowRect(dialog.window, &window));
@@ -178,6 +180,14 @@ TEST_F(ResizableDialogTest, TakesItsLeastSizeItsOriginAndTheGripFromTheWindow) {
   EXPECT_EQ(dialog.gripRect,
             (Rect{inside.right - dialog.gripWidth, inside.bottom - dialog.gripHeight, inside.right,
                   inside.bottom}));
+}
+
+TEST_F(ResizableDialogTest, HasAWindowOnlyWhileItRuns) {
+  EXPECT_EQ(dialog.window, platform::kNoWindow);
+  Open();
+  EXPECT_NE(dialog.window, platform::kNoWindow);
+  screen.Close();
+  EXPECT_EQ(dialog.window, platform::kNoWindow);
 }
 
 TEST_F(ResizableDialogTest, ASizeBeforeThePagesAreMeasuredIsIgnored) {
@@ -310,6 +320,20 @@ TEST_F(ResizableDialogTest, ThePageReachesToTheInsidesRightAndBottomEdge) {
   EXPECT_EQ(place.bottom, inside.bottom - 5 + 1);
 }
 
+TEST_F(ResizableDialogTest, WhatHasNoParentIsAlignedWithThePage) {
+  Open([&] {
+    dialog.AddNode(0, kFirst, kAlignRight | kAlignBottom);
+    dialog.MeasurePages();
+  });
+  const Rect first = screen.ControlPlace(kFirst);
+  Grow(40, 30);
+  const Rect aligned = screen.ControlPlace(kFirst);
+  Grow(20, 10);
+  EXPECT_EQ(screen.ControlPlace(kFirst), Moved(aligned, 20, 10, 20, 10));
+  EXPECT_GT(aligned.left, first.left);
+  EXPECT_GT(aligned.top, first.top);
+}
+
 TEST_F(ResizableDialogTest, BackAtTheOldSizeEverythingIsWhereItWas) {
   Open([&] {
     dialog.AddNode(0, kFirst, kMoveAcross | kMoveDown);
@@ -426,6 +450,12 @@ TEST_F(ResizableDialogTest, ALimitThatIsZeroLeavesTheSystemsOwn) {
   EXPECT_EQ(info.minTrackHeight, dialog.minTrackHeight);
   EXPECT_EQ(info.maxTrackWidth, 3);
   EXPECT_EQ(info.maxTrackHeight, 500);
+  dialog.maxTrackWidth = 600;
+  dialog.maxTrackHeight = 0;
+  info.maxTrackHeight = 4;
+  dialog.OnGetMinMaxInfo(&info);
+  EXPECT_EQ(info.maxTrackWidth, 600);
+  EXPECT_EQ(info.maxTrackHeight, 4);
 }
 
 // ---- Pages
@@ -721,6 +751,12 @@ TEST_F(PlacementTest, BeyondTheRightEdgeItComesBackToTheLeftWithItsWidth) {
 TEST_F(PlacementTest, BelowTheBottomEdgeItComesBackToTheTopWithItsHeight) {
   EXPECT_EQ(Restored(30, 5000, 330, 5200), (Rect{30, 0, 330, 200}));
   EXPECT_EQ(Restored(30, 5000, 330, 7000), (Rect{30, 0, 330, 768}));
+}
+
+TEST_F(PlacementTest, ADesktopThatBeginsLeftOfZeroIsAsWideAsBothSides) {
+  dynamic_cast<platform::simulation::RecordedDesktop&>(platform::desktop()).desktop = {-800, -600,
+                                                                                       1024, 768};
+  EXPECT_EQ(Restored(5000, 5000, 9000, 9000), (Rect{0, 0, 1824, 1368}));
 }
 
 TEST_F(PlacementTest, TenPixelsOfTheDesktopAreNotEnough) {

@@ -161,9 +161,14 @@ TEST_F(ResizeListCtrlTest, AColumnThatTheListRefusesIsNone) {
   });
 }
 
-TEST_F(ResizeListCtrlTest, OtherNoticesAreNotItsOwn) {
+TEST_F(ResizeListCtrlTest, NoticesOfItsHeaderPaintAndMessagesAreItsOwnAlone) {
   Open();
+  for (const Notice header :
+       {Notice::HeaderItemChanging, Notice::HeaderItemChanged, Notice::HeaderDragEnded})
+    EXPECT_TRUE(list.OnNotice(header, 0));
   EXPECT_TRUE(list.OnNotice(Notice::Painted, 0));
+  EXPECT_TRUE(list.OnNotice(Notice::ControlMessage, 0x8000));
+  EXPECT_TRUE(list.OnNotice(Notice::ControlMessage, 0x8001));
   EXPECT_FALSE(list.OnNotice(Notice::DoubleClicked, 0));
   EXPECT_FALSE(list.OnNotice(Notice::KeyDown, 0));
   EXPECT_FALSE(list.OnNotice(Notice::ControlMessage, 0x8002));
@@ -251,6 +256,13 @@ TEST_F(ResizeListCtrlTest, SharesAreThoseBeforeTheLatestChangeOfAColumn) {
   EXPECT_EQ(Widths(), (Numbers{300, 100, 200}));  // of 150, 50, 100
 }
 
+TEST_F(ResizeListCtrlTest, SharesAreThoseOfAFilledListEvenIfItWasntBefore) {
+  OpenWith([&] { AddColumns({100, 50, 10}); });
+  screen.DragDivider(kList, 0, 120);
+  ChangeWidth(300);
+  EXPECT_EQ(Widths(), (Numbers{200, 100, 300}));  // of 100, 50, 150
+}
+
 TEST_F(ResizeListCtrlTest, AnOnlyColumnAlwaysFillsTheWidth) {
   OpenWith([&] {
     AddColumns({40});
@@ -335,6 +347,13 @@ TEST_F(ResizeListCtrlTest, WithAMissingOrderTheWidthsLoadAndTheOrderStays) {
     EXPECT_EQ(Order(), (Numbers{0, 1, 2})) << missing;
     screen.Close();
   }
+  // Even if the others would make an order with it.
+  registry.RemoveKey(kStored);
+  StoreWidths(40, 160, 100);
+  registry.PutDword(kStored, "Col 1 Order", 2);
+  registry.PutDword(kStored, "Col 2 Order", 1);
+  Open();
+  EXPECT_EQ(Order(), (Numbers{0, 1, 2}));
 }
 
 TEST_F(ResizeListCtrlTest, WithAMissingWidthTheOtherWidthsLoadAndTheOrderStays) {
@@ -368,6 +387,19 @@ TEST_F(ResizeListCtrlTest, WithNothingStoredTheLastColumnIsFittedAndSharesAreTak
 TEST_F(ResizeListCtrlTest, ColumnsThatFillTheListAlreadyAreLeftAlone) {
   Open();
   EXPECT_EQ(dialog.changed, Numbers{});
+  screen.Close();
+  ListDialog narrow;
+  narrow.prepare = [&] {
+    narrow.list.Attach(narrow.window, kList);
+    narrow.list.clientWidth = 300;
+    for (const std::int32_t width : {250, 45, 5}) narrow.list.AddColumn("Column", width);
+    narrow.list.registryKey = kKey;
+    narrow.list.LoadColumns();
+  };
+  registry.RemoveKey(kStored);
+  screen.Start([&] { return narrow.DoModal(platform::kNoWindow); });
+  EXPECT_EQ(Widths(), (Numbers{250, 45, 5})) << "even narrower than the last one gets";
+  screen.Close();
 }
 
 TEST_F(ResizeListCtrlTest, ALoadThatTheListRefusesTheOrderOfReadsTheOneThatIsThere) {
@@ -382,13 +414,13 @@ TEST_F(ResizeListCtrlTest, ALoadThatTheListRefusesTheOrderOfReadsTheOneThatIsThe
 
 TEST_F(ResizeListCtrlTest, ColumnsWithoutAnyWidthHaveNoShares) {
   OpenWith([&] {
-    AddColumns({0, 0, 0});
+    AddColumns({0, 0});
     list.clientWidth = 0;
     list.registryKey = kKey;
     list.LoadColumns();
   });
   ChangeWidth(90);
-  EXPECT_EQ(Widths(), (Numbers{0, 0, 90}));
+  EXPECT_EQ(Widths(), (Numbers{0, 90}));
 }
 
 TEST_F(ResizeListCtrlTest, WithoutAKeyNothingIsLoaded) {
@@ -440,6 +472,16 @@ TEST_F(ResizeListCtrlTest, AnOrderThatWasNeverReadIsReadForSaving) {
   screen.Close();
   EXPECT_EQ(Saved(), (Strings{"Col 0 Width=100", "Col 1 Width=50", "Col 2 Width=150",
                               "Col 0 Order=1", "Col 1 Order=0", "Col 2 Order=2"}));
+}
+
+TEST_F(ResizeListCtrlTest, AnOrderThatIsKnownIsStoredWithoutAnotherLook) {
+  Open();
+  screen.DragHeader(kList, 0, 2);
+  sim.LogCalls(true);
+  screen.Close();
+  EXPECT_EQ(CountCalls(sim, "ListGetColumnOrder"), 0u);
+  EXPECT_EQ(Saved(), (Strings{"Col 0 Width=100", "Col 1 Width=50", "Col 2 Width=150",
+                              "Col 0 Order=1", "Col 1 Order=2", "Col 2 Order=0"}));
 }
 
 TEST_F(ResizeListCtrlTest, WhenTheOrderCantBeReadOnlyWidthsAreStored) {
