@@ -474,6 +474,18 @@ TEST_F(ResizableDialogTest, MakingPagesDropsTheOldOnesAndTheFirstIsCurrent) {
   });
 }
 
+TEST_F(ResizableDialogTest, WhatStandsBelowAnotherControlIsSeenOnItsPageAlone) {
+  Open([&] {
+    dialog.CreatePages(2);
+    dialog.AddNode(0, kFirst, 0);
+    dialog.AddChildNode(0, kFirst, kSecond, 0);
+    dialog.SelectPage(1);
+  });
+  EXPECT_FALSE(screen.Visible(kSecond));
+  Do([&] { dialog.SelectPage(0); });
+  EXPECT_TRUE(screen.Visible(kSecond));
+}
+
 class PagesTest : public ResizableDialogTest {
  protected:
   // kThird in both pages, kFirst in page 0, kSecond in page 1.
