@@ -5,6 +5,7 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "app/dialogs/help.h"
@@ -58,8 +59,6 @@ constexpr char kDuplicateKeyText[] =
     "The cursor will be placed at the start of the problem.";
 constexpr char kNoMemoryText[] = "Out of Memory";
 constexpr char kNoMemoryTitle[] = "Critical Error";
-
-constexpr int kNoMemory = -3;  // beside the results of KeyAction::ParseKeys
 
 constexpr std::uint8_t kHomeKey = 0x24;
 constexpr std::uint8_t kHomeScan = 0xC7;
@@ -140,7 +139,6 @@ void DefineControlDialog::OnDestroy() {
 void DefineControlDialog::DeclareLayout() {
   using namespace layout_flag;
   maxTrackHeight = minTrackHeight;
-  CreatePages(1);
   for (const std::uint32_t id :
        {kDescriptionText, kTriggerFrame, kTriggerText, kKeysText, kSpecialKeyList}) {
     AddNode(0, id, kGrowAcross);
@@ -179,18 +177,18 @@ void DefineControlDialog::TakeScratch() {
 
 void DefineControlDialog::EnableFields() {
   if (!Checked(kPress)) {
-    Enable(kRepeatCheck, false);
     Check(kRepeatCheck, false);
-    Enable(kDelayValue, false);
-    Enable(kSpeedValue, false);
-    Enable(kHoldAllKeys, false);
     Check(kHoldAllKeys, false);
   }
+  OnRepeatBox();
+  // Kept: a Control on release can be made to repeat, too.
+  OnHoldAllBox();
+}
+
+void DefineControlDialog::OnRepeatBox() {
   const bool repeats = Checked(kRepeatCheck);
   Enable(kHoldAllKeys, !repeats);
   if (repeats) Check(kHoldAllKeys, false);
-  // Kept: enables repeat again for a Control on release.
-  OnHoldAllBox();
 }
 
 void DefineControlDialog::OnHoldAllBox() {
@@ -236,8 +234,7 @@ void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, st
       Check(kHoldAllKeys, false);
       break;
     case kRepeatCheck:
-      Enable(kHoldAllKeys, !Checked(kRepeatCheck));
-      if (Checked(kRepeatCheck)) Check(kHoldAllKeys, false);
+      OnRepeatBox();
       break;
     case kHoldAllKeys:
       OnHoldAllBox();
@@ -327,8 +324,8 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
   if (keysText.IsEmpty()) return true;
 
   std::unique_ptr<KeyAction> action(new (std::nothrow) KeyAction);
-  bool duplicateKey = false;
-  int result = kNoMemory;
+  bool duplicateKey{};
+  std::optional<int> result;
   if (action) {
     if (onPress && Checked(kHoldAllKeys)) action->actionFlags |= KeyAction::HoldAllKeys;
     result = action->ParseKeys(KeysMeant(), &duplicateKey, shiftReminder);
@@ -345,7 +342,7 @@ bool DefineControlDialog::TakeKeys(bool onPress) {
 
   action.reset();
   if (result >= 0) {
-    ShowKeyError(duplicateKey, static_cast<std::uint32_t>(result));
+    ShowKeyError(duplicateKey, static_cast<std::uint32_t>(*result));
   } else {
     Box(kNoMemoryText, kNoMemoryTitle, platform::MB_ICONEXCLAMATION);
   }

@@ -25,10 +25,10 @@ class DefineControlDialog : public ResizableDialog {
 
   Control scratch;
   bool helpAvailable = false;
-  bool smartCheck = true;     // set before each opening
-  bool shiftReminder = true;  // set before, read after each opening
+  bool smartCheck{};     // set before each opening
+  bool shiftReminder{};  // set before, read after each opening
   Relaxed<bool> dialogOpen{false};
-  Relaxed<bool> detectTrigger{false};  // the check box of that name
+  Relaxed<bool> detectTrigger{};  // the check box of that name
 
  protected:
   void OnInit() override;
@@ -42,6 +42,7 @@ class DefineControlDialog : public ResizableDialog {
   void DeclareLayout();
   void TakeScratch();  // into the members below and the controls
   void EnableFields();
+  void OnRepeatBox();
   void OnHoldAllBox();
   void OnDefaults();
   void OnHelpKey();
@@ -64,14 +65,14 @@ class DefineControlDialog : public ResizableDialog {
 
   ByteString descriptionText;
   ByteString keysText;
-  bool repeatCheck = false;
-  std::uint32_t delayValue = 0;  // ms, as are the next three
-  std::uint32_t speedValue = 0;
-  bool toggleMouseCheck = false;
-  std::uint32_t holdValue = 0;
-  std::uint32_t pauseValue = 0;
+  bool repeatCheck{};
+  std::uint32_t delayValue{};  // ms, as are the next three
+  std::uint32_t speedValue{};
+  bool toggleMouseCheck{};
+  std::uint32_t holdValue{};
+  std::uint32_t pauseValue{};
   ByteString tipText;
-  platform::IconHandle icon = 0;  // while it runs
+  platform::IconHandle icon{};  // while it runs
 
   // Guards scratch's Trigger while the dialog is open, and the end of that. Inside of deviceLock on
   // the notification thread; nothing is waited for with it.
