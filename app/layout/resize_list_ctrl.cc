@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <span>
 #include <string>
 
 #include "foundation/registry_key.h"
@@ -168,7 +169,7 @@ void ResizeListCtrl::ComputeProportions() {
   for (std::uint32_t i = 0; i < columnCount; ++i) sum += Width(Column(i));
   if (sum == 0) sum = 1.0;
   std::int32_t column = 0;
-  for (double& each : proportion) each = Width(column++) / sum;
+  for (double& each : std::span(proportion).first(columnCount)) each = Width(column++) / sum;
 }
 
 bool ResizeListCtrl::ReadOrder() {
