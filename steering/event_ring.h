@@ -5,6 +5,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -14,7 +15,7 @@ namespace kelvaro {
 // `kPlaces` is a power of two; T is moved, which must not throw.
 template <typename T, std::uint32_t kPlaces>
 class EventRing {
-  static_assert((kPlaces & (kPlaces - 1)) == 0);
+  static_assert(std::has_single_bit(kPlaces));
 
  public:
   EventRing() {

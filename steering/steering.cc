@@ -197,23 +197,21 @@ void Steering::OnRoom(platform::CallId call) {
   if (found != callers.end()) Flush(call, &found->second);
 }
 
-bool Steering::Flush(platform::CallId call, Caller* caller) {
+void Steering::Flush(platform::CallId call, Caller* caller) {
   for (; !caller->waiting.empty(); caller->waiting.pop_front())
-    if (!platform::calls().Send(call, caller->waiting.front())) return false;
-  if (caller->missed == 0) return true;
+    if (!platform::calls().Send(call, caller->waiting.front())) return;
+  if (caller->missed == 0) return;
   SteeringMessage told = Answer("event");
   told.Add("event", "missed").Add("count", caller->missed);
-  if (!platform::calls().Send(call, told.Text())) return false;
-  caller->missed = 0;
-  return true;
+  if (platform::calls().Send(call, told.Text())) caller->missed = 0;
 }
 
 // An answer that finds no place is one to a caller that asks on and on and reads nothing.
 void Steering::SendOrKeep(platform::CallId call, const std::string& message) {
   Caller& caller = callers[call];
-  if (Flush(call, &caller) && platform::calls().Send(call, message)) return;
   if (caller.waiting.size() < kMostWaiting && caller.missed == 0) {
     caller.waiting.push_back(message);
+    Flush(call, &caller);
   } else if (caller.follows) {
     ++caller.missed;
   } else {
@@ -249,8 +247,10 @@ void Steering::TellFollowers(const Event& event) {
 void Steering::OnWake() {
   for (Event event; ring.Take(&event);) TellFollowers(event);
   const std::uint32_t missed = missedByRing.exchange(0);
-  for (auto& [call, caller] : callers)
+  for (auto& [call, caller] : callers) {
     if (caller.follows) caller.missed += missed;
+    Flush(call, &caller);
+  }
   TellMouse(engine->MouseIsOn(), platform::clock().GetTickCount());
   std::vector<std::pair<std::uint32_t, std::string>> due;
   {
@@ -259,7 +259,6 @@ void Steering::OnWake() {
   }
   for (const auto& [call, answer] : due)
     if (callers.count(call) != 0) SendOrKeep(call, answer);
-  for (auto& [call, caller] : callers) Flush(call, &caller);
 }
 
 // ---- The thread that carries out

@@ -86,7 +86,7 @@ class Steering final : public platform::CallReceiver,
     Resumed,
   };
   struct Event {
-    Happened what = Happened::Mouse;
+    Happened what{};
     bool on{};                  // of Mouse
     std::uint32_t controlId{};  // of ControlFired
     std::uint32_t tick{};
@@ -127,7 +127,7 @@ class Steering final : public platform::CallReceiver,
   void Follow(platform::CallId call);
   void FollowersChanged();
   void SendOrKeep(platform::CallId call, const std::string& message);
-  bool Flush(platform::CallId call, Caller* caller);  // false when there is no more room
+  void Flush(platform::CallId call, Caller* caller);  // as far as there is room
   void TellFollowers(const std::string& message);
   void TellFollowers(const Event& event);
   void TellMouse(bool on, std::uint32_t tick);

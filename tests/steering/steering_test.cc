@@ -386,6 +386,21 @@ TEST_F(SteeringTest, AtItsEndNothingIsToldAnyMore) {
   steering.ProfileIs("told to nobody");
   EXPECT_EQ(calls.wakes, before);
   EXPECT_EQ(calls.Heard(1), "");
+  // Even were there a follower, the device would tell nothing here any more.
+  steering.OnMessage(2, "kelvaro 1 follow-events");
+  pad->Return();
+  RunTo(100);
+  EXPECT_TRUE(device.Answers());
+  EXPECT_EQ(calls.wakes, before);
+  steering.OnHungUp(2);
+}
+
+TEST_F(SteeringTest, OnceItIsGoneNobodyAnswers) {
+  auto gone = std::make_unique<Steering>(steeredHost);
+  gone->Begin(engine);
+  EXPECT_TRUE(calls.IsAnswered());
+  gone.reset();
+  EXPECT_FALSE(calls.IsAnswered());
 }
 
 TEST_F(SteeringTest, WhatWaitsAtItsEndIsNotDone) {

@@ -36,6 +36,7 @@ class VirtualCalls final : public platform::Calls {
   std::unique_ptr<platform::Conversation> Call(std::uint32_t) override { return nullptr; }
   std::unique_ptr<platform::Arrivals> WatchArrivals() override { return nullptr; }
 
+  bool IsAnswered() const { return receiver != nullptr; }
   // What woke the receiver's thread.
   void Pump() {
     if (wakes == pumped || !receiver) return;
