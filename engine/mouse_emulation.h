@@ -10,9 +10,9 @@ namespace kelvaro {
 
 // How one pointer axis or the wheel answers to an axis of the device.
 struct MouseCurve {
-  std::int32_t deadZone = 0;  // axis units; up to it, nothing counts
-  double span = 1.0;          // axis units from the dead zone to the limit
-  double gain = 1.0;          // weight of the square
+  std::int32_t deadZone{};  // axis units; up to it, nothing counts
+  double span = 1.0;        // axis units from the dead zone to the limit
+  double gain = 1.0;        // weight of the square
 };
 
 constexpr std::int32_t kMouseSliderEnd = 50;  // of each of the four sliders; they begin at 0
