@@ -153,6 +153,31 @@ TEST_F(RendlinkProgramTest, AnUnknownProfileIsToldBeforeAnythingIsStarted) {
   EXPECT_EQ(child->Log(), "rendlink: There is no profile whose name begins with \"Nobody\".\n");
 }
 
+TEST_F(RendlinkProgramTest, WhatCantBeDoneIsToldInOneLineAndByItsStatus) {
+  const std::string none = home.In("none");
+  const struct {
+    Words arguments;
+    int status;
+    std::string refusal;
+  } kRows[] = {
+      {{"--dir", none, "--", Script("echo ready")}, 2, "There is no folder " + none + ".\n"},
+      {{"--target", "/bin/true", "--save", none + "/a.desktop"}, 1, ""},
+  };
+  for (const auto& row : kRows) {
+    Words arguments = {"--profile", "Desktop"};
+    arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+    const auto child = Run(arguments);
+    EXPECT_EQ(child->WaitForEnd(), row.status);
+    EXPECT_TRUE(child->Log().starts_with("rendlink: " + row.refusal)) << child->Log();
+  }
+  const auto nobody = Run({"--profile", "Nobody", "--target", "/bin/true"});
+  EXPECT_EQ(nobody->WaitForEnd(), 2);
+  const std::string words = " --profile Desktop --target /bin/true >/dev/full";
+  const auto full = Run({"-c", Program("rendlink") + words}, kOffScreen, "/bin/sh");
+  EXPECT_EQ(full->WaitForEnd(), 1);
+  EXPECT_EQ(full->Log(), "rendlink: the output can't be written\n");
+}
+
 TEST_F(RendlinkProgramTest, AGameThatCantBeRunIsToldAsAShellDoes) {
   const std::string data = Put(home.In("data-file"), "text");
   const struct {
@@ -186,6 +211,23 @@ TEST_F(RendlinkProgramTest, ASignalBeforeTheGameBeganEndsKelvaro) {
   child->Signal(SIGTERM);
   EXPECT_EQ(child->WaitForEnd(), 128 + SIGTERM) << child->Log();
   EXPECT_FALSE(Says(*child, "ready")) << child->Log();
+}
+
+TEST_F(RendlinkProgramTest, AGameThatCouldNotBeWaitedForIsNotStarted) {
+  const std::string quoted = home.In("a\"quote");
+  fs::create_directory(quoted);
+  const std::pair<std::string, std::string> kRows[] = {
+      {home.In("none"), "There is no folder in which the game could be waited for.\n"},
+      {quoted, "The path " + quoted + "/kelvaro/rendlink-"}};
+  for (const auto& [runtime, refusal] : kRows) {
+    auto variables = kOffScreen;
+    variables["XDG_RUNTIME_DIR"] = runtime;
+    const auto child = Play({Script("echo ready")}, variables);
+    EXPECT_EQ(child->WaitForEnd(), 1);
+    EXPECT_TRUE(child->Log().starts_with("rendlink: " + refusal)) << child->Log();
+    EXPECT_FALSE(Says(*child, "ready"));
+  }
+  EXPECT_TRUE(fs::is_empty(quoted + "/kelvaro"));
 }
 
 TEST_F(RendlinkProgramTest, WithoutKelvaroBesideItNothingCanBeDone) {
