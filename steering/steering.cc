@@ -9,6 +9,9 @@
 namespace kelvaro {
 namespace {
 
+constexpr std::size_t kMostWaiting = 256;  // messages of one caller that doesn't read
+constexpr std::size_t kMostWork = 64;      // requests that wait for the engine
+
 constexpr const char* kEventNames[] = {"profile",      "device",        "deviceLost", "deviceBack",
                                        "controlFired", "mouseControls", "paused",     "resumed"};
 

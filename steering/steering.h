@@ -45,9 +45,6 @@ class Steering final : public platform::CallReceiver,
                        private DispatchObserver,
                        private WorkerThread {
  public:
-  static constexpr std::size_t kMostWaiting = 256;  // messages of one caller that doesn't read
-  static constexpr std::size_t kMostWork = 64;      // requests that wait for the engine
-
   // `host` must outlive this.
   explicit Steering(SteeringHost& host);
   ~Steering() override;
