@@ -205,7 +205,7 @@ bool ProfileFile::ReadTrigger(Control* control) {
 
   while (fields.index < ChildCount()) {
     TriggerItem item;
-    if (kTriggerItemField(fields, item)) control->triggerItems.AddTail(item);
+    if (kTriggerItemField(fields, item) && !control->triggerItems.AddTail(item)) return false;
   }
   FieldsTaken(fields.index);
   return true;

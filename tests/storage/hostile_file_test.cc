@@ -249,5 +249,24 @@ TEST_F(HostileFileTest, ALoadThatRunsOutOfMemoryAnywhereFailsOrLeavesOutAndNothi
   EXPECT_TRUE(everLoaded);
 }
 
+TEST_F(HostileFileTest, WhatALoadLeavesOutForWantOfMemoryIsTold) {
+  ProfileFile whole;
+  RandomProfile(2).Fill(&whole, "good", 3);
+  ASSERT_TRUE(whole.Save());
+  bool untouched = false;
+  for (std::uint32_t nth = 1; !untouched; ++nth) {
+    SCOPED_TRACE(nth);
+    ProfileFile profile;
+    bool loaded = false;
+    {
+      const FailingAllocation failing(nth);
+      loaded = profile.Load(TextOf(PathOf("good.idprof")));
+      untouched = failing.Failed() == 0;
+    }
+    if (loaded && profile.DamagedFile().IsEmpty()) ExpectSame<Profile>(profile, whole);
+    if (HasFailure()) break;
+  }
+}
+
 }  // namespace
 }  // namespace kelvaro
