@@ -1,8 +1,9 @@
 #include "storage/gathered_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
+#include <new>
+#include <utility>
 
 #include "foundation/paths.h"
 
@@ -10,7 +11,6 @@ namespace kelvaro {
 
 namespace {
 
-constexpr std::uint32_t kSmallestRoom = 4096;
 constexpr std::uint32_t kLongestFile = std::numeric_limits<std::uint32_t>::max();
 
 }  // namespace
@@ -28,7 +28,7 @@ bool GatheredFile::Write(const void* bytes, std::uint32_t n) {
   if (!IsOpen() || n > kLongestFile - position) return false;
   const std::uint32_t end = position + n;
   if (end > capacity && !Grow(end)) return false;
-  if (n > 0) std::memcpy(content.get() + position, bytes, n);
+  std::copy_n(static_cast<const char*>(bytes), n, content.get() + position);
   putDown = std::min(putDown, position);
   position = end;
   size = std::max(size, end);
@@ -39,15 +39,15 @@ void GatheredFile::Seek(std::uint32_t target) { position = std::min(target, size
 
 bool GatheredFile::PutDown() {
   if (putDown == size) return true;
-  if (systemPosition != putDown) {
-    if (!handle->SetFilePointer(putDown, platform::FILE_BEGIN, nullptr)) return false;
-    systemPosition = putDown;
+  if (systemPosition != putDown &&
+      !handle->SetFilePointer(putDown, platform::FILE_BEGIN, nullptr)) {
+    return false;
   }
   std::uint32_t written = 0;
-  const bool whole = handle->WriteFile(content.get() + putDown, size - putDown, &written);
+  handle->WriteFile(content.get() + putDown, size - putDown, &written);
   putDown += written;
   systemPosition = putDown;
-  return whole && putDown == size;
+  return putDown == size;
 }
 
 bool GatheredFile::Close() {
@@ -57,20 +57,15 @@ bool GatheredFile::Close() {
   return handle->CloseHandle() && isDown;
 }
 
-void GatheredFile::Release() {
-  handle.reset();
-  isClosed = false;
-  content.reset();
-  capacity = size = position = putDown = systemPosition = 0;
-}
+void GatheredFile::Release() { *this = GatheredFile(); }
 
 bool GatheredFile::Grow(std::uint32_t needed) {
-  const std::uint32_t doubled = capacity > kLongestFile / 2 ? kLongestFile : capacity * 2;
-  const std::uint32_t room = std::max({needed, doubled, kSmallestRoom});
-  char* const moved = static_cast<char*>(std::realloc(content.get(), room));
-  if (!moved) return false;
-  static_cast<void>(content.release());
-  content.reset(moved);
+  // From 2 GiB on twice as much doesn't fit in 32 bits any more, and what is needed counts.
+  const std::uint32_t room = std::max(needed, capacity * 2);
+  std::unique_ptr<char[]> grown(new (std::nothrow) char[room]);
+  if (!grown) return false;
+  std::copy_n(content.get(), size, grown.get());
+  content = std::move(grown);
   capacity = room;
   return true;
 }

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 
 #include "app/platform/files.h"
@@ -37,14 +36,11 @@ class GatheredFile {
   void Release();
 
  private:
-  struct Freed {
-    void operator()(char* bytes) const { std::free(bytes); }
-  };
   bool Grow(std::uint32_t needed);
 
   std::unique_ptr<platform::File> handle;  // kept until Release
   bool isClosed = false;
-  std::unique_ptr<char[], Freed> content;
+  std::unique_ptr<char[]> content;
   std::uint32_t capacity = 0;
   std::uint32_t size = 0;
   std::uint32_t position = 0;

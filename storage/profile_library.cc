@@ -194,7 +194,6 @@ bool ProfileLibrary::BeginRename(const ByteString& name, const ByteString& newNa
 void ProfileLibrary::EndRename() {
   keptFile.reset();
   platform::files().DeleteFileA(Bytes(keptPath));
-  keptPath.Empty();
 }
 
 bool ProfileLibrary::BringBack() {

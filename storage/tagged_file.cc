@@ -37,10 +37,7 @@ const ChunkEntry* EntryCursor::At(const Entries& entries, std::int64_t index) {
   return node->value;
 }
 
-void EntryCursor::Forget() {
-  last = nullptr;
-  lastIndex = 0;
-}
+void EntryCursor::Forget() { last = nullptr; }
 
 TaggedFile::TaggedFile() = default;
 

@@ -30,9 +30,9 @@ constexpr std::uint16_t kNumber = 5;
 
 // One child of a list, as a reader sees it.
 struct ChunkEntry {
-  std::uint16_t type = 0;
-  std::uint32_t size = 0;    // of a field's data, or of a list's children
-  std::uint64_t offset = 0;  // in the file, behind the 6 bytes of type and size
+  std::uint16_t type{};
+  std::uint32_t size{};    // of a field's data, or of a list's children
+  std::uint64_t offset{};  // in the file, behind the 6 bytes of type and size
 };
 
 // Finds the entries of one list by index. It starts from the last place asked for where that is the
@@ -57,7 +57,7 @@ class EntryCursor {
 
  private:
   Entries::Node* last = nullptr;
-  std::int64_t lastIndex = 0;
+  std::int64_t lastIndex{};  // of `last`
   std::uint64_t linksFollowed = 0;
 };
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/binary_file.h"
 #include "tests/platform/watched_files.h"
 #include "tests/storage/profile_bytes.h"
 #include "tests/storage/random_profile.h"
@@ -126,6 +127,52 @@ TEST_F(DamagedFileTest, WhatWasKeptBeforeIsNotOverwritten) {
   Put("P.idprof", cut);
   EXPECT_TRUE(LoadAndSave());
   EXPECT_EQ(Files().size(), 4u) << "the same bytes are kept once";
+}
+
+TEST_F(DamagedFileTest, TheSameBytesAreTheSameFromTheFirstToTheLast) {
+  ProfileFile large;
+  large.profileName = TextOf("P");
+  large.deviceName = TextOf(std::string(BinaryFile::kWindowSize, 'd'));
+  ASSERT_TRUE(large.Save());
+  const std::string bytes = On("P.idprof").substr(0, On("P.idprof").size() - 1);
+  for (const std::size_t place : {std::size_t{0}, bytes.size() - 1}) {
+    Disk().Remove(kFolder);
+    std::string other = bytes;
+    ++other[place];
+    Put("P.idprof", bytes);
+    Put("P.idprof.damaged", other);
+    EXPECT_TRUE(LoadAndSave());
+    EXPECT_EQ(On("P.idprof.damaged"), other);
+    EXPECT_EQ(On("P.idprof.damaged2"), bytes) << place;
+  }
+}
+
+TEST_F(DamagedFileTest, WhatCantBeReadIsntTheSame) {
+  Put("P.idprof", cut);
+  Put("P.idprof.damaged", cut);
+  {
+    const WatchedFiles watched(sim.Groups(),
+                               [this](const std::string& operation, const std::string& path) {
+                                 if (operation == "read" && path == PathOf("P.idprof.damaged"))
+                                   Disk().FailOperation(1);
+                               });
+    EXPECT_TRUE(LoadAndSave());
+  }
+  EXPECT_EQ(On("P.idprof.damaged2"), cut);
+}
+
+TEST_F(DamagedFileTest, AThousandAreKeptAndNoMore) {
+  Put("P.idprof.damaged", "1");
+  for (int n = 3; n < 1000; ++n) Put("P.idprof.damaged" + std::to_string(n), "n");
+  for (const char* free : {"2", "1000"}) {
+    const std::string bytes = cut + free;
+    Put("P.idprof", bytes);
+    EXPECT_TRUE(LoadAndSave());
+    EXPECT_EQ(On(std::string("P.idprof.damaged") + free), bytes);
+  }
+  Put("P.idprof", cut);
+  EXPECT_FALSE(LoadAndSave());
+  EXPECT_EQ(On("P.idprof"), cut);
 }
 
 TEST_F(DamagedFileTest, WithoutRoomForTheCopyNothingIsSaved) {

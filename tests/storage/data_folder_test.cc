@@ -131,6 +131,17 @@ TEST_F(DataFolderTest, ACopyOfTheExamplesThatWasCutOffIsMadeUpForAtTheNextLook) 
   }
 }
 
+TEST_F(DataFolderTest, ACopyOfTheExamplesThatIsMadeUpForReplacesNoProfile) {
+  Store("One", "shipped");
+  PutMarker();
+  Store("One", "mine");
+  Disk().PutFile(std::string(kUsers) + "/Profiles.unfinished", "");
+  EXPECT_EQ(Names(), Strings{"One"});
+  ProfileFile read;
+  ASSERT_TRUE(read.Load(read.FindProfileFile("One")));
+  EXPECT_STREQ(read.deviceName.Text(), "mine");
+}
+
 TEST_F(DataFolderTest, AnEmptyUsersFolderIsOneThatWasMade) {
   Store("One");
   PutMarker();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {
@@ -49,6 +50,49 @@ TEST_F(GatheredFileTest, WhatIsPatchedGoesDownWithAllBehindIt) {
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(OnDisk(), "abXYefghi");
   EXPECT_EQ(Disk().Count("WriteFile"), 2u);
+}
+
+TEST_F(GatheredFileTest, WhatFollowsIsWrittenWithoutASeek) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  EXPECT_TRUE(file.PutDown());
+  EXPECT_TRUE(Write("def"));
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "abcdef");
+  EXPECT_EQ(Disk().Count("SetFilePointer"), 0u);
+}
+
+TEST_F(GatheredFileTest, APlaceThatCantBeReachedIsToldAndPatchedLater) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abcdef"));
+  EXPECT_TRUE(file.PutDown());
+  file.Seek(2);
+  EXPECT_TRUE(Write("XY"));
+  Disk().FailOperation(1);
+  EXPECT_FALSE(file.PutDown());
+  EXPECT_EQ(OnDisk(), "abcdef");
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "abXYef");
+}
+
+TEST_F(GatheredFileTest, ItsRoomDoublesWhereverItIsFull) {
+  ASSERT_TRUE(file.Create(kPath));
+  const std::uint64_t before = Allocations();
+  for (int i = 0; i < 1024; ++i) EXPECT_TRUE(Write("x"));
+  EXPECT_EQ(Allocations() - before, 11u) << "1, 2, 4 and so on up to 1024";
+}
+
+TEST_F(GatheredFileTest, WithoutMemoryNothingIsTaken) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  {
+    const FailingAllocations failing;
+    EXPECT_FALSE(Write("defg"));
+    EXPECT_EQ(file.Position(), 3u);
+  }
+  EXPECT_TRUE(Write("hijk"));
+  EXPECT_TRUE(file.Close());
+  EXPECT_EQ(OnDisk(), "abchijk");
 }
 
 TEST_F(GatheredFileTest, NothingNewIsNotWritten) {

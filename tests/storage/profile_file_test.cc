@@ -681,6 +681,47 @@ TEST_F(ProfileFileTest, ATriggerItemThatCantBeReadIsPassedOver) {
   EXPECT_EQ(ControlOf(profile).triggerItems.At(0)->value->index, 1);
 }
 
+// The steps of a load, as a derived class sees them.
+class Watcher : public ProfileFile {
+ public:
+  std::string steps;
+
+ protected:
+  bool Enter(std::uint32_t id) override {
+    steps += "(" + std::to_string(id) + " ";
+    return ProfileFile::Enter(id);
+  }
+  bool EnterAt(std::uint32_t index) override {
+    steps += "[" + std::to_string(index) + " ";
+    return ProfileFile::EnterAt(index);
+  }
+  bool Take(std::uint32_t index, std::uint32_t size, bool needed, ByteString* out) override {
+    steps += std::to_string(index) + (size == kAnySize ? "" : ":" + std::to_string(size));
+    steps += needed ? "! " : " ";
+    return ProfileFile::Take(index, size, needed, out);
+  }
+  void FieldsTaken(std::uint32_t count) override { steps += "<" + std::to_string(count) + "> "; }
+  bool Leave() override {
+    steps += ") ";
+    return ProfileFile::Leave();
+  }
+};
+
+TEST_F(ProfileFileTest, AWatcherIsToldEachStepAndWhereTheListsBegin) {
+  const std::string action =
+      List(7, {Field(OldTimings(0, 1, 2, 3)), Field(FromHex("4100")), List(13, {Field("\x1E")})});
+  const std::string control =
+      List(5, {Field("c"), Field(Big(1, 4)), Field(Big(0, 1)),
+               List(6, {Field(TriggerField(1, 4, 1)), Field(FromHex("0003 0001 0000"))}), action,
+               List(14, {Field(Timings(0, 1, 2, 3, 4))})});
+  Watcher watcher;
+  ASSERT_TRUE(LoadControls(&watcher, {control}));
+  EXPECT_EQ(watcher.steps,
+            "<0> (1 0! <1> ) (3 0! 1:4! <2> ) (11 (12 (4 <0> "
+            "[0 0! 1:4! 2:1 <3> [3 0:10! 1:6 <2> ) [4 0:13! 1! <2> (13 0:1 <1> ) ) [5 0:17! <1> ) "
+            ") ) ) ");
+}
+
 TEST_F(ProfileFileTest, AFileThatCantBeClosedIsAFailureOfItsLoad) {
   Disk().PutFile("/data/p.idprof", FromHex(kEverything));
   Disk().FailOperation(3);  // behind the opening and the one read

@@ -115,6 +115,8 @@ TEST_F(ProfileLibraryTest, WhatARenameLeftGoesWithTheNewProfile) {
   const auto rename = [this](const char* from, const char* to) {
     ProfileFile old;
     const bool isGoing = old.BeginRename(from, to);
+    EXPECT_EQ(isGoing, !Disk().Exists(PathOf(std::string(from) + ".idprof")));
+    EXPECT_EQ(isGoing, Disk().Exists(PathOf(std::string(to) + ".idprof.was")));
     Put(std::string(to) + ".idprof", to);
     if (isGoing) old.EndRename();
   };
@@ -144,6 +146,49 @@ TEST_F(ProfileLibraryTest, WhatARenameLeftGoesWithTheNewProfile) {
     }
     EXPECT_GE(left, 1u) << "none of the failures left anything";
   }
+}
+
+TEST_F(ProfileLibraryTest, ARenameKeepsTheOldBytesUntilItsEnd) {
+  Put("old.idprof", "old");
+  Disk().PutFile(PathOf("new.idprof.was"), "left by a rename before");
+  ASSERT_TRUE(profile.BeginRename("old", "new"));
+  EXPECT_EQ(Disk().List(kFolder), Strings{"new.idprof.was"});
+  EXPECT_EQ(Disk().FileBytes(PathOf("new.idprof.was")), SmallProfile("old"));
+  // Nobody else brings it back meanwhile.
+  Disk().ClearLog();
+  EXPECT_EQ(Find("old"), "");
+  EXPECT_EQ(Disk().Count("FindFirstFileA"), 2u) << "profiles, and what renames have left";
+  profile.EndRename();
+  EXPECT_EQ(Disk().List(kFolder), Strings{});
+  EXPECT_EQ(Disk().OpenHandles(), 0u);
+}
+
+TEST_F(ProfileLibraryTest, WhatCantBeDeletedOrIsntThereIsNotRenamed) {
+  Disk().PutFile(PathOf("old.idprof"), SmallProfile("old"), platform::FILE_ATTRIBUTE_READONLY);
+  EXPECT_FALSE(profile.BeginRename("old", "new"));
+  EXPECT_FALSE(profile.BeginRename("none", "new"));
+  EXPECT_EQ(Disk().Count("CopyFileA"), 0u);
+}
+
+TEST_F(ProfileLibraryTest, AProfileOfARenameThatWasCutOffIsFoundByItsName) {
+  Disk().PutFile(PathOf("new.idprof.was"), SmallProfile("old"));
+  EXPECT_EQ(Find("old"), PathOf("old.idprof"));
+  EXPECT_EQ(Disk().List(kFolder), Strings{"old.idprof"});
+}
+
+TEST_F(ProfileLibraryTest, WhatARenameKeptReplacesNoProfile) {
+  Put("old.idprof", "of somebody else");
+  Disk().PutFile(PathOf("new.idprof.was"), SmallProfile("old"));
+  EXPECT_EQ(Names(), Strings{"of somebody else"});
+  EXPECT_EQ(Disk().List(kFolder), Strings{"old.idprof"});
+}
+
+TEST_F(ProfileLibraryTest, EachFileIsReadOnceForANameThatIsntThere) {
+  Put("new.idprof", "new");
+  Disk().PutFile(PathOf("new.idprof.was"), SmallProfile("old"));
+  EXPECT_EQ(Find("none"), "");
+  EXPECT_EQ(Disk().Count("ReadFile"), 2u);
+  EXPECT_EQ(Disk().List(kFolder), Strings{"new.idprof"});
 }
 
 TEST_F(ProfileLibraryTest, FilesAreListedInTheOrderOfTheFileSystemWithFullPaths) {
