@@ -23,5 +23,16 @@ TEST(Platform, NoGroupIsHandedToAThreadThatWasCutOff) {
             std::vector<std::string>());
 }
 
+TEST(Platform, WhereNobodyCanBeCalledNobodyAnswers) {
+  EXPECT_FALSE(calls().Answer(nullptr));
+  EXPECT_TRUE(calls().Send(1, "text")) << "nothing is left to be sent";
+  EXPECT_TRUE(calls().Answering().empty());
+  EXPECT_FALSE(calls().Call(1));
+  EXPECT_FALSE(calls().WatchArrivals());
+  calls().HangUp(1);
+  calls().Wake();
+  calls().StopAnswering();
+}
+
 }  // namespace
 }  // namespace platform

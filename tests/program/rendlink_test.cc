@@ -213,6 +213,11 @@ TEST_F(RendlinkProgramTest, ASignalBeforeTheGameBeganEndsKelvaro) {
   EXPECT_FALSE(Says(*child, "ready")) << child->Log();
 }
 
+TEST_F(RendlinkProgramTest, AScriptThatNamesNoInterpreterRunsInTheShell) {
+  const auto child = Play({Put(home.In("plain"), "exit $1\n", 0755), "7"});
+  EXPECT_EQ(child->WaitForEnd(), 7) << child->Log();
+}
+
 TEST_F(RendlinkProgramTest, AGameThatCouldNotBeWaitedForIsNotStarted) {
   const std::string quoted = home.In("a\"quote");
   fs::create_directory(quoted);
