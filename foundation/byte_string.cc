@@ -51,7 +51,6 @@ void FillSkipTable(const char* pattern, std::uint32_t n, std::uint32_t* table) {
 // end, and the byte that spoils it tells how far it may move.
 std::int32_t Search(const char* text, std::uint32_t length, const char* pattern, std::uint32_t n,
                     std::uint32_t start, const std::uint32_t* table) {
-  if (n == 0) return -1;
   std::uint64_t last = std::uint64_t{start} + n - 1;
   while (last < length) {
     std::uint32_t matches = 0;
@@ -151,7 +150,6 @@ void ByteString::MakeEmpty(std::int64_t size) {
   buffer = Allocate(size);
   data = buffer;
   capacity = buffer ? static_cast<std::int32_t>(size) : 0;
-  length = 0;
   if (data) data[0] = 0;
 }
 
@@ -324,7 +322,6 @@ void ByteString::KeepRight(std::int32_t n) {
 }
 
 void ByteString::Empty() {
-  Changed();
   Rewind();
   length = 0;
   if (capacity > 0) data[0] = 0;
@@ -353,12 +350,6 @@ bool ByteString::Reserve(std::int32_t wanted, bool keepText, bool exact) {
 
 void ByteString::ReplaceAll(const ByteString& from, const ByteString& to) {
   if (from.length == 0 || length == 0) return;
-  if (this == &from || this == &to) {
-    const ByteString copy(*this);
-    if (copy.length != length) return;
-    ReplaceAll(this == &from ? copy : from, this == &to ? copy : to);
-    return;
-  }
   std::uint32_t table[kTableSize];
   FillSkipTable(from.data, from.length, table);
   if (from.length == to.length) {
@@ -403,9 +394,7 @@ void ByteString::ReplaceAll(const ByteString& from, const ByteString& to) {
 void ByteString::RemoveAll(const char* pattern, std::int32_t n) {
   if (!pattern) return;
   if (n < 1) {
-    const std::size_t found = std::strlen(pattern);
-    if (found == 0 || found > length) return;
-    n = static_cast<std::int32_t>(found);
+    n = static_cast<std::int32_t>(std::strlen(pattern));
   }
   if (LiesWithin(pattern, data, data + length)) {
     // Closing up would change the pattern under the walk.
@@ -528,7 +517,7 @@ void ByteString::ReadU64(std::uint64_t* out) const { ReadBigEndian(data, length,
 void ByteString::TrimLeft(std::uint8_t low, std::uint8_t high) {
   std::uint32_t n = 0;
   while (n < length && InRange(data[n], low, high)) ++n;
-  if (n > 0) KeepRight(static_cast<std::int32_t>(length - n));
+  KeepRight(static_cast<std::int32_t>(length - n));
 }
 
 void ByteString::TrimRight(std::uint8_t low, std::uint8_t high) {

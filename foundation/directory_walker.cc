@@ -67,7 +67,6 @@ void DirectoryWalker::Stop() {
   search.reset();
   child.reset();
   pending.Clear();
-  relativePath.Empty();
   inFolderPhase = false;
   searchEnded = false;
   started = false;

@@ -1,5 +1,6 @@
 #include "foundation/registry_key.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace kelvaro {
@@ -22,7 +23,7 @@ struct DataBuffer {
 
   std::uint32_t Number(std::uint32_t size) const {
     std::uint32_t number = 0;
-    std::memcpy(&number, bytes, size < sizeof number ? size : sizeof number);
+    std::memcpy(&number, bytes, std::min<std::size_t>(size, sizeof number));
     return number;
   }
 };
@@ -173,9 +174,8 @@ bool RegistryKey::EnumSubkeys(HKEY key, LinkedList<ByteString>* out) {
 }
 
 bool RegistryKey::CopyValues(RegistryKey* source) {
-  if (!isOpen || !source->isOpen) return false;
   RegistryValueList values;
-  if (!source->EnumValues(nullptr, &values)) return false;
+  if (!isOpen || !source->EnumValues(nullptr, &values)) return false;
   bool all = true;
   for (const RegistryValue& value : values) {
     const bool written = value.type == REG_SZ ? WriteString(handle, value.name.Text(), value.text)
@@ -186,7 +186,6 @@ bool RegistryKey::CopyValues(RegistryKey* source) {
 }
 
 bool RegistryKey::CopyTree(RegistryKey* source) {
-  if (!isOpen || !source->isOpen) return false;
   if (!CopyValues(source)) return false;
   LinkedList<ByteString> names;
   if (!EnumSubkeys(source->handle, &names)) return false;

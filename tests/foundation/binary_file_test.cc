@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {
@@ -46,6 +47,34 @@ class BinaryFileTest : public ::testing::Test {
   VirtualDisk& disk = sim.Disk();
   BinaryFile file;
 };
+
+TEST_F(BinaryFileTest, ANewOneHasNoWindow) {
+  EXPECT_EQ(file.bytesInWindow, 0u);
+  EXPECT_EQ(file.windowFirst, BinaryFile::kNoWindow);
+  EXPECT_EQ(file.windowLast, 0u);
+  EXPECT_EQ(file.lastError, 0u);
+}
+
+TEST_F(BinaryFileTest, WithoutMemoryForAWindowItDoesNotOpen) {
+  disk.PutFile(kPath, "abc");
+  file.Assign(kPath);
+  {
+    const FailingAllocations failing;
+    EXPECT_FALSE(file.Open());
+  }
+  EXPECT_EQ(disk.OpenHandles(), 0u);
+  EXPECT_TRUE(file.Open());
+}
+
+TEST_F(BinaryFileTest, AReadWithoutMemoryFails) {
+  OpenWith(Bytes(100));
+  ByteString out;
+  {
+    const FailingAllocations failing;
+    EXPECT_FALSE(file.ReadBytes(&out, 0, 100));
+  }
+  EXPECT_TRUE(file.ReadBytes(&out, 0, 100));
+}
 
 TEST_F(BinaryFileTest, AnEmptyFileOpensAndHasNothingToRead) {
   disk.PutFile(kPath, "");
@@ -101,9 +130,11 @@ TEST_F(BinaryFileTest, WalkingToAndFroAroundAPlaceBehindMovesTheWindowOnce) {
 }
 
 TEST_F(BinaryFileTest, ReadsInsideTheWindowCostNothing) {
-  OpenWith(Bytes(55));
-  for (std::uint64_t position = 55; position-- > 0;) ReadAt(position);
-  EXPECT_TRUE(disk.Log().empty());
+  for (const std::size_t size : {55, 1}) {
+    OpenWith(Bytes(size));
+    for (std::uint64_t position = size; position-- > 0;) ReadAt(position);
+    EXPECT_TRUE(disk.Log().empty());
+  }
 }
 
 TEST_F(BinaryFileTest, WithinHalfAWindowOfTheStartTheWindowStartsAtZero) {
@@ -244,14 +275,16 @@ TEST_F(BinaryFileTest, WithoutAWindowEveryPositionLiesBeforeIt) {
 }
 
 TEST_F(BinaryFileTest, ASeekThatFailsIsNotedAndALaterReadWorks) {
-  OpenWith(Bytes(200'000));
-  disk.FailOperation(1, 25);
-  ByteString out;
-  EXPECT_FALSE(file.ReadBytes(&out, 150'000, 1));
-  EXPECT_EQ(file.lastError, 25u);
-  EXPECT_EQ(file.windowFirst, 0u);
-  EXPECT_EQ(Reads(), 0u);
-  ReadAt(150'000);
+  for (const std::uint32_t error : {25u, 1u}) {
+    OpenWith(Bytes(200'000));
+    disk.FailOperation(1, error);
+    ByteString out;
+    EXPECT_FALSE(file.ReadBytes(&out, 150'000, 1));
+    EXPECT_EQ(file.lastError, error);
+    EXPECT_EQ(file.windowFirst, 0u);
+    EXPECT_EQ(Reads(), 0u);
+    ReadAt(150'000);
+  }
 }
 
 TEST_F(BinaryFileTest, AReadThatFailsLeavesTheWindowWhereItWas) {
@@ -285,7 +318,9 @@ TEST_F(BinaryFileTest, ClosingGivesEverythingBackOnce) {
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(file.window, nullptr);
   EXPECT_EQ(file.handle, nullptr);
+  EXPECT_EQ(file.bytesInWindow, 0u);
   EXPECT_EQ(file.windowFirst, BinaryFile::kNoWindow);
+  EXPECT_EQ(file.windowLast, 0u);
   EXPECT_EQ(disk.OpenHandles(), 0u);
   EXPECT_TRUE(file.Close());
   EXPECT_EQ(disk.Count("CloseHandle"), 1u);

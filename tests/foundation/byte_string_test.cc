@@ -110,6 +110,7 @@ TEST(ByteString, MovingTakesTheAllocationAlong) {
   EXPECT_EQ(Allocations(), before);
   EXPECT_EQ(taken.Text(), text);
   EXPECT_EQ(string.Length(), 0u);  // NOLINT: what is left is an empty string
+  EXPECT_EQ(string.Capacity(), 0);
   EXPECT_STREQ(string.Text(), "");
   string.Empty();
   string.Truncate(-1);
@@ -499,6 +500,7 @@ TEST(ByteString, ReplaceAllReplacesEachMatch) {
       {"an empty pattern by something", "abc", "", "x", "abc"},
       {"an empty pattern by none", "abc", "", "", "abc"},
       {"an empty text", "", "a", "bb", ""},
+      {"a text of one byte", "a", "a", "bb", "bb"},
       {"case counts", "aA", "A", "bb", "abb"},
   };
   for (const auto& row : rows) {
@@ -562,12 +564,20 @@ TEST(ByteString, RemoveAllClosesEachMatchUp) {
       {"one that isn't there", "abc", "ac", 0, "abc"},
       {"a longer one", "abc", "abcd", 0, "abc"},
       {"one byte", "a\\b\\", "\\", 0, "ab"},
+      {"one byte of more", "abcab", "ab", 1, "bcb"},
+      {"all of it", "abc", "abc", 0, ""},
   };
   for (const auto& row : rows) {
     ByteString string(row.text);
     string.RemoveAll(row.pattern, row.n);
     EXPECT_EQ(Content(string), row.after) << row.name;
   }
+}
+
+TEST(ByteString, RemoveAllTakesTheWholePatternUnlessTold) {
+  ByteString string("abxab");
+  string.RemoveAll("ab");
+  EXPECT_EQ(Content(string), "x");
 }
 
 TEST(ByteString, RemoveAllTakesItsOwnBytes) {
@@ -584,6 +594,9 @@ TEST(ByteString, EqualsTakesAllBytesAndTheTerminatorToo) {
   EXPECT_FALSE(string.Equals("abcd"));
   EXPECT_FALSE(string.Equals("ab"));
   EXPECT_FALSE(string.Equals("abC"));
+  EXPECT_FALSE(string.Equals("xbc"));
+  EXPECT_TRUE(ByteString("\x01").Equals("\x01"));
+  EXPECT_FALSE(ByteString("a").Equals(ByteString("b")));
   EXPECT_FALSE(string.Equals(""));
   EXPECT_FALSE(string.Equals(static_cast<const char*>(nullptr)));
   EXPECT_TRUE(ByteString().Equals(""));
@@ -657,6 +670,8 @@ TEST(ByteString, FindCharGivesTheFirstFromTheStartOn) {
   }
   std::int32_t position = 0;
   EXPECT_FALSE(ByteString().FindChar('a', &position));
+  EXPECT_FALSE(string.FindChar('\0', &position)) << "the terminator doesn't count";
+  EXPECT_TRUE(string.FindChar('a', &position)) << "from the start unless told";
   EXPECT_TRUE(Raw("a\0").FindChar('\0', &position));
   EXPECT_EQ(position, 1);
 }
@@ -671,6 +686,8 @@ TEST(ByteString, FindFailsWithoutAPatternAStartOrEnoughBytes) {
   EXPECT_EQ(string.Find("abcabca", 0, 7), -1);
   EXPECT_EQ(string.Find("abc", 0, 0), -1);
   EXPECT_EQ(string.Find("abc", 0, -1), -1);
+  EXPECT_EQ(string.Find("abc", 1, 0), -1);
+  EXPECT_EQ(string.Find(Raw("c\0")), -1) << "the terminator doesn't count";
   EXPECT_EQ(string.Find(ByteString()), -1);
   EXPECT_EQ(ByteString().Find("a", 0, 1), -1);
 }
@@ -739,6 +756,30 @@ TEST(ByteString, AChangedPatternIsSearchedForAsItIsNow) {
   EXPECT_EQ(text.Find(pattern), 6);
 }
 
+TEST(ByteString, APatternIsSearchedForAsItIsWhateverChangedIt) {
+  const struct {
+    const char* name;
+    const char* built;
+    void (*change)(ByteString& pattern);
+    const char* text;
+    std::int32_t at;
+  } rows[] = {
+      {"moved", "zzzzz", [](ByteString& p) { p = ByteString("ab"); }, "xxab", 2},
+      {"appended to", "ab", [](ByteString& p) { p.Append("bc"); }, "xabbc", 1},
+      {"truncated", "abzzzzzz", [](ByteString& p) { p.Truncate(2); }, "xab", 1},
+      {"cut in front", "zzzzzzab", [](ByteString& p) { p.KeepRight(2); }, "xxab", 2},
+      {"given less room", "abczzzzz", [](ByteString& p) { p.Reserve(4, true, true); }, "xabc", 1},
+      {"closed up", "abzzzz", [](ByteString& p) { p.RemoveAll("z"); }, "xab", 1},
+      {"folded", "ab", [](ByteString& p) { p.ToUpper(0, -1); }, "xAB", 1},
+  };
+  for (const auto& row : rows) {
+    ByteString pattern(row.built);
+    pattern.BuildSkipTable();
+    row.change(pattern);
+    EXPECT_EQ(ByteString(row.text).Find(pattern), row.at) << row.name;
+  }
+}
+
 // ---- case ----
 
 TEST(ByteString, OnlyAsciiLettersFold) {
@@ -755,9 +796,10 @@ TEST(ByteString, ToUpperFoldsARangeWithBothEnds) {
     bool done;
     const char* after;
   } rows[] = {
-      {0, -1, true, "ABCDE"}, {1, 3, true, "aBCDe"},   {2, 2, true, "abCde"},
-      {3, 99, true, "abcDE"}, {4, 5, true, "abcdE"},   {3, 1, true, "abcde"},
-      {5, -1, true, "abcde"}, {6, -1, false, "abcde"}, {-1, 2, false, "abcde"},
+      {0, 0, true, "Abcde"},   {0, -1, true, "ABCDE"}, {1, 3, true, "aBCDe"},
+      {2, 2, true, "abCde"},   {3, 99, true, "abcDE"}, {4, 5, true, "abcdE"},
+      {3, 1, true, "abcde"},   {5, -1, true, "abcde"}, {6, -1, false, "abcde"},
+      {-1, 2, false, "abcde"},
   };
   for (const auto& row : rows) {
     ByteString string("abcde");
@@ -1004,8 +1046,10 @@ TEST(ByteString, ReadFromReplacesTheText) {
   EXPECT_EQ(Content(string), "0123");
   EXPECT_EQ(string.ReadFrom(file.Get(), 100), 6);
   EXPECT_EQ(Content(string), "456789");
+  EXPECT_EQ(string.Capacity(), 101);
   EXPECT_EQ(string.ReadFrom(file.Get(), 5), 0);
   EXPECT_EQ(Content(string), "");
+  EXPECT_EQ(string.Capacity(), 101) << "the room is there";
 }
 
 TEST(ByteString, ReadFromOfNothingReadsNothing) {
@@ -1180,6 +1224,10 @@ TEST(ByteString, AStringThatHeldNothingTakesTextAgain) {
   ByteString empty = WithoutMemory();
   empty.Assign("");
   EXPECT_EQ(Content(empty), "");
+  ByteString smallest = WithoutMemory();
+  EXPECT_TRUE(smallest.AssignBytes("", 0));
+  EXPECT_EQ(smallest.Capacity(), 1);
+  EXPECT_EQ(ByteString(smallest).Capacity(), 1);
 }
 
 TEST(ByteString, AssignWithoutMemoryLeavesAnEmptyString) {

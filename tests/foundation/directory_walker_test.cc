@@ -228,6 +228,22 @@ TEST_F(DirectoryWalkerTest, FlagsOfZeroKeepTheOldOnes) {
   EXPECT_EQ(Rest(walker), (Paths{"/t/sub:", "/t/over:"}));
 }
 
+TEST_F(DirectoryWalkerTest, AWalkThatEndedCanBeStartedAgain) {
+  DirectoryWalker walker(WalkFiles, "*", "/t/over", "*", false);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(Rest(walker), (Paths{"o.txt", "s.dat"}));
+    EXPECT_TRUE(walker.Start(WalkFiles, "*", "/t/over", "*", false));
+  }
+}
+
+TEST_F(DirectoryWalkerTest, AStartForgetsTheFoldersThatWereToCome) {
+  DirectoryWalker walker(WalkFolders, "*", "/t", "*", false);
+  WalkResult result;
+  ASSERT_TRUE(walker.Next(&result));
+  EXPECT_TRUE(walker.Start(WalkFolders, "*", "/t/sub", "*", false));
+  EXPECT_EQ(Rest(walker), Paths{"deep:"});
+}
+
 TEST_F(DirectoryWalkerTest, AStartEndsTheWalkUnderWay) {
   DirectoryWalker walker(WalkFiles | WalkRecursive, "*", "/t", "*", false);
   WalkResult result;

@@ -151,6 +151,8 @@ TEST(RootOf, IsTheDriveOrShareOfAPathWithBackslashes) {
            Row{"\\\\srv", "\\", "\\"},  // without a share it is cut before its second backslash
            Row{"\\a\\b", "\\a", "\\a\\"},
            Row{"a\\b", "a", "a\\"},
+           Row{"a\\b\\c", "a", "a\\"},
+           Row{"\\a", "\\a", "\\a\\"},
            Row{"ab", "ab", "ab\\"},
            Row{"", "", "\\"},
            Row{"a", "a", "a\\"},

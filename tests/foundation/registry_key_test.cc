@@ -164,6 +164,18 @@ TEST_F(RegistryKeyTest, AStringWithoutItsTerminatorEndsWithItsBytes) {
   EXPECT_TRUE(text.IsEmpty());
 }
 
+TEST_F(RegistryKeyTest, AnEnumeratedStringWithoutItsTerminatorEndsWithItsBytes) {
+  registry.PutString(game, "long", "a longer text");
+  registry.PutValue(game, "s", REG_SZ, "ab");
+  EXPECT_EQ(Values(), (Lines{"long=a longer text", "s=ab"}));
+}
+
+TEST_F(RegistryKeyTest, ANumberOfFewerBytesIsASmallerOne) {
+  registry.PutValue(game, "none", platform::REG_DWORD, "");
+  registry.PutValue(game, "one", platform::REG_DWORD, "\x02");
+  EXPECT_EQ(Values(), (Lines{"none#0", "one#2"}));
+}
+
 TEST_F(RegistryKeyTest, AnEmptySubkeyIsTheKeyItself) {
   RegistryKey key(HKEY_CURRENT_USER, "Software\\Game", true);
   sim.LogCalls(true);
@@ -416,6 +428,14 @@ TEST_F(RegistryCopyTest, ValuesThatFailAreToldAndTheRestArrives) {
   sim.FailNext("RegSetValueExA", 5);
   EXPECT_FALSE(CopyValues());
   EXPECT_EQ(Values(), (Lines{"b=2", "c#3"}));
+}
+
+TEST_F(RegistryCopyTest, NothingIsCopiedToAKeyThatIsNotOpen) {
+  registry.PutKey(old);
+  RegistryKey from(HKEY_CURRENT_USER, "Software\\Old", false);
+  RegistryKey to(HKEY_CURRENT_USER, "Software\\Game", false);
+  EXPECT_FALSE(to.CopyValues(&from));
+  EXPECT_FALSE(to.CopyTree(&from));
 }
 
 TEST_F(RegistryCopyTest, CopyOfValuesLeavesSubkeysAlone) {

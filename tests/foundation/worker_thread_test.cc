@@ -376,6 +376,27 @@ TEST_F(WorkerThreadTest, DestructionStopsTheThreadAndClosesTheEvent) {
   EXPECT_FALSE(platform::threads().SetEvent(stopEvent));
 }
 
+// One whose Run uses no members needs no Stop of its own.
+class PlainWorker : public WorkerThread {
+ public:
+  PlainWorker() : WorkerThread("plain") {}
+
+ protected:
+  std::uint32_t Run() override {
+    platform::threads().WaitForSingleObject(stopEvent, platform::WAIT_FOREVER);
+    return 0;
+  }
+};
+
+TEST_F(WorkerThreadTest, DestructionStopsTheThreadByItself) {
+  {
+    PlainWorker worker;
+    ASSERT_TRUE(worker.Start(true, 0));
+    EXPECT_EQ(sim.LivingThreads(), 1u);
+  }
+  EXPECT_EQ(sim.LivingThreads(), 0u);
+}
+
 TEST_F(WorkerThreadTest, WithoutAnEventTheRequestIsStillSeen) {
   sim.FailNext("CreateEventA manual");
   Worker worker(UntilStopRequested);
