@@ -1,7 +1,5 @@
 #include "app/start/usage.h"
 
-#include <algorithm>
-
 namespace kelvaro {
 
 const std::vector<Argument>& Arguments() {
@@ -25,7 +23,7 @@ std::string UsageText() {
   text += std::string(kAboutWindow) + "\n\n";
   for (const Argument& argument : Arguments()) {
     std::string word = argument.word + argument.value;
-    word.resize(std::max(kColumn, word.size() + 1), ' ');
+    word.resize(kColumn, ' ');
     text += "  " + word + argument.about + '\n';
   }
   return text + '\n' + kUsageNotes + '\n';

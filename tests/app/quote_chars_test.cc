@@ -11,7 +11,7 @@ namespace {
 
 TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
   struct {
-    const char* text;
+    std::string text;
     const char* chars;
   } const kRows[] = {
       {"", "|[]"},
@@ -23,6 +23,8 @@ TEST(LoadQuoteChars, ReadsTheLinesThatItKnows) {
       {"QuoteSub=a\nQuoteSub=\n", "a[]"},
       {"QuoteSub =a\nXQuoteSub=a\nother\n", "|[]"},
       {"QuoteSub= a\n", " []"},
+      {"QuoteSub=!\n", "![]"},
+      {std::string("\0QuoteSub=z\n", 12), "z[]"},
   };
   platform::simulation::Simulation sim;
   for (const auto& row : kRows) {
