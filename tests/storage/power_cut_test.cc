@@ -287,6 +287,30 @@ TEST(OutOfMemory, AnywhereInASaveIsToldAndTheNextSaveWorks) {
   }
 }
 
+// Whatever a save takes, such as the text of a path. What it lacks for the temporary's end does no
+// harm, and isn't told.
+TEST(OutOfMemory, FromAnyPlaceOnIsToldUnlessAllIsSaved) {
+  bool untouched = false;
+  for (std::int32_t good = 0; !untouched; ++good) {
+    SCOPED_TRACE(good);
+    Machine machine(kSettings[0]);
+    ProfileFile profile;
+    Fill(&profile, kNewSeed);
+    bool saved = false;
+    {
+      const FailingAllocations failing(good);
+      saved = profile.Save();
+      untouched = failing.Failed() == 0;
+    }
+    EXPECT_TRUE(saved || !untouched);
+    if (!saved) {
+      EXPECT_TRUE(profile.Save());
+    }
+    EXPECT_EQ(machine.WhatIsFound(), "new");
+    if (testing::Test::HasFailure()) return;
+  }
+}
+
 // ---- A save over a file that was cut
 
 TEST(PowerCut, AtEachOperationOfASaveOverACutFileItsBytesAreStillThere) {
