@@ -861,6 +861,21 @@ TEST(EntryCursor, FindsWhatTheListFindsFromWhereverItStands) {
   }
 }
 
+TEST(EntryCursor, StartsFromTheNearestOfBothEndsAndItsLastPlace) {
+  LinkedList<ChunkEntry> entries;
+  for (std::uint32_t i = 0; i < 20; ++i) entries.AddTail({2, i, 0});
+  EntryCursor cursor;
+  struct {
+    std::int64_t place;
+    std::uint64_t links;
+  } const rows[] = {{2, 2}, {17, 2}, {15, 2}, {0, 0}, {4, 4}, {5, 1}, {19, 0}};
+  for (const auto& row : rows) {
+    const std::uint64_t before = cursor.LinksFollowed();
+    cursor.At(entries, row.place);
+    EXPECT_EQ(cursor.LinksFollowed() - before, row.links) << row.place;
+  }
+}
+
 TEST(EntryCursor, ACopiedListIsLookedUpFromItsOwnNodes) {
   OpenList list;
   for (std::uint32_t i = 0; i < 9; ++i) list.entries.AddTail({2, i, 0});
