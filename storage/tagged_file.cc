@@ -72,7 +72,7 @@ bool TaggedFile::OpenForRead(const ByteString& target) {
 bool TaggedFile::IsCutShort() {
   const OpenList& root = *openLists.head->value;
   ByteString last;
-  return root.size > 0 && !reader.ReadBytes(&last, root.end - 1, 1);
+  return !reader.ReadBytes(&last, root.end - 1, 1);
 }
 
 bool TaggedFile::IsTemporaryWhole() {
