@@ -36,8 +36,7 @@ void CopyBytes(char* to, const char* from, std::uint32_t n) {
 }
 
 bool LiesWithin(const char* pointer, const char* first, const char* last) {
-  return first && !std::less<const char*>()(pointer, first) &&
-         !std::less<const char*>()(last, pointer);
+  return !std::less<const char*>()(pointer, first) && !std::less<const char*>()(last, pointer);
 }
 
 void FillSkipTable(const char* pattern, std::uint32_t n, std::uint32_t* table) {
