@@ -81,6 +81,7 @@ bool TaggedFile::IsTemporaryWhole() {
 }
 
 bool TaggedFile::ReadStart(const ByteString& file) {
+  ForgetStart();
   reader.Assign(file);
   return (reader.Open() && ReadRoot()) || ForgetStart();
 }
@@ -104,8 +105,6 @@ bool TaggedFile::ReadRoot() {
   if (!ReadIdAndCount(firstChunkOffset + kChunkHead, &root)) return false;
   root.end = root.offset + root.size;
 
-  openLists.Clear();
-  current = nullptr;
   strayLeft = kStrayLimit;
   return Push(root);
 }
@@ -130,8 +129,6 @@ bool TaggedFile::Push(const OpenList& list) {
 }
 
 bool TaggedFile::FillEntries(OpenList* list) {
-  list->entries.Clear();
-  list->cursor.Forget();
   // Every entry costs at least its head, so a count that the file can't hold ends at its end.
   std::uint64_t position = list->offset;
   for (std::uint32_t i = 0; i < list->count; ++i) {
