@@ -92,10 +92,7 @@ bool DirectoryWalker::NextFile(WalkResult* out) {
 
 bool DirectoryWalker::NextFolder(WalkResult* out) {
   for (;;) {
-    if (child) {
-      if (NextOfChild(out)) return true;
-      child.reset();
-    }
+    if (child && NextOfChild(out)) return true;
     ByteString name;
     bool isLink = false;
     if (!NextFolderName(&name, &isLink)) return false;

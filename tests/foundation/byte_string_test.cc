@@ -671,7 +671,8 @@ TEST(ByteString, FindCharGivesTheFirstFromTheStartOn) {
   std::int32_t position = 0;
   EXPECT_FALSE(ByteString().FindChar('a', &position));
   EXPECT_FALSE(string.FindChar('\0', &position)) << "the terminator doesn't count";
-  EXPECT_TRUE(string.FindChar('a', &position)) << "from the start unless told";
+  EXPECT_TRUE(string.FindChar('a', &position));
+  EXPECT_EQ(position, 0) << "from the start unless told";
   EXPECT_TRUE(Raw("a\0").FindChar('\0', &position));
   EXPECT_EQ(position, 1);
 }
