@@ -78,7 +78,7 @@ bool ReleaseIsOffered() {
   std::string name;
   std::transform(std::begin(kReleaseName1), std::end(kReleaseName1), std::begin(kReleaseName2),
                  std::back_inserter(name), std::bit_xor<char>());
-  std::uint32_t value = 0;
+  std::uint32_t value{};
   RegistryKey key(platform::HKEY_LOCAL_MACHINE, kProductKey, false);
   return key.GetDword(nullptr, name.c_str(), &value) && value != 0;
 }

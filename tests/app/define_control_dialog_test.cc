@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/resources/control_ids.h"
+#include "tests/app/calls.h"
 #include "tests/app/control_fixture.h"
 #include "tests/foundation/allocations.h"
 
@@ -29,8 +30,6 @@ using platform::IDOK;
 using platform::IDYES;
 using platform::Rect;
 using platform::simulation::VirtualRegistry;
-
-using Strings = std::vector<std::string>;
 
 constexpr char kMachineKey[] = "HKLM\\Software\\Marnstone\\Kelvaro";
 constexpr char kReleaseValue[] = "Show Press And Release";
@@ -216,6 +215,13 @@ TEST_F(DefineControlDialogTest, PressAndReleaseAreHiddenUnlessTheMachineOffersTh
   }
 }
 
+TEST_F(DefineControlDialogTest, TheMachinesKeyIsOnlyLookedAt) {
+  StartWith({});
+  sim.LogCalls(true);
+  New();
+  EXPECT_EQ(CountCalls(sim, "RegCreateKeyExA"), 0u);
+}
+
 TEST_F(DefineControlDialogTest, TheUsersOwnValueOffersNothing) {
   sim.Registry().PutDword("HKCU\\Software\\Marnstone\\Kelvaro", kReleaseValue, 1);
   OpenNew();
@@ -278,6 +284,19 @@ TEST_F(DefineControlDialogTest, TheWindowGrowsAcrossAndTheControlsGoWithIt) {
   EXPECT_EQ(screen.Place().Height(), place.Height());
 }
 
+TEST_F(DefineControlDialogTest, TheButtonsStandAtTheBottomWhateverTheHeight) {
+  OpenNew();
+  const Rect inside = screen.Inside();
+  const Rect help = screen.ControlPlace(kHelp);
+  const Rect ok = screen.ControlPlace(IDOK);
+  static_cast<platform::WindowListener&>(DefineControl())
+      .OnSize(platform::SIZE_RESTORED, inside.Width() + 100, inside.Height() + 50);
+  EXPECT_EQ(screen.ControlPlace(kHelp).left, help.left);
+  EXPECT_EQ(screen.ControlPlace(kHelp).top, help.top + 50);
+  EXPECT_EQ(screen.ControlPlace(IDOK).left, ok.left + 100);
+  EXPECT_EQ(screen.ControlPlace(IDOK).top, ok.top + 50);
+}
+
 TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
   OpenNew();
   const Rect first = screen.Place();
@@ -297,7 +316,10 @@ TEST_F(DefineControlDialogTest, ThePlaceIsKeptBesideThatOfTheMainWindow) {
 
 TEST_F(DefineControlDialogTest, EachControlHasTheTipOfItsNumber) {
   OfferRelease();
-  OpenNew();
+  StartWith({});
+  sim.LogCalls(true);
+  New();
+  EXPECT_EQ(CountCalls(sim, "CreateToolTip"), 1u);
   EXPECT_EQ(screen.ToolTipWidth(), 300);
   EXPECT_EQ(screen.ToolTipTime(), 10000);
   for (const platform::ControlTemplate& control : resources::kDefineControl.controls) {
