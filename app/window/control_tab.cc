@@ -82,7 +82,7 @@ std::uint32_t ControlTab::SelectedControlId() const {
 }
 
 std::int32_t ControlTab::SelectedRow() const {
-  return platform::controls().ListGetNextSelected(dialog.window, kControlList, -1);
+  return platform::controls().ListGetNextSelected(dialog.window, kControlList, platform::kNoRow);
 }
 
 void ControlTab::SelectedRows(LinkedList<std::int32_t>* rows) const {

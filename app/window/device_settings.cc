@@ -20,24 +20,24 @@ class StoredValues {
       : key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), false) {}
 
   bool Take(const char* name, std::uint32_t* value) {
-    std::uint32_t stored = 0;
+    std::uint32_t stored{};
     if (!key.GetDword(nullptr, name, &stored)) complete = false;
     if (complete) *value = stored;
     return complete;
   }
   void Take(const char* name, Relaxed<std::int32_t>* setting) {
-    std::uint32_t value = 0;
+    std::uint32_t value{};
     if (Take(name, &value)) *setting = static_cast<std::int32_t>(value);
   }
   void TakeButton(const char* name, Relaxed<std::uint16_t>* index, Relaxed<std::uint64_t>* mask) {
-    std::uint32_t value = 0;
+    std::uint32_t value{};
     if (!Take(name, &value)) return;
     const auto button = static_cast<std::uint16_t>(value);
     *index = button;
     *mask = MouseButtonMask(button);
   }
   void TakeInput(const char* kindName, const char* indexName, Relaxed<TriggerItem>* input) {
-    std::uint32_t value = 0;
+    std::uint32_t value{};
     TriggerItem item = *input;
     if (Take(kindName, &value)) {
       item.kind = static_cast<std::uint16_t>(value);
@@ -88,7 +88,7 @@ void Session::SaveDeviceSettings() {
       {"MouseY Bank", mouseY.index},
       {"Mouse Wheel Type", mouseWheel.kind},
       {"Mouse Wheel Bank", mouseWheel.index},
-      {"Mouse Always Active", profile.mouseAlwaysActive ? 1u : 0u},
+      {"Mouse Always Active", number(profile.mouseAlwaysActive)},
   };
   RegistryKey key(platform::HKEY_CURRENT_USER, DeviceKey(deviceName), true);
   for (const auto& entry : values) key.SetDword(nullptr, entry.name, entry.value);
@@ -107,10 +107,10 @@ bool Session::LoadDeviceSettings() {
     stored.TakeInput("MouseX Type", "MouseX Bank", &profile.mouseX);
     stored.TakeInput("MouseY Type", "MouseY Bank", &profile.mouseY);
     stored.TakeInput("Mouse Wheel Type", "Mouse Wheel Bank", &profile.mouseWheel);
-    std::uint32_t active = 0;
+    std::uint32_t active{};
     if (stored.Take("Mouse Always Active", &active)) profile.mouseAlwaysActive = active != 0;
   }
-  std::uint32_t interval = 0;
+  std::uint32_t interval{};
   if (stored.Take("Poll Interval", &interval) && interval != deviceManager->PollInterval() &&
       deviceManager->SetPollInterval(interval)) {
     ReselectDevice();

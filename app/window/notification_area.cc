@@ -10,11 +10,11 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTrayIconId = 0;
+constexpr std::uint32_t kTrayIconId = 0;  // as in a record that says nothing of it
 constexpr char kTip[] = "Kelvaro";
 
 // Of the process, as the hook's procedure takes no context.
-platform::HookHandle minimiseHook = 0;
+platform::HookHandle minimiseHook{};
 
 }  // namespace
 
@@ -23,7 +23,6 @@ bool NotificationArea::AddTrayIcon() {
   if (trayIcon == 0) return false;
   platform::NOTIFYICONDATA data;
   data.hWnd = dialog.window;
-  data.uID = kTrayIconId;
   data.uFlags = platform::NIF_MESSAGE | platform::NIF_ICON | platform::NIF_TIP;
   data.uCallbackMessage = WM_TRAY_CALLBACK;
   data.hIcon = trayIcon;
@@ -38,14 +37,9 @@ void NotificationArea::RemoveTrayIcon() {
   if (trayIconAdded) {
     platform::NOTIFYICONDATA data;
     data.hWnd = dialog.window;
-    data.uID = kTrayIconId;
     platform::desktop().Shell_NotifyIconA(platform::NIM_DELETE, data);
-    trayIconAdded = false;
   }
-  if (trayIcon != 0) {
-    platform::desktop().DestroyIcon(trayIcon);
-    trayIcon = 0;
-  }
+  if (trayIcon != 0) platform::desktop().DestroyIcon(trayIcon);
 }
 
 void NotificationArea::OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessage) {
@@ -82,7 +76,6 @@ void NotificationArea::HideWhenMinimised() {
 void NotificationArea::EndHideWhenMinimised() {
   if (minimiseHook == 0) return;
   platform::desktop().UnhookWindowsHookEx(minimiseHook);
-  minimiseHook = 0;
 }
 
 void NotificationArea::HideToTray() {

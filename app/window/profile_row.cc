@@ -225,7 +225,7 @@ void ProfileRow::OnNewProfile() {
   }
 
   engine->repeatWorker.Clear();  // a replay under way is waited for without the lock
-  bool saved = false;
+  bool saved{};
   {
     LockGuard guard(profile.profileLock);
     ClearProfile();
@@ -246,9 +246,6 @@ void ProfileRow::OnNewProfile() {
              platform::MB_ICONEXCLAMATION);
   if (session.shuttingDown) return;
   ClearProfile();
-  const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kProfileList);
-  if (row == platform::kNoRow) return;
-  platform::controls().ComboSetCurSel(dialog.window, kProfileList, row);
   OnProfileSelected();
 }
 
@@ -260,7 +257,7 @@ void ProfileRow::OnDeleteProfile() {
     return;
 
   engine->repeatWorker.Clear();
-  bool deleted = false;
+  bool deleted{};
   {
     // A detection that ends now on the notification thread saves the profile: before its file goes,
     // or not at all.

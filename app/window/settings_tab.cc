@@ -49,8 +49,8 @@ void SettingsTab::ShowLaunchesAtStartup() {
 
 void SettingsTab::ShowCheckBoxes() {
   for (const Setting& setting : Settings()) {
-    if (setting.checkBox != 0 && session.settings.*SettingOf(setting.checkBox))
-      dialog.Check(setting.checkBox, true);
+    const auto shown = SettingOf(setting.checkBox);
+    if (shown && session.settings.*shown) dialog.Check(setting.checkBox, true);
   }
 }
 

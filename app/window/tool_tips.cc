@@ -87,7 +87,7 @@ void CreateToolTips(const Dialog& dialog) {
 std::string ToolTipOf(std::uint32_t id) {
   const bool without =
       std::find(std::begin(kWithoutTip), std::end(kWithoutTip), id) != std::end(kWithoutTip);
-  return id == 0 || without ? std::string() : TextOfTip(id);
+  return without ? std::string() : TextOfTip(id);
 }
 
 }  // namespace kelvaro

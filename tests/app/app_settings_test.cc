@@ -320,6 +320,18 @@ TEST_F(AppSettingsTest, WithoutTheUsersKeyCheckingMakesTheMachines) {
   EXPECT_FALSE(sim.Registry().HasKey(kUserRun));
   screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Value(kMachineRun, "Kelvaro"), std::nullopt);
+
+  screen.Click(kLaunchAtStartup);
+  sim.Registry().RemoveKey(kMachineRun);
+  screen.Click(kLaunchAtStartup);
+  EXPECT_FALSE(sim.Registry().HasKey(kMachineRun)) << "unchecking makes none";
+}
+
+TEST_F(AppSettingsTest, ASettingWithoutACheckBoxIsNotThatOfAnyControl) {
+  BeginOnSettings();
+  const std::uint32_t before = sim.Registry().Commits();
+  Notify(0, platform::Notice::Clicked);
+  EXPECT_EQ(sim.Registry().Commits(), before);
 }
 
 TEST_F(AppSettingsTest, AKeyThatRefusesLeavesTheBoxAsClicked) {

@@ -11,6 +11,7 @@
 #include "tests/app/calls.h"
 #include "tests/app/held_lock.h"
 #include "tests/app/main_window_fixture.h"
+#include "tests/person/recorded_desktop.h"
 
 namespace kelvaro {
 namespace {
@@ -400,6 +401,29 @@ TEST_F(TestButtonDrawing, PressedItIsSunkenByTwoPixelsWithAnInnerLine) {
   EXPECT_EQ(screen.PaintButton(kTestMode, true),
             (Strings{Face(), Sunken(), SunkenInner(), "fill " + Lamp(2) + " 00ff00",
                      "frame " + Lamp(2) + " 00aa00", Words(2)}));
+}
+
+TEST_F(TestButtonDrawing, OffTheLampHasAnEdgeWhereTheTextIsBrighterThanTheFace) {
+  BeginHere();
+  auto& colours = dynamic_cast<platform::simulation::RecordedDesktop&>(platform::desktop()).colours;
+  constexpr platform::Colour kRed = platform::Rgb(200, 0, 0), kDarkRed = platform::Rgb(100, 0, 0),
+                             kGreen = platform::Rgb(0, 200, 0),
+                             kDarkGreen = platform::Rgb(0, 100, 0),
+                             kBlue = platform::Rgb(0, 0, 200), kDarkBlue = platform::Rgb(0, 0, 100);
+  const struct {
+    platform::Colour ink, face;
+    bool edge;
+  } kRows[] = {{kRed, kDarkRed, true}, {kGreen, kDarkGreen, true}, {kBlue, kDarkBlue, true},
+               {kRed, kGreen, false},  {kGreen, kRed, false},      {kGreen, kBlue, false},
+               {kBlue, kGreen, false}, {kDarkRed, kRed, false}};
+  for (const auto& row : kRows) {
+    colours = {{platform::COLOR_BTNTEXT, row.ink}, {platform::COLOR_3DFACE, row.face}};
+    const std::int32_t top = (height - 4) / 2;
+    const std::string edge =
+        "frame " + Rectangle(5, top - 1, 13, top + 5) + ' ' + Colour(platform::COLOR_BTNTEXT);
+    const Strings lines = screen.PaintButton(kTestMode);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), edge), row.edge) << std::hex << row.ink;
+  }
 }
 
 TEST_F(TestButtonDrawing, WithTheFocusADottedRectangleIsThreePixelsInside) {

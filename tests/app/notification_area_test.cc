@@ -157,6 +157,8 @@ TEST_F(NotificationAreaTest, AMenuThatCannotBeShownLeavesTheWayForTheNext) {
   screen.IconRightClick();
   EXPECT_FALSE(screen.MenuUp());
   EXPECT_TRUE(screen.Boxes().empty());
+  screen.IconRightClick();
+  EXPECT_TRUE(screen.MenuUp());
 }
 
 TEST_F(NotificationAreaTest, ASecondRightClickWhileTheMenuIsUpDoesNothing) {

@@ -90,6 +90,7 @@ TEST_F(ProfileOperationsTest, CancelOfANewProfileDoesNothing) {
   EXPECT_EQ(OpenName(), "Alpha");
   EXPECT_TRUE(Disk().Log().empty());
   EXPECT_EQ(DeviceCalls(), Strings());
+  EXPECT_TRUE(screen.Boxes().empty()) << "the name isn't looked at";
 }
 
 TEST_F(ProfileOperationsTest, WhatRepeatsEndsWithANewProfileAndTheOldControlsAreGone) {
@@ -480,6 +481,7 @@ TEST_F(ProfileOperationsTest, CancelOfACopyOrARenameDoesNothing) {
     EXPECT_EQ(Profiles(), Strings({"Alpha"}));
   }
   EXPECT_TRUE(Disk().Log().empty());
+  EXPECT_TRUE(screen.Boxes().empty()) << "the name isn't looked at";
 }
 
 TEST_F(ProfileOperationsTest, WhatRepeatsGoesOnThroughACopyAndARename) {

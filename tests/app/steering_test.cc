@@ -165,6 +165,16 @@ TEST_F(SteeredWindowTest, ChangesThatCouldNotBeStoredAreNotLost) {
   EXPECT_EQ(Select("Beta"), "done");
 }
 
+TEST_F(SteeredWindowTest, ChangesThatThePersonHasGivenUpAreInNobodysWay) {
+  BeginWithTwo();
+  Disk().PutFolder("/game/Profiles",
+                   platform::FILE_ATTRIBUTE_DIRECTORY | platform::FILE_ATTRIBUTE_READONLY);
+  ClickAlwaysActive();
+  while (screen.BoxUp()) screen.Answer(platform::IDOK);
+  screen.Choose(kProfileList, "Beta");
+  EXPECT_EQ(Select("Alpha"), "done");
+}
+
 TEST_F(SteeredWindowTest, ANumberThatIsBeingTypedIsNotLost) {
   BeginWithTwo();
   for (const std::uint32_t field : {kInterval, kRate}) {

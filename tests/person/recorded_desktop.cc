@@ -38,6 +38,7 @@ std::int32_t RecordedDesktop::RunDialog(const DialogTemplate& dialog, WindowHand
 }
 
 Colour RecordedDesktop::GetSysColor(std::int32_t index) {
+  if (const auto other = colours.find(index); other != colours.end()) return other->second;
   switch (index) {
     case COLOR_3DFACE:
       return Rgb(212, 208, 200);

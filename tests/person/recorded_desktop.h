@@ -124,6 +124,7 @@ class RecordedDesktop final : public qt::QtDesktop {
   std::vector<std::string> told;
   std::size_t menusShown = 0;
   Rect desktop{0, 0, 1024, 768};
+  std::map<std::int32_t, Colour> colours;  // that differ from the usual ones
   bool iconShown = false;
   NOTIFYICONDATA icon;
   std::vector<MenuEntry> iconMenu;
