@@ -37,6 +37,8 @@ TEST(SplitCommandLine, EndsATokenAtABlankAndAtAClosingQuote) {
       {"a\"b c\"d", {"ab c", "d"}},
       {"\"a b\"\"c d\"", {"a b", "c d"}},
       {"\"never closed", {"never closed"}},
+      {"\"never closed, and blanks \t", {"never closed, and blanks"}},
+      {"!a!b!", {"!a!b!"}},
       {"a\"", {"a"}},
       {"\" \"", {" "}},
       {"\"a\tb\"", {"a\tb"}},
@@ -48,6 +50,7 @@ TEST(SplitCommandLine, EndsATokenAtABlankAndAtAClosingQuote) {
 
 TEST(SplitCommandLine, ZeroBytesAreBlanks) {
   EXPECT_EQ(Split(std::string("\0a\0b\0", 5)), (Strings{"a", "b"}));
+  EXPECT_EQ(Split(std::string("\"never closed\0", 14)), Strings{"never closed"});
 }
 
 TEST(SplitCommandLine, AddsToWhatTheListHas) {
