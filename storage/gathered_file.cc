@@ -44,10 +44,10 @@ bool GatheredFile::PutDown() {
     return false;
   }
   std::uint32_t written = 0;
-  handle->WriteFile(content.get() + putDown, size - putDown, &written);
+  const bool isWritten = handle->WriteFile(content.get() + putDown, size - putDown, &written);
   putDown += written;
   systemPosition = putDown;
-  return putDown == size;
+  return isWritten;
 }
 
 bool GatheredFile::Close() {

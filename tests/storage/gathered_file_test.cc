@@ -121,6 +121,14 @@ TEST_F(GatheredFileTest, WhatTheSystemTookOfAFailedWriteIsNotWrittenAgain) {
   EXPECT_EQ(OnDisk(), "abcdef");
 }
 
+TEST_F(GatheredFileTest, AWriteThatFailsAtItsEndHasFailed) {
+  ASSERT_TRUE(file.Create(kPath));
+  EXPECT_TRUE(Write("abc"));
+  Disk().FailInside(1, 3);
+  EXPECT_FALSE(file.PutDown());
+  EXPECT_EQ(OnDisk(), "abc");
+}
+
 TEST_F(GatheredFileTest, ACloseThatFailsClosesAllTheSame) {
   ASSERT_TRUE(file.Create(kPath));
   EXPECT_TRUE(Write("abc"));
