@@ -17,8 +17,8 @@ std::atomic<std::int64_t> live{0};
 std::optional<std::int64_t> kelvaro::LiveObjects() { return live; }
 
 // All other forms, but for those of an alignment of their own, come here. They are replaced and not
-// wrapped, as tests/foundation/allocations.cc has them: the standard library's own code makes some of
-// what the program gives back, and only a replaced operator sees both.
+// wrapped, as tests/foundation/allocations.cc has them: the standard library's own code makes some
+// of what the program gives back, and only a replaced operator sees both.
 
 void* operator new(std::size_t size) {
   void* const made = std::malloc(size != 0 ? size : 1);
