@@ -76,7 +76,9 @@ void DeviceManager::EnablePollCallback() {
 void DeviceManager::StartPolling() {
   // Against a zero block the first good read almost always counts as a change: a centred hat is
   // not 0.
-  stateBuffers[writeIndex ^ 1] = {};
+  writeIndex = 0;
+  stateBuffers[0] = {};
+  stateBuffers[1] = {};
   answers = true;
   platform::threads().ResetEvent(changeEvent);
   Start(false, platform::THREAD_PRIORITY_TIME_CRITICAL);

@@ -10,11 +10,11 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::uint32_t kTrayIconId = 0;  // as in a record that says nothing of it
+constexpr std::uint32_t kTrayIconId = 0;
 constexpr char kTip[] = "Kelvaro";
 
 // Of the process, as the hook's procedure takes no context.
-platform::HookHandle minimiseHook{};
+platform::HookHandle minimiseHook = 0;
 
 }  // namespace
 
@@ -23,6 +23,7 @@ bool NotificationArea::AddTrayIcon() {
   if (trayIcon == 0) return false;
   platform::NOTIFYICONDATA data;
   data.hWnd = dialog.window;
+  data.uID = kTrayIconId;
   data.uFlags = platform::NIF_MESSAGE | platform::NIF_ICON | platform::NIF_TIP;
   data.uCallbackMessage = WM_TRAY_CALLBACK;
   data.hIcon = trayIcon;
@@ -37,9 +38,14 @@ void NotificationArea::RemoveTrayIcon() {
   if (trayIconAdded) {
     platform::NOTIFYICONDATA data;
     data.hWnd = dialog.window;
+    data.uID = kTrayIconId;
     platform::desktop().Shell_NotifyIconA(platform::NIM_DELETE, data);
+    trayIconAdded = false;
   }
-  if (trayIcon != 0) platform::desktop().DestroyIcon(trayIcon);
+  if (trayIcon != 0) {
+    platform::desktop().DestroyIcon(trayIcon);
+    trayIcon = 0;
+  }
 }
 
 void NotificationArea::OnTrayCallback(std::uintptr_t iconId, std::intptr_t mouseMessage) {
@@ -76,6 +82,7 @@ void NotificationArea::HideWhenMinimised() {
 void NotificationArea::EndHideWhenMinimised() {
   if (minimiseHook == 0) return;
   platform::desktop().UnhookWindowsHookEx(minimiseHook);
+  minimiseHook = 0;
 }
 
 void NotificationArea::HideToTray() {

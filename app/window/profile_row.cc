@@ -246,6 +246,9 @@ void ProfileRow::OnNewProfile() {
              platform::MB_ICONEXCLAMATION);
   if (session.shuttingDown) return;
   ClearProfile();
+  const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kProfileList);
+  if (row == platform::kNoRow) return;
+  platform::controls().ComboSetCurSel(dialog.window, kProfileList, row);
   OnProfileSelected();
 }
 
