@@ -92,7 +92,10 @@ bool DirectoryWalker::NextFile(WalkResult* out) {
 
 bool DirectoryWalker::NextFolder(WalkResult* out) {
   for (;;) {
-    if (child && NextOfChild(out)) return true;
+    if (child) {
+      if (NextOfChild(out)) return true;
+      child.reset();
+    }
     ByteString name;
     bool isLink = false;
     if (!NextFolderName(&name, &isLink)) return false;
