@@ -34,7 +34,7 @@ bool Session::SaveProfile() {
     return true;
   }
   ByteString reason = SystemErrorText(platform::files().GetLastError());
-  reason.Trim('\t', ' ');
+  reason.Trim(0, 32);
   // Without a name there is nothing to store.
   if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) return false;
   unsaved = true;

@@ -53,4 +53,12 @@ inline void WhereRefused(const std::vector<Refusal>& refusals, const std::functi
 // Neither a thread nor a process can be started.
 inline const std::vector<Refusal> kNoThreads = {{SYS_clone3, EAGAIN}, {SYS_clone, EAGAIN}};
 
+// Each way in which nobody can answer at a socket of their own.
+inline std::vector<std::vector<Refusal>> NobodyAnswers() {
+  std::vector<std::vector<Refusal>> all = {kNoThreads};
+  for (const long call : {SYS_eventfd2, SYS_socket, SYS_bind, SYS_listen, SYS_chmod})
+    all.push_back({{call, ENOMEM}});
+  return all;
+}
+
 }  // namespace kelvaro::tests

@@ -101,10 +101,7 @@ TEST_F(InstanceSocketTest, CannotBeOpenedWhereThereIsNoFolderOrItsNameIsTooLong)
 }
 
 TEST_F(InstanceSocketTest, WhereTheSystemRefusesItCanNotBeOpenedAndNothingIsLeft) {
-  std::vector<std::vector<Refusal>> all = {kNoThreads};
-  for (const long call : {SYS_eventfd2, SYS_socket, SYS_bind, SYS_listen, SYS_chmod})
-    all.push_back({{call, ENOMEM}});
-  for (const std::vector<Refusal>& refusals : all)
+  for (const std::vector<Refusal>& refusals : NobodyAnswers())
     WhereRefused(refusals, [&] {
       EXPECT_FALSE(Open()) << refusals.front().call;
       EXPECT_FALSE(fs::exists(OwnSocket())) << refusals.front().call;

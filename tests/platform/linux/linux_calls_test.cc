@@ -121,10 +121,7 @@ TEST_F(LinuxCallsTest, WhereTheSystemTellsNothingArrivalsAreLookedFor) {
 }
 
 TEST_F(LinuxCallsTest, WhereTheSystemRefusesNobodyAnswersAndNothingIsLeft) {
-  std::vector<std::vector<Refusal>> all = {kNoThreads};
-  for (const long call : {SYS_eventfd2, SYS_socket, SYS_bind, SYS_listen, SYS_chmod})
-    all.push_back({{call, ENOMEM}});
-  for (const std::vector<Refusal>& refusals : all)
+  for (const std::vector<Refusal>& refusals : NobodyAnswers())
     WhereRefused(refusals, [&] {
       LinuxCalls refused(folder);
       EXPECT_FALSE(refused.Answer(&listener)) << refusals.front().call;
