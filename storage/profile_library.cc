@@ -214,7 +214,8 @@ bool ProfileLibrary::BringBack(const ByteString& kept) {
   if (!isStored && !oldFile.IsEmpty()) {
     const ByteString old = In(ProfileFolder(), oldFile.Text());
     cameBack = platform::files().CopyFileA(Bytes(kept), Bytes(old), true);
-    isStored = cameBack || FileExists(old);
+    // Another profile may have the name by now; these bytes wait until it goes.
+    isStored = cameBack || HaveSameBytes(kept, old);
   }
   claim.reset();
   if (isStored) platform::files().DeleteFileA(Bytes(kept));

@@ -176,10 +176,20 @@ TEST_F(ProfileLibraryTest, AProfileOfARenameThatWasCutOffIsFoundByItsName) {
   EXPECT_EQ(Disk().List(kFolder), Strings{"old.idprof"});
 }
 
-TEST_F(ProfileLibraryTest, WhatARenameKeptReplacesNoProfile) {
+TEST_F(ProfileLibraryTest, WhatARenameKeptWaitsForAProfileThatTookItsName) {
   Put("old.idprof", "of somebody else");
   Disk().PutFile(PathOf("new.idprof.was"), SmallProfile("old"));
   EXPECT_EQ(Names(), Strings{"of somebody else"});
+  EXPECT_EQ(Disk().List(kFolder), (Strings{"old.idprof", "new.idprof.was"}));
+  Disk().Remove(PathOf("old.idprof"));
+  EXPECT_EQ(Names(), Strings{"old"});
+  EXPECT_EQ(Disk().List(kFolder), Strings{"old.idprof"});
+}
+
+TEST_F(ProfileLibraryTest, ARenameThatWasCutOffBeforeTheOldFileWentLeavesThatAlone) {
+  Put("old.idprof", "old");
+  Disk().PutFile(PathOf("new.idprof.was"), SmallProfile("old"));
+  EXPECT_EQ(Names(), Strings{"old"});
   EXPECT_EQ(Disk().List(kFolder), Strings{"old.idprof"});
 }
 
