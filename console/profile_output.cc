@@ -11,8 +11,7 @@ namespace {
 
 // The system's words for the last operation that failed.
 std::string LastError() {
-  ByteString text = SystemErrorText(platform::files().GetLastError());
-  text.TrimRight(0, ' ');
+  const ByteString text = SystemErrorWords();
   return text.IsEmpty() ? "it can't be written" : Bytes(text);
 }
 

@@ -659,4 +659,12 @@ ByteString SystemErrorText(std::uint32_t code) {
   return TextOf(platform::system().FormatMessageA(code));
 }
 
+ByteString SystemErrorWords(std::uint32_t code) {
+  ByteString text = SystemErrorText(code);
+  text.TrimRight(0, ' ');
+  return text;
+}
+
+ByteString SystemErrorWords() { return SystemErrorWords(platform::files().GetLastError()); }
+
 }  // namespace kelvaro

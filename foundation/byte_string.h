@@ -188,5 +188,9 @@ bool IsLetter(char c);
 
 // The system's message for an error code, line end included; empty when there is none.
 ByteString SystemErrorText(std::uint32_t code);
+// The same without the line end, to stand in a sentence. Without a code: of the last operation that
+// failed in this thread.
+ByteString SystemErrorWords(std::uint32_t code);
+ByteString SystemErrorWords();
 
 }  // namespace kelvaro

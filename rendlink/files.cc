@@ -52,11 +52,7 @@ bool WriteFile(const std::string& path, const std::string& bytes, std::string* e
   return written;
 }
 
-std::string ErrorText(std::uint32_t error) {
-  ByteString text = SystemErrorText(error);
-  text.Trim(0, 32);
-  return Bytes(text);
-}
+std::string ErrorText(std::uint32_t error) { return Bytes(SystemErrorWords(error)); }
 
 std::string Stem(const std::string& path) {
   const std::string name = path.substr(path.rfind(platform::files().PathSeparator()) + 1);

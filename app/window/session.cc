@@ -33,8 +33,7 @@ bool Session::SaveProfile() {
     unsaved = false;
     return true;
   }
-  ByteString reason = SystemErrorText(platform::files().GetLastError());
-  reason.Trim(0, 32);
+  const ByteString reason = SystemErrorWords();
   // Without a name there is nothing to store.
   if (ProfileFile::ProfileFileName(profile.profileName).IsEmpty()) return false;
   unsaved = true;

@@ -1151,6 +1151,8 @@ TEST(ByteString, SystemErrorTextIsTheSystems) {
   const platform::InstalledPlatform installed(groups);
   EXPECT_EQ(Content(SystemErrorText(2)), "No such thing.\r\n");
   EXPECT_EQ(Content(SystemErrorText(3)), "");
+  EXPECT_EQ(Content(SystemErrorWords(2)), "No such thing.");
+  EXPECT_EQ(Content(SystemErrorWords(3)), "");
 }
 
 // ---- no memory ----
