@@ -302,7 +302,7 @@ QString DialogWindow::TipAt(const Control& control, const QPoint& at, QRect* pla
     }
   }
   if (const auto* const list = dynamic_cast<const ListView*>(&control)) {
-    const QString whole = list->CutText(at, place);
+    QString whole = list->CutText(at, place);
     if (!whole.isEmpty()) return whole;
   }
   return tips.IsTool(control.id) ? Shown(listener.OnToolTip(control.id)) : QString();
