@@ -18,6 +18,14 @@ using Words = std::vector<std::string>;
 
 class HostileStart : public testing::Test {
  protected:
+  // Relative folders, which Qt makes where a variable names one, stay in the temporary one.
+  HostileStart() {
+    const std::string deep = home.In("to/start/far/below");
+    fs::create_directories(deep);
+    fs::current_path(deep);
+  }
+  ~HostileStart() override { fs::current_path(before); }
+
   // Of the kind that has no display and needs none.
   Variables OffScreen(const Variables& more = {}) const {
     Variables all = home.Environment();
@@ -38,6 +46,7 @@ class HostileStart : public testing::Test {
     EXPECT_EQ(program.WaitForEnd(), 0) << program.Log();
   }
 
+  const fs::path before = fs::current_path();
   Home home{"/var/tmp"};  // a test has a /tmp of its own
 };
 
