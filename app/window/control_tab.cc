@@ -258,7 +258,7 @@ void ControlTab::OnMoveDown() {
 
 // Enter in the list isn't among them: it presses the default button, which the table of the window
 // (resources/main_window.cc, kStyleDefault) makes the one that edits a Control.
-bool ControlTab::OnControlListKey(std::int32_t vk) {
+void ControlTab::OnControlListKey(std::int32_t vk) {
   const bool control = (platform::desktop().GetKeyState(kControlKey) & kKeyIsDown) != 0;
   if (vk == kDeleteKey) {
     OnDeleteControls();
@@ -266,10 +266,7 @@ bool ControlTab::OnControlListKey(std::int32_t vk) {
     OnCopyControls();
   } else if (control && vk == 'V') {
     OnPasteControls();
-  } else {
-    return false;
   }
-  return true;
 }
 
 void ControlTab::RebuildDispatchList() {
@@ -277,14 +274,12 @@ void ControlTab::RebuildDispatchList() {
   profile.RebuildDispatchList();
 }
 
-bool ControlTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
+void ControlTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
   using platform::Notice;
-  if (id == kControlList && controlList.OnNotice(notice, value)) return true;
-  if (notice == Notice::KeyDown) {
-    // Of the keys that the list takes, the window itself takes these two.
-    if (id == kControlList || (id == 0 && (value == 'C' || value == 'V'))) OnControlListKey(value);
-    return true;
-  }
+  if (id == kControlList) controlList.OnNotice(notice, value);
+  // Of the keys that the list takes, the window itself takes these two.
+  const bool isOfTheWindow = id == 0 && (value == 'C' || value == 'V');
+  if (notice == Notice::KeyDown && (id == kControlList || isOfTheWindow)) OnControlListKey(value);
   static constexpr Handler<ControlTab> kHandlers[] = {
       {kControlList, Notice::DoubleClicked, &ControlTab::OnEditControl},
       {kNewControl, Notice::Clicked, &ControlTab::OnNewControl},
@@ -295,7 +290,7 @@ bool ControlTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_
       {kMoveUp, Notice::Clicked, &ControlTab::OnMoveUp},
       {kMoveDown, Notice::Clicked, &ControlTab::OnMoveDown},
   };
-  return Handle(this, kHandlers, id, notice);
+  Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

@@ -22,7 +22,7 @@ class ControlTab : public Pane {
   std::int32_t SelectedRow() const;
   std::uint32_t SelectedControlId() const;
 
-  bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
   DefineControlDialog defineControl;
   ResizeListCtrl controlList{50};
@@ -46,7 +46,7 @@ class ControlTab : public Pane {
   void OnPasteControls();
   void OnMoveUp();
   void OnMoveDown();
-  bool OnControlListKey(std::int32_t vk);  // true when it was a key of its own
+  void OnControlListKey(std::int32_t vk);
 };
 
 }  // namespace kelvaro

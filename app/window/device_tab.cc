@@ -308,7 +308,7 @@ bool DeviceTab::LoadLastDevice(const ByteString& name) {
   return complete;
 }
 
-bool DeviceTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+void DeviceTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
   using platform::Notice;
   static constexpr Handler<DeviceTab> kHandlers[] = {
       {kDeviceList, Notice::SelectionChanged, &DeviceTab::OnDeviceSelected},
@@ -317,7 +317,7 @@ bool DeviceTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t
       {kRate, Notice::FocusLost, &DeviceTab::OnRateLeft},
       {kDefaultRate, Notice::Clicked, &DeviceTab::OnDefaultRate},
   };
-  return Handle(this, kHandlers, id, notice);
+  Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

@@ -33,7 +33,7 @@ class DeviceTab : public Pane {
   // is missing; true when no such device is attached.
   bool LoadLastDevice(const ByteString& name);
 
-  bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
   std::uint32_t pollInterval = 0;  // ms; what "Defaults" goes back to
 

@@ -218,7 +218,7 @@ void MainWindow::HandleNotice(std::uint32_t id, Notice notice, std::int32_t valu
   if (notice == Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
   for (Pane* const pane :
        std::initializer_list<Pane*>{&profileRow, &controlTab, &mouseTab, &deviceTab, &settingsTab})
-    if (pane->OnNotice(id, notice, value)) return;
+    pane->OnNotice(id, notice, value);
   if (notice == Notice::SelectionChanged && id == kTabControl) return OnTabSelected();
   if (notice != Notice::Clicked) return;
   switch (id) {

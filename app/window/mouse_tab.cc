@@ -217,22 +217,17 @@ void MouseTab::MouseDetectionEnded(MouseRole role) {
   }
 }
 
-bool MouseTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+void MouseTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
   using platform::Notice;
-  if (notice == Notice::Scrolled) {
-    OnMouseSlider(id);
-    return true;
-  }
+  if (notice == Notice::Scrolled) OnMouseSlider(id);
   for (const auto& detection : kDetections) {
-    if (detection.box != id || notice != Notice::Clicked) continue;
-    OnDetectBox(id, detection.role);
-    return true;
+    if (detection.box == id && notice == Notice::Clicked) OnDetectBox(id, detection.role);
   }
   static constexpr Handler<MouseTab> kHandlers[] = {
       {kMouseAlwaysActive, Notice::Clicked, &MouseTab::OnMouseAlwaysActive},
       {kTestMode, Notice::Clicked, &MouseTab::OnTestButton},
   };
-  return Handle(this, kHandlers, id, notice);
+  Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

@@ -22,7 +22,7 @@ class MouseTab : public Pane {
   void ShowDetectedInput(MouseRole role, const ByteString& text);
   void MouseDetectionEnded(MouseRole role);
 
-  bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
  private:
   void ApplyMouseSlider(std::uint32_t sliderId);  // position, derived values, caption

@@ -320,7 +320,7 @@ void ProfileRow::OnRenameProfile() {
   ListNewProfile(question.name);
 }
 
-bool ProfileRow::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+void ProfileRow::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
   using platform::Notice;
   static constexpr Handler<ProfileRow> kHandlers[] = {
       {kProfileList, Notice::SelectionChanged, &ProfileRow::OnProfileSelected},
@@ -329,7 +329,7 @@ bool ProfileRow::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_
       {kCopyProfile, Notice::Clicked, &ProfileRow::OnCopyProfile},
       {kRenameProfile, Notice::Clicked, &ProfileRow::OnRenameProfile},
   };
-  return Handle(this, kHandlers, id, notice);
+  Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

@@ -28,7 +28,7 @@ class ProfileRow : public Pane {
   // result says why not, and all is as it was. The profile that is open stays so.
   std::string Choose(const std::string& name);
 
-  bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
  private:
   void SelectByCommandLine();

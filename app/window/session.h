@@ -80,8 +80,8 @@ class Pane {
   Pane(const Pane&) = delete;
   Pane& operator=(const Pane&) = delete;
 
-  // True when the notice was one of its own.
-  virtual bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) = 0;
+  // Does what a notice of its own asks for; those of the others are nothing to it.
+  virtual void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) = 0;
 
  protected:
   explicit Pane(Session& session) : session(session) {}
@@ -93,14 +93,11 @@ class Pane {
     void (Self::*handle)();
   };
   template <class Self, std::size_t kCount>
-  static bool Handle(Self* self, const Handler<Self> (&handlers)[kCount], std::uint32_t id,
+  static void Handle(Self* self, const Handler<Self> (&handlers)[kCount], std::uint32_t id,
                      platform::Notice notice) {
     for (const Handler<Self>& handler : handlers) {
-      if (handler.id != id || handler.notice != notice) continue;
-      (self->*handler.handle)();
-      return true;
+      if (handler.id == id && handler.notice == notice) (self->*handler.handle)();
     }
-    return false;
   }
 
   Session& session;

@@ -82,12 +82,11 @@ void SettingsTab::OnAdvanced() {
   session.SaveAppSettings();
 }
 
-bool SettingsTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
-  if (notice != platform::Notice::Clicked) return false;
+void SettingsTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t) {
+  if (notice != platform::Notice::Clicked) return;
   if (bool AppSettings::*const setting = SettingOf(id)) {
     session.settings.*setting = dialog.Checked(id);
     session.SaveAppSettings();
-    return true;
   }
   static constexpr Handler<SettingsTab> kHandlers[] = {
       {kLaunchAtStartup, platform::Notice::Clicked, &SettingsTab::OnLaunchAtStartup},
@@ -95,7 +94,7 @@ bool SettingsTab::OnNotice(std::uint32_t id, platform::Notice notice, std::int32
       {kWebLink, platform::Notice::Clicked, &SettingsTab::OnWebLink},
       {kMailLink, platform::Notice::Clicked, &SettingsTab::OnMailLink},
   };
-  return Handle(this, kHandlers, id, notice);
+  Handle(this, kHandlers, id, notice);
 }
 
 }  // namespace kelvaro

@@ -21,7 +21,7 @@ class SettingsTab : public Pane {
   void ShowCheckBoxes();
   void AttachLinks();
 
-  bool OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
+  void OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) override;
 
  private:
   void OnLaunchAtStartup();
