@@ -16,9 +16,6 @@ constexpr char kNotSavedEnd[] =
     "\n\nIts changes last until Kelvaro ends. To keep them, make room on the disk or give yourself "
     "the right to write to that folder: the next change stores the whole profile.";
 
-// Whether this thread could take it now.
-bool IsFree(RecursiveLock& lock) { return lock.TryAcquire() && lock.Release(); }
-
 }  // namespace
 
 void Session::TellUnlessProfilesCanBeSaved() {
@@ -83,8 +80,8 @@ void Session::EndDevice() {
   deviceManager = nullptr;
   // Not every system takes back what a program that ends has down. A thread that had to be ended by
   // force holds its locks for ever.
-  if (engine && IsFree(profile.profileLock) && IsFree(engine->repeatWorker.repeatLock) &&
-      IsFree(engine->mouseLock))
+  if (engine && !profile.profileLock.IsTaken() && !engine->repeatWorker.repeatLock.IsTaken() &&
+      !engine->mouseLock.IsTaken())
     engine->LetGoWithoutDevice();
 }
 

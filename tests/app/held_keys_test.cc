@@ -2,6 +2,8 @@
 // their keys go up.
 #include <gtest/gtest.h>
 
+#include "app/platform/clock.h"
+#include "app/platform/threads.h"
 #include "app/resources/control_ids.h"
 #include "tests/app/control_fixture.h"
 #include "tests/console/held_inputs.h"
@@ -73,6 +75,30 @@ TEST_F(HeldKeysTest, AreLetGoWhenTheirControlGetsOtherKeys) {
   TypeControl("x");
   screen.Click(platform::IDOK);
   ExpectLetGo();
+}
+
+// Which then doesn't wait for what is held to be let go.
+TEST_F(HeldKeysTest, TheProgramEndsWhereAThreadThatWasEndedByForceHasALock) {
+  for (const int which : {0, 1, 2}) {
+    Begin();
+    OpenProfile().mouseAlwaysActive = true;
+    RecursiveLock* const locks[] = {&OpenProfile().profileLock, &Engine().repeatWorker.repeatLock,
+                                    &Engine().mouseLock};
+    const platform::Handle thread = platform::threads().CreateThread(
+        [](void* lock) -> std::uint32_t {
+          static_cast<RecursiveLock*>(lock)->Acquire(1);
+          platform::clock().Sleep(1000);
+          return 0;
+        },
+        locks[which], "holder", nullptr);
+    sim.RunFor(1);
+    platform::threads().TerminateThread(thread, 1000);
+    platform::threads().CloseHandle(thread);
+    ASSERT_TRUE(locks[which]->IsTaken());
+    CloseAll();
+    EXPECT_FALSE(screen.Running()) << which;
+    ExpectNothingLeft();
+  }
 }
 
 }  // namespace
