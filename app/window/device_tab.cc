@@ -64,7 +64,6 @@ void DeviceTab::FillDeviceList() {
       platform::controls().ComboSetItemData(dialog.window, kDeviceList, row, data);
   };
   add(kNoDeviceText, kNoDevice);
-  if (!deviceManager) return;
   // The list is in order of its texts: each row knows its device by the index.
   for (std::int32_t index = 0; index < deviceManager->DeviceCount(); ++index) {
     add(deviceManager->DeviceName(index), index);
@@ -79,8 +78,7 @@ void DeviceTab::SelectDeviceInList(const platform::GUID& guid) {
         platform::controls().ComboGetItemData(dialog.window, kDeviceList, row);
     if (index == kNoDevice) {
       none = row;
-    } else if (deviceManager && index < deviceManager->DeviceCount() &&
-               deviceManager->DeviceGuid(index) == guid) {
+    } else if (index < deviceManager->DeviceCount() && deviceManager->DeviceGuid(index) == guid) {
       platform::controls().ComboSetCurSel(dialog.window, kDeviceList, row);
       return;
     }
@@ -89,7 +87,6 @@ void DeviceTab::SelectDeviceInList(const platform::GUID& guid) {
 }
 
 void DeviceTab::ShowMouseAndDeviceState() {
-  if (!deviceManager) return;
   ++session.initGuard;
   mouseTab.Show();
   ShowSelectedDevice();
@@ -121,7 +118,7 @@ void DeviceTab::ShowSelectedDevice() {
 }
 
 void DeviceTab::OnDeviceSelected() {
-  if (session.initGuard != 0 || !deviceManager) return;
+  if (session.initGuard != 0) return;
   const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kDeviceList);
   if (row == platform::kNoRow) return;
 
@@ -189,13 +186,13 @@ void DeviceTab::OnRateLeft() {
 }
 
 void DeviceTab::OnDefaultRate() {
-  if (!deviceManager || !deviceManager->DeviceSelected()) return;
+  if (!deviceManager->DeviceSelected()) return;
   if (pollInterval == deviceManager->PollInterval()) return;
   ApplyPollInterval(pollInterval);
 }
 
 bool DeviceTab::PollFieldsCount() const {
-  return session.initGuard == 0 && deviceManager && deviceManager->DeviceSelected();
+  return session.initGuard == 0 && deviceManager->DeviceSelected();
 }
 
 bool DeviceTab::IsBeingTyped() const {

@@ -344,7 +344,7 @@ void MainWindow::ShowWelcome() {
 }
 
 void MainWindow::ShowDeviceWarning() {
-  if (!session.deviceManager || session.deviceManager->DeviceSelected()) return;
+  if (session.deviceManager->DeviceSelected()) return;
   notificationArea.ShowFromTray();
   ShowTab(kDeviceTab);
   const ByteString text = deviceTab.WarningText();

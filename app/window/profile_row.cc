@@ -230,7 +230,7 @@ void ProfileRow::OnNewProfile() {
     LockGuard guard(profile.profileLock);
     ClearProfile();
     profile.profileName = question.name;
-    if (deviceManager && deviceManager->DeviceSelected()) {
+    if (deviceManager->DeviceSelected()) {
       profile.deviceName = deviceManager->SelectedName();
       profile.deviceGuid = deviceManager->SelectedGuid();
       profile.pollInterval = deviceManager->PollInterval();

@@ -36,7 +36,7 @@ void SteeredWindow::OnRequests() {
 }
 
 void SteeredWindow::TellState() {
-  if (session.shuttingDown || !session.deviceManager) return;
+  if (session.shuttingDown) return;
   steering.ProfileIs(session.profile.profileName);
   steering.DeviceIs(session.deviceManager->DeviceSelected() ? session.deviceManager->SelectedName()
                                                             : ByteString());
