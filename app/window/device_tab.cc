@@ -39,7 +39,7 @@ constexpr char kOutOfRangeCaption[] = "Value Out of Range";
 constexpr char kIntervalRangeText[] = "Please enter a value from 1 to 1000";
 // Kept: the spelling.
 constexpr char kRateRangeText[] = "Pleaes enter a value from 1 to 1000.\nThe rate of ";
-constexpr char kRateRangeEnd[] = " equates to an interval of ";
+constexpr char kRateRangeEnd[] = " equates to an interval of 0";
 constexpr char kPollRateCaption[] = "Internal Error";
 constexpr char kPollRateText[] = "Error Setting Poll Rate";
 constexpr char kSelectCaption[] = "Unknown Error";
@@ -175,11 +175,8 @@ void DeviceTab::OnRateLeft() {
   const std::uint32_t interval = rateField == 0 ? 0 : kRateTimesInterval / rateField;
   if (interval == deviceManager->PollInterval()) return;
   if (interval == 0) {
-    ByteString text(kRateRangeText);
-    text.Append(ToDecimal(rateField, false, 1));
-    text.Append(kRateRangeEnd);
-    text.Append(ToDecimal(interval, false, 1));
-    RefuseField(kRate, text, kOutOfRangeCaption, platform::MB_OK);
+    RefuseField(kRate, Around(kRateRangeText, Number(rateField), kRateRangeEnd), kOutOfRangeCaption,
+                platform::MB_OK);
     return;
   }
   ApplyPollInterval(interval);
@@ -245,29 +242,20 @@ void DeviceTab::ApplyPollInterval(std::uint32_t interval) {
 // The device of the profile
 
 void DeviceTab::RefreshDeviceList() {
-  if (!deviceManager || !deviceManager->DirectInputCreated()) return;
-
   if (session.currentDeviceName.Equals(kNoDeviceText)) {
     deviceManager->EnumerateDevices();
     FillDeviceList();
     SelectDeviceInList({});
     return;
   }
-  bool found = deviceManager->EnumerateDevices();
-  if (found) {
+  if (deviceManager->EnumerateDevices()) {
     FillDeviceList();
-    found = ApplyProfileDevice();
-  }
-  if (found) {
-    SelectDeviceInList(profile.deviceGuid);
-  } else {
-    SelectDeviceInList({});
+    ApplyProfileDevice();
   }
   ShowMouseAndDeviceState();
 }
 
-bool DeviceTab::ApplyProfileDevice() {
-  if (!deviceManager || !deviceManager->DirectInputCreated()) return false;
+void DeviceTab::ApplyProfileDevice() {
   deviceManager->StopDevice();
   if (profile.deviceName.IsEmpty() || !deviceManager->SetPollInterval(profile.pollInterval) ||
       !(deviceManager->SelectDeviceByGuid(profile.deviceGuid) ||
@@ -275,12 +263,11 @@ bool DeviceTab::ApplyProfileDevice() {
     session.LetGoWithoutDevice();
     session.currentDeviceName.Empty();
     session.currentDeviceGuid = platform::GUID{};
-    return false;
+    return;
   }
   // From the device itself: one found by its name may differ from the file's.
   session.currentDeviceGuid = deviceManager->SelectedGuid();
   session.currentDeviceName = deviceManager->SelectedName();
-  return true;
 }
 
 // When the person chose no device, only a click on the button looks for devices.

@@ -21,8 +21,7 @@ class DeviceTab : public Pane {
   // changed more than one of them.
   void ShowMouseAndDeviceState();
 
-  // The profile's device comes into use. False, with none in use, when it can't.
-  bool ApplyProfileDevice();
+  void ApplyProfileDevice();  // it comes into use, or none is when it can't
   void RefreshDeviceList();
   bool IsBeingTyped() const;  // a number of the poll interval that its field wasn't left with yet
   bool AwaitsDevice() const;  // each look of the timer could bring one into use

@@ -246,10 +246,7 @@ void ProfileRow::OnNewProfile() {
              platform::MB_ICONEXCLAMATION);
   if (session.shuttingDown) return;
   ClearProfile();
-  const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kProfileList);
-  if (row == platform::kNoRow) return;
-  platform::controls().ComboSetCurSel(dialog.window, kProfileList, row);
-  OnProfileSelected();
+  OnProfileSelected();  // of the one before, if there is one
 }
 
 void ProfileRow::OnDeleteProfile() {

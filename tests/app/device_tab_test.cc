@@ -167,7 +167,6 @@ TEST_F(DeviceTabTest, EachRowLeadsToItsDeviceWhereNamesAreEqual) {
     EXPECT_EQ(Device()->DeviceName(index).Length(), 3u);
     seen.push_back(Device()->DeviceGuid(index).Data1);
   }
-  std::sort(seen.begin(), seen.end());
   EXPECT_EQ(seen, (std::vector<std::uint32_t>{1, 77, 88}));
   EXPECT_EQ(platform::controls().ComboGetItemData(Handle(), kDeviceList, 0), -2);
 
@@ -175,6 +174,12 @@ TEST_F(DeviceTabTest, EachRowLeadsToItsDeviceWhereNamesAreEqual) {
   const std::int32_t row = screen.ChosenRow(kDeviceList);
   const std::int32_t index = platform::controls().ComboGetItemData(Handle(), kDeviceList, row);
   EXPECT_EQ(Device()->DeviceGuid(index).Data1, 1u);
+
+  // And stays so with another of them.
+  platform::controls().ComboSetCurSel(Handle(), kDeviceList, 3);
+  Notify(kDeviceList, platform::Notice::SelectionChanged);
+  EXPECT_EQ(CurrentDeviceGuid().Data1, seen.at(2));
+  EXPECT_EQ(screen.ChosenRow(kDeviceList), 3);
 }
 
 // Names before "-- None --" in order of their texts.
@@ -218,6 +223,23 @@ TEST_F(DeviceTabTest, ADeviceThatTheListHasNoMoreIsShownByItsName) {
   EXPECT_TRUE(Device()->DeviceSelected());
   EXPECT_EQ(Device()->DeviceCount(), 0);
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
+
+  // There is nothing behind the other rows either.
+  for (const char* row : {"Arcade", "Pad"}) {
+    screen.Choose(kDeviceList, row);
+    EXPECT_FALSE(screen.BoxUp()) << row;
+    EXPECT_EQ(CurrentDeviceName(), "Pad");
+    EXPECT_TRUE(Device()->DeviceSelected());
+  }
+}
+
+TEST_F(DeviceTabTest, WithoutADeviceARefreshThatFailsShowsNone) {
+  AddPad("Arcade");
+  BeginWithoutDevice();
+  sim.FailNext("EnumDevices");
+  screen.Click(kRefreshDeviceList);
+  EXPECT_EQ(screen.Rows(kDeviceList), (Strings{kNone, "Arcade", "Pad"}));
+  EXPECT_EQ(screen.Chosen(kDeviceList), kNone);
 }
 
 // Choosing a device
