@@ -311,9 +311,9 @@ void MainWindow::OnHelpKey() {
 // The list and its columns must not stick out at any moment.
 void MainWindow::Layout(const platform::Rect& client) {
   const std::int32_t difference = client.right - clientRect.right;
-  if (difference < 0) controlTab.controlList.ChangeWidth(difference);
+  controlTab.controlList.ChangeWidth(std::min(difference, 0));
   ResizableDialog::Layout(client);
-  if (difference > 0) controlTab.controlList.ChangeWidth(difference);
+  controlTab.controlList.ChangeWidth(std::max(difference, 0));
   clientRect = client;
 }
 
