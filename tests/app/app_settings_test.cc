@@ -212,6 +212,7 @@ TEST_F(AppSettingsTest, AfterADevicesValuesAreMissingTheUsageHintIsNotRead) {
   EXPECT_EQ(CurrentDeviceName(), kPad);
   EXPECT_TRUE(Settings().showAutoDetectUsage);
   EXPECT_FALSE(Settings().smartCheck);
+  EXPECT_FALSE(sim.Registry().HasKey(std::string(kSettings) + "\\Devices")) << "only looked for";
 }
 
 TEST_F(AppSettingsTest, LoadingIsCompleteUnlessADeviceOrTheUsageHintIsMissing) {
@@ -315,6 +316,7 @@ TEST_F(AppSettingsTest, CheckingWritesTheProgramsPathAndUncheckingDeletesIt) {
 
 TEST_F(AppSettingsTest, WithoutTheUsersKeyCheckingMakesTheMachines) {
   BeginOnSettings();
+  EXPECT_FALSE(sim.Registry().HasKey(kMachineRun)) << "not before";
   screen.Click(kLaunchAtStartup);
   EXPECT_EQ(sim.Registry().Text(kMachineRun, "Kelvaro"), "/game/kelvaro");
   EXPECT_FALSE(sim.Registry().HasKey(kUserRun));

@@ -12,6 +12,7 @@
 
 #include "app/resources/control_ids.h"
 #include "tests/app/control_fixture.h"
+#include "tests/person/recorded_desktop.h"
 #include "tests/storage/random_profile.h"
 
 namespace kelvaro {
@@ -153,6 +154,15 @@ TEST_F(ControlListTest, ARowShowsTriggerActionAndDescription) {
                                             {"", "a+++c", "several"},
                                             {"", "", "nothing"},
                                         }));
+}
+
+TEST_F(ControlListTest, AnActionOfAnotherKindThanKeysHasNoText) {
+  StartWith({{.keys = {"a", "b"}}});
+  LinkedList<InputAction*>& actions = ControlAt(0).actions;
+  actions.AddTail(new InputAction);
+  std::swap(*actions.head->value, *actions.tail->value);
+  Window()->controlTab.FillControlList();
+  EXPECT_EQ(Column(1), "b+a");
 }
 
 TEST_F(ControlListTest, RowsTellPressFromReleaseOnlyWithThePrefixFlag) {
@@ -670,6 +680,17 @@ TEST_F(ControlListTest, ControlCAndControlVCopyAndPaste) {
   for (const std::uint8_t other : {'X', 'B', 'A'}) screen.Press(other, true);
   EXPECT_EQ(Descriptions(), "abb");
   EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(ControlListTest, AControlKeyThatIsOnlyToggledIsNotHeld) {
+  StartWithLetters(1);
+  dynamic_cast<platform::simulation::RecordedDesktop&>(platform::desktop()).keysToggled = true;
+  Select({0});
+  screen.FocusOn(kControlList);
+  screen.Press('C');
+  EXPECT_EQ(Window()->controlTab.copiedControls.count, 0);
+  screen.Press('C', true);
+  EXPECT_EQ(Window()->controlTab.copiedControls.count, 1);
 }
 
 TEST_F(ControlListTest, TheWindowItselfTakesControlCAndControlVToo) {

@@ -183,10 +183,11 @@ TEST_F(WindowLifeTest, AfterTheSetUpTheWindowIsReady) {
 }
 
 TEST_F(WindowLifeTest, TheLimitsOfTheTimerAreShown) {
-  sim.SetTimerLimits(2, 777777);
+  sim.SetTimerLimits(1234, 777777);
+  WithoutProfiles();
   Begin();
   screen.ChooseTab(kTabControl, 2);
-  EXPECT_EQ(screen.Text(kTimerMin), "2");
+  EXPECT_EQ(screen.Text(kTimerMin), "1234");
   EXPECT_EQ(screen.Text(kTimerMax), "777777");
 }
 
@@ -338,6 +339,10 @@ TEST_F(FailedStartTest, WithoutAWindowTheObjectWritesThemAllTheSame) {
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Result(), -1);
   ExpectTheStartValuesWritten();
+  EXPECT_EQ(CallsOf(sim, {"KillTimer", "UnhookWindowsHookEx", "Shell_NotifyIconA", "DestroyIcon",
+                          "HtmlHelp"}),
+            Strings{})
+      << "it had none of them";
 }
 
 TEST_F(WindowLifeTest, WithoutTheHookAMinimisedWindowStaysMinimised) {

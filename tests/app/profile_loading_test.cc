@@ -378,7 +378,9 @@ TEST_F(ProfileLoadingTest, NothingFollowsTheBoxOfABadFileOnceTheProgramHasEnded)
   Choose("Beta");
   ExpectBox("Error reading profile \"Beta\". The file is missing.", "Missing Profile Error",
             MB_ICONEXCLAMATION);
+  sim.LogCalls(true);
   Post(WM_CLOSE_PROGRAM);
+  EXPECT_EQ(CountCalls(sim, "PostMessageA"), 1u) << "that one alone";
   EXPECT_FALSE(screen.BoxUp());
   EXPECT_EQ(screen.Boxes().size(), 1u) << "Alpha isn't tried any more";
   EXPECT_EQ(Remembered(), "Beta");

@@ -125,6 +125,14 @@ TEST_F(SteeredWindowTest, AProfileThatWasStoredMeanwhileIsListedAndOpened) {
   EXPECT_EQ(OpenName(), "Later");
 }
 
+TEST_F(SteeredWindowTest, WithNoProfileOpenThereAreNoChangesToLose) {
+  Begin();
+  ASSERT_EQ(OpenName(), "");
+  StoreWithPad("Later", "c");
+  EXPECT_EQ(Select("Later"), "done");
+  EXPECT_EQ(OpenName(), "Later");
+}
+
 TEST_F(SteeredWindowTest, AProfileWithoutItsPadIsOpenedWithoutAWarning) {
   BeginWithTwo();
   Store("Stick", [](ProfileFile* file) { SetDevice(file, "No such pad", kStickGuid); });

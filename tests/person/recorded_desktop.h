@@ -67,6 +67,9 @@ class RecordedDesktop final : public qt::QtDesktop {
     return !journal.Enter("GetDesktopRect");
   }
   Colour GetSysColor(std::int32_t index) override;
+  std::uint16_t GetKeyState(std::uint8_t vk) override {
+    return QtDesktop::GetKeyState(vk) | (keysToggled ? 1 : 0);
+  }
   bool GetCursorPos(Point* point) override {
     *point = {512, 384};
     return !journal.Enter("GetCursorPos");
@@ -123,6 +126,7 @@ class RecordedDesktop final : public qt::QtDesktop {
   std::vector<ShownMessageBox> boxes;                         // all that were shown
   std::vector<std::string> told;
   std::size_t menusShown = 0;
+  bool keysToggled = false;  // all of them: pressed an odd number of times
   Rect desktop{0, 0, 1024, 768};
   std::map<std::int32_t, Colour> colours;  // that differ from the usual ones
   bool iconShown = false;
