@@ -29,7 +29,6 @@ void SplitCommandLine(const ByteString& text, LinkedList<ByteString>* list) {
         token.AppendChar(c);
       }
     }
-    while (at < line.Length() && IsBlank(line[at])) ++at;
     if (!token.IsEmpty()) list->AddTail(token);
   }
 }
@@ -45,7 +44,6 @@ LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteCha
   for (const auto* node = tokens.head ? tokens.head->next : nullptr; node; node = node->next) {
     const ByteString& token = *node->value;
     ByteString value;
-    std::int32_t position = 0;
     if (TakeKey(token, "profile=", &value)) {
       request.profiles.AddTail(value);
     } else if (TakeKey(token, "target=", &value)) {
@@ -56,7 +54,7 @@ LaunchRequest ReadCommandLine(const ByteString& line, const QuoteChars& quoteCha
       request.args = value;
     } else if (TakeKey(token, "dir=", &value)) {
       request.dir = value;
-    } else if (request.profiles.count == 0 && !token.FindChar('=', &position)) {
+    } else if (request.profiles.count == 0 && token.Find("=") < 0) {
       request.profiles.AddTail(token);
     }
   }

@@ -1,5 +1,6 @@
 #include "app/start/launcher.h"
 
+#include <iterator>
 #include <vector>
 
 #include "app/platform/clock.h"
@@ -69,7 +70,7 @@ bool Launcher::StartTarget(platform::PROCESS_INFORMATION* game) {
   return false;
 }
 
-std::uint32_t Launcher::LaunchTarget() {
+void Launcher::LaunchTarget() {
   CloseOtherInstances();
 
   std::vector<platform::Handle> kept;
@@ -93,12 +94,13 @@ std::uint32_t Launcher::LaunchTarget() {
   platform::PROCESS_INFORMATION game;
   if (!StartTarget(&game)) {
     platform::desktop().PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
-    return 0;
+    return;
   }
 
   const platform::Handle ends[] = {game.hProcess, stopEvent};
-  const bool gameEnded = platform::threads().WaitForMultipleObjects(
-                             2, ends, platform::WAIT_FOREVER) == platform::WAIT_OBJECT_0;
+  const bool gameEnded =
+      platform::threads().WaitForMultipleObjects(std::size(ends), ends, platform::WAIT_FOREVER) ==
+      platform::WAIT_OBJECT_0;
   platform::threads().CloseHandle(game.hThread);
   platform::threads().CloseHandle(game.hProcess);
   for (const platform::Handle handle : kept) platform::threads().CloseHandle(handle);
@@ -106,7 +108,6 @@ std::uint32_t Launcher::LaunchTarget() {
   instances.push_back(platform::processes().GetCurrentProcessId());
   CloseInstances(instances);
   if (gameEnded) platform::desktop().PostMessageA(window, WM_CLOSE_PROGRAM, 0, 0);
-  return 0;
 }
 
 }  // namespace kelvaro

@@ -34,8 +34,11 @@ class Launcher : public WorkerThread {
   bool commandLineProfileSelected = false;
 
  private:
-  std::uint32_t Run() override { return LaunchTarget(); }
-  std::uint32_t LaunchTarget();
+  std::uint32_t Run() override {
+    LaunchTarget();
+    return 0;
+  }
+  void LaunchTarget();
   void CloseOtherInstances();
   bool StartTarget(platform::PROCESS_INFORMATION* game);  // false after the message
 

@@ -88,6 +88,7 @@ TEST(ReadCommandLine, TakesProfilesAndWhatToStartWithThem) {
       {"profile=B target=/[a] dir=/[b]", {"B"}, "/[a]", "", "/[b]", "elsewhere they are not"},
       {"profile=B target=/a args=1 dir=/d dir= args=", {"B"}, "/a", "", "", "an empty value"},
       {"foo=bar Beta", {"Beta"}, "", "", "", "an unknown key is ignored"},
+      {"=bar Beta", {"Beta"}, "", "", "", "so is one without a name"},
       {"profile=Beta Alpha", {"Beta"}, "", "", "", "so is a bare token behind a profile"},
       {"Beta profile=Alpha", {"Beta", "Alpha"}, "", "", "", "before a key it is the first"},
   };
