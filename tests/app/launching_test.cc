@@ -62,6 +62,11 @@ TEST_F(Launching, StartsTheTargetWithItsArgumentsInItsFolder) {
   EXPECT_TRUE(screen.Shown());  // the window stands as it did
 }
 
+TEST_F(Launching, TheWindowGoesOnAtOnceWhileTheTargetIsStarted) {
+  BeginWith("profile=Game target=/games/x/play");
+  EXPECT_EQ(processes.Started().at(0).t, sim.Now());
+}
+
 TEST_F(Launching, ADirWithNothingBehindItMeansTheTargetsOwnFolder) {
   BeginWith("profile=Game target=/games/x/play dir=");
   ASSERT_EQ(processes.Started().size(), 1u);
@@ -265,6 +270,17 @@ TEST_F(Launching, ALaunchClosesWhateverInstanceWasRunning) {
   EXPECT_EQ(processes.Posted()[1].process, hidden);
   EXPECT_EQ(processes.Posted()[1].message, WM_CLOSE_PROGRAM);
   EXPECT_EQ(processes.Started().size(), 1u);
+}
+
+TEST_F(Launching, AnInstanceThatGetsTheSecondMessageIsNotWaitedFor) {
+  ProcessDescription hidden;
+  hidden.path = own;
+  hidden.visible = false;
+  hidden.endsAfterMessage = 1000;
+  processes.Add(hidden);
+  BeginWith("profile=Game target=/games/x/play");
+  ASSERT_EQ(processes.Posted().size(), 1u);
+  EXPECT_EQ(processes.Started().at(0).t, processes.Posted()[0].t);
 }
 
 TEST_F(Launching, WhereProcessesCannotBeListedOtherInstancesStay) {
