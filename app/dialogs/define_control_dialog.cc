@@ -216,7 +216,7 @@ void DefineControlDialog::OnHelpKey() {
 }
 
 void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, std::int32_t value) {
-  if (notice == platform::Notice::KeyDown && id == 0 && value == kF1) return OnHelpKey();
+  if (notice == platform::Notice::KeyDown && value == kF1) return OnHelpKey();
   if (notice != platform::Notice::Clicked) return;
   switch (id) {
     case kPress:
@@ -290,14 +290,17 @@ void DefineControlDialog::OnCancel() {
 }
 
 void DefineControlDialog::ShowFields() {
+  const auto show = [this](std::uint32_t id, std::uint32_t value) {
+    SetText(id, ToDecimal(value, false, 0));
+  };
   SetText(kDescriptionText, descriptionText);
   SetText(kKeysText, keysText);
   Check(kRepeatCheck, repeatCheck);
-  SetText(kDelayValue, ToDecimal(delayValue, false, 0));
-  SetText(kSpeedValue, ToDecimal(speedValue, false, 0));
+  show(kDelayValue, delayValue);
+  show(kSpeedValue, speedValue);
   Check(kToggleMouseCheck, toggleMouseCheck);
-  SetText(kHoldValue, ToDecimal(holdValue, false, 0));
-  SetText(kPauseValue, ToDecimal(pauseValue, false, 0));
+  show(kHoldValue, holdValue);
+  show(kPauseValue, pauseValue);
 }
 
 bool DefineControlDialog::ReadFields() {

@@ -1,5 +1,7 @@
 #include "app/dialogs/help.h"
 
+#include <optional>
+
 #include "app/layout/dialog.h"
 #include "foundation/paths.h"
 #include "foundation/registry_key.h"
@@ -15,13 +17,8 @@ constexpr std::uint32_t kPathBufferSize = 260;
 constexpr char kHelpLibrary[] = "hhctrl.ocx";
 constexpr std::uint32_t kHelpOrdinal = 14;
 
-struct Loader {
-  platform::LibraryHandle library = 0;
-  platform::HtmlHelpFunction function = nullptr;
-  bool failed = false;
-};
-
-Loader loader;
+// As the first look has found it, null for nothing.
+std::optional<platform::HtmlHelpFunction> help;
 
 platform::LibraryHandle LoadHelpLibrary() {
   platform::LibraryHandle library = 0;
@@ -37,13 +34,11 @@ platform::LibraryHandle LoadHelpLibrary() {
 
 std::uintptr_t HtmlHelp(platform::WindowHandle caller, const char* file, std::uint32_t command,
                         std::uintptr_t data) {
-  if (!loader.function && !loader.failed) {
-    loader.library = LoadHelpLibrary();
-    if (loader.library)
-      loader.function = platform::shell().GetHelpFunction(loader.library, kHelpOrdinal);
-    loader.failed = !loader.function;
+  if (!help) {
+    const platform::LibraryHandle library = LoadHelpLibrary();
+    help = library ? platform::shell().GetHelpFunction(library, kHelpOrdinal) : nullptr;
   }
-  return loader.function ? loader.function(caller, file, command, data) : 0;
+  return *help ? (*help)(caller, file, command, data) : 0;
 }
 
 void ShowHelpTopic(const char* topic) {
@@ -56,6 +51,6 @@ void ShowHelpTopic(const char* topic) {
            reinterpret_cast<std::uintptr_t>(topic));
 }
 
-void ForgetHelp() { loader = {}; }
+void ForgetHelp() { help.reset(); }
 
 }  // namespace kelvaro

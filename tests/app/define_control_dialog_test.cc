@@ -147,6 +147,13 @@ TEST_F(DefineControlDialogTest, TheTextsOfSeveralActionsRunTogetherAndOKMakesThe
   EXPECT_EQ(Keys(TheControl()), "ab<P:5>C");
 }
 
+TEST_F(DefineControlDialogTest, AnActionThatIsNoKeyActionHasNoText) {
+  StartWith({{.keys = {"ab", "cd"}}});
+  (*TheControl().actions.head->value)->actionType = 0;
+  Edit(0);
+  EXPECT_EQ(screen.Text(kKeysText), "cd");
+}
+
 TEST_F(DefineControlDialogTest, HoldAllIsCheckedIfAnyActionHoldsAll) {
   MadeControl control;
   control.keys = {"ab", "cd"};
@@ -219,7 +226,7 @@ TEST_F(DefineControlDialogTest, TheMachinesKeyIsOnlyLookedAt) {
   StartWith({});
   sim.LogCalls(true);
   New();
-  EXPECT_EQ(CountCalls(sim, "RegCreateKeyExA"), 0u);
+  EXPECT_EQ(CountCalls(sim, "RegCreateKeyA HKLM"), 0u);
 }
 
 TEST_F(DefineControlDialogTest, TheUsersOwnValueOffersNothing) {
@@ -355,6 +362,9 @@ TEST_F(DefineControlDialogTest, F1TellsOfWhatHasTheFocus) {
     screen.Press(0x70);
     EXPECT_EQ(screen.HelpCalls().back().topic, "Creating and Editing Controls.htm" + place) << id;
   }
+  const std::size_t before = screen.HelpCalls().size();
+  screen.Press(0x71);
+  EXPECT_EQ(screen.HelpCalls().size(), before) << "F2 is none";
 }
 
 TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
@@ -451,6 +461,21 @@ TEST_F(DefineControlDialogTest, PressThatIsClickedOnceMoreEnablesHoldAllBesideRe
   EXPECT_EQ(Boxes(), "repeat* delay speed all hold pause");
   screen.Click(kHoldAllKeys);
   EXPECT_EQ(Boxes(), "repeat- delay- speed- all* hold- pause-");
+}
+
+TEST_F(DefineControlDialogTest, AClickOnTheRadioButtonThatIsntCheckedChangesNothing) {
+  OfferRelease();
+  OpenNew();
+  const auto click = [this](std::uint32_t id) {
+    static_cast<platform::WindowListener&>(DefineControl())
+        .OnNotice(id, platform::Notice::Clicked, 0);
+  };
+  screen.Click(kRepeatCheck);
+  click(kRelease);
+  EXPECT_EQ(Boxes(), "repeat* delay speed all- hold pause");
+  screen.Click(kRelease);
+  click(kPress);
+  EXPECT_EQ(Boxes(), "repeat- delay- speed- all- hold pause");
 }
 
 TEST_F(DefineControlDialogTest, TheRadioButtonDecidesWhenTheControlFires) {

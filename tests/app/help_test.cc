@@ -47,6 +47,7 @@ TEST_F(HelpTest, WhatIsRegisteredShowsTheHelp) {
 TEST_F(HelpTest, WithoutARegisteredOneTheUsualNameIsTried) {
   EXPECT_NE(ShowTopic(), 0u);
   EXPECT_EQ(screen.LoadedLibraries(), Strings{"hhctrl.ocx"});
+  EXPECT_FALSE(sim.Registry().HasKey("HKCR\\CLSID")) << "looked for, and not made";
 }
 
 TEST_F(HelpTest, AnEmptyPathAndOneOfAnotherKindAreNone) {
