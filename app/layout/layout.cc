@@ -190,10 +190,7 @@ bool LayoutPage::Add(std::uint32_t parent, std::uint32_t control, std::uint32_t 
     siblings = &above->children;
   }
   platform::Rect place;
-  if (!platform::controls().HasControl(window, control) ||
-      !platform::controls().GetControlRect(window, control, &place)) {
-    return false;
-  }
+  if (!platform::controls().GetControlRect(window, control, &place)) return false;
   LayoutNode node;
   // One pixel less than it measures. That is wanted.
   node.rect = {place.left, place.top, place.right - 2, place.bottom - 2};

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/app/calls.h"
+#include "tests/foundation/allocations.h"
 #include "tests/person/desktop_simulation.h"
 #include "tests/person/recorded_desktop.h"
 #include "tests/person/screen.h"
@@ -240,6 +241,15 @@ TEST_F(ResizableDialogTest, AControlThatIsntThereIsPassedOverAndTheRestGoesOn) {
     EXPECT_FALSE(dialog.HideNode(1, kFirst));
     EXPECT_TRUE(dialog.AddChildNode(0, kFirst, kSecond, 0));
     EXPECT_EQ(dialog.currentPage->count, 2);
+  });
+}
+
+TEST_F(ResizableDialogTest, WithoutMemoryANodeIsNotAdded) {
+  Open([&] {
+    const FailingAllocation fault(1);
+    EXPECT_FALSE(dialog.AddNode(0, kFirst, 0));
+    EXPECT_EQ(fault.Failed(), 1u);
+    EXPECT_EQ(dialog.currentPage->count, 0);
   });
 }
 
