@@ -14,7 +14,7 @@ std::int32_t DropRows::Add(const std::string& text) {
     });
   }
   const auto index = static_cast<std::int32_t>(place - rows.begin());
-  rows.insert(place, Row{text, 0});
+  rows.insert(place, Row{text});
   if (selected >= index) ++selected;
   return index;
 }

@@ -64,10 +64,7 @@ std::map<std::string, std::string> ReadEntry(std::string_view text) {
     const std::size_t end = text.find('\n');
     const std::string_view line = Trimmed(text.substr(0, end));
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.starts_with('[')) {
-      inside = line == "[Desktop Entry]";
-      continue;
-    }
+    if (line.starts_with('[')) inside = line == "[Desktop Entry]";
     const std::size_t equals = line.find('=');
     if (!inside || line.starts_with('#') || equals == std::string_view::npos) continue;
     values.emplace(Trimmed(line.substr(0, equals)),

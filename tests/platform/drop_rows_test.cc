@@ -41,6 +41,7 @@ TEST(DropRows, TheChoiceStaysWithItsRow) {
 
 TEST(DropRows, OfARowThatIsntThereNoneIsChosen) {
   DropRows rows(false);
+  EXPECT_EQ(rows.Selected(), -1) << "at first";
   rows.Add("a");
   for (const std::int32_t row : {0, 1, -1, -7}) {
     rows.Select(row);

@@ -4,12 +4,14 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 namespace platform {
 namespace {
 
 TEST(EntryText, EscapesWhatAValueCantHoldAndBlanksAtItsEnds) {
   EXPECT_EQ(EscapedForEntry(" a b\t\n\r\\c "), R"(\sa b\t\n\r\\c\s)");
+  EXPECT_EQ(EscapedForEntry("a b"), "a b");
   EXPECT_EQ(EscapedForEntry(" "), R"(\s)");
   EXPECT_EQ(EscapedForEntry(""), "");
 }
@@ -21,6 +23,7 @@ TEST(EntryText, ReadsBackWhatItEscaped) {
 
 TEST(EntryText, KeepsAnEscapeThatItDoesntKnow) {
   EXPECT_EQ(UnescapedFromEntry(R"(a\xb\)"), R"(a\xb\)");
+  EXPECT_EQ(UnescapedFromEntry(std::string_view(R"(a\s)", 2)), "a\\") << "cut off";
 }
 
 TEST(EntryText, QuotesAWordThatIsEmptyOrHasAReservedByte) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace platform {
 namespace {
@@ -41,6 +42,11 @@ TEST(FitsPattern, Rows) {
        }) {
     EXPECT_EQ(FitsPattern(row.name, row.pattern), row.fits) << row.name << " " << row.pattern;
   }
+}
+
+TEST(FitsPattern, ThePatternEndsWhereItsViewDoes) {
+  EXPECT_FALSE(FitsPattern("ab", std::string_view("a*", 1)));
+  EXPECT_FALSE(FitsPattern("ab", std::string_view("ab", 1)));
 }
 
 TEST(FitsPattern, ManyStarsTakeNoLongTime) {

@@ -32,6 +32,18 @@ TEST(Hooks, TheNewestIsToldAndHandsOnToTheOneBeforeIt) {
   EXPECT_EQ(hooks.CallNext(first, HCBT_MINMAX, 42, SW_MINIMIZE), 0);
 }
 
+TEST(Hooks, OneThatWasRemovedIsToldNothing) {
+  called.clear();
+  Hooks hooks;
+  const HookHandle first = hooks.Add(&First);
+  const HookHandle second = hooks.Add(&Second);
+  EXPECT_TRUE(hooks.Remove(second));
+  EXPECT_FALSE(hooks.Remove(second));
+  hooks.TellMinimising(42);
+  EXPECT_EQ(called, (std::vector<int>{1}));
+  EXPECT_TRUE(hooks.Remove(first));
+}
+
 TEST(Hooks, AProcedureThatIsNoneIsRefused) {
   Hooks hooks;
   EXPECT_EQ(hooks.Add(nullptr), 0u);

@@ -28,6 +28,13 @@ TEST(PendingUpdates, WhatWasSetLastCountsAndComesLast) {
   EXPECT_FALSE(all[1].second.redraw);
 }
 
+TEST(PendingUpdates, WhatIsToBeDrawnAnewStaysSo) {
+  PendingUpdates pending;
+  pending.Add(1, {.redraw = true});
+  pending.Add(1, {.text = "text"});
+  EXPECT_TRUE(pending.Take()[0].second.redraw);
+}
+
 TEST(PendingUpdates, WhatTheProgramSetsMeanwhileGoesOverThem) {
   PendingUpdates pending;
   pending.Add(1, {.text = "older", .checked = true});

@@ -23,6 +23,23 @@ TEST(Platform, NoGroupIsHandedToAThreadThatWasCutOff) {
             std::vector<std::string>());
 }
 
+struct NoClock final : Clock {
+  void Sleep(std::uint32_t) override {}
+  std::uint32_t GetTickCount() override { return 0; }
+};
+
+TEST(Platform, TheLastInstalledOneCountsAndAfterItTheOneBefore) {
+  NoClock first;
+  NoClock second;
+  const InstalledPlatform outer({.clock = &first});
+  EXPECT_EQ(&clock(), &first);
+  {
+    const InstalledPlatform inner({.clock = &second});
+    EXPECT_EQ(&clock(), &second);
+  }
+  EXPECT_EQ(&clock(), &first);
+}
+
 TEST(Platform, WhereNobodyCanBeCalledNobodyAnswers) {
   EXPECT_FALSE(calls().Answer(nullptr));
   EXPECT_TRUE(calls().Send(1, "text")) << "nothing is left to be sent";
