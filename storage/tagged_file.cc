@@ -154,12 +154,16 @@ bool TaggedFile::FollowStray(std::uint64_t bytes) {
 }
 
 const ChunkEntry* TaggedFile::EntryAt(std::int64_t index) {
-  return current->cursor.At(current->entries, index);
+  return current ? current->cursor.At(current->entries, index) : nullptr;
+}
+
+const ChunkEntry* TaggedFile::ChildAt(std::uint32_t index) {
+  return index < ChildCount() ? EntryAt(index) : nullptr;
 }
 
 bool TaggedFile::IsList(std::uint32_t index) {
-  if (!isOpen || isWriting || !current || index >= current->count) return false;
-  return EntryAt(index)->type == chunk_type::kList;
+  const ChunkEntry* const entry = ChildAt(index);
+  return entry && entry->type == chunk_type::kList;
 }
 
 bool TaggedFile::ReadHead(const ChunkEntry& entry, OpenList* list) {
@@ -170,7 +174,6 @@ bool TaggedFile::ReadHead(const ChunkEntry& entry, OpenList* list) {
 }
 
 bool TaggedFile::DescendAt(std::int32_t index) {
-  if (!isOpen || !current || isWriting) return false;
   const ChunkEntry* const entry = EntryAt(index);
   if (!entry || entry->type != chunk_type::kList) return false;
   OpenList list;
@@ -183,21 +186,20 @@ bool TaggedFile::Damaged() {
 }
 
 bool TaggedFile::ReadField(std::uint32_t index, ByteString* out) {
-  if (!isOpen || isWriting || !current || index >= current->count) return false;
-  const ChunkEntry& entry = *EntryAt(index);
-  const std::uint64_t end = entry.offset + entry.size;
-  const std::uint64_t inside = std::max(current->end, entry.offset);
+  const ChunkEntry* const entry = ChildAt(index);
+  if (!entry) return false;
+  const std::uint64_t end = entry->offset + entry->size;
+  const std::uint64_t inside = std::max(current->end, entry->offset);
   if (end > inside && strayLeft == 0) return Damaged();
-  const bool whole = reader.ReadBytes(out, entry.offset, entry.size);
+  const bool whole = reader.ReadBytes(out, entry->offset, entry->size);
   // Only bytes that were there count, so that one size beyond the end of the file doesn't use up
   // the limit.
-  const std::uint64_t readTo = entry.offset + out->Length();
+  const std::uint64_t readTo = entry->offset + out->Length();
   if (readTo > inside) FollowStray(std::max<std::uint64_t>(readTo - inside, kStrayChunk));
   return whole || Damaged();
 }
 
 bool TaggedFile::ReadNumber(std::int32_t index, std::uint32_t* out) {
-  if (!isOpen || isWriting || !current) return false;
   const ChunkEntry* const entry = EntryAt(index);
   if (!entry || entry->type != chunk_type::kNumber) return false;
   ByteString data;
@@ -209,7 +211,7 @@ bool TaggedFile::ReadNumber(std::int32_t index, std::uint32_t* out) {
 // Both ways
 
 bool TaggedFile::Descend(std::uint32_t id) {
-  if (!isOpen || !current) return false;
+  if (!current) return false;
 
   if (!isWriting) {
     for (const ChunkEntry& entry : current->entries) {
@@ -236,19 +238,17 @@ bool TaggedFile::Ascend() {
   if (!isOpen) return true;
   if (!openLists.tail || !current) return false;
 
+  OpenList& list = *openLists.tail->value;
+  const std::uint32_t growth = kListHeader + list.size;
   bool result = true;
-  std::uint32_t growth = 0;
   if (isWriting) {
-    OpenList& list = *openLists.tail->value;
-    growth = kListHeader + list.size;
     writeHandle.Seek(static_cast<std::uint32_t>(list.offset - kListHeader));
     result = WriteHeader(&list);
     writeHandle.SeekToEnd();
   }
-  const auto* const parent = openLists.tail->prev;
-  current = parent ? parent->value : nullptr;
   openLists.RemoveNode(openLists.tail);
-  if (!current) return Close();
+  if (!openLists.tail) return Close();
+  current = openLists.tail->value;
   if (isWriting) current->size += growth;
   return result;
 }
@@ -298,7 +298,6 @@ bool TaggedFile::OpenForWrite(const ByteString& target) {
     return false;
   }
   openLists.Clear();
-  current = nullptr;
   if (!openLists.AddTail(root)) {
     writeHandle.Release();
     return false;

@@ -160,7 +160,11 @@ class TaggedFile {
   // Makes a list current, its entries read.
   bool Push(const OpenList& list);
   bool FillEntries(OpenList* list);
+  // Clamped to the first and last of the current list. Null where nothing is being read: a list
+  // that is written has no entries.
   const ChunkEntry* EntryAt(std::int64_t index);
+  // The same, but null beyond the last.
+  const ChunkEntry* ChildAt(std::uint32_t index);
   // Pays for a stray chunk or bytes. False when the limit is used up.
   bool FollowStray(std::uint64_t bytes);
 
