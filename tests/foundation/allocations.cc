@@ -44,8 +44,8 @@ class Allocation {
 
 std::uint64_t Allocations() { return allocations; }
 
-FailingAllocations::FailingAllocations(std::int32_t good)
-    : FailingAllocations(true, static_cast<std::uint32_t>(good) + 1, true) {}
+FailingAllocations::FailingAllocations(std::int32_t good, bool onwards)
+    : FailingAllocations(true, static_cast<std::uint32_t>(good) + 1, onwards) {}
 FailingAllocations::FailingAllocations(bool arrays, std::uint32_t nth, bool onwards) {
   fault = {arrays, nth, onwards};
 }

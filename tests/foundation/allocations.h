@@ -10,10 +10,11 @@ namespace kelvaro {
 // Allocations of any kind by this thread since its start.
 std::uint64_t Allocations();
 
-// For its life every allocation by new (std::nothrow) fails but the first `good`. One at a time.
+// For its life every allocation by new (std::nothrow) fails but the first `good`; without `onwards`
+// the one behind these alone. One at a time.
 class FailingAllocations {
  public:
-  explicit FailingAllocations(std::int32_t good = 0);
+  explicit FailingAllocations(std::int32_t good = 0, bool onwards = true);
   ~FailingAllocations();
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;

@@ -212,6 +212,26 @@ TEST_F(ProfileFileTest, ReadsEveryListMemberByMember) {
   EXPECT_EQ(control.repeatLastTick, 0u);
 }
 
+TEST_F(ProfileFileTest, AFieldThatCantBeWrittenIsToldWhicheverItIsAndTheRestIsWritten) {
+  class Refusing : public ProfileFile {
+   public:
+    bool WriteField(std::uint16_t type, const ByteString& data) override {
+      return ++written != refused && ProfileFile::WriteField(type, data);
+    }
+    int refused = 0;
+    int written = 0;
+  };
+  // Of the lists 1, 2, 3, 11 and 12; of the Control, its Trigger, two actions and its timings.
+  constexpr int kFields = 1 + 1 + 2 + 3 + 1 + 3 + 3 + 2 * 4 + 1;
+  for (int nth = 0; nth <= kFields; ++nth) {
+    Refusing profile;
+    FillEverything(&profile);
+    profile.refused = nth;
+    EXPECT_EQ(profile.Save(), nth == 0) << nth;
+    EXPECT_EQ(profile.written, kFields) << nth;
+  }
+}
+
 TEST_F(ProfileFileTest, FlagsAreWrittenAs0And1AndAnEmptyDescriptionAsAnEmptyField) {
   ProfileFile profile;
   profile.profileName = "F";

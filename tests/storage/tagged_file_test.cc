@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/platform/simulation/simulation.h"
+#include "tests/foundation/allocations.h"
 #include "tests/platform/watched_files.h"
 #include "tests/storage/chunks.h"
 
@@ -475,6 +476,65 @@ TEST_F(TaggedFileTest, AFieldThatRunsOutOfFileFailsWithWhatThereWas) {
   EXPECT_EQ(file.Read(0), "x");
 }
 
+TEST_F(TaggedFileTest, ANumberThatRunsOutOfFileFails) {
+  Open("XFF" + Big(1, 2) + ListHead(10, 0, 1) + NumberField(7).substr(0, 9));
+  std::uint32_t value = 4711;
+  EXPECT_FALSE(file.ReadNumber(0, &value));
+  EXPECT_EQ(value, 4711u);
+}
+
+TEST_F(TaggedFileTest, AFieldIsNoListWhateverItsBytesSay) {
+  Open(Container({Field(Big(2, 4) + Big(0, 4)), Field("x")}));
+  EXPECT_FALSE(file.Descend(2));
+  EXPECT_FALSE(file.Descend(3));
+  EXPECT_EQ(file.Read(1), "x");
+}
+
+// ---- Outside of the list
+
+TEST_F(TaggedFileTest, StrayChunksAreFollowedUpToTheLimitOfEachFile) {
+  // Of a root that claims to hold nothing. Each counts 256 bytes, of which 1 MiB has 4,096.
+  const auto stray = [](std::uint32_t n) {
+    std::string bytes = "XFF" + Big(1, 2) + ListHead(0, 0, n);
+    for (; n > 0; --n) bytes += Field("");
+    return bytes;
+  };
+  for (int time = 0; time < 2; ++time) {
+    Open(stray(4096));
+    EXPECT_TRUE(file.Close());
+  }
+  Put(stray(4097));
+  EXPECT_FALSE(file.OpenForRead(kPath));
+}
+
+TEST_F(TaggedFileTest, AFieldThatReachesOutOfItsListIsReadUpToTheLimit) {
+  const struct {
+    std::uint32_t inside;  // of its bytes
+    std::uint32_t outside;
+    std::uint32_t reads;  // until 1 MiB is used up
+  } kRows[] = {
+      {10, 1, 4096},          {10, 256, 4096},  {10, 257, 4081}, {10, 1024, 1024},
+      {10, (1 << 20) - 1, 2}, {10, 1 << 20, 1}, {0, 1024, 1024},
+  };
+  const std::string list = List(9, {Field("ab")});
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.outside);
+    const auto size = static_cast<std::uint32_t>(list.size()) + 6 + row.inside;
+    Open("XFF" + Big(1, 2) + ListHead(size, 0, 2) + list +
+         Field(std::string(row.inside + row.outside, 'x')));
+    ASSERT_TRUE(file.Descend(9));
+    for (int i = 0; i < 5000; ++i) ASSERT_EQ(file.Read(0), "ab") << "it ends where its list does";
+    ASSERT_TRUE(file.Ascend());
+    std::uint32_t reads = 0;
+    ByteString data;
+    while (reads <= row.reads && file.ReadField(1, &data)) ++reads;
+    EXPECT_EQ(reads, row.reads);
+    ASSERT_TRUE(file.Descend(9));
+    EXPECT_EQ(file.Read(0), "ab") << "what lies inside needs nothing of the limit";
+    EXPECT_TRUE(file.Close());
+  }
+}
+
 // ---- Writing through the temporary
 
 TEST_F(TaggedFileTest, AFileIsWrittenBesideItsTargetAndPutInItsPlaceAtTheEnd) {
@@ -625,6 +685,50 @@ TEST_F(TaggedFileTest, WritingWhileAFileIsOpenFinishesThatOneFirst) {
   EXPECT_EQ(*Disk().FileBytes("/data/b.x"), Container({Field("second")}));
 }
 
+TEST_F(TaggedFileTest, AFieldThatFindsNoMemoryIsRefusedWhereverThatIs) {
+  // The room grows by doubling, so that it ends before, within and behind the field's head.
+  for (std::uint32_t n = 0; n < 48; ++n) {
+    Begin();
+    EXPECT_TRUE(file.WriteBytes(TextOf(std::string(n, 'x'))));
+    const ByteString data = TextOf(std::string(200, 'd'));
+    {
+      const FailingAllocations failing(0, false);
+      EXPECT_FALSE(file.WriteBytes(data)) << n;
+    }
+    EXPECT_TRUE(file.Close());
+  }
+}
+
+TEST_F(TaggedFileTest, AListThatFindsNoMemoryEndsTheFileWhereItIs) {
+  for (std::uint32_t n = 0; n < 48; ++n) {
+    const std::string before(n, 'x');
+    Begin();
+    EXPECT_TRUE(file.WriteBytes(TextOf(before)));
+    {
+      const FailingAllocations failing(0, false);
+      EXPECT_FALSE(file.Descend(1)) << n;
+    }
+    EXPECT_FALSE(file.isOpen) << n;
+    EXPECT_EQ(Disk().OpenHandles(), 0u) << n;
+    ASSERT_TRUE(file.OpenForRead(kPath)) << n;
+    EXPECT_EQ(file.ChildCount(), 1u) << n;
+    EXPECT_EQ(file.Read(0), before) << n;
+    EXPECT_TRUE(file.Close());
+  }
+}
+
+TEST_F(TaggedFileTest, WithoutMemoryForTheRootNothingIsBegun) {
+  Put("old");
+  {
+    const FailingAllocation failing(1);
+    EXPECT_FALSE(file.OpenForWrite(kPath));
+  }
+  EXPECT_FALSE(file.isOpen);
+  EXPECT_EQ(Disk().OpenHandles(), 0u);
+  EXPECT_EQ(Disk().FileBytes(kPath), "old");
+  Begin();
+}
+
 // ---- The temporary as what a read falls back on
 
 TEST_F(TaggedFileTest, AMissingOrUnreadableTargetIsRestoredFromItsTemporary) {
@@ -713,6 +817,15 @@ TEST_F(TaggedFileTest, ACutTargetIsNotRestoredFromATemporaryThatIsCutItself) {
   }
 }
 
+TEST_F(TaggedFileTest, ACutTargetIsRestoredFromAWholeTemporaryThatIsShorter) {
+  const std::string longer = Container({Field(std::string(600, 'a'))});
+  Put(longer.substr(0, longer.size() - 1));
+  Disk().PutFile(kTemporary, Container({Field("b")}));
+  ASSERT_TRUE(file.OpenForRead(kPath));
+  EXPECT_EQ(file.Read(0), "b");
+  EXPECT_EQ(file.openLists.count, 1);
+}
+
 TEST_F(TaggedFileTest, ACutTargetWhoseRestoreCantBeCopiedIsNotReadInItsPlace) {
   const std::string whole = Container({List(1, {Field("a")}), List(2, {Field("b")})});
   for (const std::uint32_t copyStep : {0u, 10u}) {
@@ -724,6 +837,7 @@ TEST_F(TaggedFileTest, ACutTargetWhoseRestoreCantBeCopiedIsNotReadInItsPlace) {
     });
     ShownFile file;
     EXPECT_FALSE(file.OpenForRead(kPath)) << "the next save would begin the temporary anew";
+    EXPECT_EQ(file.current, nullptr);
     EXPECT_EQ(Disk().FileBytes(kTemporary), whole);
     EXPECT_EQ(Disk().OpenHandles(), 0u);
   }
@@ -865,6 +979,7 @@ TEST(EntryCursor, StartsFromTheNearestOfBothEndsAndItsLastPlace) {
   LinkedList<ChunkEntry> entries;
   for (std::uint32_t i = 0; i < 20; ++i) entries.AddTail({2, i, 0});
   EntryCursor cursor;
+  EXPECT_EQ(cursor.LinksFollowed(), 0u);
   struct {
     std::int64_t place;
     std::uint64_t links;
