@@ -246,7 +246,10 @@ void ProfileRow::OnNewProfile() {
              platform::MB_ICONEXCLAMATION);
   if (session.shuttingDown) return;
   ClearProfile();
-  OnProfileSelected();  // of the one before, if there is one
+  const std::int32_t row = platform::controls().ComboGetCurSel(dialog.window, kProfileList);
+  if (row == platform::kNoRow) return;
+  platform::controls().ComboSetCurSel(dialog.window, kProfileList, row);
+  OnProfileSelected();
 }
 
 void ProfileRow::OnDeleteProfile() {

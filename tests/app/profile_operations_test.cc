@@ -285,9 +285,12 @@ TEST_F(ProfileOperationsTest, ANewProfileThatCannotBeWrittenGivesTheOldOneBack) 
       EXPECT_EQ(Profiles(), Strings({"Alpha"}));
       EXPECT_EQ(Remembered(), "Alpha");
       Disk().Restart();
+      sim.LogCalls(true);
+      sim.ClearCalls();
       screen.Answer(IDOK);
       EXPECT_FALSE(screen.BoxUp());
       EXPECT_EQ(Profiles(), Strings({"Alpha"}));
+      EXPECT_EQ(CallsOf(sim, {"ComboSetCurSel 1001"}), Strings{"ComboSetCurSel 1001 0"});
       EXPECT_EQ(OpenName(), "Alpha");
       EXPECT_EQ(Descriptions(), Strings({"a"}));
       ExpectSavedAs("Alpha.idprof");
