@@ -185,6 +185,16 @@ void DefineControlDialog::EnableFields() {
   OnHoldAllBox();
 }
 
+void DefineControlDialog::OnPressOrRelease(bool press) {
+  if (Checked(press ? kRelease : kPress)) return;
+  for (const std::uint32_t id : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldAllKeys}) {
+    Enable(id, press);
+  }
+  if (press) return;
+  Check(kRepeatCheck, false);
+  Check(kHoldAllKeys, false);
+}
+
 void DefineControlDialog::OnRepeatBox() {
   const bool repeats = Checked(kRepeatCheck);
   Enable(kHoldAllKeys, !repeats);
@@ -220,34 +230,20 @@ void DefineControlDialog::OnNotice(std::uint32_t id, platform::Notice notice, st
   if (notice != platform::Notice::Clicked) return;
   switch (id) {
     case kPress:
-      if (Checked(kRelease)) break;
-      for (const std::uint32_t field : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldAllKeys}) {
-        Enable(field, true);
-      }
-      break;
     case kRelease:
-      if (Checked(kPress)) break;
-      for (const std::uint32_t field : {kRepeatCheck, kDelayValue, kSpeedValue, kHoldAllKeys}) {
-        Enable(field, false);
-      }
-      Check(kRepeatCheck, false);
-      Check(kHoldAllKeys, false);
-      break;
+      return OnPressOrRelease(id == kPress);
     case kRepeatCheck:
-      OnRepeatBox();
-      break;
+      return OnRepeatBox();
     case kHoldAllKeys:
-      OnHoldAllBox();
-      break;
+      return OnHoldAllBox();
     case kDetectTrigger:
       detectTrigger = Checked(kDetectTrigger);
-      break;
+      return;
     case kDefaults:
-      OnDefaults();
-      break;
+      return OnDefaults();
     case kHelp:
       if (helpAvailable) ShowHelpTopic(kControlsTopic);
-      break;
+      return;
     default:
       ResizableDialog::OnNotice(id, notice, value);
   }

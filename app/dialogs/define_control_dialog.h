@@ -42,6 +42,7 @@ class DefineControlDialog : public ResizableDialog {
   void DeclareLayout();
   void TakeScratch();  // into the members below and the controls
   void EnableFields();
+  void OnPressOrRelease(bool press);
   void OnRepeatBox();
   void OnHoldAllBox();
   void OnDefaults();

@@ -377,12 +377,11 @@ TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
 }
 
 TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
-  StartWith({});
-  DefineControl().helpAvailable = false;
-  New();
-  const std::size_t before = screen.HelpCalls().size();
+  sim.FailNext("HtmlHelp");
+  OpenNew();
   screen.Click(kHelp);
-  EXPECT_EQ(screen.HelpCalls().size(), before);
+  screen.Press(0x70);
+  EXPECT_TRUE(screen.HelpCalls().empty());
 }
 
 TEST_F(DefineControlDialogTest, ChoosingASpecialKeyDoesNothing) {
@@ -969,6 +968,16 @@ TEST_F(DefineControlDialogTest, TheReminderIsGoneOnceItWasDeclinedForGood) {
   screen.Click(IDOK);
   EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_EQ(Keys(TheControl()), "A");
+}
+
+TEST_F(DefineControlDialogTest, AReminderThatCantComeUpIsANoAndComesAgain) {
+  OpenNew();
+  TypeControl("A");
+  sim.FailNext("RunDialog");
+  screen.Click(IDOK);
+  ASSERT_EQ(screen.Front(), define_control::kDialog);
+  screen.Click(IDOK);
+  EXPECT_EQ(screen.Front(), shift_key_required::kDialog);
 }
 
 TEST_F(DefineControlDialogTest, AStateThatComesDuringTheReminderStillCounts) {
