@@ -329,6 +329,13 @@ TEST_F(AppSettingsTest, WithoutTheUsersKeyCheckingMakesTheMachines) {
   EXPECT_FALSE(sim.Registry().HasKey(kMachineRun)) << "unchecking makes none";
 }
 
+TEST(AppSettings, TwoOfThemHaveACheckBox) {
+  Strings names;
+  for (const Setting& setting : kelvaro::Settings())
+    if (setting.checkBox != 0) names.push_back(setting.name);
+  EXPECT_EQ(names, (Strings{"Start Minimized", "Smart Check"}));
+}
+
 TEST_F(AppSettingsTest, ASettingWithoutACheckBoxIsNotThatOfAnyControl) {
   BeginOnSettings();
   const std::uint32_t before = sim.Registry().Commits();

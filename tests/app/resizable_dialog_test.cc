@@ -337,11 +337,13 @@ TEST_F(ResizableDialogTest, WhatHasNoParentIsAlignedWithThePage) {
   });
   const Rect first = screen.ControlPlace(kFirst);
   Grow(40, 30);
+  const Rect inside = screen.Inside();
   const Rect aligned = screen.ControlPlace(kFirst);
   Grow(20, 10);
   EXPECT_EQ(screen.ControlPlace(kFirst), Moved(aligned, 20, 10, 20, 10));
-  EXPECT_GT(aligned.left, first.left);
-  EXPECT_GT(aligned.top, first.top);
+  // The page's last pixels lie one beyond the inside, and the node is one less than the control.
+  EXPECT_EQ(aligned.left, inside.right - first.Width() + 2);
+  EXPECT_EQ(aligned.top, inside.bottom - first.Height() + 2);
 }
 
 TEST_F(ResizableDialogTest, BackAtTheOldSizeEverythingIsWhereItWas) {
