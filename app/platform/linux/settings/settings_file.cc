@@ -8,9 +8,11 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 #include "app/platform/linux/descriptor.h"
@@ -42,12 +44,22 @@ constexpr int kLittlePatienceMs = 20;
 constexpr int kLookAgainMs = 5;
 
 bool IsSame(const struct stat& a, const struct stat& b) {
-  return a.st_ino == b.st_ino && a.st_dev == b.st_dev && a.st_ino != 0;
+  return std::tie(a.st_dev, a.st_ino) == std::tie(b.st_dev, b.st_ino);
 }
 
 bool MeansDamaged(int result) {
   const int primary = result & 0xFF;
   return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
+}
+
+// By what a check of the whole file said. It also says what kept it from looking: no memory, or a
+// read that failed.
+int WholeBy(const std::string& said) {
+  constexpr std::string_view kWhy = "error code=";
+  const std::size_t why = said.find(kWhy);
+  const int code = why == std::string::npos ? 0 : std::atoi(&said[why + kWhy.size()]);
+  if ((code & 0xFF) == SQLITE_NOMEM || (code & 0xFF) == SQLITE_IOERR) return code;
+  return said == "ok" ? SQLITE_OK : SQLITE_CORRUPT;
 }
 
 std::uint32_t ErrorCode(int result) {
@@ -112,7 +124,8 @@ class SettingsFile::Statement {
                       SQLITE_STATIC);
   }
 
-  bool IsPrepared() const { return prepared == SQLITE_OK; }
+  // SQLITE_OK, or a failure.
+  int Prepared() const { return prepared; }
   // SQLITE_ROW, SQLITE_DONE, or a failure.
   int Step() { return prepared == SQLITE_OK ? sqlite3_step(statement) : prepared; }
   // SQLITE_OK for a row, `none` without one, or a failure.
@@ -193,10 +206,14 @@ int SettingsFile::Check(bool make) {
   if (version > kVersion) return SQLITE_PERM;  // a later program's: neither read nor lost
   Statement whole(database, "PRAGMA quick_check(1)");
   if (const int result = whole.Row(SQLITE_CORRUPT)) return result;
-  if (whole.Bytes(0) != "ok") return SQLITE_CORRUPT;
-  const Statement keys(database, "SELECT id, parent, name FROM key");
-  const Statement values(database, "SELECT id, key, name, type, data FROM value");
-  return keys.IsPrepared() && values.IsPrepared() ? SQLITE_OK : SQLITE_CORRUPT;
+  if (const int result = WholeBy(whole.Bytes(0))) return result;
+  for (const char* rows :
+       {"SELECT id, parent, name FROM key", "SELECT id, key, name, type, data FROM value"}) {
+    const int result = Statement(database, rows).Prepared();
+    if (result == SQLITE_ERROR) return SQLITE_CORRUPT;  // there are no such rows
+    if (result != SQLITE_OK) return result;
+  }
+  return SQLITE_OK;
 }
 
 int SettingsFile::OpenAs(int flags, bool make) {
@@ -229,7 +246,8 @@ int SettingsFile::Open(bool make) {
     Descriptor lock(-1);
     if (!LockFolderOf(path, PatienceMs(), &lock)) return SQLITE_BUSY;
     const int result = OpenAs(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, true);
-    if (result == SQLITE_OK && stat(path.c_str(), &opened) != 0) opened = {};
+    opened = {};
+    stat(path.c_str(), &opened);
     return result;
   }
   if (!S_ISREG(found.st_mode)) return SQLITE_CANTOPEN;

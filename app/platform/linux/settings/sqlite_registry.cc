@@ -40,7 +40,6 @@ SqliteRegistry::SqliteRegistry(const RegistryPlaces& places)
 void SqliteRegistry::OnTrouble(std::function<void(const std::string&)> newListener) {
   const std::lock_guard lock(mutex);
   listener = std::move(newListener);
-  if (!listener) return;
   for (const std::string& text : untold) listener(text);
   untold.clear();
 }

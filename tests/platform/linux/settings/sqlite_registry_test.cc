@@ -1,7 +1,9 @@
 #include "app/platform/linux/settings/sqlite_registry.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <signal.h>
 #include <sqlite3.h>
 #include <sys/file.h>
@@ -15,6 +17,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/platform/entry_text.h"
@@ -22,6 +25,7 @@
 #include "app/platform/linux/linux_platform.h"
 #include "tests/host/files.h"
 #include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 
 // The database's own calls come here, too: an executable's functions go before those of libraries.
 namespace {
@@ -42,6 +46,52 @@ namespace platform {
 namespace {
 
 using namespace kelvaro::tests;
+
+// Stands in for one of the system calls that the database makes by its own table.
+class DatabaseCall {
+ public:
+  DatabaseCall(const char* name, sqlite3_syscall_ptr call)
+      : name(name), before(vfs->xGetSystemCall(vfs, name)) {
+    EXPECT_EQ(vfs->xSetSystemCall(vfs, name, call), SQLITE_OK);
+  }
+  ~DatabaseCall() { vfs->xSetSystemCall(vfs, name, before); }
+  DatabaseCall(const DatabaseCall&) = delete;
+  DatabaseCall& operator=(const DatabaseCall&) = delete;
+
+ private:
+  sqlite3_vfs* const vfs = sqlite3_vfs_find(nullptr);
+  const char* const name;
+  const sqlite3_syscall_ptr before;
+};
+
+// Of the reads from that one on fail, of the writes that one, and how many there were.
+int failing = 0;
+int calls = 0;
+ssize_t ReadOrFail(int file, void* bytes, std::size_t size, off_t at) {
+  if (calls++ < failing) return pread(file, bytes, size, at);
+  errno = EIO;
+  return -1;
+}
+ssize_t WriteOrFail(int file, const void* bytes, std::size_t size, off_t at) {
+  if (calls++ != failing) return pwrite(file, bytes, size, at);
+  errno = ENOSPC;
+  return -1;
+}
+// What is done as the next file is closed.
+std::function<void()> atClose;
+int CloseAndAct(int file) {
+  if (const auto act = std::exchange(atClose, nullptr)) act();
+  return close(file);
+}
+// The same for the next one that is opened.
+std::function<void()> atOpen;
+int OpenAndAct(const char* path, int flags, int mode) {
+  const int file = open(path, flags, mode);
+  if (const auto act = std::exchange(atOpen, nullptr)) act();
+  return file;
+}
+sqlite3_syscall_ptr Call(auto* function) { return reinterpret_cast<sqlite3_syscall_ptr>(function); }
+
 using Names = std::vector<std::string>;
 
 constexpr const char* kRun = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
@@ -233,8 +283,11 @@ TEST_F(SqliteRegistryTest, HandlesThatAreNotOpenAreInvalid) {
   const HKEY key = Create(kGame);
   EXPECT_EQ(registry->RegCloseKey(key), ERROR_SUCCESS);
   EXPECT_EQ(registry->RegCloseKey(key), ERROR_INVALID_HANDLE);
-  EXPECT_EQ(registry->RegCloseKey(HKEY_CURRENT_USER), ERROR_SUCCESS);
   HKEY other = 0;
+  for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
+    EXPECT_EQ(registry->RegOpenKeyA(hive, "", &other), ERROR_SUCCESS);
+    EXPECT_EQ(registry->RegCloseKey(hive), ERROR_SUCCESS);
+  }
   EXPECT_EQ(registry->RegOpenKeyA(key, "", &other), ERROR_INVALID_HANDLE);
   EXPECT_EQ(registry->RegCreateKeyA(key, "x", &other), ERROR_INVALID_HANDLE);
   EXPECT_EQ(Put(key, "n", "1"), ERROR_INVALID_HANDLE);
@@ -475,10 +528,16 @@ TEST_F(SqliteRegistryTest, AJournalGoesAsideWithItsFile) {
 }
 
 TEST_F(SqliteRegistryTest, AnotherProgramsDatabaseIsSetAside) {
-  std::filesystem::create_directories(In("config/kelvaro"));
-  sqlite3_close(Other("CREATE TABLE key (x)"));
-  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
-  EXPECT_EQ(FilesIn(In("config/kelvaro")), (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+  for (const char* statement :
+       {"CREATE TABLE key (x)", "PRAGMA application_id = 7", "PRAGMA user_version = 1"}) {
+    SCOPED_TRACE(statement);
+    std::filesystem::remove_all(In("config/kelvaro"));
+    std::filesystem::create_directories(In("config/kelvaro"));
+    sqlite3_close(Other(statement));
+    EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+    EXPECT_EQ(FilesIn(In("config/kelvaro")),
+              (Names{"settings.sqlite3", "settings.sqlite3.damaged"}));
+  }
 }
 
 TEST_F(SqliteRegistryTest, ALaterProgramsFileIsNeitherReadNorLost) {
@@ -492,6 +551,202 @@ TEST_F(SqliteRegistryTest, ALaterProgramsFileIsNeitherReadNorLost) {
   EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
   EXPECT_EQ(Content(places.userFile), bytes);
   EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
+}
+
+TEST_F(SqliteRegistryTest, AFileWithoutItsTablesIsSetAside) {
+  for (const char* table : {"key", "value"}) {
+    Put(Create(kGame), "n", "1");
+    registry.reset();
+    sqlite3_close(Other((std::string("DROP TABLE ") + table).c_str()));
+    Start();
+    EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2") << table;
+  }
+  EXPECT_EQ(FilesIn(In("config/kelvaro")),
+            (Names{"settings.sqlite3.damaged", "settings.sqlite3.damaged.2"}));
+}
+
+TEST_F(SqliteRegistryTest, AKeyThatTheFileDoesNotKeepIsRefused) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  sqlite3_close(
+      Other("CREATE TRIGGER gone AFTER INSERT ON key"
+            " BEGIN DELETE FROM key WHERE id = new.id; END"));
+  Start();
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, "New", &key), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
+  EXPECT_EQ(troubles, Names{});
+}
+
+// By a program that was stopped between making the file and filling it.
+TEST_F(SqliteRegistryTest, AFileThatWasNeverFilledIsFilled) {
+  std::filesystem::create_directories(In("config/kelvaro"));
+  sqlite3_close(Other("CREATE TABLE gone (x); DROP TABLE gone"));
+  ASSERT_NE(Content(places.userFile), "");
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+  EXPECT_EQ(GetIn(*Another(), kGame, "n"), "1");
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, AFileThatSomebodyFillsIsBusy) {
+  std::filesystem::create_directories(In("config/kelvaro"));
+  sqlite3* const other = Other("BEGIN EXCLUSIVE");
+  HKEY key = 0;
+  EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_BUSY);
+  sqlite3_close(other);
+  EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS);
+}
+
+// From each of its reads on.
+TEST_F(SqliteRegistryTest, AReadThatFailsIsNoDamage) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  const std::string bytes = Content(places.userFile);
+  const DatabaseCall read("pread", Call(ReadOrFail)), read64("pread64", Call(ReadOrFail));
+  for (failing = 0;; ++failing) {
+    calls = 0;
+    Start();
+    const std::string found = GetIn(*registry, kGame, "n");
+    if (calls <= failing) {
+      EXPECT_EQ(found, "1");
+      break;
+    }
+    EXPECT_EQ(found, "!5") << failing;
+  }
+  EXPECT_GT(failing, 2);
+  EXPECT_EQ(Content(places.userFile), bytes);
+  EXPECT_EQ(troubles, Names{});
+}
+
+// With more at each turn, until it is enough.
+TEST_F(SqliteRegistryTest, WithoutMemoryNothingIsReadOrSetAside) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  const std::string bytes = Content(places.userFile);
+  const std::int64_t used = sqlite3_memory_used();
+  int refused = 0;
+  for (std::int64_t more = 1;; more += 500) {
+    Start();
+    sqlite3_hard_heap_limit64(used + more);
+    const std::string found = GetIn(*registry, kGame, "n");
+    sqlite3_hard_heap_limit64(0);
+    registry.reset();
+    ASSERT_TRUE(Content(places.userFile) == bytes) << more;
+    if (found == "1") break;
+    ASSERT_EQ(found, "!5") << more;
+    ++refused;
+  }
+  EXPECT_GT(refused, 10);
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, WithoutMemoryNothingOfAKeyIsMade) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  const std::int64_t used = sqlite3_memory_used();
+  int refused = 0;
+  for (std::int64_t more = 1;; more += 500) {
+    Start();
+    HKEY key = 0;
+    sqlite3_hard_heap_limit64(used + more);
+    const std::uint32_t result =
+        registry->RegCreateKeyA(HKEY_CURRENT_USER, "Software\\A\\B\\C", &key);
+    sqlite3_hard_heap_limit64(0);
+    if (result == ERROR_SUCCESS) break;
+    ASSERT_EQ(result, ERROR_ACCESS_DENIED) << more;
+    ++refused;
+    ASSERT_EQ(GetIn(*registry, kGame, "n"), "1") << more;
+    ASSERT_EQ(SubkeyNames(Create("Software")), Names{"Game"}) << more;
+  }
+  EXPECT_GT(refused, 10);
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, AFullDiskIsToldAndLosesNothing) {
+  const DatabaseCall write("pwrite", Call(WriteOrFail)), write64("pwrite64", Call(WriteOrFail));
+  for (failing = 0;; ++failing) {
+    calls = 0;
+    std::filesystem::remove(places.userFile);
+    Start();
+    HKEY key = 0;
+    std::uint32_t result = registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key);
+    if (result == ERROR_SUCCESS) result = Put(key, "n", "1");
+    if (result == ERROR_SUCCESS) result = Put(key, "n", "2");
+    if (calls <= failing) {
+      EXPECT_EQ(result, ERROR_SUCCESS);
+      break;
+    }
+    EXPECT_EQ(result, ERROR_DISK_FULL) << failing;
+    registry.reset();
+    const std::string now = GetIn(*Another(), kGame, "n");
+    EXPECT_TRUE(now == "!2" || now == "1") << failing << now;
+    const auto next = Another();
+    EXPECT_EQ(Put(*next, Create(*next, kGame), "n", "3"), ERROR_SUCCESS) << failing;
+  }
+  EXPECT_GT(failing, 2);
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, AFileThatIsReplacedWhileItIsOpenedIsBusy) {
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  Start();
+  const DatabaseCall opened("open", Call(OpenAndAct));
+  atOpen = [this] {
+    std::filesystem::rename(places.userFile, In("before"));
+    std::filesystem::copy_file(In("before"), places.userFile);
+  };
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!170");
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
+}
+
+// Another program may be faster with a damaged file.
+TEST_F(SqliteRegistryTest, AFileThatIsSoundOrGoneWhenItIsToBeSetAsideStays) {
+  const std::string path = places.userFile;
+  Put(Create(kGame), "n", "1");
+  registry.reset();
+  std::filesystem::copy_file(path, In("sound"));
+  const DatabaseCall closed("close", Call(CloseAndAct));
+  PutFile(path, std::string(5000, 'x'));
+  Start();
+  atClose = [&] { std::filesystem::rename(In("sound"), path); };
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
+  registry.reset();
+  PutFile(path, std::string(5000, 'x'));
+  Start();
+  atClose = [&] { std::filesystem::remove(path); };
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!2");
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{});
+  EXPECT_EQ(troubles, Names{});
+}
+
+TEST_F(SqliteRegistryTest, ADamagedFileThatCanNotBeRenamedIsNotUsed) {
+  PutFile(places.userFile, "damaged");
+  WhereRefused({{SYS_rename, EPERM}}, [&] { EXPECT_EQ(GetIn(*registry, kGame, "n"), "!5"); });
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "!5");
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{"settings.sqlite3"});
+  EXPECT_EQ(troubles, Names{"The settings file " + places.userFile +
+                            " is damaged and can't be renamed (Operation not permitted). "
+                            "Its settings are not used."});
+}
+
+TEST_F(SqliteRegistryTest, WhereFoldersCanNotBeLockedItWorksAsWell) {
+  WhereRefused({{SYS_flock, ENOLCK}},
+               [&] { EXPECT_EQ(Put(Create(kGame), "n", "1"), ERROR_SUCCESS); });
+  EXPECT_EQ(GetIn(*Another(), kGame, "n"), "1");
+}
+
+TEST_F(SqliteRegistryTest, WithoutDescriptorsNothingIsReadOrMade) {
+  HKEY key = 0;
+  WhereRefused({{SYS_openat, EMFILE}}, [&] {
+    EXPECT_EQ(registry->RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
+  });
+  EXPECT_EQ(FilesIn(In("config/kelvaro")), Names{});
+  Put(Create(kGame), "n", "1");
+  Start();
+  WhereRefused({{SYS_openat, EMFILE}}, [&] { EXPECT_EQ(GetIn(*registry, kGame, "n"), "!5"); });
+  EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
 }
 
 TEST_F(SqliteRegistryTest, AnEmptyFileIsFilled) {
@@ -550,6 +805,11 @@ TEST_F(SqliteRegistryTest, ALockedFileIsBusyAndNoDamage) {
   EXPECT_EQ(SubkeyNames(HKEY_CURRENT_USER), Names{});
   sqlite3_close(other);
   EXPECT_EQ(GetIn(*registry, kGame, "n"), "1");
+  key = Create(kGame);
+  sqlite3* const writer = Other("BEGIN IMMEDIATE");
+  EXPECT_EQ(Put(key, "n", "2"), ERROR_BUSY);
+  EXPECT_EQ(Get(key, "n"), "1");
+  sqlite3_close(writer);
   EXPECT_EQ(troubles, Names{});
 }
 
@@ -587,6 +847,9 @@ TEST_F(SqliteRegistryTest, APlaceThatIsNoFileCanNotBeWritten) {
   EXPECT_EQ(nowhere.RegCreateKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
   ASSERT_EQ(nowhere.RegOpenKeyA(HKEY_CURRENT_USER, kRun, &key), ERROR_SUCCESS);
   EXPECT_EQ(Put(nowhere, key, "Kelvaro", "/x"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Get(nowhere, key, "Kelvaro"), "!2");
+  SqliteRegistry tooLong(RegistryPlaces{In(std::string(300, 'x') + "/settings.sqlite3"), "", ""});
+  EXPECT_EQ(tooLong.RegOpenKeyA(HKEY_CURRENT_USER, kGame, &key), ERROR_ACCESS_DENIED);
 }
 
 TEST_F(SqliteRegistryTest, AFileThatIsTakenAwayIsLeftForTheNewOne) {
@@ -667,6 +930,33 @@ TEST_F(SqliteRegistryTest, OtherProgramsEntriesAreNotTouched) {
                    "other.desktop"}));
 }
 
+TEST_F(SqliteRegistryTest, WhatIsNamedOrMadeOtherwiseIsNoEntry) {
+  Put(OpenRun(), "Kelvaro", "/x");
+  const std::string entry = Autostart("kelvaro-Kelvaro.desktop");
+  for (const char* name : {"kelvaro-.desktop", "kelvaro-Another.text", "another-Kelvaro.desktop"})
+    PutFile(places.autostartFolder + "/" + name, entry);
+  std::filesystem::create_directory(places.autostartFolder + "/kelvaro-Folder.desktop");
+  EXPECT_EQ(ValueNames(OpenRun()), Names{"Kelvaro"});
+  EXPECT_EQ(Put(OpenRun(), "Folder", "/x"), ERROR_ACCESS_DENIED);
+}
+
+TEST_F(SqliteRegistryTest, AnEntryIsThereAsAWholeOrAsItWas) {
+  const HKEY run = OpenRun();
+  PutFile(places.autostartFolder, "no folder");
+  EXPECT_EQ(Put(run, "Kelvaro", "/x"), ERROR_ACCESS_DENIED);
+  std::filesystem::remove(places.autostartFolder);
+  Put(run, "Kelvaro", "/x");
+  for (const long call : {SYS_openat, SYS_write, SYS_fsync, SYS_close, SYS_rename}) {
+    WhereRefused({{call, EIO}},
+                 [&] { EXPECT_EQ(Put(run, "Kelvaro", "/y"), ERROR_ACCESS_DENIED) << call; });
+    EXPECT_EQ(Get(run, "Kelvaro"), "/x") << call;
+    EXPECT_EQ(FilesIn(places.autostartFolder), Names{"kelvaro-Kelvaro.desktop"}) << call;
+  }
+  WhereRefused({{SYS_unlink, EIO}},
+               [&] { EXPECT_EQ(registry->RegDeleteValueA(run, "Kelvaro"), ERROR_ACCESS_DENIED); });
+  EXPECT_EQ(Get(run, "Kelvaro"), "/x");
+}
+
 TEST_F(SqliteRegistryTest, AnEntryThatWasSwitchedOffIsNotThereUntilItIsWritten) {
   const HKEY run = OpenRun();
   for (const char* off : {"Hidden=true\n", "X-GNOME-Autostart-enabled=false\n"}) {
@@ -675,6 +965,7 @@ TEST_F(SqliteRegistryTest, AnEntryThatWasSwitchedOffIsNotThereUntilItIsWritten) 
             Autostart("kelvaro-Kelvaro.desktop") + off);
     EXPECT_EQ(Get(run, "Kelvaro"), "!2") << off;
     EXPECT_EQ(ValueNames(run), Names{}) << off;
+    EXPECT_EQ(registry->RegDeleteValueA(run, "Kelvaro"), ERROR_FILE_NOT_FOUND) << off;
     EXPECT_EQ(Put(run, "Kelvaro", "/y"), ERROR_SUCCESS);
     EXPECT_EQ(Get(run, "Kelvaro"), "/y") << off;
   }
@@ -683,8 +974,8 @@ TEST_F(SqliteRegistryTest, AnEntryThatWasSwitchedOffIsNotThereUntilItIsWritten) 
 TEST_F(SqliteRegistryTest, OnlyStringsWithNamesForAFileCanStartAtLogin) {
   const HKEY run = OpenRun();
   EXPECT_EQ(registry->RegSetValueExA(run, "n", REG_DWORD, "1234", 4), ERROR_INVALID_PARAMETER);
-  for (const std::string& name :
-       {std::string(), std::string("a/b"), std::string("a\nb"), std::string(201, 'x')}) {
+  for (const std::string& name : {std::string(), std::string("a/b"), std::string("a\nb"),
+                                  std::string("a\x7F"), std::string(201, 'x')}) {
     EXPECT_EQ(Put(run, name, "/x"), ERROR_INVALID_PARAMETER) << name;
   }
   EXPECT_EQ(FilesIn(places.autostartFolder), Names{});
@@ -722,9 +1013,14 @@ TEST(AutostartEntry, ProgramsAreQuotedByTheEntryRules) {
 }
 
 TEST(AutostartEntry, AnExecWithArgumentsReadsAsItStands) {
-  for (const char* exec : {"/usr/bin/kelvaro --x", "\"/a b\" --x", "\"/never ends", "'/a b'"}) {
+  for (const char* exec : {"/usr/bin/kelvaro --x", "\"/a b\" --x", "\"/never ends",
+                           "\"/never ends\\", "'/a b'", "/a%f", "/a%"}) {
     EXPECT_EQ(ProgramOf(exec), exec);
   }
+}
+
+TEST(AutostartEntry, ABackslashInQuotesStandsForItselfBeforeOtherCharacters) {
+  EXPECT_EQ(ProgramOf(R"("/a\b c")"), R"(/a\b c)");
 }
 
 class ConfigFolderTest : public ::testing::Test, protected TemporaryFolder {
@@ -746,6 +1042,24 @@ TEST_F(ConfigFolderTest, FollowsTheEnvironment) {
   }
   config.Set(nullptr);
   EXPECT_EQ(ConfigFolder(), "/home/player/.config");
+}
+
+TEST_F(ConfigFolderTest, WithoutAHomeInTheEnvironmentItIsTheSystemsOrNone) {
+  home.Set(nullptr);
+  EXPECT_EQ(ConfigFolder(), std::string(getpwuid(getuid())->pw_dir) + "/.config");
+  WhereRefused({{SYS_openat, EMFILE}}, [] { EXPECT_EQ(ConfigFolder(), ""); });
+  home.Set("relative");
+  EXPECT_EQ(ConfigFolder(), "");
+  EXPECT_EQ(UsualRegistryPlaces().userFile, "");
+}
+
+TEST_F(ConfigFolderTest, FoldersAreMadeDownToTheLast) {
+  EXPECT_TRUE(MakeFolders(In("a/b/c")));
+  EXPECT_TRUE(std::filesystem::is_directory(In("a/b/c")));
+  Put(In("file"), "");
+  EXPECT_FALSE(MakeFolders(In("file/d")));
+  EXPECT_FALSE(MakeFolders(In("file")));
+  EXPECT_FALSE(MakeFolders(""));
 }
 
 TEST_F(ConfigFolderTest, SoDoesTheFolderOfAPersonsData) {
