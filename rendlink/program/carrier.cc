@@ -14,6 +14,8 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
+#include <iterator>
 #include <optional>
 
 #include "app/platform/linux/find_program.h"
@@ -21,6 +23,9 @@
 
 namespace kelvaro::rendlink {
 namespace {
+
+using platform::Descriptor;
+using platform::Retry;
 
 constexpr char kSocketName[] = "/carrier";
 constexpr char kShell[] = "/bin/sh";
@@ -31,23 +36,21 @@ int Complain(const std::string& text) {
   return 1;
 }
 
-bool WriteAll(int fd, const void* bytes, std::size_t size) {
+bool SendAll(const Descriptor& to, const void* bytes, std::size_t size) {
   const char* at = static_cast<const char*>(bytes);
   while (size > 0) {
-    const ssize_t sent = send(fd, at, size, MSG_NOSIGNAL);
-    if (sent < 0 && errno == EINTR) continue;
-    if (sent <= 0) return false;
+    const ssize_t sent = Retry([&] { return send(to.Get(), at, size, MSG_NOSIGNAL); });
+    if (sent < 0) return false;
     at += sent;
     size -= static_cast<std::size_t>(sent);
   }
   return true;
 }
 
-bool ReadAll(int fd, void* bytes, std::size_t size) {
+bool ReadAll(const Descriptor& from, void* bytes, std::size_t size) {
   char* at = static_cast<char*>(bytes);
   while (size > 0) {
-    const ssize_t received = read(fd, at, size);
-    if (received < 0 && errno == EINTR) continue;
+    const ssize_t received = Retry([&] { return read(from.Get(), at, size); });
     if (received <= 0) return false;
     at += received;
     size -= static_cast<std::size_t>(received);
@@ -56,18 +59,18 @@ bool ReadAll(int fd, void* bytes, std::size_t size) {
 }
 
 // The size, and then each text with a zero byte behind it.
-bool SendGame(int fd, const Game& game) {
+bool SendGame(const Descriptor& to, const Game& game) {
   std::string all = game.program + '\0' + game.folder + '\0';
   for (const std::string& word : game.words) all += word + '\0';
   const auto size = static_cast<std::uint32_t>(all.size());
-  return WriteAll(fd, &size, sizeof size) && WriteAll(fd, all.data(), all.size());
+  return SendAll(to, &size, sizeof size) && SendAll(to, all.data(), all.size());
 }
 
-bool ReceiveGame(int fd, Game* game) {
+bool ReceiveGame(const Descriptor& from, Game* game) {
   std::uint32_t size = 0;
-  if (!ReadAll(fd, &size, sizeof size)) return false;
+  if (!ReadAll(from, &size, sizeof size)) return false;
   std::string all(size, '\0');
-  if (!ReadAll(fd, all.data(), size)) return false;
+  if (!ReadAll(from, all.data(), size)) return false;
   Words texts;
   for (std::size_t at = 0; at < all.size();) {
     const std::size_t end = all.find('\0', at);
@@ -80,29 +83,19 @@ bool ReceiveGame(int fd, Game* game) {
   return true;
 }
 
-// A path of any length: an address has room for little more than a hundred bytes.
-class Address {
- public:
-  explicit Address(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    folder = open(path.substr(0, slash).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    const std::string name = "/proc/self/fd/" + std::to_string(folder) + path.substr(slash);
-    address.sun_family = AF_UNIX;
-    if (folder >= 0 && name.size() < sizeof address.sun_path)
-      memcpy(address.sun_path, name.c_str(), name.size() + 1);
-  }
-  ~Address() {
-    if (folder >= 0) close(folder);
-  }
-  Address(const Address&) = delete;
-  Address& operator=(const Address&) = delete;
-
-  const sockaddr* Get() const { return reinterpret_cast<const sockaddr*>(&address); }
-
- private:
-  int folder = -1;
+// Binds or connects at a path of any length: an address has room for little more than a hundred
+// bytes.
+bool CallAt(int (*call)(int, const sockaddr*, socklen_t), const Descriptor& socket,
+            const std::filesystem::path& path) {
+  const Descriptor folder(open(path.parent_path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  const std::string name =
+      "/proc/self/fd/" + std::to_string(folder.Get()) + "/" + path.filename().string();
   sockaddr_un address{};
-};
+  address.sun_family = AF_UNIX;
+  if (name.size() >= sizeof address.sun_path) return false;
+  memcpy(address.sun_path, name.c_str(), name.size());
+  return call(socket.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
 
 // While this object lives, signals are something to read. A new process gets them as before.
 class Signals {
@@ -113,36 +106,43 @@ class Signals {
     sigaddset(&taken, SIGCHLD);
     for (const int signal : kForwarded) sigaddset(&taken, signal);
     sigprocmask(SIG_BLOCK, &taken, &before);
-    fd = signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK);
+    // Where ends of children are ignored, none is told.
+    childBefore = signal(SIGCHLD, SIG_DFL);
+    incoming = Descriptor(signalfd(-1, &taken, SFD_CLOEXEC | SFD_NONBLOCK));
   }
-  ~Signals() {
-    if (fd >= 0) close(fd);
-    sigprocmask(SIG_SETMASK, &before, nullptr);
-  }
+  ~Signals() { Restore(); }
   Signals(const Signals&) = delete;
   Signals& operator=(const Signals&) = delete;
 
-  int Fd() const { return fd; }
-  void Restore() const { sigprocmask(SIG_SETMASK, &before, nullptr); }
+  // A new process, 0 in itself; -1, with errno set, where there can be none, or no signals.
+  pid_t Fork() const {
+    const pid_t process = incoming ? fork() : -1;
+    if (process == 0) Restore();
+    return process;
+  }
+  int Fd() const { return incoming.Get(); }
   // The next one that came; 0 for none.
   int Take() const {
     signalfd_siginfo info;
-    return read(fd, &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
+    return read(Fd(), &info, sizeof info) == sizeof info ? static_cast<int>(info.ssi_signo) : 0;
   }
 
  private:
+  void Restore() const {
+    signal(SIGCHLD, childBefore);
+    sigprocmask(SIG_SETMASK, &before, nullptr);
+  }
+
   sigset_t before;
-  int fd = -1;
+  sighandler_t childBefore;
+  Descriptor incoming;
 };
 
-// Whether the process has ended, its status then in *status.
-bool HasEnded(pid_t process, int* status) {
+// Whether the child has ended, its status then in *status.
+bool HasEnded(pid_t child, int* status) {
   int value = 0;
-  pid_t found;
-  do found = waitpid(process, &value, WNOHANG);
-  while (found < 0 && errno == EINTR);
-  if (found == 0) return false;
-  *status = found < 0 ? 1 : WIFEXITED(value) ? WEXITSTATUS(value) : 128 + WTERMSIG(value);
+  if (waitpid(child, &value, WNOHANG) == 0) return false;
+  *status = WIFEXITED(value) ? WEXITSTATUS(value) : 128 + WTERMSIG(value);
   return true;
 }
 
@@ -173,25 +173,20 @@ class Wait {
  public:
   Wait(pid_t kelvaro, const CarrierSocket& socket, const Game& game)
       : kelvaro(kelvaro), listener(socket.Listener()), game(game) {}
-  ~Wait() {
-    if (connection >= 0) close(connection);
-  }
-  Wait(const Wait&) = delete;
-  Wait& operator=(const Wait&) = delete;
 
   int Run(const Signals& signals) {
-    while (kelvaroRuns || connection >= 0) {
+    while (kelvaroRuns || connection) {
       pollfd wanted[] = {{signals.Fd(), POLLIN, 0},
-                         {connection >= 0 ? connection
-                          : met           ? -1
-                                          : listener,
-                          POLLIN, 0}};
-      if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
-      while (const int signal = signals.Take()) OnSignal(signal);
-      if (connection >= 0) {
-        if (wanted[1].fd == connection && wanted[1].revents != 0) ReadStatus();
-      } else if (!met) {
+                         {met ? connection.Get() : listener.Get(), POLLIN, 0}};
+      Retry([&] { return poll(wanted, std::size(wanted), -1); });
+      while (const int signal = signals.Take())
+        if (signal != SIGCHLD) OnSignal(signal);
+      int ignored = 0;
+      kelvaroRuns = kelvaroRuns && !HasEnded(kelvaro, &ignored);
+      if (!met) {
         Meet();
+      } else if (wanted[1].revents != 0) {
+        ReadStatus();
       }
     }
     if (status) return *status;
@@ -202,21 +197,18 @@ class Wait {
 
  private:
   void OnSignal(int signal) {
-    if (signal == SIGCHLD) {
-      int ignored = 0;
-      if (kelvaroRuns && HasEnded(kelvaro, &ignored)) kelvaroRuns = false;
-    } else if (connection >= 0) {
+    if (connection) {
       const auto byte = static_cast<std::uint8_t>(signal);
-      WriteAll(connection, &byte, 1);
+      SendAll(connection, &byte, 1);
     } else {
       if (!met) stopped = signal;
-      if (kelvaroRuns) kill(kelvaro, SIGTERM);
+      kill(kelvaro, SIGTERM);
     }
   }
 
   void Meet() {
-    connection = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-    if (connection < 0) return;
+    connection = Descriptor(accept4(listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!connection) return;
     met = true;
     SendGame(connection, game);
     // It came too late: the carrier hands it on.
@@ -226,16 +218,15 @@ class Wait {
   void ReadStatus() {
     std::uint32_t value = 0;
     if (ReadAll(connection, &value, sizeof value)) status = static_cast<int>(value);
-    close(connection);
-    connection = -1;
+    connection = Descriptor();
   }
 
   const pid_t kelvaro;
-  const int listener;
+  const Descriptor& listener;
   const Game& game;
   bool kelvaroRuns = true;
   bool met = false;  // the carrier
-  int connection = -1;
+  Descriptor connection;
   int stopped = 0;  // the signal that came before there was a game
   std::optional<int> status;
 };
@@ -250,15 +241,12 @@ CarrierSocket::CarrierSocket() {
     folder.clear();
     return;
   }
-  listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+  listener = Descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   const std::string wanted = folder + kSocketName;
-  if (listener >= 0 && bind(listener, Address(wanted).Get(), sizeof(sockaddr_un)) == 0 &&
-      listen(listener, 1) == 0)
-    path = wanted;
+  if (CallAt(bind, listener, wanted) && listen(listener.Get(), 1) == 0) path = wanted;
 }
 
 CarrierSocket::~CarrierSocket() {
-  if (listener >= 0) close(listener);
   if (folder.empty()) return;
   unlink((folder + kSocketName).c_str());
   rmdir(folder.c_str());
@@ -293,28 +281,24 @@ bool SocketCarrier::Prepare(const Game& carried, std::string* args, std::string*
 
 int SocketCarrier::Run(const Words& kelvaro) {
   const Signals signals;
-  const pid_t process = fork();
+  const pid_t process = signals.Fork();
   if (process < 0) return Complain(std::string("Kelvaro can't be started: ") + strerror(errno));
   if (process == 0) {
     // Ctrl-C is for the game, which this process hands it to.
     setpgid(0, 0);
-    signals.Restore();
     Become(kelvaro[0], kelvaro);
   }
   return Wait(process, *socket, *game).Run(signals);
 }
 
 int Carry(const std::string& socketPath) {
-  const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const Descriptor connection(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   Game game;
-  if (socketPath.find('/') == std::string::npos || connection < 0 ||
-      connect(connection, Address(socketPath).Get(), sizeof(sockaddr_un)) != 0 ||
-      !ReceiveGame(connection, &game))
+  if (!CallAt(connect, connection, socketPath) || !ReceiveGame(connection, &game))
     return Complain("--carry is for Rendlink's own use, and nobody waits at " + socketPath);
   const Signals signals;
-  const pid_t process = fork();
+  const pid_t process = signals.Fork();
   if (process == 0) {
-    signals.Restore();
     if (chdir(game.folder.c_str()) == 0) Become(game.program, game.words);
     Complain(game.folder + ": " + strerror(errno));
     _exit(126);
@@ -324,11 +308,11 @@ int Carry(const std::string& socketPath) {
   bool running = process > 0;
   bool heard = true;  // until the other end is gone: the game then goes on without it
   while (running) {
-    pollfd wanted[] = {{signals.Fd(), POLLIN, 0}, {heard ? connection : -1, POLLIN, 0}};
-    if (poll(wanted, 2, -1) < 0 && errno != EINTR) break;
-    std::uint8_t sent = 0;
-    if (heard && wanted[1].revents != 0) {
-      heard = read(connection, &sent, 1) == 1;
+    pollfd wanted[] = {{signals.Fd(), POLLIN, 0}, {heard ? connection.Get() : -1, POLLIN, 0}};
+    Retry([&] { return poll(wanted, std::size(wanted), -1); });
+    if (wanted[1].revents != 0) {
+      std::uint8_t sent = 0;
+      heard = ReadAll(connection, &sent, 1);
       if (heard) kill(process, sent);
     }
     while (const int signal = signals.Take())
@@ -336,8 +320,7 @@ int Carry(const std::string& socketPath) {
     running = !HasEnded(process, &status);
   }
   const auto value = static_cast<std::uint32_t>(status);
-  WriteAll(connection, &value, sizeof value);
-  close(connection);
+  SendAll(connection, &value, sizeof value);
   return status;
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "app/platform/linux/descriptor.h"
 #include "rendlink/command_line.h"
 
 namespace kelvaro::rendlink {
@@ -21,12 +22,12 @@ class CarrierSocket {
   CarrierSocket& operator=(const CarrierSocket&) = delete;
 
   const std::string& Path() const { return path; }
-  int Listener() const { return listener; }
+  const platform::Descriptor& Listener() const { return listener; }
 
  private:
   std::string folder;
   std::string path;
-  int listener = -1;
+  platform::Descriptor listener;
 };
 
 // While it waits, SIGINT, SIGTERM and SIGHUP go to the game; as long as there is none, they end

@@ -1,11 +1,18 @@
 // The program `rendlink` itself, with the real Kelvaro off the screen.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <memory>
+#include <sstream>
 
+#include "app/platform/linux/descriptor.h"
+#include "tests/host/refused_calls.h"
 #include "tests/program/machine.h"
 #include "tests/program/stored_settings.h"
 
@@ -75,6 +82,32 @@ class RendlinkProgramTest : public testing::Test {
   }
   bool Says(const Child& child, const std::string& text) const {
     return child.Log().find(text) != std::string::npos;
+  }
+  // The same with a script in Kelvaro's place, in which "$rendlink" $carry is the carrier's start.
+  std::unique_ptr<Child> PlayWith(const std::string& kelvaro, const Words& options) {
+    const std::string folder = home.In("programs");
+    fs::create_directories(folder + "/Profiles");
+    fs::copy_file(Program("rendlink"), folder + "/rendlink");
+    fs::copy_file(Program("Profiles/Desktop.idprof"), folder + "/Profiles/Desktop.idprof");
+    PutScript(folder + "/kelvaro",
+              "rendlink=${0%/*}/rendlink\n"
+              "for word; do case $word in args=*) carry=${word#args=}; esac; done\n" +
+                  kelvaro + "\n");
+    Words arguments = {"--profile", "Desktop"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return Run(arguments, kOffScreen, folder + "/rendlink");
+  }
+  // What a running game has printed as a line of its own: numbers of processes.
+  std::vector<pid_t> Printed(const Child& child, std::size_t count) const {
+    std::vector<pid_t> numbers;
+    Eventually([&] {
+      numbers.clear();
+      std::istringstream text(child.Out());
+      for (pid_t number; text >> number;) numbers.push_back(number);
+      return numbers.size() == count && child.Out().ends_with('\n');
+    });
+    numbers.resize(count);
+    return numbers;
   }
 
   static const std::map<std::string, std::string> kOffScreen;
@@ -185,12 +218,31 @@ TEST_F(RendlinkProgramTest, AGameThatCantBeRunIsToldAsAShellDoes) {
     int status;
     const char* reason;
   } kRows[] = {{"no-such-game", 127, "No such file or directory"},
+               {data + "/game", 127, "Not a directory"},
                {data, 126, "Permission denied"},
                {home.folder, 126, "Is a directory"}};
   for (const auto& row : kRows) {
     const auto child = Play({row.game});
     EXPECT_EQ(child->WaitForEnd(), row.status);
     EXPECT_EQ(child->Log(), "rendlink: " + row.game + ": " + row.reason + "\n");
+  }
+}
+
+// The system looks at these when they are to run.
+TEST_F(RendlinkProgramTest, AScriptWithoutItsInterpreterIsToldAsAShellDoes) {
+  const std::string data = Put(home.In("data-file"), "text");
+  const struct {
+    std::string interpreter;
+    int status;
+    const char* reason;
+  } kRows[] = {{"/no/such/shell", 127, "No such file or directory"},
+               {data, 126, "Permission denied"}};
+  for (const auto& row : kRows) {
+    const std::string game = Put(home.In("script"), "#!" + row.interpreter + "\n", 0755);
+    const auto child = Play({game});
+    EXPECT_EQ(child->WaitForEnd(), row.status);
+    EXPECT_TRUE(child->Err().ends_with("rendlink: " + game + ": " + row.reason + "\n"))
+        << child->Log();
   }
 }
 
@@ -213,6 +265,79 @@ TEST_F(RendlinkProgramTest, ASignalBeforeTheGameBeganEndsKelvaro) {
   EXPECT_FALSE(Says(*child, "ready")) << child->Log();
 }
 
+TEST_F(RendlinkProgramTest, ASignalThatCameTooLateForKelvaroGoesToTheGame) {
+  const auto child =
+      PlayWith("trap '\"$rendlink\" $carry; exit' TERM\necho ready\nwhile :; do sleep 0.05; done",
+               {"--", Script("while :; do sleep 0.05; done")});
+  ASSERT_TRUE(Eventually([&] { return Says(*child, "ready\n"); })) << child->Log();
+  child->Signal(SIGHUP);
+  EXPECT_EQ(child->WaitForEnd(), 128 + SIGHUP) << child->Log();
+}
+
+TEST_F(RendlinkProgramTest, ASignalAfterTheGamesEndEndsKelvaro) {
+  const auto child = PlayWith(
+      "\"$rendlink\" $carry\ntrap 'echo asked; exit' TERM\necho over\n"
+      "while :; do sleep 0.05; done",
+      {"--", Script("exit 4")});
+  ASSERT_TRUE(Eventually([&] { return Says(*child, "over\n"); })) << child->Log();
+  EXPECT_EQ(child->WaitForEnd(300ms), -1) << child->Log();
+  child->Signal(SIGINT);
+  EXPECT_EQ(child->WaitForEnd(), 4) << child->Log();
+  EXPECT_TRUE(Says(*child, "asked\n")) << child->Log();
+}
+
+TEST_F(RendlinkProgramTest, ASignalToTheCarrierGoesToTheGame) {
+  const auto child = Play({Script("trap 'exit 5' TERM\necho $PPID\nwhile :; do sleep 0.05; done")});
+  const pid_t carrier = Printed(*child, 1)[0];
+  ASSERT_GT(carrier, 0) << child->Log();
+  kill(carrier, SIGTERM);
+  EXPECT_EQ(child->WaitForEnd(), 5) << child->Log();
+}
+
+TEST_F(RendlinkProgramTest, OfAGameWhoseCarrierIsKilledNobodyKnowsTheEnd) {
+  const auto child = Play({Script("echo $PPID $$\nexec sleep 600")});
+  const std::vector<pid_t> carrierAndGame = Printed(*child, 2);
+  ASSERT_GT(carrierAndGame[1], 0) << child->Log();
+  kill(carrierAndGame[0], SIGKILL);
+  EXPECT_EQ(child->WaitForEnd(), 1);
+  EXPECT_TRUE(
+      child->Err().ends_with("rendlink: the game was begun, and nobody can tell how it ended\n"))
+      << child->Log();
+  kill(carrierAndGame[1], SIGKILL);
+}
+
+TEST_F(RendlinkProgramTest, AGameWhoseRendlinkIsKilledGoesOn) {
+  const std::string flag = home.In("flag");
+  const std::string out = home.In("out");
+  const auto child = PlayWith(
+      "\"$rendlink\" $carry\necho $? >" + out,
+      {"--", Script("echo ready\nwhile [ ! -e " + flag + " ]; do sleep 0.05; done\nexit 4")});
+  ASSERT_TRUE(Eventually([&] { return Says(*child, "ready\n"); })) << child->Log();
+  child->Signal(SIGKILL);
+  EXPECT_EQ(child->WaitForEnd(), 128 + SIGKILL);
+  Put(flag, "end");
+  EXPECT_TRUE(Eventually([&] { return Content(out) == "4\n"; })) << Content(out);
+  ASSERT_EQ(Left().size(), 1u);
+  fs::remove_all(home.In("runtime/kelvaro/" + Left()[0]));
+}
+
+// As a program may leave it to those that it starts: then the system tells of no child's end.
+TEST_F(RendlinkProgramTest, TheEndIsSeenWhereEndsOfChildrenAreIgnored) {
+  const auto child = Run({"-c", "trap '' CHLD; exec \"$0\" \"$@\"", Program("rendlink"),
+                          "--profile", "Desktop", "--", Script("exit 7")},
+                         kOffScreen, "bash");
+  EXPECT_EQ(child->WaitForEnd(), 7) << child->Log();
+}
+
+TEST_F(RendlinkProgramTest, AFolderThatIsGoneWhenTheGameStartsIsTold) {
+  const std::string gone = home.In("gone");
+  fs::create_directory(gone);
+  const auto child = PlayWith("rmdir " + gone + "\n\"$rendlink\" $carry",
+                              {"--dir", gone, "--", Script("echo ready")});
+  EXPECT_EQ(child->WaitForEnd(), 126);
+  EXPECT_EQ(child->Log(), "rendlink: " + gone + ": No such file or directory\n");
+}
+
 TEST_F(RendlinkProgramTest, AScriptThatNamesNoInterpreterRunsInTheShell) {
   const auto child = Play({Put(home.In("plain"), "exit $1\n", 0755), "7"});
   EXPECT_EQ(child->WaitForEnd(), 7) << child->Log();
@@ -233,6 +358,26 @@ TEST_F(RendlinkProgramTest, AGameThatCouldNotBeWaitedForIsNotStarted) {
     EXPECT_FALSE(Says(*child, "ready"));
   }
   EXPECT_TRUE(fs::is_empty(quoted + "/kelvaro"));
+}
+
+TEST_F(RendlinkProgramTest, AGameThatTheSystemCanNotWaitForIsNotStarted) {
+  fs::create_directory(home.In("runtime/kelvaro"));
+  fs::permissions(home.In("runtime/kelvaro"), fs::perms::owner_all);
+  const std::string noFolder = "There is no folder in which the game could be waited for.\n";
+  const struct {
+    Refusal refusal;
+    std::string text;
+  } kRows[] = {{{SYS_mkdir, EEXIST}, noFolder},
+               {{SYS_socket, EMFILE}, noFolder},
+               {{SYS_bind, ENOMEM}, noFolder},
+               {{SYS_listen, ENOMEM}, noFolder},
+               {{SYS_signalfd4, EMFILE}, "Kelvaro can't be started: Too many open files\n"}};
+  for (const auto& [refusal, text] : kRows) {
+    std::unique_ptr<Child> child;
+    WhereRefused({refusal}, [&] { child = Play({Script("echo ready")}); });
+    EXPECT_EQ(child->WaitForEnd(), 1);
+    EXPECT_EQ(child->Log(), "rendlink: " + text);
+  }
 }
 
 TEST_F(RendlinkProgramTest, WithoutKelvaroBesideItNothingCanBeDone) {
@@ -303,11 +448,67 @@ TEST_F(RendlinkProgramTest, TheWindowComesUpAndEndsWhenItIsAskedTo) {
   EXPECT_EQ(child->WaitForEnd(), 0) << child->Log();
 }
 
+// The other end of a carrier's connection, which sends it those bytes.
+class CarrierTest : public RendlinkProgramTest {
+ protected:
+  CarrierTest() {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::strcpy(address.sun_path, path.c_str());
+    EXPECT_EQ(bind(listener.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(listen(listener.Get(), 1), 0);
+  }
+  std::unique_ptr<Child> Carrier(const std::string& bytes) {
+    auto child = Run({"--carry", path});
+    connection = platform::Descriptor(accept4(listener.Get(), nullptr, nullptr, SOCK_CLOEXEC));
+    EXPECT_EQ(send(connection.Get(), bytes.data(), bytes.size(), 0),
+              static_cast<ssize_t>(bytes.size()));
+    shutdown(connection.Get(), SHUT_WR);
+    return child;
+  }
+  // With their size in front.
+  static std::string Sized(const std::string& bytes) {
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    return std::string(reinterpret_cast<const char*>(&size), sizeof size) + bytes;
+  }
+
+  const std::string path = home.In("carrier");
+  const platform::Descriptor listener{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+  platform::Descriptor connection;
+};
+
+TEST_F(CarrierTest, WhatIsNoGameIsRefused) {
+  const std::string game("/bin/true\0/\0true\0", 17);
+  for (const std::string& bytes :
+       {std::string(), Sized(game).substr(0, 3), Sized(game).substr(0, 20),
+        Sized(game.substr(0, 16)), Sized(game.substr(0, 12))}) {
+    const auto child = Carrier(bytes);
+    EXPECT_EQ(child->WaitForEnd(), 1);
+    EXPECT_EQ(child->Log(),
+              "rendlink: --carry is for Rendlink's own use, and nobody waits at " + path + "\n");
+  }
+  EXPECT_EQ(Carrier(Sized(game))->WaitForEnd(), 0);
+}
+
+TEST_F(CarrierTest, AGameThatTheSystemCanNotStartHasTheStatusOfOneThatWontRun) {
+  std::unique_ptr<Child> child;
+  WhereRefused({{SYS_signalfd4, EMFILE}},
+               [&] { child = Carrier(Sized(std::string("/bin/true\0/\0true\0", 17))); });
+  EXPECT_EQ(child->WaitForEnd(), 126);
+  EXPECT_EQ(child->Log(), "rendlink: /bin/true: Too many open files\n");
+  std::uint32_t status = 0;
+  EXPECT_EQ(read(connection.Get(), &status, sizeof status), 4);
+  EXPECT_EQ(status, 126u);
+}
+
 TEST_F(RendlinkProgramTest, CarryingIsForItsOwnUse) {
-  const auto child = Run({"--carry", home.In("none")});
-  EXPECT_EQ(child->WaitForEnd(), 1);
-  EXPECT_EQ(child->Log(), "rendlink: --carry is for Rendlink's own use, and nobody waits at " +
-                              home.In("none\n"));
+  for (const std::string& path : {home.In("none"), home.In("none/none"), std::string("none"),
+                                  home.In(std::string(120, 'n'))}) {
+    const auto child = Run({"--carry", path});
+    EXPECT_EQ(child->WaitForEnd(), 1);
+    EXPECT_EQ(child->Log(),
+              "rendlink: --carry is for Rendlink's own use, and nobody waits at " + path + "\n");
+  }
 }
 
 }  // namespace
