@@ -8,10 +8,15 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstring>
+#include <tuple>
 
 #include "app/platform/linux/descriptor.h"
+#include "app/platform/linux/press_timing.h"
 #include "tests/host/files.h"
 #include "tests/host/json.h"
+#include "tests/host/processes.h"
+#include "tests/host/refused_calls.h"
 #include "tests/kernel/pad.h"
 #include "tests/kernel/profile_run.h"
 #include "tests/kernel/wait.h"
@@ -145,6 +150,66 @@ TEST(Latency, MissingUinputIsSaidWithWhatToDo) {
   EXPECT_EQ(latency.status, 1);
   EXPECT_EQ(latency.out, "");
   EXPECT_NE(latency.err.find("uinput is not loaded"), std::string::npos) << latency.err;
+}
+
+// The bare forwarder, on a pad of the test's, with a pipe in the keyboard's place.
+class ForwarderTest : public ::testing::Test {
+ protected:
+  void Start(int to) {
+    forwarder = platform::Forwarder::Start(pad->Node(), BTN_SOUTH, to, KEY_F24, &errorCode);
+  }
+  // Its process, 0 without one.
+  static pid_t Process() {
+    const auto children = tests::ChildrenOf(getpid());
+    return children.empty() ? 0 : children.begin()->first;
+  }
+  static bool HasEnded(pid_t process) { return tests::StatusWord(process, "State:") == "Z"; }
+
+  std::unique_ptr<UinputPad> pad = std::make_unique<UinputPad>(OrdinaryPad("Forwarded Pad"));
+  std::unique_ptr<platform::Forwarder> forwarder;
+  int errorCode = 0;
+};
+
+TEST_F(ForwarderTest, SendsTheKeyForTheButtonAloneAndEndsWithThePad) {
+  int pipe[2];
+  ASSERT_EQ(pipe2(pipe, O_CLOEXEC), 0);
+  const platform::Descriptor from(pipe[0]), to(pipe[1]);
+  Start(to.Get());
+  ASSERT_TRUE(forwarder) << strerror(errorCode);
+  const pid_t process = Process();
+  ASSERT_GT(process, 0);
+  pad->Press(1);
+  pad->Move(ABS_X, 20000);
+  pad->Press(0);
+  pad->Release(0);
+  const input_event expected[] = {{{}, EV_KEY, KEY_F24, 1},
+                                  {{}, EV_SYN, SYN_REPORT, 0},
+                                  {{}, EV_KEY, KEY_F24, 0},
+                                  {{}, EV_SYN, SYN_REPORT, 0}};
+  for (const input_event& each : expected) {
+    input_event sent{};
+    ASSERT_EQ(read(from.Get(), &sent, sizeof sent), ssize_t{sizeof sent});
+    EXPECT_EQ(std::tie(sent.type, sent.code, sent.value),
+              std::tie(each.type, each.code, each.value));
+  }
+  EXPECT_FALSE(HasEnded(process));
+  pad.reset();
+  EXPECT_TRUE(tests::Eventually([&] { return HasEnded(process); }));
+}
+
+TEST_F(ForwarderTest, EndsWhereTheKeyIsNotTaken) {
+  const platform::Descriptor notForWriting(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  Start(notForWriting.Get());
+  ASSERT_TRUE(forwarder) << strerror(errorCode);
+  const pid_t process = Process();
+  pad->Press(0);
+  EXPECT_TRUE(tests::Eventually([&] { return HasEnded(process); }));
+}
+
+TEST_F(ForwarderTest, ThereIsNoneWithoutAProcess) {
+  tests::WhereRefused(tests::kNoThreads, [&] { Start(-1); });
+  EXPECT_FALSE(forwarder);
+  EXPECT_EQ(errorCode, EAGAIN);
 }
 
 // Nobody sits at this machine.

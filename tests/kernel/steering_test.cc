@@ -115,6 +115,8 @@ TEST_F(Steered, SelectGoesOnWithAStoredProfileOnTheSamePad) {
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_A down", "KEY_A up", "KEY_C down"}));
   pad.Release(0);
   EXPECT_TRUE(Sent(run->Keyboard(), {"KEY_A down", "KEY_A up", "KEY_C down", "KEY_C up"}));
+  run->Process().Signal(SIGTERM);
+  EXPECT_EQ(run->Process().WaitForEnd(60s), 0) << run->Process().Log();
 }
 
 TEST_F(Steered, AFollowerIsToldWhatFiresAndTheEnd) {

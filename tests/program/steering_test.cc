@@ -1,4 +1,4 @@
-// Windows and runs under the hands of kelvaroctl: each a process, and each of them killed.
+// Windows and runs under the hands of kelvaroctl: each a process.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -309,6 +309,7 @@ TEST_F(SteeredRunTest, SelectGoesOnWithTheOtherProfile) {
   EXPECT_EQ(none.status, 1);
   EXPECT_EQ(StatusOf(run)["profile"].Text(), "Two");
   EXPECT_TRUE(Down());
+  ExpectEndsByCtrlC(*run);
 }
 
 TEST_F(SteeredRunTest, AProfileThatCanNotBePolledLeavesTheRunAsItIs) {
@@ -319,6 +320,7 @@ TEST_F(SteeredRunTest, AProfileThatCanNotBePolledLeavesTheRunAsItIs) {
   EXPECT_EQ(StatusOf(run)["profile"].Text(), "One");
   EXPECT_EQ(StatusOf(run)["device"].Text(), "Test Pad");
   EXPECT_TRUE(Down());
+  ExpectEndsByCtrlC(*run);
 }
 
 TEST_F(SteeredRunTest, KilledItHoldsNothingAndIsGone) {
