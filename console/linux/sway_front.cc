@@ -131,7 +131,7 @@ class SwayFront : public FrontSource {
     for (;;) {
       const ssize_t size = platform::Retry(
           [&] { return recv(connection.Get(), block, sizeof block, MSG_DONTWAIT); });
-      if (size < 0) return errno == EAGAIN || errno == EWOULDBLOCK;
+      if (size < 0) return errno == EAGAIN;
       if (size == 0) return false;
       received.append(block, static_cast<std::size_t>(size));
     }

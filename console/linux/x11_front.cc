@@ -50,7 +50,7 @@ class X11Front : public FrontSource {
       return nullptr;
     }
     xcb_screen_iterator_t each = xcb_setup_roots_iterator(xcb_get_setup(made->Connection()));
-    for (; screen > 0 && each.rem > 1; --screen) xcb_screen_next(&each);
+    for (; screen > 0; --screen) xcb_screen_next(&each);
     made->root = each.data->root;
     for (int i = 0; i < kAtomCount; ++i) made->atoms[i] = made->Atom(kAtoms[i]);
     made->WatchProperties(made->root, true);

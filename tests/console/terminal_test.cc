@@ -9,6 +9,7 @@
 
 #include "app/platform/linux/descriptor.h"
 #include "tests/host/files.h"
+#include "tests/host/refused_calls.h"
 
 namespace kelvaro::console {
 namespace {
@@ -40,6 +41,9 @@ TEST_F(OnATerminal, ItsWidthCounts) {
   EXPECT_EQ(TerminalOn(terminal.Get()).columns, 63u);
   Resize(0);
   EXPECT_EQ(TerminalOn(terminal.Get()).columns, 80u) << "it doesn't tell";
+  Resize(63);
+  tests::WhereRefused({{SYS_ioctl, ENOTTY, TIOCGWINSZ}},
+                      [&] { EXPECT_EQ(TerminalOn(terminal.Get()).columns, 80u); });
 }
 
 TEST_F(OnATerminal, ThereAreColoursUnlessTheEnvironmentSaysNo) {
@@ -51,6 +55,8 @@ TEST_F(OnATerminal, ThereAreColoursUnlessTheEnvironmentSaysNo) {
   noColor.Set(nullptr);
   term.Set("dumb");
   EXPECT_FALSE(TerminalOn(terminal.Get()).colours);
+  term.Set(nullptr);
+  EXPECT_TRUE(TerminalOn(terminal.Get()).colours);
 }
 
 TEST(NoTerminal, HasEightyColumnsAndNoColours) {

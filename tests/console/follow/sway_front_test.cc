@@ -13,6 +13,7 @@
 #include "app/platform/linux/descriptor.h"
 #include "console/linux/front_source.h"
 #include "tests/host/files.h"
+#include "tests/host/refused_calls.h"
 
 namespace kelvaro::console {
 namespace {
@@ -91,6 +92,7 @@ TEST_F(SwayFrontTest, TheFocusedWindowIsInFrontWhereverItLies) {
   const std::string game = R"({"pid":0,"app_id":"game","name":"Level 1","focused":true})";
   const FrontWindow expected{"", "game", "Level 1"};
   EXPECT_EQ(FrontOf(Tree(other + "," + game)), expected);
+  EXPECT_EQ(FrontOf(Tree(game + "," + other)), expected);
   EXPECT_EQ(FrontOf(Tree(R"({"floating_nodes":[)" + other + "," + game + "]}")), expected);
 }
 
@@ -98,6 +100,8 @@ TEST_F(SwayFrontTest, AWindowOfX11IsKnownByItsClass) {
   EXPECT_EQ(FrontOf(Tree(R"({"pid":0,"app_id":null,"name":"Old","focused":true,)"
                          R"("window_properties":{"class":"Game"}})")),
             (FrontWindow{"", "Game", "Old"}));
+  EXPECT_EQ(FrontOf(Tree(R"({"pid":0,"name":"New","focused":true,"window_properties":null})")),
+            (FrontWindow{"", "", "New"}));
 }
 
 TEST_F(SwayFrontTest, WithoutAFocusedWindowNoneIsInFront) {
@@ -115,6 +119,7 @@ TEST_F(SwayFrontTest, EachNewsAsksForTheTreeButATitleBehindTheFront) {
   EXPECT_EQ(Asked(), "");
   for (const std::string& news :
        {title("true"), Message(kWindowEvent, R"({"change":"focus","container":{}})"),
+        Message(kWindowEvent, R"({"change":"title"})"),
         Message(kWorkspaceEvent, R"({"change":"focus"})")}) {
     Say(news);
     EXPECT_EQ(Read(), FrontNews::None);
@@ -160,6 +165,21 @@ TEST_F(SwayFrontTest, AClosedConnectionIsItsEndToo) {
   EXPECT_TRUE(sway.Close());
   EXPECT_EQ(Read(), FrontNews::Ended);
   EXPECT_EQ(error, "sway has ended");
+}
+
+TEST_F(SwayFrontTest, WhoCanNotBeAskedAnyMoreHasEnded) {
+  EXPECT_EQ(shutdown(sway.Get(), SHUT_RD), 0);
+  Say(Message(kWorkspaceEvent, R"({"change":"focus"})"));
+  EXPECT_EQ(Read(), FrontNews::Ended);
+  EXPECT_EQ(error, "sway has ended");
+}
+
+TEST_F(SwayFrontTest, WhereItCanNotBeAskedAtAllThereIsNone) {
+  for (const tests::Refusal& refusal :
+       {tests::Refusal{SYS_socket, EMFILE}, tests::Refusal{SYS_sendto, EPIPE}}) {
+    tests::WhereRefused({refusal}, [&] { EXPECT_FALSE(OpenSwayFront(path, &error)); });
+    EXPECT_EQ(error, "sway can't be reached at " + path);
+  }
 }
 
 TEST(SwayFrontPath, WhereNobodyListensIsTold) {

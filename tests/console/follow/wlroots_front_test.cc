@@ -152,6 +152,30 @@ TEST_F(WlrootsFrontTest, SaysThatItIsToldNoMore) {
   EXPECT_EQ(News(), "ended: the Wayland compositor tells of its windows no more");
 }
 
+TEST_F(WlrootsFrontTest, ThereIsNoneWhereTheCompositorEndsMeanwhile) {
+  compositor = platform::Descriptor();
+  EXPECT_FALSE(OpenWlrootsFront("", &error));
+}
+
+TEST_F(WlrootsFrontTest, ThereIsNoneWhereItEndsBeforeItHasToldItsWindows) {
+  std::thread answering([&] {
+    Take(24);  // get_registry and sync
+    Say(Event(kRegistry, 0, Number(2) + Text("zwlr_foreign_toplevel_manager_v1") + Number(3)) +
+        Event(kFirstSync, 0, Number(0)));
+    Take(72);  // bind and sync
+    compositor = platform::Descriptor();
+  });
+  EXPECT_FALSE(OpenWlrootsFront("", &error));
+  answering.join();
+}
+
+TEST(WlrootsFrontPlace, WhereNobodyListensIsTold) {
+  const Variable runtime("XDG_RUNTIME_DIR", "/nowhere");
+  std::string error;
+  EXPECT_FALSE(OpenWlrootsFront("wayland-7", &error));
+  EXPECT_EQ(error, "the Wayland compositor wayland-7 can't be reached");
+}
+
 TEST_F(WlrootsFrontTest, SaysThatTheCompositorHasEnded) {
   Open(NewWindow(kDoom) + State(kDoom, {kActivated}) + Done(kDoom));
   ASSERT_TRUE(source) << error;

@@ -8,20 +8,9 @@
 #include <thread>
 #include <vector>
 
-#include "tests/host/files.h"
-#include "tests/host/processes.h"
+#include "tests/platform/linux/own_bus.h"
 
 namespace platform {
-
-// A message bus of the test's own. Its address is empty where it can't be started.
-class Bus : public kelvaro::tests::Server {
- public:
-  Bus()
-      : Server([](const std::string& pipe) {
-          return std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
-                                          "--print-address=" + pipe};
-        }) {}
-};
 
 // The service, played by the test: grants everything, or refuses everything, and notes it.
 class FakeService {

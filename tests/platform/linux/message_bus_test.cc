@@ -7,8 +7,8 @@
 #include <thread>
 
 #include "tests/host/files.h"
-#include "tests/host/processes.h"
-#include "tests/platform/linux/fake_realtime_kit.h"
+#include "tests/host/patience.h"
+#include "tests/platform/linux/own_bus.h"
 
 namespace platform {
 namespace {

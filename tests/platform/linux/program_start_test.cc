@@ -15,6 +15,7 @@
 #include "app/platform/linux/linux_threads.h"
 #include "app/platform/linux/thread_priority.h"
 #include "app/platform/threads.h"
+#include "tests/host/files.h"
 #include "tests/host/refused_calls.h"
 #include "tests/platform/linux/fake_realtime_kit.h"
 #include "tests/platform/linux/new_process.h"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/platform/linux/monotonic_time.h"
+#include "tests/host/files.h"
 #include "tests/platform/linux/fake_realtime_kit.h"
 
 namespace platform {
