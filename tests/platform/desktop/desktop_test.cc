@@ -309,6 +309,8 @@ TEST_F(DesktopCase, KnowsItsSizesAndColours) {
   EXPECT_EQ(desktop().GetSystemMetrics(SM_CYHSCROLL), desktop().GetSystemMetrics(SM_CXVSCROLL));
   EXPECT_EQ(desktop().GetSystemMetrics(12345), 0);
   EXPECT_NE(desktop().GetSysColor(COLOR_3DFACE), desktop().GetSysColor(COLOR_BTNTEXT));
+  EXPECT_NE(desktop().GetSysColor(COLOR_3DSHADOW), desktop().GetSysColor(COLOR_3DHILIGHT));
+  EXPECT_EQ(desktop().GetSysColor(12345), 0u);
   EXPECT_NE(desktop().GetSysColor(COLOR_3DHILIGHT), desktop().GetSysColor(COLOR_3DDKSHADOW));
   Point point;
   EXPECT_TRUE(desktop().GetCursorPos(&point));

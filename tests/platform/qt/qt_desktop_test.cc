@@ -34,6 +34,56 @@ class QtDesktopTest : public QtTest {
   }
 };
 
+// --- Windows
+
+TEST_F(QtDesktopTest, OfAWindowThatIsNotThereNothingIsKnownOrDone) {
+  const WindowHandle none = 77;
+  Rect rect{1, 2, 3, 4};
+  EXPECT_FALSE(desktop().ShowWindow(none, SW_SHOW));
+  EXPECT_FALSE(desktop().IsWindowVisible(none));
+  EXPECT_FALSE(desktop().IsIconic(none));
+  EXPECT_FALSE(desktop().IsZoomed(none));
+  EXPECT_FALSE(desktop().SetForegroundWindow(none));
+  EXPECT_FALSE(desktop().SetWindowTextA(none, "title"));
+  EXPECT_FALSE(desktop().SetWindowIcon(none, 1, true));
+  EXPECT_FALSE(desktop().GetWindowRect(none, &rect));
+  EXPECT_FALSE(desktop().GetClientRect(none, &rect));
+  EXPECT_EQ(rect, (Rect{1, 2, 3, 4}));
+  EXPECT_FALSE(desktop().MoveWindow(none, rect));
+  EXPECT_FALSE(desktop().InvalidateRect(none, rect));
+  EXPECT_FALSE(desktop().UpdateWindow(none));
+  EXPECT_EQ(desktop().SetTimer(none, 1, 10), 0u);
+  EXPECT_FALSE(desktop().KillTimer(none, 1));
+  EXPECT_FALSE(desktop().SleepTimer(none, 1));
+  EXPECT_FALSE(desktop().WakeTimer(none, 1));
+}
+
+IN_WINDOW(QtDesktopTest, ACommandThatIsNoneChangesNothing) {
+  EXPECT_TRUE(desktop().ShowWindow(Window(), 99));
+  EXPECT_TRUE(desktop().IsWindowVisible(Window()));
+  EXPECT_FALSE(desktop().IsIconic(Window()) || desktop().IsZoomed(Window()));
+}
+
+IN_WINDOW(QtDesktopTest, AModifierIsDownWhileItIsHeld) {
+  const struct {
+    std::uint8_t vk;
+    Qt::Key key;
+    Qt::KeyboardModifier modifier;
+  } kRows[] = {{0x10, Qt::Key_Shift, Qt::ShiftModifier},
+               {0x11, Qt::Key_Control, Qt::ControlModifier},
+               {0x12, Qt::Key_Alt, Qt::AltModifier},
+               {0x41, Qt::Key_A, Qt::NoModifier}};
+  for (const auto& held : kRows) {
+    QTest::keyPress(Dialog()->windowHandle(), held.key, held.modifier);
+    for (const auto& row : kRows) {
+      const bool isDown = row.vk == held.vk && held.modifier != Qt::NoModifier;
+      EXPECT_EQ(desktop().GetKeyState(row.vk), isDown ? 0x8000 : 0) << held.key << row.key;
+    }
+    QTest::keyRelease(Dialog()->windowHandle(), held.key, Qt::NoModifier);
+    EXPECT_EQ(desktop().GetKeyState(held.vk), 0);
+  }
+}
+
 // --- Boxes
 
 IN_WINDOW(QtDesktopTest, ABoxShowsPlainTextBesideItsIconAndTakesKeys) {

@@ -22,9 +22,24 @@ IN_WINDOW(TabControlTest, TabsStandBesideOneAnother) {
   EXPECT_EQ(first.top, second.top);
   EXPECT_EQ(first.right, second.left);
   EXPECT_FALSE(controls().TabGetItemRect(Window(), kTabs, 2, &second));
+  EXPECT_FALSE(controls().TabGetItemRect(Window(), kTabs, -1, &second));
+  for (const std::int32_t none : {-1, 2}) {
+    EXPECT_FALSE(controls().TabSetCurSel(Window(), kTabs, none));
+    EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), 0) << none;
+  }
   EXPECT_FALSE(controls().TabGetItemRect(Window(), kButton, 0, &second));
   EXPECT_EQ(controls().TabGetCurSel(Window(), kButton), -1);
   EXPECT_EQ(controls().TabInsertItem(Window(), kButton, "x"), -1);
+}
+
+IN_WINDOW(TabControlTest, CtrlTabGoesRoundAndNowhereWithoutTabs) {
+  QTest::keyClick(Dialog(), Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(controls().TabGetCurSel(Window(), kTabs), -1);
+  AddTabs();
+  QTest::keyClick(Dialog(), Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(Shown(), 1);
+  QTest::keyClick(Dialog(), Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_EQ(Shown(), 0);
 }
 
 TEST_F(TabControlTest, TheBarShowsTheOldTabWhileAnEditIsLeftAndWhenThatIsPrevented) {
