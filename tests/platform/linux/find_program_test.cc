@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -46,6 +47,28 @@ TEST_F(FindProgramTest, FindsAProgramAsAShellDoes) {
     EXPECT_EQ(FindProgram(row.name, &error), row.found) << row.name;
     EXPECT_EQ(error, row.error) << row.name;
   }
+}
+
+TEST_F(FindProgramTest, AnEmptyFolderIsTheCurrentOne) {
+  const std::string before = std::filesystem::current_path();
+  std::filesystem::current_path(folder);
+  int error = -1;
+  path.Set(":/none");
+  EXPECT_EQ(FindProgram("game", &error), folder + "/./game");
+  std::filesystem::current_path(before);
+}
+
+TEST_F(FindProgramTest, WithoutFoldersTheSystemsAreLookedInto) {
+  path.Set(nullptr);
+  int error = -1;
+  EXPECT_EQ(FindProgram("env", &error), "/usr/bin/env");
+}
+
+TEST_F(FindProgramTest, WhatIsNoFileIsNone) {
+  ASSERT_EQ(mkfifo((folder + "/pipe").c_str(), 0755), 0);
+  int error = -1;
+  EXPECT_EQ(FindProgram("pipe", &error), "");
+  EXPECT_EQ(error, EACCES);
 }
 
 }  // namespace
