@@ -50,7 +50,7 @@ class IconHosts::OnXServer : public QObject {
     selection = Atom(name);
     announcement = Atom("MANAGER");
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (int i = 0; i < screen && screens.rem > 1; ++i) xcb_screen_next(&screens);
+    for (int i = 0; i < screen; ++i) xcb_screen_next(&screens);
     Select(screens.data->root);
     Look();
     notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(connection),

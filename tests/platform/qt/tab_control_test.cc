@@ -1,5 +1,6 @@
 #include "app/platform/qt/tab_control.h"
 
+#include <QHelpEvent>
 #include <QTabBar>
 
 #include "qt_fixture.h"
@@ -40,6 +41,22 @@ IN_WINDOW(TabControlTest, CtrlTabGoesRoundAndNowhereWithoutTabs) {
   EXPECT_EQ(Shown(), 1);
   QTest::keyClick(Dialog(), Qt::Key_Tab, Qt::ControlModifier);
   EXPECT_EQ(Shown(), 0);
+}
+
+IN_WINDOW(TabControlTest, TheBarHasNoTipsOfItsOwn) {
+  AddTabs();
+  QHelpEvent tip(QEvent::ToolTip, QPoint(5, 5), QPoint(5, 5));
+  EXPECT_FALSE(static_cast<QObject*>(Widget(kTabs))->event(&tip));
+  EXPECT_FALSE(tip.isAccepted()) << "the window's tip comes";
+}
+
+IN_WINDOW(TabControlTest, TheBarGrowsWithItsText) {
+  AddTabs();
+  const int before = Widget(kTabs)->height();
+  QFont larger = Widget(kTabs)->font();
+  larger.setPointSize(larger.pointSize() * 3);
+  Widget(kTabs)->parentWidget()->setFont(larger);
+  EXPECT_GT(Widget(kTabs)->height(), before);
 }
 
 TEST_F(TabControlTest, TheBarShowsTheOldTabWhileAnEditIsLeftAndWhenThatIsPrevented) {
