@@ -10,6 +10,7 @@
 #include "app/platform/simulation/virtual_processes.h"
 #include "app/resources/control_ids.h"
 #include "app/resources/resources.h"
+#include "app/window/run_program.h"
 #include "tests/app/calls.h"
 #include "tests/app/main_window_fixture.h"
 #include "tests/storage/chunks.h"
@@ -343,6 +344,17 @@ TEST_F(FailedStartTest, WithoutAWindowTheObjectWritesThemAllTheSame) {
                           "HtmlHelp"}),
             Strings{})
       << "it had none of them";
+}
+
+TEST_F(FailedStartTest, TheProgramsStatusTellsWhetherItsWindowWasThere) {
+  sim.FailNext("RunDialog");
+  screen.Start(&RunProgram);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Result(), 1);
+  sim.FailAlways("LoadIconA");  // which ends the window at once
+  screen.Start(&RunProgram);
+  EXPECT_FALSE(screen.Running());
+  EXPECT_EQ(screen.Result(), 0);
 }
 
 TEST_F(WindowLifeTest, WithoutTheHookAMinimisedWindowStaysMinimised) {

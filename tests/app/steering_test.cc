@@ -225,6 +225,13 @@ TEST_F(SteeredWindowTest, APausedWindowStaysPausedWithAnotherProfile) {
   EXPECT_EQ(KeysPressed(), "B");
 }
 
+TEST_F(SteeredWindowTest, AMessageThatDoesNotReachTheWindowIsTold) {
+  BeginWithTwo();
+  sim.FailNext("PostMessageA");
+  EXPECT_EQ(Select("Beta"), "error | text the window can't be reached");
+  EXPECT_EQ(OpenName(), "Alpha");
+}
+
 TEST_F(SteeredWindowTest, ARequestThatComesAtTheEndIsNotCarriedOut) {
   BeginWithTwo();
   platform::desktop().PostMessageA(Handle(), WM_CLOSE_PROGRAM, 0, 0);
