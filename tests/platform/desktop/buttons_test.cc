@@ -1,3 +1,5 @@
+#include <thread>
+
 #include "desktop_fixture.h"
 
 namespace platform {
@@ -67,6 +69,18 @@ TEST_F(ButtonCase, ADrawnButtonIsDrawnAtOnceWhenTheFocusComesOrGoes) {
     EXPECT_EQ(focused, (std::vector<bool>{true}));
     controls().SetControlFocus(Window(), kNameEdit);
     EXPECT_EQ(focused, (std::vector<bool>{true, false}));
+  });
+}
+
+TEST_F(ButtonCase, ADrawnButtonIsDrawnAnewWhenAnotherThreadAsks) {
+  int drawn = 0;
+  recorder.onDraw = [&](const DrawItem&, Canvas&) { ++drawn; };
+  Run([&] {
+    controls().SetControlFocus(Window(), kNameEdit);
+    Settle();
+    drawn = 0;
+    std::thread([&] { EXPECT_TRUE(controls().InvalidateControl(Window(), kDrawnButton)); }).join();
+    EXPECT_TRUE(WaitFor([&] { return drawn > 0; }));
   });
 }
 
