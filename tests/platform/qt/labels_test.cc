@@ -64,6 +64,13 @@ IN_WINDOW(LabelsTest, ALinkIsOneForAScreenReader) {
   ASSERT_NE(link->actionInterface(), nullptr);
   link->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
   EXPECT_EQ(recorder.TakeLines(), (Lines{"120 clicked"}));
+  EXPECT_EQ(link->actionInterface()->actionNames(),
+            QStringList{QAccessibleActionInterface::pressAction()});
+  link->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+  EXPECT_EQ(recorder.TakeLines(), Lines{});
+  EXPECT_EQ(link->text(QAccessible::Description), QString());
+  Widget(kLink)->setAccessibleName(QStringLiteral("its own"));
+  EXPECT_EQ(link->text(QAccessible::Name), QStringLiteral("its own"));
 }
 
 IN_WINDOW(LabelsTest, TheLooksThatTheProgramGives) {

@@ -34,19 +34,6 @@ IN_WINDOW(ListViewTest, ShowsItsTextsAndItsColumnsInTheirOrder) {
   EXPECT_EQ(List()->header()->logicalIndex(2), 1);
 }
 
-IN_WINDOW(ListViewTest, OnlyTheLeftButtonDoubleClicks) {
-  AddColumns();
-  AddRows(2);
-  Numbers rows;
-  recorder.onNotice = [&](std::uint32_t, Notice notice, std::int32_t row) {
-    if (notice == Notice::DoubleClicked) rows.push_back(row);
-  };
-  QTest::mouseDClick(List()->viewport(), Qt::RightButton, {}, RowPoint(1));
-  EXPECT_EQ(rows, Numbers{});
-  QTest::mouseDClick(List()->viewport(), Qt::LeftButton, {}, RowPoint(1));
-  EXPECT_EQ(rows, Numbers{1});
-}
-
 TEST_F(ListViewTest, ANewWidthIsToldBeforeAndAfterThePersonSetsIt) {
   Numbers seen;
   recorder.onNotice = [&](std::uint32_t, Notice, std::int32_t column) {
