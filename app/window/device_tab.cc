@@ -228,7 +228,7 @@ void DeviceTab::ApplyPollInterval(std::uint32_t interval) {
     dialog.Box(kPollRateText, kPollRateCaption, platform::MB_OK);
     --session.initGuard;
     // The program may have been told to end while the box was up.
-    if (deviceManager) session.ReselectDevice();
+    if (!session.shuttingDown) session.ReselectDevice();
     return;
   }
   session.ReselectDevice();

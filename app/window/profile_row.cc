@@ -97,7 +97,8 @@ std::string ProfileRow::Choose(const std::string& name) {
   const ByteString wanted = TextOf(name);
   if (wanted.Equals(profile.profileName)) return {};
   if (session.unsaved)
-    return "changes of '" + Bytes(profile.profileName) + "' couldn't be stored and would be lost";
+    return Bytes(
+        Around("changes of '", profile.profileName, "' couldn't be stored and would be lost"));
   // A person who chooses another profile leaves the field first, which stores it.
   if (deviceTab.IsBeingTyped()) return "a number is being typed into the window";
   ProfileFile looked;
