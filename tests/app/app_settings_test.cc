@@ -176,6 +176,13 @@ TEST_F(AppSettingsTest, AKeyThatCannotBeWrittenLosesThemInSilence) {
   EXPECT_EQ(Number("Smart Check"), std::nullopt);
 }
 
+TEST_F(AppSettingsTest, TheyAreReadWhereNoKeyCanBeMade) {
+  Preset("Smart Check", 0);
+  sim.FailAlways("RegCreateKeyA");
+  Begin();
+  EXPECT_FALSE(Settings().smartCheck);
+}
+
 // ---- The last device.
 
 TEST_F(AppSettingsTest, TheLastDeviceIsSelectedWithItsValues) {

@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "app/resources/control_ids.h"
+#include "tests/app/calls.h"
 #include "tests/app/control_fixture.h"
+#include "tests/foundation/allocations.h"
 #include "tests/person/recorded_desktop.h"
 #include "tests/storage/random_profile.h"
 
@@ -28,7 +30,6 @@ using platform::IDYES;
 using Cells = std::vector<std::vector<std::string>>;
 using Ids = std::vector<std::uint32_t>;
 using Rows = std::vector<std::int32_t>;
-using Strings = std::vector<std::string>;
 
 constexpr std::uint8_t kEnter = 0x0D;
 constexpr std::uint8_t kDeleteKey = 0x2E;
@@ -232,6 +233,19 @@ TEST_F(ControlListTest, ANewControlGoesToTheEndAndIsSavedAtOnce) {
   EXPECT_EQ(DispatchIds(), (Ids{3, 2, 1})) << "the heaviest first";
   EXPECT_EQ(ControlAt(2).actionsBorrowed, 0);
   EXPECT_EQ(screen.SelectedRows(kControlList), Rows{0});
+}
+
+TEST_F(ControlListTest, WhatComesToTheEndIsBroughtIntoView) {
+  StartWithLetters(3);
+  sim.LogCalls(true);
+  New();
+  TypeControl("x");
+  screen.Click(IDOK);
+  EXPECT_EQ(CallsOf(sim, {"ListEnsureVisible"}), Strings{"ListEnsureVisible 1003 3"});
+  Copy({0, 1});
+  sim.ClearCalls();
+  Paste();
+  EXPECT_EQ(CallsOf(sim, {"ListEnsureVisible"}), Strings{"ListEnsureVisible 1003 5"});
 }
 
 TEST_F(ControlListTest, ANewControlThatIsCancelledLeavesNothing) {
@@ -647,6 +661,15 @@ TEST_F(ControlListTest, PastingTwiceGivesTwoCopiesWithActionsOfTheirOwn) {
   EXPECT_EQ(actions.size(), 3u);
   EXPECT_EQ(actions.count(*Window()->controlTab.copiedControls.head->value->actions.head->value),
             0u);
+}
+
+TEST_F(ControlListTest, APasteWithoutMemoryChangesNoOtherControl) {
+  StartWithLetters(2);
+  Copy({0});
+  FailingAllocation fault(1);
+  Paste();
+  EXPECT_EQ(fault.Failed(), 1u);
+  EXPECT_EQ(Descriptions(), "ab");
 }
 
 TEST_F(ControlListTest, TheBufferSurvivesAChangeOfProfile) {

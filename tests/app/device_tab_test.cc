@@ -225,12 +225,15 @@ TEST_F(DeviceTabTest, ADeviceThatTheListHasNoMoreIsShownByItsName) {
   EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
 
   // There is nothing behind the other rows either.
-  for (const char* row : {"Arcade", "Pad"}) {
+  for (const char* row : {"Arcade", "Pad", "Arcade"}) {
     screen.Choose(kDeviceList, row);
     EXPECT_FALSE(screen.BoxUp()) << row;
     EXPECT_EQ(CurrentDeviceName(), "Pad");
     EXPECT_TRUE(Device()->DeviceSelected());
   }
+  sim.FailNext("EnumDevices");
+  screen.Click(kRefreshDeviceList);
+  EXPECT_EQ(screen.Chosen(kDeviceList), "Pad");
 }
 
 TEST_F(DeviceTabTest, WithoutADeviceARefreshThatFailsShowsNone) {

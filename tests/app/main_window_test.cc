@@ -123,6 +123,7 @@ TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
       "CreateToolTip",  // 20
       "EnableToolTips",
       "SetTimer 1 5000",     // 21
+      "SleepTimer 1",        // no device is looked for
       "PostMessageA 32769",  // 22: WM_HIDE_TO_TRAY
       "PostMessageA 32771",  // 23: WM_STARTUP_IDLE
       "PostMessageA 32776",  // WM_START_LAUNCH
@@ -154,6 +155,7 @@ TEST_F(WindowLifeTest, TheSetUpGoesStepByStep) {
                           "CreateToolTip",
                           "EnableToolTips",
                           "SetTimer",
+                          "SleepTimer",
                           "PostMessageA",
                           "ShowWindow"}),
             steps);
@@ -340,10 +342,18 @@ TEST_F(FailedStartTest, WithoutAWindowTheObjectWritesThemAllTheSame) {
   EXPECT_FALSE(screen.Running());
   EXPECT_EQ(screen.Result(), -1);
   ExpectTheStartValuesWritten();
+}
+
+TEST_F(WindowLifeTest, WithoutAWindowThereIsNothingToEnd) {
+  Begin();
+  CloseAll();
+  sim.LogCalls(true);
+  sim.FailNext("RunDialog");
+  Begin();
   EXPECT_EQ(CallsOf(sim, {"KillTimer", "UnhookWindowsHookEx", "Shell_NotifyIconA", "DestroyIcon",
                           "HtmlHelp"}),
             Strings{})
-      << "it had none of them";
+      << "nor anything of the window before";
 }
 
 TEST_F(FailedStartTest, TheProgramsStatusTellsWhetherItsWindowWasThere) {
@@ -767,9 +777,18 @@ TEST_F(WindowLifeTest, EachTabShowsItsPageAndTheRowOfProfiles) {
     for (const std::uint32_t id : {1000u, kProfileList, kProfileLabel, kNewProfile, kDeleteProfile,
                                    kRenameProfile, kCopyProfile, kHelp})
       EXPECT_TRUE(screen.Visible(id)) << id;
-    for (const std::uint32_t id :
-         {kControlPageBox, kMousePageBox, kDevicePageBox, kSettingsPageBox})
-      EXPECT_FALSE(screen.Visible(id)) << id;
+  }
+}
+
+TEST_F(WindowLifeTest, TheBoxOfAPageIsNeverShown) {
+  sim.LogCalls(true);
+  Begin();
+  for (const std::int32_t tab : {1, 2, 3, 0}) screen.ChooseTab(kTabControl, tab);
+  for (const std::uint32_t id :
+       {kControlPageBox, kMousePageBox, kDevicePageBox, kSettingsPageBox}) {
+    const std::string call = "ShowControl " + std::to_string(id);
+    EXPECT_GT(CountCalls(sim, call), 0u) << id;
+    EXPECT_EQ(CountCalls(sim, call), CountCalls(sim, call + " 0")) << id;
   }
 }
 
@@ -825,6 +844,12 @@ TEST_F(MainLayoutTest, ControlsStandWhereTheTreesPutThemAtThreeSizes) {
   EXPECT_EQ(PlaceText(Window()->ClientRect()), "0,0 to 610,377");
 }
 
+TEST_F(MainLayoutTest, WithoutTheTabsRectangleAPageIs32BelowTheTabControl) {
+  sim.FailNext("TabGetItemRect");
+  Begin();
+  EXPECT_EQ(PlaceText(screen.ControlPlace(kNewControl)), "10,74 to 76,97");
+}
+
 // The list is 543 wide with 16 of them for its frame and scroll bar. Columns grow by their share,
 // cut to whole pixels, and the last gets the rest.
 TEST_F(MainLayoutTest, TheColumnsShareTheWidth) {
@@ -834,6 +859,12 @@ TEST_F(MainLayoutTest, TheColumnsShareTheWidth) {
   EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{118, 59, 450}));
   screen.Resize(610, 377);
   EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{107, 53, 407}));
+}
+
+TEST_F(MainLayoutTest, TheLastColumnGivesWhatADraggedOneTakes) {
+  Begin();
+  screen.DragDivider(kControlList, 0, 200);
+  EXPECT_EQ(screen.ColumnWidths(kControlList), (std::vector<std::int32_t>{200, 50, 277}));
 }
 
 // A column that reached beyond the list for a moment would show a scroll bar.
@@ -906,6 +937,15 @@ TEST_F(MainWindowTest, F1TellsOfWhatHasTheFocus) {
   EXPECT_EQ(topic(kInterval), "Mouse Device and Settings.htm#device");
   screen.ChooseTab(kTabControl, 3);
   EXPECT_EQ(topic(kSmartCheck), "Mouse Device and Settings.htm#settings");
+}
+
+// As some lists tell of each key, beside the window.
+TEST_F(MainWindowTest, F1ThatAListTellsOfIsNotThatOfTheWindow) {
+  Begin();
+  const std::size_t before = screen.HelpCalls().size();
+  static_cast<platform::WindowListener&>(*Window()).OnNotice(kControlList,
+                                                             platform::Notice::KeyDown, 0x70);
+  EXPECT_EQ(screen.HelpCalls().size(), before);
 }
 
 // ---- The same acts give the same run, with Qt's own timers, paintings and loops in it.

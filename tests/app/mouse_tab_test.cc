@@ -450,6 +450,18 @@ TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
   EXPECT_FALSE(Engine().TestMode());
 }
 
+TEST_F(TestButtonDrawing, OnlyADrawingForTheFocusChangesTheDefaultButton) {
+  BeginHere();
+  screen.FocusOn(kTestMode);
+  EXPECT_EQ(screen.DefaultButton(), kTestMode);
+  screen.FocusOn(kMovementDamper);
+  EXPECT_EQ(screen.DefaultButton(), kEditControl);
+  screen.FocusOn(kTestMode);
+  platform::controls().SetDefaultButton(Handle(), kEditControl);
+  screen.PaintButton(kTestMode);
+  EXPECT_EQ(screen.DefaultButton(), kEditControl);
+}
+
 TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   BeginHere();
   screen.FocusOn(kTestMode);

@@ -199,11 +199,12 @@ TEST_F(NotificationAreaTest, TheIconHasTheSameMenuForThoseThatShowItThemselves) 
 TEST_F(NotificationAreaTest, AMinimisedWindowShowsTheIconInItsMiddle) {
   sim.FailNext("SetWindowsHookExA");
   Begin();
+  screen.Resize(570, 378);
   screen.Minimise();
   ASSERT_TRUE(screen.Shown()) << "without the hook nothing hides it";
   ASSERT_TRUE(screen.Minimised());
-  // (570 - 32 + 1) / 2 and (377 - 32 + 1) / 2, rounded toward zero.
-  EXPECT_EQ(screen.Paint(), (Strings{"erase 0,0,570,377", "icon 269,173 128"}));
+  // (570 - 32 + 1) / 2 and (378 - 32 + 1) / 2, rounded toward zero.
+  EXPECT_EQ(screen.Paint(), (Strings{"erase 0,0,570,378", "icon 269,173 128"}));
 }
 
 // ---- The welcome.

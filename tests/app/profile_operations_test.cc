@@ -221,6 +221,7 @@ TEST_F(RefusedNameTest, ThatTheSystemHasForADevice) {
       "choose "
       "another name.",
       "Invalid Profile File Name", MB_OK);
+  EXPECT_FALSE(screen.BoxUp()) << "nothing is tried";
   EXPECT_EQ(Profiles(), Strings());
 }
 
@@ -407,6 +408,14 @@ TEST_F(ProfileOperationsTest, TheLastProfileLeavesAnEmptyListAndStaysRemembered)
   EXPECT_EQ(Profiles(), Strings());
   ExpectNoProfile();
   EXPECT_EQ(Remembered(), "Alpha") << "nothing was selected after it";
+  EXPECT_FALSE(screen.BoxUp());
+}
+
+TEST_F(ProfileOperationsTest, WithTheLastProfileGoesTheWarningOfItsDevice) {
+  Store("Alpha");
+  Begin();
+  ExpectBoxAndAnswer(kNoDeviceText, "Kelvaro", MB_OK);
+  ClickDelete();
   EXPECT_FALSE(screen.BoxUp());
 }
 

@@ -79,6 +79,14 @@ TEST_F(SteeredWindowTest, WhileTheFirstStartWaitsForThePersonItAnswers) {
   EXPECT_EQ(Select("Beta"), "done");
 }
 
+TEST_F(SteeredWindowTest, ItAnswersThenThatTheLastDeviceIsInUse) {
+  Preset("Welcome Display", 0);
+  PresetText("Last Device", kPad);
+  Begin();
+  ASSERT_EQ(screen.Front(), welcome::kDialog);
+  EXPECT_NE(Ask("status").find("profile  | device Pad | "), std::string::npos);
+}
+
 TEST_F(SteeredWindowTest, SelectDoesWhatTheChoiceOfAPersonDoes) {
   BeginWithTwo();
   Choose("Beta");
@@ -114,6 +122,14 @@ TEST_F(SteeredWindowTest, AProfileThatIsNotThereOrCanNotBeReadIsAnErrorAndNoBox)
   EXPECT_EQ(Chosen(), "Alpha");
   EXPECT_EQ(Profiles(), Strings({"Alpha", "Beta"}));
   EXPECT_TRUE(screen.Boxes().empty());
+}
+
+TEST_F(SteeredWindowTest, TheAnswersEndWithTheWindow) {
+  BeginWithTwo();
+  EXPECT_EQ(Select("Beta"), "done");
+  ASSERT_TRUE(calls.IsAnswered());
+  CloseAll();
+  EXPECT_FALSE(calls.IsAnswered());
 }
 
 TEST_F(SteeredWindowTest, AProfileThatWasStoredMeanwhileIsListedAndOpened) {

@@ -91,7 +91,9 @@ bool RecordedDesktop::TrackPopupMenu(WindowHandle window, std::span<const MenuIt
 // Of the same height with any font.
 bool RecordedControls::TabGetItemRect(WindowHandle window, std::uint32_t id, std::int32_t tab,
                                       Rect* rect) {
-  if (!QtControls::TabGetItemRect(window, id, tab, rect)) return false;
+  if (journal.Enter("TabGetItemRect", id, tab) ||
+      !QtControls::TabGetItemRect(window, id, tab, rect))
+    return false;
   rect->bottom = rect->top + 20;
   return true;
 }

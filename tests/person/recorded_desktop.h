@@ -193,6 +193,10 @@ class RecordedControls final : public qt::QtControls {
     return !journal.Enter("ListSetColumnWidth", id, column) &&
            QtControls::ListSetColumnWidth(window, id, column, width);
   }
+  bool ListEnsureVisible(WindowHandle window, std::uint32_t id, std::int32_t row) override {
+    return !journal.Enter("ListEnsureVisible", id, row) &&
+           QtControls::ListEnsureVisible(window, id, row);
+  }
   bool ListGetColumnOrder(WindowHandle window, std::uint32_t id,
                           std::vector<std::int32_t>* order) override {
     return !journal.Enter("ListGetColumnOrder") &&

@@ -17,6 +17,7 @@ class VirtualCalls final : public platform::Calls {
   explicit VirtualCalls(platform::Platform groups) : installed(With(groups)) {}
 
   bool Answer(platform::CallReceiver* called) override {
+    if (receiver) return false;
     receiver = called;
     if (!saidAtOnce.empty()) Say(1, saidAtOnce);
     return answers;
