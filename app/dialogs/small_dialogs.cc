@@ -64,7 +64,6 @@ void AdvancedSettingsDialog::OnInit() {
   Check(advanced_settings::kAutodetectDevicePlugin, autodetectDevicePlugin);
   if (!platform::controls().CreateToolTip(window)) return;
   LimitTips(400);
-  platform::controls().ActivateToolTip(window, true);
   platform::controls().AddTool(window, advanced_settings::kAutodetectDevicePlugin);
 }
 

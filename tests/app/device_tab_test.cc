@@ -341,7 +341,7 @@ TEST_F(DeviceTabTest, ADeviceThatCannotBeOpenedIsSaidAndNothingElseHappens) {
 
 TEST_F(DeviceTabTest, ADeviceIsTakenAloneWhereItsNameIsStored) {
   AddStick();
-  PresetText("Only For Kelvaro", "Wheel; Stick ;Pad 2");
+  PresetText("Only For Kelvaro", "Wheel;; ; Stick ;Pad 2");
   BeginHere();
   sim.LogCalls(true);
   const auto levelOf = [&](const char* device) {
@@ -352,7 +352,7 @@ TEST_F(DeviceTabTest, ADeviceIsTakenAloneWhereItsNameIsStored) {
   EXPECT_EQ(levelOf("Stick"), " 9");
   EXPECT_EQ(levelOf("Pad"), " 10");
   CloseAll();
-  EXPECT_EQ(SettingText("Only For Kelvaro"), "Wheel; Stick ;Pad 2");
+  EXPECT_EQ(SettingText("Only For Kelvaro"), "Wheel;; ; Stick ;Pad 2");
 }
 
 TEST_F(DeviceTabTest, ADeviceThatAnotherProgramKeepsForItselfIsSaid) {
