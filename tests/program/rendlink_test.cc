@@ -270,8 +270,8 @@ TEST_F(RendlinkProgramTest, ASignalThatCameTooLateForKelvaroGoesToTheGame) {
       PlayWith("trap '\"$rendlink\" $carry; exit' TERM\necho ready\nwhile :; do sleep 0.05; done",
                {"--", Script("while :; do sleep 0.05; done")});
   ASSERT_TRUE(Eventually([&] { return Says(*child, "ready\n"); })) << child->Log();
-  child->Signal(SIGHUP);
-  EXPECT_EQ(child->WaitForEnd(), 128 + SIGHUP) << child->Log();
+  child->Signal(SIGTERM);
+  EXPECT_EQ(child->WaitForEnd(), 128 + SIGTERM) << child->Log();
 }
 
 TEST_F(RendlinkProgramTest, ASignalAfterTheGamesEndEndsKelvaro) {
