@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace kelvaro {
 
@@ -15,11 +16,14 @@ namespace {
 
 const char* OrEmpty(const char* text) { return text ? text : ""; }
 
-// One byte more than is ever asked for, so that a string without a terminator ends there.
 struct DataBuffer {
-  char bytes[RegistryBufferSize + 1];
+  char bytes[RegistryBufferSize];
 
-  void EndAt(std::uint32_t size) { bytes[size] = 0; }
+  // Up to its terminator, or all of it where it has none.
+  ByteString Text(std::uint32_t size) const {
+    const std::string_view all(bytes, size);
+    return TextOf(all.substr(0, all.find('\0')));
+  }
 
   std::uint32_t Number(std::uint32_t size) const {
     std::uint32_t number = 0;
@@ -31,12 +35,8 @@ struct DataBuffer {
 // False when there is no such value, or it doesn't fit.
 bool Read(HKEY key, const char* name, std::uint32_t* type, DataBuffer* data, std::uint32_t* size) {
   *size = RegistryBufferSize;
-  if (platform::registry().RegQueryValueExA(key, OrEmpty(name), type, data->bytes, size) !=
-      ERROR_SUCCESS) {
-    return false;
-  }
-  data->EndAt(*size);
-  return true;
+  return platform::registry().RegQueryValueExA(key, OrEmpty(name), type, data->bytes, size) ==
+         ERROR_SUCCESS;
 }
 
 bool WriteDword(HKEY key, const char* name, std::uint32_t value) {
@@ -105,7 +105,7 @@ bool RegistryKey::GetString(const char* subkey, const char* name, ByteString* ou
   std::uint32_t type = 0;
   std::uint32_t size = 0;
   if (!key.isOpen || !Read(key.handle, name, &type, &data, &size) || type != REG_SZ) return false;
-  out->Assign(data.bytes);
+  *out = data.Text(size);
   return true;
 }
 
@@ -142,12 +142,11 @@ bool RegistryKey::EnumValues(const char* subkey, RegistryValueList* out) {
     // Kept: the sizes that a value of another kind leaves hold for the next one.
     if (result == ERROR_SUCCESS && type != REG_DWORD && type != REG_SZ) continue;
     if (result == ERROR_SUCCESS) {
-      data.EndAt(size);
       RegistryValue value;
       value.name.Assign(name);
       value.type = type;
       if (type == REG_SZ) {
-        value.text.Assign(data.bytes);
+        value.text = data.Text(size);
       } else {
         value.number = data.Number(size);
       }
