@@ -7,11 +7,9 @@
 
 namespace kelvaro {
 
-BinaryFile::~BinaryFile() { Close(); }
-
 bool BinaryFile::Open() {
   Close();
-  window = new (std::nothrow) std::uint8_t[windowSize];
+  window.reset(new (std::nothrow) std::uint8_t[windowSize]);
   if (!window) return false;
   lastError = 0;
   if (!IsEmpty()) {
@@ -23,7 +21,7 @@ bool BinaryFile::Open() {
     FreeWindow();
     return false;
   }
-  if (handle->ReadFile(window, windowSize, &bytesInWindow) && bytesInWindow > 0) {
+  if (handle->ReadFile(window.get(), windowSize, &bytesInWindow) && bytesInWindow > 0) {
     windowFirst = 0;
     windowLast = bytesInWindow - 1;
   } else {
@@ -48,7 +46,7 @@ bool BinaryFile::ReadBytes(ByteString* out, std::uint64_t position, std::uint32_
     const std::uint64_t inside = windowLast - position + 1;
     const std::uint32_t n = static_cast<std::uint32_t>(std::min<std::uint64_t>(count, inside));
     const std::uint32_t before = out->Length();
-    out->Append(window + (position - windowFirst), n);
+    out->Append(&window[position - windowFirst], n);
     if (out->Length() - before != n) return false;  // no memory
     position += n;
     count -= n;
@@ -81,7 +79,7 @@ bool BinaryFile::MoveWindow(std::uint64_t position) {
     lastError = platform::files().GetLastError();
     if (lastError != 0) return false;
   }
-  if (!handle->ReadFile(window, windowSize, &bytesInWindow) || bytesInWindow == 0) {
+  if (!handle->ReadFile(window.get(), windowSize, &bytesInWindow) || bytesInWindow == 0) {
     lastError = platform::files().GetLastError();
     return false;
   }
@@ -91,8 +89,7 @@ bool BinaryFile::MoveWindow(std::uint64_t position) {
 }
 
 void BinaryFile::FreeWindow() {
-  delete[] window;
-  window = nullptr;
+  window.reset();
   bytesInWindow = 0;
   windowFirst = kNoWindow;
   windowLast = 0;

@@ -19,8 +19,6 @@ class BinaryFile : public ByteString {
 
   BinaryFile() = default;
   explicit BinaryFile(const ByteString& path) : ByteString(path) {}
-  // Closes the file.
-  ~BinaryFile() override;
   BinaryFile(const BinaryFile&) = delete;
   BinaryFile& operator=(const BinaryFile&) = delete;
 
@@ -41,8 +39,8 @@ class BinaryFile : public ByteString {
   bool ReadU16(std::uint16_t* out, std::uint64_t position);
   bool ReadU32(std::uint32_t* out, std::uint64_t position);
 
-  std::uint8_t* window = nullptr;   // owned; null when closed
-  std::uint32_t bytesInWindow = 0;  // what the last fill delivered
+  std::unique_ptr<std::uint8_t[]> window;  // null when closed
+  std::uint32_t bytesInWindow = 0;         // what the last fill delivered
   std::uint32_t windowSize = kWindowSize;
   std::uint64_t windowFirst = kNoWindow;  // position of the window's first byte, kNoWindow for none
   std::uint64_t windowLast = 0;           // position of its last byte

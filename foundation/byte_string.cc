@@ -19,12 +19,17 @@ constexpr char kBackslash = '\\';
 
 // What a string refers to once its content was moved out of it. Never written, as its capacity
 // is 0.
-char nothing[1] = {0};
+char nothing = 0;
 
 // Null when there is no memory, or more wanted than a signed size can tell.
 char* Allocate(std::int64_t size) {
   if (size <= 0 || size > kLargestAllocation) return nullptr;
   return new (std::nothrow) char[static_cast<std::size_t>(size)];
+}
+
+// At most the largest size, for which there is no memory, as the terminator is to have its place.
+std::uint32_t LengthOf(const char* text) {
+  return static_cast<std::uint32_t>(std::min<std::size_t>(std::strlen(text), kLargestAllocation));
 }
 
 std::int64_t AtLeastMinimum(std::int64_t size) {
@@ -97,7 +102,7 @@ bool InRange(char c, std::uint8_t low, std::uint8_t high) {
 
 }  // namespace
 
-ByteString::ByteString() : ByteString(std::int32_t{0}) {}
+ByteString::ByteString() { MakeEmpty(MinimumStringCapacity); }
 
 ByteString::ByteString(std::int32_t wanted) { MakeEmpty(AtLeastMinimum(std::int64_t{wanted} + 1)); }
 
@@ -106,10 +111,9 @@ ByteString::ByteString(char c) : ByteString() { AssignChar(c); }
 ByteString::ByteString(std::uint16_t value) : ByteString() { AssignU16(value); }
 
 ByteString::ByteString(const char* text) {
-  const std::size_t n = text ? std::strlen(text) : 0;
-  if (n >= static_cast<std::size_t>(kLargestAllocation)) return;
-  MakeEmpty(AtLeastMinimum(static_cast<std::int64_t>(n) + 1));
-  if (data) SetText(text, static_cast<std::uint32_t>(n));
+  const std::uint32_t n = text ? LengthOf(text) : 0;
+  MakeEmpty(AtLeastMinimum(std::int64_t{n} + 1));
+  if (data) SetText(text, n);
 }
 
 ByteString::ByteString(const ByteString& other) {
@@ -118,7 +122,7 @@ ByteString::ByteString(const ByteString& other) {
 }
 
 ByteString::ByteString(ByteString&& other) noexcept
-    : buffer(nothing), data(nothing), flags(kBufferNotOwned) {
+    : buffer(&nothing), data(&nothing), flags(kBufferNotOwned) {
   Swap(other);
 }
 
@@ -140,10 +144,7 @@ ByteString& ByteString::operator=(const char* text) {
   return *this;
 }
 
-ByteString::~ByteString() {
-  FreeBuffer();
-  delete[] skipTable;
-}
+ByteString::~ByteString() { FreeBuffer(); }
 
 void ByteString::MakeEmpty(std::int64_t size) {
   buffer = Allocate(size);
@@ -173,10 +174,7 @@ void ByteString::Swap(ByteString& other) noexcept {
   std::swap(skipTable, other.skipTable);
 }
 
-void ByteString::Changed() {
-  delete[] skipTable;
-  skipTable = nullptr;
-}
+void ByteString::Changed() { skipTable.reset(); }
 
 void ByteString::Rewind() {
   capacity += static_cast<std::int32_t>(data - buffer);
@@ -186,7 +184,7 @@ void ByteString::Rewind() {
 void ByteString::MoveDown() {
   const char* text = data;
   Rewind();
-  if (text != data) CopyBytes(data, text, length + 1);
+  if (text != data) CopyBytes(data, text, length);
 }
 
 void ByteString::SetText(const char* text, std::uint32_t n) {
@@ -222,11 +220,8 @@ void ByteString::Assign(const char* text) {
     Empty();
     return;
   }
-  const std::size_t n = std::strlen(text);
-  // A text beyond the largest size is the same to the caller as one there is no memory for.
-  const bool tooLong = n >= static_cast<std::size_t>(kLargestAllocation);
-  const std::int64_t size = tooLong ? 0 : AtLeastMinimum(static_cast<std::int64_t>(n) + 1);
-  Rewrite(text, tooLong ? static_cast<std::uint32_t>(kLargestAllocation) : std::uint32_t(n), size);
+  const std::uint32_t n = LengthOf(text);
+  Rewrite(text, n, AtLeastMinimum(std::int64_t{n} + 1));
 }
 
 void ByteString::Assign(const ByteString& other) {
@@ -263,9 +258,7 @@ bool ByteString::AppendBytes(const char* bytes, std::uint32_t n, std::int64_t ne
 }
 
 void ByteString::Append(const char* text) {
-  if (!text) return;
-  const std::size_t n = std::strlen(text);
-  if (n < static_cast<std::size_t>(kLargestAllocation)) Append(text, static_cast<std::uint32_t>(n));
+  if (text) Append(text, LengthOf(text));
 }
 
 void ByteString::Append(const ByteString& other) { Append(other.data, other.length); }
@@ -393,7 +386,7 @@ void ByteString::ReplaceAll(const ByteString& from, const ByteString& to) {
 void ByteString::RemoveAll(const char* pattern, std::int32_t n) {
   if (!pattern) return;
   if (n < 1) {
-    n = static_cast<std::int32_t>(std::strlen(pattern));
+    n = static_cast<std::int32_t>(LengthOf(pattern));
   }
   if (LiesWithin(pattern, data, data + length)) {
     // Closing up would change the pattern under the walk.
@@ -411,8 +404,9 @@ void ByteString::RemoveAll(const char* pattern, std::int32_t n) {
     if (at < 0) return;
     Changed();
     start = static_cast<std::uint32_t>(at);
-    CopyBytes(data + start, data + start + width, length - start - width + 1);
+    std::copy(data + start + width, data + length, data + start);
     length -= width;
+    data[length] = 0;
   }
 }
 
@@ -441,7 +435,7 @@ int ByteString::CompareNoCase(const void* bytes, std::int32_t n) const {
 }
 
 int ByteString::Compare(const ByteString& other, bool ignoreCase) const {
-  const char* bytes = other.data ? other.data : nothing;
+  const char* bytes = other.data ? other.data : &nothing;
   const std::int32_t n = static_cast<std::int32_t>(other.length);
   return ignoreCase ? CompareNoCase(bytes, n) : Compare(bytes, n);
 }
@@ -477,20 +471,20 @@ std::int32_t ByteString::Find(const ByteString& pattern, std::int32_t start) con
   if (!pattern.skipTable) return Find(pattern.data, start, n);
   if (!CanHold(start, n)) return -1;
   return Search(data, length, pattern.data, pattern.length, static_cast<std::uint32_t>(start),
-                pattern.skipTable);
+                pattern.skipTable.get());
 }
 
 void ByteString::BuildSkipTable() {
-  if (!skipTable) skipTable = new (std::nothrow) std::uint32_t[kTableSize];
-  if (skipTable) FillSkipTable(data, length, skipTable);
+  if (!skipTable) skipTable.reset(new (std::nothrow) std::uint32_t[kTableSize]);
+  if (skipTable) FillSkipTable(data, length, skipTable.get());
 }
 
 bool ByteString::ToUpper(std::int32_t first, std::int32_t last) {
   const std::int32_t own = static_cast<std::int32_t>(length);
   if (own == 0 || first < 0 || first > own) return false;
-  if (last < 0 || last >= own) last = own - 1;
+  if (last < 0) last = own;
   Changed();
-  for (std::int32_t i = first; i <= last; ++i) {
+  for (std::int32_t i = first; i <= last && i < own; ++i) {
     data[i] = static_cast<char>(FoldUpper(static_cast<std::uint8_t>(data[i])));
   }
   return true;

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -143,7 +144,7 @@ class ByteString {
   void Swap(ByteString& other) noexcept;
   // The skip table fits one text only.
   void Changed();
-  // Gives the room in front of the text back: without the text, and with it.
+  // Gives the room in front of the text back: without the text, and with it but its terminator.
   void Rewind();
   void MoveDown();
   // Needs n + 1 bytes of room.
@@ -160,7 +161,7 @@ class ByteString {
   std::int32_t capacity = 0;  // bytes from data to the end of the allocation
   std::uint32_t length = 0;
   std::uint8_t flags = 0;  // bit 0: buffer isn't owned
-  std::uint32_t* skipTable = nullptr;
+  std::unique_ptr<std::uint32_t[]> skipTable;
 };
 
 // The same bytes, zeros included, in the seam's strings and back.
