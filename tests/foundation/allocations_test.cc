@@ -23,5 +23,17 @@ TEST(Allocations, CountEachForm) {
   EXPECT_EQ(Allocations() - before, 4u);
 }
 
+TEST(Allocations, LiveUntilTheyAreGivenBack) {
+  const std::int64_t before = LivingAllocations();
+  void* const element = ::operator new(4);
+  void* const array = ::operator new[](4);
+  EXPECT_EQ(LivingAllocations() - before, 2);
+  ::operator delete(element);
+  EXPECT_EQ(LivingAllocations() - before, 1);
+  ::operator delete[](array);
+  ::operator delete(nullptr);
+  EXPECT_EQ(LivingAllocations(), before);
+}
+
 }  // namespace
 }  // namespace kelvaro

@@ -287,6 +287,29 @@ TEST_F(BinaryFileTest, ASeekThatFailsIsNotedAndALaterReadWorks) {
   }
 }
 
+TEST_F(BinaryFileTest, AReadBehindTheEndLeavesTheWindowWhereItWas) {
+  OpenWith(Bytes(100));
+  ByteString out;
+  EXPECT_FALSE(file.ReadBytes(&out, 100, 1));
+  EXPECT_EQ(file.windowFirst, 0u);
+  disk.ClearLog();
+  ReadAt(99);
+  EXPECT_TRUE(disk.Log().empty());
+}
+
+TEST_F(BinaryFileTest, TheLastByteAloneIsAWindow) {
+  OpenWith(Bytes(131'073));
+  ReadAt(131'072);
+  EXPECT_EQ(file.bytesInWindow, 1u);
+}
+
+TEST_F(BinaryFileTest, AFileThatIsReadMayBeWrittenMeanwhile) {
+  OpenWith("abc");
+  EXPECT_NE(disk.CreateFileA(kPath, platform::GENERIC_WRITE, platform::FILE_SHARE_READ,
+                             platform::OPEN_EXISTING),
+            nullptr);
+}
+
 TEST_F(BinaryFileTest, AReadThatFailsLeavesTheWindowWhereItWas) {
   OpenWith(Bytes(200'000));
   disk.FailOperation(2, 30);  // behind SetFilePointer
@@ -347,6 +370,15 @@ TEST_F(BinaryFileTest, OpensAgainOnAnotherPath) {
   ByteString out;
   EXPECT_TRUE(file.ReadBytes(&out, 0, 6));
   EXPECT_EQ(Bytes(out), "second");
+}
+
+TEST_F(BinaryFileTest, NothingOfAFileIsLeftWhenAnEmptyOneIsOpened) {
+  OpenWith("first");
+  disk.PutFile(kPath, "");
+  EXPECT_TRUE(file.Open());
+  ByteString out;
+  EXPECT_FALSE(file.ReadBytes(&out, 0, 1));
+  EXPECT_TRUE(out.IsEmpty());
 }
 
 TEST_F(BinaryFileTest, ItsEndCloses) {

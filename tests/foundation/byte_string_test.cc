@@ -131,6 +131,25 @@ TEST(ByteString, MoveAssignmentLeavesAnEmptyString) {
   EXPECT_EQ(Content(to), "from");
 }
 
+TEST(ByteString, WhatItTookIsGivenBack) {
+  const std::int64_t before = LivingAllocations();
+  {
+    ByteString string("text");
+    string.Append("that grows to more than sixteen bytes");
+    EXPECT_EQ(LivingAllocations() - before, 1) << "the smaller allocation is gone";
+    string.BuildSkipTable();
+    EXPECT_EQ(LivingAllocations() - before, 2);
+    string.AppendChar('!');
+    EXPECT_EQ(LivingAllocations() - before, 1) << "the table fits it no more";
+    string.BuildSkipTable();
+    const ByteString taken(std::move(string));
+    EXPECT_EQ(LivingAllocations() - before, 2);
+    string.Append("again");  // NOLINT: what was left is an empty string
+    EXPECT_EQ(LivingAllocations() - before, 3);
+  }
+  EXPECT_EQ(LivingAllocations(), before);
+}
+
 TEST(ByteString, TextOfAndBytesKeepEveryByte) {
   EXPECT_EQ(Bytes(TextOf(std::string("a\0b", 3))), std::string("a\0b", 3));
   EXPECT_EQ(Content(TextOf(std::string(40, 'x'))), std::string(40, 'x'));
@@ -345,6 +364,9 @@ TEST(ByteString, TruncateCutsOnlyBelowTheLength) {
     string.Truncate(row.n);
     EXPECT_EQ(Content(string), row.after) << row.n;
   }
+  ByteString one("a");
+  one.Truncate(0);
+  EXPECT_EQ(Content(one), "");
 }
 
 TEST(ByteString, KeepRightMovesThePointerAndCopiesNothing) {
@@ -1231,6 +1253,14 @@ TEST(ByteString, AStringThatHeldNothingTakesTextAgain) {
   EXPECT_TRUE(smallest.AssignBytes("", 0));
   EXPECT_EQ(smallest.Capacity(), 1);
   EXPECT_EQ(ByteString(smallest).Capacity(), 1);
+}
+
+TEST(ByteString, AStringThatHeldNothingHoldsNothingWithoutMemory) {
+  ByteString string = WithoutMemory();
+  const FailingAllocations failing;
+  string.Assign("abc");
+  EXPECT_EQ(string.Text(), nullptr);
+  EXPECT_EQ(string.Length(), 0u);
 }
 
 TEST(ByteString, AssignWithoutMemoryLeavesAnEmptyString) {

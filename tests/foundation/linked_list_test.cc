@@ -182,6 +182,18 @@ TEST(LinkedList, RemovingNodeAndEndDestroyTheElements) {
   EXPECT_EQ(Guest::alive, 0);
 }
 
+TEST(LinkedList, ItsNodesAreGivenBackWithTheirElements) {
+  const std::int64_t before = LivingAllocations();
+  {
+    List list;
+    Fill(&list, 3);
+    EXPECT_EQ(LivingAllocations() - before, 6);
+    list.RemoveNode(list.head);
+    EXPECT_EQ(LivingAllocations() - before, 4);
+  }
+  EXPECT_EQ(LivingAllocations(), before);
+}
+
 TEST(LinkedList, RemoveNodeDoesNothingOnAnEmptyList) {
   List list;
   int value = 1;

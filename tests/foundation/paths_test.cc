@@ -287,6 +287,10 @@ TEST_F(SlashPathsTest, StatusIsWhatASearchFinds) {
 
 TEST_F(SlashPathsTest, NoStatusOfWhatIsNotThere) {
   FileStatus status;
+  for (const std::uint64_t none : {status.created, status.accessed, status.written, status.size,
+                                   std::uint64_t{status.attributes}}) {
+    EXPECT_EQ(none, 0u);
+  }
   status.size = 3;
   EXPECT_FALSE(GetFileStatus("/none", &status));
   EXPECT_FALSE(GetFileStatus("", &status));

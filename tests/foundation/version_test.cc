@@ -9,6 +9,7 @@ TEST(VersionNumber, TheRevisionIsShownUnlessItIsZero) {
   EXPECT_STREQ(VersionNumber({3, 5, 0}).Text(), "3.5");
   EXPECT_STREQ(VersionNumber({3, 5, 2}).Text(), "3.5.2");
   EXPECT_STREQ(VersionNumber({255, 0, 255}).Text(), "255.0.255");
+  EXPECT_STREQ(VersionNumber({}).Text(), "0.0");
 }
 
 TEST(VersionNumber, IsThatOfTheProgramsUnlessTold) {
