@@ -114,9 +114,9 @@ std::uint32_t WorkerThread::Entry(void* self) {
   }
   platform::threads().SetCurrentThreadPriority(own);
   const std::uint32_t code = worker->Run();
+  // A thread that was cut off during Run, whose worker may be gone, gets no further than this call.
+  platform::threads().GetCurrentThreadId();
   {
-    // A thread that was cut off during Run, whose worker may be gone, gets no further than the
-    // lock, which asks the platform first.
     LockGuard guard(worker->stateLock);
     worker->exitCode = code;
   }
