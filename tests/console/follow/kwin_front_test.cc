@@ -5,19 +5,18 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "console/linux/front_source.h"
 #include "tests/host/files.h"
 #include "tests/host/patience.h"
 #include "tests/host/refused_calls.h"
+#include "tests/platform/linux/bus_service.h"
 #include "tests/platform/linux/own_bus.h"
 
 namespace kelvaro::console {
@@ -27,20 +26,8 @@ using Texts = std::vector<std::string>;
 
 class FakeKWin {
  public:
-  explicit FakeKWin(const std::string& address) {
-    dbus_threads_init_default();
-    connection = dbus_connection_open_private(address.c_str(), nullptr);
-    dbus_bus_register(connection, nullptr);
-    dbus_connection_set_exit_on_disconnect(connection, FALSE);
-    dbus_bus_request_name(connection, "org.kde.KWin", 0, nullptr);
-    server = std::thread([this] { Serve(); });
-  }
-  ~FakeKWin() {
-    stop = true;
-    server.join();
-    dbus_connection_close(connection);
-    dbus_connection_unref(connection);
-  }
+  explicit FakeKWin(const std::string& address)
+      : service(address, "org.kde.KWin", [this](DBusMessage* message) { Answer(message); }) {}
 
   void Refuse(const std::string& member) { refused = member; }  // before it is asked
   // Each by its name and the texts that it has.
@@ -58,22 +45,13 @@ class FakeKWin {
       const char* const value = text.c_str();
       dbus_message_append_args(call, DBUS_TYPE_STRING, &value, DBUS_TYPE_INVALID);
     }
-    dbus_connection_send(connection, call, nullptr);
-    dbus_connection_flush(connection);
+    service.Send(call);
     dbus_message_unref(call);
   }
 
  private:
-  void Serve() {
-    while (!stop) {
-      dbus_connection_read_write(connection, 10);
-      while (DBusMessage* const message = dbus_connection_pop_message(connection)) {
-        if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) Answer(message);
-        dbus_message_unref(message);
-      }
-    }
-  }
   void Answer(DBusMessage* message) {
+    if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL) return;
     Texts call = {dbus_message_get_member(message)};
     DBusMessageIter values;
     for (bool more = dbus_message_iter_init(message, &values); more;
@@ -89,17 +67,14 @@ class FakeKWin {
       const std::lock_guard<std::mutex> lock(mutex);
       calls.push_back(call);
     }
-    dbus_connection_send(connection, reply, nullptr);
-    dbus_connection_flush(connection);
+    service.Send(reply);
     dbus_message_unref(reply);
   }
 
-  DBusConnection* connection = nullptr;
   std::string refused;
   std::mutex mutex;  // of `calls`
   std::vector<Texts> calls;
-  std::atomic<bool> stop{false};
-  std::thread server;
+  platform::BusService service;
 };
 
 class KWinFrontTest : public testing::Test {

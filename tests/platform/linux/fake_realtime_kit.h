@@ -5,9 +5,9 @@
 
 #include <atomic>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "tests/platform/linux/bus_service.h"
 #include "tests/platform/linux/own_bus.h"
 
 namespace platform {
@@ -15,40 +15,18 @@ namespace platform {
 // The service, played by the test: grants everything, or refuses everything, and notes it.
 class FakeService {
  public:
-  FakeService(const std::string& address, bool grant) : grants(grant) {
-    dbus_threads_init_default();
-    connection = dbus_connection_open_private(address.c_str(), nullptr);
-    dbus_bus_register(connection, nullptr);
-    dbus_connection_set_exit_on_disconnect(connection, FALSE);
-    dbus_bus_request_name(connection, "org.freedesktop.RealtimeKit1", 0, nullptr);
-    server = std::thread([this] { Serve(); });
-  }
-  ~FakeService() {
-    stop = true;
-    server.join();
-    dbus_connection_close(connection);
-    dbus_connection_unref(connection);
-  }
+  FakeService(const std::string& address, bool grant)
+      : grants(grant),
+        service(address, "org.freedesktop.RealtimeKit1",
+                [this](DBusMessage* message) { Answer(message); }) {}
   void Grant() { grants = true; }  // from now on
   // After the service has ended or before it is asked.
   const std::vector<std::string>& Calls() const { return calls; }
-  void Finish() {
-    stop = true;
-    server.join();
-    server = std::thread([] {});
-  }
+  void Finish() { service.Finish(); }
 
  private:
-  void Serve() {
-    while (!stop) {
-      dbus_connection_read_write(connection, 10);
-      while (DBusMessage* message = dbus_connection_pop_message(connection)) {
-        if (dbus_message_get_type(message) == DBUS_MESSAGE_TYPE_METHOD_CALL) Answer(message);
-        dbus_message_unref(message);
-      }
-    }
-  }
   void Answer(DBusMessage* message) {
+    if (dbus_message_get_type(message) != DBUS_MESSAGE_TYPE_METHOD_CALL) return;
     const std::string member = dbus_message_get_member(message);
     DBusMessage* reply = grants ? dbus_message_new_method_return(message)
                                 : dbus_message_new_error(message, DBUS_ERROR_ACCESS_DENIED, "no");
@@ -78,16 +56,13 @@ class FakeService {
     } else {
       calls.push_back(member);
     }
-    dbus_connection_send(connection, reply, nullptr);
-    dbus_connection_flush(connection);
+    service.Send(reply);
     dbus_message_unref(reply);
   }
 
   std::atomic<bool> grants;
-  DBusConnection* connection = nullptr;
   std::vector<std::string> calls;  // the server's, until it has ended
-  std::atomic<bool> stop{false};
-  std::thread server;
+  BusService service;
 };
 
 }  // namespace platform
