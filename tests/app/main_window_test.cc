@@ -428,6 +428,12 @@ TEST_F(WindowLifeTest, AnEndDuringABoxOfTheFirstProfileIsTheEndOfTheSetUp) {
 
 // ---- The end.
 
+TEST_F(WindowLifeTest, TheCloseBoxPressedByAnotherProgramEndsIt) {
+  Begin();
+  Post(platform::WM_CLOSE);
+  EXPECT_FALSE(screen.Running());
+}
+
 TEST_F(WindowLifeTest, TheCleanupGoesStepByStep) {
   const std::string settings = kSettings;
   Begin();

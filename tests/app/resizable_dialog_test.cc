@@ -164,6 +164,10 @@ TEST_F(ResizableDialogTest, StartsWithOnePageAndNothingMeasured) {
   EXPECT_EQ(dialog.currentPageIndex, 0);
   EXPECT_FALSE(dialog.layoutReady);
   EXPECT_TRUE(dialog.showGrip);
+  EXPECT_EQ(dialog.gripWidth, 0);
+  EXPECT_EQ(dialog.gripHeight, 0);
+  EXPECT_EQ(dialog.minTrackWidth, 0);
+  EXPECT_EQ(dialog.minTrackHeight, 0);
 }
 
 TEST_F(ResizableDialogTest, TakesItsLeastSizeItsOriginAndTheGripFromTheWindow) {

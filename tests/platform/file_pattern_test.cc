@@ -31,6 +31,7 @@ TEST(FitsPattern, Rows) {
            Row{"abc", "a**c*", true},
            Row{"abcbcd", "a*bcd", true},
            Row{"abcbc", "a*b?", true},
+           Row{"ababa", "aba*aba", false},  // what stands before the star isn't looked at again
            Row{"readme", "*.*", false},
            Row{"a.b", "*.*", true},
            Row{".", "*", true},

@@ -92,6 +92,7 @@ TEST_F(ButtonCase, ADrawnButtonIsDrawnByTheListenerAndPressedByAClick) {
   };
   Run([&] {
     controls().SetControlFocus(Window(), kNameEdit);
+    Settle();
     items.clear();
     controls().InvalidateControl(Window(), kDrawnButton);
     EXPECT_TRUE(WaitFor([&] { return !items.empty(); }));

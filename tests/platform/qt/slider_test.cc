@@ -1,11 +1,18 @@
 #include "app/platform/qt/slider.h"
 
+#include <QSlider>
+
 #include "qt_fixture.h"
 
 namespace platform::qt {
 namespace {
 
 class SliderTest : public QtTest {};
+
+IN_WINDOW(SliderTest, ATickStandsAtEachStepThatIsAskedFor) {
+  controls().SliderSetTicFreq(Window(), kSlider, 5);
+  EXPECT_EQ(qobject_cast<QSlider*>(Widget(kSlider))->tickInterval(), 5);
+}
 
 IN_WINDOW(SliderTest, EachMoveOfThePersonIsToldWithItsPosition) {
   controls().SliderSetRange(Window(), kSlider, 0, 50);
