@@ -6,7 +6,7 @@
 namespace kelvaro {
 
 ByteString DataFolder() {
-  const ByteString program = ProgramFolder();
+  ByteString program = ProgramFolder();
   ByteString marker = program;
   marker.AppendChar(platform::files().PathSeparator());
   marker.Append("PerUser");

@@ -103,7 +103,7 @@ std::string ProfileRow::Choose(const std::string& name) {
   if (deviceTab.IsBeingTyped()) return "a number is being typed into the window";
   ProfileFile looked;
   ByteString path;
-  const std::string refusal = FindStoredProfile(name, &looked, &path);
+  std::string refusal = FindStoredProfile(name, &looked, &path);
   if (!refusal.empty()) return refusal;
   std::int32_t row =
       platform::controls().ComboFindStringExact(dialog.window, kProfileList, Bytes(wanted));

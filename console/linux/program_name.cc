@@ -10,7 +10,7 @@ std::string ProgramNameOf(std::uint32_t process) {
   if (process == 0) return {};
   const std::string number = std::to_string(process);
   const std::string path = platform::ProgramFileOf(number);
-  const std::string name = path.substr(path.rfind('/') + 1);
+  std::string name = path.substr(path.rfind('/') + 1);
   if (!name.empty() && !name.starts_with("wine")) return name;
   // What it was called as: all that is told of other users' programs, and with Wine the game.
   std::string called;

@@ -59,6 +59,7 @@ std::vector<InstanceAnswer> AskInstances(std::optional<std::uint32_t> instance,
       instance ? std::vector<std::uint32_t>{*instance} : platform::calls().Answering();
   // All are asked before any answer is waited for.
   std::vector<InstanceAnswer> asked;
+  asked.reserve(processes.size());
   for (const std::uint32_t process : processes) asked.push_back(Ask(process, request));
   const auto end = std::chrono::steady_clock::now() + kPatience;
   for (InstanceAnswer& one : asked)

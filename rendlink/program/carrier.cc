@@ -255,7 +255,7 @@ CarrierSocket::~CarrierSocket() {
 std::string SocketCarrier::FindProgram(const std::string& typed, std::string* reason,
                                        bool* isThere) {
   int error = 0;
-  const std::string found = platform::FindProgram(typed, &error);
+  std::string found = platform::FindProgram(typed, &error);
   *isThere = error != ENOENT && error != ENOTDIR;
   if (found.empty()) *reason = strerror(error);
   return found;
