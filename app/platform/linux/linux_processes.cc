@@ -84,7 +84,6 @@ bool LinuxProcesses::CreateProcessA(const std::string& application, const std::s
   if (start.words.empty()) start.words.push_back(program);
   pid_t process = -1;
   if (const int error = StartProgram(start, &process)) return Fail(error);
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): a number goes where a pointer would.
   void* const child = reinterpret_cast<void*>(std::intptr_t{process});
   const Handle waiter = threads.CreateThread(WaitForEnd, child, "waits for game", nullptr);
   if (waiter == kInvalidHandle) {
