@@ -160,8 +160,9 @@ class ResizableDialogTest : public ::testing::Test {
 
 TEST_F(ResizableDialogTest, StartsWithOnePageAndNothingMeasured) {
   EXPECT_EQ(dialog.pages.count, 1);
-  EXPECT_NE(dialog.currentPage, nullptr);
+  ASSERT_NE(dialog.currentPage, nullptr);
   EXPECT_EQ(dialog.currentPageIndex, 0);
+  EXPECT_EQ(dialog.currentPage->rect, (LayoutRect{0, 0, 0, 0}));
   EXPECT_FALSE(dialog.layoutReady);
   EXPECT_TRUE(dialog.showGrip);
   EXPECT_EQ(dialog.gripWidth, 0);
