@@ -31,7 +31,6 @@ using Cells = std::vector<std::vector<std::string>>;
 using Ids = std::vector<std::uint32_t>;
 using Rows = std::vector<std::int32_t>;
 
-constexpr std::uint8_t kEnter = 0x0D;
 constexpr std::uint8_t kDeleteKey = 0x2E;
 
 Ids IdsOf(const LinkedList<Control>& controls) {
@@ -294,7 +293,7 @@ TEST_F(ControlListTest, ADoubleClickTheButtonAndEnterEditTheSelectedControl) {
 
   Select({0});
   screen.FocusOn(kControlList);
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   ASSERT_EQ(screen.Front(), define_control::kDialog);
   EXPECT_EQ(screen.Text(define_control::kDescriptionText), "a");
   screen.Click(IDCANCEL);
@@ -316,7 +315,7 @@ TEST_F(ControlListTest, EnterOnAnotherTabEditsNothing) {
   for (const auto tab : {MainWindow::kMouseTab, MainWindow::kDeviceTab, MainWindow::kSettingsTab}) {
     screen.ChooseTab(kTabControl, tab);
     screen.FocusOn(kTabControl);
-    screen.Press(kEnter);
+    screen.Press(screen.kEnter);
     EXPECT_EQ(screen.Front(), main_window::kDialog) << tab;
   }
 }

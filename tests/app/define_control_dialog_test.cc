@@ -359,7 +359,7 @@ TEST_F(DefineControlDialogTest, F1TellsOfWhatHasTheFocus) {
                                                           {kRepeatCheck, "#repeat"},
                                                           {2, ""}}) {
     screen.FocusOn(id);
-    screen.Press(0x70);
+    screen.Press(screen.kF1);
     EXPECT_EQ(screen.HelpCalls().back().topic, "Creating and Editing Controls.htm" + place) << id;
   }
   const std::size_t before = screen.HelpCalls().size();
@@ -371,7 +371,7 @@ TEST_F(DefineControlDialogTest, WithoutHelpTheButtonDoesNothing) {
   screen.SetHelpLibrary("hhctrl.ocx", false);
   OpenNew();
   screen.Click(kHelp);
-  screen.Press(0x70);
+  screen.Press(screen.kF1);
   EXPECT_TRUE(screen.HelpCalls().empty());
   EXPECT_EQ(screen.Front(), define_control::kDialog);
 }
@@ -380,7 +380,7 @@ TEST_F(DefineControlDialogTest, HelpThatDidntStartIsNotAskedForATopic) {
   sim.FailNext("HtmlHelp");
   OpenNew();
   screen.Click(kHelp);
-  screen.Press(0x70);
+  screen.Press(screen.kF1);
   EXPECT_TRUE(screen.HelpCalls().empty());
 }
 
@@ -1014,7 +1014,7 @@ TEST_F(DefineControlDialogTest, CancelEscAndTheCloseBoxDiscard) {
   StartWith({{.description = "old", .buttons = 1, .keys = {"a"}}});
   const InputAction* action = *TheControl().actions.head->value;
   const std::vector<std::function<void()>> ends = {[this] { screen.Click(IDCANCEL); },
-                                                   [this] { screen.Press(0x1B); },
+                                                   [this] { screen.Press(screen.kEsc); },
                                                    [this] { screen.Close(); }};
   for (const auto& end : ends) {
     Edit(0);

@@ -488,7 +488,7 @@ TEST_F(WindowLifeTest, EachWayOutCleansUpOnce) {
     std::function<void(WindowLifeTest&)> leave;
   } kWays[] = {
       {"close box", [](WindowLifeTest& test) { test.screen.Close(); }},
-      {"Esc", [](WindowLifeTest& test) { test.screen.Press(0x1B); }},
+      {"Esc", [](WindowLifeTest& test) { test.screen.Press(test.screen.kEsc); }},
       {"menu",
        [](WindowLifeTest& test) {
          test.screen.IconRightClick();
@@ -930,7 +930,7 @@ TEST_F(MainWindowTest, F1TellsOfWhatHasTheFocus) {
   Begin();
   const auto topic = [&](std::uint32_t id) {
     screen.FocusOn(id);
-    screen.Press(0x70);
+    screen.Press(screen.kF1);
     return screen.HelpCalls().back().topic;
   };
   EXPECT_EQ(topic(kControlList), "Creating and Editing Controls.htm");

@@ -18,8 +18,6 @@ namespace {
 
 using namespace main_window;
 
-constexpr std::uint8_t kEnter = 0x0D;
-
 class MouseTabTest : public MainWindowTest {
  protected:
   void BeginHere() {
@@ -437,7 +435,7 @@ TEST_F(TestButtonDrawing, WithTheFocusADottedRectangleIsThreePixelsInside) {
 TEST_F(TestButtonDrawing, EnterPressesItWhileItHasTheFocus) {
   BeginHere();
   screen.FocusOn(kTestMode);
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   EXPECT_TRUE(Engine().TestMode());
 }
 
@@ -446,7 +444,7 @@ TEST_F(TestButtonDrawing, WithoutTheFocusItIsNoLongerTheDefaultButton) {
   screen.FocusOn(kTestMode);
   // From a control that is no button Enter presses the default one.
   screen.FocusOn(kMovementDamper);
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   EXPECT_FALSE(Engine().TestMode());
 }
 
@@ -467,7 +465,7 @@ TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   screen.FocusOn(kTestMode);
   screen.ChooseTab(kTabControl, MainWindow::kControlTab);
   screen.SelectRows(kControlList, {});
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   EXPECT_FALSE(Engine().TestMode());
   // By itself, as when a profile has no device, the focus stays behind on the hidden button.
   screen.ChooseTab(kTabControl, MainWindow::kMouseTab);
@@ -477,7 +475,7 @@ TEST_F(TestButtonDrawing, NorOnceAnotherTabIsShown) {
   Post(WM_DEVICE_WARNING);
   screen.Answer(platform::IDOK);
   ASSERT_EQ(CurrentTab(), MainWindow::kDeviceTab);
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   EXPECT_FALSE(Engine().TestMode());
 }
 

@@ -275,7 +275,7 @@ TEST_F(NotificationAreaTest, HelpThatDoesNotStartIsNone) {
   sim.FailNext("HtmlHelp");
   Begin();
   screen.Click(kHelp);
-  screen.Press(0x70);  // F1
+  screen.Press(screen.kF1);
   EXPECT_TRUE(screen.HelpCalls().empty());
 }
 

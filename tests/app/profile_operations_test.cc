@@ -393,7 +393,7 @@ TEST_F(ProfileOperationsTest, NoMeansNo) {
   Begin();
   Disk().ClearLog();
   screen.Click(kDeleteProfile);
-  screen.Press(0x0D);  // Enter: "No!" is what it presses
+  screen.Press(screen.kEnter);  // "No!" is what it presses
   EXPECT_EQ(screen.Front(), main_window::kDialog);
   EXPECT_TRUE(Disk().Log().empty());
   EXPECT_EQ(OpenName(), "Alpha");

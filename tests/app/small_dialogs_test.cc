@@ -18,9 +18,6 @@ using platform::IDOK;
 using platform::simulation::Screen;
 using Simulation = platform::simulation::DesktopSimulation;
 
-constexpr std::int32_t kEnter = 0x0D;
-constexpr std::int32_t kEsc = 0x1B;
-
 // A dialog in front of the person, once it was opened.
 template <class AnyDialog>
 struct Shown {
@@ -64,7 +61,7 @@ TEST_F(NewProfileDialogTest, OKTakesTheName) {
 
 TEST_F(NewProfileDialogTest, EnterIsOK) {
   screen.Type(new_profile::kName, "Game");
-  screen.Press(kEnter);
+  screen.Press(screen.kEnter);
   ExpectTaken("Game");
 }
 
@@ -174,8 +171,8 @@ TEST(DeleteProfileDialog, ShowsTheNameInDoubleQuotesAndEachAmpersandOfIt) {
 TEST(DeleteProfileDialog, DeletesOnYesAlone) {
   EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Click(IDOK); }), IDOK);
   EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Click(IDCANCEL); }), IDCANCEL);
-  EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Press(kEnter); }), IDCANCEL);
-  EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Press(kEsc); }), IDCANCEL);
+  EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Press(screen.kEnter); }), IDCANCEL);
+  EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Press(screen.kEsc); }), IDCANCEL);
   EXPECT_EQ(Deletion("Game", [](Screen& screen) { screen.Close(); }), IDCANCEL);
 }
 
@@ -314,7 +311,7 @@ TEST_F(WelcomeDialogTest, CloseEndsIt) {
 }
 
 TEST_F(WelcomeDialogTest, EscEndsIt) {
-  screen.Press(kEsc);
+  screen.Press(screen.kEsc);
   EXPECT_FALSE(screen.Running());
 }
 

@@ -187,10 +187,10 @@ TEST_F(DispatcherContainment, IsSilencedOnlyWhenEveryInputIsInTheOther) {
   const DIJOYSTATE2 upRight = WithHat(5000);
   DIJOYSTATE2 upRightB1 = upRight;
   upRightB1.rgbButtons[0] = 1;
-  DIJOYSTATE2 twoAxes = WithX(kLimit, {1, 2});
-  twoAxes.lY = -kLimit;
-  DIJOYSTATE2 banks = WithX(kLimit);
-  banks.lVX = kLimit;
+  DIJOYSTATE2 twoAxes = WithX(kAxisMax, {1, 2});
+  twoAxes.lY = -kAxisMax;
+  DIJOYSTATE2 banks = WithX(kAxisMax);
+  banks.lVX = kAxisMax;
   const TriggerItem x = Axis(0, AxisPos);
   const Mapping b1AndX{.buttons = {1}, .items = {x}};
 
@@ -234,7 +234,7 @@ TEST_F(Dispatcher, ASilencedControlSilencesNothingItself) {
   profile.mouseX = MouseInput(0);
   Add({.name = "part", .buttons = {1}});
   Add({.name = "whole", .buttons = {1}, .items = {Axis(0, AxisPos)}});
-  EXPECT_EQ(Dispatch(WithX(kLimit, {1})), "press part");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax, {1})), "press part");
 }
 
 // --- The mouse's inputs -------------------------------------------------------------------------
@@ -242,21 +242,21 @@ TEST_F(Dispatcher, ASilencedControlSilencesNothingItself) {
 TEST_F(DispatcherWithMouse, AControlOnAMouseAxisFiresOnlyWhileTheMouseIsOff) {
   profile.mouseX = MouseInput(0);
   Add({.name = "right", .items = {Axis(0, AxisPos)}});
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "press right");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "press right");
   EXPECT_EQ(Dispatch(WithX(0)), "release right");
   engine.mouseActive = true;
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "");
   Dispatch(WithX(0));
   engine.mouseActive = false;
   engine.SetTestMode(true);
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "");
   Dispatch(WithX(0));
   engine.SetTestMode(false);
   profile.mouseAlwaysActive = true;
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "");
   Dispatch(WithX(0));
   profile.mouseAlwaysActive = false;
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "press right");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "press right");
 }
 
 TEST_F(DispatcherWithMouse, EachOfTheThreeInputsIsKeptFromTheControls) {
@@ -265,18 +265,18 @@ TEST_F(DispatcherWithMouse, EachOfTheThreeInputsIsKeptFromTheControls) {
   Add({.name = "a", .items = {Axis(0, AxisPos)}});
   for (Relaxed<TriggerItem>* input : inputs) {
     *input = MouseInput(0);
-    EXPECT_EQ(Dispatch(WithX(kLimit)), "");
+    EXPECT_EQ(Dispatch(WithX(kAxisMax)), "");
     Dispatch(WithX(0));
     *input = TriggerItem{input_kind::kNone, 0, 0};
-    EXPECT_EQ(Dispatch(WithX(kLimit)), "press a");
+    EXPECT_EQ(Dispatch(WithX(kAxisMax)), "press a");
     Dispatch(WithX(0));
   }
 }
 
 TEST_F(DispatcherWithMouse, AControlIsKeptOutByAnyOneOfItsInputsThatIsTheMouses) {
   engine.mouseActive = true;
-  const DIJOYSTATE2 right = WithX(kLimit), left = WithX(-kLimit), up = WithHat(0);
-  DIJOYSTATE2 all = WithX(kLimit, {1});
+  const DIJOYSTATE2 right = WithX(kAxisMax), left = WithX(-kAxisMax), up = WithHat(0);
+  DIJOYSTATE2 all = WithX(kAxisMax, {1});
   all.rgdwPOV[0] = 0;
   const struct {
     const char* why;
@@ -312,9 +312,9 @@ TEST_F(DispatcherWithMouse, AControlIsKeptOutByAnyOneOfItsInputsThatIsTheMouses)
 TEST_F(DispatcherWithMouse, WhatIsDownWhenTheMouseGoesOnStaysDownUntilItsInputsRest) {
   profile.mouseX = MouseInput(0);
   Control* right = Add({.name = "right", .items = {Axis(0, AxisPos)}});
-  EXPECT_EQ(Dispatch(WithX(kLimit)), "press right");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax)), "press right");
   engine.mouseActive = true;
-  EXPECT_EQ(Dispatch(WithX(kLimit - 1)), "");
+  EXPECT_EQ(Dispatch(WithX(kAxisMax - 1)), "");
   EXPECT_EQ(Copy(right).triggerDown, 1);
   EXPECT_EQ(Dispatch(WithX(0)), "release right");
 }
@@ -323,7 +323,7 @@ TEST_F(DispatcherWithMouse, AnExcludedReleaseControlSpendsItsArming) {
   profile.mouseX = MouseInput(0);
   engine.mouseActive = true;
   Control* right = Add({.name = "right", .items = {Axis(0, AxisPos)}, .onPress = false});
-  Dispatch(WithX(kLimit));
+  Dispatch(WithX(kAxisMax));
   EXPECT_EQ(Copy(right).triggerArmed, 1) << "evaluated though the mouse has its input";
   EXPECT_EQ(Dispatch(WithX(0)), "");
   EXPECT_EQ(Copy(right).triggerArmed, 0);
@@ -375,7 +375,7 @@ TEST_F(DispatcherWithMouse, AToggleCountsForTheControlsBehindItInTheSameDispatch
   Add({.name = "t", .buttons = {1, 2}, .toggles = true});
   Add({.name = "after", .items = {Axis(0, AxisPos)}});
   Add({.name = "button", .buttons = {4}});
-  DIJOYSTATE2 state = WithX(kLimit, {1, 2, 4});
+  DIJOYSTATE2 state = WithX(kAxisMax, {1, 2, 4});
   EXPECT_EQ(Dispatch(state), "press t, press button");
 }
 
@@ -527,9 +527,9 @@ class RandomDispatch : public EngineTest, public ::testing::WithParamInterface<u
   DIJOYSTATE2 RandomState() {
     DIJOYSTATE2 state = Pad();
     for (int n = 0; n < 8; ++n) state.rgbButtons[n] = Roll(3) == 0 ? 0x80 : 0;
-    state.lX = (Roll(2) - 1) * kLimit;
-    state.lY = (Roll(2) - 1) * kLimit;
-    state.lZ = Roll(2 * kLimit) - kLimit;
+    state.lX = (Roll(2) - 1) * kAxisMax;
+    state.lY = (Roll(2) - 1) * kAxisMax;
+    state.lZ = Roll(2 * kAxisMax) - kAxisMax;
     if (Roll(1)) state.rgdwPOV[0] = static_cast<std::uint32_t>(Roll(35999));
     return state;
   }

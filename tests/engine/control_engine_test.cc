@@ -29,7 +29,7 @@ TEST_F(Engine, AttachedItIsDrivenByThePad) {
   auto& pad = Plug(10);
   RunTo(15);
   pad.Press({1});
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   Hold(35, {}, 45);
   EXPECT_EQ(journal.Take(), "20 press a, 40 release a");
   EXPECT_EQ(MouseEvents(), "1 4 0 0, 1 4 0 0, 1 4 0 0");  // at 20, 30 and 40
@@ -166,10 +166,10 @@ TEST_F(Engine, AfterLetGoNothingIsPressedAnew) {
   EXPECT_EQ(journal.Take(), "release a");
   EXPECT_EQ(Dispatch({1, 2}), "");
   EXPECT_EQ(Dispatch({1, 5}), "");
-  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "");
   engine.Attach();
   EXPECT_EQ(Dispatch({1, 2}), "press a");
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 4 0 0");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 4 0 0");
 }
 
 TEST_F(Engine, LetGoWaitsForAReplayUnderWay) {
@@ -235,7 +235,7 @@ TEST_F(Engine, PausedItTakesNoStateAndHoldsNothing) {
   EXPECT_EQ(engine.repeatWorker.Repeating(), nullptr);
   EXPECT_EQ(Dispatch({2}), "");
   EXPECT_EQ(Dispatch({1, 5}), "");
-  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "");
   engine.Attach();
   EXPECT_EQ(Dispatch({1}), "") << "attached anew it is still paused";
 }

@@ -8,6 +8,7 @@
 
 #include "app/platform/simulation/simulation.h"
 #include "device/device_manager.h"
+#include "tests/engine/axes.h"
 #include "tests/engine/counting_action.h"
 #include "tests/engine/item_text.h"
 #include "tests/foundation/allocations.h"
@@ -15,7 +16,6 @@
 namespace kelvaro {
 namespace {
 
-constexpr std::int32_t kAxisMax = 32000;
 constexpr std::uint64_t B1 = 1, B2 = 2, B3 = 4;
 
 // ---- Evaluation ----

@@ -12,7 +12,7 @@ namespace {
 // "kind index value", or "none".
 std::string Detect(const DIJOYSTATE2& state) {
   TriggerItem found{77, 78, 79};
-  if (!DetectMouseAxis(kLimit, state, &found)) {
+  if (!DetectMouseAxis(kAxisMax, state, &found)) {
     EXPECT_EQ(found.kind, 77) << "nothing found, but something written";
     return "none";
   }
@@ -215,7 +215,7 @@ TEST_F(Detection, WithoutAnyChangeAButtonFollowsTheKindOfTheDetectionBefore) {
   EXPECT_EQ(profile.leftMask, 0u);
   // An axis was: the button stays.
   engine.StartMouseDetection(MouseRole::X);
-  Dispatch(WithX(kLimit));
+  Dispatch(WithX(kAxisMax));
   engine.EndMouseDetection();
   profile.leftButton = 4;
   profile.leftMask = 16;
@@ -251,7 +251,7 @@ TEST_F(Detection, ButtonsFromThirtyTwoOnGetTheMaskThatTheyGetEverywhere) {
 
 TEST_F(Detection, TwoButtonsAndNotOneEndThatOfAnAxis) {
   engine.StartMouseDetection(MouseRole::Wheel);
-  Dispatch(WithX(kLimit, {1}));
+  Dispatch(WithX(kAxisMax, {1}));
   EXPECT_TRUE(engine.IsDetecting());
   Dispatch(WithX(0, {1, 64}));
   EXPECT_EQ(Shown(), "1163=Axis_X0, ended 1163, save");
@@ -343,7 +343,7 @@ TEST_F(Detection, EndedOnTheMainThreadWhileThePadIsPolled) {
   auto& pad = Plug(5);
   RunTo(12);
   engine.StartMouseDetection(MouseRole::X);
-  pad.MoveAxis("Axis_Z0", -kLimit);
+  pad.MoveAxis("Axis_Z0", -kAxisMax);
   RunTo(17);
   EXPECT_EQ(Shown(), "1159=Axis_Z0");
   engine.EndMouseDetection();

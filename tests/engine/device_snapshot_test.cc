@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "tests/engine/axes.h"
+
 namespace kelvaro {
 namespace {
-
-constexpr std::int32_t kAxisMax = 32000;
 
 // The 32 axis fields, by kind and bank.
 struct AxisField {

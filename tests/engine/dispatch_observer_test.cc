@@ -62,10 +62,10 @@ TEST_F(Observed, WhatTheMouseTakesIsToldOnceItIsOn) {
   profile.leftMask = 1;
   profile.mouseX = MouseInput(input_kind::kAxisX);
   EXPECT_EQ(Dispatch({3}), "begin 4, #1 fires, press m, mouse on, #2 rests, #3 rests, end");
-  EXPECT_EQ(Dispatch(WithX(kLimit, {1})),
+  EXPECT_EQ(Dispatch(WithX(kAxisMax, {1})),
             "begin 1, mouse takes 1, #1 ends, release m, #2 rests, #3 mouse has, end");
   EXPECT_EQ(Dispatch({3}), "begin 4, #1 fires, press m, mouse off, #2 rests, #3 rests, end");
-  EXPECT_EQ(Dispatch(WithX(kLimit, {1})),
+  EXPECT_EQ(Dispatch(WithX(kAxisMax, {1})),
             "begin 1, #1 ends, release m, #2 fires, press a, #3 fires, press x, end");
 }
 

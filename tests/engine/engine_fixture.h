@@ -17,10 +17,9 @@
 #include "device/device_manager.h"
 #include "engine/control_engine.h"
 #include "tests/device/one_pad.h"
+#include "tests/engine/axes.h"
 
 namespace kelvaro {
-
-constexpr std::int32_t kLimit = 32000;  // of every axis
 
 // What happened, a line each. With a clock, each line has the time in front of it.
 class Journal {

@@ -5,13 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "tests/engine/axes.h"
 #include "tests/engine/item_text.h"
 #include "tests/foundation/allocations.h"
 
 namespace kelvaro {
 namespace {
-
-constexpr std::int32_t kAxisMax = 32000;
 
 std::string TextOf(const TriggerItem& item, bool detailed) {
   ByteString text;

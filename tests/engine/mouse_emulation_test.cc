@@ -30,7 +30,8 @@ TEST(MouseCurve, HasAFloorOfOneAndGrowsByAFifth) {
     double gain;
   } rows[] = {{0, 1.0}, {1, 1.0}, {2, 1.0}, {3, 1.0}, {4, 1.2}, {15, 3.4}, {50, 10.4}};
   for (const auto& row : rows) {
-    EXPECT_NEAR(MakeMouseCurve(kLimit, 0, row.position + 2).gain, row.gain, 1e-12) << row.position;
+    EXPECT_NEAR(MakeMouseCurve(kAxisMax, 0, row.position + 2).gain, row.gain, 1e-12)
+        << row.position;
   }
 }
 
@@ -41,9 +42,9 @@ TEST(MouseCurve, SpansFromTheDeadZoneToTheLimit) {
 }
 
 TEST(NextAccumulated, AnAxisAddsWhatItsDistanceBeyondTheDeadZoneGives) {
-  const MouseCurve flat = MakeMouseCurve(kLimit, 0, 2);         // 1.0
-  const MouseCurve steep = MakeMouseCurve(kLimit, 0, 52);       // 10.4
-  const MouseCurve damped = MakeMouseCurve(kLimit, 15999, 17);  // 3.4 over 16001
+  const MouseCurve flat = MakeMouseCurve(kAxisMax, 0, 2);         // 1.0
+  const MouseCurve steep = MakeMouseCurve(kAxisMax, 0, 52);       // 10.4
+  const MouseCurve damped = MakeMouseCurve(kAxisMax, 15999, 17);  // 3.4 over 16001
   const struct {
     std::int32_t value;
     MouseCurve curve;
@@ -63,7 +64,7 @@ TEST(NextAccumulated, AnAxisAddsWhatItsDistanceBeyondTheDeadZoneGives) {
 }
 
 TEST(NextAccumulated, JustBeyondTheDeadZoneAddsALittleAndKeepsTheRest) {
-  const MouseCurve curve = MakeMouseCurve(kLimit, 1599, 2);
+  const MouseCurve curve = MakeMouseCurve(kAxisMax, 1599, 2);
   const double r = 1.0 / 30401.0;
   EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(0), WithX(1600), curve, 0.5), 0.5 + (r + r * r));
   EXPECT_DOUBLE_EQ(NextAccumulated(MouseInput(0), WithX(-1600), curve, 0.5), 0.5 - (r + r * r));
@@ -82,7 +83,7 @@ TEST(NextAccumulated, AHatGivesOneCountWhateverWasWaiting) {
       {35999, 0.0, -1.0},     {36000, 0.0, -1.0},     {65535, 0.0, -1.0},  {0x7FFFFFFF, 0.0, -1.0},
       {0x80000000, 0.0, 0.0}, {0xFFFFFFFF, 0.0, 0.0},
   };
-  const MouseCurve steep = MakeMouseCurve(kLimit, 0, 52);
+  const MouseCurve steep = MakeMouseCurve(kAxisMax, 0, 52);
   for (const auto& row : rows) {
     const DIJOYSTATE2 state = WithHat(row.angle);
     EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPov), state, steep, 0.9), row.sideways)
@@ -93,7 +94,7 @@ TEST(NextAccumulated, AHatGivesOneCountWhateverWasWaiting) {
 }
 
 TEST(NextAccumulated, ReadsTheFieldThatTheItemNames) {
-  const MouseCurve flat = MakeMouseCurve(kLimit, 0, 2);
+  const MouseCurve flat = MakeMouseCurve(kAxisMax, 0, 2);
   DIJOYSTATE2 state = Pad();
   state.rglFSlider[1] = 32000;
   state.lVRz = -32000;
@@ -105,20 +106,20 @@ TEST(NextAccumulated, ReadsTheFieldThatTheItemNames) {
 }
 
 TEST(NextAccumulated, NothingAssignedGivesNothing) {
-  const MouseCurve flat = MakeMouseCurve(kLimit, 0, 2);
-  EXPECT_EQ(NextAccumulated({input_kind::kNone, 0, 0}, WithX(kLimit), flat, 0.9), 0.0);
+  const MouseCurve flat = MakeMouseCurve(kAxisMax, 0, 2);
+  EXPECT_EQ(NextAccumulated({input_kind::kNone, 0, 0}, WithX(kAxisMax), flat, 0.9), 0.0);
 }
 
 TEST(NextAccumulated, AnInputOutsideOfTheStateIsAtRest) {
   // As a damaged profile may have it: hats 60 and 16374, of which the second ends at 65532.
-  const MouseCurve flat = MakeMouseCurve(kLimit, 0, 2);
+  const MouseCurve flat = MakeMouseCurve(kAxisMax, 0, 2);
   for (const std::uint16_t index : {60, 16374}) {
     EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPovVertical, index), Pad(), flat, 0.9), 0.0);
     EXPECT_EQ(NextAccumulated(MouseInput(input_kind::kPov, index), Pad(), flat, 0.9), 0.0);
   }
   EXPECT_EQ(NextAccumulated({0, 0, 269}, Pad(), flat, 0.9), 0.0);
   DIJOYSTATE2 last = Pad();
-  last.rglFSlider[1] = kLimit;
+  last.rglFSlider[1] = kAxisMax;
   EXPECT_DOUBLE_EQ(NextAccumulated({0, 0, 268}, last, flat, 0.0), 2.0);
 }
 
@@ -200,8 +201,8 @@ TEST_F(MousePoll, AtTheLimitTheDefaultSettingsSendFourCountsAPoll) {
   engine.ApplyMouseSlider(ControlEngine::kMovementDamperSlider, 5);
   engine.ApplyMouseSlider(ControlEngine::kMovementSensitivitySlider, 15);
   profile.mouseX = MouseInput(0);
-  for (int poll = 0; poll < 3; ++poll) EXPECT_EQ(Poll(WithX(kLimit)), "1 4 0 0");
-  EXPECT_EQ(Poll(WithX(-kLimit)), "1 -4 0 0");
+  for (int poll = 0; poll < 3; ++poll) EXPECT_EQ(Poll(WithX(kAxisMax)), "1 4 0 0");
+  EXPECT_EQ(Poll(WithX(-kAxisMax)), "1 -4 0 0");
 }
 
 TEST_F(MousePoll, AtTheDeadZoneExactlyTheWaitingFractionIsDropped) {
@@ -231,14 +232,14 @@ TEST_F(MousePoll, MinusOneExactlyIsSentAndAnythingLessIsNot) {
 TEST_F(MousePoll, ASendSpendsAllOfIt) {
   profile.mouseX = MouseInput(0);
   engine.accumulatedX = 0.9;
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");  // 2.9
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 2 0 0");  // 2.9
   EXPECT_EQ(engine.accumulatedX, 0.0);
 }
 
 TEST_F(MousePoll, AFractionInTheOtherAxisStaysWhenOneSends) {
   profile.mouseX = MouseInput(0);
   profile.mouseY = MouseInput(1);
-  DIJOYSTATE2 state = WithX(kLimit);
+  DIJOYSTATE2 state = WithX(kAxisMax);
   state.lY = 16000;
   EXPECT_EQ(Poll(state), "1 2 0 0");
   EXPECT_EQ(engine.accumulatedX, 0.0);
@@ -249,9 +250,9 @@ TEST_F(MousePoll, AFractionInTheOtherAxisStaysWhenOneSends) {
 
 TEST_F(MousePoll, TheWheelIsNegatedAndRaw) {
   profile.mouseWheel = MouseInput(2);
-  DIJOYSTATE2 state = With(&DIJOYSTATE2::lZ, kLimit);
+  DIJOYSTATE2 state = With(&DIJOYSTATE2::lZ, kAxisMax);
   EXPECT_EQ(Poll(state), "2049 0 0 -2");
-  state.lZ = -kLimit;
+  state.lZ = -kAxisMax;
   EXPECT_EQ(Poll(state), "2049 0 0 2");
   EXPECT_EQ(engine.accumulatedWheel, 0.0);
 }
@@ -264,7 +265,7 @@ TEST_F(MousePoll, TheWheelHasADeadZoneAndACurveOfItsOwn) {
   DIJOYSTATE2 state = With(&DIJOYSTATE2::lRx, 15999);
   EXPECT_EQ(Poll(state), "");
   EXPECT_EQ(engine.accumulatedWheel, 0.0);
-  state.lRx = kLimit;  // 1 + 10.4
+  state.lRx = kAxisMax;  // 1 + 10.4
   EXPECT_EQ(Poll(state), "2049 0 0 -11");
 }
 
@@ -300,8 +301,8 @@ TEST_F(MousePoll, AWheelSilencesTheDirectionThatSharesItsInput) {
       {"X's input silences X", atX, atY, atX, "2049 0 2 -2"},
       {"another bank is another input", none, atY, MouseInput(1, 1), "2049 0 2 -2"},
   };
-  DIJOYSTATE2 state = WithX(kLimit);
-  state.lY = state.lZ = state.lVY = kLimit;
+  DIJOYSTATE2 state = WithX(kAxisMax);
+  state.lY = state.lZ = state.lVY = kAxisMax;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     profile.mouseX = row.x;
@@ -314,8 +315,8 @@ TEST_F(MousePoll, AWheelSilencesTheDirectionThatSharesItsInput) {
 }
 
 TEST_F(MousePoll, NothingAssignedNeverSends) {
-  DIJOYSTATE2 state = WithX(kLimit, {1});
-  state.lY = -kLimit;
+  DIJOYSTATE2 state = WithX(kAxisMax, {1});
+  state.lY = -kAxisMax;
   state.rgdwPOV[0] = 9000;
   engine.accumulatedX = engine.accumulatedY = engine.accumulatedWheel = 0.9;
   for (int poll = 0; poll < 10; ++poll) EXPECT_EQ(Poll(state), "");
@@ -353,16 +354,16 @@ TEST_F(MousePoll, AHatOnTheWheelTurnsItACountAPoll) {
 TEST_F(MousePoll, AnySingleFlagTurnsItOn) {
   profile.mouseX = MouseInput(0);
   engine.mouseActive = false;
-  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "");
   EXPECT_FALSE(engine.MouseIsOn());
   profile.mouseAlwaysActive = true;
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 2 0 0");
   profile.mouseAlwaysActive = false;
   engine.SetTestMode(true);
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 2 0 0");
   engine.SetTestMode(false);
   engine.mouseActive = true;
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 2 0 0");
 }
 
 TEST_F(MousePoll, AccumulatorsOutlastTheTimeThatItIsOff) {
@@ -379,16 +380,16 @@ TEST_F(MousePoll, WithTheDialogOpenThePointerStandsStill) {
   profile.mouseX = MouseInput(0);
   profile.mouseAlwaysActive = true;
   host.dialogOpen = true;
-  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "");
   EXPECT_EQ(engine.accumulatedX, 0.0);
   host.dialogOpen = false;
-  EXPECT_EQ(Poll(WithX(kLimit)), "1 2 0 0");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "1 2 0 0");
 }
 
 TEST_F(MousePoll, DuringADetectionThePointerStandsStill) {
   profile.mouseX = MouseInput(0);
   engine.StartMouseDetection(MouseRole::X);
-  EXPECT_EQ(Poll(WithX(kLimit)), "");
+  EXPECT_EQ(Poll(WithX(kAxisMax)), "");
   EXPECT_EQ(engine.accumulatedX, 0.0);
 }
 
@@ -451,8 +452,8 @@ TEST_F(MousePoll, SendsOneEventAPollAtMostAndAllocatesNothingForIt) {
   profile.mouseX = MouseInput(0);
   profile.mouseY = MouseInput(1);
   profile.mouseWheel = MouseInput(2);
-  DIJOYSTATE2 state = WithX(kLimit);
-  state.lY = state.lZ = kLimit;
+  DIJOYSTATE2 state = WithX(kAxisMax);
+  state.lY = state.lZ = kAxisMax;
   LockGuard guard(device.deviceLock);
   const std::uint64_t before = Allocations();
   for (int poll = 0; poll < 1000; ++poll) MouseStep(&device, &state, &engine);
@@ -588,7 +589,7 @@ class MouseRun : public MousePoll {};
 TEST_F(MouseRun, ThePointerMovesAtEachPollAndNotAtChangesOnly) {
   profile.mouseX = MouseInput(0);
   auto& pad = Plug(5);
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   RunTo(1000);
   EXPECT_EQ(sim.Events().size(), 200u);
   EXPECT_EQ(sim.Events().front().t, start + 5);
@@ -600,7 +601,7 @@ TEST_F(MouseRun, APollsMotionComesBeforeItsKeysAndButtons) {
   profile.leftMask = MouseButtonMask(0);
   auto& pad = Plug(5);
   RunTo(12);
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   pad.Press({1});
   RunTo(17);
   EXPECT_EQ(MouseEvents(), "1 2 0 0, 2 0 0 0");
@@ -613,7 +614,7 @@ class MouseRest : public MousePoll {
     profile.mouseX = MouseInput(0);
     engine.mouseActive = false;
     sim.LogCalls(true);
-    Plug(5).MoveAxis("Axis_X0", kLimit);
+    Plug(5).MoveAxis("Axis_X0", kAxisMax);
     RunTo(1000);
   }
   std::int64_t PollsOfAnHour() {
@@ -697,7 +698,7 @@ TEST_F(MouseRun, ALongReplayHoldsThePointer) {
   profile.mouseX = MouseInput(0);
   Add({.name = "long", .buttons = {1}, .pressMs = 30});
   auto& pad = Plug(5);
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   RunTo(12);
   pad.Press({1});
   sim.ClearEvents();
@@ -711,7 +712,7 @@ TEST_F(MouseRun, ALongReplayHoldsThePointer) {
 TEST_F(MouseRun, ItStandsStillAndDoesNotWaitWhileAnotherThreadHasTheMouseState) {
   profile.mouseX = MouseInput(0);
   auto& pad = Plug(5);
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   RunTo(12);  // the change has been dealt with, so that only polls meet the lock
   MouseEvents();
   engine.mouseLock.Acquire(1);
@@ -726,7 +727,7 @@ TEST_F(MouseRun, ALostDeviceMovesNothingAndKeepsButtonsDown) {
   profile.mouseX = MouseInput(0);
   profile.leftMask = MouseButtonMask(0);
   auto& pad = Plug(5);
-  pad.MoveAxis("Axis_X0", kLimit);
+  pad.MoveAxis("Axis_X0", kAxisMax);
   pad.Press({1});
   RunTo(10);
   EXPECT_EQ(MouseEvents(), "1 2 0 0, 2 0 0 0, 1 2 0 0");

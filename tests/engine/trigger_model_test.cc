@@ -5,12 +5,11 @@
 
 #include "engine/control.h"
 #include "engine/device_snapshot.h"
+#include "tests/engine/axes.h"
 #include "tests/engine/trigger_model.h"
 
 namespace kelvaro {
 namespace {
-
-constexpr std::int32_t kAxisMax = 32000;
 
 // Few inputs, so that Triggers and states meet often, among them the ends of the masks and banks.
 constexpr int kButtons[] = {0, 1, 2, 31, 63};

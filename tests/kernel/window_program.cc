@@ -13,11 +13,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr ::uid_t kNobody = 65534;
-
-[[noreturn]] void Fail(const std::string& what) {
+void Check(bool good, const std::string& what) {
+  if (good) return;
   std::fprintf(stderr, "the window's program: %s\n", what.c_str());
   std::exit(1);
+}
+
+void GiveAway(const fs::path& path) {
+  constexpr ::uid_t kNobody = 65534;
+  Check(chown(path.c_str(), kNobody, kNobody) == 0, path.string() + " can't be given away");
 }
 
 // In memory, as KelvaroctlPath() is, and for the same reasons.
@@ -28,10 +32,6 @@ const std::string& Copy() {
     return folder.In("kelvaro");
   }();
   return path;
-}
-
-void Check(bool set, const std::string& name) {
-  if (!set) Fail("the setting \"" + name + "\" can't be written");
 }
 
 }  // namespace
@@ -51,22 +51,22 @@ std::string WindowProgram::ProfilePath(const std::string& name) const {
 
 void WindowProgram::AddProfile(const std::string& name, const std::string& json) const {
   const Finished packed = RunToEnd({KelvaroctlPath(), "pack", WriteFile(json), ProfilePath(name)});
-  if (packed.status != 0) Fail(packed.err);
+  Check(packed.status == 0, packed.err);
   Set("Last Profile", name);
 }
 
 void WindowProgram::Set(const std::string& name, std::uint32_t value) const {
-  Check(tests::StoredSettings(home).Set(name, value), name);
+  Check(tests::StoredSettings(home).Set(name, value), name + " can't be set");
 }
 
 void WindowProgram::Set(const std::string& name, const std::string& text) const {
-  Check(tests::StoredSettings(home).Set(name, text), name);
+  Check(tests::StoredSettings(home).Set(name, text), name + " can't be set");
 }
 
 void WindowProgram::GiveToNobody() const {
-  if (chown(home.folder.c_str(), kNobody, kNobody) != 0) Fail("can't be given away");
+  GiveAway(home.folder);
   for (const auto& entry : fs::recursive_directory_iterator(home.folder)) {
-    if (chown(entry.path().c_str(), kNobody, kNobody) != 0) Fail("can't be given away");
+    GiveAway(entry.path());
   }
 }
 

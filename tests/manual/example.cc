@@ -9,12 +9,12 @@
 #include "console/json_text.h"
 #include "engine/device_snapshot.h"
 #include "engine/mouse_settings.h"
+#include "tests/engine/axes.h"
 #include "tests/manual/page.h"
 
 namespace kelvaro::manual {
 namespace {
 
-constexpr int kAxisMax = 32000;
 constexpr int kCentred = -1;
 
 // One input, in the way it is held.

@@ -10,6 +10,7 @@
 #include "engine/mouse_emulation.h"
 #include "keys/key_tables.h"
 #include "tests/console/console_run.h"
+#include "tests/engine/axes.h"
 #include "tests/manual/example.h"
 #include "tests/manual/page.h"
 
@@ -93,7 +94,6 @@ TEST(NamesOfTriggersPage, HasNamesAsTheProgramSpellsThem) {
 
 // Pushed all the way, of each sensitivity that the table names, also the ends of "0 to 3".
 TEST(MousePage, TellsTheSpeedsThatComeOfTheCurve) {
-  constexpr int kAxisMax = 32000;
   DIJOYSTATE2 state;
   state.lX = kAxisMax;
   const auto rows =

@@ -157,6 +157,7 @@ class Screen {
   // person; so it is with every act that gives a control the focus.
   void Click(std::uint32_t id);
   void FocusOn(std::uint32_t id);  // by Tab
+  static constexpr std::uint8_t kEnter = 0x0D, kEsc = 0x1B, kF1 = 0x70;
   // A key, by its virtual key, to what has the focus.
   void Press(std::uint8_t vk, bool control = false);
   // Replaces what an edit holds, as if typed: an edit for digits takes those alone.

@@ -521,7 +521,7 @@ class SteeringLoad : public testing::Test {
     for (int i = 0; i < 500; ++i) {
       random = random * 1664525 + 1013904223;
       pad.Press({1 + random / 65536 % 64, 1 + random / 256 % 64});
-      pad.MoveAxis("Axis_X0", random & 1 ? kLimit : -kLimit);
+      pad.MoveAxis("Axis_X0", random & 1 ? kAxisMax : -kAxisMax);
       pad.MoveAxis("Axis_Y0", static_cast<std::int32_t>(random % 64000) - 32000);
       sim.RunUntil(start + 20u * static_cast<std::uint32_t>(i + 1));
     }

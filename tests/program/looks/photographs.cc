@@ -24,6 +24,7 @@
 #include "rendlink/desktop_entries.h"
 #include "rendlink/rendlink_dialog.h"
 #include "rendlink/resources.h"
+#include "tests/engine/axes.h"
 #include "tests/program/looks/hands.h"
 #include "tests/program/looks/stage.h"
 
@@ -211,13 +212,13 @@ class CurvePicture {
   }
 
   void Draw(int sensitivity, const QColor& colour) {
-    constexpr int kAxisMax = 32000;
-    const kelvaro::MouseCurve curve = kelvaro::MakeMouseCurve(
-        kAxisMax, kelvaro::MouseDeadZone(5, kAxisMax), sensitivity + kFactorAtZero);
+    const kelvaro::MouseCurve curve =
+        kelvaro::MakeMouseCurve(kelvaro::kAxisMax, kelvaro::MouseDeadZone(5, kelvaro::kAxisMax),
+                                sensitivity + kFactorAtZero);
     QPolygonF line;
     for (int permille = 0; permille <= 1000; ++permille) {
       platform::DIJOYSTATE2 state;
-      state.lX = permille * (kAxisMax / 1000);
+      state.lX = permille * (kelvaro::kAxisMax / 1000);
       const double counts = kelvaro::NextAccumulated(
           kelvaro::MouseInput(kelvaro::input_kind::kAxisX), state, curve, 0.0);
       line << At(permille / 10.0, counts);
