@@ -9,7 +9,7 @@ namespace kelvaro::console {
 namespace {
 
 // A bad name is quoted up to here.
-constexpr std::size_t kLongestName = 40;
+constexpr std::size_t kLongestKeyName = 40;
 
 // `text` on one line, one column a character, with a caret below the byte at `offset`.
 std::string WithCaret(const std::string& text, std::size_t offset) {
@@ -38,7 +38,7 @@ std::string FaultWords(const std::string& rest, bool duplicateKey) {
   std::vector<std::string> names;
   for (const KeyToken* row = KeyTokenTable; row->name; ++row) names.emplace_back(row->name);
   const std::string meant = DidYouMean(name, names, "<>");
-  if (name.size() > kLongestName) name = name.substr(0, kLongestName) + "...";
+  if (name.size() > kLongestKeyName) name = name.substr(0, kLongestKeyName) + "...";
   return "there is no key <" + name + "> (" + (meant.empty() ? "" : meant + " ") +
          "write << for the character itself)";
 }

@@ -19,7 +19,7 @@ namespace {
 constexpr char kInMemory[] = "/profile";
 
 constexpr std::size_t kNamesTold = 8;
-constexpr std::size_t kLongestName = 64;  // bytes of a name that are told
+constexpr std::size_t kLongestToldName = 64;  // bytes of a name that are told
 
 bool IsFile(const std::string& path) {
   const std::uint32_t attributes = platform::files().GetFileAttributesA(path);
@@ -65,7 +65,7 @@ std::string MostSimilar(std::vector<std::string> names, const std::string& wante
   std::string text = MeantInBrackets(wanted, names);
   text += names.size() == 1 ? "; stored is " : "; stored are ";
   for (std::size_t i = 0; i < names.size() && i < kNamesTold; ++i) {
-    text += (i > 0 ? ", '" : "'") + names[i].substr(0, kLongestName) + "'";
+    text += (i > 0 ? ", '" : "'") + names[i].substr(0, kLongestToldName) + "'";
   }
   if (names.size() > kNamesTold)
     text += " and " + std::to_string(names.size() - kNamesTold) + " more";

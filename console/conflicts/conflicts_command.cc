@@ -21,7 +21,7 @@
 namespace kelvaro::console {
 namespace {
 
-constexpr std::size_t kLongestName = 16;  // characters
+constexpr std::size_t kLongestShown = 16;  // characters
 
 // In the order of Effect.
 constexpr struct {
@@ -54,7 +54,7 @@ std::string InputsOf(const Control& control) {
 // "7 'Jump', B1", with no more of the description than a table has room for.
 std::string Named(const Control& control) {
   std::string text = TerminalText(control.description);
-  if (Characters(text) > kLongestName) text = FirstCharacters(text, kLongestName) + "...";
+  if (Characters(text) > kLongestShown) text = FirstCharacters(text, kLongestShown) + "...";
   if (!text.empty()) text = " '" + text + "'";
   const std::string inputs = InputsOf(control);
   return std::to_string(control.controlId) + text + (inputs.empty() ? "" : ", " + inputs);

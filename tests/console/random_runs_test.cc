@@ -32,7 +32,7 @@ std::string RandomRecording(Random& random) {
   return text;
 }
 
-SentEvent Parse(const std::string& line) {
+SentEvent EventOf(const std::string& line) {
   const tests::Json value = tests::Parsed(line);
   const auto number = [&value](const char* name) { return value[name].Signed().value_or(0); };
   const auto t = static_cast<std::uint64_t>(number("t"));
@@ -67,7 +67,7 @@ TEST(RandomRuns, AreTheSameTwiceAndLeaveNothingDown) {
     std::uint64_t last = 0;
     std::istringstream lines(run.out);
     for (std::string line; std::getline(lines, line);) {
-      const SentEvent event = Parse(line);
+      const SentEvent event = EventOf(line);
       ASSERT_GE(event.t, last) << "seed " << seed << " " << line;
       last = event.t;
       held.See(event);

@@ -10,12 +10,12 @@
 namespace kelvaro {
 namespace {
 
-constexpr char kPath[] = "/game/g";
+constexpr char kGatheredPath[] = "/game/g";
 
 class GatheredFileTest : public testing::Test {
  protected:
   platform::simulation::VirtualDisk& Disk() { return sim.Disk(); }
-  std::string OnDisk() { return Disk().FileBytes(kPath).value_or("<none>"); }
+  std::string OnDisk() { return Disk().FileBytes(kGatheredPath).value_or("<none>"); }
   bool Write(const std::string& bytes) {
     return file.Write(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
   }
@@ -25,7 +25,7 @@ class GatheredFileTest : public testing::Test {
 };
 
 TEST_F(GatheredFileTest, BytesReachTheDiskInOneWriteWhenItIsClosed) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("one "));
   EXPECT_TRUE(Write("two"));
   EXPECT_EQ(OnDisk(), "");
@@ -37,7 +37,7 @@ TEST_F(GatheredFileTest, BytesReachTheDiskInOneWriteWhenItIsClosed) {
 }
 
 TEST_F(GatheredFileTest, WhatIsPatchedGoesDownWithAllBehindIt) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abcdef"));
   EXPECT_TRUE(file.PutDown());
   EXPECT_EQ(OnDisk(), "abcdef");
@@ -53,7 +53,7 @@ TEST_F(GatheredFileTest, WhatIsPatchedGoesDownWithAllBehindIt) {
 }
 
 TEST_F(GatheredFileTest, WhatFollowsIsWrittenWithoutASeek) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   EXPECT_TRUE(file.PutDown());
   EXPECT_TRUE(Write("def"));
@@ -63,7 +63,7 @@ TEST_F(GatheredFileTest, WhatFollowsIsWrittenWithoutASeek) {
 }
 
 TEST_F(GatheredFileTest, APlaceThatCantBeReachedIsToldAndPatchedLater) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abcdef"));
   EXPECT_TRUE(file.PutDown());
   file.Seek(2);
@@ -76,14 +76,14 @@ TEST_F(GatheredFileTest, APlaceThatCantBeReachedIsToldAndPatchedLater) {
 }
 
 TEST_F(GatheredFileTest, ItsRoomDoublesWhereverItIsFull) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   const std::uint64_t before = Allocations();
   for (int i = 0; i < 1024; ++i) EXPECT_TRUE(Write("x"));
   EXPECT_EQ(Allocations() - before, 11u) << "1, 2, 4 and so on up to 1024";
 }
 
 TEST_F(GatheredFileTest, WithoutMemoryNothingIsTaken) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   {
     const FailingAllocations failing;
@@ -96,7 +96,7 @@ TEST_F(GatheredFileTest, WithoutMemoryNothingIsTaken) {
 }
 
 TEST_F(GatheredFileTest, NothingNewIsNotWritten) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   EXPECT_TRUE(file.PutDown());
   EXPECT_TRUE(file.PutDown());
@@ -105,14 +105,14 @@ TEST_F(GatheredFileTest, NothingNewIsNotWritten) {
 }
 
 TEST_F(GatheredFileTest, ASeekBehindTheEndIsToTheEnd) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   file.Seek(100);
   EXPECT_EQ(file.Position(), 3u);
 }
 
 TEST_F(GatheredFileTest, WhatTheSystemTookOfAFailedWriteIsNotWrittenAgain) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abcdef"));
   Disk().FailInside(1, 4);
   EXPECT_FALSE(file.PutDown());
@@ -122,7 +122,7 @@ TEST_F(GatheredFileTest, WhatTheSystemTookOfAFailedWriteIsNotWrittenAgain) {
 }
 
 TEST_F(GatheredFileTest, AWriteThatFailsAtItsEndHasFailed) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   Disk().FailInside(1, 3);
   EXPECT_FALSE(file.PutDown());
@@ -130,7 +130,7 @@ TEST_F(GatheredFileTest, AWriteThatFailsAtItsEndHasFailed) {
 }
 
 TEST_F(GatheredFileTest, ACloseThatFailsClosesAllTheSame) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   Disk().FailOperation(1);
   EXPECT_FALSE(file.Close());
@@ -142,18 +142,18 @@ TEST_F(GatheredFileTest, ACloseThatFailsClosesAllTheSame) {
 
 TEST_F(GatheredFileTest, AClosedFileIsCreatedByNobodyElseUntilItIsReleased) {
   GatheredFile other;
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
-  EXPECT_FALSE(other.Create(kPath));
+  EXPECT_FALSE(other.Create(kGatheredPath));
   EXPECT_TRUE(file.Close());
-  EXPECT_FALSE(other.Create(kPath));
+  EXPECT_FALSE(other.Create(kGatheredPath));
   EXPECT_EQ(OnDisk(), "abc");
   file.Release();
-  EXPECT_TRUE(other.Create(kPath));
+  EXPECT_TRUE(other.Create(kGatheredPath));
 }
 
 TEST_F(GatheredFileTest, AFileReleasedWithoutACloseStaysAsItWasPutDown) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("abc"));
   EXPECT_TRUE(file.PutDown());
   EXPECT_TRUE(Write("def"));
@@ -169,7 +169,7 @@ TEST_F(GatheredFileTest, WithoutAnOpenFileNothingIsTaken) {
 }
 
 TEST_F(GatheredFileTest, TheSameObjectBeginsTheNextFileAfresh) {
-  ASSERT_TRUE(file.Create(kPath));
+  ASSERT_TRUE(file.Create(kGatheredPath));
   EXPECT_TRUE(Write("a long first file"));
   ASSERT_TRUE(file.Create("/game/h"));
   EXPECT_EQ(OnDisk(), "a long first file");

@@ -33,9 +33,9 @@ std::uint32_t EndOr(LSTATUS result) {
   }
 }
 
-using Open = LSTATUS (*)(::HKEY key, const char* path, ::HKEY* opened);
+using OpensKey = LSTATUS (*)(::HKEY key, const char* path, ::HKEY* opened);
 
-std::uint32_t OpenBy(Open open, HKEY key, const std::string& path, HKEY* opened) {
+std::uint32_t OpenBy(OpensKey open, HKEY key, const std::string& path, HKEY* opened) {
   if (HasZeroByte(path)) return ERROR_INVALID_PARAMETER;
   ::HKEY handle = nullptr;
   const LSTATUS result = open(SystemKey(key), KeyPath(path).c_str(), &handle);

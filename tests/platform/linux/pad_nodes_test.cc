@@ -11,7 +11,7 @@ namespace {
 using kelvaro::tests::Put;
 using kelvaro::tests::TemporaryFolder;
 
-DeviceFacts Pad(const std::string& name) {
+DeviceFacts PadNamed(const std::string& name) {
   DeviceFacts facts;
   facts.ids.name = name;
   facts.keys[BTN_SOUTH] = true;
@@ -56,13 +56,13 @@ TEST(FactsInTree, AreNoneOfADeviceThatIsGone) {
 
 TEST(PadNodes, AreThoseOfPadsWhetherOrNotTheyCanBeOpened) {
   FakeMachine machine;
-  const auto open = machine.Plug(1, Pad("Open"));
+  const auto open = machine.Plug(1, PadNamed("Open"));
   DeviceFacts mouse;
   mouse.ids.name = "Mouse";
   machine.Plug(2, mouse);
   Tree tree;
   tree.Has("capabilities/key", "1000000000000 0 0 0 0");
-  const auto closed = machine.Plug(3, Pad("Closed"));
+  const auto closed = machine.Plug(3, PadNamed("Closed"));
   closed->openError = EACCES;
   closed->place.place = tree.Place().place;
   const auto closedMouse = machine.Plug(4, mouse);
