@@ -802,7 +802,9 @@ TEST(RandomSessionTwice, SendsTheSameWhetherThePollsSleepOrNot) {
   int launchers = 0;
   int powerCuts = 0;
   int hung = 0;
-  for (std::uint32_t seed = 1; seed <= Sessions(); ++seed) {
+  // What the sanitizers find they find in each session played once, above.
+  const std::uint32_t sessions = KELVARO_SANITIZED ? Sessions() / 3 : Sessions();
+  for (std::uint32_t seed = 1; seed <= sessions; ++seed) {
     const std::string without = PlayedSession(seed).Sent(false);
     PlayedSession played(seed);
     const std::string with = played.Sent(true);
@@ -813,7 +815,7 @@ TEST(RandomSessionTwice, SendsTheSameWhetherThePollsSleepOrNot) {
     powerCuts += played.powerCuts;
     hung += played.replaysHung;
   }
-  EXPECT_GT(events, 100 * Sessions());
+  EXPECT_GT(events, 100 * sessions);
   EXPECT_GT(games, 2);
   EXPECT_GT(launchers, 2);
   EXPECT_GT(powerCuts, 2);
